@@ -1,0 +1,7 @@
+#include "keplo_mod.h"
+
+namespace keplo {
+
+const std::string VersionText = KEPLO_VERSION;
+
+}  // namespace keplo

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "signal/timing.h"
+
+namespace keplo {
+
+/// Where the road from a capture to a code ended.
+enum class Stage { Empty, Short, NoTiming, EndsInMark, NoFrame, Unknown, Length, Code };
+
+/// Name of a stage as the command line prints it: "empty", "short", "no-timing", "ends-in-mark", "no-frame",
+/// "unknown", "length", "code".
+std::string_view StageName(Stage stage);
+
+/// What the monitor made of one capture.
+struct MonitorReading {
+  MonitorReading() = default;
+  explicit MonitorReading(Stage stage) : Ended(stage) {}
+
+  Stage Ended = Stage::Empty;
+  std::string Digits;  // without the leading G; set from Stage::Length on, and a code only at Stage::Code
+};
+
+/// What a capture leaves in the module state.
+struct SignalState {
+  std::string RawCapture;
+  std::string SampleBits;
+  Timing Measured;
+};
+
+/// Cuts a capture to its signal and at most 100 silent bytes behind it.
+/// @return Stage::Empty or Stage::Short for a capture that holds too little; Stage::Code if it may be read
+Stage TrimCapture(std::string& capture);
+
+/// Reads the trimmed capture of the state into a code; fills its SampleBits and Measured.
+MonitorReading ReadTrimmedCapture(SignalState& state);
+
+/// The whole road from the bytes of a capture to a code.
+MonitorReading ReadCapture(std::string_view capture, SignalState& state);
+
+}  // namespace keplo

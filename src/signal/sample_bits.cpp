@@ -1,0 +1,42 @@
+#include "signal/sample_bits.h"
+
+#include <array>
+#include <cstring>
+
+namespace keplo {
+
+namespace {
+
+constexpr std::size_t kBitsPerByte = 8;
+using ByteText = std::array<char, kBitsPerByte>;
+
+constexpr std::array<ByteText, 256> MakeByteTexts() {
+  std::array<ByteText, 256> texts{};
+  for (std::size_t code = 0; code < texts.size(); ++code) {
+    for (std::size_t bit = 0; bit < kBitsPerByte; ++bit) {
+      texts[code][bit] = (code >> (kBitsPerByte - 1 - bit)) % 2 == 1 ? '1' : '0';
+    }
+  }
+  return texts;
+}
+
+constexpr auto kByteTexts = MakeByteTexts();
+
+}  // namespace
+
+void SamplesToBits(std::string_view capture, std::string& bits) {
+  bits.resize(capture.size() * kBitsPerByte);
+  char* out = bits.data();
+  for (const char character : capture) {
+    std::memcpy(out, kByteTexts[static_cast<unsigned char>(character)].data(), kBitsPerByte);
+    out += kBitsPerByte;
+  }
+}
+
+std::string SamplesToBits(std::string_view capture) {
+  std::string bits;
+  SamplesToBits(capture, bits);
+  return bits;
+}
+
+}  // namespace keplo

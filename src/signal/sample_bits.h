@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace keplo {
+
+/// Length of the monitoring tick's capture buffer, bytes.
+inline constexpr std::size_t kMonitorCaptureBytes = 510;
+
+/// One sample counts as this many microseconds wherever a base time becomes a pulse length.
+inline constexpr int kNominalSampleTime = 55;
+
+/// Turns a capture into its sample string: one character 0 or 1 a sample, eight a byte, most significant bit
+/// first.
+/// @param bits replaced; keeps its memory, so that a tick can use one string again and again
+void SamplesToBits(std::string_view capture, std::string& bits);
+std::string SamplesToBits(std::string_view capture);
+
+}  // namespace keplo

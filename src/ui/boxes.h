@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace keplo::ui {
+
+/// The modal boxes of the user dialogue. A run without a display answers as a cancel.
+class Boxes {
+ public:
+  virtual ~Boxes() = default;
+  /// Shows a text with only an OK button and waits for it.
+  virtual void Message(std::string_view text, std::string_view title) = 0;
+  /// @return true for yes
+  virtual bool Question(std::string_view text, std::string_view title) = 0;
+  /// @return the answer; empty after Cancel
+  virtual std::string Input(std::string_view text, std::string_view title, std::string_view preset) = 0;
+};
+
+}  // namespace keplo::ui
