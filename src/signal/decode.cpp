@@ -95,9 +95,12 @@ std::optional<std::string_view> IsolateFrame(std::string_view symbols) {
 
 std::string DecodeCode(std::string_view frame, std::int16_t kind) {
   switch (kind) {
-    case kSony: return DecodePulseWidth(frame);
-    case kRc5: return DecodeBiphase(frame);
-    default: return DecodePulseDistance(frame);
+    case kSony:
+      return DecodePulseWidth(frame);
+    case kRc5:
+      return DecodeBiphase(frame);
+    default:
+      return DecodePulseDistance(frame);
   }
 }
 

@@ -11,15 +11,19 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kSilenceKept = 100;    // bytes behind the last sample of the signal
+constexpr std::size_t kSilenceKept = 100;     // bytes behind the last sample of the signal
 constexpr std::size_t kShortestCapture = 50;  // bytes
 
 bool LengthFits(std::size_t digits, std::int16_t kind) {
   switch (kind) {
-    case kNec: return digits >= 13;
-    case kSony: return digits == 12;
-    case kRc5: return digits == 14;
-    default: return true;
+    case kNec:
+      return digits >= 13;
+    case kSony:
+      return digits == 12;
+    case kRc5:
+      return digits == 14;
+    default:
+      return true;
   }
 }
 

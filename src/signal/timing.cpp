@@ -7,12 +7,12 @@ namespace keplo {
 
 namespace {
 
-constexpr int kLookAheadPairs = 25;            // about one frame
-constexpr std::size_t kLongestCounted = 99;    // longer runs share this entry
-constexpr std::size_t kLongestSilence = 300;   // a longer space ends the frame, and with it the look
-constexpr std::size_t kFirstPeak = 4;          // base times from 220 us ...
-constexpr std::size_t kLastPeak = 90;          // ... to about 5 ms, at 55 us a sample
-constexpr int kLargestPeakDifference = 5;      // marks and spaces of one base time differ by no more
+constexpr int kLookAheadPairs = 25;           // about one frame
+constexpr std::size_t kLongestCounted = 99;   // longer runs share this entry
+constexpr std::size_t kLongestSilence = 300;  // a longer space ends the frame, and with it the look
+constexpr std::size_t kFirstPeak = 4;         // base times from 220 us ...
+constexpr std::size_t kLastPeak = 90;         // ... to about 5 ms, at 55 us a sample
+constexpr int kLargestPeakDifference = 5;     // marks and spaces of one base time differ by no more
 
 void Count(RunHistogram& histogram, std::size_t run) { ++histogram[std::min(run, kLongestCounted)]; }
 
@@ -67,10 +67,14 @@ std::int16_t KindOf(const Timing& timing, std::size_t peak0, std::size_t peak1) 
 
 std::string_view ProtoKindName(std::int16_t kind) {
   switch (kind) {
-    case kNec: return "NEC";
-    case kSony: return "SONY";
-    case kRc5: return "RC5";
-    default: return "UNK";
+    case kNec:
+      return "NEC";
+    case kSony:
+      return "SONY";
+    case kRc5:
+      return "RC5";
+    default:
+      return "UNK";
   }
 }
 

@@ -40,7 +40,8 @@ void ListView::SetText(int row, int field, std::string_view text) {
 int ListView::Add(std::string_view key) {
   const bool taken =
       !key.empty() && std::any_of(rows_.begin(), rows_.end(), [&](const Row& row) { return row.Key == key; });
-  if (taken) throw Failure(kKeyNotUnique, "The event list already has a row with the key " + std::string(key));
+  if (taken)
+    throw Failure(kKeyNotUnique, "The event list already has a row with the key " + std::string(key));
   rows_.push_back({std::string(key), {}});
   Changed();
   return Count();

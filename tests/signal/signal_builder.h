@@ -1,0 +1,84 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace keplo::tests {
+
+/// Sample string of runs that alternate, ones first.
+inline std::string Runs(const std::vector<int>& runs) {
+  std::string samples;
+  char sample = '1';
+  for (const int run : runs) {
+    samples.append(static_cast<std::size_t>(run), sample);
+    sample = sample == '1' ? '0' : '1';
+  }
+  return samples;
+}
+
+/// Packs a sample string into capture bytes; the last byte is filled with silence.
+inline std::string Bytes(std::string samples) {
+  samples.append((8 - samples.size() % 8) % 8, '0');
+  std::string bytes;
+  for (std::size_t i = 0; i < samples.size(); i += 8) {
+    unsigned code = 0;
+    for (std::size_t bit = 0; bit < 8; ++bit) code = code * 2 + (samples[i + bit] == '1' ? 1U : 0U);
+    bytes += static_cast<char>(code);
+  }
+  return bytes;
+}
+
+/// A capture of the given length with the samples at its head and silence behind them.
+inline std::string Padded(std::string bytes, std::size_t length = 510) {
+  bytes.resize(length, '\0');
+  return bytes;
+}
+
+/// Pulse distance press: leader, one mark and space a digit, closing mark; a unit is 10 and 11 samples in
+/// turn, as on a real line.
+inline std::vector<int> NecRuns(const std::string& digits) {
+  std::vector<int> runs = {160, 80};
+  int jitter = 0;
+  for (const char digit : digits) {
+    runs.push_back(10 + jitter);
+    runs.push_back((digit == '1' ? 30 : 10) + jitter);
+    jitter = 1 - jitter;
+  }
+  runs.push_back(10);
+  return runs;
+}
+
+/// Pulse width press: leader, then a space and a mark a digit.
+inline std::vector<int> SonyRuns(const std::string& digits) {
+  std::vector<int> runs = {45};
+  int jitter = 0;
+  for (const char digit : digits) {
+    runs.push_back(10 + jitter);
+    runs.push_back((digit == '1' ? 21 : 10) + jitter);
+    jitter = 1 - jitter;
+  }
+  return runs;
+}
+
+/// Biphase press: the frame twice with a gap of 1,600 samples, since only a frame behind a gap is read.
+inline std::vector<int> Rc5Runs(const std::string& digits, int frames = 2) {
+  std::string halves;
+  for (const char digit : digits) halves += digit == '1' ? "01" : "10";
+  std::vector<int> frame;
+  for (std::size_t i = halves.find('1'); i < halves.size();) {
+    const std::size_t end = halves.find_first_not_of(halves[i], i);
+    const std::size_t run = (end == std::string::npos ? halves.size() : end) - i;
+    frame.push_back(static_cast<int>(run) * 16 + static_cast<int>(frame.size() % 2));
+    i += run;
+  }
+  if (frame.size() % 2 == 0) frame.pop_back();  // a closing space runs into the gap
+  std::vector<int> runs;
+  for (int count = 0; count < frames; ++count) {
+    if (count > 0) runs.push_back(1600);
+    runs.insert(runs.end(), frame.begin(), frame.end());
+  }
+  return runs;
+}
+
+}  // namespace keplo::tests
