@@ -1,0 +1,119 @@
+#include "line/replay_line.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace keplo {
+
+namespace {
+
+constexpr std::int32_t kUsualDelay = 10;     // the PROCDELAY setting at which SampleTime holds
+constexpr double kSampleTimePerDelay = 0.5;  // microseconds
+constexpr double kShortestSampleTime = 1.0;  // microseconds
+
+LineOptions AtDelay(LineOptions options, std::int32_t delay) {
+  options.SampleTime = std::max(kShortestSampleTime,
+                                options.SampleTime + kSampleTimePerDelay * (double{1} * delay - kUsualDelay));
+  return options;
+}
+
+std::span<char> Limited(std::span<char> buffer, std::int32_t limit) {
+  return buffer.first(std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0))));
+}
+
+/// Answers of the zone hardware for zones 1 to 8: the command byte of the zone less 64.
+constexpr std::array<char, 8> kZoneAnswers = {8, 25, 26, 43, 28, 45, 46, 63};
+
+}  // namespace
+
+ReplayLine::ReplayLine(std::vector<Recording> recordings, std::int16_t receiverKind,
+                       const LineOptions& options)
+    : receiverKind_(receiverKind), options_(options) {
+  for (Recording& recording : recordings) {
+    std::size_t number = 0;
+    for (Press& press : recording.Presses) {
+      presses_.push_back({{recording.Path, ++number}, std::move(press)});
+    }
+  }
+}
+
+void ReplayLine::PlayAgainst(LineClock& clock) {
+  clock_ = &clock;
+  nextStart_ = clock.Now() + kPressPause;
+}
+
+void ReplayLine::AnswerWith(const std::string& characters) {
+  zoneAnswers_.insert(zoneAnswers_.end(), characters.begin(), characters.end());
+}
+
+std::int32_t ReplayLine::OpenCom(std::int32_t /*port*/) { return 1; }
+
+bool ReplayLine::Pending() { return !Done() && (clock_ == nullptr || clock_->Now() >= nextStart_); }
+
+std::int32_t ReplayLine::DCD() {
+  const std::int32_t rest = receiverKind_ == 0 ? 1 : 0;
+  return Pending() ? 1 - rest : rest;
+}
+
+void ReplayLine::Capture(std::span<char> buffer, std::int32_t delay) {
+  if (Done()) return;
+  const LineOptions options = AtDelay(options_, delay);
+  const std::string signal = SignalOfPress(presses_[next_++].Signal, buffer.size(), options);
+  std::copy(signal.begin(), signal.end(), buffer.begin());
+  if (clock_ == nullptr) return;
+
+  const std::size_t lastByte = signal.find_last_not_of('\0') + 1;
+  const auto length = std::chrono::microseconds(
+      static_cast<std::int64_t>(static_cast<double>(lastByte * 8) * options.SampleTime));
+  const std::chrono::microseconds end = std::max(clock_->Now(), nextStart_) + length;
+  clock_->WaitUntil(end);
+  nextStart_ = end + kPressPause;
+}
+
+void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
+
+void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
+
+std::int32_t ReplayLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  if (Done()) return 0;
+  Capture(Limited(buffer, limit), delay);
+  return 1;
+}
+
+std::int32_t ReplayLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  return IRRecord(buffer, delay, limit);
+}
+
+void ReplayLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
+  output_.Signals.push_back({std::string(bytes), pulse, interfaceType});
+  Wait(std::chrono::microseconds(std::int64_t{pulse} * 8 * static_cast<std::int64_t>(bytes.size())));
+}
+
+std::int32_t ReplayLine::ReadChr(char& character) {
+  if (zoneAnswers_.empty()) return 0;
+  const char answer = zoneAnswers_.front();
+  zoneAnswers_.pop_front();
+  if (answer == '\0') return 0;
+  character = answer;
+  return 1;
+}
+
+std::int16_t ReplayLine::CheckZone(char& character) {
+  const auto* const answer = std::find(kZoneAnswers.begin(), kZoneAnswers.end(), character);
+  return answer == kZoneAnswers.end() ? std::int16_t{0}
+                                      : static_cast<std::int16_t>(answer - kZoneAnswers.begin() + 1);
+}
+
+void ReplayLine::uDelay(std::int32_t microseconds) { Wait(std::chrono::microseconds(microseconds)); }
+
+void ReplayLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
+  output_.Beeps.push_back({frequency, duration});
+  Wait(std::chrono::milliseconds(duration));
+}
+
+void ReplayLine::Wait(std::chrono::microseconds duration) {
+  if (clock_ != nullptr) clock_->WaitUntil(clock_->Now() + duration);
+}
+
+}  // namespace keplo

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "formats/recording.h"
+#include "line/line_clock.h"
+#include "line/press_capture.h"
+#include "signal/win32_ser.h"
+
+namespace keplo {
+
+/// A recorded press by its place.
+struct PlayedPress {
+  std::string Path;
+  std::size_t Number = 0;  // in its file, from 1
+};
+
+/// Everything that was put out on a replay line, in order.
+struct LineOutput {
+  struct Signal {
+    std::string Bytes;
+    std::int32_t Pulse;  // microseconds
+    std::int32_t InterfaceType;
+  };
+  struct Beep {
+    std::int32_t Frequency;  // Hz
+    std::int32_t Duration;   // milliseconds
+  };
+
+  std::vector<Signal> Signals;
+  std::string Characters;
+  std::vector<Beep> Beeps;
+  // -1 asserted, 0 released
+  std::int32_t Dtr = 0;
+  std::int32_t Rts = 0;
+  std::int32_t Txd = 0;
+  std::int32_t Mode = 1;
+};
+
+/// A line that plays recorded presses, one a capture, and writes down what is sent.
+///
+/// Without a clock it plays as fast as it is asked and pauses and beeps take no time. With one, presses
+/// follow each other kPressPause apart, captures last as long as the signal, and pauses and beeps are waited
+/// for. A press waits until it is captured; none is lost to a monitor that looks away.
+class ReplayLine : public Win32Ser {
+ public:
+  /// Silence between the end of a press and the next, when playing against a clock.
+  static constexpr std::chrono::milliseconds kPressPause{500};
+
+  /// @param receiverKind 0 DCDStandard, 1 IRMouse; tells the level at which DCD rests
+  explicit ReplayLine(std::vector<Recording> recordings, std::int16_t receiverKind = 0,
+                      const LineOptions& options = {});
+
+  /// Plays against a clock from now on, which must outlive the line.
+  void PlayAgainst(LineClock& clock);
+  void SetReceiverKind(std::int16_t receiverKind) { receiverKind_ = receiverKind; }
+  /// Appends answers of the zone hardware, one character each; NUL is a time-out.
+  void AnswerWith(const std::string& characters);
+
+  /// Whether every press was played.
+  bool Done() const { return next_ == presses_.size(); }
+  /// The press that the last capture took; none before the first capture.
+  const PlayedPress* LastPress() const { return next_ == 0 ? nullptr : &presses_[next_ - 1].Place; }
+  const LineOutput& Output() const { return output_; }
+
+  std::int32_t OpenCom(std::int32_t port) override;
+  void CloseCom() override {}
+  void SetMode(std::int32_t mode) override { output_.Mode = mode; }
+  void DTR(std::int32_t state) override { output_.Dtr = state; }
+  void RTS(std::int32_t state) override { output_.Rts = state; }
+  void TXD(std::int32_t state) override { output_.Txd = state; }
+  std::int32_t DCD() override;
+  void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
+  void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
+  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
+  std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
+  void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
+  void SendChr(char character) override { output_.Characters += character; }
+  std::int32_t ReadChr(char& character) override;
+  std::int16_t CheckZone(char& character) override;
+  void uDelay(std::int32_t microseconds) override;
+  void SpeakBeep(std::int32_t frequency, std::int32_t duration) override;
+
+ private:
+  struct PendingPress {
+    PlayedPress Place;
+    Press Signal;
+  };
+
+  bool Pending();
+  void Capture(std::span<char> buffer, std::int32_t delay);
+  void Wait(std::chrono::microseconds duration);
+
+  std::vector<PendingPress> presses_;
+  std::size_t next_ = 0;
+  std::int16_t receiverKind_;
+  LineOptions options_;
+  LineClock* clock_ = nullptr;
+  std::chrono::microseconds nextStart_{0};
+  std::deque<char> zoneAnswers_;
+  LineOutput output_;
+};
+
+}  // namespace keplo
