@@ -41,7 +41,8 @@ std::vector<Frame> SplitFrames(const PulseTrain& train) {
 
 PulseTrain JoinFrames(const std::vector<Frame>& frames, std::int64_t end) {
   PulseTrain train;
-  std::int64_t time = 0;
+  if (frames.empty()) return train;
+  std::int64_t time = frames.front().Start;
   const auto silenceUntil = [&](std::int64_t until) {
     if (until <= time) return;
     train.push_back(static_cast<int>(std::min<std::int64_t>(until - time, kLongestPulse)));

@@ -2,31 +2,39 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <utility>
+#include <optional>
 #include <vector>
 
 #include "line/frames.h"
+#include "line/line_code.h"
 
 namespace keplo {
 
 namespace {
 
-/// Repeat periods by the first mark of the frame, microseconds. RC5 has no leader: 64 bit times of 1,778 us.
-struct Period {
-  int LongestMark;
-  std::int64_t Microseconds;
-};
-constexpr Period kPeriods[] = {{2000, 113'800}, {2900, 45'000}, {kLongestPulse, 108'000}};
+/// Repeat periods, microseconds. RC5: 64 bit times of 1,778 us.
+constexpr std::int64_t kBiphasePeriod = 113'800;
+constexpr std::int64_t kPulseWidthPeriod = 45'000;
+constexpr std::int64_t kPulseDistancePeriod = 108'000;
+
+/// First marks from this length on, microseconds, are leaders: the double mark of RC5 stays below with any
+/// receiver, the leader of SONY, the shortest known, above.
+constexpr int kShortestLeader = 2100;
 
 /// Smallest silence between two frames, microseconds; longer than what the timing analysis reads through at
 /// any usual sample time, so that the frames stay apart.
 constexpr std::int64_t kLeastSilence = 20'000;
 
-std::int64_t PeriodOf(const Frame& frame) {
-  const auto* const period = std::find_if(std::begin(kPeriods), std::end(kPeriods), [&](const Period& p) {
-    return frame.Runs.front() <= p.LongestMark;
-  });
-  return std::max(period->Microseconds, frame.Length() + kLeastSilence);
+/// Period at which a remote repeats the frame. A frame without a leader is whole in biphase alone; any other
+/// one has lost its head, and nobody sends it twice.
+std::optional<std::int64_t> PeriodOf(const Frame& frame) {
+  const std::optional<PressTiming> timing = MeasurePress({frame});
+  const bool hasLeader = frame.Runs.front() >= kShortestLeader;
+  if (!hasLeader && !(timing && timing->Code == kBiphase)) return std::nullopt;
+  const std::int64_t period = !hasLeader                              ? kBiphasePeriod
+                              : timing && timing->Code == kPulseWidth ? kPulseWidthPeriod
+                                                                      : kPulseDistancePeriod;
+  return std::max(period, frame.Length() + kLeastSilence);
 }
 
 }  // namespace
@@ -34,9 +42,10 @@ std::int64_t PeriodOf(const Frame& frame) {
 PulseTrain HoldPress(const PulseTrain& press, int holdMs) {
   std::vector<Frame> frames = SplitFrames(press);
   if (frames.size() != 1) return press;
-  const std::int64_t period = PeriodOf(frames.front());
+  const std::optional<std::int64_t> period = PeriodOf(frames.front());
+  if (!period) return press;
   const std::int64_t held = std::int64_t{1000} * holdMs;
-  for (std::int64_t start = period; start < held; start += period) {
+  for (std::int64_t start = *period; start < held; start += *period) {
     frames.push_back({frames.front().Runs, start});
   }
   const std::int64_t silence = LengthOf(press) - frames.front().Length();

@@ -5,7 +5,7 @@
 namespace keplo {
 
 /// A press of a single frame as a key held for a time would send it: the frame again and again, at the period
-/// of its protocol. A press of several frames stays as it is.
+/// of its protocol. A press of several frames stays as it is, and so does one whose frame lacks its leader.
 /// @param holdMs how long the key is held, milliseconds; a frame that has begun by then is sent to its end.
 ///        0 leaves the press as it was recorded.
 PulseTrain HoldPress(const PulseTrain& press, int holdMs);

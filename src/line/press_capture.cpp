@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "line/clean_press.h"
 #include "line/hold_press.h"
 
 namespace keplo {
@@ -32,9 +33,11 @@ std::string PulsesToCapture(const PulseTrain& train, double sampleTime, std::siz
 
 std::string SignalOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {
   if (const auto* raw = std::get_if<RawBytes>(&press)) return raw->Bytes.substr(0, bufferBytes);
-  const PulseTrain held = HoldPress(std::get<PulseTrain>(press), options.HoldMs);
-  return PulsesToCapture(options.Shape ? ShapePress(held, bufferBytes, options) : held, options.SampleTime,
-                         bufferBytes);
+  PulseTrain train = std::get<PulseTrain>(press);
+  if (options.Shape) train = CleanPress(train);
+  train = HoldPress(train, options.HoldMs);
+  if (options.Shape) train = ShapePress(train, bufferBytes, options);
+  return PulsesToCapture(train, options.SampleTime, bufferBytes);
 }
 
 std::string CaptureOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {

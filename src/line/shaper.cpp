@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "line/frames.h"
-#include "line/receiver_excess.h"
+#include "line/line_code.h"
 #include "line/whole_samples.h"
 
 namespace keplo {
@@ -26,8 +26,8 @@ void LeaveOutCutFrames(std::vector<Frame>& frames, std::size_t bufferBytes, doub
 
 PulseTrain ShapePress(const PulseTrain& press, std::size_t bufferBytes, const LineOptions& options) {
   std::vector<Frame> frames = SplitFrames(press);
-  const std::optional<ReceiverExcess> receiver = MeasureReceiverExcess(frames);
-  if (receiver) frames = LayOnWholeSamples(frames, *receiver, options.SampleTime);
+  const std::optional<PressTiming> timing = MeasurePress(frames);
+  if (timing) frames = LayOnWholeSamples(frames, *timing, options.SampleTime);
   LeaveOutCutFrames(frames, bufferBytes, options.SampleTime);
   return JoinFrames(frames, LengthOf(press));
 }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "formats/pulse_text.h"
+
+namespace keplo {
+
+/// Frees a recorded press of what is plainly no part of its signal: glitches within marks and spaces, a first
+/// frame that the recording began in, a last one that it ended in, and frames of a plain line code with a run
+/// that is no length of that code. A press in which no whole frame would remain loses its glitches only.
+PulseTrain CleanPress(const PulseTrain& press);
+
+}  // namespace keplo
