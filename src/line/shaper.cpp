@@ -15,6 +15,9 @@ namespace {
 /// Silence that a capture needs at its end, samples: the record flow takes more than 100 for a frame's end.
 constexpr double kClosingSamples = 104;
 
+/// Shorter base times are not measured whatever is done to them, samples.
+constexpr double kShortestBase = 4;
+
 void LeaveOutCutFrames(std::vector<Frame>& frames, std::size_t bufferBytes, double sampleTime) {
   const double end = (static_cast<double>(bufferBytes) * 8 - kClosingSamples) * sampleTime;
   const auto cut = std::find_if(frames.begin(), frames.end(),
@@ -27,7 +30,9 @@ void LeaveOutCutFrames(std::vector<Frame>& frames, std::size_t bufferBytes, doub
 PulseTrain ShapePress(const PulseTrain& press, std::size_t bufferBytes, const LineOptions& options) {
   std::vector<Frame> frames = SplitFrames(press);
   const std::optional<PressTiming> timing = MeasurePress(frames);
-  if (timing) frames = LayOnWholeSamples(frames, *timing, options.SampleTime);
+  if (timing && timing->Unit >= kShortestBase * options.SampleTime) {
+    frames = LayOnWholeSamples(frames, *timing, options.SampleTime);
+  }
   LeaveOutCutFrames(frames, bufferBytes, options.SampleTime);
   return JoinFrames(frames, LengthOf(press));
 }

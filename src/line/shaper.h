@@ -16,12 +16,10 @@ struct LineOptions {
 
 /// Shapes a press so that a capture of it can be measured.
 ///
-/// A receiver lengthens marks and shortens spaces by 50 to 150 us; the excess is measured on the press
-/// itself, taken off the marks and given to the spaces. In a press that is plainly pulse distance, pulse
-/// width or biphase every mark and space then gets the whole number of samples next to its length, so that
-/// equal lengths stay within one sample of each other. A press that is none of these keeps its jitter, and
-/// one whose excess cannot be measured stays as it is. Frames keep their places in time; those that the
-/// buffer would cut are left out, as long as a whole one is there.
+/// A receiver lengthens marks and shortens spaces by 50 to 150 us. In a press that is plainly pulse distance,
+/// pulse width or biphase the excess is measured, taken off the marks and given to the spaces, and equal
+/// lengths come to lie within one sample of each other; a press that is none of these stays as it is. Frames
+/// keep their places in time; those that the buffer would cut are left out, as long as a whole one is there.
 /// @param bufferBytes size of the capture buffer
 PulseTrain ShapePress(const PulseTrain& press, std::size_t bufferBytes, const LineOptions& options);
 

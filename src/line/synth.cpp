@@ -1,7 +1,9 @@
 #include "line/synth.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -13,121 +15,109 @@ namespace keplo {
 
 namespace {
 
-constexpr double kNecUnit = 562.5;  // microseconds
-constexpr double kSonyUnit = 600;
-constexpr double kRc5Unit = 889;
+constexpr int kWrongArgument = 5;  // number of an invalid argument in error records
 
-constexpr double kNecPeriod = 108'000;
-constexpr double kSonyPeriod = 45'000;
-constexpr double kRc5Period = 113'800;
-
-constexpr int kSonyFewestFrames = 3;
-
-using Lengths = std::vector<double>;  // marks and spaces in turn, mark first; ends with a mark
+using Lengths = std::vector<double>;  // base times; marks and spaces in turn, from mark to mark
 
 Lengths NecFrame(std::string_view bits) {
-  Lengths lengths = {16 * kNecUnit, 8 * kNecUnit};
-  for (const char bit : bits) {
-    lengths.push_back(kNecUnit);
-    lengths.push_back(bit == '1' ? 3 * kNecUnit : kNecUnit);
-  }
-  lengths.push_back(kNecUnit);
+  Lengths lengths = {16, 8};
+  for (const char bit : bits) lengths.insert(lengths.end(), {1, bit == '1' ? 3.0 : 1.0});
+  lengths.push_back(1);
   return lengths;
 }
 
-Lengths NecDitto() { return {16 * kNecUnit, 4 * kNecUnit, kNecUnit}; }
+Lengths NecDitto(std::string_view /*bits*/) { return {16, 4, 1}; }
 
 Lengths SonyFrame(std::string_view bits) {
-  Lengths lengths = {4 * kSonyUnit};
-  for (const char bit : bits) {
-    lengths.push_back(kSonyUnit);
-    lengths.push_back(bit == '1' ? 2 * kSonyUnit : kSonyUnit);
-  }
+  Lengths lengths = {4};
+  for (const char bit : bits) lengths.insert(lengths.end(), {1, bit == '1' ? 2.0 : 1.0});
   return lengths;
 }
 
 Lengths Rc5Frame(std::string_view bits) {
   std::string halves;
   for (const char bit : bits) halves += bit == '1' ? "01" : "10";
-  // Spaces at either end are silence.
-  halves = halves.substr(halves.find('1'), halves.rfind('1') + 1 - halves.find('1'));
   Lengths lengths;
-  char last = '0';
-  for (const char half : halves) {
-    if (half != last) lengths.push_back(0);
-    lengths.back() += kRc5Unit;
-    last = half;
+  char last = '0';  // a space at either end is silence
+  for (std::size_t i = halves.find('1'); i <= halves.rfind('1'); ++i) {
+    if (halves[i] != last) lengths.push_back(0);
+    lengths.back() += 1;
+    last = halves[i];
   }
   return lengths;
 }
 
-double LengthOf(const Lengths& lengths) {
-  double sum = 0;
-  for (const double length : lengths) sum += length;
-  return sum;
-}
+/// How a protocol puts a key press on air.
+struct OnAir {
+  std::int16_t Kind;
+  double Unit;    // base time, microseconds
+  double Period;  // from frame to frame, microseconds
+  int FewestRepeats;
+  Lengths (*Frame)(std::string_view bits);
+  Lengths (*Repeat)(std::string_view bits);
+};
 
-/// The press on air: its frames, each at the period behind the one before.
-Lengths OnAir(std::int16_t kind, std::string_view bits, int repeats) {
-  Lengths frame;
-  double period = 0;
-  switch (kind) {
-    case kNec:
-      frame = NecFrame(bits);
-      period = kNecPeriod;
-      break;
-    case kSony:
-      frame = SonyFrame(bits);
-      period = kSonyPeriod;
-      repeats = std::max(repeats, kSonyFewestFrames - 1);
-      break;
-    case kRc5:
-      frame = Rc5Frame(bits);
-      period = kRc5Period;
-      break;
-    default:
-      throw Failure(
-          5, "No press can be made of protocol " + std::to_string(kind) + "; expected NEC, SONY or RC5");
-  }
-  Lengths press = frame;
-  double frameLength = LengthOf(frame);
-  const Lengths repeat = kind == kNec ? NecDitto() : frame;
-  for (int count = 0; count < repeats; ++count) {
-    press.push_back(std::max(period - frameLength, kSonyUnit * 10));
-    press.insert(press.end(), repeat.begin(), repeat.end());
-    frameLength = LengthOf(repeat);
+constexpr std::array kOnAir = {
+    OnAir{kNec, 562.5, 108'000, 0, NecFrame, NecDitto},
+    OnAir{kSony, 600, 45'000, 2, SonyFrame, SonyFrame},
+    OnAir{kRc5, 889, 113'800, 0, Rc5Frame, Rc5Frame},
+};
+
+constexpr double kLeastGap = 10'000;  // microseconds, behind a frame that fills its period
+
+double Sum(const Lengths& lengths) { return std::accumulate(lengths.begin(), lengths.end(), 0.0); }
+
+/// The whole press on air, microseconds.
+Lengths PressOnAir(const OnAir& protocol, std::string_view bits, int repeats) {
+  Lengths press;
+  Lengths frame = protocol.Frame(bits);
+  for (int left = std::max(repeats, protocol.FewestRepeats); left >= 0; --left) {
+    for (const double units : frame) press.push_back(units * protocol.Unit);
+    if (left == 0) break;
+    press.push_back(std::max(protocol.Period - Sum(frame) * protocol.Unit, kLeastGap));
+    frame = protocol.Repeat(bits);
   }
   return press;
 }
 
-/// Near-normal noise of standard deviation 1 by a sum of twelve, with no help of the library's distributions,
-/// which differ between machines.
-double Noise(std::mt19937& generator) {
-  constexpr int kTerms = 12;  // of variance 1/12 each
-  double sum = 0;
-  for (int term = 0; term < kTerms; ++term) sum += static_cast<double>(generator()) / 4294967296.0;
-  return sum - kTerms / 2.0;
+constexpr std::int64_t kNanoseconds = 1000;  // in a microsecond
+
+/// Nearly normal noise: the sum of twelve evenly spread numbers, less their mean, has a standard deviation of
+/// one such number's range. Whole numbers throughout, and none of the library's distributions, since both
+/// those and the rounding of floating point differ between machines.
+/// @param deviation standard deviation
+std::int64_t Noise(std::mt19937& generator, std::int64_t deviation) {
+  constexpr int kTerms = 12;
+  constexpr std::int64_t kRange = std::int64_t{1} << 32;
+  std::int64_t sum = -kTerms / 2 * kRange;
+  for (int term = 0; term < kTerms; ++term) sum += static_cast<std::int64_t>(generator());
+  return sum * deviation / kRange;
 }
 
 }  // namespace
 
 PulseTrain SynthPress(std::int16_t kind, std::string_view bits, const SynthOptions& options) {
-  if (bits.empty() || bits.find_first_not_of("01") != std::string_view::npos) {
-    throw Failure(5,
-                  "No press can be made of the bits \"" + std::string(bits) + "\"; expected digits 0 and 1");
+  const auto* const protocol =
+      std::find_if(kOnAir.begin(), kOnAir.end(), [&](const OnAir& onAir) { return onAir.Kind == kind; });
+  if (protocol == kOnAir.end()) {
+    throw Failure(kWrongArgument, "No press can be made of protocol " + std::to_string(kind) +
+                                      "; expected NEC, SONY or RC5.");
   }
-  const Lengths onAir = OnAir(kind, bits, options.Repeats);
+  if (bits.empty() || bits.find_first_not_of("01") != std::string_view::npos) {
+    throw Failure(kWrongArgument, "No press can be made of the bits \"" + std::string(bits) +
+                                      "\"; expected digits 0 and 1 in the order sent.");
+  }
 
   std::mt19937 generator(options.Seed);
   PulseTrain train;
-  double edge = 0;         // of the remote
-  long long recorded = 0;  // of the receiver
-  for (std::size_t i = 0; i < onAir.size(); ++i) {
-    edge += onAir[i] * (1 + options.ClockError);
-    const double late = (i % 2 == 0 ? options.MarkExcessUs : 0) + Noise(generator) * options.JitterUs;
-    const long long seen = std::max(std::llround(edge + late), recorded + 1);
-    train.push_back(static_cast<int>(seen - recorded));
-    recorded = seen;
+  std::int64_t sent = 0;      // end of the run at the remote, nanoseconds
+  std::int64_t recorded = 0;  // the same at the receiver, microseconds
+  for (const double length : PressOnAir(*protocol, bits, options.Repeats)) {
+    sent += std::llround(length * (1 + options.ClockError) * kNanoseconds);
+    const int late = train.size() % 2 == 0 ? options.MarkExcessUs : 0;
+    const std::int64_t end = (sent + Noise(generator, options.JitterUs * kNanoseconds)) / kNanoseconds + late;
+    train.push_back(static_cast<int>(std::max<std::int64_t>(end - recorded, 1)));
+    recorded += train.back();
   }
   if (options.GapUs > 0) train.push_back(options.GapUs);
   return train;
