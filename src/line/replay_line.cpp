@@ -77,6 +77,7 @@ void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Captur
 
 std::int32_t ReplayLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
   if (Done()) return 0;
+  if (clock_ != nullptr) clock_->WaitUntil(nextStart_);
   Capture(Limited(buffer, limit), delay);
   return 1;
 }

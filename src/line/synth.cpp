@@ -94,6 +94,19 @@ std::int64_t Noise(std::mt19937& generator, std::int64_t deviation) {
   return sum * deviation / kRange;
 }
 
+void CheckOptions(const SynthOptions& options) {
+  const auto check = [](std::string_view name, double value, double least, double most) {
+    if (value >= least && value <= most) return;
+    throw Failure(kWrongArgument, std::string(name) + " is out of bounds; expected " + std::to_string(least) +
+                                      " to " + std::to_string(most) + ".");
+  };
+  check("The mark excess in microseconds", options.MarkExcessUs, -10'000, 10'000);
+  check("The jitter in microseconds", options.JitterUs, 0, 10'000);
+  check("The clock error", options.ClockError, -0.5, 0.5);
+  check("The gap in microseconds", options.GapUs, 0, kLongestPulse);
+  check("The number of repeats", options.Repeats, 0, 1000);
+}
+
 }  // namespace
 
 PulseTrain SynthPress(std::int16_t kind, std::string_view bits, const SynthOptions& options) {
@@ -107,6 +120,8 @@ PulseTrain SynthPress(std::int16_t kind, std::string_view bits, const SynthOptio
     throw Failure(kWrongArgument, "No press can be made of the bits \"" + std::string(bits) +
                                       "\"; expected digits 0 and 1 in the order sent.");
   }
+
+  CheckOptions(options);
 
   std::mt19937 generator(options.Seed);
   PulseTrain train;
