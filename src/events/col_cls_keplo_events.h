@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "events/cls_keplo_event.h"
+#include "events/data.h"
+#include "events/event_set.h"
+#include "host/host_records.h"
+#include "ui/clock.h"
+#include "ui/list_view.h"
+
+namespace keplo {
+
+/// The key of an event in the collection and of its row in the event list: "EM-" + eventID.
+std::string EventKey(std::string_view eventID);
+
+/// Modes of Save.
+enum SaveModes : std::int32_t { kStoreNew = 0, kStoreExisting = 1 };
+
+/// All events of the user's map, kept in step with the database, which is always written first. The objects
+/// in it are the callers' own. Operations that return a boolean throw nothing: a failure is told to the host
+/// through TriggerInputErrorCondition and gives false.
+class colclsKeploEvents {
+ public:
+  colclsKeploEvents(Data& data, const ui::Clock& clock) : data_(data), clock_(clock) {}
+  colclsKeploEvents(const colclsKeploEvents&) = delete;
+  colclsKeploEvents& operator=(const colclsKeploEvents&) = delete;
+
+  std::function<void(HostErrorRecord& objErr, bool& blnStopping)> TriggerInputErrorCondition;
+  std::function<void(HostInputEvent& objInputEvent)> TriggerInputEvent;
+
+  /// Save for an event that exists. It moves to the end of the collection.
+  bool Update(const std::shared_ptr<clsKeploEvent>& objNewMember) {
+    return Save(kStoreExisting, objNewMember);
+  }
+  /// Save for a new event.
+  bool Add(const std::shared_ptr<clsKeploEvent>& objNewMember) { return Save(kStoreNew, objNewMember); }
+
+  /// @param key as EventKey makes it
+  /// @return none if there is no such event
+  std::shared_ptr<clsKeploEvent> Item(std::string_view key) const { return events_.Find(key); }
+  /// @param index from 1
+  std::shared_ptr<clsKeploEvent> Item(std::int32_t index) const;
+  std::int32_t count() const { return static_cast<std::int32_t>(events_.All().size()); }
+  /// For walking all events in their order.
+  const EventSet::Members& NewEnum() const { return events_.All(); }
+  auto begin() const { return NewEnum().begin(); }
+  auto end() const { return NewEnum().end(); }
+
+  /// Raises TriggerInputEvent once for each event, with the present time and nothing else filled in.
+  /// @return false for an empty collection
+  bool TriggerEvent();
+
+  /// Adds the row of an event at the end of the list that Initialise was given.
+  /// @param mode 0; any other adds nothing and gives false
+  bool AddEventMapToListView(std::int32_t mode, const clsKeploEvent& event);
+
+  /// Loads the event table into the collection and the list.
+  /// @param list the event list; must outlive this object
+  /// @return false if the table cannot be read, which Data tells, or if a row cannot be used, which is
+  /// reported;
+  ///         the rows ahead of that one stay loaded
+  bool Initialise(ui::ListView& list);
+
+  /// Writes an event to the database and puts it at the end of the collection.
+  /// @param mode 1 for an event that exists, any other for a new one
+  /// @return false without a report if the database cannot be opened, which Data tells
+  bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);
+
+  /// Deletes an event from the database and the collection; its row in the list stays.
+  bool Delete(std::string_view eventID);
+
+  /// Takes an event out of the collection alone.
+  /// @return false if there is no such key
+  bool Remove(std::string_view key) { return events_.Remove(key); }
+
+  /// The last failure; none before the first.
+  std::shared_ptr<const HostErrorRecord> ErrorRecord() const { return errorRecord_; }
+
+ private:
+  template <typename Body>
+  bool Reporting(const char* operation, Body body);
+  void Report(const char* operation, const std::exception& failure);
+  void Write(std::int32_t mode, const clsKeploEvent& event);
+
+  Data& data_;
+  const ui::Clock& clock_;
+  EventSet events_;
+  std::shared_ptr<HostErrorRecord> errorRecord_;
+  ui::ListView* list_ = nullptr;
+  std::optional<HostInputEvent> inputEvent_;
+};
+
+}  // namespace keplo

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "events/sqlite_handle.h"
+#include "failure.h"
+
+namespace keplo {
+
+/// The connection to the event database. Closed with its owner.
+class Connection {
+ public:
+  /// How long a call waits for another program that holds a lock. A change takes some tens of milliseconds
+  /// on a slow card, and a user is not kept waiting longer than this.
+  static constexpr std::chrono::milliseconds kBusyTimeout{2000};
+
+  explicit Connection(std::chrono::milliseconds busyTimeout = kBusyTimeout) : busyTimeout_(busyTimeout) {}
+
+  /// @return 0 for closed, 1 for open
+  std::int32_t State() const { return database_ == nullptr ? 0 : 1; }
+
+  /// The text of the last Open, whether it succeeded or not; empty before the first.
+  const std::string& ConnectionString() const { return connectionString_; }
+
+  /// Opens an event database that exists; never creates one.
+  /// @param connectionString path of the file; empty for the one of the last Open
+  /// @throws Failure if the file cannot be opened or is not an event database, or if the connection is open
+  void Open(const std::string& connectionString = {});
+
+  /// Runs a statement without rows.
+  /// @throws Failure
+  void Execute(const std::string& sql);
+
+  /// Does nothing on a closed connection.
+  void Close() { database_.reset(); }
+
+  /// The open database.
+  /// @throws Failure on a closed connection: the one of the last Open, if that is why
+  sqlite3* Database() const;
+
+ private:
+  SqliteHandle OpenDatabase() const;
+
+  std::chrono::milliseconds busyTimeout_;
+  std::string connectionString_;
+  SqliteHandle database_;
+  std::optional<Failure> openFailure_;
+};
+
+}  // namespace keplo

@@ -1,0 +1,79 @@
+#include "events/data.h"
+
+#include <array>
+#include <ctime>
+#include <string>
+
+#include "events/error_record.h"
+#include "events/event_schema.h"
+
+namespace keplo {
+
+namespace {
+
+std::string PlatformDate(std::chrono::system_clock::time_point when) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(when);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  std::array<char, 128> text{};
+  std::strftime(text.data(), text.size(), "%c", &local);
+  return text.data();
+}
+
+}  // namespace
+
+Data::Data(const std::filesystem::path& appPath, const ui::Clock& clock,
+           std::chrono::milliseconds busyTimeout)
+    : databasePath_(appPath / kDatabaseFile), clock_(clock), connection_(busyTimeout) {}
+
+std::int32_t Data::CheckConnection() try {
+  if (connection_.State() != 0) return 1;
+  if (connection_.ConnectionString().empty()) return Initialise();
+  connection_.Open();
+  return 1;
+} catch (const std::exception& failure) {
+  Keep(failure, "CheckConnection", "");
+  return 0;
+}
+
+std::int32_t Data::ExecuteSQLCommand(std::string_view sql) try {
+  CheckConnection();
+  connection_.Execute(std::string(sql));
+  return 1;
+} catch (const std::exception& failure) {
+  Keep(failure, "ExecuteSQLCommand", sql);
+  return 0;
+}
+
+std::int32_t Data::ExecuteSQL(std::string_view sql, Recordset& rs) try {
+  CheckConnection();
+  rs = Recordset();
+  rs.Open(sql, connection_);
+  return 1;
+} catch (const std::exception& failure) {
+  Keep(failure, "ExecuteSQL", sql);
+  return 0;
+}
+
+std::int32_t Data::Initialise() try {
+  connection_.Open(databasePath_.string());
+  return 1;
+} catch (const std::exception& failure) {
+  Keep(failure, "Initialise", connection_.ConnectionString());
+  return 0;
+}
+
+std::int32_t Data::CloseConnection() try {
+  if (connection_.State() == 1) connection_.Close();
+  return 1;
+} catch (const std::exception& failure) {
+  Keep(failure, "CloseConnection", "");
+  return 0;
+}
+
+void Data::Keep(const std::exception& failure, std::string_view procedure, std::string_view detail) {
+  errorDetails_ = ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));
+  errorDetails_.ErrorDetail = detail;
+}
+
+}  // namespace keplo

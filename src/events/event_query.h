@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace keplo {
+
+/// The statement that reads the whole event table.
+inline constexpr std::string_view kSelectAllEvents = "select * from colclsKeploEvents";
+
+/// Which rows of the event table a live result set holds.
+struct EventQuery {
+  std::optional<std::string> EventID;  // none for all rows
+};
+
+/// "select * from colclsKeploEvents"
+inline EventQuery AllEvents() { return {}; }
+
+/// "select * from colclsKeploEvents where EventID = '" + eventID + "'", for an ID of any characters: it
+/// reaches the database as a value.
+inline EventQuery EventWithID(std::string_view eventID) { return {std::string(eventID)}; }
+
+}  // namespace keplo

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+
+namespace keplo {
+
+/// Makes the file of an event database with an empty event table, for a first install. The file appears whole
+/// or not at all, is on the disk afterwards, and never takes the place of one that exists.
+/// @throws Failure with the errno and a text that names the file
+void CreateEventTable(const std::filesystem::path& path);
+
+}  // namespace keplo

@@ -1,0 +1,79 @@
+#include "events/sqlite_failure.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+namespace keplo {
+
+namespace {
+
+struct Explanation {
+  int Code;
+  std::string_view Reason;
+  std::string_view Advice;
+};
+
+// Extended codes stand ahead of the primary code that they belong to.
+constexpr Explanation kExplanations[] = {
+    {SQLITE_READONLY_DBMOVED, "was moved or deleted while it was open", "Start the program again."},
+    {SQLITE_READONLY, "cannot be changed",
+     "Give this user the right to write to the file and to its folder."},
+    {SQLITE_BUSY, "is locked by another program",
+     "Close the other program or let it finish, then try again."},
+    {SQLITE_CANTOPEN, "cannot be opened",
+     "Check that it is a file and that this user may read and write it and its folder."},
+    {SQLITE_FULL, "cannot be changed, because the disk is full", "Free some space, then try again."},
+    {SQLITE_IOERR, "cannot be read or written", "Check the disk that it lies on."},
+    {SQLITE_CORRUPT, "is damaged", kReplaceAdvice},
+    {SQLITE_NOTADB, "is not an event database", kReplaceAdvice},
+};
+
+constexpr Explanation kRefused = {SQLITE_ERROR, "refused the statement",
+                                  "Check the statement and that the table is the one of an event map."};
+
+const Explanation& Explain(int code) {
+  const int primary = code & 0xFF;  // the rest of an extended code tells the kind
+  const auto* found =
+      std::find_if(std::begin(kExplanations), std::end(kExplanations),
+                   [&](const auto& entry) { return entry.Code == code || entry.Code == primary; });
+  return found == std::end(kExplanations) ? kRefused : *found;
+}
+
+bool IsFileFailure(int code) {
+  const int primary = code & 0xFF;
+  return primary == SQLITE_CANTOPEN || primary == SQLITE_IOERR;
+}
+
+std::string_view OpenFileName(sqlite3* database) {
+  const char* name = sqlite3_db_filename(database, "main");
+  return name == nullptr ? "" : name;
+}
+
+}  // namespace
+
+std::string DatabaseText(std::string_view path, std::string_view reason, std::string_view advice) {
+  std::string text = "The event database ";
+  text.append(path).append(" ").append(reason).append(". ").append(advice);
+  return text;
+}
+
+Failure FailureOf(sqlite3* database, std::string_view path) {
+  const int code = sqlite3_extended_errcode(database);
+  const int systemError = sqlite3_system_errno(database);
+  if (path.empty()) path = OpenFileName(database);
+  if (IsFileFailure(code) && systemError == ENOENT) {
+    return {code, DatabaseText(path, "does not exist",
+                               "Put a backup there, or run 'keplo install' for an empty one.")};
+  }
+
+  std::string detail = sqlite3_errmsg(database);
+  if (IsFileFailure(code) && systemError != 0) detail += ": " + std::generic_category().message(systemError);
+  const Explanation& explanation = Explain(code);
+  return {code,
+          DatabaseText(path, std::string(explanation.Reason) + " (" + detail + ")", explanation.Advice)};
+}
+
+}  // namespace keplo

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "failure.h"
+
+struct sqlite3;
+
+namespace keplo {
+
+/// What to do about a database that cannot be used.
+inline constexpr std::string_view kReplaceAdvice =
+    "Put a backup in its place, or move it away and run 'keplo install' for an empty event map.";
+
+/// "The event database PATH REASON. ADVICE"
+std::string DatabaseText(std::string_view path, std::string_view reason, std::string_view advice);
+
+/// The last failure of a database: SQLite's extended result code and a text that tells the user which file
+/// it is, what is wrong and what to do.
+/// @param path the file as the caller knows it; empty for the one that SQLite has open
+Failure FailureOf(sqlite3* database, std::string_view path = {});
+
+}  // namespace keplo

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+
+struct sqlite3;
+
+namespace keplo {
+
+struct SqliteCloser {
+  void operator()(sqlite3* database) const;
+};
+
+/// An open SQLite database, closed with its owner.
+using SqliteHandle = std::unique_ptr<sqlite3, SqliteCloser>;
+
+/// Runs statements that give no rows.
+/// @throws Failure with SQLite's number and a text that names the file
+void RunSql(sqlite3* database, const char* sql);
+
+}  // namespace keplo
