@@ -18,11 +18,13 @@ constexpr double kClosingSamples = 104;
 /// Shorter base times are not measured whatever is done to them, samples.
 constexpr double kShortestBase = 4;
 
+/// The first frame stays even if it is cut.
 void LeaveOutCutFrames(std::vector<Frame>& frames, std::size_t bufferBytes, double sampleTime) {
+  if (frames.empty()) return;
   const double end = (static_cast<double>(bufferBytes) * 8 - kClosingSamples) * sampleTime;
-  const auto cut = std::find_if(frames.begin(), frames.end(),
+  const auto cut = std::find_if(frames.begin() + 1, frames.end(),
                                 [&](const Frame& frame) { return static_cast<double>(frame.End()) > end; });
-  if (cut != frames.begin()) frames.erase(cut, frames.end());
+  frames.erase(cut, frames.end());
 }
 
 }  // namespace

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include "line/frames.h"
+#include "line/press_capture.h"
+#include "line/synth.h"
+#include "signal/monitor_road.h"
+
+namespace keplo::tests {
+
+inline const std::string kNecBits = "00100000110111110001000011101111";
+inline const std::string kSonyBits = "101010010000";
+inline const std::string kRc5Bits = "11000000001100";
+
+/// A press without jitter, with the given mark excess in microseconds.
+inline PulseTrain Clean(std::int16_t kind, const std::string& bits, int excess = 0, int repeats = 2) {
+  SynthOptions options;
+  options.MarkExcessUs = excess;
+  options.JitterUs = 0;
+  options.Repeats = repeats;
+  return SynthPress(kind, bits, options);
+}
+
+/// What the monitor reads in a press: the digits, or the stage at which it gave up.
+inline std::string Heard(const PulseTrain& press, const LineOptions& options = {}) {
+  SignalState state;
+  const MonitorReading reading = ReadCapture(CaptureOfPress(press, kMonitorCaptureBytes, options), state);
+  return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
+}
+
+}  // namespace keplo::tests

@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "press_builder.h"
+#include "signal/decode.h"
+
+namespace keplo {
+namespace {
+
+using tests::Heard;
+namespace fs = std::filesystem;
+
+/// Recordings of real remotes with an index.json of their true bits; they are no part of the project.
+fs::path CapturesFolder() {
+  const char* set = std::getenv("KEPLO_CAPTURES");
+  return set != nullptr ? fs::path(set) : fs::path(KEPLO_SOURCE_DIR) / ".." / "shared" / "captures";
+}
+
+TEST(RealRecordings, AreHeardRightOrNotAtAll) {
+  std::ifstream index(CapturesFolder() / "index.json");
+  if (!index)
+    GTEST_SKIP() << "There are no recordings in " << CapturesFolder() << "; KEPLO_CAPTURES names a folder.";
+  const nlohmann::json entries = nlohmann::json::parse(index);
+
+  for (const int sampleTime : {50, 55, 60}) {
+    LineOptions line;
+    line.SampleTime = sampleTime;
+    std::size_t right = 0;
+    for (const nlohmann::json& entry : entries) {
+      std::string code = entry.at("bits");
+      if (entry.at("protocol") == "rc5") code[kToggleBitOffset] = '0';
+      const std::string file = entry.at("file");
+      const Recording recording = LoadRecording((CapturesFolder() / file).string());
+      const std::string heard = Heard(std::get<PulseTrain>(recording.Presses.at(0)), line);
+      // The analysis cannot measure a press whose longer marks or spaces outnumber the shorter ones.
+      EXPECT_TRUE(heard == code || heard == "no-timing") << file << " at " << sampleTime << " us: " << heard;
+      if (heard == code) ++right;
+    }
+    EXPECT_GE(right * 4, entries.size() * 3) << "at " << sampleTime << " us";
+  }
+}
+
+}  // namespace
+}  // namespace keplo

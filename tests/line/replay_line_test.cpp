@@ -1,0 +1,147 @@
+#include "line/replay_line.h"
+
+#include <gtest/gtest.h>
+
+#include "press_builder.h"
+#include "signal/timing.h"
+#include "signal/zone_link.h"
+
+namespace keplo {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using tests::Clean;
+
+constexpr std::int32_t kDelay = 10;
+
+/// A clock that stands until somebody waits.
+class TestClock : public LineClock {
+ public:
+  std::chrono::microseconds Time{0};
+
+  std::chrono::microseconds Now() override { return Time; }
+  void WaitUntil(std::chrono::microseconds time) override { Time = std::max(Time, time); }
+};
+
+std::vector<Recording> TwoFiles() {
+  return {{"a", {Clean(kSony, tests::kSonyBits)}},
+          {"b", {RawBytes{"\x01\x02\x03"s}, Clean(kNec, tests::kNecBits)}}};
+}
+
+std::string Monitored(ReplayLine& line, std::size_t bytes = 510) {
+  std::string buffer(bytes, '\0');
+  line.IRMonitor(buffer, kDelay);
+  return buffer;
+}
+
+TEST(ReplayLine, PlaysOnePressACaptureAndTellsWhich) {
+  ReplayLine line(TwoFiles());
+  EXPECT_EQ(line.LastPress(), nullptr);
+  std::vector<std::string> played;
+  while (!line.Done()) {
+    EXPECT_EQ(line.DCD(), 0) << "away from rest while a press is pending";
+    const std::string capture = Monitored(line);
+    EXPECT_NE(capture, std::string(510, '\0'));
+    played.push_back(line.LastPress()->Path + std::to_string(line.LastPress()->Number));
+  }
+  EXPECT_EQ(played, (std::vector<std::string>{"a1", "b1", "b2"}));
+  EXPECT_EQ(line.DCD(), 1);
+  EXPECT_EQ(Monitored(line), std::string(510, '\0')) << "nothing is pending";
+}
+
+TEST(ReplayLine, RestsAtTheLevelOfItsReceiver) {
+  ReplayLine line({}, 1);
+  EXPECT_EQ(line.DCD(), 0);
+  line.SetReceiverKind(0);
+  EXPECT_EQ(line.DCD(), 1);
+}
+
+TEST(ReplayLine, RecordsUpToTheLimit) {
+  ReplayLine line(TwoFiles());
+  std::string buffer(1000, 'x');
+  EXPECT_NE(line.IRRecordN(buffer, kDelay, 100), 0) << "either receiver's call takes the press";
+  EXPECT_EQ(buffer.substr(0, 100), CaptureOfPress(Clean(kSony, tests::kSonyBits), 100, {}));
+  EXPECT_EQ(buffer.substr(100), std::string(900, 'x'));
+  EXPECT_NE(line.IRRecord(buffer, kDelay, 2), 0);
+  EXPECT_EQ(buffer.substr(0, 2), "\x01\x02");
+  EXPECT_NE(line.IRRecord(buffer, kDelay, -1), 0);
+  EXPECT_EQ(line.IRRecord(buffer, kDelay, 1000), 0) << "no press is left";
+}
+
+TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
+  ReplayLine line({{"a", {Clean(kSony, tests::kSonyBits), Clean(kSony, tests::kSonyBits)}}});
+  std::string buffer(510, '\0');
+  line.IRMonitorN(buffer, kDelay + 20);
+  LineOptions slower;
+  slower.SampleTime = 65;
+  EXPECT_EQ(buffer, CaptureOfPress(Clean(kSony, tests::kSonyBits), 510, slower));
+  line.IRMonitor(buffer, -1'000'000);
+  EXPECT_EQ(buffer.substr(0, 300), std::string(300, '\xFF')) << "no sample takes less than a microsecond";
+}
+
+TEST(ReplayLine, PlaysAgainstAClock) {
+  TestClock clock;
+  ReplayLine line(TwoFiles());
+  line.PlayAgainst(clock);
+  EXPECT_EQ(line.DCD(), 1) << "the first press comes behind a pause";
+  clock.Time += 500ms;
+  EXPECT_EQ(line.DCD(), 0);
+  Monitored(line);
+  // Three SONY frames, 45 ms from one to the next, the last of them 19.2 ms long.
+  EXPECT_NEAR(static_cast<double>(clock.Time.count()), 500'000 + 109'200, 8 * 55);
+  EXPECT_EQ(line.DCD(), 1);
+
+  std::string buffer(510, '\0');
+  const auto before = clock.Time;
+  EXPECT_NE(line.IRRecord(buffer, kDelay, 510), 0);
+  EXPECT_GE(clock.Time - before, 500ms) << "a recording waits for its press";
+
+  clock.Time = 0s;
+  line.SpeakBeep(600, 1000);
+  line.uDelay(200'000);
+  line.IRSend("\xAA\xAA", 500, 0);
+  EXPECT_EQ(clock.Time, 1s + 200ms + 8ms);
+}
+
+TEST(ReplayLine, WritesDownWhatIsSent) {
+  ReplayLine line({});
+  EXPECT_EQ(line.OpenCom(31), 1);
+  line.DTR(-1);
+  line.RTS(-1);
+  line.TXD(-1);
+  line.TXD(0);
+  line.SetMode(2);
+  line.IRSend("\xA0\0"s, 889, 9);
+  line.SpeakBeep(5000, 50);
+  line.SendChr('P');
+  line.uDelay(200'000);
+  const LineOutput& output = line.Output();
+  EXPECT_EQ(output.Dtr, -1);
+  EXPECT_EQ(output.Rts, -1);
+  EXPECT_EQ(output.Txd, 0);
+  EXPECT_EQ(output.Mode, 2);
+  ASSERT_EQ(output.Signals.size(), 1U);
+  EXPECT_EQ(output.Signals[0].Bytes, "\xA0\0"s);
+  EXPECT_EQ(output.Signals[0].Pulse, 889);
+  EXPECT_EQ(output.Signals[0].InterfaceType, 9);
+  ASSERT_EQ(output.Beeps.size(), 1U);
+  EXPECT_EQ(output.Beeps[0].Frequency, 5000);
+  EXPECT_EQ(output.Characters, "P");
+}
+
+TEST(ReplayLine, AnswersForTheZoneHardware) {
+  ReplayLine line({});
+  line.AnswerWith("\0\x48\x2B"s);  // a time-out, an echo, then zone 4
+  EXPECT_EQ(QueryZone(line), 4);
+  EXPECT_EQ(line.Output().Characters, "PPP");
+  EXPECT_EQ(QueryZone(line), kNoZone);
+
+  for (std::int16_t zone = 1; zone <= 8; ++zone) {
+    line.AnswerWith(std::string(1, static_cast<char>(ExpandGenericBits(zone, "11") - 64)));
+    EXPECT_EQ(QueryZone(line), zone);
+  }
+}
+
+}  // namespace
+}  // namespace keplo
