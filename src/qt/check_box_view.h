@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QCheckBox>
+
+#include "qt/model_link.h"
+#include "ui/check_box.h"
+
+namespace keplo::qt {
+
+/// A check box over its model.
+class CheckBoxView : public QCheckBox {
+ public:
+  CheckBoxView(ui::CheckBox& model, const QString& caption, QWidget* parent);
+
+ private:
+  ui::CheckBox& model_;
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt

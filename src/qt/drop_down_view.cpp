@@ -1,0 +1,34 @@
+#include "qt/drop_down_view.h"
+
+#include <QSignalBlocker>
+#include <algorithm>
+
+#include "qt/text.h"
+
+namespace keplo::qt {
+
+DropDownView::DropDownView(ui::DropDownList& model, QWidget* parent)
+    : QComboBox(parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
+  Redraw();
+  connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
+    if (link_.Alive()) model_.Select(index);
+  });
+}
+
+void DropDownView::Redraw() {
+  const QSignalBlocker ownChangesOnly(this);
+  const std::vector<std::string>& entries = model_.Entries();
+  const bool onlyAdded =
+      shown_.size() <= entries.size() && std::equal(shown_.begin(), shown_.end(), entries.begin());
+  if (!onlyAdded) {
+    clear();
+    shown_.clear();
+  }
+  while (shown_.size() < entries.size()) {
+    shown_.push_back(entries[shown_.size()]);
+    addItem(ShownText(shown_.back()));
+  }
+  setCurrentIndex(model_.ListIndex());  // adding to an empty combo box selects its first entry
+}
+
+}  // namespace keplo::qt

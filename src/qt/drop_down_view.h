@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QComboBox>
+#include <string>
+#include <vector>
+
+#include "qt/model_link.h"
+#include "ui/drop_down_list.h"
+
+namespace keplo::qt {
+
+/// A combo box over a drop-down list.
+class DropDownView : public QComboBox {
+ public:
+  DropDownView(ui::DropDownList& model, QWidget* parent);
+
+ private:
+  void Redraw();
+
+  ui::DropDownList& model_;
+  std::vector<std::string> shown_;
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt

@@ -1,0 +1,133 @@
+#include "qt/event_dialog_view.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "qt/check_box_view.h"
+#include "qt/drop_down_view.h"
+#include "qt/text.h"
+#include "qt/text_box_view.h"
+
+namespace keplo::qt {
+
+namespace {
+
+// Letters of room in edit fields and lists: most names fit without scrolling.
+constexpr int kFieldLetters = 36;
+
+/// How one field of the dialog presents itself.
+struct Field {
+  const char* Name;
+  std::string_view Label;
+  char AccessKey;
+  std::string_view Tip = {};
+};
+
+class Form : public QGroupBox {
+ public:
+  Form(std::string_view title, QWidget* parent) : QGroupBox(ShownCaption(title), parent), rows_(this) {
+    rows_.setColumnStretch(1, 1);
+  }
+
+  QLabel* AddRow(const Field& field, QWidget* widget) {
+    auto* label = new QLabel(ShownCaption(field.Label, field.AccessKey), this);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(widget);
+    const int row = rows_.rowCount();
+    rows_.addWidget(label, row, 0);
+    rows_.addWidget(widget, row, 1);
+    Present(field, widget);
+    widget->setMinimumWidth(widget->fontMetrics().averageCharWidth() * kFieldLetters);
+    return label;
+  }
+
+  void AddUnlabelledRow(const Field& field, QWidget* widget) {
+    rows_.addWidget(widget, rows_.rowCount(), 1);
+    Present(field, widget);
+  }
+
+ private:
+  static void Present(const Field& field, QWidget* widget) {
+    widget->setObjectName(QLatin1String(field.Name));
+    QString spoken = ShownText(field.Label);
+    if (spoken.endsWith(QLatin1Char(':'))) spoken.chop(1);
+    widget->setAccessibleName(spoken);
+    widget->setToolTip(ShownText(field.Tip));
+    widget->setAccessibleDescription(ShownText(field.Tip));
+  }
+
+  QGridLayout rows_;
+};
+
+/// A list as wide as the form gives it; its entries may be wider than any sensible dialog.
+DropDownView* Narrow(DropDownView* list) {
+  list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  list->setMinimumContentsLength(1);
+  list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  return list;
+}
+
+}  // namespace
+
+EventDialogView::EventDialogView(frmEvent& model, QWidget* parent)
+    : QDialog(parent),
+      model_(model),
+      titleLink_(model.OnTitleChanged, [this] { setWindowTitle(ShownText(model_.Title())); }),
+      hideLink_(model.OnHide, [this] { done(QDialog::Accepted); }) {
+  setObjectName(QStringLiteral("frmEvent"));
+  setWindowTitle(ShownText(model.Title()));
+  auto* rows = new QVBoxLayout(this);
+  rows->addWidget(Details());
+  rows->addWidget(Command());
+  rows->addStretch(1);
+  rows->addLayout(Buttons());
+}
+
+QWidget* EventDialogView::Details() {
+  using F = frmEvent;
+  auto* form = new Form(F::kDetailsFrame, this);
+  form->AddRow({"EventName", F::kEventNameLabel, 'n', F::kEventNameTip},
+               new TextBoxView(model_.EventName, form));
+  form->AddRow({"EventDescription", F::kEventDescriptionLabel, 'D', F::kEventDescriptionTip},
+               new TextBoxView(model_.EventDescription, form));
+  form->AddUnlabelledRow({"EvtEnable", F::kEnableCaption, 'E'},
+                         new CheckBoxView(model_.EvtEnable, ShownCaption(F::kEnableCaption, 'E'), form));
+  return form;
+}
+
+QWidget* EventDialogView::Command() {
+  using F = frmEvent;
+  auto* form = new Form(F::kCommandFrame, this);
+  form->AddRow({"Protocol", F::kProtocolLabel, 'P'}, Narrow(new DropDownView(model_.Protocol, form)));
+  form->AddRow({"SendCmd", F::kSendCmdLabel, 'C'}, Narrow(new DropDownView(model_.SendCmd, form)));
+  auto* zones = new DropDownView(model_.ZoneListBox, form);
+  QLabel* label = form->AddRow({"ZoneListBox", F::kVexilLabel, 'Z', F::kZoneTip}, Narrow(zones));
+  label->setObjectName(QStringLiteral("VexilLabel"));
+  label->setVisible(model_.ZoneVisible);
+  zones->setVisible(model_.ZoneVisible);
+  return form;
+}
+
+QLayout* EventDialogView::Buttons() {
+  auto* accept = new QPushButton(QStringLiteral("&OK"), this);
+  accept->setObjectName(QStringLiteral("OKButton"));
+  accept->setDefault(true);
+  connect(accept, &QPushButton::clicked, this, [this] { model_.OKButton_Click(); });
+  auto* cancel = new QPushButton(QStringLiteral("C&ancel"), this);
+  cancel->setObjectName(QStringLiteral("CancelButton"));
+  connect(cancel, &QPushButton::clicked, this, [this] { model_.CancelButton_Click(); });
+
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch(1);
+  buttons->addWidget(accept);
+  buttons->addWidget(cancel);
+  return buttons;
+}
+
+void EventDialogView::reject() { model_.CancelButton_Click(); }
+
+}  // namespace keplo::qt

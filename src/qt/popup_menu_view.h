@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QMenu>
+
+#include "qt/model_link.h"
+#include "ui/menu.h"
+
+namespace keplo::qt {
+
+/// A menu that comes up where its owner last said, whenever its model is told to pop up.
+class PopupMenuView : public QMenu {
+ public:
+  PopupMenuView(ui::PopupMenu& model, QWidget* parent);
+
+  /// Where the menu comes up, in screen coordinates.
+  QPoint Position;
+
+ private:
+  void PopUp();
+  void AddEntry(std::size_t index, QString& takenKeys);
+
+  ui::PopupMenu& model_;
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt

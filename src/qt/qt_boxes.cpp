@@ -1,0 +1,41 @@
+#include "qt/qt_boxes.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+
+#include "qt/text.h"
+
+namespace keplo::qt {
+
+namespace {
+
+QString Lines(std::string_view text) {
+  return ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons) {
+  QMessageBox box(QMessageBox::NoIcon, ShownText(title), Lines(text), buttons, QApplication::activeWindow());
+  box.setTextFormat(Qt::PlainText);
+  return box.exec();
+}
+
+}  // namespace
+
+void QtBoxes::Message(std::string_view text, std::string_view title) { Ask(text, title, QMessageBox::Ok); }
+
+bool QtBoxes::Question(std::string_view text, std::string_view title) {
+  return Ask(text, title, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
+std::string QtBoxes::Input(std::string_view text, std::string_view title, std::string_view preset) {
+  QInputDialog box(QApplication::activeWindow());
+  box.setWindowTitle(ShownText(title));
+  box.setLabelText(Lines(text));
+  box.setTextValue(ShownText(preset));
+  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  return box.exec() == QDialog::Accepted ? TypedText(box.textValue()) : std::string();
+}
+
+}  // namespace keplo::qt

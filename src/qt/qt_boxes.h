@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ui/boxes.h"
+
+namespace keplo::qt {
+
+/// The modal boxes as Qt dialogs over the active window. Texts are shown as they are, never as markup.
+class QtBoxes : public ui::Boxes {
+ public:
+  /// One button, no icon.
+  void Message(std::string_view text, std::string_view title) override;
+  bool Question(std::string_view text, std::string_view title) override;
+  std::string Input(std::string_view text, std::string_view title, std::string_view preset) override;
+};
+
+}  // namespace keplo::qt

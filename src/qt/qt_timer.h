@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QTimer>
+
+#include "qt/model_link.h"
+#include "ui/timer.h"
+
+namespace keplo::qt {
+
+/// Ticks a timer from Qt's event loop while it is enabled.
+class QtTimer : public QTimer {
+ public:
+  explicit QtTimer(ui::Timer& model, QObject* parent = nullptr);
+
+ private:
+  void FollowModel();
+
+  ui::Timer& model_;
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt
