@@ -1,0 +1,193 @@
+#include "events/col_cls_keplo_events.h"
+
+#include <gtest/gtest.h>
+
+#include "event_map_fixture.h"
+#include "events/failure_numbers.h"
+
+namespace keplo {
+namespace {
+
+using tests::Event;
+using tests::EventFolder;
+using tests::EventMap;
+using tests::Lines;
+using tests::ShownAll;
+using tests::StoredEvents;
+
+std::string Report(const std::string& operation, int number) {
+  return "colclsKeploEvents|colclsKeploEvents." + operation + "|" + std::to_string(number) +
+         "|07-Nov-2002 16:31:11|";
+}
+
+Lines Row(const ui::ListView& list, int row) {
+  Lines texts;
+  for (int field = 0; field < ui::ListView::kFields; ++field) texts.push_back(list.Text(row, field));
+  return texts;
+}
+
+TEST(EventCollection, LoadsTheTableInItsOrder) {
+  const EventFolder folder;
+  EventMap writer(folder), reader(folder);
+  ASSERT_TRUE(writer.Load());
+  EXPECT_EQ(writer.Events.count(), 0);
+  writer.Events.Add(Event("30"));
+  writer.Events.Add(
+      std::make_shared<clsKeploEvent>(clsKeploEvent{"12", "Mute", "quiet", "RC5&MUTE", false, 0}));
+  writer.Events.Add(Event("b", "Röd knapp 🔴"));
+  EXPECT_EQ(writer.List.Count(), 0);  // the host operations keep the rows
+
+  ASSERT_TRUE(reader.Load());
+  EXPECT_EQ(reader.Members(), (Lines{"30|Power||NEC&POWER|on|3", "12|Mute|quiet|RC5&MUTE|off|0",
+                                     "b|Röd knapp 🔴||NEC&POWER|on|3"}));
+  EXPECT_EQ(Row(reader.List, 1), (Lines{"Power", "", "NEC&POWER", "True", "3", "30"}));
+  EXPECT_EQ(Row(reader.List, 2), (Lines{"Mute", "quiet", "RC5&MUTE", "False", "0", "12"}));
+  EXPECT_EQ(reader.Events.Item("EM-12"), reader.Events.Item(2));
+  for (const int index : {0, 4, -1}) EXPECT_EQ(reader.Events.Item(index), nullptr);
+  EXPECT_EQ(reader.Events.Item("12"), nullptr);
+}
+
+TEST(EventCollection, MovesAChangedEventToTheEndAndKeepsTheCallersObject) {
+  const EventFolder folder;
+  EventMap map(folder);
+  const auto first = Event("1"), replacement = Event("2", "Replaced");
+  map.Events.Add(first);
+  map.Events.Add(Event("2"));
+
+  first->EventName = "Renamed";  // in place, as the dialog does
+  EXPECT_TRUE(map.Events.Update(*map.Events.begin()));
+  EXPECT_EQ(map.Events.Item(2), first);
+  EXPECT_TRUE(map.Events.Update(replacement));  // a new object, as the context menu does
+  EXPECT_EQ(map.Events.Item(2), replacement);
+  EXPECT_EQ(map.Events.count(), 2);
+  EXPECT_EQ(StoredEvents(folder), (Lines{"1|Renamed||NEC&POWER|on|3", "2|Replaced||NEC&POWER|on|3"}));
+}
+
+TEST(EventCollection, TakesAnIDOfAnyCharacters) {
+  for (const std::string id :
+       {"it's", "' or '1' = '1", "1'; drop table colclsKeploEvents; --", "%_\"\\", ""}) {
+    const EventFolder folder;
+    EventMap map(folder);
+    map.Events.Add(Event("other"));
+    ASSERT_TRUE(map.Events.Add(Event(id))) << id;
+    ASSERT_TRUE(map.Events.Update(Event(id, "Changed"))) << id;
+    EXPECT_EQ(StoredEvents(folder), (Lines{"other|Power||NEC&POWER|on|3", id + "|Changed||NEC&POWER|on|3"}));
+    ASSERT_TRUE(map.Events.Delete(id)) << id;
+    EXPECT_EQ(map.Members(), Lines{"other|Power||NEC&POWER|on|3"});
+    EXPECT_EQ(StoredEvents(folder), map.Members());
+  }
+}
+
+TEST(EventCollection, ReportsAChangeOfAnUnknownEvent) {
+  const EventFolder folder;
+  EventMap map(folder);
+  map.Events.Add(Event("1"));
+  EXPECT_FALSE(map.Events.Update(Event("2")));
+  EXPECT_FALSE(map.Events.Delete("2"));
+  EXPECT_EQ(ShownAll(map.Errors), (Lines{Report("Save", kNoCurrentRow), Report("Delete", kNoCurrentRow)}));
+  EXPECT_EQ(map.Events.count(), 1);
+  EXPECT_EQ(StoredEvents(folder), map.Members());
+}
+
+TEST(EventCollection, WritesASecondEventOfOneIDToTheTableAlone) {
+  const EventFolder folder;
+  EventMap map(folder), next(folder);
+  map.Events.Add(Event("1"));
+  EXPECT_FALSE(map.Events.Add(Event("1", "Second")));
+  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("Save", kKeyTaken)});
+  EXPECT_EQ(map.Events.count(), 1);
+
+  EXPECT_FALSE(next.Load());
+  EXPECT_EQ(ShownAll(next.Errors), Lines{Report("Initialise", kKeyTaken)});
+  EXPECT_EQ(next.List.Count(), 1);
+  EXPECT_TRUE(next.Events.Delete("1"));  // the first of the two
+  EXPECT_EQ(StoredEvents(folder), Lines{"1|Second||NEC&POWER|on|3"});
+}
+
+TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
+  struct Case {
+    const char* BadRow;
+    int Number;
+    const char* Text;
+  };
+  const Case cases[] = {
+      {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 2 of the event table holds null"},
+      {"('2', 'n', 'd', 'c', null, 0)", kNullValue, "Column Enabled of row 2 "},
+      {"('2', 'n', 'd', 'c', 1, null)", kNullValue, "Column Zone of row 2 "},
+      {"('2', 'n', 'd', 'c', 'maybe', 0)", kWrongType, "holds another type, expected a yes or no"},
+      {"('2', 'n', 'd', 'c', 1, 70000)", kNumberTooLarge, "holds 70000, expected a whole number"},
+  };
+  for (const Case& bad : cases) {
+    const EventFolder folder(
+        "drop table colclsKeploEvents; create table colclsKeploEvents (EventID text, EventName text,"
+        " EventDescription text, IRCommand text, Enabled boolean, Zone smallint);"
+        "insert into colclsKeploEvents values ('1', 'n', 'd', 'c', 1, 0), " +
+        std::string(bad.BadRow) + ", ('3', 'n', 'd', 'c', 1, 0)");
+    EventMap map(folder);
+    EXPECT_FALSE(map.Load());
+    ASSERT_EQ(ShownAll(map.Errors), Lines{Report("Initialise", bad.Number)});
+    EXPECT_NE(map.Errors[0].ErrorDescription.find(bad.Text), std::string::npos)
+        << map.Errors[0].ErrorDescription;
+    EXPECT_EQ(map.Members(), Lines{"1|n|d|c|on|0"});
+    EXPECT_EQ(map.List.Count(), 1);
+  }
+}
+
+TEST(EventCollection, IsSilentWhereTheTableCannotBeRead) {
+  const tests::AppFolder empty;
+  EventMap map(empty);
+  EXPECT_FALSE(map.Load());
+  EXPECT_FALSE(map.Events.Add(Event("1")));
+  EXPECT_FALSE(map.Events.Delete("1"));
+  EXPECT_EQ(map.Events.count(), 0);
+
+  const EventFolder without("drop table colclsKeploEvents");
+  EventMap other(without);
+  EXPECT_FALSE(other.Load());
+  EXPECT_EQ(other.Database.ErrorDetails().ErrorDetail, "select * from colclsKeploEvents");
+  EXPECT_TRUE(map.Errors.empty() && other.Errors.empty());
+}
+
+TEST(EventCollection, ReportsAColumnThatTheTableLacks) {
+  const EventFolder folder(
+      "insert into colclsKeploEvents values ('1', '', '', '', 1, 0);"
+      "alter table colclsKeploEvents drop column Zone");
+  EventMap map(folder);
+  EXPECT_FALSE(map.Load());
+  EXPECT_FALSE(map.Events.Update(Event("1")));
+  EXPECT_EQ(ShownAll(map.Errors),
+            (Lines{Report("Initialise", kNoSuchColumn), Report("Save", kNoSuchColumn)}));
+}
+
+TEST(EventCollection, RaisesAnEventForEachMember) {
+  const EventFolder folder;
+  EventMap map(folder);
+  Lines raised;
+  map.Events.TriggerInputEvent = [&](HostInputEvent& event) {
+    raised.push_back(event.EventDate + event.EventID);
+  };
+  EXPECT_FALSE(map.Events.TriggerEvent());
+  map.Events.Add(Event("1"));
+  map.Events.Add(Event("2"));
+  EXPECT_TRUE(map.Events.TriggerEvent());
+  EXPECT_EQ(raised, (Lines{"07-Nov-2002 16:31:11", "07-Nov-2002 16:31:11"}));
+
+  map.Events.TriggerInputEvent = [](HostInputEvent&) { throw std::runtime_error("the host is out"); };
+  EXPECT_FALSE(map.Events.TriggerEvent());
+  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("TriggerEvent", 5)});
+  EXPECT_EQ(map.Errors[0].ErrorDescription, "the host is out");
+}
+
+TEST(EventCollection, ReportsARowThatTheListRefuses) {
+  const EventFolder folder("insert into colclsKeploEvents values ('1', '', '', '', 1, 0)");
+  EventMap map(folder);
+  EXPECT_FALSE(map.Events.AddEventMapToListView(0, *Event("1")));  // no list yet
+  map.List.Add("EM-1");
+  EXPECT_TRUE(map.Load());
+  EXPECT_EQ(map.Events.count(), 1);
+  EXPECT_EQ(ShownAll(map.Errors),
+            (Lines{Report("AddEventMapToListView", kObjectNotSet), Report("AddEventMapToListView", 35602)}));
+}
+
+}  // namespace
+}  // namespace keplo

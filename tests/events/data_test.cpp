@@ -1,0 +1,140 @@
+#include "events/data.h"
+
+#include <gtest/gtest.h>
+
+#include "event_map_fixture.h"
+#include "events/failure_numbers.h"
+
+namespace keplo {
+namespace {
+
+using tests::EventFolder;
+using tests::Lines;
+using tests::Shown;
+
+constexpr const char* kTwoEvents =
+    "insert into colclsKeploEvents values ('1', 'Power', '', 'NEC&POWER', 1, 0),"
+    " ('2', 'Mute', 'Mute', 'NEC&MUTE', 0, 3)";
+
+template <typename Action>
+int NumberOfFailure(Action action) {
+  try {
+    action();
+  } catch (const Failure& failure) {
+    return failure.Number();
+  }
+  return 0;
+}
+
+TEST(Data, OpensOnDemandAndReopensWithTheStoredText) {
+  const EventFolder folder(kTwoEvents);
+  const tests::StoppedClock clock;
+  Data data(folder.Path(), clock);
+  EXPECT_EQ(data.CloseConnection(), 1);
+  EXPECT_EQ(data.Connection().ConnectionString(), "");
+
+  Recordset rows;
+  ASSERT_EQ(data.ExecuteSQL(kSelectAllEvents, rows), 1);
+  const sqlite3* first = data.Connection().Database();
+  ASSERT_EQ(data.ExecuteSQL(kSelectAllEvents, rows), 1);
+  EXPECT_EQ(data.Connection().Database(), first);
+
+  EXPECT_EQ(data.CloseConnection(), 1);
+  EXPECT_EQ(data.Connection().State(), 0);
+  rows.MoveNext();  // a snapshot outlives the connection
+  EXPECT_EQ(rows.FieldText("EventName"), "Mute");
+
+  EXPECT_EQ(data.CheckConnection(), 1);
+  EXPECT_EQ(data.Connection().State(), 1);
+  EXPECT_EQ(data.Connection().ConnectionString(), folder.Database().string());
+}
+
+TEST(Data, KeepsARecordOfEachFailure) {
+  const tests::AppFolder folder;
+  const tests::StoppedClock clock;
+  Data data(folder.Path(), clock);
+  const std::string date = "|Thu Nov  7 16:31:11 2002|", path = folder.Database().string();
+
+  EXPECT_EQ(data.Initialise(), 0);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|Initialise|14" + date + path);
+  EXPECT_EQ(data.CheckConnection(), 0);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|CheckConnection|14" + date);
+  Recordset rows;
+  EXPECT_EQ(data.ExecuteSQL("select 1", rows), 0);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQL|14" + date + "select 1");
+  EXPECT_EQ(data.ErrorDetails().ErrorDescription,
+            "The event database " + path +
+                " does not exist. Put a backup there, or run 'keplo install' for an empty one.");
+  EXPECT_TRUE(folder.Files().empty());  // looking for a database never makes one
+
+  CreateEventTable(folder.Database());
+  EXPECT_EQ(data.ExecuteSQLCommand("delete form x"), 0);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQLCommand|1" + date + "delete form x");
+  for (const char* sql : {"select form", "", "select 1; select 2"}) {
+    EXPECT_EQ(data.ExecuteSQL(sql, rows), 0) << sql;
+    EXPECT_EQ(data.ErrorDetails().ErrorDetail, sql);
+  }
+}
+
+TEST(Recordset, ChangesTheTableRowByRow) {
+  const EventFolder folder(kTwoEvents);
+  Connection connection;
+  connection.Open(folder.Database());
+  Recordset rows;
+  rows.Open(AllEvents(), connection);
+  rows.SetFieldValue("eventname", "lost");
+  rows.MoveNext();  // drops the change
+  rows.SetFieldValue("EventName", "Silence");
+  rows.Update();
+  rows.AddNew();
+  for (const char* text : {"EventID", "EventName", "EventDescription", "IRCommand"})
+    rows.SetFieldValue(text, "");
+  for (const char* number : {"Enabled", "Zone"}) rows.SetFieldValue(number, std::int64_t{1});
+  rows.Update();
+  rows.SetFieldValue("EventName", "New");  // the new row has become the present one
+  rows.Update();
+  EXPECT_EQ(tests::StoredEvents(folder),
+            (Lines{"1|Power||NEC&POWER|on|0", "2|Silence|Mute|NEC&MUTE|off|3", "|New|||on|1"}));
+}
+
+TEST(Recordset, RefusesWhatHasNoRowOrNoLiveTable) {
+  const EventFolder folder(kTwoEvents);
+  Connection connection;
+  Recordset closed, snapshot, none, live;
+  EXPECT_EQ(NumberOfFailure([&] { live.Open(AllEvents(), connection); }), kObjectClosed);
+  connection.Open(folder.Database());
+  snapshot.Open(kSelectAllEvents, connection);
+  none.Open(EventWithID("3"), connection);
+  live.Open(EventWithID("2"), connection);
+
+  const std::vector<std::pair<std::function<void()>, int>> cases = {
+      {[&] { connection.Open(); }, kObjectOpen},
+      {[&] { closed.MoveNext(); }, kObjectClosed},
+      {[&] { snapshot.SetFieldValue("Zone", std::int64_t{1}); }, kRowsReadOnly},
+      {[&] { snapshot.FieldValue("Colour"); }, kNoSuchColumn},
+      {[&] { none.FieldValue("EventID"); }, kNoCurrentRow},
+      {[&] { none.Delete(); }, kNoCurrentRow},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i)
+    EXPECT_EQ(NumberOfFailure(cases[i].first), cases[i].second) << i;
+}
+
+TEST(Recordset, LeavesARowThatAnotherProgramReplaced) {
+  const EventFolder folder(kTwoEvents);
+  Connection mine, other;
+  mine.Open(folder.Database());
+  other.Open(folder.Database());
+  Recordset rows;
+  rows.Open(EventWithID("2"), mine);
+  // The new event takes over the rowid of the deleted one.
+  other.Execute(
+      "delete from colclsKeploEvents where EventID = '2';"
+      "insert into colclsKeploEvents values ('7', 'Other', '', '', 1, 0)");
+  rows.SetFieldValue("EventName", "Silence");
+  EXPECT_EQ(NumberOfFailure([&] { rows.Update(); }), kRowGone);
+  EXPECT_EQ(NumberOfFailure([&] { rows.Delete(); }), kRowGone);
+  EXPECT_EQ(tests::StoredEvents(folder), (Lines{"1|Power||NEC&POWER|on|0", "7|Other|||on|0"}));
+}
+
+}  // namespace
+}  // namespace keplo
