@@ -1,0 +1,75 @@
+#include "config/cfg_store.h"
+
+#include <cerrno>
+
+#include "config/replace_file.h"
+#include "failure.h"
+
+namespace keplo {
+
+namespace {
+
+[[noreturn]] void RefuseLength(const std::filesystem::path& path, std::uintmax_t length) {
+  throw Failure(EFBIG, path.string() + " would be of " + std::to_string(length) +
+                           " characters; the limit is " + std::to_string(kMostCharacters) +
+                           ". Take out commands or protocols that are not needed.");
+}
+
+void RequireLength(const CfgStore& store, const std::string& text) {
+  if (text.size() > kMostCharacters) RefuseLength(store.Path, text.size());
+}
+
+/// The text that goes to the file: up to the closing header, which ends its line. Empty if there is no
+/// header.
+std::string CutBehindLastHeader(std::string text) {
+  text.erase(text.rfind(']') + 1);
+  return text.empty() ? text : text.append("\r\n");
+}
+
+}  // namespace
+
+void CfgStore::ReplaceText(std::string text) {
+  RequireLength(*this, text);
+  CfgText = std::move(text);
+}
+
+void LoadConfig(CfgStore& store) {
+  try {
+    const std::uintmax_t size = store.Files.Size(store.Path);
+    if (size > kMostCharacters) {
+      throw Failure(EFBIG, store.Path.string() + ": the file has " + std::to_string(size) +
+                               " characters, which is above the limit of " + std::to_string(kMostCharacters));
+    }
+    store.ReplaceText(store.Files.Read(store.Path, kMostCharacters + 1));
+  } catch (const Failure& failure) {
+    throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
+  }
+}
+
+void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
+
+void ReplaceAndSave(CfgStore& store, std::string text) {
+  std::string saved = CutBehindLastHeader(text);
+  if (saved.empty()) {
+    store.ReplaceText(std::move(text));
+    return;
+  }
+  RequireLength(store, saved);
+  std::unique_ptr<LockedFolder> folder;
+  try {
+    folder = ReplaceFile(store.Files, store.Path, saved);
+  } catch (const Failure& failure) {
+    throw Failure(failure.Number(), "The configuration was not saved, " + store.Path.string() +
+                                        " is as it was: " + failure.what());
+  }
+  store.CfgText = std::move(saved);
+  try {
+    folder->Flush();
+  } catch (const Failure& failure) {
+    throw Failure(
+        failure.Number(),
+        store.Path.string() + " is saved, but a power cut may bring the old file back: " + failure.what());
+  }
+}
+
+}  // namespace keplo

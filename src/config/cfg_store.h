@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "config/cfg_text.h"
+
+namespace keplo {
+
+class FileSystem;
+
+/// Characters that a configuration text holds at most: positions in it are those of 16-bit signed numbers.
+constexpr std::size_t kMostCharacters = 32767;
+
+/// The configuration file as one text, and the current places and names in it. Positions count from 1.
+struct CfgStore {
+  /// @param path of keplo.cfg; nothing is read yet
+  CfgStore(std::filesystem::path path, FileSystem& files) : Path(std::move(path)), Files(files) {}
+
+  /// Takes over a changed text, in memory only.
+  /// @throws Failure if it has more than kMostCharacters; the text is then as it was
+  void ReplaceText(std::string text);
+
+  std::filesystem::path Path;
+  FileSystem& Files;
+  std::string CfgText;
+  int CfgPos = 0, CfgPos2 = 0;          // scan cursors; any operation may overwrite them
+  std::string CurProtocol, CurCommand;  // what was selected last, anywhere
+  std::string NewCmdLine;               // the line or block about to be inserted
+};
+
+/// Reads the file into CfgText, byte for byte.
+/// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
+void LoadConfig(CfgStore& store);
+
+/// Cuts CfgText behind its last ] and writes it to the file, with CR LF behind it in both. Without a ] text
+/// and file stay as they are.
+/// @throws Failure if the file cannot be written: the old file is whole and CfgText as it was. If only the
+/// flush of the folder fails, at the very end, the new text is in place in both, and the message says so.
+void SaveConfig(CfgStore& store);
+
+/// Saves a changed text and takes it over once the file has it, so that CfgText and file agree even if the
+/// save fails. The rest is as with SaveConfig.
+void ReplaceAndSave(CfgStore& store, std::string text);
+
+}  // namespace keplo

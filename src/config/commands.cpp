@@ -1,0 +1,122 @@
+#include "config/commands.h"
+
+#include <algorithm>
+
+#include "config/sections.h"
+
+namespace keplo {
+
+namespace {
+
+std::string_view Part(std::string_view text, int first, int end) {
+  return text.substr(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(end - first));
+}
+
+/// A line of a section without its line end, and where it stands.
+struct Line {
+  std::string_view Text;
+  LineRange Range;
+
+  bool IsCommand() const { return Text.front() == 'G' && Text.find(',') != std::string_view::npos; }
+  std::string_view Name() const { return Trimmed(Text.substr(Text.find(',') + 1)); }
+};
+
+/// The lines below the header of a section that end ahead of the next one, those without a character left
+/// out.
+std::vector<Line> LinesOf(std::string_view text, std::string_view protocol) {
+  std::vector<Line> lines;
+  const std::optional<Section> section = FindSection(text, protocol);
+  if (!section) return lines;
+  int lf = SeekForward(text, section->Begin, '\n');
+  while (lf != kNowhere) {
+    const int first = lf + 1;
+    lf = SeekForward(text, first, '\n');
+    if (lf == kNowhere || lf >= section->End) break;
+    std::string_view line = Part(text, first, lf);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (!line.empty()) lines.push_back({line, {first, lf}});
+  }
+  return lines;
+}
+
+template <typename Predicate>
+std::optional<LineRange> FirstLine(const std::vector<Line>& lines, Predicate fits) {
+  const auto line = std::find_if(lines.begin(), lines.end(), fits);
+  return line == lines.end() ? std::nullopt : std::optional(line->Range);
+}
+
+/// Position just behind the GREPEAT of a section; 0 if it has none.
+int BehindLastKey(std::string_view text, std::string_view protocol) {
+  const std::optional<Section> section = FindSection(text, protocol);
+  return section ? FindNoCase("GREPEAT", text, section->Begin) : kNowhere;
+}
+
+int CommasUpToHeader(std::string_view text, int position) {
+  const int header = SeekForward(text, position, '[');
+  if (header == kNowhere) return 0;
+  const std::string_view commands = Part(text, position, header);
+  return static_cast<int>(std::count(commands.begin(), commands.end(), ','));
+}
+
+}  // namespace
+
+int CountCommands(CfgStore& store) {
+  store.CfgPos = BehindLastKey(store.CfgText, store.CurProtocol);
+  const int count = CommasUpToHeader(store.CfgText, store.CfgPos);
+  if (store.CfgPos != kNowhere) store.CfgPos = SeekForward(store.CfgText, store.CfgPos, '[');
+  return count;
+}
+
+int CommandsIn(std::string_view text, std::string_view protocol) {
+  return CommasUpToHeader(text, BehindLastKey(text, protocol));
+}
+
+std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view protocol,
+                                         std::string_view name) {
+  const std::vector<Line> lines = LinesOf(text, protocol);
+  const std::string_view wanted = Trimmed(name);
+  const auto exact =
+      FirstLine(lines, [&](const Line& line) { return line.IsCommand() && line.Name() == wanted; });
+  if (exact) return exact;
+  return FirstLine(lines,
+                   [&](const Line& line) { return line.IsCommand() && EqualNoCase(line.Name(), wanted); });
+}
+
+std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol) {
+  return FirstLine(LinesOf(text, protocol), [](const Line& line) { return line.Text == kPlaceholderLine; });
+}
+
+void DeleteCommandLine(CfgStore& store) {
+  const std::optional<LineRange> line = FindCommandLine(store.CfgText, store.CurProtocol, store.CurCommand);
+  store.CfgPos = line ? line->First : kNowhere;
+  if (!line) return;
+  store.CfgPos2 = line->Last;
+  store.ReplaceText(RemoveText(store.CfgText, line->First, line->Last));
+}
+
+std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view protocol) {
+  std::vector<LearnedCommand> commands;
+  const std::optional<Section> section = FindSection(text, protocol);
+  if (!section || !section->Closed) return commands;
+  int comma = SeekForward(text, section->Begin, ',');
+  while (comma != kNowhere && comma < section->End) {
+    const int cr = SeekForward(text, comma, '\r');
+    const int end = cr == kNowhere ? section->End : cr;
+    const int first = SeekBack(text, comma, '\n') + 1;
+    commands.push_back({std::string(Part(text, comma + 1, end)), std::string(Part(text, first, comma))});
+    comma = SeekForward(text, end, ',');
+  }
+  return commands;
+}
+
+std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol,
+                                     std::string_view name) {
+  const std::optional<Section> section = FindSection(text, protocol);
+  const int match = section ? FindNoCase(name, text, section->Begin) : kNowhere;
+  const int second = match == kNowhere ? kNowhere : SeekBack(text, match, '\n') + 2;
+  const int comma = SeekForward(text, second, ',');
+  if (comma == kNowhere) return std::nullopt;
+  return "G" + std::string(Part(text, second, comma));
+}
+
+}  // namespace keplo

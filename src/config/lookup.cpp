@@ -1,0 +1,48 @@
+#include "config/lookup.h"
+
+#include <array>
+#include <cstddef>
+#include <memory_resource>
+
+#include "config/sections.h"
+#include "signal/decode.h"
+#include "signal/timing.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kHeadOfText = 10;  // within the first ten characters stands nothing but a header
+
+}  // namespace
+
+std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view code, int limit) {
+  if (code.empty()) return std::nullopt;
+  std::array<std::byte, 512> room;  // keeps the heap out of the road of a received press
+  std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+  std::pmr::string needle(&memory);
+  needle.reserve(code.size() + 1);
+  needle.append(1, 'G').append(code);
+
+  const int match = FindNoCase(needle, text, 1);
+  if (match <= limit) return std::nullopt;
+  const int comma = SeekForward(text, match - 2, ',');
+  const int header = comma == kNowhere ? kNowhere : SeekBack(text, comma + 1, '[');
+  if (header == kNowhere) return std::nullopt;
+  return FoundCommand{std::string(Trimmed(SectionNameAt(text, header + 1))),
+                      std::string(GetLineAt(text, comma + 1))};
+}
+
+bool IsGeneral(std::string_view protocol) { return EqualNoCase(Trimmed(protocol), "general"); }
+
+bool LookupCommand(CfgStore& store, std::string_view code, std::int16_t protoKind) {
+  std::string stored(code);
+  if (protoKind == kRc5 && stored.size() > kToggleBitOffset) stored[kToggleBitOffset] = '0';
+  std::optional<FoundCommand> found = FindCommand(store.CfgText, stored, kHeadOfText);
+  if (!found) return false;
+  store.CurProtocol = std::move(found->Protocol);
+  store.CurCommand = std::move(found->Command);
+  return !IsGeneral(store.CurProtocol);
+}
+
+}  // namespace keplo

@@ -1,0 +1,61 @@
+#include "config/replace_file.h"
+
+#include <cerrno>
+
+#include "failure.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr unsigned kOwnerOnly = 0600;  // until the old mode is set
+constexpr unsigned kForAll = 0666;
+
+/// A name beside the target. It is always the same one, so that what a killed process left there is taken
+/// away by the next save; the lock on the folder keeps two saves apart.
+std::filesystem::path TemporaryName(const std::filesystem::path& target) {
+  return target.parent_path() / ("." + target.filename().string() + ".new");
+}
+
+std::filesystem::path FolderOf(const std::filesystem::path& target) {
+  return target.has_parent_path() ? target.parent_path() : ".";
+}
+
+void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
+                     const std::optional<FileAttributes>& old, std::string_view content) {
+  const std::unique_ptr<NewFile> file = files.Create(path, old ? kOwnerOnly : kForAll);
+  file->Write(content);
+  if (old) file->SetAttributes(*old);
+  file->Flush();
+  file->Publish();
+}
+
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
+  try {
+    files.Remove(path);
+  } catch (const Failure&) {
+    // The failure that led here is the one to tell; the next save tries again to take the file away.
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesystem::path& path,
+                                          std::string_view content) {
+  const std::filesystem::path target = files.Resolve(path);
+  const std::filesystem::path temporary = TemporaryName(target);
+  std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
+  const std::optional<FileAttributes> old = files.Attributes(target);
+  if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
+  files.Remove(temporary);
+  try {
+    WriteAndPublish(files, temporary, old, content);
+    files.Rename(temporary, target);
+  } catch (const Failure&) {
+    RemoveQuietly(files, temporary);
+    throw;
+  }
+  return folder;
+}
+
+}  // namespace keplo

@@ -1,0 +1,21 @@
+#include "config/sections.h"
+
+#include <string>
+
+namespace keplo {
+
+std::optional<Section> FindSection(std::string_view text, std::string_view name) {
+  const int begin = FindNoCase("[" + std::string(name) + "]", text, 1);
+  if (begin == kNowhere) return std::nullopt;
+  const int behindNext = FindNoCase("[", text, begin);
+  if (behindNext == kNowhere) return Section{begin, static_cast<int>(text.size()) + 1, false};
+  return Section{begin, behindNext - 1, true};
+}
+
+std::string_view SectionNameAt(std::string_view text, int position) {
+  std::string_view name = GetLineAt(text, position);
+  if (!name.empty()) name.remove_suffix(1);
+  return name;
+}
+
+}  // namespace keplo

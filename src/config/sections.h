@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "config/cfg_text.h"
+
+namespace keplo {
+
+/// A stretch of the text between two headers; positions count from 1.
+struct Section {
+  int Begin = 0;        // just behind the ] of its header
+  int End = 0;          // the [ of the next header; behind the last character if there is none
+  bool Closed = false;  // there is a next header
+};
+
+/// The first section of a name, in any letter case.
+std::optional<Section> FindSection(std::string_view text, std::string_view name);
+
+/// The section name that begins at a position: the rest of the line without its last character, the ].
+std::string_view SectionNameAt(std::string_view text, int position);
+
+}  // namespace keplo

@@ -1,0 +1,36 @@
+#include "config/values.h"
+
+#include <optional>
+#include <string>
+
+namespace keplo {
+
+namespace {
+
+/// The text with another value at a position; empty if no value can stand there.
+std::optional<std::string> WithValueAt(const std::string& text, int position, std::string_view value) {
+  const int behindCr = FindNoCase("\r", text, position);
+  if (behindCr == kNowhere) return std::nullopt;
+  const std::string line = " " + std::string(Trimmed(value));
+  return InsertText(RemoveText(text, position, behindCr - 2), line, position);
+}
+
+}  // namespace
+
+bool ReplaceValueAt(CfgStore& store, int position, std::string_view value) {
+  std::optional<std::string> changed = WithValueAt(store.CfgText, position, value);
+  if (!changed) return false;
+  store.ReplaceText(std::move(*changed));
+  return true;
+}
+
+bool SetGeneralValue(CfgStore& store, std::string_view key, std::string_view value) {
+  const int section = FindNoCase("[General]", store.CfgText, 1);
+  const int position = FindNoCase(std::string(key) + "=", store.CfgText, section);
+  std::optional<std::string> changed = WithValueAt(store.CfgText, position, value);
+  if (!changed) return false;
+  ReplaceAndSave(store, std::move(*changed));
+  return true;
+}
+
+}  // namespace keplo

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string_view>
+
+#include "config/cfg_store.h"
+
+namespace keplo {
+
+/// Puts a value in the place of the one at a position, in memory only.
+///
+/// The blank that stands at the position stays; if there is none, it is written in. The new value is trimmed.
+/// @param position just behind the = of a key, as FindNoCase gives it
+/// @return false, with nothing changed, if the position is 0 or no line end follows
+/// @throws Failure if the text would grow beyond its limit; nothing is changed then
+bool ReplaceValueAt(CfgStore& store, int position, std::string_view value);
+
+/// Changes a key of [General] and saves.
+/// @param key without its =
+/// @return false, with nothing changed, if section, key or line end is missing
+/// @throws Failure if the save fails; CfgText then agrees with the file, see ReplaceAndSave
+bool SetGeneralValue(CfgStore& store, std::string_view key, std::string_view value);
+
+}  // namespace keplo
