@@ -24,7 +24,7 @@ struct Recording {
 };
 
 /// Largest recording that is read, bytes; an hour of key presses stays below it.
-inline constexpr std::size_t kLargestRecording = 16U * 1024 * 1024;
+inline constexpr std::size_t kLargestRecording = std::size_t{16} * 1024 * 1024;
 
 /// Reads a recorded file: a .cap file is one press of raw bytes, anything else is pulse text. The path "-" is
 /// the standard input, which is raw bytes if it holds a character that no text has.

@@ -62,7 +62,7 @@ void LeaveOutCutFrames(std::vector<MeasuredFrame>& frames) {
 }  // namespace
 
 PulseTrain CleanPress(const PulseTrain& press) {
-  const PulseTrain smooth = WithoutGlitches(press);
+  PulseTrain smooth = WithoutGlitches(press);
   const std::vector<Frame> frames = SplitFrames(smooth);
   const std::optional<PressTiming> timing = MeasurePress(frames);
   if (!timing) return smooth;
@@ -76,6 +76,7 @@ PulseTrain CleanPress(const PulseTrain& press) {
   if (std::none_of(sound.begin(), sound.end(), Whole)) return smooth;
 
   std::vector<Frame> kept;
+  kept.reserve(sound.size());
   for (const MeasuredFrame& frame : sound) kept.push_back(frame.Signal);
   return JoinFrames(kept, LengthOf(smooth));
 }
