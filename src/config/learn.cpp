@@ -1,0 +1,186 @@
+#include "config/learn.h"
+
+#include <optional>
+
+#include "config/commands.h"
+#include "config/lookup.h"
+#include "config/names.h"
+#include "config/sections.h"
+
+namespace keplo {
+
+namespace {
+
+/// The section of a protocol with a header behind it, as commands need it.
+std::optional<Section> FindProtocol(std::string_view text, std::string_view protocol) {
+  std::optional<Section> section = FindSection(text, protocol);
+  if (IsGeneral(protocol) || (section && !section->Closed)) section.reset();
+  return section;
+}
+
+/// Codes that pass the check of a code and would still not make a command line.
+bool MakesCommandLine(std::string_view code) {
+  return code.front() == 'G' && code.find_first_of(",[]\r\n") == std::string_view::npos;
+}
+
+/// Position of the last character of a section that is no line end.
+int LastCharacter(std::string_view text, const Section& section) {
+  return static_cast<int>(text.find_last_not_of("\r\n", static_cast<std::size_t>(section.End) - 2)) + 1;
+}
+
+/// Where a new command line goes: behind the last command of the section; in a section without one, behind
+/// its last line that is not empty. Empty if the section is missing or that line runs into the next header.
+std::optional<int> PlaceForCommand(std::string_view text, std::string_view protocol) {
+  const std::optional<Section> section = FindProtocol(text, protocol);
+  if (!section) return std::nullopt;
+  const int lastKey = FindNoCase("GREPEAT", text, section->Begin);
+  const int commands = lastKey != kNowhere && lastKey < section->End ? lastKey : section->Begin;
+  const int comma = SeekBack(text, section->End, ',');
+  const int lf = SeekForward(text, comma < commands ? LastCharacter(text, *section) : comma, '\n');
+  return lf == kNowhere || lf > section->End ? std::nullopt : std::optional(lf + 1);
+}
+
+std::string CommandLine(std::string_view code, std::string_view name) {
+  return std::string(code).append(",").append(name).append("\r\n");
+}
+
+std::string WithoutLine(std::string_view text, const LineRange& line) {
+  return RemoveText(text, line.First, line.Last);
+}
+
+/// The text with the placeholder at a position if its section has no commands.
+std::string WithNeededPlaceholder(std::string text, std::string_view protocol, int position) {
+  if (CommandsIn(text, protocol) > 0) return text;
+  return InsertText(text, std::string(kPlaceholderLine) + "\r\n", position);
+}
+
+LearnResult Refuse(Refusal refusal, std::string_view detail = {}) { return {refusal, std::string(detail)}; }
+
+}  // namespace
+
+std::string RefusalText(const LearnResult& result) {
+  switch (result.Refused) {
+    case Refusal::None:
+      break;
+    case Refusal::ReadOnlyProtocol:
+      return "This protocol is read-only.";
+    case Refusal::VirtualProtocol:
+      return "This is a virtual read-only protocol!";
+    case Refusal::NotValidated:
+      return "The command is not yet validated. Pres again Record button to validate";
+    case Refusal::InvalidCode:
+      return "The code you want to save is invalid.";
+    case Refusal::CodeExists:
+      return "This command exist as " + result.Detail;
+    case Refusal::NoName:
+      return "A new command needs a name.";
+    case Refusal::InvalidName:
+      return "Use only a-z, A-Z,'-','_' characters";
+    case Refusal::NameInUse:
+      return "This command name is in use for the current protocol.";
+    case Refusal::NoSection:
+      return "The configuration has no whole section of a protocol " + result.Detail + ".";
+    case Refusal::NoMoreCommands:
+      return "There are no more commands to delete";
+    case Refusal::NoSuchCommand:
+      return "The protocol has no command " + result.Detail + ".";
+  }
+  return {};
+}
+
+LearnResult CheckProtocol(std::string_view protocol) {
+  if (EqualNoCase(protocol, "template")) return Refuse(Refusal::ReadOnlyProtocol, protocol);
+  if (EqualNoCase(protocol, "recorded")) return Refuse(Refusal::VirtualProtocol, protocol);
+  return {};
+}
+
+LearnResult CheckCode(std::string_view text, std::string& code) {
+  if (!IsValidCode(code) || !MakesCommandLine(code)) return Refuse(Refusal::InvalidCode, code);
+  const int match = FindNoCase(code, text, 1);
+  if (match == kNowhere) return {};
+  const int comma = SeekForward(text, match, ',');
+  return Refuse(Refusal::CodeExists, comma == kNowhere ? std::string_view() : GetLineAt(text, comma + 1));
+}
+
+LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name) {
+  if (name.empty()) return Refuse(Refusal::NoName);
+  if (!IsValidName(name)) return Refuse(Refusal::InvalidName, name);
+  const std::optional<Section> section = FindProtocol(text, protocol);
+  if (!section || !PlaceForCommand(text, protocol)) return Refuse(Refusal::NoSection, protocol);
+  const int match = FindNoCase(name, text, section->Begin);
+  if (match != kNowhere && match <= section->End) return Refuse(Refusal::NameInUse, name);
+  return {};
+}
+
+bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name) {
+  const std::optional<int> place = PlaceForCommand(store.CfgText, protocol);
+  if (!place) return false;
+  store.NewCmdLine = CommandLine(code, name);
+  ReplaceAndSave(store, InsertText(store.CfgText, store.NewCmdLine, *place));
+  return true;
+}
+
+void DropPlaceholder(CfgStore& store) {
+  if (CountCommands(store) < 2) return;
+  const std::optional<Section> section = FindSection(store.CfgText, store.CurProtocol);
+  store.CfgPos = section->Begin;
+  store.CfgPos2 = section->End + 1;
+  if (FindNoCase(kPlaceholderName, store.CfgText, store.CfgPos) >= store.CfgPos2) return;
+  store.CurCommand = kPlaceholderName;
+  const std::optional<LineRange> line = FindPlaceholder(store.CfgText, store.CurProtocol);
+  store.CfgPos = line ? line->First : kNowhere;
+  if (!line) return;
+  store.CfgPos2 = line->Last;
+  store.ReplaceText(WithoutLine(store.CfgText, *line));
+}
+
+LearnResult CheckDelete(CfgStore& store) {
+  LearnResult refused = CheckProtocol(store.CurProtocol);
+  if (!refused.Done()) return refused;
+  if (store.CurCommand == kPlaceholderName && CountCommands(store) == 1) {
+    return Refuse(Refusal::NoMoreCommands, store.CurCommand);
+  }
+  return {};
+}
+
+bool RemoveCommand(CfgStore& store) {
+  const std::optional<LineRange> line = FindCommandLine(store.CfgText, store.CurProtocol, store.CurCommand);
+  ReplaceAndSave(store, line ? WithoutLine(store.CfgText, *line) : store.CfgText);
+  store.CfgPos = line ? line->First : kNowhere;
+  store.CfgPos2 = store.CfgPos;
+  if (!line) return false;
+  const int place = store.CfgPos2;
+  if (CountCommands(store) == 0) {
+    store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
+  }
+  return true;
+}
+
+LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
+                       std::string_view name) {
+  std::string text = store.CfgText, checkedCode(code), checkedName(name);
+  LearnResult result = CheckProtocol(protocol);
+  if (result.Done()) result = CheckCode(text, checkedCode);
+  if (result.Done()) result = CheckName(text, protocol, checkedName);
+  if (!result.Done()) return result;
+  text = InsertText(text, CommandLine(checkedCode, checkedName), *PlaceForCommand(text, protocol));
+  if (const auto placeholder = FindPlaceholder(text, protocol)) text = WithoutLine(text, *placeholder);
+  ReplaceAndSave(store, std::move(text));
+  return {};
+}
+
+LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name) {
+  LearnResult result = CheckProtocol(protocol);
+  if (!result.Done()) return result;
+  if (!FindProtocol(store.CfgText, protocol)) return Refuse(Refusal::NoSection, protocol);
+  const std::optional<LineRange> line = FindCommandLine(store.CfgText, protocol, name);
+  if (!line) return Refuse(Refusal::NoSuchCommand, name);
+  const std::optional<LineRange> placeholder = FindPlaceholder(store.CfgText, protocol);
+  if (placeholder && placeholder->First == line->First && CommandsIn(store.CfgText, protocol) == 1) {
+    return Refuse(Refusal::NoMoreCommands, name);
+  }
+  ReplaceAndSave(store, WithNeededPlaceholder(WithoutLine(store.CfgText, *line), protocol, line->First));
+  return {};
+}
+
+}  // namespace keplo

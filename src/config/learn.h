@@ -1,0 +1,75 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "config/cfg_store.h"
+
+namespace keplo {
+
+/// Why a command is not stored or not deleted.
+enum class Refusal {
+  None,
+  ReadOnlyProtocol,  // Template
+  VirtualProtocol,   // Recorded
+  NotValidated,      // the record flow has not confirmed the code
+  InvalidCode,
+  CodeExists,
+  NoName,
+  InvalidName,
+  NameInUse,
+  NoSection,       // there is no protocol section of that name, or no header behind it
+  NoMoreCommands,  // only the placeholder is left
+  NoSuchCommand
+};
+
+struct LearnResult {
+  Refusal Refused = Refusal::None;
+  std::string Detail;  // the name that has the code already; else the name that was refused
+
+  bool Done() const { return Refused == Refusal::None; }
+};
+
+/// What to tell the user; empty if nothing was refused.
+std::string RefusalText(const LearnResult& result);
+
+// The checks of a new command, in their order. They change nothing but the blanks around their argument.
+
+/// Template and Recorded, in any letter case, take no commands and give none away.
+LearnResult CheckProtocol(std::string_view protocol);
+/// A code with its leading G that can be stored and that no stored one begins with.
+LearnResult CheckCode(std::string_view text, std::string& code);
+/// A name that occurs nowhere in the section, not even inside another word.
+LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name);
+
+/// Puts a checked command behind the last one of a section and saves. The placeholder stays, see
+/// DropPlaceholder. Sets NewCmdLine.
+/// @return false, with nothing changed, if the section is missing
+/// @throws Failure if the text would grow beyond its limit or the save fails; CfgText then agrees with the
+/// file
+bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name);
+
+/// Removes the placeholder from CurProtocol once a learned command stands beside it, in memory only.
+/// CurCommand becomes EMPTY, unless that text stands in a later section alone.
+void DropPlaceholder(CfgStore& store);
+
+/// Whether CurCommand may be deleted from CurProtocol. Moves CfgPos.
+LearnResult CheckDelete(CfgStore& store);
+
+/// Removes CurCommand from CurProtocol and saves. A section that is left without commands then gets the
+/// placeholder back, in memory only. Cursors as with DeleteCommandLine, and CfgPos2 where the line began.
+/// @return false if there was no such line
+/// @throws Failure if the save fails; CfgText then agrees with the file
+bool RemoveCommand(CfgStore& store);
+
+// The whole of it for everyone but the window: all checks, and one save that takes the placeholder along. The
+// current selection of the store stays.
+
+/// @param code with its leading G; RC5 with 0 for the toggle digit
+/// @throws Failure as StoreCommand
+LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
+                       std::string_view name);
+/// @throws Failure as RemoveCommand
+LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name);
+
+}  // namespace keplo
