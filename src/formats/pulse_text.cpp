@@ -1,6 +1,7 @@
 #include "formats/pulse_text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <optional>
@@ -108,16 +109,14 @@ class Parser {
       ParseSignedLine(word, rest, comment);
       return;
     }
-    if (word != "pulse" && word != "space" && word != "timeout") {
+    static constexpr std::array<std::string_view, 4> kWords = {"pulse", "space", "timeout", "carrier"};
+    if (std::find(kWords.begin(), kWords.end(), word) == kWords.end()) {
       Refuse(word, R"("pulse", "space", "timeout" or a signed length such as +560)");
     }
-    const int length = LengthOf(TakeWord(rest));
+    const int number = NumberOf(TakeWord(rest));
     if (const std::string_view more = TakeWord(rest); !more.empty()) Refuse(more, "the end of the line");
-    if (word == "pulse") {
-      collector_.AddMark(length);
-    } else {
-      collector_.AddSpace(length);
-    }
+    if (word == "pulse") collector_.AddMark(number);
+    if (word == "space" || word == "timeout") collector_.AddSpace(number);
     if (word == "timeout") collector_.EndPress();
   }
 
@@ -125,7 +124,7 @@ class Parser {
     collector_.EndPress();
     for (; !word.empty(); word = TakeWord(rest)) {
       if (word.front() != '+' && word.front() != '-') Refuse(word, "a signed length such as +560 or -560");
-      const int length = LengthOf(word.substr(1));
+      const int length = NumberOf(word.substr(1));
       if (word.front() == '+') {
         collector_.AddMark(length);
       } else {
@@ -138,10 +137,10 @@ class Parser {
     collector_.EndPress();
   }
 
-  int LengthOf(std::string_view word) const {
-    const std::optional<int> length = ReadLength(word);
-    if (!length) Refuse(word, "a length from 1 to " + std::to_string(kLongestPulse) + " microseconds");
-    return *length;
+  int NumberOf(std::string_view word) const {
+    const std::optional<int> number = ReadLength(word);
+    if (!number) Refuse(word, "a length from 1 to " + std::to_string(kLongestPulse) + " microseconds");
+    return *number;
   }
 
   [[noreturn]] void Refuse(std::string_view found, std::string_view expected) const {

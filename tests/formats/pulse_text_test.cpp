@@ -17,6 +17,7 @@ TEST(ParsePulseText, ReadsPressesInBothForms) {
       {"comments, blank lines, line ends of all kinds",
        "# a key\r\n\r\npulse 900 # mark\r\n  // nothing\n\tspace\t450// space\npulse 56",
        {{900, 450, 56}}},
+      {"the carrier is read over", "carrier 38000\npulse 5\ncarrier 36000\npulse 6\n", {{11}}},
       {"a space ahead of the first mark is dropped", "space 16777215\npulse 9\nspace 4\n", {{9, 4}}},
       {"neighbours of one kind are summed", "pulse 5\npulse 6\nspace 1\nspace 2\npulse 3\n", {{11, 3, 3}}},
       {"a timeout closes the press", "pulse 5\ntimeout 30\npulse 6\n", {{5, 30}, {6}}},
@@ -52,8 +53,8 @@ TEST(ParsePulseText, TellsWhereAndWhatIsWrong) {
       {"pulse 99999999999999999999\n", "x, line 1: found \"99999999999999999999\"" + length},
       {"pulse 5us\n", "x, line 1: found \"5us\"" + length},
       {"pulse 5 6\n", "x, line 1: found \"6\", expected the end of the line"},
-      {"carrier 38000\n",
-       "x, line 1: found \"carrier\", expected \"pulse\", \"space\", \"timeout\" or a signed length such as "
+      {"code 38000\n",
+       "x, line 1: found \"code\", expected \"pulse\", \"space\", \"timeout\" or a signed length such as "
        "+560"},
       {"+5 -6 7\n", "x, line 1: found \"7\", expected a signed length such as +560 or -560"},
       {"+5 -\n", "x, line 1: found the end of the line" + length},
