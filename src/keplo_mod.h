@@ -1,10 +1,31 @@
 #pragma once
 
+#include <filesystem>
+#include <memory>
 #include <string>
+
+#include "config/cfg_store.h"
+#include "config/protocol_params.h"
+#include "config/settings.h"
+#include "events/data.h"
+#include "signal/monitor_road.h"
 
 namespace keplo {
 
 /// Major, minor and revision of the program, joined by points.
 extern const std::string VersionText;
+
+/// The state that shell and window share: created by whoever runs the program, handed on by reference.
+struct KeploMod {
+  /// @param appPath the folder of keplo.cfg and of the event database
+  explicit KeploMod(const std::filesystem::path& appPath, FileSystem& files);
+
+  std::filesystem::path AppPath;
+  keplo::Settings Settings;
+  CfgStore Store;
+  keplo::ProtocolParams ProtocolParams;
+  SignalState Signal;
+  std::unique_ptr<Data> modData;  // the one database object; the control creates it
+};
 
 }  // namespace keplo

@@ -1,0 +1,28 @@
+# Bash completion of the keplo command.
+
+_keplo() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local command=${COMP_WORDS[1]:-}
+  case $previous in
+    --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --teach | --replay) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --protocol) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5' -- "$current"); return ;;
+  esac
+  local words
+  case $COMP_CWORD,$command in
+    1,*) words='install decode monitor events commands lookup synth --help --version' ;;
+    2,events) words='list add delete enable disable --help' ;;
+    *,install) words='--app-path --teach --help' ;;
+    *,decode) words='--json --sample-time --no-shape --hold --help' ;;
+    *,monitor) words='--app-path --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
+    *,events) words='--app-path --json --each --id --name --description --zone --disabled --help' ;;
+    *,synth) words='--protocol --code --samples --seed --help' ;;
+    *) words='--app-path --help' ;;
+  esac
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  case $current,$command in
+    -*,*) ;;
+    *,decode | *,monitor) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
+  esac
+}
+complete -o filenames -F _keplo keplo

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <string>
+
+namespace keplo::cli {
+
+/// Adds --app-path to a command.
+void AddAppPathOption(CLI::App& command, std::string& appPath);
+
+/// The folder of keplo.cfg and the event map: the option where given, else KEPLO_HOME, else the folder keplo
+/// in the user's data folder (XDG_DATA_HOME, ~/.local/share).
+std::filesystem::path ResolveAppPath(const std::string& option);
+
+}  // namespace keplo::cli

@@ -1,0 +1,72 @@
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/open_map.h"
+#include "config/commands.h"
+#include "config/lookup.h"
+#include "config/protocols.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct ConfigOptions {
+  std::string AppPath;
+  std::string Argument;
+};
+
+int ListLearned(const ConfigOptions& options) {
+  const OpenConfig config(options.AppPath);
+  bool any = false;
+  for (const std::string& protocol : ListProtocols(config.Mod.Store.CfgText)) {
+    if (!options.Argument.empty() && protocol != options.Argument) continue;
+    any = true;
+    for (const LearnedCommand& command : ListCommands(config.Mod.Store.CfgText, protocol)) {
+      std::cout << protocol << '\t' << command.Name << '\t' << command.Code << '\n';
+    }
+  }
+  if (any) return kDone;
+  std::cerr << "keplo: there is no protocol " << options.Argument
+            << " in keplo.cfg; names count in capitals too\n";
+  return kNoResult;
+}
+
+int Lookup(const ConfigOptions& options) {
+  OpenConfig config(options.AppPath);
+  CfgStore& store = config.Mod.Store;
+  const bool hasHead =
+      !options.Argument.empty() && (options.Argument[0] == 'G' || options.Argument[0] == 'g');
+  const std::string code = options.Argument.substr(hasHead ? 1 : 0);
+  // A code of 14 digits may be RC5 as it was on air, with its toggle digit.
+  const bool found =
+      LookupCommand(store, code, kNec) || (code.size() == 14 && LookupCommand(store, code, kRc5));
+  if (!found) {
+    std::cerr << "keplo: the code G" << code << " belongs to no learned command\n";
+    return kNoResult;
+  }
+  std::cout << store.CurProtocol << '&' << store.CurCommand << '\n';
+  return kDone;
+}
+
+}  // namespace
+
+void AddCommandsCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("commands", "List the learned commands");
+  const auto options = std::make_shared<ConfigOptions>();
+  AddAppPathOption(*command, options->AppPath);
+  command->add_option("PROTOCOL", options->Argument, "Only the commands of this protocol");
+  command->callback([options, &status] { status = ListLearned(*options); });
+}
+
+void AddLookupCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("lookup", "Tell to which learned command a code belongs");
+  const auto options = std::make_shared<ConfigOptions>();
+  AddAppPathOption(*command, options->AppPath);
+  command->add_option("CODE", options->Argument, "Code digits, with or without the leading G")->required();
+  command->callback([options, &status] { status = Lookup(*options); });
+}
+
+}  // namespace keplo::cli

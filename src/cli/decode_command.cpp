@@ -1,0 +1,113 @@
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/commands.h"
+#include "cli/line_options.h"
+#include "formats/recording.h"
+#include "line/press_capture.h"
+#include "signal/monitor_road.h"
+#include "signal/sample_bits.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct DecodeOptions {
+  std::vector<std::string> Files;
+  bool Json = false;
+  LineOptions Line;
+};
+
+/// What is known of a press; a capture that was not measured has neither protocol nor base time.
+struct Row {
+  std::string File;
+  int Press = 0;
+  Stage Ended = Stage::Empty;
+  const Timing* Measured = nullptr;
+  std::string Digits;
+
+  bool HasCode() const { return Ended == Stage::Code; }
+  bool HasDigits() const { return Ended == Stage::Code || Ended == Stage::Length; }
+};
+
+nlohmann::ordered_json ToJson(const Row& row) {
+  nlohmann::ordered_json json;
+  json["file"] = row.File;
+  json["press"] = row.Press;
+  json["stage"] = StageName(row.Ended);
+  json["protocol"] = nullptr;
+  json["base_t"] = nullptr;
+  json["code"] = nullptr;
+  json["bits"] = nullptr;
+  if (row.Measured != nullptr) {
+    json["protocol"] = ProtoKindName(row.Measured->ProtoKind);
+    json["base_t"] = row.Measured->BaseT;
+  }
+  if (row.HasCode()) json["code"] = row.Digits;
+  if (row.HasDigits()) json["bits"] = row.Digits.size();
+  return json;
+}
+
+std::string ToText(const Row& row) {
+  std::string text = row.File + " press " + std::to_string(row.Press) + ": ";
+  if (row.Measured != nullptr) {
+    text += std::string(ProtoKindName(row.Measured->ProtoKind)) + ", base time " +
+            std::to_string(row.Measured->BaseT) + " samples, ";
+  }
+  if (row.HasCode()) return text + "code " + row.Digits + " (" + std::to_string(row.Digits.size()) + " bits)";
+  return text + "no code: " + DescribeStage(row.Ended);
+}
+
+bool WasMeasured(Stage ended) { return ended > Stage::NoTiming; }
+
+/// @return whether every press of the recording gave a code
+bool DecodeRecording(const Recording& recording, const DecodeOptions& options) {
+  bool all = true;
+  Row row;
+  row.File = recording.Path;
+  for (const Press& press : recording.Presses) {
+    SignalState state;
+    const MonitorReading reading =
+        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, options.Line), state);
+    ++row.Press;
+    row.Ended = reading.Ended;
+    row.Measured = WasMeasured(reading.Ended) ? &state.Measured : nullptr;
+    row.Digits = reading.Digits;
+    std::cout << (options.Json ? ToJson(row).dump() : ToText(row)) << '\n';
+    all = all && row.HasCode();
+  }
+  return all;
+}
+
+int Decode(const DecodeOptions& options) {
+  int status = kDone;
+  for (const std::string& file : options.Files) {
+    try {
+      if (!DecodeRecording(LoadRecording(file), options)) status = std::max(status, kNoResult);
+    } catch (const Failure& failure) {
+      std::cerr << "keplo: " << failure.what() << '\n';
+      status = kWrongUse;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddDecodeCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("decode", "Tell what the monitor makes of recorded key presses");
+  const auto options = std::make_shared<DecodeOptions>();
+  command
+      ->add_option("FILE", options->Files,
+                   "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
+      ->required();
+  command->add_flag("--json", options->Json, "One JSON object a press");
+  AddLineOptions(*command, options->Line);
+  command->callback([options, &status] { status = Decode(*options); });
+}
+
+}  // namespace keplo::cli

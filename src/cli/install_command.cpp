@@ -1,0 +1,40 @@
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/teach.h"
+#include "config/posix_file_system.h"
+#include "install/first_install.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct InstallOptions {
+  std::string AppPath;
+  std::string Index;
+};
+
+int Install(const InstallOptions& options) {
+  const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
+  PosixFileSystem files;
+  const bool brought = BringFirstInstall(appPath, files);
+  std::cout << (brought ? "Brought a first install to " : "There is an install already in ")
+            << appPath.string() << '\n';
+  return options.Index.empty() ? kDone : TeachIndex(options.AppPath, options.Index);
+}
+
+}  // namespace
+
+void AddInstallCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("install", "Bring keplo.cfg and an empty event map; never overwrites");
+  const auto options = std::make_shared<InstallOptions>();
+  AddAppPathOption(*command, options->AppPath);
+  command->add_option("--teach", options->Index, "Learn the codes of this index file (JSON) as well")
+      ->check(CLI::ExistingFile);
+  command->callback([options, &status] { status = Install(*options); });
+}
+
+}  // namespace keplo::cli

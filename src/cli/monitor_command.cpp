@@ -1,0 +1,194 @@
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <ctime>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/line_options.h"
+#include "cli/quiet_boxes.h"
+#include "config/posix_file_system.h"
+#include "events/event_text.h"
+#include "formats/recording.h"
+#include "keplo_mod.h"
+#include "line/replay_line.h"
+#include "shell/event_list.h"
+#include "shell/keplo.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct MonitorOptions {
+  std::string AppPath;
+  std::vector<std::string> Replay;
+  bool Json = false;
+  bool Once = false;
+  bool RealTime = false;
+  LineOptions Line;
+};
+
+/// SIGINT and SIGTERM as something to wait for, so that the control is stopped between two ticks.
+class StopSignals {
+ public:
+  StopSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    descriptor_ = signalfd(-1, &signals, SFD_CLOEXEC);
+  }
+  ~StopSignals() { close(descriptor_); }
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+  /// Waits for a signal.
+  /// @return true if one came within the time
+  bool WaitFor(int milliseconds) const {
+    pollfd wait{descriptor_, POLLIN, 0};
+    return poll(&wait, 1, milliseconds) > 0;
+  }
+
+ private:
+  int descriptor_;
+};
+
+std::string LocalTime() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char text[40];
+  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S%z", &local)};
+}
+
+struct RaisedEvent {
+  std::string Time, EventID, Name, Command, Zone;
+};
+
+RaisedEvent Describe(const HostInputEvent& event, const ui::ListView& list) {
+  RaisedEvent raised{LocalTime(), event.EventID, "", std::get<std::string>(event.EventCommand), "0"};
+  if (const int row = list.FindRow(kEventID, event.EventID); row != 0) {
+    raised.Name = list.Text(row, kEventName);
+    raised.Zone = list.Text(row, kZone);
+  }
+  return raised;
+}
+
+void Print(const RaisedEvent& event, bool json) {
+  if (json) {
+    nlohmann::ordered_json line;
+    line["time"] = event.Time;
+    line["event_id"] = event.EventID;
+    line["event_name"] = event.Name;
+    line["command"] = event.Command;
+    line["zone"] = ZoneNumber(event.Zone);
+    std::cout << line.dump() << std::endl;
+  } else {
+    std::cout << event.Time << "  event " << event.EventID << "  " << event.Name << "  " << event.Command
+              << "  zone " << event.Zone << std::endl;
+  }
+}
+
+struct Tally {
+  int Presses = 0, Events = 0, WithoutEvent = 0;
+};
+
+/// Why a press raised nothing; empty if it did.
+std::string WhyNoEvent(const TickReport& tick) {
+  if (tick.Reading.Ended != Stage::Code) return DescribeStage(tick.Reading.Ended);
+  const std::string code = "G" + tick.Reading.Digits;
+  switch (tick.Dispatched.Ended) {
+    case DispatchEnd::NotStored:
+      return "code " + code + " belongs to no learned command";
+    case DispatchEnd::NoZoneAnswer:
+      return tick.Dispatched.Reference + ": the zone hardware gave no answer";
+    case DispatchEnd::OtherZone:
+      return tick.Dispatched.Reference + " came from another zone";
+    default:
+      break;
+  }
+  return tick.Dispatched.Raised > 0 ? "" : "no activated event is bound to " + tick.Dispatched.Reference;
+}
+
+void TellPress(const TickReport& tick, const ReplayLine& line, Tally& tally) {
+  ++tally.Presses;
+  tally.Events += tick.Dispatched.Raised;
+  const std::string reason = WhyNoEvent(tick);
+  if (reason.empty()) return;
+  ++tally.WithoutEvent;
+  const PlayedPress* press = line.LastPress();
+  std::cerr << (press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number))
+            << ": heard, but no event: " << reason << '\n';
+}
+
+/// Runs ticks until a signal comes or, with --once, until the recording has been played.
+void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, const StopSignals& stop,
+              Tally& tally) {
+  while (!(options.Once && line.Done())) {
+    const bool hurry = !options.RealTime && !line.Done();
+    if (stop.WaitFor(hurry ? 0 : control.Timer1.Interval)) return;
+    control.Timer1.Tick();
+    if (control.LastTick().Captured) TellPress(control.LastTick(), line, tally);
+  }
+}
+
+int Monitor(const MonitorOptions& options) {
+  const StopSignals stop;
+  PosixFileSystem files;
+  KeploMod mod(ResolveAppPath(options.AppPath), files);
+  std::vector<Recording> recordings;
+  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
+  ReplayLine line(std::move(recordings), 0, options.Line);
+  SteadyLineClock lineClock;
+  if (options.RealTime) line.PlayAgainst(lineClock);
+  QuietBoxes boxes;
+  NoEventDialog dialog;
+  const ui::SystemClock clock;
+  Keplo control(mod, line, {boxes, dialog}, clock);
+  line.SetReceiverKind(mod.Settings.ReceiverKind);
+  control.TriggerInputEvent = [&](HostInputEvent& event) {
+    Print(Describe(event, control.ListView1), options.Json);
+  };
+  control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
+    std::cerr << "keplo: " << record.ErrorSource << " " << record.ErrorProcedure << ": "
+              << record.ErrorDescription << '\n';
+  };
+  if (control.InputInitialise(nullptr) != 1) {
+    throw Failure(1, "The event map cannot be loaded: " + mod.modData->ErrorDetails().ErrorDescription);
+  }
+
+  control.InputStartMonitoring();
+  Tally tally;
+  RunTicks(control, line, options, stop, tally);
+  control.InputStopMonitoring();
+  control.InputTerminate();
+  (options.Json ? std::cerr : std::cout)
+      << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
+      << " presses without an event" << std::endl;
+  return tally.WithoutEvent == 0 ? kDone : kNoResult;
+}
+
+}  // namespace
+
+void AddMonitorCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("monitor", "Watch the line and print each input event that is raised");
+  const auto options = std::make_shared<MonitorOptions>();
+  AddAppPathOption(*command, options->AppPath);
+  command->add_option("--replay", options->Replay, "Recordings to play as key presses");
+  command->add_flag("--json", options->Json, "One JSON object an event");
+  command->add_flag("--once", options->Once, "End when the recordings have been played");
+  command->add_flag("--real-time", options->RealTime,
+                    "Play at the clock of the recordings, not as fast as possible");
+  AddLineOptions(*command, options->Line);
+  command->callback([options, &status] { status = Monitor(*options); });
+}
+
+}  // namespace keplo::cli

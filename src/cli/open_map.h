@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "config/posix_file_system.h"
+#include "events/col_cls_keplo_events.h"
+#include "keplo_mod.h"
+#include "ui/clock.h"
+#include "ui/list_view.h"
+
+namespace keplo::cli {
+
+/// keplo.cfg of an application path, loaded.
+struct OpenConfig {
+  explicit OpenConfig(const std::string& appPathOption);
+
+  PosixFileSystem Files;
+  KeploMod Mod;
+};
+
+/// The event map of an application path, loaded, for commands that read or change it.
+struct OpenMap {
+  explicit OpenMap(const std::string& appPathOption);
+
+  /// Why the last change failed.
+  const std::string& FailureText() const { return failure_; }
+
+  ui::SystemClock Clock;
+  Data Database;
+  ui::ListView List;
+  colclsKeploEvents Events;
+
+ private:
+  std::string failure_;
+};
+
+}  // namespace keplo::cli

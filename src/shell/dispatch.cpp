@@ -1,0 +1,65 @@
+#include "shell/dispatch.h"
+
+#include <optional>
+
+#include "config/lookup.h"
+#include "config/settings.h"
+#include "events/event_text.h"
+#include "shell/event_list.h"
+#include "signal/zone_link.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kHeadOfFile = 100;                    // a code found so near the head lies among the settings
+constexpr std::int32_t kPauseBehindEvent = 200000;  // microseconds; spaces out the events of a held key
+
+std::optional<std::string> FindReference(const std::string& code, const std::string& cfgText) {
+  const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadOfFile);
+  if (!found || found->Protocol.empty() || found->Command.empty() || IsGeneral(found->Protocol)) return {};
+  return found->Protocol + "&" + found->Command;
+}
+
+bool IsBoundTo(const ui::ListView& list, int row, const std::string& reference) {
+  return list.Text(row, kInfraredCommand) == reference && IsTrue(list.Text(row, kActivated));
+}
+
+}  // namespace
+
+DispatchReport DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
+                            const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
+                            const std::function<void(HostInputEvent&)>& raise) {
+  DispatchReport report;
+  const std::optional<std::string> reference = FindReference(code, cfgText);
+  if (!reference) {
+    report.Ended = DispatchEnd::NotStored;
+    return report;
+  }
+  report.Reference = *reference;
+
+  // A handler may add rows, which wait for the next press, or take some away.
+  const int rows = list.Count();
+  for (int row = 1; row <= rows && row <= list.Count(); ++row) {
+    if (!IsBoundTo(list, row, *reference)) continue;
+    const int zone = ZoneNumber(list.Text(row, kZone));
+    if (zone != 0 && settings.VexilMode > 0) {
+      const std::int16_t from = QueryZone(line);
+      if (from == kNoZone || from != zone) {
+        report.Ended = from == kNoZone ? DispatchEnd::NoZoneAnswer : DispatchEnd::OtherZone;
+        return report;
+      }
+    }
+    event.EventID = list.Text(row, kEventID);
+    event.EventCommand = list.Text(row, kInfraredCommand);
+    if (settings.BeepOn) line.SpeakBeep(1000, 50);
+    ++report.Raised;
+    if (raise) raise(event);
+    line.uDelay(kPauseBehindEvent);
+  }
+  if (settings.BeepOn && report.Raised == 0) line.SpeakBeep(5000, 50);
+  report.Ended = DispatchEnd::Walked;
+  return report;
+}
+
+}  // namespace keplo

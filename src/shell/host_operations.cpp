@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <exception>
+
+#include "events/event_query.h"
+#include "events/recordset.h"
+#include "keplo_mod.h"
+#include "shell/about_text.h"
+#include "shell/event_list.h"
+#include "shell/keplo.h"
+#include "shell/pages.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::int32_t kFailed = 0;
+constexpr std::int32_t kDone = 1;
+constexpr std::int32_t kCancelled = 2;
+constexpr std::int32_t kAddMode = 0;
+constexpr std::int32_t kEditMode = 1;
+constexpr int kObjectNotSet = 91;
+
+void TellHost(HostInputEvent& objInputEvent, const clsKeploEvent& event) {
+  objInputEvent.EventName = event.EventName;
+  objInputEvent.EventDescription = event.EventDescription;
+  objInputEvent.EventCommand = event.IRCommand;
+}
+
+}  // namespace
+
+std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
+  frmEvent dialog(mod_.Store, mod_.Settings);
+  const auto event = std::make_shared<clsKeploEvent>();
+  event->EventID = objInputEvent.EventID;
+  if (!dialog.ShowMe(kAddMode, *event, windows_.EventDialog)) return kCancelled;
+  if (!m_EventCollection.Save(kAddMode, event)) return kFailed;
+  TellHost(objInputEvent, *event);
+  AppendEventRow(ListView1, *event);
+  return kDone;
+} catch (const std::exception& failure) {
+  return ReportFailure("InputAddEvent", failure);
+}
+
+std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
+  frmEvent dialog(mod_.Store, mod_.Settings);
+  const auto event = m_EventCollection.Item(EventKey(objInputEvent.EventID));
+  if (event == nullptr) {
+    throw Failure(kObjectNotSet, "The event map has no event with the EventID " + objInputEvent.EventID);
+  }
+  std::int32_t result = kCancelled;
+  if (dialog.ShowMe(kEditMode, *event, windows_.EventDialog)) {
+    result = m_EventCollection.Save(kEditMode, event) ? kDone : kFailed;
+    if (result == kDone) TellHost(objInputEvent, *event);
+  }
+  UpdateEventRow(ListView1, *event);
+  return result;
+} catch (const std::exception& failure) {
+  return ReportFailure("InputModifyEvent", failure);
+}
+
+std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
+  const int row = ListView1.FindRow(kEventID, objInputEvent.EventID);
+  if (row == 0) return kFailed;
+  ListView1.Remove(row);
+  m_EventCollection.Remove(EventKey(objInputEvent.EventID));
+  if (mod_.modData->CheckConnection() != 1) return kFailed;
+  try {
+    Recordset rows;
+    rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
+    rows.Delete();
+  } catch (const std::exception&) {
+    // A step that fails is skipped, and nobody is told.
+  }
+  return kDone;
+}
+
+std::int32_t Keplo::InputHouseKeepingGetEventIDs(std::vector<std::string>& eventIDs) const {
+  eventIDs.assign(static_cast<std::size_t>(std::max(1, ListView1.Count())), "");
+  for (int row = 1; row <= ListView1.Count(); ++row) {
+    eventIDs[static_cast<std::size_t>(row - 1)] = ListView1.Text(row, kEventID);
+  }
+  return kDone;
+}
+
+std::string Keplo::InputIconFileName() const { return (mod_.AppPath / "inkeplo.ico").string(); }
+
+void Keplo::InputDisplayAboutBox() { windows_.Boxes.Message(AboutText(), "InputKeplo"); }
+
+std::int32_t Keplo::InputGetPluginMenuItems(std::vector<std::string>& mnuItems) const {
+  mnuItems = {"Configure Infrared Interface"};
+  return kDone;
+}
+
+std::int32_t Keplo::InputGetPluginVersion(std::string& szVersion) const {
+  szVersion = VersionText;
+  return kDone;
+}
+
+std::int32_t Keplo::InputGetHTMLPage(std::string& szHTML) const {
+  szHTML = EventPage(ListView1, PageRequest::Get);
+  return kDone;
+}
+
+std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
+  szHTML = EventPage(ListView1, PageRequest::Post);
+  return kDone;
+}
+
+void Keplo::OpenMainWindow() {
+  Timer1.SetEnabled(false);  // only the window touches line and text while it is open
+  mod_.Settings.PluginMode = 1;
+  if (windows_.OpenMainWindow) windows_.OpenMainWindow();
+}
+
+bool Keplo::InputCallMenuItem(std::int16_t index) {
+  if (index == 0) OpenMainWindow();
+  if (Monitoring) SetRestingLines();
+  Timer1.SetEnabled(Monitoring);
+  RefreshStatusPanel();
+  return true;
+}
+
+std::int32_t Keplo::InputConfigurePlugin() {
+  OpenMainWindow();
+  RefreshStatusPanel();
+  if (Monitoring) {
+    line_.RTS(-1);
+    if (mod_.Settings.ReceiverKind == 1) {
+      line_.TXD(0);
+      line_.DTR(-1);
+    }
+  }
+  try {
+    SaveConfig(mod_.Store);
+  } catch (const std::exception& failure) {
+    ReportFailure("InputConfigurePlugin", failure);
+  }
+  Timer1.SetEnabled(Monitoring);
+  return kDone;
+}
+
+}  // namespace keplo

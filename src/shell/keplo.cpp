@@ -1,0 +1,145 @@
+#include "shell/keplo.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "config/read_settings.h"
+#include "shell/event_list.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::int32_t kFailureWithoutNumber = 5;
+constexpr int kOpenAttempts = 5;
+constexpr std::int32_t kPauseBetweenAttempts = 200000;  // microseconds
+
+// Design places of the event list and the room that frame and status panel take beside it, twips.
+constexpr int kListLeft = 120, kListTop = 2040;
+constexpr int kListWidthMargin = 300, kListHeightMargin = 1900;
+
+Data& CreateData(KeploMod& mod, const ui::Clock& clock) {
+  mod.modData = std::make_unique<Data>(mod.AppPath, clock);
+  return *mod.modData;
+}
+
+}  // namespace
+
+Keplo::Keplo(KeploMod& mod, Win32Ser& line, const KeploWindows& windows, const ui::Clock& clock)
+    : mod_(mod),
+      line_(line),
+      windows_(windows),
+      clock_(clock),
+      m_EventCollection(CreateData(mod, clock), clock) {
+  m_EventCollection.TriggerInputEvent = [this](HostInputEvent& event) {
+    if (TriggerInputEvent) TriggerInputEvent(event);
+  };
+  m_EventCollection.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
+    RaiseError(record);
+  };
+  RightClickMenu.Items = {{"EnableMenu", "Enable", [this] { EnableMenu_Click(); }},
+                          {"DisableMenu", "Disable", [this] { DisableMenu_Click(); }},
+                          {"MenuSpace1", "-", {}},
+                          {"HelpMenu", "Help", [this] { HelpMenu_Click(); }}};
+  Timer1.OnTimer = [this] { Timer1_Timer(); };
+  ListView1.Left = kListLeft;
+  ListView1.Top = kListTop;
+
+  mod_.Settings.BeepOn = true;
+  LoadConfig(mod_.Store);
+  if (ReadSettings(mod_.Store, mod_.Settings).Complete()) OpenPort();
+  Panel.ShowMonitoring(false);
+  SetUpColumns(ListView1);
+}
+
+void Keplo::OpenPort() {
+  Panel.ShowComPort(mod_.Settings.ComPortNr);
+  bool open = false;
+  for (int attempt = 1; attempt <= kOpenAttempts && !open; ++attempt) {
+    open = line_.OpenCom(mod_.Settings.ComPortNr) == 1;
+    if (!open) line_.uDelay(kPauseBetweenAttempts);
+  }
+  SetRestingLines();
+  Panel.ShowPortStatus(open);
+  ShowInterface();
+  const bool vexil = mod_.Settings.VexilMode != 0;
+  Panel.ShowVexil(vexil);
+  if (vexil) line_.SetMode(2);
+}
+
+void Keplo::SetRestingLines() {
+  line_.RTS(-1);
+  line_.TXD(0);
+}
+
+void Keplo::ShowInterface() {
+  mod_.Settings.ReceiverKind = ReceiverKindOf(mod_.Settings.InterfaceType);
+  Panel.ShowInterfaceType(mod_.Settings.InterfaceType);
+}
+
+void Keplo::RefreshStatusPanel() {
+  Panel.ShowComPort(mod_.Settings.ComPortNr);
+  Panel.ShowPortStatus(true);  // a refresh does not test the port
+  SetRestingLines();
+  Panel.ShowMonitoring(Monitoring);
+  Panel.ShowVexil(mod_.Settings.VexilMode != 0);
+  ShowInterface();
+}
+
+std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
+  HostObject = std::move(velmora);
+  ErrorDetails = std::make_shared<HostErrorRecord>();
+  return m_EventCollection.Initialise(ListView1) ? 1 : 0;
+}
+
+std::int32_t Keplo::InputStartMonitoring() {
+  Monitoring = true;
+  RefreshStatusPanel();
+  line_.RTS(-1);
+  Timer1.SetEnabled(true);
+  return 1;
+}
+
+std::int32_t Keplo::InputStopMonitoring() {
+  Monitoring = false;
+  Timer1.SetEnabled(false);
+  RefreshStatusPanel();
+  return 1;
+}
+
+std::int32_t Keplo::InputTerminate() {
+  Timer1.SetEnabled(false);  // a host may forget to stop; a tick would read a closed port
+  HostObject.reset();
+  ErrorDetails.reset();
+  line_.CloseCom();
+  return 1;
+}
+
+void Keplo::Resize(int width, int height) {
+  FrameWidth = width;
+  FrameHeight = height;
+  ListView1.Width = std::max(0, width - kListWidthMargin);
+  ListView1.Height = std::max(0, height - kListHeightMargin);
+  if (ListView1.OnChanged) ListView1.OnChanged();
+}
+
+void Keplo::RaiseError(HostErrorRecord& record) const {
+  bool stopping = false;  // nothing that fails here stops the plug-in
+  if (TriggerInputErrorCondition) TriggerInputErrorCondition(record, stopping);
+}
+
+std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) {
+  const auto* numbered = dynamic_cast<const Failure*>(&failure);
+  // The host's handler may release the record; it lives to the end of the report.
+  const auto record = std::make_shared<HostErrorRecord>();
+  ErrorDetails = record;
+  record->ErrorDate = ui::RecordDate(clock_.Now());
+  record->ErrorDescription = failure.what();
+  record->ErrorProcedure = procedure;
+  record->ErrorNumber = numbered != nullptr ? numbered->Number() : kFailureWithoutNumber;
+  record->ErrorSource = "InputKeplo.Keplo";
+  RaiseError(*record);
+  return 0;
+}
+
+}  // namespace keplo

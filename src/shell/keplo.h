@@ -1,0 +1,140 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "events/col_cls_keplo_events.h"
+#include "host/host_records.h"
+#include "keplo_mod.h"
+#include "shell/dispatch.h"
+#include "shell/frm_event.h"
+#include "shell/status_panel.h"
+#include "signal/monitor_road.h"
+#include "signal/win32_ser.h"
+#include "ui/boxes.h"
+#include "ui/clock.h"
+#include "ui/list_view.h"
+#include "ui/menu.h"
+#include "ui/timer.h"
+
+namespace keplo {
+
+/// What one tick met, for programs that tell a person why a press did nothing. The monitor itself says
+/// nothing.
+struct TickReport {
+  bool Captured = false;
+  MonitorReading Reading;
+  DispatchReport Dispatched;
+};
+
+/// What the control shows beside its own display.
+struct KeploWindows {
+  ui::Boxes& Boxes;
+  EventDialogShower& EventDialog;
+  /// Shows the configuration window modally; none where there is no window to show.
+  std::function<void()> OpenMainWindow = {};
+};
+
+/// The control that the host creates: monitors the line, holds the event list, raises the input events.
+/// Everything runs on the one thread of its owner, who calls Timer1.Tick.
+class Keplo {
+ public:
+  /// Start-up: loads keplo.cfg, reads the settings, opens the port in up to five attempts, fills the panel.
+  /// Settings that are incomplete leave the port closed and the panel's texts as designed.
+  /// @throws Failure if keplo.cfg cannot be read
+  Keplo(KeploMod& mod, Win32Ser& line, const KeploWindows& windows, const ui::Clock& clock);
+  Keplo(const Keplo&) = delete;
+  Keplo& operator=(const Keplo&) = delete;
+
+  /// Loads the event map into collection and list.
+  /// @param velmora the host object; kept until InputTerminate
+  /// @return 1 if the event map was loaded, 0 if not
+  std::int32_t InputInitialise(std::shared_ptr<void> velmora);
+  std::int32_t InputStartMonitoring();
+  std::int32_t InputStopMonitoring();
+  bool InputMonitoring() const { return Monitoring; }
+  std::int32_t InputTerminate();
+
+  /// Lets the user bind a new event, whose EventID the host has given, to a command.
+  /// @return 1 with name, description and command written to the host's object, 0 for a failure, 2 if the
+  ///         user cancelled
+  std::int32_t InputAddEvent(HostInputEvent& objInputEvent);
+  /// Lets the user change the event with the host's EventID; results as InputAddEvent.
+  std::int32_t InputModifyEvent(HostInputEvent& objInputEvent);
+  /// @return 1 if the event is gone from list, collection and table; 0 if it is not in the list or the
+  ///         database cannot be reached
+  std::int32_t InputDeleteEvent(const HostInputEvent& objInputEvent);
+  /// The identifiers of all events in list order; one empty text for an empty list.
+  /// @return 1
+  std::int32_t InputHouseKeepingGetEventIDs(std::vector<std::string>& eventIDs) const;
+  std::string InputIconFileName() const;
+  void InputDisplayAboutBox();
+  /// The one item of the plug-in's menu.
+  /// @return 1
+  std::int32_t InputGetPluginMenuItems(std::vector<std::string>& mnuItems) const;
+  std::int32_t InputGetPluginVersion(std::string& szVersion) const;
+  std::int32_t InputGetHTMLPage(std::string& szHTML) const;
+  std::int32_t InputPostHTMLPage(std::string& szHTML) const;
+  /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
+  /// @return true
+  bool InputCallMenuItem(std::int16_t index);
+  /// Opens the configuration window.
+  /// @return 1
+  std::int32_t InputConfigurePlugin();
+
+  /// The record that InputInitialise made or the last one that an error path stored; none after
+  /// InputTerminate.
+  std::shared_ptr<HostErrorRecord> InputErrorDetails() const { return ErrorDetails; }
+
+  /// Fits frame and list into the control.
+  /// @param width, height the control's size, twips
+  void Resize(int width, int height);
+
+  /// A press of a mouse button on the event list; 2 is the right one.
+  void ListView1_MouseDown(int button);
+  void EnableMenu_Click() { SwitchSelectedEvent(true); }
+  void DisableMenu_Click() { SwitchSelectedEvent(false); }
+  void HelpMenu_Click();
+
+  /// The host's handlers; they run inside the call that raises the event.
+  std::function<void(HostInputEvent&)> TriggerInputEvent;
+  std::function<void(HostErrorRecord&, bool& blnStopping)> TriggerInputErrorCondition;
+
+  StatusPanel Panel;
+  ui::ListView ListView1;
+  ui::Timer Timer1{2};
+  ui::PopupMenu RightClickMenu;
+  int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
+
+  const TickReport& LastTick() const { return lastTick_; }
+
+ private:
+  void OpenPort();
+  void RefreshStatusPanel();
+  void SetRestingLines();
+  void ShowInterface();
+  void Timer1_Timer();
+  bool LineIsAtRest();
+  void Capture();
+  void ReadAndDispatch();
+  std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure);
+  void OpenMainWindow();
+  void RaiseError(HostErrorRecord& record) const;
+  void SwitchSelectedEvent(bool enabled);
+
+  KeploMod& mod_;
+  Win32Ser& line_;
+  KeploWindows windows_;
+  const ui::Clock& clock_;
+
+  colclsKeploEvents m_EventCollection;
+  std::shared_ptr<HostErrorRecord> ErrorDetails;
+  std::shared_ptr<void> HostObject;
+  bool Monitoring = false;
+  TickReport lastTick_;
+};
+
+}  // namespace keplo

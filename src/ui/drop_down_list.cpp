@@ -1,0 +1,36 @@
+#include "ui/drop_down_list.h"
+
+#include <algorithm>
+
+namespace keplo::ui {
+
+void DropDownList::Clear() {
+  entries_.clear();
+  listIndex_ = kNoSelection;
+  Changed();
+}
+
+void DropDownList::Add(std::string_view entry) {
+  entries_.emplace_back(entry);
+  Changed();
+}
+
+std::string DropDownList::Text() const {
+  return listIndex_ == kNoSelection ? std::string() : entries_[static_cast<std::size_t>(listIndex_)];
+}
+
+void DropDownList::Select(int index) {
+  if (index < 0 || index >= Count() || index == listIndex_) return;
+  listIndex_ = index;
+  Changed();
+  if (OnClick) OnClick();
+}
+
+bool DropDownList::SelectText(std::string_view text) {
+  const auto found = std::find(entries_.begin(), entries_.end(), text);
+  if (found == entries_.end()) return false;
+  Select(static_cast<int>(found - entries_.begin()));
+  return true;
+}
+
+}  // namespace keplo::ui

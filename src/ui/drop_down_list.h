@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace keplo::ui {
+
+/// A drop-down list that offers fixed entries. The click handler runs at once whenever the selection really
+/// changes to an entry, from the user or from code.
+class DropDownList {
+ public:
+  static constexpr int kNoSelection = -1;
+
+  const std::vector<std::string>& Entries() const { return entries_; }
+  int Count() const { return static_cast<int>(entries_.size()); }
+
+  /// Removes all entries; nothing is selected then.
+  void Clear();
+  void Add(std::string_view entry);
+
+  /// Index of the selected entry, from 0; kNoSelection for none.
+  int ListIndex() const { return listIndex_; }
+  /// Text of the selected entry; empty for none.
+  std::string Text() const;
+  /// Selects an entry; an index that does not exist changes nothing.
+  void Select(int index);
+  /// Selects the first entry with exactly this text.
+  /// @return false if there is none; the selection stays then
+  bool SelectText(std::string_view text);
+
+  std::function<void()> OnClick;
+  /// Runs after a change of entries or selection, ahead of the click handler; a view redraws there.
+  std::function<void()> OnChanged;
+
+ private:
+  void Changed() const {
+    if (OnChanged) OnChanged();
+  }
+
+  std::vector<std::string> entries_;
+  int listIndex_ = kNoSelection;
+};
+
+}  // namespace keplo::ui

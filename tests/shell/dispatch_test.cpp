@@ -1,0 +1,123 @@
+#include "shell_fixture.h"
+
+namespace keplo {
+namespace {
+
+using tests::ProtocolSection;
+using tests::ShellTest;
+using Calls = std::vector<std::string>;
+
+/// Dispatches codes against a file and rows that a test sets up.
+class Dispatch : public ::testing::Test {
+ protected:
+  std::string cfgText_ =
+      tests::Config({}, ProtocolSection("NEC", "G1010101010101,POWER\r\nG11110000111100001111,UP\r\n"));
+  Settings settings_;
+  ui::ListView list_;
+  tests::FakeLine line_;
+
+  void Row(const std::string& id, const std::string& reference, bool activated = true, int zone = 0) {
+    const int row = list_.Add();
+    list_.SetText(row, 2, reference);
+    list_.SetText(row, 3, activated ? "True" : "False");
+    list_.SetText(row, 4, std::to_string(zone));
+    list_.SetText(row, 5, id);
+  }
+
+  DispatchEnd Run(const std::string& code) {
+    line_.Calls.clear();
+    HostInputEvent event;
+    return DispatchCode(
+               code, cfgText_, settings_, list_, line_, event,
+               [&](HostInputEvent& raised) {
+                 line_.Calls.push_back(raised.EventID + " " + std::get<std::string>(raised.EventCommand));
+               })
+        .Ended;
+  }
+};
+
+TEST_F(Dispatch, RaisesEveryActivatedRowInListOrder) {
+  Row("1", "NEC&POWER");
+  Row("2", "NEC&POWER", false);
+  Row("3", "nec&POWER");
+  Row("4", "NEC&UP");
+  Row("5", "NEC&POWER");
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
+  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 1000 50", "1 NEC&POWER", "uDelay 200000", "SpeakBeep 1000 50",
+                                "5 NEC&POWER", "uDelay 200000"}));
+  settings_.BeepOn = false;
+  Run("1010101010101");
+  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "5 NEC&POWER", "uDelay 200000"}));
+}
+
+TEST_F(Dispatch, AnswersACommandWithoutAnEventByASecondBeep) {
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
+  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 5000 50"}));
+  Row("2", "NEC&POWER", false);
+  Run("1010101010101");
+  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 5000 50"}));
+}
+
+TEST_F(Dispatch, FindsACommandByItsCode) {
+  Row("1", "NEC&POWER");
+  Row("2", "NEC&UP");
+  const std::vector<std::tuple<std::string, DispatchEnd, std::string>> cases = {
+      {"0000000000000", DispatchEnd::NotStored, ""},
+      {"1111000011110", DispatchEnd::Walked, "2 NEC&UP"},  // a stored code that begins with it
+      {"101010101010", DispatchEnd::Walked, "1 NEC&POWER"},
+  };
+  for (const auto& [code, ended, event] : cases) {
+    EXPECT_EQ(Run(code), ended) << code;
+    EXPECT_EQ(line_.Calls.size() > 1 ? line_.Calls[1] : "", event) << code;
+  }
+}
+
+TEST_F(Dispatch, TakesNothingFromTheSettingsOrTheHeadOfTheFile) {
+  Row("1", "General&POWER");
+  cfgText_.insert(cfgText_.find("VEXIL="), "G1110000,POWER\r\n");
+  EXPECT_EQ(Run("1110000"), DispatchEnd::NotStored);
+  cfgText_ = "[General]\r\n[NEC]\r\nG1110000,POWER\r\n" + cfgText_;
+  EXPECT_EQ(Run("1110000"), DispatchEnd::NotStored)
+      << "a match within the first 100 characters does not count";
+}
+
+TEST_F(Dispatch, NeverRaisesForASectionOrCommandWithoutAName) {
+  Row("1", "&POWER");
+  Row("2", "NEC&");
+  cfgText_ += "[]\r\nG0001110001,POWER\r\n[NEC]\r\nG0001110002, \r\n";
+  EXPECT_EQ(Run("0001110001"), DispatchEnd::NotStored);
+  EXPECT_EQ(Run("0001110002"), DispatchEnd::NotStored);
+}
+
+TEST_F(Dispatch, AsksForTheZoneOnlyWhereARowNamesOne) {
+  Row("1", "NEC&POWER", true, 0);
+  Row("3", "NEC&POWER", true, 3);
+  settings_.BeepOn = false;
+  Run("1010101010101");
+  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "3 NEC&POWER", "uDelay 200000"}))
+      << "without zone hardware any zone will do";
+
+  settings_.VexilMode = 1;
+  line_.Answers = {'x'};
+  line_.Zones = [](char) -> std::int16_t { return 3; };
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
+  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "SetMode 2", "SendChr 80", "ReadChr",
+                                "CheckZone 120", "SetMode 1", "3 NEC&POWER", "uDelay 200000"}));
+}
+
+TEST_F(Dispatch, EndsAtTheFirstRowOfAnotherZone) {
+  Row("3", "NEC&POWER", true, 3);
+  Row("2", "NEC&POWER", true, 2);
+  settings_.VexilMode = 1;
+  line_.Answers = {'x'};
+  line_.Zones = [](char) -> std::int16_t { return 2; };
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::OtherZone);
+  EXPECT_EQ(line_.Calls.back(), "SetMode 1") << "no event, no second beep";
+
+  line_.Answers.clear();
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::NoZoneAnswer);
+  EXPECT_EQ(line_.Calls.back(), "SetMode 1");
+}
+
+}  // namespace
+}  // namespace keplo

@@ -1,0 +1,139 @@
+#include "shell/frm_event.h"
+
+#include "shell_fixture.h"
+
+namespace keplo {
+namespace {
+
+using tests::ProtocolSection;
+using tests::ScriptedDialog;
+
+TEST(SplitCommandRef, WantsFourCharactersBehindTheFirstAmpersand) {
+  struct Case {
+    std::string Reference, Protocol, Command;
+  };
+  const std::vector<Case> cases = {{"NEC&POWER", "NEC", "POWER"},
+                                   {"NEC&DOWN", "NEC", "DOWN"},
+                                   {"NEC&UP", "", ""},
+                                   {"NEC&OFF", "", ""},
+                                   {"NEC", "", ""},
+                                   {"", "", ""},
+                                   {"A&B&CDE", "A", "B&CDE"}};
+  PosixFileSystem files;
+  for (const Case& c : cases) {
+    CfgStore store("unused", files);
+    store.CurProtocol = store.CurCommand = "old";
+    SplitCommandRef(c.Reference, store);
+    EXPECT_EQ(store.CurProtocol, c.Protocol) << c.Reference;
+    EXPECT_EQ(store.CurCommand, c.Command) << c.Reference;
+  }
+}
+
+class EventDialog : public ::testing::Test {
+ protected:
+  EventDialog() {
+    store_.CfgText = tests::Config({}, ProtocolSection("NEC", "G1010,POWER\r\nG1011,MUTE\r\n") +
+                                           ProtocolSection("SONY", "G1110,PLAY\r\n"));
+  }
+
+  bool Show(std::int32_t mode, const std::function<void(frmEvent&)>& script) {
+    frmEvent dialog(store_, settings_);
+    ScriptedDialog shower;
+    shower.Script = script;
+    return dialog.ShowMe(mode, event_, shower);
+  }
+
+  std::string Stored() const {
+    return event_.EventName + "|" + event_.EventDescription + "|" + event_.IRCommand + "|" +
+           (event_.Enabled ? "on" : "off") + "|" + std::to_string(event_.Zone);
+  }
+
+  PosixFileSystem files_;
+  CfgStore store_{"unused", files_};
+  Settings settings_;
+  clsKeploEvent event_{"7", "", "", "", false, 0};
+};
+
+TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocol) {
+  EXPECT_TRUE(Show(0, [](frmEvent& dialog) {
+    EXPECT_EQ(dialog.Title(), "Add New Event");
+    EXPECT_EQ(dialog.Protocol.Entries(), (std::vector<std::string>{"NEC", "SONY", "Template"}));
+    EXPECT_EQ(dialog.SendCmd.Entries(), (std::vector<std::string>{"POWER", "MUTE"}));
+    EXPECT_FALSE(dialog.ZoneVisible);
+    dialog.OKButton_Click();
+  }));
+  EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
+}
+
+TEST_F(EventDialog, ProposesTheSameAfterAnEarlierSelection) {
+  store_.CurProtocol = "SONY";
+  store_.CurCommand = "PLAY";
+  EXPECT_TRUE(Show(0, [](frmEvent& dialog) { dialog.OKButton_Click(); }));
+  EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
+}
+
+TEST_F(EventDialog, WorksOnAFileWithTheTemplateAlone) {
+  store_.CfgText = tests::Config({}, "");
+  EXPECT_TRUE(Show(0, [](frmEvent& dialog) { dialog.OKButton_Click(); }));
+  EXPECT_EQ(Stored(), "EMPTY|EMPTY from Template|Template&EMPTY|on|0");
+}
+
+TEST_F(EventDialog, APickOverwritesWhatWasTypedBefore) {
+  Show(0, [](frmEvent& dialog) {
+    dialog.EventName.SetText("Lamp");
+    dialog.SendCmd.Select(1);
+    EXPECT_EQ(dialog.EventName.Text(), "MUTE");
+    dialog.EventName.SetText("Quiet");
+    dialog.OKButton_Click();
+  });
+  EXPECT_EQ(Stored(), "Quiet|MUTE from NEC|NEC&MUTE|on|0");
+}
+
+TEST_F(EventDialog, LeavesTheCommandOpenBehindAnotherProtocol) {
+  Show(0, [](frmEvent& dialog) {
+    dialog.Protocol.SelectText("SONY");
+    EXPECT_EQ(dialog.SendCmd.Entries(), (std::vector<std::string>{"PLAY"}));
+    EXPECT_EQ(dialog.SendCmd.ListIndex(), ui::DropDownList::kNoSelection);
+    dialog.OKButton_Click();
+  });
+  EXPECT_EQ(event_.IRCommand, "SONY&") << "an open command matches nothing";
+}
+
+TEST_F(EventDialog, EditsAStoredEvent) {
+  event_ = {"7", "Lamp", "in the hall", "SONY&PLAY", false, 3};
+  Show(1, [](frmEvent& dialog) {
+    EXPECT_EQ(dialog.Title(), "Edit Existing Event");
+    EXPECT_EQ(dialog.Protocol.Text() + "&" + dialog.SendCmd.Text(), "SONY&PLAY");
+    EXPECT_EQ(dialog.EventName.Text(), "Lamp");
+    EXPECT_FALSE(dialog.EvtEnable.Checked());
+    EXPECT_EQ(dialog.ZoneListBox.Text(), "3");
+    dialog.ZoneListBox.Select(5);
+    dialog.OKButton_Click();
+  });
+  EXPECT_EQ(Stored(), "Lamp|in the hall|SONY&PLAY|off|3") << "without zone hardware the zone stays";
+
+  settings_.VexilMode = 1;
+  Show(1, [](frmEvent& dialog) {
+    EXPECT_TRUE(dialog.ZoneVisible);
+    dialog.ZoneListBox.Select(5);
+    dialog.OKButton_Click();
+  });
+  EXPECT_EQ(Stored(), "Lamp|in the hall|SONY&PLAY|off|5");
+}
+
+TEST_F(EventDialog, OpensWithoutASelectionForADeadReference) {
+  for (const auto& [reference, protocol] : std::vector<std::pair<std::string, std::string>>{
+           {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"NEC&UP", "NEC"}}) {
+    event_ = {"7", "Lamp", "hall", reference, true, 0};
+    EXPECT_FALSE(Show(1, [&](frmEvent& dialog) {
+      EXPECT_EQ(dialog.Protocol.Text(), protocol) << reference;
+      EXPECT_EQ(dialog.SendCmd.Text(), "") << reference;
+      EXPECT_EQ(dialog.EventName.Text(), "Lamp") << reference;
+      dialog.CancelButton_Click();
+    }));
+    EXPECT_EQ(event_.IRCommand, reference) << "a cancel leaves the event untouched";
+  }
+}
+
+}  // namespace
+}  // namespace keplo

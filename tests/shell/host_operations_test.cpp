@@ -1,0 +1,162 @@
+#include "shell/event_list.h"
+#include "shell/pages.h"
+#include "shell_fixture.h"
+
+namespace keplo {
+namespace {
+
+using tests::ProtocolSection;
+using tests::ShellTest;
+using Calls = std::vector<std::string>;
+
+class HostOperations : public ShellTest {
+ protected:
+  void SetUp() override {
+    WriteConfig({}, ProtocolSection("NEC", "G" + kDigits + ",POWER\r\nG1111,MUTE\r\n"));
+    WriteEvents({{"1", "Lamp", "hall", "NEC&POWER", true, 0}, {"2", "Fan", "", "NEC&MUTE", false, 3}});
+  }
+
+  static std::string Texts(const ui::ListView& list) {
+    std::string rows;
+    for (int row = 1; row <= list.Count(); ++row) {
+      for (int field = 0; field < 6; ++field) rows += list.Text(row, field) + "|";
+      rows += "\n";
+    }
+    return rows;
+  }
+
+  /// The table as the next start finds it; after every change it must read as the list does.
+  std::string Stored() {
+    Data data(folder_.Path(), clock_);
+    ui::ListView list;
+    colclsKeploEvents(data, clock_).Initialise(list);
+    return Texts(list);
+  }
+
+  static HostInputEvent WithID(const std::string& id) {
+    HostInputEvent event;
+    event.EventID = id;
+    return event;
+  }
+};
+
+TEST_F(HostOperations, AddsAnEventInAllThreePlaces) {
+  Keplo& control = Start();
+  HostInputEvent host = WithID("O'Hara");
+  EXPECT_EQ(control.InputAddEvent(host), 2) << "the user cancelled";
+  EXPECT_EQ(control.ListView1.Count(), 2);
+  EXPECT_EQ(host.EventName, "");
+
+  dialog_.Script = [](frmEvent& dialog) { dialog.OKButton_Click(); };
+  EXPECT_EQ(control.InputAddEvent(host), 1);
+  EXPECT_EQ(host.EventName + "|" + host.EventDescription + "|" + std::get<std::string>(host.EventCommand),
+            "POWER|POWER from NEC|NEC&POWER");
+  EXPECT_EQ(control.ListView1.Text(3, kEventID), "O'Hara");
+  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(control.InputModifyEvent(host), 1) << "the collection knows the new event";
+}
+
+TEST_F(HostOperations, ModifiesAnEventInItsPlace) {
+  Keplo& control = Start();
+  HostInputEvent host = WithID("1");
+  dialog_.Script = [](frmEvent& dialog) {
+    dialog.EventName.SetText("Light");
+    dialog.OKButton_Click();
+  };
+  EXPECT_EQ(control.InputModifyEvent(host), 1);
+  EXPECT_EQ(host.EventName, "Light");
+  EXPECT_EQ(control.ListView1.Text(1, kEventName), "Light");
+  EXPECT_EQ(Texts(control.ListView1), Stored());
+
+  dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
+  EXPECT_EQ(control.InputModifyEvent(host), 2);
+  EXPECT_EQ(Texts(control.ListView1), Stored());
+}
+
+TEST_F(HostOperations, ReportsAnEventThatIsNotThere) {
+  Keplo& control = Start();
+  HostInputEvent host = WithID("99");
+  EXPECT_EQ(control.InputModifyEvent(host), 0);
+  ASSERT_EQ(errors_.size(), 1U);
+  EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "InputKeplo.Keplo InputModifyEvent");
+  EXPECT_EQ(control.InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
+  EXPECT_EQ(control.InputErrorDetails()->ErrorDetail, "");
+}
+
+TEST_F(HostOperations, TellsAFailedSave) {
+  Keplo& control = Start();
+  dialog_.Script = [](frmEvent& dialog) { dialog.OKButton_Click(); };
+  HostInputEvent taken = WithID("1");
+  EXPECT_EQ(control.InputAddEvent(taken), 0);
+  ASSERT_EQ(errors_.size(), 1U);
+  EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "colclsKeploEvents colclsKeploEvents.Save");
+  EXPECT_EQ(control.ListView1.Count(), 2);
+  EXPECT_EQ(taken.EventName, "");
+}
+
+TEST_F(HostOperations, DeletesAnEventFromAllThreePlaces) {
+  Keplo& control = Start();
+  EXPECT_EQ(control.InputDeleteEvent(WithID("99")), 0);
+  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 1);
+  EXPECT_EQ(Texts(control.ListView1), "Fan||NEC&MUTE|False|3|2|\n");
+  EXPECT_EQ(Texts(control.ListView1), Stored());
+  HostInputEvent gone = WithID("1");
+  EXPECT_EQ(control.InputModifyEvent(gone), 0) << "the collection has let it go too";
+}
+
+TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {
+  Keplo& control = Start();
+  std::vector<std::string> ids = {"old"};
+  EXPECT_EQ(control.InputHouseKeepingGetEventIDs(ids), 1);
+  EXPECT_EQ(ids, (Calls{"1", "2"}));
+  control.InputDeleteEvent(WithID("1"));
+  control.InputDeleteEvent(WithID("2"));
+  control.InputHouseKeepingGetEventIDs(ids);
+  EXPECT_EQ(ids, Calls{""});
+}
+
+TEST_F(HostOperations, PutsTheLinesRightBehindTheWindow) {
+  Keplo& control = Start();
+  control.InputCallMenuItem(0);
+  EXPECT_EQ(mod_->Settings.PluginMode, 1);
+  EXPECT_TRUE(control.Timer1.Enabled());
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
+
+  mod_->Settings.InterfaceType = 9;
+  control.InputConfigurePlugin();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0", "DTR -1"}));
+  control.InputStopMonitoring();
+  line_.Calls.clear();
+  control.InputConfigurePlugin();
+  EXPECT_FALSE(control.Timer1.Enabled());
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0"}));
+}
+
+TEST(Pages, AreSentToTheLetter) {
+  ui::ListView list;
+  AppendEventRow(list, {"17", "<b>\"Lamp\" & co", "POWER from NEC", "NEC&POWER", true, 0});
+  const std::string table =
+      "<HTML><table border=\"1\" cellpadding=\"0\" cellspacing=\"0\" style=\"border-collapse: collapse\" "
+      "bordercolor=\"#000080\" id=\"AutoNumber1\" bordercolorlight=\"#0000FF\" bordercolordark=\"#000080\" "
+      "bgcolor=\"#00FFFF\">\r\n<tr>";
+  const std::string extra = "<th bordercolor=\"#000080\" bgcolor=\"#C0C0C0\">";
+  std::string rest;
+  for (const std::string heading :
+       {"Event Name", "Event Description", "Infrared Command", "Activated", "Zone", "Event ID"}) {
+    rest += extra + "<p align=\"center\"><font face=\"Verdana\" size=\"2\">" + heading + "</font></th>\r\n";
+  }
+  rest += "</tr>\r\n<tr>\r\n";
+  for (const std::string cell : {"<b>\"Lamp\" & co", "POWER from NEC", "NEC&POWER", "True", "0", "17"}) {
+    rest += "<td align=\"center\"><font face=\"Verdana\" size=\"2\">" + cell + "</font></td>\r\n";
+  }
+  rest += "</tr>\r\n</TABLE></BODY>\r\n</HTML>\r\n";
+  EXPECT_EQ(EventPage(list, PageRequest::Get), table + rest);
+  EXPECT_EQ(EventPage(list, PageRequest::Post), table + extra + rest);
+
+  list.Remove(1);
+  const std::string empty = EventPage(list, PageRequest::Get);
+  EXPECT_EQ(empty.substr(empty.rfind("</th>")), "</th>\r\n</tr>\r\n</TABLE></BODY>\r\n</HTML>\r\n");
+}
+
+}  // namespace
+}  // namespace keplo

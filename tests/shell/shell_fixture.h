@@ -1,0 +1,117 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config/posix_file_system.h"
+#include "doubles/fake_line.h"
+#include "doubles/temp_folder.h"
+#include "events/col_cls_keplo_events.h"
+#include "events/event_table.h"
+#include "shell/keplo.h"
+
+namespace keplo::tests {
+
+class FixedClock : public ui::Clock {
+ public:
+  std::chrono::system_clock::time_point Now() const override {
+    return std::chrono::system_clock::from_time_t(0);
+  }
+};
+
+class RecordingBoxes : public ui::Boxes {
+ public:
+  std::vector<std::string> Shown;
+  void Message(std::string_view text, std::string_view /*title*/) override { Shown.emplace_back(text); }
+  bool Question(std::string_view text, std::string_view /*title*/) override {
+    Shown.emplace_back(text);
+    return false;
+  }
+  std::string Input(std::string_view text, std::string_view /*title*/, std::string_view /*preset*/) override {
+    Shown.emplace_back(text);
+    return {};
+  }
+};
+
+/// The event dialog as a user would handle it: the script plays on the shown dialog; none cancels.
+class ScriptedDialog : public EventDialogShower {
+ public:
+  std::function<void(frmEvent&)> Script;
+  void ShowModal(frmEvent& dialog) override {
+    if (Script) Script(dialog);
+  }
+};
+
+struct General {
+  std::string ComPort = "1", InterfaceType = "0", BeepOn = "1", Vexil = "0";
+};
+
+inline std::string ProtocolSection(const std::string& name, const std::string& commands) {
+  return "[" + name +
+         "]\r\n# a protocol\r\nGPROTO= 0\r\nSENDPLS= 560\r\nREPEAT= 0\r\nBITG= 10\r\nBIT0= 10\r\n" +
+         "BIT1= 1000\r\nGREPEAT= 1\r\n\r\n" + commands + "\r\n";
+}
+
+inline std::string Config(const General& general, const std::string& sections) {
+  return "[General]\r\nCOMPORT= " + general.ComPort +
+         "\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= " + general.InterfaceType +
+         "\r\nBEEPON= " + general.BeepOn + "\r\nVEXIL= " + general.Vexil + "\r\n\r\n" + sections +
+         ProtocolSection("Template", "G10,EMPTY\r\n") + "[END]\r\n";
+}
+
+/// An application path with a file and an event map, and a control that comes up from them.
+class ShellTest : public ::testing::Test {
+ protected:
+  const std::string kDigits = "00000000111111110110100010010111";
+
+  void WriteConfig(const General& general, const std::string& sections) {
+    folder_.Write("keplo.cfg", Config(general, sections));
+  }
+
+  void WriteEvents(const std::vector<clsKeploEvent>& events) {
+    CreateEventTable(folder_.Path() / "inputKeplo.mdb");
+    Data data(folder_.Path(), clock_);
+    colclsKeploEvents collection(data, clock_);
+    for (const clsKeploEvent& event : events) {
+      ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
+    }
+  }
+
+  /// Creates the control without loading its events.
+  Keplo& Create() {
+    mod_ = std::make_unique<KeploMod>(folder_.Path(), files_);
+    control_ = std::make_unique<Keplo>(*mod_, line_, KeploWindows{boxes_, dialog_}, clock_);
+    control_->TriggerInputEvent = [this](HostInputEvent& event) {
+      raised_.push_back(event.EventID + " " + std::get<std::string>(event.EventCommand));
+      line_.Calls.push_back("event " + event.EventID);
+    };
+    control_->TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
+      errors_.push_back(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
+    };
+    return *control_;
+  }
+
+  /// Creates, initialises and starts the control, and forgets the calls up to there.
+  Keplo& Start() {
+    Keplo& control = Create();
+    EXPECT_EQ(control.InputInitialise(nullptr), 1);
+    control.InputStartMonitoring();
+    line_.Calls.clear();
+    return control;
+  }
+
+  TempFolder folder_;
+  PosixFileSystem files_;
+  FixedClock clock_;
+  RecordingBoxes boxes_;
+  ScriptedDialog dialog_;
+  FakeLine line_;
+  std::unique_ptr<KeploMod> mod_;
+  std::unique_ptr<Keplo> control_;
+  std::vector<std::string> raised_, errors_;
+};
+
+}  // namespace keplo::tests

@@ -1,0 +1,126 @@
+#include "shell_fixture.h"
+
+namespace keplo {
+namespace {
+
+using tests::General;
+using tests::ShellTest;
+using Calls = std::vector<std::string>;
+
+class StartUp : public ShellTest {};
+
+TEST_F(StartUp, OpensThePortAndFillsThePanel) {
+  WriteConfig({.ComPort = "3", .InterfaceType = "9", .Vexil = "2"}, "");
+  Keplo& control = Create();
+  EXPECT_EQ(line_.Calls, (Calls{"OpenCom 3", "RTS -1", "TXD 0", "SetMode 2"}));
+  EXPECT_EQ(control.Panel.CtlComPort.Text(), "COM 3");
+  EXPECT_EQ(control.Panel.CtlPortStatus.Text(), "AVAILABLE");
+  EXPECT_EQ(control.Panel.CtlPortStatus.BackColour(), ui::kGreen);
+  EXPECT_EQ(control.Panel.RcvActivated.Text(), "NO");
+  EXPECT_EQ(control.Panel.VexilAvailable.Text(), "YES");
+  EXPECT_EQ(control.Panel.InterfaceType.Text(), "IRMouse / TxD");
+  EXPECT_EQ(mod_->Settings.ReceiverKind, 1);
+  EXPECT_FALSE(control.Timer1.Enabled());
+  EXPECT_EQ(control.ListView1.Count(), 0);
+
+  std::string columns;
+  for (const ui::ListColumn& column : control.ListView1.Columns()) {
+    columns += column.Heading + " " + std::to_string(column.Width) + "; ";
+  }
+  EXPECT_EQ(columns,
+            "Event Name 2000; Event Description 2500; Infrared Command 2500; Activated 1000; Zone 600; "
+            "EventID 1000; ");
+}
+
+TEST_F(StartUp, ShowsEachInterfaceType) {
+  const std::vector<std::tuple<std::string, int, std::string>> cases = {
+      {"0", 0, "DCDStandard / DTR"}, {"1", 0, "DCDStandard / TxD"}, {"8", 1, "IRMouse / DTR"},
+      {"9", 1, "IRMouse / TxD"},     {"5", 0, "InterfaceType"},     {"10", 1, "InterfaceType"}};
+  for (const auto& [type, receiver, text] : cases) {
+    WriteConfig({.InterfaceType = type}, "");
+    EXPECT_EQ(Create().Panel.InterfaceType.Text(), text) << type;
+    EXPECT_EQ(mod_->Settings.ReceiverKind, receiver) << type;
+  }
+}
+
+TEST_F(StartUp, TriesThePortFiveTimes) {
+  WriteConfig({}, "");
+  line_.OpenResults = {0, -1, 1};
+  EXPECT_EQ(Create().Panel.CtlPortStatus.Text(), "AVAILABLE");
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"OpenCom 1", "uDelay 200000", "OpenCom 1", "uDelay 200000", "OpenCom 1",
+                                      "RTS -1", "TXD 0"}));
+
+  line_.OpenResults = {0, 0, 0, 0, 0, 1};
+  Keplo& control = Create();
+  EXPECT_EQ(control.Panel.CtlPortStatus.Text(), "UNAVAILABLE");
+  EXPECT_EQ(control.Panel.CtlPortStatus.BackColour(), ui::kRed);
+  EXPECT_EQ(std::count(line_.Calls.begin(), line_.Calls.end(), "uDelay 200000"), 5);
+  EXPECT_EQ(line_.OpenResults.size(), 1U);
+  control.InputStartMonitoring();
+  EXPECT_EQ(control.Panel.CtlPortStatus.Text(), "AVAILABLE") << "a refresh does not test the port";
+}
+
+TEST_F(StartUp, LeavesThePortClosedWhenSettingsAreIncomplete) {
+  std::string config = tests::Config({}, "");
+  folder_.Write("keplo.cfg", config.replace(config.find("ITYPE="), 6, "XTYPE="));
+  Keplo& control = Create();
+  EXPECT_EQ(line_.Calls, Calls{});
+  EXPECT_EQ(control.Panel.CtlComPort.Text(), "CtlComPort");
+  EXPECT_EQ(control.Panel.InterfaceType.Text(), "InterfaceType");
+  EXPECT_EQ(control.Panel.RcvActivated.Text(), "NO");
+  EXPECT_EQ(control.ListView1.Columns().size(), 6U);
+}
+
+TEST_F(StartUp, FailsWithoutAConfigurationFile) {
+  try {
+    Create();
+    FAIL() << "the control came up without keplo.cfg";
+  } catch (const Failure& failure) {
+    EXPECT_NE(std::string(failure.what()).find("keplo.cfg"), std::string::npos) << failure.what();
+  }
+}
+
+TEST_F(StartUp, StartsAndStopsMonitoring) {
+  WriteConfig({}, "");
+  Keplo& control = Create();
+  line_.Calls.clear();
+  EXPECT_EQ(control.InputStartMonitoring(), 1);
+  EXPECT_TRUE(control.InputMonitoring());
+  EXPECT_TRUE(control.Timer1.Enabled());
+  EXPECT_EQ(control.Panel.RcvActivated.Text(), "YES");
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1"}));
+
+  EXPECT_EQ(control.InputStopMonitoring(), 1);
+  EXPECT_FALSE(control.InputMonitoring());
+  EXPECT_FALSE(control.Timer1.Enabled());
+  EXPECT_EQ(control.Panel.RcvActivated.Text(), "NO");
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0"}));
+
+  EXPECT_EQ(control.InputTerminate(), 1);
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"CloseCom"}));
+  EXPECT_EQ(control.InputErrorDetails(), nullptr);
+}
+
+TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
+  WriteConfig({}, "");
+  EXPECT_EQ(Create().InputInitialise(nullptr), 0) << "there is no database";
+  WriteEvents({{"17", "Lamp", "", "NEC&POWER", true, 0}});
+  Keplo& control = Create();
+  EXPECT_EQ(control.InputInitialise(nullptr), 1);
+  EXPECT_EQ(control.ListView1.Text(1, 2), "NEC&POWER");
+}
+
+TEST_F(StartUp, FitsTheListIntoTheControl) {
+  WriteConfig({}, "");
+  Keplo& control = Create();
+  control.Resize(5000, 6000);
+  EXPECT_EQ(control.ListView1.Width, 4700);
+  EXPECT_EQ(control.ListView1.Height, 4100);
+  EXPECT_EQ(control.ListView1.Top, 2040);
+  control.Resize(100, 100);
+  EXPECT_EQ(control.ListView1.Width, 0);
+  EXPECT_EQ(control.ListView1.Height, 0);
+}
+
+}  // namespace
+}  // namespace keplo

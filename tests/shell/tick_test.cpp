@@ -1,0 +1,107 @@
+#include "shell_fixture.h"
+#include "signal/signal_builder.h"
+
+namespace keplo {
+namespace {
+
+using tests::Bytes;
+using tests::NecRuns;
+using tests::Padded;
+using tests::ProtocolSection;
+using tests::Runs;
+using tests::ShellTest;
+using Calls = std::vector<std::string>;
+
+class Tick : public ShellTest {
+ protected:
+  void SetUp() override {
+    WriteConfig({}, ProtocolSection("NEC", "G" + kDigits + ",POWER\r\n"));
+    WriteEvents({{"17", "Lamp on", "", "NEC&POWER", true, 0}});
+  }
+
+  std::string Press(const std::string& digits) const { return Bytes(Runs(NecRuns(digits))); }
+};
+
+TEST_F(Tick, CostsTwoLineReadsAtRest) {
+  Keplo& control = Start();
+  line_.LogDcd = true;
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"DCD"})) << "the standard receiver rests at 1";
+  mod_->Settings.ReceiverKind = 1;
+  line_.Rest = 0;
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"DCD", "DCD"}));
+  EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, CapturesAsTheReceiverNeedsIt) {
+  Keplo& control = Start();
+  line_.Captures = {"", ""};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "IRMonitor 510 delay 10"}));
+  mod_->Settings.ReceiverKind = 1;
+  line_.Rest = 0;
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"TXD 0", "RTS -1", "IRMonitorN 510 delay 10"}));
+}
+
+TEST_F(Tick, RaisesTheEventOfAPress) {
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits)};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "IRMonitor 510 delay 10", "SpeakBeep 5000 50",
+                                      "SpeakBeep 1000 50", "event 17", "uDelay 200000"}));
+  EXPECT_EQ(raised_, (Calls{"17 NEC&POWER"}));
+  EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
+  Keplo& control = Start();
+  line_.Captures = {std::string(510, '\xAA')};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
+  EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
+
+  mod_->Settings.BeepOn = false;
+  line_.Captures = {Press(kDigits)};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}));
+}
+
+TEST_F(Tick, NeverNests) {
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits), Press(kDigits)};
+  control.TriggerInputEvent = [&](HostInputEvent&) {
+    raised_.emplace_back("raised");
+    EXPECT_FALSE(control.Timer1.Enabled());
+    control.Timer1.Tick();
+  };
+  control.Timer1.Tick();
+  EXPECT_EQ(raised_.size(), 1U);
+}
+
+TEST_F(Tick, ReachesItsEndWhateverTheHostThrows) {
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits), Press(kDigits)};
+  control.TriggerInputEvent = [](HostInputEvent&) { throw Failure(91, "the host stumbled"); };
+  control.Timer1.Tick();
+  EXPECT_TRUE(control.Timer1.Enabled());
+  EXPECT_EQ(errors_, (Calls{"InputKeplo.Keplo Timer1_Timer: the host stumbled"}));
+  EXPECT_EQ(control.InputErrorDetails()->ErrorNumber, 91);
+
+  control.TriggerInputErrorCondition = [](HostErrorRecord&, bool&) { throw Failure(92, "and fell"); };
+  control.Timer1.Tick();
+  EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, TurnsTheTimerOnAgainEvenIfTheHostStoppedItInside) {
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits)};
+  control.TriggerInputEvent = [&](HostInputEvent&) { control.InputStopMonitoring(); };
+  control.Timer1.Tick();
+  EXPECT_FALSE(control.InputMonitoring());
+  EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+}  // namespace
+}  // namespace keplo
