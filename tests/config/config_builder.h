@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "config/cfg_store.h"
+#include "config/posix_file_system.h"
+#include "doubles/temp_folder.h"
+
+namespace keplo::tests {
+
+/// Lines as they stand in the file.
+inline std::string Lines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += line + "\r\n";
+  return text;
+}
+
+inline const std::string kGeneral = Lines(
+    {"[General]", "COMPORT= 1", "PROTOCOL= 0", "PROCDELAY= 10", "ITYPE= 0", "BEEPON= 1", "VEXIL= 0", ""});
+
+/// A protocol section with the given command lines.
+inline std::string Protocol(const std::string& name, const std::vector<std::string>& commands) {
+  return Lines({"[" + name + "]", "# made for a test", "GPROTO= 0", "SENDPLS= 560", "REPEAT= 0", "BITG= 1100",
+                "BIT0= 10", "BIT1= 1000", "GREPEAT= 72", ""}) +
+         Lines(commands) + "\r\n";
+}
+
+/// A whole file: settings, the sections, the template and the closing header.
+inline std::string Config(const std::string& sections) {
+  return kGeneral + sections + Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
+}
+
+/// A store over a file in a folder of its own, loaded.
+class StoreOnDisk {
+ public:
+  explicit StoreOnDisk(const std::string& content) {
+    folder_.Write("keplo.cfg", content);
+    LoadConfig(Store);
+  }
+
+  std::string File() const { return folder_.Read("keplo.cfg"); }
+  const std::filesystem::path& Folder() const { return folder_.Path(); }
+
+ private:
+  TempFolder folder_;
+  PosixFileSystem files_;
+
+ public:
+  CfgStore Store{folder_.Path() / "keplo.cfg", files_};
+};
+
+}  // namespace keplo::tests

@@ -1,0 +1,236 @@
+#include "config/learn.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "config/commands.h"
+#include "config/protocols.h"
+#include "config/values.h"
+#include "config_builder.h"
+#include "failure.h"
+#include "fake_disk.h"
+
+namespace keplo {
+namespace {
+
+using tests::Config;
+using tests::Protocol;
+using tests::StoreOnDisk;
+using Commands = std::vector<std::string>;
+
+/// A file with the given commands in its NEC section and a command MUTE in its SONY section.
+std::string With(const Commands& commands) {
+  return Config(Protocol("NEC", commands) + Protocol("SONY", {"G0011,MUTE"}));
+}
+
+TEST(AddCommand, GoesBehindTheLastCommandInOneSave) {
+  StoreOnDisk disk(With({"G10,EMPTY", "# a note"}));
+  EXPECT_TRUE(AddCommand(disk.Store, "nec", " G1010 ", " POWER ").Done());
+  EXPECT_EQ(disk.File(), With({"G1010,POWER", "# a note"})) << "the placeholder gives way";
+  EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1110", "UP").Done());
+  EXPECT_EQ(disk.File(), With({"G1010,POWER", "G1110,UP", "# a note"}));
+  EXPECT_EQ(disk.Store.CfgText, disk.File());
+}
+
+TEST(AddCommand, FindsAPlaceInAHandEditedSection) {
+  for (const auto& [before, after] : std::vector<std::pair<Commands, Commands>>{
+           {{}, {"GREPEAT= 72", "G1010,POWER"}}, {{"# nothing here"}, {"# nothing here", "G1010,POWER"}}}) {
+    std::string text = With(before);
+    text.insert(text.find("made for"), "one, two ");
+    StoreOnDisk disk(text);
+    EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1010", "POWER").Done());
+    EXPECT_NE(disk.File().find(tests::Lines(after)), std::string::npos) << disk.File();
+    disk.Store.CurProtocol = "NEC";
+    EXPECT_EQ(CountCommands(disk.Store), 1);
+  }
+}
+
+TEST(AddCommand, TellsWhyItRefuses) {
+  struct Case {
+    std::string Protocol, Code, Name, Text;
+  };
+  const std::string name = "Use only a-z, A-Z,'-','_' characters";
+  const std::string used = "This command name is in use for the current protocol.";
+  const std::string invalid = "The code you want to save is invalid.";
+  const std::vector<Case> cases = {
+      {"TEMPLATE", "G1110", "UP", "This protocol is read-only."},
+      {"recorded", "G1110", "UP", "This is a virtual read-only protocol!"},
+      {"NEC", "G1", "UP", invalid},
+      {"NEC", "G1x10", "UP", invalid},
+      {"NEC", "1110", "UP", invalid},
+      {"NEC", "g1110", "UP", invalid},
+      {"NEC", "G11,10", "UP", invalid},
+      {"NEC", "G11[10", "UP", invalid},
+      {"NEC", "G1010", "UP", "This command exist as POWER"},
+      {"NEC", "G101", "UP", "This command exist as POWER"},
+      {"NEC", "G001", "UP", "This command exist as MUTE"},
+      {"NEC", "G1110", "", "A new command needs a name."},
+      {"NEC", "G1110", "U P", name},
+      {"NEC", "G1110", "UP[", name},
+      {"NEC", "G1110", "  ", used},
+      {"NEC", "G1110", "power", used},
+      {"NEC", "G1110", "OWE", used},
+      {"NEC", "G1110", "repeat", used},
+      {"JVC", "G1110", "UP", "The configuration has no whole section of a protocol JVC."},
+      {"General", "G1110", "UP", "The configuration has no whole section of a protocol General."},
+      {"END", "G1110", "UP", "The configuration has no whole section of a protocol END."},
+  };
+  StoreOnDisk disk(With({"G1010,POWER"}));
+  for (const Case& c : cases) {
+    EXPECT_EQ(RefusalText(AddCommand(disk.Store, c.Protocol, c.Code, c.Name)), c.Text)
+        << c.Code << "," << c.Name;
+  }
+  EXPECT_EQ(disk.File(), With({"G1010,POWER"}));
+  EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1110", "MUTE").Done()) << "a name of another section is free";
+}
+
+TEST(AddCommand, KeepsACommandThatIsNamedLikeThePlaceholder) {
+  for (const std::string stored : {"G0101,EMPTY", "G0101,EMPTY-TRAY", "G101,EMPTY"}) {
+    StoreOnDisk disk(With({stored}));
+    EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1110", "UP").Done());
+    EXPECT_EQ(disk.File(), With({stored, "G1110,UP"}));
+  }
+}
+
+TEST(AddCommand, RefusesWhatDoesNotFit) {
+  const std::string filler(kMostCharacters - With({"G1010,POWER"}).size() - 10, '#');
+  StoreOnDisk disk(filler + With({"G1010,POWER"}));
+  EXPECT_THROW(AddCommand(disk.Store, "NEC", "G11100", "UP"), Failure);
+  EXPECT_TRUE(disk.File() == filler + With({"G1010,POWER"}) && disk.Store.CfgText == disk.File());
+  EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G11100", "U").Done());
+  EXPECT_EQ(disk.File().size(), kMostCharacters);
+}
+
+TEST(WindowSteps, KeepThePlaceholderInTheFileUntilTheNextSave) {
+  StoreOnDisk disk(With({"G10,EMPTY"}));
+  CfgStore& store = disk.Store;
+  store.CurProtocol = "NEC";
+  store.CurCommand = "POWER";
+  EXPECT_TRUE(StoreCommand(store, "NEC", "G1010", "POWER"));
+  EXPECT_EQ(store.CfgText, With({"G10,EMPTY", "G1010,POWER"}));
+  DropPlaceholder(store);
+  EXPECT_EQ(store.CurCommand, "EMPTY");
+  EXPECT_EQ(store.CfgText, With({"G1010,POWER"}));
+  EXPECT_EQ(disk.File(), With({"G10,EMPTY", "G1010,POWER"}));
+
+  store.CurCommand = "POWER";
+  DropPlaceholder(store);
+  EXPECT_EQ(store.CfgText, With({"G1010,POWER"}));
+  EXPECT_TRUE(CheckDelete(store).Done());
+  EXPECT_TRUE(RemoveCommand(store));
+  EXPECT_EQ(store.CfgText, With({"G10,EMPTY"}));
+  EXPECT_EQ(disk.File(), With({}));
+  store.CurCommand = "EMPTY";
+  EXPECT_EQ(RefusalText(CheckDelete(store)), "There are no more commands to delete");
+  SaveConfig(store);
+  EXPECT_EQ(disk.File(), With({"G10,EMPTY"}));
+}
+
+TEST(DeleteCommand, LeavesThePlaceholderInAnEmptySection) {
+  StoreOnDisk disk(With({"# above", "G1010,POWER", "# below"}));
+  EXPECT_TRUE(DeleteCommand(disk.Store, "NEC", "POWER").Done());
+  EXPECT_EQ(disk.File(), With({"# above", "G10,EMPTY", "# below"}));
+  for (const auto& [protocol, name, text] : std::vector<std::tuple<std::string, std::string, std::string>>{
+           {"NEC", "EMPTY", "There are no more commands to delete"},
+           {"NEC", "POWER", "The protocol has no command POWER."},
+           {"template", "EMPTY", "This protocol is read-only."},
+           {"Recorded", "EMPTY", "This is a virtual read-only protocol!"},
+           {"JVC", "UP", "The configuration has no whole section of a protocol JVC."}}) {
+    EXPECT_EQ(RefusalText(DeleteCommand(disk.Store, protocol, name)), text);
+  }
+  EXPECT_EQ(disk.File(), With({"# above", "G10,EMPTY", "# below"}));
+}
+
+TEST(FailedSave, ChangesNeitherTextNorFile) {
+  const std::string before = With({"G1010,POWER"});
+  tests::FakeDisk disk;
+  disk.Put("keplo.cfg", before);
+  CfgStore store("/home/keplo.cfg", disk);
+  LoadConfig(store);
+  store.CurProtocol = "NEC";
+  store.CurCommand = "POWER";
+  const std::vector<std::function<void()>> changes = {
+      [&] { AddCommand(store, "NEC", "G1110", "UP"); }, [&] { DeleteCommand(store, "NEC", "POWER"); },
+      [&] { StoreCommand(store, "NEC", "G1110", "UP"); }, [&] { RemoveCommand(store); }};
+  for (const auto& change : changes) {
+    disk.FailAt(1, true);
+    EXPECT_THROW(change(), Failure);
+    EXPECT_EQ(store.CfgText, before);
+    EXPECT_EQ(disk.Files().at("keplo.cfg"), before);
+  }
+}
+
+/// Commands as the user knows them, by section.
+using Model = std::map<std::string, std::map<std::string, std::string>>;
+
+Model Read(const std::string& text) {
+  Model model;
+  for (const std::string& protocol : ListProtocols(text)) {
+    for (const LearnedCommand& command : ListCommands(text, protocol)) {
+      if (command.Code + "," + command.Name != kPlaceholderLine) model[protocol][command.Name] = command.Code;
+    }
+  }
+  return model;
+}
+
+void ExpectWhole(CfgStore& store) {
+  const std::string& text = store.CfgText;
+  EXPECT_EQ(WalkSections(text).Ended, WalkEnd::ClosingHeader);
+  EXPECT_EQ(text.substr(text.size() - 9), "\r\n[END]\r\n");
+  for (std::size_t header = text.find('['); header != std::string::npos;
+       header = text.find('[', header + 1)) {
+    EXPECT_TRUE(header == 0 || text[header - 1] == '\n');
+  }
+  for (const std::string& protocol : ListProtocols(text)) {
+    store.CurProtocol = protocol;
+    ProtocolParams params;
+    std::int16_t kind = 0;
+    EXPECT_TRUE(LoadProtocolParams(text, protocol, params, kind));
+    const int count = CountCommands(store);
+    EXPECT_EQ(count, static_cast<int>(ListCommands(text, protocol).size()));
+    EXPECT_TRUE(FindPlaceholder(text, protocol).has_value() == Read(text)[protocol].empty()) << text;
+    EXPECT_GE(count, 1);
+  }
+}
+
+TEST(LongUse, KeepsTheFileWholeAndTheCommandsRight) {
+  std::mt19937 random(11);
+  const std::string sections[] = {"NEC", "SONY", "RC5"};
+  const std::string initial = Config(Protocol("NEC", {"G10,EMPTY"}) + Protocol("SONY", {"G10,EMPTY"}) +
+                                     Protocol("RC5", {"G10,EMPTY"}));
+  tests::FakeDisk disk;
+  disk.Put("keplo.cfg", initial);
+  CfgStore store("/home/keplo.cfg", disk);
+  LoadConfig(store);
+  Model model;
+  for (int step = 0; step < 2000; ++step) {
+    const std::string protocol = sections[random() % 3], name = "KEY-" + std::to_string(10 + random() % 40);
+    std::string code = "G";
+    for (int bit = 0; bit < 8; ++bit) code += random() % 2 == 0 ? '0' : '1';
+    if (random() % 8 == 0) {
+      ASSERT_TRUE(SetGeneralValue(store, "COMPORT", std::to_string(random() % 30)));
+    } else if (random() % 5 < 3) {
+      const LearnResult result = AddCommand(store, protocol, code, name);
+      if (result.Done()) {
+        ASSERT_EQ(model[protocol].count(name), 0U);
+        model[protocol][name] = code;
+      }
+    } else {
+      const bool deleted = DeleteCommand(store, protocol, name).Done();
+      ASSERT_EQ(deleted, model[protocol].erase(name) > 0) << name;
+    }
+    ASSERT_EQ(store.CfgText, disk.Files().at("keplo.cfg"));
+    for (auto& [section, commands] : Read(store.CfgText)) ASSERT_EQ(commands, model[section]) << step;
+    if (step % 50 == 0) ExpectWhole(store);
+    if (HasFailure()) FAIL() << "step " << step;
+  }
+  std::map<std::string, int> codes;
+  for (const auto& [protocol, commands] : model) {
+    for (const auto& [name, code] : commands) EXPECT_EQ(++codes[code], 1) << code;
+  }
+}
+
+}  // namespace
+}  // namespace keplo
