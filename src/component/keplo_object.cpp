@@ -1,0 +1,239 @@
+#include "component/keplo_object.h"
+
+#include <exception>
+#include <utility>
+
+#include "component/without_display.h"
+#include "events/event_text.h"
+#include "qt/control_view.h"
+#include "qt/qt_boxes.h"
+#include "qt/qt_event_dialog.h"
+#include "shell/event_list.h"
+#include "shell/press_words.h"
+
+namespace keplo::component {
+
+namespace {
+
+std::vector<Recording> LoadRecordings(const std::vector<std::string>& files) {
+  std::vector<Recording> recordings;
+  recordings.reserve(files.size());
+  for (const std::string& file : files) recordings.push_back(LoadRecording(file));
+  return recordings;
+}
+
+LineOptions LineOptionsOf(const CreationContext& context) {
+  LineOptions options;
+  if (context.SampleTime > 0) options.SampleTime = context.SampleTime;
+  if (context.HoldMs >= 0) options.HoldMs = context.HoldMs;
+  options.Shape = context.ShapeReplay;
+  return options;
+}
+
+std::unique_ptr<ui::Boxes> MakeBoxes(bool mayUseDisplay, const Log& log) {
+  if (mayUseDisplay) return std::make_unique<qt::QtBoxes>();
+  return std::make_unique<LoggedBoxes>(log);
+}
+
+std::unique_ptr<EventDialogShower> MakeEventDialog(bool mayUseDisplay, const Log& log) {
+  if (mayUseDisplay) return std::make_unique<qt::QtEventDialog>();
+  return std::make_unique<CancelledEventDialog>(log);
+}
+
+}  // namespace
+
+KeploObject::KeploObject(const CreationContext& context, std::function<void()> released)
+    : mayUseDisplay_(context.MayUseDisplay),
+      inRealTime_(context.ReplayInRealTime),
+      log_(context.Log),
+      released_(std::move(released)),
+      replayPlayed_(context.ReplayPlayed),
+      mod_(context.ApplicationPath, files_),
+      line_(LoadRecordings(context.ReplayFiles), 0, LineOptionsOf(context)),
+      boxes_(MakeBoxes(mayUseDisplay_, log_)),
+      eventDialog_(MakeEventDialog(mayUseDisplay_, log_)),
+      control_(mod_, line_, Windows(), clock_),
+      controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
+      timer_(control_.Timer1) {
+  if (inRealTime_) line_.PlayAgainst(lineClock_);
+  line_.SetReceiverKind(mod_.Settings.ReceiverKind);
+  control_.TriggerInputEvent = [this](HostInputEvent& event) {
+    sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
+  };
+  control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
+    sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
+  };
+}
+
+KeploObject::~KeploObject() = default;
+
+KeploWindows KeploObject::Windows() {
+  return {*boxes_, *eventDialog_, [this] {
+            log_.Write(LogLevel::Warning,
+                       mayUseDisplay_ ? "There is no configuration window in this build."
+                                      : "The configuration window needs a display; it counts as closed.");
+          }};
+}
+
+void* KeploObject::QueryInterface(std::string_view name) {
+  if (name == IVelmoraInputPLugin::kInterfaceName) return static_cast<IVelmoraInputPLugin*>(this);
+  if (name == IHostEventSource::kInterfaceName) return static_cast<IHostEventSource*>(&sinks_);
+  if (name == IControlView::kInterfaceName) return static_cast<IControlView*>(this);
+  if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
+  if (name == IPressTally::kInterfaceName) return static_cast<IPressTally*>(this);
+  return nullptr;
+}
+
+void KeploObject::Release() {
+  const std::function<void()> released = std::move(released_);
+  delete this;
+  released();
+}
+
+/// Runs an operation of the control; what it throws never crosses to the host, who gets an error record.
+template <typename Result, typename Operation>
+Result KeploObject::Contained(const char* name, Result otherwise, Operation operation) try {
+  return operation();
+} catch (const std::exception& failure) {
+  HostErrorRecord record;
+  record.ErrorDate = ui::RecordDate(clock_.Now());
+  record.ErrorDescription = failure.what();
+  record.ErrorProcedure = name;
+  record.ErrorSource = kInputKeploClass;
+  if (const auto* numbered = dynamic_cast<const Failure*>(&failure)) record.ErrorNumber = numbered->Number();
+  bool stopping = false;
+  if (control_.TriggerInputErrorCondition) control_.TriggerInputErrorCondition(record, stopping);
+  return otherwise;
+}
+
+std::string KeploObject::InputIconFileName() { return control_.InputIconFileName(); }
+
+HostVariant KeploObject::InputDisplayAboutBox() {
+  control_.InputDisplayAboutBox();
+  return {};
+}
+
+std::int32_t KeploObject::InputGetPluginMenuItems(std::vector<std::string>& mnuItems) {
+  return control_.InputGetPluginMenuItems(mnuItems);
+}
+
+HostVariant KeploObject::InputCallMenuItem(std::int16_t& index) {
+  return Contained("InputCallMenuItem", HostVariant(true),
+                   [&] { return HostVariant(control_.InputCallMenuItem(index)); });
+}
+
+std::int32_t KeploObject::InputQueryDeviceStatus(HostDevice& /*DevStruct*/) { return kInputDone; }
+
+std::int32_t KeploObject::InputSetDeviceStatus(HostDevice& /*DevStruct*/) { return kInputDone; }
+
+std::int32_t KeploObject::InputQueryAllDeviceStati(std::vector<std::string>& Stati) {
+  Stati.assign(2, "");
+  return kInputDone;
+}
+
+std::int32_t KeploObject::InputGetDevices(std::vector<HostDevice>& /*Devices*/) { return kInputNoDevices; }
+
+std::int32_t KeploObject::InputConfigurePlugin() {
+  return Contained("InputConfigurePlugin", kInputFailed, [&] { return control_.InputConfigurePlugin(); });
+}
+
+std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) {
+  const std::int32_t result =
+      Contained("InputInitialise", kInputFailed, [&] { return control_.InputInitialise(Velmora); });
+  if (result != kInputDone) {
+    log_.Write(LogLevel::Error,
+               "The event map cannot be loaded: " + mod_.modData->ErrorDetails().ErrorDescription);
+  }
+  return result;
+}
+
+std::int32_t KeploObject::InputStartMonitoring() {
+  timer_.setInterval(line_.Done() || inRealTime_ ? control_.Timer1.Interval : 0);
+  return Contained("InputStartMonitoring", kInputFailed, [&] { return control_.InputStartMonitoring(); });
+}
+
+std::int32_t KeploObject::InputStopMonitoring() {
+  return Contained("InputStopMonitoring", kInputFailed, [&] { return control_.InputStopMonitoring(); });
+}
+
+std::int32_t KeploObject::InputTerminate() {
+  return Contained("InputTerminate", kInputFailed, [&] { return control_.InputTerminate(); });
+}
+
+std::int32_t KeploObject::InputAddEvent(HostInputEvent& objInputEvent) {
+  return Contained("InputAddEvent", kInputFailed, [&] { return control_.InputAddEvent(objInputEvent); });
+}
+
+std::int32_t KeploObject::InputDeleteEvent(HostInputEvent& objInputEvent) {
+  return Contained("InputDeleteEvent", kInputFailed,
+                   [&] { return control_.InputDeleteEvent(objInputEvent); });
+}
+
+bool KeploObject::InputMonitoring() { return control_.InputMonitoring(); }
+
+std::int32_t KeploObject::InputModifyEvent(HostInputEvent& objInputEvent) {
+  return Contained("InputModifyEvent", kInputFailed,
+                   [&] { return control_.InputModifyEvent(objInputEvent); });
+}
+
+std::shared_ptr<HostErrorRecord> KeploObject::InputErrorDetails() { return control_.InputErrorDetails(); }
+
+std::int32_t KeploObject::InputHouseKeepingGetEventIDs(std::vector<std::string>& EventIDs) {
+  return control_.InputHouseKeepingGetEventIDs(EventIDs);
+}
+
+std::int32_t KeploObject::InputGetPluginVersion(std::string& szVersion) {
+  return control_.InputGetPluginVersion(szVersion);
+}
+
+std::int32_t KeploObject::InputGetHTMLPage(std::string& szHTML, HostPageRequest& /*Request*/,
+                                           std::int32_t& /*Btype*/, std::int32_t& /*lwidth*/,
+                                           std::int32_t& /*lheight*/) {
+  return control_.InputGetHTMLPage(szHTML);
+}
+
+std::int32_t KeploObject::InputPostHTMLPage(std::string& szHTML, HostPageRequest& /*Request*/,
+                                            std::int32_t& /*Btype*/, std::int32_t& /*lwidth*/,
+                                            std::int32_t& /*lheight*/) {
+  return control_.InputPostHTMLPage(szHTML);
+}
+
+QWidget* KeploObject::CreateView(QWidget* parent) {
+  return mayUseDisplay_ ? new qt::ControlView(control_, parent) : nullptr;
+}
+
+bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& details) {
+  const ui::ListView& list = control_.ListView1;
+  const int row = list.FindRow(kEventID, eventID);
+  if (row == 0) return false;
+  details.EventName = list.Text(row, kEventName);
+  details.EventDescription = list.Text(row, kEventDescription);
+  details.EventCommand = list.Text(row, kInfraredCommand);
+  details.Activated = IsTrue(list.Text(row, kActivated));
+  details.Zone = ZoneNumber(list.Text(row, kZone));
+  return true;
+}
+
+void KeploObject::Tick() {
+  controlTick_();
+  if (control_.LastTick().Captured) TellPress(control_.LastTick());
+  if (line_.Done()) TellWhenPlayed();
+}
+
+void KeploObject::TellPress(const TickReport& tick) {
+  ++tally_.Presses;
+  tally_.Events += tick.Dispatched.Raised;
+  const std::string reason = WhyNoEvent(tick);
+  if (reason.empty()) return;
+  ++tally_.WithoutEvent;
+  const PlayedPress* press = line_.LastPress();
+  log_.Write(LogLevel::Notice,
+             press->Path + " press " + std::to_string(press->Number) + ": heard, but no event: " + reason);
+}
+
+void KeploObject::TellWhenPlayed() {
+  timer_.setInterval(control_.Timer1.Interval);
+  if (const auto played = std::exchange(replayPlayed_, nullptr)) played();
+}
+
+}  // namespace keplo::component

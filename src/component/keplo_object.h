@@ -1,0 +1,93 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "component/event_sinks.h"
+#include "component/log.h"
+#include "config/posix_file_system.h"
+#include "host/component_entry.h"
+#include "host/ivelmora_input_plugin.h"
+#include "keplo_mod.h"
+#include "line/line_clock.h"
+#include "line/replay_line.h"
+#include "qt/qt_timer.h"
+#include "shell/keplo.h"
+
+namespace keplo::component {
+
+/// The control as an object of the component: the host's interface over it, its timer in the host's event
+/// loop, its view in the host's process.
+class KeploObject final : public IComponentObject,
+                          public IVelmoraInputPLugin,
+                          public IControlView,
+                          public IEventCatalogue,
+                          public IPressTally {
+ public:
+  /// @param released runs when the host has let the object go, behind its end
+  /// @throws Failure if a recording or keplo.cfg cannot be read
+  KeploObject(const CreationContext& context, std::function<void()> released);
+  ~KeploObject();
+
+  void* QueryInterface(std::string_view name) override;
+  void Release() override;
+
+  std::string InputIconFileName() override;
+  HostVariant InputDisplayAboutBox() override;
+  std::int32_t InputGetPluginMenuItems(std::vector<std::string>& mnuItems) override;
+  HostVariant InputCallMenuItem(std::int16_t& index) override;
+  std::int32_t InputQueryDeviceStatus(HostDevice& DevStruct) override;
+  std::int32_t InputSetDeviceStatus(HostDevice& DevStruct) override;
+  std::int32_t InputQueryAllDeviceStati(std::vector<std::string>& Stati) override;
+  std::int32_t InputGetDevices(std::vector<HostDevice>& Devices) override;
+  std::int32_t InputConfigurePlugin() override;
+  std::int32_t InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) override;
+  std::int32_t InputStartMonitoring() override;
+  std::int32_t InputStopMonitoring() override;
+  std::int32_t InputTerminate() override;
+  std::int32_t InputAddEvent(HostInputEvent& objInputEvent) override;
+  std::int32_t InputDeleteEvent(HostInputEvent& objInputEvent) override;
+  bool InputMonitoring() override;
+  std::int32_t InputModifyEvent(HostInputEvent& objInputEvent) override;
+  std::shared_ptr<HostErrorRecord> InputErrorDetails() override;
+  std::int32_t InputHouseKeepingGetEventIDs(std::vector<std::string>& EventIDs) override;
+  std::int32_t InputGetPluginVersion(std::string& szVersion) override;
+  std::int32_t InputGetHTMLPage(std::string& szHTML, HostPageRequest& Request, std::int32_t& Btype,
+                                std::int32_t& lwidth, std::int32_t& lheight) override;
+  std::int32_t InputPostHTMLPage(std::string& szHTML, HostPageRequest& Request, std::int32_t& Btype,
+                                 std::int32_t& lwidth, std::int32_t& lheight) override;
+
+  QWidget* CreateView(QWidget* parent) override;
+  bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
+  Tally Presses() override { return tally_; }
+
+ private:
+  template <typename Result, typename Operation>
+  Result Contained(const char* name, Result otherwise, Operation operation);
+
+  KeploWindows Windows();
+  void Tick();
+  void TellPress(const TickReport& tick);
+  void TellWhenPlayed();
+
+  const bool mayUseDisplay_;
+  const bool inRealTime_;
+  const Log log_;
+  std::function<void()> released_;
+  std::function<void()> replayPlayed_;
+
+  PosixFileSystem files_;
+  ui::SystemClock clock_;
+  SteadyLineClock lineClock_;
+  KeploMod mod_;
+  ReplayLine line_;
+  std::unique_ptr<ui::Boxes> boxes_;
+  std::unique_ptr<EventDialogShower> eventDialog_;
+  Keplo control_;
+  std::function<void()> controlTick_;
+  qt::QtTimer timer_;
+  EventSinks sinks_;
+  Tally tally_;
+};
+
+}  // namespace keplo::component

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class QWidget;
+
+namespace keplo {
+
+/// The class that the plug-in's component offers.
+inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
+
+/// Changes with every change of the interfaces in this folder. Host and component are built by the same
+/// kind of compiler and share the C++ runtime, so that strings and vectors pass between them.
+inline constexpr std::uint32_t kComponentInterfaceVersion = 1;
+
+/// Levels of log lines, numbered as the system's journal does.
+enum class LogLevel { Error = 3, Warning = 4, Notice = 5, Info = 6 };
+
+/// What a host hands to a new object.
+struct CreationContext {
+  std::string ApplicationPath;           // folder of the configuration file and the event map
+  std::vector<std::string> ReplayFiles;  // recordings to play as key presses
+  bool ReplayInRealTime = false;         // at the clock of the recordings, not as fast as possible
+  double SampleTime = 0;                 // microseconds; 0 for the usual one
+  bool ShapeReplay = true;               // take the receiver's distortion off the recordings
+  int HoldMs = -1;                       // how long a single-frame key is held; negative for the usual time
+  bool MayUseDisplay = false;            // whether a QApplication is there and windows may be shown
+  std::function<void(LogLevel, const std::string&)> Log = {};
+  /// Runs once, inside a tick, when every recording has been played.
+  std::function<void()> ReplayPlayed = {};
+};
+
+/// An object of a component. Its interfaces live as long as itself.
+class IComponentObject {
+ public:
+  /// @return the interface of that name, or null if the object has none
+  virtual void* QueryInterface(std::string_view name) = 0;
+  /// Ends the object; runs inside the component that created it.
+  virtual void Release() = 0;
+
+ protected:
+  ~IComponentObject() = default;
+};
+
+struct ReleaseObject {
+  void operator()(IComponentObject* object) const { object->Release(); }
+};
+using ComponentObject = std::unique_ptr<IComponentObject, ReleaseObject>;
+
+/// The interface of an object; null if it has none of that kind.
+template <typename Interface>
+Interface* QueryInterface(IComponentObject& object) {
+  return static_cast<Interface*>(object.QueryInterface(Interface::kInterfaceName));
+}
+
+/// Creates the objects of a class.
+class IComponentClass {
+ public:
+  /// @param failure written with the reason if no object comes
+  virtual ComponentObject CreateObject(const CreationContext& context, std::string& failure) = 0;
+
+ protected:
+  ~IComponentClass() = default;
+};
+
+/// Optional: the object's view, for a host with windows.
+class IControlView {
+ public:
+  static constexpr std::string_view kInterfaceName = "IControlView";
+
+  /// @param parent owns the view; destroy the view before the object
+  /// @return null if the object may not use the display
+  virtual QWidget* CreateView(QWidget* parent) = 0;
+
+ protected:
+  ~IControlView() = default;
+};
+
+/// One event of the map, as its user sees it.
+struct EventDetails {
+  std::string EventName;
+  std::string EventDescription;
+  std::string EventCommand;
+  bool Activated = false;
+  int Zone = 0;
+};
+
+/// Optional: looks into the event map, for logs and lists of a host.
+class IEventCatalogue {
+ public:
+  static constexpr std::string_view kInterfaceName = "IEventCatalogue";
+
+  /// @return false if there is no such event
+  virtual bool DescribeEvent(const std::string& eventID, EventDetails& details) = 0;
+
+ protected:
+  ~IEventCatalogue() = default;
+};
+
+/// Optional: what has become of the key presses so far.
+class IPressTally {
+ public:
+  static constexpr std::string_view kInterfaceName = "IPressTally";
+
+  struct Tally {
+    int Presses = 0;       // heard
+    int Events = 0;        // raised
+    int WithoutEvent = 0;  // presses that raised none
+  };
+  virtual Tally Presses() = 0;
+
+ protected:
+  ~IPressTally() = default;
+};
+
+/// The entry points of a component, by the names under which it exports them.
+extern "C" {
+/// Writes the class file of each class. @return 0 or the system's error number
+using DllRegisterServerEntry = std::int32_t();
+/// Removes the class files. @return 0 or the system's error number
+using DllUnregisterServerEntry = std::int32_t();
+/// @param interfaceVersion kComponentInterfaceVersion of the caller
+/// @param componentClass written with the class, which lives as long as the component is loaded
+/// @return 0, kUnknownClass or kOtherInterfaceVersion
+using DllGetClassObjectEntry = std::int32_t(const char* className, std::uint32_t interfaceVersion,
+                                            IComponentClass** componentClass);
+/// @return 0 if no object is alive, else 1
+using DllCanUnloadNowEntry = std::int32_t();
+}
+
+inline constexpr std::int32_t kUnknownClass = 1;
+inline constexpr std::int32_t kOtherInterfaceVersion = 2;
+
+}  // namespace keplo

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+
+namespace keplo::host {
+
+/// The plug-in's component: the named file, else the registered one, else the one beside this program or in
+/// the library folder of its installation.
+/// @throws Failure that tells what was looked for
+std::filesystem::path FindComponent(const std::filesystem::path& named);
+
+}  // namespace keplo::host

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/component_entry.h"
+#include "host/host_records.h"
+
+namespace keplo::host {
+
+/// An input event as logs and programs get it.
+struct RaisedEvent {
+  std::string Time;  // local time, ISO 8601
+  std::string EventID;
+  std::string EventName;
+  std::string EventDescription;
+  std::string Command;  // protocol&command
+  int Zone = 0;
+};
+
+std::string LocalTime();
+
+/// The line of an event for a person, without a line end.
+std::string EventLine(const RaisedEvent& event);
+
+/// Where the host writes: events and errors to standard output, all else to standard error. With JSON, events
+/// and errors are one object a line. Under the journal each line for a person carries its level.
+class HostLog {
+ public:
+  HostLog(bool json, bool toJournal) : json_(json), toJournal_(toJournal) {}
+
+  void Write(LogLevel level, const std::string& text) const;
+  void Event(const RaisedEvent& event) const;
+  void Error(const HostErrorRecord& record) const;
+  /// The closing words; kept out of the JSON lines.
+  void Summary(const std::string& text) const;
+
+ private:
+  std::string Prefix(LogLevel level) const;
+
+  bool json_;
+  bool toJournal_;
+};
+
+}  // namespace keplo::host

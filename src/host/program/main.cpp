@@ -1,0 +1,124 @@
+#include <QApplication>
+#include <QCoreApplication>
+#include <QTimer>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include "failure.h"
+#include "host/class_file.h"
+#include "host/program/event_actions.h"
+#include "host/program/event_book.h"
+#include "host/program/find_component.h"
+#include "host/program/host_log.h"
+#include "host/program/host_window.h"
+#include "host/program/options.h"
+#include "host/program/plugin_host.h"
+#include "host/program/stop_signals.h"
+#include "host/program/web_pages.h"
+
+namespace keplo::host {
+
+namespace {
+
+constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2;
+constexpr int kSecondsForPrograms = 5;
+
+bool HasDisplay() {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+}
+
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool headless) {
+  if (headless) return std::make_unique<QCoreApplication>(argc, argv);
+  if (!HasDisplay()) {
+    throw Failure(1, "There is no display to show a window on. Run with --headless to do without.");
+  }
+  return std::make_unique<QApplication>(argc, argv);
+}
+
+int RunErrand(const HostOptions& options) {
+  const Component component(FindComponent(options.ComponentFile));
+  if (options.ToDo == Errand::Register) {
+    component.Register();
+    std::cout << kInputKeploClass << " is " << component.File().string() << ", as "
+              << ClassFilePath(kInputKeploClass).string() << " says\n";
+  } else {
+    component.Unregister();
+    std::cout << kInputKeploClass << " is no longer registered\n";
+  }
+  return kDone;
+}
+
+/// Gives programs that still run a little time to end.
+void WaitForPrograms(EventActions& actions) {
+  if (actions.Running() == 0) return;
+  QEventLoop loop;
+  actions.AllEnded = [&loop] { loop.quit(); };
+  QTimer::singleShot(kSecondsForPrograms * 1000, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& log) {
+  const auto tally = host.Presses();
+  if (!tally || options.Control.ReplayFiles.empty()) return kDone;
+  log.Summary(std::to_string(tally->Presses) + " presses heard, " + std::to_string(tally->Events) +
+              " events raised, " + std::to_string(tally->WithoutEvent) + " presses without an event");
+  return options.Once && tally->WithoutEvent > 0 ? kPressWithoutEvent : kDone;
+}
+
+int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, const HostLog& log) {
+  EventBook book(options.HostFile);
+  const Component component(FindComponent(options.ComponentFile));
+  EventActions actions(log);
+  CreationContext& context = options.Control;
+  context.MayUseDisplay = !options.Headless;
+  context.Log = [&log](LogLevel level, const std::string& text) { log.Write(level, text); };
+  if (options.Once) context.ReplayPlayed = [&application] { application.quit(); };
+
+  PluginHost host(component, context, book, actions, log);
+  stop.Watch([&application] { application.quit(); });
+  host.Start();
+  WebPages pages(host);
+  if (options.HttpPort) {
+    log.Write(LogLevel::Info,
+              "Pages at " + pages.Serve(options.HttpAddress, *options.HttpPort, options.HttpNames));
+  }
+  std::unique_ptr<HostWindow> window;
+  if (!options.Headless) {
+    window = std::make_unique<HostWindow>(host);
+    window->show();
+  }
+  application.exec();
+  host.Stop();
+  WaitForPrograms(actions);
+  return StatusOf(host, options, log);
+}
+
+}  // namespace
+
+}  // namespace keplo::host
+
+int main(int argc, char** argv) {
+  using namespace keplo::host;
+  try {
+    HostOptions options;
+    if (const auto status = ReadOptions(argc, argv, options)) return *status;
+    if (options.ToDo != Errand::Run) return RunErrand(options);
+    const HostLog log(options.Json, std::getenv("JOURNAL_STREAM") != nullptr);
+    try {
+      StopSignals stop;
+      const auto application = MakeApplication(argc, argv, options.Headless);
+      return Run(*application, options, stop, log);
+    } catch (const std::exception& failure) {
+      log.Write(keplo::LogLevel::Error, failure.what());
+    }
+  } catch (const std::exception& failure) {
+    std::cerr << "keplo-host: " << failure.what() << '\n';
+  }
+  return kCannotRun;
+}
