@@ -7,6 +7,8 @@ endif()
 
 add_library(keplo_options INTERFACE)
 target_compile_options(keplo_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+# g++ 12 reports overlaps inside std::string's operator+ that cannot happen.
+target_compile_options(keplo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_include_directories(keplo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 if(KEPLO_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

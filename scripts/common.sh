@@ -4,7 +4,8 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
-build_packages=(g++ cmake ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
+  qt6-base-dev qt6-httpserver-dev)
 test_packages=(libgtest-dev libbenchmark-dev sqlite3)
 
 say() { printf '%s\n' "$*" >&2; }

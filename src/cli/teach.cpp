@@ -67,10 +67,12 @@ int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
     const LearnResult result = AddCommand(config.Mod.Store, lesson.Protocol, "G" + lesson.Code, lesson.Name);
     if (result.Done()) {
       ++learned;
-      continue;
+    } else if (result.Refused == Refusal::CodeExists) {
+      std::cout << lesson.Protocol << '&' << lesson.Name << " is known already, as " << result.Detail << '\n';
+    } else {
+      ++refused;
+      std::cerr << lesson.Protocol << '&' << lesson.Name << " was not learned: " << RefusalText(result) << '\n';
     }
-    ++refused;
-    std::cerr << lesson.Protocol << '&' << lesson.Name << " was not learned: " << RefusalText(result) << '\n';
   }
   std::cout << learned << " commands learned from " << indexFile << '\n';
   return refused == 0 ? kDone : kNoResult;
