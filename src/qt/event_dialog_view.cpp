@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <array>
 
 #include "qt/check_box_view.h"
 #include "qt/drop_down_view.h"
@@ -71,6 +73,16 @@ DropDownView* Narrow(DropDownView* list) {
   return list;
 }
 
+/// Lets the fields of all forms begin at one line.
+void AlignFields(const std::array<QWidget*, 2>& forms) {
+  int widest = 0;
+  for (const QWidget* form : forms) {
+    for (const QLabel* label : form->findChildren<QLabel*>())
+      widest = std::max(widest, label->sizeHint().width());
+  }
+  for (const QWidget* form : forms) form->findChild<QGridLayout*>()->setColumnMinimumWidth(0, widest);
+}
+
 }  // namespace
 
 EventDialogView::EventDialogView(frmEvent& model, QWidget* parent)
@@ -81,8 +93,9 @@ EventDialogView::EventDialogView(frmEvent& model, QWidget* parent)
   setObjectName(QStringLiteral("frmEvent"));
   setWindowTitle(ShownText(model.Title()));
   auto* rows = new QVBoxLayout(this);
-  rows->addWidget(Details());
-  rows->addWidget(Command());
+  const std::array forms = {Details(), Command()};
+  AlignFields(forms);
+  for (QWidget* form : forms) rows->addWidget(form);
   rows->addStretch(1);
   rows->addLayout(Buttons());
 }

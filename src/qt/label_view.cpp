@@ -32,7 +32,7 @@ LabelView::LabelView(ui::Label& model, std::string_view caption, QWidget* parent
   setAutoFillBackground(true);
   setBackgroundRole(QPalette::Base);
   setForegroundRole(QPalette::Text);
-  setIndent(fontMetrics().averageCharWidth() / 2);
+  setIndent(5);
   Redraw();
 }
 

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QStyledItemDelegate>
 #include <algorithm>
 
 namespace keplo::qt {
@@ -12,6 +13,17 @@ namespace keplo::qt {
 namespace {
 
 constexpr double kTwipsPerInch = 1440.0;
+
+/// Rows with a little air, which plain table rows lack.
+class RowDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    const QSize text = QStyledItemDelegate::sizeHint(option, index);
+    return {text.width(), text.height() + option.fontMetrics.height() / 3};
+  }
+};
 
 bool AsksForMenu(const QKeyEvent& event) {
   return event.key() == Qt::Key_Menu ||
@@ -26,6 +38,7 @@ ListViewWidget::ListViewWidget(ui::ListView& model, QWidget* parent)
       scale_(logicalDpiX() / kTwipsPerInch),
       link_(model.OnChanged, [this] { RefreshSoon(); }) {
   setModel(&rows_);
+  setItemDelegate(new RowDelegate(this));
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setUniformRowHeights(true);

@@ -14,8 +14,8 @@ class ModelLink {
     const auto held = std::make_shared<std::function<void()>>(std::move(redraw));
     held_ = held;
     hook = [held] {
-      const auto whileRunning = held;  // the redraw may end the view, and the hook with it
-      (*whileRunning)();
+      // A share of its own, since the redraw may end the view, and this hook with it.
+      (*std::shared_ptr(held))();
     };
   }
   ~ModelLink() {

@@ -30,7 +30,7 @@ StatusPanelView::StatusPanelView(StatusPanel& panel, QWidget* parent)
   picture_->setObjectName(QStringLiteral("Picture1"));
   grid_->setContentsMargins(8, 2, 8, 4);
   grid_->setHorizontalSpacing(8);
-  grid_->setVerticalSpacing(1);
+  grid_->setVerticalSpacing(2);
   grid_->setColumnStretch(2, 1);
   const std::array values = panel.Values();
   for (std::size_t row = 0; row < values.size(); ++row) {

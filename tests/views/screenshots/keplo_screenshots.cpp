@@ -1,0 +1,108 @@
+#include <QApplication>
+#include <QDir>
+#include <QTimer>
+#include <cstdio>
+
+#include "config/posix_file_system.h"
+#include "doubles/fake_line.h"
+#include "doubles/temp_folder.h"
+#include "events/event_table.h"
+#include "looks.h"
+#include "qt/control_view.h"
+#include "qt/qt_boxes.h"
+#include "qt/qt_event_dialog.h"
+#include "shell/keplo.h"
+
+namespace keplo {
+namespace {
+
+constexpr const char* kConfig =
+    "[General]\r\nCOMPORT= 1\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= 0\r\nBEEPON= 1\r\nVEXIL= 1\r\n\r\n"
+    "[Television]\r\nGPROTO= 0\r\nSENDPLS= 560\r\nREPEAT= 0\r\nBITG= 10\r\nBIT0= 10\r\nBIT1= 1000\r\n"
+    "GREPEAT= 1\r\n\r\nG1010,POWER\r\nG1011,VOLUME UP\r\nG1001,VOLUME DOWN\r\n\r\n[END]\r\n";
+
+/// Writes what a widget shows, as PNG.
+bool Save(QWidget& widget, const QString& path) {
+  const bool saved = widget.grab().save(path, "PNG", 0);
+  if (!saved)
+    std::fprintf(stderr, "Cannot write %s: give a folder that can be written to\n", qPrintable(path));
+  return saved;
+}
+
+/// A control with three events, one of them switched off, on a line that is there.
+class Scene {
+ public:
+  Scene() {
+    folder_.Write("keplo.cfg", kConfig);
+    CreateEventTable(folder_.Path() / "inputKeplo.mdb");
+    Data data(folder_.Path(), clock_);
+    colclsKeploEvents events(data, clock_);
+    for (const clsKeploEvent& event :
+         {clsKeploEvent{"101", "TV power", "Lamps follow the set", "Television&POWER", true, 0},
+          clsKeploEvent{"102", "Louder", "Raises the amplifier", "Television&VOLUME UP", true, 2},
+          clsKeploEvent{"103", "Quieter", "Lowers the amplifier", "Television&VOLUME DOWN", false, 2}}) {
+      events.Add(std::make_shared<clsKeploEvent>(event));
+    }
+    control_ = std::make_unique<Keplo>(mod_, line_, KeploWindows{boxes_, dialog_}, clock_);
+    control_->InputInitialise(nullptr);
+    control_->InputStartMonitoring();
+  }
+
+  bool SaveControl(const QString& path) {
+    control_->ListView1.Select(2);
+    qt::ControlView view(*control_, nullptr);
+    view.resize(view.sizeHint());
+    view.show();
+    QCoreApplication::processEvents();
+    return Save(view, path);
+  }
+
+  bool SaveDialog(const QString& path) {
+    bool saved = false;
+    QTimer::singleShot(0, qApp, [&] {
+      QWidget& dialog = *QApplication::activeModalWidget();
+      saved = Save(dialog, path);
+      dialog.close();
+    });
+    HostInputEvent event;
+    event.EventID = "102";
+    control_->InputModifyEvent(event);
+    return saved;
+  }
+
+ private:
+  tests::TempFolder folder_;
+  PosixFileSystem files_;
+  ui::SystemClock clock_;
+  qt::QtBoxes boxes_;
+  qt::QtEventDialog dialog_;
+  tests::FakeLine line_;
+  KeploMod mod_{folder_.Path(), files_};
+  std::unique_ptr<Keplo> control_;
+};
+
+}  // namespace
+}  // namespace keplo
+
+/// Draws the control and the event dialog, light and dark, into the folder of the first argument. Style, font
+/// and colours are fixed, so that the pictures change only when the views do.
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication::setStyle(QStringLiteral("Fusion"));
+  const QApplication application(argc, argv);
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: keplo_screenshots FOLDER\n");
+    return 2;
+  }
+  QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  QApplication::setPalette(QPalette(QColor(0xF0, 0xF0, 0xF0)));
+  const QDir folder(QString::fromLocal8Bit(argv[1]));
+
+  keplo::Scene scene;
+  bool saved = scene.SaveControl(folder.filePath(QStringLiteral("control.png")));
+  saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog.png"))) && saved;
+  QApplication::setPalette(keplo::tests::DarkPalette());
+  saved = scene.SaveControl(folder.filePath(QStringLiteral("control_dark.png"))) && saved;
+  saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog_dark.png"))) && saved;
+  return saved ? 0 : 1;
+}
