@@ -19,7 +19,7 @@ if(KEPLO_FUZZ)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(KEPLO_TIDY)
-  set(CMAKE_CXX_CLANG_TIDY clang-tidy)
+  set(CMAKE_CXX_CLANG_TIDY clang-tidy --extra-arg=-Wno-unknown-warning-option)
 endif()
 
 # keplo_room(NAME [DEPENDS ...]): the library keplo_NAME from src/NAME/*.cpp.

@@ -1,6 +1,10 @@
 #include "cli/app_path.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <system_error>
+
+#include "failure.h"
 
 namespace keplo::cli {
 
@@ -25,6 +29,19 @@ std::filesystem::path ResolveAppPath(const std::string& option) {
     return std::filesystem::path(data) / "keplo";
   }
   return std::filesystem::path(Environment("HOME")) / ".local" / "share" / "keplo";
+}
+
+std::filesystem::path RequireInstall(const std::string& option) {
+  std::filesystem::path appPath = ResolveAppPath(option);
+  const std::filesystem::path config = appPath / "keplo.cfg";
+  std::error_code error;
+  if (!std::filesystem::exists(config, error) && (!error || error == std::errc::no_such_file_or_directory)) {
+    throw Failure(ENOENT, config.string() +
+                              ": No such file or directory. Bring a first install with: keplo install "
+                              "--app-path '" +
+                              appPath.string() + "'");
+  }
+  return appPath;
 }
 
 }  // namespace keplo::cli

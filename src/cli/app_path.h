@@ -13,4 +13,8 @@ void AddAppPathOption(CLI::App& command, std::string& appPath);
 /// in the user's data folder (XDG_DATA_HOME, ~/.local/share).
 std::filesystem::path ResolveAppPath(const std::string& option);
 
+/// The same, for commands that need what a first install brings.
+/// @throws Failure that tells how to bring one if there is no keplo.cfg
+std::filesystem::path RequireInstall(const std::string& option);
+
 }  // namespace keplo::cli

@@ -22,6 +22,10 @@ int RunKeplo(int argc, char** argv) {
   AddLookupCommand(app, status);
   AddInstallCommand(app, status);
   AddSynthCommand(app, status);
+  if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
+    std::cerr << "keplo: there is no command " << argv[1] << "; keplo --help lists those that are\n";
+    return kWrongUse;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

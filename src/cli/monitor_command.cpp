@@ -143,7 +143,7 @@ void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, c
 int Monitor(const MonitorOptions& options) {
   const StopSignals stop;
   PosixFileSystem files;
-  KeploMod mod(ResolveAppPath(options.AppPath), files);
+  KeploMod mod(RequireInstall(options.AppPath), files);
   std::vector<Recording> recordings;
   for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
   ReplayLine line(std::move(recordings), 0, options.Line);

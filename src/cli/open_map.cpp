@@ -4,7 +4,7 @@
 
 namespace keplo::cli {
 
-OpenConfig::OpenConfig(const std::string& appPathOption) : Mod(ResolveAppPath(appPathOption), Files) {
+OpenConfig::OpenConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
   LoadConfig(Mod.Store);
 }
 

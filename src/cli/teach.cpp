@@ -71,7 +71,8 @@ int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
       std::cout << lesson.Protocol << '&' << lesson.Name << " is known already, as " << result.Detail << '\n';
     } else {
       ++refused;
-      std::cerr << lesson.Protocol << '&' << lesson.Name << " was not learned: " << RefusalText(result) << '\n';
+      std::cerr << lesson.Protocol << '&' << lesson.Name << " was not learned: " << RefusalText(result)
+                << '\n';
     }
   }
   std::cout << learned << " commands learned from " << indexFile << '\n';

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "doubles/temp_folder.h"
+
+namespace keplo::tests {
+
+struct Ran {
+  int Status = 0;
+  std::string Out, Err;
+};
+
+/// Runs a shell command to its end.
+inline Ran RunShell(const std::string& command) {
+  const TempFolder folder;
+  const std::string complete = command + " 2>'" + (folder.Path() / "err").string() + "'";
+  Ran ran;
+  FILE* pipe = popen(complete.c_str(), "r");
+  char part[4096];
+  while (const std::size_t length = fread(part, 1, sizeof part, pipe)) ran.Out.append(part, length);
+  const int status = pclose(pipe);
+  ran.Status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  ran.Err = folder.Read("err");
+  return ran;
+}
+
+/// Runs the real keplo program.
+inline Ran RunKeplo(const std::string& words) { return RunShell("'" KEPLO_PROGRAM "' " + words); }
+
+inline std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    lines.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return lines;
+}
+
+}  // namespace keplo::tests
