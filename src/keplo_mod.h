@@ -5,10 +5,10 @@
 #include <string>
 
 #include "config/cfg_store.h"
-#include "config/protocol_params.h"
 #include "config/settings.h"
 #include "events/data.h"
 #include "signal/monitor_road.h"
+#include "signal/protocol_params.h"
 
 namespace keplo {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/protocol_params.h"
+#include "signal/protocol_params.h"
 
 namespace keplo {
 

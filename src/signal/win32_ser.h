@@ -42,7 +42,8 @@ class Win32Ser {
   /// The same for the IRMouse receiver.
   virtual void IRMonitorN(std::span<char> buffer, std::int32_t delay) = 0;
 
-  /// Waits for a signal for a time of the line's choice, then samples as IRMonitor does.
+  /// Waits for a signal for a time of the line's choice, then samples as IRMonitor does. For the DCDStandard
+  /// receiver, and for calibration with either receiver.
   /// @param limit largest number of bytes to fill
   /// @return zero if no signal came; only the low 16 bits count
   virtual std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) = 0;
