@@ -2,23 +2,12 @@
 
 #include <algorithm>
 
+#include "signal/run_symbols.h"
 #include "signal/timing.h"
 
 namespace keplo {
 
 namespace {
-
-constexpr int kMarkUnits = 9;
-
-void AppendRun(std::string& symbols, int units, char symbol, char mark) {
-  if (units == kMarkUnits) {
-    symbols += mark;
-  } else {
-    symbols.append(static_cast<std::size_t>(units), symbol);
-  }
-}
-
-constexpr std::string_view kMarks = "Gg";
 
 std::string DecodePulseDistance(std::string_view frame) {
   std::string code;

@@ -1,0 +1,52 @@
+#include "signal/code_values.h"
+
+#include <array>
+#include <string>
+
+#include "signal/timing.h"
+
+namespace keplo {
+
+namespace {
+
+/// Where the numbers stand in a code of one length; offsets from 0.
+struct CodeLayout {
+  std::int16_t Kind;
+  std::size_t Digits;
+  bool LowBitFirst;  // the digits come in from the lowest on, so they are turned around first
+  std::size_t Address, AddressDigits;
+  std::size_t Command, CommandDigits;
+};
+
+constexpr std::size_t kRc5CommandDigits = 6;
+
+constexpr std::array<CodeLayout, 3> kLayouts = {{
+    {kSony, 12, true, 0, 5, 5, 7},
+    {kSony, 15, true, 0, 8, 8, 7},
+    {kRc5, 14, false, 3, 5, 8, kRc5CommandDigits},
+}};
+
+}  // namespace
+
+std::int16_t BinToInt(std::string_view digits) {
+  unsigned value = 0;
+  for (const char digit : digits) value = value * 2 + (digit == '1' ? 1U : 0U);
+  return static_cast<std::int16_t>(value);
+}
+
+std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind) {
+  if (code.find_first_not_of("01") != std::string_view::npos) return std::nullopt;
+  for (const CodeLayout& layout : kLayouts) {
+    if (layout.Kind != kind || layout.Digits != code.size()) continue;
+    const std::string ordered =
+        layout.LowBitFirst ? std::string(code.rbegin(), code.rend()) : std::string(code);
+    CodeValues values{BinToInt(std::string_view(ordered).substr(layout.Address, layout.AddressDigits)),
+                      BinToInt(std::string_view(ordered).substr(layout.Command, layout.CommandDigits))};
+    // The first start bit counts as a seventh, highest digit of the command.
+    if (kind == kRc5 && code.front() == '1') values.Command += std::int16_t{1} << kRc5CommandDigits;
+    return values;
+  }
+  return std::nullopt;
+}
+
+}  // namespace keplo

@@ -1,0 +1,110 @@
+#include "signal/send_bits.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "failure.h"
+#include "signal/decode.h"
+#include "signal/sample_bits.h"
+#include "signal/timing.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::size_t kBitsPerByte = 8;
+constexpr std::size_t kRepeats = 4;           // a repeating code goes out five times in all
+constexpr std::size_t kMostSamples = 32'760;  // whole bytes; positions have 16 bits
+
+std::size_t Slots(std::int16_t count) { return count > 0 ? static_cast<std::size_t>(count) : 0; }
+
+/// The repeat of a pulse distance protocol: the frame's sync, short, and a closing mark.
+std::string ShortRepeat() { return std::string(16, '1') + std::string(4, '0') + "1"; }
+
+/// Counts one digit more, since the toggle digit may become the longer one.
+std::size_t FrameLength(std::string_view code, const ProtocolParams& params) {
+  const auto zeros = static_cast<std::size_t>(std::count(code.begin(), code.end(), '0'));
+  const auto ones = static_cast<std::size_t>(std::count(code.begin(), code.end(), '1'));
+  return zeros * params.BIT0.size() + ones * params.BIT1.size() +
+         std::max(params.BIT0.size(), params.BIT1.size()) + params.BITG.size();
+}
+
+/// A little more than the transmission can be long, whichever repeats it has.
+std::size_t LengthBound(std::string_view code, const ProtocolParams& params) {
+  const std::size_t silence = Slots(std::max(params.REPEAT, params.GREPEAT));
+  return (kRepeats + 1) * (FrameLength(code, params) + silence + ShortRepeat().size());
+}
+
+void WriteToggle(std::string& code, bool& rc5Toggle) {
+  rc5Toggle = !rc5Toggle;
+  if (code.size() > kToggleBitOffset) code[kToggleBitOffset] = rc5Toggle ? '1' : '0';
+}
+
+std::string FrameBody(std::string_view code, const ProtocolParams& params) {
+  std::string body;
+  for (const char digit : code) {
+    if (digit == '0') body += params.BIT0;
+    if (digit == '1') body += params.BIT1;
+  }
+  return body + params.BitTail;
+}
+
+/// What follows the frame, and follows it as often as kRepeats.
+std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
+  const bool ownSync = params.GREPEAT > 1;
+  if (params.REPEAT == 0) {
+    return ownSync ? std::string(Slots(params.GREPEAT), '0') + ShortRepeat() : std::string();
+  }
+  return std::string(Slots(params.REPEAT), '0') + (ownSync ? params.BITG : "") + body;
+}
+
+}  // namespace
+
+std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params,
+                          bool& rc5Toggle) {
+  if (const std::size_t slots = LengthBound(code, params); slots > kMostSlots) {
+    throw Failure(EMSGSIZE, "The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
+                                std::to_string(kMostSlots) +
+                                " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
+  }
+  if (protoKind == kRc5) WriteToggle(code, rc5Toggle);
+  params.BitTail = BitTailOf(protoKind);
+  const std::string body = FrameBody(code, params);
+  const std::string repeat = RepeatSlots(body, params);
+  std::string slots = params.BITG + body;
+  slots.reserve(slots.size() + kRepeats * repeat.size());
+  for (std::size_t count = 0; count < kRepeats; ++count) slots += repeat;
+  return slots;
+}
+
+std::string PadToBytes(std::string slots) {
+  const std::size_t odd = slots.size() % kBitsPerByte;
+  if (odd > 0) slots.append(kBitsPerByte - odd, '0');
+  return slots;
+}
+
+std::string BitsToChars(std::string_view bits) {
+  std::string chars((bits.size() + kBitsPerByte - 1) / kBitsPerByte, '\0');
+  for (std::size_t i = 0; i < bits.size(); ++i) {
+    if (bits[i] != '1') continue;
+    const unsigned byte = static_cast<unsigned char>(chars[i / kBitsPerByte]) | (0x80U >> i % kBitsPerByte);
+    chars[i / kBitsPerByte] = static_cast<char>(byte);
+  }
+  return chars;
+}
+
+std::string CaptureOfSlots(std::string_view slots, std::int32_t pulse) {
+  const double rounded = static_cast<double>(pulse) / kNominalSampleTime + 0.5;
+  const auto width = static_cast<std::size_t>(std::clamp(rounded, 0.0, double{kMostSamples}));
+  std::string samples;
+  for (const char slot : slots) {
+    if (samples.size() >= kMostSamples || width == 0) break;
+    samples.append(width, slot);
+  }
+  samples.append(width, '0');
+  samples.resize(std::min(samples.size(), kMostSamples));
+  return BitsToChars(samples);
+}
+
+}  // namespace keplo
