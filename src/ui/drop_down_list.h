@@ -5,11 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "ui/control.h"
+
 namespace keplo::ui {
 
 /// A drop-down list that offers fixed entries. The click handler runs at once whenever the selection really
-/// changes to an entry, from the user or from code.
-class DropDownList {
+/// changes to an entry, from the user or from code, after OnChanged.
+class DropDownList : public Control {
  public:
   static constexpr int kNoSelection = -1;
 
@@ -31,14 +33,8 @@ class DropDownList {
   bool SelectText(std::string_view text);
 
   std::function<void()> OnClick;
-  /// Runs after a change of entries or selection, ahead of the click handler; a view redraws there.
-  std::function<void()> OnChanged;
 
  private:
-  void Changed() const {
-    if (OnChanged) OnChanged();
-  }
-
   std::vector<std::string> entries_;
   int listIndex_ = kNoSelection;
 };

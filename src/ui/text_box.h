@@ -1,23 +1,17 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
+
+#include "ui/control.h"
 
 namespace keplo::ui {
 
 /// A line of text that the user can edit.
-class TextBox {
+class TextBox : public Control {
  public:
   const std::string& Text() const { return text_; }
-  void SetText(std::string_view text) {
-    if (text == text_) return;
-    text_ = text;
-    if (OnChanged) OnChanged();
-  }
-
-  /// Runs after a change; a view redraws there.
-  std::function<void()> OnChanged;
+  void SetText(std::string_view text) { Change(text_, text); }
 
  private:
   std::string text_;

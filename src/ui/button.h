@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+
+#include "ui/control.h"
+
+namespace keplo::ui {
+
+/// A push button. A click on one that is disabled does nothing.
+class Button : public Control {
+ public:
+  void Click() const {
+    if (Enabled() && OnClick) OnClick();
+  }
+
+  std::function<void()> OnClick;
+};
+
+}  // namespace keplo::ui

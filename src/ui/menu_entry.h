@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+namespace keplo::ui {
+
+/// An entry of a menu bar: whether it is shown, and whether it carries a check mark.
+class MenuEntry {
+ public:
+  bool Visible() const { return visible_; }
+  void SetVisible(bool visible) { Change(visible_, visible); }
+
+  bool Checked() const { return checked_; }
+  void SetChecked(bool checked) { Change(checked_, checked); }
+
+  void Click() const {
+    if (OnClick) OnClick();
+  }
+
+  std::function<void()> OnClick;
+  /// Runs after a change; a view redraws there.
+  std::function<void()> OnChanged;
+
+ private:
+  void Change(bool& value, bool to) {
+    if (value == to) return;
+    value = to;
+    if (OnChanged) OnChanged();
+  }
+
+  bool visible_ = true;
+  bool checked_ = false;
+};
+
+}  // namespace keplo::ui
