@@ -1,0 +1,146 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "keplo_mod.h"
+#include "signal/record_road.h"
+#include "signal/win32_ser.h"
+#include "ui/boxes.h"
+#include "ui/button.h"
+#include "ui/check_box.h"
+#include "ui/control.h"
+#include "ui/drawing_surface.h"
+#include "ui/drop_down_list.h"
+#include "ui/label.h"
+#include "ui/menu_entry.h"
+#include "ui/scroll_bar.h"
+#include "ui/text_box.h"
+#include "ui/timer.h"
+#include "ui/window.h"
+#include "window/layout.h"
+#include "window/validation.h"
+
+namespace keplo {
+
+/// The main window: it picks protocols and commands, records and explains key presses, stores them and sends
+/// them. It keeps no settings of its own: it works on the module state and on the one configuration text.
+///
+/// The handlers are named as control and event. Each runs at once when its control really changes, from the
+/// user or from code.
+class Form1 : public ui::Window {
+ public:
+  /// @param line the receiver and transmitter that the settings name
+  Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
+  Form1(const Form1&) = delete;
+  Form1& operator=(const Form1&) = delete;
+
+  /// Brings the window up; it is to be shown only after a true. By itself the window reads file and settings;
+  /// opened by the shell it works on what is loaded.
+  /// @return false, after a message, if the configuration cannot be used
+  bool Form_Load();
+  /// Ends the window's work, however it left the screen: saves, and closes the port of a window by itself. A
+  /// second call does nothing, nor does one without a Form_Load that was true.
+  void Form_Unload();
+
+  void Protocol_Click();
+  void SendCmd_Click();
+  void SaveCmdButton_Click();
+  void DeleteCmdButton_Click();
+  void RecButton_Click();
+  void SendButton_Click();
+  void TestCheck_Click();
+  void Timer1_Timer();
+  void HScroll1_Change();
+  void GReset_Click();
+  void Gshr_Click();
+  void GExt_Click();
+  void MinButton_Click();
+  void OKButton_Click();
+  void FileExit_Click();
+
+  /// True at the full size.
+  bool WindowLarge() const { return windowLarge_; }
+  /// Outer size, twips.
+  Size OuterSize() const { return windowLarge_ ? kFullOuter : kSmallOuter; }
+  /// Runs when the window has become small or large; a view takes the new size over.
+  std::function<void()> OnResize;
+
+  /// Where the trace is drawn: the inside of the window at its full size, in pixels of the design. It lies on
+  /// the Signal box, and only that part of it ever carries anything.
+  ui::DrawingSurface Surface{kFullInner.Width / kTwipsPerPixel, kFullInner.Height / kTwipsPerPixel};
+
+  ui::Button SendButton, MinButton, OKButton, SaveCmdButton, DeleteCmdButton, RecButton;
+  ui::Button GReset, Gshr, GExt;
+  ui::CheckBox BeepCheckbox, VexilCheckbox, TestCheck, TxDCheckBox;
+  ui::DropDownList Protocol, SendCmd, Zone, ComList;
+  ui::TextBox SendPulse, CodeStr;
+  ui::ScrollBar HScroll1;
+  ui::Label Label2, Label3, Label4, Label5, Label6, Label7, Label8;
+  ui::Label Frame1, AddrVal, CmdVal, ToggleVal;
+  ui::Label ProcDelayparameter, ReceiverType;
+  ui::Label IRCommand, ZoneNr, BitNr, GType, Rpt, GProt;
+  ui::Label plen1, plen0;
+  ui::Label Signal;
+  ui::Control Line1;
+
+  ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, CalibrationMenu, MenuProcDelay, FileExit;
+  ui::MenuEntry StdDcdMenu, IRMouseMenu;
+  ui::MenuEntry HelpContentMenu, WebPageMenu, UpdateMenu, AboutMenu;
+
+  ui::Timer Timer1{1000};  // drives the repeated sending
+
+ private:
+  void BindHandlers();
+  void ShowDesign();
+
+  bool LoadFile();
+  bool FillProtocols();
+  void ShowSettings();
+  void OpenLine();
+
+  void ReloadCommands();
+  bool ShowProtocolParams();
+  void ClearRecordFields();
+  bool AskNewName(std::string_view protocol, std::string& name);
+  bool RefusedProtocol();
+  void ShowStored(std::string_view name);
+
+  void ReceiveSignal(std::int32_t& received);
+  void ShowZoneOf(bool known, std::int16_t zone);
+  void ShowReading(const RecordReading& reading);
+  void ShowKind(std::int16_t kind);
+  void ShowCode(const RecordReading& reading);
+  void ValidateCode(const RecordReading& reading);
+  void SelectCurrent();
+
+  void SendCode();
+  bool SettleParams();
+  bool SettleRecordedParams();
+  void ShowParams();
+  bool SelectZone();
+  void ShowSent(std::string_view slots, std::int32_t pulse);
+
+  std::string DrawWave(std::string_view capture, int offset);
+  void Redraw();
+  void StartTrace();
+  bool CanZoom() const;
+  void ZoomTo(double zoom);
+
+  void Beep(std::int32_t frequency, std::int32_t duration);
+  void Tell(std::string_view text);
+  bool Told(const std::function<void()>& action);
+
+  KeploMod& mod_;
+  Win32Ser& line_;
+  ui::Boxes& boxes_;
+  Validation validation_;
+  double waveZoom_ = 1;  // pixels a sample
+  int waveOffset_ = 15;  // samples; the place of the first sample
+  bool windowLarge_ = true;
+  bool loaded_ = false;
+};
+
+}  // namespace keplo

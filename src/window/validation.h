@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace keplo {
+
+/// What a recorded code turned out to be.
+enum class Verdict {
+  Known,        // a stored command
+  Validated,    // new, and seen twice: it may be saved
+  NotValidated  // new, and seen once
+};
+
+/// Whether the code on screen may be saved: a code must have been seen twice, as equal frames of one press or
+/// in two presses with the same result.
+struct Validation {
+  bool CmdValidated = false;
+  std::int16_t ValidationStep = 0;  // 1 while a first press waits for its second
+  std::string PendingCode;          // the code of that first press
+};
+
+/// Takes the next recorded press into account.
+/// @param code digits without the leading G, RC5 with 0 for the toggle digit
+/// @param repeats its frames are equal
+/// @param known it is stored already
+Verdict Validate(Validation& validation, std::string_view code, bool repeats, bool known);
+
+}  // namespace keplo
