@@ -9,16 +9,6 @@ namespace keplo {
 
 namespace {
 
-[[noreturn]] void RefuseLength(const std::filesystem::path& path, std::uintmax_t length) {
-  throw Failure(EFBIG, path.string() + " would be of " + std::to_string(length) +
-                           " characters; the limit is " + std::to_string(kMostCharacters) +
-                           ". Take out commands or protocols that are not needed.");
-}
-
-void RequireLength(const CfgStore& store, const std::string& text) {
-  if (text.size() > kMostCharacters) RefuseLength(store.Path, text.size());
-}
-
 /// The text that goes to the file: up to the closing header, which ends its line. Empty if there is no
 /// header.
 std::string CutBehindLastHeader(std::string text) {
@@ -28,8 +18,15 @@ std::string CutBehindLastHeader(std::string text) {
 
 }  // namespace
 
+void CfgStore::RequireRoom(std::size_t length) const {
+  if (length <= kMostCharacters) return;
+  throw Failure(EFBIG, Path.string() + " would be of " + std::to_string(length) +
+                           " characters; the limit is " + std::to_string(kMostCharacters) +
+                           ". Take out commands or protocols that are not needed.");
+}
+
 void CfgStore::ReplaceText(std::string text) {
-  RequireLength(*this, text);
+  RequireRoom(text.size());
   CfgText = std::move(text);
 }
 
@@ -54,7 +51,7 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
     store.ReplaceText(std::move(text));
     return;
   }
-  RequireLength(store, saved);
+  store.RequireRoom(saved.size());
   std::unique_ptr<LockedFolder> folder;
   try {
     folder = ReplaceFile(store.Files, store.Path, saved);

@@ -20,6 +20,8 @@ struct CfgStore {
   /// Takes over a changed text, in memory only.
   /// @throws Failure if it has more than kMostCharacters; the text is then as it was
   void ReplaceText(std::string text);
+  /// @throws Failure if a text of so many characters would be above kMostCharacters
+  void RequireRoom(std::size_t length) const;
 
   std::filesystem::path Path;
   FileSystem& Files;

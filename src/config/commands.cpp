@@ -17,7 +17,11 @@ struct Line {
   std::string_view Text;
   LineRange Range;
 
-  bool IsCommand() const { return Text.front() == 'G' && Text.find(',') != std::string_view::npos; }
+  /// An = ahead of the comma makes it a key, such as "GREPEAT= 72, see below".
+  bool IsCommand() const {
+    const std::size_t stop = Text.find_first_of(",=");
+    return Text.front() == 'G' && stop != std::string_view::npos && Text[stop] == ',';
+  }
   std::string_view Name() const { return Trimmed(Text.substr(Text.find(',') + 1)); }
 };
 
@@ -25,7 +29,7 @@ struct Line {
 /// out.
 std::vector<Line> LinesOf(std::string_view text, std::string_view protocol) {
   std::vector<Line> lines;
-  const std::optional<Section> section = FindSection(text, protocol);
+  const std::optional<Section> section = FindSectionToChange(text, protocol);
   if (!section) return lines;
   int lf = SeekForward(text, section->Begin, '\n');
   while (lf != kNowhere) {
@@ -46,8 +50,7 @@ std::optional<LineRange> FirstLine(const std::vector<Line>& lines, Predicate fit
 }
 
 /// Position just behind the GREPEAT of a section; 0 if it has none.
-int BehindLastKey(std::string_view text, std::string_view protocol) {
-  const std::optional<Section> section = FindSection(text, protocol);
+int BehindLastKey(std::string_view text, const std::optional<Section>& section) {
   return section ? FindNoCase("GREPEAT", text, section->Begin) : kNowhere;
 }
 
@@ -61,14 +64,14 @@ int CommasUpToHeader(std::string_view text, int position) {
 }  // namespace
 
 int CountCommands(CfgStore& store) {
-  store.CfgPos = BehindLastKey(store.CfgText, store.CurProtocol);
+  store.CfgPos = BehindLastKey(store.CfgText, FindSection(store.CfgText, store.CurProtocol));
   const int count = CommasUpToHeader(store.CfgText, store.CfgPos);
   if (store.CfgPos != kNowhere) store.CfgPos = SeekForward(store.CfgText, store.CfgPos, '[');
   return count;
 }
 
 int CommandsIn(std::string_view text, std::string_view protocol) {
-  return CommasUpToHeader(text, BehindLastKey(text, protocol));
+  return CommasUpToHeader(text, BehindLastKey(text, FindSectionToChange(text, protocol)));
 }
 
 std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view protocol,

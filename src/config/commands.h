@@ -19,9 +19,9 @@ int CountCommands(CfgStore& store);
 
 /// Removes the line of CurCommand in section CurProtocol from CfgText, in memory only.
 ///
-/// Only a whole command line of the section goes: the first one with exactly this name or, without one, with
-/// this name in other capitals. CfgPos then stands where the line began, CfgPos2 on its LF; without such a
-/// line CfgPos is 0 and nothing is removed.
+/// Only a whole command line of a section behind [General] goes: the first one with exactly this name or,
+/// without one, with this name in other capitals. CfgPos then stands where the line began, CfgPos2 on its LF;
+/// without such a line CfgPos is 0 and nothing is removed.
 void DeleteCommandLine(CfgStore& store);
 
 /// A command as a section's list shows it.
@@ -52,7 +52,7 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
 /// The placeholder line of a section; a learned command of that name is none.
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol);
 
-/// The number that CountCommands gives, for any section.
+/// The number that CountCommands gives, for any section behind [General].
 int CommandsIn(std::string_view text, std::string_view protocol);
 
 }  // namespace keplo

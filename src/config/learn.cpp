@@ -6,21 +6,22 @@
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/sections.h"
+#include "failure.h"
 
 namespace keplo {
 
 namespace {
 
-/// The section of a protocol with a header behind it, as commands need it.
+/// The section of a protocol with a header behind it, as new commands need it.
 std::optional<Section> FindProtocol(std::string_view text, std::string_view protocol) {
-  std::optional<Section> section = FindSection(text, protocol);
+  std::optional<Section> section = FindSectionToChange(text, protocol);
   if (IsGeneral(protocol) || (section && !section->Closed)) section.reset();
   return section;
 }
 
 /// Codes that pass the check of a code and would still not make a command line.
 bool MakesCommandLine(std::string_view code) {
-  return code.front() == 'G' && code.find_first_of(",[]\r\n") == std::string_view::npos;
+  return code.front() == 'G' && code.find_first_of(",=[]\r\n") == std::string_view::npos;
 }
 
 /// Position of the last character of a section that is no line end.
@@ -52,6 +53,13 @@ std::string WithoutLine(std::string_view text, const LineRange& line) {
 std::string WithNeededPlaceholder(std::string text, std::string_view protocol, int position) {
   if (CommandsIn(text, protocol) > 0) return text;
   return InsertText(text, std::string(kPlaceholderLine) + "\r\n", position);
+}
+
+/// Cursors and placeholder behind the removal of a line that began at the place.
+void SettleRemoval(CfgStore& store, int place) {
+  CountCommands(store);
+  store.CfgPos2 = place;
+  store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
 }
 
 LearnResult Refuse(Refusal refusal, std::string_view detail = {}) { return {refusal, std::string(detail)}; }
@@ -122,7 +130,8 @@ bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view c
 
 void DropPlaceholder(CfgStore& store) {
   if (CountCommands(store) < 2) return;
-  const std::optional<Section> section = FindSection(store.CfgText, store.CurProtocol);
+  const std::optional<Section> section = FindSectionToChange(store.CfgText, store.CurProtocol);
+  if (!section) return;
   store.CfgPos = section->Begin;
   store.CfgPos2 = section->End + 1;
   if (FindNoCase(kPlaceholderName, store.CfgText, store.CfgPos) >= store.CfgPos2) return;
@@ -145,14 +154,21 @@ LearnResult CheckDelete(CfgStore& store) {
 
 bool RemoveCommand(CfgStore& store) {
   const std::optional<LineRange> line = FindCommandLine(store.CfgText, store.CurProtocol, store.CurCommand);
-  ReplaceAndSave(store, line ? WithoutLine(store.CfgText, *line) : store.CfgText);
-  store.CfgPos = line ? line->First : kNowhere;
-  store.CfgPos2 = store.CfgPos;
-  if (!line) return false;
-  const int place = store.CfgPos2;
-  if (CountCommands(store) == 0) {
-    store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
+  if (!line) {
+    store.CfgPos = store.CfgPos2 = kNowhere;
+    SaveConfig(store);
+    return false;
   }
+  const std::string before = store.CfgText;
+  std::string without = WithoutLine(before, *line);
+  store.RequireRoom(WithNeededPlaceholder(without, store.CurProtocol, line->First).size());
+  try {
+    ReplaceAndSave(store, std::move(without));
+  } catch (const Failure&) {
+    if (store.CfgText != before) SettleRemoval(store, line->First);
+    throw;
+  }
+  SettleRemoval(store, line->First);
   return true;
 }
 

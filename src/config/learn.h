@@ -59,7 +59,8 @@ LearnResult CheckDelete(CfgStore& store);
 /// Removes CurCommand from CurProtocol and saves. A section that is left without commands then gets the
 /// placeholder back, in memory only. Cursors as with DeleteCommandLine, and CfgPos2 where the line began.
 /// @return false if there was no such line
-/// @throws Failure if the save fails; CfgText then agrees with the file
+/// @throws Failure if the save fails or the placeholder would not fit; if the file has not changed, neither
+/// has CfgText, and else the placeholder is back all the same
 bool RemoveCommand(CfgStore& store);
 
 // The whole of it for everyone but the window: all checks, and one save that takes the placeholder along. The

@@ -4,12 +4,16 @@
 
 namespace keplo {
 
-std::optional<Section> FindSection(std::string_view text, std::string_view name) {
-  const int begin = FindNoCase("[" + std::string(name) + "]", text, 1);
+std::optional<Section> FindSection(std::string_view text, std::string_view name, int start) {
+  const int begin = FindNoCase("[" + std::string(name) + "]", text, start);
   if (begin == kNowhere) return std::nullopt;
   const int behindNext = FindNoCase("[", text, begin);
   if (behindNext == kNowhere) return Section{begin, static_cast<int>(text.size()) + 1, false};
   return Section{begin, behindNext - 1, true};
+}
+
+std::optional<Section> FindSectionToChange(std::string_view text, std::string_view name) {
+  return FindSection(text, name, FindNoCase("[General]", text, 1));
 }
 
 std::string_view SectionNameAt(std::string_view text, int position) {

@@ -14,8 +14,12 @@ struct Section {
   bool Closed = false;  // there is a next header
 };
 
-/// The first section of a name, in any letter case.
-std::optional<Section> FindSection(std::string_view text, std::string_view name);
+/// The first section of a name from a position on, in any letter case.
+std::optional<Section> FindSection(std::string_view text, std::string_view name, int start = 1);
+
+/// The first section of a name behind [General], for changes: what stands ahead of [General] is not the
+/// program's to change, even if it looks like a section.
+std::optional<Section> FindSectionToChange(std::string_view text, std::string_view name);
 
 /// The section name that begins at a position: the rest of the line without its last character, the ].
 std::string_view SectionNameAt(std::string_view text, int position);

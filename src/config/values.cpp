@@ -11,6 +11,9 @@ namespace {
 std::optional<std::string> WithValueAt(const std::string& text, int position, std::string_view value) {
   const int behindCr = FindNoCase("\r", text, position);
   if (behindCr == kNowhere) return std::nullopt;
+  // With an LF on the way the line lacks its CR, and the cut would take the lines below along.
+  const int lf = SeekForward(text, position, '\n');
+  if (lf != kNowhere && lf < behindCr - 1) return std::nullopt;
   const std::string line = " " + std::string(Trimmed(value));
   return InsertText(RemoveText(text, position, behindCr - 2), line, position);
 }

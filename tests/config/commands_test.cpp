@@ -95,6 +95,20 @@ TEST(DeleteCommandLine, RemovesNothingButACommandLineOfTheSection) {
   EXPECT_EQ(disk.Store.CfgText, kTwoProtocols);
 }
 
+TEST(DeleteCommandLine, LeavesTheKeysAndTheHeadOfTheFile) {
+  std::string text = Protocol("NEC", {"G1010,OLD"}) + kTwoProtocols;
+  for (const std::string key : {"GPROTO= 0", "GREPEAT= 72"}) {
+    text.insert(text.find(key, text.find("SONY")) + key.size(), ", PAST");
+  }
+  StoreOnDisk disk(text);
+  for (const auto& [protocol, command] : {std::pair("SONY", "PAST"), std::pair("NEC", "OLD")}) {
+    disk.Store.CurProtocol = protocol;
+    disk.Store.CurCommand = command;
+    DeleteCommandLine(disk.Store);
+    EXPECT_EQ(disk.Store.CfgText, text) << command;
+  }
+}
+
 TEST(ListCommands, WalksFromCommaToComma) {
   EXPECT_EQ(Listed(kTwoProtocols, "NEC"), (Names{"G1010 POWER", "G1100 UP", "G1111 POWER-OFF"}));
   EXPECT_EQ(Listed(kTwoProtocols, "JVC"), Names{});

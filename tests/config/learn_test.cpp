@@ -63,6 +63,7 @@ TEST(AddCommand, TellsWhyItRefuses) {
       {"NEC", "g1110", "UP", invalid},
       {"NEC", "G11,10", "UP", invalid},
       {"NEC", "G11[10", "UP", invalid},
+      {"NEC", "G11=10", "UP", invalid},
       {"NEC", "G1010", "UP", "This command exist as POWER"},
       {"NEC", "G101", "UP", "This command exist as POWER"},
       {"NEC", "G001", "UP", "This command exist as MUTE"},
@@ -101,6 +102,46 @@ TEST(AddCommand, RefusesWhatDoesNotFit) {
   EXPECT_TRUE(disk.File() == filler + With({"G1010,POWER"}) && disk.Store.CfgText == disk.File());
   EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G11100", "U").Done());
   EXPECT_EQ(disk.File().size(), kMostCharacters);
+}
+
+TEST(AddCommand, PutsNothingAheadOfGeneral) {
+  const std::string head = Protocol("NEC", {"G10,EMPTY"}) + Protocol("JVC", {"G0110,UP"});
+  StoreOnDisk disk(head + With({"G10,EMPTY"}));
+  EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1010", "POWER").Done());
+  EXPECT_EQ(AddCommand(disk.Store, "JVC", "G1110", "DOWN").Refused, Refusal::NoSection);
+  EXPECT_EQ(disk.File(), head + With({"G1010,POWER"}));
+}
+
+/// Lines of a text without their ends, in their order in the alphabet.
+Commands SortedLines(std::string text) {
+  std::erase(text, '\r');
+  Commands lines;
+  for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1) {
+    end = text.find('\n', begin);
+    lines.push_back(text.substr(begin, end - begin));
+  }
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+TEST(Changes, LoseNoLineWhereLineEndsAreDamaged) {
+  const std::string whole = With({"G1010,POWER", "G1110,UP"});
+  std::string lfOnly = whole;
+  std::erase(lfOnly, '\r');
+  std::vector<std::string> texts = {lfOnly};
+  for (std::size_t cr = whole.find('\r'); cr != std::string::npos; cr = whole.find('\r', cr + 1)) {
+    texts.push_back(std::string(whole).erase(cr, 1));
+  }
+  for (const std::string& text : texts) {
+    StoreOnDisk disk(text);
+    SetGeneralValue(disk.Store, "COMPORT", "1");
+    const bool added = AddCommand(disk.Store, "NEC", "G0101", "DOWN").Done();
+    const bool deleted = DeleteCommand(disk.Store, "NEC", "UP").Done();
+    Commands expected = {"G1010,POWER"};
+    if (added) expected.push_back("G0101,DOWN");
+    if (!deleted) expected.push_back("G1110,UP");
+    EXPECT_EQ(SortedLines(disk.File()), SortedLines(With(expected))) << disk.File();
+  }
 }
 
 TEST(WindowSteps, KeepThePlaceholderInTheFileUntilTheNextSave) {
@@ -143,23 +184,50 @@ TEST(DeleteCommand, LeavesThePlaceholderInAnEmptySection) {
   EXPECT_EQ(disk.File(), With({"# above", "G10,EMPTY", "# below"}));
 }
 
-TEST(FailedSave, ChangesNeitherTextNorFile) {
-  const std::string before = With({"G1010,POWER"});
-  tests::FakeDisk disk;
-  disk.Put("keplo.cfg", before);
-  CfgStore store("/home/keplo.cfg", disk);
-  LoadConfig(store);
-  store.CurProtocol = "NEC";
-  store.CurCommand = "POWER";
-  const std::vector<std::function<void()>> changes = {
-      [&] { AddCommand(store, "NEC", "G1110", "UP"); }, [&] { DeleteCommand(store, "NEC", "POWER"); },
-      [&] { StoreCommand(store, "NEC", "G1110", "UP"); }, [&] { RemoveCommand(store); }};
-  for (const auto& change : changes) {
-    disk.FailAt(1, true);
-    EXPECT_THROW(change(), Failure);
-    EXPECT_EQ(store.CfgText, before);
-    EXPECT_EQ(disk.Files().at("keplo.cfg"), before);
+TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
+  struct Change {
+    std::function<void(CfgStore&)> Run;
+    std::string Text, File;  // once the file has the change
+  };
+  const std::string before = With({"G1010,POWER"}), added = With({"G1010,POWER", "G1110,UP"});
+  const std::vector<Change> changes = {
+      {[](CfgStore& store) { AddCommand(store, "NEC", "G1110", "UP"); }, added, added},
+      {[](CfgStore& store) { StoreCommand(store, "NEC", "G1110", "UP"); }, added, added},
+      {[](CfgStore& store) { DeleteCommand(store, "NEC", "POWER"); }, With({"G10,EMPTY"}),
+       With({"G10,EMPTY"})},
+      {[](CfgStore& store) { RemoveCommand(store); }, With({"G10,EMPTY"}), With({})}};
+  for (const Change& change : changes) {
+    tests::FakeDisk disk;
+    CfgStore store("/home/keplo.cfg", disk);
+    store.CurProtocol = "NEC";
+    store.CurCommand = "POWER";
+    const auto run = [&](int failAt) {
+      disk.Put("keplo.cfg", before);
+      store.CfgText = before;
+      store.CfgPos2 = 0;
+      disk.FailAt(failAt, false);
+      change.Run(store);
+    };
+    run(0);
+    const int operations = disk.Operations(), place = store.CfgPos2;
+    for (int failAt = 1; failAt <= operations; ++failAt) {
+      EXPECT_THROW(run(failAt), Failure);
+      const bool changed = failAt == operations;  // the flush of the folder, behind the change
+      EXPECT_EQ(store.CfgText, changed ? change.Text : before) << failAt;
+      EXPECT_EQ(disk.Files(),
+                (std::map<std::string, std::string>{{"keplo.cfg", changed ? change.File : before}}));
+      EXPECT_EQ(store.CfgPos2, changed ? place : 0) << failAt;
+    }
   }
+}
+
+TEST(RemoveCommand, RefusesAheadOfTheSaveIfThePlaceholderDoesNotFit) {
+  const std::string full = std::string(kMostCharacters - With({"G10,A"}).size(), '#') + With({"G10,A"});
+  StoreOnDisk disk(full);
+  disk.Store.CurProtocol = "NEC";
+  disk.Store.CurCommand = "A";
+  EXPECT_THROW(RemoveCommand(disk.Store), Failure);
+  EXPECT_TRUE(disk.Store.CfgText == full && disk.File() == full);
 }
 
 /// Commands as the user knows them, by section.

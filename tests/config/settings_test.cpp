@@ -92,6 +92,18 @@ TEST(SetGeneralValue, ChangesNothingInADamagedFile) {
   }
 }
 
+TEST(SetGeneralValue, TakesNoLineAlongWhereACrIsMissing) {
+  std::string lfOnly = Config(tests::Protocol("NEC", {"G1010,POWER"}));
+  std::erase(lfOnly, '\r');
+  for (const std::string& text :
+       {lfOnly, Replaced(Config(""), "ITYPE= 0\r", "ITYPE= 0"), lfOnly + Config("")}) {
+    StoreOnDisk disk(text);
+    EXPECT_FALSE(SetGeneralValue(disk.Store, "ITYPE", "9"));
+    EXPECT_FALSE(ReplaceValueAt(disk.Store, FindNoCase("ITYPE=", text, 1), "9"));
+    EXPECT_EQ(disk.Store.CfgText + disk.File(), text + text);
+  }
+}
+
 TEST(ReplaceValueAt, StaysInMemoryAndInsideTheLimit) {
   StoreOnDisk disk(Config(""));
   const std::string full = Config("") + std::string(kMostCharacters - Config("").size(), '#');
