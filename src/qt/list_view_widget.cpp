@@ -36,7 +36,10 @@ ListViewWidget::ListViewWidget(ui::ListView& model, QWidget* parent)
     : QTreeView(parent),
       model_(model),
       scale_(logicalDpiX() / kTwipsPerInch),
-      link_(model.OnChanged, [this] { RefreshSoon(); }) {
+      link_(model.OnChanged, [this] { redraw_.start(); }) {
+  redraw_.setSingleShot(true);
+  redraw_.setInterval(0);
+  redraw_.callOnTimeout(this, [this] { Refresh(); });
   setModel(&rows_);
   setItemDelegate(new RowDelegate(this));
   setRootIsDecorated(false);
@@ -70,15 +73,8 @@ double ListViewWidget::PixelsPerTwipForHeadings() const {
   return needed;
 }
 
-void ListViewWidget::RefreshSoon() {
-  if (waiting_) return;
-  waiting_ = true;
-  QMetaObject::invokeMethod(
-      this, [this] { Refresh(); }, Qt::QueuedConnection);
-}
-
 void ListViewWidget::Refresh() {
-  waiting_ = false;
+  redraw_.stop();
   if (!link_.Alive()) return;
   const QScopedValueRollback<bool> fromTheModel(refreshing_, true);
   rows_.Show(model_);
@@ -113,13 +109,13 @@ void ListViewWidget::TakeSelection() {
 }
 
 void ListViewWidget::mousePressEvent(QMouseEvent* event) {
-  if (waiting_) Refresh();  // the press means the rows as they are
+  if (redraw_.isActive()) Refresh();  // the press means the rows as they are
   QTreeView::mousePressEvent(event);
   if (OnMouseDown) OnMouseDown(event->button(), event->globalPosition().toPoint());
 }
 
 void ListViewWidget::keyPressEvent(QKeyEvent* event) {
-  if (waiting_) Refresh();
+  if (redraw_.isActive()) Refresh();
   if (!AsksForMenu(*event)) {
     QTreeView::keyPressEvent(event);
   } else if (OnMouseDown) {

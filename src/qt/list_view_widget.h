@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QTimer>
 #include <QTreeView>
 #include <functional>
 
@@ -38,7 +39,6 @@ class ListViewWidget : public QTreeView {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
-  void RefreshSoon();
   void ShowColumnWidths();
   void ShowSelection();
   void TakeSelection();
@@ -47,7 +47,7 @@ class ListViewWidget : public QTreeView {
   ui::ListView& model_;
   ListRows rows_;
   TwipScale scale_;
-  bool waiting_ = false;
+  QTimer redraw_;
   bool refreshing_ = false;
   std::vector<int> shownWidths_;  // twips
   ModelLink link_;
