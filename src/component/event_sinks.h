@@ -9,6 +9,8 @@ namespace keplo::component {
 /// The subscribed sinks of one object.
 class EventSinks : public IHostEventSource {
  public:
+  virtual ~EventSinks() = default;
+
   std::uint32_t Subscribe(IHostEventSink& sink) override {
     sinks_.emplace(++lastCookie_, &sink);
     return lastCookie_;

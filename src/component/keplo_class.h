@@ -7,6 +7,8 @@ namespace keplo::component {
 /// The class of the component; counts its living objects.
 class KeploClass final : public IComponentClass {
  public:
+  virtual ~KeploClass() = default;
+
   ComponentObject CreateObject(const CreationContext& context, std::string& failure) override;
 
   bool AnyAlive() const { return alive_ > 0; }

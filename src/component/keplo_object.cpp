@@ -49,14 +49,13 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       released_(std::move(released)),
       replayPlayed_(context.ReplayPlayed),
       mod_(context.ApplicationPath, files_),
-      line_(LoadRecordings(context.ReplayFiles), 0, LineOptionsOf(context)),
+      line_(LoadRecordings(context.ReplayFiles), mod_.Settings.ReceiverKind, LineOptionsOf(context)),
       boxes_(MakeBoxes(mayUseDisplay_, log_)),
       eventDialog_(MakeEventDialog(mayUseDisplay_, log_)),
       control_(mod_, line_, Windows(), clock_),
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1) {
   if (inRealTime_) line_.PlayAgainst(lineClock_);
-  line_.SetReceiverKind(mod_.Settings.ReceiverKind);
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };

@@ -27,7 +27,7 @@ class KeploObject final : public IComponentObject,
   /// @param released runs when the host has let the object go, behind its end
   /// @throws Failure if a recording or keplo.cfg cannot be read
   KeploObject(const CreationContext& context, std::function<void()> released);
-  ~KeploObject();
+  virtual ~KeploObject();
 
   void* QueryInterface(std::string_view name) override;
   void Release() override;

@@ -20,7 +20,7 @@ class PluginHost : private IHostEventSink {
   /// @throws Failure if the object cannot be created
   PluginHost(const Component& component, const CreationContext& context, EventBook& book,
              EventActions& actions, const HostLog& log);
-  ~PluginHost();
+  virtual ~PluginHost();
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
 
