@@ -44,7 +44,8 @@ SqliteHandle Connection::OpenDatabase() const {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(connectionString_.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
   SqliteHandle database(opened);
-  if (opened == nullptr) throw Failure(SQLITE_NOMEM, "Not enough memory to open " + connectionString_);
+  if (opened == nullptr)
+    throw Failure(SqliteFailureNumber(SQLITE_NOMEM), "Not enough memory to open " + connectionString_);
   if (code != SQLITE_OK) throw FailureOf(opened, connectionString_);
   sqlite3_busy_timeout(opened, static_cast<int>(busyTimeout_.count()));
   sqlite3_limit(opened, SQLITE_LIMIT_LENGTH, kLongestRow);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "events/event_schema.h"
+#include "events/failure_numbers.h"
 #include "events/sqlite_failure.h"
 #include "events/sqlite_statement.h"
 
@@ -36,7 +37,8 @@ SqlValue FirstValue(sqlite3* database, std::string_view pragma) {
 
 void CheckKind(sqlite3* database, const std::string& path) {
   if (FirstValue(database, "pragma application_id") == SqlValue(std::int64_t{kApplicationID})) return;
-  throw Failure(SQLITE_NOTADB, DatabaseText(path, "is not an event database", kReplaceAdvice));
+  throw Failure(SqliteFailureNumber(SQLITE_NOTADB),
+                DatabaseText(path, "is not an event database", kReplaceAdvice));
 }
 
 void CheckVersion(sqlite3* database, const std::string& path) {
@@ -46,7 +48,7 @@ void CheckVersion(sqlite3* database, const std::string& path) {
                              ", and this program reads format " + std::to_string(kFormatVersion);
   const std::string_view advice =
       version > kFormatVersion ? "A newer release wrote it: install that release again." : kReplaceAdvice;
-  throw Failure(SQLITE_MISMATCH, DatabaseText(path, reason, advice));
+  throw Failure(SqliteFailureNumber(SQLITE_MISMATCH), DatabaseText(path, reason, advice));
 }
 
 void CheckIsWhole(sqlite3* database, const std::string& path) {
@@ -54,7 +56,8 @@ void CheckIsWhole(sqlite3* database, const std::string& path) {
   const auto* text = std::get_if<std::string>(&result);
   if (text != nullptr && *text == "ok") return;
   const std::string detail = text == nullptr ? "no answer" : *text;
-  throw Failure(SQLITE_CORRUPT, DatabaseText(path, "is damaged (" + detail + ")", kReplaceAdvice));
+  throw Failure(SqliteFailureNumber(SQLITE_CORRUPT),
+                DatabaseText(path, "is damaged (" + detail + ")", kReplaceAdvice));
 }
 
 }  // namespace
@@ -65,9 +68,9 @@ void CheckIsEventDatabase(sqlite3* database, const std::string& path) {
   } catch (const Failure& failure) {
     // The file is read beside SQLite only once SQLite has refused it: closing a second descriptor would drop
     // the locks that this process holds on a good one.
-    if (failure.Number() == SQLITE_NOTADB && IsOldFormat(path)) {
+    if (failure.Number() == SqliteFailureNumber(SQLITE_NOTADB) && IsOldFormat(path)) {
       throw Failure(
-          SQLITE_NOTADB,
+          SqliteFailureNumber(SQLITE_NOTADB),
           DatabaseText(path, "is in the old desktop-database format, which this program cannot read",
                        kOldFormatAdvice));
     }

@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "events/event_schema.h"
+#include "events/failure_numbers.h"
 #include "events/sqlite_failure.h"
 #include "events/sqlite_handle.h"
 #include "failure.h"
@@ -50,7 +51,8 @@ std::string EmptyDatabase() {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open(":memory:", &opened);
   const SqliteHandle memory(opened);
-  if (code != SQLITE_OK) throw Failure(code, "Not enough memory to make an event database");
+  if (code != SQLITE_OK)
+    throw Failure(SqliteFailureNumber(code), "Not enough memory to make an event database");
   RunSql(opened, ("pragma application_id = " + std::to_string(kApplicationID)).c_str());
   RunSql(opened, ("pragma user_version = " + std::to_string(kFormatVersion)).c_str());
   RunSql(opened, kCreateTable);
@@ -58,7 +60,8 @@ std::string EmptyDatabase() {
   sqlite3_int64 size = 0;
   const std::unique_ptr<unsigned char, void (*)(void*)> bytes(sqlite3_serialize(opened, "main", &size, 0),
                                                               sqlite3_free);
-  if (bytes == nullptr) throw Failure(SQLITE_NOMEM, "Not enough memory to make an event database");
+  if (bytes == nullptr)
+    throw Failure(SqliteFailureNumber(SQLITE_NOMEM), "Not enough memory to make an event database");
   return {bytes.get(), bytes.get() + size};
 }
 

@@ -3,8 +3,8 @@
 namespace keplo {
 
 /// Numbers of the failures that the event map finds itself; hosts know them from the error records that they
-/// have always been given. A failure that SQLite finds carries SQLite's extended result code, and one of the
-/// file system its errno.
+/// have always been given. None of them is met while a database file is made, where a failure carries the
+/// system's errno.
 enum FailureNumbers {
   kNumberTooLarge = 6,
   kWrongType = 13,
@@ -18,5 +18,11 @@ enum FailureNumbers {
   kObjectOpen = 3705,
   kRowGone = -2147217864,
 };
+
+/// A failure that SQLite finds carries this plus SQLite's extended result code, so that no number stands for
+/// two things: SQLite counts its codes from 1 as the system does its errno, and they stay below 2^16.
+inline constexpr int kSqliteFailures = 0x10000;
+
+constexpr int SqliteFailureNumber(int resultCode) { return kSqliteFailures + resultCode; }
 
 }  // namespace keplo

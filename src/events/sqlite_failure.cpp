@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "events/failure_numbers.h"
+
 namespace keplo {
 
 namespace {
@@ -65,14 +67,15 @@ Failure FailureOf(sqlite3* database, std::string_view path) {
   const int systemError = sqlite3_system_errno(database);
   if (path.empty()) path = OpenFileName(database);
   if (IsFileFailure(code) && systemError == ENOENT) {
-    return {code, DatabaseText(path, "does not exist",
-                               "Put a backup there, or run 'keplo install' for an empty one.")};
+    return {
+        SqliteFailureNumber(code),
+        DatabaseText(path, "does not exist", "Put a backup there, or run 'keplo install' for an empty one.")};
   }
 
   std::string detail = sqlite3_errmsg(database);
   if (IsFileFailure(code) && systemError != 0) detail += ": " + std::generic_category().message(systemError);
   const Explanation& explanation = Explain(code);
-  return {code,
+  return {SqliteFailureNumber(code),
           DatabaseText(path, std::string(explanation.Reason) + " (" + detail + ")", explanation.Advice)};
 }
 

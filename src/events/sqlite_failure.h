@@ -16,8 +16,8 @@ inline constexpr std::string_view kReplaceAdvice =
 /// "The event database PATH REASON. ADVICE"
 std::string DatabaseText(std::string_view path, std::string_view reason, std::string_view advice);
 
-/// The last failure of a database: SQLite's extended result code and a text that tells the user which file
-/// it is, what is wrong and what to do.
+/// The last failure of a database: the number of SQLite's extended result code and a text that tells the user
+/// which file it is, what is wrong and what to do.
 /// @param path the file as the caller knows it; empty for the one that SQLite has open
 Failure FailureOf(sqlite3* database, std::string_view path = {});
 

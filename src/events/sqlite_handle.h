@@ -14,7 +14,7 @@ struct SqliteCloser {
 using SqliteHandle = std::unique_ptr<sqlite3, SqliteCloser>;
 
 /// Runs statements that give no rows.
-/// @throws Failure with SQLite's number and a text that names the file
+/// @throws Failure as FailureOf tells it
 void RunSql(sqlite3* database, const char* sql);
 
 }  // namespace keplo

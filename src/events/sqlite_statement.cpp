@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include "events/failure_numbers.h"
 #include "events/sqlite_failure.h"
 
 namespace keplo {
@@ -35,7 +36,8 @@ SqliteStatement::SqliteStatement(sqlite3* database, std::string_view sql) : data
   statement_.reset(statement);
   if (code != SQLITE_OK) throw FailureOf(database);
   if (statement == nullptr || HoldsStatement(sql.substr(static_cast<std::size_t>(tail - sql.data())))) {
-    throw Failure(SQLITE_MISUSE, "Expected exactly one SQL statement, but the text is: " + std::string(sql));
+    throw Failure(SqliteFailureNumber(SQLITE_MISUSE),
+                  "Expected exactly one SQL statement, but the text is: " + std::string(sql));
   }
 }
 

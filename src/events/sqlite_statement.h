@@ -25,7 +25,7 @@ class SqliteStatement {
   void Bind(int index, const SqlValue& value);
 
   /// @return true if the statement stands on a row, false behind the last one
-  /// @throws Failure with SQLite's number
+  /// @throws Failure as FailureOf tells it
   bool Step();
 
   int ColumnCount() const;

@@ -56,12 +56,12 @@ TEST(Data, KeepsARecordOfEachFailure) {
   const std::string date = "|Thu Nov  7 16:31:11 2002|", path = folder.Database().string();
 
   EXPECT_EQ(data.Initialise(), 0);
-  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|Initialise|14" + date + path);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|Initialise|65550" + date + path);
   EXPECT_EQ(data.CheckConnection(), 0);
-  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|CheckConnection|14" + date);
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|CheckConnection|65550" + date);
   Recordset rows;
   EXPECT_EQ(data.ExecuteSQL("select 1", rows), 0);
-  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQL|14" + date + "select 1");
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQL|65550" + date + "select 1");
   EXPECT_EQ(data.ErrorDetails().ErrorDescription,
             "The event database " + path +
                 " does not exist. Put a backup there, or run 'keplo install' for an empty one.");
@@ -69,7 +69,7 @@ TEST(Data, KeepsARecordOfEachFailure) {
 
   CreateEventTable(folder.Database());
   EXPECT_EQ(data.ExecuteSQLCommand("delete form x"), 0);
-  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQLCommand|1" + date + "delete form x");
+  EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQLCommand|65537" + date + "delete form x");
   for (const char* sql : {"select form", "", "select 1; select 2"}) {
     EXPECT_EQ(data.ExecuteSQL(sql, rows), 0) << sql;
     EXPECT_EQ(data.ErrorDetails().ErrorDetail, sql);
