@@ -25,6 +25,7 @@ struct KeploMod {
   CfgStore Store;
   keplo::ProtocolParams ProtocolParams;
   SignalState Signal;
+  bool Rc5Toggle = false;         // toggle digit of the last RC5 transmission
   std::unique_ptr<Data> modData;  // the one database object; the control creates it
 };
 

@@ -1,11 +1,14 @@
 #include "ui/drop_down_list.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace keplo::ui {
 
-void DropDownList::Clear() {
-  entries_.clear();
+void DropDownList::Clear() { SetEntries({}); }
+
+void DropDownList::SetEntries(std::vector<std::string> entries) {
+  entries_ = std::move(entries);
   listIndex_ = kNoSelection;
   Changed();
 }

@@ -21,6 +21,8 @@ class DropDownList : public Control {
   /// Removes all entries; nothing is selected then.
   void Clear();
   void Add(std::string_view entry);
+  /// Puts other entries in the place of all; nothing is selected then.
+  void SetEntries(std::vector<std::string> entries);
 
   /// Index of the selected entry, from 0; kNoSelection for none.
   int ListIndex() const { return listIndex_; }

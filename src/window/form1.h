@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,9 @@
 #include "window/validation.h"
 
 namespace keplo {
+
+/// The last entry of the protocol list: no section, but the place of the key press recorded last.
+inline constexpr std::string_view kRecorded = "Recorded";
 
 /// The main window: it picks protocols and commands, records and explains key presses, stores them and sends
 /// them. It keeps no settings of its own: it works on the module state and on the one configuration text.
@@ -93,45 +97,56 @@ class Form1 : public ui::Window {
   ui::Timer Timer1{1000};  // drives the repeated sending
 
  private:
-  void BindHandlers();
   void ShowDesign();
+  void BindHandlers();
+  void Beep(std::int32_t frequency, std::int32_t duration);
+  void Tell(std::string_view text);
+  bool Ask(std::string_view text);
+  /// Tells the user what failed.
+  /// @return true if nothing did
+  bool Told(const std::function<void()>& action);
 
+  bool ByShell() const;
+  void ShowMode();
   bool LoadFile();
-  bool FillProtocols();
-  void ShowSettings();
   void OpenLine();
+  void ShowSettings();
+  void ShowZoneHardware();
+  bool FillProtocols();
+  void TellBadConfig();
 
+  bool RecordedSelected() const;
+  void ColourLists(ui::Colour colour);
+  void ShowRecorded();
+  bool KeepProtocolIndex();
+  bool LoadParams();
   void ReloadCommands();
-  bool ShowProtocolParams();
-  void ClearRecordFields();
-  bool AskNewName(std::string_view protocol, std::string& name);
-  bool RefusedProtocol();
-  void ShowStored(std::string_view name);
+  std::optional<std::string> AskName();
+  bool ChangeCommands(const std::function<void()>& change);
+  void ShowSaved(const std::string& name);
 
-  void ReceiveSignal(std::int32_t& received);
-  void ShowZoneOf(bool known, std::int16_t zone);
+  void ClearReading();
+  bool ReceiveSignal();
+  void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
   void ShowKind(std::int16_t kind);
+  bool LookUp(const RecordReading& reading);
   void ShowCode(const RecordReading& reading);
-  void ValidateCode(const RecordReading& reading);
   void SelectCurrent();
 
-  void SendCode();
-  bool SettleParams();
-  bool SettleRecordedParams();
+  bool TakeRecordedParams();
   void ShowParams();
   bool SelectZone();
-  void ShowSent(std::string_view slots, std::int32_t pulse);
+  bool Send(std::string digits);
 
+  /// Draws a capture onto the surface.
+  /// @param offset of its first sample, samples
+  /// @return its samples, all of them, wherever they stand
   std::string DrawWave(std::string_view capture, int offset);
   void Redraw();
   void StartTrace();
   bool CanZoom() const;
   void ZoomTo(double zoom);
-
-  void Beep(std::int32_t frequency, std::int32_t duration);
-  void Tell(std::string_view text);
-  bool Told(const std::function<void()>& action);
 
   KeploMod& mod_;
   Win32Ser& line_;

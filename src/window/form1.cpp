@@ -1,0 +1,71 @@
+#include "window/form1.h"
+
+#include "failure.h"
+#include "ui/boxes.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::string_view kBoxTitle = "Keplo";
+
+}  // namespace
+
+Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes) : mod_(mod), line_(line), boxes_(boxes) {
+  ShowDesign();
+  BindHandlers();
+}
+
+void Form1::ShowDesign() {
+  for (const ControlRow& row : Controls()) {
+    ModelOf(*this, row).SetBackColour(row.Back);
+    if (const auto* label = std::get_if<ui::Label Form1::*>(&row.Model)) (this->**label).SetText(row.Caption);
+  }
+  for (const MenuColumn& column : Menus()) {
+    for (const MenuRow& row : column.Entries) {
+      if (row.Model != nullptr) (this->*row.Model).SetChecked(row.Checked);
+    }
+  }
+  HScroll1.SmallChange = 30;   // samples
+  HScroll1.LargeChange = 200;  // samples
+}
+
+void Form1::BindHandlers() {
+  Protocol.OnClick = [this] { Protocol_Click(); };
+  SendCmd.OnClick = [this] { SendCmd_Click(); };
+  SaveCmdButton.OnClick = [this] { SaveCmdButton_Click(); };
+  DeleteCmdButton.OnClick = [this] { DeleteCmdButton_Click(); };
+  RecButton.OnClick = [this] { RecButton_Click(); };
+  SendButton.OnClick = [this] { SendButton_Click(); };
+  TestCheck.OnClick = [this] { TestCheck_Click(); };
+  Timer1.OnTimer = [this] { Timer1_Timer(); };
+  HScroll1.OnChange = [this] { HScroll1_Change(); };
+  GReset.OnClick = [this] { GReset_Click(); };
+  Gshr.OnClick = [this] { Gshr_Click(); };
+  GExt.OnClick = [this] { GExt_Click(); };
+  MinButton.OnClick = [this] { MinButton_Click(); };
+  OKButton.OnClick = [this] { OKButton_Click(); };
+  FileExit.OnClick = [this] { FileExit_Click(); };
+}
+
+bool Form1::RecordedSelected() const { return EqualNoCase(mod_.Store.CurProtocol, kRecorded); }
+
+void Form1::Beep(std::int32_t frequency, std::int32_t duration) {
+  if (mod_.Settings.BeepOn) line_.SpeakBeep(frequency, duration);
+}
+
+void Form1::Tell(std::string_view text) { boxes_.Message(text, kBoxTitle); }
+
+bool Form1::Ask(std::string_view text) { return boxes_.Question(text, kBoxTitle); }
+
+bool Form1::Told(const std::function<void()>& action) {
+  try {
+    action();
+    return true;
+  } catch (const Failure& failure) {
+    Tell(failure.what());
+    return false;
+  }
+}
+
+}  // namespace keplo
