@@ -9,6 +9,7 @@
 #include "cli/line_options.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
+#include "shell/press_words.h"
 #include "signal/monitor_road.h"
 #include "signal/sample_bits.h"
 

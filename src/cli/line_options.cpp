@@ -1,7 +1,5 @@
 #include "cli/line_options.h"
 
-#include <array>
-
 namespace keplo::cli {
 
 void AddLineOptions(CLI::App& command, LineOptions& options) {
@@ -17,22 +15,6 @@ void AddLineOptions(CLI::App& command, LineOptions& options) {
           "How long the key of a single-frame recording is held, milliseconds; 0 plays it as recorded")
       ->check(CLI::Range(0, 10000))
       ->capture_default_str();
-}
-
-std::string DescribeStage(Stage stage) {
-  static constexpr std::array<std::string_view, 8> kMeanings = {
-      "there is no signal",
-      "the capture is too short",
-      "no base time can be measured, since marks and spaces have no common shortest length or the longer one "
-      "is the "
-      "commoner",
-      "the samples end inside a mark",
-      "no whole frame stands between two long marks or spaces",
-      "the signal fits neither pulse distance nor pulse width nor biphase",
-      "the number of bits does not fit the protocol",
-      "a code"};
-  return std::string(StageName(stage)) + " (" + std::string(kMeanings.at(static_cast<std::size_t>(stage))) +
-         ")";
 }
 
 }  // namespace keplo::cli

@@ -21,6 +21,7 @@
 #include "line/replay_line.h"
 #include "shell/event_list.h"
 #include "shell/keplo.h"
+#include "shell/press_words.h"
 
 namespace keplo::cli {
 
@@ -101,23 +102,6 @@ struct Tally {
   int Presses = 0, Events = 0, WithoutEvent = 0;
 };
 
-/// Why a press raised nothing; empty if it did.
-std::string WhyNoEvent(const TickReport& tick) {
-  if (tick.Reading.Ended != Stage::Code) return DescribeStage(tick.Reading.Ended);
-  const std::string code = "G" + tick.Reading.Digits;
-  switch (tick.Dispatched.Ended) {
-    case DispatchEnd::NotStored:
-      return "code " + code + " belongs to no learned command";
-    case DispatchEnd::NoZoneAnswer:
-      return tick.Dispatched.Reference + ": the zone hardware gave no answer";
-    case DispatchEnd::OtherZone:
-      return tick.Dispatched.Reference + " came from another zone";
-    default:
-      break;
-  }
-  return tick.Dispatched.Raised > 0 ? "" : "no activated event is bound to " + tick.Dispatched.Reference;
-}
-
 void TellPress(const TickReport& tick, const ReplayLine& line, Tally& tally) {
   ++tally.Presses;
   tally.Events += tick.Dispatched.Raised;
@@ -130,13 +114,11 @@ void TellPress(const TickReport& tick, const ReplayLine& line, Tally& tally) {
 }
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
-void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, const StopSignals& stop,
-              Tally& tally) {
+void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, const StopSignals& stop) {
   while (!(options.Once && line.Done())) {
     const bool hurry = !options.RealTime && !line.Done();
     if (stop.WaitFor(hurry ? 0 : control.Timer1.Interval)) return;
     control.Timer1.Tick();
-    if (control.LastTick().Captured) TellPress(control.LastTick(), line, tally);
   }
 }
 
@@ -146,14 +128,13 @@ int Monitor(const MonitorOptions& options) {
   KeploMod mod(RequireInstall(options.AppPath), files);
   std::vector<Recording> recordings;
   for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
-  ReplayLine line(std::move(recordings), 0, options.Line);
+  ReplayLine line(std::move(recordings), mod.Settings.ReceiverKind, options.Line);
   SteadyLineClock lineClock;
   if (options.RealTime) line.PlayAgainst(lineClock);
   QuietBoxes boxes;
   NoEventDialog dialog;
   const ui::SystemClock clock;
   Keplo control(mod, line, {boxes, dialog}, clock);
-  line.SetReceiverKind(mod.Settings.ReceiverKind);
   control.TriggerInputEvent = [&](HostInputEvent& event) {
     Print(Describe(event, control.ListView1), options.Json);
   };
@@ -167,7 +148,8 @@ int Monitor(const MonitorOptions& options) {
 
   control.InputStartMonitoring();
   Tally tally;
-  RunTicks(control, line, options, stop, tally);
+  control.OnPress = [&](const TickReport& tick) { TellPress(tick, line, tally); };
+  RunTicks(control, line, options, stop);
   control.InputStopMonitoring();
   control.InputTerminate();
   (options.Json ? std::cerr : std::cout)

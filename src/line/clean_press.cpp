@@ -24,7 +24,7 @@ PulseTrain WithoutGlitches(const PulseTrain& press) {
   for (const int run : press) {
     const bool glitch = run < kShortestRun && !smooth.empty();
     if (joined || glitch) {
-      smooth.back() += run;
+      smooth.back() = std::min(smooth.back() + run, kLongestPulse);
     } else {
       smooth.push_back(run);
     }

@@ -27,9 +27,9 @@ constexpr std::array<char, 8> kZoneAnswers = {8, 25, 26, 43, 28, 45, 46, 63};
 
 }  // namespace
 
-ReplayLine::ReplayLine(std::vector<Recording> recordings, std::int16_t receiverKind,
+ReplayLine::ReplayLine(std::vector<Recording> recordings, const std::int16_t& receiverKind,
                        const LineOptions& options)
-    : receiverKind_(receiverKind), options_(options) {
+    : receiverKind_(&receiverKind), options_(options) {
   for (Recording& recording : recordings) {
     std::size_t number = 0;
     for (Press& press : recording.Presses) {
@@ -52,7 +52,7 @@ std::int32_t ReplayLine::OpenCom(std::int32_t /*port*/) { return 1; }
 bool ReplayLine::Pending() { return !Done() && (clock_ == nullptr || clock_->Now() >= nextStart_); }
 
 std::int32_t ReplayLine::DCD() {
-  const std::int32_t rest = receiverKind_ == 0 ? 1 : 0;
+  const std::int32_t rest = *receiverKind_ == 0 ? 1 : 0;
   return Pending() ? 1 - rest : rest;
 }
 
@@ -60,10 +60,11 @@ void ReplayLine::Capture(std::span<char> buffer, std::int32_t delay) {
   if (Done()) return;
   const LineOptions options = AtDelay(options_, delay);
   const std::string signal = SignalOfPress(presses_[next_++].Signal, buffer.size(), options);
-  std::copy(signal.begin(), signal.end(), buffer.begin());
+  // Bytes behind the signal are the caller's.
+  const std::size_t lastByte = signal.find_last_not_of('\0') + 1;
+  std::copy_n(signal.begin(), lastByte, buffer.begin());
   if (clock_ == nullptr) return;
 
-  const std::size_t lastByte = signal.find_last_not_of('\0') + 1;
   const auto length = std::chrono::microseconds(
       static_cast<std::int64_t>(static_cast<double>(lastByte * 8) * options.SampleTime));
   const std::chrono::microseconds end = std::max(clock_->Now(), nextStart_) + length;
@@ -76,7 +77,7 @@ void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture
 void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
 
 std::int32_t ReplayLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  if (Done()) return 0;
+  if (Done() || limit <= 0) return 0;
   if (clock_ != nullptr) clock_->WaitUntil(nextStart_);
   Capture(Limited(buffer, limit), delay);
   return 1;

@@ -51,13 +51,15 @@ class ReplayLine : public Win32Ser {
   /// Silence between the end of a press and the next, when playing against a clock.
   static constexpr std::chrono::milliseconds kPressPause{500};
 
-  /// @param receiverKind 0 DCDStandard, 1 IRMouse; tells the level at which DCD rests
-  explicit ReplayLine(std::vector<Recording> recordings, std::int16_t receiverKind = 0,
-                      const LineOptions& options = {});
+  /// @param receiverKind 0 DCDStandard, 1 IRMouse; tells the level at which DCD rests. The settings own it: a
+  ///        change there changes the receiver of the line at once.
+  ReplayLine(std::vector<Recording> recordings, const std::int16_t& receiverKind,
+             const LineOptions& options = {});
+  ReplayLine(std::vector<Recording> recordings, std::int16_t&& passing,
+             const LineOptions& options = {}) = delete;
 
   /// Plays against a clock from now on, which must outlive the line.
   void PlayAgainst(LineClock& clock);
-  void SetReceiverKind(std::int16_t receiverKind) { receiverKind_ = receiverKind; }
   /// Appends answers of the zone hardware, one character each; NUL is a time-out.
   void AnswerWith(const std::string& characters);
 
@@ -97,7 +99,7 @@ class ReplayLine : public Win32Ser {
 
   std::vector<PendingPress> presses_;
   std::size_t next_ = 0;
-  std::int16_t receiverKind_;
+  const std::int16_t* receiverKind_;
   LineOptions options_;
   LineClock* clock_ = nullptr;
   std::chrono::microseconds nextStart_{0};

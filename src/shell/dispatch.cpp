@@ -25,41 +25,39 @@ bool IsBoundTo(const ui::ListView& list, int row, const std::string& reference) 
   return list.Text(row, kInfraredCommand) == reference && IsTrue(list.Text(row, kActivated));
 }
 
+/// Asks the zone hardware where a row names a zone.
+DispatchEnd TestZone(const ui::ListView& list, int row, const Settings& settings, Win32Ser& line) {
+  const int zone = ZoneNumber(list.Text(row, kZone));
+  if (zone == 0 || settings.VexilMode <= 0) return DispatchEnd::Walked;
+  const std::int16_t from = QueryZone(line);
+  if (from == kNoZone) return DispatchEnd::NoZoneAnswer;
+  return from == zone ? DispatchEnd::Walked : DispatchEnd::OtherZone;
+}
+
 }  // namespace
 
-DispatchReport DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
-                            const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
-                            const std::function<void(HostInputEvent&)>& raise) {
-  DispatchReport report;
+void DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
+                  const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
+                  const std::function<void(HostInputEvent&)>& raise, DispatchReport& report) {
   const std::optional<std::string> reference = FindReference(code, cfgText);
-  if (!reference) {
-    report.Ended = DispatchEnd::NotStored;
-    return report;
-  }
+  report.Ended = reference ? DispatchEnd::Walked : DispatchEnd::NotStored;
+  if (!reference) return;
   report.Reference = *reference;
 
   // A handler may add rows, which wait for the next press, or take some away.
   const int rows = list.Count();
   for (int row = 1; row <= rows && row <= list.Count(); ++row) {
     if (!IsBoundTo(list, row, *reference)) continue;
-    const int zone = ZoneNumber(list.Text(row, kZone));
-    if (zone != 0 && settings.VexilMode > 0) {
-      const std::int16_t from = QueryZone(line);
-      if (from == kNoZone || from != zone) {
-        report.Ended = from == kNoZone ? DispatchEnd::NoZoneAnswer : DispatchEnd::OtherZone;
-        return report;
-      }
-    }
+    report.Ended = TestZone(list, row, settings, line);
+    if (report.Ended != DispatchEnd::Walked) return;
     event.EventID = list.Text(row, kEventID);
     event.EventCommand = list.Text(row, kInfraredCommand);
     if (settings.BeepOn) line.SpeakBeep(1000, 50);
     ++report.Raised;
-    if (raise) raise(event);
+    raise(event);
     line.uDelay(kPauseBehindEvent);
   }
   if (settings.BeepOn && report.Raised == 0) line.SpeakBeep(5000, 50);
-  report.Ended = DispatchEnd::Walked;
-  return report;
 }
 
 }  // namespace keplo

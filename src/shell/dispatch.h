@@ -32,8 +32,9 @@ struct DispatchReport {
 /// @param code digits without the leading G
 /// @param event filled and handed out anew for each row
 /// @param raise runs the host's handler
-DispatchReport DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
-                            const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
-                            const std::function<void(HostInputEvent&)>& raise);
+/// @param report filled in as the dispatch goes
+void DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
+                  const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
+                  const std::function<void(HostInputEvent&)>& raise, DispatchReport& report);
 
 }  // namespace keplo

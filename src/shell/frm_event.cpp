@@ -1,7 +1,5 @@
 #include "shell/frm_event.h"
 
-#include <algorithm>
-#include <charconv>
 #include <string>
 
 #include "config/commands.h"
@@ -40,11 +38,11 @@ bool frmEvent::ShowMe(std::int32_t vMode, clsKeploEvent& myEvent, EventDialogSho
 
   myEvent.EventName = EventName.Text();
   myEvent.EventDescription = EventDescription.Text();
-  // A list without a selection gives an empty part, which matches no command.
   myEvent.IRCommand = Protocol.Text() + "&" + SendCmd.Text();
   myEvent.Enabled = EvtEnable.Checked();
-  if (settings_.VexilMode > 0) {
-    myEvent.Zone = static_cast<std::int16_t>(std::max(0, ZoneListBox.ListIndex()));
+  // A stored zone that the list does not offer leaves it without a selection, and stays.
+  if (settings_.VexilMode > 0 && ZoneListBox.ListIndex() != ui::DropDownList::kNoSelection) {
+    myEvent.Zone = static_cast<std::int16_t>(ZoneListBox.ListIndex());
   }
   return true;
 }
@@ -105,6 +103,11 @@ void frmEvent::SendCmd_Click() {
 }
 
 void frmEvent::OKButton_Click() {
+  // An event without a command would never fire, and an edited one would lose the command it has.
+  if (Protocol.Text().empty() || SendCmd.Text().empty()) {
+    Hint.SetText(kPickHint);
+    return;
+  }
   accepted_ = true;
   Hide();
 }

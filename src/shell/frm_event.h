@@ -8,6 +8,7 @@
 #include "events/cls_keplo_event.h"
 #include "ui/check_box.h"
 #include "ui/drop_down_list.h"
+#include "ui/label.h"
 #include "ui/text_box.h"
 #include "ui/window.h"
 
@@ -44,6 +45,8 @@ class frmEvent : public ui::Window {
   static constexpr std::string_view kZoneTip =
       "Select Vexil zone (1-8) or 0 if you want to disable Vexil for this Event";
 
+  static constexpr std::string_view kPickHint = "Pick a protocol and a command first.";
+
   frmEvent(CfgStore& store, const Settings& settings);
 
   /// Shows the dialog for an event and fills it in if the user accepts.
@@ -51,12 +54,14 @@ class frmEvent : public ui::Window {
   /// @return true if the user accepted
   bool ShowMe(std::int32_t vMode, clsKeploEvent& myEvent, EventDialogShower& shower);
 
+  /// Refused, with a hint, while no protocol or no command is selected.
   void OKButton_Click();
   void CancelButton_Click();
 
   ui::TextBox EventName, EventDescription;
   ui::CheckBox EvtEnable;
   ui::DropDownList Protocol, SendCmd, ZoneListBox;
+  ui::Label Hint;           // why OK was refused; empty until then
   bool ZoneVisible = true;  // of ZoneListBox and its label
 
  private:

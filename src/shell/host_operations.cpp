@@ -109,7 +109,11 @@ std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
 void Keplo::OpenMainWindow() {
   Timer1.SetEnabled(false);  // only the window touches line and text while it is open
   mod_.Settings.PluginMode = 1;
-  if (windows_.OpenMainWindow) windows_.OpenMainWindow();
+  try {
+    if (windows_.OpenMainWindow) windows_.OpenMainWindow();
+  } catch (const std::exception& failure) {
+    ReportFailure("OpenMainWindow", failure);  // monitoring goes on as behind a window that was closed
+  }
 }
 
 bool Keplo::InputCallMenuItem(std::int16_t index) {

@@ -96,6 +96,7 @@ std::int32_t Keplo::InputStartMonitoring() {
   Monitoring = true;
   RefreshStatusPanel();
   line_.RTS(-1);
+  terminated_ = false;
   Timer1.SetEnabled(true);
   return 1;
 }
@@ -108,7 +109,9 @@ std::int32_t Keplo::InputStopMonitoring() {
 }
 
 std::int32_t Keplo::InputTerminate() {
-  Timer1.SetEnabled(false);  // a host may forget to stop; a tick would read a closed port
+  // A host may forget to stop, or come from inside a tick; a tick would read a closed port.
+  terminated_ = true;
+  Timer1.SetEnabled(false);
   HostObject.reset();
   ErrorDetails.reset();
   line_.CloseCom();
@@ -125,7 +128,12 @@ void Keplo::Resize(int width, int height) {
 
 void Keplo::RaiseError(HostErrorRecord& record) const {
   bool stopping = false;  // nothing that fails here stops the plug-in
-  if (TriggerInputErrorCondition) TriggerInputErrorCondition(record, stopping);
+  try {
+    if (TriggerInputErrorCondition) TriggerInputErrorCondition(record, stopping);
+  } catch (...) {
+    // The host's error handler failed too. Operations end with their own results all the same, and
+    // ErrorDetails keeps the record.
+  }
 }
 
 std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) {

@@ -110,6 +110,8 @@ class Keplo {
   int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
 
   const TickReport& LastTick() const { return lastTick_; }
+  /// Runs behind a tick that took a capture, for programs that tell a person what became of it.
+  std::function<void(const TickReport&)> OnPress;
 
  private:
   void OpenPort();
@@ -117,6 +119,8 @@ class Keplo {
   void SetRestingLines();
   void ShowInterface();
   void Timer1_Timer();
+  void Tick();
+  void RaiseInputEvent(HostInputEvent& event);
   bool LineIsAtRest();
   void Capture();
   void ReadAndDispatch();
@@ -134,6 +138,8 @@ class Keplo {
   std::shared_ptr<HostErrorRecord> ErrorDetails;
   std::shared_ptr<void> HostObject;
   bool Monitoring = false;
+  bool inTick_ = false;
+  bool terminated_ = false;
   TickReport lastTick_;
 };
 

@@ -1,4 +1,5 @@
 #include <exception>
+#include <stdexcept>
 
 #include "shell/keplo.h"
 #include "signal/sample_bits.h"
@@ -7,39 +8,59 @@ namespace keplo {
 
 namespace {
 
-/// Turns the timer on again whichever way a tick ends, also behind a handler of the host that throws.
-class TickEnd {
+/// Sets a flag for a scope.
+class Flagged {
  public:
-  explicit TickEnd(ui::Timer& timer) : timer_(timer) {}
-  ~TickEnd() { timer_.SetEnabled(true); }
-  TickEnd(const TickEnd&) = delete;
-  TickEnd& operator=(const TickEnd&) = delete;
+  explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Flagged() { flag_ = false; }
+  Flagged(const Flagged&) = delete;
+  Flagged& operator=(const Flagged&) = delete;
 
  private:
-  ui::Timer& timer_;
+  bool& flag_;
 };
+
+constexpr std::string_view kTickProcedure = "Timer1_Timer";
+const std::runtime_error kNamelessFailure("a failure without a text");
 
 }  // namespace
 
 void Keplo::Timer1_Timer() {
-  Timer1.SetEnabled(false);  // ticks never nest
-  const TickEnd end(Timer1);
+  // The timer is off in a tick, but a handler of the host may turn it on and run an event loop of its own.
+  if (inTick_) return;
+  Timer1.SetEnabled(false);
+  {
+    const Flagged tick(inTick_);
+    Tick();
+  }
+  if (!terminated_) Timer1.SetEnabled(true);
+  if (lastTick_.Captured && OnPress) OnPress(lastTick_);
+}
+
+void Keplo::Tick() try {
   if (LineIsAtRest()) {
     lastTick_.Captured = false;
     return;
   }
+  lastTick_ = TickReport{};
+  lastTick_.Captured = true;
+  Capture();
+  ReadAndDispatch();
+} catch (const std::exception& failure) {
+  ReportFailure(kTickProcedure, failure);
+} catch (...) {
+  ReportFailure(kTickProcedure, kNamelessFailure);
+}
+
+/// Runs the host's handler. One that fails is told to the host, and the other rows of the press are raised
+/// all the same.
+void Keplo::RaiseInputEvent(HostInputEvent& event) {
   try {
-    lastTick_ = TickReport{};
-    lastTick_.Captured = true;
-    Capture();
-    ReadAndDispatch();
+    if (TriggerInputEvent) TriggerInputEvent(event);
   } catch (const std::exception& failure) {
-    try {
-      ReportFailure("Timer1_Timer", failure);
-    } catch (const std::exception&) {
-      // The host's error handler failed too; ErrorDetails keeps the record, and the next tick comes all the
-      // same.
-    }
+    ReportFailure(kTickProcedure, failure);
+  } catch (...) {
+    ReportFailure(kTickProcedure, kNamelessFailure);
   }
 }
 
@@ -71,8 +92,9 @@ void Keplo::ReadAndDispatch() {
   if (lastTick_.Reading.Ended != Stage::Code) return;
 
   HostInputEvent event;
-  lastTick_.Dispatched = DispatchCode(lastTick_.Reading.Digits, mod_.Store.CfgText, mod_.Settings, ListView1,
-                                      line_, event, TriggerInputEvent);
+  DispatchCode(
+      lastTick_.Reading.Digits, mod_.Store.CfgText, mod_.Settings, ListView1, line_, event,
+      [this](HostInputEvent& raised) { RaiseInputEvent(raised); }, lastTick_.Dispatched);
 }
 
 }  // namespace keplo

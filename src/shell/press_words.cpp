@@ -10,9 +10,8 @@ namespace {
 constexpr std::array<std::string_view, 8> kStageMeanings = {
     "there is no signal",
     "the capture is too short",
-    "no base time can be measured, since marks and spaces have no common shortest length or the longer one "
-    "is "
-    "the commoner",
+    "no base time can be measured: marks and spaces have no common shortest length, or the longer is "
+    "commoner",
     "the samples end inside a mark",
     "no whole frame stands between two long marks or spaces",
     "the signal fits neither pulse distance nor pulse width nor biphase",
@@ -29,15 +28,18 @@ std::string DescribeStage(Stage stage) {
 std::string WhyNoEvent(const TickReport& tick) {
   if (tick.Reading.Ended != Stage::Code) return DescribeStage(tick.Reading.Ended);
   const DispatchReport& dispatched = tick.Dispatched;
+  if (dispatched.Raised > 0) return {};
   switch (dispatched.Ended) {
     case DispatchEnd::NotStored:
       return "code G" + tick.Reading.Digits + " belongs to no learned command";
     case DispatchEnd::NoZoneAnswer:
       return dispatched.Reference + ": the zone hardware gave no answer";
+    case DispatchEnd::NotReached:
+      return "the press could not be handled";
     case DispatchEnd::OtherZone:
       return dispatched.Reference + " came from another zone";
     default:
-      return dispatched.Raised > 0 ? "" : "no activated event is bound to " + dispatched.Reference;
+      return "no activated event is bound to " + dispatched.Reference;
   }
 }
 

@@ -19,6 +19,7 @@ class FakeLine : public Win32Ser {
   std::deque<std::int32_t> OpenResults;  // 1 when none is left
   std::deque<std::string> Captures;      // one for each capture call; the line rests when none is left
   std::deque<char> Answers;              // characters of the zone hardware; NUL for a time-out
+  std::int32_t ReadResult = 1;           // of a character that came
   std::function<std::int16_t(char)> Zones = [](char) -> std::int16_t { return 0; };
   std::int32_t Rest = 1;
 
@@ -55,7 +56,7 @@ class FakeLine : public Win32Ser {
     const char answer = Take(Answers, '\0');
     if (answer == '\0') return 0;
     character = answer;
-    return 1;
+    return ReadResult;
   }
   std::int16_t CheckZone(char& character) override {
     Note("CheckZone", character);

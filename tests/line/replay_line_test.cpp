@@ -35,8 +35,10 @@ std::string Monitored(ReplayLine& line, std::size_t bytes = 510) {
   return buffer;
 }
 
+constexpr std::int16_t kStandard = 0;  // the DCDStandard receiver
+
 TEST(ReplayLine, PlaysOnePressACaptureAndTellsWhich) {
-  ReplayLine line(TwoFiles());
+  ReplayLine line(TwoFiles(), kStandard);
   EXPECT_EQ(line.LastPress(), nullptr);
   std::vector<std::string> played;
   while (!line.Done()) {
@@ -51,26 +53,31 @@ TEST(ReplayLine, PlaysOnePressACaptureAndTellsWhich) {
 }
 
 TEST(ReplayLine, RestsAtTheLevelOfItsReceiver) {
-  ReplayLine line({}, 1);
+  std::int16_t receiver = 1;
+  ReplayLine line({}, receiver);
   EXPECT_EQ(line.DCD(), 0);
-  line.SetReceiverKind(0);
+  receiver = 0;
   EXPECT_EQ(line.DCD(), 1);
 }
 
 TEST(ReplayLine, RecordsUpToTheLimit) {
-  ReplayLine line(TwoFiles());
+  ReplayLine line(TwoFiles(), kStandard);
   std::string buffer(1000, 'x');
   EXPECT_NE(line.IRRecordN(buffer, kDelay, 100), 0) << "either receiver's call takes the press";
-  EXPECT_EQ(buffer.substr(0, 100), CaptureOfPress(Clean(kSony, tests::kSonyBits), 100, {}));
-  EXPECT_EQ(buffer.substr(100), std::string(900, 'x'));
+  const std::string expected = SignalOfPress(Clean(kSony, tests::kSonyBits), 100, {});
+  const std::size_t signal = expected.find_last_not_of('\0') + 1;
+  EXPECT_EQ(buffer.substr(0, signal), expected.substr(0, signal));
+  EXPECT_EQ(buffer.substr(signal), std::string(1000 - signal, 'x'))
+      << "bytes behind the signal are the caller's";
   EXPECT_NE(line.IRRecord(buffer, kDelay, 2), 0);
   EXPECT_EQ(buffer.substr(0, 2), "\x01\x02");
-  EXPECT_NE(line.IRRecord(buffer, kDelay, -1), 0);
+  EXPECT_EQ(line.IRRecord(buffer, kDelay, 0), 0) << "no room takes no press";
+  EXPECT_NE(line.IRRecord(buffer, kDelay, 1000), 0);
   EXPECT_EQ(line.IRRecord(buffer, kDelay, 1000), 0) << "no press is left";
 }
 
 TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
-  ReplayLine line({{"a", {Clean(kSony, tests::kSonyBits), Clean(kSony, tests::kSonyBits)}}});
+  ReplayLine line({{"a", {Clean(kSony, tests::kSonyBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
   std::string buffer(510, '\0');
   line.IRMonitorN(buffer, kDelay + 20);
   LineOptions slower;
@@ -82,7 +89,7 @@ TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
 
 TEST(ReplayLine, PlaysAgainstAClock) {
   TestClock clock;
-  ReplayLine line(TwoFiles());
+  ReplayLine line(TwoFiles(), kStandard);
   line.PlayAgainst(clock);
   EXPECT_EQ(line.DCD(), 1) << "the first press comes behind a pause";
   clock.Time += 500ms;
@@ -105,7 +112,7 @@ TEST(ReplayLine, PlaysAgainstAClock) {
 }
 
 TEST(ReplayLine, WritesDownWhatIsSent) {
-  ReplayLine line({});
+  ReplayLine line({}, kStandard);
   EXPECT_EQ(line.OpenCom(31), 1);
   line.DTR(-1);
   line.RTS(-1);
@@ -131,7 +138,7 @@ TEST(ReplayLine, WritesDownWhatIsSent) {
 }
 
 TEST(ReplayLine, AnswersForTheZoneHardware) {
-  ReplayLine line({});
+  ReplayLine line({}, kStandard);
   line.AnswerWith("\0\x48\x2B"s);  // a time-out, an echo, then zone 4
   EXPECT_EQ(QueryZone(line), 4);
   EXPECT_EQ(line.Output().Characters, "PPP");

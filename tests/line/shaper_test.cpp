@@ -156,5 +156,12 @@ TEST(HoldPress, LeavesOtherPressesAsRecorded) {
   EXPECT_EQ(Heard(headless), "no-frame");
 }
 
+TEST(CleanPress, StaysWithinBoundsOnEndlessGlitches) {
+  PulseTrain train;
+  for (int i = 0; i < 300; ++i) train.insert(train.end(), {kLongestPulse, 50});
+  train.push_back(600);
+  for (const int run : CleanPress(train)) EXPECT_LE(run, kLongestPulse);
+}
+
 }  // namespace
 }  // namespace keplo

@@ -27,12 +27,14 @@ class Dispatch : public ::testing::Test {
   DispatchEnd Run(const std::string& code) {
     line_.Calls.clear();
     HostInputEvent event;
-    return DispatchCode(
-               code, cfgText_, settings_, list_, line_, event,
-               [&](HostInputEvent& raised) {
-                 line_.Calls.push_back(raised.EventID + " " + std::get<std::string>(raised.EventCommand));
-               })
-        .Ended;
+    DispatchReport report;
+    DispatchCode(
+        code, cfgText_, settings_, list_, line_, event,
+        [&](HostInputEvent& raised) {
+          line_.Calls.push_back(raised.EventID + " " + std::get<std::string>(raised.EventCommand));
+        },
+        report);
+    return report.Ended;
   }
 };
 
@@ -74,11 +76,16 @@ TEST_F(Dispatch, FindsACommandByItsCode) {
 
 TEST_F(Dispatch, TakesNothingFromTheSettingsOrTheHeadOfTheFile) {
   Row("1", "General&POWER");
-  cfgText_.insert(cfgText_.find("VEXIL="), "G1110000,POWER\r\n");
+  Row("2", "NEC&NEAR");
+  cfgText_.insert(cfgText_.find("VEXIL="), std::string(120, '#') + "\r\nG1110000,POWER\r\n");
   EXPECT_EQ(Run("1110000"), DispatchEnd::NotStored);
-  cfgText_ = "[General]\r\n[NEC]\r\nG1110000,POWER\r\n" + cfgText_;
-  EXPECT_EQ(Run("1110000"), DispatchEnd::NotStored)
-      << "a match within the first 100 characters does not count";
+
+  const std::string head = "[General]\r\n[NEC]\r\n", code = "1110011";
+  for (const auto& [behind, ended] : {std::pair{100, DispatchEnd::NotStored}, {101, DispatchEnd::Walked}}) {
+    const std::size_t padding = static_cast<std::size_t>(behind - 1) - head.size() - code.size() - 1;
+    cfgText_ = head + std::string(padding, '#') + "G" + code + ",NEAR\r\n";
+    EXPECT_EQ(Run(code), ended) << "a match that ends at " << behind;
+  }
 }
 
 TEST_F(Dispatch, NeverRaisesForASectionOrCommandWithoutAName) {

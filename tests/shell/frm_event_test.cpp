@@ -89,14 +89,21 @@ TEST_F(EventDialog, APickOverwritesWhatWasTypedBefore) {
   EXPECT_EQ(Stored(), "Quiet|MUTE from NEC|NEC&MUTE|on|0");
 }
 
-TEST_F(EventDialog, LeavesTheCommandOpenBehindAnotherProtocol) {
+TEST_F(EventDialog, RefusesOKUntilACommandIsPicked) {
   Show(0, [](frmEvent& dialog) {
     dialog.Protocol.SelectText("SONY");
     EXPECT_EQ(dialog.SendCmd.Entries(), (std::vector<std::string>{"PLAY"}));
     EXPECT_EQ(dialog.SendCmd.ListIndex(), ui::DropDownList::kNoSelection);
+    bool hidden = false;
+    dialog.OnHide = [&] { hidden = true; };
     dialog.OKButton_Click();
+    EXPECT_FALSE(hidden);
+    EXPECT_EQ(dialog.Hint.Text(), frmEvent::kPickHint);
+    dialog.SendCmd.Select(0);
+    dialog.OKButton_Click();
+    EXPECT_TRUE(hidden);
   });
-  EXPECT_EQ(event_.IRCommand, "SONY&") << "an open command matches nothing";
+  EXPECT_EQ(event_.IRCommand, "SONY&PLAY");
 }
 
 TEST_F(EventDialog, EditsAStoredEvent) {
@@ -119,11 +126,15 @@ TEST_F(EventDialog, EditsAStoredEvent) {
     dialog.OKButton_Click();
   });
   EXPECT_EQ(Stored(), "Lamp|in the hall|SONY&PLAY|off|5");
+
+  event_.Zone = 9;
+  Show(1, [](frmEvent& dialog) { dialog.OKButton_Click(); });
+  EXPECT_EQ(event_.Zone, 9) << "a zone that the list does not offer stays";
 }
 
 TEST_F(EventDialog, OpensWithoutASelectionForADeadReference) {
   for (const auto& [reference, protocol] : std::vector<std::pair<std::string, std::string>>{
-           {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"NEC&UP", "NEC"}}) {
+           {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"SONY&UP", "NEC"}}) {
     event_ = {"7", "Lamp", "hall", reference, true, 0};
     EXPECT_FALSE(Show(1, [&](frmEvent& dialog) {
       EXPECT_EQ(dialog.Protocol.Text(), protocol) << reference;

@@ -69,8 +69,9 @@ TEST_F(HostOperations, ModifiesAnEventInItsPlace) {
   EXPECT_EQ(Texts(control.ListView1), Stored());
 
   dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
+  control.ListView1.SetText(1, kEventName, "spoilt");
   EXPECT_EQ(control.InputModifyEvent(host), 2);
-  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(Texts(control.ListView1), Stored()) << "the row is rewritten from the record";
 }
 
 TEST_F(HostOperations, ReportsAnEventThatIsNotThere) {
@@ -80,7 +81,8 @@ TEST_F(HostOperations, ReportsAnEventThatIsNotThere) {
   ASSERT_EQ(errors_.size(), 1U);
   EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "InputKeplo.Keplo InputModifyEvent");
   EXPECT_EQ(control.InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
-  EXPECT_EQ(control.InputErrorDetails()->ErrorDetail, "");
+  EXPECT_EQ(control.InputErrorDetails()->ErrorDate.substr(2, 10), "-Jan-1970 ");
+  EXPECT_NE(control.InputErrorDetails()->ErrorNumber, 0);
 }
 
 TEST_F(HostOperations, TellsAFailedSave) {
@@ -104,6 +106,15 @@ TEST_F(HostOperations, DeletesAnEventFromAllThreePlaces) {
   EXPECT_EQ(control.InputModifyEvent(gone), 0) << "the collection has let it go too";
 }
 
+TEST_F(HostOperations, DeletesFromTheListWhateverTheDatabaseSays) {
+  Keplo& control = Start();
+  mod_->modData->CloseConnection();
+  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
+  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 0);
+  EXPECT_EQ(control.ListView1.Count(), 1);
+  EXPECT_EQ(errors_, Calls{});
+}
+
 TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {
   Keplo& control = Start();
   std::vector<std::string> ids = {"old"};
@@ -115,21 +126,67 @@ TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {
   EXPECT_EQ(ids, Calls{""});
 }
 
-TEST_F(HostOperations, PutsTheLinesRightBehindTheWindow) {
+TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
   Keplo& control = Start();
-  control.InputCallMenuItem(0);
-  EXPECT_EQ(mod_->Settings.PluginMode, 1);
+  int opened = 0;
+  mainWindow_ = [&] {
+    ++opened;
+    EXPECT_FALSE(control.Timer1.Enabled());
+    EXPECT_EQ(mod_->Settings.PluginMode, 1);
+    mod_->Settings.InterfaceType = 9;
+  };
+  const Calls menuLines = {"RTS -1", "TXD 0", "RTS -1", "TXD 0"};
+  EXPECT_TRUE(control.InputCallMenuItem(0));
+  EXPECT_EQ(line_.TakeCalls(), menuLines);
+  EXPECT_EQ(control.Panel.InterfaceType.Text(), "IRMouse / TxD");
+  control.InputCallMenuItem(1);
+  EXPECT_EQ(opened, 1) << "only the first item opens it";
+  EXPECT_EQ(line_.TakeCalls(), menuLines);
   EXPECT_TRUE(control.Timer1.Enabled());
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
 
-  mod_->Settings.InterfaceType = 9;
+  mod_->Store.CfgText += "behind the end";
   control.InputConfigurePlugin();
+  EXPECT_EQ(opened, 2);
   EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0", "DTR -1"}));
+  EXPECT_EQ(folder_.Read("keplo.cfg"), mod_->Store.CfgText) << "it is saved, cut behind [END]";
   control.InputStopMonitoring();
   line_.Calls.clear();
   control.InputConfigurePlugin();
+  control.InputCallMenuItem(0);
   EXPECT_FALSE(control.Timer1.Enabled());
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0"}));
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
+}
+
+TEST_F(HostOperations, MonitoringGoesOnWhateverFailsAroundTheWindow) {
+  Keplo& control = Start();
+  mainWindow_ = [] { throw Failure(7, "no window"); };
+  control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
+    errors_.push_back(record.ErrorProcedure);
+    throw Failure(8, "the error handler fails too");
+  };
+  control.InputCallMenuItem(0);
+  EXPECT_TRUE(control.Timer1.Enabled());
+  std::filesystem::remove_all(folder_.Path());
+  control.InputConfigurePlugin();
+  EXPECT_TRUE(control.Timer1.Enabled());
+  EXPECT_EQ(errors_, (Calls{"OpenMainWindow", "OpenMainWindow", "InputConfigurePlugin"}));
+}
+
+TEST_F(HostOperations, AnswersTheHostsQuestions) {
+  Keplo& control = Start();
+  std::string page = "old", version;
+  std::vector<std::string> items = {"old", "items"};
+  EXPECT_EQ(control.InputGetHTMLPage(page), 1);
+  EXPECT_EQ(page, EventPage(control.ListView1, PageRequest::Get));
+  EXPECT_EQ(control.InputPostHTMLPage(page), 1);
+  EXPECT_EQ(page, EventPage(control.ListView1, PageRequest::Post));
+  control.InputGetPluginMenuItems(items);
+  EXPECT_EQ(items, (Calls{"Configure Infrared Interface"}));
+  control.InputGetPluginVersion(version);
+  EXPECT_EQ(version, "1.3.34");
+  EXPECT_EQ(control.InputIconFileName(), (folder_.Path() / "inkeplo.ico").string());
+  control.InputDisplayAboutBox();
+  EXPECT_EQ(boxes_.Shown.size(), 1U);
 }
 
 TEST(Pages, AreSentToTheLetter) {

@@ -83,7 +83,8 @@ class ShellTest : public ::testing::Test {
   /// Creates the control without loading its events.
   Keplo& Create() {
     mod_ = std::make_unique<KeploMod>(folder_.Path(), files_);
-    control_ = std::make_unique<Keplo>(*mod_, line_, KeploWindows{boxes_, dialog_}, clock_);
+    control_ = std::make_unique<Keplo>(*mod_, line_, KeploWindows{boxes_, dialog_, [this] { mainWindow_(); }},
+                                       clock_);
     control_->TriggerInputEvent = [this](HostInputEvent& event) {
       raised_.push_back(event.EventID + " " + std::get<std::string>(event.EventCommand));
       line_.Calls.push_back("event " + event.EventID);
@@ -109,6 +110,7 @@ class ShellTest : public ::testing::Test {
   RecordingBoxes boxes_;
   ScriptedDialog dialog_;
   FakeLine line_;
+  std::function<void()> mainWindow_ = [] {};
   std::unique_ptr<KeploMod> mod_;
   std::unique_ptr<Keplo> control_;
   std::vector<std::string> raised_, errors_;

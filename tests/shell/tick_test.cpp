@@ -59,6 +59,7 @@ TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
   Keplo& control = Start();
   line_.Captures = {std::string(510, '\xAA')};
   control.Timer1.Tick();
+  EXPECT_TRUE(control.Timer1.Enabled());
   EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
   EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
 
@@ -74,6 +75,7 @@ TEST_F(Tick, NeverNests) {
   control.TriggerInputEvent = [&](HostInputEvent&) {
     raised_.emplace_back("raised");
     EXPECT_FALSE(control.Timer1.Enabled());
+    control.InputStartMonitoring();  // a host that turns the timer on and runs an event loop of its own
     control.Timer1.Tick();
   };
   control.Timer1.Tick();
@@ -89,9 +91,33 @@ TEST_F(Tick, ReachesItsEndWhateverTheHostThrows) {
   EXPECT_EQ(errors_, (Calls{"InputKeplo.Keplo Timer1_Timer: the host stumbled"}));
   EXPECT_EQ(control.InputErrorDetails()->ErrorNumber, 91);
 
+  control.TriggerInputEvent = [](HostInputEvent&) { throw 7; };
   control.TriggerInputErrorCondition = [](HostErrorRecord&, bool&) { throw Failure(92, "and fell"); };
   control.Timer1.Tick();
   EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, RaisesTheOtherRowsWhenTheHostFailsAtOne) {
+  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
+  WriteEvents({{"17", "Lamp on", "", "NEC&POWER", true, 0}, {"18", "Fan on", "", "NEC&POWER", true, 0}});
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits)};
+  control.TriggerInputEvent = [&](HostInputEvent& event) {
+    raised_.push_back(event.EventID);
+    throw Failure(91, "the host stumbled");
+  };
+  control.Timer1.Tick();
+  EXPECT_EQ(raised_, (Calls{"17", "18"}));
+  EXPECT_EQ(errors_.size(), 2U);
+}
+
+TEST_F(Tick, TellsWhatBecameOfEachPressOnce) {
+  Keplo& control = Start();
+  std::string told;
+  control.OnPress = [&](const TickReport& tick) { told += std::to_string(tick.Dispatched.Raised) + ";"; };
+  line_.Captures = {Press(kDigits), "", Press(kDigits)};
+  for (int tick = 0; tick < 5; ++tick) control.Timer1.Tick();
+  EXPECT_EQ(told, "1;0;1;");
 }
 
 TEST_F(Tick, TurnsTheTimerOnAgainEvenIfTheHostStoppedItInside) {
@@ -101,6 +127,24 @@ TEST_F(Tick, TurnsTheTimerOnAgainEvenIfTheHostStoppedItInside) {
   control.Timer1.Tick();
   EXPECT_FALSE(control.InputMonitoring());
   EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, StaysOffBehindATerminateInside) {
+  Keplo& control = Start();
+  line_.Captures = {Press(kDigits)};
+  control.TriggerInputEvent = [&](HostInputEvent&) { control.InputTerminate(); };
+  control.Timer1.Tick();
+  EXPECT_FALSE(control.Timer1.Enabled()) << "a tick would read a closed port";
+}
+
+TEST_F(Tick, HandsTheDelayOnWithItsSignAndACleanBuffer) {
+  Keplo& control = Start();
+  mod_->Settings.ProcDelay = -3;
+  line_.Captures = {std::string(510, '\xFF'), Press(kDigits)};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls()[1], "IRMonitor 510 delay -3");
+  control.Timer1.Tick();
+  EXPECT_EQ(raised_.size(), 1U) << "nothing of the last capture is left in the buffer";
 }
 
 }  // namespace

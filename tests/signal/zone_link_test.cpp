@@ -38,6 +38,14 @@ TEST(QueryZone, AsksAgainBehindAnAnswerThatIsNoZone) {
   EXPECT_EQ(line.Calls.back(), "SetMode 1");
 }
 
+TEST(QueryZone, LooksAtTheLow16BitsOfARead) {
+  FakeLine line;
+  line.Answers = {'a', 'b', 'c', 'd'};
+  line.ReadResult = 0x10000;
+  EXPECT_EQ(QueryZone(line), kNoZone);
+  EXPECT_EQ(std::count(line.Calls.begin(), line.Calls.end(), "CheckZone 97"), 0);
+}
+
 TEST(SendZone, AcceptsTheCommandWithoutItsHighestBitOnly) {
   FakeLine line;
   line.Answers = {72, '\0', 8};  // an echo and a time-out, then the answer
