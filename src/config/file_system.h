@@ -24,7 +24,9 @@ class NewFile {
   virtual ~NewFile() = default;
 
   virtual void Write(std::string_view content) = 0;
-  /// Takes over mode, owner and group, the latter two as far as the process may give a file away.
+  /// Takes over mode, owner and group, the latter two as far as the process may give a file away: rather an
+  /// owner that has changed than a change that is not saved. Where the group stays behind, it may do no more
+  /// than all others, and without the owner the file is not run in an owner's name.
   virtual void SetAttributes(const FileAttributes& attributes) = 0;
   /// Returns once the content would survive a power cut.
   virtual void Flush() = 0;
@@ -54,15 +56,17 @@ class FileSystem {
   /// The path that a symbolic link leads to in the end; any other path stays as it is. The file that is meant
   /// need not be there.
   virtual std::filesystem::path Resolve(const std::filesystem::path& path) = 0;
-  /// The attributes of a file; empty if it is not there.
+  /// The attributes of a regular file; empty if there is nothing at the path.
   virtual std::optional<FileAttributes> Attributes(const std::filesystem::path& path) = 0;
-  /// Waits until the folder is free.
+  /// Waits until the folder is free, but not so long that the program would seem to be dead.
   virtual std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& folder) = 0;
   /// A new file for a name that is free.
   /// @param mode permission bits, less those that the process takes off all its new files
   virtual std::unique_ptr<NewFile> Create(const std::filesystem::path& path, unsigned mode) = 0;
   /// Puts a file in the place of another, or of none, in one step.
   virtual void Rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+  /// Gives a file another name in one step; false if that name is taken, and nothing has changed then.
+  virtual bool RenameToFree(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
   /// Removes a file; one that is not there is fine.
   virtual void Remove(const std::filesystem::path& path) = 0;
 };

@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "failure.h"
@@ -20,6 +22,8 @@ using std::filesystem::path;
 
 constexpr int kMostLinks = 40;  // as many as the kernel follows
 constexpr mode_t kPermissions = 07777;
+constexpr char kOwnDescriptors[] = "/proc/self/fd/";
+constexpr std::chrono::milliseconds kBetweenLockTries{1};
 
 [[noreturn]] void Fail(int error, const path& name) {
   throw Failure(error, name.string() + ": " + std::generic_category().message(error));
@@ -53,25 +57,34 @@ struct stat StatusOf(int descriptor, const path& name) {
   return status;
 }
 
+void RequireRegular(mode_t mode, const path& name) {
+  if (S_ISDIR(mode)) Fail(EISDIR, name);
+  if (!S_ISREG(mode)) throw Failure(EINVAL, name.string() + ": not a regular file");
+}
+
 Descriptor OpenToRead(const path& name) {
   // Without O_NONBLOCK a pipe in the place of the file would hold up the start for good.
   Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   Require(file.IsOpen(), name);
-  const mode_t mode = StatusOf(file.Number(), name).st_mode;
-  if (S_ISDIR(mode)) Fail(EISDIR, name);
-  if (!S_ISREG(mode)) throw Failure(EINVAL, name.string() + ": not a regular file");
+  RequireRegular(StatusOf(file.Number(), name).st_mode, name);
   return file;
 }
 
 class PosixFolder : public LockedFolder {
  public:
-  explicit PosixFolder(const path& name)
+  PosixFolder(const path& name, std::chrono::milliseconds patience)
       : name_(name), folder_(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     Require(folder_.IsOpen(), name_);
-    int result = 0;
-    do result = flock(folder_.Number(), LOCK_EX);
-    while (result != 0 && errno == EINTR);
-    // Some network file systems lock no folders; there the lock is left out.
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (IsHeldByAnother()) {
+      if (std::chrono::steady_clock::now() >= end) {
+        throw Failure(EWOULDBLOCK, name_.string() + ": another program has been saving in this folder for " +
+                                       std::to_string(patience.count()) + " ms. \"fuser -v " +
+                                       name_.string() +
+                                       "\" tells which; end it if it does not go on, and try again");
+      }
+      std::this_thread::sleep_for(kBetweenLockTries);
+    }
   }
 
   void Flush() override {
@@ -80,6 +93,11 @@ class PosixFolder : public LockedFolder {
   }
 
  private:
+  /// Takes the lock if it is free. Some network file systems lock no folders; there the lock is left out.
+  bool IsHeldByAnother() const {
+    return flock(folder_.Number(), LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR);
+  }
+
   path name_;
   Descriptor folder_;
 };
@@ -100,22 +118,38 @@ class PosixNewFile : public NewFile {
 
   void SetAttributes(const FileAttributes& attributes) override {
     const struct stat own = StatusOf(file_.Number(), name_);
-    if (own.st_uid != attributes.Owner || own.st_gid != attributes.Group) {
-      const int result = fchown(file_.Number(), attributes.Owner, attributes.Group);
-      Require(result == 0 || errno == EPERM, name_);
-    }
-    Require(fchmod(file_.Number(), attributes.Mode) == 0, name_);
+    const bool foreign = own.st_uid != attributes.Owner || own.st_gid != attributes.Group;
+    if (foreign && !GiveTo(attributes.Owner, attributes.Group)) GiveTo(kUnchanged, attributes.Group);
+    const struct stat kept = StatusOf(file_.Number(), name_);
+    mode_t mode = attributes.Mode;
+    if (kept.st_uid != attributes.Owner) mode &= ~static_cast<mode_t>(S_ISUID);
+    if (kept.st_gid != attributes.Group) mode = WithGroupAsOthers(mode);
+    Require(fchmod(file_.Number(), mode) == 0, name_);
   }
 
   void Flush() override { Require(fsync(file_.Number()) == 0, name_); }
 
   void Publish() override {
     if (unpublished_ == Unpublished::Named) return;
-    const std::string byDescriptor = "/proc/self/fd/" + std::to_string(file_.Number());
+    const std::string byDescriptor = kOwnDescriptors + std::to_string(file_.Number());
     Require(linkat(AT_FDCWD, byDescriptor.c_str(), AT_FDCWD, name_.c_str(), AT_SYMLINK_FOLLOW) == 0, name_);
   }
 
  private:
+  static constexpr unsigned kUnchanged = ~0U;
+
+  /// @return false if the process may not
+  bool GiveTo(unsigned owner, unsigned group) const {
+    const bool given = fchown(file_.Number(), owner, group) == 0;
+    Require(given || errno == EPERM, name_);
+    return given;
+  }
+
+  static mode_t WithGroupAsOthers(mode_t mode) {
+    const mode_t groupMay = (mode & S_IRWXG) & ((mode & S_IRWXO) << 3);
+    return (mode & ~static_cast<mode_t>(S_IRWXG | S_ISGID)) | groupMay;
+  }
+
   path name_;
   Descriptor file_;
   Unpublished unpublished_;
@@ -162,17 +196,18 @@ std::optional<FileAttributes> PosixFileSystem::Attributes(const path& path) {
     if (errno == ENOENT) return std::nullopt;
     Fail(errno, path);
   }
-  if (S_ISDIR(status.st_mode)) Fail(EISDIR, path);
+  RequireRegular(status.st_mode, path);
   const bool writable = faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
   return FileAttributes{status.st_mode & kPermissions, status.st_uid, status.st_gid, writable};
 }
 
 std::unique_ptr<LockedFolder> PosixFileSystem::Lock(const path& folder) {
-  return std::make_unique<PosixFolder>(folder);
+  return std::make_unique<PosixFolder>(folder, patience_);
 }
 
 std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode) {
-  if (unpublished_ == Unpublished::Nameless) {
+  // A nameless file gets its name through its descriptor's entry in /proc, which a jail may lack.
+  if (unpublished_ == Unpublished::Nameless && access(kOwnDescriptors, X_OK) == 0) {
     Descriptor nameless(open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     if (nameless.IsOpen())
       return std::make_unique<PosixNewFile>(path, std::move(nameless), Unpublished::Nameless);
@@ -185,6 +220,17 @@ std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode
 
 void PosixFileSystem::Rename(const path& from, const path& to) {
   Require(std::rename(from.c_str(), to.c_str()) == 0, to);
+}
+
+bool PosixFileSystem::RenameToFree(const path& from, const path& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  const bool unknownToFileSystem = errno == EINVAL || errno == ENOSYS;
+  if (unknownToFileSystem && link(from.c_str(), to.c_str()) == 0) {
+    Remove(from);
+    return true;
+  }
+  Require(errno == EEXIST, to);
+  return false;
 }
 
 void PosixFileSystem::Remove(const path& path) {

@@ -33,8 +33,22 @@ void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
 void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
   try {
     files.Remove(path);
-  } catch (const Failure&) {
+  } catch (...) {
     // The failure that led here is the one to tell; the next save tries again to take the file away.
+  }
+}
+
+/// Writes the content beside the target and lets an action put it there; takes it away if either fails.
+template <typename Action>
+void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
+                 const std::optional<FileAttributes>& old, std::string_view content, Action putInPlace) {
+  files.Remove(temporary);
+  try {
+    WriteAndPublish(files, temporary, old, content);
+    putInPlace();
+  } catch (...) {
+    RemoveQuietly(files, temporary);
+    throw;
   }
 }
 
@@ -47,15 +61,22 @@ std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesyst
   std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
   const std::optional<FileAttributes> old = files.Attributes(target);
   if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
-  files.Remove(temporary);
-  try {
-    WriteAndPublish(files, temporary, old, content);
-    files.Rename(temporary, target);
-  } catch (const Failure&) {
-    RemoveQuietly(files, temporary);
-    throw;
-  }
+  WriteBeside(files, temporary, old, content, [&] { files.Rename(temporary, target); });
   return folder;
+}
+
+bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
+  const std::filesystem::path temporary = TemporaryName(path);
+  const std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(path));
+  bool created = false;
+  WriteBeside(files, temporary, std::nullopt, content,
+              [&] { created = files.RenameToFree(temporary, path); });
+  if (created) {
+    folder->Flush();
+  } else {
+    files.Remove(temporary);
+  }
+  return created;
 }
 
 }  // namespace keplo

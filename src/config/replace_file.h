@@ -15,4 +15,10 @@ namespace keplo {
 [[nodiscard]] std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesystem::path& path,
                                                         std::string_view content);
 
+/// Brings a file that is not there yet, whole at the instant when its name is seen, and returns once it would
+/// survive a power cut. It has the permissions that new files of the process have.
+/// @return false if there is a file of that name, which then stays as it is
+/// @throws Failure if a file operation fails; nothing is left behind unless only the last flush failed
+bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content);
+
 }  // namespace keplo

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
 #include <string>
 
@@ -32,6 +33,9 @@ class FakeDisk : public FileSystem {
   }
   int Operations() const { return operations_; }
 
+  bool Writable = true;
+  bool OutOfMemory = false;  // what fails does so for want of memory, not of a disk
+
   void PowerCut(UnflushedNames names) {
     if (names == UnflushedNames::Lost) seen_ = lasting_;
     for (auto& [name, inode] : seen_) inode = std::make_shared<Inode>(Inode{inode->Flushed, inode->Flushed});
@@ -45,8 +49,12 @@ class FakeDisk : public FileSystem {
     return files;
   }
 
-  std::uintmax_t Size(const std::filesystem::path& path) override { return Find(path)->Content.size(); }
+  std::uintmax_t Size(const std::filesystem::path& path) override {
+    Step();
+    return Find(path)->Content.size();
+  }
   std::string Read(const std::filesystem::path& path, std::size_t most) override {
+    Step();
     return Find(path)->Content.substr(0, most);
   }
   std::filesystem::path Resolve(const std::filesystem::path& path) override {
@@ -56,7 +64,7 @@ class FakeDisk : public FileSystem {
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override {
     Step();
     if (seen_.count(path.filename()) == 0) return std::nullopt;
-    return FileAttributes{0640, 1000, 1000, true};
+    return FileAttributes{0640, 1000, 1000, Writable};
   }
   std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& /*folder*/) override {
     Step();
@@ -72,6 +80,11 @@ class FakeDisk : public FileSystem {
     Step();
     seen_[to.filename()] = Find(from);
     seen_.erase(from.filename());
+  }
+  bool RenameToFree(const std::filesystem::path& from, const std::filesystem::path& to) override {
+    if (seen_.count(to.filename()) > 0) return Step(), false;
+    Rename(from, to);
+    return true;
   }
   void Remove(const std::filesystem::path& path) override {
     Step();
@@ -118,6 +131,7 @@ class FakeDisk : public FileSystem {
   void Step() {
     ++operations_;
     if (failAt_ != 0 && (operations_ == failAt_ || (forGood_ && operations_ > failAt_))) {
+      if (OutOfMemory) throw std::bad_alloc();
       throw Failure(EIO, "operation " + std::to_string(operations_));
     }
   }

@@ -1,14 +1,15 @@
+#include <grp.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
-#include <random>
 
+#include "config/replace_file.h"
 #include "config/values.h"
 #include "config_builder.h"
+#include "doubles/child_process.h"
+#include "dying_files.h"
 #include "fake_disk.h"
 
 namespace keplo {
@@ -16,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using tests::Config;
+using tests::DyingFiles;
 using tests::FakeDisk;
 using tests::StoreOnDisk;
 using tests::TempFolder;
@@ -35,6 +37,8 @@ Failure FailureOf(Action action) {
     action();
   } catch (const Failure& failure) {
     return failure;
+  } catch (const std::bad_alloc&) {
+    return {ENOMEM, "out of memory"};
   }
   return {0, "done"};
 }
@@ -141,6 +145,11 @@ TEST(SaveConfig, TellsWhatStandsInTheWay) {
   EXPECT_TRUE(Tells(failure, disk.Store.Path.string())) << failure.what();
   EXPECT_EQ(disk.Store.CfgText, Config(""));
   EXPECT_EQ(NamesIn(disk.Folder()), std::vector<std::string>{"keplo.cfg"});
+
+  fs::remove(disk.Store.Path);
+  ASSERT_EQ(mkfifo(disk.Store.Path.c_str(), 0600), 0);
+  EXPECT_EQ(FailureOf([&] { SaveConfig(disk.Store); }).Number(), EINVAL);
+  EXPECT_TRUE(fs::is_fifo(disk.Store.Path)) << "a pipe is not replaced by a file";
 }
 
 /// A save on a disk where one operation fails.
@@ -170,14 +179,34 @@ class BrokenSave : public ::testing::Test {
 TEST_F(BrokenSave, LeavesTheOldFileAndNothingElse) {
   const int operations = CountOperations();
   EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", fresh_}}));
-  for (int failAt = 1; failAt < operations; ++failAt) {
-    EXPECT_FALSE(Save(failAt, false));
-    EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", old_}})) << failAt;
-    EXPECT_EQ(store_.CfgText, old_) << failAt;
+  for (disk_.OutOfMemory = true;; disk_.OutOfMemory = false) {
+    for (int failAt = 1; failAt < operations; ++failAt) {
+      EXPECT_FALSE(Save(failAt, false));
+      EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", old_}})) << failAt;
+      EXPECT_EQ(store_.CfgText, old_) << failAt;
+    }
+    if (!disk_.OutOfMemory) break;
   }
   EXPECT_FALSE(Save(operations, false)) << "the flush of the folder is the last operation";
   EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", fresh_}}));
   EXPECT_EQ(store_.CfgText, fresh_) << "text and file agree";
+}
+
+TEST_F(BrokenSave, RespectsAWriteProtectedFile) {
+  disk_.Writable = false;
+  EXPECT_FALSE(Save(0, false));
+  EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", old_}}));
+  EXPECT_EQ(store_.CfgText, old_);
+}
+
+TEST_F(BrokenSave, KeepsTheTextIfTheFileCannotBeRead) {
+  disk_.Put("keplo.cfg", fresh_);
+  store_.CfgText = old_;
+  for (const int failAt : {1, 2}) {
+    disk_.FailAt(failAt, false);
+    EXPECT_EQ(FailureOf([&] { LoadConfig(store_); }).Number(), EIO);
+    EXPECT_EQ(store_.CfgText, old_);
+  }
 }
 
 TEST_F(BrokenSave, SurvivesAPowerCutAnywhere) {
@@ -197,80 +226,135 @@ TEST_F(BrokenSave, SurvivesAPowerCutAnywhere) {
   }
 }
 
-/// Another process that saves without end.
-class Saver {
- public:
-  explicit Saver(CfgStore& store) {
-    EXPECT_EQ(pipe(pipe_), 0);
-    child_ = fork();
-    close(pipe_[child_ == 0 ? 0 : 1]);
-    if (child_ != 0) return;
-    for (int value = 0;; value = (value + 1) % 1000) {
-      if (write(pipe_[1], "s", 1) != 1) _exit(1);
-      SetGeneralValue(store, "PROCDELAY", std::to_string(value));
+/// A configuration file on the real disk, whose saves are killed at every operation in turn.
+class KilledProgram : public ::testing::TestWithParam<Unpublished> {
+ protected:
+  TempFolder folder_;
+  PosixFileSystem files_{GetParam()};
+
+  /// @return how often the action was killed until it came through
+  template <typename Action, typename Check>
+  int KillAt(Action action, Check check) {
+    for (int deadly = 1;; ++deadly) {
+      tests::ChildProcess child([&] {
+        DyingFiles files(files_, deadly);
+        action(files);
+      });
+      const int code = child.Join();
+      check(code);
+      if (code != DyingFiles::kKilled || HasFailure()) {
+        EXPECT_EQ(code, 0);
+        return deadly - 1;
+      }
     }
   }
-  Saver(const Saver&) = delete;
-  Saver& operator=(const Saver&) = delete;
-  ~Saver() {
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
-    close(pipe_[0]);
-  }
-
-  void WaitForASave() const {
-    char begun = 0;
-    EXPECT_EQ(read(pipe_[0], &begun, 1), 1);
-  }
-
- private:
-  int pipe_[2] = {};
-  pid_t child_ = 0;
 };
 
-/// Lets a part of a save go by.
-void Idle(unsigned turns) {
-  while (turns-- > 0) getppid();
+INSTANTIATE_TEST_SUITE_P(Ways, KilledProgram, ::testing::Values(Unpublished::Nameless, Unpublished::Named));
+
+TEST_P(KilledProgram, LeavesAWholeFile) {
+  std::string fresh = Config("");
+  fresh.replace(fresh.find("ITYPE= 0"), 8, "ITYPE= 9");
+  folder_.Write("keplo.cfg", Config(""));
+  const int kills = KillAt(
+      [&](FileSystem& files) {
+        CfgStore store(folder_.Path() / "keplo.cfg", files);
+        store.CfgText = Config("");
+        SetGeneralValue(store, "ITYPE", "9");
+      },
+      [&](int code) {
+        const std::string file = folder_.Read("keplo.cfg");
+        EXPECT_TRUE(file == fresh || (code != 0 && file == Config(""))) << file;
+      });
+  EXPECT_GE(kills, 11);
+  EXPECT_EQ(NamesIn(folder_.Path()), std::vector<std::string>{"keplo.cfg"}) << "the last save cleared up";
 }
 
-TEST(KilledSave, LeavesAWholeFile) {
-  std::mt19937 random(7);
-  for (const Unpublished way : {Unpublished::Nameless, Unpublished::Named}) {
-    TempFolder folder;
-    folder.Write("keplo.cfg", Config(""));
-    PosixFileSystem files(way);
-    CfgStore store(folder.Path() / "keplo.cfg", files);
-    LoadConfig(store);
-    for (int round = 0; round < 60; ++round) {
-      {
-        const Saver saver(store);
-        saver.WaitForASave();
-        Idle(random() % 20000);
-      }
-      std::string file = folder.Read("keplo.cfg");
-      const std::size_t value = file.find("PROCDELAY= ") + 11;
-      file.replace(value, file.find('\r', value) - value, "10");
-      ASSERT_EQ(file, Config("")) << "kill " << round;
-    }
-    SaveConfig(store);
-    EXPECT_EQ(NamesIn(folder.Path()), std::vector<std::string>{"keplo.cfg"});
-  }
+TEST_P(KilledProgram, BringsAWholeFileOrNone) {
+  const fs::path path = folder_.Path() / "keplo.cfg";
+  const int kills = KillAt([&](FileSystem& files) { CreateFile(files, path, Config("")); },
+                           [&](int code) {
+                             EXPECT_EQ(folder_.Read("keplo.cfg"), fs::exists(path) ? Config("") : "");
+                             if (code != 0) fs::remove(path);
+                           });
+  EXPECT_GE(kills, 8);
+  EXPECT_EQ(NamesIn(folder_.Path()), std::vector<std::string>{"keplo.cfg"});
+  EXPECT_FALSE(CreateFile(files_, path, "another"));
+  EXPECT_EQ(folder_.Read("keplo.cfg"), Config(""));
+  EXPECT_EQ(NamesIn(folder_.Path()), std::vector<std::string>{"keplo.cfg"});
 }
 
-TEST(KilledSave, TwoProgramsTakeTurns) {
+TEST(TwoPrograms, TakeTurns) {
   TempFolder folder;
   folder.Write("keplo.cfg", Config(""));
-  PosixFileSystem files;
+  PosixFileSystem files(Unpublished::Nameless, std::chrono::minutes(1));
   CfgStore store(folder.Path() / "keplo.cfg", files);
   LoadConfig(store);
-  {
-    const Saver other(store);
-    for (int save = 0; save < 30; ++save) {
-      EXPECT_EQ(FailureOf([&] { SetGeneralValue(store, "PROCDELAY", std::to_string(save)); }).Number(), 0);
-    }
-  }
+  const auto saveOften = [&] {
+    for (int save = 0; save < 30; ++save) SetGeneralValue(store, "PROCDELAY", std::to_string(save));
+  };
+  tests::ChildProcess other(saveOften);
+  EXPECT_EQ(FailureOf(saveOften).Number(), 0);
+  EXPECT_EQ(other.Join(), 0);
+  EXPECT_EQ(folder.Read("keplo.cfg"), store.CfgText) << "both saved the same last";
+}
+
+TEST(TwoPrograms, DoNotWaitForEachOtherForGood) {
+  TempFolder folder;
+  folder.Write("keplo.cfg", Config(""));
+  PosixFileSystem files(Unpublished::Nameless, std::chrono::milliseconds(0));
+  CfgStore store(folder.Path() / "keplo.cfg", files);
   LoadConfig(store);
-  EXPECT_EQ(store.CfgText.substr(store.CfgText.find("ITYPE=")), Config("").substr(Config("").find("ITYPE=")));
+  const auto heldByAnother = files.Lock(folder.Path());
+  const Failure failure = FailureOf([&] { SetGeneralValue(store, "ITYPE", "9"); });
+  EXPECT_EQ(failure.Number(), EWOULDBLOCK);
+  EXPECT_TRUE(Tells(failure, "fuser -v " + folder.Path().string())) << failure.what();
+  EXPECT_EQ(store.CfgText + folder.Read("keplo.cfg"), Config("") + Config(""));
+}
+
+TEST(SaveConfig, KeepsGroupAndRightsWithoutTheOwner) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+  struct Case {
+    gid_t OwnGroup;
+    mode_t Mode, Kept;
+  };
+  for (const Case& c : {Case{1235, 0664, 0664}, Case{1236, 0664, 0644}, Case{1236, 04660, 0600}}) {
+    TempFolder folder;
+    ASSERT_EQ(chmod(folder.Path().c_str(), 0777), 0);
+    const fs::path path = folder.Write("keplo.cfg", Config(""));
+    ASSERT_EQ(chown(path.c_str(), 1000, 1235) + chmod(path.c_str(), c.Mode), 0);
+    tests::ChildProcess saver([&] {
+      const gid_t groups[] = {1235};
+      const bool member = c.OwnGroup == 1235;
+      if (setgroups(member ? 1 : 0, groups) + setgid(c.OwnGroup == 1235 ? 1237 : c.OwnGroup) + setuid(1234) !=
+          0)
+        _exit(2);
+      PosixFileSystem files;
+      const std::unique_ptr<NewFile> file = files.Create(path.string() + ".new", 0600);
+      file->SetAttributes({c.Mode, 1000, 1235, true});
+      file->Publish();
+    });
+    ASSERT_EQ(saver.Join(), 0);
+    struct stat status {};
+    ASSERT_EQ(stat((path.string() + ".new").c_str(), &status), 0);
+    EXPECT_EQ(status.st_gid, c.OwnGroup);
+    EXPECT_EQ(status.st_mode & 07777, c.Kept);
+  }
+}
+
+TEST(SaveConfig, WorksWithoutProc) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can shut a process in";
+  TempFolder jail;
+  jail.Write("keplo.cfg", Config(""));
+  tests::ChildProcess saver([&] {
+    if (chroot(jail.Path().c_str()) != 0) _exit(2);
+    PosixFileSystem files;
+    CfgStore store("/keplo.cfg", files);
+    LoadConfig(store);
+    SetGeneralValue(store, "ITYPE", "9");
+  });
+  EXPECT_EQ(saver.Join(), 0);
+  EXPECT_NE(jail.Read("keplo.cfg").find("ITYPE= 9"), std::string::npos);
 }
 
 }  // namespace
