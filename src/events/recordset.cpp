@@ -87,7 +87,7 @@ std::string Recordset::FieldText(std::string_view column) const {
   if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
   if (std::holds_alternative<std::monostate>(value))
     throw FieldFailure(kNullValue, column, "null", kExpected);
-  throw FieldFailure(kWrongType, column, "a fraction", kExpected);
+  throw FieldFailure(kWrongType, column, "a fraction or raw bytes", kExpected);
 }
 
 bool Recordset::FieldBoolean(std::string_view column) const {

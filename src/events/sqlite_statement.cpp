@@ -19,7 +19,14 @@ struct Binder {
   int operator()(const std::string& text) const {
     return sqlite3_bind_text64(Statement, Index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
   }
+  int operator()(const SqlBytes& value) const {
+    return sqlite3_bind_blob64(Statement, Index, value.Bytes.data(), value.Bytes.size(), SQLITE_TRANSIENT);
+  }
 };
+
+std::string Copy(const void* bytes, int length) {
+  return {static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
 
 bool HoldsStatement(std::string_view text) {
   return text.find_first_not_of(" \t\r\n;") != std::string_view::npos;
@@ -71,12 +78,35 @@ SqlValue SqliteStatement::Value(int column) const {
       return sqlite3_column_int64(statement, column);
     case SQLITE_FLOAT:
       return sqlite3_column_double(statement, column);
+    case SQLITE_BLOB: {
+      const void* bytes = sqlite3_column_blob(statement, column);  // none for an empty value
+      return SqlBytes{bytes == nullptr ? "" : Copy(bytes, sqlite3_column_bytes(statement, column))};
+    }
     default: {
-      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-      const int length = sqlite3_column_bytes(statement, column);
-      return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(length));
+      const unsigned char* text = sqlite3_column_text(statement, column);  // ahead of the length of its UTF-8
+      if (text == nullptr) throw FailureOf(database_);
+      return Copy(text, sqlite3_column_bytes(statement, column));
     }
   }
 }
+
+namespace {
+
+template <typename Value>
+Value First(sqlite3* database, std::string_view sql) {
+  SqliteStatement statement(database, sql);
+  if (!statement.Step()) return {};
+  const SqlValue value = statement.Value(0);
+  const auto* found = std::get_if<Value>(&value);
+  return found == nullptr ? Value() : *found;
+}
+
+}  // namespace
+
+std::int64_t FirstNumber(sqlite3* database, std::string_view sql) {
+  return First<std::int64_t>(database, sql);
+}
+
+std::string FirstText(sqlite3* database, std::string_view sql) { return First<std::string>(database, sql); }
 
 }  // namespace keplo

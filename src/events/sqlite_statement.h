@@ -11,8 +11,13 @@ struct sqlite3_stmt;
 
 namespace keplo {
 
-/// A value of a column; monostate is null.
-using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+/// Raw bytes, as only a foreign tool stores them.
+struct SqlBytes {
+  std::string Bytes;
+};
+
+/// A value of a column; texts are UTF-8 whatever the file is written in; monostate is null.
+using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string, SqlBytes>;
 
 /// One prepared statement. Values reach it as parameters, never as part of its text.
 class SqliteStatement {
@@ -40,5 +45,9 @@ class SqliteStatement {
   sqlite3* database_;
   std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
 };
+
+/// The first value that a statement gives, or 0 or an empty text where there is none of that type.
+std::int64_t FirstNumber(sqlite3* database, std::string_view sql);
+std::string FirstText(sqlite3* database, std::string_view sql);
 
 }  // namespace keplo

@@ -111,25 +111,30 @@ TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
     const char* Text;
   };
   const Case cases[] = {
-      {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 2 of the event table holds null"},
-      {"('2', 'n', 'd', 'c', null, 0)", kNullValue, "Column Enabled of row 2 "},
-      {"('2', 'n', 'd', 'c', 1, null)", kNullValue, "Column Zone of row 2 "},
+      {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 3 of the event table holds null"},
+      {"('2', 'n', 'd', 'c', null, 0)", kNullValue, "Column Enabled of row 3 "},
+      {"('2', 'n', 'd', 'c', 1, null)", kNullValue, "Column Zone of row 3 "},
       {"('2', 'n', 'd', 'c', 'maybe', 0)", kWrongType, "holds another type, expected a yes or no"},
-      {"('2', 'n', 'd', 'c', 1, 70000)", kNumberTooLarge, "holds 70000, expected a whole number"},
+      {"(x'32', 'n', 'd', 'c', 1, 0)", kWrongType,
+       "Column EventID of row 3 of the event table holds a fraction or raw"},
+      {"('2', 'n', x'', 'c', 1, 0)", kWrongType, "Column EventDescription of row 3 "},
+      {"('2', 'n', 'd', 'c', 1, 32768)", kNumberTooLarge, "holds 32768, expected a whole number"},
+      {"('2', 'n', 'd', 'c', 1, -32769)", kNumberTooLarge, "holds -32769, expected"},
   };
   for (const Case& bad : cases) {
     const EventFolder folder(
         "drop table colclsKeploEvents; create table colclsKeploEvents (EventID text, EventName text,"
         " EventDescription text, IRCommand text, Enabled boolean, Zone smallint);"
-        "insert into colclsKeploEvents values ('1', 'n', 'd', 'c', 1, 0), " +
+        "insert into colclsKeploEvents values ('0', 'n', 'd', 'c', 1, 32767), ('1', 'n', 'd', 'c', 1, "
+        "-32768), " +
         std::string(bad.BadRow) + ", ('3', 'n', 'd', 'c', 1, 0)");
     EventMap map(folder);
     EXPECT_FALSE(map.Load());
     ASSERT_EQ(ShownAll(map.Errors), Lines{Report("Initialise", bad.Number)});
     EXPECT_NE(map.Errors[0].ErrorDescription.find(bad.Text), std::string::npos)
         << map.Errors[0].ErrorDescription;
-    EXPECT_EQ(map.Members(), Lines{"1|n|d|c|on|0"});
-    EXPECT_EQ(map.List.Count(), 1);
+    EXPECT_EQ(map.Members(), (Lines{"0|n|d|c|on|32767", "1|n|d|c|on|-32768"}));
+    EXPECT_EQ(map.List.Count(), 2);
   }
 }
 
