@@ -2,11 +2,14 @@
 
 #include <sqlite3.h>
 
+#include <filesystem>
+#include <thread>
 #include <utility>
 
 #include "events/database_check.h"
 #include "events/failure_numbers.h"
 #include "events/sqlite_failure.h"
+#include "events/sqlite_statement.h"
 
 namespace keplo {
 
@@ -15,11 +18,24 @@ namespace {
 // Far above any text of an event; a damaged length in the file must not fill the memory.
 constexpr int kLongestRow = 1'000'000;  // bytes
 
-// The journal beside the file undoes a change that was cut short, and lets two programs use the database at
-// a time. A change is on the disk when it is committed.
-constexpr const char* kSettings =
-    "pragma journal_mode = delete;"
-    "pragma synchronous = full;";
+// A change counts once its journal is gone, so the folder is flushed after that too: no power cut brings the
+// journal back and undoes a change that the host was told of.
+constexpr const char* kSettings = "pragma synchronous = extra";
+
+constexpr std::chrono::milliseconds kLockRetry{5};
+
+/// The journal beside the file undoes a change that was cut short. Write-ahead mode, in which a foreign tool
+/// may have left the file, is not safe in SQLite 3.40 where two programs write.
+/// @return false while another program keeps the file in that mode
+bool UsesRollbackJournal(sqlite3* database) try {
+  return FirstText(database, "pragma journal_mode") == "delete" ||
+         FirstText(database, "pragma journal_mode = delete") == "delete";
+} catch (const Failure& failure) {
+  if ((failure.Number() & 0xFF) == SQLITE_BUSY) return false;
+  throw;
+}
+
+void UndoOpenTransaction(sqlite3* database) { sqlite3_exec(database, "rollback", nullptr, nullptr, nullptr); }
 
 }  // namespace
 
@@ -27,7 +43,8 @@ void Connection::Open(const std::string& connectionString) {
   if (State() != 0) {
     throw Failure(kObjectOpen, DatabaseText(connectionString_, "is open already", "Close it first."));
   }
-  if (!connectionString.empty()) connectionString_ = connectionString;
+  // An absolute path means the same file wherever the program goes, and is never read as a "file:" address.
+  if (!connectionString.empty()) connectionString_ = std::filesystem::absolute(connectionString);
   if (connectionString_.empty()) {
     throw Failure(kObjectClosed, "Expected the path of the event database to open, but it is empty");
   }
@@ -52,11 +69,35 @@ SqliteHandle Connection::OpenDatabase() const {
   sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0,
                     nullptr);  // a foreign schema runs no functions
   CheckIsEventDatabase(opened, connectionString_);
+  LeaveWriteAheadMode(opened);
+  CheckIsWhole(opened, connectionString_);
   RunSql(opened, kSettings);
   return database;
 }
 
-void Connection::Execute(const std::string& sql) { RunSql(Database(), sql.c_str()); }
+void Connection::LeaveWriteAheadMode(sqlite3* database) const {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end = Clock::now() + busyTimeout_;
+  while (!UsesRollbackJournal(database)) {  // SQLite itself does not wait here
+    if (Clock::now() >= end) {
+      throw Failure(SqliteFailureNumber(SQLITE_BUSY),
+                    DatabaseText(connectionString_, "is open in another program in write-ahead mode",
+                                 "Close the other program, then try again."));
+    }
+    std::this_thread::sleep_for(kLockRetry);
+  }
+}
+
+void Connection::Execute(const std::string& sql) {
+  sqlite3* database = Database();
+  const bool betweenTransactions = sqlite3_get_autocommit(database) != 0;
+  try {
+    RunSql(database, sql.c_str());
+  } catch (...) {
+    if (betweenTransactions) UndoOpenTransaction(database);
+    throw;
+  }
+}
 
 sqlite3* Connection::Database() const {
   if (database_ != nullptr) return database_.get();

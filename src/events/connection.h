@@ -22,7 +22,7 @@ class Connection {
   /// @return 0 for closed, 1 for open
   std::int32_t State() const { return database_ == nullptr ? 0 : 1; }
 
-  /// The text of the last Open, whether it succeeded or not; empty before the first.
+  /// The absolute path of the last Open, whether it succeeded or not; empty before the first.
   const std::string& ConnectionString() const { return connectionString_; }
 
   /// Opens an event database that exists; never creates one.
@@ -30,7 +30,7 @@ class Connection {
   /// @throws Failure if the file cannot be opened or is not an event database, or if the connection is open
   void Open(const std::string& connectionString = {});
 
-  /// Runs a statement without rows.
+  /// Runs statements without rows. A transaction that a failing text has begun is undone.
   /// @throws Failure
   void Execute(const std::string& sql);
 
@@ -43,6 +43,7 @@ class Connection {
 
  private:
   SqliteHandle OpenDatabase() const;
+  void LeaveWriteAheadMode(sqlite3* database) const;
 
   std::chrono::milliseconds busyTimeout_;
   std::string connectionString_;

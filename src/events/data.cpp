@@ -3,6 +3,7 @@
 #include <array>
 #include <ctime>
 #include <string>
+#include <system_error>
 
 #include "events/error_record.h"
 #include "events/event_schema.h"
@@ -20,11 +21,18 @@ std::string PlatformDate(std::chrono::system_clock::time_point when) {
   return text.data();
 }
 
+/// A program that changes its folder later still means the same file.
+std::filesystem::path Absolute(const std::filesystem::path& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute;
+}
+
 }  // namespace
 
 Data::Data(const std::filesystem::path& appPath, const ui::Clock& clock,
            std::chrono::milliseconds busyTimeout)
-    : databasePath_(appPath / kDatabaseFile), clock_(clock), connection_(busyTimeout) {}
+    : databasePath_(Absolute(appPath / kDatabaseFile)), clock_(clock), connection_(busyTimeout) {}
 
 std::int32_t Data::CheckConnection() try {
   if (connection_.State() != 0) return 1;

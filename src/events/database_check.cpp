@@ -30,19 +30,14 @@ bool IsOldFormat(const std::string& path) {
   return found == kOldFormatHeaders[0] || found == kOldFormatHeaders[1];
 }
 
-SqlValue FirstValue(sqlite3* database, std::string_view pragma) {
-  SqliteStatement statement(database, pragma);
-  return statement.Step() ? statement.Value(0) : SqlValue();
-}
-
 void CheckKind(sqlite3* database, const std::string& path) {
-  if (FirstValue(database, "pragma application_id") == SqlValue(std::int64_t{kApplicationID})) return;
+  if (FirstNumber(database, "pragma application_id") == kApplicationID) return;
   throw Failure(SqliteFailureNumber(SQLITE_NOTADB),
                 DatabaseText(path, "is not an event database", kReplaceAdvice));
 }
 
 void CheckVersion(sqlite3* database, const std::string& path) {
-  const auto version = std::get<std::int64_t>(FirstValue(database, "pragma user_version"));
+  const std::int64_t version = FirstNumber(database, "pragma user_version");
   if (version == kFormatVersion) return;
   const std::string reason = "has the format " + std::to_string(version) +
                              ", and this program reads format " + std::to_string(kFormatVersion);
@@ -51,13 +46,37 @@ void CheckVersion(sqlite3* database, const std::string& path) {
   throw Failure(SqliteFailureNumber(SQLITE_MISMATCH), DatabaseText(path, reason, advice));
 }
 
-void CheckIsWhole(sqlite3* database, const std::string& path) {
-  const SqlValue result = FirstValue(database, "pragma quick_check(1)");
-  const auto* text = std::get_if<std::string>(&result);
-  if (text != nullptr && *text == "ok") return;
-  const std::string detail = text == nullptr ? "no answer" : *text;
+void CheckHasNoView(sqlite3* database, const std::string& path) {
+  SqliteStatement views(database,
+                        "select name from sqlite_schema where type = 'view' and"
+                        " name = 'colclsKeploEvents' collate nocase");
+  if (!views.Step()) return;
+  throw Failure(
+      SqliteFailureNumber(SQLITE_NOTADB),
+      DatabaseText(path, "holds a view in place of the event table, which takes no changes", kReplaceAdvice));
+}
+
+/// SQLite reads the end of a page that the file lacks as zeros, and the events that stood there with it.
+void CheckHasItsSize(sqlite3* database, const std::string& path) {
+  const std::int64_t expected = FirstNumber(
+      database, "select page_count * page_size from pragma_page_count, pragma_page_size");  // bytes
+  sqlite3_file* file = nullptr;
+  sqlite3_int64 size = 0;  // bytes
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  const int code = file->pMethods->xFileSize(file, &size);
+  if (code == SQLITE_OK && size >= expected) return;
+  throw Failure(SqliteFailureNumber(code == SQLITE_OK ? SQLITE_CORRUPT : code),
+                DatabaseText(path,
+                             "is damaged (it holds " + std::to_string(size) + " of its " +
+                                 std::to_string(expected) + " bytes)",
+                             kReplaceAdvice));
+}
+
+void CheckIsSound(sqlite3* database, const std::string& path) {
+  const std::string found = FirstText(database, "pragma quick_check(1)");
+  if (found == "ok") return;
   throw Failure(SqliteFailureNumber(SQLITE_CORRUPT),
-                DatabaseText(path, "is damaged (" + detail + ")", kReplaceAdvice));
+                DatabaseText(path, "is damaged (" + found + ")", kReplaceAdvice));
 }
 
 }  // namespace
@@ -77,7 +96,12 @@ void CheckIsEventDatabase(sqlite3* database, const std::string& path) {
     throw;
   }
   CheckVersion(database, path);
-  CheckIsWhole(database, path);
+  CheckHasNoView(database, path);
+}
+
+void CheckIsWhole(sqlite3* database, const std::string& path) {
+  CheckHasItsSize(database, path);
+  CheckIsSound(database, path);
 }
 
 }  // namespace keplo

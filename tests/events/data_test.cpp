@@ -1,9 +1,11 @@
 #include "events/data.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
+#include "events/transaction.h"
 
 namespace keplo {
 namespace {
@@ -74,6 +76,27 @@ TEST(Data, KeepsARecordOfEachFailure) {
     EXPECT_EQ(data.ExecuteSQL(sql, rows), 0) << sql;
     EXPECT_EQ(data.ErrorDetails().ErrorDetail, sql);
   }
+}
+
+TEST(Data, UndoesATransactionThatAFailingTextBegan) {
+  const EventFolder folder;
+  tests::EventMap map(folder);
+  EXPECT_EQ(map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents; bad"), 0);
+  EXPECT_TRUE(map.Events.Add(tests::Event("1")));
+
+  map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents");
+  EXPECT_EQ(map.Database.ExecuteSQLCommand("bad"), 0);  // began nothing, so the caller's one goes on
+  EXPECT_EQ(map.Database.ExecuteSQLCommand("rollback"), 1);
+  EXPECT_EQ(tests::StoredEvents(folder), map.Members());
+}
+
+TEST(Transaction, TakesTheRightToWriteAtOnce) {
+  const EventFolder folder;
+  Connection mine, other(std::chrono::milliseconds(1));
+  mine.Open(folder.Database());
+  other.Open(folder.Database());
+  const Transaction transaction(mine.Database());
+  EXPECT_EQ(NumberOfFailure([&] { Transaction late(other.Database()); }), SqliteFailureNumber(SQLITE_BUSY));
 }
 
 TEST(Recordset, ChangesTheTableRowByRow) {

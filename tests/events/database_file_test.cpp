@@ -2,6 +2,8 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <thread>
+
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
 
@@ -47,7 +49,8 @@ void ExpectNotAdded(EventMap& map, int number, const std::string& part) {
 
 TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   using namespace std::string_literals;
-  const std::string good = EventFolder().Read(kDatabaseFile);
+  const std::string good =
+      EventFolder("insert into colclsKeploEvents values ('1', 'Power', '', '', 1, 0)").Read(kDatabaseFile);
   std::string foreign = good, scratched = good;
   foreign.replace(68, 4, "\0\0\0\0"s);  // the application_id
   scratched.replace(good.size() / 2, 100, std::string(100, '\xAB'));
@@ -66,6 +69,8 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
       {foreign, SQLITE_NOTADB, "is not an event database. Put a backup in its place"},
       {good.substr(0, good.size() / 2), SQLITE_CORRUPT, "is damaged"},
       {scratched, SQLITE_CORRUPT, "is damaged"},
+      {good.substr(0, good.size() - 1), SQLITE_CORRUPT, "is damaged (it holds "},
+      {good.substr(0, good.size() - 31), SQLITE_CORRUPT, "is damaged (it holds "},
   };
   for (const Case& other : cases) {
     const AppFolder folder;
@@ -75,6 +80,11 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   }
   ExpectRefused(EventFolder("pragma user_version = 2"), SQLITE_MISMATCH,
                 "has the format 2, and this program reads format 1. A newer release wrote it");
+  ExpectRefused(EventFolder("pragma user_version = 0"), SQLITE_MISMATCH,
+                "has the format 0, and this program reads format 1. Put a backup in its place");
+  ExpectRefused(EventFolder("alter table colclsKeploEvents rename to events;"
+                            "create view ColClsKeploEvents as select * from events"),
+                SQLITE_NOTADB, "holds a view in place of the event table");
 }
 
 TEST(DatabaseFile, IsRefusedWhenItCannotBeOpened) {
@@ -96,6 +106,75 @@ TEST(DatabaseFile, IsReadButNotChangedWithoutTheRightToWrite) {
   EXPECT_TRUE(map.Load());
   ExpectNotAdded(map, SQLITE_READONLY, "Give this user the right to write to the file and to its folder.");
   EXPECT_EQ(map.Events.count(), 1);
+}
+
+TEST(DatabaseFile, IsReadInAnyTextEncoding) {
+  const EventFolder folder;
+  std::filesystem::remove(folder.Database());
+  sqlite3* opened = nullptr;
+  ASSERT_EQ(sqlite3_open(folder.Database().c_str(), &opened), SQLITE_OK);
+  const SqliteHandle wide(opened);
+  RunSql(opened,
+         "pragma encoding = 'UTF-16le'; pragma application_id = 0x4B65706C; pragma user_version = 1;"
+         "create table colclsKeploEvents (EventID text unique, EventName text, EventDescription text,"
+         " IRCommand text, Enabled boolean, Zone smallint);"
+         "insert into colclsKeploEvents values ('ä', 'Röd 🔴', '', 'c', 1, 0)");
+  EventMap map(folder);
+  ASSERT_TRUE(map.Load()) << map.Database.ErrorDetails().ErrorDescription;
+  EXPECT_EQ(map.Members(), Lines{"ä|Röd 🔴||c|on|0"});
+  EXPECT_TRUE(map.Events.Update(Event("ä", "Blå")));
+  EXPECT_EQ(StoredEvents(folder), map.Members());
+}
+
+TEST(DatabaseFile, FlushesEveryChangeAndLeavesWriteAheadMode) {
+  const EventFolder folder;
+  EventMap foreign(folder), map(folder);
+  ASSERT_EQ(foreign.Answer("pragma journal_mode"), "delete");
+  foreign.Database.ExecuteSQLCommand("pragma journal_mode = wal; select * from colclsKeploEvents");
+  EXPECT_FALSE(map.Load());
+  ExpectError(map.Database.ErrorDetails(), SQLITE_BUSY,
+              "is open in another program in write-ahead mode. Close the other program");
+
+  foreign.Database.CloseConnection();
+  EXPECT_TRUE(map.Load());
+  EXPECT_EQ(map.Answer("pragma journal_mode"), "delete");
+  EXPECT_EQ(map.Answer("pragma synchronous"), "3");  // extra
+  EXPECT_EQ(folder.Files(), Lines{kDatabaseFile});
+}
+
+TEST(DatabaseFile, IsTheSameOneWhereverTheProgramGoes) {
+  const EventFolder folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::create_directory(folder.Path() / "file:");
+  std::filesystem::rename(folder.Database(), folder.Path() / "file:" / kDatabaseFile);
+  std::filesystem::current_path(folder.Path());
+  const tests::StoppedClock clock;
+  Data data("file:", clock);
+  EXPECT_EQ(data.CheckConnection(), 1) << data.ErrorDetails().ErrorDescription;
+  Connection connection;
+  connection.Open("file:/" + std::string(kDatabaseFile));
+  connection.Close();
+  data.CloseConnection();
+  Data late("file:", clock);
+  std::filesystem::current_path(before);
+  EXPECT_EQ(data.CheckConnection(), 1) << data.ErrorDetails().ErrorDescription;
+  EXPECT_EQ(late.CheckConnection(), 1) << late.ErrorDetails().ErrorDescription;
+  EXPECT_NO_THROW(connection.Open());
+}
+
+TEST(DatabaseFile, WaitsForAnotherProgramThatIsAboutToFinish) {
+  using std::chrono::milliseconds;
+  const EventFolder folder;
+  for (const char* hold : {"begin exclusive", "pragma journal_mode = wal; select * from colclsKeploEvents"}) {
+    EventMap patient(folder, milliseconds(20000)), other(folder);
+    ASSERT_EQ(other.Database.ExecuteSQLCommand(hold), 1);
+    std::thread release([&] {
+      std::this_thread::sleep_for(milliseconds(50));
+      other.Database.CloseConnection();
+    });
+    EXPECT_TRUE(patient.Events.Add(Event(hold))) << hold;
+    release.join();
+  }
 }
 
 TEST(DatabaseFile, GivesWayToAnotherProgramAndRecovers) {

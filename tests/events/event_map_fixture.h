@@ -63,7 +63,9 @@ Lines ShownAll(const std::vector<Shape>& things) {
 
 /// One program's view of the event map; keeps what it tells its host.
 struct EventMap {
-  explicit EventMap(const AppFolder& folder) : Database(folder.Path(), Clock, std::chrono::milliseconds(1)) {
+  explicit EventMap(const AppFolder& folder,
+                    std::chrono::milliseconds busyTimeout = std::chrono::milliseconds(1))
+      : Database(folder.Path(), Clock, busyTimeout) {
     Events.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
       EXPECT_FALSE(stopping);
       Errors.push_back(record);
@@ -71,6 +73,13 @@ struct EventMap {
   }
 
   bool Load() { return Events.Initialise(List); }
+
+  /// The one value that a statement gives.
+  std::string Answer(const std::string& sql) {
+    Recordset rows;
+    EXPECT_EQ(Database.ExecuteSQL(sql, rows), 1) << Database.ErrorDetails().ErrorDescription;
+    return rows.FieldText(sql.substr(sql.rfind(' ') + 1));
+  }
 
   Lines Members() const {
     Lines members;
