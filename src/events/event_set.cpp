@@ -13,21 +13,26 @@ void EventSet::Add(std::string_view key, std::shared_ptr<clsKeploEvent> event) {
     throw Failure(kKeyTaken, "The event map already holds an event with the key " + std::string(key) +
                                  ". Every event needs an EventID of its own.");
   }
-  members_.push_back(std::move(event));
-  keys_.emplace_back(key);
+  members_.push_back(event);
+  try {
+    byKey_.emplace(key, std::move(event));
+  } catch (...) {
+    members_.pop_back();
+    throw;
+  }
 }
 
 bool EventSet::Remove(std::string_view key) {
-  const auto found = std::find(keys_.begin(), keys_.end(), key);
-  if (found == keys_.end()) return false;
-  members_.erase(members_.begin() + (found - keys_.begin()));
-  keys_.erase(found);
+  const auto found = byKey_.find(key);
+  if (found == byKey_.end()) return false;
+  members_.erase(std::find(members_.begin(), members_.end(), found->second));
+  byKey_.erase(found);
   return true;
 }
 
 std::shared_ptr<clsKeploEvent> EventSet::Find(std::string_view key) const {
-  const auto found = std::find(keys_.begin(), keys_.end(), key);
-  return found == keys_.end() ? nullptr : members_[static_cast<std::size_t>(found - keys_.begin())];
+  const auto found = byKey_.find(key);
+  return found == byKey_.end() ? nullptr : found->second;
 }
 
 }  // namespace keplo

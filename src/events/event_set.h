@@ -1,9 +1,10 @@
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "events/cls_keplo_event.h"
@@ -15,6 +16,7 @@ class EventSet {
  public:
   using Members = std::vector<std::shared_ptr<clsKeploEvent>>;
 
+  /// Adds the event, or leaves the set as it was.
   /// @throws Failure for a key that is taken
   void Add(std::string_view key, std::shared_ptr<clsKeploEvent> event);
   /// @return false if there is no such key
@@ -25,8 +27,13 @@ class EventSet {
   const Members& All() const { return members_; }
 
  private:
-  std::vector<std::string> keys_;  // of the members, in the same order
-  Members members_;
+  struct KeyHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view key) const { return std::hash<std::string_view>()(key); }
+  };
+
+  std::unordered_map<std::string, std::shared_ptr<clsKeploEvent>, KeyHash, std::equal_to<>> byKey_;
+  Members members_;  // the same ones
 };
 
 }  // namespace keplo
