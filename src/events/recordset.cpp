@@ -21,7 +21,8 @@ constexpr std::string_view kInsert =
     " values (?1, ?2, ?3, ?4, ?5, ?6)";
 constexpr std::string_view kUpdate =
     "update colclsKeploEvents set EventID = ?1, EventName = ?2, EventDescription = ?3, IRCommand = ?4,"
-    " Enabled = ?5, Zone = ?6 where rowid = ?7 and EventID is ?8";
+    " Enabled = ?5, Zone = ?6 where rowid = ?7 and EventID is ?8 and EventName is ?9 and"
+    " EventDescription is ?10 and IRCommand is ?11 and Enabled is ?12 and Zone is ?13";
 constexpr std::string_view kDelete = "delete from colclsKeploEvents where rowid = ?1 and EventID is ?2";
 
 // The database gives the rowid of a deleted row to a later one, so a row is known by its EventID besides.
@@ -32,39 +33,58 @@ void RunOnOneRow(sqlite3* database, SqliteStatement& statement) {
                 "Another program changed or deleted the event meanwhile. Load the event map again.");
 }
 
+std::int64_t RowIDOf(const SqlValue& value) {
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return *number;
+  throw Failure(kWrongType,
+                "The event table has no row numbers, which a change needs. Put a backup of the event "
+                "database in place of this one.");
+}
+
 }  // namespace
 
 void Recordset::Open(std::string_view sql, const Connection& connection) {
   Close();
-  SqliteStatement statement(connection.Database(), sql);
-  Read(statement, nullptr);
+  Recordset snapshot;
+  snapshot.Start(SqliteStatement(connection.Database(), sql), nullptr);
+  snapshot.ReadRows();
+  *this = std::move(snapshot);
 }
 
 void Recordset::Open(const EventQuery& query, const Connection& connection) {
   Close();
   SqliteStatement statement(connection.Database(), query.EventID ? kSelectLiveWithID : kSelectLive);
   if (query.EventID) statement.Bind(1, *query.EventID);
-  Read(statement, &connection);
+  Start(std::move(statement), &connection);
 }
 
-void Recordset::Read(SqliteStatement& statement, const Connection* live) {
-  Recordset read;
-  const int firstField = live != nullptr ? 1 : 0;  // the rowid stands ahead of the fields
+void Recordset::Start(SqliteStatement statement, const Connection* live) {
   const int columns = statement.ColumnCount();
-  for (int column = firstField; column < columns; ++column)
-    read.columns_.push_back(statement.ColumnName(column));
-  while (statement.Step()) {
-    Row& row = read.rows_.emplace_back();
-    if (live != nullptr) row.RowID = std::get<std::int64_t>(statement.Value(0));
-    for (int column = firstField; column < columns; ++column) row.Values.push_back(statement.Value(column));
-  }
-  read.connection_ = live;
-  read.open_ = true;
-  *this = std::move(read);
+  for (int column = live != nullptr ? 1 : 0; column < columns; ++column)  // a live row's rowid comes first
+    columns_.push_back(statement.ColumnName(column));
+  unread_ = std::move(statement);
+  connection_ = live;
+  open_ = true;
+}
+
+void Recordset::ReadRows() const {
+  if (!unread_) return;
+  rows_.clear();  // of a reading that failed half-way
+  while (unread_->Step()) rows_.push_back(ReadRow());
+  unread_.reset();
+}
+
+Recordset::Row Recordset::ReadRow() const {
+  Row row;
+  int column = 0;
+  if (connection_ != nullptr) row.RowID = RowIDOf(unread_->Value(column++));
+  for (std::size_t field = 0; field < columns_.size(); ++field)
+    row.Values.push_back(unread_->Value(column++));
+  return row;
 }
 
 bool Recordset::Eof() const {
   RequireOpen();
+  ReadRows();
   return position_ >= rows_.size();
 }
 
@@ -128,6 +148,7 @@ void Recordset::SetFieldValue(std::string_view column, SqlValue value) {
 
 void Recordset::AddNew() {
   LiveDatabase();
+  unread_.reset();  // the rows ahead of the new one are passed
   position_ = rows_.size();
   rows_.push_back({std::nullopt, std::vector<SqlValue>(columns_.size())});
   edited_.reset();
@@ -140,8 +161,10 @@ void Recordset::Update() {
   SqliteStatement statement(database, rowID ? kUpdate : kInsert);
   BindPresentRow(statement);
   if (rowID) {
-    statement.Bind(7, *rowID);
-    statement.Bind(8, rows_[position_].Values[ColumnIndex("EventID")]);
+    int parameter = static_cast<int>(kEventColumns.size()) + 1;
+    statement.Bind(parameter++, *rowID);
+    for (const char* column : kEventColumns)
+      statement.Bind(parameter++, rows_[position_].Values[ColumnIndex(column)]);
   }
   RunOnOneRow(database, statement);
   transaction.Commit();

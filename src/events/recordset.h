@@ -13,7 +13,8 @@
 namespace keplo {
 
 /// Rows of the event database, walked forward once. A snapshot is private and needs no connection any more;
-/// a live set changes the table, a row at a time and each change whole or not at all.
+/// a live set changes the table, a row at a time and each change whole or not at all. It reads its rows when
+/// one is first asked for, so that adding to a large table reads nothing.
 class Recordset {
  public:
   /// Takes a snapshot of the rows of a statement and stands on the first one.
@@ -21,7 +22,8 @@ class Recordset {
   void Open(std::string_view sql, const Connection& connection);
 
   /// Opens a live set and stands on its first row. The connection must outlive the set's use.
-  /// @throws Failure for a closed connection or a table that cannot be read
+  /// @throws Failure for a closed connection or a missing table; one that cannot be read is told by the first
+  ///         operation on a row
   void Open(const EventQuery& query, const Connection& connection);
 
   /// @return true behind the last row and for an empty set
@@ -46,11 +48,11 @@ class Recordset {
   /// Starts a new row at the end of the set, all null, and stands on it.
   void AddNew();
   /// Writes the present row to the table.
-  /// @throws Failure if another program changed or deleted the row meanwhile, or if the table cannot be
-  /// written
+  /// @throws Failure if another program changed or deleted the row since it was read, or if the table cannot
+  ///         be written or already holds the EventID
   void Update();
   /// Deletes the present row from the table; the set stands on the next one.
-  /// @throws Failure as Update does
+  /// @throws Failure if another program deleted the row since it was read, or if the table cannot be written
   void Delete();
 
  private:
@@ -59,7 +61,9 @@ class Recordset {
     std::vector<SqlValue> Values;
   };
 
-  void Read(SqliteStatement& statement, const Connection* live);
+  void Start(SqliteStatement statement, const Connection* live);
+  void ReadRows() const;
+  Row ReadRow() const;
   void RequireOpen() const;
   const Row& PresentRow() const;
   sqlite3* LiveDatabase() const;
@@ -71,7 +75,8 @@ class Recordset {
   bool open_ = false;
   const Connection* connection_ = nullptr;  // of a live set
   std::vector<std::string> columns_;
-  std::vector<Row> rows_;
+  mutable std::optional<SqliteStatement> unread_;  // gives the rows that nobody has asked for yet
+  mutable std::vector<Row> rows_;
   std::size_t position_ = 0;
   std::optional<std::vector<SqlValue>> edited_;  // the present row's values for Update to write
 };

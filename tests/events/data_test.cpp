@@ -120,6 +120,20 @@ TEST(Recordset, ChangesTheTableRowByRow) {
             (Lines{"1|Power||NEC&POWER|on|0", "2|Silence|Mute|NEC&MUTE|off|3", "|New|||on|1"}));
 }
 
+TEST(Recordset, AddsWithoutReadingTheTable) {
+  const EventFolder folder(kTwoEvents);
+  tests::EventMap map(folder);
+  int rowsRead = 0;
+  ASSERT_EQ(map.Database.CheckConnection(), 1);
+  sqlite3_trace_v2(
+      map.Database.Connection().Database(), SQLITE_TRACE_ROW,
+      [](unsigned, void* count, void*, void*) { return ++*static_cast<int*>(count); }, &rowsRead);
+  EXPECT_TRUE(map.Events.Add(tests::Event("3")));
+  EXPECT_EQ(rowsRead, 0);
+  EXPECT_EQ(map.Answer("select count(*) as events from colclsKeploEvents order by events"), "3");
+  EXPECT_EQ(rowsRead, 1);
+}
+
 TEST(Recordset, RefusesWhatHasNoRowOrNoLiveTable) {
   const EventFolder folder(kTwoEvents);
   Connection connection;
@@ -149,6 +163,7 @@ TEST(Recordset, LeavesARowThatAnotherProgramReplaced) {
   other.Open(folder.Database());
   Recordset rows;
   rows.Open(EventWithID("2"), mine);
+  ASSERT_FALSE(rows.Eof());
   // The new event takes over the rowid of the deleted one.
   other.Execute(
       "delete from colclsKeploEvents where EventID = '2';"
@@ -156,7 +171,12 @@ TEST(Recordset, LeavesARowThatAnotherProgramReplaced) {
   rows.SetFieldValue("EventName", "Silence");
   EXPECT_EQ(NumberOfFailure([&] { rows.Update(); }), kRowGone);
   EXPECT_EQ(NumberOfFailure([&] { rows.Delete(); }), kRowGone);
-  EXPECT_EQ(tests::StoredEvents(folder), (Lines{"1|Power||NEC&POWER|on|0", "7|Other|||on|0"}));
+
+  rows.Open(EventWithID("1"), mine);
+  rows.SetFieldValue("EventName", "Silence");
+  other.Execute("update colclsKeploEvents set Zone = 5 where EventID = '1'");
+  EXPECT_EQ(NumberOfFailure([&] { rows.Update(); }), kRowGone);
+  EXPECT_EQ(tests::StoredEvents(folder), (Lines{"1|Power||NEC&POWER|on|5", "7|Other|||on|0"}));
 }
 
 }  // namespace
