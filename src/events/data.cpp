@@ -4,6 +4,7 @@
 #include <ctime>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "events/error_record.h"
 #include "events/event_schema.h"
@@ -39,8 +40,8 @@ std::int32_t Data::CheckConnection() try {
   if (connection_.ConnectionString().empty()) return Initialise();
   connection_.Open();
   return 1;
-} catch (const std::exception& failure) {
-  Keep(failure, "CheckConnection", "");
+} catch (...) {
+  Keep("CheckConnection", "");
   return 0;
 }
 
@@ -48,8 +49,8 @@ std::int32_t Data::ExecuteSQLCommand(std::string_view sql) try {
   CheckConnection();
   connection_.Execute(std::string(sql));
   return 1;
-} catch (const std::exception& failure) {
-  Keep(failure, "ExecuteSQLCommand", sql);
+} catch (...) {
+  Keep("ExecuteSQLCommand", sql);
   return 0;
 }
 
@@ -58,30 +59,34 @@ std::int32_t Data::ExecuteSQL(std::string_view sql, Recordset& rs) try {
   rs = Recordset();
   rs.Open(sql, connection_);
   return 1;
-} catch (const std::exception& failure) {
-  Keep(failure, "ExecuteSQL", sql);
+} catch (...) {
+  Keep("ExecuteSQL", sql);
   return 0;
 }
 
 std::int32_t Data::Initialise() try {
   connection_.Open(databasePath_.string());
   return 1;
-} catch (const std::exception& failure) {
-  Keep(failure, "Initialise", connection_.ConnectionString());
+} catch (...) {
+  Keep("Initialise", connection_.ConnectionString());
   return 0;
 }
 
 std::int32_t Data::CloseConnection() try {
   if (connection_.State() == 1) connection_.Close();
   return 1;
-} catch (const std::exception& failure) {
-  Keep(failure, "CloseConnection", "");
+} catch (...) {
+  Keep("CloseConnection", "");
   return 0;
 }
 
-void Data::Keep(const std::exception& failure, std::string_view procedure, std::string_view detail) {
-  errorDetails_ = ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));
-  errorDetails_.ErrorDetail = detail;
+void Data::Keep(std::string_view procedure, std::string_view detail) noexcept {
+  TellPresentFailure([&](const std::exception& failure) {
+    HostErrorRecord record =
+        ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));
+    record.ErrorDetail = detail;
+    errorDetails_ = std::move(record);
+  });
 }
 
 }  // namespace keplo

@@ -40,7 +40,8 @@ class Data {
   std::int32_t CloseConnection();
 
  private:
-  void Keep(const std::exception& failure, std::string_view procedure, std::string_view detail);
+  /// Keeps the record of the exception that is being handled.
+  void Keep(std::string_view procedure, std::string_view detail) noexcept;
 
   std::filesystem::path databasePath_;
   const ui::Clock& clock_;
