@@ -38,8 +38,8 @@ template <typename Body>
 bool colclsKeploEvents::Reporting(const char* operation, Body body) {
   try {
     return body();
-  } catch (const std::exception& failure) {
-    Report(operation, failure);
+  } catch (...) {
+    TellPresentFailure([&](const std::exception& failure) { Report(operation, failure); });
     return false;
   }
 }
@@ -49,13 +49,8 @@ void colclsKeploEvents::Report(const char* operation, const std::exception& fail
       ErrorRecordOf(failure, "colclsKeploEvents", std::string("colclsKeploEvents") + operation,
                     ui::RecordDate(clock_.Now())));
   errorRecord_ = record;
-  if (!TriggerInputErrorCondition) return;
-  try {
-    bool stopping = false;
-    TriggerInputErrorCondition(*record, stopping);
-  } catch (const std::exception&) {
-    // The host's error handler failed too, so nobody is left to tell; the record is kept.
-  }
+  bool stopping = false;
+  if (TriggerInputErrorCondition) TriggerInputErrorCondition(*record, stopping);
 }
 
 std::shared_ptr<clsKeploEvent> colclsKeploEvents::Item(std::int32_t index) const {
@@ -89,13 +84,21 @@ bool colclsKeploEvents::Initialise(ui::ListView& list) {
     list_ = &list;
     Recordset rows;
     if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
-    for (; !rows.Eof(); rows.MoveNext()) {
-      const auto event = EventOfRow(rows);
-      events_.Add(EventKey(event->EventID), event);
-      AddEventMapToListView(kStoreNew, *event);
-    }
+    for (; !rows.Eof(); rows.MoveNext()) Load(EventOfRow(rows));
     return true;
   });
+}
+
+void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
+  try {
+    events_.Add(EventKey(event->EventID), event);
+  } catch (const Failure&) {
+    // Tables of earlier releases have no key on EventID. One repeated row must not keep the others from the
+    // user.
+    TellPresentFailure([&](const std::exception& failure) { Report(".Initialise", failure); });
+    return;
+  }
+  AddEventMapToListView(kStoreNew, *event);
 }
 
 bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event) {
@@ -127,7 +130,8 @@ bool colclsKeploEvents::Delete(std::string_view eventID) {
     if (data_.CheckConnection() != 1) return false;
     Recordset rows;
     rows.Open(EventWithID(eventID), data_.Connection());
-    rows.Delete();
+    do rows.Delete();
+    while (!rows.Eof());
     events_.Remove(EventKey(eventID));
     return true;
   });

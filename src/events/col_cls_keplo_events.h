@@ -38,7 +38,8 @@ class colclsKeploEvents {
   bool Update(const std::shared_ptr<clsKeploEvent>& objNewMember) {
     return Save(kStoreExisting, objNewMember);
   }
-  /// Save for a new event.
+  /// Save for a new event. The table refuses an EventID that it already holds. A table of an earlier release,
+  /// which has no key on EventID, takes the row; the collection refuses it and keeps the first event.
   bool Add(const std::shared_ptr<clsKeploEvent>& objNewMember) { return Save(kStoreNew, objNewMember); }
 
   /// @param key as EventKey makes it
@@ -62,9 +63,9 @@ class colclsKeploEvents {
 
   /// Loads the event table into the collection and the list.
   /// @param list the event list; must outlive this object
+  /// A row that repeats an EventID is reported and left out.
   /// @return false if the table cannot be read, which Data tells, or if a row cannot be used, which is
-  /// reported;
-  ///         the rows ahead of that one stay loaded
+  ///         reported; the rows ahead of that one stay loaded
   bool Initialise(ui::ListView& list);
 
   /// Writes an event to the database and puts it at the end of the collection.
@@ -72,7 +73,8 @@ class colclsKeploEvents {
   /// @return false without a report if the database cannot be opened, which Data tells
   bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);
 
-  /// Deletes an event from the database and the collection; its row in the list stays.
+  /// Deletes an event from the database, with every row that repeats its EventID, and from the collection;
+  /// its row in the list stays.
   bool Delete(std::string_view eventID);
 
   /// Takes an event out of the collection alone.
@@ -86,6 +88,7 @@ class colclsKeploEvents {
   template <typename Body>
   bool Reporting(const char* operation, Body body);
   void Report(const char* operation, const std::exception& failure);
+  void Load(const std::shared_ptr<clsKeploEvent>& event);
   void Write(std::int32_t mode, const clsKeploEvent& event);
 
   Data& data_;

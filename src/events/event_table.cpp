@@ -25,10 +25,10 @@ namespace {
 
 constexpr mode_t kFileMode = 0644;  // the learning tool of another user may read the map
 
-// EventID carries no key, so a file that a host has filled with equal IDs stays readable.
+// The key keeps two programs from adding one ID. Files of earlier releases lack it and stay in use.
 constexpr const char* kCreateTable =
     "create table colclsKeploEvents ("
-    " EventID text not null,"
+    " EventID text not null unique,"
     " EventName text not null,"
     " EventDescription text not null,"
     " IRCommand text not null,"

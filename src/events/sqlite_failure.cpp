@@ -20,6 +20,11 @@ struct Explanation {
 
 // Extended codes stand ahead of the primary code that they belong to.
 constexpr Explanation kExplanations[] = {
+    {SQLITE_CONSTRAINT_UNIQUE, "already holds an event with this EventID",
+     "Every event needs an EventID of its own. Start the program again if another one added it."},
+    {SQLITE_CONSTRAINT, "does not take these values", "Give every column of the event a value."},
+    {SQLITE_TOOBIG, "takes no texts this long", "Shorten the texts of the event."},
+    {SQLITE_NOMEM, "cannot be used, because the memory is full", "Close other programs, then try again."},
     {SQLITE_READONLY_DBMOVED, "was moved or deleted while it was open", "Start the program again."},
     {SQLITE_READONLY, "cannot be changed",
      "Give this user the right to write to the file and to its folder."},

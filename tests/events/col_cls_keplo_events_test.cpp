@@ -1,6 +1,7 @@
 #include "events/col_cls_keplo_events.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
@@ -19,6 +20,11 @@ std::string Report(const std::string& operation, int number) {
   return "colclsKeploEvents|colclsKeploEvents." + operation + "|" + std::to_string(number) +
          "|07-Nov-2002 16:31:11|";
 }
+
+// As an earlier release made it.
+constexpr const char* kKeylessTable =
+    "drop table colclsKeploEvents; create table colclsKeploEvents (EventID text, EventName text,"
+    " EventDescription text, IRCommand text, Enabled boolean, Zone smallint);";
 
 Lines Row(const ui::ListView& list, int row) {
   Lines texts;
@@ -89,19 +95,46 @@ TEST(EventCollection, ReportsAChangeOfAnUnknownEvent) {
   EXPECT_EQ(StoredEvents(folder), map.Members());
 }
 
-TEST(EventCollection, WritesASecondEventOfOneIDToTheTableAlone) {
+TEST(EventCollection, RefusesASecondEventOfOneIDWhoeverAddedTheFirst) {
   const EventFolder folder;
-  EventMap map(folder), next(folder);
+  EventMap map(folder), other(folder);
+  ASSERT_TRUE(map.Load() && other.Load());
   map.Events.Add(Event("1"));
-  EXPECT_FALSE(map.Events.Add(Event("1", "Second")));
-  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("Save", kKeyTaken)});
-  EXPECT_EQ(map.Events.count(), 1);
+  for (EventMap* late : {&map, &other}) {
+    EXPECT_FALSE(late->Events.Add(Event("1", "Second")));
+    EXPECT_EQ(ShownAll(late->Errors), Lines{Report("Save", SqliteFailureNumber(SQLITE_CONSTRAINT_UNIQUE))});
+    EXPECT_NE(late->Errors[0].ErrorDescription.find("already holds an event with this EventID"),
+              std::string::npos);
+  }
+  EXPECT_EQ(other.Events.count(), 0);
+  EXPECT_EQ(StoredEvents(folder), map.Members());
+}
 
-  EXPECT_FALSE(next.Load());
-  EXPECT_EQ(ShownAll(next.Errors), Lines{Report("Initialise", kKeyTaken)});
-  EXPECT_EQ(next.List.Count(), 1);
-  EXPECT_TRUE(next.Events.Delete("1"));  // the first of the two
-  EXPECT_EQ(StoredEvents(folder), Lines{"1|Second||NEC&POWER|on|3"});
+TEST(EventCollection, LoadsTheFirstEventOfARepeatedIDAndAllOthers) {
+  const EventFolder folder(std::string(kKeylessTable) +
+                           "insert into colclsKeploEvents values ('1', 'n', 'd', 'c', 1, 0),"
+                           " ('1', 'n2', 'd', 'c', 1, 0), ('2', 'n', 'd', 'c', 1, 0)");
+  EventMap map(folder);
+  EXPECT_TRUE(map.Load());
+  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("Initialise", kKeyTaken)});
+  EXPECT_EQ(map.Members(), (Lines{"1|n|d|c|on|0", "2|n|d|c|on|0"}));
+  EXPECT_EQ(map.List.Count(), 2);
+
+  EXPECT_FALSE(map.Events.Add(Event("2", "Second")));  // the table takes it, the collection does not
+  EXPECT_EQ(map.Errors.back().ErrorNumber, kKeyTaken);
+  EXPECT_EQ(map.Answer("select count(*) as events from colclsKeploEvents order by events"), "4");
+  EXPECT_TRUE(map.Events.Delete("1"));
+  EXPECT_TRUE(map.Events.Delete("2"));
+  EXPECT_TRUE(StoredEvents(folder).empty());
+}
+
+TEST(EventCollection, RefusesATextThatIsTooLong) {
+  const EventFolder folder;
+  EventMap map(folder);
+  EXPECT_FALSE(map.Events.Add(Event("1", std::string(2'000'000, 'x'))));
+  ASSERT_EQ(ShownAll(map.Errors), Lines{Report("Save", SqliteFailureNumber(SQLITE_TOOBIG))});
+  EXPECT_NE(map.Errors[0].ErrorDescription.find("takes no texts this long"), std::string::npos);
+  EXPECT_TRUE(map.Events.Add(Event("1")));
 }
 
 TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
@@ -123,8 +156,7 @@ TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
   };
   for (const Case& bad : cases) {
     const EventFolder folder(
-        "drop table colclsKeploEvents; create table colclsKeploEvents (EventID text, EventName text,"
-        " EventDescription text, IRCommand text, Enabled boolean, Zone smallint);"
+        std::string(kKeylessTable) +
         "insert into colclsKeploEvents values ('0', 'n', 'd', 'c', 1, 32767), ('1', 'n', 'd', 'c', 1, "
         "-32768), " +
         std::string(bad.BadRow) + ", ('3', 'n', 'd', 'c', 1, 0)");
@@ -181,6 +213,27 @@ TEST(EventCollection, RaisesAnEventForEachMember) {
   EXPECT_FALSE(map.Events.TriggerEvent());
   EXPECT_EQ(ShownAll(map.Errors), Lines{Report("TriggerEvent", 5)});
   EXPECT_EQ(map.Errors[0].ErrorDescription, "the host is out");
+  map.Events.TriggerInputEvent = [](HostInputEvent&) { throw 7; };
+  EXPECT_FALSE(map.Events.TriggerEvent());
+  EXPECT_EQ(map.Errors[1].ErrorDescription, "A failure of an unknown kind");
+}
+
+TEST(EventCollection, KeepsARecordOfEachFailureWhateverTheHostDoes) {
+  const EventFolder folder;
+  EventMap map(folder);
+  EXPECT_EQ(map.Events.ErrorRecord(), nullptr);
+  EXPECT_FALSE(map.Events.Update(Event("1")));
+  const auto first = map.Events.ErrorRecord();
+  ASSERT_NE(first, nullptr);
+
+  const std::vector<std::function<void()>> falls = {[] { throw std::runtime_error("the host is out"); },
+                                                    [] { throw 7; }};
+  for (const auto& fall : falls) {
+    map.Events.TriggerInputErrorCondition = [&](HostErrorRecord&, bool&) { fall(); };
+    EXPECT_FALSE(map.Events.Delete("1"));
+    EXPECT_EQ(map.Events.ErrorRecord()->ErrorProcedure, "colclsKeploEvents.Delete");
+    EXPECT_EQ(first->ErrorProcedure, "colclsKeploEvents.Save");
+  }
 }
 
 TEST(EventCollection, ReportsARowThatTheListRefuses) {

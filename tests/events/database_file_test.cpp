@@ -53,7 +53,7 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
       EventFolder("insert into colclsKeploEvents values ('1', 'Power', '', '', 1, 0)").Read(kDatabaseFile);
   std::string foreign = good, scratched = good;
   foreign.replace(68, 4, "\0\0\0\0"s);  // the application_id
-  scratched.replace(good.size() / 2, 100, std::string(100, '\xAB'));
+  scratched.replace(4096, 100, std::string(100, '\xAB'));  // the second page begins there
   struct Case {
     std::string Bytes;
     int Number;
