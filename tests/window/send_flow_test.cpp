@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include "signal/sample_bits.h"
+#include "window/window_fixture.h"
+
+namespace keplo::tests {
+namespace {
+
+class SendFlow : public WindowTest {
+ protected:
+  void SetUp() override { Open(Config(Protocol("Mine", {"G1010010110100101,PLAY"}))); }
+
+  bool Sends() {
+    line_.Sent.clear();
+    form_->SendButton.Click();
+    return !line_.Sent.empty();
+  }
+};
+
+TEST_F(SendFlow, AStoredCommandIsSentBetweenTwoBeepsAndDrawn) {
+  form_->SendButton.Click();
+  EXPECT_EQ(line_.Calls, (Texts{"DTR 0", "RTS -1", "SpeakBeep 5000 50", "IRSend 54 pulse 560 interface 0",
+                                "SpeakBeep 2000 50"}));
+  // Sync 1100, then 1000 for a 1 and 10 for a 0.
+  EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 16), "1100100010100010");
+  EXPECT_EQ(form_->Rpt.Text() + form_->GType.Text() + form_->GProt.Text(), "N2NEC");
+  EXPECT_EQ(form_->IRCommand.Text() + " " + form_->BitNr.Text(), "Mine / PLAY 16");
+  // Ten samples a slot.
+  EXPECT_EQ(mod_->Signal.SampleBits.substr(0, 41), std::string(20, '1') + std::string(20, '0') + "1");
+  EXPECT_EQ(form_->HScroll1.Value(), 15);
+  EXPECT_TRUE(form_->SendButton.Enabled());
+}
+
+TEST_F(SendFlow, TheSmallWindowDrawsNothing) {
+  form_->MinButton.Click();
+  ASSERT_TRUE(Sends());
+  EXPECT_TRUE(form_->Surface.Points().empty());
+}
+
+TEST_F(SendFlow, OnlyDigitsOfACodeAreSent) {
+  const std::string binary = "Error entering code: Please use only 1's and 0's for the code";
+  const std::vector<std::tuple<const char*, bool, Texts>> codes = {
+      {"", false, {}},      {"   ", false, {}},          {"G1010", false, {}},       {"G10101", true, {}},
+      {"X10101", true, {}}, {"G10a01", false, {binary}}, {"G1010 ", false, {binary}}};
+  for (const auto& [code, sends, shown] : codes) {
+    form_->CodeStr.SetText(code);
+    EXPECT_EQ(Sends(), sends) << code;
+    EXPECT_EQ(boxes_.TakeShown(), shown) << code;
+  }
+}
+
+TEST_F(SendFlow, TheParametersOfTheProtocolAreShown) {
+  form_->GType.SetText("?");
+  const std::vector<std::tuple<int, int, std::string>> shown = {
+      {0, 0, "N0"}, {40, 1, "Y1"}, {40, 5, "Y1"}, {0, 11, "N2"}};
+  for (const auto& [repeat, gRepeat, fields] : shown) {
+    mod_->ProtocolParams.REPEAT = static_cast<std::int16_t>(repeat);
+    mod_->ProtocolParams.GREPEAT = static_cast<std::int16_t>(gRepeat);
+    form_->SendButton.Click();
+    EXPECT_EQ(form_->Rpt.Text() + form_->GType.Text(), fields) << repeat << " " << gRepeat;
+  }
+}
+
+TEST_F(SendFlow, ARecordingIsSentAsItWasMeasured) {
+  form_->Protocol.SelectText("Recorded");
+  EXPECT_FALSE(Sends());
+  EXPECT_EQ(boxes_.TakeShown(), Texts{"Information about received command is not complete!"});
+
+  Record(Rc5Runs("11100101001100"));
+  ASSERT_TRUE(Sends());
+  const ProtocolParams& params = mod_->ProtocolParams;
+  EXPECT_EQ(std::to_string(params.REPEAT) + " " + std::to_string(params.GREPEAT), "50 0");
+  // The first transmission carries the toggle digit 1, the second 0; the screen keeps its 0.
+  EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 28), "0101011010011001101001011010");
+  EXPECT_TRUE(Sends());
+  EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 6), "010110");
+  EXPECT_EQ(form_->CodeStr.Text(), "G11000101001100");
+
+  mod_->Signal.Measured.ProtoKind = kUnknown;
+  EXPECT_FALSE(Sends());
+  EXPECT_EQ(boxes_.TakeShown(), Texts{"You must first manually define a new protocol if UNKNOWN."});
+}
+
+TEST_F(SendFlow, ASilentZoneKeepsTheCommandBack) {
+  form_->VexilCheckbox.SetChecked(true);
+  form_->Zone.Select(2);
+  line_.Answers = {'\x1A'};  // of zone 3: 1 01 1 010 without its first digit
+  EXPECT_TRUE(Sends());
+  EXPECT_EQ(form_->ZoneNr.Text(), "3");
+  EXPECT_FALSE(Sends());
+  EXPECT_EQ(form_->ZoneNr.Text(), "?");
+}
+
+TEST_F(SendFlow, TheLoopSendsUntilRecordOrSendStopsIt) {
+  const auto tickSends = [this] {
+    line_.Sent.clear();
+    form_->Timer1.Tick();
+    return !line_.Sent.empty();
+  };
+  EXPECT_EQ(form_->Timer1.Interval, 1000);
+  EXPECT_FALSE(tickSends());
+  form_->TestCheck.SetChecked(true);
+  EXPECT_TRUE(tickSends());
+  EXPECT_TRUE(tickSends());
+
+  form_->RecButton.Click();
+  form_->CodeStr.SetText("G1010010110100101");
+  EXPECT_FALSE(tickSends());
+  form_->TestCheck.SetChecked(false);
+  EXPECT_FALSE(tickSends());
+  form_->TestCheck.SetChecked(true);
+  EXPECT_TRUE(tickSends());
+  form_->SendButton.Click();
+  EXPECT_FALSE(tickSends());
+}
+
+}  // namespace
+}  // namespace keplo::tests
