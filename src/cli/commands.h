@@ -15,6 +15,10 @@ void AddMonitorCommand(CLI::App& app, int& status);
 void AddEventsCommand(CLI::App& app, int& status);
 void AddCommandsCommand(CLI::App& app, int& status);
 void AddLookupCommand(CLI::App& app, int& status);
+void AddRecordCommand(CLI::App& app, int& status);
+void AddLearnCommand(CLI::App& app, int& status);
+void AddForgetCommand(CLI::App& app, int& status);
+void AddSendCommand(CLI::App& app, int& status);
 void AddInstallCommand(CLI::App& app, int& status);
 void AddSynthCommand(CLI::App& app, int& status);
 

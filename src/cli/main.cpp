@@ -1,11 +1,31 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "cli/commands.h"
 #include "keplo_mod.h"
 
 namespace {
+
+/// The command of that name below another one; none if there is no such.
+const CLI::App* FindCommand(const CLI::App& app, const std::string& word) {
+  const auto commands = app.get_subcommands([](const CLI::App* command) { return command != nullptr; });
+  const auto found = std::find_if(commands.begin(), commands.end(),
+                                  [&](const CLI::App* command) { return command->get_name() == word; });
+  return found == commands.end() ? nullptr : *found;
+}
+
+/// The first word that stands where a command should and names none; empty if there is no such.
+std::string UnknownCommand(const CLI::App& app, int argc, char** argv) {
+  const CLI::App* command = &app;
+  for (int i = 1; i < argc && argv[i][0] != '-' && command->get_require_subcommand_min() > 0; ++i) {
+    command = FindCommand(*command, argv[i]);
+    if (command == nullptr) return argv[i];
+  }
+  return {};
+}
 
 int RunKeplo(int argc, char** argv) {
   using namespace keplo::cli;
@@ -20,10 +40,14 @@ int RunKeplo(int argc, char** argv) {
   AddEventsCommand(app, status);
   AddCommandsCommand(app, status);
   AddLookupCommand(app, status);
+  AddRecordCommand(app, status);
+  AddLearnCommand(app, status);
+  AddForgetCommand(app, status);
+  AddSendCommand(app, status);
   AddInstallCommand(app, status);
   AddSynthCommand(app, status);
-  if (argc > 1 && argv[1][0] != '-' && app.get_subcommand_no_throw(argv[1]) == nullptr) {
-    std::cerr << "keplo: there is no command " << argv[1] << "; keplo --help lists those that are\n";
+  if (const std::string word = UnknownCommand(app, argc, argv); !word.empty()) {
+    std::cerr << "keplo: there is no command '" << word << "'; --help lists those that are\n";
     return kWrongUse;
   }
   try {
@@ -38,7 +62,10 @@ int RunKeplo(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return RunKeplo(argc, argv);
+    const int status = RunKeplo(argc, argv);
+    if (std::cout.flush()) return status;
+    std::cerr << "keplo: the output cannot be written; is the disk full, or the reader gone?\n";
+    return keplo::cli::kWrongUse;
   } catch (const std::exception& error) {
     std::cerr << "keplo: " << error.what() << '\n';
     return keplo::cli::kWrongUse;

@@ -1,10 +1,10 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "cli/commands.h"
+#include "cli/write_file.h"
 #include "formats/pulse_text.h"
 #include "line/sample_presses.h"
 #include "line/synth.h"
@@ -21,13 +21,6 @@ struct SynthChoice {
   bool OneLine = false;
   SynthOptions Options;
 };
-
-void WriteFile(const std::filesystem::path& path, const std::string& content) {
-  std::ofstream file(path, std::ios::binary);
-  file << content << std::flush;
-  if (!file)
-    throw Failure(1, "Cannot write " + path.string() + ". Check that its folder is there and not full.");
-}
 
 int WriteSamples(const std::filesystem::path& folder) {
   for (const SamplePress& press : SamplePresses()) WriteFile(folder / press.File, press.Text());

@@ -1,0 +1,45 @@
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/open_map.h"
+#include "config/learn.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct ForgetOptions {
+  std::string Protocol, Name, AppPath;
+};
+
+int Forget(const ForgetOptions& options) {
+  OpenConfig config(options.AppPath);
+  std::string refusal;
+  try {
+    refusal = RefusalText(DeleteCommand(config.Mod.Store, options.Protocol, options.Name));
+  } catch (const Failure& failure) {
+    refusal = failure.what();
+  }
+  if (!refusal.empty()) {
+    std::cerr << "keplo: " << refusal << '\n';
+    return kNoResult;
+  }
+  std::cout << options.Protocol << '&' << options.Name << " forgotten\n";
+  return kDone;
+}
+
+}  // namespace
+
+void AddForgetCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("forget", "Delete a learned command");
+  const auto options = std::make_shared<ForgetOptions>();
+  command->add_option("PROTOCOL", options->Protocol, "Section of keplo.cfg")->required();
+  command->add_option("COMMAND", options->Name, "Name of the command")->required();
+  AddAppPathOption(*command, options->AppPath);
+  command->callback([options, &status] { status = Forget(*options); });
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,95 @@
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/line_options.h"
+#include "cli/open_map.h"
+#include "cli/record_notes.h"
+#include "config/learn.h"
+#include "config/lookup.h"
+#include "formats/recording.h"
+#include "line/press_capture.h"
+#include "signal/record_road.h"
+#include "window/validation.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct LearnOptions {
+  std::vector<std::string> Files;
+  std::string Protocol, Name, AppPath;
+  LineOptions Line;
+};
+
+/// The last press of some recordings, and what all of them say of it.
+struct Lesson {
+  RecordReading Last;
+  keplo::Validation Validation;
+  bool Known = false;
+};
+
+Lesson ReadPresses(const LearnOptions& options, CfgStore& store) {
+  Lesson lesson;
+  for (const std::string& file : options.Files) {
+    for (const Press& press : LoadRecording(file).Presses) {
+      SignalState state;
+      lesson.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state);
+      if (lesson.Last.Ended != RecordStage::Code) continue;
+      lesson.Known = LookupCommand(store, lesson.Last.Code, lesson.Last.ProtoKind);
+      Validate(lesson.Validation, lesson.Last.Code, lesson.Last.Repeats, lesson.Known);
+    }
+  }
+  return lesson;
+}
+
+LearnResult Store(const LearnOptions& options, const Lesson& lesson, CfgStore& store) {
+  LearnResult refused = CheckProtocol(options.Protocol);
+  if (!refused.Done()) return refused;
+  // A known code needs no second press; the checks name the command that has it.
+  if (!lesson.Validation.CmdValidated && !lesson.Known) return {Refusal::NotValidated, {}};
+  return AddCommand(store, options.Protocol, "G" + lesson.Last.Code, options.Name);
+}
+
+int Refuse(const std::string& text) {
+  std::cerr << "keplo: " << text << '\n';
+  return kNoResult;
+}
+
+int Learn(const LearnOptions& options) {
+  OpenConfig config(options.AppPath);
+  const Lesson lesson = ReadPresses(options, config.Mod.Store);
+  if (lesson.Last.Ended != RecordStage::Code) return Refuse("no code: " + WhyNoCode(lesson.Last));
+  try {
+    const LearnResult result = Store(options, lesson, config.Mod.Store);
+    if (result.Refused == Refusal::NotValidated) {
+      return Refuse(RefusalText(result) +
+                    "\nkeplo: the last press has a single frame; give recordings of two equal presses");
+    }
+    if (!result.Done()) return Refuse(RefusalText(result));
+  } catch (const Failure& failure) {
+    return Refuse(failure.what());
+  }
+  std::cout << options.Protocol << '&' << options.Name << " learned: G" << lesson.Last.Code << '\n';
+  return kDone;
+}
+
+}  // namespace
+
+void AddLearnCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("learn", "Store the code of recorded key presses as a new command");
+  const auto options = std::make_shared<LearnOptions>();
+  command->add_option("FILE", options->Files, "Recordings of the key; two presses where it sends one frame")
+      ->required();
+  command->add_option("--protocol", options->Protocol, "Section of keplo.cfg that takes the command")
+      ->required();
+  command->add_option("--name", options->Name, "Name of the command: letters, digits, - and _")->required();
+  AddAppPathOption(*command, options->AppPath);
+  AddLineOptions(*command, options->Line);
+  command->callback([options, &status] { status = Learn(*options); });
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,147 @@
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/json_line.h"
+#include "cli/line_options.h"
+#include "cli/open_map.h"
+#include "cli/record_notes.h"
+#include "config/lookup.h"
+#include "formats/recording.h"
+#include "line/press_capture.h"
+#include "signal/record_road.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct RecordOptions {
+  std::vector<std::string> Files;
+  std::string AppPath;
+  bool Json = false;
+  LineOptions Line;
+};
+
+/// The learned commands, if there are any: without an install nothing is known, but all else can be told.
+std::unique_ptr<OpenConfig> LearnedCommands(const std::string& appPath) {
+  std::error_code ignored;
+  const bool required = !appPath.empty();
+  if (!required && !std::filesystem::exists(ResolveAppPath(appPath) / "keplo.cfg", ignored)) return nullptr;
+  return std::make_unique<OpenConfig>(appPath);
+}
+
+std::string KnownAs(OpenConfig* config, const RecordReading& reading) {
+  if (config == nullptr || reading.Ended != RecordStage::Code) return {};
+  CfgStore& store = config->Mod.Store;
+  if (!LookupCommand(store, reading.Code, reading.ProtoKind)) return {};
+  return store.CurProtocol + "&" + store.CurCommand;
+}
+
+nlohmann::json ToggleJson(char toggle) {
+  if (toggle == '0' || toggle == '1') return toggle - '0';
+  return std::string(1, toggle);
+}
+
+/// A null is where the window shows nothing.
+nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& reading,
+                              const std::string& knownAs) {
+  nlohmann::ordered_json json;
+  json["file"] = file;
+  for (const char* field : {"protocol", "base_t", "pulse_us", "code", "bits", "repeats", "sync_type",
+                            "address", "command", "toggle", "ones", "zeros", "known_as"}) {
+    json[field] = nullptr;
+  }
+  if (reading.Ended < RecordStage::Unknown) return json;
+  json["base_t"] = reading.BaseT;
+  json["pulse_us"] = reading.PulseUs();
+  if (reading.Ended != RecordStage::Fragment) json["protocol"] = ProtoKindName(reading.ProtoKind);
+  if (reading.Ended < RecordStage::Fragment) return json;
+  json["bits"] = reading.Code.size();
+  json["repeats"] = reading.Repeats;
+  if (reading.SyncType) json["sync_type"] = *reading.SyncType;
+  json["ones"] = reading.Runs.Ones;
+  json["zeros"] = reading.Runs.Zeros;
+  if (reading.Ended == RecordStage::Code) json["code"] = reading.Code;
+  if (reading.Values) json["address"] = reading.Values->Address;
+  if (reading.Values) json["command"] = reading.Values->Command;
+  if (reading.Toggle) json["toggle"] = ToggleJson(*reading.Toggle);
+  if (!knownAs.empty()) json["known_as"] = knownAs;
+  return json;
+}
+
+std::string ToText(const RecordReading& reading, const std::string& knownAs) {
+  std::string text;
+  if (reading.Ended >= RecordStage::Unknown) {
+    text += std::string(ProtoKindName(reading.ProtoKind)) + ", base time " + std::to_string(reading.BaseT) +
+            " samples (" + std::to_string(reading.PulseUs()) + " us), ";
+  }
+  if (const std::string reason = WhyNoCode(reading); !reason.empty()) return text + "no code: " + reason;
+  text += "code G" + reading.Code + " (" + std::to_string(reading.Code.size()) + " bits), ";
+  text += reading.Repeats ? "repeats" : "does not repeat";
+  if (reading.SyncType) text += ", sync type " + std::to_string(*reading.SyncType);
+  if (reading.Values) {
+    text += ", address " + std::to_string(reading.Values->Address) + ", command " +
+            std::to_string(reading.Values->Command);
+  }
+  if (reading.Toggle) text += std::string(", toggle ") + *reading.Toggle;
+  return text + (knownAs.empty() ? ", not known" : ", known as " + knownAs);
+}
+
+/// @return whether every press of the recording gave a code
+bool Explain(const Recording& recording, const RecordOptions& options, OpenConfig* config) {
+  bool all = true;
+  int number = 0;
+  for (const Press& press : recording.Presses) {
+    SignalState state;
+    const RecordReading reading =
+        ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state);
+    const std::string knownAs = KnownAs(config, reading);
+    const std::string place = recording.Path + " press " + std::to_string(++number) + ": ";
+    const std::string reason = WhyNoCode(reading);
+    if (options.Json) {
+      std::cout << JsonLine(ToJson(recording.Path, reading, knownAs)) << '\n';
+      if (!reason.empty()) std::cerr << "keplo: " << place << "no code: " << reason << '\n';
+    } else {
+      std::cout << place << ToText(reading, knownAs) << '\n';
+    }
+    all = all && reason.empty();
+  }
+  return all;
+}
+
+int Record(const RecordOptions& options) {
+  const std::unique_ptr<OpenConfig> config = LearnedCommands(options.AppPath);
+  int status = kDone;
+  for (const std::string& file : options.Files) {
+    try {
+      if (!Explain(LoadRecording(file), options, config.get())) status = std::max(status, kNoResult);
+    } catch (const FormatError& failure) {
+      std::cerr << "keplo: " << failure.what() << '\n';
+      status = kWrongUse;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddRecordCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("record", "Explain recorded key presses as the learning window does");
+  const auto options = std::make_shared<RecordOptions>();
+  command
+      ->add_option("FILE", options->Files,
+                   "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
+      ->required();
+  command->add_flag("--json", options->Json, "One JSON object a press");
+  AddAppPathOption(*command, options->AppPath);
+  AddLineOptions(*command, options->Line);
+  command->callback([options, &status] { status = Record(*options); });
+}
+
+}  // namespace keplo::cli
