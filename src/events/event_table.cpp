@@ -1,20 +1,15 @@
 #include "events/event_table.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
-#include <system_error>
 
 #include "events/event_schema.h"
 #include "events/failure_numbers.h"
+#include "events/new_database_file.h"
 #include "events/sqlite_failure.h"
 #include "events/sqlite_handle.h"
 #include "failure.h"
@@ -22,8 +17,6 @@
 namespace keplo {
 
 namespace {
-
-constexpr mode_t kFileMode = 0644;  // the learning tool of another user may read the map
 
 // The key keeps two programs from adding one ID. Files of earlier releases lack it and stay in use.
 constexpr const char* kCreateTable =
@@ -34,17 +27,6 @@ constexpr const char* kCreateTable =
     " IRCommand text not null,"
     " Enabled boolean not null,"
     " Zone smallint not null)";
-
-[[noreturn]] void ThrowFileFailure(const std::filesystem::path& path) {
-  const int number = errno;
-  if (number == EEXIST) {
-    throw Failure(number, DatabaseText(path.string(), "exists already and was left as it is",
-                                       "Move it away first to start with an empty one."));
-  }
-  throw Failure(
-      number, DatabaseText(path.string(), "cannot be made (" + std::generic_category().message(number) + ")",
-                           "Check the folder and the room on its disk."));
-}
 
 /// The bytes of a database file with the empty table.
 std::string EmptyDatabase() {
@@ -65,73 +47,38 @@ std::string EmptyDatabase() {
   return {bytes.get(), bytes.get() + size};
 }
 
-/// A file beside the target, removed again unless it was put into the target's place.
-class NewFile {
- public:
-  explicit NewFile(const std::filesystem::path& target)
-      : target_(target), name_(target.string() + ".XXXXXX"), descriptor_(mkostemp(name_.data(), O_CLOEXEC)) {
-    if (descriptor_ < 0) ThrowFileFailure(target_);
-  }
-  ~NewFile() {
-    close(descriptor_);
-    unlink(name_.c_str());
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
-
-  void Write(const std::string& bytes) const {
-    for (std::size_t done = 0; done < bytes.size();) {
-      const ssize_t written = write(descriptor_, bytes.data() + done, bytes.size() - done);
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) ThrowFileFailure(target_);
-      done += static_cast<std::size_t>(written);
-    }
-    if (fchmod(descriptor_, kFileMode) != 0 || fsync(descriptor_) != 0) ThrowFileFailure(target_);
-  }
-
-  void TakePlace() const {
-    if (renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE) == 0) return;
-    const bool unknownToFileSystem = errno == EINVAL || errno == ENOSYS;
-    if (!unknownToFileSystem || link(name_.c_str(), target_.c_str()) != 0) ThrowFileFailure(target_);
-  }
-
- private:
-  const std::filesystem::path& target_;
-  std::string name_;
-  int descriptor_;
-};
-
-void FlushFolderOf(const std::filesystem::path& path) {
-  const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  fsync(descriptor);  // some file systems refuse it for folders and keep them in order by themselves
-  close(descriptor);
+bool IsThere(const std::string& name) {
+  struct stat status {};
+  return lstat(name.c_str(), &status) == 0;  // a link that leads nowhere counts too
 }
 
-/// A journal whose database was deleted would be played into the new file.
-void RemoveStrayJournal(const std::filesystem::path& path) {
+/// The files beside a database in which SQLite keeps changes that are not in it yet.
+std::string JournalsOf(const std::filesystem::path& path) {
+  std::string found;
   for (const char* ending : {"-journal", "-wal", "-shm"}) {
     const std::string name = path.string() + ending;
-    if (unlink(name.c_str()) != 0 && errno != ENOENT) ThrowFileFailure(path);
+    if (IsThere(name)) found.append(found.empty() ? "" : ", ").append(name);
   }
+  return found;
 }
 
-void RequireAbsent(const std::filesystem::path& path) {
-  if (access(path.c_str(), F_OK) != 0) return;
-  errno = EEXIST;
-  ThrowFileFailure(path);
+/// SQLite would play a journal whose database is gone into the new file; that database may need it.
+void RequireNothingInPlace(const std::filesystem::path& path) {
+  const std::string journals = JournalsOf(path);  // ahead of the file, which another program may make now
+  if (IsThere(path.string())) RefuseToReplace(path);
+  if (journals.empty()) return;
+  throw Failure(EEXIST, DatabaseText(path.string(), "cannot be made beside " + journals,
+                                     "The database that this belongs to is gone: put it back, or move this "
+                                     "to where that database is."));
 }
 
 }  // namespace
 
 void CreateEventTable(const std::filesystem::path& path) {
-  RequireAbsent(path);
-  RemoveStrayJournal(path);
-  const NewFile file(path);
+  RequireNothingInPlace(path);
+  NewDatabaseFile file(path);
   file.Write(EmptyDatabase());
   file.TakePlace();
-  FlushFolderOf(path);
 }
 
 }  // namespace keplo

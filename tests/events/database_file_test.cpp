@@ -52,7 +52,7 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   const std::string good =
       EventFolder("insert into colclsKeploEvents values ('1', 'Power', '', '', 1, 0)").Read(kDatabaseFile);
   std::string foreign = good, scratched = good;
-  foreign.replace(68, 4, "\0\0\0\0"s);  // the application_id
+  foreign.replace(68, 4, "\0\0\0\0"s);                     // the application_id
   scratched.replace(4096, 100, std::string(100, '\xAB'));  // the second page begins there
   struct Case {
     std::string Bytes;
@@ -208,20 +208,6 @@ TEST(DatabaseFile, TakesNoChangeOnceItWasMovedAway) {
   ASSERT_TRUE(map.Load());
   std::filesystem::rename(folder.Database(), folder.Path() / "backup.mdb");
   ExpectNotAdded(map, SQLITE_READONLY, "was moved or deleted while it was open");
-}
-
-TEST(CreateEventTable, MakesAWholeFileOrNothing) {
-  const AppFolder folder;
-  EXPECT_THROW(CreateEventTable(folder.Path() / "missing" / kDatabaseFile), Failure);
-  folder.Write(kDatabaseFile, "a letter");
-  EXPECT_THROW(CreateEventTable(folder.Database()), Failure);
-  EXPECT_EQ(folder.Read(kDatabaseFile), "a letter");
-  EXPECT_EQ(folder.Files(), Lines{kDatabaseFile});
-
-  std::filesystem::remove(folder.Database());
-  folder.Write(std::string(kDatabaseFile) + "-journal", "of the file that is gone");
-  CreateEventTable(folder.Database());
-  EXPECT_EQ(folder.Files(), Lines{kDatabaseFile});
 }
 
 }  // namespace
