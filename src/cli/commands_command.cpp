@@ -29,6 +29,10 @@ int ListLearned(const ConfigOptions& options) {
     }
   }
   if (any) return kDone;
+  if (options.Argument.empty()) {
+    std::cerr << "keplo: " << config.Mod.Store.Path.string() << " has no protocols\n";
+    return kNoResult;
+  }
   std::cerr << "keplo: there is no protocol " << options.Argument
             << " in keplo.cfg; names count in capitals too\n";
   return kNoResult;

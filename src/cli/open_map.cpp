@@ -1,11 +1,21 @@
 #include "cli/open_map.h"
 
+#include <iostream>
+
 #include "cli/app_path.h"
+#include "config/check_config.h"
 
 namespace keplo::cli {
 
 OpenConfig::OpenConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
   LoadConfig(Mod.Store);
+  if (const std::string damage = CheckConfig(Mod.Store); !damage.empty()) {
+    std::cerr << "keplo: " << damage << '\n';
+  }
+}
+
+void OpenConfig::RequireWhole() const {
+  if (!CheckConfig(Mod.Store).empty()) throw Failure(1, "Nothing was changed, since the file is damaged.");
 }
 
 OpenMap::OpenMap(const std::string& appPathOption)

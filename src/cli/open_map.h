@@ -12,7 +12,12 @@ namespace keplo::cli {
 
 /// keplo.cfg of an application path, loaded.
 struct OpenConfig {
+  /// Tells on standard error what is wrong with a damaged file.
   explicit OpenConfig(const std::string& appPathOption);
+
+  /// For commands that write the file back: a save cuts what stands behind the last section header.
+  /// @throws Failure if the file is damaged
+  void RequireWhole() const;
 
   PosixFileSystem Files;
   KeploMod Mod;

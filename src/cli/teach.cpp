@@ -1,6 +1,5 @@
 #include "cli/teach.h"
 
-#include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -9,11 +8,14 @@
 #include "cli/open_map.h"
 #include "config/learn.h"
 #include "config/names.h"
+#include "config/posix_file_system.h"
 #include "signal/decode.h"
 
 namespace keplo::cli {
 
 namespace {
+
+constexpr std::size_t kMostIndexBytes = std::size_t{16} << 20;  // a list of some hundred thousand codes
 
 struct Lesson {
   std::string Protocol, Code, Name;
@@ -38,7 +40,7 @@ std::string ValidName(std::string name) {
   return name;
 }
 
-Lesson ToLesson(const nlohmann::json& entry) {
+Lesson ToLesson(const nlohmann::json& entry, const std::string& place) try {
   Lesson lesson;
   lesson.Protocol = SectionOf(entry.at("protocol").get<std::string>());
   lesson.Code = entry.at("bits").get<std::string>();
@@ -47,21 +49,26 @@ Lesson ToLesson(const nlohmann::json& entry) {
   const std::string device = entry.value("device", std::string());
   lesson.Name = ValidName(device.empty() ? key : device + "-" + key);
   return lesson;
+} catch (const nlohmann::json::exception&) {
+  throw Failure(1, place + " was expected to hold the texts \"protocol\", \"bits\" and \"key\" or \"name\".");
 }
 
-std::vector<Lesson> ReadIndex(const std::string& indexFile) try {
-  std::ifstream file(indexFile);
+std::vector<Lesson> ReadIndex(const std::string& indexFile) {
+  const std::string text = PosixFileSystem().Read(indexFile, kMostIndexBytes);
+  const nlohmann::json index = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
+  if (!index.is_array()) throw Failure(1, indexFile + " was expected to be a JSON array of recordings.");
   std::vector<Lesson> lessons;
-  for (const nlohmann::json& entry : nlohmann::json::parse(file)) lessons.push_back(ToLesson(entry));
+  for (const nlohmann::json& entry : index) {
+    lessons.push_back(ToLesson(entry, indexFile + ", entry " + std::to_string(lessons.size() + 1)));
+  }
   return lessons;
-} catch (const nlohmann::json::exception& error) {
-  throw Failure(1, indexFile + " is no index of recordings: " + error.what());
 }
 
 }  // namespace
 
 int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
   OpenConfig config(appPathOption);
+  config.RequireWhole();
   int learned = 0, refused = 0;
   for (const Lesson& lesson : ReadIndex(indexFile)) {
     const LearnResult result = AddCommand(config.Mod.Store, lesson.Protocol, "G" + lesson.Code, lesson.Name);

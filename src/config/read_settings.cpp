@@ -39,8 +39,9 @@ SettingsReading ReadSettings(const CfgStore& store, Settings& settings) {
   int position = FindNoCase("[General]", store.CfgText, 1);
   if (position == kNowhere) return {"[General]"};
   for (const Key& key : kKeys) {
-    position = FindNoCase(key.Text, store.CfgText, position);
-    if (position == kNowhere) return {key.Text};
+    const int behind = FindNoCase(key.Text, store.CfgText, position);
+    if (behind == kNowhere) return {key.Text, position};
+    position = behind;
     key.Take(GetLineAt(store.CfgText, position), settings);
   }
   return {};

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "config/check_config.h"
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/protocols.h"
@@ -186,6 +187,7 @@ TEST(FirstConfiguration, IsWhole) {
   LoadConfig(store);
   Settings settings;
   EXPECT_TRUE(ReadSettings(store, settings).Complete());
+  EXPECT_EQ(CheckConfig(store), "");
   EXPECT_EQ(ListProtocols(store.CfgText), (Names{"NEC", "SONY", "RC5", "Template"}));
   std::int16_t kind = 0, expected = 0;
   for (const std::string& protocol : ListProtocols(store.CfgText)) {

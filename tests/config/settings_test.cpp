@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "config/check_config.h"
 #include "config/numbers.h"
 #include "config/read_settings.h"
 #include "config/values.h"
@@ -70,6 +71,36 @@ TEST(ReadSettings, StopsAtTheFirstTextThatIsMissing) {
     EXPECT_EQ(ReadSettings(disk.Store, settings).Missing, c.Missing);
     EXPECT_EQ(settings.ComPortNr, c.ComPortNr) << c.Missing;
     EXPECT_EQ(settings.InterfaceType, c.InterfaceType) << c.Missing;
+  }
+}
+
+TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
+  const std::string whole = Config(tests::Protocol("NEC", {"G1010,POWER"}));
+  std::string lfOnly = whole;
+  std::erase(lfOnly, '\r');
+  StoreOnDisk disk(whole);
+  EXPECT_EQ(CheckConfig(disk.Store), "");
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"", "[END] was not found"},
+      {Replaced(whole, "[END]", ""), "[END] was not found"},
+      {Replaced(whole, "[END]", "[End]"), "[END], in capitals, was not found"},
+      {Replaced(whole, "[General]", "[Gen]"), "[General] was not found."},
+      {Replaced(whole, "COMPORT=", "COMPORT"), "COMPORT= was not found behind line 1"},
+      {Replaced(whole, "ITYPE=", "TYPE="), "ITYPE= was not found behind line 4"},
+      {Replaced(whole, "BIT0=", "BIT="), "BIT0= of [NEC] was not found behind line 14"},
+      {Replaced(whole, "[Template]", "(Template)"), ""},
+      {Replaced(whole, "a test", "[a] test"), "GPROTO= of [NEC] was not found behind line 10"},
+      {lfOnly, "line 1 does not end in CR LF"},
+      {Replaced(whole, "ITYPE= 0\r", "ITYPE= 0"), "line 5 does not end in CR LF"},
+      {Replaced(whole, "ITYPE= 0\r\n", "ITYPE= 0\r"), "line 5 does not end in CR LF"},
+      {whole.substr(0, whole.size() - 1), "does not end in CR LF"},
+      {whole.substr(0, whole.size() - 2), ""}};
+  for (const auto& [text, told] : cases) {
+    disk.Store.CfgText = text;
+    const std::string damage = CheckConfig(disk.Store);
+    EXPECT_EQ(damage.empty(), told.empty()) << damage;
+    EXPECT_NE(damage.find(told), std::string::npos) << told << ": " << damage;
+    EXPECT_TRUE(told.empty() || damage.rfind(disk.Store.Path.string() + ": ", 0) == 0) << damage;
   }
 }
 

@@ -102,6 +102,9 @@ TEST(KeploProgram, LearnsAnIndexAndRaisesItsEvents) {
       R"([{"file":"nine.mode2","protocol":"rc5","device":"TV","key":"9 !","bits":"11100001001001"}])");
   ASSERT_EQ(
       RunKeplo("install" + AppPath(home) + " --teach" + Quoted(recordings.Path() / "index.json")).Status, 0);
+  const Ran unreadable = RunKeplo("install --teach /proc/self/mem" + AppPath(home));
+  EXPECT_EQ(unreadable.Status, 2);
+  EXPECT_NE(unreadable.Err.find("/proc/self/mem: Input/output error"), std::string::npos) << unreadable.Err;
   ASSERT_EQ(RunKeplo("events add 'RC5&TV-9__' --id O\\'Hara --name 'Nine <b>'" + AppPath(home)).Status, 0);
   const Ran ran = RunKeplo("monitor --once --json" + AppPath(home) + " --replay" +
                            Quoted(recordings.Path() / "nine.mode2"));
@@ -152,6 +155,26 @@ TEST(KeploProgram, TellsWhatIsWrongAndWhatToDo) {
     EXPECT_EQ(ran.Out, "") << c.Words;
     for (const std::string& told : c.Told)
       EXPECT_NE(ran.Err.find(told), std::string::npos) << c.Words << ": " << ran.Err;
+  }
+}
+
+TEST(KeploProgram, TellsWhatADamagedConfigurationLacks) {
+  const TempFolder home;
+  ASSERT_EQ(RunKeplo("install" + AppPath(home)).Status, 0);
+  const std::string whole = home.Read("keplo.cfg");
+  struct Case {
+    std::string Lost;
+    int Status;
+    std::string Told;
+  };
+  for (const Case& c : {Case{"[General]", 1, "[General] was not found"},
+                        Case{"ITYPE=", 0, "ITYPE= was not found behind line 4"},
+                        Case{"[END]", 0, "[END] was not found"}, Case{"\r", 0, "line 1 does not end"}}) {
+    home.Write("keplo.cfg", std::string(whole).erase(whole.find(c.Lost), c.Lost.size()));
+    const Ran ran = RunKeplo("commands" + AppPath(home));
+    EXPECT_EQ(ran.Status, c.Status) << c.Lost;
+    EXPECT_NE(ran.Err.find("keplo.cfg: " + c.Told), std::string::npos) << ran.Err;
+    EXPECT_EQ(ran.Err.find("there is no protocol"), std::string::npos) << ran.Err;
   }
 }
 
