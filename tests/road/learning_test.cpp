@@ -1,0 +1,209 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "program.h"
+
+namespace keplo {
+namespace {
+
+using nlohmann::json;
+using tests::Lines;
+using tests::Ran;
+using tests::RunKeplo;
+using tests::TempFolder;
+
+std::string Quoted(const std::filesystem::path& path) { return " '" + path.string() + "'"; }
+
+/// An application path with a first install.
+class Install {
+ public:
+  Install() { RunKeplo("install" + Option()); }
+
+  std::string Option() const { return " --app-path" + Quoted(folder_.Path()); }
+  std::filesystem::path File(const std::string& name) const { return folder_.Path() / name; }
+  std::string Config() const { return folder_.Read("keplo.cfg"); }
+
+ private:
+  TempFolder folder_;
+};
+
+std::filesystem::path CapturesFolder() {
+  const char* named = std::getenv("KEPLO_CAPTURES");
+  return named != nullptr ? std::filesystem::path(named)
+                          : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
+}
+
+/// A press that no sample has learned.
+std::string NewPress(const Install& install, const std::string& name, const std::string& synth) {
+  const std::string file = install.File(name).string();
+  EXPECT_EQ(RunKeplo("synth " + synth + " >'" + file + "'").Status, 0);
+  return " '" + file + "'";
+}
+
+TEST(Learning, HearsEveryCommandThatItSends) {
+  const Install install;
+  const std::string sent = install.File("sent.mode2").string();
+  int walked = 0;
+  for (const std::string& line : Lines(RunKeplo("commands" + install.Option()).Out)) {
+    const std::size_t first = line.find('\t'), second = line.find('\t', first + 1);
+    const std::string protocol = line.substr(0, first);
+    const std::string name = line.substr(first + 1, second - first - 1);
+    const std::string digits = line.substr(second + 2);
+    if (name == "EMPTY") continue;
+    ++walked;
+    ASSERT_EQ(RunKeplo("send " + protocol + " " + name + " --out '" + sent + "'" + install.Option()).Status,
+              0);
+    for (const std::string sampleTime : {"50", "55", "60"}) {
+      const std::string options = " --json --sample-time " + sampleTime + Quoted(sent);
+      EXPECT_EQ(json::parse(RunKeplo("decode" + options).Out).at("code"), digits) << line << sampleTime;
+      const json row = json::parse(RunKeplo("record" + options + install.Option()).Out);
+      EXPECT_EQ(row.at("code"), digits) << line << " at " << sampleTime;
+      EXPECT_EQ(row.at("known_as"), protocol + "&" + name);
+    }
+  }
+  EXPECT_GE(walked, 15);
+}
+
+TEST(Learning, SendsANewToggleDigitWithEachPress) {
+  const Install install;
+  const Ran sent =
+      tests::RunShell("'" KEPLO_PROGRAM "' send RC5 TV_MUTE --count 3 --out -" + install.Option() +
+                      " | '" KEPLO_PROGRAM "' record --json -" + install.Option());
+  std::string toggles;
+  for (const std::string& line : Lines(sent.Out)) {
+    const json row = json::parse(line);
+    EXPECT_EQ(row.at("code"), "11000000001101");
+    toggles += row.at("toggle").dump();
+  }
+  EXPECT_EQ(toggles, "101");
+}
+
+TEST(Learning, TellsWhatTheWindowShows) {
+  const Install install;
+  const std::string press = NewPress(install, "sony.mode2", "--protocol SONY --code 101010010000 --jitter 0");
+  const json row = json::parse(RunKeplo("record --json" + press + install.Option()).Out);
+  EXPECT_EQ(row.size(), 14U) << row;
+  EXPECT_EQ(row.at("protocol"), "SONY");
+  EXPECT_EQ(row.at("pulse_us"), row.at("base_t").get<int>() * 55);
+  EXPECT_EQ(row.at("bits"), 12);
+  EXPECT_EQ(row.at("repeats"), true);
+  EXPECT_EQ(row.at("sync_type"), 2);
+  EXPECT_EQ(row.at("address"), 1);
+  EXPECT_EQ(row.at("command"), 21);
+  EXPECT_TRUE(row.at("toggle").is_null());
+  EXPECT_EQ(row.at("known_as"), "SONY&TV_POWER");
+  EXPECT_EQ(row.at("ones").size(), row.at("zeros").size() + 1);
+
+  std::ofstream(install.File("silence.cap"), std::ios::binary) << std::string(1000, '\0');
+  const Ran silence = RunKeplo("record --json" + Quoted(install.File("silence.cap")) + install.Option());
+  EXPECT_EQ(silence.Status, 1);
+  EXPECT_NE(silence.Err.find("there is no signal"), std::string::npos) << silence.Err;
+  const json nothing = json::parse(silence.Out);
+  for (const auto& [field, value] : nothing.items()) EXPECT_EQ(value.is_null(), field != "file") << field;
+}
+
+TEST(Learning, StoresSendsAndForgetsACommand) {
+  const Install install;
+  const std::string before = install.Config();
+  const std::string press = NewPress(install, "new.mode2", "--protocol RC5 --code 11100001001001");
+  const Ran learned = RunKeplo("learn" + press + " --protocol RC5 --name NINE" + install.Option());
+  EXPECT_EQ(learned.Out, "RC5&NINE learned: G11000001001001\n") << learned.Err;
+  EXPECT_EQ(install.Config().size(), before.size() + std::string("G11000001001001,NINE\r\n").size());
+  EXPECT_EQ(RunKeplo("send RC5 NINE" + install.Option()).Status, 0);
+  EXPECT_EQ(RunKeplo("forget RC5 NINE" + install.Option()).Status, 0);
+  EXPECT_EQ(install.Config(), before);
+}
+
+TEST(Learning, NeedsTwoPressesOfAKeyThatSendsOneFrame) {
+  const Install install;
+  const std::string code = "00000001111111101101100000100111";
+  const std::string one = NewPress(install, "one.mode2", "--protocol NEC --code " + code);
+  const std::string again = NewPress(install, "again.mode2", "--protocol NEC --seed 9 --code " + code);
+  const std::string words = " --protocol NEC --name GREEN" + install.Option();
+  const Ran once = RunKeplo("learn" + one + words);
+  EXPECT_EQ(once.Status, 1);
+  EXPECT_NE(once.Err.find("The command is not yet validated. Pres again Record button to validate"),
+            std::string::npos)
+      << once.Err;
+  const Ran twice = RunKeplo("learn" + one + again + words);
+  EXPECT_EQ(twice.Out, "NEC&GREEN learned: G" + code + "\n") << twice.Err;
+}
+
+TEST(Learning, RefusesWithTheSentencesOfTheWindow) {
+  const Install install;
+  const std::string press = NewPress(install, "new.mode2", "--protocol RC5 --code 11000001001001");
+  const std::string known = NewPress(install, "known.mode2", "--protocol SONY --code 101010010000");
+  const std::string before = install.Config();
+  struct Case {
+    std::string Words;
+    int Status;
+    std::string Told;
+  };
+  const std::vector<Case> cases = {
+      {"learn" + press + " --protocol Template --name NINE", 1, "This protocol is read-only."},
+      {"learn" + press + " --protocol recorded --name NINE", 1, "This is a virtual read-only protocol!"},
+      {"learn" + press + " --protocol RC5 --name 'NI NE'", 1, "Use only a-z, A-Z,'-','_' characters"},
+      {"learn" + press + " --protocol RC5 --name MUTE", 1,
+       "This command name is in use for the current protocol."},
+      {"learn" + known + " --protocol SONY --name OTHER", 1, "This command exist as TV_POWER"},
+      {"learn" + press + " --protocol RC5", 2, "--name"},
+      {"forget Template EMPTY", 1, "This protocol is read-only."},
+      {"forget NEC NOTHING", 1, "NOTHING"},
+      {"send NEC NOTHING", 1, "NOTHING"},
+      {"send NOTHING TV_POWER", 1, "NOTHING"},
+      {"send NEC", 2, "COMMAND"},
+      {"send --code G101010", 2, "--protocol"},
+      {"send NEC TV_POWER --pulse 0", 2, "--pulse"},
+      {"send --code G10a010 --protocol NEC", 1, "Please use only 1's and 0's for the code"},
+      {"send --code G1010 --protocol NEC", 1, "too short"},
+      {"send --code G101010 --protocol Recorded", 1, "Information about received command is not complete!"},
+  };
+  for (const Case& c : cases) {
+    const Ran ran = RunKeplo(c.Words + install.Option());
+    EXPECT_EQ(ran.Status, c.Status) << c.Words << ran.Out;
+    EXPECT_NE((ran.Err + ran.Out).find(c.Told), std::string::npos) << c.Words << ": " << ran.Err;
+  }
+  EXPECT_EQ(install.Config(), before);
+}
+
+TEST(Learning, RefusesWhatAFullFileCannotTake) {
+  const Install install;
+  const std::string config = install.Config();
+  std::string full = config;
+  full.insert(config.find("[NEC]"), "# " + std::string(32'763 - config.size(), '.') + "\r\n");
+  std::ofstream(install.File("keplo.cfg"), std::ios::binary) << full;
+  const std::string press = NewPress(install, "new.mode2", "--protocol RC5 --code 11000001001001");
+  const Ran ran = RunKeplo("learn" + press + " --protocol RC5 --name NINE" + install.Option());
+  EXPECT_EQ(ran.Status, 1) << ran.Out;
+  EXPECT_FALSE(ran.Err.empty());
+  EXPECT_EQ(install.Config(), full);
+}
+
+TEST(Learning, ReadsRealRecordingsOrSaysWhyNot) {
+  std::ifstream index(CapturesFolder() / "index.json");
+  if (!index)
+    GTEST_SKIP() << "no real recordings at " << CapturesFolder() << "; KEPLO_CAPTURES names a folder";
+  const json entries = json::parse(index);
+  for (const std::string sampleTime : {"50", "55", "60"}) {
+    int right = 0;
+    for (const json& entry : entries) {
+      std::string bits = entry.at("bits");
+      if (entry.at("protocol") == "rc5") bits[2] = '0';
+      const Ran ran = RunKeplo("record --json --sample-time " + sampleTime +
+                               Quoted(CapturesFolder() / entry.at("file").get<std::string>()));
+      const json code = json::parse(ran.Out).at("code");
+      EXPECT_EQ(ran.Status, code.is_null() ? 1 : 0) << entry;
+      EXPECT_TRUE(code.is_null() ? ran.Err.find("no code: ") != std::string::npos : code == bits)
+          << entry << code << ran.Err;
+      if (code == bits) ++right;
+    }
+    EXPECT_GE(right, 9) << sampleTime << " us";
+  }
+}
+
+}  // namespace
+}  // namespace keplo

@@ -1,0 +1,117 @@
+#include "signal/send_bits.h"
+
+#include <gtest/gtest.h>
+
+#include "failure.h"
+#include "signal/pattern_sets.h"
+#include "signal/sample_bits.h"
+
+namespace keplo {
+namespace {
+
+ProtocolParams Params(std::int16_t kind, int repeat, int syncRepeat) {
+  const PatternSet& set = *FindPatternSet(kind);
+  ProtocolParams params;
+  params.BITG = set.BITG;
+  params.BIT0 = set.BIT0;
+  params.BIT1 = set.BIT1;
+  params.REPEAT = static_cast<std::int16_t>(repeat);
+  params.GREPEAT = static_cast<std::int16_t>(syncRepeat);
+  return params;
+}
+
+std::string Sent(std::int16_t kind, std::string code, ProtocolParams params) {
+  bool toggle = false;
+  return BuildSendBits(code, kind, params, toggle);
+}
+
+std::string FourTimes(const std::string& slots) { return slots + slots + slots + slots; }
+
+std::string Silence(std::size_t slots) { return std::string(slots, '0'); }
+
+TEST(BuildSendBits, SendsTheFrameAndTheRepeatsOfItsProtocol) {
+  const std::string leader = "111111111111111100000000";
+  struct Case {
+    std::int16_t Kind;
+    std::string Code;
+    int Repeat, SyncRepeat;
+    std::string Slots;
+  };
+  const std::vector<Case> cases = {
+      {kNec, "10", 0, 1, leader + "1000101"},
+      {kNec, "10", 0, 2, leader + "1000101" + FourTimes("00" + std::string(16, '1') + "00001")},
+      {kNec, "10", 1, 1, leader + "1000101" + FourTimes("01000101")},
+      {kNec, "", 0, 0, leader + "1"},
+      {kSony, "10", 50, 50, "111101101" + FourTimes(Silence(50) + "111101101")},
+      {kSony, "1 0x", 0, 0, "111101101"},
+      {kRc5, "11000", 50, 0, "0101011010" + FourTimes(Silence(50) + "0101011010")},
+      {kRc5, "11000", 3, 50, "0101011010" + FourTimes("0000101011010")},
+      {kRc5, "11", 0, 0, "0101"},
+      {kNec, "1", -5, 0, leader + "10001" + FourTimes("10001")},  // no silence is shorter than none
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Sent(c.Kind, c.Code, Params(c.Kind, c.Repeat, c.SyncRepeat)), c.Slots)
+        << c.Code << " REPEAT " << c.Repeat << " GREPEAT " << c.SyncRepeat;
+  }
+}
+
+TEST(BuildSendBits, FlipsTheToggleDigitWithEachTransmission) {
+  ProtocolParams params = Params(kRc5, 0, 0);
+  bool toggle = false;
+  std::string sent;
+  for (int press = 0; press < 3; ++press) {
+    std::string code = "11000000001100";
+    BuildSendBits(code, kRc5, params, toggle);
+    sent += code[2];
+  }
+  EXPECT_EQ(sent, "101");
+  std::string nec = "11000000001100";
+  BuildSendBits(nec, kNec, params, toggle);
+  EXPECT_EQ(nec, "11000000001100");
+  EXPECT_TRUE(toggle);
+}
+
+TEST(BuildSendBits, SetsTheClosingSlotOfTheKind) {
+  ProtocolParams params = Params(kNec, 0, 0);
+  bool toggle = false;
+  std::string code = "10";
+  BuildSendBits(code, kNec, params, toggle);
+  EXPECT_EQ(params.BitTail, "1");
+  BuildSendBits(code, kCustom, params, toggle);
+  EXPECT_EQ(params.BitTail, "");
+}
+
+TEST(BuildSendBits, RefusesWhatIsTooLongAheadOfAnyChange) {
+  ProtocolParams params = Params(kRc5, 50, 0);
+  params.BIT1 = std::string(20'000, '1');
+  bool toggle = false;
+  std::string code = "11000000001100";
+  EXPECT_THROW(BuildSendBits(code, kRc5, params, toggle), Failure);
+  EXPECT_EQ(code, "11000000001100");
+  EXPECT_FALSE(toggle);
+  EXPECT_NO_THROW(Sent(kNec, std::string(32, '1'), Params(kNec, 32767, 32767)));
+}
+
+TEST(BitsToChars, PacksTheFirstSlotHighest) {
+  using namespace std::string_literals;
+  EXPECT_EQ(BitsToChars("1000000000000001"), "\x80\x01"s);
+  EXPECT_EQ(BitsToChars("111"), "\xE0"s);
+  EXPECT_EQ(BitsToChars(""), "");
+  EXPECT_EQ(PadToBytes(Silence(24)), Silence(24));
+  EXPECT_EQ(PadToBytes(Silence(25)), Silence(32));
+}
+
+TEST(CaptureOfSlots, DrawsEachSlotAtTheNominalSampleTime) {
+  const auto samples = [](std::string_view slots, int pulse) {
+    return SamplesToBits(CaptureOfSlots(slots, pulse));
+  };
+  EXPECT_EQ(samples("10", 550), std::string(10, '1') + Silence(22));
+  EXPECT_EQ(samples("1", 880), std::string(16, '1') + Silence(16));
+  EXPECT_EQ(samples("1", 27), "");
+  EXPECT_EQ(samples("1", 0), "");
+  EXPECT_EQ(samples("1", -550), "");
+  EXPECT_EQ(samples("11", 2'000'000'000).size(), 32'760U);
+}
+
+}  // namespace
+}  // namespace keplo
