@@ -5,24 +5,27 @@ _keplo() {
   local command=${COMP_WORDS[1]:-}
   case $previous in
     --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --teach | --replay) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --teach | --replay | --out) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --protocol) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5' -- "$current"); return ;;
   esac
   local words
   case $COMP_CWORD,$command in
-    1,*) words='install decode monitor events commands lookup synth --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget send synth --help --version' ;;
     2,events) words='list add delete enable disable --help' ;;
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --sample-time --no-shape --hold --help' ;;
     *,monitor) words='--app-path --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events) words='--app-path --json --each --id --name --description --zone --disabled --help' ;;
+    *,record) words='--json --app-path --sample-time --no-shape --hold --help' ;;
+    *,learn) words='--protocol --name --app-path --sample-time --no-shape --hold --help' ;;
+    *,send) words='--out --pulse --count --code --protocol --app-path --help' ;;
     *,synth) words='--protocol --code --samples --seed --help' ;;
     *) words='--app-path --help' ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
   case $current,$command in
     -*,*) ;;
-    *,decode | *,monitor) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
+    *,decode | *,monitor | *,record | *,learn) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 complete -o filenames -F _keplo keplo
