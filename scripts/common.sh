@@ -5,8 +5,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
 build_packages=(g++ cmake ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  qt6-base-dev qt6-httpserver-dev)
-test_packages=(libgtest-dev libbenchmark-dev sqlite3)
+  qt6-base-dev qt6-httpserver-dev qt6-websockets-dev)
+test_packages=(libgtest-dev libbenchmark-dev sqlite3 chromium fonts-dejavu-core xvfb xdotool)
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -28,14 +28,20 @@ std::filesystem::path ResolveAppPath(const std::string& option) {
   if (const std::string data = Environment("XDG_DATA_HOME"); !data.empty()) {
     return std::filesystem::path(data) / "keplo";
   }
-  return std::filesystem::path(Environment("HOME")) / ".local" / "share" / "keplo";
+  const std::string home = Environment("HOME");
+  if (home.empty())
+    throw Failure(ENOENT, "There is no HOME to keep files in. Name a folder with --app-path.");
+  return std::filesystem::path(home) / ".local" / "share" / "keplo";
 }
 
 std::filesystem::path RequireInstall(const std::string& option) {
   std::filesystem::path appPath = ResolveAppPath(option);
   const std::filesystem::path config = appPath / "keplo.cfg";
   std::error_code error;
-  if (!std::filesystem::exists(config, error) && (!error || error == std::errc::no_such_file_or_directory)) {
+  // A link that leads nowhere is there and is told by the load.
+  if (std::filesystem::symlink_status(config, error).type() == std::filesystem::file_type::not_found &&
+      std::filesystem::symlink_status(appPath.parent_path(), error).type() !=
+          std::filesystem::file_type::regular) {
     throw Failure(ENOENT, config.string() +
                               ": No such file or directory. Bring a first install with: keplo install "
                               "--app-path '" +

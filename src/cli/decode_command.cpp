@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/json_line.h"
 #include "cli/line_options.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
@@ -78,7 +79,7 @@ bool DecodeRecording(const Recording& recording, const DecodeOptions& options) {
     row.Ended = reading.Ended;
     row.Measured = WasMeasured(reading.Ended) ? &state.Measured : nullptr;
     row.Digits = reading.Digits;
-    std::cout << (options.Json ? ToJson(row).dump() : ToText(row)) << '\n';
+    std::cout << (options.Json ? JsonLine(ToJson(row)) : ToText(row)) << '\n';
     all = all && row.HasCode();
   }
   return all;

@@ -1,4 +1,5 @@
-#include <charconv>
+#include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -7,6 +8,7 @@
 
 #include "cli/app_path.h"
 #include "cli/commands.h"
+#include "cli/json_line.h"
 #include "cli/open_map.h"
 #include "config/commands.h"
 #include "config/protocols.h"
@@ -30,16 +32,18 @@ void RequireChange(bool changed, const OpenMap& map) {
   throw Failure(1, "The event map was not changed: " + reason);
 }
 
-/// The first whole number above every EventID of the map that is one.
-int FirstFreeNumber(const OpenMap& map) {
-  int highest = 0;
-  for (const auto& event : map.Events) {
-    int number = 0;
-    const std::string& id = event->EventID;
-    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
-    if (error == std::errc() && end == id.data() + id.size()) highest = std::max(highest, number);
-  }
-  return highest + 1;
+/// The first whole number from a given one on that is no EventID of the map.
+std::string FirstFreeID(const OpenMap& map, std::int64_t& number) {
+  while (map.Events.Item(EventKey(std::to_string(number))) != nullptr) ++number;
+  return std::to_string(number);
+}
+
+/// Refuses what no list could show in one line.
+void CheckText(const std::string& what, const std::string& text) {
+  const bool control =
+      std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
+  if (!control) return;
+  throw Failure(1, "The " + what + " holds a line end, a tab or another control character. Leave it out.");
 }
 
 int List(const EventOptions& options) {
@@ -53,7 +57,7 @@ int List(const EventOptions& options) {
       json["command"] = event->IRCommand;
       json["enabled"] = event->Enabled;
       json["zone"] = event->Zone;
-      std::cout << json.dump() << '\n';
+      std::cout << JsonLine(json) << '\n';
     } else {
       std::cout << event->EventID << '\t' << event->EventName << '\t' << event->IRCommand << "\tzone "
                 << event->Zone << (event->Enabled ? "" : "\tdisabled") << '\t' << event->EventDescription
@@ -71,12 +75,30 @@ void Add(OpenMap& map, const clsKeploEvent& event) {
   RequireChange(map.Events.Add(std::make_shared<clsKeploEvent>(event)), map);
 }
 
+/// An event for a command that is not learned never fires; it may be learned later.
+void WarnOfUnknownCommand(const EventOptions& options, const std::string& reference) {
+  const OpenConfig config(options.AppPath);
+  const std::string& text = config.Mod.Store.CfgText;
+  for (const std::string& protocol : ListProtocols(text)) {
+    for (const LearnedCommand& command : ListCommands(text, protocol)) {
+      if (protocol + "&" + command.Name == reference) return;
+    }
+  }
+  std::cerr << "keplo: " << reference << " is no learned command yet; the event fires only once it is. "
+            << "keplo commands lists those that are\n";
+}
+
 int AddOne(const EventOptions& options) {
   OpenMap map(options.AppPath);
   clsKeploEvent event = options.Event;
   event.Enabled = !options.Disabled;
-  if (event.EventID.empty()) event.EventID = std::to_string(FirstFreeNumber(map));
+  std::int64_t number = 1;
+  if (event.EventID.empty()) event.EventID = FirstFreeID(map, number);
   if (event.EventName.empty()) event.EventName = event.IRCommand.substr(event.IRCommand.find('&') + 1);
+  CheckText("EventID", event.EventID);
+  CheckText("name", event.EventName);
+  CheckText("description", event.EventDescription);
+  WarnOfUnknownCommand(options, event.IRCommand);
   Add(map, event);
   std::cout << event.EventID << '\n';
   return kDone;
@@ -89,13 +111,14 @@ int AddEach(const EventOptions& options) {
   std::set<std::string> bound;
   for (const auto& event : map.Events) bound.insert(event->IRCommand);
 
-  int number = FirstFreeNumber(map), added = 0;
+  std::int64_t number = 1;
+  int added = 0;
   for (const std::string& protocol : ListProtocols(config.Mod.Store.CfgText)) {
     for (const LearnedCommand& command : ListCommands(config.Mod.Store.CfgText, protocol)) {
       const std::string reference = protocol + "&" + command.Name;
       if (command.Name == "EMPTY" || bound.count(reference) > 0) continue;
       Add(map,
-          {std::to_string(number++), command.Name, command.Name + " from " + protocol, reference, true, 0});
+          {FirstFreeID(map, number), command.Name, command.Name + " from " + protocol, reference, true, 0});
       ++added;
     }
   }
@@ -153,11 +176,15 @@ void AddEventsCommand(CLI::App& app, int& status) {
       adding->add_option("COMMAND", options->Event.IRCommand, "Protocol and command, as 'NEC&POWER'");
   auto* each = adding->add_flag("--each", options->Each, "An event for every learned command that has none");
   reference->excludes(each);
-  adding->add_option("--id", options->Event.EventID, "EventID; without it the next free number");
-  adding->add_option("--name", options->Event.EventName, "Friendly name; without it the command's");
-  adding->add_option("--description", options->Event.EventDescription, "Short description");
-  adding->add_option("--zone", options->Event.Zone, "Zone, 0 for any")->check(CLI::Range(0, 8));
-  adding->add_flag("--disabled", options->Disabled, "Add it switched off");
+  adding->add_option("--id", options->Event.EventID, "EventID; without it the first free number")
+      ->excludes(each);
+  adding->add_option("--name", options->Event.EventName, "Friendly name; without it the command's")
+      ->excludes(each);
+  adding->add_option("--description", options->Event.EventDescription, "Short description")->excludes(each);
+  adding->add_option("--zone", options->Event.Zone, "Zone, 0 for any")
+      ->check(CLI::Range(0, 8))
+      ->excludes(each);
+  adding->add_flag("--disabled", options->Disabled, "Add it switched off")->excludes(each);
   adding->callback([options, &status] {
     if (!options->Each && options->Event.IRCommand.empty()) throw CLI::RequiredError("COMMAND or --each");
     status = options->Each ? AddEach(*options) : AddOne(*options);

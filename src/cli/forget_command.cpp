@@ -17,6 +17,7 @@ struct ForgetOptions {
 
 int Forget(const ForgetOptions& options) {
   OpenConfig config(options.AppPath);
+  config.RequireWhole();
   std::string refusal;
   try {
     refusal = RefusalText(DeleteCommand(config.Mod.Store, options.Protocol, options.Name));

@@ -61,6 +61,7 @@ int Refuse(const std::string& text) {
 
 int Learn(const LearnOptions& options) {
   OpenConfig config(options.AppPath);
+  config.RequireWhole();
   const Lesson lesson = ReadPresses(options, config.Mod.Store);
   if (lesson.Last.Ended != RecordStage::Code) return Refuse("no code: " + WhyNoCode(lesson.Last));
   try {

@@ -4,7 +4,7 @@ namespace keplo::cli {
 
 void AddLineOptions(CLI::App& command, LineOptions& options) {
   command.add_option("--sample-time", options.SampleTime, "Length of one sample, microseconds")
-      ->check(CLI::Range(10, 1000))
+      ->check(CLI::Range(10.0, 1000.0))
       ->capture_default_str();
   command.add_flag_callback(
       "--no-shape", [&options] { options.Shape = false; },

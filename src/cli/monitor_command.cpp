@@ -12,8 +12,10 @@
 
 #include "cli/app_path.h"
 #include "cli/commands.h"
+#include "cli/json_line.h"
 #include "cli/line_options.h"
 #include "cli/quiet_boxes.h"
+#include "config/check_config.h"
 #include "config/posix_file_system.h"
 #include "events/event_text.h"
 #include "formats/recording.h"
@@ -91,7 +93,7 @@ void Print(const RaisedEvent& event, bool json) {
     line["event_name"] = event.Name;
     line["command"] = event.Command;
     line["zone"] = ZoneNumber(event.Zone);
-    std::cout << line.dump() << std::endl;
+    std::cout << JsonLine(line) << std::endl;
   } else {
     std::cout << event.Time << "  event " << event.EventID << "  " << event.Name << "  " << event.Command
               << "  zone " << event.Zone << std::endl;
@@ -142,8 +144,10 @@ int Monitor(const MonitorOptions& options) {
     std::cerr << "keplo: " << record.ErrorSource << " " << record.ErrorProcedure << ": "
               << record.ErrorDescription << '\n';
   };
+  if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
+    std::cerr << "keplo: " << damage << '\n';
   if (control.InputInitialise(nullptr) != 1) {
-    throw Failure(1, "The event map cannot be loaded: " + mod.modData->ErrorDetails().ErrorDescription);
+    throw Failure(1, "The event map cannot be loaded: " + control.WhyNotInitialised());
   }
 
   control.InputStartMonitoring();

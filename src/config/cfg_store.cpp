@@ -1,6 +1,9 @@
 #include "config/cfg_store.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <string_view>
 
 #include "config/replace_file.h"
 #include "failure.h"
@@ -14,6 +17,35 @@ namespace {
 std::string CutBehindLastHeader(std::string text) {
   text.erase(text.rfind(']') + 1);
   return text.empty() ? text : text.append("\r\n");
+}
+
+constexpr std::array<std::string_view, 13> kKeys = {
+    "COMPORT=", "PROTOCOL=", "PROCDELAY=", "ITYPE=", "BEEPON=", "VEXIL=",  "GPROTO=",
+    "SENDPLS=", "REPEAT=",   "BITG=",      "BIT0=",  "BIT1=",   "GREPEAT="};
+
+/// The key that a line begins with; empty if it begins with none.
+std::string_view KeyOf(std::string_view line) {
+  const auto* const key = std::find_if(kKeys.begin(), kKeys.end(), [&](std::string_view candidate) {
+    return EqualNoCase(line.substr(0, candidate.size()), candidate);
+  });
+  return key == kKeys.end() ? std::string_view() : *key;
+}
+
+/// Writes in the blank that belongs behind a key's =, where a hand-edited file lacks it. A sign may stand in
+/// its place.
+std::string WithBlanks(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    const std::string_view line = text.substr(0, end);
+    const std::size_t key = KeyOf(line).size();
+    result += line.substr(0, key);
+    if (key > 0 && key < line.size() && line[key] != ' ' && line[key] != '-') result += ' ';
+    result += line.substr(key);
+    text.remove_prefix(end);
+  }
+  return result;
 }
 
 }  // namespace
@@ -46,7 +78,7 @@ void LoadConfig(CfgStore& store) {
 void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
 
 void ReplaceAndSave(CfgStore& store, std::string text) {
-  std::string saved = CutBehindLastHeader(text);
+  std::string saved = CutBehindLastHeader(WithBlanks(text));
   if (saved.empty()) {
     store.ReplaceText(std::move(text));
     return;

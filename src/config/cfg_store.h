@@ -35,8 +35,8 @@ struct CfgStore {
 /// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
 void LoadConfig(CfgStore& store);
 
-/// Cuts CfgText behind its last ] and writes it to the file, with CR LF behind it in both. Without a ] text
-/// and file stay as they are.
+/// Writes in the blanks that are missing behind the keys, cuts CfgText behind its last ] and writes it to the
+/// file, with CR LF behind it in both. Without a ] text and file stay as they are.
 /// @throws Failure if the file cannot be written: the old file is whole and CfgText as it was. If only the
 /// flush of the folder fails, at the very end, the new text is in place in both, and the message says so.
 void SaveConfig(CfgStore& store);

@@ -43,9 +43,12 @@ bool IsText(std::string_view bytes) {
 }
 
 Recording OfRawBytes(const std::string& name, std::string bytes) {
-  if (bytes.empty())
-    throw FormatError(name + ": there is no key press in it; expected the bytes of a capture");
   return {name, {RawBytes{std::move(bytes)}}};
+}
+
+bool IsCaptureName(const std::string& path) {
+  const std::string ending = std::filesystem::path(path).extension().string();
+  return ending == ".cap" || ending == ".CAP";
 }
 
 Recording OfText(const std::string& name, std::string_view text) {
@@ -70,8 +73,7 @@ Recording LoadRecording(const std::string& path) {
   if (!stream) RefuseUnreadable(path, errno);
   std::string bytes = ReadWhole(stream, path);
   if (stream.bad()) RefuseUnreadable(path, errno != 0 ? errno : EIO);
-  return std::filesystem::path(path).extension() == ".cap" ? OfRawBytes(path, std::move(bytes))
-                                                           : OfText(path, bytes);
+  return IsCaptureName(path) ? OfRawBytes(path, std::move(bytes)) : OfText(path, bytes);
 }
 
 }  // namespace keplo

@@ -92,6 +92,11 @@ std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
   return m_EventCollection.Initialise(ListView1) ? 1 : 0;
 }
 
+std::string Keplo::WhyNotInitialised() const {
+  const std::shared_ptr<const HostErrorRecord> row = m_EventCollection.ErrorRecord();
+  return row != nullptr ? row->ErrorDescription : mod_.modData->ErrorDetails().ErrorDescription;
+}
+
 std::int32_t Keplo::InputStartMonitoring() {
   Monitoring = true;
   RefreshStatusPanel();

@@ -53,6 +53,8 @@ class Keplo {
   /// @param velmora the host object; kept until InputTerminate
   /// @return 1 if the event map was loaded, 0 if not
   std::int32_t InputInitialise(std::shared_ptr<void> velmora);
+  /// Why InputInitialise gave 0, for a person.
+  std::string WhyNotInitialised() const;
   std::int32_t InputStartMonitoring();
   std::int32_t InputStopMonitoring();
   bool InputMonitoring() const { return Monitoring; }
@@ -99,6 +101,11 @@ class Keplo {
   void DisableMenu_Click() { SwitchSelectedEvent(false); }
   void HelpMenu_Click();
 
+  /// Tells the host of a failure and keeps its record for InputErrorDetails. A host whose handler fails too is
+  /// left alone.
+  /// @return 0
+  std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure);
+
   /// The host's handlers; they run inside the call that raises the event.
   std::function<void(HostInputEvent&)> TriggerInputEvent;
   std::function<void(HostErrorRecord&, bool& blnStopping)> TriggerInputErrorCondition;
@@ -124,7 +131,6 @@ class Keplo {
   bool LineIsAtRest();
   void Capture();
   void ReadAndDispatch();
-  std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure);
   void OpenMainWindow();
   void RaiseError(HostErrorRecord& record) const;
   void SwitchSelectedEvent(bool enabled);

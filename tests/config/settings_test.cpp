@@ -113,6 +113,14 @@ TEST(SetGeneralValue, ChangesOneLineOfTheFile) {
   }
 }
 
+TEST(SaveConfig, WritesInTheBlanksThatAHandEditedFileLacks) {
+  StoreOnDisk disk(
+      "[General]\r\nCOMPORT=1\r\nVEXIL=\r\n[A]\r\n# GPROTO=1\r\nBITG= 1\r\nGREPEAT=-1\r\n[END]\r\n");
+  SaveConfig(disk.Store);
+  EXPECT_EQ(disk.File(),
+            "[General]\r\nCOMPORT= 1\r\nVEXIL= \r\n[A]\r\n# GPROTO=1\r\nBITG= 1\r\nGREPEAT=-1\r\n[END]\r\n");
+}
+
 TEST(SetGeneralValue, ChangesNothingInADamagedFile) {
   for (const std::string& text :
        {Replaced(Config(""), "PROCDELAY=", "DELAY="), Replaced(Config(""), "[General]", "[Gen]"),
