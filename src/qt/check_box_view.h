@@ -13,6 +13,8 @@ class CheckBoxView : public QCheckBox {
   CheckBoxView(ui::CheckBox& model, const QString& caption, QWidget* parent);
 
  private:
+  void Redraw();
+
   ui::CheckBox& model_;
   ModelLink link_;
 };

@@ -1,8 +1,11 @@
 #include "qt/drop_down_view.h"
 
+#include <QAbstractItemView>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <algorithm>
 
+#include "qt/control_look.h"
 #include "qt/text.h"
 
 namespace keplo::qt {
@@ -29,6 +32,13 @@ void DropDownView::Redraw() {
     addItem(ShownText(shown_.back()));
   }
   setCurrentIndex(model_.ListIndex());  // adding to an empty combo box selects its first entry
+  setPalette(PaletteOf(model_, QPalette::Button, QPalette::ButtonText));
+  ShowState(*this, model_);
+}
+
+void DropDownView::showPopup() {
+  view()->setMinimumWidth(view()->sizeHintForColumn(0) + view()->verticalScrollBar()->sizeHint().width());
+  QComboBox::showPopup();
 }
 
 }  // namespace keplo::qt

@@ -9,10 +9,12 @@
 
 namespace keplo::qt {
 
-/// A combo box over a drop-down list.
+/// A combo box over a drop-down list, which opens as wide as its entries.
 class DropDownView : public QComboBox {
  public:
   DropDownView(ui::DropDownList& model, QWidget* parent);
+
+  void showPopup() override;
 
  private:
   void Redraw();

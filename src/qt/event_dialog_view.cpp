@@ -121,7 +121,7 @@ QWidget* EventDialogView::Command() {
   QLabel* label = form->AddRow({"ZoneListBox", F::kVexilLabel, 'Z', F::kZoneTip}, Narrow(zones));
   label->setObjectName(QStringLiteral("VexilLabel"));
   label->setVisible(model_.ZoneVisible);
-  zones->setVisible(model_.ZoneVisible);
+  model_.ZoneListBox.SetVisible(model_.ZoneVisible);
   return form;
 }
 

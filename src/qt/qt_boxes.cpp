@@ -15,7 +15,17 @@ QString Lines(std::string_view text) {
   return ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
 }
 
+/// The usual cursor over a box that comes up while the program is busy.
+class UsualCursor {
+ public:
+  UsualCursor() { QApplication::setOverrideCursor(Qt::ArrowCursor); }
+  ~UsualCursor() { QApplication::restoreOverrideCursor(); }
+  UsualCursor(const UsualCursor&) = delete;
+  UsualCursor& operator=(const UsualCursor&) = delete;
+};
+
 int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons) {
+  const UsualCursor waitingForTheUser;
   QMessageBox box(QMessageBox::NoIcon, ShownText(title), Lines(text), buttons, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
   return box.exec();
@@ -30,6 +40,7 @@ bool QtBoxes::Question(std::string_view text, std::string_view title) {
 }
 
 std::string QtBoxes::Input(std::string_view text, std::string_view title, std::string_view preset) {
+  const UsualCursor waitingForTheUser;
   QInputDialog box(QApplication::activeWindow());
   box.setWindowTitle(ShownText(title));
   box.setLabelText(Lines(text));

@@ -1,11 +1,15 @@
 #include "qt/text_box_view.h"
 
+#include <QApplication>
+#include <QEvent>
+
+#include "qt/control_look.h"
 #include "qt/text.h"
 
 namespace keplo::qt {
 
-TextBoxView::TextBoxView(ui::TextBox& model, QWidget* parent)
-    : QLineEdit(parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
+TextBoxView::TextBoxView(ui::TextBox& model, QWidget* parent, QPalette::ColorRole ground)
+    : QLineEdit(parent), model_(model), ground_(ground), link_(model.OnChanged, [this] { Redraw(); }) {
   Redraw();
   connect(this, &QLineEdit::textEdited, this, [this](const QString& typed) {
     if (link_.Alive()) model_.SetText(TypedText(typed));
@@ -15,6 +19,23 @@ TextBoxView::TextBoxView(ui::TextBox& model, QWidget* parent)
 void TextBoxView::Redraw() {
   // Setting the same text again would move the cursor under the user's hands.
   if (const QString shown = ShownText(model_.Text()); shown != text()) setText(shown);
+  ShowColours();
+  ShowState(*this, model_);
+}
+
+void TextBoxView::ShowColours() {
+  QPalette colours = PaletteOf(model_, QPalette::Base, QPalette::Text);
+  if (!model_.BackColour() && ground_ != QPalette::Base) {
+    const QColor ground = QApplication::palette().color(ground_);
+    colours.setColor(QPalette::Base, ground);
+    colours.setColor(QPalette::Text, InkOn(ground));
+  }
+  setPalette(colours);
+}
+
+void TextBoxView::changeEvent(QEvent* event) {
+  QLineEdit::changeEvent(event);
+  if (event->type() == QEvent::ApplicationPaletteChange && link_.Alive()) ShowColours();
 }
 
 }  // namespace keplo::qt

@@ -10,12 +10,18 @@ namespace keplo::qt {
 /// An edit field over a text box.
 class TextBoxView : public QLineEdit {
  public:
-  TextBoxView(ui::TextBox& model, QWidget* parent);
+  /// @param ground role of the palette that the field stands on while its model has no back colour
+  TextBoxView(ui::TextBox& model, QWidget* parent, QPalette::ColorRole ground = QPalette::Base);
+
+ protected:
+  void changeEvent(QEvent* event) override;
 
  private:
   void Redraw();
+  void ShowColours();
 
   ui::TextBox& model_;
+  QPalette::ColorRole ground_;
   ModelLink link_;
 };
 

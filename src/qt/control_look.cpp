@@ -1,0 +1,41 @@
+#include "qt/control_look.h"
+
+#include <cmath>
+
+namespace keplo::qt {
+
+namespace {
+
+// Relative luminance of a colour, 0 to 1, and the luminance at which black and white letters stand out from
+// it equally well (WCAG 2.1).
+constexpr double kEvenLuminance = 0.179;
+
+double Luminance(const QColor& colour) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+}  // namespace
+
+QColor InkOn(const QColor& ground) { return Luminance(ground) > kEvenLuminance ? Qt::black : Qt::white; }
+
+QPalette PaletteOf(const ui::Control& model, QPalette::ColorRole ground, QPalette::ColorRole ink) {
+  QPalette colours;
+  if (const auto back = model.BackColour()) {
+    const QColor shown(back->Red, back->Green, back->Blue);
+    colours.setColor(ground, shown);
+    colours.setColor(ink, InkOn(shown));
+  }
+  return colours;
+}
+
+void ShowState(QWidget& view, const ui::Control& model) {
+  view.setEnabled(model.Enabled());
+  // A view that nobody has hidden comes up with its window; showing it here would make a window of it.
+  const bool hidden = view.testAttribute(Qt::WA_WState_ExplicitShowHide) && view.isHidden();
+  if (hidden == model.Visible()) view.setVisible(model.Visible());
+}
+
+}  // namespace keplo::qt
