@@ -1,22 +1,11 @@
 #include "component/keplo_class.h"
 
 #include <exception>
-#include <filesystem>
 
 #include "component/keplo_object.h"
 #include "install/first_install.h"
 
 namespace keplo::component {
-
-namespace {
-
-/// Files of another kind may lie in the folder already; these two say that somebody has set it up.
-bool IsSetUp(const std::filesystem::path& applicationPath) {
-  return std::filesystem::exists(applicationPath / "keplo.cfg") ||
-         std::filesystem::exists(applicationPath / "inputKeplo.mdb");
-}
-
-}  // namespace
 
 ComponentObject KeploClass::CreateObject(const CreationContext& context, std::string& failure) try {
   if (!IsSetUp(context.ApplicationPath)) {

@@ -28,6 +28,10 @@ bool IsThere(const std::filesystem::path& path) {
 
 }  // namespace
 
+bool IsSetUp(const std::filesystem::path& appPath) {
+  return IsThere(appPath / "keplo.cfg") || IsThere(appPath / kDatabaseFile);
+}
+
 bool BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
   bool brought = false;
