@@ -1,0 +1,57 @@
+#include "qt/button_view.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <utility>
+
+#include "qt/control_look.h"
+
+namespace keplo::qt {
+
+namespace {
+
+// Pixels between caption and edge, to either side.
+constexpr int kRoomAcross = 3, kRoomDown = 1;
+
+}  // namespace
+
+ButtonView::ButtonView(ui::Button& model, const QString& caption, QWidget* parent)
+    : QPushButton(caption, parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
+  setAutoDefault(true);  // Enter clicks the button that has the focus
+  Redraw();
+  connect(this, &QPushButton::clicked, this, [this] { Click(); });
+}
+
+QSize ButtonView::sizeHint() const {
+  if (text().isEmpty()) return {};
+  return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * kRoomAcross, 2 * kRoomDown);
+}
+
+void ButtonView::Click() {
+  const QPointer<ButtonView> self(this);
+  if (!link_.Alive()) return;
+  inClick_ = true;
+  model_.Click();
+  if (self) inClick_ = false;
+}
+
+void ButtonView::Redraw() {
+  const bool disabledNow = !model_.Enabled() && isEnabled();
+  if (disabledNow) hadFocus_ = hasFocus();
+  const bool enabledAgain = model_.Enabled() && !isEnabled();
+  ShowState(*this, model_);
+  if (enabledAgain && std::exchange(hadFocus_, false)) setFocus();
+  if (inClick_ && model_.Enabled() == working_) ShowWork(!model_.Enabled());
+}
+
+void ButtonView::ShowWork(bool working) {
+  working_ = working;
+  if (working) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    window()->repaint();
+  } else {
+    QApplication::restoreOverrideCursor();
+  }
+}
+
+}  // namespace keplo::qt

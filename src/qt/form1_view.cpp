@@ -1,0 +1,139 @@
+#include "qt/form1_view.h"
+
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QLabel>
+#include <QWindow>
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "qt/control_views.h"
+#include "qt/qt_boxes.h"
+#include "qt/text.h"
+
+namespace keplo::qt {
+
+namespace {
+
+constexpr double kTwipsPerInch = 1440.0;
+
+QRect Pixels(const Place& place, const TwipScale& scale) {
+  return {scale.ToPixels(place.Left), scale.ToPixels(place.Top), scale.ToPixels(place.Width),
+          std::max(scale.ToPixels(place.Height), 1)};
+}
+
+}  // namespace
+
+Form1View::Form1View(Form1& form, QWidget* parent)
+    : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                          Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
+      form_(form),
+      menuBar_(new MenuBarView(form, this)),
+      inside_(new QWidget(this)),
+      scale_(logicalDpiX() / kTwipsPerInch),
+      timer_(form.Timer1),
+      titleLink_(form.OnTitleChanged, [this] { setWindowTitle(ShownText(form_.Title())); }),
+      sizeLink_(form.OnResize, [this] { FitSize(); }),
+      hideLink_(form.OnHide, [this] { hide(); }) {
+  setObjectName(QStringLiteral("Form1"));
+  setWindowTitle(ShownText(form.Title()));
+  for (const ControlRow& row : Controls()) AddControl(row);
+  AddTabOrder();
+  Rescale();
+}
+
+void Form1View::AddControl(const ControlRow& row) {
+  const ControlRow* frame = FindControl(row.Frame);
+  QWidget* view = MakeControlView(form_, row, frame == nullptr ? inside_ : views_.at(frame));
+  view->setObjectName(ShownText(row.Name));
+  views_.emplace(&row, view);
+}
+
+void Form1View::AddTabOrder() {
+  std::vector<const ControlRow*> stops;
+  for (const auto& [row, view] : views_) {
+    if (row->TabIndex != kNoTabStop) {
+      stops.push_back(row);
+    } else if (view->focusPolicy() != Qt::NoFocus) {
+      view->setFocusPolicy(Qt::ClickFocus);
+    }
+    if (const ControlRow* named = FindControl(row->Names)) {
+      dynamic_cast<QLabel&>(*view).setBuddy(views_.at(named));
+    }
+  }
+  std::sort(stops.begin(), stops.end(),
+            [](const ControlRow* a, const ControlRow* b) { return a->TabIndex < b->TabIndex; });
+  for (std::size_t i = 1; i < stops.size(); ++i) setTabOrder(views_.at(stops[i - 1]), views_.at(stops[i]));
+  if (!stops.empty()) views_.at(stops.front())->setFocus();
+}
+
+double Form1View::PixelsPerTwip() const {
+  double pixels = logicalDpiX() / kTwipsPerInch;
+  for (const auto& [row, view] : views_) {
+    const QSize needed = LeastSize(*row, *view);
+    if (row->At.Width > 0) pixels = std::max(pixels, static_cast<double>(needed.width()) / row->At.Width);
+    if (row->At.Height > 0) pixels = std::max(pixels, static_cast<double>(needed.height()) / row->At.Height);
+  }
+  return pixels;
+}
+
+void Form1View::Rescale() {
+  scale_ = TwipScale(PixelsPerTwip());
+  for (const auto& [row, view] : views_) view->setGeometry(Pixels(row->At, scale_));
+  FitSize();
+}
+
+void Form1View::FitSize() {
+  const Size outer = form_.OuterSize();
+  const QSize inner(scale_.ToPixels(outer.Width - kWindowEdges.Width),
+                    scale_.ToPixels(outer.Height - kWindowEdges.Height));
+  const int menuHeight = menuBar_->heightForWidth(inner.width());
+  menuBar_->setGeometry(0, 0, inner.width(), menuHeight);
+  inside_->setGeometry(0, menuHeight, inner.width(), inner.height());
+  setFixedSize(inner.width(), menuHeight + inner.height());
+}
+
+void Form1View::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Rescale();
+}
+
+bool Form1View::focusNextPrevChild(bool next) {
+  // The small size shows a corner only; what lies outside cannot be used there.
+  for (std::size_t step = 0; step < views_.size(); ++step) {
+    if (!QWidget::focusNextPrevChild(next)) return false;
+    const QWidget* now = focusWidget();
+    if (now != nullptr && inside_->rect().contains(now->geometry().center())) return true;
+  }
+  return false;
+}
+
+void Form1View::closeEvent(QCloseEvent* event) {
+  form_.FileExit_Click();
+  event->accept();
+}
+
+void ShowUntilHidden(Form1& form, QWidget* parent) {
+  const std::unique_ptr<Form1View> view = std::make_unique<Form1View>(form);
+  QEventLoop untilHidden;
+  const ModelLink hideLink(form.OnHide, [&] {
+    view->hide();
+    untilHidden.quit();
+  });
+  if (parent != nullptr) view->setWindowModality(Qt::ApplicationModal);
+  view->show();
+  if (parent != nullptr && parent->window()->windowHandle() != nullptr) {
+    view->windowHandle()->setTransientParent(parent->window()->windowHandle());
+  }
+  untilHidden.exec();
+  form.Form_Unload();
+}
+
+void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent) {
+  QtBoxes boxes;
+  Form1 form(mod, line, boxes);
+  if (form.Form_Load()) ShowUntilHidden(form, parent);
+}
+
+}  // namespace keplo::qt

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+#include <map>
+#include <string_view>
+
+#include "qt/menu_bar_view.h"
+#include "qt/model_link.h"
+#include "qt/qt_timer.h"
+#include "qt/twip_scale.h"
+#include "window/form1.h"
+
+namespace keplo::qt {
+
+/// The main window on screen, built from the table of its controls. Its size is fixed; with a font larger
+/// than the design's a twip takes more pixels, so that everything keeps its room. The form outlives it.
+class Form1View : public QWidget {
+ public:
+  explicit Form1View(Form1& form, QWidget* parent = nullptr);
+
+  const TwipScale& Scale() const { return scale_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
+
+ private:
+  void AddControl(const ControlRow& row);
+  void AddTabOrder();
+  void Rescale();
+  double PixelsPerTwip() const;
+  void FitSize();
+
+  Form1& form_;
+  MenuBarView* menuBar_;
+  QWidget* inside_;
+  std::map<const ControlRow*, QWidget*> views_;
+  TwipScale scale_;
+  QtTimer timer_;
+  ModelLink titleLink_;
+  ModelLink sizeLink_;
+  ModelLink hideLink_;
+};
+
+/// Shows a window until its form takes it off the screen.
+/// @param parent whose window has to wait; null for the window of a program of its own
+void ShowUntilHidden(Form1& form, QWidget* parent);
+
+/// Shows the main window over another one, modally, until the user leaves it.
+void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent);
+
+}  // namespace keplo::qt

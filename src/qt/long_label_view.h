@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QLineEdit>
+
+#include "qt/model_link.h"
+#include "ui/label.h"
+
+namespace keplo::qt {
+
+/// A boxed field for a label whose text may be longer than the box: it can be scrolled, selected and copied,
+/// and its tip shows the whole text.
+class LongLabelView : public QLineEdit {
+ public:
+  /// @param tip what the field tells; stands ahead of the text in the tip
+  LongLabelView(ui::Label& model, const QString& tip, QWidget* parent);
+
+ private:
+  void Redraw();
+
+  ui::Label& model_;
+  QString tip_;
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt

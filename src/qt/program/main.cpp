@@ -1,0 +1,93 @@
+#include <CLI/CLI.hpp>
+#include <QApplication>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/line_options.h"
+#include "config/posix_file_system.h"
+#include "formats/recording.h"
+#include "install/first_install.h"
+#include "keplo_mod.h"
+#include "line/line_clock.h"
+#include "line/replay_line.h"
+#include "qt/form1_view.h"
+#include "qt/qt_boxes.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kDone = 0, kNotStarted = 1, kWrongUse = 2;
+
+struct WindowOptions {
+  std::string AppPath;
+  std::vector<std::string> Replay;
+  bool RealTime = false;
+  LineOptions Line;
+};
+
+void AddOptions(CLI::App& app, WindowOptions& options) {
+  app.set_version_flag("--version", "keplo-window " + VersionText);
+  cli::AddAppPathOption(app, options.AppPath);
+  app.add_option("--replay", options.Replay, "Recordings to play as key presses, one each time Record waits");
+  app.add_flag("--real-time", options.RealTime,
+               "Play at the clock of the recordings, not as fast as possible");
+  cli::AddLineOptions(app, options.Line);
+}
+
+bool HasDisplay() {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+}
+
+int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
+  const std::filesystem::path appPath = cli::ResolveAppPath(options.AppPath);
+  PosixFileSystem files;
+  if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
+  std::vector<Recording> recordings;
+  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
+  KeploMod mod(appPath, files);
+  ReplayLine line(std::move(recordings), mod.Settings.ReceiverKind, options.Line);
+  SteadyLineClock clock;
+  if (options.RealTime) line.PlayAgainst(clock);
+  Form1 form(mod, line, boxes);
+  if (!form.Form_Load()) return kNotStarted;
+  qt::ShowUntilHidden(form, nullptr);
+  return kDone;
+}
+
+int RunProgram(int argc, char** argv) {
+  CLI::App app("Records, explains, stores and sends the commands of infrared remotes.", "keplo-window");
+  WindowOptions options;
+  AddOptions(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kWrongUse;
+  }
+  if (!HasDisplay()) {
+    std::cerr << "keplo-window: there is no display to show a window on; set DISPLAY, or use keplo\n";
+    return kNotStarted;
+  }
+  const QApplication application(argc, argv);
+  qt::QtBoxes boxes;
+  try {
+    return RunWindow(options, boxes);
+  } catch (const std::exception& error) {
+    boxes.Message(error.what(), "Keplo");
+    return kNotStarted;
+  }
+}
+
+}  // namespace
+
+}  // namespace keplo
+
+int main(int argc, char** argv) { return keplo::RunProgram(argc, argv); }

@@ -1,0 +1,39 @@
+#include "qt/scroll_bar_view.h"
+
+#include <QKeyEvent>
+#include <QSignalBlocker>
+
+#include "qt/control_look.h"
+
+namespace keplo::qt {
+
+ScrollBarView::ScrollBarView(ui::ScrollBar& model, QWidget* parent)
+    : QScrollBar(Qt::Horizontal, parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
+  setFocusPolicy(Qt::StrongFocus);
+  setSingleStep(model.SmallChange);
+  setPageStep(model.LargeChange);
+  Redraw();
+  connect(this, &QScrollBar::valueChanged, this, [this](int steps) {
+    if (link_.Alive()) model_.SetValue(model_.Min() + Direction() * steps);
+  });
+}
+
+void ScrollBarView::Redraw() {
+  const QSignalBlocker ownChangesOnly(this);
+  setRange(0, Direction() * (model_.Max() - model_.Min()));
+  setValue(Direction() * (model_.Value() - model_.Min()));
+  ShowState(*this, model_);
+}
+
+void ScrollBarView::keyPressEvent(QKeyEvent* event) {
+  // The toolkit's scroll bars turn the keys round for vertical ones, and horizontal ones with them.
+  if (event->key() == Qt::Key_Left) {
+    triggerAction(SliderSingleStepSub);
+  } else if (event->key() == Qt::Key_Right) {
+    triggerAction(SliderSingleStepAdd);
+  } else {
+    QScrollBar::keyPressEvent(event);
+  }
+}
+
+}  // namespace keplo::qt
