@@ -1,11 +1,13 @@
 #include "component/keplo_object.h"
 
+#include <QApplication>
 #include <exception>
 #include <utility>
 
 #include "component/without_display.h"
 #include "events/event_text.h"
 #include "qt/control_view.h"
+#include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
 #include "shell/event_list.h"
@@ -68,9 +70,11 @@ KeploObject::~KeploObject() = default;
 
 KeploWindows KeploObject::Windows() {
   return {*boxes_, *eventDialog_, [this] {
-            log_.Write(LogLevel::Warning,
-                       mayUseDisplay_ ? "There is no configuration window in this build."
-                                      : "The configuration window needs a display; it counts as closed.");
+            if (mayUseDisplay_) {
+              qt::ShowMainWindow(mod_, line_, QApplication::activeWindow());
+            } else {
+              log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
+            }
           }};
 }
 
