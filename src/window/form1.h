@@ -38,6 +38,8 @@ class Form1 : public ui::Window {
  public:
   /// @param line the receiver and transmitter that the settings name
   Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
+  /// A window that goes without a Form_Unload has it here.
+  ~Form1() override { Form_Unload(); }
   Form1(const Form1&) = delete;
   Form1& operator=(const Form1&) = delete;
 
@@ -85,7 +87,8 @@ class Form1 : public ui::Window {
   ui::Label Label2, Label3, Label4, Label5, Label6, Label7, Label8;
   ui::Label Frame1, AddrVal, CmdVal, ToggleVal;
   ui::Label ProcDelayparameter, ReceiverType;
-  ui::Label IRCommand, ZoneNr, BitNr, GType, Rpt, GProt;
+  ui::Label IRCommand;  // a doubled & shows as one
+  ui::Label ZoneNr, BitNr, GType, Rpt, GProt;
   ui::Label plen1, plen0;
   ui::Label Signal;
   ui::Control Line1;

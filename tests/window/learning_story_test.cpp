@@ -179,7 +179,7 @@ TEST_F(LearningStory, AProtocolBringsItsCommandsAndKeepsItsPlaceInTheFile) {
   EXPECT_EQ(form.Protocol.BackColour(), ui::kGreen);
   EXPECT_EQ(form.SendCmd.Entries(), Texts{"Recorded"});
   EXPECT_EQ(form.CodeStr.Text() + form.SendPulse.Text(), "");
-  form.Form_Unload();
+  form_.reset();
   std::string expected = Config(sections);
   expected.replace(expected.find("PROTOCOL= 0"), 11, "PROTOCOL= 1");
   EXPECT_EQ(File(), expected);

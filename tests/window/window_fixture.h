@@ -55,6 +55,7 @@ class SendingLine : public FakeLine {
 class WindowTest : public ::testing::Test {
  protected:
   Form1& Open(const std::string& config) {
+    form_.reset();
     disk_.Put("keplo.cfg", config);
     mod_ = std::make_unique<KeploMod>("/home", disk_);
     form_ = std::make_unique<Form1>(*mod_, line_, boxes_);
