@@ -12,6 +12,7 @@
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
 #include "shell/keplo.h"
+#include "window_scene.h"
 
 namespace keplo {
 namespace {
@@ -81,11 +82,39 @@ class Scene {
   std::unique_ptr<Keplo> control_;
 };
 
+/// The main window on its way: one recording is not yet trusted, a second one of the same code is.
+bool SaveWindow(const QDir& folder) {
+  tests::WindowScene scene;
+  const auto save = [&](const char* file) {
+    QCoreApplication::processEvents();
+    return Save(scene.View(), folder.filePath(QLatin1String(file)));
+  };
+  scene.Record();
+  bool saved = save("window_red.png");
+  scene.Record();
+  saved = save("window_green.png") && saved;
+  scene.Click("GExt");
+  saved = save("window_zoomed.png") && saved;
+  scene.Click("GReset");
+  scene.Click("MinButton");
+  saved = save("window_small.png") && saved;
+  scene.Click("MinButton");
+
+  const QPalette light = QApplication::palette();
+  QApplication::setPalette(tests::DarkPalette());
+  scene.Redraw();
+  saved = save("window_dark.png") && saved;
+  QApplication::setPalette(light);
+  const tests::UserLooks large(2, false);
+  scene.Redraw();
+  return save("window_large_letters.png") && saved;
+}
+
 }  // namespace
 }  // namespace keplo
 
-/// Draws the control and the event dialog, light and dark, into the folder of the first argument. Style, font
-/// and colours are fixed, so that the pictures change only when the views do.
+/// Draws the control, the event dialog and the main window, light and dark, into the folder of the first
+/// argument. Style, font and colours are fixed, so that the pictures change only when the views do.
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication::setStyle(QStringLiteral("Fusion"));
@@ -101,6 +130,7 @@ int main(int argc, char** argv) {
   keplo::Scene scene;
   bool saved = scene.SaveControl(folder.filePath(QStringLiteral("control.png")));
   saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog.png"))) && saved;
+  saved = keplo::SaveWindow(folder) && saved;
   QApplication::setPalette(keplo::tests::DarkPalette());
   saved = scene.SaveControl(folder.filePath(QStringLiteral("control_dark.png"))) && saved;
   saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog_dark.png"))) && saved;
