@@ -1,10 +1,12 @@
 #include "component/keplo_object.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <exception>
 #include <utility>
 
 #include "component/without_display.h"
+#include "config/check_config.h"
 #include "events/event_text.h"
 #include "qt/control_view.h"
 #include "qt/form1_view.h"
@@ -58,6 +60,9 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1) {
   if (inRealTime_) line_.PlayAgainst(lineClock_);
+  if (const std::string damage = CheckConfig(mod_.Store); !damage.empty())
+    log_.Write(LogLevel::Warning, damage);
+  control_.OnPress = [this](const TickReport& tick) { TellPress(tick); };
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
@@ -88,6 +93,9 @@ void* KeploObject::QueryInterface(std::string_view name) {
 }
 
 void KeploObject::Release() {
+  // A handler may let go of the object while the tick that raised its event still needs it.
+  releasedInTick_ = inTick_;
+  if (releasedInTick_) return;
   const std::function<void()> released = std::move(released_);
   delete this;
   released();
@@ -98,14 +106,7 @@ template <typename Result, typename Operation>
 Result KeploObject::Contained(const char* name, Result otherwise, Operation operation) try {
   return operation();
 } catch (const std::exception& failure) {
-  HostErrorRecord record;
-  record.ErrorDate = ui::RecordDate(clock_.Now());
-  record.ErrorDescription = failure.what();
-  record.ErrorProcedure = name;
-  record.ErrorSource = kInputKeploClass;
-  if (const auto* numbered = dynamic_cast<const Failure*>(&failure)) record.ErrorNumber = numbered->Number();
-  bool stopping = false;
-  if (control_.TriggerInputErrorCondition) control_.TriggerInputErrorCondition(record, stopping);
+  control_.ReportFailure(name, failure);
   return otherwise;
 }
 
@@ -144,8 +145,7 @@ std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora
   const std::int32_t result =
       Contained("InputInitialise", kInputFailed, [&] { return control_.InputInitialise(Velmora); });
   if (result != kInputDone) {
-    log_.Write(LogLevel::Error,
-               "The event map cannot be loaded: " + mod_.modData->ErrorDetails().ErrorDescription);
+    log_.Write(LogLevel::Error, "The event map cannot be loaded: " + control_.WhyNotInitialised());
   }
   return result;
 }
@@ -218,9 +218,16 @@ bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& detail
 }
 
 void KeploObject::Tick() {
+  if (inTick_) return;  // a handler of the host runs an event loop of its own
+  inTick_ = true;
   controlTick_();
-  if (control_.LastTick().Captured) TellPress(control_.LastTick());
+  inTick_ = false;
   if (line_.Done()) TellWhenPlayed();
+  if (releasedInTick_) {
+    control_.Timer1.SetEnabled(false);
+    // The timer that runs this tick belongs to the object; it goes when the event loop has left it.
+    QTimer::singleShot(0, QCoreApplication::instance(), [this] { Release(); });
+  }
 }
 
 void KeploObject::TellPress(const TickReport& tick) {
@@ -230,8 +237,9 @@ void KeploObject::TellPress(const TickReport& tick) {
   if (reason.empty()) return;
   ++tally_.WithoutEvent;
   const PlayedPress* press = line_.LastPress();
-  log_.Write(LogLevel::Notice,
-             press->Path + " press " + std::to_string(press->Number) + ": heard, but no event: " + reason);
+  const std::string place =
+      press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number);
+  log_.Write(LogLevel::Notice, place + ": heard, but no event: " + reason);
 }
 
 void KeploObject::TellWhenPlayed() {

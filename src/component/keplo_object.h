@@ -88,6 +88,8 @@ class KeploObject final : public IComponentObject,
   qt::QtTimer timer_;
   EventSinks sinks_;
   Tally tally_;
+  bool inTick_ = false;
+  bool releasedInTick_ = false;
 };
 
 }  // namespace keplo::component

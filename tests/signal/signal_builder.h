@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,9 +31,10 @@ inline std::string Bytes(std::string samples) {
 }
 
 /// A capture of the given length with the samples at its head and silence behind them.
-inline std::string Padded(std::string bytes, std::size_t length = 510) {
-  bytes.resize(length, '\0');
-  return bytes;
+inline std::string Padded(const std::string& bytes, std::size_t length = 510) {
+  std::string padded(length, '\0');
+  std::copy_n(bytes.begin(), std::min(bytes.size(), length), padded.begin());
+  return padded;
 }
 
 /// Pulse distance press: leader, one mark and space a digit, closing mark; a unit is 10 and 11 samples in
