@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "qt/control_look.h"
 
@@ -66,8 +67,14 @@ void TraceView::Draw() {
   picture_.fill(box_.BackColour() ? Shown(*box_.BackColour()) : palette().color(QPalette::Window));
   QPainter painter(&picture_);
   const Grid grid(part_, pixels);
-  for (const auto& point : surface_.Points()) painter.fillRect(grid.Dot(point), Shown(point.Pen));
-  for (const auto& line : surface_.Lines()) painter.fillRect(grid.Edge(line), Shown(line.Pen));
+  std::pair<QRect, ui::Colour> last;
+  const auto fill = [&](const QRect& box, ui::Colour pen) {
+    // A trace that is squeezed puts many samples on one pixel.
+    if (std::pair(box, pen) != last) painter.fillRect(box, Shown(pen));
+    last = {box, pen};
+  };
+  for (const auto& point : surface_.Points()) fill(grid.Dot(point), point.Pen);
+  for (const auto& line : surface_.Lines()) fill(grid.Edge(line), line.Pen);
 }
 
 void TraceView::paintEvent(QPaintEvent* /*event*/) {
