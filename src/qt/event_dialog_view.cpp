@@ -88,6 +88,8 @@ void AlignFields(const std::array<QWidget*, 2>& forms) {
 EventDialogView::EventDialogView(frmEvent& model, QWidget* parent)
     : QDialog(parent),
       model_(model),
+      hint_(new QLabel(this)),
+      hintLink_(model.Hint.OnChanged, [this] { hint_->setText(ShownText(model_.Hint.Text())); }),
       titleLink_(model.OnTitleChanged, [this] { setWindowTitle(ShownText(model_.Title())); }),
       hideLink_(model.OnHide, [this] { done(QDialog::Accepted); }) {
   setObjectName(QStringLiteral("frmEvent"));
@@ -135,7 +137,9 @@ QLayout* EventDialogView::Buttons() {
   connect(cancel, &QPushButton::clicked, this, [this] { model_.CancelButton_Click(); });
 
   auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
+  hint_->setObjectName(QStringLiteral("Hint"));
+  hint_->setTextFormat(Qt::PlainText);
+  buttons->addWidget(hint_, 1);
   buttons->addWidget(accept);
   buttons->addWidget(cancel);
   return buttons;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QLabel>
 
 #include "qt/model_link.h"
 #include "shell/frm_event.h"
@@ -21,6 +22,8 @@ class EventDialogView : public QDialog {
   QLayout* Buttons();
 
   frmEvent& model_;
+  QLabel* hint_;
+  ModelLink hintLink_;
   ModelLink titleLink_;
   ModelLink hideLink_;
 };

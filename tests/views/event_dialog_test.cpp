@@ -75,6 +75,9 @@ TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommands) {
     EXPECT_EQ(commands.currentText(), QStringLiteral("POWER"));
     QTest::keyClick(&Find<QComboBox>(dialog, "Protocol"), Qt::Key_Down);
     EXPECT_EQ(commands.currentIndex(), -1);
+    Click(dialog, "OKButton");
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(Find<QLabel>(dialog, "Hint").text(), QStringLiteral("Pick a protocol and a command first."));
     QTest::keyClick(&commands, Qt::Key_Down);
     EXPECT_EQ(Find<QLineEdit>(dialog, "EventDescription").text(), QStringLiteral("PLAY from SONY"));
     Find<QLineEdit>(dialog, "EventName").selectAll();
