@@ -101,8 +101,8 @@ class Keplo {
   void DisableMenu_Click() { SwitchSelectedEvent(false); }
   void HelpMenu_Click();
 
-  /// Tells the host of a failure and keeps its record for InputErrorDetails. A host whose handler fails too is
-  /// left alone.
+  /// Tells the host of a failure and keeps its record for InputErrorDetails. A host whose handler fails too
+  /// is left alone.
   /// @return 0
   std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure);
 
