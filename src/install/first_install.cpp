@@ -7,7 +7,7 @@
 #include "events/event_schema.h"
 #include "events/event_table.h"
 #include "failure.h"
-#include "install/shipped_config.h"
+#include "install/shipped_files.h"
 
 namespace keplo {
 
@@ -23,7 +23,13 @@ void CreateFolder(const std::filesystem::path& folder) {
 }
 
 bool IsThere(const std::filesystem::path& path) {
-  return std::filesystem::symlink_status(path).type() != std::filesystem::file_type::not_found;
+  std::error_code error;
+  const std::filesystem::file_type type = std::filesystem::symlink_status(path, error).type();
+  if (type == std::filesystem::file_type::none) {
+    throw Failure(error.value(), "Cannot look for " + path.string() + ": " + error.message() +
+                                     ". Check the rights of its folder.");
+  }
+  return type != std::filesystem::file_type::not_found;
 }
 
 }  // namespace
@@ -35,8 +41,8 @@ bool IsSetUp(const std::filesystem::path& appPath) {
 bool BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
   bool brought = false;
-  if (const auto config = appPath / "keplo.cfg"; !IsThere(config)) {
-    brought = CreateFile(files, config, ShippedConfig());
+  for (const ShippedFile& shipped : ShippedFiles()) {
+    if (!IsThere(appPath / shipped.Name)) brought |= CreateFile(files, appPath / shipped.Name, shipped.Bytes);
   }
   if (const auto database = appPath / kDatabaseFile; !IsThere(database)) {
     CreateEventTable(database);

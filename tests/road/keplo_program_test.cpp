@@ -11,18 +11,14 @@ namespace keplo {
 namespace {
 
 using nlohmann::json;
+using tests::CapturesFolder;
 using tests::Lines;
+using tests::Quoted;
 using tests::Ran;
 using tests::RunKeplo;
 using tests::TempFolder;
 
 const std::filesystem::path kSamples = std::filesystem::path(KEPLO_SOURCE_DIR) / "samples";
-
-std::filesystem::path CapturesFolder() {
-  const char* named = std::getenv("KEPLO_CAPTURES");
-  return named != nullptr ? std::filesystem::path(named)
-                          : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
-}
 
 json ReadIndex(const std::filesystem::path& folder) {
   std::ifstream file(folder / "index.json");
@@ -35,8 +31,6 @@ std::string CodeOf(const json& entry) {
   if (entry.at("protocol") == "rc5") bits[2] = '0';
   return bits;
 }
-
-std::string Quoted(const std::filesystem::path& path) { return " '" + path.string() + "'"; }
 
 std::string AppPath(const TempFolder& folder) { return " --app-path" + Quoted(folder.Path()); }
 
@@ -88,6 +82,33 @@ TEST(KeploProgram, ReadsRealRecordingsOrSaysWhyNot) {
     }
     EXPECT_GE(right, 9) << sampleTime << " us";
   }
+}
+
+TEST(KeploProgram, RaisesTheEventsOfRealRecordingsAndNamesTheRefused) {
+  const std::filesystem::path captures = CapturesFolder();
+  if (!std::filesystem::exists(captures / "index.json")) {
+    GTEST_SKIP() << "no real recordings at " << captures << "; KEPLO_CAPTURES names their folder";
+  }
+  const TempFolder home;
+  ASSERT_EQ(RunKeplo("install" + AppPath(home) + " --teach" + Quoted(captures / "index.json")).Status, 0);
+  ASSERT_EQ(RunKeplo("events add --each" + AppPath(home)).Status, 0);
+  std::size_t raised = 0;
+  const json index = ReadIndex(captures);
+  for (const json& entry : index) {
+    const std::filesystem::path file = captures / entry.at("file").get<std::string>();
+    const Ran ran = RunKeplo("monitor --once --json" + AppPath(home) + " --replay" + Quoted(file));
+    const std::vector<std::string> events = Lines(ran.Out);
+    EXPECT_LE(events.size(), 1U) << ran.Out;
+    if (events.empty()) {
+      EXPECT_NE(ran.Err.find(file.string() + " press 1: heard, but no event: no-timing"), std::string::npos)
+          << ran.Err;
+      continue;
+    }
+    ++raised;
+    const Ran lookup = RunKeplo("lookup " + CodeOf(entry) + AppPath(home));
+    EXPECT_EQ(json::parse(events[0]).at("command").get<std::string>() + "\n", lookup.Out) << entry;
+  }
+  EXPECT_GE(raised, 9U);
 }
 
 TEST(KeploProgram, LearnsAnIndexAndRaisesItsEvents) {

@@ -11,12 +11,12 @@ namespace keplo {
 namespace {
 
 using nlohmann::json;
+using tests::CapturesFolder;
 using tests::Lines;
+using tests::Quoted;
 using tests::Ran;
 using tests::RunKeplo;
 using tests::TempFolder;
-
-std::string Quoted(const std::filesystem::path& path) { return " '" + path.string() + "'"; }
 
 /// An application path with a first install.
 class Install {
@@ -30,12 +30,6 @@ class Install {
  private:
   TempFolder folder_;
 };
-
-std::filesystem::path CapturesFolder() {
-  const char* named = std::getenv("KEPLO_CAPTURES");
-  return named != nullptr ? std::filesystem::path(named)
-                          : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
-}
 
 /// A press that no sample has learned.
 std::string NewPress(const Install& install, const std::string& name, const std::string& synth) {

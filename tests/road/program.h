@@ -3,6 +3,8 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,16 @@ inline Ran RunShell(const std::string& command) {
 
 /// Runs the real keplo program.
 inline Ran RunKeplo(const std::string& words) { return RunShell("'" KEPLO_PROGRAM "' " + words); }
+
+/// A path as a further word of a shell command.
+inline std::string Quoted(const std::filesystem::path& path) { return " '" + path.string() + "'"; }
+
+/// Where the recordings of real remotes lie; the folder may not be there.
+inline std::filesystem::path CapturesFolder() {
+  const char* named = std::getenv("KEPLO_CAPTURES");
+  return named != nullptr ? std::filesystem::path(named)
+                          : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
+}
 
 inline std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;

@@ -23,6 +23,9 @@ TEST(FirstInstall, BringsWhatIsMissingAndNeverOverwrites) {
   EXPECT_TRUE(colclsKeploEvents(data, clock).Initialise(list));
   EXPECT_EQ(list.Count(), 0);
 
+  EXPECT_EQ(folder.Read("new/home/inkeplo.ico").substr(0, 4), std::string("\0\0\1\0", 4))
+      << "the host asks for it";
+
   folder.Write("new/home/keplo.cfg", "mine");
   EXPECT_FALSE(BringFirstInstall(appPath, files));
   EXPECT_EQ(folder.Read("new/home/keplo.cfg"), "mine");

@@ -1,3 +1,4 @@
+#include "allocations.h"
 #include "shell_fixture.h"
 #include "signal/signal_builder.h"
 
@@ -32,6 +33,13 @@ TEST_F(Tick, CostsTwoLineReadsAtRest) {
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls(), (Calls{"DCD", "DCD"}));
   EXPECT_TRUE(control.Timer1.Enabled());
+}
+
+TEST_F(Tick, AllocatesNothingAtRest) {
+  Keplo& control = Start();
+  const std::size_t before = tests::Allocations();
+  for (int tick = 0; tick < 1000; ++tick) control.Timer1.Tick();
+  EXPECT_EQ(tests::Allocations(), before);
 }
 
 TEST_F(Tick, CapturesAsTheReceiverNeedsIt) {

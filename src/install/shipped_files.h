@@ -1,0 +1,17 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace keplo {
+
+/// A file of a first install, byte for byte.
+struct ShippedFile {
+  std::string_view Name;
+  std::string_view Bytes;
+};
+
+/// keplo.cfg and the icon.
+std::span<const ShippedFile> ShippedFiles();
+
+}  // namespace keplo
