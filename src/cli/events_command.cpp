@@ -76,7 +76,7 @@ void Add(OpenMap& map, const clsKeploEvent& event) {
 }
 
 /// An event for a command that is not learned never fires; it may be learned later.
-void WarnOfUnknownCommand(const EventOptions& options, const std::string& reference) {
+void WarnOfUnknownCommand(const EventOptions& options, const std::string& reference) try {
   const OpenConfig config(options.AppPath);
   const std::string& text = config.Mod.Store.CfgText;
   for (const std::string& protocol : ListProtocols(text)) {
@@ -86,6 +86,8 @@ void WarnOfUnknownCommand(const EventOptions& options, const std::string& refere
   }
   std::cerr << "keplo: " << reference << " is no learned command yet; the event fires only once it is. "
             << "keplo commands lists those that are\n";
+} catch (const Failure& failure) {
+  std::cerr << "keplo: " << failure.what() << '\n';
 }
 
 int AddOne(const EventOptions& options) {
@@ -98,8 +100,8 @@ int AddOne(const EventOptions& options) {
   CheckText("EventID", event.EventID);
   CheckText("name", event.EventName);
   CheckText("description", event.EventDescription);
-  WarnOfUnknownCommand(options, event.IRCommand);
   Add(map, event);
+  WarnOfUnknownCommand(options, event.IRCommand);
   std::cout << event.EventID << '\n';
   return kDone;
 }

@@ -1,6 +1,7 @@
 #include "cli/open_map.h"
 
 #include <iostream>
+#include <utility>
 
 #include "cli/app_path.h"
 #include "config/check_config.h"
@@ -27,6 +28,7 @@ OpenMap::OpenMap(const std::string& appPathOption)
     if (failure_.empty()) failure_ = Database.ErrorDetails().ErrorDescription;
     throw Failure(1, "The event map cannot be loaded: " + failure_);
   }
+  if (!failure_.empty()) std::cerr << "keplo: " << std::exchange(failure_, "") << '\n';
 }
 
 }  // namespace keplo::cli

@@ -30,10 +30,12 @@ struct RecordOptions {
 
 /// The learned commands, if there are any: without an install nothing is known, but all else can be told.
 std::unique_ptr<OpenConfig> LearnedCommands(const std::string& appPath) {
-  std::error_code ignored;
-  const bool required = !appPath.empty();
-  if (!required && !std::filesystem::exists(ResolveAppPath(appPath) / "keplo.cfg", ignored)) return nullptr;
-  return std::make_unique<OpenConfig>(appPath);
+  try {
+    return std::make_unique<OpenConfig>(appPath);
+  } catch (const Failure&) {
+    if (!appPath.empty()) throw;
+    return nullptr;
+  }
 }
 
 std::string KnownAs(OpenConfig* config, const RecordReading& reading) {

@@ -17,6 +17,8 @@ class EventSinks : public IHostEventSource {
   }
   void Unsubscribe(std::uint32_t cookie) override { sinks_.erase(cookie); }
 
+  void Clear() { sinks_.clear(); }
+
   /// Calls every sink in the order of subscription; one may unsubscribe any of them meanwhile.
   template <typename Call>
   void ForEach(Call call) {

@@ -46,6 +46,21 @@ std::unique_ptr<EventDialogShower> MakeEventDialog(bool mayUseDisplay, const Log
 
 }  // namespace
 
+/// While one lives, a release waits: a handler may let go of the object inside the tick or operation that
+/// raised its event and still needs it.
+class KeploObject::Busy {
+ public:
+  explicit Busy(KeploObject& object) : object_(object) { ++object_.depth_; }
+  ~Busy() {
+    if (--object_.depth_ == 0 && object_.releasePending_) object_.ReleaseLater();
+  }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  KeploObject& object_;
+};
+
 KeploObject::KeploObject(const CreationContext& context, std::function<void()> released)
     : mayUseDisplay_(context.MayUseDisplay),
       inRealTime_(context.ReplayInRealTime),
@@ -64,9 +79,11 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
     log_.Write(LogLevel::Warning, damage);
   control_.OnPress = [this](const TickReport& tick) { TellPress(tick); };
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
+    const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
+    const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
   };
 }
@@ -92,10 +109,20 @@ void* KeploObject::QueryInterface(std::string_view name) {
   return nullptr;
 }
 
+/// The timer that runs a tick belongs to the object, which goes when the event loop has left it.
+void KeploObject::ReleaseLater() {
+  control_.Timer1.SetEnabled(false);
+  QTimer::singleShot(0, QCoreApplication::instance(), [this] { Release(); });
+}
+
 void KeploObject::Release() {
-  // A handler may let go of the object while the tick that raised its event still needs it.
-  releasedInTick_ = inTick_;
-  if (releasedInTick_) return;
+  releasePending_ = depth_ > 0;
+  if (releasePending_) {
+    // Nothing of a host that has let go is called any more.
+    sinks_.Clear();
+    replayPlayed_ = nullptr;
+    return;
+  }
   const std::function<void()> released = std::move(released_);
   delete this;
   released();
@@ -104,6 +131,7 @@ void KeploObject::Release() {
 /// Runs an operation of the control; what it throws never crosses to the host, who gets an error record.
 template <typename Result, typename Operation>
 Result KeploObject::Contained(const char* name, Result otherwise, Operation operation) try {
+  const Busy busy(*this);
   return operation();
 } catch (const std::exception& failure) {
   control_.ReportFailure(name, failure);
@@ -218,19 +246,13 @@ bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& detail
 }
 
 void KeploObject::Tick() {
-  if (inTick_) return;  // a handler of the host runs an event loop of its own
-  inTick_ = true;
+  const Busy busy(*this);
   controlTick_();
-  inTick_ = false;
   if (line_.Done()) TellWhenPlayed();
-  if (releasedInTick_) {
-    control_.Timer1.SetEnabled(false);
-    // The timer that runs this tick belongs to the object; it goes when the event loop has left it.
-    QTimer::singleShot(0, QCoreApplication::instance(), [this] { Release(); });
-  }
 }
 
 void KeploObject::TellPress(const TickReport& tick) {
+  if (releasePending_) return;
   ++tally_.Presses;
   tally_.Events += tick.Dispatched.Raised;
   const std::string reason = WhyNoEvent(tick);

@@ -65,6 +65,9 @@ class KeploObject final : public IComponentObject,
   template <typename Result, typename Operation>
   Result Contained(const char* name, Result otherwise, Operation operation);
 
+  class Busy;
+
+  void ReleaseLater();
   KeploWindows Windows();
   void Tick();
   void TellPress(const TickReport& tick);
@@ -88,8 +91,8 @@ class KeploObject final : public IComponentObject,
   qt::QtTimer timer_;
   EventSinks sinks_;
   Tally tally_;
-  bool inTick_ = false;
-  bool releasedInTick_ = false;
+  int depth_ = 0;  // how many operations and ticks are under way, one inside another
+  bool releasePending_ = false;
 };
 
 }  // namespace keplo::component

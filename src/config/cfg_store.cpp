@@ -69,7 +69,8 @@ void LoadConfig(CfgStore& store) {
       throw Failure(EFBIG, store.Path.string() + ": the file has " + std::to_string(size) +
                                " characters, which is above the limit of " + std::to_string(kMostCharacters));
     }
-    store.ReplaceText(store.Files.Read(store.Path, kMostCharacters + 1));
+    // Here and not in a save, so that no position moves between a change and its save.
+    store.ReplaceText(WithBlanks(store.Files.Read(store.Path, kMostCharacters + 1)));
   } catch (const Failure& failure) {
     throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
   }
@@ -78,7 +79,7 @@ void LoadConfig(CfgStore& store) {
 void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
 
 void ReplaceAndSave(CfgStore& store, std::string text) {
-  std::string saved = CutBehindLastHeader(WithBlanks(text));
+  std::string saved = CutBehindLastHeader(text);
   if (saved.empty()) {
     store.ReplaceText(std::move(text));
     return;

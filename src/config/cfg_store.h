@@ -31,11 +31,12 @@ struct CfgStore {
   std::string NewCmdLine;               // the line or block about to be inserted
 };
 
-/// Reads the file into CfgText, byte for byte.
+/// Reads the file into CfgText, byte for byte but for one thing: where a hand-edited key lacks the blank
+/// behind its =, the blank is written in, and the next save takes it to the file.
 /// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
 void LoadConfig(CfgStore& store);
 
-/// Writes in the blanks that are missing behind the keys, cuts CfgText behind its last ] and writes it to the
+/// Cuts CfgText behind its last ] and writes it to the
 /// file, with CR LF behind it in both. Without a ] text and file stay as they are.
 /// @throws Failure if the file cannot be written: the old file is whole and CfgText as it was. If only the
 /// flush of the folder fails, at the very end, the new text is in place in both, and the message says so.

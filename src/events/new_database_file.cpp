@@ -15,6 +15,7 @@ namespace keplo {
 
 namespace {
 
+constexpr const char* kOwnDescriptors = "/proc/self/fd/";
 constexpr mode_t kMode = 0666;  // less the umask
 
 void Require(bool done, const std::filesystem::path& path) {
@@ -42,8 +43,10 @@ bool NewDatabaseFile::Descriptor::Open(int number) {
 NewDatabaseFile::NewDatabaseFile(const std::filesystem::path& target) : target_(target) {
   const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
   Require(folder_.Open(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), target_);
-  if (file_.Open(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode))) return;
-  Require(errno == EOPNOTSUPP || errno == EISDIR, target_);  // the file system has no files without a name
+  if (access(kOwnDescriptors, X_OK) == 0) {  // without it a nameless file could get no name
+    if (file_.Open(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kMode))) return;
+    Require(errno == EOPNOTSUPP || errno == EISDIR, target_);  // the file system has no files without a name
+  }
 
   // One fixed name, so that a killed program leaves one file at most, which the next one tells of.
   const std::string name = target.string() + ".new";
@@ -73,7 +76,7 @@ void NewDatabaseFile::TakePlace() {
 
 bool NewDatabaseFile::TakeName() const {
   if (temporaryName_.empty()) {
-    const std::string byDescriptor = "/proc/self/fd/" + std::to_string(file_.Number());
+    const std::string byDescriptor = std::string(kOwnDescriptors) + std::to_string(file_.Number());
     return linkat(AT_FDCWD, byDescriptor.c_str(), AT_FDCWD, target_.c_str(), AT_SYMLINK_FOLLOW) == 0;
   }
   if (renameat2(AT_FDCWD, temporaryName_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE) == 0)

@@ -67,7 +67,9 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   try {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
-    rows.Delete();
+    // Tables of earlier versions may hold an EventID twice.
+    do rows.Delete();
+    while (!rows.Eof());
   } catch (const std::exception&) {
     // A step that fails is skipped, and nobody is told.
   }

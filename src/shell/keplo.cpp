@@ -141,7 +141,7 @@ void Keplo::RaiseError(HostErrorRecord& record) const {
   }
 }
 
-std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) {
+std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) noexcept try {
   const auto* numbered = dynamic_cast<const Failure*>(&failure);
   // The host's handler may release the record; it lives to the end of the report.
   const auto record = std::make_shared<HostErrorRecord>();
@@ -153,6 +153,8 @@ std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::excepti
   record->ErrorSource = "InputKeplo.Keplo";
   RaiseError(*record);
   return 0;
+} catch (...) {
+  return 0;  // there is no memory left for the record
 }
 
 }  // namespace keplo

@@ -104,7 +104,7 @@ class Keplo {
   /// Tells the host of a failure and keeps its record for InputErrorDetails. A host whose handler fails too
   /// is left alone.
   /// @return 0
-  std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure);
+  std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure) noexcept;
 
   /// The host's handlers; they run inside the call that raises the event.
   std::function<void(HostInputEvent&)> TriggerInputEvent;
@@ -127,6 +127,8 @@ class Keplo {
   void ShowInterface();
   void Timer1_Timer();
   void Tick();
+  template <typename Part>
+  void Reporting(Part part);
   void RaiseInputEvent(HostInputEvent& event);
   bool LineIsAtRest();
   void Capture();

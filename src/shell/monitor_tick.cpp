@@ -8,18 +8,6 @@ namespace keplo {
 
 namespace {
 
-/// Sets a flag for a scope.
-class Flagged {
- public:
-  explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Flagged() { flag_ = false; }
-  Flagged(const Flagged&) = delete;
-  Flagged& operator=(const Flagged&) = delete;
-
- private:
-  bool& flag_;
-};
-
 constexpr std::string_view kTickProcedure = "Timer1_Timer";
 const std::runtime_error kNamelessFailure("a failure without a text");
 
@@ -29,39 +17,41 @@ void Keplo::Timer1_Timer() {
   // The timer is off in a tick, but a handler of the host may turn it on and run an event loop of its own.
   if (inTick_) return;
   Timer1.SetEnabled(false);
-  {
-    const Flagged tick(inTick_);
-    Tick();
-  }
+  inTick_ = true;
+  Reporting([this] { Tick(); });
+  inTick_ = false;
   if (!terminated_) Timer1.SetEnabled(true);
-  if (lastTick_.Captured && OnPress) OnPress(lastTick_);
-}
-
-void Keplo::Tick() try {
-  if (LineIsAtRest()) {
-    lastTick_.Captured = false;
-    return;
+  if (lastTick_.Captured && OnPress) {
+    Reporting([this] { OnPress(lastTick_); });
   }
-  lastTick_ = TickReport{};
-  lastTick_.Captured = true;
-  Capture();
-  ReadAndDispatch();
-} catch (const std::exception& failure) {
-  ReportFailure(kTickProcedure, failure);
-} catch (...) {
-  ReportFailure(kTickProcedure, kNamelessFailure);
 }
 
-/// Runs the host's handler. One that fails is told to the host, and the other rows of the press are raised
-/// all the same.
-void Keplo::RaiseInputEvent(HostInputEvent& event) {
+/// Runs a part of a tick; what it throws is told to the host, and the tick goes on to its end.
+template <typename Part>
+void Keplo::Reporting(Part part) {
   try {
-    if (TriggerInputEvent) TriggerInputEvent(event);
+    part();
   } catch (const std::exception& failure) {
     ReportFailure(kTickProcedure, failure);
   } catch (...) {
     ReportFailure(kTickProcedure, kNamelessFailure);
   }
+}
+
+void Keplo::Tick() {
+  lastTick_.Captured = false;
+  if (LineIsAtRest()) return;
+  lastTick_ = TickReport{};
+  lastTick_.Captured = true;
+  Capture();
+  ReadAndDispatch();
+}
+
+/// A host whose handler fails at one row gets the other rows of the press all the same.
+void Keplo::RaiseInputEvent(HostInputEvent& event) {
+  Reporting([&] {
+    if (TriggerInputEvent) TriggerInputEvent(event);
+  });
 }
 
 bool Keplo::LineIsAtRest() {

@@ -184,6 +184,17 @@ TEST(DeleteCommand, LeavesThePlaceholderInAnEmptySection) {
   EXPECT_EQ(disk.File(), With({"# above", "G10,EMPTY", "# below"}));
 }
 
+TEST(WindowSteps, PutThePlaceholderBackInItsPlaceInAFileWithoutBlanks) {
+  std::string text = With({"G1010,POWER"});
+  for (std::size_t i = 0; (i = text.find("= ", i)) != std::string::npos;) text.erase(i + 1, 1);
+  StoreOnDisk disk(text);
+  disk.Store.CurProtocol = "NEC";
+  disk.Store.CurCommand = "POWER";
+  EXPECT_TRUE(RemoveCommand(disk.Store));
+  SaveConfig(disk.Store);
+  EXPECT_EQ(disk.File(), With({"G10,EMPTY"}));
+}
+
 TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
   struct Change {
     std::function<void(CfgStore&)> Run;

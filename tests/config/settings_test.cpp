@@ -113,7 +113,7 @@ TEST(SetGeneralValue, ChangesOneLineOfTheFile) {
   }
 }
 
-TEST(SaveConfig, WritesInTheBlanksThatAHandEditedFileLacks) {
+TEST(LoadConfig, WritesInTheBlanksThatAHandEditedFileLacks) {
   StoreOnDisk disk(
       "[General]\r\nCOMPORT=1\r\nVEXIL=\r\n[A]\r\n# GPROTO=1\r\nBITG= 1\r\nGREPEAT=-1\r\n[END]\r\n");
   SaveConfig(disk.Store);

@@ -128,6 +128,15 @@ TEST_F(Tick, TellsWhatBecameOfEachPressOnce) {
   EXPECT_EQ(told, "1;0;1;");
 }
 
+TEST_F(Tick, GoesOnWhenTheTellerFails) {
+  Keplo& control = Start();
+  control.OnPress = [](const TickReport&) { throw Failure(5, "no paper"); };
+  line_.Captures = {Press(kDigits)};
+  control.Timer1.Tick();
+  EXPECT_EQ(errors_, (Calls{"InputKeplo.Keplo Timer1_Timer: no paper"}));
+  EXPECT_TRUE(control.Timer1.Enabled());
+}
+
 TEST_F(Tick, TurnsTheTimerOnAgainEvenIfTheHostStoppedItInside) {
   Keplo& control = Start();
   line_.Captures = {Press(kDigits)};
