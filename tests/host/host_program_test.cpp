@@ -80,6 +80,24 @@ TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
   }
 }
 
+TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {
+  const std::string classFile = "home/.local/share/velmora/classes/InputKeplo.Keplo.json";
+  const auto statusOf = [&](const std::vector<std::string>& options) {
+    RunningHost host(app_);
+    host.Start(options);
+    return host.Wait();
+  };
+  std::filesystem::create_directories(app_.Home() / ".local/share/velmora/classes");
+  for (const char* damaged : {"{\"class\": \"Inp", R"({"component": "/gone.so"})"}) {
+    app_.Write(classFile, damaged);
+    EXPECT_EQ(statusOf({"--register"}), 0);
+    EXPECT_EQ(nlohmann::json::parse(app_.Read(classFile))["component"], KEPLO_COMPONENT);
+    app_.Write(classFile, damaged);
+    EXPECT_EQ(statusOf({"--unregister", "--component", "/gone.so"}), 0);
+    EXPECT_FALSE(std::filesystem::exists(app_.Home() / ".local/share/velmora/classes/InputKeplo.Keplo.json"));
+  }
+}
+
 TEST_F(HostProgramTest, RefusesWhatItCannotRunWith) {
   struct Case {
     std::vector<std::string> Options;

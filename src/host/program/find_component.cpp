@@ -23,17 +23,21 @@ bool IsRegistered() {
 }  // namespace
 
 std::filesystem::path FindComponent(const std::filesystem::path& named) {
+  if (named.empty() && IsRegistered()) return ReadClassFile(kInputKeploClass);
+  return FindComponentToRegister(named);
+}
+
+std::filesystem::path FindComponentToRegister(const std::filesystem::path& named) {
   if (!named.empty()) return named;
-  if (IsRegistered()) return ReadClassFile(kInputKeploClass);
   const std::filesystem::path programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   const std::filesystem::path beside = programs / kFileName;
   const std::filesystem::path installed = programs.parent_path() / KEPLO_LIBDIR / "keplo" / kFileName;
   for (const auto& file : {beside, installed}) {
     if (std::filesystem::exists(file)) return file;
   }
-  throw Failure(ENOENT, "The component of " + std::string(kInputKeploClass) +
-                            " is not registered, and neither " + beside.string() + " nor " +
-                            installed.string() + " is there. Name it by --component.");
+  throw Failure(ENOENT, "There is no component of " + std::string(kInputKeploClass) + ": neither " +
+                            beside.string() + " nor " + installed.string() +
+                            " is there. Name it by --component.");
 }
 
 }  // namespace keplo::host

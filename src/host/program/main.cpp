@@ -41,17 +41,21 @@ std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool h
   return std::make_unique<QApplication>(argc, argv);
 }
 
-int RunErrand(const HostOptions& options) {
-  const Component component(FindComponent(options.ComponentFile));
-  if (options.ToDo == Errand::Register) {
-    component.Register();
-    std::cout << kInputKeploClass << " is " << component.File().string() << ", as "
-              << ClassFilePath(kInputKeploClass).string() << " says\n";
-  } else {
-    component.Unregister();
-    std::cout << kInputKeploClass << " is no longer registered\n";
+void Register(const HostOptions& options) {
+  const Component component(FindComponentToRegister(options.ComponentFile));
+  component.Register();
+  std::cout << kInputKeploClass << " is " << component.File().string() << ", as "
+            << ClassFilePath(kInputKeploClass).string() << " says\n";
+}
+
+void Unregister(const HostOptions& options) {
+  try {
+    Component(FindComponentToRegister(options.ComponentFile)).Unregister();
+  } catch (const Failure& failure) {
+    std::cerr << "keplo-host: " << failure.what() << "\nThe class file is removed all the same.\n";
   }
-  return kDone;
+  RemoveClassFile(kInputKeploClass);
+  std::cout << kInputKeploClass << " is no longer registered\n";
 }
 
 /// Gives programs that still run a little time to end.
@@ -108,7 +112,10 @@ int main(int argc, char** argv) {
   try {
     HostOptions options;
     if (const auto status = ReadOptions(argc, argv, options)) return *status;
-    if (options.ToDo != Errand::Run) return RunErrand(options);
+    if (options.ToDo != Errand::Run) {
+      options.ToDo == Errand::Register ? Register(options) : Unregister(options);
+      return kDone;
+    }
     const HostLog log(options.Json, std::getenv("JOURNAL_STREAM") != nullptr);
     try {
       StopSignals stop;
