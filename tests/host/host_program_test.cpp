@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <nlohmann/json.hpp>
 
 #include "host/running_host.h"
@@ -8,6 +10,13 @@ namespace {
 
 class HostProgramTest : public ::testing::Test {
  protected:
+  /// A pipe to which nobody writes.
+  std::string Fifo() const {
+    std::string path = (app_.Path() / "fifo").string();
+    EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+    return path;
+  }
+
   ApplicationPath app_;
   RunningHost host_{app_};
 };
@@ -59,15 +68,16 @@ TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
   host_.Set("TOLD", told);
   app_.Write(
       "book.json",
-      nlohmann::json{{"version", 1},
-                     {"events",
-                      {{"17",
-                        {{"actions",
-                          {{{"kind", "dance"}},
-                           {{"kind", "run"}, {"program", "/missing/program"}},
-                           {{"kind", "run"}},
-                           {{"kind", "run"}, {"program", "/bin/sh"}, {"arguments", {script, "$(reboot); *"}}},
-                           {{"kind", "shell"}, {"command", "echo said | tr a-z A-Z; exit 3"}}}}}}}}}
+      nlohmann::json{
+          {"version", 1},
+          {"events",
+           {{"17",
+             {{"actions",
+               {{{"kind", "dance"}},
+                {{"kind", "run"}, {"program", "/missing/program"}},
+                {{"kind", "run"}},
+                {{"kind", "run"}, {"program", "/bin/sh"}, {"arguments", {script, "$(reboot); *"}}},
+                {{"kind", "shell"}, {"command", "echo said | tr a-z A-Z; printf %5000d 7; exit 3"}}}}}}}}}
           .dump());
   host_.Start({"--once", "--host-file", (app_.Path().parent_path() / "book.json").string(), "--replay",
                ApplicationPath::Sample("nec_tv_power")});
@@ -75,9 +85,22 @@ TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
   EXPECT_EQ(app_.Read("app/told.txt"), "$(reboot); *|17|Lamp on|NEC&TV_POWER|0");
   const std::string log = host_.Log();
   for (const char* line : {"no kind of action dance", "/missing/program cannot be started", "is not complete",
-                           "Event 17: SAID", "/bin/sh ended with status 3"}) {
+                           "Event 17: SAID", " 7\n", "/bin/sh ended with status 3"}) {
     EXPECT_NE(log.find(line), std::string::npos) << line << " in\n" << log;
   }
+}
+
+TEST_F(HostProgramTest, EndsProgramsThatDoNotEnd) {
+  app_.AddEvents({kPowerEvent});
+  app_.Write("app/host.json",
+             R"({"version": 1, "events": {"17": {"actions": [{"kind": "run", "program": "/bin/sh",
+                "arguments": ["-c", "trap '' TERM; echo deaf; read never < \"$0\"", ")" +
+                 Fifo() + R"("]}]}}})");
+  host_.Start({"--once", "--replay", ApplicationPath::Sample("nec_tv_power")});
+  host_.WaitForLog("deaf");
+  host_.Terminate();
+  EXPECT_EQ(host_.Wait(), 0);
+  EXPECT_NE(host_.Log().find("/bin/sh does not end; it is killed."), std::string::npos) << host_.Log();
 }
 
 TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {

@@ -82,17 +82,20 @@ class RunningHost {
     ASSERT_TRUE(process_.waitForStarted());
   }
 
-  /// Waits until the host has told where its pages are.
-  std::uint16_t Port() {
-    const std::string told = "127.0.0.1:";
-    while (log_.find(told) == std::string::npos || log_.find('\n', log_.find(told)) == std::string::npos) {
-      if (!process_.waitForReadyRead(10000)) break;
+  /// Waits until the host has written a line with a text.
+  /// @return what follows the text
+  std::string WaitForLog(const std::string& text) {
+    while (log_.find(text) == std::string::npos || log_.find('\n', log_.find(text)) == std::string::npos) {
+      if (!process_.waitForReadyRead(10000)) return {};
       log_ += process_.readAllStandardError().toStdString();
     }
-    const std::size_t place = log_.find(told);
-    return place == std::string::npos
-               ? 0
-               : static_cast<std::uint16_t>(std::stoi(log_.substr(place + told.size())));
+    return log_.substr(log_.find(text) + text.size());
+  }
+
+  /// Waits until the host has told where its pages are.
+  std::uint16_t Port() {
+    const std::string told = WaitForLog("127.0.0.1:");
+    return told.empty() ? 0 : static_cast<std::uint16_t>(std::stoi(told));
   }
 
   bool Runs() { return !process_.waitForFinished(1) && process_.state() == QProcess::Running; }

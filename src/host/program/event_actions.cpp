@@ -46,7 +46,21 @@ EventActions::~EventActions() {
   AllEnded = nullptr;
   for (auto* process : findChildren<QProcess*>()) {
     process->disconnect(this);
-    process->terminate();
+    process->kill();
+    process->waitForFinished();
+  }
+}
+
+void EventActions::Terminate() {
+  for (auto* process : findChildren<QProcess*>()) process->terminate();
+}
+
+void EventActions::Kill() {
+  for (auto* process : findChildren<QProcess*>()) {
+    if (process->state() == QProcess::NotRunning) continue;
+    log_.Write(LogLevel::Warning, process->program().toStdString() + " does not end; it is killed.");
+    process->kill();
+    process->waitForFinished();
   }
 }
 
@@ -90,10 +104,7 @@ void EventActions::Start(const CommandLine& command, const RaisedEvent& event) {
 void EventActions::Watch(QProcess& process, const RaisedEvent& event) {
   const std::string eventID = event.EventID;
   QObject::connect(&process, &QProcess::readyRead, this, [this, &process, eventID] {
-    while (process.canReadLine()) {
-      const QByteArray line = process.readLine().trimmed();
-      log_.Write(LogLevel::Info, "Event " + eventID + ": " + line.toStdString());
-    }
+    while (process.canReadLine() || process.bytesAvailable() >= kMostLineBytes) LogLine(process, eventID);
   });
   QObject::connect(
       &process, &QProcess::errorOccurred, this, [this, &process, eventID](QProcess::ProcessError error) {
@@ -104,6 +115,7 @@ void EventActions::Watch(QProcess& process, const RaisedEvent& event) {
       });
   QObject::connect(
       &process, &QProcess::finished, this, [this, &process, eventID](int status, QProcess::ExitStatus how) {
+        while (process.bytesAvailable() > 0) LogLine(process, eventID);
         if (how != QProcess::NormalExit || status != 0) {
           log_.Write(LogLevel::Notice,
                      "Event " + eventID + ": " + process.program().toStdString() +
@@ -112,6 +124,11 @@ void EventActions::Watch(QProcess& process, const RaisedEvent& event) {
         }
         Ended(process);
       });
+}
+
+void EventActions::LogLine(QProcess& process, const std::string& eventID) const {
+  const QByteArray line = process.readLine(kMostLineBytes + 1).trimmed();  // Qt counts a closing zero in
+  log_.Write(LogLevel::Info, "Event " + eventID + ": " + line.toStdString());
 }
 
 void EventActions::Ended(QProcess& process) {

@@ -19,11 +19,14 @@ namespace keplo::host {
 ///
 /// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
 /// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
-/// standard error. None is waited for.
+/// standard error, line by line. None is waited for.
 class EventActions : public QObject {
  public:
   /// Programs that may run at the same time; a key that is held must not fill the machine with hung ones.
   static constexpr int kMostPrograms = 32;
+  /// Longest line of a program that is logged as one, bytes; what a program writes without line ends must not
+  /// fill the memory.
+  static constexpr int kMostLineBytes = 4096;
 
   explicit EventActions(const HostLog& log);
   ~EventActions() override;
@@ -32,6 +35,10 @@ class EventActions : public QObject {
   void Do(const nlohmann::json& actions, const RaisedEvent& event);
 
   int Running() const { return running_; }
+  /// Asks the programs that run to end.
+  void Terminate();
+  /// Ends the programs that still run, and logs each.
+  void Kill();
   /// Runs when the last program has ended.
   std::function<void()> AllEnded;
 
@@ -44,6 +51,7 @@ class EventActions : public QObject {
 
   void Start(const CommandLine& command, const RaisedEvent& event);
   void Watch(QProcess& process, const RaisedEvent& event);
+  void LogLine(QProcess& process, const std::string& eventID) const;
   void Ended(QProcess& process);
 
   const HostLog& log_;

@@ -1,6 +1,8 @@
 #include <QApplication>
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QTimer>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -23,7 +25,7 @@ namespace keplo::host {
 namespace {
 
 constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2;
-constexpr int kSecondsForPrograms = 5;
+constexpr std::chrono::seconds kTimeForPrograms{5}, kTimeToTerminate{1};
 
 bool HasDisplay() {
   for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
@@ -58,13 +60,25 @@ void Unregister(const HostOptions& options) {
   std::cout << kInputKeploClass << " is no longer registered\n";
 }
 
-/// Gives programs that still run a little time to end.
-void WaitForPrograms(EventActions& actions) {
-  if (actions.Running() == 0) return;
+/// Gives programs that still run time to end by themselves, then when asked to, then ends them. A stop signal
+/// ends the wait that it meets.
+void EndPrograms(EventActions& actions, StopSignals& stop) {
   QEventLoop loop;
+  stop.Watch([&loop] { loop.quit(); });
   actions.AllEnded = [&loop] { loop.quit(); };
-  QTimer::singleShot(kSecondsForPrograms * 1000, &loop, &QEventLoop::quit);
-  loop.exec();
+  const auto wait = [&](std::chrono::seconds time) {
+    if (actions.Running() == 0) return;
+    QTimer timer;
+    timer.callOnTimeout(&loop, &QEventLoop::quit);
+    timer.start(time);
+    loop.exec();
+  };
+  wait(kTimeForPrograms);
+  actions.Terminate();
+  wait(kTimeToTerminate);
+  actions.Kill();
+  actions.AllEnded = nullptr;
+  stop.Watch([] {});
 }
 
 int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& log) {
@@ -99,7 +113,7 @@ int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, 
   }
   application.exec();
   host.Stop();
-  WaitForPrograms(actions);
+  EndPrograms(actions, stop);
   return StatusOf(host, options, log);
 }
 

@@ -23,6 +23,7 @@ StopSignals::~StopSignals() {
 }
 
 void StopSignals::Watch(std::function<void()> stop) {
+  notifier_.reset();
   notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                    [this, stop = std::move(stop)] {

@@ -15,7 +15,7 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// @param stop runs for each signal from now on
+  /// @param stop runs for each signal from now on, in place of an earlier one
   void Watch(std::function<void()> stop);
 
  private:
