@@ -50,12 +50,20 @@ TEST_F(HostProgramTest, TellsWhichPressRaisedNothing) {
 }
 
 TEST_F(HostProgramTest, EndsCleanlyOnASignal) {
-  host_.Set("JOURNAL_STREAM", "8:1");
   host_.Start({});
   ASSERT_NE(host_.Port(), 0);
   host_.Terminate();
   EXPECT_EQ(host_.Wait(), 0);
-  EXPECT_EQ(host_.Log().substr(0, 3), "<6>");
+}
+
+TEST_F(HostProgramTest, TellsLevelsOnTheStreamThatIsTheJournal) {
+  struct stat output {};
+  ASSERT_EQ(stat(app_.Write("app/output.txt", "").c_str(), &output), 0);
+  host_.Set("JOURNAL_STREAM", std::to_string(output.st_dev) + ":" + std::to_string(output.st_ino));
+  host_.Start({"--once", "--replay", ApplicationPath::Sample("nec_tv_power")});
+  EXPECT_EQ(host_.Wait(), 1);
+  EXPECT_EQ(host_.Output().back().substr(0, 11), "<6>1 presse");
+  EXPECT_EQ(host_.Log().substr(0, 12), "keplo-host: ");
 }
 
 TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {

@@ -59,7 +59,7 @@ class HostWindowTest : public ::testing::Test {
   tests::ApplicationPath app_;
   QEventLoop played_;
   EventBook book_{app_.Path() / "host.json"};
-  const HostLog log_{false, false};
+  const HostLog log_{false, {}};
   EventActions actions_{log_};
   const Component component_{KEPLO_COMPONENT};
   std::unique_ptr<PluginHost> host_;

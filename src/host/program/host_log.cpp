@@ -21,6 +21,10 @@ std::string OneLine(std::string text) {
   return text;
 }
 
+std::string Prefix(bool toJournal, LogLevel level) {
+  return toJournal ? "<" + std::to_string(static_cast<int>(level)) + ">" : "";
+}
+
 }  // namespace
 
 std::string LocalTime() {
@@ -36,17 +40,13 @@ std::string EventLine(const RaisedEvent& event) {
                  "  zone " + std::to_string(event.Zone));
 }
 
-std::string HostLog::Prefix(LogLevel level) const {
-  return toJournal_ ? "<" + std::to_string(static_cast<int>(level)) + ">" : "";
-}
-
 void HostLog::Write(LogLevel level, const std::string& text) const {
-  std::cerr << Prefix(level) << (toJournal_ ? "" : "keplo-host: ") << OneLine(text) << std::endl;
+  std::cerr << (toJournal_.Error ? Prefix(true, level) : "keplo-host: ") << OneLine(text) << std::endl;
 }
 
 void HostLog::Event(const RaisedEvent& event) const {
   if (!json_) {
-    std::cout << Prefix(LogLevel::Info) << EventLine(event) << std::endl;
+    std::cout << Prefix(toJournal_.Output, LogLevel::Info) << EventLine(event) << std::endl;
     return;
   }
   nlohmann::ordered_json line;
@@ -74,7 +74,8 @@ void HostLog::Error(const HostErrorRecord& record) const {
 }
 
 void HostLog::Summary(const std::string& text) const {
-  (json_ ? std::cerr : std::cout) << Prefix(LogLevel::Info) << text << std::endl;
+  (json_ ? std::cerr : std::cout) << Prefix(json_ ? toJournal_.Error : toJournal_.Output, LogLevel::Info)
+                                  << text << std::endl;
 }
 
 }  // namespace keplo::host

@@ -24,10 +24,15 @@ std::string LocalTime();
 std::string EventLine(const RaisedEvent& event);
 
 /// Where the host writes: events and errors to standard output, all else to standard error. With JSON, events
-/// and errors are one object a line. Under the journal each line for a person carries its level.
+/// and errors are one object a line. On a stream that leads to the journal each line for a person carries its
+/// level.
 class HostLog {
  public:
-  HostLog(bool json, bool toJournal) : json_(json), toJournal_(toJournal) {}
+  struct JournalStreams {
+    bool Output = false, Error = false;
+  };
+
+  HostLog(bool json, JournalStreams toJournal) : json_(json), toJournal_(toJournal) {}
 
   void Write(LogLevel level, const std::string& text) const;
   void Event(const RaisedEvent& event) const;
@@ -36,10 +41,8 @@ class HostLog {
   void Summary(const std::string& text) const;
 
  private:
-  std::string Prefix(LogLevel level) const;
-
   bool json_;
-  bool toJournal_;
+  JournalStreams toJournal_;
 };
 
 }  // namespace keplo::host

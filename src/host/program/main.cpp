@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -15,6 +17,7 @@
 #include "host/program/find_component.h"
 #include "host/program/host_log.h"
 #include "host/program/host_window.h"
+#include "host/program/journal_stream.h"
 #include "host/program/options.h"
 #include "host/program/plugin_host.h"
 #include "host/program/stop_signals.h"
@@ -33,6 +36,12 @@ bool HasDisplay() {
     if (value != nullptr && *value != '\0') return true;
   }
   return false;
+}
+
+HostLog::JournalStreams JournalStreamsOfThisProgram() {
+  const char* journal = std::getenv("JOURNAL_STREAM");
+  if (journal == nullptr) return {};
+  return {IsJournal(STDOUT_FILENO, journal), IsJournal(STDERR_FILENO, journal)};
 }
 
 std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool headless) {
@@ -130,7 +139,7 @@ int main(int argc, char** argv) {
       options.ToDo == Errand::Register ? Register(options) : Unregister(options);
       return kDone;
     }
-    const HostLog log(options.Json, std::getenv("JOURNAL_STREAM") != nullptr);
+    const HostLog log(options.Json, JournalStreamsOfThisProgram());
     try {
       StopSignals stop;
       const auto application = MakeApplication(argc, argv, options.Headless);
