@@ -64,6 +64,15 @@ TEST_F(WebTest, SendsThePagesByteForByte) {
   EXPECT_NE(AskFor("GET /").find("href=\"/InputKeplo\""), std::string::npos);
 }
 
+TEST_F(WebTest, TellsAPlaceThatAnswersWhenEveryAddressIsServed) {
+  host_.Start({"--http-address", "0.0.0.0"});
+  const std::string hint = host_.WaitForLog("http://127.0.0.1:");
+  ASSERT_NE(hint.find("--http-name"), std::string::npos) << hint;
+  port_ = host_.Port();
+  const std::string own = "GET / HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port_) + "\r\n\r\n";
+  EXPECT_EQ(Ask(port_, own).substr(0, 12), "HTTP/1.1 200");
+}
+
 TEST_F(WebTest, RefusesAndGoesOn) {
   Start();
   struct Case {

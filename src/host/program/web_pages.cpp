@@ -41,6 +41,13 @@ QHttpServerResponse Safe(const QByteArray& type, const QByteArray& body, Status 
 
 QByteArray Utf8(const std::string& text) { return QByteArray::fromStdString(text); }
 
+/// Where a browser on this machine finds what is served at an address. The any-address is no place to go to.
+QHostAddress AsSeenFromHere(const QHostAddress& where) {
+  if (where == QHostAddress(QHostAddress::AnyIPv4)) return QHostAddress(QHostAddress::LocalHost);
+  if (where == QHostAddress(QHostAddress::AnyIPv6)) return QHostAddress(QHostAddress::LocalHostIPv6);
+  return where;
+}
+
 }  // namespace
 
 WebPages::WebPages(PluginHost& host) : host_(host) {
@@ -71,11 +78,13 @@ std::string WebPages::Serve(const std::string& address, std::uint16_t port,
   }
   QUrl url;
   url.setScheme(QStringLiteral("http"));
-  url.setHost(where.toString());
+  url.setHost(AsSeenFromHere(where).toString());
   url.setPort(gate->serverPort());
   url.setPath(QStringLiteral("/"));
   server_.bind(gate.release());
-  return url.toString().toStdString();
+  std::string place = url.toString().toStdString();
+  if (AsSeenFromHere(where) == where) return place;
+  return place + ", and at every address of this machine; under a name only if --http-name tells it";
 }
 
 QByteArray WebPages::Index() const {

@@ -21,7 +21,8 @@ class WebPages {
   /// Serves from now on, from the event loop.
   /// @param port 0 for any free one
   /// @param names further values of a Host header that are the host's own
-  /// @return the address of the index
+  /// @return the address of the index for a person; where every address is served, the one for this machine
+  /// and what else there is
   /// @throws Failure if the address cannot be taken
   std::string Serve(const std::string& address, std::uint16_t port, const std::vector<std::string>& names);
 
