@@ -37,19 +37,41 @@ TEST(EventBook, KeepsWhatItDoesNotUnderstand) {
   EXPECT_EQ(kept["events"]["7"]["colour"], "red");
 }
 
+TEST(EventBook, KeepsWhatOthersChangeInTheMeantime) {
+  const tests::TempFolder folder;
+  const auto file = folder.Path() / "host.json";
+  const json lamp = json::array({{{"kind", "run"}, {"program", "lamp"}}});
+  EventBook book(file);
+  EXPECT_EQ(book.NewEventID({}), "1");
+  EventBook(file).SetActions("1", lamp);
+  book.ReadIfChanged();
+  EXPECT_EQ(book.ActionsOf("1"), lamp);
+
+  EventBook(file).SetActions("6", lamp);
+  EXPECT_EQ(book.NewEventID({}), "7");
+  EXPECT_EQ(EventBook(file).ActionsOf("6"), lamp);
+
+  folder.Write("host.json", "{");
+  EXPECT_THROW(book.ReadIfChanged(), Failure);
+  EXPECT_THROW(book.Forget("1"), Failure);
+  EXPECT_EQ(folder.Read("host.json"), "{");
+  EXPECT_EQ(book.ActionsOf("1"), lamp);
+  std::filesystem::remove(file);
+  EXPECT_EQ(book.NewEventID({}), "8");
+}
+
 TEST(EventBook, TellsThatItCannotBeWrittenAndLeavesNothingBehind) {
   const tests::TempFolder folder;
-  const auto inTheWay = folder.Path() / "host.json";
-  EventBook book(inTheWay);
-  std::filesystem::create_directories(inTheWay / "full");
+  const auto file = folder.Path() / std::string(255, 'b');  // no room for the temporary file's longer name
+  EventBook book(file);
   try {
-    book.NewEventID({});
-    FAIL() << "a folder was overwritten";
+    book.SetActions("7", json::array({5}));
+    FAIL() << "the file was written";
   } catch (const Failure& failure) {
-    EXPECT_NE(std::string(failure.what()).find(inTheWay.string() + " cannot be written: "),
-              std::string::npos);
+    EXPECT_NE(std::string(failure.what()).find(file.string() + " cannot be written: "), std::string::npos);
   }
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+  EXPECT_EQ(book.ActionsOf("7"), json::array());
 }
 
 }  // namespace

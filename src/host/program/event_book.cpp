@@ -1,10 +1,18 @@
 #include "host/program/event_book.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstring>
 #include <fstream>
+#include <thread>
+#include <utility>
 
 #include "failure.h"
 #include "host/atomic_file.h"
@@ -14,6 +22,8 @@ namespace keplo::host {
 namespace {
 
 constexpr int kVersion = 1;
+constexpr int kLockTries = 100;  // together 2 s, far more than a save takes
+constexpr std::chrono::milliseconds kBetweenLockTries{20};
 
 /// The number that an identifier is; 0 for one that is none.
 long NumberOf(const std::string& eventID) {
@@ -43,18 +53,81 @@ nlohmann::json ReadBook(const std::filesystem::path& file) {
   return book;
 }
 
+/// Keeps others from saving in a folder, for the life of the object. The folder is locked since a book itself
+/// is replaced with each change. Where the file system has no locks there is none.
+class FolderLock {
+ public:
+  explicit FolderLock(const std::filesystem::path& folder)
+      : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    for (int tries = kLockTries; IsHeldByAnother(); --tries) {
+      if (tries == 0) {
+        close(descriptor_);
+        throw Failure(EWOULDBLOCK,
+                      folder.string() + ": another program keeps saving in this folder. Try again.");
+      }
+      std::this_thread::sleep_for(kBetweenLockTries);
+    }
+  }
+  ~FolderLock() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  bool IsHeldByAnother() const {
+    return flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR);
+  }
+
+  int descriptor_;
+};
+
+std::filesystem::path FolderOf(const std::filesystem::path& file) {
+  return file.has_parent_path() ? file.parent_path() : ".";
+}
+
 }  // namespace
 
-EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)), book_(ReadBook(file_)) {}
+EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)) { Read(); }
+
+EventBook::Stamp EventBook::StampOfFile() const {
+  struct stat status {};
+  if (stat(file_.c_str(), &status) != 0) return {};
+  return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+void EventBook::Read() {
+  const Stamp stamp = StampOfFile();  // first, so that a change during the reading is met the next time
+  book_ = ReadBook(file_);
+  stamp_ = stamp;
+}
+
+void EventBook::ReadIfChanged() {
+  if (StampOfFile() != stamp_) Read();
+}
+
+void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) {
+  std::error_code ignored;  // a folder that cannot be made is told by the writing
+  std::filesystem::create_directories(FolderOf(file_), ignored);
+  const FolderLock lock(FolderOf(file_));
+  Read();
+  nlohmann::json changed = book_;
+  change(changed);
+  if (changed == book_) return;
+  WriteWholeFile(file_, changed.dump(2) + "\n");
+  book_ = std::move(changed);
+  stamp_ = StampOfFile();
+}
 
 std::string EventBook::NewEventID(const std::vector<std::string>& known) {
-  const auto kept = book_.find("next_event_id");
-  long next = kept != book_.end() && kept->is_number_integer() ? std::max(1L, kept->get<long>()) : 1;
-  for (const std::string& eventID : known) next = std::max(next, NumberOf(eventID) + 1);
-  for (const auto& event : book_["events"].items()) next = std::max(next, NumberOf(event.key()) + 1);
-  book_["next_event_id"] = next + 1;
-  Save();
-  return std::to_string(next);
+  Change([&](nlohmann::json& book) {
+    const auto kept = book.find("next_event_id");
+    if (kept != book.end() && kept->is_number_integer()) next_ = std::max(next_, kept->get<long>());
+    for (const std::string& eventID : known) next_ = std::max(next_, NumberOf(eventID) + 1);
+    for (const auto& event : book["events"].items()) next_ = std::max(next_, NumberOf(event.key()) + 1);
+    book["next_event_id"] = next_ + 1;
+  });
+  return std::to_string(next_++);
 }
 
 nlohmann::json EventBook::ActionsOf(const std::string& eventID) const {
@@ -66,16 +139,15 @@ nlohmann::json EventBook::ActionsOf(const std::string& eventID) const {
 }
 
 void EventBook::SetActions(const std::string& eventID, const nlohmann::json& actions) {
-  auto& event = book_["events"][eventID];
-  if (!event.is_object()) event = nlohmann::json::object();
-  event["actions"] = actions;
-  Save();
+  Change([&](nlohmann::json& book) {
+    auto& event = book["events"][eventID];
+    if (!event.is_object()) event = nlohmann::json::object();
+    event["actions"] = actions;
+  });
 }
 
 void EventBook::Forget(const std::string& eventID) {
-  if (book_["events"].erase(eventID) > 0) Save();
+  Change([&](nlohmann::json& book) { book["events"].erase(eventID); });
 }
-
-void EventBook::Save() const { WriteWholeFile(file_, book_.dump(2) + "\n"); }
 
 }  // namespace keplo::host

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -12,31 +14,50 @@ namespace keplo::host {
 ///     {"version": 1, "next_event_id": 18,
 ///      "events": {"17": {"actions": [{"kind": "run", "program": "/usr/bin/lamp", "arguments": ["on"]}]}}}
 ///
-/// What is in the file and not understood stays in it.
+/// What is in the file and not understood stays in it. Others may change the file while the host runs, by
+/// hand or as another host: each change begins with what is in the file then.
 class EventBook {
  public:
   /// @throws Failure for a file that cannot be read or is no event book; one that is not there is an empty
   /// book
   explicit EventBook(std::filesystem::path file);
 
+  /// Reads the file again if it is another than the one last read. After a failure the book holds what it
+  /// held.
+  /// @throws Failure as the constructor
+  void ReadIfChanged();
+
   /// An identifier that no event had before.
   /// @param known the identifiers in the event map, which others than the host may have put there
+  /// @throws Failure if the file cannot be read or written
   std::string NewEventID(const std::vector<std::string>& known);
 
-  /// The actions of an event in order; an array.
+  /// The actions of an event in order, as last read; an array.
   nlohmann::json ActionsOf(const std::string& eventID) const;
   /// Replaces the actions of an event and saves.
-  /// @throws Failure if the file cannot be written
+  /// @throws Failure if the file cannot be read or written
   void SetActions(const std::string& eventID, const nlohmann::json& actions);
   /// Forgets an event and saves.
-  /// @throws Failure if the file cannot be written
+  /// @throws Failure if the file cannot be read or written
   void Forget(const std::string& eventID);
 
  private:
-  void Save() const;
+  /// Tells one state of the file from another. A file that is not there is all 0.
+  struct Stamp {
+    std::uint64_t Inode = 0;
+    std::int64_t Size = 0, Seconds = 0, Nanoseconds = 0;
+    bool operator==(const Stamp&) const = default;
+  };
+
+  Stamp StampOfFile() const;
+  void Read();
+  /// Reads, changes and saves, while no other host does.
+  void Change(const std::function<void(nlohmann::json& book)>& change);
 
   std::filesystem::path file_;
+  Stamp stamp_;
   nlohmann::json book_;
+  long next_ = 1;  // no identifier comes twice even if the file is taken away
 };
 
 }  // namespace keplo::host

@@ -106,6 +106,11 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
   log_.Event(event);
   if (OnEvent) OnEvent(event);
+  try {
+    book_.ReadIfChanged();
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning, failure.what() + std::string(" Until then each event does what it did."));
+  }
   actions_.Do(book_.ActionsOf(event.EventID), event);
 }
 
