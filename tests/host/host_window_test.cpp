@@ -110,6 +110,45 @@ TEST_F(HostWindowTest, KeepsTheProgramOfAnEvent) {
   EXPECT_EQ(shown, "lamp \"living room\" on");
 }
 
+TEST_F(HostWindowTest, AsksBeforeItReplacesWhatItCannotShow) {
+  Open();
+  const std::string byHand =
+      R"({"version": 1, "events": {"17": {"actions": [{"kind": "shell", "command": "true # <b>lamp</b>"}]}}})";
+  app_.Write("app/host.json", byHand);
+  AnswerWith([](QWidget& box) {
+    EXPECT_TRUE(dynamic_cast<QMessageBox&>(box).text().contains("<b>lamp</b>"));
+    EXPECT_EQ(dynamic_cast<QMessageBox&>(box).textFormat(), Qt::PlainText);
+    dynamic_cast<QMessageBox&>(box).button(QMessageBox::No)->click();
+  });
+  Click("P&rogram...");
+  EXPECT_EQ(app_.Read("app/host.json"), byHand);
+
+  AnswerWith([](QWidget& box) {
+    AnswerWith([](QWidget& dialog) {
+      dynamic_cast<QInputDialog&>(dialog).setTextValue("lamp on");
+      dynamic_cast<QInputDialog&>(dialog).accept();
+    });
+    dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click();
+  });
+  Click("P&rogram...");
+  EXPECT_EQ(EventBook(app_.Path() / "host.json").ActionsOf("17").dump(),
+            R"([{"arguments":["on"],"kind":"run","program":"lamp"}])");
+}
+
+TEST_F(HostWindowTest, ShowsWhatIsLeftWhenTheBookOfADeletedEventCannotBeSaved) {
+  Open();
+  app_.Write("app/host.json", "damaged");
+  AnswerWith([](QWidget& box) {
+    AnswerWith([](QWidget& warning) {
+      EXPECT_TRUE(dynamic_cast<QMessageBox&>(warning).text().contains("host.json is not whole JSON"));
+      dynamic_cast<QMessageBox&>(warning).accept();
+    });
+    dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click();
+  });
+  Click("&Delete");
+  EXPECT_EQ(Events(), QStringList());
+}
+
 TEST_F(HostWindowTest, OffersThePlugInsMenu) {
   Open();
   QStringList captions;

@@ -6,11 +6,13 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QProcess>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <optional>
 #include <utility>
+
+#include "host/program/event_command_line.h"
 
 namespace keplo::host {
 
@@ -18,24 +20,17 @@ namespace {
 
 QString Shown(const std::string& text) { return QString::fromStdString(text); }
 
-/// The actions of an event as a command line; empty if they are more than one program.
-QString CommandLineOf(const nlohmann::json& actions) {
-  if (actions.size() != 1 || actions[0].value("kind", "") != "run") return {};
-  QStringList words{Shown(actions[0].value("program", ""))};
-  for (const auto& argument : actions[0].value("arguments", std::vector<std::string>()))
-    words << Shown(argument);
-  for (QString& word : words) {
-    if (word.isEmpty() || word.contains(QLatin1Char(' '))) word = QLatin1Char('"') + word + QLatin1Char('"');
-  }
-  return words.join(QLatin1Char(' '));
+/// Texts of events and failures are no markup, whatever they hold.
+QMessageBox::StandardButton Show(QWidget* parent, QMessageBox::Icon icon, const QString& text,
+                                 QMessageBox::StandardButtons buttons) {
+  QMessageBox box(icon, parent->windowTitle(), text, buttons, parent);
+  box.setTextFormat(Qt::PlainText);
+  return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
-nlohmann::json ActionsOf(const QString& commandLine) {
-  const QStringList words = QProcess::splitCommand(commandLine);
-  if (words.isEmpty()) return nlohmann::json::array();
-  std::vector<std::string> arguments;
-  for (const QString& word : words.mid(1)) arguments.push_back(word.toStdString());
-  return {{{"kind", "run"}, {"program", words.front().toStdString()}, {"arguments", arguments}}};
+bool Agrees(QWidget* parent, const QString& question) {
+  return Show(parent, QMessageBox::Question, question, QMessageBox::Yes | QMessageBox::No) ==
+         QMessageBox::Yes;
 }
 
 }  // namespace
@@ -117,7 +112,8 @@ QPushButton* HostWindow::Button(const QString& caption, const QString& tip, std:
     try {
       clicked();
     } catch (const std::exception& failure) {
-      QMessageBox::warning(this, windowTitle(), QString::fromUtf8(failure.what()));
+      ShowEvents();  // the plug-in may have done its part
+      Show(this, QMessageBox::Warning, QString::fromUtf8(failure.what()), QMessageBox::Ok);
     }
   });
   return button;
@@ -144,18 +140,34 @@ void HostWindow::TellResult(std::int32_t result, const QString& done) {
 }
 
 void HostWindow::DeleteEvent() {
-  const QString question = QStringLiteral("Delete the event %1?").arg(events_->currentText().toHtmlEscaped());
-  if (QMessageBox::question(this, windowTitle(), question) != QMessageBox::Yes) return;
-  TellResult(host_.DeleteEvent(ChosenEvent()), QStringLiteral("The event was deleted"));
+  if (!Agrees(this, QStringLiteral("Delete the event %1?").arg(events_->currentText()))) return;
+  const std::string eventID = ChosenEvent();
+  const std::int32_t result = host_.DeleteEvent(eventID);
+  TellResult(result, QStringLiteral("The event was deleted"));
+  if (result == kInputFailed && events_->findData(Shown(eventID)) < 0) {
+    statusBar()->showMessage(
+        QStringLiteral("The event was taken off the list, but the database cannot be reached; it comes back "
+                       "at the next start"));
+  }
 }
 
 void HostWindow::AskForProgram() {
   const std::string eventID = ChosenEvent();
+  host_.Book().ReadIfChanged();
+  const nlohmann::json actions = host_.Book().ActionsOf(eventID);
+  const std::optional<QString> shown = CommandLineOf(actions);
+  if (!shown && !Agrees(this, QStringLiteral("The event does what cannot be shown as one command line:\n\n%1"
+                                             "\n\nReplace it by one program?")
+                                  .arg(Shown(actions.dump(2))))) {
+    return;
+  }
   bool accepted = false;
   const QString commandLine = QInputDialog::getText(
       this, windowTitle(), QStringLiteral("Program and arguments that the event runs; empty for none:"),
-      QLineEdit::Normal, CommandLineOf(host_.Book().ActionsOf(eventID)), &accepted);
-  if (accepted) host_.Book().SetActions(eventID, ActionsOf(commandLine));
+      QLineEdit::Normal, shown.value_or(QString()), &accepted);
+  if (accepted && commandLine != shown) {
+    host_.Book().SetActions(eventID, WithCommandLine(actions, commandLine));
+  }
 }
 
 void HostWindow::AddLogLine(const QString& line) {
