@@ -40,7 +40,8 @@ class IComponentObject {
  public:
   /// @return the interface of that name, or null if the object has none
   virtual void* QueryInterface(std::string_view name) = 0;
-  /// Ends the object; runs inside the component that created it.
+  /// Ends the object; runs inside the component that created it. From within an event it is deferred until
+  /// the event loop has left the tick or operation, and the component stays loaded until then.
   virtual void Release() = 0;
 
  protected:

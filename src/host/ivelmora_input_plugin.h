@@ -79,9 +79,11 @@ class IVelmoraInputPLugin {
   virtual std::int32_t InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) = 0;
   /// @return 1; from now on input events come
   virtual std::int32_t InputStartMonitoring() = 0;
-  /// @return 1; may be called from within an event
+  /// From within an event it does not last, since the end of the tick turns the timer on again: post it to
+  /// the event loop.
+  /// @return 1
   virtual std::int32_t InputStopMonitoring() = 0;
-  /// Closes the line and lets go of the host. Stop monitoring first.
+  /// Closes the line and lets go of the host. Stop monitoring first. It lasts from within an event too.
   /// @return 1
   virtual std::int32_t InputTerminate() = 0;
   /// Lets the user fill in a new event in a modal dialog.
@@ -96,7 +98,8 @@ class IVelmoraInputPLugin {
   virtual bool InputMonitoring() = 0;
   /// Lets the user change the event with this EventID; written and returned as by InputAddEvent.
   virtual std::int32_t InputModifyEvent(HostInputEvent& objInputEvent) = 0;
-  /// The last failure of an operation; without a failure an empty record, after InputTerminate none.
+  /// The last failure of an operation; without a failure an empty record, after InputTerminate none. Drop the
+  /// record before the component is unloaded, whose code ends it.
   virtual std::shared_ptr<HostErrorRecord> InputErrorDetails() = 0;
   /// @param EventIDs written with the identifiers of all events, so that a host can forget those it no longer
   ///        meets; one empty text if there are no events
