@@ -13,6 +13,8 @@ class QuietBoxes : public ui::Boxes {
   void Message(std::string_view text, std::string_view title) override {
     std::cerr << title << ": " << text << '\n';
   }
+  void Error(std::string_view text, std::string_view title) override { Message(text, title); }
+  bool Confirm(std::string_view /*text*/, std::string_view /*title*/) override { return false; }
   bool Question(std::string_view /*text*/, std::string_view /*title*/) override { return false; }
   std::string Input(std::string_view /*text*/, std::string_view /*title*/,
                     std::string_view /*preset*/) override {

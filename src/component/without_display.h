@@ -14,6 +14,8 @@ class LoggedBoxes : public ui::Boxes {
   explicit LoggedBoxes(const Log& log) : log_(log) {}
 
   void Message(std::string_view text, std::string_view title) override { Tell("", text, title); }
+  void Error(std::string_view text, std::string_view title) override { Message(text, title); }
+  bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view title) override {
     Tell("No display, so the answer is no: ", text, title);
     return false;

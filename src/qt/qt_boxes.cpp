@@ -24,9 +24,10 @@ class UsualCursor {
   UsualCursor& operator=(const UsualCursor&) = delete;
 };
 
-int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons) {
+int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons,
+        QMessageBox::Icon icon = QMessageBox::NoIcon) {
   const UsualCursor waitingForTheUser;
-  QMessageBox box(QMessageBox::NoIcon, ShownText(title), Lines(text), buttons, QApplication::activeWindow());
+  QMessageBox box(icon, ShownText(title), Lines(text), buttons, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
   return box.exec();
 }
@@ -34,6 +35,14 @@ int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButt
 }  // namespace
 
 void QtBoxes::Message(std::string_view text, std::string_view title) { Ask(text, title, QMessageBox::Ok); }
+
+void QtBoxes::Error(std::string_view text, std::string_view title) {
+  Ask(text, title, QMessageBox::Ok, QMessageBox::Critical);
+}
+
+bool QtBoxes::Confirm(std::string_view text, std::string_view title) {
+  return Ask(text, title, QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+}
 
 bool QtBoxes::Question(std::string_view text, std::string_view title) {
   return Ask(text, title, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;

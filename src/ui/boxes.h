@@ -11,6 +11,11 @@ class Boxes {
   virtual ~Boxes() = default;
   /// Shows a text with only an OK button and waits for it.
   virtual void Message(std::string_view text, std::string_view title) = 0;
+  /// The same with an error icon.
+  virtual void Error(std::string_view text, std::string_view title) = 0;
+  /// Offers OK and Cancel.
+  /// @return true for OK
+  virtual bool Confirm(std::string_view text, std::string_view title) = 0;
   /// @return true for yes
   virtual bool Question(std::string_view text, std::string_view title) = 0;
   /// @return the answer; empty after Cancel

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace keplo::ui {
 
@@ -21,7 +22,14 @@ class Window {
     if (OnHide) OnHide();
   }
 
+  /// Tells the user what the program is busy with and how long at most; an empty text when it is over.
+  void ShowWait(std::string_view text) const {
+    if (OnWait) OnWait(text);
+  }
+
   std::function<void()> OnTitleChanged;
+  /// A view paints the text, and the cursor of a busy program, before it returns.
+  std::function<void(std::string_view text)> OnWait;
   std::function<void()> OnHide;
 
  private:

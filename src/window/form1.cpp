@@ -46,6 +46,10 @@ void Form1::BindHandlers() {
   MinButton.OnClick = [this] { MinButton_Click(); };
   OKButton.OnClick = [this] { OKButton_Click(); };
   FileExit.OnClick = [this] { FileExit_Click(); };
+  CalibrationMenu.OnClick = [this] { CalibrationMenu_Click(); };
+  FileNewMenu.OnClick = [this] { FileNewMenu_Click(); };
+  EditMenu.OnClick = [this] { EditMenu_Click(); };
+  ProtoDeleteMenu.OnClick = [this] { ProtoDeleteMenu_Click(); };
 }
 
 bool Form1::RecordedSelected() const { return EqualNoCase(mod_.Store.CurProtocol, kRecorded); }

@@ -66,6 +66,22 @@ class Form1 : public ui::Window {
   void MinButton_Click();
   void OKButton_Click();
   void FileExit_Click();
+  void ComList_Click();
+  void StdDcdMenu_Click();
+  void IRMouseMenu_Click();
+  void TxDCheckBox_Click();
+  void BeepCheckbox_Click();
+  void VexilCheckbox_Click();
+  void Zone_Click();
+  void MenuProcDelay_Click();
+  void CalibrationMenu_Click();
+  void FileNewMenu_Click();
+  void EditMenu_Click();
+  void ProtoDeleteMenu_Click();
+  void HelpContentMenu_Click();
+  void WebPageMenu_Click();
+  void UpdateMenu_Click();
+  void AboutMenu_Click();
 
   /// True at the full size.
   bool WindowLarge() const { return windowLarge_; }

@@ -26,6 +26,8 @@ class RecordingBoxes : public ui::Boxes {
  public:
   std::vector<std::string> Shown;
   void Message(std::string_view text, std::string_view /*title*/) override { Shown.emplace_back(text); }
+  void Error(std::string_view text, std::string_view title) override { Message(text, title); }
+  bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view /*title*/) override {
     Shown.emplace_back(text);
     return false;

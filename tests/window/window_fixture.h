@@ -23,6 +23,10 @@ class ScriptedBoxes : public ui::Boxes {
   bool Yes = true;
 
   void Message(std::string_view text, std::string_view title) override { Note(text, title); }
+  void Error(std::string_view text, std::string_view title) override {
+    Note("(error) " + std::string(text), title);
+  }
+  bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view title) override {
     Note(text, title);
     return Yes;
