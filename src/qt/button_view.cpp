@@ -37,7 +37,7 @@ void ButtonView::Click() {
 
 void ButtonView::Redraw() {
   const bool disabledNow = !model_.Enabled() && isEnabled();
-  if (disabledNow) hadFocus_ = hasFocus();
+  if (disabledNow) hadFocus_ = window()->focusWidget() == this;
   const bool enabledAgain = model_.Enabled() && !isEnabled();
   ShowState(*this, model_);
   if (enabledAgain && std::exchange(hadFocus_, false)) setFocus();
