@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -62,7 +63,8 @@ bool Form1::CanZoom() const {
 }
 
 void Form1::ZoomTo(double zoom) {
-  if (!CanZoom()) return;
+  // Beyond the numbers there would be no way back.
+  if (!CanZoom() || !std::isnormal(zoom)) return;
   waveZoom_ = zoom;
   Redraw();
 }
