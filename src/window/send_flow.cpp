@@ -83,7 +83,9 @@ bool Form1::TakeRecordedParams() {
 void Form1::ShowParams() {
   Rpt.SetText(mod_.ProtocolParams.REPEAT > 0 ? "Y" : "N");
   if (const auto syncType = SyncTypeOf(mod_.ProtocolParams.GREPEAT)) GType.SetText(*syncType);
-  GProt.SetText(ProtoKindName(mod_.Signal.Measured.ProtoKind));
+  const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
+  // A protocol of the user's own has no generic one to show.
+  if (FindPatternSet(kind) != nullptr || kind == kUnknown) GProt.SetText(ProtoKindName(kind));
 }
 
 bool Form1::SelectZone() {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "signal/sample_bits.h"
 #include "window/window_fixture.h"
 
@@ -76,6 +78,17 @@ TEST_F(SendFlow, ARecordingIsSentAsItWasMeasured) {
   EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 6), "010110");
   EXPECT_EQ(form_->CodeStr.Text(), "G11000101001100");
 
+  const std::vector<std::tuple<const char*, const char*, std::string>> shown = {
+      {"N", "2", "0 50"}, {"N", "1", "0 1"}, {"y", "", "50 50"}, {" N ", " 0 ", "0 0"}};
+  for (const auto& [repeats, syncType, slots] : shown) {
+    form_->Rpt.SetText(repeats);
+    form_->GType.SetText(syncType);
+    mod_->Signal.Measured.ProtoKind = kSony;
+    ASSERT_TRUE(Sends());
+    EXPECT_EQ(std::to_string(params.REPEAT) + " " + std::to_string(params.GREPEAT), slots);
+    EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 10), "1111011011") << "SONY's sync and first two digits";
+  }
+
   mod_->Signal.Measured.ProtoKind = kUnknown;
   EXPECT_FALSE(Sends());
   EXPECT_EQ(boxes_.TakeShown(), Texts{"You must first manually define a new protocol if UNKNOWN."});
@@ -89,6 +102,40 @@ TEST_F(SendFlow, ASilentZoneKeepsTheCommandBack) {
   EXPECT_EQ(form_->ZoneNr.Text(), "3");
   EXPECT_FALSE(Sends());
   EXPECT_EQ(form_->ZoneNr.Text(), "?");
+  EXPECT_TRUE(form_->SendButton.Enabled());
+}
+
+TEST_F(SendFlow, TheZoneIsSetForEveryCodeLongEnoughToLookAt) {
+  form_->VexilCheckbox.SetChecked(true);
+  form_->Zone.Select(0);
+  form_->CodeStr.SetText("G10a01");
+  line_.Answers = {'\x08'};
+  line_.Calls.clear();
+  EXPECT_FALSE(Sends());
+  EXPECT_EQ(boxes_.TakeShown().size(), 1U);
+  EXPECT_TRUE(std::count(line_.Calls.begin(), line_.Calls.end(), "ReadChr") > 0);
+  form_->CodeStr.SetText("G1010");
+  line_.Calls.clear();
+  EXPECT_FALSE(Sends());
+  EXPECT_EQ(line_.Calls, (Texts{"DTR 0", "RTS -1"}));
+}
+
+TEST_F(SendFlow, WithoutAPulseTheSignalGoesOutAndNothingIsDrawn) {
+  form_->SendPulse.SetText("");
+  form_->SendButton.Click();
+  EXPECT_EQ(line_.Calls[3], "IRSend 54 pulse 0 interface 0");
+  EXPECT_TRUE(form_->Surface.Points().empty());
+  EXPECT_EQ(form_->HScroll1.Max(), 16);
+}
+
+TEST_F(SendFlow, ACustomProtocolLeavesTheGenericOneShown) {
+  form_->GProt.SetText("RC5");
+  mod_->Signal.Measured.ProtoKind = kCustom;
+  ASSERT_TRUE(Sends());
+  EXPECT_EQ(form_->GProt.Text(), "RC5");
+  mod_->Signal.Measured.ProtoKind = kUnknown;
+  ASSERT_TRUE(Sends());
+  EXPECT_EQ(form_->GProt.Text(), "UNK");
 }
 
 TEST_F(SendFlow, TheLoopSendsUntilRecordOrSendStopsIt) {
@@ -112,6 +159,14 @@ TEST_F(SendFlow, TheLoopSendsUntilRecordOrSendStopsIt) {
   EXPECT_TRUE(tickSends());
   form_->SendButton.Click();
   EXPECT_FALSE(tickSends());
+
+  // A refusal ends one round of the loop, not the loop.
+  form_->TestCheck.SetChecked(false);
+  form_->TestCheck.SetChecked(true);
+  form_->CodeStr.SetBackColour(ui::kRed);
+  EXPECT_FALSE(tickSends());
+  form_->CodeStr.SetBackColour(std::nullopt);
+  EXPECT_TRUE(tickSends());
 }
 
 }  // namespace
