@@ -63,7 +63,7 @@ std::string TypedCode(const std::string& code) {
 std::string DigitsOf(const std::string& code) {
   if (code.size() < kShortestCode) {
     throw Unsendable("The code " + code + " is too short to be sent: it has " +
-                     std::to_string(code.size() - 1) + " digits; expected " +
+                     std::to_string(std::max<std::size_t>(code.size(), 1) - 1) + " digits; expected " +
                      std::to_string(kShortestCode - 1) + " or more.");
   }
   std::string digits = code.substr(1);
@@ -82,6 +82,12 @@ void LoadParams(KeploMod& mod, const std::string& protocol) {
   }
 }
 
+std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
+  return PadToBytes(BuildSendBits(code, mod.Signal.Measured.ProtoKind, mod.ProtocolParams, toggle));
+} catch (const Failure& tooLong) {
+  throw Unsendable(tooLong.what());
+}
+
 /// Puts the code out on the line, each transmission with its own toggle digit.
 void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options) {
   const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS);
@@ -90,24 +96,23 @@ void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const Se
   line.RTS(-1);
   for (int sent = 0; sent < options.Count; ++sent) {
     std::string code = digits;
-    const std::string slots =
-        PadToBytes(BuildSendBits(code, mod.Signal.Measured.ProtoKind, mod.ProtocolParams, toggle));
+    const std::string slots = SlotsOf(mod, code, toggle);
     if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
     line.IRSend(BitsToChars(slots), pulse, mod.Settings.InterfaceType);
     if (mod.Settings.BeepOn) line.SpeakBeep(2000, 50);
   }
 }
 
+void RequireAudible(const LineOutput& output) {
+  const LineOutput::Signal& last = output.Signals.back();
+  if (!PulsesOf(last).empty()) return;
+  throw Unsendable("Nothing can be heard of the code: its slots are of " + std::to_string(last.Pulse) +
+                   " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
+}
+
 std::string Mode2Of(const LineOutput& output) {
   std::string text;
-  for (const LineOutput::Signal& signal : output.Signals) {
-    const PulseTrain train = PulsesOf(signal);
-    if (train.empty()) {
-      throw Unsendable("Nothing can be heard of the code: its slots are of " + std::to_string(signal.Pulse) +
-                       " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
-    }
-    text += Mode2Text(train);
-  }
+  for (const LineOutput::Signal& signal : output.Signals) text += Mode2Text(PulsesOf(signal));
   return text;
 }
 
@@ -128,6 +133,7 @@ int Send(const SendOptions& options) try {
       options.Code.empty() ? StoredCode(mod.Store.CfgText, options) : TypedCode(options.Code);
   ReplayLine line({}, mod.Settings.ReceiverKind);
   Transmit(mod, line, DigitsOf(code), options);
+  RequireAudible(line.Output());
   if (options.OutFile == kStandardOutput) {
     std::cout << Mode2Of(line.Output());
     return kDone;

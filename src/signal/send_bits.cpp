@@ -30,10 +30,16 @@ std::size_t FrameLength(std::string_view code, const ProtocolParams& params) {
          std::max(params.BIT0.size(), params.BIT1.size()) + params.BITG.size();
 }
 
-/// A little more than the transmission can be long, whichever repeats it has.
+/// A little more than the transmission will be long.
 std::size_t LengthBound(std::string_view code, const ProtocolParams& params) {
-  const std::size_t silence = Slots(std::max(params.REPEAT, params.GREPEAT));
-  return (kRepeats + 1) * (FrameLength(code, params) + silence + ShortRepeat().size());
+  const std::size_t frame = FrameLength(code, params);
+  std::size_t repeat = 0;
+  if (params.REPEAT != 0) {
+    repeat = Slots(params.REPEAT) + frame;
+  } else if (params.GREPEAT > 1) {
+    repeat = Slots(params.GREPEAT) + ShortRepeat().size();
+  }
+  return frame + kRepeats * repeat;
 }
 
 void WriteToggle(std::string& code, bool& rc5Toggle) {

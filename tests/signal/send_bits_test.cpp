@@ -90,6 +90,8 @@ TEST(BuildSendBits, RefusesWhatIsTooLongAheadOfAnyChange) {
   EXPECT_EQ(code, "11000000001100");
   EXPECT_FALSE(toggle);
   EXPECT_NO_THROW(Sent(kNec, std::string(32, '1'), Params(kNec, 32767, 32767)));
+  params.REPEAT = 0;
+  EXPECT_NO_THROW(Sent(kRc5, code, params)) << "sent once, it fits";
 }
 
 TEST(BitsToChars, PacksTheFirstSlotHighest) {
