@@ -20,6 +20,7 @@ void AddLearnCommand(CLI::App& app, int& status);
 void AddForgetCommand(CLI::App& app, int& status);
 void AddSendCommand(CLI::App& app, int& status);
 void AddInstallCommand(CLI::App& app, int& status);
+void AddCalibrateCommand(CLI::App& app, int& status);
 void AddSynthCommand(CLI::App& app, int& status);
 
 }  // namespace keplo::cli

@@ -56,20 +56,29 @@ std::int32_t ReplayLine::DCD() {
   return Pending() ? 1 - rest : rest;
 }
 
+void ReplayLine::HoldLastPress(int captures) { heldCaptures_ = std::max(captures, 1); }
+
+void ReplayLine::Advance() {
+  last_ = next_;
+  if (Held() && --heldCaptures_ > 0) return;
+  ++next_;
+}
+
 void ReplayLine::Capture(std::span<char> buffer, std::int32_t delay) {
   if (Done()) return;
   const LineOptions options = AtDelay(options_, delay);
-  const std::string signal = SignalOfPress(presses_[next_++].Signal, buffer.size(), options);
-  // Bytes behind the signal are the caller's.
-  const std::size_t lastByte = signal.find_last_not_of('\0') + 1;
-  std::copy_n(signal.begin(), lastByte, buffer.begin());
+  const std::string signal = SignalOfPress(presses_[next_].Signal, buffer.size(), options);
+  // Bytes behind the signal are the caller's; the silence between two frames of a held key is in it.
+  const std::size_t length = Held() ? signal.size() : signal.find_last_not_of('\0') + 1;
+  std::copy_n(signal.begin(), length, buffer.begin());
+  Advance();
   if (clock_ == nullptr) return;
 
-  const auto length = std::chrono::microseconds(
-      static_cast<std::int64_t>(static_cast<double>(lastByte * 8) * options.SampleTime));
-  const std::chrono::microseconds end = std::max(clock_->Now(), nextStart_) + length;
+  const auto time = std::chrono::microseconds(
+      static_cast<std::int64_t>(static_cast<double>(length * 8) * options.SampleTime));
+  const std::chrono::microseconds end = std::max(clock_->Now(), nextStart_) + time;
   clock_->WaitUntil(end);
-  nextStart_ = end + kPressPause;
+  nextStart_ = Held() && last_ == next_ ? end : end + kPressPause;
 }
 
 void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,13 +61,17 @@ class ReplayLine : public Win32Ser {
 
   /// Plays against a clock from now on, which must outlive the line.
   void PlayAgainst(LineClock& clock);
+  /// Holds the key of the last press down: that press is played once more for each further capture, without a
+  /// pause, and lasts longer than any of them.
+  /// @param captures after so many in all the key is let go; at least 1
+  void HoldLastPress(int captures);
   /// Appends answers of the zone hardware, one character each; NUL is a time-out.
   void AnswerWith(const std::string& characters);
 
   /// Whether every press was played.
   bool Done() const { return next_ == presses_.size(); }
   /// The press that the last capture took; none before the first capture.
-  const PlayedPress* LastPress() const { return next_ == 0 ? nullptr : &presses_[next_ - 1].Place; }
+  const PlayedPress* LastPress() const { return last_ ? &presses_[*last_].Place : nullptr; }
   const LineOutput& Output() const { return output_; }
 
   std::int32_t OpenCom(std::int32_t port) override;
@@ -94,11 +99,15 @@ class ReplayLine : public Win32Ser {
   };
 
   bool Pending();
+  bool Held() const { return heldCaptures_ > 0 && next_ + 1 == presses_.size(); }
+  void Advance();
   void Capture(std::span<char> buffer, std::int32_t delay);
   void Wait(std::chrono::microseconds duration);
 
   std::vector<PendingPress> presses_;
   std::size_t next_ = 0;
+  std::optional<std::size_t> last_;
+  int heldCaptures_ = 0;  // of the last press while its key is held
   const std::int16_t* receiverKind_;
   LineOptions options_;
   LineClock* clock_ = nullptr;

@@ -158,6 +158,9 @@ class Form1 : public ui::Window {
   bool SelectZone();
   bool Send(std::string digits);
 
+  /// @return false if it ended for want of a signal, which leaves the receiver switched on
+  bool Calibrate();
+
   /// Draws a capture onto the surface.
   /// @param offset of its first sample, samples
   /// @return its samples, all of them, wherever they stand
@@ -175,6 +178,7 @@ class Form1 : public ui::Window {
   int waveOffset_ = 15;  // samples; the place of the first sample
   bool windowLarge_ = true;
   bool loaded_ = false;
+  bool calibrating_ = false;
 };
 
 }  // namespace keplo

@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/line_options.h"
+#include "cli/open_map.h"
+#include "config/values.h"
+#include "formats/recording.h"
+#include "line/replay_line.h"
+#include "signal/calibration.h"
+
+namespace keplo::cli {
+
+namespace {
+
+/// Captures for which the replayed key is held; ten times what the longest search takes.
+constexpr int kHeldCaptures = 1000;
+
+struct CalibrateOptions {
+  std::vector<std::string> Replay;
+  std::string AppPath;
+  bool DryRun = false;
+  LineOptions Line;
+};
+
+/// How a calibration on a replay line went.
+struct Course {
+  CalibrationStep End = CalibrationStep::NoSignal;
+  std::int16_t Delay = 0;
+  int Signals = 0;  // heard
+  int Measured = 0;
+};
+
+std::string MeasurementText(std::int16_t delay, std::optional<std::int16_t> baseT) {
+  return "delay " + std::to_string(delay) + ": " +
+         (baseT ? "base time " + std::to_string(*baseT) : std::string("no base time"));
+}
+
+Course Calibrate(ReplayLine& line) {
+  SignalState signal;
+  Course course;
+  Calibration calibration(line, signal, course.Delay);
+  std::string told;
+  while (true) {
+    const std::int16_t delay = course.Delay;
+    course.End = calibration.Measure();
+    if (course.End == CalibrationStep::NoSignal) return course;
+    ++course.Signals;
+    if (calibration.BaseT()) ++course.Measured;
+    const std::string text = MeasurementText(delay, calibration.BaseT());
+    if (text != told) std::cout << text << std::endl;
+    told = text;
+    if (course.End != CalibrationStep::Measure) return course;
+  }
+}
+
+/// The sentences of the window, with the line ends of a terminal.
+std::string Sentences(const Course& course) {
+  std::string text = CalibrationText(course.End, course.Delay);
+  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+  return text;
+}
+
+/// Why the replayed key was let go without a result, for a person; empty at any other end.
+std::string WhyNoHelp(const Course& course) {
+  if (course.End != CalibrationStep::NoSignal) return {};
+  if (course.Signals == 0) return "the recordings hold no key press";
+  const std::string signals = std::to_string(course.Signals) + " signals";
+  if (course.Measured == 0) {
+    return "none of " + signals +
+           " had a base time; give a recording of a SONY remote, and a sample time near 55 microseconds";
+  }
+  return "the key was let go after " + signals + " at delay " + std::to_string(course.Delay) +
+         ", where no signal took the search on";
+}
+
+int Refuse(const std::string& text) {
+  std::cerr << "keplo: " << text << '\n';
+  return kNoResult;
+}
+
+int Save(std::int16_t delay, CfgStore& store) {
+  try {
+    if (!SetGeneralValue(store, "PROCDELAY", std::to_string(delay)))
+      return Refuse(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
+  } catch (const Failure& failure) {
+    return Refuse(failure.what());
+  }
+  std::cout << "saved in " << store.Path.string() << '\n';
+  return kDone;
+}
+
+int Calibrate(const CalibrateOptions& options) {
+  std::optional<OpenConfig> config;
+  if (!options.DryRun) config.emplace(options.AppPath).RequireWhole();
+  std::vector<Recording> recordings;
+  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
+  const std::int16_t receiver = 0;  // calibration captures alike for both
+  ReplayLine line(std::move(recordings), receiver, options.Line);
+  line.HoldLastPress(kHeldCaptures);
+  const Course course = Calibrate(line);
+  if (course.End != CalibrationStep::Succeeded) {
+    const std::string why = WhyNoHelp(course);
+    return Refuse(Sentences(course) + (why.empty() ? "" : "\nkeplo: " + why));
+  }
+  std::cout << Sentences(course) << '\n';
+  return config ? Save(course.Delay, config->Mod.Store) : kDone;
+}
+
+}  // namespace
+
+void AddCalibrateCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand(
+      "calibrate", "Find the delay at which a held key has its base time, and save it as PROCDELAY");
+  const auto options = std::make_shared<CalibrateOptions>();
+  command
+      ->add_option("--replay", options->Replay,
+                   "Recordings of a SONY remote; the key of the last press is held down")
+      ->required();
+  command->add_flag("--dry-run", options->DryRun, "Save nothing");
+  AddAppPathOption(*command, options->AppPath);
+  AddLineOptions(*command, options->Line);
+  command->callback([options, &status] { status = Calibrate(*options); });
+}
+
+}  // namespace keplo::cli
