@@ -56,4 +56,12 @@ std::int64_t NumberRounded(std::string_view value) {
   return parts.Signed(RoundsUp(parts) ? parts.Whole + 1 : parts.Whole);
 }
 
+double Number(std::string_view value) {
+  const Parts parts = Read(value);
+  auto number = static_cast<double>(parts.Whole);
+  double weight = 1;
+  for (const char digit : parts.Fraction) number += (digit - '0') * (weight /= 10);
+  return parts.Negative ? -number : number;
+}
+
 }  // namespace keplo

@@ -16,6 +16,9 @@ std::int64_t NumberWithoutFraction(std::string_view value);
 /// The number rounded to the nearest whole one, a half to the even neighbour; beyond 32 bits as above.
 std::int64_t NumberRounded(std::string_view value);
 
+/// The number with its fraction, to compare it with limits.
+double Number(std::string_view value);
+
 template <typename Int>
 Int Saturated(std::int64_t number) {
   return static_cast<Int>(

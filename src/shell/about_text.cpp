@@ -1,6 +1,7 @@
 #include "shell/about_text.h"
 
 #include "keplo_mod.h"
+#include "maker.h"
 
 namespace keplo {
 
@@ -8,8 +9,8 @@ std::string AboutText() {
   return "Keplo Input Plugin v" + VersionText +
          "\r\n"
          "for Velmora (https://velmora.example)\r\n"
-         "See details at: https://keplo.example/inputkeplo\r\n"
-         "Please send any comments to: support@keplo.example";
+         "See details at: " +
+         std::string(kWebPage) + "\r\nPlease send any comments to: " + std::string(kSupportMail);
 }
 
 }  // namespace keplo

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace keplo {
+
+/// Longest time that IRRecord and IRRecordN wait for a signal to begin.
+inline constexpr std::chrono::seconds kLongestRecordWait{10};
 
 /// The only way to the hardware: receiver, transmitter and zone interface on the lines of one serial port.
 ///
@@ -42,7 +46,7 @@ class Win32Ser {
   /// The same for the IRMouse receiver.
   virtual void IRMonitorN(std::span<char> buffer, std::int32_t delay) = 0;
 
-  /// Waits for a signal for a time of the line's choice, then samples as IRMonitor does. For the DCDStandard
+  /// Waits for a signal, up to kLongestRecordWait, then samples as IRMonitor does. For the DCDStandard
   /// receiver, and for calibration with either receiver.
   /// @param limit largest number of bytes to fill
   /// @return zero if no signal came; only the low 16 bits count

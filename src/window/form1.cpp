@@ -5,12 +5,6 @@
 
 namespace keplo {
 
-namespace {
-
-constexpr std::string_view kBoxTitle = "Keplo";
-
-}  // namespace
-
 Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes) : mod_(mod), line_(line), boxes_(boxes) {
   ShowDesign();
   BindHandlers();
@@ -46,6 +40,18 @@ void Form1::BindHandlers() {
   MinButton.OnClick = [this] { MinButton_Click(); };
   OKButton.OnClick = [this] { OKButton_Click(); };
   FileExit.OnClick = [this] { FileExit_Click(); };
+  ComList.OnClick = [this] { ComList_Click(); };
+  StdDcdMenu.OnClick = [this] { StdDcdMenu_Click(); };
+  IRMouseMenu.OnClick = [this] { IRMouseMenu_Click(); };
+  TxDCheckBox.OnClick = [this] { TxDCheckBox_Click(); };
+  BeepCheckbox.OnClick = [this] { BeepCheckbox_Click(); };
+  VexilCheckbox.OnClick = [this] { VexilCheckbox_Click(); };
+  Zone.OnClick = [this] { Zone_Click(); };
+  MenuProcDelay.OnClick = [this] { MenuProcDelay_Click(); };
+  HelpContentMenu.OnClick = [this] { HelpContentMenu_Click(); };
+  WebPageMenu.OnClick = [this] { WebPageMenu_Click(); };
+  UpdateMenu.OnClick = [this] { UpdateMenu_Click(); };
+  AboutMenu.OnClick = [this] { AboutMenu_Click(); };
   CalibrationMenu.OnClick = [this] { CalibrationMenu_Click(); };
   FileNewMenu.OnClick = [this] { FileNewMenu_Click(); };
   EditMenu.OnClick = [this] { EditMenu_Click(); };

@@ -29,6 +29,9 @@ namespace keplo {
 /// The last entry of the protocol list: no section, but the place of the key press recorded last.
 inline constexpr std::string_view kRecorded = "Recorded";
 
+/// Title of the boxes that have none of their own.
+inline constexpr std::string_view kBoxTitle = "Keplo";
+
 /// The main window: it picks protocols and commands, records and explains key presses, stores them and sends
 /// them. It keeps no settings of its own: it works on the module state and on the one configuration text.
 ///
@@ -47,9 +50,14 @@ class Form1 : public ui::Window {
   /// opened by the shell it works on what is loaded.
   /// @return false, after a message, if the configuration cannot be used
   bool Form_Load();
+  /// What is wrong with a configuration that cannot be used, for a person; empty if nothing is.
+  const std::string& WhyNotLoaded() const { return whyNotLoaded_; }
   /// Ends the window's work, however it left the screen: saves, and closes the port of a window by itself. A
   /// second call does nothing, nor does one without a Form_Load that was true.
   void Form_Unload();
+
+  /// Tries the ports 1 to 30 and lists those that open; the configured one is selected and ends up open.
+  void ListAvailableCOM();
 
   void Protocol_Click();
   void SendCmd_Click();
@@ -89,6 +97,10 @@ class Form1 : public ui::Window {
   Size OuterSize() const { return windowLarge_ ? kFullOuter : kSmallOuter; }
   /// Runs when the window has become small or large; a view takes the new size over.
   std::function<void()> OnResize;
+  /// Show the manual, and a page of the web, in a program of the user's.
+  /// @return false if none could be started
+  std::function<bool()> OpenManual;
+  std::function<bool(const std::string& address)> OpenWebPage;
 
   /// Where the trace is drawn: the inside of the window at its full size, in pixels of the design. It lies on
   /// the Signal box, and only that part of it ever carries anything.
@@ -128,11 +140,18 @@ class Form1 : public ui::Window {
   bool ByShell() const;
   void ShowMode();
   bool LoadFile();
-  void OpenLine();
-  void ShowSettings();
+  bool NotLoaded();
+  void ShowInterfaceType();
   void ShowZoneHardware();
-  bool FillProtocols();
-  void TellBadConfig();
+  void ListProtocolsWithRecorded();
+  bool PortOpens(std::int32_t port);
+
+  static std::int32_t OutputOf(std::int32_t interfaceType);
+  void KeepSetting(std::string_view key, std::int32_t value);
+  void KeepSettingAndSave(std::string_view key, std::int32_t value);
+  void KeepInterfaceType(std::int32_t interfaceType);
+  void ShowReceiver();
+  void GiveTheLineToZones();
 
   bool RecordedSelected() const;
   void ColourLists(ui::Colour colour);
@@ -179,6 +198,8 @@ class Form1 : public ui::Window {
   bool windowLarge_ = true;
   bool loaded_ = false;
   bool calibrating_ = false;
+  bool textIsWhole_ = false;
+  std::string whyNotLoaded_;
 };
 
 }  // namespace keplo

@@ -1,13 +1,30 @@
+#include <string>
+
+#include "keplo_mod.h"
+#include "maker.h"
 #include "window/form1.h"
 
 namespace keplo {
 
-void Form1::HelpContentMenu_Click() {}
+void Form1::HelpContentMenu_Click() {
+  if (OpenManual && OpenManual()) return;
+  Tell(
+      "The manual cannot be shown: no program to show web pages could be started. Set up a web browser, or "
+      "read the manual's pages in the folder docs/help of Keplo.");
+}
 
-void Form1::WebPageMenu_Click() {}
+void Form1::WebPageMenu_Click() {
+  const std::string page(kWebPage);
+  if (OpenWebPage && OpenWebPage(page)) return;
+  Tell("No program to show web pages could be started. Set up a web browser, or go to " + page +
+       " yourself.");
+}
 
-void Form1::UpdateMenu_Click() {}
+void Form1::UpdateMenu_Click() { Tell("Not yet implemented"); }
 
-void Form1::AboutMenu_Click() {}
+void Form1::AboutMenu_Click() {
+  Tell((ByShell() ? "Keplo Input Plugin for Velmora v" : "Keplo v") + VersionText + "\r\nSee details at: " +
+       std::string(kWebPage) + "\r\nPlease send any comments to: " + std::string(kSupportMail));
+}
 
 }  // namespace keplo

@@ -4,6 +4,7 @@
 
 #include "config/lookup.h"
 #include "signal/zone_link.h"
+#include "ui/wait_notice.h"
 #include "window/form1.h"
 #include "window/while_disabled.h"
 
@@ -49,6 +50,9 @@ void Form1::RecButton_Click() {
   line_.DTR(0);
   line_.RTS(-1);
   const WhileDisabled recording(RecButton);
+  const ui::WaitNotice notice(*this,
+                              "Recording: press a key of the remote now. Without a signal this ends after " +
+                                  std::to_string(kLongestRecordWait.count()) + " seconds at most.");
   const bool received = ReceiveSignal();
   if (VexilCheckbox.Checked()) ShowReceivedZone();
   if (!received) {

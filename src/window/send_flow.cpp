@@ -8,6 +8,7 @@
 #include "signal/pattern_sets.h"
 #include "signal/send_bits.h"
 #include "signal/zone_link.h"
+#include "ui/wait_notice.h"
 #include "window/form1.h"
 #include "window/while_disabled.h"
 
@@ -44,6 +45,7 @@ void Form1::Timer1_Timer() {
 void Form1::SendButton_Click() {
   Timer1.SetEnabled(false);
   const WhileDisabled sending(SendButton);
+  const ui::WaitNotice notice(*this, "Sending the command.");
   if (CodeStr.BackColour() == ui::kRed) {
     Tell(" The received command is not yet validated!");
     return;

@@ -1,29 +1,35 @@
 #include <algorithm>
-#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "config/check_config.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
+#include "failure.h"
+#include "maker.h"
 #include "window/form1.h"
 
 namespace keplo {
-
-namespace {
-
-constexpr int kZones = 8;
-
-}  // namespace
 
 bool Form1::Form_Load() {
   validation_ = {};
   Timer1.SetEnabled(false);
   windowLarge_ = true;
   ShowMode();
-  if (!ByShell() && !LoadFile()) return false;
-  OpenLine();
-  ShowSettings();
-  if (!FillProtocols()) return false;
+  if (!ByShell() && !LoadFile()) return NotLoaded();
+  // A save cuts the text behind its last section header: what cannot be read whole must not be written back.
+  textIsWhole_ = WalkSections(mod_.Store.CfgText).Ended == WalkEnd::ClosingHeader;
+  Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
+  ListAvailableCOM();
+  ShowInterfaceType();
+  BeepCheckbox.SetChecked(mod_.Settings.BeepOn);
+  Beep(5000, 50);
+  Beep(2000, 50);
+  Beep(5000, 50);
+  ShowZoneHardware();
+  if (!textIsWhole_) return NotLoaded();
+  ListProtocolsWithRecorded();
+  ProcDelayparameter.SetText(std::to_string(mod_.Settings.ProcDelay));
   Protocol.Select(mod_.Settings.ProtocolIndex);
   Protocol_Click();
   HScroll1.Set(0, 0, 0);
@@ -60,65 +66,46 @@ void Form1::ShowMode() {
   OKButton.SetVisible(ByShell());
 }
 
-bool Form1::LoadFile() {
-  if (!Told([this] { LoadConfig(mod_.Store); })) return false;
-  if (ReadSettings(mod_.Store, mod_.Settings).Complete()) return true;
-  TellBadConfig();
+bool Form1::LoadFile() try {
+  LoadConfig(mod_.Store);
+  return ReadSettings(mod_.Store, mod_.Settings).Complete();
+} catch (const Failure& unreadable) {
+  whyNotLoaded_ = unreadable.what();
   return false;
 }
 
-void Form1::OpenLine() {
-  const std::int32_t port = mod_.Settings.ComPortNr;
-  ComList.SetEntries({"COM " + std::to_string(port)});
-  ComList.Select(0);
-  ComList.SetBackColour(line_.OpenCom(port) == 1 ? ui::kGreen : ui::kRed);
-  line_.RTS(-1);
-  line_.TXD(0);
+bool Form1::NotLoaded() {
+  if (whyNotLoaded_.empty()) whyNotLoaded_ = CheckConfig(mod_.Store);
+  if (!ByShell()) line_.CloseCom();
+  boxes_.Error(
+      "There is an error in the configuration file.\r\nThe application will be closed.\r\n"
+      "Please send a message to " +
+          std::string(kSupportMail) + " for support.",
+      kBoxTitle);
+  return false;
 }
 
-void Form1::ShowSettings() {
-  const Settings& settings = mod_.Settings;
-  const bool mouse = settings.InterfaceType >= 8;
-  IRMouseMenu.SetChecked(mouse);
-  StdDcdMenu.SetChecked(!mouse);
-  ReceiverType.SetText(mouse ? "IRMouse" : "DCDStd");
-  TxDCheckBox.SetChecked(settings.InterfaceType % 8 == 1);
-  ProcDelayparameter.SetText(std::to_string(settings.ProcDelay));
-  BeepCheckbox.SetChecked(settings.BeepOn);
-  Beep(5000, 50);
-  Beep(2000, 50);
-  Beep(5000, 50);
-  ShowZoneHardware();
+void Form1::ShowInterfaceType() {
+  Settings& settings = mod_.Settings;
+  settings.ReceiverKind = ReceiverKindOf(settings.InterfaceType);
+  ShowReceiver();
+  const std::int32_t output = OutputOf(settings.InterfaceType);
+  if (output == 0 || output == 1) TxDCheckBox.SetChecked(output == 1);
 }
 
 void Form1::ShowZoneHardware() {
-  std::vector<std::string> zones;
-  for (int zone = 1; zone <= kZones; ++zone) zones.push_back(std::to_string(zone));
-  Zone.SetEntries(std::move(zones));
   const bool used = mod_.Settings.VexilMode > 0;
+  if (used) Zone.Select(mod_.Settings.VexilMode - 1);
   Zone.SetVisible(used);
-  ZoneNr.SetVisible(used);
   VexilCheckbox.SetChecked(used);
-  TxDCheckBox.SetEnabled(!used);
-  if (!used) return;
-  Zone.Select(mod_.Settings.VexilMode - 1);
-  line_.SetMode(2);
-  TxDCheckBox.SetChecked(false);
+  ZoneNr.SetVisible(used);
+  if (used) GiveTheLineToZones();
 }
 
-bool Form1::FillProtocols() {
-  SectionWalk walk = WalkSections(mod_.Store.CfgText);
-  if (walk.Ended != WalkEnd::ClosingHeader) {
-    TellBadConfig();
-    return false;
-  }
-  walk.Names.emplace_back(kRecorded);
-  Protocol.SetEntries(std::move(walk.Names));
-  return true;
-}
-
-void Form1::TellBadConfig() {
-  Tell("There is an error in the configuration file.\nThe application will be closed.");
+void Form1::ListProtocolsWithRecorded() {
+  std::vector<std::string> names = ListProtocols(mod_.Store.CfgText);
+  names.emplace_back(kRecorded);
+  Protocol.SetEntries(std::move(names));
 }
 
 }  // namespace keplo

@@ -16,16 +16,17 @@ class FakeLine : public Win32Ser {
   std::vector<std::string> Calls;
   bool LogDcd = false;
 
-  std::deque<std::int32_t> OpenResults;  // 1 when none is left
-  std::deque<std::string> Captures;      // one for each capture call; the line rests when none is left
-  std::deque<char> Answers;              // characters of the zone hardware; NUL for a time-out
-  std::int32_t ReadResult = 1;           // of a character that came
+  std::deque<std::int32_t> OpenResults;          // 1 when none is left
+  std::function<bool(std::int32_t port)> Opens;  // in place of them
+  std::deque<std::string> Captures;  // one for each capture call; the line rests when none is left
+  std::deque<char> Answers;          // characters of the zone hardware; NUL for a time-out
+  std::int32_t ReadResult = 1;       // of a character that came
   std::function<std::int16_t(char)> Zones = [](char) -> std::int16_t { return 0; };
   std::int32_t Rest = 1;
 
   std::int32_t OpenCom(std::int32_t port) override {
     Note("OpenCom", port);
-    return Take(OpenResults, 1);
+    return Opens ? (Opens(port) ? 1 : 0) : Take(OpenResults, 1);
   }
   void CloseCom() override { Calls.emplace_back("CloseCom"); }
   void SetMode(std::int32_t mode) override { Note("SetMode", mode); }

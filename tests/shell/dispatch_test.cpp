@@ -12,7 +12,7 @@ class Dispatch : public ::testing::Test {
  protected:
   std::string cfgText_ =
       tests::Config({}, ProtocolSection("NEC", "G1010101010101,POWER\r\nG11110000111100001111,UP\r\n"));
-  Settings settings_;
+  Settings settings_{.BeepOn = true};
   ui::ListView list_;
   tests::FakeLine line_;
 

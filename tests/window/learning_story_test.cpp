@@ -185,17 +185,5 @@ TEST_F(LearningStory, AProtocolBringsItsCommandsAndKeepsItsPlaceInTheFile) {
   EXPECT_EQ(File(), expected);
 }
 
-TEST_F(LearningStory, AFileThatCannotBeUsedIsToldAndNeverWritten) {
-  const std::string broken = kGeneral + Protocol("One", {kEmpty}) + "[End]\r\n";
-  disk_.Put("keplo.cfg", broken);
-  KeploMod mod("/home", disk_);
-  Form1 form(mod, line_, boxes_);
-  EXPECT_FALSE(form.Form_Load());
-  EXPECT_EQ(boxes_.Shown,
-            Texts{"There is an error in the configuration file.\nThe application will be closed."});
-  form.Form_Unload();
-  EXPECT_EQ(File(), broken);
-}
-
 }  // namespace
 }  // namespace keplo::tests

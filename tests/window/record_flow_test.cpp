@@ -110,6 +110,7 @@ TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
   mod_->Settings.ReceiverKind = 1;
   mod_->Settings.BeepOn = false;
   form_->VexilCheckbox.SetChecked(true);
+  line_.Calls.clear();
   line_.Answers = {'a'};
   line_.Zones = [](char) -> std::int16_t { return 3; };
   form_->RecButton.Click();

@@ -1,0 +1,62 @@
+#include <string>
+
+#include "config/numbers.h"
+#include "ui/wait_notice.h"
+#include "window/form1.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::int32_t kLastPort = 30;
+constexpr int kOpenAttempts = 3;
+constexpr std::int32_t kPauseAfterFailure = 200'000;  // microseconds
+constexpr std::size_t kPortDigits = 2;
+
+}  // namespace
+
+void Form1::ListAvailableCOM() {
+  const ui::WaitNotice notice(*this, "Looking for serial ports. This takes some seconds at most.");
+  ComList.Clear();
+  for (std::int32_t port = 1; port <= kLastPort; ++port) {
+    if (!PortOpens(port)) continue;
+    ComList.Add("COM " + std::to_string(port));
+    if (port == mod_.Settings.ComPortNr) ComList.Select(ComList.Count() - 1);
+    ComList.SetBackColour(ui::kGreen);
+  }
+  if (ComList.Count() == 0) {
+    Tell("There is no COM port available");
+    return;
+  }
+  // Probing has moved the line to the last port.
+  line_.OpenCom(mod_.Settings.ComPortNr);
+  line_.RTS(-1);
+  line_.TXD(0);
+}
+
+bool Form1::PortOpens(std::int32_t port) {
+  for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
+    if (line_.OpenCom(port) == 1) return true;
+  }
+  return false;
+}
+
+void Form1::ComList_Click() {
+  const std::string entry = ComList.Text();
+  const std::int32_t port = WithoutFraction<std::int32_t>(entry.substr(entry.size() - kPortDigits));
+  const ui::WaitNotice notice(*this, "Opening " + entry + ". This takes a second at most.");
+  mod_.Settings.ComPortNr = port;
+  KeepSetting("COMPORT", port);
+  int attempt = 1;
+  while (attempt <= kOpenAttempts && line_.OpenCom(port) != 1) {
+    line_.uDelay(kPauseAfterFailure);
+    ++attempt;
+  }
+  line_.RTS(-1);
+  // A port that needs to be asked twice is not to be relied on.
+  ComList.SetBackColour(attempt == 1 ? ui::kGreen : ui::kRed);
+  line_.RTS(-1);
+  line_.TXD(0);
+}
+
+}  // namespace keplo

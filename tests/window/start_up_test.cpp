@@ -1,0 +1,250 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+#include "config/cfg_store.h"
+#include "config/read_settings.h"
+#include "window/window_fixture.h"
+
+namespace keplo::tests {
+namespace {
+
+constexpr const char* kConfigError =
+    "(error) There is an error in the configuration file.\r\nThe application will be closed.\r\n"
+    "Please send a message to support@keplo.example for support.";
+
+std::string General(const std::string& values) {
+  std::string text = "[General]\r\n";
+  std::size_t at = 0;
+  for (const char* key : {"COMPORT", "PROTOCOL", "PROCDELAY", "ITYPE", "BEEPON", "VEXIL"}) {
+    const std::size_t end = values.find(' ', at);
+    text += std::string(key) + "= " + values.substr(at, end - at) + "\r\n";
+    at = end + 1;
+  }
+  return text + "\r\n";
+}
+
+/// A file with two protocols.
+std::string FileOf(const std::string& general) {
+  return General(general) + Protocol("One", {"G1010101010101,PLAY"}) + Protocol("Two", {"G10,EMPTY"}) +
+         Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
+}
+
+class StartUp : public WindowTest {
+ protected:
+  void SetUp() override {
+    line_.Opens = [this](std::int32_t port) {
+      line_.Calls.pop_back();
+      ++Probes;
+      if (!Ports.contains(port) || --Ports[port] > 0) return false;
+      line_.Calls.push_back("OpenCom " + std::to_string(port));
+      return true;
+    };
+  }
+
+  /// Brings the window up by itself, or over a text that the shell has loaded.
+  bool Load(const std::string& file, int pluginMode = 0) {
+    form_.reset();
+    line_.Calls.clear();
+    Probes = 0;
+    disk_.Put("keplo.cfg", file);
+    mod_ = std::make_unique<KeploMod>("/home", disk_);
+    mod_->Settings.PluginMode = static_cast<std::int16_t>(pluginMode);
+    if (pluginMode == 1) {
+      LoadConfig(mod_->Store);
+      ReadSettings(mod_->Store, mod_->Settings);
+    }
+    form_ = std::make_unique<Form1>(*mod_, line_, boxes_);
+    return form_->Form_Load();
+  }
+
+  std::map<std::int32_t, int> Ports = {{2, 1}, {5, 1}};  // and at which attempt each opens
+  int Probes = 0;
+};
+
+TEST_F(StartUp, FindsThePortsAndEndsOnTheConfiguredOne) {
+  const Texts takenOver = {"OpenCom 5", "RTS -1", "RTS -1", "TXD 0"};
+  const Texts left = {"OpenCom 5", "RTS -1", "TXD 0"};
+  ASSERT_TRUE(Load(FileOf("5 1 28 0 0 0")));
+  Texts calls = {"OpenCom 2", "OpenCom 5"};
+  calls.insert(calls.end(), takenOver.begin(), takenOver.end());
+  calls.insert(calls.end(), left.begin(), left.end());
+  EXPECT_EQ(line_.Calls, calls);
+  EXPECT_EQ(form_->ComList.Entries(), (Texts{"COM 2", "COM 5"}));
+  EXPECT_EQ(form_->ComList.Text(), "COM 5");
+  EXPECT_EQ(form_->ComList.BackColour(), ui::kGreen);
+  EXPECT_EQ(Probes, 28 * 3 + 2 + 2);
+  EXPECT_EQ(form_->Protocol.Text() + " " + form_->SendCmd.Text(), "Two EMPTY");
+  EXPECT_EQ(form_->ProcDelayparameter.Text(), "28");
+  EXPECT_TRUE(boxes_.Shown.empty());
+}
+
+TEST_F(StartUp, AnAbsentPortLeavesNothingSelected) {
+  ASSERT_TRUE(Load(FileOf("9 0 10 0 0 0")));
+  EXPECT_EQ(line_.Calls, (Texts{"OpenCom 2", "OpenCom 5", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(Probes, 28 * 3 + 2 + 1);
+  EXPECT_EQ(form_->ComList.Text(), "");
+  EXPECT_TRUE(boxes_.Shown.empty());
+
+  Ports.clear();
+  ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0")));
+  EXPECT_EQ(boxes_.TakeShown(), Texts{"There is no COM port available"});
+  EXPECT_EQ(form_->ComList.Count(), 0);
+  EXPECT_TRUE(line_.Calls.empty());
+  EXPECT_EQ(form_->Protocol.Text(), "One");
+}
+
+TEST_F(StartUp, TheUsersChoiceIsColouredByItsFirstAttempt) {
+  Ports = {{2, 1}, {5, 2}, {12, 1}};
+  ASSERT_TRUE(Load(FileOf("2 0 10 0 0 0")));
+  EXPECT_EQ(form_->ComList.Entries(), (Texts{"COM 2", "COM 5", "COM 12"}));
+  line_.Calls.clear();
+  form_->ComList.Select(2);
+  EXPECT_EQ(line_.Calls, (Texts{"OpenCom 12", "RTS -1", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(form_->ComList.BackColour(), ui::kGreen);
+  EXPECT_NE(File().find("COMPORT= 12\r\n"), std::string::npos);
+
+  Ports[5] = 2;
+  line_.Calls.clear();
+  form_->ComList.Select(1);
+  EXPECT_EQ(line_.Calls, (Texts{"uDelay 200000", "OpenCom 5", "RTS -1", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(form_->ComList.BackColour(), ui::kRed);
+
+  Ports.erase(12);
+  line_.Calls.clear();
+  form_->ComList.Select(2);
+  EXPECT_EQ(line_.Calls,
+            (Texts{"uDelay 200000", "uDelay 200000", "uDelay 200000", "RTS -1", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(form_->ComList.BackColour(), ui::kRed);
+  EXPECT_EQ(mod_->Settings.ComPortNr, 12);
+  EXPECT_TRUE(boxes_.Shown.empty());
+}
+
+TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
+  struct Case {
+    std::string General, FileBehind;
+    Texts Calls;        // between the ports and the end
+    std::string Shown;  // check marks: receiver, TxD, beep, zone hardware; the zone
+  };
+  const Texts beeps = {"SpeakBeep 5000 50", "SpeakBeep 2000 50", "SpeakBeep 5000 50"};
+  const std::vector<Case> cases = {
+      {"9 0 10 0 0 0", "9 0 10 0 0 0", {}, "DCDStd - - - "},
+      {"9 0 10 9 0 0", "9 0 10 9 0 0", {"SetMode 1"}, "IRMouse TxD - - "},
+      {"9 0 10 8 1 0", "9 0 10 8 1 0", beeps, "IRMouse - Beep - "},
+      {"9 0 10 0 2 0", "9 0 10 0 2 0", {}, "DCDStd - - - "},
+      {"9 0 10 1 0 3", "9 0 10 0 0 3", {"SetMode 1", "SetMode 2"}, "DCDStd - - Vexil 3"},
+      {"9 0 10 0 0.4 7.5", "9 0 10 0 0.4 8", {"SetMode 2"}, "DCDStd - - Vexil 8"},
+      {"9.9 0.9 10 0 0 0", "9.9 0 10 0 0 0", {}, "DCDStd - - - "},
+      {"9 77 10 0 0 0", "9 77 10 0 0 0", {}, "DCDStd - - - "},
+  };
+  for (const Case& c : cases) {
+    ASSERT_TRUE(Load(FileOf(c.General))) << c.General;
+    const Texts calls(line_.Calls.begin() + 4, line_.Calls.end());
+    EXPECT_EQ(calls, c.Calls) << c.General;
+    const auto mark = [](const ui::CheckBox& box, const char* name) {
+      return std::string(box.Checked() ? name : "-") + " ";
+    };
+    EXPECT_EQ(form_->ReceiverType.Text() + " " + mark(form_->TxDCheckBox, "TxD") +
+                  mark(form_->BeepCheckbox, "Beep") + mark(form_->VexilCheckbox, "Vexil") +
+                  form_->Zone.Text(),
+              c.Shown)
+        << c.General;
+    EXPECT_EQ(form_->IRMouseMenu.Checked(), form_->ReceiverType.Text() == "IRMouse");
+    EXPECT_NE(form_->IRMouseMenu.Checked(), form_->StdDcdMenu.Checked());
+    const bool zones = form_->VexilCheckbox.Checked();
+    EXPECT_EQ(form_->TxDCheckBox.Enabled(), !zones);
+    EXPECT_EQ(form_->Zone.Visible() && form_->ZoneNr.Visible(), zones);
+    form_->Form_Unload();
+    EXPECT_EQ(File(), FileOf(c.FileBehind)) << c.General;
+    EXPECT_EQ(line_.Calls.back(), "CloseCom");
+  }
+}
+
+TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
+  const std::string whole = FileOf("5 0 10 0 1 3");
+  const auto without = [&](const std::string& text, const std::string& instead = "") {
+    std::string file = whole;
+    return file.replace(file.find(text), text.size(), instead);
+  };
+  struct Case {
+    std::string File;
+    bool Alone, ByShell;  // whether it comes up
+  };
+  const std::vector<Case> cases = {
+      {whole, true, true},
+      {without("[END]", "[End]"), false, false},
+      {without("[END]\r\n"), false, false},
+      {without("[General]"), false, false},
+      {without("ITYPE= "), false, true},
+      {without("VEXIL= "), false, true},
+      {without("COMPORT= 5\r\nPROTOCOL= 0", "PROTOCOL= 0\r\nCOMPORT= 5"), false, true},
+      {"", false, false},
+  };
+  for (const Case& c : cases) {
+    for (const int pluginMode : {0, 1}) {
+      const bool comesUp = pluginMode == 1 ? c.ByShell : c.Alone;
+      EXPECT_EQ(Load(c.File, pluginMode), comesUp) << pluginMode << c.File;
+      EXPECT_EQ(boxes_.TakeShown(), comesUp ? Texts{} : Texts{kConfigError}) << pluginMode << c.File;
+      EXPECT_EQ(form_->WhyNotLoaded().empty(), comesUp);
+      if (comesUp) continue;
+      EXPECT_EQ(line_.Calls.empty() ? "" : line_.Calls.back(), pluginMode == 0       ? "CloseCom"
+                                                               : line_.Calls.empty() ? ""
+                                                                                     : line_.Calls.back());
+      form_->Form_Unload();
+      EXPECT_EQ(File(), c.File);
+    }
+  }
+}
+
+TEST_F(StartUp, BothModesShowWhatIsTheirs) {
+  struct Case {
+    int PluginMode;
+    std::string Title, About;
+    bool Alone;
+  };
+  for (const Case& c :
+       {Case{0, "Orlo's Keplo v", "Keplo v", true},
+        Case{1, "Orlo's Infrared Input Plugin Configuration v", "Keplo Input Plugin for Velmora v", false}}) {
+    ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), c.PluginMode));
+    EXPECT_EQ(form_->Title(), c.Title + VersionText);
+    EXPECT_EQ(form_->ReceiverType.Visible() && form_->FileExit.Visible() && form_->TestCheck.Visible(),
+              c.Alone);
+    EXPECT_NE(form_->OKButton.Visible(), c.Alone);
+    form_->AboutMenu.Click();
+    EXPECT_EQ(boxes_.TakeShown().at(0).substr(0, c.About.size() + VersionText.size()), c.About + VersionText);
+    line_.Calls.clear();
+    form_->Protocol.SelectText("Two");
+    c.Alone ? form_->FileExit.Click() : form_->OKButton.Click();
+    EXPECT_EQ(line_.Calls, Texts{c.Alone ? "CloseCom" : "DTR 0"});
+    EXPECT_EQ(File(), FileOf("5 1 10 0 0 0"));
+  }
+}
+
+TEST_F(StartUp, AWindowOfTheShellWorksOnTheTextInMemory) {
+  ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), 1));
+  form_.reset();
+  disk_.Put("keplo.cfg", "something else");
+  mod_->Settings.BeepOn = true;
+  form_ = std::make_unique<Form1>(*mod_, line_, boxes_);
+  ASSERT_TRUE(form_->Form_Load());
+  EXPECT_TRUE(form_->BeepCheckbox.Checked());
+  EXPECT_EQ(File(), FileOf("5 0 10 0 1 0")) << "the port that was found has been saved";
+}
+
+TEST_F(StartUp, AFailedSaveIsToldAndTheWindowStillComesUp) {
+  disk_.Put("keplo.cfg", "");
+  line_.Opens = [this](std::int32_t port) {
+    if (port == 2) disk_.FailAt(1, true);
+    return port == 5;
+  };
+  ASSERT_TRUE(Load(FileOf("5 0 10 0 1 0")));
+  const Texts told = boxes_.TakeShown();
+  ASSERT_FALSE(told.empty());
+  EXPECT_NE(told.front().find("keplo.cfg"), std::string::npos) << told.front();
+  EXPECT_EQ(form_->ComList.Text(), "COM 5");
+  disk_.FailAt(0, false);
+}
+
+}  // namespace
+}  // namespace keplo::tests
