@@ -10,7 +10,7 @@ _keplo() {
   esac
   local words
   case $COMP_CWORD,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget send synth --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget send calibrate synth --help --version' ;;
     2,events) words='list add delete enable disable --help' ;;
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --sample-time --no-shape --hold --help' ;;
@@ -19,13 +19,14 @@ _keplo() {
     *,record) words='--json --app-path --sample-time --no-shape --hold --help' ;;
     *,learn) words='--protocol --name --app-path --sample-time --no-shape --hold --help' ;;
     *,send) words='--out --pulse --count --code --protocol --app-path --help' ;;
+    *,calibrate) words='--replay --dry-run --app-path --sample-time --no-shape --hold --help' ;;
     *,synth) words='--protocol --code --samples --seed --help' ;;
     *) words='--app-path --help' ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
   case $current,$command in
     -*,*) ;;
-    *,decode | *,monitor | *,record | *,learn) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
+    *,decode | *,monitor | *,record | *,learn | *,calibrate) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 complete -o filenames -F _keplo keplo
