@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -15,6 +16,9 @@ namespace keplo {
 /// Major, minor and revision of the program, joined by points.
 extern const std::string VersionText;
 
+/// Values of ProtocolFormMode.
+inline constexpr std::int16_t kNewProtocolMode = 0, kEditProtocolMode = 1;
+
 /// The state that shell and window share: created by whoever runs the program, handed on by reference.
 struct KeploMod {
   /// @param appPath the folder of keplo.cfg and of the event database
@@ -25,8 +29,9 @@ struct KeploMod {
   CfgStore Store;
   keplo::ProtocolParams ProtocolParams;
   SignalState Signal;
-  bool Rc5Toggle = false;         // toggle digit of the last RC5 transmission
-  std::unique_ptr<Data> modData;  // the one database object; the control creates it
+  std::int16_t ProtocolFormMode = kNewProtocolMode;  // what the protocol dialog is loaded for
+  bool Rc5Toggle = false;                            // toggle digit of the last RC5 transmission
+  std::unique_ptr<Data> modData;                     // the one database object; the control creates it
 };
 
 }  // namespace keplo

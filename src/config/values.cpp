@@ -1,8 +1,5 @@
 #include "config/values.h"
 
-#include <optional>
-#include <string>
-
 namespace keplo {
 
 namespace {
@@ -27,10 +24,14 @@ bool ReplaceValueAt(CfgStore& store, int position, std::string_view value) {
   return true;
 }
 
+std::optional<std::string> WithGeneralValue(const std::string& text, std::string_view key,
+                                            std::string_view value) {
+  const int section = FindNoCase("[General]", text, 1);
+  return WithValueAt(text, FindNoCase(std::string(key) + "=", text, section), value);
+}
+
 bool SetGeneralValue(CfgStore& store, std::string_view key, std::string_view value) {
-  const int section = FindNoCase("[General]", store.CfgText, 1);
-  const int position = FindNoCase(std::string(key) + "=", store.CfgText, section);
-  std::optional<std::string> changed = WithValueAt(store.CfgText, position, value);
+  std::optional<std::string> changed = WithGeneralValue(store.CfgText, key, value);
   if (!changed) return false;
   ReplaceAndSave(store, std::move(*changed));
   return true;

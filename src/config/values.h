@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "config/cfg_store.h"
@@ -13,6 +15,12 @@ namespace keplo {
 /// @return false, with nothing changed, if the position is 0 or its line does not end in a CR
 /// @throws Failure if the text would grow beyond its limit; nothing is changed then
 bool ReplaceValueAt(CfgStore& store, int position, std::string_view value);
+
+/// A text with another value of a key of [General].
+/// @param key without its =
+/// @return empty if section, key or line end is missing
+std::optional<std::string> WithGeneralValue(const std::string& text, std::string_view key,
+                                            std::string_view value);
 
 /// Changes a key of [General] and saves.
 /// @param key without its =

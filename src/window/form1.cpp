@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "ui/boxes.h"
+#include "window/new_protocol.h"
 
 namespace keplo {
 
@@ -9,6 +10,8 @@ Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes) : mod_(mod), line_
   ShowDesign();
   BindHandlers();
 }
+
+Form1::~Form1() { Form_Unload(); }
 
 void Form1::ShowDesign() {
   for (const ControlRow& row : Controls()) {

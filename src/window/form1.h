@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,8 @@
 
 namespace keplo {
 
+class NewProtocol;
+
 /// The last entry of the protocol list: no section, but the place of the key press recorded last.
 inline constexpr std::string_view kRecorded = "Recorded";
 
@@ -42,7 +45,7 @@ class Form1 : public ui::Window {
   /// @param line the receiver and transmitter that the settings name
   Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
   /// A window that goes without a Form_Unload has it here.
-  ~Form1() override { Form_Unload(); }
+  ~Form1() override;
   Form1(const Form1&) = delete;
   Form1& operator=(const Form1&) = delete;
 
@@ -90,6 +93,17 @@ class Form1 : public ui::Window {
   void WebPageMenu_Click();
   void UpdateMenu_Click();
   void AboutMenu_Click();
+
+  /// The protocol dialog; null while there is none. As long as it is there, it stands in the place of this
+  /// window, which is hidden and cannot be used.
+  NewProtocol* ProtocolDialog() const { return newProtocol_.get(); }
+  /// Ends the protocol dialog and brings this window back. The object lives on until the next one is loaded,
+  /// so a handler of its own may end it.
+  void UnloadProtocolDialog();
+  /// Selects a protocol and runs Protocol_Click even if it is selected already.
+  void MakeProtocolCurrent(int index);
+  /// Runs when the protocol dialog has come or gone; a view puts the one in the place of the other.
+  std::function<void()> OnProtocolDialog;
 
   /// True at the full size.
   bool WindowLarge() const { return windowLarge_; }
@@ -172,6 +186,8 @@ class Form1 : public ui::Window {
   void ShowCode(const RecordReading& reading);
   void SelectCurrent();
 
+  void LoadProtocolDialog(std::int16_t mode);
+
   bool TakeRecordedParams();
   void ShowParams();
   bool SelectZone();
@@ -197,6 +213,8 @@ class Form1 : public ui::Window {
   int waveOffset_ = 15;  // samples; the place of the first sample
   bool windowLarge_ = true;
   bool loaded_ = false;
+  bool sendsAgain_ = false;  // once the protocol dialog is gone
+  std::unique_ptr<NewProtocol> newProtocol_, unloadedDialog_;
   bool calibrating_ = false;
   bool textIsWhole_ = false;
   std::string whyNotLoaded_;

@@ -1,11 +1,80 @@
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "config/protocol_edit.h"
+#include "config/protocols.h"
 #include "window/form1.h"
+#include "window/new_protocol.h"
 
 namespace keplo {
 
-void Form1::FileNewMenu_Click() {}
+void Form1::FileNewMenu_Click() { LoadProtocolDialog(kNewProtocolMode); }
 
-void Form1::EditMenu_Click() {}
+void Form1::EditMenu_Click() {
+  mod_.Store.CurProtocol = Protocol.Text();
+  const ProtocolRefusal refusal = CheckProtocolEdit(mod_.Store.CurProtocol);
+  if (refusal != ProtocolRefusal::None) {
+    Tell(RefusalText(refusal));
+    return;
+  }
+  LoadProtocolDialog(kEditProtocolMode);
+}
 
-void Form1::ProtoDeleteMenu_Click() {}
+void Form1::LoadProtocolDialog(std::int16_t mode) {
+  if (newProtocol_) return;
+  mod_.ProtocolFormMode = mode;
+  newProtocol_ = std::make_unique<NewProtocol>(*this, mod_, boxes_);
+  // Nothing is sent by a window that nobody sees, with parameters that the dialog is about to change.
+  sendsAgain_ = Timer1.Enabled();
+  Timer1.SetEnabled(false);
+  if (OnProtocolDialog) OnProtocolDialog();
+  newProtocol_->Form_Load();
+}
+
+void Form1::UnloadProtocolDialog() {
+  if (!newProtocol_) return;
+  unloadedDialog_ = std::move(newProtocol_);
+  if (OnProtocolDialog) OnProtocolDialog();
+  Timer1.SetEnabled(sendsAgain_);
+}
+
+void Form1::MakeProtocolCurrent(int index) {
+  if (Protocol.ListIndex() == index) {
+    Protocol_Click();
+  } else {
+    Protocol.Select(index);
+  }
+}
+
+void Form1::ProtoDeleteMenu_Click() {
+  CfgStore& store = mod_.Store;
+  const ProtocolRefusal refusal = CheckProtocolDelete(store.CurProtocol);
+  if (refusal != ProtocolRefusal::None) {
+    Tell(RefusalText(refusal));
+    return;
+  }
+  if (!Ask("Do you want to delete the protocol " + store.CurProtocol +
+           " from the current configuration file?")) {
+    return;
+  }
+  const std::optional<Splice> change = WithoutSection(store.CfgText, store.CurProtocol);
+  if (!change) return;
+  store.CfgPos = change->First;
+  store.CfgPos2 = change->Last;
+  std::string rest = change->In(store.CfgText);
+  SectionWalk walk = WalkSections(rest);
+  if (walk.Ended != WalkEnd::ClosingHeader) {
+    store.ReplaceText(std::move(rest));
+    Protocol.SetEntries(std::move(walk.Names));
+    return;
+  }
+  if (!ChangeCommands([&] { ReplaceAndSave(store, std::move(rest)); })) return;
+  walk.Names.emplace_back(kRecorded);
+  Protocol.SetEntries(std::move(walk.Names));
+  MakeProtocolCurrent(0);
+  Told([&] { SaveConfig(store); });
+}
 
 }  // namespace keplo

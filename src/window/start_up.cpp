@@ -8,6 +8,7 @@
 #include "failure.h"
 #include "maker.h"
 #include "window/form1.h"
+#include "window/new_protocol.h"
 
 namespace keplo {
 
@@ -39,6 +40,7 @@ bool Form1::Form_Load() {
 
 void Form1::Form_Unload() {
   if (!loaded_) return;
+  if (newProtocol_) newProtocol_->CancelButton_Click();
   loaded_ = false;
   Timer1.SetEnabled(false);
   if (!ByShell()) line_.CloseCom();

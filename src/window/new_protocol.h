@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "config/protocol_edit.h"
+#include "keplo_mod.h"
+#include "ui/boxes.h"
+#include "ui/button.h"
+#include "ui/drop_down_list.h"
+#include "ui/text_box.h"
+#include "ui/window.h"
+
+namespace keplo {
+
+class Form1;
+
+/// The dialog in which the user sets up a new protocol or changes the parameters of one. It lives for one use
+/// and works on the configuration text at once; while it is there, the main window is not.
+class NewProtocol : public ui::Window {
+ public:
+  NewProtocol(Form1& form, KeploMod& mod, ui::Boxes& boxes);
+
+  /// Fills the dialog as ProtocolFormMode tells, or refuses and unloads it.
+  void Form_Load();
+  void GProtoIn_Click();
+  /// Leaves the dialog open with all it holds unless everything passes and the user says yes.
+  void CreateButton_Click();
+  void CancelButton_Click();
+
+  ui::TextBox CProtIn, ProtDesc;
+  ui::DropDownList GProtoIn;
+  ui::TextBox SendPlsIn, RepeatIn, GRepeatIn, BitGIn, Bit0In, Bit1In;
+  ui::Button CreateButton, CancelButton;
+
+ private:
+  bool IsNew() const;
+  bool CodeShown() const;
+  void TakeRecording();
+  bool TakeSection();
+  void Refuse();
+  void TrimFields();
+  ProtocolDraft Fields() const;
+  void KeepParams(const ProtocolDraft& draft);
+  bool Agreed(const std::string& block);
+  bool Saved(std::string text);
+  bool ListProtocolsAgain(std::string_view current);
+  void ShowSendPulse();
+  void Tell(std::string_view text);
+
+  Form1& form_;
+  KeploMod& mod_;
+  ui::Boxes& boxes_;
+  std::int16_t SavedProtocolIndex = 0;
+  bool fromRecording_ = false;
+};
+
+/// One control of the dialog with the texts that it shows.
+struct NewProtocolRow {
+  std::string_view Name;
+  std::variant<ui::TextBox NewProtocol::*, ui::DropDownList NewProtocol::*, ui::Button NewProtocol::*> Model;
+  std::string_view Caption;  // of the label ahead of a field; of a button its own
+  char AccessKey;
+  std::string_view Tip;
+};
+
+/// The controls in the order of the layout, which is the tab order too; the buttons come last.
+std::span<const NewProtocolRow> NewProtocolControls();
+
+}  // namespace keplo
