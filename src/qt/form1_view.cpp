@@ -35,7 +35,8 @@ Form1View::Form1View(Form1& form, QWidget* parent)
       timer_(form.Timer1),
       titleLink_(form.OnTitleChanged, [this] { setWindowTitle(ShownText(form_.Title())); }),
       sizeLink_(form.OnResize, [this] { FitSize(); }),
-      hideLink_(form.OnHide, [this] { hide(); }) {
+      hideLink_(form.OnHide, [this] { hide(); }),
+      protocolDialog_(form, *this) {
   setObjectName(QStringLiteral("Form1"));
   setWindowTitle(ShownText(form.Title()));
   for (const ControlRow& row : Controls()) AddControl(row);

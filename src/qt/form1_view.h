@@ -6,6 +6,7 @@
 
 #include "qt/menu_bar_view.h"
 #include "qt/model_link.h"
+#include "qt/new_protocol_view.h"
 #include "qt/qt_timer.h"
 #include "qt/twip_scale.h"
 #include "window/form1.h"
@@ -41,6 +42,7 @@ class Form1View : public QWidget {
   ModelLink titleLink_;
   ModelLink sizeLink_;
   ModelLink hideLink_;
+  NewProtocolPlace protocolDialog_;
 };
 
 /// Shows a window until its form takes it off the screen.

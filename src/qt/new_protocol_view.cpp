@@ -1,0 +1,118 @@
+#include "qt/new_protocol_view.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "qt/button_view.h"
+#include "qt/drop_down_view.h"
+#include "qt/text.h"
+#include "qt/text_box_view.h"
+
+namespace keplo::qt {
+
+namespace {
+
+// Letters of room: most patterns fit into a field without scrolling, and buttons are easy to hit.
+constexpr int kFieldLetters = 36, kButtonLetters = 12;
+
+int LettersWide(const QWidget& widget, int letters) {
+  return widget.fontMetrics().averageCharWidth() * letters;
+}
+
+/// Makes the widget of a row.
+struct ViewMaker {
+  NewProtocol& Model;
+  const NewProtocolRow& Row;
+  QWidget* Parent;
+
+  QWidget* operator()(ui::TextBox NewProtocol::*box) const { return new TextBoxView(Model.*box, Parent); }
+  QWidget* operator()(ui::DropDownList NewProtocol::*list) const {
+    return new DropDownView(Model.*list, Parent);
+  }
+  QWidget* operator()(ui::Button NewProtocol::*button) const {
+    return new ButtonView(Model.*button, ShownCaption(Row.Caption, Row.AccessKey), Parent);
+  }
+};
+
+QWidget* MakeView(NewProtocol& model, const NewProtocolRow& row, QWidget* parent) {
+  QWidget* view = std::visit(ViewMaker{model, row, parent}, row.Model);
+  view->setObjectName(ShownText(row.Name));
+  view->setAccessibleName(ShownText(row.Caption));
+  view->setToolTip(ShownText(row.Tip));
+  view->setAccessibleDescription(ShownText(row.Tip));
+  return view;
+}
+
+bool IsButton(const NewProtocolRow& row) {
+  return std::holds_alternative<ui::Button NewProtocol::*>(row.Model);
+}
+
+}  // namespace
+
+NewProtocolView::NewProtocolView(NewProtocol& model)
+    : model_(model), titleLink_(model.OnTitleChanged, [this] { setWindowTitle(ShownText(model_.Title())); }) {
+  setObjectName(QStringLiteral("NewProtocol"));
+  setWindowTitle(ShownText(model.Title()));
+  setWindowModality(Qt::ApplicationModal);  // for a host's window, which has to wait for the main one too
+  auto* fields = new QGridLayout;
+  for (const NewProtocolRow& row : NewProtocolControls()) {
+    if (!IsButton(row)) AddField(*fields, row);
+  }
+  auto* whole = new QVBoxLayout(this);
+  whole->addLayout(fields);
+  whole->addStretch(1);
+  whole->addLayout(Buttons());
+}
+
+void NewProtocolView::AddField(QGridLayout& rows, const NewProtocolRow& row) {
+  QWidget* field = MakeView(model_, row, this);
+  field->setMinimumWidth(LettersWide(*field, kFieldLetters));
+  auto* label = new QLabel(ShownCaption(row.Caption, row.AccessKey), this);
+  label->setTextFormat(Qt::PlainText);
+  label->setBuddy(field);
+  const int line = rows.rowCount();
+  rows.addWidget(label, line, 0);
+  rows.addWidget(field, line, 1);
+}
+
+QLayout* NewProtocolView::Buttons() {
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch(1);
+  for (const NewProtocolRow& row : NewProtocolControls()) {
+    if (!IsButton(row)) continue;
+    QWidget* button = MakeView(model_, row, this);
+    button->setMinimumWidth(LettersWide(*button, kButtonLetters));
+    buttons->addWidget(button);
+  }
+  return buttons;
+}
+
+void NewProtocolView::reject() {
+  if (titleLink_.Alive()) model_.CancelButton_Click();
+}
+
+NewProtocolPlace::NewProtocolPlace(Form1& form, QWidget& window)
+    : form_(form), window_(window), link_(form.OnProtocolDialog, [this] { Update(); }) {}
+
+void NewProtocolPlace::Update() {
+  if (NewProtocol* dialog = form_.ProtocolDialog()) {
+    ShowDialog(*dialog);
+    return;
+  }
+  window_.show();
+  window_.activateWindow();
+  if (view_) view_->hide();
+  view_.reset();
+}
+
+void NewProtocolPlace::ShowDialog(NewProtocol& dialog) {
+  view_.reset(new NewProtocolView(dialog));
+  view_->adjustSize();
+  view_->move(window_.geometry().center() - view_->rect().center());
+  view_->show();
+  view_->activateWindow();
+  window_.hide();
+}
+
+}  // namespace keplo::qt

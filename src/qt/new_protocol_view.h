@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDialog>
+#include <QGridLayout>
+#include <memory>
+
+#include "qt/model_link.h"
+#include "window/form1.h"
+#include "window/new_protocol.h"
+
+namespace keplo::qt {
+
+/// The widgets of the protocol dialog over its model.
+class NewProtocolView : public QDialog {
+ public:
+  explicit NewProtocolView(NewProtocol& model);
+
+  /// Esc and the close box.
+  void reject() override;
+
+ private:
+  void AddField(QGridLayout& rows, const NewProtocolRow& row);
+  QLayout* Buttons();
+
+  NewProtocol& model_;
+  ModelLink titleLink_;
+};
+
+/// Puts the protocol dialog of a form in the place of its window, and the window back once it is gone.
+class NewProtocolPlace {
+ public:
+  NewProtocolPlace(Form1& form, QWidget& window);
+
+ private:
+  struct DeleteLater {
+    void operator()(NewProtocolView* view) const { view->deleteLater(); }
+  };
+
+  void Update();
+  void ShowDialog(NewProtocol& dialog);
+
+  Form1& form_;
+  QWidget& window_;
+  std::unique_ptr<NewProtocolView, DeleteLater> view_;  // its own handlers may end it
+  ModelLink link_;
+};
+
+}  // namespace keplo::qt
