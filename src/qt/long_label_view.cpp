@@ -1,5 +1,7 @@
 #include "qt/long_label_view.h"
 
+#include <QKeyEvent>
+
 #include "qt/control_look.h"
 #include "qt/text.h"
 
@@ -24,6 +26,16 @@ void LongLabelView::Redraw() {
                  : QStringLiteral("<p>%1</p><p>%2</p>").arg(tip_.toHtmlEscaped(), shown.toHtmlEscaped()));
   setPalette(PaletteOf(model_, QPalette::Base, QPalette::Text));
   ShowState(*this, model_);
+}
+
+bool LongLabelView::event(QEvent* event) {
+  // Nothing can be cut from here, and the same keys would leave the program.
+  if (event->type() == QEvent::ShortcutOverride &&
+      dynamic_cast<QKeyEvent&>(*event).matches(QKeySequence::Cut)) {
+    event->accept();
+    return true;
+  }
+  return QLineEdit::event(event);
 }
 
 }  // namespace keplo::qt

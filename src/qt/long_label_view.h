@@ -14,6 +14,9 @@ class LongLabelView : public QLineEdit {
   /// @param tip what the field tells; stands ahead of the text in the tip
   LongLabelView(ui::Label& model, const QString& tip, QWidget* parent);
 
+ protected:
+  bool event(QEvent* event) override;
+
  private:
   void Redraw();
 

@@ -30,12 +30,15 @@ void TextBoxView::ShowColours() {
     colours.setColor(QPalette::Base, ground);
     colours.setColor(QPalette::Text, InkOn(ground));
   }
+  showingColours_ = true;
   setPalette(colours);
+  showingColours_ = false;
 }
 
 void TextBoxView::changeEvent(QEvent* event) {
   QLineEdit::changeEvent(event);
-  if (event->type() == QEvent::ApplicationPaletteChange && link_.Alive()) ShowColours();
+  const bool otherLooks = event->type() == QEvent::PaletteChange && !showingColours_;
+  if (otherLooks && link_.Alive()) ShowColours();
 }
 
 }  // namespace keplo::qt

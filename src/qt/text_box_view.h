@@ -22,6 +22,7 @@ class TextBoxView : public QLineEdit {
 
   ui::TextBox& model_;
   QPalette::ColorRole ground_;
+  bool showingColours_ = false;
   ModelLink link_;
 };
 

@@ -110,9 +110,9 @@ std::optional<std::string> Form1::AskName() {
 }
 
 bool Form1::ChangeCommands(const std::function<void()>& change) {
-  const std::size_t length = mod_.Store.CfgText.size();
+  const std::string before = mod_.Store.CfgText;
   // A failure at the very end of a save leaves the new text in place, and the lists have to follow it.
-  return Told(change) || mod_.Store.CfgText.size() != length;
+  return Told(change) || mod_.Store.CfgText != before;
 }
 
 void Form1::ShowSaved(const std::string& name) {

@@ -56,9 +56,6 @@ inline constexpr Size kWindowEdges{kFullOuter.Width - kFullInner.Width,
 /// Colours that are the window system's own: the back of a control without a back colour in its model.
 enum class SystemColour { Usual, ScrollBar, Menu, ButtonFace };
 
-/// Back colour of the window.
-inline constexpr SystemColour kWindowColour = SystemColour::ScrollBar;
-
 /// The control of a row in a window: `form.*member`. A plain Control has nothing but a place.
 using ControlMember =
     std::variant<ui::Control Form1::*, ui::Label Form1::*, ui::TextBox Form1::*, ui::Button Form1::*,
@@ -71,7 +68,8 @@ struct Font {
 
 inline constexpr int kNoTabStop = -1;
 
-/// One control of the window. Captions and tips are shown as they stand.
+/// One control of the window. Captions and tips are shown as they stand; a view may mark a letter of a label
+/// as the key that reaches its field.
 struct ControlRow {
   std::string_view Name;
   ControlMember Model;
@@ -84,7 +82,6 @@ struct ControlRow {
   std::string_view Frame = {};          // the frame it stands in
   std::optional<ui::Colour> Back = {};  // of the model at the start
   SystemColour System = SystemColour::Usual;
-  std::optional<ui::Colour> Text = {};
   std::optional<keplo::Font> Font = {};
 };
 

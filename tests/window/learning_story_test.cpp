@@ -150,6 +150,28 @@ TEST_F(LearningStory, AFailedSaveIsToldAndTheCodeStays) {
   EXPECT_EQ(mod_->Store.CfgText, FileWith({kLine}));
 }
 
+TEST_F(LearningStory, TheListFollowsASaveThatFailedAtItsVeryEnd) {
+  // As long as the placeholder's line, so that the text keeps its length.
+  Form1& form = Open(FileWith({"G1010,VOL"}));
+  const int before = disk_.Operations();
+  form.BeepCheckbox.SetChecked(false);
+  const int ofASave = disk_.Operations() - before;
+  disk_.FailAt(ofASave, true);
+  form.DeleteCmdButton.Click();
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "EMPTY G10");
+  EXPECT_NE(boxes_.TakeShown().back().find("a power cut may bring the old file back"), std::string::npos);
+  disk_.FailAt(0, false);
+}
+
+TEST_F(LearningStory, AnAnswerOfNoDeletesNothing) {
+  Form1& form = Open(FileWith({kLine}));
+  boxes_.Yes = false;
+  form.DeleteCmdButton.Click();
+  EXPECT_EQ(boxes_.TakeShown(), Texts{"Do you want to delete the command VOL_UP from the current protocol?"});
+  EXPECT_EQ(mod_->Store.CfgText, FileWith({kLine}));
+  EXPECT_EQ(form.SendCmd.Text(), "VOL_UP");
+}
+
 TEST_F(LearningStory, AFullFileRefusesTheCommandBeforeAnythingChanges) {
   std::string full = FileWith({kEmpty});
   full.insert(full.find("# made"), Lines({"#" + std::string(kMostCharacters - full.size() - 13, '.')}));
