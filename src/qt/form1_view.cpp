@@ -5,12 +5,15 @@
 #include <QLabel>
 #include <QWindow>
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <vector>
 
+#include "failure.h"
 #include "qt/control_views.h"
 #include "qt/qt_boxes.h"
 #include "qt/text.h"
+#include "qt/user_programs.h"
 
 namespace keplo::qt {
 
@@ -42,7 +45,13 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   for (const ControlRow& row : Controls()) AddControl(row);
   AddTabOrder();
   Rescale();
+  wait_.emplace(*this, *views_.at(FindControl("Signal")));
+  form_.OnWait = [this](std::string_view text) { wait_->Show(text); };
+  form_.OpenManual = OpenManual;
+  form_.OpenWebPage = OpenWebPage;
 }
+
+Form1View::~Form1View() { form_.OnWait = nullptr; }
 
 void Form1View::AddControl(const ControlRow& row) {
   const ControlRow* frame = FindControl(row.Frame);
@@ -115,8 +124,9 @@ void Form1View::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-void ShowUntilHidden(Form1& form, QWidget* parent) {
+bool ShowUntilHidden(Form1& form, QWidget* parent) {
   const std::unique_ptr<Form1View> view = std::make_unique<Form1View>(form);
+  if (!form.Form_Load()) return false;
   QEventLoop untilHidden;
   const ModelLink hideLink(form.OnHide, [&] {
     view->hide();
@@ -129,12 +139,13 @@ void ShowUntilHidden(Form1& form, QWidget* parent) {
   }
   untilHidden.exec();
   form.Form_Unload();
+  return true;
 }
 
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
-  if (form.Form_Load()) ShowUntilHidden(form, parent);
+  if (!ShowUntilHidden(form, parent)) throw Failure(EINVAL, form.WhyNotLoaded());
 }
 
 }  // namespace keplo::qt

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <map>
+#include <optional>
 #include <string_view>
 
 #include "qt/menu_bar_view.h"
@@ -9,6 +10,7 @@
 #include "qt/new_protocol_view.h"
 #include "qt/qt_timer.h"
 #include "qt/twip_scale.h"
+#include "qt/wait_line.h"
 #include "window/form1.h"
 
 namespace keplo::qt {
@@ -18,6 +20,7 @@ namespace keplo::qt {
 class Form1View : public QWidget {
  public:
   explicit Form1View(Form1& form, QWidget* parent = nullptr);
+  ~Form1View() override;
 
   const TwipScale& Scale() const { return scale_; }
 
@@ -43,11 +46,13 @@ class Form1View : public QWidget {
   ModelLink sizeLink_;
   ModelLink hideLink_;
   NewProtocolPlace protocolDialog_;
+  std::optional<WaitLine> wait_;
 };
 
-/// Shows a window until its form takes it off the screen.
+/// Brings a window up and shows it until its form takes it off the screen.
 /// @param parent whose window has to wait; null for the window of a program of its own
-void ShowUntilHidden(Form1& form, QWidget* parent);
+/// @return false if the form could not be loaded
+bool ShowUntilHidden(Form1& form, QWidget* parent);
 
 /// Shows the main window over another one, modally, until the user leaves it.
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent);

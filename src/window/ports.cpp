@@ -16,9 +16,10 @@ constexpr std::size_t kPortDigits = 2;
 }  // namespace
 
 void Form1::ListAvailableCOM() {
-  const ui::WaitNotice notice(*this, "Looking for serial ports. This takes some seconds at most.");
+  ui::WaitNotice notice(*this, "Looking for serial ports.");
   ComList.Clear();
   for (std::int32_t port = 1; port <= kLastPort; ++port) {
+    notice.Show("Looking for serial ports: COM " + std::to_string(port) + " of " + std::to_string(kLastPort));
     if (!PortOpens(port)) continue;
     ComList.Add("COM " + std::to_string(port));
     if (port == mod_.Settings.ComPortNr) ComList.Select(ComList.Count() - 1);

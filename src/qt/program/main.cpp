@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <QApplication>
+#include <QLockFile>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -51,6 +52,12 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = cli::ResolveAppPath(options.AppPath);
   PosixFileSystem files;
   if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
+  QLockFile onlyOne(QString::fromStdString((appPath / "keplo-window.lock").string()));
+  if (!onlyOne.tryLock(0) && onlyOne.error() == QLockFile::LockFailedError) {
+    boxes.Message("A window for " + appPath.string() + " is open already. Use that one, or close it first.",
+                  kBoxTitle);
+    return kNotStarted;
+  }
   std::vector<Recording> recordings;
   for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
   KeploMod mod(appPath, files);
@@ -58,9 +65,9 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   SteadyLineClock clock;
   if (options.RealTime) line.PlayAgainst(clock);
   Form1 form(mod, line, boxes);
-  if (!form.Form_Load()) return kNotStarted;
-  qt::ShowUntilHidden(form, nullptr);
-  return kDone;
+  if (qt::ShowUntilHidden(form, nullptr)) return kDone;
+  std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
+  return kNotStarted;
 }
 
 int RunProgram(int argc, char** argv) {
@@ -81,7 +88,7 @@ int RunProgram(int argc, char** argv) {
   try {
     return RunWindow(options, boxes);
   } catch (const std::exception& error) {
-    boxes.Message(error.what(), "Keplo");
+    boxes.Error(error.what(), kBoxTitle);
     return kNotStarted;
   }
 }

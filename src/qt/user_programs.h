@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace keplo::qt {
+
+/// Shows the manual's first page in the user's browser.
+/// @return false if the manual is not installed or no program could be started
+bool OpenManual();
+
+/// Shows a page of the web in the user's browser.
+/// @return false if no program could be started
+bool OpenWebPage(const std::string& address);
+
+}  // namespace keplo::qt

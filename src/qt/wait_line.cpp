@@ -1,0 +1,68 @@
+#include "qt/wait_line.h"
+
+#include <QApplication>
+#include <QScreen>
+
+#include "qt/text.h"
+
+namespace keplo::qt {
+
+namespace {
+
+constexpr qint64 kBlink = 150;  // milliseconds
+constexpr int kMargin = 3;      // pixels
+
+}  // namespace
+
+WaitLine::WaitLine(QWidget& window, const QWidget& over)
+    : window_(window), over_(over), inWindow_(&window), alone_(nullptr, Qt::SplashScreen) {
+  for (QLabel* line : {&inWindow_, &alone_}) {
+    line->hide();
+    line->setTextFormat(Qt::PlainText);
+    line->setAutoFillBackground(true);
+    line->setBackgroundRole(QPalette::ToolTipBase);
+    line->setForegroundRole(QPalette::ToolTipText);
+    line->setFrameStyle(QFrame::Box | QFrame::Plain);
+    line->setMargin(kMargin);
+    line->setWordWrap(line == &inWindow_);
+  }
+  inWindow_.setObjectName(QStringLiteral("WaitLine"));
+}
+
+void WaitLine::Show(std::string_view text) {
+  if (text.empty()) {
+    End();
+    return;
+  }
+  Begin();
+  QLabel& line = window_.isVisible() ? inWindow_ : alone_;
+  if (&line == &alone_ && since_.elapsed() < kBlink) return;
+  line.setText(ShownText(text));
+  if (&line == &inWindow_) {
+    const QRect place(over_.mapTo(&window_, QPoint(0, 0)), over_.size());
+    const int height = line.heightForWidth(place.width());
+    line.setGeometry(place.left(), place.bottom() + 1 - height, place.width(), height);
+    line.raise();
+  } else {
+    line.adjustSize();
+    line.move(QApplication::primaryScreen()->geometry().center() - line.rect().center());
+  }
+  line.show();
+  line.window()->repaint();
+}
+
+void WaitLine::Begin() {
+  if (since_.isValid()) return;
+  since_.start();
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+void WaitLine::End() {
+  if (!since_.isValid()) return;
+  since_.invalidate();
+  inWindow_.hide();
+  alone_.hide();
+  QApplication::restoreOverrideCursor();
+}
+
+}  // namespace keplo::qt
