@@ -70,7 +70,6 @@ std::string Sentences(const Course& course) {
 /// Why the replayed key was let go without a result, for a person; empty at any other end.
 std::string WhyNoHelp(const Course& course) {
   if (course.End != CalibrationStep::NoSignal) return {};
-  if (course.Signals == 0) return "the recordings hold no key press";
   const std::string signals = std::to_string(course.Signals) + " signals";
   if (course.Measured == 0) {
     return "none of " + signals +

@@ -76,6 +76,21 @@ TEST(ReplayLine, RecordsUpToTheLimit) {
   EXPECT_EQ(line.IRRecord(buffer, kDelay, 1000), 0) << "no press is left";
 }
 
+TEST(ReplayLine, HoldsTheKeyOfTheLastPressDown) {
+  TestClock clock;
+  ReplayLine line({{"a", {Clean(kNec, tests::kNecBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
+  line.PlayAgainst(clock);
+  line.HoldLastPress(3);
+  std::string buffer(100, 'x');
+  for (const std::size_t press : {1, 2, 2, 2}) {
+    EXPECT_NE(line.IRRecord(buffer, kDelay, 100), 0);
+    EXPECT_EQ(line.LastPress()->Number, press);
+  }
+  EXPECT_EQ(buffer.back(), '\0') << "the silence between two frames belongs to the signal";
+  EXPECT_LT(clock.Time, 2 * ReplayLine::kPressPause + 4 * 60ms) << "the next frame follows without a pause";
+  EXPECT_EQ(line.IRRecord(buffer, kDelay, 100), 0) << "the key was let go";
+}
+
 TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
   ReplayLine line({{"a", {Clean(kSony, tests::kSonyBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
   std::string buffer(510, '\0');
