@@ -1,0 +1,92 @@
+#include <charconv>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/open_map.h"
+#include "config/numbers.h"
+#include "config/setting_keys.h"
+
+namespace keplo::cli {
+
+namespace {
+
+struct SettingsOptions {
+  std::string AppPath, Key, Value;
+};
+
+std::string ValueShown(std::string_view text, const SettingKey& key) {
+  // A file of before a key was known works as with 0.
+  return SettingValue(text, key).value_or("0");
+}
+
+std::int64_t NumberOf(std::string_view text, std::string_view key) {
+  return NumberWithoutFraction(ValueShown(text, *FindSettingKey(key)));
+}
+
+int Refuse(const std::string& text) {
+  std::cerr << "keplo: " << text << '\n';
+  return kNoResult;
+}
+
+int Change(CfgStore& store, const SettingKey& key, std::int64_t number) {
+  const bool softwareCarrier = NumberOf(store.CfgText, "ITYPE") % 2 == 1;
+  if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(store.CfgText, "VEXIL") > 0) {
+    return Refuse("The zone hardware needs TxD for itself; keplo settings VEXIL 0 gives it up.");
+  }
+  if (!ChangeSetting(store, key, number)) {
+    return Refuse(store.Path.string() + " has no line for " + std::string(key.Name) +
+                  "=; put one into [General].");
+  }
+  std::cout << key.Name << ' ' << number << '\n';
+  if (key.Name == "VEXIL" && number > 0 && softwareCarrier) {
+    return Change(store, *FindSettingKey("ITYPE"), NumberOf(store.CfgText, "ITYPE") - 1);
+  }
+  return kDone;
+}
+
+int ChangeTo(CfgStore& store, const SettingKey& key, const std::string& value) try {
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (error != std::errc() || end != value.data() + value.size() || !key.Fits(store.CfgText, number)) {
+    return Refuse(std::string(key.Name) + " cannot be " + value + ": it takes " + std::string(key.Takes) +
+                  ".");
+  }
+  return Change(store, key, number);
+} catch (const Failure& failure) {
+  return Refuse(failure.what());
+}
+
+int Run(const SettingsOptions& options) {
+  OpenConfig config(options.AppPath);
+  CfgStore& store = config.Mod.Store;
+  if (options.Key.empty()) {
+    for (const SettingKey& key : SettingKeys()) {
+      std::cout << key.Name << ' ' << ValueShown(store.CfgText, key) << '\n';
+    }
+    return kDone;
+  }
+  const SettingKey* key = FindSettingKey(options.Key);
+  if (key == nullptr) return Refuse("There is no setting " + options.Key + "; keplo settings lists them.");
+  if (!options.Value.empty()) {
+    config.RequireWhole();
+    return ChangeTo(store, *key, options.Value);
+  }
+  std::cout << ValueShown(store.CfgText, *key) << '\n';
+  return kDone;
+}
+
+}  // namespace
+
+void AddSettingsCommand(CLI::App& app, int& status) {
+  auto* command = app.add_subcommand("settings", "Show or change the settings of the interface");
+  const auto options = std::make_shared<SettingsOptions>();
+  command->add_option("KEY", options->Key, "Only this setting");
+  command->add_option("VALUE", options->Value, "Change it to this number");
+  AddAppPathOption(*command, options->AppPath);
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace keplo::cli

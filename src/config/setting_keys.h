@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "config/cfg_store.h"
+
+namespace keplo {
+
+/// A key of [General] that a user may change, and the numbers that it takes.
+struct SettingKey {
+  std::string_view Name;
+  std::string_view Takes;  // for a person
+  bool (*Fits)(std::string_view text, std::int64_t number);
+};
+
+/// In the order of the file.
+std::span<const SettingKey> SettingKeys();
+/// @param name in any letter case
+/// @return null if there is no such key
+const SettingKey* FindSettingKey(std::string_view name);
+
+/// The value of a key as it stands in [General]; none if the key is missing there.
+std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key);
+
+/// Changes a key that fits and saves. A file of before the key was known gets its line, behind the other
+/// keys.
+/// @return false, with nothing changed, if the file has no place for it
+/// @throws Failure as SetGeneralValue
+bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number);
+
+}  // namespace keplo
