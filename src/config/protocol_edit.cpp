@@ -207,7 +207,7 @@ std::string Splice::In(std::string_view text) const {
 
 std::optional<Splice> NewSection(std::string_view text, const ProtocolDraft& draft) {
   const std::optional<Section> next = FindSection(text, "Template", StartOfSections(text));
-  const int place = next ? SeekBack(text, next->Begin, '\r') : kNowhere;
+  const int place = next ? SeekBack(text, next->Begin - 1, '\r') : kNowhere;
   if (place == kNowhere) return std::nullopt;
   return Splice{place, place - 1,
                 "\r\n[" + draft.Name + "]\r\n" + ParameterLines(draft) + "\r\n\r\n" +
