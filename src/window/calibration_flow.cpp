@@ -1,6 +1,5 @@
 #include <string>
 
-#include "config/values.h"
 #include "signal/calibration.h"
 #include "ui/wait_notice.h"
 #include "window/form1.h"
@@ -55,10 +54,7 @@ bool Form1::Calibrate() {
   const bool succeeded = end == CalibrationStep::Succeeded;
   if (succeeded) {
     ProcDelayparameter.SetText(Signed(delay));
-    Told([&] {
-      SetGeneralValue(mod_.Store, "PROCDELAY", std::to_string(delay));
-      SaveConfig(mod_.Store);
-    });
+    KeepSettingAndSave("PROCDELAY", delay);
   }
   Tell(CalibrationText(end, delay));
   if (succeeded) SendPulse.SetText(Signed(mod_.Signal.Measured.BaseT * kNominalSampleTime));
