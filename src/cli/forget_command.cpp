@@ -40,7 +40,7 @@ void AddForgetCommand(CLI::App& app, int& status) {
   command->add_option("PROTOCOL", options->Protocol, "Section of keplo.cfg")->required();
   command->add_option("COMMAND", options->Name, "Name of the command")->required();
   AddAppPathOption(*command, options->AppPath);
-  command->callback([options, &status] { status = Forget(*options); });
+  command->callback([options, &status] { status = AmongOthers([&] { return Forget(*options); }); });
 }
 
 }  // namespace keplo::cli

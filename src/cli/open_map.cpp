@@ -9,6 +9,7 @@
 namespace keplo::cli {
 
 OpenConfig::OpenConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
+  Mod.Store.RefusesOtherText = true;
   LoadConfig(Mod.Store);
   if (const std::string damage = CheckConfig(Mod.Store); !damage.empty()) {
     std::cerr << "keplo: " << damage << '\n';
@@ -17,6 +18,18 @@ OpenConfig::OpenConfig(const std::string& appPathOption) : Mod(RequireInstall(ap
 
 void OpenConfig::RequireWhole() const {
   if (!CheckConfig(Mod.Store).empty()) throw Failure(1, "Nothing was changed, since the file is damaged.");
+}
+
+int AmongOthers(const std::function<int()>& command) {
+  constexpr int kTries = 50;  // each of which somebody else has spoiled by a save of his own
+  for (int tries = 1; tries < kTries; ++tries) {
+    try {
+      return command();
+    } catch (const ChangedElsewhere&) {
+      continue;
+    }
+  }
+  return command();
 }
 
 OpenMap::OpenMap(const std::string& appPathOption)

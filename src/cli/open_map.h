@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "config/posix_file_system.h"
@@ -22,6 +23,9 @@ struct OpenConfig {
   PosixFileSystem Files;
   KeploMod Mod;
 };
+
+/// Runs a command that changes keplo.cfg again as long as other programs change it in between.
+int AmongOthers(const std::function<int()>& command);
 
 /// The event map of an application path, loaded, for commands that read or change it.
 struct OpenMap {

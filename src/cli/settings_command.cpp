@@ -86,7 +86,7 @@ void AddSettingsCommand(CLI::App& app, int& status) {
   command->add_option("KEY", options->Key, "Only this setting");
   command->add_option("VALUE", options->Value, "Change it to this number");
   AddAppPathOption(*command, options->AppPath);
-  command->callback([options, &status] { status = Run(*options); });
+  command->callback([options, &status] { status = AmongOthers([&] { return Run(*options); }); });
 }
 
 }  // namespace keplo::cli

@@ -48,6 +48,13 @@ std::string WithBlanks(std::string_view text) {
   return result;
 }
 
+/// Loses nothing that another program has written to the file since this one knows it.
+void KeepOtherText(CfgStore& store, const std::filesystem::path& target, const std::string& found) {
+  if (!store.FileText || found == *store.FileText) return;
+  if (store.RefusesOtherText) throw ChangedElsewhere(target);
+  store.KeptAside = KeepAside(store.Files, target, found);
+}
+
 }  // namespace
 
 void CfgStore::RequireRoom(std::size_t length) const {
@@ -70,7 +77,9 @@ void LoadConfig(CfgStore& store) {
                                " characters, which is above the limit of " + std::to_string(kMostCharacters));
     }
     // Here and not in a save, so that no position moves between a change and its save.
-    store.ReplaceText(WithBlanks(store.Files.Read(store.Path, kMostCharacters + 1)));
+    std::string bytes = store.Files.Read(store.Path, kMostCharacters + 1);
+    store.ReplaceText(WithBlanks(bytes));
+    store.FileText = std::move(bytes);
   } catch (const Failure& failure) {
     throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
   }
@@ -87,12 +96,16 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
   store.RequireRoom(saved.size());
   std::unique_ptr<LockedFolder> folder;
   try {
-    folder = ReplaceFile(store.Files, store.Path, saved);
+    folder = ReplaceFile(store.Files, store.Path, saved,
+                         [&](const std::filesystem::path& target, const std::string& old) {
+                           KeepOtherText(store, target, old);
+                         });
   } catch (const Failure& failure) {
     throw Failure(failure.Number(), "The configuration was not saved, " + store.Path.string() +
                                         " is as it was: " + failure.what());
   }
   store.CfgText = std::move(saved);
+  store.FileText = store.CfgText;
   try {
     folder->Flush();
   } catch (const Failure& failure) {

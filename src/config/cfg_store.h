@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "config/cfg_text.h"
@@ -11,6 +13,14 @@ class FileSystem;
 
 /// Characters that a configuration text holds at most: positions in it are those of 16-bit signed numbers.
 constexpr std::size_t kMostCharacters = 32767;
+
+/// Another program has written the file since it was read; nothing was saved.
+class ChangedElsewhere : public std::runtime_error {
+ public:
+  explicit ChangedElsewhere(const std::filesystem::path& file)
+      : std::runtime_error(file.string() +
+                           " was changed by another program meanwhile; nothing was saved. Try again.") {}
+};
 
 /// The configuration file as one text, and the current places and names in it. Positions count from 1.
 struct CfgStore {
@@ -25,6 +35,12 @@ struct CfgStore {
 
   std::filesystem::path Path;
   FileSystem& Files;
+  /// What the file held when it was read or written last; none ahead of that.
+  std::optional<std::string> FileText;
+  /// Whether a save over what another program has written meanwhile is refused with ChangedElsewhere. Else
+  /// the save goes on, and KeptAside tells where the other text was put.
+  bool RefusesOtherText = false;
+  std::filesystem::path KeptAside;
   std::string CfgText;
   int CfgPos = 0, CfgPos2 = 0;          // scan cursors; any operation may overwrite them
   std::string CurProtocol, CurCommand;  // what was selected last, anywhere
@@ -40,6 +56,7 @@ void LoadConfig(CfgStore& store);
 /// file, with CR LF behind it in both. Without a ] text and file stay as they are.
 /// @throws Failure if the file cannot be written: the old file is whole and CfgText as it was. If only the
 /// flush of the folder fails, at the very end, the new text is in place in both, and the message says so.
+/// ChangedElsewhere where the store refuses other text.
 void SaveConfig(CfgStore& store);
 
 /// Saves a changed text and takes it over once the file has it, so that CfgText and file agree even if the

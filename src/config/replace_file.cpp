@@ -10,6 +10,7 @@ namespace {
 
 constexpr unsigned kOwnerOnly = 0600;  // until the old mode is set
 constexpr unsigned kForAll = 0666;
+constexpr std::size_t kMostBytesRead = std::size_t{1} << 20;
 
 /// A name beside the target. It is always the same one, so that what a killed process left there is taken
 /// away by the next save; the lock on the folder keeps two saves apart.
@@ -54,15 +55,29 @@ void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
 
 }  // namespace
 
-std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesystem::path& path,
-                                          std::string_view content) {
+std::unique_ptr<LockedFolder> ReplaceFile(
+    FileSystem& files, const std::filesystem::path& path, std::string_view content,
+    const std::function<void(const std::filesystem::path& target, const std::string& old)>& onOld) {
   const std::filesystem::path target = files.Resolve(path);
   const std::filesystem::path temporary = TemporaryName(target);
   std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
   const std::optional<FileAttributes> old = files.Attributes(target);
   if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
+  if (old) onOld(target, files.Read(target, kMostBytesRead));
   WriteBeside(files, temporary, old, content, [&] { files.Rename(temporary, target); });
   return folder;
+}
+
+std::filesystem::path KeepAside(FileSystem& files, const std::filesystem::path& file,
+                                std::string_view content) {
+  const std::filesystem::path temporary = TemporaryName(file);
+  std::filesystem::path aside;
+  WriteBeside(files, temporary, files.Attributes(file), content, [&] {
+    int number = 0;
+    do aside = file.string() + ".other-" + std::to_string(++number);
+    while (!files.RenameToFree(temporary, aside));
+  });
+  return aside;
 }
 
 bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {

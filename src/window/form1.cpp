@@ -1,5 +1,7 @@
 #include "window/form1.h"
 
+#include <utility>
+
 #include "failure.h"
 #include "ui/boxes.h"
 #include "window/new_protocol.h"
@@ -72,13 +74,18 @@ void Form1::Tell(std::string_view text) { boxes_.Message(text, kBoxTitle); }
 bool Form1::Ask(std::string_view text) { return boxes_.Question(text, kBoxTitle); }
 
 bool Form1::Told(const std::function<void()>& action) {
+  bool done = true;
   try {
     action();
-    return true;
   } catch (const Failure& failure) {
     Tell(failure.what());
-    return false;
+    done = false;
   }
+  if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
+    Tell(mod_.Store.Path.string() + " had been changed by another program. What it wrote is kept in " +
+         aside.string() + "; learn its new commands again, or take them over from there.");
+  }
+  return done;
 }
 
 }  // namespace keplo

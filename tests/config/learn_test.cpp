@@ -215,6 +215,7 @@ TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
     const auto run = [&](int failAt) {
       disk.Put("keplo.cfg", before);
       store.CfgText = before;
+      store.FileText = before;
       store.CfgPos2 = 0;
       disk.FailAt(failAt, false);
       change.Run(store);

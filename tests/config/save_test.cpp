@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "config/replace_file.h"
 #include "config/values.h"
@@ -97,6 +99,31 @@ TEST(SaveConfig, CutsBehindTheClosingHeader) {
   }
 }
 
+TEST(SaveConfig, LosesNothingThatAnotherProgramHasWritten) {
+  StoreOnDisk disk(Config(""));
+  const fs::path file = disk.Folder() / "keplo.cfg";
+  const auto write = [&](const std::string& text) { std::ofstream(file, std::ios::binary) << text; };
+  for (const std::string number : {"1", "2"}) {
+    write("of another program " + number);
+    ASSERT_TRUE(SetGeneralValue(disk.Store, "COMPORT", number));
+    EXPECT_EQ(disk.File(), disk.Store.CfgText);
+    EXPECT_EQ(disk.Store.KeptAside, file.string() + ".other-" + number);
+    std::ifstream kept(disk.Store.KeptAside);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "of another program " + number);
+  }
+  disk.Store.KeptAside.clear();
+  SaveConfig(disk.Store);
+  fs::remove(file);
+  SaveConfig(disk.Store);
+  EXPECT_TRUE(disk.Store.KeptAside.empty()) << "its own text, or none, is nobody else's";
+
+  disk.Store.RefusesOtherText = true;
+  write("of another program");
+  EXPECT_THROW(SetGeneralValue(disk.Store, "COMPORT", "7"), ChangedElsewhere);
+  EXPECT_EQ(disk.File(), "of another program");
+  EXPECT_EQ(NamesIn(disk.Folder()).size(), 3U);
+}
+
 TEST(SaveConfig, KeepsLinkModeAndOwner) {
   TempFolder folder;
   PosixFileSystem files;
@@ -166,6 +193,7 @@ class BrokenSave : public ::testing::Test {
   bool Save(int failAt, bool forGood) {
     disk_.Put("keplo.cfg", old_);
     store_.CfgText = old_;
+    store_.FileText = old_;
     disk_.FailAt(failAt, forGood);
     return FailureOf([&] { SetGeneralValue(store_, "ITYPE", "9"); }).Number() == 0;
   }
