@@ -7,9 +7,10 @@ namespace keplo {
 namespace {
 
 /// In the order of the stages.
-constexpr std::array<std::string_view, 8> kStageMeanings = {
+constexpr std::array<std::string_view, 9> kStageMeanings = {
     "there is no signal",
     "the capture is too short",
+    "the frames contradict each other, or are too damaged to prove a code",
     "no base time can be measured: marks and spaces have no common shortest length, or the longer is "
     "commoner",
     "the samples end inside a mark",

@@ -6,6 +6,7 @@
 
 #include "signal/decode.h"
 #include "signal/sample_bits.h"
+#include "signal/second_look.h"
 
 namespace keplo {
 
@@ -14,12 +15,12 @@ namespace {
 constexpr std::size_t kSilenceKept = 100;     // bytes behind the last sample of the signal
 constexpr std::size_t kShortestCapture = 50;  // bytes
 
-bool LengthFits(std::size_t digits, std::int16_t kind) {
+bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
   switch (kind) {
     case kNec:
       return digits >= 13;
     case kSony:
-      return digits == 12;
+      return analysis == Analysis::First ? digits == 12 : digits >= 12;
     case kRc5:
       return digits == 14;
     default:
@@ -27,11 +28,43 @@ bool LengthFits(std::size_t digits, std::int16_t kind) {
   }
 }
 
+/// The code of a frame that stands between two marks.
+MonitorReading ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis) {
+  const std::optional<std::string_view> frame = IsolateFrame(symbols);
+  if (!frame) return MonitorReading(Stage::NoFrame);
+  if (kind == kUnknown) return MonitorReading(Stage::Unknown);
+
+  MonitorReading reading;
+  reading.Digits = DecodeCode(*frame, kind);
+  reading.Ended = LengthFits(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
+  reading.ReadBy = analysis;
+  return reading;
+}
+
+MonitorReading ReadAtFirst(SignalState& state) {
+  if (!AnalyseTiming(state.SampleBits, state.Measured)) return MonitorReading(Stage::NoTiming);
+  const std::optional<std::string> symbols = WalkRuns(state.SampleBits, state.Measured.BaseT);
+  if (!symbols) return MonitorReading(Stage::EndsInMark);
+  return ReadFrame(*symbols, state.Measured.ProtoKind, Analysis::First);
+}
+
+MonitorReading ReadAtSecond(SignalState& state) {
+  const SecondLook look = LookAgain(state.SampleBits);
+  if (look.Proven == SecondLook::Proof::Sure) {
+    state.Measured.BaseT = look.BaseT;
+    state.Measured.ProtoKind = look.ProtoKind;
+    return ReadFrame(look.Frame, look.ProtoKind, Analysis::Second);
+  }
+  MonitorReading reading = ReadAtFirst(state);
+  const bool refused = look.Proven == SecondLook::Proof::Refused;
+  return refused && reading.ReadBy ? MonitorReading(Stage::Doubtful) : reading;
+}
+
 }  // namespace
 
 std::string_view StageName(Stage stage) {
-  static constexpr std::array<std::string_view, 8> kNames = {
-      "empty", "short", "no-timing", "ends-in-mark", "no-frame", "unknown", "length", "code"};
+  static constexpr std::array<std::string_view, 9> kNames = {
+      "empty", "short", "doubtful", "no-timing", "ends-in-mark", "no-frame", "unknown", "length", "code"};
   return kNames.at(static_cast<std::size_t>(stage));
 }
 
@@ -43,27 +76,15 @@ Stage TrimCapture(std::string& capture) {
   return capture.size() < kShortestCapture ? Stage::Short : Stage::Code;
 }
 
-MonitorReading ReadTrimmedCapture(SignalState& state) {
+MonitorReading ReadTrimmedCapture(SignalState& state, Analysis analysis) {
   SamplesToBits(state.RawCapture, state.SampleBits);
-  if (!AnalyseTiming(state.SampleBits, state.Measured)) return MonitorReading(Stage::NoTiming);
-
-  const std::optional<std::string> symbols = WalkRuns(state.SampleBits, state.Measured.BaseT);
-  if (!symbols) return MonitorReading(Stage::EndsInMark);
-  const std::optional<std::string_view> frame = IsolateFrame(*symbols);
-  if (!frame) return MonitorReading(Stage::NoFrame);
-  const std::int16_t kind = state.Measured.ProtoKind;
-  if (kind == kUnknown) return MonitorReading(Stage::Unknown);
-
-  MonitorReading reading;
-  reading.Digits = DecodeCode(*frame, kind);
-  reading.Ended = LengthFits(reading.Digits.size(), kind) ? Stage::Code : Stage::Length;
-  return reading;
+  return analysis == Analysis::First ? ReadAtFirst(state) : ReadAtSecond(state);
 }
 
-MonitorReading ReadCapture(std::string_view capture, SignalState& state) {
+MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis) {
   state.RawCapture = capture;
   const Stage trimmed = TrimCapture(state.RawCapture);
-  return trimmed == Stage::Code ? ReadTrimmedCapture(state) : MonitorReading(trimmed);
+  return trimmed == Stage::Code ? ReadTrimmedCapture(state, analysis) : MonitorReading(trimmed);
 }
 
 }  // namespace keplo

@@ -1,17 +1,30 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "signal/analysis.h"
 #include "signal/timing.h"
 
 namespace keplo {
 
 /// Where the road from a capture to a code ended.
-enum class Stage { Empty, Short, NoTiming, EndsInMark, NoFrame, Unknown, Length, Code };
+enum class Stage {
+  Empty,
+  Short,
+  Doubtful,  // the second look refuses what the first analysis makes of the capture
+  NoTiming,
+  EndsInMark,
+  NoFrame,
+  Unknown,
+  Length,
+  Code
+};
 
-/// Name of a stage as the command line prints it: "empty", "short", "no-timing", "ends-in-mark", "no-frame",
-/// "unknown", "length", "code".
+/// Name of a stage as the command line prints it: "empty", "short", "doubtful", "no-timing",
+/// "ends-in-mark", "no-frame", "unknown", "length", "code".
 std::string_view StageName(Stage stage);
 
 /// What the monitor made of one capture.
@@ -20,6 +33,7 @@ struct MonitorReading {
   explicit MonitorReading(Stage stage) : Ended(stage) {}
 
   Stage Ended = Stage::Empty;
+  std::optional<Analysis> ReadBy;  // which analysis the digits come from; nothing without any
   std::string Digits;  // without the leading G; set from Stage::Length on, and a code only at Stage::Code
 };
 
@@ -35,9 +49,12 @@ struct SignalState {
 Stage TrimCapture(std::string& capture);
 
 /// Reads the trimmed capture of the state into a code; fills its SampleBits and Measured.
-MonitorReading ReadTrimmedCapture(SignalState& state);
+///
+/// With Analysis::Second the second look goes first; it leaves the histograms alone. It accepts pulse width
+/// of 12 digits and more, where the first analysis knows 12 alone.
+MonitorReading ReadTrimmedCapture(SignalState& state, Analysis analysis = Analysis::First);
 
 /// The whole road from the bytes of a capture to a code.
-MonitorReading ReadCapture(std::string_view capture, SignalState& state);
+MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis = Analysis::First);
 
 }  // namespace keplo

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace keplo {
+
+/// How a signal is read.
+enum class Analysis : std::uint8_t {
+  First,  // AnalyseTiming, from the first 25 pairs of runs
+  Second  // LookAgain, frame by frame; where that is not sure, the first
+};
+
+/// Name of an analysis as the command line takes and prints it: "first", "second".
+constexpr std::string_view AnalysisName(Analysis analysis) {
+  return analysis == Analysis::First ? "first" : "second";
+}
+
+}  // namespace keplo

@@ -1,0 +1,491 @@
+#include "signal/second_look.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "signal/decode.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kInterference = 2;          // samples; shorter runs than three belong to what surrounds them
+constexpr double kGapUnits = 5.5;         // longer spaces part frames; within a frame four base times occur
+constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
+constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
+constexpr double kLeaderUnits = 2.7;      // SONY's leader has 4, the double mark of biphase 2
+constexpr double kLeaderOverMarks = 1.4;  // SONY: 4 to 2 base times, with 300 us of mark excess still 1.7
+
+/// The runs of a capture: marks and spaces in turn, from the first mark to the last.
+struct RunList {
+  std::vector<int> Lengths;
+  int Silence = 0;  // samples behind the last mark; 0 if the capture ends in it
+};
+
+RunList ReadRuns(std::string_view samples) {
+  RunList runs;
+  runs.Lengths.reserve(256);
+  std::size_t offset = 0;
+  bool inMark = false;
+  while (offset < samples.size()) {
+    const bool mark = samples[offset] == '1';
+    const auto length = static_cast<int>(RunLength(samples, offset, mark ? '1' : '0'));
+    offset += static_cast<std::size_t>(length);
+    const bool interference = length <= kInterference;
+    if (runs.Lengths.empty() && (!mark || interference)) continue;
+    if (!runs.Lengths.empty() && (interference || mark == inMark)) {
+      runs.Lengths.back() += length;
+    } else {
+      runs.Lengths.push_back(length);
+      inMark = mark;
+    }
+  }
+  if (!runs.Lengths.empty() && !inMark) {
+    runs.Silence = runs.Lengths.back();
+    runs.Lengths.pop_back();
+  }
+  return runs;
+}
+
+/// A quarter of the runs at every second place are no longer than this.
+int LowerQuartile(const std::vector<int>& lengths, std::size_t first) {
+  std::array<int, 256> counts{};
+  int all = 0;
+  for (std::size_t i = first; i < lengths.size(); i += 2, ++all) {
+    ++counts.at(std::min<std::size_t>(static_cast<std::size_t>(lengths[i]), counts.size() - 1));
+  }
+  int seen = 0;
+  for (std::size_t length = 0; length < counts.size(); ++length) {
+    seen += counts.at(length);
+    if (seen * 4 > all) return static_cast<int>(length);
+  }
+  return 0;
+}
+
+/// What stands between two long spaces.
+struct Piece {
+  const int* First = nullptr;  // marks and spaces in turn, a mark at both ends
+  std::size_t Size = 0;
+  int Behind = 0;  // the space behind, samples
+
+  bool Lone() const { return Size == 1; }
+};
+
+std::vector<Piece> SplitPieces(const RunList& runs) {
+  std::vector<Piece> pieces;
+  const std::vector<int>& lengths = runs.Lengths;
+  const double gap = kGapUnits * (LowerQuartile(lengths, 0) + LowerQuartile(lengths, 1)) / 2;
+  std::size_t first = 0;
+  for (std::size_t i = 1; i < lengths.size(); i += 2) {
+    if (lengths[i] <= gap) continue;
+    pieces.push_back({&lengths[first], i - first, lengths[i]});
+    first = i + 1;
+  }
+  if (!lengths.empty()) pieces.push_back({&lengths[first], lengths.size() - first, runs.Silence});
+  return pieces;
+}
+
+/// Runs of about one length.
+struct Length {
+  int Least = 0, Most = 0;
+  double Mean = 0;
+};
+
+/// The lengths into which the marks or the spaces of a frame fall, the shortest first.
+struct Lengths {
+  static constexpr std::size_t kMost = 4;
+  std::array<Length, kMost> Of{};
+  std::size_t Number = 0;  // 0: no tight groups
+
+  const Length& Short() const { return Of[0]; }
+  const Length& Long() const { return Of[1]; }
+  const Length& Longest() const { return Of.at(Number - 1); }
+  bool IsLong(int run) const { return Number == 2 && 2 * run > Short().Most + Long().Least; }
+};
+
+/// Jitter of an edge, about 25 us in bad remotes, and the sample grid spread equal runs over five samples.
+bool Tight(const Length& length) { return length.Most - length.Least <= std::max(5.0, 0.4 * length.Mean); }
+
+Length LengthOfSorted(const std::vector<int>& sorted, std::size_t begin, std::size_t end) {
+  const double sum = std::accumulate(sorted.begin() + static_cast<std::ptrdiff_t>(begin),
+                                     sorted.begin() + static_cast<std::ptrdiff_t>(end), 0.0);
+  return {sorted[begin], sorted[end - 1], sum / static_cast<double>(end - begin)};
+}
+
+/// Splits runs where the step to the next longer one is wider than the groups on both of its sides.
+Lengths GroupRuns(std::vector<int>& runs) {
+  Lengths lengths;
+  if (runs.empty()) return lengths;
+  std::sort(runs.begin(), runs.end());
+  std::size_t begin = 0;
+  for (std::size_t i = 1; i <= runs.size(); ++i) {
+    const bool step = i < runs.size() && runs[i] - runs[i - 1] >= std::max(3.0, 0.3 * runs[i - 1]);
+    if (i < runs.size() && !step) continue;
+    if (lengths.Number == Lengths::kMost) return {};
+    lengths.Of.at(lengths.Number++) = LengthOfSorted(runs, begin, i);
+    begin = i;
+  }
+  for (std::size_t i = 0; i < lengths.Number; ++i) {
+    if (!Tight(lengths.Of.at(i))) return {};
+  }
+  return lengths;
+}
+
+/// A leader in front of a frame, samples.
+struct Leader {
+  int Mark = 0, Space = 0;
+};
+
+/// One whole frame.
+struct Frame {
+  std::int16_t Kind = kNec;
+  double Unit = 0;      // base time, samples
+  double Excess = 0;    // by which marks are longer and spaces shorter than whole base times, samples
+  std::string Head;     // symbols of the leader; empty without one
+  std::string Symbols;  // between the marks
+  std::size_t Digits = 0;
+  bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
+  bool DittoBehind = false;  // NEC's sign that the key is still held
+
+  bool HasLeader() const { return !Head.empty(); }
+  bool SameCode(const Frame& other) const { return Kind == other.Kind && Symbols == other.Symbols; }
+};
+
+/// The runs of a piece without those of its leader, and what lengths they fall into.
+struct Body {
+  const int* First = nullptr;
+  std::size_t Size = 0;
+  Lengths Marks, Spaces;
+
+  std::size_t MarkCount() const { return Size / 2 + 1; }
+  /// Length of a mark and a space of one base time each, which has no excess.
+  double ShortestPair() const { return Marks.Short().Mean + Spaces.Short().Mean; }
+  bool IsTight() const { return Marks.Number > 0 && Spaces.Number > 0; }
+  bool Falls(std::size_t marks, std::size_t spaces) const {
+    return Marks.Number == marks && Spaces.Number == spaces;
+  }
+};
+
+Body BodyOf(const Piece& piece, std::size_t skipped) {
+  Body body{piece.First + skipped, piece.Size - skipped, {}, {}};
+  std::vector<int> marks;
+  std::vector<int> spaces;
+  marks.reserve(body.MarkCount());
+  spaces.reserve(body.MarkCount());
+  for (std::size_t i = 0; i < body.Size; ++i) (i % 2 == 0 ? marks : spaces).push_back(body.First[i]);
+  body.Marks = GroupRuns(marks);
+  body.Spaces = GroupRuns(spaces);
+  return body;
+}
+
+/// From the shorter of two lengths to the longer, samples; free of excess.
+double Step(const Lengths& lengths) { return lengths.Long().Mean - lengths.Short().Mean; }
+
+constexpr bool Within(double value, double least, double most) { return value >= least && value <= most; }
+
+/// Symbols of a short and a long mark, and of a short and a long space.
+using RunSymbolSet = std::array<std::string_view, 4>;
+
+constexpr RunSymbolSet kDistanceSymbols = {"1", "1", "0", "000"};
+constexpr RunSymbolSet kWidthSymbols = {"1", "11", "0", "0"};
+constexpr RunSymbolSet kBiphaseSymbols = {"1", "11", "0", "00"};
+constexpr std::size_t kBiphaseDigits = 14;
+
+std::string SymbolsOf(const Body& body, const RunSymbolSet& symbols) {
+  std::string text;
+  text.reserve(body.Size * 2);
+  for (std::size_t i = 0; i < body.Size; ++i) {
+    const bool mark = i % 2 == 0;
+    const bool isLong = (mark ? body.Marks : body.Spaces).IsLong(body.First[i]);
+    text += symbols.at((mark ? 0U : 2U) + (isLong ? 1U : 0U));
+  }
+  return text;
+}
+
+/// A pulse-distance frame of a body whose runs stand for these symbols.
+Frame DistanceFrame(const Body& body, double unit, const RunSymbolSet& symbols = kDistanceSymbols) {
+  Frame frame;
+  frame.Kind = kNec;
+  frame.Unit = unit;
+  frame.Excess = body.Marks.Short().Mean - unit;
+  frame.Symbols = SymbolsOf(body, symbols);
+  frame.Digits = body.MarkCount() - 1;
+  return frame;
+}
+
+/// The same of pulse width.
+Frame WidthFrame(const Body& body, double unit, const RunSymbolSet& symbols = kWidthSymbols) {
+  Frame frame;
+  frame.Kind = kSony;
+  frame.Unit = unit;
+  frame.Excess = unit - body.Spaces.Short().Mean;
+  frame.Symbols = SymbolsOf(body, symbols);
+  frame.Digits = body.MarkCount();
+  return frame;
+}
+
+/// A frame of two lengths of mark or of space, and one of the other.
+std::optional<Frame> TwoLengths(const Body& body) {
+  const double unit = body.ShortestPair() / 2;
+  if (body.Falls(1, 2) && Within(Step(body.Spaces) / unit, 0.7, 3.6)) return DistanceFrame(body, unit);
+  if (body.Falls(2, 1) && Within(Step(body.Marks) / unit, 0.7, 3.0)) return WidthFrame(body, unit);
+  return std::nullopt;
+}
+
+/// A pulse-width frame of equal digits. The leader tells them, since its mark has as much excess as theirs.
+std::optional<Frame> EqualWidths(const Body& body, const Leader& leader) {
+  const double mark = body.Marks.Short().Mean;
+  const double space = body.Spaces.Short().Mean;
+  // SONY: three base times to two for zeros, two to three for ones; 1 to 2 is what biphase may begin with.
+  const double ratio = (leader.Mark - mark) / (mark + space);
+  if (Within(ratio, 1.25, 1.75) && mark < 2 * space) return WidthFrame(body, (mark + space) / 2);
+  if (Within(ratio, 0.6, 0.76) && mark > 1.2 * space) {
+    return WidthFrame(body, (mark + space) / 3, {"11", "11", "0", "0"});
+  }
+  return std::nullopt;
+}
+
+/// A pulse-distance frame of equal digits: the space is one base time or three.
+std::optional<Frame> EqualDistances(const Body& body) {
+  const double mark = body.Marks.Short().Mean;
+  const double space = body.Spaces.Short().Mean;
+  if (space < 1.5 * mark) return DistanceFrame(body, (mark + space) / 2);
+  if (space > 1.75 * mark) return DistanceFrame(body, (mark + space) / 4, {"1", "1", "000", "000"});
+  return std::nullopt;
+}
+
+/// Whether the leader space is longer than any space of the frame. If not, nothing tells it from a digit's.
+bool StandsOut(const Leader& leader, const Body& body) {
+  const Length& longest = body.Spaces.Longest();
+  return leader.Space >= 1.25 * longest.Mean && leader.Space >= longest.Most + 3;
+}
+
+/// Leaders of the common protocols, base times: SONY 4 and 1; NEC and its kin 16 or 8, and 8 or 4.
+bool IsKnownLeader(const Frame& frame, const Leader& leader) {
+  const double mark = (leader.Mark - frame.Excess) / frame.Unit;
+  const double space = (leader.Space + frame.Excess) / frame.Unit;
+  if (frame.Kind == kSony) return Within(mark, 3.2, 4.8) && space < 2;
+  return Within(mark, 6.5, 18.5) && Within(space, 3.2, 9.5) && std::abs(frame.Excess) < 0.65 * frame.Unit;
+}
+
+std::optional<Frame> FrameBehind(const Leader& leader, const Body& body) {
+  if (leader.Mark < kLeaderOverMarks * body.Marks.Longest().Most) return std::nullopt;
+  const bool standsOut = StandsOut(leader, body);
+  std::optional<Frame> frame = !body.Falls(1, 1) ? TwoLengths(body)
+                               : standsOut       ? EqualDistances(body)
+                                                 : EqualWidths(body, leader);
+  if (!frame || leader.Mark - frame->Excess < kLeaderUnits * frame->Unit) return std::nullopt;
+  frame->KnownLeader = IsKnownLeader(*frame, leader);
+  frame->Head = standsOut ? "Gg" : "G0";
+  if (frame->Kind == kNec && !standsOut) {
+    ++frame->Digits;
+    if (body.Spaces.IsLong(leader.Space)) frame->Head = "G000";
+  }
+  return frame;
+}
+
+/// Marks and spaces of one and two base times in whole pairs of half bits.
+std::optional<Frame> BiphaseFrame(const Body& body) {
+  if (!body.Falls(2, 2) && !body.Falls(2, 1)) return std::nullopt;
+  const double unit = body.ShortestPair() / 2;
+  if (!Within(Step(body.Marks) / unit, 0.75, 1.25)) return std::nullopt;
+  if (body.Spaces.Number == 2 && !Within(Step(body.Spaces) / unit, 0.75, 1.25)) return std::nullopt;
+  Frame frame;
+  frame.Kind = kRc5;
+  frame.Unit = unit;
+  frame.Symbols = SymbolsOf(body, kBiphaseSymbols);
+  frame.Digits = DecodeCode(frame.Symbols, kRc5).size();
+  if (frame.Digits != kBiphaseDigits) return std::nullopt;
+  return frame;
+}
+
+/// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train.
+bool IsStrange(const Body& body) {
+  constexpr std::size_t kFewestMarks = 12;
+  return body.MarkCount() >= kFewestMarks && !body.Falls(1, 1);
+}
+
+bool IsDitto(const Piece& piece) {
+  if (piece.Size != 3) return false;
+  const double leader = piece.First[0];
+  return leader >= 8 * piece.First[2] && Within(piece.First[1] / leader, 0.18, 0.34);
+}
+
+/// Whether two pieces are the same frame, sent twice.
+bool IsRepeat(const Piece& one, const Piece& other) {
+  constexpr int kSameRun = 3;  // samples
+  return one.Size == other.Size && std::equal(one.First, one.First + one.Size, other.First,
+                                              [](int a, int b) { return std::abs(a - b) <= kSameRun; });
+}
+
+/// Everything that was found in a capture.
+struct Findings {
+  std::vector<Frame> Frames;
+  std::string Symbols;
+  bool StrangeRepeat = false;  // a clean frame of another line code was sent twice
+};
+
+class FrameReader {
+ public:
+  explicit FrameReader(const std::vector<Piece>& pieces) : pieces_(pieces) {}
+
+  Findings ReadAll() {
+    for (place_ = 0; place_ < pieces_.size(); ++place_) {
+      const Piece& piece = pieces_[place_];
+      if (IsDitto(piece)) {
+        AddDitto();
+      } else if (piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns) {
+        if (std::optional<Frame> frame = Read(piece)) Add(std::move(*frame));
+      }
+    }
+    return std::move(found_);
+  }
+
+ private:
+  /// A lone mark stands right in front of its frame, not further off than it is long.
+  std::optional<Leader> LoneLeader() const {
+    if (place_ == 0) return std::nullopt;
+    const Piece& before = pieces_[place_ - 1];
+    if (!before.Lone() || before.Behind > 1.3 * before.First[0]) return std::nullopt;
+    return Leader{before.First[0], before.Behind};
+  }
+
+  std::optional<Frame> Read(const Piece& piece) {
+    const std::optional<Leader> lone = LoneLeader();
+    if (!lone) {
+      if (std::optional<Frame> frame = ReadWithLeaderInside(piece)) return frame;
+    }
+    const Body body = BodyOf(piece, 0);
+    if (!body.IsTight() || CutBehind(piece, body)) return std::nullopt;
+    std::optional<Frame> frame = lone ? FrameBehind(*lone, body) : BiphaseFrame(body);
+    if (!frame && !lone) frame = TwoLengths(body);
+    if (!frame && IsStrange(body)) AddStrange(piece);
+    return frame;
+  }
+
+  void AddStrange(const Piece& piece) {
+    found_.StrangeRepeat = found_.StrangeRepeat || IsRepeat(piece, strange_);
+    strange_ = piece;
+  }
+
+  std::optional<Frame> ReadWithLeaderInside(const Piece& piece) const {
+    if (piece.Size < 5) return std::nullopt;
+    int longest = 0;
+    for (std::size_t i = 2; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
+    if (piece.First[0] < kLeaderOverMarks * longest) return std::nullopt;
+    const Body body = BodyOf(piece, 2);
+    if (!body.IsTight() || CutBehind(piece, body)) return std::nullopt;
+    return FrameBehind({piece.First[0], piece.First[1]}, body);
+  }
+
+  /// Whether the capture may have ended within the frame.
+  static bool CutBehind(const Piece& piece, const Body& body) {
+    return piece.Behind < 1.25 * body.Spaces.Longest().Most + 2;
+  }
+
+  void Add(Frame frame) {
+    if (found_.Symbols.empty() && !frame.HasLeader()) found_.Symbols = "g";
+    found_.Symbols.append(frame.Head).append(frame.Symbols).append("g");
+    found_.Frames.push_back(std::move(frame));
+  }
+
+  void AddDitto() {
+    if (found_.Frames.empty()) return;
+    found_.Symbols += "Gg1g";
+    found_.Frames.back().DittoBehind = true;
+  }
+
+  const std::vector<Piece>& pieces_;
+  std::size_t place_ = 0;
+  Piece strange_;  // the last one
+  Findings found_;
+};
+
+/// A piece without a leader among frames with one is what is left of such a frame, or follows it without one
+/// of its own; by itself it proves nothing.
+void LeaveOutPieces(std::vector<Frame>& frames) {
+  const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };
+  if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
+  frames.erase(std::remove_if(frames.begin(), frames.end(),
+                              [&](const Frame& frame) {
+                                return !frame.HasLeader() && frame.Kind != kRc5 &&
+                                       std::none_of(frames.begin(), frames.end(), [&](const Frame& other) {
+                                         return other.HasLeader() && other.SameCode(frame);
+                                       });
+                              }),
+               frames.end());
+}
+
+/// Whether a frame may be taken without an equal one beside it. A frame that lost marks or was cut has other
+/// lengths than these; what the many user-defined codes have is proven by their repeats.
+bool ProvesItself(const Frame& frame) {
+  switch (frame.Kind) {
+    case kSony:
+      return frame.KnownLeader && (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
+    case kRc5:
+      return true;  // exact in its length and all its pairs, between two silences
+    default:
+      return frame.KnownLeader && frame.Digits % 4 == 0 && (frame.Digits >= 32 || frame.DittoBehind);
+  }
+}
+
+std::size_t CountOf(const std::vector<Frame>& frames, const Frame& wanted) {
+  return static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(),
+                                                [&](const Frame& frame) { return frame.SameCode(wanted); }));
+}
+
+/// The frame that all frames of one press prove: equal to another one, while no other is repeated.
+const Frame* ProvenFrame(const std::vector<Frame>& frames) {
+  if (frames.size() == 1) return ProvesItself(frames.front()) ? &frames.front() : nullptr;
+  const Frame* proven = nullptr;
+  for (const Frame& frame : frames) {
+    if (CountOf(frames, frame) < 2) continue;
+    if (proven != nullptr && !proven->SameCode(frame)) return nullptr;
+    if (proven == nullptr) proven = &frame;
+  }
+  return proven;
+}
+
+/// Frames that take turns, as some remotes send a frame and its complement.
+bool TakeTurns(const std::vector<Frame>& frames) {
+  if (frames.size() < 3 || frames[0].SameCode(frames[1])) return false;
+  for (std::size_t i = 2; i < frames.size(); ++i) {
+    if (!frames[i].SameCode(frames[i - 2])) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+SecondLook LookAgain(std::string_view samples) {
+  const RunList runs = ReadRuns(samples);
+  Findings found = FrameReader(SplitPieces(runs)).ReadAll();
+  SecondLook look;
+  std::vector<Frame>& frames = found.Frames;
+  LeaveOutPieces(frames);
+  if (frames.empty()) {
+    if (found.StrangeRepeat) look.Proven = SecondLook::Proof::Unsure;
+    return look;
+  }
+  const bool turns = !frames.front().HasLeader() && frames.front().Kind != kRc5 && TakeTurns(frames);
+  const Frame* proven = turns ? nullptr : ProvenFrame(frames);
+  const Frame& shown = proven != nullptr ? *proven : frames.front();
+  look.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
+  look.ProtoKind = shown.Kind;
+  look.Symbols = std::move(found.Symbols);
+  if (proven != nullptr) {
+    look.Frame = (proven->HasLeader() ? proven->Head : "g") + proven->Symbols + "g";
+    look.Proven = SecondLook::Proof::Sure;
+  } else if (turns) {
+    look.Proven = SecondLook::Proof::Unsure;
+  }
+  return look;
+}
+
+}  // namespace keplo

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "signal/timing.h"
+
+namespace keplo {
+
+/// What a second look at a sample string found.
+struct SecondLook {
+  /// How far the frames of the capture prove a code.
+  enum class Proof : std::uint8_t {
+    Sure,    // Frame holds the code
+    Unsure,  // a clean signal, but of none of the three line codes, or of frames that take turns
+    Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
+  };
+
+  Proof Proven = Proof::Refused;
+  std::int16_t BaseT = 0;  // base time T, samples; rounded
+  std::int16_t ProtoKind = kUnknown;
+
+  /// Run symbols of all whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
+  /// empty if there is no whole frame.
+  std::string Symbols;
+
+  /// Run symbols of the frame that is proven, with a mark on both sides, as IsolateFrame takes them.
+  std::string Frame;
+
+  bool HasFrames() const { return !Symbols.empty(); }
+};
+
+/// Reads a sample string frame by frame.
+///
+/// Frames are split at long spaces. Within a frame a leader stands well above the other marks; what is left
+/// must fall into at most two lengths of mark and two of space. One of mark and two of space is pulse
+/// distance, two and one pulse width, two and two, or two and one in whole pairs, biphase; one and one behind
+/// a leader a code of equal digits. Frames that are cut, or that fit none of these, are left out.
+///
+/// Runs of up to two samples are taken for interference; base times from about 5 samples on are read.
+SecondLook LookAgain(std::string_view samples);
+
+}  // namespace keplo

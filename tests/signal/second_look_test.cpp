@@ -1,0 +1,223 @@
+#include "signal/second_look.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "signal/decode.h"
+#include "signal/monitor_road.h"
+#include "signal_builder.h"
+
+namespace keplo {
+namespace {
+
+using tests::Bytes;
+using tests::NecRuns;
+using tests::Padded;
+using tests::Rc5Runs;
+using tests::Runs;
+using tests::SonyRuns;
+using RunVector = std::vector<int>;
+
+const std::string kNecDigits = "00000000111111110110100010010111";
+const std::string kSonyDigits = "101010010000";
+const std::string kRc5Digits = "11000000010001";
+constexpr int kGap = 700;
+
+RunVector Then(RunVector press, int gap, const RunVector& more) {
+  press.push_back(gap);
+  press.insert(press.end(), more.begin(), more.end());
+  return press;
+}
+
+RunVector Twice(const RunVector& frame) { return Then(frame, kGap, frame); }
+
+/// As a receiver hands a press on that makes every mark longer, and every space shorter.
+RunVector WithExcess(RunVector press, int excess) {
+  for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? excess : -excess;
+  return press;
+}
+
+RunVector DistanceRuns(const RunVector& leader, int mark, int zero, int one, const std::string& digits) {
+  RunVector runs = leader;
+  for (const char digit : digits) runs.insert(runs.end(), {mark, digit == '1' ? one : zero});
+  runs.push_back(mark);
+  return runs;
+}
+
+RunVector WidthRuns(const RunVector& leader, int space, int zero, int one, const std::string& digits) {
+  RunVector runs = leader;
+  for (const char digit : digits) runs.insert(runs.end(), {digit == '1' ? one : zero, space});
+  runs.pop_back();
+  return runs;
+}
+
+std::string Read(const std::string& samples, Analysis analysis = Analysis::Second) {
+  SignalState state;
+  const MonitorReading reading = ReadCapture(Padded(Bytes(samples)), state, analysis);
+  if (reading.Ended != Stage::Code) return std::string(StageName(reading.Ended));
+  return std::string(ProtoKindName(state.Measured.ProtoKind)) + " " + reading.Digits;
+}
+
+TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
+  struct Case {
+    std::string Name;
+    RunVector Press;
+    std::string Code;
+  };
+  const std::string zeros(32, '0');
+  const std::string ones(32, '1');
+  const std::vector<Case> cases = {
+      {"NEC", NecRuns(kNecDigits), "NEC " + kNecDigits},
+      {"NEC with dittos", Then(Then(NecRuns(kNecDigits), kGap, {160, 40, 10}), 1700, {161, 41, 10}),
+       "NEC " + kNecDigits},
+      {"NEC of zeros", NecRuns(zeros), "NEC " + zeros},
+      {"NEC of ones", NecRuns(ones), "NEC " + ones},
+      {"SONY of 12", SonyRuns(kSonyDigits), "SONY " + kSonyDigits},
+      {"SONY of 15", SonyRuns(kSonyDigits + "110"), "SONY " + kSonyDigits + "110"},
+      {"SONY of 20", SonyRuns(kSonyDigits + "11010111"), "SONY " + kSonyDigits + "11010111"},
+      {"SONY of zeros", SonyRuns("000000000000"), "SONY 000000000000"},
+      {"SONY of ones", SonyRuns("111111111111111"), "SONY 111111111111111"},
+      {"RC5", Rc5Runs("11100000010001"), "RC5 11000000010001"},
+      {"one frame of RC5", Rc5Runs(kRc5Digits, 1), "RC5 " + kRc5Digits},
+      {"RC5 without a double space", Rc5Runs("11000000000000", 1), "RC5 11000000000000"},
+      {"RC5 that begins with a double mark alone", Rc5Runs("10000000000000", 1), "RC5 10000000000000"},
+      {"13 digits with a leader of their own", Twice(DistanceRuns({80, 60}, 12, 12, 24, "1011001110001")),
+       "NEC 1011001110001"},
+      {"15 digits without a leader", Twice(DistanceRuns({}, 9, 14, 34, "101100111000110")),
+       "NEC 101100111000110"},
+      {"48 digits behind a short leader", DistanceRuns({64, 32}, 8, 8, 24, kNecDigits + "1100110000110101"),
+       "NEC " + kNecDigits + "1100110000110101"},
+      {"pulse width of 16 digits", Twice(WidthRuns({90, 30}, 12, 12, 30, "1011001110001011")),
+       "SONY 1011001110001011"},
+  };
+  for (const Case& c : cases) {
+    for (const int excess : {-1, 0, 1, 2, 3}) {
+      EXPECT_EQ(Read(Runs(WithExcess(c.Press, excess))), c.Code) << c.Name << ", excess " << excess;
+    }
+  }
+}
+
+TEST(SecondLook, LeavesOutWhatIsNoWholeFrame) {
+  const RunVector nec = NecRuns(kNecDigits);
+  const RunVector sony = SonyRuns(kSonyDigits);
+  const RunVector rc5 = Rc5Runs(kRc5Digits, 1);
+  const auto from = [](const RunVector& frame, int run) {
+    return RunVector(frame.begin() + run, frame.end());
+  };
+  const auto upTo = [](const RunVector& frame, int run) {
+    return RunVector(frame.begin(), frame.begin() + run);
+  };
+  RunVector spiked = nec;
+  spiked[5] -= 7;
+  spiked.insert(spiked.begin() + 6, {2, 5});
+  struct Case {
+    std::string Name;
+    std::string Samples;
+    std::string Heard;
+  };
+  const std::vector<Case> cases = {
+      {"NEC, head cut, then whole", Runs(Then(from(nec, 20), kGap, nec)), "NEC " + kNecDigits},
+      {"SONY, head cut, then whole", Runs(Then(from(sony, 4), 200, sony)), "SONY " + kSonyDigits},
+      {"RC5, head cut, then whole", Runs(Then(from(rc5, 4), 1600, rc5)), "RC5 " + kRc5Digits},
+      {"SONY, then cut in a mark", Runs(Then(sony, 200, upTo(sony, 9))), "SONY " + kSonyDigits},
+      {"NEC alone, head cut", Runs(from(nec, 20)), "doubtful or less"},
+      {"NEC alone, end cut", Runs(upTo(nec, 35)), "doubtful or less"},
+      {"RC5 alone, head cut", Runs(from(rc5, 2)), "doubtful or less"},
+      {"RC5 alone, end cut", Runs(upTo(rc5, 15)), "doubtful or less"},
+      {"SONY of 15 that faded after 12 marks of digits", Runs(upTo(SonyRuns(kSonyDigits + "110"), 23)),
+       "doubtful or less"},
+      {"a spike within a space", Runs(spiked), "NEC " + kNecDigits},
+      {"a lone mark far ahead", Runs(Then({60}, 600, sony)), "SONY " + kSonyDigits},
+  };
+  for (const Case& c : cases) {
+    const std::string heard = Read(c.Samples);
+    if (c.Heard == "doubtful or less") {
+      EXPECT_EQ(heard.find(' '), std::string::npos) << c.Name << ": " << heard;
+    } else {
+      EXPECT_EQ(heard, c.Heard) << c.Name;
+    }
+  }
+}
+
+TEST(SecondLook, WantsTheFramesOfAPressToAgree) {
+  const RunVector a = SonyRuns("101010010000");
+  const RunVector b = SonyRuns("101010010001");
+  const RunVector toggled = Rc5Runs("11100000010001", 1);
+  const RunVector rc5 = Rc5Runs(kRc5Digits, 1);
+  EXPECT_EQ(Read(Runs(Then(a, 200, b))), "doubtful") << "two that differ";
+  EXPECT_EQ(Read(Runs(Then(Then(b, 200, a), 200, a))), "SONY 101010010000") << "the third decides";
+  EXPECT_EQ(Read(Runs(Then(rc5, 1600, toggled))).find(' '), std::string::npos)
+      << "toggles differ in one press";
+  EXPECT_EQ(Read(Runs(Then(a, 200, Rc5Runs(kRc5Digits, 1)))).find(' '), std::string::npos) << "two remotes";
+}
+
+/// Noise is drawn anew in each round; a code would have to come out of chance.
+TEST(SecondLook, ReadsNothingFromNoise) {
+  std::mt19937 dice(1);
+  const auto from = [&](int least, int most) {
+    return least + static_cast<int>(dice() % static_cast<unsigned>(most - least + 1));
+  };
+  for (int round = 0; round < 400; ++round) {
+    std::string white;
+    const int density = from(1, 99);
+    while (white.size() < 4000) white += from(1, 100) <= density ? '1' : '0';
+    EXPECT_EQ(Read(white).find(' '), std::string::npos) << "white noise, round " << round;
+
+    RunVector flicker;
+    RunVector train;
+    const int mark = from(3, 60);
+    const int space = from(3, 90);
+    for (int pair = from(10, 80); pair > 0; --pair) {
+      flicker.insert(flicker.end(), {mark + from(-1, 1), space + from(-1, 1)});
+      train.insert(train.end(), {from(3, 40), from(3, 60)});
+    }
+    EXPECT_EQ(Read(Runs(flicker)).find(' '), std::string::npos) << "flicker, round " << round;
+    EXPECT_EQ(Read(Runs(train)).find(' '), std::string::npos) << "pulses, round " << round;
+  }
+}
+
+TEST(SecondLook, GivesTheCodeOfTheFirstAnalysisWhereThatReadsOne) {
+  std::mt19937 dice(2);
+  int both = 0;
+  for (int round = 0; round < 500; ++round) {
+    std::string digits;
+    while (digits.size() < 32) digits += dice() % 2 == 0 ? '0' : '1';
+    const int excess = static_cast<int>(dice() % 4) - 1;
+    const std::string sony = digits.substr(0, 12);
+    const std::string rc5 = "110" + digits.substr(0, 11);
+    const std::string sharp = digits.substr(0, 15);
+    const std::vector<std::pair<RunVector, std::string>> presses = {
+        {NecRuns(digits), "NEC " + digits},
+        {SonyRuns(sony), "SONY " + sony},
+        {Rc5Runs(rc5), "RC5 " + rc5},
+        {Twice(DistanceRuns({}, 10, 11, 32, sharp)), "NEC " + sharp},
+    };
+    for (const auto& [press, sent] : presses) {
+      const std::string samples = Runs(WithExcess(press, excess));
+      // What the first analysis takes for another signal is not read.
+      if (Read(samples, Analysis::First) != sent) continue;
+      ++both;
+      EXPECT_EQ(Read(samples), sent);
+    }
+  }
+  EXPECT_GT(both, 500);
+}
+
+TEST(SecondLook, LeavesTheFirstAnalysisAsItIs) {
+  const std::vector<std::pair<RunVector, std::string>> refused = {
+      {SonyRuns(kSonyDigits + "110"), "length"},
+      {Rc5Runs(kRc5Digits, 1), "no-frame"},
+      {NecRuns(std::string(32, '1')), "no-timing"},
+      {NecRuns(std::string(32, '0')), "unknown"},
+      {Then(SonyRuns(kSonyDigits), 200, {44, 10, 10, 10, 4000}), "ends-in-mark"},
+  };
+  for (const auto& [press, stage] : refused) EXPECT_EQ(Read(Runs(press), Analysis::First), stage);
+  EXPECT_EQ(Read(Runs(Then(SonyRuns(kSonyDigits), 200, SonyRuns("101010010001"))), Analysis::First),
+            "SONY " + kSonyDigits)
+      << "takes the first of two frames that differ";
+}
+
+}  // namespace
+}  // namespace keplo
