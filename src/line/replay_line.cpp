@@ -18,6 +18,17 @@ LineOptions AtDelay(LineOptions options, std::int32_t delay) {
   return options;
 }
 
+using std::chrono_literals::operator""us;
+
+constexpr std::int64_t kLongestSlot = 100'000;  // microseconds; a mistyped pulse must not stop the clock
+constexpr std::size_t kMostKept = 1000;         // outputs of a kind, for a line that runs for weeks
+
+template <typename Output>
+void KeepLatest(std::vector<Output>& outputs, Output output) {
+  if (outputs.size() == kMostKept) outputs.erase(outputs.begin());
+  outputs.push_back(std::move(output));
+}
+
 std::span<char> Limited(std::span<char> buffer, std::int32_t limit) {
   return buffer.first(std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0))));
 }
@@ -47,7 +58,9 @@ void ReplayLine::AnswerWith(const std::string& characters) {
   zoneAnswers_.insert(zoneAnswers_.end(), characters.begin(), characters.end());
 }
 
-std::int32_t ReplayLine::OpenCom(std::int32_t /*port*/) { return 1; }
+std::int32_t ReplayLine::OpenCom(std::int32_t port) {
+  return ports_.empty() || std::find(ports_.begin(), ports_.end(), port) != ports_.end() ? 1 : 0;
+}
 
 bool ReplayLine::Pending() { return !Done() && (clock_ == nullptr || clock_->Now() >= nextStart_); }
 
@@ -97,8 +110,8 @@ std::int32_t ReplayLine::IRRecordN(std::span<char> buffer, std::int32_t delay, s
 }
 
 void ReplayLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
-  output_.Signals.push_back({std::string(bytes), pulse, interfaceType});
-  Wait(std::chrono::microseconds(std::int64_t{pulse} * 8 * static_cast<std::int64_t>(bytes.size())));
+  KeepLatest(output_.Signals, {std::string(bytes), pulse, interfaceType});
+  Wait(std::clamp<std::int64_t>(pulse, 0, kLongestSlot) * std::ssize(bytes) * 8us);
 }
 
 std::int32_t ReplayLine::ReadChr(char& character) {
@@ -119,7 +132,7 @@ std::int16_t ReplayLine::CheckZone(char& character) {
 void ReplayLine::uDelay(std::int32_t microseconds) { Wait(std::chrono::microseconds(microseconds)); }
 
 void ReplayLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
-  output_.Beeps.push_back({frequency, duration});
+  KeepLatest(output_.Beeps, {frequency, duration});
   Wait(std::chrono::milliseconds(duration));
 }
 

@@ -20,7 +20,7 @@ struct PlayedPress {
   std::size_t Number = 0;  // in its file, from 1
 };
 
-/// Everything that was put out on a replay line, in order.
+/// What was put out on a replay line, in order; of each kind the latest thousand.
 struct LineOutput {
   struct Signal {
     std::string Bytes;
@@ -65,6 +65,8 @@ class ReplayLine : public Win32Ser {
   /// pause, and lasts longer than any of them.
   /// @param captures after so many in all the key is let go; at least 1
   void HoldLastPress(int captures);
+  /// Only these ports are there; all are if there is none among them.
+  void SetPorts(std::vector<std::int32_t> ports) { ports_ = std::move(ports); }
   /// Appends answers of the zone hardware, one character each; NUL is a time-out.
   void AnswerWith(const std::string& characters);
 
@@ -110,6 +112,7 @@ class ReplayLine : public Win32Ser {
   int heldCaptures_ = 0;  // of the last press while its key is held
   const std::int16_t* receiverKind_;
   LineOptions options_;
+  std::vector<std::int32_t> ports_;
   LineClock* clock_ = nullptr;
   std::chrono::microseconds nextStart_{0};
   std::deque<char> zoneAnswers_;

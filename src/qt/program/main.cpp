@@ -22,12 +22,15 @@ namespace keplo {
 
 namespace {
 
+constexpr int kKeptPresses = 10'000;  // captures; nobody presses a key for ever
 constexpr int kDone = 0, kNotStarted = 1, kWrongUse = 2;
 
 struct WindowOptions {
   std::string AppPath;
   std::vector<std::string> Replay;
   bool RealTime = false;
+  bool KeepPressed = false;
+  std::vector<std::int32_t> Ports;
   LineOptions Line;
 };
 
@@ -37,6 +40,11 @@ void AddOptions(CLI::App& app, WindowOptions& options) {
   app.add_option("--replay", options.Replay, "Recordings to play as key presses, one each time Record waits");
   app.add_flag("--real-time", options.RealTime,
                "Play at the clock of the recordings, not as fast as possible");
+  app.add_flag("--keep-pressed", options.KeepPressed,
+               "The key of the last recording stays pressed, as AutoCalibrate needs it");
+  app.add_option("--ports", options.Ports, "The serial ports that are there, such as 1,2,12; else all")
+      ->delimiter(',')
+      ->check(CLI::Range(1, 255));
   cli::AddLineOptions(app, options.Line);
 }
 
@@ -64,6 +72,8 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   ReplayLine line(std::move(recordings), mod.Settings.ReceiverKind, options.Line);
   SteadyLineClock clock;
   if (options.RealTime) line.PlayAgainst(clock);
+  if (options.KeepPressed) line.HoldLastPress(kKeptPresses);
+  line.SetPorts(options.Ports);
   Form1 form(mod, line, boxes);
   if (qt::ShowUntilHidden(form, nullptr)) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
