@@ -5,11 +5,9 @@
 #include <QLabel>
 #include <QWindow>
 #include <algorithm>
-#include <cerrno>
 #include <memory>
 #include <vector>
 
-#include "failure.h"
 #include "qt/control_views.h"
 #include "qt/qt_boxes.h"
 #include "qt/text.h"
@@ -145,7 +143,7 @@ bool ShowUntilHidden(Form1& form, QWidget* parent) {
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
-  if (!ShowUntilHidden(form, parent)) throw Failure(EINVAL, form.WhyNotLoaded());
+  ShowUntilHidden(form, parent);
 }
 
 }  // namespace keplo::qt
