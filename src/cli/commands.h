@@ -18,6 +18,8 @@ void AddLookupCommand(CLI::App& app, int& status);
 void AddRecordCommand(CLI::App& app, int& status);
 void AddLearnCommand(CLI::App& app, int& status);
 void AddForgetCommand(CLI::App& app, int& status);
+void AddProtocolsCommand(CLI::App& app, int& status);
+void AddProtocolCommand(CLI::App& app, int& status);
 void AddSendCommand(CLI::App& app, int& status);
 void AddInstallCommand(CLI::App& app, int& status);
 void AddCalibrateCommand(CLI::App& app, int& status);

@@ -43,6 +43,8 @@ int RunKeplo(int argc, char** argv) {
   AddRecordCommand(app, status);
   AddLearnCommand(app, status);
   AddForgetCommand(app, status);
+  AddProtocolsCommand(app, status);
+  AddProtocolCommand(app, status);
   AddSendCommand(app, status);
   AddInstallCommand(app, status);
   AddCalibrateCommand(app, status);

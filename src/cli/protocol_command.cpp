@@ -1,0 +1,191 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/app_path.h"
+#include "cli/commands.h"
+#include "cli/open_map.h"
+#include "config/generic_protocols.h"
+#include "config/protocol_edit.h"
+#include "config/protocols.h"
+#include "failure.h"
+
+namespace keplo::cli {
+
+namespace {
+
+/// What the command line tells of a protocol; what it does not tell stays empty.
+struct ProtocolWords {
+  std::string Name, AppPath;
+  std::optional<std::string> Generic, Description, BitG, Bit0, Bit1;
+  std::optional<std::int16_t> SendPls, Repeat, GRepeat;
+  bool Yes = false;
+};
+
+template <typename Value, typename Word>
+void Take(const std::optional<Word>& word, Value& value) {
+  if (word) value = *word;
+}
+
+void TakePattern(const std::optional<std::string>& word, std::string& pattern) {
+  if (word) pattern = Trimmed(*word);
+}
+
+void TakeWords(const ProtocolWords& words, ProtocolDraft& draft) {
+  TakePattern(words.Description, draft.Description);
+  Take(words.SendPls, draft.Params.SENDPLS);
+  Take(words.Repeat, draft.Params.REPEAT);
+  Take(words.GRepeat, draft.Params.GREPEAT);
+  TakePattern(words.BitG, draft.Params.BITG);
+  TakePattern(words.Bit0, draft.Params.BIT0);
+  TakePattern(words.Bit1, draft.Params.BIT1);
+}
+
+std::int16_t IndexOf(std::string_view generic) {
+  const auto* const entry =
+      std::find_if(kGenericProtocols.begin(), kGenericProtocols.end(),
+                   [&](const GenericProtocol& candidate) { return EqualNoCase(candidate.Name, generic); });
+  return static_cast<std::int16_t>(entry - kGenericProtocols.begin());
+}
+
+ProtocolDraft PresetOf(std::string_view generic) {
+  ProtocolDraft draft;
+  draft.ProtoKind = IndexOf(generic);
+  const GenericProtocol& preset = GenericProtocolAt(draft.ProtoKind);
+  draft.Params.SENDPLS = preset.SENDPLS;
+  draft.Params.REPEAT = preset.REPEAT;
+  draft.Params.GREPEAT = preset.GREPEAT;
+  draft.Params.BITG = preset.Patterns.BITG;
+  draft.Params.BIT0 = preset.Patterns.BIT0;
+  draft.Params.BIT1 = preset.Patterns.BIT1;
+  return draft;
+}
+
+int Refuse(std::string_view text) {
+  std::cerr << "keplo: " << text << '\n';
+  return kNoResult;
+}
+
+/// Tells what became of a change.
+template <typename Change>
+int Tell(const std::string& done, Change change) try {
+  const ProtocolRefusal refusal = change();
+  if (refusal != ProtocolRefusal::None) return Refuse(RefusalText(refusal));
+  std::cout << done << '\n';
+  return kDone;
+} catch (const Failure& failure) {
+  return Refuse(failure.what());
+}
+
+int Add(const ProtocolWords& words) {
+  OpenConfig config(words.AppPath);
+  config.RequireWhole();
+  ProtocolDraft draft = PresetOf(*words.Generic);
+  draft.Name = Trimmed(words.Name);
+  TakeWords(words, draft);
+  return Tell(draft.Name + " added", [&] { return AddProtocol(config.Mod.Store, draft); });
+}
+
+int Edit(const ProtocolWords& words) {
+  OpenConfig config(words.AppPath);
+  config.RequireWhole();
+  const ProtocolRefusal refusal = CheckProtocolEdit(words.Name);
+  if (refusal != ProtocolRefusal::None) return Refuse(RefusalText(refusal));
+  std::optional<ProtocolDraft> draft = LoadProtocol(config.Mod.Store.CfgText, words.Name);
+  if (!draft) return Refuse(words.Name + ": " + std::string(RefusalText(ProtocolRefusal::NoSection)));
+  if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
+  TakeWords(words, *draft);
+  return Tell(words.Name + " changed", [&] { return EditProtocol(config.Mod.Store, *draft); });
+}
+
+bool Agreed(const std::string& question) {
+  std::cerr << question << " [y/N] " << std::flush;
+  std::string answer;
+  std::getline(std::cin, answer);
+  return EqualNoCase(answer, "y") || EqualNoCase(answer, "yes");
+}
+
+/// Why there is nothing to delete; empty if there is.
+std::string WhyNotDeleted(const ProtocolWords& words) {
+  const OpenConfig config(words.AppPath);
+  config.RequireWhole();
+  const ProtocolRefusal refusal = CheckProtocolDelete(words.Name);
+  if (refusal != ProtocolRefusal::None) return std::string(RefusalText(refusal));
+  if (WithoutSection(config.Mod.Store.CfgText, words.Name)) return {};
+  return words.Name + ": " + std::string(RefusalText(ProtocolRefusal::NoSection));
+}
+
+int DeleteAgreed(const ProtocolWords& words) {
+  OpenConfig config(words.AppPath);
+  config.RequireWhole();
+  return Tell(words.Name + " deleted", [&] { return DeleteProtocol(config.Mod.Store, words.Name); });
+}
+
+int Delete(const ProtocolWords& words) {
+  if (const std::string reason = WhyNotDeleted(words); !reason.empty()) return Refuse(reason);
+  if (!words.Yes && isatty(STDIN_FILENO) == 0) {
+    return Refuse("nothing is deleted without a question; there is no terminal to ask on, so give --yes");
+  }
+  if (!words.Yes &&
+      !Agreed("Do you want to delete the protocol " + words.Name + " from the current configuration file?")) {
+    return Refuse(words.Name + " was not deleted");
+  }
+  return AmongOthers([&] { return DeleteAgreed(words); });
+}
+
+CLI::Option* AddGenericOption(CLI::App& command, ProtocolWords& words) {
+  std::vector<std::string> names;
+  for (const GenericProtocol& generic : kGenericProtocols) names.emplace_back(generic.Name);
+  return command.add_option("--gproto", words.Generic, "Generic protocol that it is built on")
+      ->check(CLI::IsMember(names, CLI::ignore_case));
+}
+
+void AddParameterOptions(CLI::App& command, ProtocolWords& words) {
+  command.add_option("--description", words.Description, "A line of text, without a comma");
+  command.add_option("--sendpls", words.SendPls, "Length of a slot, microseconds");
+  command.add_option("--repeat", words.Repeat, "Silent slots ahead of a repeat; 0 for no repeat");
+  command.add_option("--grepeat", words.GRepeat, "Silent slots ahead of a repeated sync; or 0, or 1");
+  command.add_option("--bitg", words.BitG, "Slots of the sync, as 0 and 1");
+  command.add_option("--bit0", words.Bit0, "Slots of a digit 0");
+  command.add_option("--bit1", words.Bit1, "Slots of a digit 1");
+}
+
+using Work = int (*)(const ProtocolWords& words);
+
+std::shared_ptr<ProtocolWords> AddAction(CLI::App& protocol, const char* name, const char* about, Work work,
+                                         int& status) {
+  auto* action = protocol.add_subcommand(name, about);
+  auto words = std::make_shared<ProtocolWords>();
+  action->add_option("NAME", words->Name, "Section of keplo.cfg")->required();
+  AddAppPathOption(*action, words->AppPath);
+  action->callback([words, work, &status] { status = AmongOthers([&] { return work(*words); }); });
+  return words;
+}
+
+}  // namespace
+
+void AddProtocolCommand(CLI::App& app, int& status) {
+  auto* protocol = app.add_subcommand("protocol", "Add, change or delete a protocol");
+  protocol->require_subcommand(1);
+
+  const auto added = AddAction(
+      *protocol, "add", "Add a protocol; what is not told is as its generic protocol has it", Add, status);
+  AddGenericOption(*protocol->get_subcommand("add"), *added)->required();
+  AddParameterOptions(*protocol->get_subcommand("add"), *added);
+
+  const auto edited = AddAction(*protocol, "edit", "Change a protocol; what is not told stays", Edit, status);
+  AddGenericOption(*protocol->get_subcommand("edit"), *edited);
+  AddParameterOptions(*protocol->get_subcommand("edit"), *edited);
+
+  const auto deleted = AddAction(*protocol, "delete", "Delete a protocol and its commands", Delete, status);
+  protocol->get_subcommand("delete")->add_flag("--yes", deleted->Yes, "Do not ask");
+}
+
+}  // namespace keplo::cli
