@@ -16,14 +16,16 @@ struct CodeLayout {
   bool LowBitFirst;  // the digits come in from the lowest on, so they are turned around first
   std::size_t Address, AddressDigits;
   std::size_t Command, CommandDigits;
+  std::size_t Extended, ExtendedDigits;
 };
 
 constexpr std::size_t kRc5CommandDigits = 6;
 
-constexpr std::array<CodeLayout, 3> kLayouts = {{
-    {kSony, 12, true, 0, 5, 5, 7},
-    {kSony, 15, true, 0, 8, 8, 7},
-    {kRc5, 14, false, 3, 5, 8, kRc5CommandDigits},
+constexpr std::array<CodeLayout, 4> kLayouts = {{
+    {kSony, 12, true, 0, 5, 5, 7, 0, 0},
+    {kSony, 15, true, 0, 8, 8, 7, 0, 0},
+    {kSony, 20, true, 8, 5, 13, 7, 0, 8},
+    {kRc5, 14, false, 3, 5, 8, kRc5CommandDigits, 0, 0},
 }};
 
 }  // namespace
@@ -34,14 +36,19 @@ std::int16_t BinToInt(std::string_view digits) {
   return static_cast<std::int16_t>(value);
 }
 
-std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind) {
+std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind, Analysis analysis) {
   if (code.find_first_not_of("01") != std::string_view::npos) return std::nullopt;
   for (const CodeLayout& layout : kLayouts) {
     if (layout.Kind != kind || layout.Digits != code.size()) continue;
+    if (layout.ExtendedDigits > 0 && analysis == Analysis::First) return std::nullopt;
     const std::string ordered =
         layout.LowBitFirst ? std::string(code.rbegin(), code.rend()) : std::string(code);
-    CodeValues values{BinToInt(std::string_view(ordered).substr(layout.Address, layout.AddressDigits)),
-                      BinToInt(std::string_view(ordered).substr(layout.Command, layout.CommandDigits))};
+    const auto number = [&](std::size_t first, std::size_t digits) {
+      return BinToInt(std::string_view(ordered).substr(first, digits));
+    };
+    CodeValues values{
+        number(layout.Address, layout.AddressDigits), number(layout.Command, layout.CommandDigits), {}};
+    if (layout.ExtendedDigits > 0) values.Extended = number(layout.Extended, layout.ExtendedDigits);
     // The first start bit counts as a seventh, highest digit of the command.
     if (kind == kRc5 && code.front() == '1') values.Command += std::int16_t{1} << kRc5CommandDigits;
     return values;

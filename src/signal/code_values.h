@@ -4,6 +4,8 @@
 #include <optional>
 #include <string_view>
 
+#include "signal/analysis.h"
+
 namespace keplo {
 
 /// Value of a string of 0 and 1, most significant digit first; 0 for an empty one.
@@ -14,13 +16,17 @@ std::int16_t BinToInt(std::string_view digits);
 struct CodeValues {
   std::int16_t Address = 0;
   std::int16_t Command = 0;
+  std::optional<std::int16_t> Extended =
+      std::nullopt;  // SONY of 20 digits: the number behind that of the address
 
   bool operator==(const CodeValues&) const = default;
 };
 
 /// Address and command of a code.
 /// @param code digits without the leading G
+/// @param analysis with Analysis::Second those of SONY codes of 20 digits too
 /// @return nothing but for RC5 codes of 14 digits and SONY codes of 12 or 15, all 0 or 1
-std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind);
+std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind,
+                                       Analysis analysis = Analysis::First);
 
 }  // namespace keplo

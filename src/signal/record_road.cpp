@@ -5,6 +5,7 @@
 #include "signal/decode.h"
 #include "signal/decode_frames.h"
 #include "signal/run_symbols.h"
+#include "signal/second_look.h"
 
 namespace keplo {
 
@@ -23,8 +24,9 @@ std::string FromFirstMark(std::string symbols, std::int16_t kind) {
   return symbols;
 }
 
-void ReadFrames(RecordReading& reading) {
-  reading.Decoded = DecodeFrames(FromFirstMark(reading.Runs.Symbols, reading.ProtoKind), reading.ProtoKind);
+/// @param symbols those of the recording from its first mark on
+void ReadFrames(RecordReading& reading, std::string_view symbols) {
+  reading.Decoded = DecodeFrames(symbols, reading.ProtoKind);
   FramePair frames = CutFrames(reading.Decoded);
   if (reading.ProtoKind == kNec && frames.FirstEnded) reading.SyncType = frames.DoubleMarkBehind ? 2 : 1;
   reading.FirstFrame = std::move(frames.First);
@@ -41,7 +43,41 @@ void ExplainCode(RecordReading& reading) {
     }
   }
   if (reading.ProtoKind == kSony) reading.SyncType = 2;
-  reading.Values = ValuesOfCode(reading.Code, reading.ProtoKind);
+  reading.Values = ValuesOfCode(reading.Code, reading.ProtoKind, reading.ReadBy);
+}
+
+void ReadCode(RecordReading& reading, std::string_view symbols) {
+  ReadFrames(reading, symbols);
+  const bool piece = !reading.Repeats && reading.Code.size() < kShortestCommand;
+  reading.Ended = piece ? RecordStage::Fragment : RecordStage::Code;
+  if (!piece) ExplainCode(reading);
+}
+
+RecordReading ReadAtFirst(std::string_view samples, Timing& measured) {
+  if (!AnalyseTiming(samples, measured)) return RecordReading(RecordStage::NoTiming);
+  RecordReading reading(RecordStage::Unknown);
+  reading.BaseT = measured.BaseT;
+  reading.ProtoKind = measured.ProtoKind;
+  if (reading.ProtoKind == kUnknown) return reading;
+
+  reading.Runs = WalkRecording(samples, reading.BaseT);
+  ReadCode(reading, FromFirstMark(reading.Runs.Symbols, reading.ProtoKind));
+  return reading;
+}
+
+RecordReading ReadAtSecond(std::string_view samples, Timing& measured) {
+  SecondLook look = LookAgain(samples);
+  if (!look.HasFrames()) return ReadAtFirst(samples, measured);
+  measured.BaseT = look.BaseT;
+  measured.ProtoKind = look.ProtoKind;
+  RecordReading reading(RecordStage::Unknown);
+  reading.ReadBy = Analysis::Second;
+  reading.BaseT = look.BaseT;
+  reading.ProtoKind = look.ProtoKind;
+  reading.Runs = WalkRecording(samples, look.BaseT);
+  reading.Runs.Symbols = std::move(look.Symbols);
+  ReadCode(reading, reading.Runs.Symbols);
+  return reading;
 }
 
 }  // namespace
@@ -82,27 +118,16 @@ RecordStage TrimRecording(std::string& capture) {
   return capture.size() < kShortestCapture ? RecordStage::Short : RecordStage::Code;
 }
 
-RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured) {
-  if (!AnalyseTiming(samples, measured)) return RecordReading(RecordStage::NoTiming);
-  RecordReading reading(RecordStage::Unknown);
-  reading.BaseT = measured.BaseT;
-  reading.ProtoKind = measured.ProtoKind;
-  if (reading.ProtoKind == kUnknown) return reading;
-
-  reading.Runs = WalkRecording(samples, reading.BaseT);
-  ReadFrames(reading);
-  const bool piece = !reading.Repeats && reading.Code.size() < kShortestCommand;
-  reading.Ended = piece ? RecordStage::Fragment : RecordStage::Code;
-  if (!piece) ExplainCode(reading);
-  return reading;
+RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured, Analysis analysis) {
+  return analysis == Analysis::First ? ReadAtFirst(samples, measured) : ReadAtSecond(samples, measured);
 }
 
-RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state) {
+RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis) {
   state.RawCapture = capture;
   const RecordStage trimmed = TrimRecording(state.RawCapture);
   if (trimmed != RecordStage::Code) return RecordReading(trimmed);
   SamplesToBits(state.RawCapture, state.SampleBits);
-  return ReadRecordedSamples(state.SampleBits, state.Measured);
+  return ReadRecordedSamples(state.SampleBits, state.Measured, analysis);
 }
 
 }  // namespace keplo

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "signal/analysis.h"
 #include "signal/code_values.h"
 #include "signal/monitor_road.h"
 #include "signal/sample_bits.h"
@@ -50,6 +51,7 @@ struct RecordReading {
   RecordStage Ended = RecordStage::Empty;
 
   // From Unknown on.
+  Analysis ReadBy = Analysis::First;
   std::int16_t BaseT = 0;  // samples
   std::int16_t ProtoKind = kUnknown;
   int PulseUs() const { return BaseT * kNominalSampleTime; }  // base time, microseconds
@@ -79,9 +81,12 @@ RecordStage TrimRecording(std::string& capture);
 
 /// Reads the sample string of a trimmed recording.
 /// @param measured as with AnalyseTiming: base time and kind stay as they were if nothing can be measured
-RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured);
+/// @param analysis with Analysis::Second the whole frames that the second look finds, where there are any
+RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured,
+                                  Analysis analysis = Analysis::First);
 
 /// The whole road from the bytes of a capture; leaves capture, sample string and timing in the state.
-RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state);
+RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state,
+                                  Analysis analysis = Analysis::First);
 
 }  // namespace keplo

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "signal/code_values.h"
 #include "signal/decode.h"
 
 namespace keplo {
@@ -19,6 +20,9 @@ constexpr int kInterference = 2;          // samples; shorter runs than three be
 constexpr double kGapUnits = 5.5;         // longer spaces part frames; within a frame four base times occur
 constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
 constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
+constexpr double kStepUnits = 0.35;
+constexpr double kClearSteps = 0.4;
+constexpr double kSpreadUnits = 0.7;
 constexpr double kLeaderUnits = 2.7;      // SONY's leader has 4, the double mark of biphase 2
 constexpr double kLeaderOverMarks = 1.4;  // SONY: 4 to 2 base times, with 300 us of mark excess still 1.7
 
@@ -54,11 +58,11 @@ RunList ReadRuns(std::string_view samples) {
 }
 
 /// A quarter of the runs at every second place are no longer than this.
-int LowerQuartile(const std::vector<int>& lengths, std::size_t first) {
+int LowerQuartile(const int* runs, std::size_t size, std::size_t first) {
   std::array<int, 256> counts{};
   int all = 0;
-  for (std::size_t i = first; i < lengths.size(); i += 2, ++all) {
-    ++counts.at(std::min<std::size_t>(static_cast<std::size_t>(lengths[i]), counts.size() - 1));
+  for (std::size_t i = first; i < size; i += 2, ++all) {
+    ++counts.at(std::min<std::size_t>(static_cast<std::size_t>(runs[i]), counts.size() - 1));
   }
   int seen = 0;
   for (std::size_t length = 0; length < counts.size(); ++length) {
@@ -66,6 +70,11 @@ int LowerQuartile(const std::vector<int>& lengths, std::size_t first) {
     if (seen * 4 > all) return static_cast<int>(length);
   }
   return 0;
+}
+
+/// About one base time, samples; up to two where the longer runs are the commoner by far.
+double RoughUnit(const int* runs, std::size_t size) {
+  return (LowerQuartile(runs, size, 0) + LowerQuartile(runs, size, 1)) / 2.0;
 }
 
 /// What stands between two long spaces.
@@ -80,7 +89,7 @@ struct Piece {
 std::vector<Piece> SplitPieces(const RunList& runs) {
   std::vector<Piece> pieces;
   const std::vector<int>& lengths = runs.Lengths;
-  const double gap = kGapUnits * (LowerQuartile(lengths, 0) + LowerQuartile(lengths, 1)) / 2;
+  const double gap = kGapUnits * RoughUnit(lengths.data(), lengths.size());
   std::size_t first = 0;
   for (std::size_t i = 1; i < lengths.size(); i += 2) {
     if (lengths[i] <= gap) continue;
@@ -109,8 +118,11 @@ struct Lengths {
   bool IsLong(int run) const { return Number == 2 && 2 * run > Short().Most + Long().Least; }
 };
 
-/// Jitter of an edge, about 25 us in bad remotes, and the sample grid spread equal runs over five samples.
-bool Tight(const Length& length) { return length.Most - length.Least <= std::max(5.0, 0.4 * length.Mean); }
+/// Jitter of an edge, 25 us in bad remotes, and the sample grid spread equal runs over five samples.
+bool IsTight(const Length& length, double unit) {
+  const double spread = length.Most - length.Least;
+  return spread <= std::max({5.0, kSpreadUnits * std::min(unit, length.Mean), 0.35 * length.Mean});
+}
 
 Length LengthOfSorted(const std::vector<int>& sorted, std::size_t begin, std::size_t end) {
   const double sum = std::accumulate(sorted.begin() + static_cast<std::ptrdiff_t>(begin),
@@ -118,21 +130,20 @@ Length LengthOfSorted(const std::vector<int>& sorted, std::size_t begin, std::si
   return {sorted[begin], sorted[end - 1], sum / static_cast<double>(end - begin)};
 }
 
-/// Splits runs where the step to the next longer one is wider than the groups on both of its sides.
-Lengths GroupRuns(std::vector<int>& runs) {
+/// Splits runs where the next longer one is a good part of a base time longer.
+/// @param unit base time, samples; roughly
+Lengths GroupRuns(std::vector<int>& runs, double unit) {
   Lengths lengths;
   if (runs.empty()) return lengths;
   std::sort(runs.begin(), runs.end());
+  const double step = std::max(3.0, kStepUnits * unit);
   std::size_t begin = 0;
   for (std::size_t i = 1; i <= runs.size(); ++i) {
-    const bool step = i < runs.size() && runs[i] - runs[i - 1] >= std::max(3.0, 0.3 * runs[i - 1]);
-    if (i < runs.size() && !step) continue;
-    if (lengths.Number == Lengths::kMost) return {};
-    lengths.Of.at(lengths.Number++) = LengthOfSorted(runs, begin, i);
+    if (i < runs.size() && runs[i] - runs[i - 1] < step) continue;
+    const Length length = LengthOfSorted(runs, begin, i);
+    if (lengths.Number == Lengths::kMost || !IsTight(length, unit)) return {};
+    lengths.Of.at(lengths.Number++) = length;
     begin = i;
-  }
-  for (std::size_t i = 0; i < lengths.Number; ++i) {
-    if (!Tight(lengths.Of.at(i))) return {};
   }
   return lengths;
 }
@@ -150,11 +161,16 @@ struct Frame {
   std::string Head;     // symbols of the leader; empty without one
   std::string Symbols;  // between the marks
   std::size_t Digits = 0;
+  bool Clear = false;        // no run is anywhere near the middle between two lengths
   bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
-  bool DittoBehind = false;  // NEC's sign that the key is still held
+  int Dittos = 0;            // behind it: NEC's sign that the key is still held
 
   bool HasLeader() const { return !Head.empty(); }
-  bool SameCode(const Frame& other) const { return Kind == other.Kind && Symbols == other.Symbols; }
+  /// Some remotes send the leader with the first frame only.
+  bool SameCode(const Frame& other) const {
+    const bool sameHead = Head == other.Head || Head.empty() || other.Head.empty();
+    return Kind == other.Kind && Symbols == other.Symbols && sameHead;
+  }
 };
 
 /// The runs of a piece without those of its leader, and what lengths they fall into.
@@ -179,13 +195,19 @@ Body BodyOf(const Piece& piece, std::size_t skipped) {
   marks.reserve(body.MarkCount());
   spaces.reserve(body.MarkCount());
   for (std::size_t i = 0; i < body.Size; ++i) (i % 2 == 0 ? marks : spaces).push_back(body.First[i]);
-  body.Marks = GroupRuns(marks);
-  body.Spaces = GroupRuns(spaces);
+  const double unit = RoughUnit(body.First, body.Size);
+  body.Marks = GroupRuns(marks, unit);
+  body.Spaces = GroupRuns(spaces, unit);
   return body;
 }
 
 /// From the shorter of two lengths to the longer, samples; free of excess.
 double Step(const Lengths& lengths) { return lengths.Long().Mean - lengths.Short().Mean; }
+
+/// Whether nothing strays anywhere near the middle between the two lengths.
+bool IsClear(const Lengths& lengths) {
+  return lengths.Number == 1 || lengths.Long().Least - lengths.Short().Most >= kClearSteps * Step(lengths);
+}
 
 constexpr bool Within(double value, double least, double most) { return value >= least && value <= most; }
 
@@ -216,6 +238,7 @@ Frame DistanceFrame(const Body& body, double unit, const RunSymbolSet& symbols =
   frame.Excess = body.Marks.Short().Mean - unit;
   frame.Symbols = SymbolsOf(body, symbols);
   frame.Digits = body.MarkCount() - 1;
+  frame.Clear = IsClear(body.Spaces);
   return frame;
 }
 
@@ -227,6 +250,7 @@ Frame WidthFrame(const Body& body, double unit, const RunSymbolSet& symbols = kW
   frame.Excess = unit - body.Spaces.Short().Mean;
   frame.Symbols = SymbolsOf(body, symbols);
   frame.Digits = body.MarkCount();
+  frame.Clear = IsClear(body.Marks);
   return frame;
 }
 
@@ -271,7 +295,8 @@ bool IsKnownLeader(const Frame& frame, const Leader& leader) {
   const double mark = (leader.Mark - frame.Excess) / frame.Unit;
   const double space = (leader.Space + frame.Excess) / frame.Unit;
   if (frame.Kind == kSony) return Within(mark, 3.2, 4.8) && space < 2;
-  return Within(mark, 6.5, 18.5) && Within(space, 3.2, 9.5) && std::abs(frame.Excess) < 0.65 * frame.Unit;
+  return (Within(mark, 7, 9.2) || Within(mark, 14, 18.4)) &&
+         (Within(space, 3.4, 4.6) || Within(space, 7, 9.2)) && std::abs(frame.Excess) < 0.65 * frame.Unit;
 }
 
 std::optional<Frame> FrameBehind(const Leader& leader, const Body& body) {
@@ -299,6 +324,7 @@ std::optional<Frame> BiphaseFrame(const Body& body) {
   Frame frame;
   frame.Kind = kRc5;
   frame.Unit = unit;
+  frame.Clear = IsClear(body.Marks) && IsClear(body.Spaces);
   frame.Symbols = SymbolsOf(body, kBiphaseSymbols);
   frame.Digits = DecodeCode(frame.Symbols, kRc5).size();
   if (frame.Digits != kBiphaseDigits) return std::nullopt;
@@ -308,7 +334,7 @@ std::optional<Frame> BiphaseFrame(const Body& body) {
 /// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train.
 bool IsStrange(const Body& body) {
   constexpr std::size_t kFewestMarks = 12;
-  return body.MarkCount() >= kFewestMarks && !body.Falls(1, 1);
+  return body.MarkCount() >= kFewestMarks && body.IsTight() && !body.Falls(1, 1);
 }
 
 bool IsDitto(const Piece& piece) {
@@ -327,8 +353,9 @@ bool IsRepeat(const Piece& one, const Piece& other) {
 /// Everything that was found in a capture.
 struct Findings {
   std::vector<Frame> Frames;
-  std::string Symbols;
-  bool StrangeRepeat = false;  // a clean frame of another line code was sent twice
+  std::vector<Piece> Strange;  // whole and clean, but of none of the line codes
+  bool Damaged = false;  // a piece as long as a frame is neither read nor merely cut by the capture's end
+  bool Stray = false;    // its runs fall into no lengths, so that those of its neighbours are in doubt too
 };
 
 class FrameReader {
@@ -339,9 +366,9 @@ class FrameReader {
     for (place_ = 0; place_ < pieces_.size(); ++place_) {
       const Piece& piece = pieces_[place_];
       if (IsDitto(piece)) {
-        AddDitto();
+        if (!found_.Frames.empty()) ++found_.Frames.back().Dittos;
       } else if (piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns) {
-        if (std::optional<Frame> frame = Read(piece)) Add(std::move(*frame));
+        if (std::optional<Frame> frame = Read(piece)) found_.Frames.push_back(std::move(*frame));
       }
     }
     return std::move(found_);
@@ -362,16 +389,14 @@ class FrameReader {
       if (std::optional<Frame> frame = ReadWithLeaderInside(piece)) return frame;
     }
     const Body body = BodyOf(piece, 0);
-    if (!body.IsTight() || CutBehind(piece, body)) return std::nullopt;
-    std::optional<Frame> frame = lone ? FrameBehind(*lone, body) : BiphaseFrame(body);
-    if (!frame && !lone) frame = TwoLengths(body);
-    if (!frame && IsStrange(body)) AddStrange(piece);
+    if (CutBehind(piece, body)) return std::nullopt;
+    std::optional<Frame> frame;
+    if (body.IsTight()) frame = lone ? FrameBehind(*lone, body) : BiphaseFrame(body);
+    if (!frame && !lone && body.IsTight()) frame = TwoLengths(body);
+    if (!frame) found_.Damaged = true;
+    if (!body.IsTight()) found_.Stray = true;
+    if (!frame && IsStrange(body)) found_.Strange.push_back(piece);
     return frame;
-  }
-
-  void AddStrange(const Piece& piece) {
-    found_.StrangeRepeat = found_.StrangeRepeat || IsRepeat(piece, strange_);
-    strange_ = piece;
   }
 
   std::optional<Frame> ReadWithLeaderInside(const Piece& piece) const {
@@ -386,24 +411,12 @@ class FrameReader {
 
   /// Whether the capture may have ended within the frame.
   static bool CutBehind(const Piece& piece, const Body& body) {
-    return piece.Behind < 1.25 * body.Spaces.Longest().Most + 2;
-  }
-
-  void Add(Frame frame) {
-    if (found_.Symbols.empty() && !frame.HasLeader()) found_.Symbols = "g";
-    found_.Symbols.append(frame.Head).append(frame.Symbols).append("g");
-    found_.Frames.push_back(std::move(frame));
-  }
-
-  void AddDitto() {
-    if (found_.Frames.empty()) return;
-    found_.Symbols += "Gg1g";
-    found_.Frames.back().DittoBehind = true;
+    const double longest = body.Spaces.Number > 0 ? body.Spaces.Longest().Most : 0;
+    return piece.Behind < 1.25 * longest + 2;
   }
 
   const std::vector<Piece>& pieces_;
   std::size_t place_ = 0;
-  Piece strange_;  // the last one
   Findings found_;
 };
 
@@ -422,16 +435,27 @@ void LeaveOutPieces(std::vector<Frame>& frames) {
                frames.end());
 }
 
+/// Whether the last of seven groups of four digits is the sum of the four groups ahead of it, as in frames of
+/// 28 digits that dittos follow.
+bool EndsInItsSum(std::string_view digits) {
+  if (digits.size() != 28) return false;
+  const auto group = [&](std::size_t number) { return BinToInt(digits.substr(4 * number, 4)); };
+  return (group(2) + group(3) + group(4) + group(5)) % 16 == group(6);
+}
+
 /// Whether a frame may be taken without an equal one beside it. A frame that lost marks or was cut has other
 /// lengths than these; what the many user-defined codes have is proven by their repeats.
 bool ProvesItself(const Frame& frame) {
+  if (!frame.Clear) return false;
   switch (frame.Kind) {
     case kSony:
       return frame.KnownLeader && (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
     case kRc5:
       return true;  // exact in its length and all its pairs, between two silences
     default:
-      return frame.KnownLeader && frame.Digits % 4 == 0 && (frame.Digits >= 32 || frame.DittoBehind);
+      if (!frame.KnownLeader) return false;
+      return (frame.Digits >= 32 && frame.Digits % 4 == 0) ||
+             (frame.Dittos > 0 && EndsInItsSum(DecodeCode(frame.Symbols, kNec)));
   }
 }
 
@@ -440,16 +464,29 @@ std::size_t CountOf(const std::vector<Frame>& frames, const Frame& wanted) {
                                                 [&](const Frame& frame) { return frame.SameCode(wanted); }));
 }
 
-/// The frame that all frames of one press prove: equal to another one, while no other is repeated.
-const Frame* ProvenFrame(const std::vector<Frame>& frames) {
-  if (frames.size() == 1) return ProvesItself(frames.front()) ? &frames.front() : nullptr;
-  const Frame* proven = nullptr;
+/// The frame that the frames of one press prove: the one that is there twice. Where another one differs or is
+/// damaged, it must be a frame that would do by itself.
+const Frame* ProvenFrame(const Findings& found) {
+  const std::vector<Frame>& frames = found.Frames;
+  // Biphase would show a stray run in its pairs.
+  const bool lone = frames.size() == 1 && (!found.Stray || frames.front().Kind == kRc5);
+  const Frame* proven = lone ? &frames.front() : nullptr;
   for (const Frame& frame : frames) {
     if (CountOf(frames, frame) < 2) continue;
-    if (proven != nullptr && !proven->SameCode(frame)) return nullptr;
     if (proven == nullptr) proven = &frame;
+    if (!proven->SameCode(frame)) return nullptr;
   }
-  return proven;
+  if (proven == nullptr) return nullptr;
+  const std::size_t count = CountOf(frames, *proven);
+  const bool unanimous = count > 1 && count == frames.size() && !found.Damaged;
+  return unanimous || ProvesItself(*proven) ? proven : nullptr;
+}
+
+/// Whether the pieces are one frame, sent again and again.
+bool IsOneFrame(const std::vector<Piece>& pieces) {
+  return pieces.size() > 1 && std::all_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
+           return IsRepeat(piece, pieces.front());
+         });
 }
 
 /// Frames that take turns, as some remotes send a frame and its complement.
@@ -461,30 +498,54 @@ bool TakeTurns(const std::vector<Frame>& frames) {
   return true;
 }
 
+/// Frames without a mark of their own, which only the silence ahead of them shows.
+bool LackLeaders(const std::vector<Frame>& frames) {
+  return !frames.front().HasLeader() && frames.front().Kind != kRc5;
+}
+
+/// The frames of one kind as run symbols that begin at a mark.
+std::string SymbolsOf(const std::vector<Frame>& frames, std::int16_t kind) {
+  std::string symbols = "g";
+  for (const Frame& frame : frames) {
+    if (frame.Kind != kind) continue;
+    symbols.append(frame.Head).append(frame.Symbols).append("g");
+    for (int ditto = 0; ditto < frame.Dittos; ++ditto) symbols += "Gg1g";
+  }
+  // The silence ahead of a leader is no mark of the signal.
+  if (symbols.substr(0, 2) == "gG") symbols.erase(0, 1);
+  return symbols;
+}
+
+void ReadProof(const Findings& found, SecondLook& look) {
+  const std::vector<Frame>& frames = found.Frames;
+  const bool turns = LackLeaders(frames) && TakeTurns(frames);
+  const Frame* proven = turns ? nullptr : ProvenFrame(found);
+  const Frame& shown = proven != nullptr ? *proven : frames.front();
+  look.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
+  look.ProtoKind = shown.Kind;
+  if (turns) look.Proven = SecondLook::Proof::Unsure;
+  if (proven != nullptr) {
+    look.Frame = (proven->HasLeader() ? proven->Head : "g") + proven->Symbols + "g";
+    look.Proven = SecondLook::Proof::Sure;
+  }
+}
+
 }  // namespace
 
 SecondLook LookAgain(std::string_view samples) {
   const RunList runs = ReadRuns(samples);
   Findings found = FrameReader(SplitPieces(runs)).ReadAll();
-  SecondLook look;
   std::vector<Frame>& frames = found.Frames;
   LeaveOutPieces(frames);
+  SecondLook look;
   if (frames.empty()) {
-    if (found.StrangeRepeat) look.Proven = SecondLook::Proof::Unsure;
+    if (IsOneFrame(found.Strange)) look.Proven = SecondLook::Proof::Unsure;
     return look;
   }
-  const bool turns = !frames.front().HasLeader() && frames.front().Kind != kRc5 && TakeTurns(frames);
-  const Frame* proven = turns ? nullptr : ProvenFrame(frames);
-  const Frame& shown = proven != nullptr ? *proven : frames.front();
-  look.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
-  look.ProtoKind = shown.Kind;
-  look.Symbols = std::move(found.Symbols);
-  if (proven != nullptr) {
-    look.Frame = (proven->HasLeader() ? proven->Head : "g") + proven->Symbols + "g";
-    look.Proven = SecondLook::Proof::Sure;
-  } else if (turns) {
-    look.Proven = SecondLook::Proof::Unsure;
-  }
+  ReadProof(found, look);
+  // Of frames that take turns the first analysis knows those from the second one on.
+  if (LackLeaders(frames) && (frames.size() == 1 || TakeTurns(frames))) frames.erase(frames.begin());
+  if (!frames.empty()) look.Symbols = SymbolsOf(frames, look.ProtoKind);
   return look;
 }
 

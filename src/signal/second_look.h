@@ -21,8 +21,8 @@ struct SecondLook {
   std::int16_t BaseT = 0;  // base time T, samples; rounded
   std::int16_t ProtoKind = kUnknown;
 
-  /// Run symbols of all whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
-  /// empty if there is no whole frame.
+  /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
+  /// empty if there is none, or only one without a leader that is not biphase.
   std::string Symbols;
 
   /// Run symbols of the frame that is proven, with a mark on both sides, as IsolateFrame takes them.

@@ -7,6 +7,7 @@
 
 #include "signal/decode.h"
 #include "signal/monitor_road.h"
+#include "signal/record_road.h"
 #include "signal_builder.h"
 
 namespace keplo {
@@ -203,6 +204,53 @@ TEST(SecondLook, GivesTheCodeOfTheFirstAnalysisWhereThatReadsOne) {
     }
   }
   EXPECT_GT(both, 500);
+}
+
+RecordReading Record(const RunVector& press, Analysis analysis = Analysis::Second) {
+  SignalState state;
+  return ReadRecordedCapture(Padded(Bytes(Runs(press)), kRecordCaptureBytes), state, analysis);
+}
+
+TEST(SecondLook, TellsARecordingAsTheFirstAnalysisDoes) {
+  const std::vector<RunVector> presses = {
+      NecRuns(kNecDigits),
+      Twice(NecRuns(kNecDigits)),
+      Then(NecRuns(kNecDigits), kGap, {160, 45, 10}),
+      Twice(SonyRuns(kSonyDigits)),
+      Rc5Runs("11100000010001"),
+      Rc5Runs(kRc5Digits, 1),
+      Twice(SonyRuns(kSonyDigits.substr(0, 6))),
+  };
+  for (const RunVector& press : presses) {
+    const RecordReading first = Record(press, Analysis::First);
+    const RecordReading second = Record(press);
+    EXPECT_EQ(second.Ended, RecordStage::Code);
+    EXPECT_EQ(second.Code, first.Code);
+    EXPECT_EQ(second.Repeats, first.Repeats) << first.Decoded << " and " << second.Decoded;
+    EXPECT_EQ(second.SyncType, first.SyncType) << first.Decoded << " and " << second.Decoded;
+    EXPECT_EQ(second.Toggle, first.Toggle);
+    EXPECT_EQ(second.Values, first.Values);
+    EXPECT_EQ(second.Runs.Ones, first.Runs.Ones);
+  }
+}
+
+TEST(SecondLook, ExplainsSonyOfTwentyDigits) {
+  const RunVector press =
+      Twice(SonyRuns("1010001"
+                     "00010"
+                     "11000000"));
+  const RecordReading reading = Record(press);
+  EXPECT_EQ(reading.Code, "10100010001011000000");
+  EXPECT_EQ(reading.Values, (CodeValues{8, 69, 3}));
+  EXPECT_TRUE(reading.Repeats);
+  EXPECT_EQ(Record(press, Analysis::First).Values, std::nullopt);
+}
+
+TEST(SecondLook, LeavesAFrameThatTheBufferCutOutOfTheRecording) {
+  const RunVector sony = SonyRuns(kSonyDigits);
+  const RecordReading reading = Record(Then(RunVector(sony.begin() + 6, sony.end()), 250, Twice(sony)));
+  EXPECT_EQ(reading.FirstFrame, kSonyDigits);
+  EXPECT_TRUE(reading.Repeats);
 }
 
 TEST(SecondLook, LeavesTheFirstAnalysisAsItIs) {
