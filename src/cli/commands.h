@@ -23,6 +23,7 @@ void AddProtocolCommand(CLI::App& app, int& status);
 void AddSendCommand(CLI::App& app, int& status);
 void AddInstallCommand(CLI::App& app, int& status);
 void AddCalibrateCommand(CLI::App& app, int& status);
+void AddSettingsCommand(CLI::App& app, int& status);
 void AddSynthCommand(CLI::App& app, int& status);
 
 }  // namespace keplo::cli

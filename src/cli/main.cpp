@@ -48,6 +48,7 @@ int RunKeplo(int argc, char** argv) {
   AddSendCommand(app, status);
   AddInstallCommand(app, status);
   AddCalibrateCommand(app, status);
+  AddSettingsCommand(app, status);
   AddSynthCommand(app, status);
   if (const std::string word = UnknownCommand(app, argc, argv); !word.empty()) {
     std::cerr << "keplo: there is no command '" << word << "'; --help lists those that are\n";
