@@ -1,5 +1,6 @@
 #include <iostream>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,18 @@ struct LearnOptions {
 /// The last press of some recordings, and what all of them say of it.
 struct Lesson {
   RecordReading Last;
+  std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
   bool Known = false;
 };
+
+/// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
+bool SentTwice(const Press& press, LineOptions line, const std::string& code) {
+  line.HoldMs = 0;
+  SignalState state;
+  const RecordReading recorded = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state);
+  return recorded.Repeats && recorded.Code == code;
+}
 
 Lesson ReadPresses(const LearnOptions& options, CfgStore& store) {
   Lesson lesson;
@@ -38,12 +48,23 @@ Lesson ReadPresses(const LearnOptions& options, CfgStore& store) {
     for (const Press& press : LoadRecording(file).Presses) {
       SignalState state;
       lesson.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state);
-      if (lesson.Last.Ended != RecordStage::Code) continue;
-      lesson.Known = LookupCommand(store, lesson.Last.Code, lesson.Last.ProtoKind);
-      Validate(lesson.Validation, lesson.Last.Code, lesson.Last.Repeats, lesson.Known);
+      if (!WhyNoCode(lesson.Last).empty()) continue;
+      const std::string& code = lesson.Last.Code;
+      lesson.Codes.insert(code);
+      lesson.Known = LookupCommand(store, code, lesson.Last.ProtoKind);
+      Validate(lesson.Validation, code, SentTwice(press, options.Line, code), lesson.Known);
     }
   }
   return lesson;
+}
+
+/// Why the presses cannot be learned as one command, for a person; empty if they can.
+std::string WhyNoCommand(const Lesson& lesson) {
+  if (const std::string reason = WhyNoCode(lesson.Last); !reason.empty()) return "no code: " + reason;
+  if (lesson.Codes.size() < 2) return {};
+  std::string codes;
+  for (const std::string& code : lesson.Codes) codes += " G" + code;
+  return "the presses have different codes, and a command has one; give presses of the same key:" + codes;
 }
 
 LearnResult Store(const LearnOptions& options, const Lesson& lesson, CfgStore& store) {
@@ -63,7 +84,7 @@ int Learn(const LearnOptions& options) {
   OpenConfig config(options.AppPath);
   config.RequireWhole();
   const Lesson lesson = ReadPresses(options, config.Mod.Store);
-  if (lesson.Last.Ended != RecordStage::Code) return Refuse("no code: " + WhyNoCode(lesson.Last));
+  if (const std::string reason = WhyNoCommand(lesson); !reason.empty()) return Refuse(reason);
   try {
     const LearnResult result = Store(options, lesson, config.Mod.Store);
     if (result.Refused == Refusal::NotValidated) {
