@@ -3,6 +3,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
@@ -18,7 +19,13 @@ namespace {
 constexpr std::size_t kMostIndexBytes = std::size_t{16} << 20;  // a list of some hundred thousand codes
 
 struct Lesson {
+  std::string Place;  // in the file
   std::string Protocol, Code, Name;
+};
+
+struct Tally {
+  int Learned = 0;
+  int Refused = 0;
 };
 
 std::string SectionOf(const std::string& protocol) {
@@ -42,9 +49,13 @@ std::string ValidName(std::string name) {
 
 Lesson ToLesson(const nlohmann::json& entry, const std::string& place) try {
   Lesson lesson;
+  lesson.Place = place;
   lesson.Protocol = SectionOf(entry.at("protocol").get<std::string>());
   lesson.Code = entry.at("bits").get<std::string>();
-  if (lesson.Protocol == "RC5" && lesson.Code.size() > kToggleBitOffset) lesson.Code[kToggleBitOffset] = '0';
+  if (lesson.Protocol == "RC5" && lesson.Code.size() > kToggleBitOffset) {
+    char& toggle = lesson.Code[kToggleBitOffset];
+    if (toggle == '1') toggle = '0';
+  }
   const std::string key = entry.value("key", entry.value("name", std::string()));
   const std::string device = entry.value("device", std::string());
   lesson.Name = ValidName(device.empty() ? key : device + "-" + key);
@@ -64,26 +75,48 @@ std::vector<Lesson> ReadIndex(const std::string& indexFile) {
   return lessons;
 }
 
+void TellRefused(const Lesson& lesson, const std::string& why) {
+  std::cerr << lesson.Place << ": " << lesson.Protocol << '&' << lesson.Name << " was not learned: " << why
+            << '\n';
+}
+
+void Teach(CfgStore& store, const Lesson& lesson, Tally& tally) {
+  if (lesson.Code.find_first_not_of("01") != std::string::npos) {
+    ++tally.Refused;
+    TellRefused(lesson, "\"bits\" is of 0 and 1 alone, and not " + lesson.Code);
+    return;
+  }
+  const LearnResult result = AddCommand(store, lesson.Protocol, "G" + lesson.Code, lesson.Name);
+  if (result.Done()) {
+    ++tally.Learned;
+  } else if (result.Refused == Refusal::CodeExists) {
+    std::cout << lesson.Protocol << '&' << lesson.Name << " is known already, as " << result.Detail << '\n';
+  } else {
+    ++tally.Refused;
+    TellRefused(lesson, RefusalText(result));
+  }
+}
+
 }  // namespace
 
 int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
   OpenConfig config(appPathOption);
   config.RequireWhole();
-  int learned = 0, refused = 0;
-  for (const Lesson& lesson : ReadIndex(indexFile)) {
-    const LearnResult result = AddCommand(config.Mod.Store, lesson.Protocol, "G" + lesson.Code, lesson.Name);
-    if (result.Done()) {
-      ++learned;
-    } else if (result.Refused == Refusal::CodeExists) {
-      std::cout << lesson.Protocol << '&' << lesson.Name << " is known already, as " << result.Detail << '\n';
-    } else {
-      ++refused;
-      std::cerr << lesson.Protocol << '&' << lesson.Name << " was not learned: " << RefusalText(result)
-                << '\n';
-    }
+  const std::vector<Lesson> lessons = ReadIndex(indexFile);
+  Tally tally;
+  std::string failed;
+  auto next = lessons.begin();
+  try {
+    for (; next != lessons.end(); ++next) Teach(config.Mod.Store, *next, tally);
+  } catch (const Failure& failure) {
+    failed = failure.what();
   }
-  std::cout << learned << " commands learned from " << indexFile << '\n';
-  return refused == 0 ? kDone : kNoResult;
+  std::cout << tally.Learned << " commands learned from " << indexFile << '\n';
+  if (next != lessons.end()) {
+    std::cerr << lessons.end() - next << " more were left out, from " << next->Place << " on: " << failed
+              << '\n';
+  }
+  return tally.Refused == 0 && next == lessons.end() ? kDone : kNoResult;
 }
 
 }  // namespace keplo::cli
