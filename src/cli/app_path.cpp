@@ -34,6 +34,10 @@ std::filesystem::path ResolveAppPath(const std::string& option) {
   return std::filesystem::path(home) / ".local" / "share" / "keplo";
 }
 
+bool IsAppPathNamed(const std::string& option) {
+  return !option.empty() || !Environment("KEPLO_HOME").empty();
+}
+
 std::filesystem::path RequireInstall(const std::string& option) {
   std::filesystem::path appPath = ResolveAppPath(option);
   const std::filesystem::path config = appPath / "keplo.cfg";

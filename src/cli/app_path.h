@@ -17,4 +17,7 @@ std::filesystem::path ResolveAppPath(const std::string& option);
 /// @throws Failure that tells how to bring one if there is no keplo.cfg
 std::filesystem::path RequireInstall(const std::string& option);
 
+/// Whether the option or KEPLO_HOME names that folder.
+bool IsAppPathNamed(const std::string& option);
+
 }  // namespace keplo::cli

@@ -28,12 +28,21 @@ struct RecordOptions {
   LineOptions Line;
 };
 
+bool HasInstall() try {
+  RequireInstall({});
+  return true;
+} catch (const Failure&) {
+  return false;
+}
+
 /// The learned commands, if there are any: without an install nothing is known, but all else can be told.
 std::unique_ptr<OpenConfig> LearnedCommands(const std::string& appPath) {
+  if (!IsAppPathNamed(appPath) && !HasInstall()) return nullptr;
   try {
     return std::make_unique<OpenConfig>(appPath);
-  } catch (const Failure&) {
+  } catch (const Failure& failure) {
     if (!appPath.empty()) throw;
+    std::cerr << "keplo: " << failure.what() << '\n';
     return nullptr;
   }
 }
@@ -43,6 +52,11 @@ std::string KnownAs(OpenConfig* config, const RecordReading& reading) {
   CfgStore& store = config->Mod.Store;
   if (!LookupCommand(store, reading.Code, reading.ProtoKind)) return {};
   return store.CurProtocol + "&" + store.CurCommand;
+}
+
+/// A fragment could be of any line code that begins like its own.
+bool NamesKind(const RecordReading& reading) {
+  return reading.Ended == RecordStage::Unknown || reading.Ended == RecordStage::Code;
 }
 
 nlohmann::json ToggleJson(char toggle) {
@@ -62,7 +76,7 @@ nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& read
   if (reading.Ended < RecordStage::Unknown) return json;
   json["base_t"] = reading.BaseT;
   json["pulse_us"] = reading.PulseUs();
-  if (reading.Ended != RecordStage::Fragment) json["protocol"] = ProtoKindName(reading.ProtoKind);
+  if (NamesKind(reading)) json["protocol"] = ProtoKindName(reading.ProtoKind);
   if (reading.Ended < RecordStage::Fragment) return json;
   json["bits"] = reading.Code.size();
   json["repeats"] = reading.Repeats;
@@ -80,8 +94,9 @@ nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& read
 std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   std::string text;
   if (reading.Ended >= RecordStage::Unknown) {
-    text += std::string(ProtoKindName(reading.ProtoKind)) + ", base time " + std::to_string(reading.BaseT) +
-            " samples (" + std::to_string(reading.PulseUs()) + " us), ";
+    if (NamesKind(reading)) text += std::string(ProtoKindName(reading.ProtoKind)) + ", ";
+    text += "base time " + std::to_string(reading.BaseT) + " samples (" + std::to_string(reading.PulseUs()) +
+            " us), ";
   }
   if (const std::string reason = WhyNoCode(reading); !reason.empty()) return text + "no code: " + reason;
   text += "code G" + reading.Code + " (" + std::to_string(reading.Code.size()) + " bits), ";
