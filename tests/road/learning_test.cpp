@@ -6,30 +6,18 @@
 #include <nlohmann/json.hpp>
 
 #include "program.h"
+#include "signal/signal_builder.h"
 
 namespace keplo {
 namespace {
 
 using nlohmann::json;
 using tests::CapturesFolder;
+using tests::Install;
 using tests::Lines;
 using tests::Quoted;
 using tests::Ran;
 using tests::RunKeplo;
-using tests::TempFolder;
-
-/// An application path with a first install.
-class Install {
- public:
-  Install() { RunKeplo("install" + Option()); }
-
-  std::string Option() const { return " --app-path" + Quoted(folder_.Path()); }
-  std::filesystem::path File(const std::string& name) const { return folder_.Path() / name; }
-  std::string Config() const { return folder_.Read("keplo.cfg"); }
-
- private:
-  TempFolder folder_;
-};
 
 /// A press that no sample has learned.
 std::string NewPress(const Install& install, const std::string& name, const std::string& synth) {
@@ -127,10 +115,34 @@ TEST(Learning, NeedsTwoPressesOfAKeyThatSendsOneFrame) {
   EXPECT_EQ(twice.Out, "NEC&GREEN learned: G" + code + "\n") << twice.Err;
 }
 
+TEST(Learning, LetsNoHeldFrameConfirmItself) {
+  const Install install;
+  const std::string firstFrame = " | head -n 25";  // SONY sends each three times
+  struct Key {
+    std::string Protocol, Press, NextPress;
+  };
+  for (const Key& key : {Key{"SONY", "001000100010", "001000100010"},
+                         Key{"RC5", "11000001001001", "11100001001001"}}) {  // with the next toggle digit
+    const std::string synth = "--repeats 0 --protocol " + key.Protocol + " --code ";
+    const std::string press = NewPress(install, "press.mode2", synth + key.Press + firstFrame);
+    const std::string next = NewPress(install, "next.mode2", synth + key.NextPress + firstFrame);
+    const std::string words = " --name ONCE --protocol " + key.Protocol + install.Option();
+    const Ran once = RunKeplo("learn" + press + words);
+    EXPECT_EQ(once.Status, 1) << once.Out;
+    EXPECT_NE(once.Err.find("not yet validated"), std::string::npos) << once.Err;
+    EXPECT_EQ(json::parse(RunKeplo("record --json" + press).Out).at("repeats"), true) << "as held";
+    EXPECT_EQ(RunKeplo("learn" + press + next + words).Status, 0) << key.Protocol;
+  }
+}
+
 TEST(Learning, RefusesWithTheSentencesOfTheWindow) {
   const Install install;
   const std::string press = NewPress(install, "new.mode2", "--protocol RC5 --code 11000001001001");
   const std::string known = NewPress(install, "known.mode2", "--protocol SONY --code 101010010000");
+  std::string oddRc5;  // half bits that make no pairs
+  for (const char half : std::string("100110100100110110101101001")) oddRc5.append(16, half);
+  std::ofstream(install.File("odd.cap"), std::ios::binary)
+      << tests::Bytes(oddRc5 + std::string(1600, '0') + oddRc5);
   const std::string before = install.Config();
   struct Case {
     std::string Words;
@@ -145,6 +157,9 @@ TEST(Learning, RefusesWithTheSentencesOfTheWindow) {
        "This command name is in use for the current protocol."},
       {"learn" + known + " --protocol SONY --name OTHER", 1, "This command exist as TV_POWER"},
       {"learn" + press + " --protocol RC5", 2, "--name"},
+      {"learn" + Quoted(install.File("odd.cap")) + " --protocol RC5 --name ODD", 1,
+       "no code: some half bits"},
+      {"learn" + known + press + " --protocol RC5 --name TWO", 1, ": G101010010000 G11000001001001"},
       {"forget Template EMPTY", 1, "This protocol is read-only."},
       {"forget NEC NOTHING", 1, "NOTHING"},
       {"send NEC NOTHING", 1, "NOTHING"},
@@ -166,15 +181,59 @@ TEST(Learning, RefusesWithTheSentencesOfTheWindow) {
 
 TEST(Learning, RefusesWhatAFullFileCannotTake) {
   const Install install;
-  const std::string config = install.Config();
-  std::string full = config;
-  full.insert(config.find("[NEC]"), "# " + std::string(32'763 - config.size(), '.') + "\r\n");
-  std::ofstream(install.File("keplo.cfg"), std::ios::binary) << full;
+  const std::string full = install.FillConfig(0);
   const std::string press = NewPress(install, "new.mode2", "--protocol RC5 --code 11000001001001");
   const Ran ran = RunKeplo("learn" + press + " --protocol RC5 --name NINE" + install.Option());
   EXPECT_EQ(ran.Status, 1) << ran.Out;
   EXPECT_FALSE(ran.Err.empty());
   EXPECT_EQ(install.Config(), full);
+}
+
+TEST(Learning, TellsWhichCodesOfAnIndexWereLeftOutAndWhy) {
+  const Install install;
+  install.FillConfig(30);  // bytes for one more command, and not for two
+  std::ofstream(install.File("index.json")) << R"([
+    {"protocol":"nec","key":"TWO","bits":"10102"}, {"protocol":"rc5","key":"BLANK","bits":"11 0000000101"},
+    {"protocol":"rc5","key":"SEVEN","bits":"11100001001001"},
+    {"protocol":"rc5","key":"EIGHT","bits":"11100001001010"},
+    {"protocol":"rc5","key":"NINE","bits":"11100001001011"}])";
+  const Ran ran = RunKeplo("install --teach" + Quoted(install.File("index.json")) + install.Option());
+  EXPECT_EQ(ran.Status, 1);
+  EXPECT_NE(ran.Out.find("\n1 commands learned from"), std::string::npos) << ran.Out;
+  for (const char* told : {"index.json, entry 1: NEC&TWO was not learned:", "and not 10102",
+                           "index.json, entry 2: RC5&BLANK was not learned:", "2 more were left out, from",
+                           "index.json, entry 4 on: "}) {
+    EXPECT_NE(ran.Err.find(told), std::string::npos) << told << ": " << ran.Err;
+  }
+  EXPECT_EQ(RunKeplo("send RC5 SEVEN" + install.Option()).Status, 0);
+  EXPECT_EQ(install.Config().find("10102"), std::string::npos);
+}
+
+TEST(Learning, ExplainsPressesWithoutAnInstallAndTellsWhatIsWrongWithANamedOne) {
+  const Install install;
+  const std::string words = "' '" KEPLO_PROGRAM "' record" +
+                            NewPress(install, "press.mode2", "--protocol RC5 --code 11000001001001");
+  std::filesystem::create_directories(install.File("data/keplo/keplo.cfg"));
+  const std::vector<std::pair<std::string, std::string>> homes = {
+      {"KEPLO_HOME= XDG_DATA_HOME='" + install.File("nowhere").string(), ""},
+      {"KEPLO_HOME= XDG_DATA_HOME='" + install.File("data").string(), "keplo.cfg"},
+      {"KEPLO_HOME='" + install.File("nowhere").string(), "keplo install"}};
+  for (const auto& [home, told] : homes) {
+    const Ran ran = tests::RunShell(home + words);
+    EXPECT_EQ(ran.Status, 0) << home;
+    EXPECT_NE(ran.Out.find("code G11000001001001"), std::string::npos) << ran.Out;
+    EXPECT_TRUE(told.empty() ? ran.Err.empty() : ran.Err.find(told) != std::string::npos) << ran.Err;
+  }
+}
+
+TEST(Learning, NamesNoProtocolForAFragment) {
+  const Install install;
+  const std::string words =
+      " --hold 0" + NewPress(install, "piece.mode2", "--protocol NEC --code 100010 --repeats 0");
+  const Ran text = RunKeplo("record" + words);
+  EXPECT_NE(text.Out.find("6 bits is a fragment"), std::string::npos) << text.Out;
+  EXPECT_EQ(text.Out.find("NEC"), std::string::npos) << text.Out;
+  EXPECT_TRUE(json::parse(RunKeplo("record --json" + words).Out).at("protocol").is_null());
 }
 
 TEST(Learning, ReadsRealRecordingsOrSaysWhyNot) {

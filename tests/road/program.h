@@ -44,6 +44,28 @@ inline std::filesystem::path CapturesFolder() {
                           : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
 }
 
+/// An application path with a first install.
+class Install {
+ public:
+  Install() { RunKeplo("install" + Option()); }
+
+  std::string Option() const { return " --app-path" + Quoted(folder_.Path()); }
+  std::filesystem::path File(const std::string& name) const { return folder_.Path() / name; }
+  std::string Config() const { return folder_.Read("keplo.cfg"); }
+
+  /// Makes keplo.cfg longer, up to some bytes below its limit.
+  std::string FillConfig(std::size_t bytesLeft) const {
+    std::string full = Config();
+    const std::string comment(32'765 - bytesLeft - full.size(), '#');
+    full.insert(full.find("[NEC]"), comment + "\r\n");
+    folder_.Write("keplo.cfg", full);
+    return full;
+  }
+
+ private:
+  TempFolder folder_;
+};
+
 inline std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
   for (std::size_t begin = 0; begin < text.size();) {
