@@ -79,6 +79,48 @@ TEST_F(RecordFlow, NewCodesAreValidatedByTwoEqualPresses) {
   }
 }
 
+TEST_F(RecordFlow, NewCodesAreToldByTheirBeep) {
+  Record(NecRuns(kNecDigits));
+  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 2000 300");
+  Record(NecRuns(kNecDigits));
+  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
+}
+
+TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
+  const auto once = SonyRuns("101000100010"), held = Frames(once, 3);
+  const std::vector<std::pair<std::vector<int>, std::string>> presses = {
+      {held, "The command is not yet validated. Pres again Record button to validate"},
+      {once, "This command exist as PLAY"},
+      {held, "This command exist as PLAY"},
+  };
+  for (const auto& [press, refusal] : presses) {
+    Record(press);
+    EXPECT_EQ(CodeColour(), "plain");
+    form_->SaveCmdButton.Click();
+    EXPECT_EQ(boxes_.TakeShown(), Texts{refusal});
+  }
+}
+
+TEST_F(RecordFlow, WhatAnEarlierPressLeftIsTakenBackOrStays) {
+  Record(Rc5Runs(kRc5Digits));
+  EXPECT_EQ(form_->GType.Text(), "0");
+  Record(NecRuns(kNecDigits));
+  EXPECT_FALSE(form_->ToggleVal.Visible());
+  EXPECT_EQ(form_->GType.Text(), "1");
+  Record(Frames(NecRuns(kNecDigits), 2));
+  EXPECT_EQ(form_->GType.Text(), "2");
+  Record(Joined(SonyRuns("101000"), SonyRuns("100010")));  // a fragment has no sync type
+  EXPECT_EQ(form_->BitNr.Text() + form_->GType.Text(), "62");
+}
+
+TEST_F(RecordFlow, ASecondRecordingHasToWaitForTheFirst) {
+  bool enabled = true;
+  line_.WhileRecording = [&] { enabled = form_->RecButton.Enabled(); };
+  Record(NecRuns(kNecDigits));
+  EXPECT_FALSE(enabled);
+  EXPECT_TRUE(form_->RecButton.Enabled());
+}
+
 TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeeps) {
   Record(NecRuns(kNecDigits));  // red, so that a colour that stays would show
   line_.Calls.clear();
@@ -87,7 +129,10 @@ TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeeps) {
   EXPECT_EQ(CodeColour(), "plain");
   EXPECT_EQ(form_->CodeStr.Text() + form_->BitNr.Text() + form_->plen1.Text(), "");
 
+  Record(NecRuns("10001010"));
+  ASSERT_EQ(CodeColour(), "red");
   Record(Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)));
+  EXPECT_EQ(CodeColour(), "plain");
   EXPECT_EQ(form_->BitNr.Text() + form_->Rpt.Text() + form_->GProt.Text(), "6N");
   EXPECT_EQ(form_->GProt.BackColour(), ui::kRed);
   EXPECT_EQ(form_->CodeStr.Text(), "");
@@ -95,6 +140,8 @@ TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeeps) {
   Record(Frames(NecRuns("100010"), 4));
   EXPECT_EQ(form_->CodeStr.Text(), "G100010");
 
+  Record(NecRuns("10001010"));
+  ASSERT_EQ(CodeColour(), "red");
   Record(std::vector<int>(60, 10));
   EXPECT_EQ(form_->GProt.Text() + form_->SendPulse.Text() + form_->CodeStr.Text(), "UNK495");
   EXPECT_EQ(form_->GProt.BackColour(), ui::kRed);

@@ -48,6 +48,12 @@ class ScriptedBoxes : public ui::Boxes {
 
 class SendingLine : public FakeLine {
  public:
+  std::function<void()> WhileRecording = [] {};
+  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override {
+    WhileRecording();
+    return FakeLine::IRRecord(buffer, delay, limit);
+  }
+
   std::string Sent;  // bytes of the last transmission
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override {
     Sent = bytes;
