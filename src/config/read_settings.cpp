@@ -1,6 +1,7 @@
 #include "config/read_settings.h"
 
 #include "config/numbers.h"
+#include "config/setting_keys.h"
 
 namespace keplo {
 
@@ -32,6 +33,13 @@ constexpr Key kKeys[] = {
      [](std::string_view value, Settings& settings) { settings.VexilMode = Rounded<std::int16_t>(value); }},
 };
 
+/// Files of before the second look have no key for it, so that it may be missing and may stand anywhere in
+/// [General].
+Analysis AnalysisOf(std::string_view text) {
+  const std::optional<std::string> value = SettingValue(text, *FindSettingKey("ANALYSIS"));
+  return value && Rounded<int>(*value) == 1 ? Analysis::Second : Analysis::First;
+}
+
 }  // namespace
 
 SettingsReading ReadSettings(const CfgStore& store, Settings& settings) {
@@ -44,6 +52,7 @@ SettingsReading ReadSettings(const CfgStore& store, Settings& settings) {
     position = behind;
     key.Take(GetLineAt(store.CfgText, position), settings);
   }
+  settings.Analysis = AnalysisOf(store.CfgText);
   return {};
 }
 

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "signal/analysis.h"
+
 namespace keplo {
 
 /// The settings of the interface, from [General] of the configuration file.
@@ -14,6 +16,9 @@ struct Settings {
   std::int16_t VexilMode = 0;     // 0 no zone hardware, 1 to 8 the selected zone
   std::int16_t ReceiverKind = 0;  // 0 DCDStandard, 1 IRMouse; follows InterfaceType
   std::int16_t PluginMode = 0;    // 1 when the shell opened the main window
+
+  /// How captures are read.
+  keplo::Analysis Analysis = keplo::Analysis::First;
 };
 
 /// Receiver of an interface type: 1 for IRMouse, 0 for DCDStandard.

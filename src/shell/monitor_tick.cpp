@@ -78,7 +78,7 @@ void Keplo::ReadAndDispatch() {
   if (lastTick_.Reading.Ended != Stage::Code) return;
   // This beep says only that something was captured, before anything is known about the signal.
   if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
-  lastTick_.Reading = ReadTrimmedCapture(mod_.Signal);
+  lastTick_.Reading = ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis);
   if (lastTick_.Reading.Ended != Stage::Code) return;
 
   HostInputEvent event;

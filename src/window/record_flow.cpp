@@ -42,6 +42,11 @@ std::optional<ui::Colour> BackOf(Verdict verdict) {
 
 std::string Number(std::int16_t number) { return std::to_string(number); }
 
+/// As remotes' documentation writes an address of two numbers: "26.73".
+std::string AddressText(const CodeValues& values) {
+  return Number(values.Address) + (values.Extended ? "." + Number(*values.Extended) : "");
+}
+
 }  // namespace
 
 void Form1::RecButton_Click() {
@@ -62,7 +67,7 @@ void Form1::RecButton_Click() {
   }
   if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
   StartTrace();
-  ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured));
+  ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured, mod_.Settings.Analysis));
 }
 
 void Form1::ClearReading() {
@@ -147,7 +152,7 @@ void Form1::ShowCode(const RecordReading& reading) {
   CodeStr.SetText("G" + reading.Code);
   ToggleVal.SetVisible(reading.ProtoKind == kRc5);
   if (reading.Toggle) ToggleVal.SetText(std::string(1, *reading.Toggle));
-  AddrVal.SetText(reading.Values ? Number(reading.Values->Address) : "");
+  AddrVal.SetText(reading.Values ? AddressText(*reading.Values) : "");
   CmdVal.SetText(reading.Values ? Number(reading.Values->Command) : "");
 }
 

@@ -52,6 +52,26 @@ TEST(ReadSettings, TakesTheSixKeysInTheirOrder) {
   }
 }
 
+TEST(ReadSettings, TakesTheAnalysisFromGeneralAlone) {
+  const auto analysisOf = [](const std::string& old, const std::string& fresh) {
+    StoreOnDisk disk(Replaced(Config(""), old, fresh));
+    Settings settings;
+    EXPECT_TRUE(ReadSettings(disk.Store, settings).Complete());
+    return settings.Analysis;
+  };
+  EXPECT_EQ(analysisOf("VEXIL=", "VEXIL="), Analysis::First) << "without the key";
+  EXPECT_EQ(analysisOf("COMPORT=", "analysis=1\r\nCOMPORT="), Analysis::Second) << "ahead of the six";
+  EXPECT_EQ(analysisOf("VEXIL= 0\r\n", "VEXIL= 0\r\nANALYSIS= 1\r\n"), Analysis::Second);
+  EXPECT_EQ(analysisOf("VEXIL= 0\r\n", "VEXIL= 0\r\nANALYSIS= 0\r\n"), Analysis::First);
+  EXPECT_EQ(analysisOf("VEXIL= 0\r\n", "VEXIL= 0\r\nANALYSIS= 2\r\n"), Analysis::First);
+  EXPECT_EQ(analysisOf("[END]", "[Other]\r\nANALYSIS= 1\r\n[END]"), Analysis::First) << "in another section";
+
+  StoreOnDisk disk(Replaced(Config(""), "ITYPE=", "ANALYSIS= 1\r\nITIPE="));
+  Settings settings;
+  EXPECT_FALSE(ReadSettings(disk.Store, settings).Complete());
+  EXPECT_EQ(settings.Analysis, Analysis::First) << "the reading stopped ahead of it";
+}
+
 TEST(ReadSettings, StopsAtTheFirstTextThatIsMissing) {
   struct Case {
     std::string Old, Fresh, Missing;
