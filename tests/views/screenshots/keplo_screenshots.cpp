@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QTimer>
 #include <cstdio>
+#include <functional>
 
 #include "config/posix_file_system.h"
 #include "doubles/fake_line.h"
@@ -12,6 +13,7 @@
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
 #include "shell/keplo.h"
+#include "window/new_protocol.h"
 #include "window_scene.h"
 
 namespace keplo {
@@ -27,6 +29,18 @@ bool Save(QWidget& widget, const QString& path) {
   const bool saved = widget.grab().save(path, "PNG", 0);
   if (!saved)
     std::fprintf(stderr, "Cannot write %s: give a folder that can be written to\n", qPrintable(path));
+  return saved;
+}
+
+/// Saves the box that an action shows, and closes it.
+bool SaveBox(const QString& path, const std::function<void()>& action) {
+  bool saved = false;
+  QTimer::singleShot(0, qApp, [&] {
+    QWidget& box = *QApplication::activeModalWidget();
+    saved = Save(box, path);
+    box.close();
+  });
+  action();
   return saved;
 }
 
@@ -59,16 +73,11 @@ class Scene {
   }
 
   bool SaveDialog(const QString& path) {
-    bool saved = false;
-    QTimer::singleShot(0, qApp, [&] {
-      QWidget& dialog = *QApplication::activeModalWidget();
-      saved = Save(dialog, path);
-      dialog.close();
+    return SaveBox(path, [this] {
+      HostInputEvent event;
+      event.EventID = "102";
+      control_->InputModifyEvent(event);
     });
-    HostInputEvent event;
-    event.EventID = "102";
-    control_->InputModifyEvent(event);
-    return saved;
   }
 
  private:
@@ -110,11 +119,85 @@ bool SaveWindow(const QDir& folder) {
   return save("window_large_letters.png") && saved;
 }
 
+/// The protocol dialog as an action opens it.
+bool SaveProtocolDialog(tests::WindowScene& scene, const QString& path, void (Form1::*open)()) {
+  (scene.Form().*open)();
+  QCoreApplication::processEvents();
+  bool saved = false;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->objectName() == QLatin1String("NewProtocol") && window->isVisible())
+      saved = Save(*window, path);
+  }
+  scene.Form().UnloadProtocolDialog();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  return saved;
+}
+
+/// The protocol dialog: from the defaults, for a protocol that there is, and for a recording.
+bool SaveProtocolDialogs(const QDir& folder) {
+  tests::WindowScene scene;
+  const auto save = [&](const char* file, void (Form1::*open)()) {
+    return SaveProtocolDialog(scene, folder.filePath(QLatin1String(file)), open);
+  };
+  bool saved = save("protocol_dialog.png", &Form1::FileNewMenu_Click);
+  saved = save("protocol_dialog_edit.png", &Form1::EditMenu_Click) && saved;
+  {
+    const tests::UserLooks dark(1, true);
+    saved = save("protocol_dialog_dark.png", &Form1::FileNewMenu_Click) && saved;
+  }
+  {
+    const tests::UserLooks large(2, false);
+    saved = save("protocol_dialog_large_letters.png", &Form1::FileNewMenu_Click) && saved;
+  }
+  scene.Form().Protocol.SelectText(kRecorded);
+  scene.Record();
+  return save("protocol_dialog_recording.png", &Form1::FileNewMenu_Click) && saved;
+}
+
+/// What the main window asks and tells in boxes.
+bool SaveBoxes(const QDir& folder) {
+  tests::WindowScene scene;
+  Form1& form = scene.Form();
+  const auto save = [&](const char* file, const std::function<void()>& action) {
+    return SaveBox(folder.filePath(QLatin1String(file)), action);
+  };
+  bool saved = save("procdelay.png", [&] { form.MenuProcDelay_Click(); });
+  saved = save("about.png", [&] { form.AboutMenu_Click(); }) && saved;
+  saved = save("calibration.png", [&] { form.CalibrationMenu_Click(); }) && saved;
+  scene.Record();
+  scene.Record();
+  saved = save("command_name.png", [&] { form.SaveCmdButton_Click(); }) && saved;
+  form.FileNewMenu_Click();
+  saved = save("protocol_question.png", [&] { form.ProtocolDialog()->CreateButton_Click(); }) && saved;
+  form.UnloadProtocolDialog();
+
+  return save("configuration_error.png", [&] { scene.LoadDamagedFile(); }) && saved;
+}
+
+/// The main window while it waits for a remote.
+bool SaveWaits(const QDir& folder) {
+  tests::WindowScene scene;
+  bool saved = true;
+  const auto saveAt = [&](int capture, const char* file) {
+    scene.Line().OnListen = [&, capture, file]() mutable {
+      if (--capture > 0) return;
+      QCoreApplication::processEvents();
+      saved = Save(scene.View(), folder.filePath(QLatin1String(file))) && saved;
+      scene.Line().OnListen = nullptr;
+    };
+  };
+  saveAt(1, "window_recording.png");
+  scene.Record();
+  saveAt(3, "window_calibrating.png");
+  scene.Calibrate();
+  return saved;
+}
+
 }  // namespace
 }  // namespace keplo
 
-/// Draws the control, the event dialog and the main window, light and dark, into the folder of the first
-/// argument. Style, font and colours are fixed, so that the pictures change only when the views do.
+/// Draws every window, dialog and box into the folder of the first argument. Style, font and colours are
+/// fixed, so that the pictures change only when the views do.
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication::setStyle(QStringLiteral("Fusion"));
@@ -131,6 +214,9 @@ int main(int argc, char** argv) {
   bool saved = scene.SaveControl(folder.filePath(QStringLiteral("control.png")));
   saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog.png"))) && saved;
   saved = keplo::SaveWindow(folder) && saved;
+  saved = keplo::SaveProtocolDialogs(folder) && saved;
+  saved = keplo::SaveBoxes(folder) && saved;
+  saved = keplo::SaveWaits(folder) && saved;
   QApplication::setPalette(keplo::tests::DarkPalette());
   saved = scene.SaveControl(folder.filePath(QStringLiteral("control_dark.png"))) && saved;
   saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog_dark.png"))) && saved;

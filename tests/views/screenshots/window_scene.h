@@ -2,8 +2,10 @@
 
 #include <QPushButton>
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "config/config_builder.h"
 #include "config/posix_file_system.h"
@@ -14,6 +16,30 @@
 #include "signal/signal_builder.h"
 
 namespace keplo::tests {
+
+/// A line that lets a picture be taken while it listens.
+class WatchedLine : public FakeLine {
+ public:
+  std::function<void()> OnListen;
+
+  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override {
+    if (OnListen) OnListen();
+    return FakeLine::IRRecord(buffer, delay, limit);
+  }
+};
+
+/// Boxes that come up unless they are told to agree to everything.
+class SceneBoxes : public qt::QtBoxes {
+ public:
+  bool Agrees = false;
+
+  void Message(std::string_view text, std::string_view title) override {
+    if (!Agrees) QtBoxes::Message(text, title);
+  }
+  bool Confirm(std::string_view text, std::string_view title) override {
+    return Agrees || QtBoxes::Confirm(text, title);
+  }
+};
 
 /// The main window with a remote that its configuration does not know.
 class WindowScene {
@@ -33,9 +59,27 @@ class WindowScene {
   }
 
   QWidget& View() { return *view_; }
+  Form1& Form() { return form_; }
+  WatchedLine& Line() { return line_; }
   void Click(const char* button) {
     view_->findChild<QPushButton*>(QLatin1String(button))->click();
     QCoreApplication::processEvents();
+  }
+  /// Calibrates with a key that is held while a delay too short, two good ones and one too long are tried.
+  void Calibrate() {
+    for (const int base : {11, 10, 10, 9}) {
+      std::vector<int> runs;
+      for (int pair = 0; pair < 24; ++pair) runs.insert(runs.end(), 2, base + pair % 2);
+      line_.Captures.push_back(Padded(Bytes(Runs(runs)), 100));
+    }
+    boxes_.Agrees = true;
+    form_.CalibrationMenu_Click();
+    boxes_.Agrees = false;
+  }
+  /// Starts on a file that cannot be used.
+  void LoadDamagedFile() {
+    folder_.Write("keplo.cfg", "[General]\r\n");
+    form_.Form_Load();
   }
   void Record() {
     line_.Captures.push_back(Bytes(Runs(NecRuns("00000000111111110110100010010111"))));
@@ -45,8 +89,8 @@ class WindowScene {
  private:
   TempFolder folder_;
   PosixFileSystem files_;
-  FakeLine line_;
-  qt::QtBoxes boxes_;
+  WatchedLine line_;
+  SceneBoxes boxes_;
   KeploMod mod_{folder_.Path(), files_};
   Form1 form_{mod_, line_, boxes_};
   std::unique_ptr<qt::Form1View> view_;
