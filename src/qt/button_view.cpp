@@ -13,6 +13,24 @@ namespace {
 // Pixels between caption and edge, to either side.
 constexpr int kRoomAcross = 3, kRoomDown = 1;
 
+// An event loop without glib serves the timers ahead of the input, so the second turn is the first that is
+// behind all waiting input with any loop.
+constexpr int kTurnsToDrop = 2;
+
+bool IsPress(QEvent::Type type) {
+  switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 ButtonView::ButtonView(ui::Button& model, const QString& caption, QWidget* parent)
@@ -20,11 +38,18 @@ ButtonView::ButtonView(ui::Button& model, const QString& caption, QWidget* paren
   setAutoDefault(true);  // Enter clicks the button that has the focus
   Redraw();
   connect(this, &QPushButton::clicked, this, [this] { Click(); });
+  connect(&dropping_, &QTimer::timeout, this, [this] {
+    if (--turnsToDrop_ == 0) dropping_.stop();
+  });
 }
 
 QSize ButtonView::sizeHint() const {
   if (text().isEmpty()) return {};
   return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * kRoomAcross, 2 * kRoomDown);
+}
+
+bool ButtonView::event(QEvent* event) {
+  return (dropping_.isActive() && IsPress(event->type())) || QPushButton::event(event);
 }
 
 void ButtonView::Click() {
@@ -51,6 +76,8 @@ void ButtonView::ShowWork(bool working) {
     window()->repaint();
   } else {
     QApplication::restoreOverrideCursor();
+    turnsToDrop_ = kTurnsToDrop;
+    dropping_.start(0);
   }
 }
 

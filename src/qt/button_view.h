@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPushButton>
+#include <QTimer>
 
 #include "qt/model_link.h"
 #include "ui/button.h"
@@ -9,12 +10,16 @@ namespace keplo::qt {
 
 /// A push button over its model, with less room around its caption than a dialog's buttons have. A click
 /// that takes its time disables the button: the window is drawn then, and the cursor tells that it is busy.
+/// What is pressed on the button meanwhile waits in the event loop, and is dropped.
 class ButtonView : public QPushButton {
  public:
   ButtonView(ui::Button& model, const QString& caption, QWidget* parent);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
+
+ protected:
+  bool event(QEvent* event) override;
 
  private:
   void Redraw();
@@ -25,6 +30,8 @@ class ButtonView : public QPushButton {
   bool inClick_ = false;
   bool working_ = false;
   bool hadFocus_ = false;
+  QTimer dropping_;  // running while input that came during the work may still be waiting
+  int turnsToDrop_ = 0;
   ModelLink link_;
 };
 

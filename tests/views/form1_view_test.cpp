@@ -38,7 +38,11 @@ class MainWindowOnScreen : public tests::WindowTest {
     return *view_->findChild<Widget*>(QString::fromStdString(std::string(name)));
   }
 
-  void Click(const char* button) { QTest::mouseClick(&Find(button), Qt::LeftButton); }
+  /// A click of a user who waits until the window has dealt with the last one.
+  void Click(const char* button) {
+    for (int turn = 0; turn < 4; ++turn) QCoreApplication::processEvents();
+    QTest::mouseClick(&Find(button), Qt::LeftButton);
+  }
 
   void PressRemote(const std::string& digits = kDigits) {
     line_.Captures.push_back(tests::Bytes(tests::Runs(tests::NecRuns(digits))));
