@@ -142,6 +142,7 @@ int Delete(const ProtocolWords& words) {
 
 CLI::Option* AddGenericOption(CLI::App& command, ProtocolWords& words) {
   std::vector<std::string> names;
+  names.reserve(kGenericProtocols.size());
   for (const GenericProtocol& generic : kGenericProtocols) names.emplace_back(generic.Name);
   return command.add_option("--gproto", words.Generic, "Generic protocol that it is built on")
       ->check(CLI::IsMember(names, CLI::ignore_case));

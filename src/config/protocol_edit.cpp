@@ -151,9 +151,8 @@ std::string ParameterLines(const ProtocolDraft& draft) {
 }
 
 /// Saves a text with the protocol of an index as the one that the window starts with.
-void SaveWithCurrent(CfgStore& store, std::string text, std::ptrdiff_t index) {
-  const std::optional<std::string> changed = WithGeneralValue(text, "PROTOCOL", std::to_string(index));
-  ReplaceAndSave(store, changed ? *changed : std::move(text));
+void SaveWithCurrent(CfgStore& store, const std::string& text, std::ptrdiff_t index) {
+  ReplaceAndSave(store, WithGeneralValue(text, "PROTOCOL", std::to_string(index)).value_or(text));
 }
 
 }  // namespace
@@ -236,9 +235,9 @@ ProtocolRefusal AddProtocol(CfgStore& store, ProtocolDraft draft) {
   if (refusal != ProtocolRefusal::None) return refusal;
   const std::optional<Splice> change = NewSection(store.CfgText, draft);
   if (!change) return ProtocolRefusal::NoTemplate;
-  std::string text = change->In(store.CfgText);
+  const std::string text = change->In(store.CfgText);
   const std::vector<std::string> names = ListProtocols(text);
-  SaveWithCurrent(store, std::move(text), std::find(names.begin(), names.end(), draft.Name) - names.begin());
+  SaveWithCurrent(store, text, std::find(names.begin(), names.end(), draft.Name) - names.begin());
   return ProtocolRefusal::None;
 }
 

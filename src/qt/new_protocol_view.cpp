@@ -102,13 +102,12 @@ void NewProtocolPlace::Update() {
   }
   window_.show();
   window_.activateWindow();
-  if (view_) view_->hide();
   view_.reset();
 }
 
 void NewProtocolPlace::ShowDialog(NewProtocol& dialog) {
   view_.reset(new NewProtocolView(dialog));
-  view_->adjustSize();
+  view_->resize(view_->sizeHint());  // adjustSize stops at two thirds of the screen
   view_->move(window_.geometry().center() - view_->rect().center());
   view_->show();
   view_->activateWindow();

@@ -32,8 +32,12 @@ class NewProtocolPlace {
   NewProtocolPlace(Form1& form, QWidget& window);
 
  private:
-  struct DeleteLater {
-    void operator()(NewProtocolView* view) const { view->deleteLater(); }
+  /// A view may be ended by its own handlers.
+  struct HideAndDeleteLater {
+    void operator()(NewProtocolView* view) const {
+      view->hide();
+      view->deleteLater();
+    }
   };
 
   void Update();
@@ -41,7 +45,7 @@ class NewProtocolPlace {
 
   Form1& form_;
   QWidget& window_;
-  std::unique_ptr<NewProtocolView, DeleteLater> view_;  // its own handlers may end it
+  std::unique_ptr<NewProtocolView, HideAndDeleteLater> view_;
   ModelLink link_;
 };
 

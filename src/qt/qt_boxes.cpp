@@ -11,8 +11,26 @@ namespace keplo::qt {
 
 namespace {
 
+// Digits behind which a pattern may go on in the next line: a sync may be longer than any box is wide.
+constexpr int kLongestPart = 16;
+constexpr QChar kMayBreak(0x200B);
+
+QString WithBreaks(const QString& text) {
+  QString broken;
+  int part = 0;
+  for (const QChar letter : text) {
+    part = letter == QLatin1Char('0') || letter == QLatin1Char('1') ? part + 1 : 0;
+    if (part > kLongestPart) {
+      broken += kMayBreak;
+      part = 1;
+    }
+    broken += letter;
+  }
+  return broken;
+}
+
 QString Lines(std::string_view text) {
-  return ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  return WithBreaks(ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
 }
 
 /// The usual cursor over a box that comes up while the program is busy.

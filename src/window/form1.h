@@ -102,6 +102,9 @@ class Form1 : public ui::Window {
   void UnloadProtocolDialog();
   /// Selects a protocol and runs Protocol_Click even if it is selected already.
   void MakeProtocolCurrent(int index);
+  /// Runs a change of the configuration and tells the user what failed.
+  /// @return true if nothing did
+  bool Told(const std::function<void()>& action);
   /// Runs when the protocol dialog has come or gone; a view puts the one in the place of the other.
   std::function<void()> OnProtocolDialog;
 
@@ -147,9 +150,6 @@ class Form1 : public ui::Window {
   void Beep(std::int32_t frequency, std::int32_t duration);
   void Tell(std::string_view text);
   bool Ask(std::string_view text);
-  /// Tells the user what failed.
-  /// @return true if nothing did
-  bool Told(const std::function<void()>& action);
 
   bool ByShell() const;
   void ShowMode();

@@ -9,7 +9,6 @@
 #include "config/generic_protocols.h"
 #include "config/numbers.h"
 #include "config/protocols.h"
-#include "failure.h"
 #include "window/form1.h"
 
 namespace keplo {
@@ -209,14 +208,9 @@ bool NewProtocol::Agreed(const std::string& block) {
 bool NewProtocol::Saved(std::string text) {
   CfgStore& store = mod_.Store;
   const std::string before = store.CfgText;
-  try {
-    ReplaceAndSave(store, std::move(text));
-    return true;
-  } catch (const Failure& failure) {
-    Tell(failure.what());
-    // A failure at the very end of a save leaves the new text in place.
-    return store.CfgText != before;
-  }
+  const bool done = form_.Told([&] { ReplaceAndSave(store, std::move(text)); });
+  // A failure at the very end of a save leaves the new text in place.
+  return done || store.CfgText != before;
 }
 
 bool NewProtocol::ListProtocolsAgain(std::string_view current) {
