@@ -51,7 +51,7 @@ class Client {
   bool connected_ = false;
 };
 
-/// The host program, headless, on an application path.
+/// The host program on an application path.
 class RunningHost {
  public:
   explicit RunningHost(const ApplicationPath& app) : app_(app) {
@@ -74,13 +74,11 @@ class RunningHost {
     process_.setProcessEnvironment(environment);
   }
 
+  /// Starts it without a window, with its pages at any port.
   void Start(const std::vector<std::string>& options) {
-    QStringList arguments{"--headless", "--http-port", "0", "--app-path",
-                          QString::fromStdString(app_.Path().string())};
-    for (const std::string& option : options) arguments << QString::fromStdString(option);
-    process_.start(KEPLO_HOST, arguments);
-    ASSERT_TRUE(process_.waitForStarted());
+    StartWith({"--headless", "--http-port", "0"}, options);
   }
+  void StartWithWindow(const std::vector<std::string>& options) { StartWith({"--no-http"}, options); }
 
   /// Waits until the host has written a line with a text.
   /// @return what follows the text
@@ -117,6 +115,12 @@ class RunningHost {
   }
 
  private:
+  void StartWith(QStringList arguments, const std::vector<std::string>& options) {
+    arguments << "--app-path" << QString::fromStdString(app_.Path().string());
+    for (const std::string& option : options) arguments << QString::fromStdString(option);
+    process_.start(KEPLO_HOST, arguments);
+    ASSERT_TRUE(process_.waitForStarted());
+  }
   std::string OutputFile() const { return (app_.Path() / "output.txt").string(); }
 
   const ApplicationPath& app_;

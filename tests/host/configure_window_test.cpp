@@ -1,0 +1,78 @@
+#include <optional>
+
+#include "doubles/outside_screen.h"
+#include "host/running_host.h"
+
+namespace keplo::tests {
+
+namespace {
+
+/// The host program with its window, used as a person uses it.
+class ConfigureWindowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (const std::string missing = OutsideScreen::Missing(); !missing.empty()) {
+      GTEST_SKIP() << "needs " << missing;
+    }
+    screen_.emplace();
+    app_.AddEvents({kPowerEvent});
+    host_.Set("DISPLAY", screen_->Display());
+    host_.Set("QT_QPA_PLATFORM", "xcb");
+    host_.Set("QT_SCALE_FACTOR", "1");
+  }
+
+  /// Waits for one more event than there have been.
+  bool EventComes() const {
+    const std::size_t before = host_.Output().size();
+    return Until([&] { return host_.Output().size() > before; });
+  }
+
+  /// The part of the host's window, below its menu, that the status panel lies in.
+  ScreenPart Panel() const {
+    constexpr ScreenPart kInWindow{10, 40, 330, 110};
+    const ScreenPart window = screen_->PartOf(screen_->Focus("^InputKeplo$"));
+    return {window.X + kInWindow.X, window.Y + kInWindow.Y, kInWindow.Width, kInWindow.Height};
+  }
+
+  /// Chooses a port of the list in the configuration window, by keys.
+  bool Configure(const std::string& keysInPorts) {
+    if (screen_->Focus("^InputKeplo$").empty()) return false;
+    screen_->Keys("alt+p Return");
+    if (screen_->Focus("Configuration").empty()) return false;
+    screen_->Keys("Tab Tab Tab " + keysInPorts);  // behind Send, Record and the pulse length
+    screen_->Keys("shift+Tab shift+Tab shift+Tab shift+Tab Return");  // OK, the last stop
+    return Until([&] { return screen_->Windows("Configuration").empty(); });
+  }
+
+  bool FileHolds(const std::string& text) const {
+    return Until([&] { return app_.Read("app/keplo.cfg").find(text) != std::string::npos; });
+  }
+
+  std::optional<OutsideScreen> screen_;
+  ApplicationPath app_;
+  RunningHost host_{app_};
+};
+
+TEST_F(ConfigureWindowTest, GoesOnWithThePortThatTheUserChose) {
+  host_.StartWithWindow({"--json", "--real-time", "--replay", app_.Presses("nec_tv_power", 500)});
+  ASSERT_TRUE(EventComes());
+  const Picture onFirstPort = screen_->LookUntil(Panel(), [](const Picture&) { return true; });
+
+  ASSERT_TRUE(Configure("Down Down Down"));
+  EXPECT_TRUE(FileHolds("COMPORT= 4\r\n")) << app_.Read("app/keplo.cfg");
+  EXPECT_FALSE(screen_->LookUntil(Panel(), [&](const Picture& now) { return now != onFirstPort; }).empty());
+  EXPECT_TRUE(EventComes());
+
+  ASSERT_TRUE(Configure("Up Up Up"));
+  EXPECT_TRUE(FileHolds("COMPORT= 1\r\n")) << app_.Read("app/keplo.cfg");
+  EXPECT_FALSE(screen_->LookUntil(Panel(), [&](const Picture& now) { return now == onFirstPort; }).empty());
+  EXPECT_TRUE(EventComes());
+
+  screen_->Focus("^InputKeplo$");
+  screen_->Keys("ctrl+q");
+  EXPECT_EQ(host_.Wait(), 0) << host_.Log();
+}
+
+}  // namespace
+
+}  // namespace keplo::tests
