@@ -55,6 +55,8 @@ SectionWalk WalkSections(std::string_view text) {
   return walk;
 }
 
+bool IsWhole(std::string_view text) { return WalkSections(text).Ended == WalkEnd::ClosingHeader; }
+
 std::vector<std::string> ListProtocols(std::string_view text) { return WalkSections(text).Names; }
 
 bool LoadProtocolParams(std::string_view text, std::string_view protocol, ProtocolParams& params,

@@ -24,6 +24,10 @@ struct SectionWalk {
 /// The sections behind [General] up to [END], in the order of the file. Template is one of them.
 SectionWalk WalkSections(std::string_view text);
 
+/// Whether the sections can be walked to their end. A save cuts the text behind its last header, so that one
+/// which is not whole must not be written back.
+bool IsWhole(std::string_view text);
+
 /// The names of WalkSections, however the walk ended.
 std::vector<std::string> ListProtocols(std::string_view text);
 

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cerrno>
 #include <exception>
+#include <utility>
 
+#include "config/protocols.h"
 #include "events/event_query.h"
 #include "events/recordset.h"
 #include "keplo_mod.h"
@@ -109,19 +112,35 @@ std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
 }
 
 void Keplo::OpenMainWindow() {
+  if (windowOpen_) return;
   Timer1.SetEnabled(false);  // only the window touches line and text while it is open
   mod_.Settings.PluginMode = 1;
+  windowOpen_ = true;
   try {
     if (windows_.OpenMainWindow) windows_.OpenMainWindow();
   } catch (const std::exception& failure) {
     ReportFailure("OpenMainWindow", failure);  // monitoring goes on as behind a window that was closed
   }
+  windowOpen_ = false;
+}
+
+void Keplo::SetTimer() { Timer1.SetEnabled(Monitoring && !terminated_ && !windowOpen_); }
+
+void Keplo::SaveConfiguration() try {
+  if (IsWhole(mod_.Store.CfgText)) SaveConfig(mod_.Store);
+  if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
+    throw Failure(ESTALE, mod_.Store.Path.string() +
+                              " had been changed by another program. What it wrote is kept in " +
+                              aside.string() + "; take its new commands and settings over from there.");
+  }
+} catch (const std::exception& failure) {
+  ReportFailure("InputConfigurePlugin", failure);
 }
 
 bool Keplo::InputCallMenuItem(std::int16_t index) {
   if (index == 0) OpenMainWindow();
   if (Monitoring) SetRestingLines();
-  Timer1.SetEnabled(Monitoring);
+  SetTimer();
   RefreshStatusPanel();
   return true;
 }
@@ -136,12 +155,8 @@ std::int32_t Keplo::InputConfigurePlugin() {
       line_.DTR(-1);
     }
   }
-  try {
-    SaveConfig(mod_.Store);
-  } catch (const std::exception& failure) {
-    ReportFailure("InputConfigurePlugin", failure);
-  }
-  Timer1.SetEnabled(Monitoring);
+  SaveConfiguration();
+  SetTimer();
   return kDone;
 }
 

@@ -102,7 +102,7 @@ std::int32_t Keplo::InputStartMonitoring() {
   RefreshStatusPanel();
   line_.RTS(-1);
   terminated_ = false;
-  Timer1.SetEnabled(true);
+  SetTimer();
   return 1;
 }
 

@@ -134,6 +134,8 @@ class Keplo {
   void Capture();
   void ReadAndDispatch();
   void OpenMainWindow();
+  void SetTimer();
+  void SaveConfiguration();
   void RaiseError(HostErrorRecord& record) const;
   void SwitchSelectedEvent(bool enabled);
 
@@ -148,6 +150,7 @@ class Keplo {
   bool Monitoring = false;
   bool inTick_ = false;
   bool terminated_ = false;
+  bool windowOpen_ = false;
   TickReport lastTick_;
 };
 

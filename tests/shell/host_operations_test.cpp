@@ -157,6 +157,43 @@ TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
   EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
 }
 
+TEST_F(HostOperations, OneWindowAtATimeAndNoTickBelowIt) {
+  Keplo& control = Start();
+  int opened = 0;
+  mainWindow_ = [&] {
+    if (++opened > 1) return;
+    control.InputCallMenuItem(0);
+    control.InputConfigurePlugin();
+    control.InputStartMonitoring();
+    EXPECT_FALSE(control.Timer1.Enabled());
+  };
+  mod_->Settings.ReceiverKind = 0;
+  EXPECT_EQ(control.InputConfigurePlugin(), 1);
+  EXPECT_EQ(opened, 1);
+  EXPECT_TRUE(control.Timer1.Enabled());
+  EXPECT_EQ(std::count(line_.Calls.begin(), line_.Calls.end(), "DTR -1"), 0) << "the standard receiver";
+  mainWindow_ = [&] { control.InputTerminate(); };
+  control.InputCallMenuItem(0);
+  EXPECT_FALSE(control.Timer1.Enabled()) << "the port is closed";
+}
+
+TEST_F(HostOperations, SavesNeitherADamagedTextNorOverAnotherProgramUntold) {
+  Keplo& control = Start();
+  control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
+    errors_.push_back(record.ErrorDescription);
+  };
+  const std::string whole = mod_->Store.CfgText;
+  folder_.Write("keplo.cfg", "of another program");
+  control.InputConfigurePlugin();
+  ASSERT_EQ(errors_.size(), 1U);
+  EXPECT_NE(errors_[0].find("keplo.cfg.other-1"), std::string::npos) << errors_[0];
+  EXPECT_EQ(folder_.Read("keplo.cfg.other-1"), "of another program");
+
+  mod_->Store.CfgText = whole.substr(0, whole.find("[END]"));
+  control.InputConfigurePlugin();
+  EXPECT_EQ(folder_.Read("keplo.cfg"), whole) << "a save would cut the last section";
+}
+
 TEST_F(HostOperations, MonitoringGoesOnWhateverFailsAroundTheWindow) {
   Keplo& control = Start();
   mainWindow_ = [] { throw Failure(7, "no window"); };
