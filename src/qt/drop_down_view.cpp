@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <algorithm>
+#include <utility>
 
 #include "qt/control_look.h"
 #include "qt/text.h"
@@ -14,7 +15,13 @@ DropDownView::DropDownView(ui::DropDownList& model, QWidget* parent)
     : QComboBox(parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
   Redraw();
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
-    if (link_.Alive()) model_.Select(index);
+    if (!link_.Alive()) return;
+    changed_ = true;
+    model_.Select(index);
+  });
+  connect(this, &QComboBox::activated, this, [this](int index) {
+    const bool told = std::exchange(changed_, false);
+    if (!told && link_.Alive()) model_.Pick(index);
   });
 }
 

@@ -21,6 +21,7 @@ class DropDownView : public QComboBox {
 
   ui::DropDownList& model_;
   std::vector<std::string> shown_;
+  bool changed_ = false;  // by the click that is about to be told
   ModelLink link_;
 };
 

@@ -29,6 +29,14 @@ void DropDownList::Select(int index) {
   if (OnClick) OnClick();
 }
 
+void DropDownList::Pick(int index) {
+  if (index != listIndex_) {
+    Select(index);
+  } else if (index != kNoSelection && OnClick) {
+    OnClick();
+  }
+}
+
 bool DropDownList::SelectText(std::string_view text) {
   const auto found = std::find(entries_.begin(), entries_.end(), text);
   if (found == entries_.end()) return false;
