@@ -11,15 +11,16 @@ _keplo() {
   esac
   local words
   case $COMP_CWORD,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol send calibrate synth --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth --help --version' ;;
     2,protocol) words='add edit delete --help' ;;
     2,events) words='list add delete enable disable --help' ;;
     *,install) words='--app-path --teach --help' ;;
-    *,decode) words='--json --sample-time --no-shape --hold --help' ;;
+    *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,monitor) words='--app-path --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events) words='--app-path --json --each --id --name --description --zone --disabled --help' ;;
-    *,record) words='--json --app-path --sample-time --no-shape --hold --help' ;;
+    *,record) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,learn) words='--protocol --name --app-path --sample-time --no-shape --hold --help' ;;
+    2,settings) words='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS --app-path --help' ;;
     *,protocols) words='--json --app-path --help' ;;
     *,protocol) words='--gproto --description --sendpls --repeat --grepeat --bitg --bit0 --bit1 --yes --app-path --help' ;;
     *,send) words='--out --pulse --count --code --protocol --app-path --help' ;;

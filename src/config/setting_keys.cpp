@@ -34,12 +34,23 @@ constexpr auto kKeys = std::to_array<SettingKey>({
     {"ANALYSIS", "0 for the first analysis, 1 for the second look", Within<0, 1>},
 });
 
-/// The position behind a key's = inside [General].
+/// The key that files of before the second look do not have, and that may stand anywhere in [General].
+bool IsLate(const SettingKey& key) { return key.Name == "ANALYSIS"; }
+
+/// The position behind a key's = inside [General], where a start-up reads it.
 int PlaceOf(std::string_view text, const SettingKey& key) {
   const std::optional<Section> general = FindSection(text, "General");
   if (!general) return kNowhere;
-  const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(general->End - 1));
-  return FindNoCase("\n" + std::string(key.Name) + "=", upToNext, general->Begin);
+  if (IsLate(key)) {
+    const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(general->End - 1));
+    return FindNoCase("\n" + std::string(key.Name) + "=", upToNext, general->Begin);
+  }
+  int position = general->Begin;
+  for (const SettingKey& each : kKeys) {
+    if (position != kNowhere) position = FindNoCase(std::string(each.Name) + "=", text, position);
+    if (each.Name == key.Name) break;
+  }
+  return position;
 }
 
 }  // namespace
@@ -60,7 +71,9 @@ std::optional<std::string> SettingValue(std::string_view text, const SettingKey&
 
 bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number) {
   const std::string value = std::to_string(number);
-  if (PlaceOf(store.CfgText, key) != kNowhere) return SetGeneralValue(store, key.Name, value);
+  if (PlaceOf(store.CfgText, key) != kNowhere || !IsLate(key)) {
+    return SetGeneralValue(store, key.Name, value);
+  }
   const int last = PlaceOf(store.CfgText, *FindSettingKey("VEXIL"));
   const int lineEnd = SeekForward(store.CfgText, last, '\n');
   if (last == kNowhere || lineEnd == kNowhere) return false;
