@@ -84,20 +84,21 @@ int Refuse(const std::string& text) {
   return kNoResult;
 }
 
-int Save(std::int16_t delay, CfgStore& store) {
-  try {
-    if (!SetGeneralValue(store, "PROCDELAY", std::to_string(delay)))
-      return Refuse(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
-  } catch (const Failure& failure) {
-    return Refuse(failure.what());
-  }
+int Save(std::int16_t delay, const CalibrateOptions& options) try {
+  OpenConfig config(options.AppPath);
+  config.RequireWhole();
+  CfgStore& store = config.Mod.Store;
+  if (!SetGeneralValue(store, "PROCDELAY", std::to_string(delay)))
+    return Refuse(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
   std::cout << "saved in " << store.Path.string() << '\n';
   return kDone;
+} catch (const Failure& failure) {
+  return Refuse(failure.what());
 }
 
 int Calibrate(const CalibrateOptions& options) {
-  std::optional<OpenConfig> config;
-  if (!options.DryRun) config.emplace(options.AppPath).RequireWhole();
+  // Whoever holds the key should not do so for a file that cannot take the result.
+  if (!options.DryRun) OpenConfig(options.AppPath).RequireWhole();
   std::vector<Recording> recordings;
   for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
   const std::int16_t receiver = 0;  // calibration captures alike for both
@@ -109,7 +110,8 @@ int Calibrate(const CalibrateOptions& options) {
     return Refuse(Sentences(course) + (why.empty() ? "" : "\nkeplo: " + why));
   }
   std::cout << Sentences(course) << '\n';
-  return config ? Save(course.Delay, config->Mod.Store) : kDone;
+  if (options.DryRun) return kDone;
+  return AmongOthers([&] { return Save(course.Delay, options); });
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "cli/app_path.h"
 #include "cli/commands.h"
+#include "cli/open_map.h"
 #include "cli/teach.h"
 #include "config/posix_file_system.h"
 #include "install/first_install.h"
@@ -34,7 +35,7 @@ void AddInstallCommand(CLI::App& app, int& status) {
   AddAppPathOption(*command, options->AppPath);
   command->add_option("--teach", options->Index, "Learn the codes of this index file (JSON) as well")
       ->check(CLI::ExistingFile);
-  command->callback([options, &status] { status = Install(*options); });
+  command->callback([options, &status] { status = AmongOthers([&] { return Install(*options); }); });
 }
 
 }  // namespace keplo::cli
