@@ -122,28 +122,39 @@ void Form1View::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-bool ShowUntilHidden(Form1& form, QWidget* parent) {
-  const std::unique_ptr<Form1View> view = std::make_unique<Form1View>(form);
-  if (!form.Form_Load()) return false;
+namespace {
+
+void ShowUntilHidden(Form1& form, Form1View& view) {
   QEventLoop untilHidden;
   const ModelLink hideLink(form.OnHide, [&] {
-    view->hide();
+    view.hide();
     untilHidden.quit();
   });
-  if (parent != nullptr) view->setWindowModality(Qt::ApplicationModal);
-  view->show();
-  if (parent != nullptr && parent->window()->windowHandle() != nullptr) {
-    view->windowHandle()->setTransientParent(parent->window()->windowHandle());
-  }
+  view.show();
   untilHidden.exec();
   form.Form_Unload();
+}
+
+}  // namespace
+
+bool ShowUntilHidden(Form1& form) {
+  Form1View view(form);
+  if (!form.Form_Load()) return false;
+  ShowUntilHidden(form, view);
   return true;
 }
 
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
-  ShowUntilHidden(form, parent);
+  Form1View view(form);
+  if (!form.Form_Load()) return;
+  view.setWindowModality(Qt::ApplicationModal);
+  if (parent != nullptr && parent->window()->windowHandle() != nullptr) {
+    view.winId();  // makes the window handle
+    view.windowHandle()->setTransientParent(parent->window()->windowHandle());
+  }
+  ShowUntilHidden(form, view);
 }
 
 }  // namespace keplo::qt

@@ -50,11 +50,11 @@ class Form1View : public QWidget {
 };
 
 /// Brings a window up and shows it until its form takes it off the screen.
-/// @param parent whose window has to wait; null for the window of a program of its own
 /// @return false if the form could not be loaded
-bool ShowUntilHidden(Form1& form, QWidget* parent);
+bool ShowUntilHidden(Form1& form);
 
-/// Shows the main window over another one, modally, until the user leaves it.
+/// Shows the main window of a host modally until the user leaves it.
+/// @param parent it stands over; may be null
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent);
 
 }  // namespace keplo::qt

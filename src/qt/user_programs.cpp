@@ -1,5 +1,7 @@
 #include "qt/user_programs.h"
 
+#include <dlfcn.h>
+
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
@@ -11,17 +13,37 @@ namespace keplo::qt {
 
 namespace {
 
-/// The manual as it lies beside an installed program, and beside one that was built in its source tree.
-constexpr const char* kManuals[] = {"/../share/doc/keplo/help/index.html", "/../../../docs/help/index.html"};
+/// The manual as it lies beside an installed program or component, and beside one that was built in its
+/// source tree.
+constexpr const char* kManuals[] = {
+    "/../share/doc/keplo/help/index.html", "/../../share/doc/keplo/help/index.html",
+    "/../../../share/doc/keplo/help/index.html", "/../../../docs/help/index.html"};
+
+/// The folder of the file that this code was loaded from: a component may lie apart from its host.
+QString OwnFolder() {
+  Dl_info loaded{};
+  if (dladdr(reinterpret_cast<const void*>(&OwnFolder), &loaded) == 0) return {};
+  return QFileInfo(QString::fromLocal8Bit(loaded.dli_fname)).absolutePath();
+}
+
+QString FindManual() {
+  for (const QString& folder : {OwnFolder(), QCoreApplication::applicationDirPath()}) {
+    for (const char* manual : kManuals) {
+      if (const QFileInfo page(folder + QLatin1String(manual)); page.exists())
+        return page.canonicalFilePath();
+    }
+  }
+  return {};
+}
 
 }  // namespace
 
-bool OpenManual() {
-  for (const char* manual : kManuals) {
-    const QFileInfo page(QCoreApplication::applicationDirPath() + QLatin1String(manual));
-    if (page.exists()) return QDesktopServices::openUrl(QUrl::fromLocalFile(page.canonicalFilePath()));
-  }
-  return false;
+std::string OpenManual() {
+  const QString manual = FindManual();
+  if (manual.isEmpty()) return "its pages are not installed. Install Keplo with its documents";
+  if (QDesktopServices::openUrl(QUrl::fromLocalFile(manual))) return {};
+  return "no program to show web pages could be started. Set up a web browser, or open " + TypedText(manual) +
+         " yourself";
 }
 
 bool OpenWebPage(const std::string& address) { return QDesktopServices::openUrl(QUrl(ShownText(address))); }

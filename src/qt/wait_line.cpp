@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QScreen>
+#include <algorithm>
 
 #include "qt/text.h"
 
@@ -39,9 +40,12 @@ void WaitLine::Show(std::string_view text) {
   if (&line == &alone_ && since_.elapsed() < kBlink) return;
   line.setText(ShownText(text));
   if (&line == &inWindow_) {
-    const QRect place(over_.mapTo(&window_, QPoint(0, 0)), over_.size());
-    const int height = line.heightForWidth(place.width());
-    line.setGeometry(place.left(), place.bottom() + 1 - height, place.width(), height);
+    // The small size of the window shows no more than a corner of what the line lies over.
+    const QRect over(over_.mapTo(&window_, QPoint(0, 0)), over_.size());
+    const int width = std::min(over.width(), window_.width());
+    const int height = line.heightForWidth(width);
+    const int bottom = std::min(over.bottom() + 1, window_.height());
+    line.setGeometry(std::min(over.left(), window_.width() - width), bottom - height, width, height);
     line.raise();
   } else {
     line.adjustSize();

@@ -1,3 +1,4 @@
+#include <optional>
 #include <string>
 
 #include "signal/calibration.h"
@@ -15,31 +16,43 @@ constexpr std::string_view kHoldTheKey =
 /// A number where a sign would have its place.
 std::string Signed(int positive) { return " " + std::to_string(positive); }
 
-std::string Progress(const Calibration& calibration) {
-  const auto baseT = calibration.BaseT();
-  return "Calibrating: delay " + std::to_string(calibration.Delay()) +
-         (baseT ? ", base time " + std::to_string(*baseT) : "") +
-         ". Keep the key pressed; let it go to stop.";
+constexpr std::string_view kHowToStop =
+    "Keep the key pressed. To stop, let it go and wait for ten seconds at most.";
+
+std::string Progress(int delay, std::optional<std::int16_t> baseT) {
+  return "Calibrating: delay " + std::to_string(delay) +
+         (baseT ? ", base time " + std::to_string(*baseT) : "") + ". " + std::string(kHowToStop);
 }
 
 CalibrationStep MeasureToTheEnd(const ui::Window& window, Calibration& calibration) {
-  ui::WaitNotice notice(window, Progress(calibration));
-  CalibrationStep step = calibration.Measure();
+  ui::WaitNotice notice(window, Progress(calibration.Delay(), std::nullopt));
+  CalibrationStep step = CalibrationStep::Measure;
   while (step == CalibrationStep::Measure) {
-    notice.Show(Progress(calibration));
+    const int delay = calibration.Delay();
     step = calibration.Measure();
+    notice.Show(Progress(delay, calibration.BaseT()));
   }
   return step;
 }
+
+/// Tells a flow that it is under way, as long as it lives.
+class UnderWay {
+ public:
+  explicit UnderWay(bool& flag) : flag_(flag) { flag_ = true; }
+  ~UnderWay() { flag_ = false; }
+  UnderWay(const UnderWay&) = delete;
+  UnderWay& operator=(const UnderWay&) = delete;
+
+ private:
+  bool& flag_;
+};
 
 }  // namespace
 
 void Form1::CalibrationMenu_Click() {
   if (calibrating_) return;
-  calibrating_ = true;
-  const bool ended = !boxes_.Confirm(kHoldTheKey, "Record a command") || Calibrate();
-  calibrating_ = false;
-  if (!ended) return;
+  const UnderWay underWay(calibrating_);
+  if (boxes_.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
   IRCommand.SetText({});
   line_.RTS(0);
 }

@@ -12,9 +12,9 @@
 namespace keplo {
 
 void Form1::Protocol_Click() {
+  mod_.Store.CurProtocol = Protocol.Text();
   if (Protocol.ListIndex() == ui::DropDownList::kNoSelection) return;
   mod_.Settings.ProtocolIndex = static_cast<std::int16_t>(Protocol.ListIndex());
-  mod_.Store.CurProtocol = Protocol.Text();
   if (RecordedSelected()) {
     ShowRecorded();
     return;

@@ -73,17 +73,25 @@ void Form1::Tell(std::string_view text) { boxes_.Message(text, kBoxTitle); }
 
 bool Form1::Ask(std::string_view text) { return boxes_.Question(text, kBoxTitle); }
 
+void Form1::TellFailure(const std::string& text) {
+  if (!failuresWhileLoading_) {
+    Tell(text);
+  } else if (failuresWhileLoading_->find(text) == std::string::npos) {
+    *failuresWhileLoading_ += (failuresWhileLoading_->empty() ? "" : "\r\n") + text;
+  }
+}
+
 bool Form1::Told(const std::function<void()>& action) {
   bool done = true;
   try {
     action();
   } catch (const Failure& failure) {
-    Tell(failure.what());
+    TellFailure(failure.what());
     done = false;
   }
   if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
     Tell(mod_.Store.Path.string() + " had been changed by another program. What it wrote is kept in " +
-         aside.string() + "; learn its new commands again, or take them over from there.");
+         aside.string() + "; take its new commands and settings over from there.");
   }
   return done;
 }

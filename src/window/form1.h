@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -115,8 +116,8 @@ class Form1 : public ui::Window {
   /// Runs when the window has become small or large; a view takes the new size over.
   std::function<void()> OnResize;
   /// Show the manual, and a page of the web, in a program of the user's.
-  /// @return false if none could be started
-  std::function<bool()> OpenManual;
+  /// @return false if none could be started; of the manual also the reason, empty if it is shown
+  std::function<std::string()> OpenManual;
   std::function<bool(const std::string& address)> OpenWebPage;
 
   /// Where the trace is drawn: the inside of the window at its full size, in pixels of the design. It lies on
@@ -150,19 +151,23 @@ class Form1 : public ui::Window {
   void Beep(std::int32_t frequency, std::int32_t duration);
   void Tell(std::string_view text);
   bool Ask(std::string_view text);
+  void TellFailure(const std::string& text);
 
   bool ByShell() const;
   void ShowMode();
+  bool Load();
   bool LoadFile();
   bool NotLoaded();
   void ShowInterfaceType();
   void ShowZoneHardware();
   void ListProtocolsWithRecorded();
+  void ProbePorts();
   bool PortOpens(std::int32_t port);
 
   static std::int32_t OutputOf(std::int32_t interfaceType);
-  void KeepSetting(std::string_view key, std::int32_t value);
-  void KeepSettingAndSave(std::string_view key, std::int32_t value);
+  void KeepSetting(const std::string& key, std::int32_t value);
+  void KeepSettingAndSave(const std::string& key, std::int32_t value);
+  void Keep(const std::string& key, std::int32_t value, const std::function<void()>& otherwise);
   void KeepInterfaceType(std::int32_t interfaceType);
   void ShowReceiver();
   void GiveTheLineToZones();
@@ -218,6 +223,8 @@ class Form1 : public ui::Window {
   bool calibrating_ = false;
   bool textIsWhole_ = false;
   std::string whyNotLoaded_;
+  std::optional<std::string> failuresWhileLoading_;  // told in one box when the window has come up
+  std::map<std::string, std::int32_t> unsaved_;      // settings whose save failed; the last save tries again
 };
 
 }  // namespace keplo

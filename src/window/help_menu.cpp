@@ -7,10 +7,8 @@
 namespace keplo {
 
 void Form1::HelpContentMenu_Click() {
-  if (OpenManual && OpenManual()) return;
-  Tell(
-      "The manual cannot be shown: no program to show web pages could be started. Set up a web browser, or "
-      "read the manual's pages in the folder docs/help of Keplo.");
+  const std::string failure = OpenManual ? OpenManual() : "there is no program to show it in";
+  if (!failure.empty()) Tell("The manual cannot be shown: " + failure + ".");
 }
 
 void Form1::WebPageMenu_Click() {

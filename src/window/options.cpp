@@ -27,15 +27,25 @@ std::int32_t Form1::OutputOf(std::int32_t interfaceType) {
   return interfaceType - ReceiverPart(interfaceType);
 }
 
-void Form1::KeepSetting(std::string_view key, std::int32_t value) {
-  if (textIsWhole_) Told([&] { SetGeneralValue(mod_.Store, key, std::to_string(value)); });
+void Form1::KeepSetting(const std::string& key, std::int32_t value) {
+  Keep(key, value, [] {});
 }
 
-void Form1::KeepSettingAndSave(std::string_view key, std::int32_t value) {
+void Form1::KeepSettingAndSave(const std::string& key, std::int32_t value) {
+  Keep(key, value, [this] { SaveConfig(mod_.Store); });
+}
+
+/// @param otherwise runs if the file has no such key
+void Form1::Keep(const std::string& key, std::int32_t value, const std::function<void()>& otherwise) {
   if (!textIsWhole_) return;
-  Told([&] {
-    if (!SetGeneralValue(mod_.Store, key, std::to_string(value))) SaveConfig(mod_.Store);
+  const bool saved = Told([&] {
+    if (!SetGeneralValue(mod_.Store, key, std::to_string(value))) otherwise();
   });
+  if (saved) {
+    unsaved_.erase(key);
+  } else {
+    unsaved_[key] = value;
+  }
 }
 
 void Form1::KeepInterfaceType(std::int32_t interfaceType) {

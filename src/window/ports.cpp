@@ -16,15 +16,8 @@ constexpr std::size_t kPortDigits = 2;
 }  // namespace
 
 void Form1::ListAvailableCOM() {
-  ui::WaitNotice notice(*this, "Looking for serial ports.");
   ComList.Clear();
-  for (std::int32_t port = 1; port <= kLastPort; ++port) {
-    notice.Show("Looking for serial ports: COM " + std::to_string(port) + " of " + std::to_string(kLastPort));
-    if (!PortOpens(port)) continue;
-    ComList.Add("COM " + std::to_string(port));
-    if (port == mod_.Settings.ComPortNr) ComList.Select(ComList.Count() - 1);
-    ComList.SetBackColour(ui::kGreen);
-  }
+  ProbePorts();
   if (ComList.Count() == 0) {
     Tell("There is no COM port available");
     return;
@@ -33,6 +26,17 @@ void Form1::ListAvailableCOM() {
   line_.OpenCom(mod_.Settings.ComPortNr);
   line_.RTS(-1);
   line_.TXD(0);
+}
+
+void Form1::ProbePorts() {
+  ui::WaitNotice notice(*this, "Looking for serial ports.");
+  for (std::int32_t port = 1; port <= kLastPort; ++port) {
+    notice.Show("Looking for serial ports: COM " + std::to_string(port) + " of " + std::to_string(kLastPort));
+    if (!PortOpens(port)) continue;
+    ComList.Add("COM " + std::to_string(port));
+    if (port == mod_.Settings.ComPortNr) ComList.Select(ComList.Count() - 1);
+    ComList.SetBackColour(ui::kGreen);
+  }
 }
 
 bool Form1::PortOpens(std::int32_t port) {
@@ -45,9 +49,9 @@ bool Form1::PortOpens(std::int32_t port) {
 void Form1::ComList_Click() {
   const std::string entry = ComList.Text();
   const std::int32_t port = WithoutFraction<std::int32_t>(entry.substr(entry.size() - kPortDigits));
-  const ui::WaitNotice notice(*this, "Opening " + entry + ". This takes a second at most.");
   mod_.Settings.ComPortNr = port;
   KeepSetting("COMPORT", port);
+  const ui::WaitNotice notice(*this, "Opening " + entry + ". This takes a second at most.");
   int attempt = 1;
   while (attempt <= kOpenAttempts && line_.OpenCom(port) != 1) {
     line_.uDelay(kPauseAfterFailure);

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "config/check_config.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
+#include "config/values.h"
 #include "failure.h"
 #include "maker.h"
 #include "window/form1.h"
@@ -13,13 +15,20 @@
 namespace keplo {
 
 bool Form1::Form_Load() {
+  failuresWhileLoading_.emplace();
+  const bool loaded = Load();
+  const std::string failures = *std::exchange(failuresWhileLoading_, std::nullopt);
+  if (!failures.empty()) Tell(failures);
+  return loaded;
+}
+
+bool Form1::Load() {
   validation_ = {};
   Timer1.SetEnabled(false);
   windowLarge_ = true;
   ShowMode();
   if (!ByShell() && !LoadFile()) return NotLoaded();
-  // A save cuts the text behind its last section header: what cannot be read whole must not be written back.
-  textIsWhole_ = WalkSections(mod_.Store.CfgText).Ended == WalkEnd::ClosingHeader;
+  textIsWhole_ = IsWhole(mod_.Store.CfgText);
   Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
   ListAvailableCOM();
   ShowInterfaceType();
@@ -44,7 +53,13 @@ void Form1::Form_Unload() {
   loaded_ = false;
   Timer1.SetEnabled(false);
   if (!ByShell()) line_.CloseCom();
-  Told([this] { SaveConfig(mod_.Store); });
+  Told([this] {
+    for (const auto& [key, value] : std::exchange(unsaved_, {})) {
+      const auto changed = WithGeneralValue(mod_.Store.CfgText, key, std::to_string(value));
+      if (changed) mod_.Store.ReplaceText(*changed);
+    }
+    SaveConfig(mod_.Store);
+  });
 }
 
 void Form1::OKButton_Click() {

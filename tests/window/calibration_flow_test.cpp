@@ -49,10 +49,23 @@ TEST_F(CalibrationFlow, FindsShowsAndKeepsTheDelay) {
   calls.emplace_back("RTS 0");
   EXPECT_EQ(line_.Calls, calls);
   EXPECT_EQ(boxes_.Shown, (Texts{kHoldTheKey, kDelayTwo}));
-  EXPECT_EQ(notices, (Texts{"Calibrating: delay 0", "Calibrating: delay 1, base time 11",
-                            "Calibrating: delay 2, base time 10", "Calibrating: delay 3, base time 10", ""}));
+  EXPECT_EQ(notices, (Texts{"Calibrating: delay 0", "Calibrating: delay 0, base time 11",
+                            "Calibrating: delay 1, base time 10", "Calibrating: delay 2, base time 10",
+                            "Calibrating: delay 3, base time 9", ""}));
   EXPECT_EQ(form_->ProcDelayparameter.Text() + form_->SendPulse.Text() + form_->IRCommand.Text(), " 2 495");
   EXPECT_EQ(File(), file.replace(file.find("PROCDELAY= 10"), 13, "PROCDELAY= 2"));
+}
+
+TEST_F(CalibrationFlow, ACancelEndsItAndAnotherOneCanFollow) {
+  form_->IRCommand.SetText("?");
+  boxes_.Yes = false;
+  Calibrate({});
+  EXPECT_EQ(line_.TakeCalls(), Texts{"RTS 0"});
+  EXPECT_EQ(form_->IRCommand.Text() + std::to_string(mod_->Settings.ProcDelay), "10");
+  boxes_.Yes = true;
+  boxes_.TakeShown();
+  Calibrate({9});
+  EXPECT_EQ(boxes_.TakeShown().size(), 2U);
 }
 
 TEST_F(CalibrationFlow, TellsWhyNothingWasSaved) {
@@ -80,6 +93,9 @@ TEST_F(CalibrationFlow, TellsWhyNothingWasSaved) {
     EXPECT_EQ(form_->IRCommand.Text() + " " + line_.Calls.back(), c.IRCommand + " " + c.LastCall);
     EXPECT_EQ(File(), before);
     disk_.FailAt(0, false);
+    const bool tryAgain = c.Told == kDelayTwo;
+    form_->Form_Unload();
+    EXPECT_EQ(File().find("PROCDELAY= 2") != std::string::npos, tryAgain) << "the last save tries again";
   }
 }
 

@@ -86,11 +86,22 @@ TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
   }
 }
 
+TEST_F(Options, AKeyThatTheFileLacksIsChangedInMemoryAlone) {
+  Open(Config(Protocol("Mine", {"G10,EMPTY"})));
+  std::string& text = mod_->Store.CfgText;
+  text.erase(text.find("ITYPE= 0\r\n"), 10);
+  const std::string before = File();
+  form_->IRMouseMenu.Click();
+  EXPECT_EQ(mod_->Settings.InterfaceType, 8);
+  EXPECT_EQ(File(), before);
+  EXPECT_TRUE(boxes_.Shown.empty());
+}
+
 TEST_F(Options, HelpThatCannotBeShownIsTold) {
   std::string opened;
   form_->OpenManual = [&] {
     opened += "manual ";
-    return true;
+    return std::string();
   };
   form_->OpenWebPage = [&](const std::string& page) {
     opened += page;
@@ -100,11 +111,13 @@ TEST_F(Options, HelpThatCannotBeShownIsTold) {
   form_->WebPageMenu.Click();
   EXPECT_EQ(opened, "manual https://keplo.example/inputkeplo");
   EXPECT_TRUE(boxes_.Shown.empty());
-  form_->OpenManual = [] { return false; };
+  form_->OpenManual = [] { return std::string("there is no browser"); };
   form_->OpenWebPage = nullptr;
   form_->HelpContentMenu.Click();
   form_->WebPageMenu.Click();
-  EXPECT_EQ(boxes_.TakeShown().size(), 2U);
+  const Texts told = boxes_.TakeShown();
+  ASSERT_EQ(told.size(), 2U);
+  EXPECT_EQ(told.front(), "The manual cannot be shown: there is no browser.");
   form_->UpdateMenu.Click();
   EXPECT_EQ(boxes_.TakeShown(), Texts{"Not yet implemented"});
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -133,6 +134,10 @@ TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
       {"9 0 10 9 0 0", "9 0 10 9 0 0", {"SetMode 1"}, "IRMouse TxD - - "},
       {"9 0 10 8 1 0", "9 0 10 8 1 0", beeps, "IRMouse - Beep - "},
       {"9 0 10 0 2 0", "9 0 10 0 2 0", {}, "DCDStd - - - "},
+      {"9 0 10 1 1 3",
+       "9 0 10 0 1 3",
+       {"SetMode 1", beeps[0], beeps[1], beeps[2], "SetMode 2"},
+       "DCDStd - Beep Vexil 3"},
       {"9 0 10 1 0 3", "9 0 10 0 0 3", {"SetMode 1", "SetMode 2"}, "DCDStd - - Vexil 3"},
       {"9 0 10 0 0.4 7.5", "9 0 10 0 0.4 8", {"SetMode 2"}, "DCDStd - - Vexil 8"},
       {"9.9 0.9 10 0 0 0", "9.9 0 10 0 0 0", {}, "DCDStd - - - "},
@@ -154,7 +159,8 @@ TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
     EXPECT_NE(form_->IRMouseMenu.Checked(), form_->StdDcdMenu.Checked());
     const bool zones = form_->VexilCheckbox.Checked();
     EXPECT_EQ(form_->TxDCheckBox.Enabled(), !zones);
-    EXPECT_EQ(form_->Zone.Visible() && form_->ZoneNr.Visible(), zones);
+    EXPECT_EQ(form_->Zone.Visible(), zones);
+    EXPECT_EQ(form_->ZoneNr.Visible(), zones);
     form_->Form_Unload();
     EXPECT_EQ(File(), FileOf(c.FileBehind)) << c.General;
     EXPECT_EQ(line_.Calls.back(), "CloseCom");
@@ -188,9 +194,8 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
       EXPECT_EQ(boxes_.TakeShown(), comesUp ? Texts{} : Texts{kConfigError}) << pluginMode << c.File;
       EXPECT_EQ(form_->WhyNotLoaded().empty(), comesUp);
       if (comesUp) continue;
-      EXPECT_EQ(line_.Calls.empty() ? "" : line_.Calls.back(), pluginMode == 0       ? "CloseCom"
-                                                               : line_.Calls.empty() ? ""
-                                                                                     : line_.Calls.back());
+      const auto closed = std::count(line_.Calls.begin(), line_.Calls.end(), "CloseCom");
+      EXPECT_EQ(closed, pluginMode == 0 ? 1 : 0);
       form_->Form_Unload();
       EXPECT_EQ(File(), c.File);
     }
@@ -208,8 +213,9 @@ TEST_F(StartUp, BothModesShowWhatIsTheirs) {
         Case{1, "Orlo's Infrared Input Plugin Configuration v", "Keplo Input Plugin for Velmora v", false}}) {
     ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), c.PluginMode));
     EXPECT_EQ(form_->Title(), c.Title + VersionText);
-    EXPECT_EQ(form_->ReceiverType.Visible() && form_->FileExit.Visible() && form_->TestCheck.Visible(),
-              c.Alone);
+    EXPECT_EQ(form_->ReceiverType.Visible(), c.Alone);
+    EXPECT_EQ(form_->FileExit.Visible(), c.Alone);
+    EXPECT_EQ(form_->TestCheck.Visible(), c.Alone);
     EXPECT_NE(form_->OKButton.Visible(), c.Alone);
     form_->AboutMenu.Click();
     EXPECT_EQ(boxes_.TakeShown().at(0).substr(0, c.About.size() + VersionText.size()), c.About + VersionText);
@@ -232,18 +238,33 @@ TEST_F(StartUp, AWindowOfTheShellWorksOnTheTextInMemory) {
   EXPECT_EQ(File(), FileOf("5 0 10 0 1 0")) << "the port that was found has been saved";
 }
 
-TEST_F(StartUp, AFailedSaveIsToldAndTheWindowStillComesUp) {
-  disk_.Put("keplo.cfg", "");
+TEST_F(StartUp, FailedSavesAreToldOnceAndTriedAgainAtTheEnd) {
   line_.Opens = [this](std::int32_t port) {
     if (port == 2) disk_.FailAt(1, true);
     return port == 5;
   };
-  ASSERT_TRUE(Load(FileOf("5 0 10 0 1 0")));
+  ASSERT_TRUE(Load(FileOf("5 0 10 1 1 3")));
   const Texts told = boxes_.TakeShown();
-  ASSERT_FALSE(told.empty());
+  ASSERT_EQ(told.size(), 1U);
   EXPECT_NE(told.front().find("keplo.cfg"), std::string::npos) << told.front();
-  EXPECT_EQ(form_->ComList.Text(), "COM 5");
+  EXPECT_EQ(File(), FileOf("5 0 10 1 1 3"));
   disk_.FailAt(0, false);
+  form_->Form_Unload();
+  EXPECT_EQ(File(), FileOf("5 0 10 0 1 3"));
+  EXPECT_TRUE(boxes_.Shown.empty());
+}
+
+TEST_F(StartUp, AFileThatIsNotThereOrTooLargeIsToldAndWhy) {
+  for (const std::string& file : {std::string(), std::string(kMostCharacters + 1, 'x')}) {
+    EXPECT_FALSE(Load(file));
+    EXPECT_EQ(boxes_.TakeShown(), Texts{kConfigError});
+  }
+  EXPECT_NE(form_->WhyNotLoaded().find("32768"), std::string::npos) << form_->WhyNotLoaded();
+}
+
+TEST_F(StartUp, ASaveFromNowhereTouchesNoProtocol) {
+  ASSERT_TRUE(Load(FileOf("5 77 10 0 0 0"), 1));
+  EXPECT_EQ(form_->Protocol.Text() + mod_->Store.CurProtocol, "");
 }
 
 }  // namespace

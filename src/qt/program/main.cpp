@@ -22,7 +22,7 @@ namespace keplo {
 
 namespace {
 
-constexpr int kKeptPresses = 10'000;  // captures; nobody presses a key for ever
+constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
 constexpr int kDone = 0, kNotStarted = 1, kWrongUse = 2;
 
 struct WindowOptions {
@@ -61,6 +61,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   PosixFileSystem files;
   if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
   QLockFile onlyOne(QString::fromStdString((appPath / "keplo-window.lock").string()));
+  onlyOne.setStaleLockTime(0);  // a window may be open for weeks
   if (!onlyOne.tryLock(0) && onlyOne.error() == QLockFile::LockFailedError) {
     boxes.Message("A window for " + appPath.string() + " is open already. Use that one, or close it first.",
                   kBoxTitle);
@@ -75,7 +76,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   if (options.KeepPressed) line.HoldLastPress(kKeptPresses);
   line.SetPorts(options.Ports);
   Form1 form(mod, line, boxes);
-  if (qt::ShowUntilHidden(form, nullptr)) return kDone;
+  if (qt::ShowUntilHidden(form)) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
   return kNotStarted;
 }
