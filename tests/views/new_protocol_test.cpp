@@ -72,12 +72,6 @@ TEST_F(ProtocolDialogOnScreen, StandsInThePlaceOfTheWindowUntilItIsLeft) {
   EXPECT_NE(File().find("# made for a test!\r\n"), std::string::npos) << File();
 }
 
-TEST_F(ProtocolDialogOnScreen, GoesWithAViewThatGoes) {
-  New();
-  view_.reset();
-  EXPECT_EQ(Dialog(), nullptr);
-}
-
 TEST_F(ProtocolDialogOnScreen, IsWorkedByKeysAlone) {
   QWidget& dialog = New();
   Texts walked;
