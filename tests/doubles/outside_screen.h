@@ -41,9 +41,9 @@ inline bool Until(const std::function<bool()>& holds) {
 /// A program that runs beside the test.
 class Running {
  public:
-  explicit Running(const Words& words) {
+  explicit Running(Words words) {
     std::vector<char*> arguments;
-    for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+    for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     if (posix_spawnp(&process_, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
       process_ = -1;
@@ -159,13 +159,13 @@ class OutsideScreen {
 
   Picture Look(const ScreenPart& part) const {
     std::ifstream frame(frame_.Path() / "Xvfb_screen0", std::ios::binary);
-    const std::uint32_t pixels = Word(frame, kHeaderSize) + kColourBytes * Word(frame, kColours);
-    const std::uint32_t row = Word(frame, kBytesPerLine);
+    const std::streamoff pixels = Word(frame, kHeaderSize) + kColourBytes * Word(frame, kColours);
+    const std::streamoff row = Word(frame, kBytesPerLine);
     Picture seen(static_cast<std::size_t>(part.Width) * part.Height);
     for (int y = 0; y < part.Height; ++y) {
-      frame.seekg(pixels + (part.Y + y) * row + part.X * sizeof(std::uint32_t));
+      frame.seekg(pixels + (part.Y + y) * row + part.X * kPixelBytes);
       frame.read(reinterpret_cast<char*>(&seen[static_cast<std::size_t>(y) * part.Width]),
-                 static_cast<std::streamsize>(part.Width * sizeof(std::uint32_t)));
+                 part.Width * kPixelBytes);
     }
     for (std::uint32_t& pixel : seen) pixel &= 0xFFFFFF;
     return seen;
@@ -189,7 +189,8 @@ class OutsideScreen {
   // Fields of the file that the screen is kept in, an XWD one: big-endian words, offsets in bytes.
   static constexpr int kHeaderSize = 0, kBytesPerLine = 48, kColours = 76;
   static constexpr std::uint32_t kColourBytes = 12;  // of one entry of the colour map
-  static constexpr int kLooksAtRest = 5;             // a picture may be half drawn
+  static constexpr std::streamoff kPixelBytes = 4;
+  static constexpr int kLooksAtRest = 5;  // a picture may be half drawn
 
   static constexpr int kFirstDisplay = 1000, kDisplays = 50000;
 
