@@ -1,15 +1,20 @@
 // Prints how many key presses the monitor reads, as the markdown tables of docs/decode-rates.md.
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
 #include <random>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "line/press_capture.h"
 #include "line/synth.h"
 #include "signal/decode.h"
 #include "signal/monitor_road.h"
+#include "signal/sample_bits.h"
+#include "signal/send_bits.h"
 #include "signal/timing.h"
 
 namespace {
@@ -117,6 +122,312 @@ void LikeRealRemotes(Conditions& conditions, Dice& dice) {
   conditions.Remote.Repeats = dice.From(0, 2);
 }
 
+/// Digits without any order, for the codes of user-defined protocols.
+std::string RandomDigits(Dice& dice, int count) {
+  std::string digits;
+  while (count-- > 0) digits += dice.From(0, 1) == 1 ? '1' : '0';
+  return digits;
+}
+
+/// A user-defined protocol: lengths in microseconds, and a number of digits.
+struct OwnProtocol {
+  bool ByWidth = false;
+  int Unit = 0, Longer = 0;
+  int LeaderMark = 0, LeaderSpace = 0;
+
+  std::vector<int> Frame(const std::string& digits) const {
+    std::vector<int> frame = {LeaderMark, LeaderSpace};
+    for (const char digit : digits) {
+      const int told = digit == '1' ? Longer : Unit;
+      frame.insert(frame.end(), {ByWidth ? told : Unit, ByWidth ? Unit : told});
+    }
+    if (ByWidth) {
+      frame.pop_back();
+    } else {
+      frame.push_back(Unit);
+    }
+    return frame;
+  }
+};
+
+OwnProtocol RandomProtocol(Dice& dice, bool byWidth) {
+  OwnProtocol own;
+  own.ByWidth = byWidth;
+  own.Unit = dice.From(450, 700);
+  own.Longer = own.Unit * dice.From(2, 3);
+  own.LeaderMark = own.Unit * dice.From(8, 16);
+  own.LeaderSpace = own.Unit * (byWidth ? 1 : dice.From(4, 8));
+  return own;
+}
+
+/// Three frames of a user-defined protocol, with what SynthPress does to those of the known ones.
+PulseTrain OwnPress(const OwnProtocol& own, const std::string& digits, const SynthOptions& remote) {
+  constexpr int kGap = 25'000;
+  Dice dice(remote.Seed);
+  const auto noise = [&] {
+    int sum = -6000;
+    for (int term = 0; term < 12; ++term) sum += dice.From(0, 1000);
+    return sum * remote.JitterUs / 1000;
+  };
+  PulseTrain press;
+  double sent = 0;
+  int recorded = 0;
+  for (int frame = 0; frame < 3; ++frame) {
+    std::vector<int> lengths = own.Frame(digits);
+    if (frame < 2) lengths.push_back(kGap);
+    for (const int length : lengths) {
+      sent += length * (1 + remote.ClockError);
+      const int late = press.size() % 2 == 0 ? remote.MarkExcessUs : 0;
+      press.push_back(std::max(static_cast<int>(sent) + noise() + late - recorded, 1));
+      recorded += press.back();
+    }
+  }
+  press.push_back(remote.GapUs);
+  return press;
+}
+
+/// A signal of the tables that put both analyses side by side.
+struct Signal {
+  const char* Name;
+  std::string (*RandomCode)(Dice& dice);
+  PulseTrain (*Press)(const std::string& code, const SynthOptions& remote, Dice& dice);
+};
+
+template <std::int16_t kKind>
+PulseTrain KnownPress(const std::string& code, const SynthOptions& remote, Dice& /*dice*/) {
+  return SynthPress(kKind, code, remote);
+}
+
+template <bool kByWidth>
+PulseTrain RandomOwnPress(const std::string& code, const SynthOptions& remote, Dice& dice) {
+  return OwnPress(RandomProtocol(dice, kByWidth), code, remote);
+}
+
+constexpr auto kSignals = std::to_array<Signal>({
+    {"NEC", NecCode, KnownPress<kNec>},
+    {"SONY 12", SonyCode, KnownPress<kSony>},
+    {"SONY 15", [](Dice& dice) { return RandomDigits(dice, 15); }, KnownPress<kSony>},
+    {"SONY 20", [](Dice& dice) { return RandomDigits(dice, 20); }, KnownPress<kSony>},
+    {"RC5", Rc5Code, KnownPress<kRc5>},
+    {"own distance", [](Dice& dice) { return RandomDigits(dice, dice.From(13, 24)); }, RandomOwnPress<false>},
+    {"own width", [](Dice& dice) { return RandomDigits(dice, dice.From(12, 24)); }, RandomOwnPress<true>},
+});
+
+/// What is done to a press of a cell, and to its conditions.
+struct Trial {
+  Conditions With;
+  PulseTrain Press;
+  std::size_t Bytes = kMonitorCaptureBytes;
+};
+using Spoiler = std::function<void(Trial& trial, Dice& dice)>;
+
+struct Tally {
+  int Right = 0, Wrong = 0;
+
+  void Count(const MonitorReading& reading, const std::string& sent) {
+    if (reading.Ended == Stage::Code) ++(reading.Digits == sent ? Right : Wrong);
+  }
+};
+
+constexpr std::array kBoth = {Analysis::First, Analysis::Second};
+
+void PrintBoth(const Signal& signal, const Setter& set, const Spoiler& spoil) {
+  Dice dice(1);
+  std::array<Tally, 2> tallies;
+  for (int count = 0; count < kCodesPerCell; ++count) {
+    const std::string code = signal.RandomCode(dice);
+    Trial trial;
+    trial.With.Remote.Seed = dice.Seed();
+    trial.With.Line.Shape = false;
+    trial.With.Line.HoldMs = 0;
+    set(trial.With, dice);
+    trial.Press = signal.Press(code, trial.With.Remote, dice);
+    spoil(trial, dice);
+    std::string sent = code;
+    if (std::string_view(signal.Name) == "RC5") sent[kToggleBitOffset] = '0';
+    const std::string capture = CaptureOfPress(trial.Press, trial.Bytes, trial.With.Line);
+    for (std::size_t i = 0; i < kBoth.size(); ++i) {
+      SignalState state;
+      tallies.at(i).Count(ReadCapture(capture, state, kBoth.at(i)), sent);
+    }
+  }
+  std::printf(" %.1f / %d, **%.1f** / %d |", 100.0 * tallies[0].Right / kCodesPerCell, tallies[0].Wrong,
+              100.0 * tallies[1].Right / kCodesPerCell, tallies[1].Wrong);
+}
+
+void PrintRowOfBoth(const std::string& label, const Setter& set, const Spoiler& spoil) {
+  std::printf("| %s |", label.c_str());
+  for (const Signal& signal : kSignals) PrintBoth(signal, set, spoil);
+  std::printf("\n");
+}
+
+void PrintHeadOfBoth(const std::string& title, const std::string& column) {
+  std::printf("\n### %s\n\n| %s |", title.c_str(), column.c_str());
+  for (const Signal& signal : kSignals) std::printf(" %s |", signal.Name);
+  std::printf("\n|---|---|---|---|---|---|---|---|\n");
+}
+
+const Spoiler kUnspoiled = [](Trial&, Dice&) {};
+
+void PrintTableOfBoth(const std::string& title, const std::string& column, std::span<const int> values,
+                      void (*set)(Conditions& conditions, int value)) {
+  PrintHeadOfBoth(title, column);
+  for (const int value : values) {
+    PrintRowOfBoth(
+        std::to_string(value), [&](Conditions& conditions, Dice&) { set(conditions, value); }, kUnspoiled);
+  }
+}
+
+int LastRun(const PulseTrain& press) { return static_cast<int>(press.size()) - 2; }
+
+void CutHead(Trial& trial, Dice& dice) {
+  const int runs = dice.From(1, std::min(LastRun(trial.Press) / 2, 10));
+  trial.Press.erase(trial.Press.begin(), trial.Press.begin() + 2 * runs);
+}
+
+void CutByBuffer(Trial& trial, Dice& dice) { trial.Bytes = static_cast<std::size_t>(dice.From(150, 500)); }
+
+void LoseMarks(Trial& trial, Dice& dice, int count) {
+  while (count-- > 0 && trial.Press.size() > 6) {
+    const auto at = trial.Press.begin() + 2 * dice.From(1, LastRun(trial.Press) / 2 - 1);
+    *(at - 1) += *at + *(at + 1);
+    trial.Press.erase(at, at + 2);
+  }
+}
+
+/// Splits a run by another one of 30 to 100 us.
+void Interrupt(Trial& trial, Dice& dice, bool mark) {
+  constexpr int kBeside = 60;
+  const int place = 2 * dice.From(0, LastRun(trial.Press) / 2) + (mark ? 0 : 1);
+  const int width = dice.From(30, 100);
+  const int run = trial.Press[static_cast<std::size_t>(place)];
+  if (run < width + 2 * kBeside) return;
+  const int ahead = dice.From(kBeside, run - width - kBeside);
+  trial.Press[static_cast<std::size_t>(place)] = ahead;
+  trial.Press.insert(trial.Press.begin() + place + 1, {width, run - width - ahead});
+}
+
+void PrintWeakSignals() {
+  const Setter real = LikeRealRemotes;
+  PrintHeadOfBoth("Cuts and weak signals", "press");
+  PrintRowOfBoth("whole", real, kUnspoiled);
+  PrintRowOfBoth("head cut", real, CutHead);
+  PrintRowOfBoth("cut by the buffer", real, CutByBuffer);
+  PrintRowOfBoth("a mark missing", real, [](Trial& trial, Dice& dice) { LoseMarks(trial, dice, 1); });
+  PrintRowOfBoth("three marks missing", real, [](Trial& trial, Dice& dice) { LoseMarks(trial, dice, 3); });
+  PrintRowOfBoth("two short spikes", real, [](Trial& trial, Dice& dice) {
+    for (int i = 0; i < 2; ++i) Interrupt(trial, dice, false);
+  });
+  PrintRowOfBoth("two short holes", real, [](Trial& trial, Dice& dice) {
+    for (int i = 0; i < 2; ++i) Interrupt(trial, dice, true);
+  });
+}
+
+/// Samples of something that is no press, at least as many as the monitor captures.
+struct NoiseMaker {
+  const char* Name;
+  std::string (*Samples)(Dice& dice);
+};
+
+constexpr std::size_t kSamples = kMonitorCaptureBytes * 8;
+
+std::string WhiteNoise(Dice& dice) {
+  const int density = dice.From(1, 99);
+  std::string samples;
+  while (samples.size() < kSamples) samples += dice.From(1, 100) <= density ? '1' : '0';
+  return samples;
+}
+
+std::string Flicker(Dice& dice) {
+  const int mark = dice.From(3, 80);
+  const int space = dice.From(3, 160);
+  std::string samples;
+  for (int pairs = dice.From(5, 200); pairs > 0; --pairs) {
+    samples.append(static_cast<std::size_t>(mark + dice.From(-1, 1)), '1');
+    samples.append(static_cast<std::size_t>(space + dice.From(-1, 1)), '0');
+  }
+  return samples;
+}
+
+std::string PulseTrainNoise(Dice& dice) {
+  const int mark = dice.From(3, 20);
+  const int space = dice.From(3, 60);
+  std::string samples;
+  for (int pairs = dice.From(10, 100); pairs > 0; --pairs) {
+    samples.append(static_cast<std::size_t>(mark + dice.From(0, 10)), '1');
+    samples.append(static_cast<std::size_t>(space + dice.From(0, 60)), '0');
+  }
+  return samples;
+}
+
+/// A leader and a train of equal pulses of which one in six fails.
+std::string FailingTrain(Dice& dice) {
+  const auto unit = static_cast<std::size_t>(dice.From(5, 16));
+  std::string samples(unit * static_cast<std::size_t>(dice.From(2, 16)), '1');
+  samples.append(unit * static_cast<std::size_t>(dice.From(1, 8)), '0');
+  for (int pairs = dice.From(10, 50); pairs > 0; --pairs) {
+    samples.append(unit, dice.From(0, 5) > 0 ? '1' : '0').append(unit, dice.From(0, 5) > 0 ? '0' : '1');
+  }
+  return samples;
+}
+
+constexpr std::array kNoises = {NoiseMaker{"white noise", WhiteNoise}, NoiseMaker{"flicker", Flicker},
+                                NoiseMaker{"pulse trains", PulseTrainNoise},
+                                NoiseMaker{"failing pulse trains", FailingTrain}};
+
+std::array<int, 2> CodesIn(const std::string& samples, const std::vector<std::string>& sent) {
+  std::array<int, 2> codes{};
+  for (std::size_t i = 0; i < kBoth.size(); ++i) {
+    SignalState state;
+    const MonitorReading reading = ReadCapture(BitsToChars(samples), state, kBoth.at(i));
+    const bool right = std::find(sent.begin(), sent.end(), reading.Digits) != sent.end();
+    if (reading.Ended == Stage::Code && !right) ++codes.at(i);
+  }
+  return codes;
+}
+
+/// Two presses at once; only a code that neither of them sent counts.
+std::array<int, 2> CodesInCollision(Dice& dice) {
+  std::string samples(kSamples, '0');
+  std::vector<std::string> sent;
+  for (int remote = 0; remote < 2; ++remote) {
+    const Signal& signal = kSignals.at(static_cast<std::size_t>(dice.From(0, 4)));
+    SynthOptions options;
+    options.Seed = dice.Seed();
+    sent.push_back(signal.RandomCode(dice));
+    const PulseTrain press = signal.Press(sent.back(), options, dice);
+    if (std::string_view(signal.Name) == "RC5") sent.back()[kToggleBitOffset] = '0';
+    const std::string bits = SamplesToBits(PulsesToCapture(press, kNominalSampleTime, kMonitorCaptureBytes));
+    const auto late = static_cast<std::size_t>(remote == 0 ? 0 : dice.From(0, 1500));
+    for (std::size_t i = late; i < kSamples; ++i) {
+      if (bits[i - late] == '1') samples[i] = '1';
+    }
+  }
+  return CodesIn(samples, sent);
+}
+
+void PrintNoise() {
+  std::printf("\n### Noise\n\n| captures of | codes, first | codes, second |\n|---|---|---|\n");
+  const auto print = [](const char* name, const std::function<std::array<int, 2>(Dice&)>& codes) {
+    Dice dice(1);
+    std::array<int, 2> sum{};
+    for (int count = 0; count < kCodesPerCell; ++count) {
+      const std::array<int, 2> found = codes(dice);
+      sum[0] += found[0];
+      sum[1] += found[1];
+    }
+    std::printf("| %s | %d | %d |\n", name, sum[0], sum[1]);
+  };
+  for (const NoiseMaker& noise : kNoises) {
+    print(noise.Name, [&](Dice& dice) {
+      std::string samples = noise.Samples(dice);
+      samples.resize(kSamples, '0');
+      return CodesIn(samples, {});
+    });
+  }
+  print("two remotes at once", CodesInCollision);
+}
+
 }  // namespace
 
 int main() {
@@ -136,5 +447,24 @@ int main() {
   constexpr std::array kSampleTimes = {40, 45, 50, 55, 60, 65, 70, 75};
   PrintTable("By sample time", "sample time, us", kSampleTimes,
              [](Conditions& conditions, int value) { conditions.Line.SampleTime = value; });
+
+  std::printf("\n## Both analyses side by side\n");
+  PrintHeadOfBoth("Receivers and remotes as they are", "sample time, us");
+  for (const int sampleTime : kSampleTimes) {
+    PrintRowOfBoth(
+        std::to_string(sampleTime),
+        [&](Conditions& conditions, Dice& dice) {
+          LikeRealRemotes(conditions, dice);
+          conditions.Line.SampleTime = sampleTime;
+        },
+        kUnspoiled);
+  }
+  PrintTableOfBoth("By jitter", "jitter, us", kJitters,
+                   [](Conditions& conditions, int value) { conditions.Remote.JitterUs = value; });
+  constexpr std::array kWideExcesses = {-100, -50, 0, 50, 100, 150, 200, 250, 300};
+  PrintTableOfBoth("By mark excess", "mark excess, us", kWideExcesses,
+                   [](Conditions& conditions, int value) { conditions.Remote.MarkExcessUs = value; });
+  PrintWeakSignals();
+  PrintNoise();
   return 0;
 }

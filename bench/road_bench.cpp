@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include "signal/monitor_road.h"
+#include "signal/second_look.h"
 #include "signal/signal_builder.h"
 
 namespace keplo {
@@ -36,6 +37,14 @@ void AnalyseTimingAlone(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(AnalyseTimingAlone);
+
+void SecondLookAlone(benchmark::State& state) {
+  SignalState signal;
+  ReadCapture(FullCapture(), signal);
+  for (auto _ : state) benchmark::DoNotOptimize(LookAgain(signal.SampleBits));
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(SecondLookAlone);
 
 }  // namespace
 }  // namespace keplo

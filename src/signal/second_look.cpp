@@ -161,6 +161,7 @@ struct Frame {
   std::string Head;     // symbols of the leader; empty without one
   std::string Symbols;  // between the marks
   std::size_t Digits = 0;
+  std::size_t Runs = 0;      // without the leader
   bool Clear = false;        // no run is anywhere near the middle between two lengths
   bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
   int Dittos = 0;            // behind it: NEC's sign that the key is still held
@@ -331,10 +332,13 @@ std::optional<Frame> BiphaseFrame(const Body& body) {
   return frame;
 }
 
-/// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train.
+/// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train, and
+/// runs that the first analysis takes for borders are where two signals met.
 bool IsStrange(const Body& body) {
   constexpr std::size_t kFewestMarks = 12;
-  return body.MarkCount() >= kFewestMarks && body.IsTight() && !body.Falls(1, 1);
+  if (body.MarkCount() < kFewestMarks || !body.IsTight() || body.Falls(1, 1)) return false;
+  const int unit = static_cast<int>(RoughUnit(body.First, body.Size));
+  return RunUnits(std::max(body.Marks.Longest().Most, body.Spaces.Longest().Most), unit) <= 3;
 }
 
 bool IsDitto(const Piece& piece) {
@@ -354,8 +358,8 @@ bool IsRepeat(const Piece& one, const Piece& other) {
 struct Findings {
   std::vector<Frame> Frames;
   std::vector<Piece> Strange;  // whole and clean, but of none of the line codes
-  bool Damaged = false;  // a piece as long as a frame is neither read nor merely cut by the capture's end
-  bool Stray = false;    // its runs fall into no lengths, so that those of its neighbours are in doubt too
+  std::size_t MostUnread = 0;  // runs of the longest piece that is neither read nor cut by the capture's end
+  bool Stray = false;  // its runs fall into no lengths, so that those of its neighbours are in doubt too
 };
 
 class FrameReader {
@@ -385,28 +389,40 @@ class FrameReader {
 
   std::optional<Frame> Read(const Piece& piece) {
     const std::optional<Leader> lone = LoneLeader();
-    if (!lone) {
-      if (std::optional<Frame> frame = ReadWithLeaderInside(piece)) return frame;
+    const bool inside = !lone && HasLeaderInside(piece);
+    if (inside) {
+      const Body body = BodyOf(piece, 2);
+      std::optional<Frame> frame;
+      if (body.IsTight() && !CutBehind(piece, body)) {
+        frame = FrameBehind({piece.First[0], piece.First[1]}, body);
+      }
+      if (frame) return Counted(std::move(frame), body.Size);
     }
     const Body body = BodyOf(piece, 0);
     if (CutBehind(piece, body)) return std::nullopt;
     std::optional<Frame> frame;
     if (body.IsTight()) frame = lone ? FrameBehind(*lone, body) : BiphaseFrame(body);
     if (!frame && !lone && body.IsTight()) frame = TwoLengths(body);
-    if (!frame) found_.Damaged = true;
     if (!body.IsTight()) found_.Stray = true;
-    if (!frame && IsStrange(body)) found_.Strange.push_back(piece);
+    if (!frame && IsStrange(inside ? BodyOf(piece, 2) : body)) found_.Strange.push_back(piece);
+    return Counted(std::move(frame), body.Size - (inside && !frame ? 2 : 0));
+  }
+
+  std::optional<Frame> Counted(std::optional<Frame> frame, std::size_t runs) {
+    if (frame) {
+      frame->Runs = runs;
+    } else {
+      found_.MostUnread = std::max(found_.MostUnread, runs);
+    }
     return frame;
   }
 
-  std::optional<Frame> ReadWithLeaderInside(const Piece& piece) const {
-    if (piece.Size < 5) return std::nullopt;
+  /// Whether the first mark of a piece stands well above the others.
+  static bool HasLeaderInside(const Piece& piece) {
+    if (piece.Size < 5) return false;
     int longest = 0;
     for (std::size_t i = 2; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
-    if (piece.First[0] < kLeaderOverMarks * longest) return std::nullopt;
-    const Body body = BodyOf(piece, 2);
-    if (!body.IsTight() || CutBehind(piece, body)) return std::nullopt;
-    return FrameBehind({piece.First[0], piece.First[1]}, body);
+    return piece.First[0] >= kLeaderOverMarks * longest;
   }
 
   /// Whether the capture may have ended within the frame.
@@ -464,22 +480,29 @@ std::size_t CountOf(const std::vector<Frame>& frames, const Frame& wanted) {
                                                 [&](const Frame& frame) { return frame.SameCode(wanted); }));
 }
 
-/// The frame that the frames of one press prove: the one that is there twice. Where another one differs or is
-/// damaged, it must be a frame that would do by itself.
+/// Whether a frame is longer than all pieces of the press that differ: lost marks make a frame shorter.
+bool IsLongest(const Frame& frame, const Findings& found) {
+  return frame.Runs > found.MostUnread &&
+         std::all_of(found.Frames.begin(), found.Frames.end(),
+                     [&](const Frame& other) { return other.SameCode(frame) || other.Runs < frame.Runs; });
+}
+
+/// The frame that the frames of one press prove: the one that is there twice, and longer than what differs or
+/// such that it would do by itself.
 const Frame* ProvenFrame(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
-  // Biphase would show a stray run in its pairs.
-  const bool lone = frames.size() == 1 && (!found.Stray || frames.front().Kind == kRc5);
-  const Frame* proven = lone ? &frames.front() : nullptr;
+  const Frame* proven = nullptr;
   for (const Frame& frame : frames) {
     if (CountOf(frames, frame) < 2) continue;
     if (proven == nullptr) proven = &frame;
     if (!proven->SameCode(frame)) return nullptr;
   }
-  if (proven == nullptr) return nullptr;
-  const std::size_t count = CountOf(frames, *proven);
-  const bool unanimous = count > 1 && count == frames.size() && !found.Damaged;
-  return unanimous || ProvesItself(*proven) ? proven : nullptr;
+  if (proven != nullptr) return IsLongest(*proven, found) || ProvesItself(*proven) ? proven : nullptr;
+
+  if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
+  // Biphase would show a stray or a lost run in its pairs.
+  const bool doubtful = found.Stray || !IsLongest(frames.front(), found);
+  return doubtful && frames.front().Kind != kRc5 ? nullptr : &frames.front();
 }
 
 /// Whether the pieces are one frame, sent again and again.

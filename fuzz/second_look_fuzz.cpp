@@ -1,0 +1,39 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "signal/decode.h"
+#include "signal/record_road.h"
+#include "signal/run_symbols.h"
+#include "signal/second_look.h"
+
+namespace {
+
+void Check(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// Frames are runs of marks and spaces between the marks of their borders, and a proven one has a code.
+void CheckLook(const keplo::SecondLook& look) {
+  Check(look.Symbols.find_first_not_of("01Gg") == std::string::npos);
+  Check(look.Symbols.empty() || keplo::kMarks.find(look.Symbols.front()) != std::string_view::npos);
+  if (look.Proven != keplo::SecondLook::Proof::Sure) return;
+  const auto frame = keplo::IsolateFrame(look.Frame);
+  Check(frame && look.BaseT > 0 && keplo::DecodeCode(*frame, look.ProtoKind).size() >= 7);
+}
+
+}  // namespace
+
+/// Arbitrary bytes as a capture: nothing may go out of bounds, and what is found is of one piece.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view capture(reinterpret_cast<const char*>(data), size);
+  CheckLook(keplo::LookAgain(keplo::SamplesToBits(capture)));
+
+  keplo::SignalState state;
+  const keplo::MonitorReading heard = keplo::ReadCapture(capture, state, keplo::Analysis::Second);
+  Check(heard.Digits.find_first_not_of("01") == std::string::npos);
+  keplo::ReadRecordedCapture(capture, state, keplo::Analysis::Second);
+  return 0;
+}
