@@ -392,29 +392,29 @@ class FrameReader {
     const bool inside = !lone && HasLeaderInside(piece);
     if (inside) {
       const Body body = BodyOf(piece, 2);
-      std::optional<Frame> frame;
-      if (body.IsTight() && !CutBehind(piece, body)) {
-        frame = FrameBehind({piece.First[0], piece.First[1]}, body);
-      }
-      if (frame) return Counted(std::move(frame), body.Size);
+      const bool cut = CutBehind(piece, body);
+      if (auto frame = cut ? std::nullopt : ReadBody(body, Leader{piece.First[0], piece.First[1]}))
+        return frame;
     }
     const Body body = BodyOf(piece, 0);
     if (CutBehind(piece, body)) return std::nullopt;
-    std::optional<Frame> frame;
-    if (body.IsTight()) frame = lone ? FrameBehind(*lone, body) : BiphaseFrame(body);
-    if (!frame && !lone && body.IsTight()) frame = TwoLengths(body);
-    if (!body.IsTight()) found_.Stray = true;
-    if (!frame && IsStrange(inside ? BodyOf(piece, 2) : body)) found_.Strange.push_back(piece);
-    return Counted(std::move(frame), body.Size - (inside && !frame ? 2 : 0));
+    std::optional<Frame> frame = ReadBody(body, lone);
+    if (!frame) TakeUnread(piece, inside ? BodyOf(piece, 2) : body);
+    return frame;
   }
 
-  std::optional<Frame> Counted(std::optional<Frame> frame, std::size_t runs) {
-    if (frame) {
-      frame->Runs = runs;
-    } else {
-      found_.MostUnread = std::max(found_.MostUnread, runs);
-    }
+  static std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader) {
+    if (!body.IsTight()) return std::nullopt;
+    std::optional<Frame> frame = leader ? FrameBehind(*leader, body) : BiphaseFrame(body);
+    if (!frame && !leader) frame = TwoLengths(body);
+    if (frame) frame->Runs = body.Size;
     return frame;
+  }
+
+  void TakeUnread(const Piece& piece, const Body& body) {
+    found_.MostUnread = std::max(found_.MostUnread, body.Size);
+    if (!body.IsTight()) found_.Stray = true;
+    if (IsStrange(body)) found_.Strange.push_back(piece);
   }
 
   /// Whether the first mark of a piece stands well above the others.
