@@ -2,9 +2,12 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/analysis_option.h"
+#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/json_line.h"
 #include "cli/line_options.h"
@@ -20,7 +23,9 @@ namespace {
 
 struct DecodeOptions {
   std::vector<std::string> Files;
+  std::string AppPath;
   bool Json = false;
+  std::optional<keplo::Analysis> Analysis;
   LineOptions Line;
 };
 
@@ -31,6 +36,7 @@ struct Row {
   Stage Ended = Stage::Empty;
   const Timing* Measured = nullptr;
   std::string Digits;
+  std::optional<Analysis> ReadBy;
 
   bool HasCode() const { return Ended == Stage::Code; }
   bool HasDigits() const { return Ended == Stage::Code || Ended == Stage::Length; }
@@ -45,12 +51,14 @@ nlohmann::ordered_json ToJson(const Row& row) {
   json["base_t"] = nullptr;
   json["code"] = nullptr;
   json["bits"] = nullptr;
+  json["analysis"] = nullptr;
   if (row.Measured != nullptr) {
     json["protocol"] = ProtoKindName(row.Measured->ProtoKind);
     json["base_t"] = row.Measured->BaseT;
   }
   if (row.HasCode()) json["code"] = row.Digits;
   if (row.HasDigits()) json["bits"] = row.Digits.size();
+  if (row.ReadBy) json["analysis"] = AnalysisName(*row.ReadBy);
   return json;
 }
 
@@ -60,36 +68,46 @@ std::string ToText(const Row& row) {
     text += std::string(ProtoKindName(row.Measured->ProtoKind)) + ", base time " +
             std::to_string(row.Measured->BaseT) + " samples, ";
   }
-  if (row.HasCode()) return text + "code " + row.Digits + " (" + std::to_string(row.Digits.size()) + " bits)";
+  if (row.HasCode()) {
+    text += "code " + row.Digits + " (" + std::to_string(row.Digits.size()) + " bits)";
+    return row.ReadBy ? text + ", " + std::string(WordOf(*row.ReadBy)) : text;
+  }
   return text + "no code: " + DescribeStage(row.Ended);
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming; }
 
 /// @return whether every press of the recording gave a code
-bool DecodeRecording(const Recording& recording, const DecodeOptions& options) {
+bool DecodeRecording(const Recording& recording, const DecodeOptions& options, Analysis analysis) {
   bool all = true;
   Row row;
   row.File = recording.Path;
   for (const Press& press : recording.Presses) {
     SignalState state;
     const MonitorReading reading =
-        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, options.Line), state);
+        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, options.Line), state, analysis);
     ++row.Press;
     row.Ended = reading.Ended;
     row.Measured = WasMeasured(reading.Ended) ? &state.Measured : nullptr;
     row.Digits = reading.Digits;
+    row.ReadBy = reading.ReadBy;
     std::cout << (options.Json ? JsonLine(ToJson(row)) : ToText(row)) << '\n';
     all = all && row.HasCode();
   }
   return all;
 }
 
+Analysis AnalysisFor(const DecodeOptions& options) {
+  if (options.Analysis) return *options.Analysis;
+  return options.AppPath.empty() ? Analysis::Second : AnalysisOf(OpenConfig(options.AppPath));
+}
+
 int Decode(const DecodeOptions& options) {
+  const Analysis analysis = AnalysisFor(options);
   int status = kDone;
   for (const std::string& file : options.Files) {
     try {
-      if (!DecodeRecording(LoadRecording(file), options)) status = std::max(status, kNoResult);
+      if (!DecodeRecording(LoadRecording(file), options, analysis)) status = std::max(status, kNoResult);
     } catch (const Failure& failure) {
       std::cerr << "keplo: " << failure.what() << '\n';
       status = kWrongUse;
@@ -108,6 +126,8 @@ void AddDecodeCommand(CLI::App& app, int& status) {
                    "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
       ->required();
   command->add_flag("--json", options->Json, "One JSON object a press");
+  AddAppPathOption(*command, options->AppPath);
+  AddAnalysisOption(*command, options->Analysis);
   AddLineOptions(*command, options->Line);
   command->callback([options, &status] { status = Decode(*options); });
 }

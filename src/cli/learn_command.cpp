@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/analysis_option.h"
 #include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/line_options.h"
@@ -35,24 +36,26 @@ struct Lesson {
 };
 
 /// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
-bool SentTwice(const Press& press, LineOptions line, const std::string& code) {
+bool SentTwice(const Press& press, LineOptions line, const std::string& code, Analysis analysis) {
   line.HoldMs = 0;
   SignalState state;
-  const RecordReading recorded = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state);
+  const RecordReading recorded =
+      ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
   return recorded.Repeats && recorded.Code == code;
 }
 
-Lesson ReadPresses(const LearnOptions& options, CfgStore& store) {
+Lesson ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
   Lesson lesson;
   for (const std::string& file : options.Files) {
     for (const Press& press : LoadRecording(file).Presses) {
       SignalState state;
-      lesson.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state);
+      lesson.Last =
+          ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
       if (!WhyNoCode(lesson.Last).empty()) continue;
       const std::string& code = lesson.Last.Code;
       lesson.Codes.insert(code);
       lesson.Known = LookupCommand(store, code, lesson.Last.ProtoKind);
-      Validate(lesson.Validation, code, SentTwice(press, options.Line, code), lesson.Known);
+      Validate(lesson.Validation, code, SentTwice(press, options.Line, code, analysis), lesson.Known);
     }
   }
   return lesson;
@@ -83,7 +86,7 @@ int Refuse(const std::string& text) {
 int Learn(const LearnOptions& options) {
   OpenConfig config(options.AppPath);
   config.RequireWhole();
-  const Lesson lesson = ReadPresses(options, config.Mod.Store);
+  const Lesson lesson = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
   if (const std::string reason = WhyNoCommand(lesson); !reason.empty()) return Refuse(reason);
   try {
     const LearnResult result = Store(options, lesson, config.Mod.Store);

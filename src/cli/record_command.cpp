@@ -3,9 +3,11 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/analysis_option.h"
 #include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/json_line.h"
@@ -25,6 +27,7 @@ struct RecordOptions {
   std::vector<std::string> Files;
   std::string AppPath;
   bool Json = false;
+  std::optional<keplo::Analysis> Analysis;
   LineOptions Line;
 };
 
@@ -69,8 +72,9 @@ nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& read
                               const std::string& knownAs) {
   nlohmann::ordered_json json;
   json["file"] = file;
-  for (const char* field : {"protocol", "base_t", "pulse_us", "code", "bits", "repeats", "sync_type",
-                            "address", "command", "toggle", "ones", "zeros", "known_as"}) {
+  for (const char* field :
+       {"protocol", "base_t", "pulse_us", "code", "bits", "repeats", "sync_type", "address", "command",
+        "extended", "toggle", "ones", "zeros", "known_as", "analysis"}) {
     json[field] = nullptr;
   }
   if (reading.Ended < RecordStage::Unknown) return json;
@@ -78,6 +82,7 @@ nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& read
   json["pulse_us"] = reading.PulseUs();
   if (NamesKind(reading)) json["protocol"] = ProtoKindName(reading.ProtoKind);
   if (reading.Ended < RecordStage::Fragment) return json;
+  json["analysis"] = AnalysisName(reading.ReadBy);
   json["bits"] = reading.Code.size();
   json["repeats"] = reading.Repeats;
   if (reading.SyncType) json["sync_type"] = *reading.SyncType;
@@ -86,6 +91,7 @@ nlohmann::ordered_json ToJson(const std::string& file, const RecordReading& read
   if (reading.Ended == RecordStage::Code) json["code"] = reading.Code;
   if (reading.Values) json["address"] = reading.Values->Address;
   if (reading.Values) json["command"] = reading.Values->Command;
+  if (reading.Values && reading.Values->Extended) json["extended"] = *reading.Values->Extended;
   if (reading.Toggle) json["toggle"] = ToggleJson(*reading.Toggle);
   if (!knownAs.empty()) json["known_as"] = knownAs;
   return json;
@@ -105,19 +111,28 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   if (reading.Values) {
     text += ", address " + std::to_string(reading.Values->Address) + ", command " +
             std::to_string(reading.Values->Command);
+    if (reading.Values->Extended) text += ", extended " + std::to_string(*reading.Values->Extended);
   }
   if (reading.Toggle) text += std::string(", toggle ") + *reading.Toggle;
-  return text + (knownAs.empty() ? ", not known" : ", known as " + knownAs);
+  text += knownAs.empty() ? ", not known" : ", known as " + knownAs;
+  return text + ", " + std::string(WordOf(reading.ReadBy));
+}
+
+/// @param config that of the options, or of the user's own install
+Analysis AnalysisFor(const RecordOptions& options, const OpenConfig* config) {
+  if (options.Analysis) return *options.Analysis;
+  return options.AppPath.empty() || config == nullptr ? Analysis::Second : AnalysisOf(*config);
 }
 
 /// @return whether every press of the recording gave a code
 bool Explain(const Recording& recording, const RecordOptions& options, OpenConfig* config) {
+  const Analysis analysis = AnalysisFor(options, config);
   bool all = true;
   int number = 0;
   for (const Press& press : recording.Presses) {
     SignalState state;
     const RecordReading reading =
-        ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state);
+        ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
     const std::string knownAs = KnownAs(config, reading);
     const std::string place = recording.Path + " press " + std::to_string(++number) + ": ";
     const std::string reason = WhyNoCode(reading);
@@ -157,6 +172,7 @@ void AddRecordCommand(CLI::App& app, int& status) {
       ->required();
   command->add_flag("--json", options->Json, "One JSON object a press");
   AddAppPathOption(*command, options->AppPath);
+  AddAnalysisOption(*command, options->Analysis);
   AddLineOptions(*command, options->Line);
   command->callback([options, &status] { status = Record(*options); });
 }

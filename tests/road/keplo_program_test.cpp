@@ -151,6 +151,36 @@ TEST(KeploProgram, ReadsStandardInputInBothForms) {
   EXPECT_EQ(oneLine.Out, mode2.Out);
 }
 
+TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
+  const TempFolder home;
+  ASSERT_EQ(RunKeplo("install" + AppPath(home)).Status, 0);
+  const std::string press = Quoted(home.Path() / "sony15.mode2");
+  ASSERT_EQ(RunKeplo("synth --protocol SONY --code 101010010000110 >" + press).Status, 0);
+  const auto readBy = [&](const std::string& options) {
+    std::string told;
+    for (const std::string command : {"decode", "record"}) {
+      const json row = json::parse(RunKeplo(command + " --json" + options + press).Out);
+      told += row.at("analysis").dump() + (row.at("code").is_null() ? " no code " : " code ");
+    }
+    return told;
+  };
+  const std::string second = "\"second\" code \"second\" code ";
+  // The monitor of the first analysis takes SONY of 12 digits alone.
+  const std::string first = "\"first\" no code \"first\" code ";
+  EXPECT_EQ(readBy(""), second);
+  EXPECT_EQ(readBy(" --analysis first"), first);
+  EXPECT_EQ(readBy(AppPath(home)), second) << "as a first install says";
+  ASSERT_EQ(RunKeplo("settings ANALYSIS 0" + AppPath(home)).Status, 0);
+  EXPECT_EQ(readBy(AppPath(home)), first);
+  EXPECT_EQ(readBy(AppPath(home) + " --analysis second"), second);
+
+  home.Write("hum.cap", std::string(400, '\xAA'));
+  const json noise = json::parse(RunKeplo("decode --json" + Quoted(home.Path() / "hum.cap")).Out);
+  EXPECT_TRUE(noise.at("analysis").is_null()) << noise;
+  EXPECT_NE(RunKeplo("decode" + press).Out.find("(15 bits), second look"), std::string::npos);
+  EXPECT_EQ(RunKeplo("decode --analysis third" + press).Status, 2);
+}
+
 TEST(KeploProgram, TellsWhatIsWrongAndWhatToDo) {
   const TempFolder home;
   const std::string damaged = home.Write("damaged.mode2", "pulse 9000\nspace 4500\npulse many\n").string();

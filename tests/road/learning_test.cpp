@@ -68,7 +68,7 @@ TEST(Learning, TellsWhatTheWindowShows) {
   const Install install;
   const std::string press = NewPress(install, "sony.mode2", "--protocol SONY --code 101010010000 --jitter 0");
   const json row = json::parse(RunKeplo("record --json" + press + install.Option()).Out);
-  EXPECT_EQ(row.size(), 14U) << row;
+  EXPECT_EQ(row.size(), 16U) << row;
   EXPECT_EQ(row.at("protocol"), "SONY");
   EXPECT_EQ(row.at("pulse_us"), row.at("base_t").get<int>() * 55);
   EXPECT_EQ(row.at("bits"), 12);
