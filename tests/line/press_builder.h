@@ -23,9 +23,11 @@ inline PulseTrain Clean(std::int16_t kind, const std::string& bits, int excess =
 }
 
 /// What the monitor reads in a press: the digits, or the stage at which it gave up.
-inline std::string Heard(const PulseTrain& press, const LineOptions& options = {}) {
+inline std::string Heard(const PulseTrain& press, const LineOptions& options = {},
+                         Analysis analysis = Analysis::First) {
   SignalState state;
-  const MonitorReading reading = ReadCapture(CaptureOfPress(press, kMonitorCaptureBytes, options), state);
+  const MonitorReading reading =
+      ReadCapture(CaptureOfPress(press, kMonitorCaptureBytes, options), state, analysis);
   return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
 }
 

@@ -44,5 +44,27 @@ TEST(RealRecordings, AreHeardRightOrNotAtAll) {
   }
 }
 
+TEST(RealRecordings, AreAllReadByTheSecondLookEvenUnshaped) {
+  std::ifstream index(CapturesFolder() / "index.json");
+  if (!index)
+    GTEST_SKIP() << "There are no recordings in " << CapturesFolder() << "; KEPLO_CAPTURES names a folder.";
+  for (const nlohmann::json& entry : nlohmann::json::parse(index)) {
+    std::string code = entry.at("bits");
+    if (entry.at("protocol") == "rc5") code[kToggleBitOffset] = '0';
+    const std::string file = entry.at("file");
+    const Recording recording = LoadRecording((CapturesFolder() / file).string());
+    for (const int sampleTime : {40, 50, 55, 60, 75}) {
+      for (const bool shape : {false, true}) {
+        LineOptions line;
+        line.SampleTime = sampleTime;
+        line.Shape = shape;
+        line.HoldMs = 0;
+        EXPECT_EQ(Heard(std::get<PulseTrain>(recording.Presses.at(0)), line, Analysis::Second), code)
+            << file << " at " << sampleTime << " us";
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace keplo

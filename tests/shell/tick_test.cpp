@@ -63,6 +63,18 @@ TEST_F(Tick, RaisesTheEventOfAPress) {
   EXPECT_TRUE(control.Timer1.Enabled());
 }
 
+TEST_F(Tick, ReadsWithTheAnalysisOfTheSettings) {
+  const std::string ones(32, '1');  // long spaces alone, which the first analysis cannot measure
+  WriteConfig({}, ProtocolSection("NEC", "G" + ones + ",POWER\r\n"));
+  Keplo& control = Start();
+  line_.Captures = {Press(ones), Press(ones)};
+  control.Timer1.Tick();
+  EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
+  mod_->Settings.Analysis = Analysis::Second;
+  control.Timer1.Tick();
+  EXPECT_EQ(control.LastTick().Reading.Ended, Stage::Code);
+}
+
 TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
   Keplo& control = Start();
   line_.Captures = {std::string(510, '\xAA')};

@@ -44,6 +44,15 @@ TEST_F(RecordFlow, EveryLineCodeIsExplained) {
   EXPECT_TRUE(form_->ToggleVal.Visible());
 }
 
+TEST_F(RecordFlow, TheSecondLookTellsTheNumbersOfSonysTwentyDigits) {
+  const auto press = Frames(SonyRuns("10100010001011000000"), 2);
+  Record(press);
+  EXPECT_EQ(Fields(), "20|2|Y|SONY|||N|SONY params|");
+  mod_->Settings.Analysis = Analysis::Second;
+  Record(press);
+  EXPECT_EQ(Fields(), "20|2|Y|SONY|8.3|69|N|SONY params|");
+}
+
 TEST_F(RecordFlow, AKnownCommandIsNamedAndSelected) {
   form_->Protocol.SelectText("Recorded");
   line_.Calls.clear();
