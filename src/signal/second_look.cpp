@@ -20,10 +20,10 @@ constexpr int kInterference = 2;          // samples; shorter runs than three be
 constexpr double kGapUnits = 5.5;         // longer spaces part frames; within a frame four base times occur
 constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
 constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
-constexpr double kStepUnits = 0.35;
-constexpr double kClearSteps = 0.4;
-constexpr double kSpreadUnits = 0.7;
-constexpr double kLeaderUnits = 2.7;      // SONY's leader has 4, the double mark of biphase 2
+constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
+constexpr double kSpreadUnits = 0.7;  // between runs of one length: 50 us of jitter and the sample grid
+constexpr double kClearSteps = 0.4;   // of the way between two lengths that has no run, with 25 us
+constexpr double kLeaderUnits = 2.7;  // SONY's leader has 4, the double mark of biphase 2
 constexpr double kLeaderOverMarks = 1.4;  // SONY: 4 to 2 base times, with 300 us of mark excess still 1.7
 
 /// The runs of a capture: marks and spaces in turn, from the first mark to the last.
