@@ -100,7 +100,7 @@ class OutsideScreen {
     if (pipe(told.data()) != 0) throw std::runtime_error("no pipe for the number of the display");
     fcntl(told[0], F_SETFD, FD_CLOEXEC);
     server_.emplace(Words{"Xvfb", display_, "-displayfd", std::to_string(told[1]), "-screen", "0",
-                          "1280x800x24", "-fbdir", frame_.Path().string()});
+                          "1280x800x24", "-noreset", "-fbdir", frame_.Path().string()});
     close(told[1]);
     // The server tells its number, a line, once it can be used.
     char last = 0;
