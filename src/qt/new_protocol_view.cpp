@@ -2,6 +2,8 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "qt/button_view.h"
@@ -63,6 +65,10 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
   whole->addLayout(fields);
   whole->addStretch(1);
   whole->addLayout(Buttons());
+  // The name is only a proposal, and comes in when the dialog is filled.
+  if (auto* name = findChild<QLineEdit*>(QStringLiteral("CProtIn"))) {
+    QTimer::singleShot(0, name, &QLineEdit::selectAll);
+  }
 }
 
 void NewProtocolView::AddField(QGridLayout& rows, const NewProtocolRow& row) {
@@ -82,7 +88,7 @@ QLayout* NewProtocolView::Buttons() {
   for (const NewProtocolRow& row : NewProtocolControls()) {
     if (!IsButton(row)) continue;
     QWidget* button = MakeView(model_, row, this);
-    button->setMinimumWidth(LettersWide(*button, kButtonLetters));
+    button->setMinimumSize(LettersWide(*button, kButtonLetters), button->fontMetrics().height() * 2);
     buttons->addWidget(button);
   }
   return buttons;

@@ -4,6 +4,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
 
 #include "qt/text.h"
 
@@ -42,12 +43,31 @@ class UsualCursor {
   UsualCursor& operator=(const UsualCursor&) = delete;
 };
 
+/// A box over the active window. It may go while it is open, together with that window; this counts as a No
+/// or a Cancel.
+template <typename Box>
+class BoxOverWindow {
+ public:
+  template <typename... Arguments>
+  explicit BoxOverWindow(const Arguments&... arguments)
+      : box_(new Box(arguments..., QApplication::activeWindow())) {}
+  ~BoxOverWindow() { delete box_.data(); }
+  BoxOverWindow(const BoxOverWindow&) = delete;
+  BoxOverWindow& operator=(const BoxOverWindow&) = delete;
+
+  Box* operator->() const { return box_.data(); }
+  int Answer() const { return box_->exec(); }
+
+ private:
+  QPointer<Box> box_;
+};
+
 int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons,
         QMessageBox::Icon icon = QMessageBox::NoIcon) {
   const UsualCursor waitingForTheUser;
-  QMessageBox box(icon, ShownText(title), Lines(text), buttons, QApplication::activeWindow());
-  box.setTextFormat(Qt::PlainText);
-  return box.exec();
+  const BoxOverWindow<QMessageBox> box(icon, ShownText(title), Lines(text), buttons);
+  box->setTextFormat(Qt::PlainText);
+  return box.Answer();
 }
 
 }  // namespace
@@ -68,12 +88,12 @@ bool QtBoxes::Question(std::string_view text, std::string_view title) {
 
 std::string QtBoxes::Input(std::string_view text, std::string_view title, std::string_view preset) {
   const UsualCursor waitingForTheUser;
-  QInputDialog box(QApplication::activeWindow());
-  box.setWindowTitle(ShownText(title));
-  box.setLabelText(Lines(text));
-  box.setTextValue(ShownText(preset));
-  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
-  return box.exec() == QDialog::Accepted ? TypedText(box.textValue()) : std::string();
+  const BoxOverWindow<QInputDialog> box;
+  box->setWindowTitle(ShownText(title));
+  box->setLabelText(Lines(text));
+  box->setTextValue(ShownText(preset));
+  for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  return box.Answer() == QDialog::Accepted ? TypedText(box->textValue()) : std::string();
 }
 
 }  // namespace keplo::qt

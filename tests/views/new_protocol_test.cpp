@@ -72,6 +72,23 @@ TEST_F(ProtocolDialogOnScreen, StandsInThePlaceOfTheWindowUntilItIsLeft) {
   EXPECT_NE(File().find("# made for a test!\r\n"), std::string::npos) << File();
 }
 
+TEST_F(ProtocolDialogOnScreen, TakesItsQuestionAlongWhenTheWindowCloses) {
+  QtBoxes boxes;
+  view_.reset();
+  form_ = std::make_unique<Form1>(*mod_, line_, boxes);
+  ASSERT_TRUE(form_->Form_Load());
+  view_ = std::make_unique<Form1View>(*form_);
+  const std::string before = File();
+  QWidget& dialog = New();
+  QTimer::singleShot(0, qApp, [&] {
+    EXPECT_NE(dynamic_cast<QMessageBox*>(QApplication::activeModalWidget()), nullptr);
+    form_->Form_Unload();
+  });
+  QTest::mouseClick(dialog.findChild<QWidget*>(QStringLiteral("CreateButton")), Qt::LeftButton);
+  EXPECT_EQ(Dialog(), nullptr);
+  EXPECT_EQ(File(), before);
+}
+
 TEST_F(ProtocolDialogOnScreen, IsWorkedByKeysAlone) {
   QWidget& dialog = New();
   Texts walked;
@@ -97,6 +114,22 @@ TEST_F(ProtocolDialogOnScreen, IsWholeAndReadableForEveryUser) {
       dialog.close();
       QCoreApplication::processEvents();
     }
+  }
+}
+
+TEST(QtBoxes, ABoxThatGoesWithItsWindowIsRefused) {
+  const std::vector<std::function<bool(QtBoxes&)>> asked = {
+      [](QtBoxes& boxes) { return boxes.Question("?", "Keplo"); },
+      [](QtBoxes& boxes) { return boxes.Confirm("?", "Keplo"); },
+      [](QtBoxes& boxes) { return !boxes.Input("?", "Keplo", "POWER").empty(); },
+  };
+  for (const auto& ask : asked) {
+    auto window = std::make_unique<QWidget>();
+    window->show();
+    QApplication::setActiveWindow(window.get());
+    QTimer::singleShot(0, qApp, [&] { window.reset(); });
+    QtBoxes boxes;
+    EXPECT_FALSE(ask(boxes));
   }
 }
 
