@@ -114,6 +114,12 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
 
 std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol,
                                      std::string_view name) {
+  const std::optional<LineRange> line = FirstLine(LinesOf(text, protocol), [&](const Line& candidate) {
+    // With its line end: the last character of a text begins no match.
+    const std::string_view whole = Part(text, candidate.Range.First, candidate.Range.Last + 1);
+    return candidate.IsCommand() && FindNoCase(name, whole, 1) != kNowhere;
+  });
+  if (line) return std::string(Part(text, line->First, SeekForward(text, line->First, ',')));
   const std::optional<Section> section = FindSection(text, protocol);
   const int match = section ? FindNoCase(name, text, section->Begin) : kNowhere;
   const int second = match == kNowhere ? kNowhere : SeekBack(text, match, '\n') + 2;

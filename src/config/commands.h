@@ -34,8 +34,8 @@ struct LearnedCommand {
 /// counts as one. A section that no other one follows has none.
 std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view protocol);
 
-/// The code of the line in which the name is found first behind the header of the section. That is a line
-/// further up if the name is a part of it.
+/// The code of the command line in which the name is found first behind the header of the section. That is a
+/// line further up if the name is a part of it. Only where no command line has it any line counts.
 /// @return G and the rest of the line up to its comma; empty if section, name or comma is missing
 std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol, std::string_view name);
 

@@ -118,6 +118,9 @@ TEST(ListCommands, WalksFromCommaToComma) {
   EXPECT_EQ(Listed(edited, "X"), (Names{"# this  that", "G10  A ", "G11 "}));
   EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "POWER"), "G1010");
   EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "OFF"), "G1111") << "the first line with the text";
+  std::string described = kTwoProtocols;
+  described.insert(described.find("made for"), "UP POWER ");
+  EXPECT_EQ(ShownCode(described, "NEC", "POWER"), "G1010") << "a description has no code";
   EXPECT_EQ(ShownCode(kTwoProtocols, "JVC", "POWER"), std::nullopt);
   EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "END]"), std::nullopt) << "no comma behind it";
 }
