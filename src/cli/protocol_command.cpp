@@ -118,8 +118,9 @@ std::string WhyNotDeleted(const ProtocolWords& words) {
   config.RequireWhole();
   const ProtocolRefusal refusal = CheckProtocolDelete(words.Name);
   if (refusal != ProtocolRefusal::None) return std::string(RefusalText(refusal));
-  if (WithoutSection(config.Mod.Store.CfgText, words.Name)) return {};
-  return words.Name + ": " + std::string(RefusalText(ProtocolRefusal::NoSection));
+  const ProtocolRefusal noSection = WithoutSection(config.Mod.Store.CfgText, words.Name).Refused;
+  if (noSection == ProtocolRefusal::None) return {};
+  return words.Name + ": " + std::string(RefusalText(noSection));
 }
 
 int DeleteAgreed(const ProtocolWords& words) {

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kShortestName = 3, kLongestName = 12;
 constexpr int kShortestSilence = 16;  // slots; what is shorter counts as a part of the frame
 
-constexpr std::array<std::string_view, 20> kRefusalTexts = {
+constexpr std::array<std::string_view, 23> kRefusalTexts = {
     "",
     "The Template protocol cannot be edited",
     "The Template protocol cannot be deleted",
@@ -41,7 +41,11 @@ constexpr std::array<std::string_view, 20> kRefusalTexts = {
     "BIT0 must have a binary value",
     "BIT1 must have a binary value",
     "The configuration has no whole section of this protocol.",
-    "The configuration has no section [Template] that a new protocol could stand ahead of."};
+    "The configuration has no section [Template] that a new protocol could stand ahead of.",
+    "A line of the configuration does not end in CR LF. Give all its lines these ends, as unix2dos does, and "
+    "try again.",
+    "The header line of the section is not plain. Leave only the name and its brackets in it, and try again.",
+    "Another section of this name stands ahead of [General]. Take it out, and try again."};
 
 /// Where the search for a section begins: what stands ahead of [General] is none, even if it looks so.
 int StartOfSections(std::string_view text) { return std::max(FindNoCase("[General]", text, 1), 1); }
@@ -50,6 +54,15 @@ std::optional<Section> FindClosed(std::string_view text, std::string_view protoc
   std::optional<Section> section = FindSection(text, protocol, StartOfSections(text));
   if (section && (!section->Closed || IsGeneral(protocol))) section.reset();
   return section;
+}
+
+/// As FindClosed, for a change: it must be the section that is read, too.
+ProtocolRefusal FindToChange(std::string_view text, std::string_view protocol, Section& section) {
+  const std::optional<Section> found = FindClosed(text, protocol);
+  if (!found) return ProtocolRefusal::NoSection;
+  section = *found;
+  return FindSection(text, protocol)->Begin == section.Begin ? ProtocolRefusal::None
+                                                             : ProtocolRefusal::SectionTwice;
 }
 
 /// Walks the keys of one section, each searched from behind the one before it.
@@ -62,6 +75,12 @@ class SectionKeys {
   std::string Take(std::string_view key) {
     position_ = FindNoCase(key, text_, position_);
     return std::string(GetLineAt(text_, position_));
+  }
+  /// The same up to the very next CR, so that the line below never comes along.
+  std::string TakeLine(std::string_view key) {
+    position_ = FindNoCase(key, text_, position_);
+    const bool isEmpty = SeekForward(text_, position_, '\r') == position_;
+    return isEmpty ? std::string() : std::string(GetLineAt(text_, position_));
   }
   std::int16_t TakeNumber(std::string_view key) { return WithoutFraction<std::int16_t>(Take(key)); }
 
@@ -96,7 +115,7 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
   SectionKeys keys(text, *section);
   ReadSection read;
   read.Draft.Name = protocol;
-  read.Draft.Description = keys.Take("#");
+  read.Draft.Description = keys.TakeLine("#");
   read.Draft.ProtoKind = keys.TakeNumber("GPROTO=");
   ProtocolParams& params = read.Draft.Params;
   params.SENDPLS = keys.TakeNumber("SENDPLS=");
@@ -141,18 +160,14 @@ ProtocolRefusal CheckDescription(std::string_view description) {
                                                            : ProtocolRefusal::KeyInDescription;
 }
 
-/// The lines of a section between header and commands, the last one without its line end.
-std::string ParameterLines(const ProtocolDraft& draft) {
-  const ProtocolParams& params = draft.Params;
-  return "# " + draft.Description + "\r\nGPROTO=" + KeyNumber(draft.ProtoKind) +
-         "\r\nSENDPLS=" + KeyNumber(params.SENDPLS) + "\r\nREPEAT=" + KeyNumber(params.REPEAT) +
-         "\r\nBITG= " + params.BITG + "\r\nBIT0= " + params.BIT0 + "\r\nBIT1= " + params.BIT1 +
-         "\r\nGREPEAT=" + KeyNumber(params.GREPEAT);
-}
-
-/// Saves a text with the protocol of an index as the one that the window starts with.
-void SaveWithCurrent(CfgStore& store, const std::string& text, std::ptrdiff_t index) {
-  ReplaceAndSave(store, WithGeneralValue(text, "PROTOCOL", std::to_string(index)).value_or(text));
+/// Why a block cannot go in ahead of a line end, with a header in the line behind it.
+ProtocolRefusal CheckHeaderBehind(std::string_view text, int lineEnd, int header) {
+  const std::string_view between =
+      text.substr(static_cast<std::size_t>(lineEnd), static_cast<std::size_t>(header - lineEnd - 1));
+  if (between.empty() || between.front() != '\n' || between.find('\n', 1) != std::string_view::npos) {
+    return ProtocolRefusal::LineEnds;
+  }
+  return Trimmed(between.substr(1)).empty() ? ProtocolRefusal::None : ProtocolRefusal::HeaderLine;
 }
 
 }  // namespace
@@ -204,40 +219,67 @@ std::string Splice::In(std::string_view text) const {
   return InsertText(RemoveText(text, First, Last), Block, First);
 }
 
-std::optional<Splice> NewSection(std::string_view text, const ProtocolDraft& draft) {
+std::string ParameterLines(const ProtocolDraft& draft) {
+  const ProtocolParams& params = draft.Params;
+  return "# " + draft.Description + "\r\nGPROTO=" + KeyNumber(draft.ProtoKind) +
+         "\r\nSENDPLS=" + KeyNumber(params.SENDPLS) + "\r\nREPEAT=" + KeyNumber(params.REPEAT) +
+         "\r\nBITG= " + params.BITG + "\r\nBIT0= " + params.BIT0 + "\r\nBIT1= " + params.BIT1 +
+         "\r\nGREPEAT=" + KeyNumber(params.GREPEAT);
+}
+
+SectionChange NewSection(std::string_view text, const ProtocolDraft& draft) {
   const std::optional<Section> next = FindSection(text, "Template", StartOfSections(text));
-  const int place = next ? SeekBack(text, next->Begin - 1, '\r') : kNowhere;
-  if (place == kNowhere) return std::nullopt;
+  const int header = next ? SeekBack(text, next->Begin - 1, '[') : kNowhere;
+  const int place = SeekBack(text, header, '\r');
+  if (place == kNowhere) return ProtocolRefusal::NoTemplate;
+  const ProtocolRefusal refusal = CheckHeaderBehind(text, place, header);
+  if (refusal != ProtocolRefusal::None) return refusal;
   return Splice{place, place - 1,
                 "\r\n[" + draft.Name + "]\r\n" + ParameterLines(draft) + "\r\n\r\n" +
                     std::string(kPlaceholderLine) + "\r\n"};
 }
 
-std::optional<Splice> EditedSection(std::string_view text, const ProtocolDraft& draft) {
+SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft) {
+  Section section;
+  const ProtocolRefusal refusal = FindToChange(text, draft.Name, section);
+  if (refusal != ProtocolRefusal::None) return refusal;
+  const int headerEnd = SeekForward(text, section.Begin, '\n');
+  if (headerEnd == kNowhere || SeekForward(text, section.Begin, '\r') != headerEnd - 1) {
+    return ProtocolRefusal::LineEnds;
+  }
   const std::optional<ReadSection> read = Read(text, draft.Name);
-  const std::optional<Section> section = FindClosed(text, draft.Name);
-  if (!read || !section) return std::nullopt;
-  const int headerEnd = SeekForward(text, section->Begin, '\n');
-  const int lastEnd = SeekForward(text, read->BehindLastKey, '\r');
-  if (headerEnd == kNowhere || lastEnd == kNowhere || lastEnd > section->End) return std::nullopt;
+  const int lastEnd = read ? SeekForward(text, read->BehindLastKey, '\r') : kNowhere;
+  if (lastEnd == kNowhere || lastEnd > section.End) return ProtocolRefusal::NoSection;
+  if (lastEnd <= headerEnd) return ProtocolRefusal::HeaderLine;
   return Splice{headerEnd + 1, lastEnd - 1, ParameterLines(draft)};
 }
 
-std::optional<Splice> WithoutSection(std::string_view text, std::string_view protocol) {
-  const std::optional<Section> section = FindClosed(text, protocol);
-  if (!section) return std::nullopt;
-  return Splice{SeekBack(text, section->Begin, '['), SeekBack(text, section->End, '\n'), {}};
+SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
+  Section section;
+  const ProtocolRefusal refusal = FindToChange(text, protocol, section);
+  if (refusal != ProtocolRefusal::None) return refusal;
+  const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
+  if (last < first) return ProtocolRefusal::HeaderLine;
+  return Splice{first, last, {}};
+}
+
+int ProtocolIndexOf(std::string_view text, std::string_view protocol) {
+  const std::vector<std::string> names = ListProtocols(text);
+  return static_cast<int>(std::find(names.begin(), names.end(), protocol) - names.begin());
+}
+
+std::string WithCurrentProtocol(const std::string& text, int index) {
+  return WithGeneralValue(text, "PROTOCOL", std::to_string(index)).value_or(text);
 }
 
 ProtocolRefusal AddProtocol(CfgStore& store, ProtocolDraft draft) {
   ProtocolRefusal refusal = CheckProtocolName(store.CfgText, draft.Name);
   if (refusal == ProtocolRefusal::None) refusal = CheckProtocolDraft(draft);
   if (refusal != ProtocolRefusal::None) return refusal;
-  const std::optional<Splice> change = NewSection(store.CfgText, draft);
-  if (!change) return ProtocolRefusal::NoTemplate;
-  const std::string text = change->In(store.CfgText);
-  const std::vector<std::string> names = ListProtocols(text);
-  SaveWithCurrent(store, text, std::find(names.begin(), names.end(), draft.Name) - names.begin());
+  const SectionChange planned = NewSection(store.CfgText, draft);
+  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  const std::string text = planned.Change.In(store.CfgText);
+  ReplaceAndSave(store, WithCurrentProtocol(text, ProtocolIndexOf(text, draft.Name)));
   return ProtocolRefusal::None;
 }
 
@@ -245,18 +287,18 @@ ProtocolRefusal EditProtocol(CfgStore& store, ProtocolDraft draft) {
   ProtocolRefusal refusal = CheckProtocolEdit(draft.Name);
   if (refusal == ProtocolRefusal::None) refusal = CheckProtocolDraft(draft);
   if (refusal != ProtocolRefusal::None) return refusal;
-  const std::optional<Splice> change = EditedSection(store.CfgText, draft);
-  if (!change) return ProtocolRefusal::NoSection;
-  ReplaceAndSave(store, change->In(store.CfgText));
+  const SectionChange planned = EditedSection(store.CfgText, draft);
+  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  ReplaceAndSave(store, planned.Change.In(store.CfgText));
   return ProtocolRefusal::None;
 }
 
 ProtocolRefusal DeleteProtocol(CfgStore& store, std::string_view protocol) {
   const ProtocolRefusal refusal = CheckProtocolDelete(protocol);
   if (refusal != ProtocolRefusal::None) return refusal;
-  const std::optional<Splice> change = WithoutSection(store.CfgText, protocol);
-  if (!change) return ProtocolRefusal::NoSection;
-  SaveWithCurrent(store, change->In(store.CfgText), 0);
+  const SectionChange planned = WithoutSection(store.CfgText, protocol);
+  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  ReplaceAndSave(store, WithCurrentProtocol(planned.Change.In(store.CfgText), 0));
   return ProtocolRefusal::None;
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "config/cfg_store.h"
 #include "signal/protocol_params.h"
@@ -37,8 +38,11 @@ enum class ProtocolRefusal {
   BitG,
   Bit0,
   Bit1,
-  NoSection,  // no whole section of that name, with a header behind it
-  NoTemplate  // no section that a new one could stand ahead of
+  NoSection,    // no whole section of that name, with a header behind it
+  NoTemplate,   // no section that a new one could stand ahead of
+  LineEnds,     // a line where the change would begin does not end in CR LF
+  HeaderLine,   // the line of the header holds more than the header
+  SectionTwice  // another section of that name stands ahead of [General], and is the one that is read
 };
 
 /// What to tell the user; empty if nothing was refused.
@@ -72,17 +76,34 @@ struct Splice {
   std::string In(std::string_view text) const;
 };
 
+/// A splice, or why there is none.
+struct SectionChange {
+  ProtocolRefusal Refused = ProtocolRefusal::None;
+  Splice Change;
+
+  SectionChange(ProtocolRefusal refused) : Refused(refused) {}
+  SectionChange(Splice change) : Change(std::move(change)) {}
+};
+
+/// The lines of a section between header and commands, as a save writes them; the last one without its line
+/// end.
+std::string ParameterLines(const ProtocolDraft& draft);
+
 /// A new section, with the placeholder for a command, ahead of the line end that [Template] stands behind.
-/// @return empty without [Template]
-std::optional<Splice> NewSection(std::string_view text, const ProtocolDraft& draft);
+SectionChange NewSection(std::string_view text, const ProtocolDraft& draft);
 
 /// Other parameters for a section: all lines from behind its header to the one of GREPEAT= go.
-/// @return empty unless the section is whole
-std::optional<Splice> EditedSection(std::string_view text, const ProtocolDraft& draft);
+SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft);
 
 /// A section goes, from its header through the line ahead of the next header.
-/// @return empty without the section or without a next header
-std::optional<Splice> WithoutSection(std::string_view text, std::string_view protocol);
+SectionChange WithoutSection(std::string_view text, std::string_view protocol);
+
+/// Place of a protocol in the list of a text, from 0; the number of protocols if it is none of them.
+int ProtocolIndexOf(std::string_view text, std::string_view protocol);
+
+/// The text with the protocol of an index as the one that the window starts with, so that a change of the
+/// sections and this one reach the file together; the same text if it has no place for it.
+std::string WithCurrentProtocol(const std::string& text, int index);
 
 // The three operations without a window, with all their checks. Each saves at once.
 // @throws Failure if the text would grow beyond its limit or the save fails; see ReplaceAndSave

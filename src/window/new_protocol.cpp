@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -68,8 +69,7 @@ bool NewProtocol::IsNew() const { return mod_.ProtocolFormMode == kNewProtocolMo
 
 void NewProtocol::Form_Load() {
   for (const GenericProtocol& generic : kGenericProtocols) GProtoIn.Add(generic.Name);
-  fromRecording_ = EqualNoCase(mod_.Store.CurProtocol, kRecorded) && CodeShown();
-  if (fromRecording_) {
+  if (EqualNoCase(mod_.Store.CurProtocol, kRecorded) && CodeShown()) {
     TakeRecording();
   } else if (!TakeSection()) {
     Refuse();
@@ -124,8 +124,7 @@ bool NewProtocol::TakeSection() {
 
 void NewProtocol::Refuse() {
   Tell("Error in the configuration file\r\nThe Protocol Form can not be opened");
-  form_.MakeProtocolCurrent(SavedProtocolIndex);
-  form_.UnloadProtocolDialog();
+  CancelButton_Click();
 }
 
 void NewProtocol::GProtoIn_Click() {
@@ -147,25 +146,24 @@ void NewProtocol::CreateButton_Click() {
     refusal = CheckProtocolDraft(draft);
     KeepParams(draft);
   }
-  std::optional<Splice> change;
+  SectionChange planned(refusal);
   if (refusal == ProtocolRefusal::None) {
     store.CurProtocol = draft.Name;
-    change = IsNew() ? NewSection(store.CfgText, draft) : EditedSection(store.CfgText, draft);
-    if (!change) refusal = IsNew() ? ProtocolRefusal::NoTemplate : ProtocolRefusal::NoSection;
+    planned = IsNew() ? NewSection(store.CfgText, draft) : EditedSection(store.CfgText, draft);
   }
-  if (!change) {
-    Tell(RefusalText(refusal));
+  if (planned.Refused != ProtocolRefusal::None) {
+    Tell(RefusalText(planned.Refused));
     return;
   }
-  store.CfgPos = change->First;
-  store.CfgPos2 = change->Last;
-  store.NewCmdLine = change->Block;
-  if (!Agreed(change->Block) || !Saved(change->In(store.CfgText))) return;
-  if (IsNew() && !ListProtocolsAgain(draft.Name)) return;
+  const Splice& change = planned.Change;
+  store.CfgPos = change.First;
+  store.CfgPos2 = change.Last;
+  store.NewCmdLine = change.Block;
+  if (!Agreed(change.Block) || !Saved(draft, change)) return;
+  if (IsNew() && !ListProtocolsAgain()) return;
   form_.MakeProtocolCurrent(SavedProtocolIndex);
   form_.UnloadProtocolDialog();
   ShowSendPulse();
-  Saved(store.CfgText);
 }
 
 void NewProtocol::TrimFields() {
@@ -200,28 +198,29 @@ bool NewProtocol::Agreed(const std::string& block) {
   const std::string question =
       IsNew() ? "A new protocol with the following parameters will be created:\r\n" + block + "\r\n"
               : "The new parameters of the selected protocol are:\r\n" + block + "\r\n\r\n";
-  const bool yes = boxes_.Question(question + "Do you want to save it?", kBoxTitle);
-  // The window may have been closed over the question.
-  return yes && form_.ProtocolDialog() == this;
+  return boxes_.Question(question + "Do you want to save it?", kBoxTitle) && IsOpen();
 }
 
-bool NewProtocol::Saved(std::string text) {
+bool NewProtocol::IsOpen() const { return form_.ProtocolDialog() == this; }
+
+bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   CfgStore& store = mod_.Store;
   const std::string before = store.CfgText;
-  const bool done = form_.Told([&] { ReplaceAndSave(store, std::move(text)); });
+  const std::string text = change.In(before);
+  if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
+  // Section and selection in one save: a second one could fail and contradict the first.
+  const bool done = form_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
   // A failure at the very end of a save leaves the new text in place.
-  return done || store.CfgText != before;
+  return (done || store.CfgText != before) && IsOpen();
 }
 
-bool NewProtocol::ListProtocolsAgain(std::string_view current) {
+bool NewProtocol::ListProtocolsAgain() {
   SectionWalk walk = WalkSections(mod_.Store.CfgText);
   if (walk.Ended == WalkEnd::NoGeneral) {
     form_.Protocol.Clear();
     Tell("Error in the configuration file");
     return false;
   }
-  const auto place = std::find(walk.Names.begin(), walk.Names.end(), current) - walk.Names.begin();
-  SavedProtocolIndex = static_cast<std::int16_t>(place);
   walk.Names.emplace_back(kRecorded);
   form_.Protocol.SetEntries(std::move(walk.Names));
   return true;
@@ -230,11 +229,9 @@ bool NewProtocol::ListProtocolsAgain(std::string_view current) {
 void NewProtocol::ShowSendPulse() { form_.SendPulse.SetText(KeyNumber(mod_.ProtocolParams.SENDPLS)); }
 
 void NewProtocol::CancelButton_Click() {
-  if (fromRecording_) {
-    mod_.Store.CurProtocol = kRecorded;  // a press of Save may have put the new name there
-  } else {
-    form_.MakeProtocolCurrent(SavedProtocolIndex);
-  }
+  // A box of the dialog may stand open while the window is closed.
+  if (!IsOpen()) return;
+  form_.TakeSelectedProtocol();
   form_.UnloadProtocolDialog();
 }
 

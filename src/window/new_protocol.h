@@ -46,8 +46,9 @@ class NewProtocol : public ui::Window {
   ProtocolDraft Fields() const;
   void KeepParams(const ProtocolDraft& draft);
   bool Agreed(const std::string& block);
-  bool Saved(std::string text);
-  bool ListProtocolsAgain(std::string_view current);
+  bool IsOpen() const;
+  bool Saved(const ProtocolDraft& draft, const Splice& change);
+  bool ListProtocolsAgain();
   void ShowSendPulse();
   void Tell(std::string_view text);
 
@@ -55,7 +56,6 @@ class NewProtocol : public ui::Window {
   KeploMod& mod_;
   ui::Boxes& boxes_;
   std::int16_t SavedProtocolIndex = 0;
-  bool fromRecording_ = false;
 };
 
 /// One control of the dialog with the texts that it shows.

@@ -1,5 +1,4 @@
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -48,6 +47,13 @@ void Form1::MakeProtocolCurrent(int index) {
   }
 }
 
+void Form1::TakeSelectedProtocol() {
+  mod_.Store.CurProtocol = Protocol.Text();
+  if (RecordedSelected()) return;
+  LoadProtocolParams(mod_.Store.CfgText, mod_.Store.CurProtocol, mod_.ProtocolParams,
+                     mod_.Signal.Measured.ProtoKind);
+}
+
 void Form1::ProtoDeleteMenu_Click() {
   CfgStore& store = mod_.Store;
   const ProtocolRefusal refusal = CheckProtocolDelete(store.CurProtocol);
@@ -59,22 +65,25 @@ void Form1::ProtoDeleteMenu_Click() {
            " from the current configuration file?")) {
     return;
   }
-  const std::optional<Splice> change = WithoutSection(store.CfgText, store.CurProtocol);
-  if (!change) return;
-  store.CfgPos = change->First;
-  store.CfgPos2 = change->Last;
-  std::string rest = change->In(store.CfgText);
+  const SectionChange planned = WithoutSection(store.CfgText, store.CurProtocol);
+  if (planned.Refused != ProtocolRefusal::None) {
+    if (planned.Refused != ProtocolRefusal::NoSection) Tell(RefusalText(planned.Refused));
+    return;
+  }
+  store.CfgPos = planned.Change.First;
+  store.CfgPos2 = planned.Change.Last;
+  std::string rest = planned.Change.In(store.CfgText);
   SectionWalk walk = WalkSections(rest);
   if (walk.Ended != WalkEnd::ClosingHeader) {
     store.ReplaceText(std::move(rest));
     Protocol.SetEntries(std::move(walk.Names));
     return;
   }
-  if (!ChangeCommands([&] { ReplaceAndSave(store, std::move(rest)); })) return;
+  // Section and selection in one save: a second one could fail and contradict the first.
+  if (!ChangeCommands([&] { ReplaceAndSave(store, WithCurrentProtocol(rest, 0)); })) return;
   walk.Names.emplace_back(kRecorded);
   Protocol.SetEntries(std::move(walk.Names));
   MakeProtocolCurrent(0);
-  Told([&] { SaveConfig(store); });
 }
 
 }  // namespace keplo

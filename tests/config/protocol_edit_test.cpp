@@ -152,7 +152,7 @@ TEST(ProtocolEdit, ReadsNoDamagedSection) {
   ASSERT_TRUE(LoadProtocol(whole, "mine"));
   for (const std::string name : {"General", "END", "Recorded", "None", ""}) {
     EXPECT_FALSE(LoadProtocol(whole, name)) << name;
-    EXPECT_FALSE(WithoutSection(whole, name)) << name;
+    EXPECT_EQ(WithoutSection(whole, name).Refused, ProtocolRefusal::NoSection) << name;
   }
   const std::vector<std::pair<std::string, std::string>> damages = {
       {"# made", "made"},
@@ -171,8 +171,53 @@ TEST(ProtocolEdit, ReadsNoDamagedSection) {
     EXPECT_FALSE(LoadProtocol(text, "Mine")) << to;
     ProtocolDraft draft = Draft();
     draft.Name = "Mine";
-    EXPECT_FALSE(EditedSection(text, draft)) << to;
+    EXPECT_EQ(EditedSection(text, draft).Refused, ProtocolRefusal::NoSection) << to;
     EXPECT_TRUE(LoadProtocol(text, "Next")) << to;
+  }
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  return text.replace(text.find(from), from.size(), to);
+}
+
+TEST(ProtocolEdit, TakesNothingOfTheNextLineIntoAnEmptyDescription) {
+  Stored stored(Replaced(Config(Protocol("Mine", {"G1010,POWER"})), "# made for a test", "#"));
+  const ProtocolDraft read = LoadProtocol(stored.Store.CfgText, "Mine").value();
+  EXPECT_EQ(read.Description, "");
+  EXPECT_EQ(RefusalText(EditProtocol(stored.Store, read)), "");
+  EXPECT_NE(stored.File().find("[Mine]\r\n# \r\nGPROTO= 0\r\n"), std::string::npos);
+}
+
+TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
+  using Refusal = ProtocolRefusal;
+  const std::string mine = Protocol("Mine", {"G1010,POWER"});
+  const auto joined = [&](std::string_view lineEnd) {
+    std::string lines = mine;
+    while (lines.find("\r\n") < lines.size()) lines = Replaced(lines, "\r\n", std::string(lineEnd));
+    return lines;
+  };
+  const std::string oneLine = Replaced(joined(" "), "72  G", "72\r\nG") + "\r\n";
+  struct Case {
+    std::string Text;
+    Refusal Add, Edit, Delete;
+  };
+  const std::vector<Case> cases = {
+      {Config(mine), Refusal::None, Refusal::None, Refusal::None},
+      {Config(joined("\n")), Refusal::LineEnds, Refusal::LineEnds, Refusal::None},
+      {Config(joined("\r")), Refusal::LineEnds, Refusal::LineEnds, Refusal::HeaderLine},
+      {Config(oneLine), Refusal::None, Refusal::HeaderLine, Refusal::None},
+      {Replaced(Config(mine), "[Mine]", "[Mine] see [old]"), Refusal::None, Refusal::NoSection,
+       Refusal::HeaderLine},
+      {Replaced(Config(mine), "[Template]", "see [Template]"), Refusal::HeaderLine, Refusal::None,
+       Refusal::None},
+      {mine + Config(mine), Refusal::None, Refusal::SectionTwice, Refusal::SectionTwice},
+  };
+  ProtocolDraft edited = Draft();
+  edited.Name = "Mine";
+  for (const Case& c : cases) {
+    EXPECT_EQ(NewSection(c.Text, Draft()).Refused, c.Add) << c.Text;
+    EXPECT_EQ(EditedSection(c.Text, edited).Refused, c.Edit) << c.Text;
+    EXPECT_EQ(WithoutSection(c.Text, "Mine").Refused, c.Delete) << c.Text;
   }
 }
 

@@ -136,7 +136,7 @@ class RandomUser {
     const std::string name = Below(5) == 0
                                  ? OneOf<std::string>({"END", "general", "Recorded", "Template", "a[b"})
                                  : Word("abC-", 5);
-    AddProtocol(*store_, AnyDraft(name));
+    KeepsOthers(name, [&] { AddProtocol(*store_, AnyDraft(name)); });
   }
   void EditOne() {
     const ProtocolDraft draft = AnyDraft(AnyProtocol());
@@ -147,7 +147,19 @@ class RandomUser {
     ASSERT_TRUE(read);
     EXPECT_EQ(read->Params.BIT1, draft.Params.BIT1);
   }
-  void DeleteOne() { DeleteProtocol(*store_, AnyProtocol()); }
+  void DeleteOne() {
+    const std::string name = AnyProtocol();
+    KeepsOthers(name, [&] { DeleteProtocol(*store_, name); });
+  }
+  template <typename Edit>
+  void KeepsOthers(const std::string& name, Edit edit) {
+    auto before = ListsOf(*store_);
+    edit();
+    auto after = ListsOf(*store_);
+    before.erase(name);
+    after.erase(name);
+    EXPECT_EQ(after, before) << name;
+  }
 
   void ChangeSetting() {
     const std::string key =

@@ -7,7 +7,7 @@ namespace keplo::tests {
 namespace {
 
 const std::string kMine = Protocol("Mine", {"G1010,POWER", "G1100,MUTE"});
-const std::string kOther = Protocol("Other", {"G10,EMPTY"});
+const std::string kOther = Protocol("TV", {"G10,EMPTY"});
 const std::string kTemplate = Protocol("Template", {"G10,EMPTY"});
 const std::string kDigits = "00000000111111110110100010010111";
 
@@ -66,7 +66,7 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   Save(true);
   EXPECT_EQ(form_->ProtocolDialog(), nullptr);
   EXPECT_EQ(File(), General("2") + kMine + kOther + block.substr(2) + "\r\n" + kTemplate + "[END]\r\n");
-  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Other", "Lamp", "Template", "Recorded"}));
+  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "TV", "Lamp", "Template", "Recorded"}));
   EXPECT_EQ(form_->Protocol.Text(), "Lamp");
   EXPECT_EQ(mod_->Store.CurProtocol, "Lamp");
   EXPECT_EQ(mod_->ProtocolParams.REPEAT, 150);
@@ -106,26 +106,32 @@ TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndLeavesTheCommands) {
   EXPECT_EQ(form_->SendCmd.Entries(), (Texts{"POWER", "MUTE"}));
 }
 
-TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelected) {
+TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelectedAndKeepsARecordedCode) {
+  form_->Protocol.SelectText("Mine");
+  for (int press = 0; press < 2; ++press) Record(Frames(NecRuns(kDigits), 2));
+  const Texts recorded = {form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()};
+  ASSERT_EQ(recorded[2], "green");
   for (const bool isNew : {true, false}) {
-    form_->Protocol.SelectText("Mine");
     NewProtocol& dialog = isNew ? New() : Edit("Mine");
-    dialog.SendPlsIn.SetText("0");
-    Save();
+    dialog.SendPlsIn.SetText("none");
+    EXPECT_EQ(Save(), Texts{"SENDPLS must have an integer value greater than 0"});
     EXPECT_EQ(mod_->ProtocolParams.SENDPLS, 0);
     dialog.CancelButton.Click();
     EXPECT_EQ(form_->ProtocolDialog(), nullptr);
     EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
     EXPECT_EQ(mod_->ProtocolParams.SENDPLS, 560);
+    EXPECT_EQ((Texts{form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()}), recorded);
   }
   EXPECT_EQ(File(), kGeneral + kMine + kOther + kTemplate + "[END]\r\n");
 }
 
 TEST_F(ProtocolFlow, ARecordedCodeBringsWhatWasMeasured) {
   form_->Protocol.SelectText("Recorded");
+  form_->CodeStr.SetText("G10");
   New();
-  EXPECT_EQ(Fields()[0], "NewProtocol") << "without a code the template counts";
+  EXPECT_EQ(Fields()[0], "NewProtocol") << "without the number of digits the template counts";
   Dialog().CancelButton.Click();
+  EXPECT_EQ(form_->CodeStr.Text(), "G10");
   ASSERT_EQ(form_->Protocol.Text(), "Recorded");
 
   Record(Frames(NecRuns(kDigits), 2));
@@ -141,9 +147,33 @@ TEST_F(ProtocolFlow, ARecordedCodeBringsWhatWasMeasured) {
   EXPECT_EQ(form_->CodeStr.Text(), code);
 }
 
+TEST_F(ProtocolFlow, ARecordedLineCodeBringsItsPresets) {
+  form_->Protocol.SelectText("Recorded");
+  form_->CodeStr.SetText("G1010");
+  form_->BitNr.SetText("4");
+  form_->SendPulse.SetText("600");
+  constexpr std::int16_t kOtherKind = 7;
+  const std::vector<std::pair<std::int16_t, Texts>> presets = {
+      {kSony, {"SONY", "600", "50", "40", "1111", "01", "011"}},
+      {kRc5, {"RC5", "600", "90", "0", "", "10", "01"}},
+      {kUnknown, {"Custom", "600", "50", "1", "0110", "1", "0"}},
+      {kOtherKind, {"", "600", "", "", "0110", "1", "0"}}};
+  for (const auto& [kind, preset] : presets) {
+    mod_->Signal.Measured.ProtoKind = kind;
+    mod_->ProtocolParams = {1, 1, "1", "0", "0110", 1, ""};
+    New();
+    const Texts fields = Fields();
+    EXPECT_EQ(Texts(fields.begin() + 2, fields.end()), preset);
+    Dialog().CancelButton.Click();
+  }
+}
+
 TEST_F(ProtocolFlow, TellsWhyItWillNotStartOrSave) {
   Edit("Mine").ProtDesc.SetText("a[b");
   EXPECT_EQ(Save(), Texts{"Description cannot contain \"[\" character!"});
+  Dialog().CancelButton.Click();
+  Edit("TV");
+  EXPECT_NE(Save()[0].find("Do you want to save it?"), std::string::npos) << "only new names need 3 letters";
   Dialog().CancelButton.Click();
   New().CProtIn.SetText("mine");
   EXPECT_EQ(Save(), Texts{"The new protocol name is in use"});
@@ -176,17 +206,29 @@ TEST_F(ProtocolFlow, RefusesADamagedSectionAndBringsTheWindowBack) {
   EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
 }
 
-TEST_F(ProtocolFlow, ASaveThatFailsLeavesTheDialogOpenAndTheTextAsTheFile) {
-  New();
-  disk_.FailAt(1, /*forGood=*/true);
-  const Texts shown = Save(true);
-  ASSERT_EQ(shown.size(), 2U);
-  EXPECT_NE(shown[1].find("/home/keplo.cfg is as it was: operation"), std::string::npos) << shown[1];
-  EXPECT_NE(form_->ProtocolDialog(), nullptr);
-  EXPECT_EQ(mod_->Store.CfgText, File());
-  disk_.FailAt(0, /*forGood=*/false);
-  Save(true);
-  EXPECT_EQ(form_->Protocol.Text(), "NewProtocol");
+TEST_F(ProtocolFlow, WhereverASaveFailsTheMessageFitsTheFile) {
+  const std::string before = kGeneral + kMine + kOther + kTemplate + "[END]\r\n";
+  const std::vector<std::function<void()>> changes = {[&] { New().CreateButton.Click(); },
+                                                      [&] {
+                                                        Edit("Mine").ProtDesc.SetText("Living room");
+                                                        Dialog().CreateButton.Click();
+                                                      },
+                                                      [&] { form_->ProtoDeleteMenu.Click(); }};
+  for (const auto& change : changes) {
+    bool failed = true;
+    for (int operation = 1; failed; ++operation) {
+      Open(before);
+      disk_.FailAt(operation, /*forGood=*/false);
+      change();
+      disk_.FailAt(0, /*forGood=*/false);
+      const std::string told = boxes_.TakeShown().back();
+      const bool kept = told.find("is as it was: operation") != std::string::npos;
+      failed = kept || told.find("is saved, but") != std::string::npos;
+      EXPECT_EQ(File() == before, kept) << told;
+      EXPECT_EQ(mod_->Store.CfgText, File()) << told;
+      EXPECT_EQ(form_->Protocol.ListIndex(), mod_->Settings.ProtocolIndex) << told;
+    }
+  }
 }
 
 TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) {
@@ -206,15 +248,9 @@ TEST_F(ProtocolFlow, ADeletedProtocolTakesItsCommandsAlong) {
             Texts{"Do you want to delete the protocol Mine from the current configuration file?"});
   EXPECT_EQ(form_->Protocol.Count(), 4);
   boxes_.Yes = true;
-  disk_.FailAt(1, /*forGood=*/true);
-  form_->ProtoDeleteMenu.Click();
-  EXPECT_EQ(mod_->Store.CfgText, File());
-  EXPECT_EQ(form_->Protocol.Count(), 4);
-  disk_.FailAt(0, /*forGood=*/false);
-
   form_->ProtoDeleteMenu.Click();
   EXPECT_EQ(File(), kGeneral + kOther + kTemplate + "[END]\r\n");
-  EXPECT_EQ(form_->Protocol.Text(), "Other");
+  EXPECT_EQ(form_->Protocol.Text(), "TV");
   form_->ProtoDeleteMenu.Click();
   EXPECT_EQ(File(), kGeneral + kTemplate + "[END]\r\n");
   EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Template", "Recorded"}));
