@@ -84,13 +84,24 @@ int Tell(const std::string& done, Change change) try {
   return Refuse(failure.what());
 }
 
+/// The lines that a section is left with; a change drops comments, and may bring GREPEAT to REPEAT.
+void PrintStored(std::string_view text, const std::string& protocol) {
+  const std::optional<ProtocolDraft> stored = LoadProtocol(text, protocol);
+  if (!stored) return;
+  std::string lines = ParameterLines(*stored);
+  lines.erase(std::remove(lines.begin(), lines.end(), '\r'), lines.end());
+  std::cout << lines << '\n';
+}
+
 int Add(const ProtocolWords& words) {
   OpenConfig config(words.AppPath);
   config.RequireWhole();
   ProtocolDraft draft = PresetOf(*words.Generic);
   draft.Name = Trimmed(words.Name);
   TakeWords(words, draft);
-  return Tell(draft.Name + " added", [&] { return AddProtocol(config.Mod.Store, draft); });
+  const int status = Tell(draft.Name + " added", [&] { return AddProtocol(config.Mod.Store, draft); });
+  if (status == kDone) PrintStored(config.Mod.Store.CfgText, draft.Name);
+  return status;
 }
 
 int Edit(const ProtocolWords& words) {
@@ -102,7 +113,9 @@ int Edit(const ProtocolWords& words) {
   if (!draft) return Refuse(words.Name + ": " + std::string(RefusalText(ProtocolRefusal::NoSection)));
   if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
   TakeWords(words, *draft);
-  return Tell(words.Name + " changed", [&] { return EditProtocol(config.Mod.Store, *draft); });
+  const int status = Tell(words.Name + " changed", [&] { return EditProtocol(config.Mod.Store, *draft); });
+  if (status == kDone) PrintStored(config.Mod.Store.CfgText, words.Name);
+  return status;
 }
 
 bool Agreed(const std::string& question) {
@@ -183,8 +196,10 @@ void AddProtocolCommand(CLI::App& app, int& status) {
   AddParameterOptions(*protocol->get_subcommand("add"), *added);
 
   const auto edited = AddAction(*protocol, "edit", "Change a protocol; what is not told stays", Edit, status);
-  AddGenericOption(*protocol->get_subcommand("edit"), *edited);
-  AddParameterOptions(*protocol->get_subcommand("edit"), *edited);
+  auto* changes = protocol->get_subcommand("edit")->add_option_group("Parameters");
+  changes->require_option(1, 0);
+  AddGenericOption(*changes, *edited);
+  AddParameterOptions(*changes, *edited);
 
   const auto deleted = AddAction(*protocol, "delete", "Delete a protocol and its commands", Delete, status);
   protocol->get_subcommand("delete")->add_flag("--yes", deleted->Yes, "Do not ask");

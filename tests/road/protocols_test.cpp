@@ -31,7 +31,8 @@ TEST_F(Protocols, AreAddedUsedChangedAndDeleted) {
   EXPECT_NE(Run("protocols").Out.find("SONY\tSONY\t5\tPulse width\nRC5"), std::string::npos);
   EXPECT_EQ(Run("protocols Lamp").Status, 1);
   EXPECT_EQ(Run("protocol add Lamp --gproto sony --description 'By the window' --repeat 30").Out,
-            "Lamp added\n");
+            "Lamp added\n# By the window\nGPROTO= 1\nSENDPLS= 550\nREPEAT= 30\nBITG= 1111\nBIT0= 01\n"
+            "BIT1= 011\nGREPEAT= 30\n");
   EXPECT_NE(Run("protocols Lamp").Out.find("gproto\tSONY\nsendpls\t550\nrepeat\t30\n"), std::string::npos);
   json row = json::parse(Run("protocols Lamp --json").Out);
   EXPECT_EQ(row.at("grepeat"), 30) << "the sync repeats with the frame";
@@ -41,7 +42,9 @@ TEST_F(Protocols, AreAddedUsedChangedAndDeleted) {
   EXPECT_EQ(Run("learn" + press + " --protocol Lamp --name ON").Status, 0);
   EXPECT_EQ(Run("send Lamp ON --out -").Status, 0);
 
-  EXPECT_EQ(Run("protocol edit Lamp --bitg 11111 --grepeat -5").Out, "Lamp changed\n");
+  const std::string edited = Run("protocol edit Lamp --bitg 11111 --grepeat -5").Out;
+  EXPECT_EQ(edited.substr(0, edited.find('\n')), "Lamp changed");
+  EXPECT_NE(edited.find("\nBITG= 11111\n"), std::string::npos) << edited;
   row.update({{"bitg", "11111"}, {"grepeat", -5}, {"commands", 1}});
   EXPECT_EQ(json::parse(Run("protocols Lamp --json").Out), row);
 
@@ -64,6 +67,7 @@ TEST_F(Protocols, AreRefusedWithTheSentencesOfTheWindow) {
       {"add Lamp --gproto NEC --sendpls x", 2, "--sendpls"},
       {"add Lamp --gproto NEC --repeat 40000", 2, "--repeat"},
       {"add Lamp --gproto JVC", 2, "--gproto"},
+      {"edit SONY", 2, "--repeat"},
       {"edit Template --repeat 0", 1, "The Template protocol cannot be edited"},
       {"delete template --yes", 1, "The Template protocol cannot be deleted"},
       {"delete Recorded --yes", 1, "Recorded is a virtual protocol used to test new commands before save."},
