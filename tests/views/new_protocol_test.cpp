@@ -91,6 +91,8 @@ TEST_F(ProtocolDialogOnScreen, TakesItsQuestionAlongWhenTheWindowCloses) {
 
 TEST_F(ProtocolDialogOnScreen, IsWorkedByKeysAlone) {
   QWidget& dialog = New();
+  EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("CProtIn"))->selectedText(),
+            QStringLiteral("NewProtocol"));
   Texts walked;
   for (int step = 0; step < 11; ++step) {
     walked.push_back(Focus());
