@@ -103,8 +103,8 @@ class Form1 : public ui::Window {
   void UnloadProtocolDialog();
   /// Selects a protocol and runs Protocol_Click even if it is selected already.
   void MakeProtocolCurrent(int index);
-  /// Makes the selected protocol with its parameters the current one again, and leaves the fields as they
-  /// are: they may show a recorded code that is to be stored yet.
+  /// Makes the selected protocol the current one again with its parameters and commands; a recorded code that
+  /// is to be stored yet stays on screen.
   void TakeSelectedProtocol();
   /// Runs a change of the configuration and tells the user what failed.
   /// @return true if nothing did

@@ -50,8 +50,13 @@ void Form1::MakeProtocolCurrent(int index) {
 void Form1::TakeSelectedProtocol() {
   mod_.Store.CurProtocol = Protocol.Text();
   if (RecordedSelected()) return;
-  LoadProtocolParams(mod_.Store.CfgText, mod_.Store.CurProtocol, mod_.ProtocolParams,
-                     mod_.Signal.Measured.ProtoKind);
+  // A red or green code has been recorded and is stored nowhere yet.
+  const bool newCode = CodeStr.BackColour().has_value();
+  const std::string code = CodeStr.Text(), pulse = SendPulse.Text();
+  Protocol_Click();
+  if (!newCode) return;
+  CodeStr.SetText(code);
+  SendPulse.SetText(pulse);
 }
 
 void Form1::ProtoDeleteMenu_Click() {
