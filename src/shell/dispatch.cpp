@@ -36,6 +36,12 @@ DispatchEnd TestZone(const ui::ListView& list, int row, const Settings& settings
 
 }  // namespace
 
+std::string WholeCode(const std::string& code) { return code + ','; }
+
+bool IsLearned(const std::string& code, const std::string& cfgText) {
+  return !code.empty() && FindReference(WholeCode(code), cfgText).has_value();
+}
+
 void DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
                   const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
                   const std::function<void(HostInputEvent&)>& raise, DispatchReport& report) {

@@ -27,9 +27,16 @@ struct DispatchReport {
   int Raised = 0;         // input events
 };
 
+/// Whether a command with this code, and not only one that begins with it, was learned.
+/// @param code digits without the leading G; none are no code
+bool IsLearned(const std::string& code, const std::string& cfgText);
+
+/// The code as DispatchCode takes it to find the command with this code, and none that only begins with it.
+std::string WholeCode(const std::string& code);
+
 /// Finds a code among the learned commands and raises an input event for each activated row of the event
 /// list that is bound to it. A zone that does not match ends the walk: rows further down are not looked at.
-/// @param code digits without the leading G
+/// @param code digits without the leading G; also what WholeCode gives
 /// @param event filled and handed out anew for each row
 /// @param raise runs the host's handler
 /// @param report filled in as the dispatch goes

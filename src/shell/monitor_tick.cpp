@@ -78,13 +78,19 @@ void Keplo::ReadAndDispatch() {
   if (lastTick_.Reading.Ended != Stage::Code) return;
   // This beep says only that something was captured, before anything is known about the signal.
   if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
-  lastTick_.Reading = ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis);
-  if (lastTick_.Reading.Ended != Stage::Code) return;
+  MonitorReading& reading = lastTick_.Reading;
+  reading = ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis);
+  // A frame that is alone may have lost digits; that the very same ones were learned is the proof it lacks.
+  const bool provenByLearning =
+      reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);
+  if (provenByLearning) reading.Ended = Stage::Code;
+  if (reading.Ended != Stage::Code) return;
 
   HostInputEvent event;
   DispatchCode(
-      lastTick_.Reading.Digits, mod_.Store.CfgText, mod_.Settings, ListView1, line_, event,
-      [this](HostInputEvent& raised) { RaiseInputEvent(raised); }, lastTick_.Dispatched);
+      provenByLearning ? WholeCode(reading.Digits) : reading.Digits, mod_.Store.CfgText, mod_.Settings,
+      ListView1, line_, event, [this](HostInputEvent& raised) { RaiseInputEvent(raised); },
+      lastTick_.Dispatched);
 }
 
 }  // namespace keplo

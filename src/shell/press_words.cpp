@@ -10,7 +10,7 @@ namespace {
 constexpr std::array<std::string_view, 9> kStageMeanings = {
     "there is no signal",
     "the capture is too short",
-    "the frames contradict each other, or are too damaged to prove a code",
+    "the frames contradict each other, or one alone proves too little: hold the key longer, or learn it",
     "no base time can be measured: marks and spaces have no common shortest length, or the longer is "
     "commoner",
     "the samples end inside a mark",

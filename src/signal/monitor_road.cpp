@@ -48,12 +48,19 @@ MonitorReading ReadAtFirst(SignalState& state) {
   return ReadFrame(*symbols, state.Measured.ProtoKind, Analysis::First);
 }
 
+MonitorReading ReadFrameOf(const SecondLook& look, Timing& measured) {
+  measured.BaseT = look.BaseT;
+  measured.ProtoKind = look.ProtoKind;
+  return ReadFrame(look.Frame, look.ProtoKind, Analysis::Second);
+}
+
 MonitorReading ReadAtSecond(SignalState& state) {
   const SecondLook look = LookAgain(state.SampleBits);
-  if (look.Proven == SecondLook::Proof::Sure) {
-    state.Measured.BaseT = look.BaseT;
-    state.Measured.ProtoKind = look.ProtoKind;
-    return ReadFrame(look.Frame, look.ProtoKind, Analysis::Second);
+  if (look.Proven == SecondLook::Proof::Sure) return ReadFrameOf(look, state.Measured);
+  if (look.Proven == SecondLook::Proof::Lone) {
+    MonitorReading lone = ReadFrameOf(look, state.Measured);
+    if (lone.Ended == Stage::Code) lone.Ended = Stage::Doubtful;
+    return lone;
   }
   MonitorReading reading = ReadAtFirst(state);
   const bool refused = look.Proven == SecondLook::Proof::Refused;

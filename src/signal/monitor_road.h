@@ -14,7 +14,8 @@ namespace keplo {
 enum class Stage {
   Empty,
   Short,
-  Doubtful,  // the second look refuses what the first analysis makes of the capture
+  Doubtful,  // the second look refuses what the first analysis makes of the capture, or finds one frame alone
+             // that proves too little by itself
   NoTiming,
   EndsInMark,
   NoFrame,
@@ -34,7 +35,9 @@ struct MonitorReading {
 
   Stage Ended = Stage::Empty;
   std::optional<Analysis> ReadBy;  // which analysis the digits come from; nothing without any
-  std::string Digits;  // without the leading G; set from Stage::Length on, and a code only at Stage::Code
+  /// Without the leading G; set from Stage::Length on, and a code only at Stage::Code. At Stage::Doubtful
+  /// those of a frame that is alone: a code if the very same was learned.
+  std::string Digits;
 };
 
 /// What a capture leaves in the module state.

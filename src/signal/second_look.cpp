@@ -359,7 +359,8 @@ struct Findings {
   std::vector<Frame> Frames;
   std::vector<Piece> Strange;  // whole and clean, but of none of the line codes
   std::size_t MostUnread = 0;  // runs of the longest piece that is neither read nor cut by the capture's end
-  bool Stray = false;  // its runs fall into no lengths, so that those of its neighbours are in doubt too
+  bool Stray = false;      // its runs fall into no lengths, so that those of its neighbours are in doubt too
+  std::size_t Others = 0;  // pieces that are neither frame nor ditto nor the leader of a frame
 };
 
 class FrameReader {
@@ -371,9 +372,16 @@ class FrameReader {
       const Piece& piece = pieces_[place_];
       if (IsDitto(piece)) {
         if (!found_.Frames.empty()) ++found_.Frames.back().Dittos;
-      } else if (piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns) {
-        if (std::optional<Frame> frame = Read(piece)) found_.Frames.push_back(std::move(*frame));
+        continue;
       }
+      const bool fits = piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns;
+      std::optional<Frame> frame = fits ? Read(piece) : std::nullopt;
+      if (!frame) {
+        ++found_.Others;
+        continue;
+      }
+      if (frame->HasLeader() && LoneLeader()) --found_.Others;
+      found_.Frames.push_back(std::move(*frame));
     }
     return std::move(found_);
   }
@@ -438,7 +446,9 @@ class FrameReader {
 
 /// A piece without a leader among frames with one is what is left of such a frame, or follows it without one
 /// of its own; by itself it proves nothing.
-void LeaveOutPieces(std::vector<Frame>& frames) {
+void LeaveOutPieces(Findings& found) {
+  std::vector<Frame>& frames = found.Frames;
+  const std::size_t before = frames.size();
   const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };
   if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
   frames.erase(std::remove_if(frames.begin(), frames.end(),
@@ -449,6 +459,7 @@ void LeaveOutPieces(std::vector<Frame>& frames) {
                                        });
                               }),
                frames.end());
+  found.Others += before - frames.size();
 }
 
 /// Whether the last of seven groups of four digits is the sum of the four groups ahead of it, as in frames of
@@ -505,6 +516,13 @@ const Frame* ProvenFrame(const Findings& found) {
   return doubtful && frames.front().Kind != kRc5 ? nullptr : &frames.front();
 }
 
+/// Whether the only frame, and its dittos, are all there is of the press. Without a leader it may have lost
+/// its head.
+bool IsLone(const Findings& found) {
+  return found.Frames.size() == 1 && found.Others == 0 && found.Frames.front().Clear &&
+         found.Frames.front().HasLeader();
+}
+
 /// Whether the pieces are one frame, sent again and again.
 bool IsOneFrame(const std::vector<Piece>& pieces) {
   return pieces.size() > 1 && std::all_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
@@ -547,10 +565,10 @@ void ReadProof(const Findings& found, SecondLook& look) {
   look.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look.ProtoKind = shown.Kind;
   if (turns) look.Proven = SecondLook::Proof::Unsure;
-  if (proven != nullptr) {
-    look.Frame = (proven->HasLeader() ? proven->Head : "g") + proven->Symbols + "g";
-    look.Proven = SecondLook::Proof::Sure;
-  }
+  if (proven != nullptr) look.Proven = SecondLook::Proof::Sure;
+  const bool lone = proven == nullptr && IsLone(found);
+  if (lone) look.Proven = SecondLook::Proof::Lone;
+  if (proven != nullptr || lone) look.Frame = (shown.HasLeader() ? shown.Head : "g") + shown.Symbols + "g";
 }
 
 }  // namespace
@@ -559,7 +577,7 @@ SecondLook LookAgain(std::string_view samples) {
   const RunList runs = ReadRuns(samples);
   Findings found = FrameReader(SplitPieces(runs)).ReadAll();
   std::vector<Frame>& frames = found.Frames;
-  LeaveOutPieces(frames);
+  LeaveOutPieces(found);
   SecondLook look;
   if (frames.empty()) {
     if (IsOneFrame(found.Strange)) look.Proven = SecondLook::Proof::Unsure;

@@ -13,6 +13,8 @@ struct SecondLook {
   /// How far the frames of the capture prove a code.
   enum class Proof : std::uint8_t {
     Sure,    // Frame holds the code
+    Lone,    // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
+             // itself
     Unsure,  // a clean signal, but of none of the three line codes, or of frames that take turns
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
   };
@@ -25,7 +27,7 @@ struct SecondLook {
   /// empty if there is none, or only one without a leader that is not biphase.
   std::string Symbols;
 
-  /// Run symbols of the frame that is proven, with a mark on both sides, as IsolateFrame takes them.
+  /// Run symbols of the frame that is proven or alone, with a mark on both sides, as IsolateFrame takes them.
   std::string Frame;
 
   bool HasFrames() const { return !Symbols.empty(); }

@@ -1,5 +1,6 @@
 #include "allocations.h"
 #include "shell_fixture.h"
+#include "signal/record_road.h"
 #include "signal/signal_builder.h"
 
 namespace keplo {
@@ -73,6 +74,31 @@ TEST_F(Tick, ReadsWithTheAnalysisOfTheSettings) {
   mod_->Settings.Analysis = Analysis::Second;
   control.Timer1.Tick();
   EXPECT_EQ(control.LastTick().Reading.Ended, Stage::Code);
+}
+
+/// A remote that sends one frame a press, of a length that proves nothing by itself.
+TEST_F(Tick, TakesALoneFrameIfTheVeryCodeWasLearned) {
+  const std::string press = Bytes(Runs(NecRuns("101100111000110010110011")));
+  SignalState state;
+  const std::string code =
+      ReadRecordedCapture(Padded(press, kRecordCaptureBytes), state, Analysis::Second).Code;
+  WriteConfig({}, ProtocolSection("MINE", "G" + code + "11110000,OTHER\r\nG" + code + ",LAMP\r\n"));
+  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
+  WriteEvents({{"17", "Lamp on", "", "MINE&LAMP", true, 0}, {"18", "Fan on", "", "MINE&OTHER", true, 0}});
+  Keplo& control = Start();
+  mod_->Settings.Analysis = Analysis::Second;
+
+  line_.Captures = {press};
+  control.Timer1.Tick();
+  EXPECT_EQ(raised_, (Calls{"17 MINE&LAMP"}));
+
+  for (const std::string& unknown : {code.substr(0, 22), code.substr(0, 20) + "1111"}) {
+    line_.Captures = {Press(unknown)};
+    control.Timer1.Tick();
+    EXPECT_EQ(control.LastTick().Reading.Ended, Stage::Doubtful);
+    EXPECT_EQ(control.LastTick().Reading.Digits, unknown);
+  }
+  EXPECT_EQ(raised_.size(), 1U);
 }
 
 TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {

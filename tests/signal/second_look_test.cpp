@@ -154,6 +154,35 @@ TEST(SecondLook, WantsTheFramesOfAPressToAgree) {
   EXPECT_EQ(Read(Runs(Then(a, 200, Rc5Runs(kRc5Digits, 1)))).find(' '), std::string::npos) << "two remotes";
 }
 
+/// The digits of a doubtful press, which a learned command may prove.
+TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
+  const auto lone = [](const std::string& digits) { return DistanceRuns({90, 50}, 10, 10, 30, digits); };
+  const std::string odd = kNecDigits.substr(0, 22);
+  const RunVector alone = lone(odd);
+  const RunVector ditto = {160, 40, 10};
+  struct Case {
+    std::string Name;
+    RunVector Press;
+    std::string Digits;
+  };
+  const std::vector<Case> cases = {
+      {"22 digits", alone, odd},
+      {"33 digits", lone(kNecDigits + "1"), kNecDigits + "1"},
+      {"pulse width of 13", WidthRuns({45, 10}, 10, 10, 21, "1011001110001"), "1011001110001"},
+      {"with dittos", Then(Then(alone, kGap, ditto), 1700, ditto), odd},
+      {"two that differ", Then(alone, kGap, lone(odd.substr(1) + "1")), ""},
+      {"another piece behind", Then(alone, kGap, {10, 30, 10, 10, 10}), ""},
+      {"without a leader, which may have been cut off", DistanceRuns({}, 10, 10, 30, odd), ""},
+      {"12 digits of pulse distance", lone(odd.substr(0, 12)), odd.substr(0, 12)},
+  };
+  for (const Case& c : cases) {
+    SignalState state;
+    const MonitorReading reading = ReadCapture(Padded(Bytes(Runs(c.Press))), state, Analysis::Second);
+    EXPECT_NE(reading.Ended, Stage::Code) << c.Name;
+    EXPECT_EQ(reading.Digits, c.Digits) << c.Name;
+  }
+}
+
 /// Noise is drawn anew in each round; a code would have to come out of chance.
 TEST(SecondLook, ReadsNothingFromNoise) {
   std::mt19937 dice(1);
