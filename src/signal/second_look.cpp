@@ -16,8 +16,9 @@ namespace keplo {
 
 namespace {
 
-constexpr int kInterference = 2;          // samples; shorter runs than three belong to what surrounds them
-constexpr double kGapUnits = 5.5;         // longer spaces part frames; within a frame four base times occur
+constexpr int kInterference = 2;   // samples; shorter runs than three belong to what surrounds them
+constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
+constexpr double kRestUnits = 12;  // behind a frame; two marks that are lost between long spaces leave 11
 constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
 constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
 constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
@@ -164,7 +165,8 @@ struct Frame {
   std::size_t Runs = 0;      // without the leader
   bool Clear = false;        // no run is anywhere near the middle between two lengths
   bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
-  int Dittos = 0;            // behind it: NEC's sign that the key is still held
+  bool Ends = true;          // the signal ends behind it, or rests for longer than lost marks would make it
+  int Dittos = 0;            // right behind it: NEC's sign that the key is still held
 
   bool HasLeader() const { return !Head.empty(); }
   /// Some remotes send the leader with the first frame only.
@@ -371,9 +373,10 @@ class FrameReader {
     for (place_ = 0; place_ < pieces_.size(); ++place_) {
       const Piece& piece = pieces_[place_];
       if (IsDitto(piece)) {
-        if (!found_.Frames.empty()) ++found_.Frames.back().Dittos;
+        if (behindFrame_) ++found_.Frames.back().Dittos;
         continue;
       }
+      behindFrame_ = false;
       const bool fits = piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns;
       std::optional<Frame> frame = fits ? Read(piece) : std::nullopt;
       if (!frame) {
@@ -381,6 +384,8 @@ class FrameReader {
         continue;
       }
       if (frame->HasLeader() && LoneLeader()) --found_.Others;
+      frame->Ends = place_ + 1 == pieces_.size() || piece.Behind >= kRestUnits * frame->Unit;
+      behindFrame_ = true;
       found_.Frames.push_back(std::move(*frame));
     }
     return std::move(found_);
@@ -441,6 +446,7 @@ class FrameReader {
 
   const std::vector<Piece>& pieces_;
   std::size_t place_ = 0;
+  bool behindFrame_ = false;  // only dittos stand between the last frame and this place
   Findings found_;
 };
 
@@ -480,7 +486,7 @@ bool ProvesItself(const Frame& frame) {
     case kRc5:
       return true;  // exact in its length and all its pairs, between two silences
     default:
-      if (!frame.KnownLeader) return false;
+      if (!frame.KnownLeader || !frame.Ends) return false;
       return (frame.Digits >= 32 && frame.Digits % 4 == 0) ||
              (frame.Dittos > 0 && EndsInItsSum(DecodeCode(frame.Symbols, kNec)));
   }
@@ -520,7 +526,7 @@ const Frame* ProvenFrame(const Findings& found) {
 /// its head.
 bool IsLone(const Findings& found) {
   return found.Frames.size() == 1 && found.Others == 0 && found.Frames.front().Clear &&
-         found.Frames.front().HasLeader();
+         found.Frames.front().Ends && found.Frames.front().HasLeader();
 }
 
 /// Whether the pieces are one frame, sent again and again.

@@ -154,6 +154,18 @@ TEST(SecondLook, WantsTheFramesOfAPressToAgree) {
   EXPECT_EQ(Read(Runs(Then(a, 200, Rc5Runs(kRc5Digits, 1)))).find(' '), std::string::npos) << "two remotes";
 }
 
+TEST(SecondLook, TakesNoFrontPartOfAFrameForTheWhole) {
+  // 32 digits, a mark between two long spaces that is lost, and 14 digits more; a ditto behind proves
+  // nothing.
+  const RunVector whole = DistanceRuns({160, 80}, 10, 10, 30, kNecDigits + "11" + "01011001110010");
+  RunVector split = whole;
+  const auto lost = split.begin() + 2 + 2 * 33;
+  *(lost - 1) += *lost + *(lost + 1);
+  split.erase(lost, lost + 2);
+  EXPECT_EQ(Read(Runs(split)).find(' '), std::string::npos);
+  EXPECT_EQ(Read(Runs(Then(split, kGap, {160, 40, 10}))).find(' '), std::string::npos);
+}
+
 /// The digits of a doubtful press, which a learned command may prove.
 TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
   const auto lone = [](const std::string& digits) { return DistanceRuns({90, 50}, 10, 10, 30, digits); };
