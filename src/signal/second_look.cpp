@@ -302,6 +302,14 @@ bool IsKnownLeader(const Frame& frame, const Leader& leader) {
          (Within(space, 3.4, 4.6) || Within(space, 7, 9.2)) && std::abs(frame.Excess) < 0.65 * frame.Unit;
 }
 
+/// Symbols of a pulse-distance leader. RunUnits writes a leader space of up to three base times as spaces,
+/// which read as a digit; codes that were learned have it.
+std::string DistanceHead(const Leader& leader, const Frame& frame, bool standsOut) {
+  const auto units = std::lround((leader.Space + frame.Excess) / frame.Unit);
+  if (units <= 1) return "G0";
+  return units <= 3 || !standsOut ? "G000" : "Gg";
+}
+
 std::optional<Frame> FrameBehind(const Leader& leader, const Body& body) {
   if (leader.Mark < kLeaderOverMarks * body.Marks.Longest().Most) return std::nullopt;
   const bool standsOut = StandsOut(leader, body);
@@ -310,11 +318,9 @@ std::optional<Frame> FrameBehind(const Leader& leader, const Body& body) {
                                                  : EqualWidths(body, leader);
   if (!frame || leader.Mark - frame->Excess < kLeaderUnits * frame->Unit) return std::nullopt;
   frame->KnownLeader = IsKnownLeader(*frame, leader);
-  frame->Head = standsOut ? "Gg" : "G0";
-  if (frame->Kind == kNec && !standsOut) {
-    ++frame->Digits;
-    if (body.Spaces.IsLong(leader.Space)) frame->Head = "G000";
-  }
+  const bool distance = frame->Kind == kNec;
+  frame->Head = distance ? DistanceHead(leader, *frame, standsOut) : standsOut ? "Gg" : "G0";
+  if (distance && frame->Head != "Gg") ++frame->Digits;
   return frame;
 }
 

@@ -247,6 +247,18 @@ TEST(SecondLook, GivesTheCodeOfTheFirstAnalysisWhereThatReadsOne) {
   EXPECT_GT(both, 500);
 }
 
+TEST(SecondLook, ReadsAShortLeaderSpaceAsTheFirstAnalysisDoes) {
+  const std::string digits = "0010011000010001";
+  for (const int leaderSpace : {10, 19, 20, 21, 29, 30, 31}) {
+    for (const int one : {20, 29}) {
+      const std::string samples = Runs(Twice(DistanceRuns({90, leaderSpace}, 10, 10, one, digits)));
+      const std::string first = Read(samples, Analysis::First);
+      ASSERT_EQ(first, (leaderSpace > 10 ? "NEC 1" : "NEC 0") + digits);
+      EXPECT_EQ(Read(samples), first) << "leader space " << leaderSpace << ", one " << one;
+    }
+  }
+}
+
 RecordReading Record(const RunVector& press, Analysis analysis = Analysis::Second) {
   SignalState state;
   return ReadRecordedCapture(Padded(Bytes(Runs(press)), kRecordCaptureBytes), state, analysis);
