@@ -49,10 +49,12 @@ std::string WithBlanks(std::string_view text) {
 }
 
 /// Loses nothing that another program has written to the file since this one knows it.
-void KeepOtherText(CfgStore& store, const std::filesystem::path& target, const std::string& found) {
-  if (!store.FileText || found == *store.FileText) return;
+/// @return where it is kept; empty if there was nothing
+std::filesystem::path KeepOtherText(const CfgStore& store, const std::filesystem::path& target,
+                                    const std::string& found) {
+  if (!store.FileText || found == *store.FileText) return {};
   if (store.RefusesOtherText) throw ChangedElsewhere(target);
-  store.KeptAside = KeepAside(store.Files, target, found);
+  return KeepAside(store.Files, target, found);
 }
 
 }  // namespace
@@ -94,18 +96,22 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
     return;
   }
   store.RequireRoom(saved.size());
+  std::filesystem::path aside;
   std::unique_ptr<LockedFolder> folder;
   try {
     folder = ReplaceFile(store.Files, store.Path, saved,
                          [&](const std::filesystem::path& target, const std::string& old) {
-                           KeepOtherText(store, target, old);
+                           aside = KeepOtherText(store, target, old);
                          });
   } catch (const Failure& failure) {
+    // The other text is in its place still, and needs no copy.
+    if (!aside.empty()) RemoveQuietly(store.Files, aside);
     throw Failure(failure.Number(), "The configuration was not saved, " + store.Path.string() +
                                         " is as it was: " + failure.what());
   }
   store.CfgText = std::move(saved);
   store.FileText = store.CfgText;
+  if (!aside.empty()) store.KeptAside = aside;
   try {
     folder->Flush();
   } catch (const Failure& failure) {

@@ -31,14 +31,6 @@ void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
   file->Publish();
 }
 
-void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
-  try {
-    files.Remove(path);
-  } catch (...) {
-    // The failure that led here is the one to tell; the next save tries again to take the file away.
-  }
-}
-
 /// Writes the content beside the target and lets an action put it there; takes it away if either fails.
 template <typename Action>
 void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
@@ -55,6 +47,14 @@ void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
 
 }  // namespace
 
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
+  try {
+    files.Remove(path);
+  } catch (...) {
+    // The failure that led here is the one to tell; the next save tries again to take the file away.
+  }
+}
+
 std::unique_ptr<LockedFolder> ReplaceFile(
     FileSystem& files, const std::filesystem::path& path, std::string_view content,
     const std::function<void(const std::filesystem::path& target, const std::string& old)>& onOld) {
@@ -63,7 +63,13 @@ std::unique_ptr<LockedFolder> ReplaceFile(
   std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
   const std::optional<FileAttributes> old = files.Attributes(target);
   if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
-  if (old) onOld(target, files.Read(target, kMostBytesRead));
+  if (old) {
+    if (files.Size(target) > kMostBytesRead) {
+      throw Failure(EFBIG,
+                    target.string() + ": another program has made it larger than a configuration can be");
+    }
+    onOld(target, files.Read(target, kMostBytesRead));
+  }
   WriteBeside(files, temporary, old, content, [&] { files.Rename(temporary, target); });
   return folder;
 }

@@ -20,6 +20,9 @@ namespace keplo {
     FileSystem& files, const std::filesystem::path& path, std::string_view content,
     const std::function<void(const std::filesystem::path& target, const std::string& old)>& onOld);
 
+/// Removes a file on the way out of another failure, which is the one to tell.
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path);
+
 /// Puts content beside a file under the first free name FILE.other-1, FILE.other-2 and so on. For use while
 /// the folder is locked.
 /// @return the name

@@ -1,8 +1,10 @@
 #include "qt/drop_down_view.h"
 
 #include <QAbstractItemView>
+#include <QPointer>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -16,8 +18,11 @@ DropDownView::DropDownView(ui::DropDownList& model, QWidget* parent)
   Redraw();
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
     if (!link_.Alive()) return;
+    const QPointer<DropDownView> self(this);
     changed_ = true;
     model_.Select(index);
+    // A change that no click has made is told by no activation.
+    if (self) QTimer::singleShot(0, this, [this] { changed_ = false; });
   });
   connect(this, &QComboBox::activated, this, [this](int index) {
     const bool told = std::exchange(changed_, false);

@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QUrl>
+#include <cstring>
 
 #include "qt/text.h"
 
@@ -23,11 +24,14 @@ constexpr const char* kManuals[] = {
 QString OwnFolder() {
   Dl_info loaded{};
   if (dladdr(reinterpret_cast<const void*>(&OwnFolder), &loaded) == 0) return {};
+  // A program knows itself by the word that started it, which may tell no folder.
+  if (std::strchr(loaded.dli_fname, '/') == nullptr) return {};
   return QFileInfo(QString::fromLocal8Bit(loaded.dli_fname)).absolutePath();
 }
 
 QString FindManual() {
-  for (const QString& folder : {OwnFolder(), QCoreApplication::applicationDirPath()}) {
+  for (const QString& folder : {QCoreApplication::applicationDirPath(), OwnFolder()}) {
+    if (folder.isEmpty()) continue;
     for (const char* manual : kManuals) {
       if (const QFileInfo page(folder + QLatin1String(manual)); page.exists())
         return page.canonicalFilePath();

@@ -90,8 +90,8 @@ bool Form1::Told(const std::function<void()>& action) {
     done = false;
   }
   if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
-    Tell(mod_.Store.Path.string() + " had been changed by another program. What it wrote is kept in " +
-         aside.string() + "; take its new commands and settings over from there.");
+    TellFailure(mod_.Store.Path.string() + " had been changed by another program. What it wrote is kept in " +
+                aside.string() + "; take its new commands and settings over from there.");
   }
   return done;
 }

@@ -161,6 +161,7 @@ class Form1 : public ui::Window {
   bool Load();
   bool LoadFile();
   bool NotLoaded();
+  void TakeUnsavedSettings();
   void ShowInterfaceType();
   void ShowZoneHardware();
   void ListProtocolsWithRecorded();
@@ -224,7 +225,6 @@ class Form1 : public ui::Window {
   bool sendsAgain_ = false;  // once the protocol dialog is gone
   std::unique_ptr<NewProtocol> newProtocol_, unloadedDialog_;
   bool calibrating_ = false;
-  bool textIsWhole_ = false;
   std::string whyNotLoaded_;
   std::optional<std::string> failuresWhileLoading_;  // told in one box when the window has come up
   std::map<std::string, std::int32_t> unsaved_;      // settings whose save failed; the last save tries again

@@ -1,6 +1,7 @@
 #include <string>
 
 #include "config/numbers.h"
+#include "config/protocols.h"
 #include "config/values.h"
 #include "window/form1.h"
 
@@ -37,7 +38,7 @@ void Form1::KeepSettingAndSave(const std::string& key, std::int32_t value) {
 
 /// @param otherwise runs if the file has no such key
 void Form1::Keep(const std::string& key, std::int32_t value, const std::function<void()>& otherwise) {
-  if (!textIsWhole_) return;
+  if (!IsWhole(mod_.Store.CfgText)) return;
   const bool saved = Told([&] {
     if (!SetGeneralValue(mod_.Store, key, std::to_string(value))) otherwise();
   });

@@ -45,7 +45,6 @@ void Form1::Timer1_Timer() {
 void Form1::SendButton_Click() {
   Timer1.SetEnabled(false);
   const WhileDisabled sending(SendButton);
-  const ui::WaitNotice notice(*this, "Sending the command.");
   if (CodeStr.BackColour() == ui::kRed) {
     Tell(" The received command is not yet validated!");
     return;
@@ -110,6 +109,7 @@ bool Form1::Send(std::string digits) {
       })) {
     return false;
   }
+  const ui::WaitNotice notice(*this, "Sending the command.");
   Beep(5000, 50);
   line_.IRSend(BitsToChars(slots), pulse, mod_.Settings.InterfaceType);
   Beep(2000, 50);

@@ -28,7 +28,6 @@ bool Form1::Load() {
   windowLarge_ = true;
   ShowMode();
   if (!ByShell() && !LoadFile()) return NotLoaded();
-  textIsWhole_ = IsWhole(mod_.Store.CfgText);
   Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
   ListAvailableCOM();
   ShowInterfaceType();
@@ -37,7 +36,7 @@ bool Form1::Load() {
   Beep(2000, 50);
   Beep(5000, 50);
   ShowZoneHardware();
-  if (!textIsWhole_) return NotLoaded();
+  if (!IsWhole(mod_.Store.CfgText)) return NotLoaded();
   ListProtocolsWithRecorded();
   ProcDelayparameter.SetText(std::to_string(mod_.Settings.ProcDelay));
   Protocol.Select(mod_.Settings.ProtocolIndex);
@@ -53,13 +52,18 @@ void Form1::Form_Unload() {
   loaded_ = false;
   Timer1.SetEnabled(false);
   if (!ByShell()) line_.CloseCom();
-  Told([this] {
-    for (const auto& [key, value] : std::exchange(unsaved_, {})) {
+  TakeUnsavedSettings();
+  if (IsWhole(mod_.Store.CfgText)) Told([this] { SaveConfig(mod_.Store); });
+}
+
+void Form1::TakeUnsavedSettings() {
+  for (const auto& [key, value] : std::exchange(unsaved_, {})) {
+    // One that does not fit must keep no other from the file.
+    Told([&, &key = key, &value = value] {
       const auto changed = WithGeneralValue(mod_.Store.CfgText, key, std::to_string(value));
       if (changed) mod_.Store.ReplaceText(*changed);
-    }
-    SaveConfig(mod_.Store);
-  });
+    });
+  }
 }
 
 void Form1::OKButton_Click() {

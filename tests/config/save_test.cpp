@@ -220,6 +220,26 @@ TEST_F(BrokenSave, LeavesTheOldFileAndNothingElse) {
   EXPECT_EQ(store_.CfgText, fresh_) << "text and file agree";
 }
 
+TEST_F(BrokenSave, KeepsNoCopyOfAnotherTextThatIsStillInItsPlace) {
+  const auto save = [&](int failAt) {
+    disk_.Put("keplo.cfg", "of another program");
+    store_.CfgText = old_;
+    store_.FileText = old_;
+    disk_.FailAt(failAt, false);
+    return FailureOf([&] { SetGeneralValue(store_, "ITYPE", "9"); }).Number() == 0;
+  };
+  ASSERT_TRUE(save(0));
+  const int operations = disk_.Operations();
+  EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", fresh_}, {"keplo.cfg.other-1", "of another program"}}));
+  store_.KeptAside.clear();
+  disk_ = FakeDisk();
+  for (int failAt = 1; failAt < operations; ++failAt) {
+    EXPECT_FALSE(save(failAt));
+    EXPECT_EQ(disk_.Files(), (Files{{"keplo.cfg", "of another program"}})) << failAt;
+    EXPECT_TRUE(store_.KeptAside.empty());
+  }
+}
+
 TEST_F(BrokenSave, RespectsAWriteProtectedFile) {
   disk_.Writable = false;
   EXPECT_FALSE(Save(0, false));

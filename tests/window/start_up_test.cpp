@@ -254,6 +254,20 @@ TEST_F(StartUp, FailedSavesAreToldOnceAndTriedAgainAtTheEnd) {
   EXPECT_TRUE(boxes_.Shown.empty());
 }
 
+TEST_F(StartUp, ASettingThatDoesNotFitKeepsNothingElseFromTheFile) {
+  Ports = {{2, 1}, {12, 1}};
+  std::string full = FileOf("2 0 10 0 0 0");
+  full.insert(full.find("# made"), "#" + std::string(kMostCharacters - full.size() - 3, '.') + "\r\n");
+  ASSERT_EQ(full.size(), kMostCharacters);
+  ASSERT_TRUE(Load(full));
+  form_->Protocol.SelectText("Two");
+  form_->ComList.Select(1);
+  form_->Form_Unload();
+  EXPECT_NE(File().find("PROTOCOL= 1\r\n"), std::string::npos);
+  EXPECT_NE(File().find("COMPORT= 2\r\n"), std::string::npos);
+  EXPECT_EQ(boxes_.TakeShown().size(), 2U) << "when it was chosen, and at the end";
+}
+
 TEST_F(StartUp, AFileThatIsNotThereOrTooLargeIsToldAndWhy) {
   for (const std::string& file : {std::string(), std::string(kMostCharacters + 1, 'x')}) {
     EXPECT_FALSE(Load(file));

@@ -60,10 +60,13 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = cli::ResolveAppPath(options.AppPath);
   PosixFileSystem files;
   if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
-  QLockFile onlyOne(QString::fromStdString((appPath / "keplo-window.lock").string()));
+  const std::string lock = (appPath / "keplo-window.lock").string();
+  QLockFile onlyOne(QString::fromStdString(lock));
   onlyOne.setStaleLockTime(0);  // a window may be open for weeks
   if (!onlyOne.tryLock(0) && onlyOne.error() == QLockFile::LockFailedError) {
-    boxes.Message("A window for " + appPath.string() + " is open already. Use that one, or close it first.",
+    boxes.Message("A window for " + appPath.string() +
+                      " is open already. Use that one, or close it first. If there is none, delete " + lock +
+                      ".",
                   kBoxTitle);
     return kNotStarted;
   }
