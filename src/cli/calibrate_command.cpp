@@ -10,7 +10,7 @@
 #include "cli/commands.h"
 #include "cli/line_options.h"
 #include "cli/open_map.h"
-#include "config/values.h"
+#include "config/setting_keys.h"
 #include "formats/recording.h"
 #include "line/replay_line.h"
 #include "signal/calibration.h"
@@ -88,7 +88,7 @@ int Save(std::int16_t delay, const CalibrateOptions& options) try {
   OpenConfig config(options.AppPath);
   config.RequireWhole();
   CfgStore& store = config.Mod.Store;
-  if (!SetGeneralValue(store, "PROCDELAY", std::to_string(delay)))
+  if (!ChangeSetting(store, *FindSettingKey("PROCDELAY"), delay))
     return Refuse(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
   std::cout << "saved in " << store.Path.string() << '\n';
   return kDone;

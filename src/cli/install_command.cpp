@@ -4,7 +4,6 @@
 
 #include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/open_map.h"
 #include "cli/teach.h"
 #include "config/posix_file_system.h"
 #include "install/first_install.h"
@@ -35,7 +34,7 @@ void AddInstallCommand(CLI::App& app, int& status) {
   AddAppPathOption(*command, options->AppPath);
   command->add_option("--teach", options->Index, "Learn the codes of this index file (JSON) as well")
       ->check(CLI::ExistingFile);
-  command->callback([options, &status] { status = AmongOthers([&] { return Install(*options); }); });
+  command->callback([options, &status] { status = Install(*options); });
 }
 
 }  // namespace keplo::cli

@@ -89,7 +89,8 @@ int Learn(const LearnOptions& options) {
   const Lesson lesson = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
   if (const std::string reason = WhyNoCommand(lesson); !reason.empty()) return Refuse(reason);
   try {
-    const LearnResult result = Store(options, lesson, config.Mod.Store);
+    LearnResult result;
+    ChangeAmongOthers(config.Mod.Store, [&] { result = Store(options, lesson, config.Mod.Store); });
     if (result.Refused == Refusal::NotValidated) {
       return Refuse(RefusalText(result) +
                     "\nkeplo: the last press has a single frame; give recordings of two equal presses");

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cli/app_path.h"
+#include "cli/commands.h"
 #include "config/check_config.h"
 
 namespace keplo::cli {
@@ -30,6 +31,15 @@ int AmongOthers(const std::function<int()>& command) {
     }
   }
   return command();
+}
+
+void ChangeAmongOthers(CfgStore& store, const std::function<void()>& change) {
+  bool stale = false;
+  AmongOthers([&] {
+    if (std::exchange(stale, true)) LoadConfig(store);
+    change();
+    return kDone;
+  });
 }
 
 OpenMap::OpenMap(const std::string& appPathOption)

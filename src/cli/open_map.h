@@ -24,8 +24,12 @@ struct OpenConfig {
   KeploMod Mod;
 };
 
-/// Runs a command that changes keplo.cfg again as long as other programs change it in between.
+/// Runs a command that reads and changes keplo.cfg again as long as other programs change it in between.
 int AmongOthers(const std::function<int()>& command);
+
+/// The same for a change of a store that is loaded already; the store is read again ahead of each further
+/// try.
+void ChangeAmongOthers(CfgStore& store, const std::function<void()>& change);
 
 /// The event map of an application path, loaded, for commands that read or change it.
 struct OpenMap {

@@ -86,7 +86,9 @@ void Teach(CfgStore& store, const Lesson& lesson, Tally& tally) {
     TellRefused(lesson, "\"bits\" is of 0 and 1 alone, and not " + lesson.Code);
     return;
   }
-  const LearnResult result = AddCommand(store, lesson.Protocol, "G" + lesson.Code, lesson.Name);
+  LearnResult result;
+  ChangeAmongOthers(store,
+                    [&] { result = AddCommand(store, lesson.Protocol, "G" + lesson.Code, lesson.Name); });
   if (result.Done()) {
     ++tally.Learned;
   } else if (result.Refused == Refusal::CodeExists) {

@@ -71,9 +71,12 @@ std::optional<std::string> SettingValue(std::string_view text, const SettingKey&
 
 bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number) {
   const std::string value = std::to_string(number);
-  if (PlaceOf(store.CfgText, key) != kNowhere || !IsLate(key)) {
-    return SetGeneralValue(store, key.Name, value);
+  if (const int place = PlaceOf(store.CfgText, key); place != kNowhere) {
+    if (!ReplaceValueAt(store, place, value)) return false;
+    SaveConfig(store);
+    return true;
   }
+  if (!IsLate(key)) return false;
   const int last = PlaceOf(store.CfgText, *FindSettingKey("VEXIL"));
   const int lineEnd = SeekForward(store.CfgText, last, '\n');
   if (last == kNowhere || lineEnd == kNowhere) return false;

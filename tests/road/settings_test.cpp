@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "program.h"
 
 namespace keplo {
@@ -46,6 +48,12 @@ TEST(Settings, AreShownAndChangedInTheFile) {
                   "[General]\r\nCOMPORT= 12\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= 8\r\nBEEPON= 1\r\n"
                   "VEXIL= 3\r\nANALYSIS= 0\r\n\r\n");
   EXPECT_EQ(install.Config(), expected);
+  std::string commented = expected;
+  commented.insert(commented.find("COMPORT="), "# ANALYSIS= 1 is the second look\r\n");
+  std::ofstream(install.File("keplo.cfg"), std::ios::binary) << commented;
+  EXPECT_EQ(changed("ANALYSIS 1"), "ANALYSIS 1\n");
+  EXPECT_EQ(install.Config(), commented.replace(commented.find("\nANALYSIS= 0") + 11, 1, "1"));
+  std::ofstream(install.File("keplo.cfg"), std::ios::binary) << expected;
   EXPECT_EQ(RunKeplo("settings" + install.Option()).Out,
             "COMPORT 12\nPROTOCOL 0\nPROCDELAY 10\nITYPE 8\nBEEPON 1\nVEXIL 3\nANALYSIS 0\n");
 }
