@@ -16,9 +16,11 @@ namespace keplo {
 
 namespace {
 
-constexpr int kInterference = 2;   // samples; shorter runs than three belong to what surrounds them
-constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
-constexpr double kRestUnits = 12;  // behind a frame; two marks that are lost between long spaces leave 11
+constexpr int kInterference = 2;     // samples; shorter runs than three belong to what surrounds them
+constexpr double kLeastUnit = 5;     // samples; of a shorter base time receivers leave spaces of one or two
+constexpr double kFinestUnit = 3.5;  // samples; of shorter ones the first analysis reads wrong codes
+constexpr double kGapUnits = 5.5;    // longer spaces part frames; within a frame four base times occur
+constexpr double kRestUnits = 12;    // behind a frame; two marks that are lost between long spaces leave 11
 constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
 constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
 constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
@@ -33,7 +35,8 @@ struct RunList {
   int Silence = 0;  // samples behind the last mark; 0 if the capture ends in it
 };
 
-RunList ReadRuns(std::string_view samples) {
+/// @param interferenceLimit runs of up to so many samples join what surrounds them
+RunList ReadRuns(std::string_view samples, int interferenceLimit = kInterference) {
   RunList runs;
   runs.Lengths.reserve(256);
   std::size_t offset = 0;
@@ -42,7 +45,7 @@ RunList ReadRuns(std::string_view samples) {
     const bool mark = samples[offset] == '1';
     const auto length = static_cast<int>(RunLength(samples, offset, mark ? '1' : '0'));
     offset += static_cast<std::size_t>(length);
-    const bool interference = length <= kInterference;
+    const bool interference = length <= interferenceLimit;
     if (runs.Lengths.empty() && (!mark || interference)) continue;
     if (!runs.Lengths.empty() && (interference || mark == inMark)) {
       runs.Lengths.back() += length;
@@ -340,13 +343,37 @@ std::optional<Frame> BiphaseFrame(const Body& body) {
   return frame;
 }
 
+constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of noise
+
 /// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train, and
 /// runs that the first analysis takes for borders are where two signals met.
 bool IsStrange(const Body& body) {
-  constexpr std::size_t kFewestMarks = 12;
   if (body.MarkCount() < kFewestMarks || !body.IsTight() || body.Falls(1, 1)) return false;
   const int unit = static_cast<int>(RoughUnit(body.First, body.Size));
   return RunUnits(std::max(body.Marks.Longest().Most, body.Spaces.Longest().Most), unit) <= 3;
+}
+
+/// Whether the runs of every length are within three samples, and none is a mere sample: noise has such.
+bool IsFineAndClean(const Lengths& lengths) {
+  constexpr int kFineSpread = 3;
+  const auto end = lengths.Of.begin() + static_cast<std::ptrdiff_t>(lengths.Number);
+  return lengths.Number > 0 && lengths.Short().Least > 1 &&
+         std::all_of(lengths.Of.begin(), end,
+                     [](const Length& length) { return length.Most - length.Least <= kFineSpread; });
+}
+
+/// Whether a capture holds a clean signal whose short spaces would be taken for interference.
+bool IsTooFine(std::string_view samples) {
+  const RunList runs = ReadRuns(samples, 0);
+  const double unit = RoughUnit(runs.Lengths.data(), runs.Lengths.size());
+  if (!Within(unit, kFinestUnit, kLeastUnit + 1)) return false;
+  const std::vector<Piece> pieces = SplitPieces(runs);
+  return std::any_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
+    const Body body = BodyOf(piece, 0);
+    return body.MarkCount() >= kFewestMarks && IsFineAndClean(body.Marks) && IsFineAndClean(body.Spaces) &&
+           !body.Falls(1, 1) && (unit < kLeastUnit || body.Spaces.Short().Least <= kInterference) &&
+           body.Spaces.Short().Mean > kInterference + 0.5;
+  });
 }
 
 bool IsDitto(const Piece& piece) {
@@ -591,6 +618,10 @@ SecondLook LookAgain(std::string_view samples) {
   std::vector<Frame>& frames = found.Frames;
   LeaveOutPieces(found);
   SecondLook look;
+  if (IsTooFine(samples)) {
+    look.Proven = SecondLook::Proof::Unsure;
+    return look;
+  }
   if (frames.empty()) {
     if (IsOneFrame(found.Strange)) look.Proven = SecondLook::Proof::Unsure;
     return look;

@@ -15,7 +15,7 @@ struct SecondLook {
     Sure,    // Frame holds the code
     Lone,    // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
              // itself
-    Unsure,  // a clean signal, but of none of the three line codes, or of frames that take turns
+    Unsure,  // a clean signal, but of none of the three line codes, of frames that take turns, or too fine
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
   };
 
@@ -40,7 +40,8 @@ struct SecondLook {
 /// distance, two and one pulse width, two and two, or two and one in whole pairs, biphase; one and one behind
 /// a leader a code of equal digits. Frames that are cut, or that fit none of these, are left out.
 ///
-/// Runs of up to two samples are taken for interference; base times from about 5 samples on are read.
+/// Runs of up to two samples are taken for interference. A clean signal with a base time of less than 5
+/// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
 SecondLook LookAgain(std::string_view samples);
 
 }  // namespace keplo

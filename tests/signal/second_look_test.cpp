@@ -306,6 +306,20 @@ TEST(SecondLook, LeavesAFrameThatTheBufferCutOutOfTheRecording) {
   EXPECT_TRUE(reading.Repeats);
 }
 
+TEST(SecondLook, LeavesBaseTimesOfFewSamplesToTheFirstAnalysis) {
+  const std::string digits = "0100010011000100";
+  const RunVector fine = Twice(DistanceRuns({50, 26}, 4, 4, 12, digits));
+  EXPECT_EQ(Read(Runs(fine)), "NEC " + digits);
+  EXPECT_EQ(Read(Runs(WithExcess(fine, 1))), "NEC " + digits);
+  RunVector swallowed = WithExcess(fine, 1);
+  for (std::size_t i = 3; i + 4 < swallowed.size(); i += 6) {
+    if (swallowed[i] != 3) continue;
+    --swallowed[i];
+    ++swallowed[i + 1];
+  }
+  EXPECT_EQ(LookAgain(Runs(swallowed)).Proven, SecondLook::Proof::Unsure) << "spaces of two samples";
+}
+
 TEST(SecondLook, LeavesTheFirstAnalysisAsItIs) {
   const std::vector<std::pair<RunVector, std::string>> refused = {
       {SonyRuns(kSonyDigits + "110"), "length"},
