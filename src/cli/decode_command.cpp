@@ -72,7 +72,22 @@ std::string ToText(const Row& row) {
     text += "code " + row.Digits + " (" + std::to_string(row.Digits.size()) + " bits)";
     return row.ReadBy ? text + ", " + std::string(WordOf(*row.ReadBy)) : text;
   }
-  return text + "no code: " + DescribeStage(row.Ended);
+  text += "no code: " + DescribeStage(row.Ended);
+  const bool alone = row.Ended == Stage::Doubtful && !row.Digits.empty();
+  return alone ? text + ", its digits are " + row.Digits : text;
+}
+
+/// A single frame is judged as it was recorded: its copies in a held press would agree with it whatever it
+/// lost.
+MonitorReading ReadPress(const Press& press, const LineOptions& line, Analysis analysis, SignalState& state) {
+  if (analysis == Analysis::Second) {
+    LineOptions asRecorded = line;
+    asRecorded.HoldMs = 0;
+    MonitorReading reading =
+        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, asRecorded), state, analysis);
+    if (reading.Ended == Stage::Code || reading.Ended == Stage::Doubtful) return reading;
+  }
+  return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, line), state, analysis);
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming; }
@@ -84,8 +99,7 @@ bool DecodeRecording(const Recording& recording, const DecodeOptions& options, A
   row.File = recording.Path;
   for (const Press& press : recording.Presses) {
     SignalState state;
-    const MonitorReading reading =
-        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, options.Line), state, analysis);
+    const MonitorReading reading = ReadPress(press, options.Line, analysis, state);
     ++row.Press;
     row.Ended = reading.Ended;
     row.Measured = WasMeasured(reading.Ended) ? &state.Measured : nullptr;

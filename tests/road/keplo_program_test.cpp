@@ -181,6 +181,17 @@ TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
   EXPECT_EQ(RunKeplo("decode --analysis third" + press).Status, 2);
 }
 
+/// The copies of a held press agree with their original whatever it lost.
+TEST(KeploProgram, JudgesASingleFrameAsItWasRecorded) {
+  const TempFolder home;
+  const std::string press = Quoted(home.Path() / "lone.mode2");
+  const std::string digits = "101100111000110010110011";
+  ASSERT_EQ(RunKeplo("synth --repeats 0 --code " + digits + " >" + press).Status, 0);
+  const Ran ran = RunKeplo("decode" + press);
+  EXPECT_NE(ran.Out.find("no code: doubtful"), std::string::npos) << ran.Out;
+  EXPECT_NE(ran.Out.find("digits are " + digits), std::string::npos) << ran.Out;
+}
+
 TEST(KeploProgram, TellsWhatIsWrongAndWhatToDo) {
   const TempFolder home;
   const std::string damaged = home.Write("damaged.mode2", "pulse 9000\nspace 4500\npulse many\n").string();
