@@ -19,9 +19,14 @@ void Check(bool holds) {
 void CheckLook(const keplo::SecondLook& look) {
   Check(look.Symbols.find_first_not_of("01Gg") == std::string::npos);
   Check(look.Symbols.empty() || keplo::kMarks.find(look.Symbols.front()) != std::string_view::npos);
-  if (look.Proven != keplo::SecondLook::Proof::Sure) return;
+  if (look.Proven != keplo::SecondLook::Proof::Sure && look.Proven != keplo::SecondLook::Proof::Lone) {
+    Check(look.Frame.empty());
+    return;
+  }
   const auto frame = keplo::IsolateFrame(look.Frame);
-  Check(frame && look.BaseT > 0 && keplo::DecodeCode(*frame, look.ProtoKind).size() >= 7);
+  // The shortest frame has seven marks; a leader and the closing mark of pulse distance are no digits.
+  constexpr std::size_t kFewestDigits = 5;
+  Check(frame && look.BaseT > 0 && keplo::DecodeCode(*frame, look.ProtoKind).size() >= kFewestDigits);
 }
 
 }  // namespace
