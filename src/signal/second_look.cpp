@@ -21,8 +21,8 @@ constexpr double kLeastUnit = 5;     // samples; of a shorter base time receiver
 constexpr double kFinestUnit = 3.5;  // samples; of shorter ones the first analysis reads wrong codes
 constexpr double kGapUnits = 5.5;    // longer spaces part frames; within a frame four base times occur
 constexpr double kRestUnits = 12;    // behind a frame; two marks that are lost between long spaces leave 11
-constexpr std::size_t kFewestDigits = 7;  // shorter pieces are no commands
-constexpr std::size_t kMostRuns = 600;    // of one frame; more is noise
+constexpr std::size_t kShortestPiece = 7;  // marks; shorter ones are no commands
+constexpr std::size_t kMostRuns = 600;     // of one frame; more is noise
 constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
 constexpr double kSpreadUnits = 0.7;  // between runs of one length: 50 us of jitter and the sample grid
 constexpr double kClearSteps = 0.4;   // of the way between two lengths that has no run, with 25 us
@@ -410,7 +410,7 @@ class FrameReader {
         continue;
       }
       behindFrame_ = false;
-      const bool fits = piece.Size / 2 + 1 >= kFewestDigits && piece.Size <= kMostRuns;
+      const bool fits = piece.Size / 2 + 1 >= kShortestPiece && piece.Size <= kMostRuns;
       std::optional<Frame> frame = fits ? Read(piece) : std::nullopt;
       if (!frame) {
         ++found_.Others;
@@ -525,9 +525,11 @@ bool ProvesItself(const Frame& frame) {
   }
 }
 
+/// How often a frame was sent. The equal halves of a frame that a lost mark splits are not two of them.
 std::size_t CountOf(const std::vector<Frame>& frames, const Frame& wanted) {
-  return static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(),
-                                                [&](const Frame& frame) { return frame.SameCode(wanted); }));
+  return static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(), [&](const Frame& frame) {
+    return frame.SameCode(wanted) && (frame.Ends || frame.Kind != kNec);
+  }));
 }
 
 /// Whether a frame is longer than all pieces of the press that differ: lost marks make a frame shorter.

@@ -166,6 +166,15 @@ TEST(SecondLook, TakesNoFrontPartOfAFrameForTheWhole) {
   EXPECT_EQ(Read(Runs(Then(split, kGap, {160, 40, 10}))).find(' '), std::string::npos);
 }
 
+TEST(SecondLook, TakesTheEqualHalvesOfAFrameForNoTwo) {
+  const std::string half = "011001101001100";
+  RunVector split = NecRuns(half + "11" + half);
+  const auto lost = split.begin() + 2 + 2 * 16;
+  *(lost - 1) = 75;
+  split.erase(lost, lost + 2);
+  EXPECT_EQ(Read(Runs(split)).find(' '), std::string::npos);
+}
+
 /// The digits of a doubtful press, which a learned command may prove.
 TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
   const auto lone = [](const std::string& digits) { return DistanceRuns({90, 50}, 10, 10, 30, digits); };
