@@ -222,10 +222,11 @@ struct Trial {
 using Spoiler = std::function<void(Trial& trial, Dice& dice)>;
 
 struct Tally {
-  int Right = 0, Wrong = 0;
+  int Right = 0, Wrong = 0, Learned = 0;
 
   void Count(const MonitorReading& reading, const std::string& sent) {
     if (reading.Ended == Stage::Code) ++(reading.Digits == sent ? Right : Wrong);
+    if (reading.Ended == Stage::Doubtful && reading.Digits == sent) ++Learned;
   }
 };
 
@@ -321,6 +322,44 @@ void PrintWeakSignals() {
   PrintRowOfBoth("two short holes", real, [](Trial& trial, Dice& dice) {
     for (int i = 0; i < 2; ++i) Interrupt(trial, dice, true);
   });
+}
+
+/// One frame of pulse distance, with NEC's leader, and nothing else.
+void PrintLoneFrame(const char* press, int digits, const Spoiler& spoil) {
+  Dice dice(1);
+  std::array<Tally, 2> tallies;
+  for (int count = 0; count < kCodesPerCell; ++count) {
+    const std::string code = RandomDigits(dice, digits);
+    Trial trial;
+    LikeRealRemotes(trial.With, dice);
+    trial.With.Remote.Repeats = 0;
+    trial.With.Remote.Seed = dice.Seed();
+    trial.With.Line.Shape = false;
+    trial.With.Line.HoldMs = 0;
+    trial.Press = SynthPress(kNec, code, trial.With.Remote);
+    spoil(trial, dice);
+    const std::string capture = CaptureOfPress(trial.Press, trial.Bytes, trial.With.Line);
+    for (std::size_t i = 0; i < kBoth.size(); ++i) {
+      SignalState state;
+      tallies.at(i).Count(ReadCapture(capture, state, kBoth.at(i)), code);
+    }
+  }
+  std::printf("| %d digits, %s | %.1f / %d | %.1f / %d | %.1f |\n", digits, press,
+              100.0 * tallies[0].Right / kCodesPerCell, tallies[0].Wrong,
+              100.0 * tallies[1].Right / kCodesPerCell, tallies[1].Wrong,
+              100.0 * (tallies[1].Right + tallies[1].Learned) / kCodesPerCell);
+}
+
+void PrintLoneFrames() {
+  std::printf(
+      "\n### One frame alone\n\n| frame | first analysis | second look | of learned commands |\n"
+      "|---|---|---|---|\n");
+  for (const int digits : {13, 16, 22, 24, 28, 32, 33, 35, 36, 40, 42, 48}) {
+    PrintLoneFrame("whole", digits, kUnspoiled);
+  }
+  for (const int digits : {24, 32, 36, 40, 48}) {
+    PrintLoneFrame("a mark missing", digits, [](Trial& trial, Dice& dice) { LoseMarks(trial, dice, 1); });
+  }
 }
 
 /// Samples of something that is no press, at least as many as the monitor captures.
@@ -465,6 +504,7 @@ int main() {
   PrintTableOfBoth("By mark excess", "mark excess, us", kWideExcesses,
                    [](Conditions& conditions, int value) { conditions.Remote.MarkExcessUs = value; });
   PrintWeakSignals();
+  PrintLoneFrames();
   PrintNoise();
   return 0;
 }
