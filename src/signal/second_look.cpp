@@ -21,6 +21,7 @@ constexpr double kLeastUnit = 5;     // samples; of a shorter base time receiver
 constexpr double kFinestUnit = 3.5;  // samples; of shorter ones the first analysis reads wrong codes
 constexpr double kGapUnits = 5.5;    // longer spaces part frames; within a frame four base times occur
 constexpr double kRestUnits = 12;    // behind a frame; two marks that are lost between long spaces leave 11
+constexpr double kSonyRest = 8;      // its spaces are short: two lost marks leave 7, and the longest code 10
 constexpr std::size_t kShortestPiece = 7;  // marks; shorter ones are no commands
 constexpr std::size_t kMostRuns = 600;     // of one frame; more is noise
 constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
@@ -417,7 +418,8 @@ class FrameReader {
         continue;
       }
       if (frame->HasLeader() && LoneLeader()) --found_.Others;
-      frame->Ends = place_ + 1 == pieces_.size() || piece.Behind >= kRestUnits * frame->Unit;
+      frame->Ends = place_ + 1 == pieces_.size() ||
+                    piece.Behind >= (frame->Kind == kSony ? kSonyRest : kRestUnits) * frame->Unit;
       behindFrame_ = true;
       found_.Frames.push_back(std::move(*frame));
     }
@@ -515,7 +517,8 @@ bool ProvesItself(const Frame& frame) {
   if (!frame.Clear) return false;
   switch (frame.Kind) {
     case kSony:
-      return frame.KnownLeader && (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
+      return frame.KnownLeader && frame.Ends &&
+             (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
     case kRc5:
       return true;  // exact in its length and all its pairs, between two silences
     default:

@@ -113,6 +113,10 @@ TEST(SecondLook, LeavesOutWhatIsNoWholeFrame) {
   RunVector spiked = nec;
   spiked[5] -= 7;
   spiked.insert(spiked.begin() + 6, {2, 5});
+  // The runs from the space ahead of the thirteenth mark of the digits to the one behind the fourteenth.
+  RunVector lost = SonyRuns("10101010101011010101");
+  for (int run = 26; run < 30; ++run) lost[25] += lost[static_cast<std::size_t>(run)];
+  lost.erase(lost.begin() + 26, lost.begin() + 30);
   struct Case {
     std::string Name;
     std::string Samples;
@@ -127,7 +131,8 @@ TEST(SecondLook, LeavesOutWhatIsNoWholeFrame) {
       {"NEC alone, end cut", Runs(upTo(nec, 35)), "doubtful or less"},
       {"RC5 alone, head cut", Runs(from(rc5, 2)), "doubtful or less"},
       {"RC5 alone, end cut", Runs(upTo(rc5, 15)), "doubtful or less"},
-      {"SONY of 15 that faded after 12 marks of digits", Runs(upTo(SonyRuns(kSonyDigits + "110"), 23)),
+      {"SONY of 20 that lost two marks behind its twelfth", Runs(lost), "doubtful or less"},
+      {"SONY of 15 that faded after 11 digits", Runs(upTo(SonyRuns(kSonyDigits + "110"), 23)),
        "doubtful or less"},
       {"a spike within a space", Runs(spiked), "NEC " + kNecDigits},
       {"a lone mark far ahead", Runs(Then({60}, 600, sony)), "SONY " + kSonyDigits},
