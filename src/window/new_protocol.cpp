@@ -11,12 +11,11 @@
 #include "config/numbers.h"
 #include "config/protocols.h"
 #include "window/form1.h"
+#include "window/recorded_params.h"
 
 namespace keplo {
 
 namespace {
-
-constexpr std::int16_t kSilence = 50;  // slots ahead of a repeat, where a recording has one
 
 /// What the dialog offers for a recorded line code.
 struct RecordedKind {
@@ -28,11 +27,6 @@ constexpr std::array<RecordedKind, 4> kRecordedKinds = {
     {{kNec, 0, "50"}, {kSony, 1, "50"}, {kRc5, 2, "90"}, {kUnknown, 3, {}}}};
 
 constexpr std::string_view kNameTip = "Enter the new protocol name. Use only letters and numbers.";
-
-std::int16_t RecordedGRepeat(std::string_view syncType) {
-  if (syncType == "0") return 0;
-  return syncType == "1" ? std::int16_t{1} : kSilence;
-}
 
 }  // namespace
 
@@ -82,7 +76,7 @@ bool NewProtocol::CodeShown() const {
 
 void NewProtocol::TakeRecording() {
   ProtocolParams& params = mod_.ProtocolParams;
-  params.REPEAT = EqualNoCase(Trimmed(form_.Rpt.Text()), "y") ? kSilence : std::int16_t{0};
+  params.REPEAT = EqualNoCase(Trimmed(form_.Rpt.Text()), "y") ? kRecordedRepeat : std::int16_t{0};
   params.GREPEAT = RecordedGRepeat(Trimmed(form_.GType.Text()));
   const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
   for (const RecordedKind& recorded : kRecordedKinds) {

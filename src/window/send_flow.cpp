@@ -10,6 +10,7 @@
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
 #include "window/form1.h"
+#include "window/recorded_params.h"
 #include "window/while_disabled.h"
 
 namespace keplo {
@@ -17,13 +18,6 @@ namespace keplo {
 namespace {
 
 constexpr std::size_t kShortestCode = 6;  // characters, the leading G among them
-// Slots of silence ahead of a repeat, where no protocol tells a number.
-constexpr std::int16_t kRecordedRepeat = 50;
-
-std::int16_t RecordedGRepeat(std::string_view syncType) {
-  if (syncType == "0") return 0;
-  return syncType == "1" ? std::int16_t{1} : kRecordedRepeat;
-}
 
 std::optional<std::string_view> SyncTypeOf(std::int16_t gRepeat) {
   if (gRepeat == 0) return "0";
