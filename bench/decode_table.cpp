@@ -10,12 +10,12 @@
 #include <vector>
 
 #include "line/press_capture.h"
-#include "line/synth.h"
 #include "signal/decode.h"
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
 #include "signal/send_bits.h"
 #include "signal/timing.h"
+#include "synth/synth.h"
 
 namespace {
 

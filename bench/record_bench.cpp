@@ -1,6 +1,6 @@
 #include <benchmark/benchmark.h>
 
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 #include "signal/signal_builder.h"
 
 namespace keplo {

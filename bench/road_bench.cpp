@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "signal/monitor_road.h"
-#include "signal/second_look.h"
+#include "signal/monitored_press.h"
+#include "signal/second_look/second_look.h"
 #include "signal/signal_builder.h"
 
 namespace keplo {

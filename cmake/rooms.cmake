@@ -22,10 +22,10 @@ if(KEPLO_TIDY)
   set(CMAKE_CXX_CLANG_TIDY clang-tidy --extra-arg=-Wno-unknown-warning-option)
 endif()
 
-# keplo_room(NAME [DEPENDS ...]): the library keplo_NAME from src/NAME/*.cpp.
+# keplo_room(NAME [DEPENDS ...]): the library keplo_NAME from all sources below src/NAME.
 function(keplo_room name)
   cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
   if(sources)
     add_library(keplo_${name} STATIC ${sources})
     target_link_libraries(keplo_${name} PUBLIC keplo_options ${ROOM_DEPENDS})

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 
 /// Arbitrary bytes as a capture: no reading may go out of bounds, and a code holds digits alone.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

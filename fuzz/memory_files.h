@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "config/file_system.h"
+#include "disk/file_system.h"
 #include "failure.h"
 
 namespace keplo {

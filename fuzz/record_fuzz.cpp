@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "signal/decode_frames.h"
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 
 namespace {
 

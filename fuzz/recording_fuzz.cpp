@@ -5,7 +5,7 @@
 #include "formats/pulse_text.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
 
 /// Arbitrary text as a recording: it is refused with a message or every press of it fills a capture, shaped

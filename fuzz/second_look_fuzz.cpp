@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "signal/decode.h"
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 #include "signal/run_symbols.h"
-#include "signal/second_look.h"
+#include "signal/second_look/second_look.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "config/cfg_store.h"
 #include "config/settings.h"
 #include "events/data.h"
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 #include "signal/protocol_params.h"
 
 namespace keplo {

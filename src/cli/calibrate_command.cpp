@@ -6,13 +6,13 @@
 #include <utility>
 #include <vector>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/line_options.h"
 #include "cli/open_map.h"
 #include "config/setting_keys.h"
 #include "formats/recording.h"
 #include "line/replay_line.h"
+#include "program/app_path.h"
+#include "program/line_options.h"
 #include "signal/calibration.h"
 
 namespace keplo::cli {

@@ -2,12 +2,12 @@
 #include <memory>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/commands.h"
 #include "config/lookup.h"
 #include "config/protocols.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

@@ -7,15 +7,15 @@
 #include <vector>
 
 #include "cli/analysis_option.h"
-#include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/json_line.h"
-#include "cli/line_options.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
-#include "shell/press_words.h"
-#include "signal/monitor_road.h"
+#include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/line_options.h"
+#include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
+#include "station/press_words.h"
 
 namespace keplo::cli {
 

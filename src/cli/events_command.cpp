@@ -6,12 +6,12 @@
 #include <set>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/json_line.h"
 #include "cli/open_map.h"
 #include "config/commands.h"
 #include "config/protocols.h"
+#include "program/app_path.h"
+#include "program/json_line.h"
 
 namespace keplo::cli {
 

@@ -2,10 +2,10 @@
 #include <memory>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/learn.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

@@ -2,11 +2,11 @@
 #include <memory>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/teach.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "install/first_install.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

@@ -5,16 +5,16 @@
 #include <vector>
 
 #include "cli/analysis_option.h"
-#include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/line_options.h"
 #include "cli/open_map.h"
 #include "cli/record_notes.h"
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
-#include "signal/record_road.h"
+#include "program/app_path.h"
+#include "program/line_options.h"
+#include "signal/recorded_press.h"
 #include "window/validation.h"
 
 namespace keplo::cli {

@@ -10,20 +10,20 @@
 #include <string>
 #include <vector>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
-#include "cli/json_line.h"
-#include "cli/line_options.h"
-#include "cli/quiet_boxes.h"
 #include "config/check_config.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "events/event_text.h"
 #include "formats/recording.h"
 #include "keplo_mod.h"
 #include "line/replay_line.h"
+#include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/line_options.h"
 #include "shell/event_list.h"
 #include "shell/keplo.h"
-#include "shell/press_words.h"
+#include "station/press_words.h"
+#include "station/quiet_boxes.h"
 
 namespace keplo::cli {
 

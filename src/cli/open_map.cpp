@@ -3,9 +3,9 @@
 #include <iostream>
 #include <utility>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "config/check_config.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

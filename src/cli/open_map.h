@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "events/col_cls_keplo_events.h"
 #include "keplo_mod.h"
 #include "ui/clock.h"

@@ -9,13 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/generic_protocols.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "failure.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

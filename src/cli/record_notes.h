@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 
 namespace keplo::cli {
 

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "cli/sent_pulses.h"
@@ -13,6 +12,7 @@
 #include "config/learn.h"
 #include "config/protocols.h"
 #include "line/replay_line.h"
+#include "program/app_path.h"
 #include "signal/send_bits.h"
 
 namespace keplo::cli {

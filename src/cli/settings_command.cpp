@@ -3,11 +3,11 @@
 #include <memory>
 #include <string>
 
-#include "cli/app_path.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/numbers.h"
 #include "config/setting_keys.h"
+#include "program/app_path.h"
 
 namespace keplo::cli {
 

@@ -6,9 +6,9 @@
 #include "cli/commands.h"
 #include "cli/write_file.h"
 #include "formats/pulse_text.h"
-#include "line/sample_presses.h"
-#include "line/synth.h"
 #include "signal/timing.h"
+#include "synth/sample_presses.h"
+#include "synth/synth.h"
 
 namespace keplo::cli {
 

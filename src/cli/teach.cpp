@@ -9,7 +9,7 @@
 #include "cli/open_map.h"
 #include "config/learn.h"
 #include "config/names.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "signal/decode.h"
 
 namespace keplo::cli {

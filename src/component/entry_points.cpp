@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "component/keplo_class.h"
+#include "component_loader/class_file.h"
 #include "failure.h"
-#include "host/class_file.h"
 
 namespace {
 

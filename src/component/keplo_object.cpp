@@ -5,7 +5,6 @@
 #include <exception>
 #include <utility>
 
-#include "component/without_display.h"
 #include "config/check_config.h"
 #include "events/event_text.h"
 #include "qt/control_view.h"
@@ -13,7 +12,8 @@
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
 #include "shell/event_list.h"
-#include "shell/press_words.h"
+#include "station/press_words.h"
+#include "station/without_display.h"
 
 namespace keplo::component {
 

@@ -4,8 +4,7 @@
 #include <memory>
 
 #include "component/event_sinks.h"
-#include "component/log.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "host/component_entry.h"
 #include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
@@ -13,6 +12,7 @@
 #include "line/replay_line.h"
 #include "qt/qt_timer.h"
 #include "shell/keplo.h"
+#include "station/log.h"
 
 namespace keplo::component {
 

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <string_view>
 
-#include "config/replace_file.h"
+#include "disk/replace_file.h"
 #include "failure.h"
 
 namespace keplo {

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "config/replace_file.h"
+#include "disk/replace_file.h"
 #include "events/event_schema.h"
 #include "events/event_table.h"
 #include "failure.h"

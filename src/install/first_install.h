@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "config/file_system.h"
+#include "disk/file_system.h"
 
 namespace keplo {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "line/clean_press.h"
-#include "line/hold_press.h"
+#include "line/shaping/clean_press.h"
+#include "line/shaping/hold_press.h"
 
 namespace keplo {
 

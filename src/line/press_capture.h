@@ -4,7 +4,7 @@
 #include <string>
 
 #include "formats/recording.h"
-#include "line/shaper.h"
+#include "line/shaping/shaper.h"
 
 namespace keplo {
 

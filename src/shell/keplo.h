@@ -12,7 +12,7 @@
 #include "shell/dispatch.h"
 #include "shell/frm_event.h"
 #include "shell/status_panel.h"
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 #include "signal/win32_ser.h"
 #include "ui/boxes.h"
 #include "ui/clock.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "signal/monitor_road.h"
+#include "signal/monitored_press.h"
 
 namespace keplo {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "keplo_mod.h"
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 #include "signal/win32_ser.h"
 #include "ui/boxes.h"
 #include "ui/button.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "config/cfg_store.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "doubles/temp_folder.h"
 
 namespace keplo::tests {

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "config/file_system.h"
+#include "disk/file_system.h"
 
 namespace keplo::tests {
 

@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "config/file_system.h"
+#include "disk/file_system.h"
 #include "failure.h"
 
 namespace keplo::tests {

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "config/replace_file.h"
 #include "config/values.h"
 #include "config_builder.h"
+#include "disk/replace_file.h"
 #include "doubles/child_process.h"
 #include "dying_files.h"
 #include "fake_disk.h"

@@ -1,10 +1,10 @@
 #include <dlfcn.h>
 #include <stdlib.h>
 
+#include "component_loader/class_file.h"
+#include "component_loader/component_frame.h"
 #include "failure.h"
 #include "host/application_path.h"
-#include "host/class_file.h"
-#include "host/component_frame.h"
 
 namespace keplo::tests {
 

@@ -1,4 +1,4 @@
-#include "host/program/event_book.h"
+#include "host_program/event_book.h"
 
 #include <gtest/gtest.h>
 

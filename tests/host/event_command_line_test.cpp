@@ -1,4 +1,4 @@
-#include "host/program/event_command_line.h"
+#include "host_program/event_command_line.h"
 
 #include <gtest/gtest.h>
 

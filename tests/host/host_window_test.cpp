@@ -1,4 +1,4 @@
-#include "host/program/host_window.h"
+#include "host_program/host_window.h"
 
 #include <QAction>
 #include <QEventLoop>

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "component_loader/component_frame.h"
 #include "failure.h"
 #include "host/application_path.h"
-#include "host/component_frame.h"
 #include "host/ivelmora_input_plugin.h"
 
 namespace keplo::tests {

@@ -1,8 +1,8 @@
-#include "host/program/request_check.h"
+#include "host_program/web/request_check.h"
 
 #include <gtest/gtest.h>
 
-#include "host/program/request_budget.h"
+#include "host_program/web/request_budget.h"
 
 namespace keplo::host {
 

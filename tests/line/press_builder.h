@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "line/frames.h"
 #include "line/press_capture.h"
-#include "line/synth.h"
-#include "signal/monitor_road.h"
+#include "line/shaping/frames.h"
+#include "signal/monitored_press.h"
+#include "synth/synth.h"
 
 namespace keplo::tests {
 

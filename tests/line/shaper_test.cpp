@@ -1,11 +1,11 @@
-#include "line/shaper.h"
+#include "line/shaping/shaper.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "line/clean_press.h"
-#include "line/hold_press.h"
+#include "line/shaping/clean_press.h"
+#include "line/shaping/hold_press.h"
 #include "press_builder.h"
 #include "signal/timing.h"
 

@@ -1,4 +1,4 @@
-#include "line/synth.h"
+#include "synth/synth.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <random>
 #include <sstream>
 
-#include "line/sample_presses.h"
 #include "press_builder.h"
 #include "signal/timing.h"
+#include "synth/sample_presses.h"
 
 namespace keplo {
 namespace {

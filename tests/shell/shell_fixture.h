@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "doubles/fake_line.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"

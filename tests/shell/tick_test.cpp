@@ -1,6 +1,6 @@
 #include "allocations.h"
 #include "shell_fixture.h"
-#include "signal/record_road.h"
+#include "signal/recorded_press.h"
 #include "signal/signal_builder.h"
 
 namespace keplo {

@@ -1,4 +1,4 @@
-#include "signal/second_look.h"
+#include "signal/second_look/second_look.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <random>
 
 #include "signal/decode.h"
-#include "signal/monitor_road.h"
-#include "signal/record_road.h"
+#include "signal/monitored_press.h"
+#include "signal/recorded_press.h"
 #include "signal_builder.h"
 
 namespace keplo {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "doubles/fake_line.h"
 #include "doubles/temp_folder.h"
 #include "events/event_table.h"

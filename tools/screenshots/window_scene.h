@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "config/config_builder.h"
-#include "config/posix_file_system.h"
+#include "disk/posix_file_system.h"
 #include "doubles/fake_line.h"
 #include "doubles/temp_folder.h"
 #include "qt/form1_view.h"

@@ -1,0 +1,103 @@
+#include "disk/replace_file.h"
+
+#include <cerrno>
+
+#include "failure.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr unsigned kOwnerOnly = 0600;  // until the old mode is set
+constexpr unsigned kForAll = 0666;
+constexpr std::size_t kMostBytesRead = std::size_t{1} << 20;
+
+/// A name beside the target. It is always the same one, so that what a killed process left there is taken
+/// away by the next save; the lock on the folder keeps two saves apart.
+std::filesystem::path TemporaryName(const std::filesystem::path& target) {
+  return target.parent_path() / ("." + target.filename().string() + ".new");
+}
+
+std::filesystem::path FolderOf(const std::filesystem::path& target) {
+  return target.has_parent_path() ? target.parent_path() : ".";
+}
+
+void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
+                     const std::optional<FileAttributes>& old, std::string_view content) {
+  const std::unique_ptr<NewFile> file = files.Create(path, old ? kOwnerOnly : kForAll);
+  file->Write(content);
+  if (old) file->SetAttributes(*old);
+  file->Flush();
+  file->Publish();
+}
+
+/// Writes the content beside the target and lets an action put it there; takes it away if either fails.
+template <typename Action>
+void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
+                 const std::optional<FileAttributes>& old, std::string_view content, Action putInPlace) {
+  files.Remove(temporary);
+  try {
+    WriteAndPublish(files, temporary, old, content);
+    putInPlace();
+  } catch (...) {
+    RemoveQuietly(files, temporary);
+    throw;
+  }
+}
+
+}  // namespace
+
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
+  try {
+    files.Remove(path);
+  } catch (...) {
+    // The failure that led here is the one to tell; the next save tries again to take the file away.
+  }
+}
+
+std::unique_ptr<LockedFolder> ReplaceFile(
+    FileSystem& files, const std::filesystem::path& path, std::string_view content,
+    const std::function<void(const std::filesystem::path& target, const std::string& old)>& onOld) {
+  const std::filesystem::path target = files.Resolve(path);
+  const std::filesystem::path temporary = TemporaryName(target);
+  std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
+  const std::optional<FileAttributes> old = files.Attributes(target);
+  if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
+  if (old) {
+    if (files.Size(target) > kMostBytesRead) {
+      throw Failure(EFBIG,
+                    target.string() + ": another program has made it larger than a configuration can be");
+    }
+    onOld(target, files.Read(target, kMostBytesRead));
+  }
+  WriteBeside(files, temporary, old, content, [&] { files.Rename(temporary, target); });
+  return folder;
+}
+
+std::filesystem::path KeepAside(FileSystem& files, const std::filesystem::path& file,
+                                std::string_view content) {
+  const std::filesystem::path temporary = TemporaryName(file);
+  std::filesystem::path aside;
+  WriteBeside(files, temporary, files.Attributes(file), content, [&] {
+    int number = 0;
+    do aside = file.string() + ".other-" + std::to_string(++number);
+    while (!files.RenameToFree(temporary, aside));
+  });
+  return aside;
+}
+
+bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {
+  const std::filesystem::path temporary = TemporaryName(path);
+  const std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(path));
+  bool created = false;
+  WriteBeside(files, temporary, std::nullopt, content,
+              [&] { created = files.RenameToFree(temporary, path); });
+  if (created) {
+    folder->Flush();
+  } else {
+    files.Remove(temporary);
+  }
+  return created;
+}
+
+}  // namespace keplo

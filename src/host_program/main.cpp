@@ -1,0 +1,154 @@
+#include <unistd.h>
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include "component_loader/class_file.h"
+#include "failure.h"
+#include "host_program/event_actions.h"
+#include "host_program/event_book.h"
+#include "host_program/find_component.h"
+#include "host_program/host_log.h"
+#include "host_program/host_window.h"
+#include "host_program/journal_stream.h"
+#include "host_program/options.h"
+#include "host_program/plugin_host.h"
+#include "host_program/stop_signals.h"
+#include "host_program/web/web_pages.h"
+
+namespace keplo::host {
+
+namespace {
+
+constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2;
+constexpr std::chrono::seconds kTimeForPrograms{5}, kTimeToTerminate{1};
+
+bool HasDisplay() {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    const char* value = std::getenv(name);
+    if (value != nullptr && *value != '\0') return true;
+  }
+  return false;
+}
+
+HostLog::JournalStreams JournalStreamsOfThisProgram() {
+  const char* journal = std::getenv("JOURNAL_STREAM");
+  if (journal == nullptr) return {};
+  return {IsJournal(STDOUT_FILENO, journal), IsJournal(STDERR_FILENO, journal)};
+}
+
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool headless) {
+  if (headless) return std::make_unique<QCoreApplication>(argc, argv);
+  if (!HasDisplay()) {
+    throw Failure(1, "There is no display to show a window on. Run with --headless to do without.");
+  }
+  return std::make_unique<QApplication>(argc, argv);
+}
+
+void Register(const HostOptions& options) {
+  const Component component(FindComponentToRegister(options.ComponentFile));
+  component.Register();
+  std::cout << kInputKeploClass << " is " << component.File().string() << ", as "
+            << ClassFilePath(kInputKeploClass).string() << " says\n";
+}
+
+void Unregister(const HostOptions& options) {
+  try {
+    Component(FindComponentToRegister(options.ComponentFile)).Unregister();
+  } catch (const Failure& failure) {
+    std::cerr << "keplo-host: " << failure.what() << "\nThe class file is removed all the same.\n";
+  }
+  RemoveClassFile(kInputKeploClass);
+  std::cout << kInputKeploClass << " is no longer registered\n";
+}
+
+/// Gives programs that still run time to end by themselves, then when asked to, then ends them. A stop signal
+/// ends the wait that it meets.
+void EndPrograms(EventActions& actions, StopSignals& stop) {
+  QEventLoop loop;
+  stop.Watch([&loop] { loop.quit(); });
+  actions.AllEnded = [&loop] { loop.quit(); };
+  const auto wait = [&](std::chrono::seconds time) {
+    if (actions.Running() == 0) return;
+    QTimer timer;
+    timer.callOnTimeout(&loop, &QEventLoop::quit);
+    timer.start(time);
+    loop.exec();
+  };
+  wait(kTimeForPrograms);
+  actions.Terminate();
+  wait(kTimeToTerminate);
+  actions.Kill();
+  actions.AllEnded = nullptr;
+  stop.Watch([] {});
+}
+
+int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& log) {
+  const auto tally = host.Presses();
+  if (!tally || options.Control.ReplayFiles.empty()) return kDone;
+  log.Summary(std::to_string(tally->Presses) + " presses heard, " + std::to_string(tally->Events) +
+              " events raised, " + std::to_string(tally->WithoutEvent) + " presses without an event");
+  return options.Once && tally->WithoutEvent > 0 ? kPressWithoutEvent : kDone;
+}
+
+int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, const HostLog& log) {
+  EventBook book(options.HostFile);
+  const Component component(FindComponent(options.ComponentFile));
+  EventActions actions(log);
+  CreationContext& context = options.Control;
+  context.MayUseDisplay = !options.Headless;
+  context.Log = [&log](LogLevel level, const std::string& text) { log.Write(level, text); };
+  if (options.Once) context.ReplayPlayed = [&application] { application.quit(); };
+
+  PluginHost host(component, context, book, actions, log);
+  stop.Watch([&application] { application.quit(); });
+  host.Start();
+  WebPages pages(host);
+  if (options.HttpPort) {
+    log.Write(LogLevel::Info,
+              "Pages at " + pages.Serve(options.HttpAddress, *options.HttpPort, options.HttpNames));
+  }
+  std::unique_ptr<HostWindow> window;
+  if (!options.Headless) {
+    window = std::make_unique<HostWindow>(host);
+    window->show();
+  }
+  application.exec();
+  host.Stop();
+  EndPrograms(actions, stop);
+  return StatusOf(host, options, log);
+}
+
+}  // namespace
+
+}  // namespace keplo::host
+
+int main(int argc, char** argv) {
+  using namespace keplo::host;
+  try {
+    HostOptions options;
+    if (const auto status = ReadOptions(argc, argv, options)) return *status;
+    if (options.ToDo != Errand::Run) {
+      options.ToDo == Errand::Register ? Register(options) : Unregister(options);
+      return kDone;
+    }
+    const HostLog log(options.Json, JournalStreamsOfThisProgram());
+    try {
+      StopSignals stop;
+      const auto application = MakeApplication(argc, argv, options.Headless);
+      return Run(*application, options, stop, log);
+    } catch (const std::exception& failure) {
+      log.Write(keplo::LogLevel::Error, failure.what());
+    }
+  } catch (const std::exception& failure) {
+    std::cerr << "keplo-host: " << failure.what() << '\n';
+  }
+  return kCannotRun;
+}

@@ -1,0 +1,122 @@
+#include "host_program/plugin_host.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "failure.h"
+
+namespace keplo::host {
+
+namespace {
+
+template <typename Interface>
+Interface* Required(IComponentObject& object) {
+  auto* found = QueryInterface<Interface>(object);
+  if (found == nullptr) {
+    throw Failure(EPROTO, "The plug-in has no interface " + std::string(Interface::kInterfaceName) + ".");
+  }
+  return found;
+}
+
+}  // namespace
+
+PluginHost::PluginHost(const Component& component, const CreationContext& context, EventBook& book,
+                       EventActions& actions, const HostLog& log)
+    : book_(book),
+      actions_(actions),
+      log_(log),
+      object_(component.Create(kInputKeploClass, context)),
+      plugin_(Required<IVelmoraInputPLugin>(*object_)),
+      events_(Required<IHostEventSource>(*object_)),
+      catalogue_(QueryInterface<IEventCatalogue>(*object_)),
+      cookie_(events_->Subscribe(*this)) {}
+
+PluginHost::~PluginHost() {
+  Stop();
+  events_->Unsubscribe(cookie_);
+}
+
+void PluginHost::Start() {
+  auto velmora = std::make_shared<IVelmoraHost>();
+  started_ = true;
+  if (plugin_->InputInitialise(velmora) != kInputDone) {
+    throw Failure(EIO, "The plug-in did not come up.");
+  }
+  plugin_->InputStartMonitoring();
+}
+
+void PluginHost::Stop() {
+  if (!std::exchange(started_, false)) return;
+  plugin_->InputStopMonitoring();
+  plugin_->InputTerminate();
+}
+
+QWidget* PluginHost::CreateView(QWidget* parent) const {
+  auto* view = QueryInterface<IControlView>(*object_);
+  return view == nullptr ? nullptr : view->CreateView(parent);
+}
+
+std::optional<IPressTally::Tally> PluginHost::Presses() const {
+  auto* tally = QueryInterface<IPressTally>(*object_);
+  return tally == nullptr ? std::nullopt : std::optional(tally->Presses());
+}
+
+std::vector<std::string> PluginHost::EventIDs() const {
+  std::vector<std::string> eventIDs;
+  plugin_->InputHouseKeepingGetEventIDs(eventIDs);
+  if (eventIDs.size() == 1 && eventIDs.front().empty()) eventIDs.clear();
+  return eventIDs;
+}
+
+RaisedEvent PluginHost::Describe(const std::string& eventID) const {
+  RaisedEvent event;
+  event.Time = LocalTime();
+  event.EventID = eventID;
+  EventDetails details;
+  if (catalogue_ == nullptr || !catalogue_->DescribeEvent(eventID, details)) return event;
+  event.EventName = details.EventName;
+  event.EventDescription = details.EventDescription;
+  event.Command = details.EventCommand;
+  event.Zone = details.Zone;
+  return event;
+}
+
+std::int32_t PluginHost::AddEvent() {
+  HostInputEvent event;
+  event.EventID = book_.NewEventID(EventIDs());
+  return plugin_->InputAddEvent(event);
+}
+
+std::int32_t PluginHost::ModifyEvent(const std::string& eventID) {
+  HostInputEvent event;
+  event.EventID = eventID;
+  return plugin_->InputModifyEvent(event);
+}
+
+std::int32_t PluginHost::DeleteEvent(const std::string& eventID) {
+  HostInputEvent event;
+  event.EventID = eventID;
+  const std::int32_t result = plugin_->InputDeleteEvent(event);
+  if (result == kInputDone) book_.Forget(eventID);
+  return result;
+}
+
+void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
+  RaisedEvent event = Describe(objInputEvent.EventID);
+  if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
+  log_.Event(event);
+  if (OnEvent) OnEvent(event);
+  try {
+    book_.ReadIfChanged();
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning, failure.what() + std::string(" Until then each event does what it did."));
+  }
+  actions_.Do(book_.ActionsOf(event.EventID), event);
+}
+
+void PluginHost::TriggerInputErrorCondition(HostErrorRecord& objErr, bool& /*blnStopping*/) {
+  log_.Error(objErr);
+  if (OnError) OnError(objErr);
+}
+
+}  // namespace keplo::host

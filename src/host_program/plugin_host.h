@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "component_loader/component_frame.h"
+#include "host/ivelmora_input_plugin.h"
+#include "host_program/event_actions.h"
+#include "host_program/event_book.h"
+#include "host_program/host_log.h"
+
+namespace keplo::host {
+
+/// The host's side of one plug-in: creates it, does what its events ask for, and carries the user's changes
+/// of the event map to it. Outlives the views.
+class PluginHost : private IHostEventSink {
+ public:
+  /// @throws Failure if the object cannot be created
+  PluginHost(const Component& component, const CreationContext& context, EventBook& book,
+             EventActions& actions, const HostLog& log);
+  virtual ~PluginHost();
+  PluginHost(const PluginHost&) = delete;
+  PluginHost& operator=(const PluginHost&) = delete;
+
+  /// Loads the event map and starts monitoring.
+  /// @throws Failure if the event map cannot be loaded
+  void Start();
+  /// Stops monitoring and terminates the plug-in; once is enough.
+  void Stop();
+
+  IVelmoraInputPLugin& Plugin() const { return *plugin_; }
+  /// Its view; null if it offers none.
+  QWidget* CreateView(QWidget* parent) const;
+  /// What became of the presses; empty if the plug-in does not tell.
+  std::optional<IPressTally::Tally> Presses() const;
+  /// Identifiers of the events in the map.
+  std::vector<std::string> EventIDs() const;
+  RaisedEvent Describe(const std::string& eventID) const;
+
+  // Each runs the plug-in's operation and gives its result.
+  std::int32_t AddEvent();
+  std::int32_t ModifyEvent(const std::string& eventID);
+  std::int32_t DeleteEvent(const std::string& eventID);
+
+  EventBook& Book() { return book_; }
+
+  /// For a window's log.
+  std::function<void(const RaisedEvent&)> OnEvent;
+  std::function<void(const HostErrorRecord&)> OnError;
+
+ private:
+  void TriggerInputEvent(HostInputEvent& objInputEvent) override;
+  void TriggerInputErrorCondition(HostErrorRecord& objErr, bool& blnStopping) override;
+
+  EventBook& book_;
+  EventActions& actions_;
+  const HostLog& log_;
+  ComponentObject object_;
+  IVelmoraInputPLugin* plugin_;
+  IHostEventSource* events_;
+  IEventCatalogue* catalogue_;
+  std::uint32_t cookie_;
+  bool started_ = false;
+};
+
+}  // namespace keplo::host

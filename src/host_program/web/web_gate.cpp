@@ -1,0 +1,102 @@
+#include "host_program/web/web_gate.h"
+
+#include <sys/socket.h>
+
+#include <QHostAddress>
+#include <QTimer>
+#include <chrono>
+#include <utility>
+
+namespace keplo::host {
+
+namespace {
+
+constexpr int kBadRequest = 400, kOverloaded = 503;
+constexpr int kSecondsToLinger = 2;
+
+void EndAfter(QTcpSocket* socket, int seconds) {
+  QTimer::singleShot(seconds * 1000, socket, [socket] { socket->abort(); });
+}
+
+std::string Numeric(const QHostAddress& address) {
+  bool isIPv4 = false;
+  const quint32 number = address.toIPv4Address(&isIPv4);  // also of an IPv4 client at an IPv6 socket
+  return (isIPv4 ? QHostAddress(number) : address).toString().toStdString();
+}
+
+QByteArray RefusalText(const RequestVerdict& verdict) {
+  const std::string text = verdict.Reason + "\n";
+  return QByteArray::fromStdString("HTTP/1.1 " + std::to_string(verdict.Status) +
+                                   " Refused\r\nConnection: close\r\nContent-Type: text/plain\r\n" +
+                                   "X-Content-Type-Options: nosniff\r\nCache-Control: no-store\r\n" +
+                                   "Content-Length: " + std::to_string(text.size()) + "\r\n\r\n" + text);
+}
+
+}  // namespace
+
+WebGate::WebGate(std::vector<std::string> names) : names_(std::move(names)) {}
+
+void WebGate::incomingConnection(qintptr handle) {
+  auto* socket = new QTcpSocket(this);
+  ++connections_;
+  connect(socket, &QObject::destroyed, this, [this] { --connections_; });
+  connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+  if (!socket->setSocketDescriptor(handle) || connections_ > kMostConnections) {
+    socket->abort();
+    socket->deleteLater();
+    return;
+  }
+  // One byte more than a request may have, to tell that there is more.
+  socket->setReadBufferSize(kMostHeadBytes + kMostBodyBytes + 1);
+  EndAfter(socket, kSecondsForRequest + kSecondsForAnswer);
+
+  auto* watch = new QObject(socket);
+  QTimer::singleShot(kSecondsForRequest * 1000, watch, [socket] { socket->abort(); });
+  connect(socket, &QTcpSocket::readyRead, watch, [this, socket, watch] {
+    const RequestVerdict verdict = Look(*socket);
+    if (verdict.Answer == RequestVerdict::Incomplete) return;
+    delete watch;
+    if (verdict.Answer == RequestVerdict::Refused) {
+      Refuse(socket, verdict);
+    } else {
+      HandOn(socket);
+    }
+  });
+}
+
+RequestVerdict WebGate::Look(QTcpSocket& socket) const {
+  const OwnAddress own{Numeric(socket.localAddress()), socket.localPort(), socket.localAddress().isLoopback(),
+                       names_};
+  const QByteArray start = socket.peek(kMostHeadBytes);
+  RequestVerdict verdict = CheckRequest({start.constData(), static_cast<std::size_t>(start.size())}, own);
+  if (verdict.Answer != RequestVerdict::HeadComplete) return verdict;
+  const auto available = static_cast<std::size_t>(socket.bytesAvailable());
+  if (available < verdict.TotalBytes) verdict.Answer = RequestVerdict::Incomplete;
+  if (available > verdict.TotalBytes) {
+    return {RequestVerdict::Refused, kBadRequest, "A connection carries one request.", 0};
+  }
+  return verdict;
+}
+
+void WebGate::HandOn(QTcpSocket* socket) {
+  if (!budget_.Take(std::chrono::steady_clock::now().time_since_epoch())) {
+    Refuse(socket, {RequestVerdict::Refused, kOverloaded, "Too many requests; ask again in a second.", 0});
+    return;
+  }
+  addPendingConnection(socket);
+  Q_EMIT newConnection();
+  Q_EMIT socket->readyRead();    // the request came before the server could hear of it
+  socket->disconnectFromHost();  // once the answer is out
+}
+
+/// Answers and lingers: an end with unread bytes in the buffer would take the answer away from the client.
+void WebGate::Refuse(QTcpSocket* socket, const RequestVerdict& verdict) {
+  socket->readAll();
+  connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
+  EndAfter(socket, kSecondsToLinger);
+  socket->write(RefusalText(verdict));
+  socket->flush();
+  ::shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
+}
+
+}  // namespace keplo::host

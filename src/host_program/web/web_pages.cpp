@@ -1,0 +1,119 @@
+#include "host_program/web/web_pages.h"
+
+#include <QHostAddress>
+#include <QUrl>
+#include <QUrlQuery>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <utility>
+
+#include "failure.h"
+#include "host_program/web/web_gate.h"
+
+namespace keplo::host {
+
+namespace {
+
+using Status = QHttpServerResponder::StatusCode;
+using Method = QHttpServerRequest::Method;
+
+constexpr const char* kHtml = "text/html; charset=utf-8";
+constexpr const char* kText = "text/plain; charset=utf-8";
+
+/// The plug-in escapes nothing, so a page may hold any markup: the policy takes its scripts, loads, forms and
+/// refreshes away. Only styles within the page are left to it.
+constexpr std::array<std::pair<const char*, const char*>, 6> kSafety = {
+    {{"Content-Security-Policy",
+      "default-src 'none'; style-src 'unsafe-inline'; base-uri 'none'; form-action 'none'; frame-ancestors "
+      "'none'; sandbox"},
+     {"X-Content-Type-Options", "nosniff"},
+     {"Cache-Control", "no-store"},
+     {"Referrer-Policy", "no-referrer"},
+     {"Cross-Origin-Resource-Policy", "same-origin"},
+     {"Connection", "close"}}};
+
+QHttpServerResponse Safe(const QByteArray& type, const QByteArray& body, Status status = Status::Ok) {
+  QHttpServerResponse response(type, body, status);
+  for (const auto& [name, value] : kSafety) response.setHeader(QByteArray(name), QByteArray(value));
+  return response;
+}
+
+QByteArray Utf8(const std::string& text) { return QByteArray::fromStdString(text); }
+
+/// Where a browser on this machine finds what is served at an address. The any-address is no place to go to.
+QHostAddress AsSeenFromHere(const QHostAddress& where) {
+  if (where == QHostAddress(QHostAddress::AnyIPv4)) return QHostAddress(QHostAddress::LocalHost);
+  if (where == QHostAddress(QHostAddress::AnyIPv6)) return QHostAddress(QHostAddress::LocalHostIPv6);
+  return where;
+}
+
+}  // namespace
+
+WebPages::WebPages(PluginHost& host) : host_(host) {
+  server_.route("/", Method::Get, [this] { return Safe(kHtml, Index()); });
+  server_.route(kPluginPath, Method::Get | Method::Post,
+                [this](const QHttpServerRequest& request) { return Safe(kHtml, PluginPage(request)); });
+  server_.setMissingHandler([](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
+    const QString path = request.url().path();
+    const bool known = path == QLatin1String("/") || path == QLatin1String(kPluginPath);
+    QHttpServerResponse response =
+        known ? Safe(kText, "This page takes no such request.\n", Status::MethodNotAllowed)
+              : Safe(kText, "There is no such page. The index is at /\n", Status::NotFound);
+    if (known) response.setHeader("Allow", path.size() == 1 ? "GET" : "GET, POST");
+    response.write(std::move(responder));
+  });
+}
+
+std::string WebPages::Serve(const std::string& address, std::uint16_t port,
+                            const std::vector<std::string>& names) {
+  const QHostAddress where(QString::fromStdString(address));
+  if (where.isNull()) {
+    throw Failure(EINVAL, "The pages cannot be served at " + address + ": it is no IP address.");
+  }
+  auto gate = std::make_unique<WebGate>(names);
+  if (!gate->listen(where, port)) {
+    throw Failure(EADDRINUSE, "The pages cannot be served at " + address + " port " + std::to_string(port) +
+                                  ": " + gate->errorString().toStdString() + ". Choose another --http-port.");
+  }
+  QUrl url;
+  url.setScheme(QStringLiteral("http"));
+  url.setHost(AsSeenFromHere(where).toString());
+  url.setPort(gate->serverPort());
+  url.setPath(QStringLiteral("/"));
+  server_.bind(gate.release());
+  std::string place = url.toString().toStdString();
+  if (AsSeenFromHere(where) == where) return place;
+  return place + ", and at every address of this machine; under a name only if --http-name tells it";
+}
+
+QByteArray WebPages::Index() const {
+  std::string version;
+  host_.Plugin().InputGetPluginVersion(version);
+  const QString about =
+      QString::fromStdString(version + ", events: " + std::to_string(host_.EventIDs().size()));
+  return R"(<!DOCTYPE html>
+<html lang="en"><head><meta charset="utf-8"><title>keplo-host</title>
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<style>:root{color-scheme:light dark}body{font:1rem/1.5 sans-serif;max-width:40rem;margin:3rem auto;padding:0 1rem}</style>
+</head><body><h1>Plug-ins</h1>
+<ul><li><a href=")" +
+         QByteArray(kPluginPath) + "\">InputKeplo</a> " + about.toHtmlEscaped().toUtf8() +
+         "</li></ul>\n</body></html>\n";
+}
+
+QByteArray WebPages::PluginPage(const QHttpServerRequest& request) const {
+  HostPageRequest page{request.url().path().toStdString(), request.query().toString().toStdString(),
+                       request.body().toStdString()};
+  std::int32_t browser = 0, width = 0, height = 0;
+  std::string html;
+  IVelmoraInputPLugin& plugin = host_.Plugin();
+  if (request.method() == Method::Post) {
+    plugin.InputPostHTMLPage(html, page, browser, width, height);
+  } else {
+    plugin.InputGetHTMLPage(html, page, browser, width, height);
+  }
+  return Utf8(html);
+}
+
+}  // namespace keplo::host

@@ -1,0 +1,55 @@
+#include "line/shaping/hold_press.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "line/shaping/frames.h"
+#include "line/shaping/line_code.h"
+
+namespace keplo {
+
+namespace {
+
+/// Repeat periods, microseconds. RC5: 64 bit times of 1,778 us.
+constexpr std::int64_t kBiphasePeriod = 113'800;
+constexpr std::int64_t kPulseWidthPeriod = 45'000;
+constexpr std::int64_t kPulseDistancePeriod = 108'000;
+
+/// First marks from this length on, microseconds, are leaders: the double mark of RC5 stays below with any
+/// receiver, the leader of SONY, the shortest known, above.
+constexpr int kShortestLeader = 2100;
+
+/// Smallest silence between two frames, microseconds; longer than what the timing analysis reads through at
+/// any usual sample time, so that the frames stay apart.
+constexpr std::int64_t kLeastSilence = 20'000;
+
+/// Period at which a remote repeats the frame. A frame without a leader is whole in biphase alone; any other
+/// one has lost its head, and nobody sends it twice.
+std::optional<std::int64_t> PeriodOf(const Frame& frame) {
+  const std::optional<PressTiming> timing = MeasurePress({frame});
+  const bool hasLeader = frame.Runs.front() >= kShortestLeader;
+  if (!hasLeader && !(timing && timing->Code == kBiphase)) return std::nullopt;
+  const std::int64_t period = !hasLeader                              ? kBiphasePeriod
+                              : timing && timing->Code == kPulseWidth ? kPulseWidthPeriod
+                                                                      : kPulseDistancePeriod;
+  return std::max(period, frame.Length() + kLeastSilence);
+}
+
+}  // namespace
+
+PulseTrain HoldPress(const PulseTrain& press, int holdMs) {
+  std::vector<Frame> frames = SplitFrames(press);
+  if (frames.size() != 1) return press;
+  const std::optional<std::int64_t> period = PeriodOf(frames.front());
+  if (!period) return press;
+  const std::int64_t held = std::int64_t{1000} * holdMs;
+  for (std::int64_t start = *period; start < held; start += *period) {
+    frames.push_back({frames.front().Runs, start});
+  }
+  const std::int64_t silence = LengthOf(press) - frames.front().Length();
+  return JoinFrames(frames, frames.back().End() + silence);
+}
+
+}  // namespace keplo

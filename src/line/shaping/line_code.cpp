@@ -1,0 +1,151 @@
+#include "line/shaping/line_code.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace keplo {
+
+namespace {
+
+/// Excess that a receiver may have, microseconds: 50 to 150 is common, and weak signals come out short. A
+/// difference beyond comes of a line code whose shortest mark and space differ.
+constexpr double kLeastExcess = -160;
+constexpr double kMostExcess = 260;
+
+constexpr double kLeastLeaderUnits = 3.5;  // SONY has four
+
+struct Pair {
+  int Mark, Space;
+  int Length() const { return Mark + Space; }
+};
+
+/// The shortest mark-and-space pairs of a press. In every line code they are one base time each, and their
+/// length is free of the excess, since what the mark gains the space loses. The next longer pairs are three
+/// base times long, against two.
+std::vector<Pair> ShortestPairs(const std::vector<Frame>& frames) {
+  std::vector<Pair> pairs;
+  for (const Frame& frame : frames) {
+    for (std::size_t i = 0; i + 1 < frame.Runs.size(); i += 2) {
+      pairs.push_back({frame.Runs[i], frame.Runs[i + 1]});
+    }
+  }
+  std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) { return a.Length() < b.Length(); });
+  const auto longer = std::find_if(pairs.begin(), pairs.end(), [&](const Pair& pair) {
+    return pair.Length() * 4 >= pairs.front().Length() * 5;
+  });
+  pairs.erase(longer, pairs.end());
+  return pairs;
+}
+
+/// Lengths of single marks and spaces, summed up.
+struct Singles {
+  std::array<double, 2> Sums = {};  // marks, spaces
+  std::array<double, 2> Counts = {};
+
+  void Add(std::size_t place, int run) {
+    Sums.at(place % 2) += run;
+    Counts.at(place % 2) += 1;
+  }
+
+  std::optional<PressTiming> Timing(const LineCode& code) const {
+    if (Counts[0] == 0 || Counts[1] == 0) return std::nullopt;
+    const double mark = Sums[0] / Counts[0];
+    const double space = Sums[1] / Counts[1];
+    const PressTiming timing = {(mark + space) / 2, (mark - space) / 2, code};
+    if (timing.Excess < kLeastExcess || timing.Excess > kMostExcess) return std::nullopt;
+    return timing;
+  }
+};
+
+/// Runs of one kind, marks or spaces, by the whole number of base times that they are near.
+struct RunCounts {
+  std::array<int, kMostUnits + 1> Near = {};
+  int All = 0;
+
+  void Count(double units) {
+    constexpr double kNear = 0.35;
+    ++All;
+    const double whole = std::round(units);
+    if (whole >= 1 && whole <= kMostUnits && std::abs(units - whole) <= kNear) {
+      ++Near.at(static_cast<std::size_t>(whole));
+    }
+  }
+
+  /// A single run may be damaged; a length of the code has more than one in twenty.
+  bool Has(std::size_t units) const { return Near.at(units) * 20 > All; }
+
+  /// The longer of the two lengths, 1 if there is one length alone, 0 if the lengths are others than these.
+  int Longer() const {
+    constexpr double kLeastNear = 0.8;  // part of all runs
+    if (Near[1] + Near[2] + Near[3] < kLeastNear * All || !Has(1) || (Has(2) && Has(3))) return 0;
+    return Has(3) ? 3 : Has(2) ? 2 : 1;
+  }
+};
+
+bool IsLeader(const Frame& frame, std::size_t place, const PressTiming& timing) {
+  const auto isLong = [&](std::size_t i) {
+    return timing.OnAir(i, frame.Runs[i]) > kLeastLeaderUnits * timing.Unit;
+  };
+  return place <= 1 && isLong(0) && isLong(place);
+}
+
+std::optional<LineCode> FindLineCode(const std::vector<Frame>& frames, const PressTiming& timing) {
+  std::array<RunCounts, 2> counts;  // marks, spaces
+  for (const Frame& frame : frames) {
+    for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
+      if (!IsLeader(frame, i, timing)) {
+        counts.at(i % 2).Count(timing.OnAir(i, frame.Runs[i]) / timing.Unit);
+      }
+    }
+  }
+  const LineCode found = {counts[0].Longer(), counts[1].Longer()};
+  constexpr std::array kLineCodes = {kPulseDistance2, kPulseDistance3, kPulseWidth, kBiphase};
+  if (std::find(kLineCodes.begin(), kLineCodes.end(), found) == kLineCodes.end()) return std::nullopt;
+  return found;
+}
+
+}  // namespace
+
+std::optional<PressTiming> MeasurePress(const std::vector<Frame>& frames) {
+  const std::vector<Pair> pairs = ShortestPairs(frames);
+  Singles shortest;
+  for (const Pair& pair : pairs) {
+    shortest.Add(0, pair.Mark);
+    shortest.Add(1, pair.Space);
+  }
+  const std::optional<PressTiming> rough = shortest.Timing({1, 1});
+  if (!rough) return std::nullopt;
+  const std::optional<LineCode> code = FindLineCode(frames, *rough);
+  if (!code) return std::nullopt;
+
+  // Once more over all single runs, which are more than the shortest pairs.
+  Singles singles;
+  for (const Frame& frame : frames) {
+    const std::optional<FrameUnits> units = UnitsOf(frame, {rough->Unit, rough->Excess, *code});
+    for (std::size_t i = 0; units && i < units->size(); ++i) {
+      if ((*units)[i] == 1) singles.Add(i, frame.Runs[i]);
+    }
+  }
+  return singles.Timing(*code);
+}
+
+std::optional<FrameUnits> UnitsOf(const Frame& frame, const PressTiming& timing) {
+  FrameUnits units;
+  for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
+    if (IsLeader(frame, i, timing)) {
+      units.push_back(kLeader);
+      continue;
+    }
+    const int longer = i % 2 == 0 ? timing.Code.LongMark : timing.Code.LongSpace;
+    const double length = timing.OnAir(i, frame.Runs[i]) / timing.Unit;
+    const int nearest = 2 * length < 1 + longer ? 1 : longer;
+    // Two fifths of the way to the other length; where there is none, as if it were three units.
+    const double tolerance = 0.4 * (longer == 1 ? 2 : longer - 1);
+    if (std::abs(length - nearest) > tolerance) return std::nullopt;
+    units.push_back(nearest);
+  }
+  return units;
+}
+
+}  // namespace keplo

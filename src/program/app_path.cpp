@@ -1,0 +1,57 @@
+#include "program/app_path.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include "failure.h"
+
+namespace keplo {
+
+namespace {
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : value;
+}
+
+}  // namespace
+
+void AddAppPathOption(CLI::App& command, std::string& appPath) {
+  command.add_option("--app-path", appPath,
+                     "Folder of keplo.cfg and the event map (else $KEPLO_HOME, else the user's data folder)");
+}
+
+std::filesystem::path ResolveAppPath(const std::string& option) {
+  if (!option.empty()) return option;
+  if (const std::string home = Environment("KEPLO_HOME"); !home.empty()) return home;
+  if (const std::string data = Environment("XDG_DATA_HOME"); !data.empty()) {
+    return std::filesystem::path(data) / "keplo";
+  }
+  const std::string home = Environment("HOME");
+  if (home.empty())
+    throw Failure(ENOENT, "There is no HOME to keep files in. Name a folder with --app-path.");
+  return std::filesystem::path(home) / ".local" / "share" / "keplo";
+}
+
+bool IsAppPathNamed(const std::string& option) {
+  return !option.empty() || !Environment("KEPLO_HOME").empty();
+}
+
+std::filesystem::path RequireInstall(const std::string& option) {
+  std::filesystem::path appPath = ResolveAppPath(option);
+  const std::filesystem::path config = appPath / "keplo.cfg";
+  std::error_code error;
+  // A link that leads nowhere is there and is told by the load.
+  if (std::filesystem::symlink_status(config, error).type() == std::filesystem::file_type::not_found &&
+      std::filesystem::symlink_status(appPath.parent_path(), error).type() !=
+          std::filesystem::file_type::regular) {
+    throw Failure(ENOENT, config.string() +
+                              ": No such file or directory. Bring a first install with: keplo install "
+                              "--app-path '" +
+                              appPath.string() + "'");
+  }
+  return appPath;
+}
+
+}  // namespace keplo
