@@ -4,17 +4,16 @@
 
 namespace keplo::cli {
 
-void AddAnalysisOption(CLI::App& command, std::optional<Analysis>& analysis) {
-  const auto take = [&analysis](const std::string& name) {
-    analysis = name == AnalysisName(Analysis::First) ? Analysis::First : Analysis::Second;
-  };
-  command
-      .add_option_function<std::string>(
-          "--analysis", take,
-          "Read with the first analysis or the second look; without it as the keplo.cfg of --app-path says, "
-          "and with the second look without that")
-      ->check(CLI::IsMember(
-          {std::string(AnalysisName(Analysis::First)), std::string(AnalysisName(Analysis::Second))}));
+void AddAnalysisOption(Command& command, std::string& name) {
+  command.Choice(
+      "--analysis", name,
+      {std::string(AnalysisName(Analysis::First)), std::string(AnalysisName(Analysis::Second))},
+      "Read with the first analysis or the second look; without it as the keplo.cfg of --app-path says, "
+      "and with the second look without that");
+}
+
+Analysis AnalysisNamed(std::string_view name) {
+  return name == AnalysisName(Analysis::First) ? Analysis::First : Analysis::Second;
 }
 
 Analysis AnalysisOf(const OpenConfig& config) {

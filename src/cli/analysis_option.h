@@ -1,17 +1,19 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "cli/open_map.h"
+#include "program/arguments.h"
 #include "signal/analysis.h"
 
 namespace keplo::cli {
 
-/// Adds --analysis to a command.
-void AddAnalysisOption(CLI::App& command, std::optional<Analysis>& analysis);
+/// Adds --analysis to a command; the name stays empty without it.
+void AddAnalysisOption(Command& command, std::string& name);
+
+/// The analysis that the option names.
+Analysis AnalysisNamed(std::string_view name);
 
 /// How the monitor and the window of an install read captures.
 Analysis AnalysisOf(const OpenConfig& config);

@@ -116,18 +116,18 @@ int Calibrate(const CalibrateOptions& options) {
 
 }  // namespace
 
-void AddCalibrateCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand(
-      "calibrate", "Find the delay at which a held key has its base time, and save it as PROCDELAY");
+void AddCalibrateCommand(Command& root) {
+  Command command =
+      root.Sub("calibrate", "Find the delay at which a held key has its base time, and save it as PROCDELAY");
   const auto options = std::make_shared<CalibrateOptions>();
   command
-      ->add_option("--replay", options->Replay,
-                   "Recordings of a SONY remote; the key of the last press is held down")
-      ->required();
-  command->add_flag("--dry-run", options->DryRun, "Save nothing");
-  AddAppPathOption(*command, options->AppPath);
-  AddLineOptions(*command, options->Line);
-  command->callback([options, &status] { status = Calibrate(*options); });
+      .Words("--replay", options->Replay,
+             "Recordings of a SONY remote; the key of the last press is held down")
+      .Required();
+  command.Flag("--dry-run", options->DryRun, "Save nothing");
+  AddAppPathOption(command, options->AppPath);
+  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Runs([options] { return Calibrate(*options); });
 }
 
 }  // namespace keplo::cli

@@ -57,20 +57,20 @@ int Lookup(const ConfigOptions& options) {
 
 }  // namespace
 
-void AddCommandsCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("commands", "List the learned commands");
+void AddCommandsCommand(Command& root) {
+  Command command = root.Sub("commands", "List the learned commands");
   const auto options = std::make_shared<ConfigOptions>();
-  AddAppPathOption(*command, options->AppPath);
-  command->add_option("PROTOCOL", options->Argument, "Only the commands of this protocol");
-  command->callback([options, &status] { status = ListLearned(*options); });
+  AddAppPathOption(command, options->AppPath);
+  command.Word("PROTOCOL", options->Argument, "Only the commands of this protocol");
+  command.Runs([options] { return ListLearned(*options); });
 }
 
-void AddLookupCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("lookup", "Tell to which learned command a code belongs");
+void AddLookupCommand(Command& root) {
+  Command command = root.Sub("lookup", "Tell to which learned command a code belongs");
   const auto options = std::make_shared<ConfigOptions>();
-  AddAppPathOption(*command, options->AppPath);
-  command->add_option("CODE", options->Argument, "Code digits, with or without the leading G")->required();
-  command->callback([options, &status] { status = Lookup(*options); });
+  AddAppPathOption(command, options->AppPath);
+  command.Word("CODE", options->Argument, "Code digits, with or without the leading G").Required();
+  command.Runs([options] { return Lookup(*options); });
 }
 
 }  // namespace keplo::cli

@@ -23,9 +23,8 @@ namespace {
 
 struct DecodeOptions {
   std::vector<std::string> Files;
-  std::string AppPath;
+  std::string AppPath, Analysis;
   bool Json = false;
-  std::optional<keplo::Analysis> Analysis;
   LineOptions Line;
 };
 
@@ -112,7 +111,7 @@ bool DecodeRecording(const Recording& recording, const DecodeOptions& options, A
 }
 
 Analysis AnalysisFor(const DecodeOptions& options) {
-  if (options.Analysis) return *options.Analysis;
+  if (!options.Analysis.empty()) return AnalysisNamed(options.Analysis);
   return options.AppPath.empty() ? Analysis::Second : AnalysisOf(OpenConfig(options.AppPath));
 }
 
@@ -132,18 +131,16 @@ int Decode(const DecodeOptions& options) {
 
 }  // namespace
 
-void AddDecodeCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("decode", "Tell what the monitor makes of recorded key presses");
+void AddDecodeCommand(Command& root) {
+  Command command = root.Sub("decode", "Tell what the monitor makes of recorded key presses");
   const auto options = std::make_shared<DecodeOptions>();
-  command
-      ->add_option("FILE", options->Files,
-                   "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
-      ->required();
-  command->add_flag("--json", options->Json, "One JSON object a press");
-  AddAppPathOption(*command, options->AppPath);
-  AddAnalysisOption(*command, options->Analysis);
-  AddLineOptions(*command, options->Line);
-  command->callback([options, &status] { status = Decode(*options); });
+  command.Words("FILE", options->Files, "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
+      .Required();
+  command.Flag("--json", options->Json, "One JSON object a press");
+  AddAppPathOption(command, options->AppPath);
+  AddAnalysisOption(command, options->Analysis);
+  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Runs([options] { return Decode(*options); });
 }
 
 }  // namespace keplo::cli

@@ -154,51 +154,44 @@ int Delete(const EventOptions& options) {
 
 }  // namespace
 
-void AddEventsCommand(CLI::App& app, int& status) {
-  auto* events = app.add_subcommand("events", "Show and change the event map");
-  events->require_subcommand(1);
+void AddEventsCommand(Command& root) {
+  Command events = root.Sub("events", "Show and change the event map");
   const auto options = std::make_shared<EventOptions>();
-  const auto add = [&](const char* name, const char* what) {
-    auto* command = events->add_subcommand(name, what);
-    AddAppPathOption(*command, options->AppPath);
+  const auto add = [&](const char* name, const char* about) {
+    Command command = events.Sub(name, about);
+    AddAppPathOption(command, options->AppPath);
     return command;
   };
-  const auto addWithID = [&](const char* name, const char* what) {
-    auto* command = add(name, what);
-    command->add_option("ID", options->Event.EventID, "EventID of the event")->required();
-    return command;
+  const auto addWithID = [&](const char* name, const char* about, int (*work)(const EventOptions&)) {
+    Command command = add(name, about);
+    command.Word("ID", options->Event.EventID, "EventID of the event").Required();
+    command.Runs([options, work] { return work(*options); });
   };
 
-  auto* list = add("list", "List the events");
-  list->add_flag("--json", options->Json, "One JSON object an event");
-  list->callback([options, &status] { status = List(*options); });
+  Command list = add("list", "List the events");
+  list.Flag("--json", options->Json, "One JSON object an event");
+  list.Runs([options] { return List(*options); });
 
-  auto* adding = add("add", "Add an event for a learned command");
-  auto* reference =
-      adding->add_option("COMMAND", options->Event.IRCommand, "Protocol and command, as 'NEC&POWER'");
-  auto* each = adding->add_flag("--each", options->Each, "An event for every learned command that has none");
-  reference->excludes(each);
-  adding->add_option("--id", options->Event.EventID, "EventID; without it the first free number")
-      ->excludes(each);
-  adding->add_option("--name", options->Event.EventName, "Friendly name; without it the command's")
-      ->excludes(each);
-  adding->add_option("--description", options->Event.EventDescription, "Short description")->excludes(each);
-  adding->add_option("--zone", options->Event.Zone, "Zone, 0 for any")
-      ->check(CLI::Range(0, 8))
-      ->excludes(each);
-  adding->add_flag("--disabled", options->Disabled, "Add it switched off")->excludes(each);
-  adding->callback([options, &status] {
-    if (!options->Each && options->Event.IRCommand.empty()) throw CLI::RequiredError("COMMAND or --each");
-    status = options->Each ? AddEach(*options) : AddOne(*options);
+  Command adding = add("add", "Add an event for a learned command");
+  Argument reference =
+      adding.Word("COMMAND", options->Event.IRCommand, "Protocol and command, as 'NEC&POWER'");
+  const Argument each =
+      adding.Flag("--each", options->Each, "An event for every learned command that has none");
+  reference.Excludes(each);
+  adding.Word("--id", options->Event.EventID, "EventID; without it the first free number").Excludes(each);
+  adding.Word("--name", options->Event.EventName, "Friendly name; without it the command's").Excludes(each);
+  adding.Text("--description", options->Event.EventDescription, "Short description").Excludes(each);
+  adding.Number("--zone", options->Event.Zone, "Zone, 0 for any", {0, 8}).Excludes(each);
+  adding.Flag("--disabled", options->Disabled, "Add it switched off").Excludes(each);
+  adding.Runs([options] {
+    if (!options->Each && options->Event.IRCommand.empty()) throw WrongUse("COMMAND or --each is required");
+    return options->Each ? AddEach(*options) : AddOne(*options);
   });
 
-  addWithID("delete", "Delete an event")->callback([options, &status] { status = Delete(*options); });
-  addWithID("enable", "Switch an event on")->callback([options, &status] {
-    status = Switch(*options, true);
-  });
-  addWithID("disable", "Switch an event off")->callback([options, &status] {
-    status = Switch(*options, false);
-  });
+  addWithID("delete", "Delete an event", Delete);
+  addWithID("enable", "Switch an event on", [](const EventOptions& chosen) { return Switch(chosen, true); });
+  addWithID("disable", "Switch an event off",
+            [](const EventOptions& chosen) { return Switch(chosen, false); });
 }
 
 }  // namespace keplo::cli

@@ -34,13 +34,13 @@ int Forget(const ForgetOptions& options) {
 
 }  // namespace
 
-void AddForgetCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("forget", "Delete a learned command");
+void AddForgetCommand(Command& root) {
+  Command command = root.Sub("forget", "Delete a learned command");
   const auto options = std::make_shared<ForgetOptions>();
-  command->add_option("PROTOCOL", options->Protocol, "Section of keplo.cfg")->required();
-  command->add_option("COMMAND", options->Name, "Name of the command")->required();
-  AddAppPathOption(*command, options->AppPath);
-  command->callback([options, &status] { status = AmongOthers([&] { return Forget(*options); }); });
+  command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg").Required();
+  command.Word("COMMAND", options->Name, "Name of the command").Required();
+  AddAppPathOption(command, options->AppPath);
+  command.Runs([options] { return AmongOthers([&] { return Forget(*options); }); });
 }
 
 }  // namespace keplo::cli

@@ -28,13 +28,12 @@ int Install(const InstallOptions& options) {
 
 }  // namespace
 
-void AddInstallCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("install", "Bring keplo.cfg and an empty event map; never overwrites");
+void AddInstallCommand(Command& root) {
+  Command command = root.Sub("install", "Bring keplo.cfg and an empty event map; never overwrites");
   const auto options = std::make_shared<InstallOptions>();
-  AddAppPathOption(*command, options->AppPath);
-  command->add_option("--teach", options->Index, "Learn the codes of this index file (JSON) as well")
-      ->check(CLI::ExistingFile);
-  command->callback([options, &status] { status = Install(*options); });
+  AddAppPathOption(command, options->AppPath);
+  command.Word("--teach", options->Index, "Learn the codes of this index file (JSON) as well").MustBeFile();
+  command.Runs([options] { return Install(*options); });
 }
 
 }  // namespace keplo::cli

@@ -105,17 +105,16 @@ int Learn(const LearnOptions& options) {
 
 }  // namespace
 
-void AddLearnCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("learn", "Store the code of recorded key presses as a new command");
+void AddLearnCommand(Command& root) {
+  Command command = root.Sub("learn", "Store the code of recorded key presses as a new command");
   const auto options = std::make_shared<LearnOptions>();
-  command->add_option("FILE", options->Files, "Recordings of the key; two presses where it sends one frame")
-      ->required();
-  command->add_option("--protocol", options->Protocol, "Section of keplo.cfg that takes the command")
-      ->required();
-  command->add_option("--name", options->Name, "Name of the command: letters, digits, - and _")->required();
-  AddAppPathOption(*command, options->AppPath);
-  AddLineOptions(*command, options->Line);
-  command->callback([options, &status] { status = Learn(*options); });
+  command.Words("FILE", options->Files, "Recordings of the key; two presses where it sends one frame")
+      .Required();
+  command.Word("--protocol", options->Protocol, "Section of keplo.cfg that takes the command").Required();
+  command.Word("--name", options->Name, "Name of the command: letters, digits, - and _").Required();
+  AddAppPathOption(command, options->AppPath);
+  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Runs([options] { return Learn(*options); });
 }
 
 }  // namespace keplo::cli

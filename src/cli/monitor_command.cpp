@@ -1,9 +1,3 @@
-#include <poll.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <ctime>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -20,6 +14,8 @@
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/line_options.h"
+#include "program/local_time.h"
+#include "program/stop_signals.h"
 #include "shell/event_list.h"
 #include "shell/keplo.h"
 #include "station/press_words.h"
@@ -37,40 +33,6 @@ struct MonitorOptions {
   bool RealTime = false;
   LineOptions Line;
 };
-
-/// SIGINT and SIGTERM as something to wait for, so that the control is stopped between two ticks.
-class StopSignals {
- public:
-  StopSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    descriptor_ = signalfd(-1, &signals, SFD_CLOEXEC);
-  }
-  ~StopSignals() { close(descriptor_); }
-  StopSignals(const StopSignals&) = delete;
-  StopSignals& operator=(const StopSignals&) = delete;
-
-  /// Waits for a signal.
-  /// @return true if one came within the time
-  bool WaitFor(int milliseconds) const {
-    pollfd wait{descriptor_, POLLIN, 0};
-    return poll(&wait, 1, milliseconds) > 0;
-  }
-
- private:
-  int descriptor_;
-};
-
-std::string LocalTime() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[40];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S%z", &local)};
-}
 
 struct RaisedEvent {
   std::string Time, EventID, Name, Command, Zone;
@@ -125,7 +87,6 @@ void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, c
 }
 
 int Monitor(const MonitorOptions& options) {
-  const StopSignals stop;
   PosixFileSystem files;
   KeploMod mod(RequireInstall(options.AppPath), files);
   std::vector<Recording> recordings;
@@ -150,6 +111,7 @@ int Monitor(const MonitorOptions& options) {
     throw Failure(1, "The event map cannot be loaded: " + control.WhyNotInitialised());
   }
 
+  const StopSignals stop;
   control.InputStartMonitoring();
   Tally tally;
   control.OnPress = [&](const TickReport& tick) { TellPress(tick, line, tally); };
@@ -164,17 +126,17 @@ int Monitor(const MonitorOptions& options) {
 
 }  // namespace
 
-void AddMonitorCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("monitor", "Watch the line and print each input event that is raised");
+void AddMonitorCommand(Command& root) {
+  Command command = root.Sub("monitor", "Watch the line and print each input event that is raised");
   const auto options = std::make_shared<MonitorOptions>();
-  AddAppPathOption(*command, options->AppPath);
-  command->add_option("--replay", options->Replay, "Recordings to play as key presses");
-  command->add_flag("--json", options->Json, "One JSON object an event");
-  command->add_flag("--once", options->Once, "End when the recordings have been played");
-  command->add_flag("--real-time", options->RealTime,
-                    "Play at the clock of the recordings, not as fast as possible");
-  AddLineOptions(*command, options->Line);
-  command->callback([options, &status] { status = Monitor(*options); });
+  AddAppPathOption(command, options->AppPath);
+  command.Words("--replay", options->Replay, "Recordings to play as key presses");
+  command.Flag("--json", options->Json, "One JSON object an event");
+  command.Flag("--once", options->Once, "End when the recordings have been played");
+  command.Flag("--real-time", options->RealTime,
+               "Play at the clock of the recordings, not as fast as possible");
+  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Runs([options] { return Monitor(*options); });
 }
 
 }  // namespace keplo::cli

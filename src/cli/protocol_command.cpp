@@ -154,55 +154,57 @@ int Delete(const ProtocolWords& words) {
   return AmongOthers([&] { return DeleteAgreed(words); });
 }
 
-CLI::Option* AddGenericOption(CLI::App& command, ProtocolWords& words) {
+Argument AddGenericOption(Command& command, ProtocolWords& words) {
   std::vector<std::string> names;
   names.reserve(kGenericProtocols.size());
   for (const GenericProtocol& generic : kGenericProtocols) names.emplace_back(generic.Name);
-  return command.add_option("--gproto", words.Generic, "Generic protocol that it is built on")
-      ->check(CLI::IsMember(names, CLI::ignore_case));
+  return command.Choice("--gproto", words.Generic, names, "Generic protocol that it is built on",
+                        Command::Case::Ignored);
 }
 
-void AddParameterOptions(CLI::App& command, ProtocolWords& words) {
-  command.add_option("--description", words.Description, "A line of text, without a comma");
-  command.add_option("--sendpls", words.SendPls, "Length of a slot, microseconds");
-  command.add_option("--repeat", words.Repeat, "Silent slots ahead of a repeat; 0 for no repeat");
-  command.add_option("--grepeat", words.GRepeat, "Silent slots ahead of a repeated sync; or 0, or 1");
-  command.add_option("--bitg", words.BitG, "Slots of the sync, as 0 and 1");
-  command.add_option("--bit0", words.Bit0, "Slots of a digit 0");
-  command.add_option("--bit1", words.Bit1, "Slots of a digit 1");
+void AddParameterOptions(Command& command, ProtocolWords& words) {
+  command.Text("--description", words.Description, "A line of text, without a comma");
+  command.Number("--sendpls", words.SendPls, "Length of a slot, microseconds");
+  command.Number("--repeat", words.Repeat, "Silent slots ahead of a repeat; 0 for no repeat");
+  command.Number("--grepeat", words.GRepeat, "Silent slots ahead of a repeated sync; or 0, or 1");
+  command.Text("--bitg", words.BitG, "Slots of the sync, as 0 and 1");
+  command.Text("--bit0", words.Bit0, "Slots of a digit 0");
+  command.Text("--bit1", words.Bit1, "Slots of a digit 1");
 }
 
 using Work = int (*)(const ProtocolWords& words);
 
-std::shared_ptr<ProtocolWords> AddAction(CLI::App& protocol, const char* name, const char* about, Work work,
-                                         int& status) {
-  auto* action = protocol.add_subcommand(name, about);
-  auto words = std::make_shared<ProtocolWords>();
-  action->add_option("NAME", words->Name, "Section of keplo.cfg")->required();
-  AddAppPathOption(*action, words->AppPath);
-  action->callback([words, work, &status] { status = AmongOthers([&] { return work(*words); }); });
-  return words;
+Command AddAction(Command& protocol, const char* name, const char* about, ProtocolWords& words) {
+  Command action = protocol.Sub(name, about);
+  action.Word("NAME", words.Name, "Section of keplo.cfg").Required();
+  AddAppPathOption(action, words.AppPath);
+  return action;
 }
 
 }  // namespace
 
-void AddProtocolCommand(CLI::App& app, int& status) {
-  auto* protocol = app.add_subcommand("protocol", "Add, change or delete a protocol");
-  protocol->require_subcommand(1);
+void AddProtocolCommand(Command& root) {
+  Command protocol = root.Sub("protocol", "Add, change or delete a protocol");
+  const auto words = std::make_shared<ProtocolWords>();
+  const auto does = [words](Work work) {
+    return [words, work] { return AmongOthers([&] { return work(*words); }); };
+  };
 
-  const auto added = AddAction(
-      *protocol, "add", "Add a protocol; what is not told is as its generic protocol has it", Add, status);
-  AddGenericOption(*protocol->get_subcommand("add"), *added)->required();
-  AddParameterOptions(*protocol->get_subcommand("add"), *added);
+  Command add = AddAction(protocol, "add",
+                          "Add a protocol; what is not told is as its generic protocol has it", *words);
+  AddGenericOption(add, *words).Required();
+  AddParameterOptions(add, *words);
+  add.Runs(does(Add));
 
-  const auto edited = AddAction(*protocol, "edit", "Change a protocol; what is not told stays", Edit, status);
-  auto* changes = protocol->get_subcommand("edit")->add_option_group("Parameters");
-  changes->require_option(1, 0);
-  AddGenericOption(*changes, *edited);
-  AddParameterOptions(*changes, *edited);
+  Command edit = AddAction(protocol, "edit", "Change a protocol; what is not told stays", *words);
+  Command changes = edit.AtLeastOneOf("Parameters");
+  AddGenericOption(changes, *words);
+  AddParameterOptions(changes, *words);
+  edit.Runs(does(Edit));
 
-  const auto deleted = AddAction(*protocol, "delete", "Delete a protocol and its commands", Delete, status);
-  protocol->get_subcommand("delete")->add_flag("--yes", deleted->Yes, "Do not ask");
+  Command remove = AddAction(protocol, "delete", "Delete a protocol and its commands", *words);
+  remove.Flag("--yes", words->Yes, "Do not ask");
+  remove.Runs(does(Delete));
 }
 
 }  // namespace keplo::cli

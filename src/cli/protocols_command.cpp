@@ -1,5 +1,6 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -76,14 +77,13 @@ int ListOf(const ProtocolsOptions& options) {
 
 }  // namespace
 
-void AddProtocolsCommand(CLI::App& app, int& status) {
-  auto* command =
-      app.add_subcommand("protocols", "List the protocols, or tell the parameters of one of them");
+void AddProtocolsCommand(Command& root) {
+  Command command = root.Sub("protocols", "List the protocols, or tell the parameters of one of them");
   const auto options = std::make_shared<ProtocolsOptions>();
-  command->add_option("NAME", options->Name, "Only this protocol, with all its parameters");
-  command->add_flag("--json", options->Json, "One JSON object a protocol, with all parameters");
-  AddAppPathOption(*command, options->AppPath);
-  command->callback([options, &status] { status = ListOf(*options); });
+  command.Word("NAME", options->Name, "Only this protocol, with all its parameters");
+  command.Flag("--json", options->Json, "One JSON object a protocol, with all parameters");
+  AddAppPathOption(command, options->AppPath);
+  command.Runs([options] { return ListOf(*options); });
 }
 
 }  // namespace keplo::cli

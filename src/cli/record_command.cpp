@@ -25,9 +25,8 @@ namespace {
 
 struct RecordOptions {
   std::vector<std::string> Files;
-  std::string AppPath;
+  std::string AppPath, Analysis;
   bool Json = false;
-  std::optional<keplo::Analysis> Analysis;
   LineOptions Line;
 };
 
@@ -120,7 +119,7 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
 
 /// @param config that of the options, or of the user's own install
 Analysis AnalysisFor(const RecordOptions& options, const OpenConfig* config) {
-  if (options.Analysis) return *options.Analysis;
+  if (!options.Analysis.empty()) return AnalysisNamed(options.Analysis);
   return options.AppPath.empty() || config == nullptr ? Analysis::Second : AnalysisOf(*config);
 }
 
@@ -163,18 +162,16 @@ int Record(const RecordOptions& options) {
 
 }  // namespace
 
-void AddRecordCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("record", "Explain recorded key presses as the learning window does");
+void AddRecordCommand(Command& root) {
+  Command command = root.Sub("record", "Explain recorded key presses as the learning window does");
   const auto options = std::make_shared<RecordOptions>();
-  command
-      ->add_option("FILE", options->Files,
-                   "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
-      ->required();
-  command->add_flag("--json", options->Json, "One JSON object a press");
-  AddAppPathOption(*command, options->AppPath);
-  AddAnalysisOption(*command, options->Analysis);
-  AddLineOptions(*command, options->Line);
-  command->callback([options, &status] { status = Record(*options); });
+  command.Words("FILE", options->Files, "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
+      .Required();
+  command.Flag("--json", options->Json, "One JSON object a press");
+  AddAppPathOption(command, options->AppPath);
+  AddAnalysisOption(command, options->Analysis);
+  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Runs([options] { return Record(*options); });
 }
 
 }  // namespace keplo::cli

@@ -148,29 +148,29 @@ int Send(const SendOptions& options) try {
 
 }  // namespace
 
-void AddSendCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("send", "Send a learned command or a code");
+void AddSendCommand(Command& root) {
+  Command command = root.Sub("send", "Send a learned command or a code");
   const auto options = std::make_shared<SendOptions>();
-  auto* protocol = command->add_option("PROTOCOL", options->Protocol, "Section of keplo.cfg");
-  auto* name = command->add_option("COMMAND", options->Command, "Name of the learned command");
-  auto* code = command->add_option("--code", options->Code, "Send this code, G and its digits, instead");
-  auto* codeProtocol =
-      command->add_option("--protocol", options->Protocol, "Section of keplo.cfg that tells how");
-  name->needs(protocol)->excludes(code);
-  protocol->excludes(codeProtocol);
-  code->needs(codeProtocol);
-  codeProtocol->needs(code);
-  command->add_option("--out", options->OutFile,
-                      "Write what would be sent to this file as mode2 text; - for standard output");
-  command->add_option("--pulse", options->Pulse, "Length of a slot, microseconds, in place of SENDPLS")
-      ->check(CLI::Range(1, kLongestSlot));
-  command->add_option("--count", options->Count, "How often the key is pressed")->check(CLI::Range(1, 1000));
-  AddAppPathOption(*command, options->AppPath);
-  command->callback([options, name, code, &status] {
-    if (name->count() == 0 && code->count() == 0) {
-      throw CLI::RequiredError("PROTOCOL and COMMAND, or --code and --protocol");
+  Argument protocol = command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg");
+  Argument name = command.Word("COMMAND", options->Command, "Name of the learned command");
+  Argument code = command.Word("--code", options->Code, "Send this code, G and its digits, instead");
+  Argument codeProtocol =
+      command.Word("--protocol", options->Protocol, "Section of keplo.cfg that tells how");
+  name.Needs(protocol).Excludes(code);
+  protocol.Excludes(codeProtocol);
+  code.Needs(codeProtocol);
+  codeProtocol.Needs(code);
+  command.Word("--out", options->OutFile,
+               "Write what would be sent to this file as mode2 text; - for standard output");
+  command.Number("--pulse", options->Pulse, "Length of a slot, microseconds, in place of SENDPLS",
+                 {1, kLongestSlot});
+  command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});
+  AddAppPathOption(command, options->AppPath);
+  command.Runs([options, name, code] {
+    if (!name.IsGiven() && !code.IsGiven()) {
+      throw WrongUse("PROTOCOL and COMMAND, or --code and --protocol is required");
     }
-    status = Send(*options);
+    return Send(*options);
   });
 }
 

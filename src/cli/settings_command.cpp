@@ -80,13 +80,13 @@ int Run(const SettingsOptions& options) {
 
 }  // namespace
 
-void AddSettingsCommand(CLI::App& app, int& status) {
-  auto* command = app.add_subcommand("settings", "Show or change the settings of the interface");
+void AddSettingsCommand(Command& root) {
+  Command command = root.Sub("settings", "Show or change the settings of the interface");
   const auto options = std::make_shared<SettingsOptions>();
-  command->add_option("KEY", options->Key, "Only this setting");
-  command->add_option("VALUE", options->Value, "Change it to this number");
-  AddAppPathOption(*command, options->AppPath);
-  command->callback([options, &status] { status = AmongOthers([&] { return Run(*options); }); });
+  command.Word("KEY", options->Key, "Only this setting");
+  command.Word("VALUE", options->Value, "Change it to this number");
+  AddAppPathOption(command, options->AppPath);
+  command.Runs([options] { return AmongOthers([&] { return Run(*options); }); });
 }
 
 }  // namespace keplo::cli

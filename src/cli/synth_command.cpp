@@ -37,42 +37,35 @@ int Synth(const SynthChoice& choice) {
 
 }  // namespace
 
-void AddSynthCommand(CLI::App& app, int& status) {
-  auto* command =
-      app.add_subcommand("synth", "Make up a key press as a receiver would record it, as mode2 text");
+void AddSynthCommand(Command& root) {
+  Command command = root.Sub("synth", "Make up a key press as a receiver would record it, as mode2 text");
   const auto choice = std::make_shared<SynthChoice>();
   SynthOptions& options = choice->Options;
-  command->add_option("--protocol", choice->Protocol, "NEC, SONY or RC5")
-      ->check(CLI::IsMember({"NEC", "SONY", "RC5"}))
-      ->capture_default_str();
-  auto* code =
-      command->add_option("--code", choice->Code, "Bits in the order sent; RC5 with start and toggle bits");
+  command.Choice("--protocol", choice->Protocol, {"NEC", "SONY", "RC5"}, "NEC, SONY or RC5").ShowDefault();
+  const Argument code =
+      command.Word("--code", choice->Code, "Bits in the order sent; RC5 with start and toggle bits");
   command
-      ->add_option("--mark-excess", options.MarkExcessUs,
-                   "Microseconds by which the receiver lengthens marks")
-      ->check(CLI::Range(-500, 500))
-      ->capture_default_str();
-  command->add_option("--jitter", options.JitterUs, "Standard deviation of each edge, microseconds")
-      ->check(CLI::Range(0, 500))
-      ->capture_default_str();
-  command->add_option("--clock-error", options.ClockError, "0.02 makes the remote 2 % slow")
-      ->check(CLI::Range(-0.5, 0.5))
-      ->capture_default_str();
-  command->add_option("--gap", options.GapUs, "Silence behind the press, microseconds")
-      ->check(CLI::Range(0, 10000000))
-      ->capture_default_str();
-  command->add_option("--repeats", options.Repeats, "Frames behind the first; NEC sends dittos")
-      ->check(CLI::Range(0, 100))
-      ->capture_default_str();
-  command->add_option("--seed", options.Seed, "The same seed gives the same press")->capture_default_str();
-  command->add_flag("--one-line", choice->OneLine, "As one line of +N -N ...");
-  auto* samples =
-      command->add_option("--samples", choice->SamplesFolder, "Write the files of samples/ to this folder");
-  samples->check(CLI::ExistingDirectory)->excludes(code);
-  command->callback([choice, &status] {
-    if (choice->SamplesFolder.empty() && choice->Code.empty())
-      throw CLI::RequiredError("--code or --samples");
-    status = choice->SamplesFolder.empty() ? Synth(*choice) : WriteSamples(choice->SamplesFolder);
+      .Number("--mark-excess", options.MarkExcessUs, "Microseconds by which the receiver lengthens marks",
+              {-500, 500})
+      .ShowDefault();
+  command.Number("--jitter", options.JitterUs, "Standard deviation of each edge, microseconds", {0, 500})
+      .ShowDefault();
+  command.Number("--clock-error", options.ClockError, "0.02 makes the remote 2 % slow", {-0.5, 0.5})
+      .ShowDefault();
+  command.Number("--gap", options.GapUs, "Silence behind the press, microseconds", {0, 10000000})
+      .ShowDefault();
+  command.Number("--repeats", options.Repeats, "Frames behind the first; NEC sends dittos", {0, 100})
+      .ShowDefault();
+  command.Number("--seed", options.Seed, "The same seed gives the same press").ShowDefault();
+  command.Flag("--one-line", choice->OneLine, "As one line of +N -N ...");
+  command.Word("--samples", choice->SamplesFolder, "Write the files of samples/ to this folder")
+      .MustBeFolder()
+      .Excludes(code);
+  command.Runs([choice] {
+    if (choice->SamplesFolder.empty() && choice->Code.empty()) {
+      throw WrongUse("--code or --samples is required");
+    }
+    return choice->SamplesFolder.empty() ? Synth(*choice) : WriteSamples(choice->SamplesFolder);
   });
 }
 

@@ -1,7 +1,6 @@
 #include "component_loader/class_file.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -9,16 +8,14 @@
 
 #include "disk/atomic_file.h"
 #include "failure.h"
+#include "program/environment.h"
 
 namespace keplo {
 
 namespace {
 
 std::filesystem::path DataFolder() {
-  const char* data = std::getenv("XDG_DATA_HOME");
-  if (data != nullptr && *data == '/') return data;  // a relative one counts as not set
-  const char* home = std::getenv("HOME");
-  if (home != nullptr && *home == '/') return std::filesystem::path(home) / ".local" / "share";
+  if (auto folder = UserDataFolder()) return *std::move(folder);
   throw Failure(ENOENT, "There is no user data folder to register components in: set HOME or XDG_DATA_HOME.");
 }
 

@@ -1,25 +1,15 @@
 #include "host_program/host_log.h"
 
-#include <ctime>
 #include <iostream>
 #include <nlohmann/json.hpp>
+
+#include "program/json_line.h"
+#include "program/local_time.h"
+#include "program/printable.h"
 
 namespace keplo::host {
 
 namespace {
-
-/// Text from recordings and databases need not be UTF-8.
-std::string Dump(const nlohmann::ordered_json& json) {
-  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-}
-
-/// A line end inside a text would forge a line of its own.
-std::string OneLine(std::string text) {
-  for (char& c : text) {
-    if (static_cast<unsigned char>(c) < ' ') c = ' ';
-  }
-  return text;
-}
 
 std::string Prefix(bool toJournal, LogLevel level) {
   return toJournal ? "<" + std::to_string(static_cast<int>(level)) + ">" : "";
@@ -27,21 +17,13 @@ std::string Prefix(bool toJournal, LogLevel level) {
 
 }  // namespace
 
-std::string LocalTime() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[40];
-  return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S%z", &local)};
-}
-
 std::string EventLine(const RaisedEvent& event) {
-  return OneLine(event.Time + "  event " + event.EventID + "  " + event.EventName + "  " + event.Command +
-                 "  zone " + std::to_string(event.Zone));
+  return Printable(event.Time + "  event " + event.EventID + "  " + event.EventName + "  " + event.Command +
+                   "  zone " + std::to_string(event.Zone));
 }
 
 void HostLog::Write(LogLevel level, const std::string& text) const {
-  std::cerr << (toJournal_.Error ? Prefix(true, level) : "keplo-host: ") << OneLine(text) << std::endl;
+  std::cerr << (toJournal_.Error ? Prefix(true, level) : "keplo-host: ") << Printable(text) << std::endl;
 }
 
 void HostLog::Event(const RaisedEvent& event) const {
@@ -55,7 +37,7 @@ void HostLog::Event(const RaisedEvent& event) const {
   line["event_name"] = event.EventName;
   line["command"] = event.Command;
   line["zone"] = event.Zone;
-  std::cout << Dump(line) << std::endl;
+  std::cout << JsonLine(line) << std::endl;
 }
 
 void HostLog::Error(const HostErrorRecord& record) const {
@@ -70,7 +52,7 @@ void HostLog::Error(const HostErrorRecord& record) const {
   line["error_procedure"] = record.ErrorProcedure;
   line["error_description"] = record.ErrorDescription;
   line["error_detail"] = record.ErrorDetail;
-  std::cout << Dump(line) << std::endl;
+  std::cout << JsonLine(line) << std::endl;
 }
 
 void HostLog::Summary(const std::string& text) const {

@@ -18,8 +18,6 @@ struct RaisedEvent {
   int Zone = 0;
 };
 
-std::string LocalTime();
-
 /// The line of an event for a person, without a line end.
 std::string EventLine(const RaisedEvent& event);
 

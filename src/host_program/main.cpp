@@ -20,8 +20,10 @@
 #include "host_program/journal_stream.h"
 #include "host_program/options.h"
 #include "host_program/plugin_host.h"
-#include "host_program/stop_signals.h"
+#include "host_program/stop_notifier.h"
 #include "host_program/web/web_pages.h"
+#include "program/environment.h"
+#include "program/stop_signals.h"
 
 namespace keplo::host {
 
@@ -29,14 +31,6 @@ namespace {
 
 constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2;
 constexpr std::chrono::seconds kTimeForPrograms{5}, kTimeToTerminate{1};
-
-bool HasDisplay() {
-  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-    const char* value = std::getenv(name);
-    if (value != nullptr && *value != '\0') return true;
-  }
-  return false;
-}
 
 HostLog::JournalStreams JournalStreamsOfThisProgram() {
   const char* journal = std::getenv("JOURNAL_STREAM");
@@ -71,7 +65,7 @@ void Unregister(const HostOptions& options) {
 
 /// Gives programs that still run time to end by themselves, then when asked to, then ends them. A stop signal
 /// ends the wait that it meets.
-void EndPrograms(EventActions& actions, StopSignals& stop) {
+void EndPrograms(EventActions& actions, StopNotifier& stop) {
   QEventLoop loop;
   stop.Watch([&loop] { loop.quit(); });
   actions.AllEnded = [&loop] { loop.quit(); };
@@ -98,7 +92,7 @@ int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& 
   return options.Once && tally->WithoutEvent > 0 ? kPressWithoutEvent : kDone;
 }
 
-int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, const HostLog& log) {
+int Run(QCoreApplication& application, HostOptions& options, const HostLog& log) {
   EventBook book(options.HostFile);
   const Component component(FindComponent(options.ComponentFile));
   EventActions actions(log);
@@ -108,8 +102,9 @@ int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, 
   if (options.Once) context.ReplayPlayed = [&application] { application.quit(); };
 
   PluginHost host(component, context, book, actions, log);
-  stop.Watch([&application] { application.quit(); });
   host.Start();
+  StopNotifier stop;
+  stop.Watch([&application] { application.quit(); });
   WebPages pages(host);
   if (options.HttpPort) {
     log.Write(LogLevel::Info,
@@ -132,6 +127,7 @@ int Run(QCoreApplication& application, HostOptions& options, StopSignals& stop, 
 
 int main(int argc, char** argv) {
   using namespace keplo::host;
+  keplo::IgnoreFileSizeSignal();
   try {
     HostOptions options;
     if (const auto status = ReadOptions(argc, argv, options)) return *status;
@@ -141,9 +137,8 @@ int main(int argc, char** argv) {
     }
     const HostLog log(options.Json, JournalStreamsOfThisProgram());
     try {
-      StopSignals stop;
       const auto application = MakeApplication(argc, argv, options.Headless);
-      return Run(*application, options, stop, log);
+      return Run(*application, options, log);
     } catch (const std::exception& failure) {
       log.Write(keplo::LogLevel::Error, failure.what());
     }

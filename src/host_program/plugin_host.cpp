@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "program/local_time.h"
 
 namespace keplo::host {
 

@@ -1,37 +1,24 @@
 #include "program/app_path.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 
 #include "failure.h"
+#include "program/environment.h"
 
 namespace keplo {
 
-namespace {
-
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : value;
-}
-
-}  // namespace
-
-void AddAppPathOption(CLI::App& command, std::string& appPath) {
-  command.add_option("--app-path", appPath,
-                     "Folder of keplo.cfg and the event map (else $KEPLO_HOME, else the user's data folder)");
+void AddAppPathOption(Command& command, std::string& appPath) {
+  command.WordAlsoBefore(
+      "--app-path", appPath,
+      "Folder of keplo.cfg and the event map (else $KEPLO_HOME, else the user's data folder)");
 }
 
 std::filesystem::path ResolveAppPath(const std::string& option) {
   if (!option.empty()) return option;
   if (const std::string home = Environment("KEPLO_HOME"); !home.empty()) return home;
-  if (const std::string data = Environment("XDG_DATA_HOME"); !data.empty()) {
-    return std::filesystem::path(data) / "keplo";
-  }
-  const std::string home = Environment("HOME");
-  if (home.empty())
-    throw Failure(ENOENT, "There is no HOME to keep files in. Name a folder with --app-path.");
-  return std::filesystem::path(home) / ".local" / "share" / "keplo";
+  if (const auto data = UserDataFolder()) return *data / "keplo";
+  throw Failure(ENOENT, "There is no HOME to keep files in. Name a folder with --app-path.");
 }
 
 bool IsAppPathNamed(const std::string& option) {

@@ -1,16 +1,18 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <string>
+
+#include "program/arguments.h"
 
 namespace keplo {
 
 /// Adds --app-path to a command.
-void AddAppPathOption(CLI::App& command, std::string& appPath);
+void AddAppPathOption(Command& command, std::string& appPath);
 
 /// The folder of keplo.cfg and the event map: the option where given, else KEPLO_HOME, else the folder keplo
 /// in the user's data folder (XDG_DATA_HOME, ~/.local/share).
+/// @throws Failure if there is none of these
 std::filesystem::path ResolveAppPath(const std::string& option);
 
 /// The same, for commands that need what a first install brings.

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace keplo {
 
 /// An object as one line of output. Names out of files and tables may hold any bytes; what is no UTF-8 is
 /// replaced, so that a line is always valid JSON.
-inline std::string JsonLine(const nlohmann::ordered_json& json) {
-  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-}
+std::string JsonLine(const nlohmann::ordered_json& json);
 
 }  // namespace keplo

@@ -1,7 +1,5 @@
-#include <CLI/CLI.hpp>
 #include <QApplication>
 #include <QLockFile>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -14,7 +12,10 @@
 #include "line/line_clock.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
+#include "program/arguments.h"
+#include "program/environment.h"
 #include "program/line_options.h"
+#include "program/stop_signals.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 
@@ -23,7 +24,7 @@ namespace keplo {
 namespace {
 
 constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
-constexpr int kDone = 0, kNotStarted = 1, kWrongUse = 2;
+constexpr int kDone = 0, kNotStarted = 1;
 
 struct WindowOptions {
   std::string AppPath;
@@ -34,26 +35,16 @@ struct WindowOptions {
   LineOptions Line;
 };
 
-void AddOptions(CLI::App& app, WindowOptions& options) {
-  app.set_version_flag("--version", "keplo-window " + VersionText);
-  AddAppPathOption(app, options.AppPath);
-  app.add_option("--replay", options.Replay, "Recordings to play as key presses, one each time Record waits");
-  app.add_flag("--real-time", options.RealTime,
+void AddOptions(Command command, WindowOptions& options) {
+  AddAppPathOption(command, options.AppPath);
+  command.Words("--replay", options.Replay, "Recordings to play as key presses, one each time Record waits");
+  command.Flag("--real-time", options.RealTime,
                "Play at the clock of the recordings, not as fast as possible");
-  app.add_flag("--keep-pressed", options.KeepPressed,
+  command.Flag("--keep-pressed", options.KeepPressed,
                "The key of the last recording stays pressed, as AutoCalibrate needs it");
-  app.add_option("--ports", options.Ports, "The serial ports that are there, such as 1,2,12; else all")
-      ->delimiter(',')
-      ->check(CLI::Range(1, 255));
-  AddLineOptions(app, options.Line);
-}
-
-bool HasDisplay() {
-  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-    const char* value = std::getenv(name);
-    if (value != nullptr && *value != '\0') return true;
-  }
-  return false;
+  command.Numbers("--ports", options.Ports, "The serial ports that are there, such as 1,2,12; else all",
+                  {1, 255});
+  AddLineOptions(command, options.Line.SampleTime, options.Line.Shape, options.Line.HoldMs);
 }
 
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
@@ -85,14 +76,12 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
 }
 
 int RunProgram(int argc, char** argv) {
-  CLI::App app("Records, explains, stores and sends the commands of infrared remotes.", "keplo-window");
+  IgnoreFileSizeSignal();
+  CommandLine line("keplo-window", VersionText,
+                   "Records, explains, stores and sends the commands of infrared remotes.");
   WindowOptions options;
-  AddOptions(app, options);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kWrongUse;
-  }
+  AddOptions(line.Root(), options);
+  if (const auto status = line.Parse(argc, argv)) return *status;
   if (!HasDisplay()) {
     std::cerr << "keplo-window: there is no display to show a window on; set DISPLAY, or use keplo\n";
     return kNotStarted;

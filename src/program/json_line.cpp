@@ -1,0 +1,11 @@
+#include "program/json_line.h"
+
+#include <nlohmann/json.hpp>
+
+namespace keplo {
+
+std::string JsonLine(const nlohmann::ordered_json& json) {
+  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+}  // namespace keplo

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace keplo {
+
+/// A text from outside (a file, a database, a command line) as it may stand in a line for a person: line
+/// ends, escape sequences for the terminal and whatever turns the direction of writing become blanks. All
+/// else stays, bytes of older encodings too.
+std::string Printable(std::string_view text);
+
+}  // namespace keplo

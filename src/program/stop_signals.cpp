@@ -1,0 +1,70 @@
+#include "program/stop_signals.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "failure.h"
+
+namespace keplo {
+
+namespace {
+
+/// Where the handler writes; it runs without an object.
+std::atomic<int> writeEnd{-1};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+void Write(int signal) {
+  const int before = errno;
+  const auto number = static_cast<unsigned char>(signal);
+  // A full pipe holds signals enough.
+  if (write(writeEnd, &number, 1) < 0) errno = before;
+  errno = before;
+}
+
+void Ignore(int /*signal*/) {}
+
+}  // namespace
+
+StopSignals::StopSignals(std::initializer_list<int> numbers) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure(errno, "No pipe can be made for signals.");
+  readEnd_ = ends[0];
+  writeEnd = ends[1];
+  struct sigaction action {};
+  action.sa_handler = Write;
+  action.sa_flags = SA_RESTART;
+  for (const int number : numbers) {
+    caught_.push_back({number, {}});
+    sigaction(number, &action, &caught_.back().Before);
+  }
+}
+
+StopSignals::~StopSignals() {
+  for (const Caught& signal : caught_) sigaction(signal.Number, &signal.Before, nullptr);
+  close(writeEnd.exchange(-1));
+  close(readEnd_);
+}
+
+bool StopSignals::WaitFor(int milliseconds) const {
+  pollfd wait{readEnd_, POLLIN, 0};
+  return poll(&wait, 1, milliseconds) != 0;
+}
+
+int StopSignals::Take() const {
+  unsigned char number = 0;
+  return read(readEnd_, &number, 1) == 1 ? number : 0;
+}
+
+void IgnoreFileSizeSignal() {
+  // A handler and not SIG_IGN, which programs that are started would inherit.
+  struct sigaction action {};
+  action.sa_handler = Ignore;
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGXFSZ, &action, nullptr);
+}
+
+}  // namespace keplo

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <csignal>
+#include <initializer_list>
+#include <vector>
+
+namespace keplo {
+
+/// Signals as something to wait for, so that work stops between two of its steps. As long as the object lives
+/// they end nothing by themselves; one object at a time. Make it once everything has been read: until then a
+/// signal ends the program at once, whatever it waits for.
+class StopSignals {
+ public:
+  explicit StopSignals(std::initializer_list<int> numbers = {SIGINT, SIGTERM});
+  ~StopSignals();
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+  /// Can be read from when a signal has come.
+  int Descriptor() const { return readEnd_; }
+  /// Waits until a signal has come, which stays to be taken.
+  /// @return false if none came within the time
+  bool WaitFor(int milliseconds) const;
+  /// The number of the next signal that has come; 0 if there is none.
+  int Take() const;
+
+ private:
+  struct Caught {
+    int Number;
+    struct sigaction Before;
+  };
+
+  int readEnd_ = -1;
+  std::vector<Caught> caught_;
+};
+
+/// A file that grows beyond a limit of the process gives an error that can be told, not its end.
+void IgnoreFileSizeSignal();
+
+}  // namespace keplo
