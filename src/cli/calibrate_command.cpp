@@ -9,8 +9,7 @@
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/setting_keys.h"
-#include "formats/recording.h"
-#include "line/replay_line.h"
+#include "line/open_line.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "signal/calibration.h"
@@ -23,10 +22,9 @@ namespace {
 constexpr int kHeldCaptures = 1000;
 
 struct CalibrateOptions {
-  std::vector<std::string> Replay;
   std::string AppPath;
   bool DryRun = false;
-  LineOptions Line;
+  LineSpec Line;
 };
 
 /// How a calibration on a replay line went.
@@ -42,7 +40,7 @@ std::string MeasurementText(std::int16_t delay, std::optional<std::int16_t> base
          (baseT ? "base time " + std::to_string(*baseT) : std::string("no base time"));
 }
 
-Course Calibrate(ReplayLine& line) {
+Course Calibrate(Win32Ser& line) {
   SignalState signal;
   Course course;
   Calibration calibration(line, signal, course.Delay);
@@ -99,12 +97,9 @@ int Save(std::int16_t delay, const CalibrateOptions& options) try {
 int Calibrate(const CalibrateOptions& options) {
   // Whoever holds the key should not do so for a file that cannot take the result.
   if (!options.DryRun) OpenConfig(options.AppPath).RequireWhole();
-  std::vector<Recording> recordings;
-  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
   const std::int16_t receiver = 0;  // calibration captures alike for both
-  ReplayLine line(std::move(recordings), receiver, options.Line);
-  line.HoldLastPress(kHeldCaptures);
-  const Course course = Calibrate(line);
+  const OpenedLine line = OpenLine(options.Line, receiver);
+  const Course course = Calibrate(*line.Line);
   if (course.End != CalibrationStep::Succeeded) {
     const std::string why = WhyNoHelp(course);
     return Refuse(Sentences(course) + (why.empty() ? "" : "\nkeplo: " + why));
@@ -121,12 +116,14 @@ void AddCalibrateCommand(Command& root) {
       root.Sub("calibrate", "Find the delay at which a held key has its base time, and save it as PROCDELAY");
   const auto options = std::make_shared<CalibrateOptions>();
   command
-      .Words("--replay", options->Replay,
+      .Words("--replay", options->Line.ReplayFiles,
              "Recordings of a SONY remote; the key of the last press is held down")
       .Required();
   command.Flag("--dry-run", options->DryRun, "Save nothing");
   AddAppPathOption(command, options->AppPath);
-  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  AddLineOptions(command, options->Line.Options.SampleTime, options->Line.Options.Shape,
+                 options->Line.Options.HoldMs);
+  options->Line.HeldCaptures = kHeldCaptures;
   command.Runs([options] { return Calibrate(*options); });
 }
 

@@ -15,7 +15,7 @@
 #include "program/line_options.h"
 #include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
-#include "station/press_words.h"
+#include "station/stage_text.h"
 
 namespace keplo::cli {
 

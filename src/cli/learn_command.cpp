@@ -7,7 +7,6 @@
 #include "cli/analysis_option.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
-#include "cli/record_notes.h"
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "formats/recording.h"
@@ -15,6 +14,7 @@
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "signal/recorded_press.h"
+#include "station/stage_text.h"
 #include "window/validation.h"
 
 namespace keplo::cli {

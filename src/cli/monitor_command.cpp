@@ -5,21 +5,17 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "config/check_config.h"
 #include "disk/posix_file_system.h"
 #include "events/event_text.h"
-#include "formats/recording.h"
 #include "keplo_mod.h"
-#include "line/replay_line.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
 #include "program/stop_signals.h"
 #include "shell/event_list.h"
-#include "shell/keplo.h"
-#include "station/press_words.h"
-#include "station/quiet_boxes.h"
+#include "station/silent_boxes.h"
+#include "station/station.h"
 
 namespace keplo::cli {
 
@@ -27,11 +23,9 @@ namespace {
 
 struct MonitorOptions {
   std::string AppPath;
-  std::vector<std::string> Replay;
   bool Json = false;
   bool Once = false;
-  bool RealTime = false;
-  LineOptions Line;
+  LineSpec Line;
 };
 
 struct RaisedEvent {
@@ -62,42 +56,30 @@ void Print(const RaisedEvent& event, bool json) {
   }
 }
 
-struct Tally {
-  int Presses = 0, Events = 0, WithoutEvent = 0;
-};
-
-void TellPress(const TickReport& tick, const ReplayLine& line, Tally& tally) {
-  ++tally.Presses;
-  tally.Events += tick.Dispatched.Raised;
-  const std::string reason = WhyNoEvent(tick);
-  if (reason.empty()) return;
-  ++tally.WithoutEvent;
-  const PlayedPress* press = line.LastPress();
-  std::cerr << (press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number))
-            << ": heard, but no event: " << reason << '\n';
+/// What a monitor tells beside its events: complaints under the program's name, presses without an event
+/// plain.
+void TellLine(LogLevel level, const std::string& text) {
+  std::cerr << (level <= LogLevel::Warning ? "keplo: " : "") << text << '\n';
 }
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
-void RunTicks(Keplo& control, ReplayLine& line, const MonitorOptions& options, const StopSignals& stop) {
-  while (!(options.Once && line.Done())) {
-    const bool hurry = !options.RealTime && !line.Done();
-    if (stop.WaitFor(hurry ? 0 : control.Timer1.Interval)) return;
-    control.Timer1.Tick();
+void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop) {
+  while (!(options.Once && station.Played())) {
+    const bool hurry = !options.Line.InRealTime && !station.Played();
+    if (stop.WaitFor(hurry ? 0 : station.Control().Timer1.Interval)) return;
+    station.Control().Timer1.Tick();
   }
 }
 
 int Monitor(const MonitorOptions& options) {
   PosixFileSystem files;
   KeploMod mod(RequireInstall(options.AppPath), files);
-  std::vector<Recording> recordings;
-  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
-  ReplayLine line(std::move(recordings), mod.Settings.ReceiverKind, options.Line);
-  SteadyLineClock lineClock;
-  if (options.RealTime) line.PlayAgainst(lineClock);
-  QuietBoxes boxes;
-  NoEventDialog dialog;
+  const Log log(TellLine);
+  LoggedBoxes boxes(log);
+  CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
-  Keplo control(mod, line, {boxes, dialog}, clock);
+  Station station(mod, options.Line, {boxes, dialog}, clock, log);
+  Keplo& control = station.Control();
   control.TriggerInputEvent = [&](HostInputEvent& event) {
     Print(Describe(event, control.ListView1), options.Json);
   };
@@ -105,19 +87,14 @@ int Monitor(const MonitorOptions& options) {
     std::cerr << "keplo: " << record.ErrorSource << " " << record.ErrorProcedure << ": "
               << record.ErrorDescription << '\n';
   };
-  if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
-    std::cerr << "keplo: " << damage << '\n';
-  if (control.InputInitialise(nullptr) != 1) {
-    throw Failure(1, "The event map cannot be loaded: " + control.WhyNotInitialised());
-  }
+  if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
   const StopSignals stop;
   control.InputStartMonitoring();
-  Tally tally;
-  control.OnPress = [&](const TickReport& tick) { TellPress(tick, line, tally); };
-  RunTicks(control, line, options, stop);
+  RunTicks(station, options, stop);
   control.InputStopMonitoring();
   control.InputTerminate();
+  const PressTally& tally = station.Tally();
   (options.Json ? std::cerr : std::cout)
       << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
       << " presses without an event" << std::endl;
@@ -130,12 +107,13 @@ void AddMonitorCommand(Command& root) {
   Command command = root.Sub("monitor", "Watch the line and print each input event that is raised");
   const auto options = std::make_shared<MonitorOptions>();
   AddAppPathOption(command, options->AppPath);
-  command.Words("--replay", options->Replay, "Recordings to play as key presses");
+  command.Words("--replay", options->Line.ReplayFiles, "Recordings to play as key presses");
   command.Flag("--json", options->Json, "One JSON object an event");
   command.Flag("--once", options->Once, "End when the recordings have been played");
-  command.Flag("--real-time", options->RealTime,
+  command.Flag("--real-time", options->Line.InRealTime,
                "Play at the clock of the recordings, not as fast as possible");
-  AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  AddLineOptions(command, options->Line.Options.SampleTime, options->Line.Options.Shape,
+                 options->Line.Options.HoldMs);
   command.Runs([options] { return Monitor(*options); });
 }
 

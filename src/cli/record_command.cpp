@@ -10,7 +10,6 @@
 #include "cli/analysis_option.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
-#include "cli/record_notes.h"
 #include "config/lookup.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
@@ -18,6 +17,7 @@
 #include "program/json_line.h"
 #include "program/line_options.h"
 #include "signal/recorded_press.h"
+#include "station/stage_text.h"
 
 namespace keplo::cli {
 

@@ -5,33 +5,26 @@
 #include <exception>
 #include <utility>
 
-#include "config/check_config.h"
 #include "events/event_text.h"
 #include "qt/control_view.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
 #include "shell/event_list.h"
-#include "station/press_words.h"
-#include "station/without_display.h"
+#include "station/silent_boxes.h"
 
 namespace keplo::component {
 
 namespace {
 
-std::vector<Recording> LoadRecordings(const std::vector<std::string>& files) {
-  std::vector<Recording> recordings;
-  recordings.reserve(files.size());
-  for (const std::string& file : files) recordings.push_back(LoadRecording(file));
-  return recordings;
-}
-
-LineOptions LineOptionsOf(const CreationContext& context) {
-  LineOptions options;
-  if (context.SampleTime > 0) options.SampleTime = context.SampleTime;
-  if (context.HoldMs >= 0) options.HoldMs = context.HoldMs;
-  options.Shape = context.ShapeReplay;
-  return options;
+LineSpec LineSpecOf(const CreationContext& context) {
+  LineSpec spec;
+  spec.ReplayFiles = context.ReplayFiles;
+  spec.InRealTime = context.ReplayInRealTime;
+  if (context.SampleTime > 0) spec.Options.SampleTime = context.SampleTime;
+  if (context.HoldMs >= 0) spec.Options.HoldMs = context.HoldMs;
+  spec.Options.Shape = context.ShapeReplay;
+  return spec;
 }
 
 std::unique_ptr<ui::Boxes> MakeBoxes(bool mayUseDisplay, const Log& log) {
@@ -68,16 +61,12 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       released_(std::move(released)),
       replayPlayed_(context.ReplayPlayed),
       mod_(context.ApplicationPath, files_),
-      line_(LoadRecordings(context.ReplayFiles), mod_.Settings.ReceiverKind, LineOptionsOf(context)),
       boxes_(MakeBoxes(mayUseDisplay_, log_)),
       eventDialog_(MakeEventDialog(mayUseDisplay_, log_)),
-      control_(mod_, line_, Windows(), clock_),
+      station_(mod_, LineSpecOf(context), Windows(), clock_, log_),
+      control_(station_.Control()),
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1) {
-  if (inRealTime_) line_.PlayAgainst(lineClock_);
-  if (const std::string damage = CheckConfig(mod_.Store); !damage.empty())
-    log_.Write(LogLevel::Warning, damage);
-  control_.OnPress = [this](const TickReport& tick) { TellPress(tick); };
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
@@ -93,7 +82,7 @@ KeploObject::~KeploObject() = default;
 KeploWindows KeploObject::Windows() {
   return {*boxes_, *eventDialog_, [this] {
             if (mayUseDisplay_) {
-              qt::ShowMainWindow(mod_, line_, QApplication::activeWindow());
+              qt::ShowMainWindow(mod_, station_.Line(), QApplication::activeWindow());
             } else {
               log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
             }
@@ -121,6 +110,7 @@ void KeploObject::Release() {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
     replayPlayed_ = nullptr;
+    control_.OnPress = nullptr;
     return;
   }
   const std::function<void()> released = std::move(released_);
@@ -173,13 +163,13 @@ std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora
   const std::int32_t result =
       Contained("InputInitialise", kInputFailed, [&] { return control_.InputInitialise(Velmora); });
   if (result != kInputDone) {
-    log_.Write(LogLevel::Error, "The event map cannot be loaded: " + control_.WhyNotInitialised());
+    log_.Write(LogLevel::Error, station_.WhyNoEventMap());
   }
   return result;
 }
 
 std::int32_t KeploObject::InputStartMonitoring() {
-  timer_.setInterval(line_.Done() || inRealTime_ ? control_.Timer1.Interval : 0);
+  timer_.setInterval(station_.Played() || inRealTime_ ? control_.Timer1.Interval : 0);
   return Contained("InputStartMonitoring", kInputFailed, [&] { return control_.InputStartMonitoring(); });
 }
 
@@ -245,23 +235,15 @@ bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& detail
   return true;
 }
 
+IPressTally::Tally KeploObject::Presses() {
+  const PressTally& tally = station_.Tally();
+  return {tally.Presses, tally.Events, tally.WithoutEvent};
+}
+
 void KeploObject::Tick() {
   const Busy busy(*this);
   controlTick_();
-  if (line_.Done()) TellWhenPlayed();
-}
-
-void KeploObject::TellPress(const TickReport& tick) {
-  if (releasePending_) return;
-  ++tally_.Presses;
-  tally_.Events += tick.Dispatched.Raised;
-  const std::string reason = WhyNoEvent(tick);
-  if (reason.empty()) return;
-  ++tally_.WithoutEvent;
-  const PlayedPress* press = line_.LastPress();
-  const std::string place =
-      press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number);
-  log_.Write(LogLevel::Notice, place + ": heard, but no event: " + reason);
+  if (station_.Played()) TellWhenPlayed();
 }
 
 void KeploObject::TellWhenPlayed() {

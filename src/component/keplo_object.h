@@ -8,11 +8,9 @@
 #include "host/component_entry.h"
 #include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
-#include "line/line_clock.h"
-#include "line/replay_line.h"
 #include "qt/qt_timer.h"
-#include "shell/keplo.h"
 #include "station/log.h"
+#include "station/station.h"
 
 namespace keplo::component {
 
@@ -59,7 +57,7 @@ class KeploObject final : public IComponentObject,
 
   QWidget* CreateView(QWidget* parent) override;
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
-  Tally Presses() override { return tally_; }
+  Tally Presses() override;
 
  private:
   template <typename Result, typename Operation>
@@ -70,7 +68,6 @@ class KeploObject final : public IComponentObject,
   void ReleaseLater();
   KeploWindows Windows();
   void Tick();
-  void TellPress(const TickReport& tick);
   void TellWhenPlayed();
 
   const bool mayUseDisplay_;
@@ -81,16 +78,14 @@ class KeploObject final : public IComponentObject,
 
   PosixFileSystem files_;
   ui::SystemClock clock_;
-  SteadyLineClock lineClock_;
   KeploMod mod_;
-  ReplayLine line_;
   std::unique_ptr<ui::Boxes> boxes_;
   std::unique_ptr<EventDialogShower> eventDialog_;
-  Keplo control_;
+  Station station_;
+  Keplo& control_;
   std::function<void()> controlTick_;
   qt::QtTimer timer_;
   EventSinks sinks_;
-  Tally tally_;
   int depth_ = 0;  // how many operations and ticks are under way, one inside another
   bool releasePending_ = false;
 };

@@ -49,9 +49,9 @@ ReplayLine::ReplayLine(std::vector<Recording> recordings, const std::int16_t& re
   }
 }
 
-void ReplayLine::PlayAgainst(LineClock& clock) {
-  clock_ = &clock;
-  nextStart_ = clock.Now() + kPressPause;
+void ReplayLine::PlayAgainst(std::shared_ptr<LineClock> clock) {
+  clock_ = std::move(clock);
+  nextStart_ = clock_->Now() + kPressPause;
 }
 
 void ReplayLine::AnswerWith(const std::string& characters) {

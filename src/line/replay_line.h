@@ -3,22 +3,18 @@
 #include <chrono>
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "formats/recording.h"
 #include "line/line_clock.h"
+#include "line/open_line.h"
 #include "line/press_capture.h"
 #include "signal/win32_ser.h"
 
 namespace keplo {
-
-/// A recorded press by its place.
-struct PlayedPress {
-  std::string Path;
-  std::size_t Number = 0;  // in its file, from 1
-};
 
 /// What was put out on a replay line, in order; of each kind the latest thousand.
 struct LineOutput {
@@ -47,7 +43,7 @@ struct LineOutput {
 /// Without a clock it plays as fast as it is asked and pauses and beeps take no time. With one, presses
 /// follow each other kPressPause apart, captures last as long as the signal, and pauses and beeps are waited
 /// for. A press waits until it is captured; none is lost to a monitor that looks away.
-class ReplayLine : public Win32Ser {
+class ReplayLine : public Win32Ser, public PressSource {
  public:
   /// Silence between the end of a press and the next, when playing against a clock.
   static constexpr std::chrono::milliseconds kPressPause{500};
@@ -59,8 +55,8 @@ class ReplayLine : public Win32Ser {
   ReplayLine(std::vector<Recording> recordings, std::int16_t&& passing,
              const LineOptions& options = {}) = delete;
 
-  /// Plays against a clock from now on, which must outlive the line.
-  void PlayAgainst(LineClock& clock);
+  /// Plays against a clock from now on.
+  void PlayAgainst(std::shared_ptr<LineClock> clock);
   /// Holds the key of the last press down: that press is played once more for each further capture, without a
   /// pause, and lasts longer than any of them.
   /// @param captures after so many in all the key is let go; at least 1
@@ -70,10 +66,8 @@ class ReplayLine : public Win32Ser {
   /// Appends answers of the zone hardware, one character each; NUL is a time-out.
   void AnswerWith(const std::string& characters);
 
-  /// Whether every press was played.
-  bool Done() const { return next_ == presses_.size(); }
-  /// The press that the last capture took; none before the first capture.
-  const PlayedPress* LastPress() const { return last_ ? &presses_[*last_].Place : nullptr; }
+  bool Done() const override { return next_ == presses_.size(); }
+  const PlayedPress* LastPress() const override { return last_ ? &presses_[*last_].Place : nullptr; }
   const LineOutput& Output() const { return output_; }
 
   std::int32_t OpenCom(std::int32_t port) override;
@@ -113,7 +107,7 @@ class ReplayLine : public Win32Ser {
   const std::int16_t* receiverKind_;
   LineOptions options_;
   std::vector<std::int32_t> ports_;
-  LineClock* clock_ = nullptr;
+  std::shared_ptr<LineClock> clock_;
   std::chrono::microseconds nextStart_{0};
   std::deque<char> zoneAnswers_;
   LineOutput output_;

@@ -6,11 +6,9 @@
 #include <vector>
 
 #include "disk/posix_file_system.h"
-#include "formats/recording.h"
 #include "install/first_install.h"
 #include "keplo_mod.h"
-#include "line/line_clock.h"
-#include "line/replay_line.h"
+#include "line/open_line.h"
 #include "program/app_path.h"
 #include "program/arguments.h"
 #include "program/environment.h"
@@ -28,23 +26,22 @@ constexpr int kDone = 0, kNotStarted = 1;
 
 struct WindowOptions {
   std::string AppPath;
-  std::vector<std::string> Replay;
-  bool RealTime = false;
   bool KeepPressed = false;
-  std::vector<std::int32_t> Ports;
-  LineOptions Line;
+  LineSpec Line;
 };
 
 void AddOptions(Command command, WindowOptions& options) {
   AddAppPathOption(command, options.AppPath);
-  command.Words("--replay", options.Replay, "Recordings to play as key presses, one each time Record waits");
-  command.Flag("--real-time", options.RealTime,
+  command.Words("--replay", options.Line.ReplayFiles,
+                "Recordings to play as key presses, one each time Record waits");
+  command.Flag("--real-time", options.Line.InRealTime,
                "Play at the clock of the recordings, not as fast as possible");
   command.Flag("--keep-pressed", options.KeepPressed,
                "The key of the last recording stays pressed, as AutoCalibrate needs it");
-  command.Numbers("--ports", options.Ports, "The serial ports that are there, such as 1,2,12; else all",
+  command.Numbers("--ports", options.Line.Ports, "The serial ports that are there, such as 1,2,12; else all",
                   {1, 255});
-  AddLineOptions(command, options.Line.SampleTime, options.Line.Shape, options.Line.HoldMs);
+  AddLineOptions(command, options.Line.Options.SampleTime, options.Line.Options.Shape,
+                 options.Line.Options.HoldMs);
 }
 
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
@@ -61,15 +58,11 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
                   kBoxTitle);
     return kNotStarted;
   }
-  std::vector<Recording> recordings;
-  for (const std::string& file : options.Replay) recordings.push_back(LoadRecording(file));
   KeploMod mod(appPath, files);
-  ReplayLine line(std::move(recordings), mod.Settings.ReceiverKind, options.Line);
-  SteadyLineClock clock;
-  if (options.RealTime) line.PlayAgainst(clock);
-  if (options.KeepPressed) line.HoldLastPress(kKeptPresses);
-  line.SetPorts(options.Ports);
-  Form1 form(mod, line, boxes);
+  LineSpec spec = options.Line;
+  if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
+  const OpenedLine line = OpenLine(spec, mod.Settings.ReceiverKind);
+  Form1 form(mod, *line.Line, boxes);
   if (qt::ShowUntilHidden(form)) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
   return kNotStarted;

@@ -77,9 +77,10 @@ TEST(ReplayLine, RecordsUpToTheLimit) {
 }
 
 TEST(ReplayLine, HoldsTheKeyOfTheLastPressDown) {
-  TestClock clock;
+  const auto owned = std::make_shared<TestClock>();
+  TestClock& clock = *owned;
   ReplayLine line({{"a", {Clean(kNec, tests::kNecBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
-  line.PlayAgainst(clock);
+  line.PlayAgainst(owned);
   line.HoldLastPress(3);
   std::string buffer(100, 'x');
   for (const std::size_t press : {1, 2, 2, 2}) {
@@ -103,9 +104,10 @@ TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
 }
 
 TEST(ReplayLine, PlaysAgainstAClock) {
-  TestClock clock;
+  const auto owned = std::make_shared<TestClock>();
+  TestClock& clock = *owned;
   ReplayLine line(TwoFiles(), kStandard);
-  line.PlayAgainst(clock);
+  line.PlayAgainst(owned);
   EXPECT_EQ(line.DCD(), 1) << "the first press comes behind a pause";
   clock.Time += 500ms;
   EXPECT_EQ(line.DCD(), 0);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "shell/keplo.h"
+#include "signal/recorded_press.h"
 
 namespace keplo {
 
@@ -11,5 +12,8 @@ std::string DescribeStage(Stage stage);
 
 /// Why a press raised no event, for a person; empty if it raised one.
 std::string WhyNoEvent(const TickReport& tick);
+
+/// Why a recorded press has no code that could be learned, for a person; empty if it has one.
+std::string WhyNoCode(const RecordReading& reading);
 
 }  // namespace keplo

@@ -1,0 +1,94 @@
+#include "station/stage_text.h"
+
+#include <string_view>
+
+namespace keplo {
+
+namespace {
+
+constexpr std::string_view kNoSignal = "there is no signal";
+constexpr std::string_view kNoPulseUnit =
+    "cannot find the pulse unit: marks and spaces share no shortest length, or the longer one is more "
+    "frequent";
+constexpr std::string_view kNoLineCode = "the signal fits neither pulse distance nor pulse width nor biphase";
+
+std::string_view MeaningOf(Stage stage) {
+  switch (stage) {
+    case Stage::Empty:
+      return kNoSignal;
+    case Stage::Short:
+      return "the capture is too short";
+    case Stage::Doubtful:
+      return "the repeats differ, or there was only one: hold the key longer, or learn the code";
+    case Stage::NoTiming:
+      return kNoPulseUnit;
+    case Stage::EndsInMark:
+      return "the samples end inside a mark";
+    case Stage::NoFrame:
+      return "no whole frame stands between two long marks or spaces";
+    case Stage::Unknown:
+      return kNoLineCode;
+    case Stage::Length:
+      return "the number of bits does not fit the protocol";
+    case Stage::Code:
+      break;
+  }
+  return "a code";
+}
+
+std::string WhyNotDispatched(const DispatchReport& dispatched, const std::string& digits) {
+  switch (dispatched.Ended) {
+    case DispatchEnd::NotStored:
+      return "code G" + digits + " belongs to no learned command";
+    case DispatchEnd::NoZoneAnswer:
+      return dispatched.Reference + ": the zone hardware gave no answer";
+    case DispatchEnd::NotReached:
+      return "the press could not be handled";
+    case DispatchEnd::OtherZone:
+      return dispatched.Reference + " came from another zone";
+    case DispatchEnd::Walked:
+      break;
+  }
+  return "no activated event is bound to " + dispatched.Reference;
+}
+
+std::string WhyNoDigits(const RecordReading& reading) {
+  switch (reading.Ended) {
+    case RecordStage::Empty:
+      return std::string(kNoSignal);
+    case RecordStage::Short:
+      return "the signal is too short";
+    case RecordStage::NoTiming:
+      return std::string(kNoPulseUnit);
+    case RecordStage::Unknown:
+      return std::string(kNoLineCode);
+    case RecordStage::Fragment:
+      return "a single frame of " + std::to_string(reading.Code.size()) + " bits is a fragment";
+    case RecordStage::Code:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string DescribeStage(Stage stage) {
+  return std::string(StageName(stage)) + " (" + std::string(MeaningOf(stage)) + ")";
+}
+
+std::string WhyNoEvent(const TickReport& tick) {
+  if (tick.Reading.Ended != Stage::Code) return DescribeStage(tick.Reading.Ended);
+  if (tick.Dispatched.Raised > 0) return {};
+  return WhyNotDispatched(tick.Dispatched, tick.Reading.Digits);
+}
+
+std::string WhyNoCode(const RecordReading& reading) {
+  if (reading.Ended != RecordStage::Code) return WhyNoDigits(reading);
+  if (reading.Code.empty()) return "there are no bits between the long marks and spaces";
+  if (reading.Code.find_first_of("xy") != std::string::npos) {
+    return "some half bits cannot be paired; the code " + reading.Code + " has x and y in their place";
+  }
+  return {};
+}
+
+}  // namespace keplo

@@ -1,0 +1,38 @@
+#include "station/station.h"
+
+#include <utility>
+
+#include "config/check_config.h"
+#include "station/stage_text.h"
+
+namespace keplo {
+
+Station::Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
+                 const Log& log)
+    : Station(mod, OpenLine(spec, mod.Settings.ReceiverKind), windows, clock, log) {}
+
+Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, const ui::Clock& clock,
+                 const Log& log)
+    : log_(log), line_(std::move(line)), control_(mod, *line_.Line, windows, clock) {
+  if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
+    log_.Write(LogLevel::Warning, damage);
+  control_.OnPress = [this](const TickReport& tick) { CountPress(tick); };
+}
+
+std::string Station::WhyNoEventMap() const {
+  return "The event map cannot be loaded: " + control_.WhyNotInitialised();
+}
+
+void Station::CountPress(const TickReport& tick) {
+  ++tally_.Presses;
+  tally_.Events += tick.Dispatched.Raised;
+  const std::string reason = WhyNoEvent(tick);
+  if (reason.empty()) return;
+  ++tally_.WithoutEvent;
+  const PlayedPress* press = line_.Presses == nullptr ? nullptr : line_.Presses->LastPress();
+  const std::string place =
+      press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number);
+  log_.Write(LogLevel::Notice, place + ": heard, but no event: " + reason);
+}
+
+}  // namespace keplo

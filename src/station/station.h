@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include "line/open_line.h"
+#include "shell/keplo.h"
+#include "station/log.h"
+
+namespace keplo {
+
+/// What has become of the key presses so far.
+struct PressTally {
+  int Presses = 0;       // heard
+  int Events = 0;        // raised
+  int WithoutEvent = 0;  // presses that raised none
+};
+
+/// A control on a line, told to someone: what the plug-in and the command line have in common.
+class Station {
+ public:
+  /// Opens the line and starts the control up; tells what is wrong with keplo.cfg.
+  /// @param mod, clock, log outlive the station, as what the windows refer to does
+  /// @throws Failure if a recording or keplo.cfg cannot be read
+  Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
+          const Log& log);
+  /// The same on a line that is there already.
+  Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, const ui::Clock& clock,
+          const Log& log);
+
+  /// Why the control's InputInitialise gave 0, for a person.
+  std::string WhyNoEventMap() const;
+  Keplo& Control() { return control_; }
+  const Keplo& Control() const { return control_; }
+  const PressTally& Tally() const { return tally_; }
+  Win32Ser& Line() { return *line_.Line; }
+  /// Whether every recording has been played; a line without recordings has none to wait for.
+  bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
+
+ private:
+  void CountPress(const TickReport& tick);
+
+  const Log& log_;
+  OpenedLine line_;
+  PressTally tally_;
+  Keplo control_;
+};
+
+}  // namespace keplo
