@@ -1,16 +1,17 @@
 #pragma once
 
 #include <QPushButton>
-#include <QTimer>
+#include <optional>
 
+#include "qt/busy.h"
 #include "qt/model_link.h"
 #include "ui/button.h"
 
 namespace keplo::qt {
 
 /// A push button over its model, with less room around its caption than a dialog's buttons have. A click
-/// that takes its time disables the button: the window is drawn then, and the cursor tells that it is busy.
-/// What is pressed on the button meanwhile waits in the event loop, and is dropped.
+/// that takes its time disables the button: the window is drawn then, and the program is busy until the
+/// button can be used again.
 class ButtonView : public QPushButton {
  public:
   ButtonView(ui::Button& model, const QString& caption, QWidget* parent);
@@ -18,20 +19,15 @@ class ButtonView : public QPushButton {
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
 
- protected:
-  bool event(QEvent* event) override;
-
  private:
   void Redraw();
+  void KeepFocusWhileDisabled();
   void Click();
-  void ShowWork(bool working);
 
   ui::Button& model_;
   bool inClick_ = false;
-  bool working_ = false;
   bool hadFocus_ = false;
-  QTimer dropping_;  // running while input that came during the work may still be waiting
-  int turnsToDrop_ = 0;
+  std::optional<Busy> working_;
   ModelLink link_;
 };
 

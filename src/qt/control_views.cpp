@@ -81,7 +81,8 @@ QWidget* MakeBoxedLabel(Form1& form, const ControlRow& row, QWidget* parent) {
   }
   // What has a label of its own is a line of text; all others are a word or a number.
   if (LabelOf(row) != nullptr) return new LongLabelView(label, ShownText(row.Tip), parent);
-  auto* view = new LabelView(label, row.Tip, parent);
+  // No field for typing, so it lies on the window's own ground.
+  auto* view = new LabelView(label, row.Tip, parent, QPalette::Window);
   view->setFrameStyle(QFrame::Box | QFrame::Plain);
   view->setMargin(0);
   view->setIndent(kIndent);

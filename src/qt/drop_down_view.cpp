@@ -4,7 +4,9 @@
 #include <QPointer>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStylePainter>
 #include <QTimer>
+#include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
@@ -13,8 +15,16 @@
 
 namespace keplo::qt {
 
+namespace {
+
+constexpr int kFocusPen = 2;         // pixels
+constexpr double kArrowParts = 4.5;  // half of the arrow goes so often into the height of a line
+
+}  // namespace
+
 DropDownView::DropDownView(ui::DropDownList& model, QWidget* parent)
     : QComboBox(parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
+  setFocusPolicy(Qt::StrongFocus);  // the toolkit's own takes the focus from the wheel too
   Redraw();
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
     if (!link_.Alive()) return;
@@ -46,6 +56,41 @@ void DropDownView::Redraw() {
   setCurrentIndex(model_.ListIndex());  // adding to an empty combo box selects its first entry
   setPalette(PaletteOf(model_, QPalette::Button, QPalette::ButtonText));
   ShowState(*this, model_);
+}
+
+void DropDownView::wheelEvent(QWheelEvent* event) {
+  event->setAccepted(hasFocus());
+  if (hasFocus()) QComboBox::wheelEvent(event);
+}
+
+void DropDownView::paintEvent(QPaintEvent* event) {
+  if (link_.Alive() && model_.BackColour()) {
+    PaintColoured();
+  } else {
+    QComboBox::paintEvent(event);
+  }
+}
+
+void DropDownView::PaintColoured() {
+  QStyleOptionComboBox look;
+  initStyleOption(&look);
+  QStylePainter painter(this);
+  painter.fillRect(rect(), look.palette.button());
+  const QColor ink = look.palette.color(QPalette::ButtonText);
+  const bool focused = hasFocus();
+  painter.setPen(QPen(focused ? look.palette.color(QPalette::Highlight) : ink, focused ? kFocusPen : 1));
+  const int inset = focused ? kFocusPen / 2 : 0;
+  painter.drawRect(rect().adjusted(inset, inset, -1 - inset, -1 - inset));
+  painter.drawControl(QStyle::CE_ComboBoxLabel, look);
+
+  QRectF arrow = style()->subControlRect(QStyle::CC_ComboBox, &look, QStyle::SC_ComboBoxArrow, this);
+  const double half = fontMetrics().height() / kArrowParts;
+  const QPointF middle = arrow.center();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ink);
+  painter.drawPolygon(QPolygonF({middle + QPointF(-half, -half / 2), middle + QPointF(half, -half / 2),
+                                 middle + QPointF(0, half / 2)}));
 }
 
 void DropDownView::showPopup() {

@@ -1,8 +1,11 @@
 #include "qt/form1_view.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QLabel>
+#include <QScreen>
+#include <QStyle>
 #include <QWindow>
 #include <algorithm>
 #include <memory>
@@ -31,7 +34,8 @@ Form1View::Form1View(Form1& form, QWidget* parent)
                           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint),
       form_(form),
       menuBar_(new MenuBarView(form, this)),
-      inside_(new QWidget(this)),
+      scrolled_(new QScrollArea(this)),
+      inside_(new QWidget),
       scale_(logicalDpiX() / kTwipsPerInch),
       timer_(form.Timer1),
       titleLink_(form.OnTitleChanged, [this] { setWindowTitle(ShownText(form_.Title())); }),
@@ -40,6 +44,9 @@ Form1View::Form1View(Form1& form, QWidget* parent)
       protocolDialog_(form, *this) {
   setObjectName(QStringLiteral("Form1"));
   setWindowTitle(ShownText(form.Title()));
+  scrolled_->setFrameShape(QFrame::NoFrame);
+  scrolled_->setFocusPolicy(Qt::NoFocus);
+  scrolled_->setWidget(inside_);
   for (const ControlRow& row : Controls()) AddControl(row);
   AddTabOrder();
   Rescale();
@@ -74,6 +81,9 @@ void Form1View::AddTabOrder() {
             [](const ControlRow* a, const ControlRow* b) { return a->TabIndex < b->TabIndex; });
   for (std::size_t i = 1; i < stops.size(); ++i) setTabOrder(views_.at(stops[i - 1]), views_.at(stops[i]));
   if (!stops.empty()) views_.at(stops.front())->setFocus();
+  connect(qApp, &QApplication::focusChanged, scrolled_, [this](const QWidget* /*old*/, QWidget* now) {
+    if (now != nullptr && inside_->isAncestorOf(now)) scrolled_->ensureWidgetVisible(now);
+  });
 }
 
 double Form1View::PixelsPerTwip() const {
@@ -97,9 +107,22 @@ void Form1View::FitSize() {
   const QSize inner(scale_.ToPixels(outer.Width - kWindowEdges.Width),
                     scale_.ToPixels(outer.Height - kWindowEdges.Height));
   const int menuHeight = menuBar_->heightForWidth(inner.width());
-  menuBar_->setGeometry(0, 0, inner.width(), menuHeight);
-  inside_->setGeometry(0, menuHeight, inner.width(), inner.height());
-  setFixedSize(inner.width(), menuHeight + inner.height());
+  inside_->resize(inner);
+  const QSize shown = ShownPart(inner, menuHeight);
+  menuBar_->setGeometry(0, 0, shown.width(), menuHeight);
+  scrolled_->setGeometry(0, menuHeight, shown.width(), shown.height());
+  setFixedSize(shown.width(), menuHeight + shown.height());
+}
+
+QSize Form1View::ShownPart(const QSize& inner, int menuHeight) const {
+  const QSize edges(scale_.ToPixels(kWindowEdges.Width), scale_.ToPixels(kWindowEdges.Height) + menuHeight);
+  const QSize room = screen()->availableSize() - edges;
+  QSize shown = inner.boundedTo(room);
+  // A scroll bar at one edge takes room that the other direction then lacks.
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  if (shown.height() < inner.height()) shown.setWidth(std::min(inner.width() + bar, room.width()));
+  if (shown.width() < inner.width()) shown.setHeight(std::min(inner.height() + bar, room.height()));
+  return shown;
 }
 
 void Form1View::changeEvent(QEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QScrollArea>
 #include <QWidget>
 #include <map>
 #include <optional>
@@ -16,7 +17,8 @@
 namespace keplo::qt {
 
 /// The main window on screen, built from the table of its controls. Its size is fixed; with a font larger
-/// than the design's a twip takes more pixels, so that everything keeps its room. The form outlives it.
+/// than the design's a twip takes more pixels, so that everything keeps its room. On a screen with less room
+/// it scrolls. The form outlives it.
 class Form1View : public QWidget {
  public:
   explicit Form1View(Form1& form, QWidget* parent = nullptr);
@@ -35,9 +37,12 @@ class Form1View : public QWidget {
   void Rescale();
   double PixelsPerTwip() const;
   void FitSize();
+  /// How much of the window's inside the screen has room for.
+  QSize ShownPart(const QSize& inner, int menuHeight) const;
 
   Form1& form_;
   MenuBarView* menuBar_;
+  QScrollArea* scrolled_;
   QWidget* inside_;
   std::map<const ControlRow*, QWidget*> views_;
   TwipScale scale_;

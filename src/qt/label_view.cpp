@@ -5,7 +5,7 @@
 
 namespace keplo::qt {
 
-LabelView::LabelView(ui::Label& model, std::string_view caption, QWidget* parent)
+LabelView::LabelView(ui::Label& model, std::string_view caption, QWidget* parent, QPalette::ColorRole ground)
     : QLabel(parent),
       model_(model),
       caption_(ShownText(caption)),
@@ -13,8 +13,8 @@ LabelView::LabelView(ui::Label& model, std::string_view caption, QWidget* parent
   setTextFormat(Qt::PlainText);
   setFrameStyle(QFrame::Panel | QFrame::Sunken);
   setAutoFillBackground(true);
-  setBackgroundRole(QPalette::Base);
-  setForegroundRole(QPalette::Text);
+  setBackgroundRole(ground);
+  setForegroundRole(ground == QPalette::Base ? QPalette::Text : QPalette::WindowText);
   setIndent(5);
   Redraw();
 }
@@ -22,7 +22,7 @@ LabelView::LabelView(ui::Label& model, std::string_view caption, QWidget* parent
 void LabelView::Redraw() {
   setText(ShownText(model_.Text()));
   setAccessibleName(caption_ + QLatin1Char(' ') + text());
-  setPalette(PaletteOf(model_, QPalette::Base, QPalette::Text));
+  setPalette(PaletteOf(model_, backgroundRole(), foregroundRole()));
   ShowState(*this, model_);
 }
 

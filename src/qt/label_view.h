@@ -12,7 +12,9 @@ namespace keplo::qt {
 class LabelView : public QLabel {
  public:
   /// @param caption what the field tells, for a screen reader, which speaks it ahead of the text
-  LabelView(ui::Label& model, std::string_view caption, QWidget* parent);
+  /// @param ground role of the palette that the field stands on while its model has no back colour
+  LabelView(ui::Label& model, std::string_view caption, QWidget* parent,
+            QPalette::ColorRole ground = QPalette::Base);
 
  private:
   void Redraw();

@@ -1,6 +1,8 @@
 #include "qt/long_label_view.h"
 
 #include <QKeyEvent>
+#include <QPainter>
+#include <QStyleOption>
 
 #include "qt/control_look.h"
 #include "qt/text.h"
@@ -10,6 +12,7 @@ namespace keplo::qt {
 LongLabelView::LongLabelView(ui::Label& model, const QString& tip, QWidget* parent)
     : QLineEdit(parent), model_(model), tip_(tip), link_(model.OnChanged, [this] { Redraw(); }) {
   setReadOnly(true);
+  setFrame(false);
   Redraw();
 }
 
@@ -26,6 +29,19 @@ void LongLabelView::Redraw() {
                  : QStringLiteral("<p>%1</p><p>%2</p>").arg(tip_.toHtmlEscaped(), shown.toHtmlEscaped()));
   setPalette(PaletteOf(model_, QPalette::Base, QPalette::Text));
   ShowState(*this, model_);
+}
+
+void LongLabelView::initStyleOption(QStyleOptionFrame* option) const {
+  QLineEdit::initStyleOption(option);
+  const bool coloured = link_.Alive() && model_.BackColour();
+  if (!coloured) option->palette.setBrush(QPalette::Base, option->palette.window());
+}
+
+void LongLabelView::paintEvent(QPaintEvent* event) {
+  QLineEdit::paintEvent(event);
+  QPainter painter(this);
+  painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::WindowText));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 bool LongLabelView::event(QEvent* event) {

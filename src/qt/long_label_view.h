@@ -8,7 +8,7 @@
 namespace keplo::qt {
 
 /// A boxed field for a label whose text may be longer than the box: it can be scrolled, selected and copied,
-/// and its tip shows the whole text.
+/// and its tip shows the whole text. It looks like the other boxed labels, not like a field for typing.
 class LongLabelView : public QLineEdit {
  public:
   /// @param tip what the field tells; stands ahead of the text in the tip
@@ -16,6 +16,8 @@ class LongLabelView : public QLineEdit {
 
  protected:
   bool event(QEvent* event) override;
+  void initStyleOption(QStyleOptionFrame* option) const override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
   void Redraw();

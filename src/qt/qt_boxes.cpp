@@ -1,11 +1,13 @@
 #include "qt/qt_boxes.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 
+#include "qt/busy.h"
 #include "qt/text.h"
 
 namespace keplo::qt {
@@ -34,15 +36,6 @@ QString Lines(std::string_view text) {
   return WithBreaks(ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
 }
 
-/// The usual cursor over a box that comes up while the program is busy.
-class UsualCursor {
- public:
-  UsualCursor() { QApplication::setOverrideCursor(Qt::ArrowCursor); }
-  ~UsualCursor() { QApplication::restoreOverrideCursor(); }
-  UsualCursor(const UsualCursor&) = delete;
-  UsualCursor& operator=(const UsualCursor&) = delete;
-};
-
 /// A box over the active window. It may go while it is open, together with that window; this counts as a No
 /// or a Cancel.
 template <typename Box>
@@ -56,42 +49,71 @@ class BoxOverWindow {
   BoxOverWindow& operator=(const BoxOverWindow&) = delete;
 
   Box* operator->() const { return box_.data(); }
+  Box& operator*() const { return *box_; }
   int Answer() const { return box_->exec(); }
 
  private:
   QPointer<Box> box_;
 };
 
-int Ask(std::string_view text, std::string_view title, QMessageBox::StandardButtons buttons,
-        QMessageBox::Icon icon = QMessageBox::NoIcon) {
-  const UsualCursor waitingForTheUser;
-  const BoxOverWindow<QMessageBox> box(icon, ShownText(title), Lines(text), buttons);
-  box->setTextFormat(Qt::PlainText);
+// What a title bar takes beside the title: an icon, buttons and the air around them, letters.
+constexpr int kTitleBarLetters = 14;
+
+int WidthForTitle(const QWidget& box) {
+  const QFontMetrics letters = box.fontMetrics();
+  return letters.horizontalAdvance(box.windowTitle()) + kTitleBarLetters * letters.averageCharWidth();
+}
+
+/// A message box takes no least width; a row of nothing below its others holds it open.
+void MakeRoomForTitle(const QMessageBox& box) {
+  if (auto* rows = dynamic_cast<QGridLayout*>(box.layout())) {
+    rows->addItem(new QSpacerItem(WidthForTitle(box), 0), rows->rowCount(), 0, 1, rows->columnCount());
+  }
+}
+
+/// What a message box shows.
+struct BoxContent {
+  std::string_view Text, Title;
+  QMessageBox::StandardButtons Buttons = QMessageBox::Ok;
+  QMessageBox::StandardButton ForEnter = QMessageBox::Ok;
+  QMessageBox::Icon Icon = QMessageBox::NoIcon;
+  std::string_view Reason = {};
+};
+
+int Ask(const BoxContent& content) {
+  const AskingMeanwhile asking;
+  const BoxOverWindow<QMessageBox> box(content.Icon, ShownText(content.Title), Lines(content.Text),
+                                       content.Buttons);
+  box->setDefaultButton(content.ForEnter);
+  box->setInformativeText(Lines(content.Reason));
+  for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  MakeRoomForTitle(*box);
   return box.Answer();
 }
 
 }  // namespace
 
-void QtBoxes::Message(std::string_view text, std::string_view title) { Ask(text, title, QMessageBox::Ok); }
+void QtBoxes::Message(std::string_view text, std::string_view title) { Ask({text, title}); }
 
-void QtBoxes::Error(std::string_view text, std::string_view title) {
-  Ask(text, title, QMessageBox::Ok, QMessageBox::Critical);
+void QtBoxes::Error(std::string_view text, std::string_view title, std::string_view reason) {
+  Ask({.Text = text, .Title = title, .Icon = QMessageBox::Critical, .Reason = reason});
 }
 
 bool QtBoxes::Confirm(std::string_view text, std::string_view title) {
-  return Ask(text, title, QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+  return Ask({text, title, QMessageBox::Ok | QMessageBox::Cancel}) == QMessageBox::Ok;
 }
 
 bool QtBoxes::Question(std::string_view text, std::string_view title) {
-  return Ask(text, title, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+  return Ask({text, title, QMessageBox::Yes | QMessageBox::No, QMessageBox::No}) == QMessageBox::Yes;
 }
 
 std::string QtBoxes::Input(std::string_view text, std::string_view title, std::string_view preset) {
-  const UsualCursor waitingForTheUser;
+  const AskingMeanwhile asking;
   const BoxOverWindow<QInputDialog> box;
   box->setWindowTitle(ShownText(title));
   box->setLabelText(Lines(text));
   box->setTextValue(ShownText(preset));
+  box->setMinimumWidth(WidthForTitle(*box));
   for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
   return box.Answer() == QDialog::Accepted ? TypedText(box->textValue()) : std::string();
 }

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 #include "qt/control_look.h"
 
@@ -34,6 +35,11 @@ void ScrollBarView::keyPressEvent(QKeyEvent* event) {
   } else {
     QScrollBar::keyPressEvent(event);
   }
+}
+
+void ScrollBarView::wheelEvent(QWheelEvent* event) {
+  event->setAccepted(hasFocus());
+  if (hasFocus()) QScrollBar::wheelEvent(event);
 }
 
 }  // namespace keplo::qt

@@ -35,7 +35,7 @@ void WaitLine::Show(std::string_view text) {
     End();
     return;
   }
-  Begin();
+  if (!busy_) Begin();
   QLabel& line = window_.isVisible() ? inWindow_ : alone_;
   if (&line == &alone_ && since_.elapsed() < kBlink) return;
   line.setText(ShownText(text));
@@ -52,21 +52,21 @@ void WaitLine::Show(std::string_view text) {
     line.move(QApplication::primaryScreen()->geometry().center() - line.rect().center());
   }
   line.show();
-  line.window()->repaint();
+  line.repaint();
 }
 
 void WaitLine::Begin() {
-  if (since_.isValid()) return;
   since_.start();
-  QApplication::setOverrideCursor(Qt::WaitCursor);
+  busy_.emplace();
+  // A box that has just closed leaves its picture on the screen until the window is painted.
+  if (window_.isVisible()) window_.repaint();
 }
 
 void WaitLine::End() {
-  if (!since_.isValid()) return;
-  since_.invalidate();
+  if (!busy_) return;
   inWindow_.hide();
   alone_.hide();
-  QApplication::restoreOverrideCursor();
+  busy_.reset();
 }
 
 }  // namespace keplo::qt

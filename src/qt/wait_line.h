@@ -2,7 +2,10 @@
 
 #include <QElapsedTimer>
 #include <QLabel>
+#include <optional>
 #include <string_view>
+
+#include "qt/busy.h"
 
 namespace keplo::qt {
 
@@ -28,7 +31,8 @@ class WaitLine {
   const QWidget& over_;
   QLabel inWindow_;
   QLabel alone_;
-  QElapsedTimer since_;  // running during a wait
+  QElapsedTimer since_;
+  std::optional<Busy> busy_;  // during a wait
 };
 
 }  // namespace keplo::qt

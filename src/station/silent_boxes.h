@@ -14,7 +14,10 @@ class LoggedBoxes : public ui::Boxes {
   explicit LoggedBoxes(const Log& log) : log_(log) {}
 
   void Message(std::string_view text, std::string_view title) override { Tell("", text, title); }
-  void Error(std::string_view text, std::string_view title) override { Message(text, title); }
+  void Error(std::string_view text, std::string_view title, std::string_view reason) override {
+    Message(text, title);
+    if (!reason.empty()) Message(reason, title);
+  }
   bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view title) override {
     Tell("No display, so the answer is no: ", text, title);

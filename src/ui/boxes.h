@@ -12,10 +12,12 @@ class Boxes {
   /// Shows a text with only an OK button and waits for it.
   virtual void Message(std::string_view text, std::string_view title) = 0;
   /// The same with an error icon.
-  virtual void Error(std::string_view text, std::string_view title) = 0;
+  /// @param reason what is wrong in particular, shown below the text; may be empty
+  virtual void Error(std::string_view text, std::string_view title, std::string_view reason) = 0;
   /// Offers OK and Cancel.
   /// @return true for OK
   virtual bool Confirm(std::string_view text, std::string_view title) = 0;
+  /// Enter alone answers no, so that nothing is lost by a stroke too many.
   /// @return true for yes
   virtual bool Question(std::string_view text, std::string_view title) = 0;
   /// @return the answer; empty after Cancel

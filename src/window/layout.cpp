@@ -291,7 +291,7 @@ constexpr auto kInterfaceMenu = std::to_array<MenuRow>({
 });
 
 constexpr auto kHelpMenu = std::to_array<MenuRow>({
-    {.Name = "HelpContentMenu", .Caption = "&Contents", .Model = &Form1::HelpContentMenu},
+    {.Name = "HelpContentMenu", .Caption = "&Contents", .Model = &Form1::HelpContentMenu, .Shortcut = "F1"},
     {.Name = "WebPageMenu", .Caption = "&Web Page", .Model = &Form1::WebPageMenu},
     {.Name = "UpdateMenu", .Caption = "Check for &Updates", .Model = &Form1::UpdateMenu},
     {.Name = "HelpLine1"},

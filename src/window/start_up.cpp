@@ -102,7 +102,7 @@ bool Form1::NotLoaded() {
       "There is an error in the configuration file.\r\nThe application will be closed.\r\n"
       "Please send a message to " +
           std::string(kSupportMail) + " for support.",
-      kBoxTitle);
+      kBoxTitle, whyNotLoaded_);
   return false;
 }
 

@@ -1,5 +1,5 @@
 #include <QApplication>
-#include <QLockFile>
+#include <QIcon>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -16,6 +16,7 @@
 #include "program/stop_signals.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
+#include "window_program/one_window.h"
 
 namespace keplo {
 
@@ -48,16 +49,16 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
   PosixFileSystem files;
   if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
-  const std::string lock = (appPath / "keplo-window.lock").string();
-  QLockFile onlyOne(QString::fromStdString(lock));
-  onlyOne.setStaleLockTime(0);  // a window may be open for weeks
-  if (!onlyOne.tryLock(0) && onlyOne.error() == QLockFile::LockFailedError) {
+  const OneWindow here(appPath);
+  if (!here.Ours()) {
+    if (here.RaiseOther()) return kDone;
     boxes.Message("A window for " + appPath.string() +
-                      " is open already. Use that one, or close it first. If there is none, delete " + lock +
-                      ".",
+                      " is open already. Use that one, or close it first. If there is none, delete " +
+                      here.LockPath() + ".",
                   kBoxTitle);
     return kNotStarted;
   }
+  QApplication::setWindowIcon(QIcon(QString::fromStdString((appPath / "inkeplo.ico").string())));
   KeploMod mod(appPath, files);
   LineSpec spec = options.Line;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
@@ -80,11 +81,12 @@ int RunProgram(int argc, char** argv) {
     return kNotStarted;
   }
   const QApplication application(argc, argv);
+  QApplication::setDesktopFileName(QStringLiteral("keplo-window"));
   qt::QtBoxes boxes;
   try {
     return RunWindow(options, boxes);
   } catch (const std::exception& error) {
-    boxes.Error(error.what(), kBoxTitle);
+    boxes.Error(error.what(), kBoxTitle, {});
     return kNotStarted;
   }
 }

@@ -13,9 +13,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
-#include <map>
+#include <iterator>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -28,9 +27,9 @@ namespace keplo::tests {
 using Words = std::vector<std::string>;
 
 /// Looks again and again until something holds.
-/// @return false if it does not within half a minute
+/// @return false if it does not within a minute
 inline bool Until(const std::function<bool()>& holds) {
-  const auto last = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  const auto last = std::chrono::steady_clock::now() + std::chrono::minutes(1);
   while (!holds()) {
     if (std::chrono::steady_clock::now() > last) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -49,25 +48,21 @@ class Running {
       process_ = -1;
   }
   ~Running() {
-    if (process_ <= 0) return;
-    kill(process_, SIGTERM);
-    waitpid(process_, nullptr, 0);
+    if (process_ > 0 && kill(process_, SIGTERM) == 0) waitpid(process_, nullptr, 0);
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
 
-  /// @return the exit code once it has ended
-  std::optional<int> Ended() {
-    int status = 0;
-    if (process_ <= 0 || waitpid(process_, &status, WNOHANG) != process_) return std::nullopt;
-    process_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
-  }
+  /// Stops the program where it is, and lets it go on.
+  void Freeze() const { kill(process_, SIGSTOP); }
+  void Thaw() const { kill(process_, SIGCONT); }
 
+  /// @return the exit code; none if it goes on running, or was ended by a signal
   std::optional<int> WaitForEnd() {
-    std::optional<int> code;
-    Until([&] { return (code = Ended()).has_value(); });
-    return code;
+    int status = 0;
+    const bool ended = Until([&] { return process_ <= 0 || waitpid(process_, &status, WNOHANG) != 0; });
+    if (ended) process_ = -1;
+    return ended && WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
   }
 
  private:
@@ -77,11 +72,7 @@ class Running {
 /// A part of a screen, pixels.
 struct ScreenPart {
   int X = 0, Y = 0, Width = 0, Height = 0;
-  bool operator==(const ScreenPart&) const = default;
 };
-
-/// The pixels of a part of a screen, row by row, as 0xRRGGBB.
-using Picture = std::vector<std::uint32_t>;
 
 /// An X screen of its own without a window manager, on which a test does and sees what a user would: it
 /// types, clicks and looks at pixels, and knows nothing of what the programs are made of.
@@ -104,10 +95,9 @@ class OutsideScreen {
     close(told[1]);
     // The server tells its number, a line, once it can be used.
     char last = 0;
-    bool ready = false;
-    while (!ready && read(told[0], &last, 1) == 1) ready = last == '\n';
+    while (last != '\n' && read(told[0], &last, 1) == 1) continue;
     close(told[0]);
-    if (!ready) throw std::runtime_error("Xvfb does not start on display " + display_);
+    if (last != '\n') throw std::runtime_error("Xvfb does not start on display " + display_);
   }
 
   const std::string& Display() const { return display_; }
@@ -124,15 +114,13 @@ class OutsideScreen {
   std::string Focus(const std::string& title) const {
     std::string window;
     const bool found = Until([&] {
-      window = FirstLine(Do("search --onlyvisible --name '" + title + "'"));
-      return !window.empty() && FocusOn(window);
+      window = FirstLine(Windows(title));
+      if (!window.empty()) Do("windowfocus " + window);
+      return !window.empty() && Focused() == window;
     });
     return found ? window : std::string();
   }
-  bool FocusOn(const std::string& window) const {
-    Do("windowfocus " + window);
-    return FirstLine(Do("getwindowfocus")) == window;
-  }
+  std::string Focused() const { return FirstLine(Do("getwindowfocus")); }
   /// The windows whose title fits a pattern, a line each.
   std::string Windows(const std::string& title) const {
     return Do("search --onlyvisible --name '" + title + "'");
@@ -140,66 +128,45 @@ class OutsideScreen {
 
   /// Where a window lies; all 0 if it is gone.
   ScreenPart PartOf(const std::string& window) const {
-    std::istringstream lines(Do("getwindowgeometry --shell " + window));
-    std::map<std::string, int> values;
-    for (std::string line; std::getline(lines, line);) {
-      const std::size_t equals = line.find('=');
-      if (equals != std::string::npos) values[line.substr(0, equals)] = std::atoi(line.c_str() + equals + 1);
-    }
-    return {values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]};
+    ScreenPart part;
+    std::sscanf(Do("getwindowgeometry --shell " + window).c_str(), "WINDOW=%*d X=%d Y=%d WIDTH=%d HEIGHT=%d",
+                &part.X, &part.Y, &part.Width, &part.Height);
+    return part;
   }
 
   void Keys(const std::string& keys) const { Do("key " + keys); }
   void Type(const std::string& text) const { Do("type '" + text + "'"); }
-  /// Presses the left button of the mouse in the middle of a part.
-  void Click(const ScreenPart& part) const {
+  /// Presses a button of the mouse, 1 the left one and 5 its wheel, in the middle of a part.
+  void Click(const ScreenPart& part, int button = 1) const {
     Do("mousemove " + std::to_string(part.X + part.Width / 2) + " " +
-       std::to_string(part.Y + part.Height / 2) + " click 1");
+       std::to_string(part.Y + part.Height / 2) + " click " + std::to_string(button));
   }
 
-  Picture Look(const ScreenPart& part) const {
-    std::ifstream frame(frame_.Path() / "Xvfb_screen0", std::ios::binary);
-    const std::streamoff pixels = Word(frame, kHeaderSize) + kColourBytes * Word(frame, kColours);
-    const std::streamoff row = Word(frame, kBytesPerLine);
-    Picture seen(static_cast<std::size_t>(part.Width) * part.Height);
-    for (int y = 0; y < part.Height; ++y) {
-      frame.seekg(pixels + (part.Y + y) * row + part.X * kPixelBytes);
-      frame.read(reinterpret_cast<char*>(&seen[static_cast<std::size_t>(y) * part.Width]),
-                 part.Width * kPixelBytes);
-    }
-    for (std::uint32_t& pixel : seen) pixel &= 0xFFFFFF;
-    return seen;
-  }
-
-  /// Looks until a picture fits and has come to rest.
-  /// @return empty if none does
-  Picture LookUntil(const ScreenPart& part, const std::function<bool(const Picture&)>& fits) const {
-    Picture seen;
+  /// How much of a part is of a colour, 0xRRGGBB; 0 to 1.
+  double Share(const ScreenPart& part, std::uint32_t colour) const {
+    // The server keeps its screen in a file, an XWD one: a header of big-endian words, colours, and the
+    // pixels.
+    std::ifstream file(frame_.Path() / "Xvfb_screen0", std::ios::binary);
+    const std::string frame((std::istreambuf_iterator<char>(file)), {});
+    const auto byte = [&](std::size_t at) -> std::uint32_t {
+      return static_cast<unsigned char>(frame.at(at));
+    };
+    const auto word = [&](std::size_t at) {
+      return byte(at) << 24U | byte(at + 1) << 16U | byte(at + 2) << 8U | byte(at + 3);
+    };
+    const std::size_t pixels = word(0) + 12 * word(76), row = word(48);
     int same = 0;
-    const bool rests = Until([&] {
-      Picture now = Look(part);
-      same = now == seen ? same + 1 : 0;
-      seen = std::move(now);
-      return same >= kLooksAtRest && fits(seen);
-    });
-    return rests ? seen : Picture();
+    for (int y = part.Y; y < part.Y + part.Height; ++y) {
+      for (int x = part.X; x < part.X + part.Width; ++x) {
+        const std::size_t at = pixels + row * y + 4 * x;
+        if ((byte(at) | byte(at + 1) << 8U | byte(at + 2) << 16U) == colour) ++same;
+      }
+    }
+    return static_cast<double>(same) / (part.Width * part.Height);
   }
 
  private:
-  // Fields of the file that the screen is kept in, an XWD one: big-endian words, offsets in bytes.
-  static constexpr int kHeaderSize = 0, kBytesPerLine = 48, kColours = 76;
-  static constexpr std::uint32_t kColourBytes = 12;  // of one entry of the colour map
-  static constexpr std::streamoff kPixelBytes = 4;
-  static constexpr int kLooksAtRest = 5;  // a picture may be half drawn
-
   static constexpr int kFirstDisplay = 1000, kDisplays = 50000;
-
-  static std::uint32_t Word(std::ifstream& file, int offset) {
-    std::array<unsigned char, 4> bytes{};
-    file.seekg(offset);
-    file.read(reinterpret_cast<char*>(bytes.data()), bytes.size());
-    return bytes[0] << 24U | bytes[1] << 16U | bytes[2] << 8U | bytes[3];
-  }
 
   static std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
@@ -207,9 +174,7 @@ class OutsideScreen {
   std::string Do(const std::string& command) const {
     FILE* output = popen(("DISPLAY=" + display_ + " xdotool " + command + " 2>/dev/null").c_str(), "r");
     std::string text;
-    std::array<char, 256> part{};
-    while (const std::size_t length = fread(part.data(), 1, part.size(), output))
-      text.append(part.data(), length);
+    for (int letter = fgetc(output); letter != EOF; letter = fgetc(output)) text += static_cast<char>(letter);
     pclose(output);
     return text;
   }

@@ -26,7 +26,9 @@ class RecordingBoxes : public ui::Boxes {
  public:
   std::vector<std::string> Shown;
   void Message(std::string_view text, std::string_view /*title*/) override { Shown.emplace_back(text); }
-  void Error(std::string_view text, std::string_view title) override { Message(text, title); }
+  void Error(std::string_view text, std::string_view title, std::string_view /*reason*/) override {
+    Message(text, title);
+  }
   bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view /*title*/) override {
     Shown.emplace_back(text);

@@ -25,14 +25,16 @@ TEST(QtBoxes, AMessageHasOneButtonAndShowsItsTextAsItIs) {
     EXPECT_EQ(box.textFormat(), Qt::PlainText);
     EXPECT_EQ(box.standardButtons(), QMessageBox::Ok);
     EXPECT_EQ(box.icon(), QMessageBox::NoIcon);
+    EXPECT_GT(box.width(), box.fontMetrics().horizontalAdvance(box.windowTitle()))
+        << "the title is seen whole";
     QTest::keyClick(&box, Qt::Key_Return);
   });
-  QtBoxes().Message("<b>one</b>\r\ntwo", "InputKeplo");
+  QtBoxes().Message("<b>one</b>\r\ntwo", "A title that is longer than the text");
 }
 
 TEST(QtBoxes, OnlyYesAnswersAQuestion) {
   for (const auto& [key, answer] :
-       {std::pair(Qt::Key_Y, true), {Qt::Key_N, false}, {Qt::Key_Escape, false}}) {
+       {std::pair(Qt::Key_Y, true), {Qt::Key_Return, false}, {Qt::Key_Escape, false}}) {
     WhenOpen([pressed = key](QWidget& box) { QTest::keyClick(&box, pressed); });
     EXPECT_EQ(QtBoxes().Question("Delete it?", "Keplo"), answer);
   }

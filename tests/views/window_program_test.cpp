@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <optional>
@@ -22,19 +21,6 @@ std::string UnknownPress() {
   return text + "pulse 560\n";
 }
 
-constexpr std::uint32_t kGreen = 0x00FF00, kRed = 0xFF0000;
-
-std::size_t PixelsOf(std::uint32_t colour, const Picture& picture) {
-  return static_cast<std::size_t>(std::count(picture.begin(), picture.end(), colour));
-}
-bool ShowsTrace(const Picture& picture) { return PixelsOf(kGreen, picture) > 0; }
-auto OtherThan(const Picture& before) {
-  return [&before](const Picture& now) { return now != before; };
-}
-auto SameAs(const Picture& before) {
-  return [&before](const Picture& now) { return now == before; };
-}
-
 class WindowProgram : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -42,12 +28,19 @@ class WindowProgram : public ::testing::Test {
       GTEST_SKIP() << "needs " << missing;
     }
     screen_.emplace();
+    const std::filesystem::path opener = home_.Write("xdg-open", "#!/bin/sh\necho \"$1\" > \"$0.told\"\n");
+    std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
   }
 
-  void Start(const Words& more) {
-    Words words = {KEPLO_WINDOW, "--app-path", home_.Path() / "keplo"};
+  Words Program(const Words& more = {}) const {
+    Words words = {"env", "PATH=" + home_.Path().string() + ":" + std::getenv("PATH"), KEPLO_WINDOW,
+                   "--app-path", home_.Path() / "keplo"};
     words.insert(words.end(), more.begin(), more.end());
-    program_.emplace(screen_->Here(words));
+    return screen_->Here(words);
+  }
+  bool Start(const Words& more) {
+    program_.emplace(Program(more));
+    return MainWindowComes();
   }
 
   /// Waits for the main window, in full size.
@@ -57,7 +50,7 @@ class WindowProgram : public ::testing::Test {
     return !window_.empty();
   }
 
-  /// Where the inside of a control lies on the screen.
+  /// Where a control lies on the screen.
   ScreenPart PartOf(const char* control) const {
     const double scale = static_cast<double>(at_.Width) / kFullInner.Width;
     const Place& place = FindControl(control)->At;
@@ -66,26 +59,13 @@ class WindowProgram : public ::testing::Test {
     return {at_.X + pixels(place.Left), at_.Y + menuHeight + pixels(place.Top), pixels(place.Width),
             pixels(place.Height)};
   }
-  void Click(const char* control) const { screen_->Click(PartOf(control)); }
-
-  bool Focus(const std::string& title) { return !screen_->Focus(title).empty(); }
-  /// Waits until the code of a recording stands on a colour.
-  bool CodeStandsOn(std::uint32_t colour) const {
-    const auto mostly = [&](const Picture& field) { return PixelsOf(colour, field) > field.size() / 2; };
-    return !screen_->LookUntil(PartOf("CodeStr"), mostly).empty();
-  }
-
-  bool AnswerYes() {
-    if (!Focus("^Keplo$")) return false;
-    Keys("alt+y");
-    return Until([&] { return screen_->Windows("^Keplo$").empty(); });
+  bool ComesToStandOn(const char* control, std::uint32_t colour) const {
+    return Until([&] { return screen_->Share(PartOf(control), colour) > 0.5; });
   }
   void Keys(const std::string& keys) { screen_->Keys(keys); }
-
   std::string ConfigFile() const { return home_.Read("keplo/keplo.cfg"); }
-  bool FileHolds(const std::string& text) const {
-    return Until([&] { return ConfigFile().find(text) != std::string::npos; });
-  }
+
+  static constexpr std::uint32_t kGreen = 0x00FF00, kRed = 0xFF0000, kBlack = 0;
 
   TempFolder home_;
   std::optional<OutsideScreen> screen_;
@@ -94,142 +74,70 @@ class WindowProgram : public ::testing::Test {
   ScreenPart at_;
 };
 
-TEST_F(WindowProgram, LearnsAPressFromOutsideIntoAFirstInstall) {
+TEST_F(WindowProgram, LearnsAPressByKeysAloneIntoAFirstInstall) {
   const std::string press = home_.Write("press.mode2", UnknownPress());
-  Start({"--hold", "0", "--replay", press, press});
-  ASSERT_TRUE(MainWindowComes());
+  ASSERT_TRUE(Start({"--hold", "0", "--replay", press, press}));
   EXPECT_NE(ConfigFile().find("[END]"), std::string::npos) << "an empty folder gets a first install";
 
   Keys("Tab space");  // Record, which comes behind Send
-  EXPECT_TRUE(CodeStandsOn(kRed));
+  EXPECT_TRUE(ComesToStandOn("CodeStr", kRed));
   Keys("space");  // once more: only a code that came twice is trusted
-  EXPECT_TRUE(CodeStandsOn(kGreen));
-  // Save stands twelve places behind Record.
-  for (int place = 0; place < 12; ++place) Keys("Tab");
+  EXPECT_TRUE(ComesToStandOn("CodeStr", kGreen));
+  for (int place = 0; place < 12; ++place) Keys("Tab");  // to Save
   Keys("space");
-  ASSERT_TRUE(Focus("Input new command name"));
+  ASSERT_FALSE(screen_->Focus("Input new command name").empty());
   screen_->Type("FROM_OUTSIDE");
   Keys("Return");
-  EXPECT_TRUE(Until([&] { return ConfigFile().find(",FROM_OUTSIDE\r\n") != std::string::npos; }));
-  EXPECT_NE(ConfigFile().find("G10010010010010010010010010010010,FROM_OUTSIDE"), std::string::npos);
+  EXPECT_TRUE(Until([&] {
+    return ConfigFile().find("G10010010010010010010010010010010,FROM_OUTSIDE\r\n") != std::string::npos;
+  })) << ConfigFile();
 
   ASSERT_TRUE(MainWindowComes());
+  Keys("F1");
+  EXPECT_TRUE(Until([&] { return home_.Read("xdg-open.told").ends_with("docs/help/index.html\n"); }));
   Keys("alt+f x");
   EXPECT_EQ(program_->WaitForEnd(), 0);
 }
 
-TEST_F(WindowProgram, ShowsTheTraceAndBringsItBackPixelForPixel) {
-  Start({"--replay", home_.Write("press.mode2", UnknownPress())});
-  ASSERT_TRUE(MainWindowComes());
-  const ScreenPart box = PartOf("Signal");
-  EXPECT_FALSE(ShowsTrace(screen_->Look(box)));
-  Click("RecButton");
-  const Picture trace = screen_->LookUntil(box, ShowsTrace);
-  ASSERT_FALSE(trace.empty());
+TEST_F(WindowProgram, TellsOnTheScreenWhatItWaitsForAndDropsWhatIsPressedMeanwhile) {
+  ASSERT_TRUE(Start({"--real-time"}));
+  screen_->Click(PartOf("SendPulse"));
+  Keys("ctrl+a");
+  screen_->Type("9999");  // microseconds; a code takes seconds then
+  screen_->Click(PartOf("SendButton"));
+  ScreenPart foot = PartOf("Signal");
+  foot = {foot.X, foot.Y + foot.Height * 3 / 4, foot.Width, foot.Height / 4};
+  EXPECT_TRUE(Until([&] { return screen_->Share(foot, kBlack) < 0.5; })) << "the notice lies there";
 
-  for (const char* changes : {"GExt", "Gshr", "HScroll1"}) {
-    Click(changes);
-    const Picture changed = screen_->LookUntil(box, OtherThan(trace));
-    EXPECT_TRUE(ShowsTrace(changed)) << changes;
-    Click("GReset");
-    EXPECT_EQ(screen_->LookUntil(box, SameAs(trace)), trace) << changes;
-  }
+  program_->Freeze();
+  screen_->Click(PartOf("DeleteCmdButton"));
+  for (const char* list : {"ComList", "Protocol"}) screen_->Click(PartOf(list), 5);
+  Keys("alt+f d F1 ctrl+x");
+  program_->Thaw();
 
-  Click("MinButton");
-  EXPECT_TRUE(Until([&] { return screen_->PartOf(window_).Width < at_.Width / 2; }));
-  EXPECT_LT(screen_->PartOf(window_).Height, at_.Height / 2);
-  Click("MinButton");
-  EXPECT_TRUE(Until([&] { return screen_->PartOf(window_) == at_; }));
-  EXPECT_EQ(screen_->LookUntil(box, SameAs(trace)), trace);
-
-  {
-    const Running other(screen_->Here({KEPLO_WINDOW, "--app-path", home_.Path() / "other"}));
-    EXPECT_FALSE(screen_->LookUntil(box, OtherThan(trace)).empty()) << "the other window covers it";
-  }
-  EXPECT_EQ(screen_->LookUntil(box, SameAs(trace)), trace);
+  EXPECT_TRUE(Until([&] {
+    screen_->Click(PartOf("MinButton"));
+    return screen_->PartOf(window_).Width < at_.Width / 2;
+  })) << "the window is there and no box stands over it";
+  Keys("ctrl+x");
+  EXPECT_EQ(program_->WaitForEnd(), 0);
+  EXPECT_NE(ConfigFile().find("COMPORT= 1\r\nPROTOCOL= 0\r\n"), std::string::npos) << ConfigFile();
+  EXPECT_EQ(home_.Read("xdg-open.told"), "");
 }
 
-TEST_F(WindowProgram, TakesAProtocolAndACommandThroughTheirWholeLives) {
-  const std::string press = home_.Write("press.mode2", UnknownPress());
-  Start({"--hold", "0", "--replay", press, press});
-  ASSERT_TRUE(MainWindowComes());
-  const std::string firstInstall = ConfigFile();
-
-  Keys("alt+f n");
-  ASSERT_TRUE(Focus("Protocol Parameters"));
-  Keys("alt+n ctrl+a");
-  screen_->Type("Outside");
-  Keys("alt+s");
-  ASSERT_TRUE(AnswerYes());
-  EXPECT_TRUE(FileHolds("[Outside]\r\n# \r\nGPROTO= 3\r\n"));
-
-  ASSERT_TRUE(MainWindowComes());
-  Click("RecButton");
-  EXPECT_TRUE(CodeStandsOn(kRed));
-  Click("RecButton");
-  EXPECT_TRUE(CodeStandsOn(kGreen));
-  Click("SaveCmdButton");
-  ASSERT_TRUE(Focus("Input new command name"));
-  screen_->Type("POWER");
-  Keys("Return");
-  EXPECT_TRUE(FileHolds(",POWER\r\n"));
-
-  ASSERT_TRUE(MainWindowComes());
-  Click("SendButton");
-  Click("IRCommand");  // tells what was sent
-  Keys("ctrl+a ctrl+c alt+f e");
-  ASSERT_TRUE(Focus("Protocol Parameters"));
-  Keys("alt+d ctrl+a ctrl+v alt+s");
-  ASSERT_TRUE(AnswerYes());
-  EXPECT_TRUE(FileHolds("[Outside]\r\n# Outside / POWER\r\n"));
-
-  ASSERT_TRUE(MainWindowComes());
-  Click("DeleteCmdButton");
-  ASSERT_TRUE(AnswerYes());
-  EXPECT_TRUE(Until([&] { return ConfigFile().find(",POWER\r\n") == std::string::npos; }));
-  ASSERT_TRUE(MainWindowComes());
-  Keys("alt+f x");
-  EXPECT_EQ(program_->WaitForEnd(), 0);
-  EXPECT_TRUE(FileHolds("GREPEAT= 1\r\n\r\nG10,EMPTY\r\n\r\n[Template]")) << ConfigFile();
-
-  Start({});
-  ASSERT_TRUE(MainWindowComes());
-  Keys("alt+f d");
-  ASSERT_TRUE(AnswerYes());
-  EXPECT_TRUE(Until([&] { return ConfigFile() == firstInstall; })) << ConfigFile();
-  ASSERT_TRUE(MainWindowComes());
-  Keys("alt+f x");
-  EXPECT_EQ(program_->WaitForEnd(), 0);
-  EXPECT_EQ(ConfigFile(), firstInstall);
-}
-
-TEST_F(WindowProgram, OpensTheManualInTheProgramThatOpensPages) {
-  const std::filesystem::path opener = home_.Write("xdg-open", "#!/bin/sh\nprintf %s \"$1\" > \"$0.told\"\n");
-  std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
-  program_.emplace(screen_->Here({"env", "PATH=" + home_.Path().string() + ":" + std::getenv("PATH"),
-                                  KEPLO_WINDOW, "--app-path", home_.Path() / "keplo"}));
-  ASSERT_TRUE(MainWindowComes());
-  Keys("alt+h c");
-  EXPECT_TRUE(Until([&] { return home_.Read("xdg-open.told").ends_with("docs/help/index.html"); }))
-      << home_.Read("xdg-open.told");
-}
-
-TEST_F(WindowProgram, OpensOneWindowForAFolder) {
-  Start({});
-  ASSERT_TRUE(MainWindowComes());
-  Running second(screen_->Here({KEPLO_WINDOW, "--app-path", home_.Path() / "keplo"}));
-  ASSERT_TRUE(Focus("^Keplo$"));
-  Keys("Return");
-  EXPECT_EQ(second.WaitForEnd(), 1);
-
-  ASSERT_TRUE(MainWindowComes());
-  Keys("alt+f x");
-  EXPECT_EQ(program_->WaitForEnd(), 0);
+TEST_F(WindowProgram, ASecondStartBringsTheWindowToTheFront) {
+  program_.emplace(Program());
+  ASSERT_TRUE(Until([&] { return !screen_->Windows("Orlo.s Keplo").empty(); }));
+  const std::string before = screen_->Focused();
+  EXPECT_EQ(Running(Program()).WaitForEnd(), 0);
+  const std::string window = screen_->Focused();
+  EXPECT_NE(window, before) << "no window manager hands the keyboard on";
+  EXPECT_EQ(screen_->Windows("Orlo.s Keplo"), window + "\n");
 }
 
 TEST_F(WindowProgram, TellsWhichRecordingCannotBeReadAndEnds) {
-  Start({"--replay", "/nowhere/press.mode2"});
-  ASSERT_TRUE(Focus("Keplo"));
+  program_.emplace(Program({"--replay", "/nowhere/press.mode2"}));
+  ASSERT_FALSE(screen_->Focus("^Keplo$").empty());
   Keys("Return");
   EXPECT_EQ(program_->WaitForEnd(), 1);
 }

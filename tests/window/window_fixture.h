@@ -23,7 +23,7 @@ class ScriptedBoxes : public ui::Boxes {
   bool Yes = true;
 
   void Message(std::string_view text, std::string_view title) override { Note(text, title); }
-  void Error(std::string_view text, std::string_view title) override {
+  void Error(std::string_view text, std::string_view title, std::string_view /*reason*/) override {
     Note("(error) " + std::string(text), title);
   }
   bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }

@@ -1,0 +1,59 @@
+#include "window_program/one_window.h"
+
+#include <QApplication>
+#include <QLocalSocket>
+#include <QWidget>
+
+namespace keplo {
+
+namespace {
+
+constexpr int kPatience = 3000;  // milliseconds; a window that is recording answers late
+constexpr const char* kRaised = "raised";
+
+void BringToFront() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    const bool stays = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+    if (!window->isVisible() || !stays) continue;
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->raise();
+    window->activateWindow();
+  }
+  if (QWidget* box = QApplication::activeModalWidget()) {
+    box->raise();
+    box->activateWindow();
+  }
+}
+
+}  // namespace
+
+OneWindow::OneWindow(const std::filesystem::path& appPath)
+    : lockPath_((appPath / "keplo-window.lock").string()),
+      socketPath_(QString::fromStdString((appPath / "keplo-window.socket").string())),
+      lock_(QString::fromStdString(lockPath_)) {
+  lock_.setStaleLockTime(0);  // a window may be open for weeks
+  ours_ = lock_.tryLock(0) || lock_.error() != QLockFile::LockFailedError;
+  if (!lock_.isLocked()) return;
+  QObject::connect(&requests_, &QLocalServer::newConnection, &requests_, [this] { Answer(); });
+  requests_.setSocketOptions(QLocalServer::UserAccessOption);
+  QLocalServer::removeServer(socketPath_);  // of a program that was killed
+  requests_.listen(socketPath_);
+}
+
+void OneWindow::Answer() {
+  while (QLocalSocket* other = requests_.nextPendingConnection()) {
+    QObject::connect(other, &QLocalSocket::disconnected, other, &QObject::deleteLater);
+    BringToFront();
+    other->write(kRaised);
+    other->disconnectFromServer();
+  }
+}
+
+bool OneWindow::RaiseOther() const {
+  QLocalSocket window;
+  window.connectToServer(socketPath_);
+  return window.waitForConnected(kPatience) && window.waitForReadyRead(kPatience) &&
+         window.readAll() == kRaised;
+}
+
+}  // namespace keplo

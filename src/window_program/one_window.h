@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QLocalServer>
+#include <QLockFile>
+#include <filesystem>
+#include <string>
+
+namespace keplo {
+
+/// Keeps a folder to one window. The first start holds a lock and listens beside it; a later one asks it to
+/// bring its window to the front.
+class OneWindow {
+ public:
+  explicit OneWindow(const std::filesystem::path& appPath);
+
+  /// False if another program has the folder. True also where no lock can be made at all.
+  bool Ours() const { return ours_; }
+  /// Asks the other program to bring its window to the front.
+  /// @return false if it does not answer
+  bool RaiseOther() const;
+  const std::string& LockPath() const { return lockPath_; }
+
+ private:
+  void Answer();
+
+  std::string lockPath_;
+  QString socketPath_;
+  QLockFile lock_;
+  QLocalServer requests_;
+  bool ours_;
+};
+
+}  // namespace keplo
