@@ -6,9 +6,10 @@ namespace keplo::qt {
 
 namespace {
 
-// Relative luminance of a colour, 0 to 1, and the luminance at which black and white letters stand out from
-// it equally well (WCAG 2.1).
+// At this luminance black and white letters stand out from a ground equally well (WCAG 2.1).
 constexpr double kEvenLuminance = 0.179;
+
+}  // namespace
 
 double Luminance(const QColor& colour) {
   const auto linear = [](double part) {
@@ -16,8 +17,6 @@ double Luminance(const QColor& colour) {
   };
   return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
-
-}  // namespace
 
 QColor InkOn(const QColor& ground) { return Luminance(ground) > kEvenLuminance ? Qt::black : Qt::white; }
 

@@ -7,6 +7,9 @@
 
 namespace keplo::qt {
 
+/// Relative luminance of a colour, 0 to 1 (WCAG 2.1).
+double Luminance(const QColor& colour);
+
 /// Black or white, whichever reads better on a ground.
 QColor InkOn(const QColor& ground);
 
