@@ -5,6 +5,13 @@ if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
+# Most of the time of a compile goes into headers, so that a module as one unit takes a small part of the time
+# of its files one by one. Builds for daily work compile the files, and so find a missing include.
+if(KEPLO_UNITY)
+  set(CMAKE_UNITY_BUILD ON)
+  set(CMAKE_UNITY_BUILD_BATCH_SIZE 0)
+endif()
+
 add_library(keplo_options INTERFACE)
 target_compile_options(keplo_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
 # g++ 12 reports overlaps inside std::string's operator+ that cannot happen.

@@ -8,6 +8,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
+#include "cli/refuse.h"
 #include "config/setting_keys.h"
 #include "line/open_line.h"
 #include "program/app_path.h"
@@ -75,11 +76,6 @@ std::string WhyNoHelp(const Course& course) {
   }
   return "the key was let go after " + signals + " at delay " + std::to_string(course.Delay) +
          ", where no signal took the search on";
-}
-
-int Refuse(const std::string& text) {
-  std::cerr << "keplo: " << text << '\n';
-  return kNoResult;
 }
 
 int Save(std::int16_t delay, const CalibrateOptions& options) try {

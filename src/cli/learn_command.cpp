@@ -7,6 +7,7 @@
 #include "cli/analysis_option.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
+#include "cli/refuse.h"
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "formats/recording.h"
@@ -76,11 +77,6 @@ LearnResult Store(const LearnOptions& options, const Lesson& lesson, CfgStore& s
   // A known code needs no second press; the checks name the command that has it.
   if (!lesson.Validation.CmdValidated && !lesson.Known) return {Refusal::NotValidated, {}};
   return AddCommand(store, options.Protocol, "G" + lesson.Last.Code, options.Name);
-}
-
-int Refuse(const std::string& text) {
-  std::cerr << "keplo: " << text << '\n';
-  return kNoResult;
 }
 
 int Learn(const LearnOptions& options) {

@@ -11,6 +11,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
+#include "cli/refuse.h"
 #include "config/generic_protocols.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
@@ -66,11 +67,6 @@ ProtocolDraft PresetOf(std::string_view generic) {
   draft.Params.BIT0 = preset.Patterns.BIT0;
   draft.Params.BIT1 = preset.Patterns.BIT1;
   return draft;
-}
-
-int Refuse(std::string_view text) {
-  std::cerr << "keplo: " << text << '\n';
-  return kNoResult;
 }
 
 /// Tells what became of a change.

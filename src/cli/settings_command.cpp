@@ -5,6 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
+#include "cli/refuse.h"
 #include "config/numbers.h"
 #include "config/setting_keys.h"
 #include "program/app_path.h"
@@ -24,11 +25,6 @@ std::string ValueShown(std::string_view text, const SettingKey& key) {
 
 std::int64_t NumberOf(std::string_view text, std::string_view key) {
   return NumberWithoutFraction(ValueShown(text, *FindSettingKey(key)));
-}
-
-int Refuse(const std::string& text) {
-  std::cerr << "keplo: " << text << '\n';
-  return kNoResult;
 }
 
 int Change(CfgStore& store, const SettingKey& key, std::int64_t number) {

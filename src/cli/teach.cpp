@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kMostIndexBytes = std::size_t{16} << 20;  // a list of some hundred thousand codes
 
-struct Lesson {
+struct CodeToLearn {
   std::string Place;  // in the file
   std::string Protocol, Code, Name;
 };
@@ -47,55 +47,53 @@ std::string ValidName(std::string name) {
   return name;
 }
 
-Lesson ToLesson(const nlohmann::json& entry, const std::string& place) try {
-  Lesson lesson;
-  lesson.Place = place;
-  lesson.Protocol = SectionOf(entry.at("protocol").get<std::string>());
-  lesson.Code = entry.at("bits").get<std::string>();
-  if (lesson.Protocol == "RC5" && lesson.Code.size() > kToggleBitOffset) {
-    char& toggle = lesson.Code[kToggleBitOffset];
+CodeToLearn ReadEntry(const nlohmann::json& entry, const std::string& place) try {
+  CodeToLearn code;
+  code.Place = place;
+  code.Protocol = SectionOf(entry.at("protocol").get<std::string>());
+  code.Code = entry.at("bits").get<std::string>();
+  if (code.Protocol == "RC5" && code.Code.size() > kToggleBitOffset) {
+    char& toggle = code.Code[kToggleBitOffset];
     if (toggle == '1') toggle = '0';
   }
   const std::string key = entry.value("key", entry.value("name", std::string()));
   const std::string device = entry.value("device", std::string());
-  lesson.Name = ValidName(device.empty() ? key : device + "-" + key);
-  return lesson;
+  code.Name = ValidName(device.empty() ? key : device + "-" + key);
+  return code;
 } catch (const nlohmann::json::exception&) {
   throw Failure(1, place + " was expected to hold the texts \"protocol\", \"bits\" and \"key\" or \"name\".");
 }
 
-std::vector<Lesson> ReadIndex(const std::string& indexFile) {
+std::vector<CodeToLearn> ReadIndex(const std::string& indexFile) {
   const std::string text = PosixFileSystem().Read(indexFile, kMostIndexBytes);
   const nlohmann::json index = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
   if (!index.is_array()) throw Failure(1, indexFile + " was expected to be a JSON array of recordings.");
-  std::vector<Lesson> lessons;
+  std::vector<CodeToLearn> codes;
   for (const nlohmann::json& entry : index) {
-    lessons.push_back(ToLesson(entry, indexFile + ", entry " + std::to_string(lessons.size() + 1)));
+    codes.push_back(ReadEntry(entry, indexFile + ", entry " + std::to_string(codes.size() + 1)));
   }
-  return lessons;
+  return codes;
 }
 
-void TellRefused(const Lesson& lesson, const std::string& why) {
-  std::cerr << lesson.Place << ": " << lesson.Protocol << '&' << lesson.Name << " was not learned: " << why
-            << '\n';
+void TellRefused(const CodeToLearn& code, const std::string& why) {
+  std::cerr << code.Place << ": " << code.Protocol << '&' << code.Name << " was not learned: " << why << '\n';
 }
 
-void Teach(CfgStore& store, const Lesson& lesson, Tally& tally) {
-  if (lesson.Code.find_first_not_of("01") != std::string::npos) {
+void Teach(CfgStore& store, const CodeToLearn& code, Tally& tally) {
+  if (code.Code.find_first_not_of("01") != std::string::npos) {
     ++tally.Refused;
-    TellRefused(lesson, "\"bits\" is of 0 and 1 alone, and not " + lesson.Code);
+    TellRefused(code, "\"bits\" is of 0 and 1 alone, and not " + code.Code);
     return;
   }
   LearnResult result;
-  ChangeAmongOthers(store,
-                    [&] { result = AddCommand(store, lesson.Protocol, "G" + lesson.Code, lesson.Name); });
+  ChangeAmongOthers(store, [&] { result = AddCommand(store, code.Protocol, "G" + code.Code, code.Name); });
   if (result.Done()) {
     ++tally.Learned;
   } else if (result.Refused == Refusal::CodeExists) {
-    std::cout << lesson.Protocol << '&' << lesson.Name << " is known already, as " << result.Detail << '\n';
+    std::cout << code.Protocol << '&' << code.Name << " is known already, as " << result.Detail << '\n';
   } else {
     ++tally.Refused;
-    TellRefused(lesson, RefusalText(result));
+    TellRefused(code, RefusalText(result));
   }
 }
 
@@ -104,21 +102,21 @@ void Teach(CfgStore& store, const Lesson& lesson, Tally& tally) {
 int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
   OpenConfig config(appPathOption);
   config.RequireWhole();
-  const std::vector<Lesson> lessons = ReadIndex(indexFile);
+  const std::vector<CodeToLearn> codes = ReadIndex(indexFile);
   Tally tally;
   std::string failed;
-  auto next = lessons.begin();
+  auto next = codes.begin();
   try {
-    for (; next != lessons.end(); ++next) Teach(config.Mod.Store, *next, tally);
+    for (; next != codes.end(); ++next) Teach(config.Mod.Store, *next, tally);
   } catch (const Failure& failure) {
     failed = failure.what();
   }
   std::cout << tally.Learned << " commands learned from " << indexFile << '\n';
-  if (next != lessons.end()) {
-    std::cerr << lessons.end() - next << " more were left out, from " << next->Place << " on: " << failed
+  if (next != codes.end()) {
+    std::cerr << codes.end() - next << " more were left out, from " << next->Place << " on: " << failed
               << '\n';
   }
-  return tally.Refused == 0 && next == lessons.end() ? kDone : kNoResult;
+  return tally.Refused == 0 && next == codes.end() ? kDone : kNoResult;
 }
 
 }  // namespace keplo::cli

@@ -19,16 +19,16 @@ std::string CutBehindLastHeader(std::string text) {
   return text.empty() ? text : text.append("\r\n");
 }
 
-constexpr std::array<std::string_view, 13> kKeys = {
+constexpr std::array<std::string_view, 13> kWrittenKeys = {
     "COMPORT=", "PROTOCOL=", "PROCDELAY=", "ITYPE=", "BEEPON=", "VEXIL=",  "GPROTO=",
     "SENDPLS=", "REPEAT=",   "BITG=",      "BIT0=",  "BIT1=",   "GREPEAT="};
 
 /// The key that a line begins with; empty if it begins with none.
 std::string_view KeyOf(std::string_view line) {
-  const auto* const key = std::find_if(kKeys.begin(), kKeys.end(), [&](std::string_view candidate) {
-    return EqualNoCase(line.substr(0, candidate.size()), candidate);
-  });
-  return key == kKeys.end() ? std::string_view() : *key;
+  const auto* const key = std::find_if(
+      kWrittenKeys.begin(), kWrittenKeys.end(),
+      [&](std::string_view candidate) { return EqualNoCase(line.substr(0, candidate.size()), candidate); });
+  return key == kWrittenKeys.end() ? std::string_view() : *key;
 }
 
 /// Writes in the blank that belongs behind a key's =, where a hand-edited file lacks it. A sign may stand in

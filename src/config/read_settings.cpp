@@ -12,7 +12,7 @@ struct Key {
   void (*Take)(std::string_view value, Settings& settings);
 };
 
-constexpr Key kKeys[] = {
+constexpr Key kStartUpKeys[] = {
     {"COMPORT=", [](std::string_view value,
                     Settings& settings) { settings.ComPortNr = WithoutFraction<std::int32_t>(value); }},
     {"PROTOCOL=", [](std::string_view value,
@@ -46,7 +46,7 @@ SettingsReading ReadSettings(const CfgStore& store, Settings& settings) {
   if (FindNoCase("[End]", store.CfgText, 1) == kNowhere) return {"[End]"};
   int position = FindNoCase("[General]", store.CfgText, 1);
   if (position == kNowhere) return {"[General]"};
-  for (const Key& key : kKeys) {
+  for (const Key& key : kStartUpKeys) {
     const int behind = FindNoCase(key.Text, store.CfgText, position);
     if (behind == kNowhere) return {key.Text, position};
     position = behind;

@@ -14,14 +14,14 @@ namespace keplo {
 
 namespace {
 
-class Descriptor {
+class FileDescriptor {
  public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
+  explicit FileDescriptor(int number) : number_(number) {}
+  ~FileDescriptor() {
     if (number_ >= 0) close(number_);
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
   int Number() const { return number_; }
 
  private:
@@ -51,14 +51,14 @@ void WriteWholeFile(const std::filesystem::path& path, std::string_view content)
   if (made) Fail(path, made.value());
 
   std::string temporary = path.string() + ".XXXXXX";
-  const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
+  const FileDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
   if (file.Number() < 0) Fail(path, errno);
   if (!WriteAll(file.Number(), content) || rename(temporary.c_str(), path.c_str()) != 0) {
     const int error = errno;
     unlink(temporary.c_str());
     Fail(path, error);
   }
-  const Descriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const FileDescriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (directory.Number() >= 0) fsync(directory.Number());
 }
 

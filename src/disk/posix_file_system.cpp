@@ -156,7 +156,7 @@ class PosixNewFile : public NewFile {
   Unpublished unpublished_;
 };
 
-path FolderOf(const path& name) { return name.has_parent_path() ? name.parent_path() : "."; }
+path ParentOf(const path& name) { return name.has_parent_path() ? name.parent_path() : "."; }
 
 }  // namespace
 
@@ -209,7 +209,7 @@ std::unique_ptr<LockedFolder> PosixFileSystem::Lock(const path& folder) {
 std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode) {
   // A nameless file gets its name through its descriptor's entry in /proc, which a jail may lack.
   if (unpublished_ == Unpublished::Nameless && access(kOwnDescriptors, X_OK) == 0) {
-    Descriptor nameless(open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+    Descriptor nameless(open(ParentOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     if (nameless.IsOpen())
       return std::make_unique<PosixNewFile>(path, std::move(nameless), Unpublished::Nameless);
     if (errno != EOPNOTSUPP && errno != EISDIR) Fail(errno, path);

@@ -7,7 +7,6 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr double kTwipsPerInch = 1440.0;
 // Twips: wide enough for all columns and a scroll bar, and high enough for a dozen events; and the least
 // that shows the whole panel and three events.
 constexpr int kUsualWidth = 10300, kUsualHeight = 6000;

@@ -20,8 +20,6 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr double kTwipsPerInch = 1440.0;
-
 QRect Pixels(const Place& place, const TwipScale& scale) {
   return {scale.ToPixels(place.Left), scale.ToPixels(place.Top), scale.ToPixels(place.Width),
           std::max(scale.ToPixels(place.Height), 1)};

@@ -12,8 +12,6 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr double kTwipsPerInch = 1440.0;
-
 /// Rows with a little air, which plain table rows lack.
 class RowDelegate : public QStyledItemDelegate {
  public:

@@ -16,7 +16,7 @@ namespace keplo::qt {
 namespace {
 
 // Letters of room: most patterns fit into a field without scrolling, and buttons are easy to hit.
-constexpr int kFieldLetters = 36, kButtonLetters = 12;
+constexpr int kNameLetters = 36, kButtonLetters = 12;
 
 int LettersWide(const QWidget& widget, int letters) {
   return widget.fontMetrics().averageCharWidth() * letters;
@@ -73,7 +73,7 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
 
 void NewProtocolView::AddField(QGridLayout& rows, const NewProtocolRow& row) {
   QWidget* field = MakeView(model_, row, this);
-  field->setMinimumWidth(LettersWide(*field, kFieldLetters));
+  field->setMinimumWidth(LettersWide(*field, kNameLetters));
   auto* label = new QLabel(ShownCaption(row.Caption, row.AccessKey), this);
   label->setTextFormat(Qt::PlainText);
   label->setBuddy(field);

@@ -4,7 +4,9 @@
 
 namespace keplo::qt {
 
-/// Design sizes are twips, 1440 to the inch; how many pixels one takes depends on screen and font.
+inline constexpr double kTwipsPerInch = 1440.0;
+
+/// Design sizes are twips; how many pixels one takes depends on screen and font.
 class TwipScale {
  public:
   explicit TwipScale(double pixelsPerTwip) : pixelsPerTwip_(pixelsPerTwip) {}

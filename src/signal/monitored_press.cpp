@@ -12,8 +12,7 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kSilenceKept = 100;     // bytes behind the last sample of the signal
-constexpr std::size_t kShortestCapture = 50;  // bytes
+constexpr std::size_t kMonitoredSilenceKept = 100;  // bytes behind the last sample of the signal
 
 bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
   switch (kind) {
@@ -78,7 +77,7 @@ std::string_view StageName(Stage stage) {
 Stage TrimCapture(std::string& capture) {
   const std::size_t last = capture.find_last_not_of('\0');
   if (last == std::string::npos) return Stage::Empty;
-  const std::size_t kept = last + 1 + kSilenceKept;
+  const std::size_t kept = last + 1 + kMonitoredSilenceKept;
   if (capture.size() > kept) capture.resize(kept);
   return capture.size() < kShortestCapture ? Stage::Short : Stage::Code;
 }

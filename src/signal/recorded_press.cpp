@@ -5,16 +5,16 @@
 #include "signal/decode.h"
 #include "signal/decode_frames.h"
 #include "signal/run_symbols.h"
+#include "signal/sample_bits.h"
 #include "signal/second_look/second_look.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr std::size_t kSilenceKept = 30;      // bytes behind the last sample of the signal
-constexpr std::size_t kShortestCapture = 50;  // bytes
-constexpr std::size_t kClosingSilence = 100;  // samples; a longer space at the end closes the last frame
-constexpr std::size_t kShortestCommand = 7;   // digits of a frame that stands alone
+constexpr std::size_t kRecordedSilenceKept = 30;  // bytes behind the last sample of the signal
+constexpr std::size_t kClosingSilence = 100;      // samples; a longer space at the end closes the last frame
+constexpr std::size_t kShortestCommand = 7;       // digits of a frame that stands alone
 
 /// The symbols from the first mark on. An RC5 frame has no leader; the silence ahead of it is its mark.
 std::string FromFirstMark(std::string symbols, std::int16_t kind) {
@@ -112,7 +112,7 @@ std::string RunLengthsText(const std::vector<int>& lengths) {
 RecordStage TrimRecording(std::string& capture) {
   const std::size_t last = capture.find_last_not_of('\0');
   if (last == std::string::npos) return RecordStage::Empty;
-  const std::size_t kept = last + 1 + kSilenceKept;
+  const std::size_t kept = last + 1 + kRecordedSilenceKept;
   if (capture.size() <= kept) return RecordStage::Code;
   capture.resize(kept);
   return capture.size() < kShortestCapture ? RecordStage::Short : RecordStage::Code;

@@ -7,7 +7,6 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kBitsPerByte = 8;
 using ByteText = std::array<char, kBitsPerByte>;
 
 constexpr std::array<ByteText, 256> MakeByteTexts() {

@@ -9,6 +9,12 @@ namespace keplo {
 /// Length of the monitoring tick's capture buffer, bytes.
 inline constexpr std::size_t kMonitorCaptureBytes = 510;
 
+/// A capture that is shorter behind its last sample's silence holds no signal, bytes.
+inline constexpr std::size_t kShortestCapture = 50;
+
+/// Samples or carrier slots in a byte.
+inline constexpr std::size_t kBitsPerByte = 8;
+
 /// One sample counts as this many microseconds wherever a base time becomes a pulse length.
 inline constexpr int kNominalSampleTime = 55;
 

@@ -13,7 +13,6 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kBitsPerByte = 8;
 constexpr std::size_t kRepeats = 4;           // a repeating code goes out five times in all
 constexpr std::size_t kMostSamples = 32'760;  // whole bytes; positions have 16 bits
 

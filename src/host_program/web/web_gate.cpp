@@ -11,7 +11,7 @@ namespace keplo::host {
 
 namespace {
 
-constexpr int kBadRequest = 400, kOverloaded = 503;
+constexpr int kRefusedRequest = 400, kOverloaded = 503;
 constexpr int kSecondsToLinger = 2;
 
 void EndAfter(QTcpSocket* socket, int seconds) {
@@ -73,7 +73,7 @@ RequestVerdict WebGate::Look(QTcpSocket& socket) const {
   const auto available = static_cast<std::size_t>(socket.bytesAvailable());
   if (available < verdict.TotalBytes) verdict.Answer = RequestVerdict::Incomplete;
   if (available > verdict.TotalBytes) {
-    return {RequestVerdict::Refused, kBadRequest, "A connection carries one request.", 0};
+    return {RequestVerdict::Refused, kRefusedRequest, "A connection carries one request.", 0};
   }
   return verdict;
 }
