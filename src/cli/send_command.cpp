@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
@@ -11,6 +12,7 @@
 #include "config/commands.h"
 #include "config/learn.h"
 #include "config/protocols.h"
+#include "formats/formats.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
 #include "signal/send_bits.h"
@@ -110,10 +112,11 @@ void RequireAudible(const LineOutput& output) {
                    " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
 }
 
-std::string Mode2Of(const LineOutput& output) {
-  std::string text;
-  for (const LineOutput::Signal& signal : output.Signals) text += Mode2Text(PulsesOf(signal));
-  return text;
+/// What was sent, as a recording of that file name holds it.
+std::string RecordingOf(const LineOutput& output, const std::string& file) {
+  std::vector<PulseTrain> presses;
+  for (const LineOutput::Signal& signal : output.Signals) presses.push_back(PulsesOf(signal));
+  return FormatToWrite(file).Write(presses);
 }
 
 std::string Report(const LineOutput& output, const SendOptions& options, const std::string& code) {
@@ -135,10 +138,10 @@ int Send(const SendOptions& options) try {
   Transmit(mod, line, DigitsOf(code), options);
   RequireAudible(line.Output());
   if (options.OutFile == kStandardOutput) {
-    std::cout << Mode2Of(line.Output());
+    std::cout << RecordingOf(line.Output(), options.OutFile);
     return kDone;
   }
-  if (!options.OutFile.empty()) WriteFile(options.OutFile, Mode2Of(line.Output()));
+  if (!options.OutFile.empty()) WriteFile(options.OutFile, RecordingOf(line.Output(), options.OutFile));
   std::cout << Report(line.Output(), options, code);
   return kDone;
 } catch (const Unsendable& refusal) {

@@ -5,7 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/write_file.h"
-#include "formats/pulse_text.h"
+#include "formats/formats.h"
 #include "signal/timing.h"
 #include "synth/sample_presses.h"
 #include "synth/synth.h"
@@ -30,8 +30,8 @@ int WriteSamples(const std::filesystem::path& folder) {
 
 int Synth(const SynthChoice& choice) {
   const std::int16_t kind = choice.Protocol == "NEC" ? kNec : choice.Protocol == "SONY" ? kSony : kRc5;
-  const PulseTrain train = SynthPress(kind, choice.Code, choice.Options);
-  std::cout << (choice.OneLine ? OneLineText(train) : Mode2Text(train));
+  const PulseTrain press = SynthPress(kind, choice.Code, choice.Options);
+  std::cout << WriteAs(choice.OneLine ? kOneLineFormat : kMode2Format, {&press, 1});
   return kDone;
 }
 

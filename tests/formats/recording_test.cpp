@@ -1,70 +1,81 @@
 #include "formats/recording.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/stat.h>
 
-#include <fstream>
-#include <sstream>
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "doubles/temp_folder.h"
+#include "formats/formats.h"
 
 namespace keplo {
 namespace {
 
 using namespace std::string_literals;
-namespace fs = std::filesystem;
+using tests::TempFolder;
 
-class RecordingFiles : public testing::Test {
- protected:
-  RecordingFiles() : folder_(fs::path(testing::TempDir()) / "keplo_recordings") {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  ~RecordingFiles() override { fs::remove_all(folder_); }
+std::string ErrorOf(const std::string& path) try {
+  LoadRecording(path);
+  return "loaded";
+} catch (const FormatError& error) {
+  return error.what();
+}
 
-  std::string Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
-    return (folder_ / name).string();
-  }
-
-  static std::string ErrorOf(const std::string& path) {
-    try {
-      LoadRecording(path);
-    } catch (const FormatError& error) {
-      return error.what();
+TEST(LoadRecording, TakesCapFilesForBytesAndOthersForText) {
+  const TempFolder folder;
+  for (const std::string& bytes : {"pulse 5\n\0\x80"s, ""s}) {
+    for (const char* name : {"a.cap", "a.CAP"}) {
+      const Recording capture = LoadRecording(folder.Write(name, bytes));
+      ASSERT_EQ(capture.Presses.size(), 1U);
+      EXPECT_EQ(std::get<RawBytes>(capture.Presses[0]).Bytes, bytes);
     }
-    return "loaded";
   }
-
-  fs::path folder_;
-};
-
-TEST_F(RecordingFiles, CapFilesAreBytesAndOthersText) {
-  const std::string bytes = "pulse 5\n\0\x80"s;
-  const Recording capture = LoadRecording(Write("a.cap", bytes));
-  ASSERT_EQ(capture.Presses.size(), 1U);
-  EXPECT_EQ(std::get<RawBytes>(capture.Presses[0]).Bytes, bytes);
-
-  const std::string path = Write("a.mode2", "+5 -6 +7\n+8\n");
+  const std::string path = folder.Write("a.mode2", "+5 -6 +7\n+8\n");
   const Recording text = LoadRecording(path);
   EXPECT_EQ(text.Path, path);
   ASSERT_EQ(text.Presses.size(), 2U);
   EXPECT_EQ(std::get<PulseTrain>(text.Presses[1]), PulseTrain{8});
 }
 
-TEST_F(RecordingFiles, NamesTheFileAndTheReason) {
-  const std::string missing = (folder_ / "missing").string();
+TEST(LoadRecording, NamesTheFileAndTheReason) {
+  const TempFolder folder;
+  const std::string missing = folder.Path() / "missing";
   EXPECT_EQ(ErrorOf(missing), missing + ": cannot be read: No such file or directory");
-  EXPECT_EQ(ErrorOf(folder_.string()), folder_.string() + ": cannot be read: Is a directory");
-  const Recording empty = LoadRecording(Write("empty.CAP", ""));
-  ASSERT_EQ(empty.Presses.size(), 1U) << "a capture of no bytes is a press that ended early";
-  EXPECT_EQ(std::get<RawBytes>(empty.Presses[0]).Bytes, "");
-  const std::string huge = Write("huge", std::string(kLargestRecording + 1, '\n'));
+  EXPECT_EQ(ErrorOf(folder.Path()), folder.Path().string() + ": cannot be read: Is a directory");
+  const std::string huge = folder.Write("huge", std::string(kLargestRecording + 1, '\n'));
   EXPECT_EQ(ErrorOf(huge), huge + ": larger than the 16777216 bytes that a recording may have");
+  EXPECT_EQ(ErrorOf("/dev/zero"), "/dev/zero: larger than the 16777216 bytes that a recording may have");
 }
 
-TEST(ReadRecording, TakesAStreamWithBytesThatNoTextHasForACapture) {
-  std::istringstream text("pulse 5\r\n\tspace 6 # größer\n");
-  EXPECT_TRUE(std::holds_alternative<PulseTrain>(ReadRecording(text, "in").Presses.at(0)));
-  std::istringstream bytes("\xF0\xF0\0"s);
-  EXPECT_EQ(std::get<RawBytes>(ReadRecording(bytes, "in").Presses.at(0)).Bytes, "\xF0\xF0\0"s);
+TEST(LoadRecording, StopsWaitingForAPipeAtASignal) {
+  const TempFolder folder;
+  const std::string pipe = folder.Path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  struct sigaction caught {
+  }, before{};
+  caught.sa_handler = [](int) {};
+  sigaction(SIGUSR1, &caught, &before);
+  std::atomic<bool> ended = false;
+  std::thread sender([&, reader = pthread_self()] {
+    while (!ended) {
+      pthread_kill(reader, SIGUSR1);
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  });
+  EXPECT_EQ(ErrorOf(pipe), pipe + ": cannot be read: Interrupted system call");
+  ended = true;
+  sender.join();
+  sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(Formats, TellThemselvesByTheirBytes) {
+  EXPECT_EQ(FormatOfBytes("pulse 5\r\n\tspace 6 # größer\n").Name, kMode2Format);
+  EXPECT_EQ(FormatOfBytes("\xF0\xF0\0"s).Name, "capture");
+  EXPECT_EQ(FormatToWrite("a.cap").Name, kMode2Format) << "captures are only read";
 }
 
 }  // namespace
