@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include "config/cfg_store.h"
-#include "shell/event_list.h"
+#include "events/event_row.h"
 #include "shell/shell_fixture.h"
 #include "signal/signal_builder.h"
 

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -6,14 +7,13 @@
 
 #include "cli/commands.h"
 #include "disk/posix_file_system.h"
-#include "events/event_text.h"
+#include "events/event_row.h"
 #include "keplo_mod.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
 #include "program/stop_signals.h"
-#include "shell/event_list.h"
 #include "station/silent_boxes.h"
 #include "station/station.h"
 
@@ -64,10 +64,15 @@ void TellLine(LogLevel level, const std::string& text) {
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
 void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop) {
+  auto nextLook = std::chrono::steady_clock::now() + kLookForChanges;
   while (!(options.Once && station.Played())) {
     const bool hurry = !options.Line.InRealTime && !station.Played();
     if (stop.WaitFor(hurry ? 0 : station.Control().Timer1.Interval)) return;
     station.Control().Timer1.Tick();
+    if (const auto now = std::chrono::steady_clock::now(); now >= nextLook) {
+      station.Control().TakeInChanges();
+      nextLook = now + kLookForChanges;
+    }
   }
 }
 

@@ -1,16 +1,14 @@
 #include "component/keplo_object.h"
 
 #include <QApplication>
-#include <QTimer>
 #include <exception>
 #include <utility>
 
-#include "events/event_text.h"
+#include "events/event_row.h"
 #include "qt/control_view.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
-#include "shell/event_list.h"
 #include "station/silent_boxes.h"
 
 namespace keplo::component {
@@ -67,6 +65,13 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       control_(station_.Control()),
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1) {
+  otherPrograms_.callOnTimeout([this] {
+    // An operation that shows a dialog runs an event loop of its own.
+    if (depth_ > 0) return;
+    const Busy busy(*this);
+    control_.TakeInChanges();
+  });
+  otherPrograms_.start(kLookForChanges);
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -85,6 +86,7 @@ class KeploObject final : public IComponentObject,
   Keplo& control_;
   std::function<void()> controlTick_;
   qt::QtTimer timer_;
+  QTimer otherPrograms_;
   EventSinks sinks_;
   int depth_ = 0;  // how many operations and ticks are under way, one inside another
   bool releasePending_ = false;

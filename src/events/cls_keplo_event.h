@@ -13,6 +13,8 @@ struct clsKeploEvent {
   std::string IRCommand;  // the command reference, "protocol&command"
   bool Enabled = false;
   std::int16_t Zone = 0;  // 1 to 8, or 0 for any zone
+
+  bool operator==(const clsKeploEvent&) const = default;
 };
 
 }  // namespace keplo

@@ -1,9 +1,11 @@
 #include "events/col_cls_keplo_events.h"
 
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "events/error_record.h"
-#include "events/event_text.h"
+#include "events/event_row.h"
 #include "events/failure_numbers.h"
 
 namespace keplo {
@@ -29,6 +31,14 @@ void FillRow(Recordset& rows, const clsKeploEvent& event) {
   rows.SetFieldValue("Enabled", std::int64_t{event.Enabled ? 1 : 0});
   rows.SetFieldValue("Zone", std::int64_t{event.Zone});
 }
+
+/// A change that meets another program's.
+class Conflict : public Failure {
+ public:
+  Conflict(int number, const std::string& eventID, const char* what)
+      : Failure(number, "Another program " + std::string(what) + " the event with the EventID " + eventID +
+                            " meanwhile. The list shows it as it is now; make your change again.") {}
+};
 
 }  // namespace
 
@@ -98,31 +108,99 @@ void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
     TellPresentFailure([&](const std::exception& failure) { Report(".Initialise", failure); });
     return;
   }
+  stored_[EventKey(event->EventID)] = *event;
   AddEventMapToListView(kStoreNew, *event);
 }
 
+bool colclsKeploEvents::TakeInChanges() {
+  return Reporting(".TakeInChanges", [&] {
+    if (list_ == nullptr) return false;
+    Recordset rows;
+    if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
+    std::vector<std::shared_ptr<clsKeploEvent>> present;
+    for (; !rows.Eof(); rows.MoveNext()) present.push_back(EventOfRow(rows));
+    std::unordered_set<std::string> keys;
+    for (const auto& event : present) keys.insert(EventKey(event->EventID));
+    std::vector<std::string> gone;
+    for (const auto& [key, event] : stored_) {
+      if (!keys.contains(key)) gone.push_back(key);
+    }
+    for (const std::string& key : gone) Forget(key);
+    for (const auto& event : present) {
+      // Of an EventID that an older table has twice, the first row counts.
+      if (keys.erase(EventKey(event->EventID)) > 0) TakeIn(*event);
+    }
+    return true;
+  });
+}
+
+void colclsKeploEvents::TakeIn(const clsKeploEvent& event) {
+  const std::string key = EventKey(event.EventID);
+  const auto stored = stored_.find(key);
+  if (stored == stored_.end()) return Load(std::make_shared<clsKeploEvent>(event));
+  if (stored->second == event) return;
+  stored->second = event;
+  events_.Remove(key);
+  events_.Add(key, std::make_shared<clsKeploEvent>(event));
+  UpdateEventRow(*list_, event);
+}
+
+void colclsKeploEvents::Forget(const std::string& key) {
+  const auto stored = stored_.find(key);
+  if (stored == stored_.end()) return;
+  const int row = list_ == nullptr ? 0 : list_->FindRow(kEventID, stored->second.EventID);
+  if (row != 0) list_->Remove(row);
+  events_.Remove(key);
+  stored_.erase(stored);
+}
+
 bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event) {
-  return Reporting(".Save", [&] {
+  bool conflict = false;
+  const bool saved = Reporting(".Save", [&] {
     if (event == nullptr) throw Failure(kObjectNotSet, "Expected an event to save, but there is none.");
     if (data_.CheckConnection() != 1) return false;
-    Write(mode, *event);
+    try {
+      Write(mode, *event);
+    } catch (const Conflict&) {
+      conflict = true;
+      throw;
+    }
     const std::string key = EventKey(event->EventID);
+    stored_[key] = *event;
     if (mode == kStoreExisting) events_.Remove(key);
     events_.Add(key, std::move(event));
     return true;
   });
+  if (conflict) TakeInChanges();
+  return saved;
 }
 
 void colclsKeploEvents::Write(std::int32_t mode, const clsKeploEvent& event) {
   Recordset rows;
   if (mode == kStoreExisting) {
     rows.Open(EventWithID(event.EventID), data_.Connection());
+    WriteChanges(rows, event);
   } else {
     rows.Open(AllEvents(), data_.Connection());
     rows.AddNew();
+    FillRow(rows, event);
+    rows.Update();
   }
+}
+
+void colclsKeploEvents::WriteChanges(Recordset& rows, const clsKeploEvent& event) {
+  const auto stored = stored_.find(EventKey(event.EventID));
+  const bool known = stored != stored_.end();
+  if (known && rows.Eof()) throw Conflict(kNoCurrentRow, event.EventID, "deleted");
+  if (known && *EventOfRow(rows) != stored->second) throw Conflict(kRowGone, event.EventID, "changed");
   FillRow(rows, event);
-  rows.Update();
+  try {
+    rows.Update();
+  } catch (const Failure& failure) {
+    // The row went between its reading and its writing, which is one transaction.
+    if (failure.Number() == kRowGone) throw Conflict(kRowGone, event.EventID, "changed");
+    throw;
+  }
 }
 
 bool colclsKeploEvents::Delete(std::string_view eventID) {
@@ -132,9 +210,14 @@ bool colclsKeploEvents::Delete(std::string_view eventID) {
     rows.Open(EventWithID(eventID), data_.Connection());
     do rows.Delete();
     while (!rows.Eof());
-    events_.Remove(EventKey(eventID));
+    Remove(EventKey(eventID));
     return true;
   });
+}
+
+bool colclsKeploEvents::Remove(std::string_view key) {
+  stored_.erase(std::string(key));
+  return events_.Remove(key);
 }
 
 }  // namespace keplo

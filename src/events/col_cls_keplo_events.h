@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "events/cls_keplo_event.h"
 #include "events/data.h"
@@ -68,7 +69,14 @@ class colclsKeploEvents {
   ///         reported; the rows ahead of that one stay loaded
   bool Initialise(ui::ListView& list);
 
-  /// Writes an event to the database and puts it at the end of the collection.
+  /// Takes in what other programs have done to the event table: rows that changed, came or went, in the
+  /// collection and in the list, where a row keeps its place. The first read that fails leaves all as it is.
+  /// @return false if the table cannot be read
+  bool TakeInChanges();
+
+  /// Writes an event to the database and puts it at the end of the collection. Of an event that exists only
+  /// what is new about it is written, and only over the row that was read last: where another program has
+  /// changed or deleted that row meanwhile, the failure is reported and the event taken in as it is now.
   /// @param mode 1 for an event that exists, any other for a new one
   /// @return false without a report if the database cannot be opened, which Data tells
   bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);
@@ -79,7 +87,7 @@ class colclsKeploEvents {
 
   /// Takes an event out of the collection alone.
   /// @return false if there is no such key
-  bool Remove(std::string_view key) { return events_.Remove(key); }
+  bool Remove(std::string_view key);
 
   /// The last failure; none before the first.
   std::shared_ptr<const HostErrorRecord> ErrorRecord() const { return errorRecord_; }
@@ -90,10 +98,14 @@ class colclsKeploEvents {
   void Report(const char* operation, const std::exception& failure);
   void Load(const std::shared_ptr<clsKeploEvent>& event);
   void Write(std::int32_t mode, const clsKeploEvent& event);
+  void WriteChanges(Recordset& rows, const clsKeploEvent& event);
+  void TakeIn(const clsKeploEvent& event);
+  void Forget(const std::string& key);
 
   Data& data_;
   const ui::Clock& clock_;
   EventSet events_;
+  std::unordered_map<std::string, clsKeploEvent> stored_;  // by key, each as the table had it last
   std::shared_ptr<HostErrorRecord> errorRecord_;
   ui::ListView* list_ = nullptr;
   std::optional<HostInputEvent> inputEvent_;

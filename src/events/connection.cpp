@@ -1,6 +1,7 @@
 #include "events/connection.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <thread>
@@ -37,7 +38,51 @@ bool UsesRollbackJournal(sqlite3* database) try {
 
 void UndoOpenTransaction(sqlite3* database) { sqlite3_exec(database, "rollback", nullptr, nullptr, nullptr); }
 
+std::int64_t DataVersionOf(sqlite3* database) {
+  SqliteStatement statement(database, "pragma data_version");
+  if (!statement.Step()) return 0;
+  const SqlValue value = statement.Value(0);
+  const auto* version = std::get_if<std::int64_t>(&value);
+  return version == nullptr ? 0 : *version;
+}
+
+/// Calls that meet a lock come back at once as long as one lives.
+class WithoutWaiting {
+ public:
+  WithoutWaiting(sqlite3* database, std::chrono::milliseconds usual) : database_(database), usual_(usual) {
+    sqlite3_busy_timeout(database_, 0);
+  }
+  ~WithoutWaiting() { sqlite3_busy_timeout(database_, static_cast<int>(usual_.count())); }
+  WithoutWaiting(const WithoutWaiting&) = delete;
+  WithoutWaiting& operator=(const WithoutWaiting&) = delete;
+
+ private:
+  sqlite3* database_;
+  std::chrono::milliseconds usual_;
+};
+
 }  // namespace
+
+std::optional<Connection::FileNumber> Connection::FileAtPath() const {
+  struct stat status {};
+  if (stat(connectionString_.c_str(), &status) != 0) return std::nullopt;
+  return FileNumber{status.st_dev, status.st_ino};
+}
+
+bool Connection::FileWasReplaced() const {
+  const std::optional<FileNumber> now = FileAtPath();
+  return State() != 0 && now && openedFile_ && *now != *openedFile_;
+}
+
+bool Connection::ChangedElsewhere() try {
+  sqlite3* database = Database();
+  const WithoutWaiting atOnce(database, busyTimeout_);
+  const std::int64_t version = DataVersionOf(database);
+  return std::exchange(dataVersion_, version) != version;
+} catch (const Failure& failure) {
+  if ((failure.Number() - kSqliteFailures) % 256 == SQLITE_BUSY) return false;
+  throw;
+}
 
 void Connection::Open(const std::string& connectionString) {
   if (State() != 0) {
@@ -51,6 +96,8 @@ void Connection::Open(const std::string& connectionString) {
   try {
     openFailure_.reset();
     database_ = OpenDatabase();
+    openedFile_ = FileAtPath();
+    dataVersion_ = DataVersionOf(database_.get());
   } catch (const Failure& failure) {
     openFailure_ = failure;
     throw;

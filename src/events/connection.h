@@ -34,6 +34,13 @@ class Connection {
   /// @throws Failure
   void Execute(const std::string& sql);
 
+  /// Whether another program has changed the database since it was opened or since this was asked last. Does
+  /// not wait for a lock, and says no while there is one.
+  /// @throws Failure on a closed connection or one whose file cannot be read
+  bool ChangedElsewhere();
+  /// Whether another file stands at the path than the one that is open.
+  bool FileWasReplaced() const;
+
   /// Does nothing on a closed connection.
   void Close() { database_.reset(); }
 
@@ -42,6 +49,13 @@ class Connection {
   sqlite3* Database() const;
 
  private:
+  /// Which file is open.
+  struct FileNumber {
+    std::uint64_t Device = 0, Inode = 0;
+    bool operator==(const FileNumber&) const = default;
+  };
+
+  std::optional<FileNumber> FileAtPath() const;
   SqliteHandle OpenDatabase() const;
   void LeaveWriteAheadMode(sqlite3* database) const;
 
@@ -49,6 +63,8 @@ class Connection {
   std::string connectionString_;
   SqliteHandle database_;
   std::optional<Failure> openFailure_;
+  std::optional<FileNumber> openedFile_;
+  std::int64_t dataVersion_ = 0;  // SQLite's count of what others have changed
 };
 
 }  // namespace keplo

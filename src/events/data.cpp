@@ -72,6 +72,17 @@ std::int32_t Data::Initialise() try {
   return 0;
 }
 
+bool Data::ChangedElsewhere() try {
+  if (connection_.State() == 0) return false;
+  if (connection_.FileWasReplaced()) {
+    connection_.Close();
+    return true;
+  }
+  return connection_.ChangedElsewhere();
+} catch (...) {
+  return false;
+}
+
 std::int32_t Data::CloseConnection() try {
   if (connection_.State() == 1) connection_.Close();
   return 1;

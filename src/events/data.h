@@ -36,6 +36,10 @@ class Data {
   std::int32_t ExecuteSQL(std::string_view sql, Recordset& rs);
   /// Opens the database of the application path.
   std::int32_t Initialise();
+  /// Whether another program has written the database, or put another file in its place, since it was opened
+  /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
+  /// A file that was replaced is opened again by the next use.
+  bool ChangedElsewhere();
   /// @return 1, for a connection that is closed already as well
   std::int32_t CloseConnection();
 

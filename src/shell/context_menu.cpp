@@ -1,8 +1,7 @@
 #include <memory>
 
-#include "events/event_text.h"
+#include "events/event_row.h"
 #include "shell/about_text.h"
-#include "shell/event_list.h"
 #include "shell/keplo.h"
 
 namespace keplo {

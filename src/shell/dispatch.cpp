@@ -4,8 +4,7 @@
 
 #include "config/lookup.h"
 #include "config/settings.h"
-#include "events/event_text.h"
-#include "shell/event_list.h"
+#include "events/event_row.h"
 #include "signal/zone_link.h"
 
 namespace keplo {

@@ -5,10 +5,10 @@
 
 #include "config/protocols.h"
 #include "events/event_query.h"
+#include "events/event_row.h"
 #include "events/recordset.h"
 #include "keplo_mod.h"
 #include "shell/about_text.h"
-#include "shell/event_list.h"
 #include "shell/keplo.h"
 #include "shell/pages.h"
 
@@ -55,7 +55,9 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
     result = m_EventCollection.Save(kEditMode, event) ? kDone : kFailed;
     if (result == kDone) TellHost(objInputEvent, *event);
   }
-  UpdateEventRow(ListView1, *event);
+  // After a change that met another program's, the collection has the event anew.
+  const auto present = m_EventCollection.Item(EventKey(objInputEvent.EventID));
+  UpdateEventRow(ListView1, present == nullptr ? *event : *present);
   return result;
 } catch (const std::exception& failure) {
   return ReportFailure("InputModifyEvent", failure);

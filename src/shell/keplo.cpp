@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "config/read_settings.h"
-#include "shell/event_list.h"
+#include "events/event_row.h"
 
 namespace keplo {
 
@@ -89,7 +89,13 @@ void Keplo::RefreshStatusPanel() {
 std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
   HostObject = std::move(velmora);
   ErrorDetails = std::make_shared<HostErrorRecord>();
-  return m_EventCollection.Initialise(ListView1) ? 1 : 0;
+  initialised_ = m_EventCollection.Initialise(ListView1);
+  return initialised_ ? 1 : 0;
+}
+
+void Keplo::TakeInChanges() {
+  if (inTick_ || windowOpen_ || terminated_ || !initialised_) return;
+  if (mod_.modData->ChangedElsewhere()) m_EventCollection.TakeInChanges();
 }
 
 std::string Keplo::WhyNotInitialised() const {

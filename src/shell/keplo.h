@@ -80,6 +80,11 @@ class Keplo {
   std::int32_t InputGetPluginVersion(std::string& szVersion) const;
   std::int32_t InputGetHTMLPage(std::string& szHTML) const;
   std::int32_t InputPostHTMLPage(std::string& szHTML) const;
+  /// Takes in what other programs have written to the event map since it was loaded: list and pages follow.
+  /// For whoever runs the control to call now and then, between two ticks; costs next to nothing while
+  /// nothing has changed. Does nothing inside a tick and while the configuration window is open.
+  void TakeInChanges();
+
   /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
   /// @return true
   bool InputCallMenuItem(std::int16_t index);
@@ -150,6 +155,7 @@ class Keplo {
   bool Monitoring = false;
   bool inTick_ = false;
   bool terminated_ = false;
+  bool initialised_ = false;
   bool windowOpen_ = false;
   TickReport lastTick_;
 };

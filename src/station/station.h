@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "line/open_line.h"
@@ -7,6 +8,9 @@
 #include "station/log.h"
 
 namespace keplo {
+
+/// How often whoever runs a control lets it look for changes of other programs.
+inline constexpr std::chrono::milliseconds kLookForChanges{400};
 
 /// What has become of the key presses so far.
 struct PressTally {

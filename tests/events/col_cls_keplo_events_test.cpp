@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
 
@@ -126,6 +128,48 @@ TEST(EventCollection, LoadsTheFirstEventOfARepeatedIDAndAllOthers) {
   EXPECT_TRUE(map.Events.Delete("1"));
   EXPECT_TRUE(map.Events.Delete("2"));
   EXPECT_TRUE(StoredEvents(folder).empty());
+}
+
+TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
+  struct Case {
+    const char* OtherDid;
+    Lines Table;  // afterwards, and in the collection and the list too
+    int Failure;  // of switching event 1 off meanwhile; 0 for none
+  };
+  const std::vector<Case> cases = {
+      {"update colclsKeploEvents set Zone = 5 where EventID = '1'", {"2|b|||on|0", "1|a|||on|5"}, kRowGone},
+      {"delete from colclsKeploEvents where EventID = '1'", {"2|b|||on|0"}, kNoCurrentRow},
+      {"insert into colclsKeploEvents values ('3', 'c', '', '', 1, 0)",
+       {"2|b|||on|0", "1|a|||off|0", "3|c|||on|0"},
+       0},
+  };
+  for (const Case& change : cases) {
+    SCOPED_TRACE(change.OtherDid);
+    const EventFolder folder(
+        "insert into colclsKeploEvents values ('1', 'a', '', '', 1, 0), ('2', 'b', '', '', 1, 0)");
+    EventMap map(folder);
+    ASSERT_TRUE(map.Load());
+    EXPECT_FALSE(map.Database.ChangedElsewhere());
+    EventMap other(folder);
+    ASSERT_EQ(other.Database.ExecuteSQLCommand(change.OtherDid), 1);
+
+    EXPECT_EQ(map.Events.Update(std::make_shared<clsKeploEvent>(clsKeploEvent{"1", "a", "", "", false, 0})),
+              change.Failure == 0);
+    EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Lines{} : Lines{Report("Save", change.Failure)});
+    EXPECT_TRUE(map.Database.ChangedElsewhere());
+    EXPECT_FALSE(map.Database.ChangedElsewhere());
+    EXPECT_TRUE(map.Events.TakeInChanges());
+    EXPECT_EQ(map.Members(), change.Table);
+    Lines stored = tests::StoredEvents(folder);
+    std::sort(stored.begin(), stored.end());
+    Lines expected = change.Table;
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(stored, expected);
+    EXPECT_EQ(map.List.Count(), static_cast<int>(change.Table.size()));
+    if (change.Failure == kRowGone) {
+      EXPECT_EQ(map.List.Text(1, 4), "5") << "the row keeps its place";
+    }
+  }
 }
 
 TEST(EventCollection, RefusesATextThatIsTooLong) {

@@ -1,5 +1,5 @@
+#include "events/event_row.h"
 #include "keplo_mod.h"
-#include "shell/event_list.h"
 #include "shell_fixture.h"
 
 namespace keplo {

@@ -1,4 +1,4 @@
-#include "shell/event_list.h"
+#include "events/event_row.h"
 #include "shell/pages.h"
 #include "shell_fixture.h"
 
