@@ -17,6 +17,7 @@ class MemoryFiles : public FileSystem {
     return Find(path).substr(0, most);
   }
   std::filesystem::path Resolve(const std::filesystem::path& path) override { return path; }
+  std::optional<FileIdentity> Identity(const std::filesystem::path& /*path*/) override { return {}; }
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override {
     return files_.count(path) > 0 ? std::optional(FileAttributes{}) : std::nullopt;
   }

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <string_view>
 
+#include "config/check_config.h"
+#include "config/merge_changes.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 
@@ -48,13 +50,67 @@ std::string WithBlanks(std::string_view text) {
   return result;
 }
 
-/// Loses nothing that another program has written to the file since this one knows it.
-/// @return where it is kept; empty if there was nothing
-std::filesystem::path KeepOtherText(const CfgStore& store, const std::filesystem::path& target,
-                                    const std::string& found) {
-  if (!store.FileText || found == *store.FileText) return {};
-  if (store.RefusesOtherText) throw ChangedElsewhere(target);
-  return KeepAside(store.Files, target, found);
+/// What the file holds now; none if there is no file.
+std::optional<std::string> FileNow(const CfgStore& store) try {
+  return store.Files.Read(store.Path, kMostCharacters + 1);
+} catch (const Failure& failure) {
+  if (failure.Number() != ENOENT) throw;
+  return std::nullopt;
+}
+
+Failure NotSaved(const CfgStore& store, const Failure& failure) {
+  return {failure.Number(),
+          "The configuration was not saved, " + store.Path.string() + " is as it was: " + failure.what()};
+}
+
+/// What is about to be saved, and the bytes of the file that it takes into account.
+struct Save {
+  std::string Text;
+  std::optional<std::string> Known;
+  bool TakesIn = false;  // what another program has written
+  bool IsDone = false;   // there is nothing to write
+};
+
+/// A text with the changes of another program taken in as far as they do not contradict it.
+Save PrepareSave(const CfgStore& store, std::string text) try {
+  Save save{std::move(text), store.FileText};
+  if (!save.Known) return save;
+  const std::optional<std::string> now = FileNow(store);
+  if (now && now != save.Known && !store.RefusesOtherText) {
+    const bool ownChanges = save.Text != store.SavedText;
+    std::optional<std::string> merged = MergeChanges(store.SavedText, save.Text, WithBlanks(*now));
+    if (merged && merged->size() <= kMostCharacters) {
+      save = {std::move(*merged), now, true};
+    } else {
+      save.IsDone = !ownChanges;
+    }
+  }
+  if (now && now == save.Known && CutBehindLastHeader(save.Text) == *now) save.IsDone = true;
+  return save;
+} catch (const Failure& failure) {
+  throw NotSaved(store, failure);
+}
+
+/// Writes the file.
+/// @param aside takes the place where another program's text is kept, which would else be lost
+std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::optional<std::string>& known,
+                                        const std::string& content, std::filesystem::path& aside) try {
+  return ReplaceFile(store.Files, store.Path, content,
+                     [&](const std::filesystem::path& target, const std::string& found) {
+                       if (!known || found == *known) return;
+                       if (store.RefusesOtherText) throw ChangedElsewhere(target);
+                       aside = KeepAside(store.Files, target, found);
+                     });
+} catch (const Failure& failure) {
+  // The other text is in its place still, and needs no copy.
+  if (!aside.empty()) RemoveQuietly(store.Files, aside);
+  throw NotSaved(store, failure);
+}
+
+void TakeOver(CfgStore& store, std::string text, bool tookIn) {
+  store.SavedText = text;
+  store.CfgText = std::move(text);
+  if (tookIn) store.TookInOtherText = true;
 }
 
 }  // namespace
@@ -78,39 +134,61 @@ void LoadConfig(CfgStore& store) {
       throw Failure(EFBIG, store.Path.string() + ": the file has " + std::to_string(size) +
                                " characters, which is above the limit of " + std::to_string(kMostCharacters));
     }
-    // Here and not in a save, so that no position moves between a change and its save.
+    // Before the read, so that a file that is changed right after it does not pass for the one that was read.
+    const std::optional<FileIdentity> identity = store.Files.Identity(store.Path);
     std::string bytes = store.Files.Read(store.Path, kMostCharacters + 1);
+    // Here and not in a save, so that no position moves between a change and its save.
     store.ReplaceText(WithBlanks(bytes));
+    store.SavedText = store.CfgText;
     store.FileText = std::move(bytes);
+    store.ReadFrom = identity;
   } catch (const Failure& failure) {
     throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
   }
 }
 
+bool HasFileChanged(const CfgStore& store) {
+  return !store.ReadFrom || store.Files.Identity(store.Path) != store.ReadFrom;
+}
+
+bool ReloadConfig(CfgStore& store) {
+  CfgStore read(store.Path, store.Files);
+  store.ReadFrom = store.Files.Identity(store.Path);
+  LoadConfig(read);
+  if (read.FileText == store.FileText) return false;
+  if (const std::string damage = CheckConfig(read); !damage.empty()) {
+    throw Failure(EINVAL, "Another program has changed the configuration, which is not taken in: " + damage);
+  }
+  const std::optional<std::string> merged = MergeChanges(store.SavedText, store.CfgText, read.CfgText);
+  if (!merged || merged->size() > kMostCharacters) return false;
+  const bool changed = *merged != store.CfgText;
+  store.CfgText = *merged;
+  store.SavedText = std::move(read.CfgText);
+  store.FileText = std::move(read.FileText);
+  if (changed) store.TookInOtherText = true;
+  return changed;
+}
+
 void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
 
 void ReplaceAndSave(CfgStore& store, std::string text) {
-  std::string saved = CutBehindLastHeader(text);
-  if (saved.empty()) {
-    store.ReplaceText(std::move(text));
+  Save save = PrepareSave(store, std::move(text));
+  std::string content = CutBehindLastHeader(save.Text);
+  if (content.empty()) {
+    store.ReplaceText(std::move(save.Text));
     return;
   }
-  store.RequireRoom(saved.size());
-  std::filesystem::path aside;
-  std::unique_ptr<LockedFolder> folder;
-  try {
-    folder = ReplaceFile(store.Files, store.Path, saved,
-                         [&](const std::filesystem::path& target, const std::string& old) {
-                           aside = KeepOtherText(store, target, old);
-                         });
-  } catch (const Failure& failure) {
-    // The other text is in its place still, and needs no copy.
-    if (!aside.empty()) RemoveQuietly(store.Files, aside);
-    throw Failure(failure.Number(), "The configuration was not saved, " + store.Path.string() +
-                                        " is as it was: " + failure.what());
+  store.RequireRoom(content.size());
+  if (save.IsDone) {
+    if (save.Known == content) TakeOver(store, std::move(content), save.TakesIn);
+    if (save.TakesIn) store.FileText = std::move(save.Known);
+    return;
   }
-  store.CfgText = std::move(saved);
-  store.FileText = store.CfgText;
+  std::filesystem::path aside;
+  const std::unique_ptr<LockedFolder> folder = WriteFile(store, save.Known, content, aside);
+  store.FileText = content;
+  store.ReadFrom.reset();
+  TakeOver(store, std::move(content), save.TakesIn);
   if (!aside.empty()) store.KeptAside = aside;
   try {
     folder->Flush();

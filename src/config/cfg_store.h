@@ -6,10 +6,9 @@
 #include <string>
 
 #include "config/cfg_text.h"
+#include "disk/file_system.h"
 
 namespace keplo {
-
-class FileSystem;
 
 /// Characters that a configuration text holds at most: positions in it are those of 16-bit signed numbers.
 constexpr std::size_t kMostCharacters = 32767;
@@ -35,8 +34,15 @@ struct CfgStore {
 
   std::filesystem::path Path;
   FileSystem& Files;
-  /// What the file held when it was read or written last; none ahead of that.
+  /// What the file held when it was read or written last; none before that.
   std::optional<std::string> FileText;
+  /// CfgText as it was read or written last: what differs from it is unsaved.
+  std::string SavedText;
+  /// The file that FileText was read from; none after a save, until somebody looks again.
+  std::optional<FileIdentity> ReadFrom;
+  /// Set when a reload or a save has taken in what another program had written. Positions and lists that were
+  /// taken from CfgText before are then out of date; whoever shows them takes them anew and clears this.
+  bool TookInOtherText = false;
   /// Whether a save over what another program has written meanwhile is refused with ChangedElsewhere. Else
   /// the save goes on, and KeptAside tells where the other text was put.
   bool RefusesOtherText = false;
@@ -52,8 +58,25 @@ struct CfgStore {
 /// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
 void LoadConfig(CfgStore& store);
 
+/// Whether another file may stand at the path than the one that was read, by one system call. After a save of
+/// this program it says yes once, until ReloadConfig has looked.
+bool HasFileChanged(const CfgStore& store);
+
+/// Takes in what another program has written to the file. What this program has changed and not saved yet is
+/// kept, by MergeChanges; where it contradicts the file, all of CfgText stays, and the next save deals with
+/// it.
+/// @return whether CfgText has changed; TookInOtherText is set then
+/// @throws Failure if the file cannot be read, is too long, or is not whole; CfgText is then as it was, and
+/// HasFileChanged says no until the file changes again
+bool ReloadConfig(CfgStore& store);
+
 /// Cuts CfgText behind its last ] and writes it to the
-/// file, with CR LF behind it in both. Without a ] text and file stay as they are.
+/// file, with CR LF behind it in both. Without a ] text and file stay as they are. A file that holds the text
+/// already is not written.
+///
+/// Where another program has written the file meanwhile, its changes are taken in, see MergeChanges, and
+/// TookInOtherText is set; a text without changes of this program leaves such a file as it is. Changes that
+/// contradict each other are settled by RefusesOtherText.
 /// @throws Failure if the file cannot be written: the old file is whole and CfgText as it was. If only the
 /// flush of the folder fails, at the very end, the new text is in place in both, and the message says so.
 /// ChangedElsewhere where the store refuses other text.

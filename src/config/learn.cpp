@@ -55,10 +55,16 @@ std::string WithNeededPlaceholder(std::string text, std::string_view protocol, i
   return InsertText(text, std::string(kPlaceholderLine) + "\r\n", position);
 }
 
-/// Cursors and placeholder behind the removal of a line that began at the place.
-void SettleRemoval(CfgStore& store, int place) {
+/// Cursors and placeholder after the removal of a line, with the text that the removal was to leave.
+/// @param place where the line began in that text
+void SettleRemoval(CfgStore& store, const std::string& without, int place) {
+  // With the changes of another program in it the text has the place elsewhere.
+  const bool isAlone = store.CfgText.compare(0, static_cast<std::size_t>(place), without, 0,
+                                             static_cast<std::size_t>(place)) == 0;
+  if (!isAlone) place = PlaceForCommand(store.CfgText, store.CurProtocol).value_or(kNowhere);
   CountCommands(store);
   store.CfgPos2 = place;
+  if (place == kNowhere) return;
   store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
 }
 
@@ -160,15 +166,15 @@ bool RemoveCommand(CfgStore& store) {
     return false;
   }
   const std::string before = store.CfgText;
-  std::string without = WithoutLine(before, *line);
+  const std::string without = WithoutLine(before, *line);
   store.RequireRoom(WithNeededPlaceholder(without, store.CurProtocol, line->First).size());
   try {
-    ReplaceAndSave(store, std::move(without));
+    ReplaceAndSave(store, without);
   } catch (const Failure&) {
-    if (store.CfgText != before) SettleRemoval(store, line->First);
+    if (store.CfgText != before) SettleRemoval(store, without, line->First);
     throw;
   }
-  SettleRemoval(store, line->First);
+  SettleRemoval(store, without, line->First);
   return true;
 }
 
@@ -182,6 +188,24 @@ LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_v
   text = InsertText(text, CommandLine(checkedCode, checkedName), *PlaceForCommand(text, protocol));
   if (const auto placeholder = FindPlaceholder(text, protocol)) text = WithoutLine(text, *placeholder);
   ReplaceAndSave(store, std::move(text));
+  return {};
+}
+
+LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::string_view name,
+                          std::string_view newName) {
+  const std::string& text = store.CfgText;
+  LearnResult result = CheckProtocol(protocol);
+  if (!result.Done()) return result;
+  if (!FindProtocol(text, protocol)) return Refuse(Refusal::NoSection, protocol);
+  const std::optional<LineRange> line = FindCommandLine(text, protocol, name);
+  const std::optional<LineRange> placeholder = FindPlaceholder(text, protocol);
+  if (!line || (placeholder && placeholder->First == line->First))
+    return Refuse(Refusal::NoSuchCommand, name);
+  std::string checkedName(newName);
+  result = CheckName(WithoutLine(text, *line), protocol, checkedName);
+  if (!result.Done()) return result;
+  const int comma = SeekForward(text, line->First, ',');
+  ReplaceAndSave(store, InsertText(RemoveText(text, comma + 1, line->Last), checkedName + "\r\n", comma + 1));
   return {};
 }
 

@@ -70,6 +70,11 @@ bool RemoveCommand(CfgStore& store);
 /// @throws Failure as StoreCommand
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
                        std::string_view name);
+/// Another name for a command, which keeps its code and its place. The new name is checked as that of a new
+/// command, with the command itself left out of the comparison.
+/// @throws Failure as StoreCommand
+LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::string_view name,
+                          std::string_view newName);
 /// @throws Failure as RemoveCommand
 LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name);
 

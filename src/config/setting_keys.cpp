@@ -53,6 +53,17 @@ int PlaceOf(std::string_view text, const SettingKey& key) {
   return position;
 }
 
+/// The text with another number of a key; empty if it has no place for it.
+std::optional<std::string> WithSetting(const std::string& text, const SettingChange& change) {
+  const std::string value = std::to_string(change.Number);
+  if (const int place = PlaceOf(text, change.Key); place != kNowhere) return WithValueAt(text, place, value);
+  if (!IsLate(change.Key)) return std::nullopt;
+  const int last = PlaceOf(text, *FindSettingKey("VEXIL"));
+  const int lineEnd = SeekForward(text, last, '\n');
+  if (last == kNowhere || lineEnd == kNowhere) return std::nullopt;
+  return InsertText(text, std::string(change.Key.Name) + "= " + value + "\r\n", lineEnd + 1);
+}
+
 }  // namespace
 
 std::span<const SettingKey> SettingKeys() { return kKeys; }
@@ -69,20 +80,19 @@ std::optional<std::string> SettingValue(std::string_view text, const SettingKey&
   return std::string(Trimmed(GetLineAt(text, place)));
 }
 
-bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number) {
-  const std::string value = std::to_string(number);
-  if (const int place = PlaceOf(store.CfgText, key); place != kNowhere) {
-    if (!ReplaceValueAt(store, place, value)) return false;
-    SaveConfig(store);
-    return true;
+bool ChangeSettings(CfgStore& store, std::span<const SettingChange> changes) {
+  std::optional<std::string> text = store.CfgText;
+  for (const SettingChange& change : changes) {
+    text = WithSetting(*text, change);
+    if (!text) return false;
   }
-  if (!IsLate(key)) return false;
-  const int last = PlaceOf(store.CfgText, *FindSettingKey("VEXIL"));
-  const int lineEnd = SeekForward(store.CfgText, last, '\n');
-  if (last == kNowhere || lineEnd == kNowhere) return false;
-  ReplaceAndSave(store,
-                 InsertText(store.CfgText, std::string(key.Name) + "= " + value + "\r\n", lineEnd + 1));
+  ReplaceAndSave(store, std::move(*text));
   return true;
+}
+
+bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number) {
+  const SettingChange change{key, number};
+  return ChangeSettings(store, {&change, 1});
 }
 
 }  // namespace keplo

@@ -32,4 +32,12 @@ std::optional<std::string> SettingValue(std::string_view text, const SettingKey&
 /// @throws Failure as SetGeneralValue
 bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number);
 
+/// A key and the number that it takes.
+struct SettingChange {
+  const SettingKey& Key;
+  std::int64_t Number;
+};
+/// Several of them in one save: all are changed or none.
+bool ChangeSettings(CfgStore& store, std::span<const SettingChange> changes);
+
 }  // namespace keplo

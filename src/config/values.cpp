@@ -2,9 +2,6 @@
 
 namespace keplo {
 
-namespace {
-
-/// The text with another value at a position; empty if no value can stand there.
 std::optional<std::string> WithValueAt(const std::string& text, int position, std::string_view value) {
   const int behindCr = FindNoCase("\r", text, position);
   if (behindCr == kNowhere) return std::nullopt;
@@ -14,8 +11,6 @@ std::optional<std::string> WithValueAt(const std::string& text, int position, st
   const std::string line = " " + std::string(Trimmed(value));
   return InsertText(RemoveText(text, position, behindCr - 2), line, position);
 }
-
-}  // namespace
 
 bool ReplaceValueAt(CfgStore& store, int position, std::string_view value) {
   std::optional<std::string> changed = WithValueAt(store.CfgText, position, value);

@@ -16,6 +16,10 @@ namespace keplo {
 /// @throws Failure if the text would grow beyond its limit; nothing is changed then
 bool ReplaceValueAt(CfgStore& store, int position, std::string_view value);
 
+/// A text with another value at a position, as ReplaceValueAt writes it.
+/// @return empty if no value can stand there
+std::optional<std::string> WithValueAt(const std::string& text, int position, std::string_view value);
+
 /// A text with another value of a key of [General].
 /// @param key without its =
 /// @return empty if section, key or line end is missing

@@ -17,6 +17,15 @@ struct FileAttributes {
   bool Writable = true;  // by this process
 };
 
+/// Which file a path leads to, and in which state: another program that writes the file or puts another in
+/// its place changes at least one of these.
+struct FileIdentity {
+  std::uint64_t Device = 0, Inode = 0, Size = 0;
+  std::int64_t ModifiedNs = 0;  // since the epoch
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
 /// A file that is being written. It is seen in its folder at the latest when it is published, and closed when
 /// the object goes.
 class NewFile {
@@ -56,6 +65,8 @@ class FileSystem {
   /// The path that a symbolic link leads to in the end; any other path stays as it is. The file that is meant
   /// need not be there.
   virtual std::filesystem::path Resolve(const std::filesystem::path& path) = 0;
+  /// The identity of what is at the path, by one system call; empty if nothing is there or it cannot be told.
+  virtual std::optional<FileIdentity> Identity(const std::filesystem::path& path) = 0;
   /// The attributes of a regular file; empty if there is nothing at the path.
   virtual std::optional<FileAttributes> Attributes(const std::filesystem::path& path) = 0;
   /// Waits until the folder is free, but not so long that the program would seem to be dead.

@@ -191,6 +191,14 @@ path PosixFileSystem::Resolve(const path& path) {
   return target;
 }
 
+std::optional<FileIdentity> PosixFileSystem::Identity(const path& path) {
+  constexpr std::int64_t kNsPerSecond = 1'000'000'000;
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  return FileIdentity{status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
+                      status.st_mtim.tv_sec * kNsPerSecond + status.st_mtim.tv_nsec};
+}
+
 std::optional<FileAttributes> PosixFileSystem::Attributes(const path& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {

@@ -26,6 +26,7 @@ class PosixFileSystem : public FileSystem {
   std::uintmax_t Size(const std::filesystem::path& path) override;
   std::string Read(const std::filesystem::path& path, std::size_t most) override;
   std::filesystem::path Resolve(const std::filesystem::path& path) override;
+  std::optional<FileIdentity> Identity(const std::filesystem::path& path) override;
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override;
   std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& folder) override;
   std::unique_ptr<NewFile> Create(const std::filesystem::path& path, unsigned mode) override;

@@ -186,7 +186,7 @@ TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
 
 TEST(FirstConfiguration, IsWhole) {
   PosixFileSystem files;
-  CfgStore store(std::filesystem::path(__FILE__).parent_path() / "../../data/keplo.cfg", files);
+  CfgStore store(KEPLO_SOURCE_DIR "/data/keplo.cfg", files);
   LoadConfig(store);
   Settings settings;
   EXPECT_TRUE(ReadSettings(store, settings).Complete());

@@ -31,6 +31,11 @@ inline std::string Config(const std::string& sections) {
   return kGeneral + sections + Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
 }
 
+/// A text with the first place of a part that it holds given another one.
+inline std::string Replaced(std::string text, const std::string& old, const std::string& fresh) {
+  return text.replace(text.find(old), old.size(), fresh);
+}
+
 /// A store over a file in a folder of its own, loaded.
 class StoreOnDisk {
  public:
@@ -39,6 +44,8 @@ class StoreOnDisk {
     LoadConfig(Store);
   }
 
+  /// Writes the file as another program would.
+  void Write(const std::string& content) const { folder_.Write("keplo.cfg", content); }
   std::string File() const { return folder_.Read("keplo.cfg"); }
   const std::filesystem::path& Folder() const { return folder_.Path(); }
 

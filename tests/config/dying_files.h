@@ -21,6 +21,9 @@ class DyingFiles : public FileSystem {
     return Step().Read(path, most);
   }
   std::filesystem::path Resolve(const std::filesystem::path& path) override { return Step().Resolve(path); }
+  std::optional<FileIdentity> Identity(const std::filesystem::path& path) override {
+    return files_.Identity(path);
+  }
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override {
     return Step().Attributes(path);
   }

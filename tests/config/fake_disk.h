@@ -61,6 +61,7 @@ class FakeDisk : public FileSystem {
     Step();
     return path;
   }
+  std::optional<FileIdentity> Identity(const std::filesystem::path& /*path*/) override { return {}; }
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override {
     Step();
     if (seen_.count(path.filename()) == 0) return std::nullopt;

@@ -13,6 +13,7 @@ using tests::Config;
 using tests::kGeneral;
 using tests::Lines;
 using tests::Protocol;
+using tests::Replaced;
 using Texts = std::vector<std::string>;
 
 const Texts kParameters = {"GPROTO= 2", "SENDPLS= 850", "REPEAT= 150", "BITG= 0",
@@ -174,10 +175,6 @@ TEST(ProtocolEdit, ReadsNoDamagedSection) {
     EXPECT_EQ(EditedSection(text, draft).Refused, ProtocolRefusal::NoSection) << to;
     EXPECT_TRUE(LoadProtocol(text, "Next")) << to;
   }
-}
-
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
-  return text.replace(text.find(from), from.size(), to);
 }
 
 TEST(ProtocolEdit, TakesNothingOfTheNextLineIntoAnEmptyDescription) {

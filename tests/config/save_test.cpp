@@ -105,7 +105,7 @@ TEST(SaveConfig, LosesNothingThatAnotherProgramHasWritten) {
   const auto write = [&](const std::string& text) { std::ofstream(file, std::ios::binary) << text; };
   for (const std::string number : {"1", "2"}) {
     write("of another program " + number);
-    ASSERT_TRUE(SetGeneralValue(disk.Store, "COMPORT", number));
+    ASSERT_TRUE(SetGeneralValue(disk.Store, "COMPORT", "1" + number));
     EXPECT_EQ(disk.File(), disk.Store.CfgText);
     EXPECT_EQ(disk.Store.KeptAside, file.string() + ".other-" + number);
     std::ifstream kept(disk.Store.KeptAside);

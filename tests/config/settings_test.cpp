@@ -11,11 +11,8 @@ namespace keplo {
 namespace {
 
 using tests::Config;
+using tests::Replaced;
 using tests::StoreOnDisk;
-
-std::string Replaced(std::string text, const std::string& old, const std::string& fresh) {
-  return text.replace(text.find(old), old.size(), fresh);
-}
 
 TEST(Numbers, AreReadFromTheHeadOfAValue) {
   for (const std::string none : {"", "COM1", ".7", "--1", "\t5", "- 5"}) {

@@ -182,14 +182,16 @@ TEST_F(HostOperations, SavesNeitherADamagedTextNorOverAnotherProgramUntold) {
   control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
     errors_.push_back(record.ErrorDescription);
   };
-  const std::string whole = mod_->Store.CfgText;
+  std::string& text = mod_->Store.CfgText;
+  text.replace(text.find("COMPORT= "), 10, "COMPORT= 7");  // a change that no save has taken to the file
+  const std::string whole = text;
   folder_.Write("keplo.cfg", "of another program");
   control.InputConfigurePlugin();
   ASSERT_EQ(errors_.size(), 1U);
   EXPECT_NE(errors_[0].find("keplo.cfg.other-1"), std::string::npos) << errors_[0];
   EXPECT_EQ(folder_.Read("keplo.cfg.other-1"), "of another program");
 
-  mod_->Store.CfgText = whole.substr(0, whole.find("[END]"));
+  text = whole.substr(0, whole.find("[END]"));
   control.InputConfigurePlugin();
   EXPECT_EQ(folder_.Read("keplo.cfg"), whole) << "a save would cut the last section";
 }
