@@ -72,8 +72,8 @@ ProtocolDraft PresetOf(std::string_view generic) {
 /// Tells what became of a change.
 template <typename Change>
 int Tell(const std::string& done, Change change) try {
-  const ProtocolRefusal refusal = change();
-  if (refusal != ProtocolRefusal::None) return Refuse(RefusalText(refusal));
+  const ProtocolResult result = change();
+  if (!result.Done()) return Refuse(RefusalText(result));
   std::cout << done << '\n';
   return kDone;
 } catch (const Failure& failure) {
@@ -127,9 +127,9 @@ std::string WhyNotDeleted(const ProtocolWords& words) {
   config.RequireWhole();
   const ProtocolRefusal refusal = CheckProtocolDelete(words.Name);
   if (refusal != ProtocolRefusal::None) return std::string(RefusalText(refusal));
-  const ProtocolRefusal noSection = WithoutSection(config.Mod.Store.CfgText, words.Name).Refused;
-  if (noSection == ProtocolRefusal::None) return {};
-  return words.Name + ": " + std::string(RefusalText(noSection));
+  const ProtocolResult refused = WithoutSection(config.Mod.Store.CfgText, words.Name).Refused;
+  if (refused.Done()) return {};
+  return words.Name + ": " + RefusalText(refused);
 }
 
 int DeleteAgreed(const ProtocolWords& words) {

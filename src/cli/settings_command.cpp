@@ -2,6 +2,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/open_map.h"
@@ -28,18 +29,18 @@ std::int64_t NumberOf(std::string_view text, std::string_view key) {
 }
 
 int Change(CfgStore& store, const SettingKey& key, std::int64_t number) {
-  const bool softwareCarrier = NumberOf(store.CfgText, "ITYPE") % 2 == 1;
+  const SettingKey& interfaceType = *FindSettingKey("ITYPE");
+  const std::int64_t type = NumberOf(store.CfgText, "ITYPE");
   if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(store.CfgText, "VEXIL") > 0) {
     return Refuse("The zone hardware needs TxD for itself; keplo settings VEXIL 0 gives it up.");
   }
-  if (!ChangeSetting(store, key, number)) {
+  std::vector<SettingChange> changes = {{key, number}};
+  if (key.Name == "VEXIL" && number > 0 && type % 2 == 1) changes.push_back({interfaceType, type - 1});
+  if (!ChangeSettings(store, changes)) {
     return Refuse(store.Path.string() + " has no line for " + std::string(key.Name) +
                   "=; put one into [General].");
   }
-  std::cout << key.Name << ' ' << number << '\n';
-  if (key.Name == "VEXIL" && number > 0 && softwareCarrier) {
-    return Change(store, *FindSettingKey("ITYPE"), NumberOf(store.CfgText, "ITYPE") - 1);
-  }
+  for (const SettingChange& change : changes) std::cout << change.Key.Name << ' ' << change.Number << '\n';
   return kDone;
 }
 

@@ -1,11 +1,11 @@
 #include "config/cfg_store.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <string_view>
 
 #include "config/check_config.h"
+#include "config/key_table.h"
 #include "config/merge_changes.h"
 #include "disk/replace_file.h"
 #include "failure.h"
@@ -21,16 +21,18 @@ std::string CutBehindLastHeader(std::string text) {
   return text.empty() ? text : text.append("\r\n");
 }
 
-constexpr std::array<std::string_view, 13> kWrittenKeys = {
-    "COMPORT=", "PROTOCOL=", "PROCDELAY=", "ITYPE=", "BEEPON=", "VEXIL=",  "GPROTO=",
-    "SENDPLS=", "REPEAT=",   "BITG=",      "BIT0=",  "BIT1=",   "GREPEAT="};
-
-/// The key that a line begins with; empty if it begins with none.
+/// The key that a line begins with; empty if it begins with none. A key that may be missing may lack its
+/// blank.
 std::string_view KeyOf(std::string_view line) {
-  const auto* const key = std::find_if(
-      kWrittenKeys.begin(), kWrittenKeys.end(),
-      [&](std::string_view candidate) { return EqualNoCase(line.substr(0, candidate.size()), candidate); });
-  return key == kWrittenKeys.end() ? std::string_view() : *key;
+  const auto begins = [&](std::string_view key) { return EqualNoCase(line.substr(0, key.size()), key); };
+  for (const SettingKey& key : kSettingKeys) {
+    if (!key.Late && begins(key.Search)) return key.Search;
+  }
+  if (begins(kGenericKey)) return kGenericKey;
+  for (const ParameterKey& key : kParameterKeys) {
+    if (begins(key.Search)) return key.Search;
+  }
+  return {};
 }
 
 /// Writes in the blank that belongs behind a key's =, where a hand-edited file lacks it. A sign may stand in

@@ -18,7 +18,9 @@ bool IsInside(std::string_view text, int position) {
 
 bool MatchesAt(std::string_view needle, std::string_view text, std::size_t offset) {
   if (needle.empty()) return true;
+  // The last character first: a name that begins with a run of [ would else be compared with each of a run.
   return offset < text.size() && needle.size() <= text.size() - offset &&
+         LowerCase(needle.back()) == LowerCase(text[offset + needle.size() - 1]) &&
          EqualNoCase(needle, text.substr(offset, needle.size()));
 }
 
@@ -107,6 +109,11 @@ const std::string& TrimBoth(std::string& text) {
   text.erase(0, first);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
+}
+
+int LineNumber(std::string_view text, int position) {
+  const std::string_view before = text.substr(0, static_cast<std::size_t>(std::max(position - 1, 0)));
+  return 1 + static_cast<int>(std::count(before.begin(), before.end(), '\n'));
 }
 
 int SeekForward(std::string_view text, int position, char character) {

@@ -46,6 +46,9 @@ int SeekForward(std::string_view text, int position, char character);
 /// text starts at its last character.
 int SeekBack(std::string_view text, int position, char character);
 
+/// Number of the line, from 1, in which the character of a position stands.
+int LineNumber(std::string_view text, int position);
+
 /// The character with A to Z as a to z; others, and those of other alphabets, stay.
 constexpr char LowerCase(char character) {
   return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;

@@ -1,8 +1,11 @@
 #include "config/check_config.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
+#include <vector>
 
+#include "config/key_table.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
 #include "config/sections.h"
@@ -11,23 +14,18 @@ namespace keplo {
 
 namespace {
 
-/// What each protocol section holds, in this order.
-constexpr std::string_view kProtocolKeys[] = {
-    "#", "GPROTO=", "SENDPLS=", "REPEAT=", "BITG=", "BIT0=", "BIT1=", "GREPEAT="};
-
 using Finding = std::optional<std::string>;
 
-/// Number of the line, from 1, in which the character ahead of a position stands.
-std::string LineAhead(std::string_view text, int position) {
-  const std::string_view ahead = text.substr(0, static_cast<std::size_t>(std::max(position - 2, 0)));
-  return std::to_string(1 + std::count(ahead.begin(), ahead.end(), '\n'));
+/// Number of the line in which the character before a position stands.
+std::string LineBefore(std::string_view text, int position) {
+  return std::to_string(LineNumber(text, position - 1));
 }
 
 Finding BrokenLineEnd(std::string_view text) {
   for (std::size_t at = text.find_first_of("\r\n"); at != std::string_view::npos;
        at = text.find_first_of("\r\n", at + 2)) {
     if (text.substr(at, 2) == "\r\n") continue;
-    return "line " + LineAhead(text, static_cast<int>(at) + 2) +
+    return "line " + LineBefore(text, static_cast<int>(at) + 2) +
            " does not end in CR LF. Give all its lines these ends, as unix2dos does, and start again";
   }
   return std::nullopt;
@@ -35,7 +33,7 @@ Finding BrokenLineEnd(std::string_view text) {
 
 Finding NotFound(std::string_view text, std::string_view what, int behind) {
   std::string finding = std::string(what) + " was not found";
-  if (behind > 1) finding += " behind line " + LineAhead(text, behind);
+  if (behind > 1) finding += " behind line " + LineBefore(text, behind);
   return finding + ". Put it back, or bring an old copy of the file, and start again";
 }
 
@@ -48,26 +46,52 @@ Finding MissingSetting(const CfgStore& store) {
          "not saved";
 }
 
-Finding MissingKey(std::string_view text, const std::string& protocol) {
-  const std::optional<Section> section = FindSectionToChange(text, protocol);
-  if (!section) return std::nullopt;
-  const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section->End - 1));
-  int position = section->Begin;
-  for (const std::string_view key : kProtocolKeys) {
-    const int behind = FindNoCase(key, upToNext, position);
-    if (behind == kNowhere) return NotFound(text, std::string(key) + " of [" + protocol + "]", position);
-    position = behind;
+/// What each protocol section holds, in this order.
+std::vector<std::string_view> KeysOfAProtocol() {
+  std::vector<std::string_view> keys = {kDescriptionMark, kGenericKey};
+  for (const ParameterKey& key : kParameterKeys) keys.push_back(key.Search);
+  return keys;
+}
+
+Finding MissingKey(std::string_view text, const std::string& protocol, const Section& section) {
+  const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section.End - 1));
+  int position = section.Begin;
+  for (const std::string_view key : KeysOfAProtocol()) {
+    const int after = FindNoCase(key, upToNext, position);
+    if (after == kNowhere) return NotFound(text, std::string(key) + " of [" + protocol + "]", position);
+    position = after;
+  }
+  return std::nullopt;
+}
+
+/// Two sections of one name, in whatever case: everything that names them means the first.
+Finding Twins(std::string_view text, const SectionWalk& walk) {
+  std::map<std::string, std::size_t> seen;
+  for (std::size_t index = 0; index < walk.Names.size(); ++index) {
+    std::string name = walk.Names[index];
+    std::transform(name.begin(), name.end(), name.begin(), LowerCase);
+    const auto [first, isNew] = seen.emplace(std::move(name), index);
+    if (isNew) continue;
+    return "[" + walk.Names[first->second] + "] in line " +
+           LineBefore(text, walk.Places[first->second].Begin) + " and [" + walk.Names[index] + "] in line " +
+           LineBefore(text, walk.Places[index].Begin) +
+           " have the same name, since upper and lower case count alike, and only the first is used. Rename "
+           "one of them, and start again";
   }
   return std::nullopt;
 }
 
 Finding DamagedSection(std::string_view text) {
   const SectionWalk walk = WalkSections(text);
-  if (walk.Ended != WalkEnd::ClosingHeader) return NotFound(text, "[END], in capitals,", 1);
-  for (const std::string& protocol : walk.Names) {
-    if (Finding finding = MissingKey(text, protocol)) return finding;
+  if (walk.Ended == WalkEnd::NestedHeaders) {
+    return "line " + LineBefore(text, walk.Places.back().Begin) +
+           " holds one [ after another, each of which would begin a section. Take them out, and start again";
   }
-  return std::nullopt;
+  if (walk.Ended != WalkEnd::ClosingHeader) return NotFound(text, "[END], in capitals,", 1);
+  for (std::size_t index = 0; index < walk.Names.size(); ++index) {
+    if (Finding finding = MissingKey(text, walk.Names[index], walk.Places[index])) return finding;
+  }
+  return Twins(text, walk);
 }
 
 }  // namespace

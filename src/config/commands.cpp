@@ -1,6 +1,7 @@
 #include "config/commands.h"
 
 #include <algorithm>
+#include <set>
 
 #include "config/sections.h"
 
@@ -85,6 +86,24 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
                    [&](const Line& line) { return line.IsCommand() && EqualNoCase(line.Name(), wanted); });
 }
 
+std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_view protocol, int first,
+                                           int last) {
+  return FirstLine(LinesOf(text, protocol), [&](const Line& line) {
+    return line.IsCommand() && line.Range.First >= first && line.Range.First <= last;
+  });
+}
+
+bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_view name) {
+  const std::string_view wanted = Trimmed(name);
+  std::set<std::string_view> exact, similar;  // lines that differ
+  for (const Line& line : LinesOf(text, protocol)) {
+    if (!line.IsCommand()) continue;
+    if (line.Name() == wanted) exact.insert(line.Text);
+    if (EqualNoCase(line.Name(), wanted)) similar.insert(line.Text);
+  }
+  return exact.empty() ? similar.size() > 1 : exact.size() > 1;
+}
+
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol) {
   return FirstLine(LinesOf(text, protocol), [](const Line& line) { return line.Text == kPlaceholderLine; });
 }
@@ -105,7 +124,9 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
   while (comma != kNowhere && comma < section->End) {
     const int cr = SeekForward(text, comma, '\r');
     const int end = cr == kNowhere ? section->End : cr;
-    const int first = SeekBack(text, comma, '\n') + 1;
+    // Either line end, so that a damaged file repeats no line in the code of each that follows.
+    const int first =
+        static_cast<int>(text.find_last_of("\r\n", static_cast<std::size_t>(comma) - 1) + 1) + 1;
     commands.push_back({std::string(Part(text, comma + 1, end)), std::string(Part(text, first, comma))});
     comma = SeekForward(text, end, ',');
   }

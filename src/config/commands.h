@@ -49,6 +49,14 @@ struct LineRange {
 std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view protocol,
                                          std::string_view name);
 
+/// The first command line of a section that begins at one of the positions first to last.
+std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_view protocol, int first,
+                                           int last);
+
+/// Whether a name could mean two command lines of a section: none has exactly this name, or two that differ
+/// do.
+bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_view name);
+
 /// The placeholder line of a section; a learned command of that name is none.
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol);
 

@@ -70,6 +70,22 @@ void SettleRemoval(CfgStore& store, const std::string& without, int place) {
 
 LearnResult Refuse(Refusal refusal, std::string_view detail = {}) { return {refusal, std::string(detail)}; }
 
+/// Whether there is one section that takes commands, and no other one that the name could mean.
+LearnResult CheckSection(std::string_view text, std::string_view protocol) {
+  const std::optional<Section> section = FindProtocol(text, protocol);
+  if (!section) return Refuse(Refusal::NoSection, protocol);
+  return FindSection(text, protocol, section->End) ? Refuse(Refusal::SectionTwice, protocol) : LearnResult();
+}
+
+/// The line of a command that may be changed: one of its own, and not the placeholder's.
+LearnResult CheckCommand(std::string_view text, std::string_view protocol, std::string_view name) {
+  LearnResult result = CheckProtocol(protocol);
+  if (result.Done()) result = CheckSection(text, protocol);
+  if (!result.Done()) return result;
+  if (!FindCommandLine(text, protocol, name)) return Refuse(Refusal::NoSuchCommand, name);
+  return IsAmbiguous(text, protocol, name) ? Refuse(Refusal::CommandTwice, name) : LearnResult();
+}
+
 }  // namespace
 
 std::string RefusalText(const LearnResult& result) {
@@ -94,6 +110,12 @@ std::string RefusalText(const LearnResult& result) {
       return "This command name is in use for the current protocol.";
     case Refusal::NoSection:
       return "The configuration has no whole section of a protocol " + result.Detail + ".";
+    case Refusal::SectionTwice:
+      return "The configuration has two sections with the name " + result.Detail +
+             ", since upper and lower case count alike. Rename one of them in the file, and try again.";
+    case Refusal::CommandTwice:
+      return "The protocol has two commands with the name " + result.Detail +
+             ". Rename one of them in the file, and try again.";
     case Refusal::NoMoreCommands:
       return "There are no more commands to delete";
     case Refusal::NoSuchCommand:
@@ -119,8 +141,10 @@ LearnResult CheckCode(std::string_view text, std::string& code) {
 LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name) {
   if (name.empty()) return Refuse(Refusal::NoName);
   if (!IsValidName(name)) return Refuse(Refusal::InvalidName, name);
+  const LearnResult result = CheckSection(text, protocol);
+  if (!result.Done()) return result;
+  if (!PlaceForCommand(text, protocol)) return Refuse(Refusal::NoSection, protocol);
   const std::optional<Section> section = FindProtocol(text, protocol);
-  if (!section || !PlaceForCommand(text, protocol)) return Refuse(Refusal::NoSection, protocol);
   const int match = FindNoCase(name, text, section->Begin);
   if (match != kNowhere && match <= section->End) return Refuse(Refusal::NameInUse, name);
   return {};
@@ -155,7 +179,10 @@ LearnResult CheckDelete(CfgStore& store) {
   if (store.CurCommand == kPlaceholderName && CountCommands(store) == 1) {
     return Refuse(Refusal::NoMoreCommands, store.CurCommand);
   }
-  return {};
+  // A section or command that is not there is none of the window's refusals: nothing is deleted then.
+  const LearnResult checked = CheckCommand(store.CfgText, store.CurProtocol, store.CurCommand);
+  const bool twice = checked.Refused == Refusal::SectionTwice || checked.Refused == Refusal::CommandTwice;
+  return twice ? checked : LearnResult();
 }
 
 bool RemoveCommand(CfgStore& store) {
@@ -194,13 +221,11 @@ LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_v
 LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::string_view name,
                           std::string_view newName) {
   const std::string& text = store.CfgText;
-  LearnResult result = CheckProtocol(protocol);
+  LearnResult result = CheckCommand(text, protocol, name);
   if (!result.Done()) return result;
-  if (!FindProtocol(text, protocol)) return Refuse(Refusal::NoSection, protocol);
   const std::optional<LineRange> line = FindCommandLine(text, protocol, name);
   const std::optional<LineRange> placeholder = FindPlaceholder(text, protocol);
-  if (!line || (placeholder && placeholder->First == line->First))
-    return Refuse(Refusal::NoSuchCommand, name);
+  if (placeholder && placeholder->First == line->First) return Refuse(Refusal::NoSuchCommand, name);
   std::string checkedName(newName);
   result = CheckName(WithoutLine(text, *line), protocol, checkedName);
   if (!result.Done()) return result;
@@ -210,11 +235,9 @@ LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::strin
 }
 
 LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name) {
-  LearnResult result = CheckProtocol(protocol);
+  const LearnResult result = CheckCommand(store.CfgText, protocol, name);
   if (!result.Done()) return result;
-  if (!FindProtocol(store.CfgText, protocol)) return Refuse(Refusal::NoSection, protocol);
   const std::optional<LineRange> line = FindCommandLine(store.CfgText, protocol, name);
-  if (!line) return Refuse(Refusal::NoSuchCommand, name);
   const std::optional<LineRange> placeholder = FindPlaceholder(store.CfgText, protocol);
   if (placeholder && placeholder->First == line->First && CommandsIn(store.CfgText, protocol) == 1) {
     return Refuse(Refusal::NoMoreCommands, name);

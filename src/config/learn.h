@@ -19,8 +19,10 @@ enum class Refusal {
   InvalidName,
   NameInUse,
   NoSection,       // there is no protocol section of that name, or no header behind it
+  SectionTwice,    // two sections have that name, in whatever case
   NoMoreCommands,  // only the placeholder is left
-  NoSuchCommand
+  NoSuchCommand,
+  CommandTwice  // two commands have that name, in whatever case
 };
 
 struct LearnResult {

@@ -1,12 +1,12 @@
 #include "config/protocol_edit.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <vector>
 
 #include "config/commands.h"
 #include "config/generic_protocols.h"
+#include "config/key_table.h"
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/numbers.h"
@@ -21,32 +21,6 @@ namespace {
 constexpr std::size_t kShortestName = 3, kLongestName = 12;
 constexpr int kShortestSilence = 16;  // slots; what is shorter counts as a part of the frame
 
-constexpr std::array<std::string_view, 23> kRefusalTexts = {
-    "",
-    "The Template protocol cannot be edited",
-    "The Template protocol cannot be deleted",
-    "Recorded is a virtual protocol used to test new commands before save.",
-    "Protocol name must contain only: a-z,A-Z,0-9,'-','_'",
-    "The new protocol name is in use",
-    "Protocol name must have 3-12 characters",
-    "SENDPLS must have an integer value greater than 0",
-    "REPEAT must have an integer value greater than 16 (or 0)",
-    "GREPEAT must have an integer value greater than 16 (or 0 or 1)",
-    "BITx must not be empty, if no BITG, then BITG=0",
-    "Description cannot contain \",\" character!",
-    "Description cannot contain \"[\" character!",
-    "Description cannot contain \"GPROTO=\"!",
-    "Description must be a single line",
-    "BITG must have a binary value",
-    "BIT0 must have a binary value",
-    "BIT1 must have a binary value",
-    "The configuration has no whole section of this protocol.",
-    "The configuration has no section [Template] that a new protocol could stand ahead of.",
-    "A line of the configuration does not end in CR LF. Give all its lines these ends, as unix2dos does, and "
-    "try again.",
-    "The header line of the section is not plain. Leave only the name and its brackets in it, and try again.",
-    "Another section of this name stands ahead of [General]. Take it out, and try again."};
-
 /// Where the search for a section begins: what stands ahead of [General] is none, even if it looks so.
 int StartOfSections(std::string_view text) { return std::max(FindNoCase("[General]", text, 1), 1); }
 
@@ -56,13 +30,26 @@ std::optional<Section> FindClosed(std::string_view text, std::string_view protoc
   return section;
 }
 
-/// As FindClosed, for a change: it must be the section that is read, too.
-ProtocolRefusal FindToChange(std::string_view text, std::string_view protocol, Section& section) {
+/// Position of the second GPROTO= that begins a line of a section; 0 if there is none.
+int SecondGenericKey(std::string_view text, const Section& section) {
+  const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section.End - 1));
+  const std::string inNewLine = "\n" + std::string(kGenericKey);
+  return FindNoCase(inNewLine, upToNext, FindNoCase(inNewLine, upToNext, section.Begin));
+}
+
+/// As FindClosed, for a change: it must be the section that is read, the only one of its name, and no two in
+/// one.
+ProtocolResult FindToChange(std::string_view text, std::string_view protocol, Section& section) {
   const std::optional<Section> found = FindClosed(text, protocol);
   if (!found) return ProtocolRefusal::NoSection;
   section = *found;
-  return FindSection(text, protocol)->Begin == section.Begin ? ProtocolRefusal::None
-                                                             : ProtocolRefusal::SectionTwice;
+  if (FindSection(text, protocol)->Begin != section.Begin) return ProtocolRefusal::SectionTwice;
+  if (const std::optional<Section> twin = FindSection(text, protocol, section.End)) {
+    return {ProtocolRefusal::SectionTwins, LineNumber(text, twin->Begin - 1)};
+  }
+  const int second = SecondGenericKey(text, section);
+  if (second != kNowhere) return {ProtocolRefusal::HeaderMissing, LineNumber(text, second)};
+  return {};
 }
 
 /// Walks the keys of one section, each searched from behind the one before it.
@@ -82,8 +69,6 @@ class SectionKeys {
     const bool isEmpty = SeekForward(text_, position_, '\r') == position_;
     return isEmpty ? std::string() : std::string(GetLineAt(text_, position_));
   }
-  std::int16_t TakeNumber(std::string_view key) { return WithoutFraction<std::int16_t>(Take(key)); }
-
   /// Just behind the key taken last; 0 if one was missing.
   int Position() const { return position_; }
 
@@ -116,19 +101,18 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
   ReadSection read;
   read.Draft.Name = protocol;
   read.Draft.Description = keys.TakeLine("#");
-  read.Draft.ProtoKind = keys.TakeNumber("GPROTO=");
-  ProtocolParams& params = read.Draft.Params;
-  params.SENDPLS = keys.TakeNumber("SENDPLS=");
-  params.REPEAT = keys.TakeNumber("REPEAT=");
-  params.BITG = keys.Take("BITG=");
-  params.BIT0 = keys.Take("BIT0=");
-  params.BIT1 = keys.Take("BIT1=");
-  const std::optional<std::int16_t> gRepeat = WholeNumber(keys.Take("GREPEAT="));
+  read.Draft.ProtoKind = WithoutFraction<std::int16_t>(keys.Take(kGenericKey));
+  std::string last;
+  for (const ParameterKey& key : kParameterKeys) {
+    last = keys.Take(key.Search);
+    TakeParameter(key, last, read.Draft.Params);
+  }
   read.BehindLastKey = keys.Position();
+  const std::optional<std::int16_t> gRepeat = WholeNumber(last);
   if (read.BehindLastKey == kNowhere || !gRepeat || !IsGenericProtocol(read.Draft.ProtoKind)) {
     return std::nullopt;
   }
-  params.GREPEAT = *gRepeat;
+  read.Draft.Params.GREPEAT = *gRepeat;
   return read;
 }
 
@@ -172,8 +156,69 @@ ProtocolRefusal CheckHeaderBehind(std::string_view text, int lineEnd, int header
 
 }  // namespace
 
-std::string_view RefusalText(ProtocolRefusal refusal) {
-  return kRefusalTexts.at(static_cast<std::size_t>(refusal));
+std::string RefusalText(const ProtocolResult& result) {
+  const std::string line = "line " + std::to_string(result.Line);
+  switch (result.Refused) {
+    case ProtocolRefusal::None:
+      break;
+    case ProtocolRefusal::EditOfTemplate:
+      return "The Template protocol cannot be edited";
+    case ProtocolRefusal::DeleteOfTemplate:
+      return "The Template protocol cannot be deleted";
+    case ProtocolRefusal::VirtualProtocol:
+      return "Recorded is a virtual protocol used to test new commands before save.";
+    case ProtocolRefusal::InvalidName:
+      return "Protocol name must contain only: a-z,A-Z,0-9,'-','_'";
+    case ProtocolRefusal::NameInUse:
+      return "The new protocol name is in use";
+    case ProtocolRefusal::NameLength:
+      return "Protocol name must have 3-12 characters";
+    case ProtocolRefusal::SendPls:
+      return "SENDPLS must have an integer value greater than 0";
+    case ProtocolRefusal::Repeat:
+      return "REPEAT must have an integer value greater than 16 (or 0)";
+    case ProtocolRefusal::GRepeat:
+      return "GREPEAT must have an integer value greater than 16 (or 0 or 1)";
+    case ProtocolRefusal::EmptyPattern:
+      return "BITx must not be empty, if no BITG, then BITG=0";
+    case ProtocolRefusal::CommaInDescription:
+      return "Description cannot contain \",\" character!";
+    case ProtocolRefusal::BracketInDescription:
+      return "Description cannot contain \"[\" character!";
+    case ProtocolRefusal::KeyInDescription:
+      return "Description cannot contain \"GPROTO=\"!";
+    case ProtocolRefusal::LineInDescription:
+      return "Description must be a single line";
+    case ProtocolRefusal::BitG:
+      return "BITG must have a binary value";
+    case ProtocolRefusal::Bit0:
+      return "BIT0 must have a binary value";
+    case ProtocolRefusal::Bit1:
+      return "BIT1 must have a binary value";
+    case ProtocolRefusal::NoSection:
+      return "The configuration has no whole section of this protocol.";
+    case ProtocolRefusal::NoTemplate:
+      return "The configuration has no section [Template] that a new protocol could stand ahead of.";
+    case ProtocolRefusal::LineEnds:
+      return "A line of the configuration does not end in CR LF. Give all its lines these ends, as unix2dos "
+             "does, and try again.";
+    case ProtocolRefusal::HeaderLine:
+      return "The header line of the section is not plain. Leave only the name and its brackets in it, and "
+             "try "
+             "again.";
+    case ProtocolRefusal::SectionTwice:
+      return "Another section of this name stands ahead of [General]. Take it out, and try again.";
+    case ProtocolRefusal::SectionTwins:
+      return "A second section has this name, in " + line +
+             " of the file, since upper and lower case count alike. Rename one of them, and try again.";
+    case ProtocolRefusal::HeaderMissing:
+      return "The section has its keys twice, the second time from " + line +
+             " of the file on: the header above them is missing or damaged. Mend it, and try again.";
+    case ProtocolRefusal::CommandAmongKeys:
+      return "A command stands among the keys of the section, in " + line +
+             " of the file. Move it below GREPEAT=, and try again.";
+  }
+  return {};
 }
 
 ProtocolRefusal CheckProtocolEdit(std::string_view protocol) {
@@ -220,11 +265,13 @@ std::string Splice::In(std::string_view text) const {
 }
 
 std::string ParameterLines(const ProtocolDraft& draft) {
-  const ProtocolParams& params = draft.Params;
-  return "# " + draft.Description + "\r\nGPROTO=" + KeyNumber(draft.ProtoKind) +
-         "\r\nSENDPLS=" + KeyNumber(params.SENDPLS) + "\r\nREPEAT=" + KeyNumber(params.REPEAT) +
-         "\r\nBITG= " + params.BITG + "\r\nBIT0= " + params.BIT0 + "\r\nBIT1= " + params.BIT1 +
-         "\r\nGREPEAT=" + KeyNumber(params.GREPEAT);
+  std::string lines =
+      "# " + draft.Description + "\r\n" + std::string(kGenericKey) + KeyNumber(draft.ProtoKind);
+  for (const ParameterKey& key : kParameterKeys) {
+    lines.append("\r\n").append(key.Search);
+    lines += key.Number != nullptr ? KeyNumber(draft.Params.*key.Number) : " " + draft.Params.*key.Pattern;
+  }
+  return lines;
 }
 
 SectionChange NewSection(std::string_view text, const ProtocolDraft& draft) {
@@ -241,8 +288,8 @@ SectionChange NewSection(std::string_view text, const ProtocolDraft& draft) {
 
 SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft) {
   Section section;
-  const ProtocolRefusal refusal = FindToChange(text, draft.Name, section);
-  if (refusal != ProtocolRefusal::None) return refusal;
+  const ProtocolResult found = FindToChange(text, draft.Name, section);
+  if (!found.Done()) return found;
   const int headerEnd = SeekForward(text, section.Begin, '\n');
   if (headerEnd == kNowhere || SeekForward(text, section.Begin, '\r') != headerEnd - 1) {
     return ProtocolRefusal::LineEnds;
@@ -251,13 +298,16 @@ SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft) {
   const int lastEnd = read ? SeekForward(text, read->BehindLastKey, '\r') : kNowhere;
   if (lastEnd == kNowhere || lastEnd > section.End) return ProtocolRefusal::NoSection;
   if (lastEnd <= headerEnd) return ProtocolRefusal::HeaderLine;
+  if (const auto command = CommandLineWithin(text, draft.Name, headerEnd + 1, lastEnd - 1)) {
+    return ProtocolResult{ProtocolRefusal::CommandAmongKeys, LineNumber(text, command->First)};
+  }
   return Splice{headerEnd + 1, lastEnd - 1, ParameterLines(draft)};
 }
 
 SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   Section section;
-  const ProtocolRefusal refusal = FindToChange(text, protocol, section);
-  if (refusal != ProtocolRefusal::None) return refusal;
+  const ProtocolResult found = FindToChange(text, protocol, section);
+  if (!found.Done()) return found;
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
   if (last < first) return ProtocolRefusal::HeaderLine;
   return Splice{first, last, {}};
@@ -272,32 +322,32 @@ std::string WithCurrentProtocol(const std::string& text, int index) {
   return WithGeneralValue(text, "PROTOCOL", std::to_string(index)).value_or(text);
 }
 
-ProtocolRefusal AddProtocol(CfgStore& store, ProtocolDraft draft) {
+ProtocolResult AddProtocol(CfgStore& store, ProtocolDraft draft) {
   ProtocolRefusal refusal = CheckProtocolName(store.CfgText, draft.Name);
   if (refusal == ProtocolRefusal::None) refusal = CheckProtocolDraft(draft);
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = NewSection(store.CfgText, draft);
-  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  if (!planned.Refused.Done()) return planned.Refused;
   const std::string text = planned.Change.In(store.CfgText);
   ReplaceAndSave(store, WithCurrentProtocol(text, ProtocolIndexOf(text, draft.Name)));
   return ProtocolRefusal::None;
 }
 
-ProtocolRefusal EditProtocol(CfgStore& store, ProtocolDraft draft) {
+ProtocolResult EditProtocol(CfgStore& store, ProtocolDraft draft) {
   ProtocolRefusal refusal = CheckProtocolEdit(draft.Name);
   if (refusal == ProtocolRefusal::None) refusal = CheckProtocolDraft(draft);
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = EditedSection(store.CfgText, draft);
-  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  if (!planned.Refused.Done()) return planned.Refused;
   ReplaceAndSave(store, planned.Change.In(store.CfgText));
   return ProtocolRefusal::None;
 }
 
-ProtocolRefusal DeleteProtocol(CfgStore& store, std::string_view protocol) {
+ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol) {
   const ProtocolRefusal refusal = CheckProtocolDelete(protocol);
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = WithoutSection(store.CfgText, protocol);
-  if (planned.Refused != ProtocolRefusal::None) return planned.Refused;
+  if (!planned.Refused.Done()) return planned.Refused;
   ReplaceAndSave(store, WithCurrentProtocol(planned.Change.In(store.CfgText), 0));
   return ProtocolRefusal::None;
 }

@@ -38,15 +38,31 @@ enum class ProtocolRefusal {
   BitG,
   Bit0,
   Bit1,
-  NoSection,    // no whole section of that name, with a header behind it
-  NoTemplate,   // no section that a new one could stand ahead of
-  LineEnds,     // a line where the change would begin does not end in CR LF
-  HeaderLine,   // the line of the header holds more than the header
-  SectionTwice  // another section of that name stands ahead of [General], and is the one that is read
+  NoSection,        // no whole section of that name, with a header after it
+  NoTemplate,       // no section that a new one could stand before
+  LineEnds,         // a line where the change would begin does not end in CR LF
+  HeaderLine,       // the line of the header holds more than the header
+  SectionTwice,     // another section of that name stands before [General], and is the one that is read
+  SectionTwins,     // a second section of that name, in whatever case; the line is that of its header
+  HeaderMissing,    // the section has its keys twice: a header is damaged. The line is that of the second
+                    // GPROTO=
+  CommandAmongKeys  // a command stands in its line among the keys that an edit replaces
+};
+
+/// A refusal and the line of the file that it is about, from 1; 0 if it is about none.
+struct ProtocolResult {
+  ProtocolRefusal Refused = ProtocolRefusal::None;
+  int Line = 0;
+
+  ProtocolResult() = default;
+  ProtocolResult(ProtocolRefusal refused, int line = 0) : Refused(refused), Line(line) {}
+
+  bool Done() const { return Refused == ProtocolRefusal::None; }
+  bool operator==(ProtocolRefusal refused) const { return Refused == refused; }
 };
 
 /// What to tell the user; empty if nothing was refused.
-std::string_view RefusalText(ProtocolRefusal refusal);
+std::string RefusalText(const ProtocolResult& result);
 
 /// Whether the section may be edited: Template and Recorded may not, in any letter case.
 ProtocolRefusal CheckProtocolEdit(std::string_view protocol);
@@ -78,10 +94,11 @@ struct Splice {
 
 /// A splice, or why there is none.
 struct SectionChange {
-  ProtocolRefusal Refused = ProtocolRefusal::None;
+  ProtocolResult Refused;
   Splice Change;
 
   SectionChange(ProtocolRefusal refused) : Refused(refused) {}
+  SectionChange(ProtocolResult refused) : Refused(refused) {}
   SectionChange(Splice change) : Change(std::move(change)) {}
 };
 
@@ -92,7 +109,8 @@ std::string ParameterLines(const ProtocolDraft& draft);
 /// A new section, with the placeholder for a command, ahead of the line end that [Template] stands behind.
 SectionChange NewSection(std::string_view text, const ProtocolDraft& draft);
 
-/// Other parameters for a section: all lines from behind its header to the one of GREPEAT= go.
+/// Other parameters for a section: all lines after its header down to the one of GREPEAT= go, which holds for
+/// comments, while a command among them is a refusal.
 SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft);
 
 /// A section goes, from its header through the line ahead of the next header.
@@ -109,9 +127,9 @@ std::string WithCurrentProtocol(const std::string& text, int index);
 // @throws Failure if the text would grow beyond its limit or the save fails; see ReplaceAndSave
 
 /// The new protocol becomes the one that the window starts with.
-ProtocolRefusal AddProtocol(CfgStore& store, ProtocolDraft draft);
-ProtocolRefusal EditProtocol(CfgStore& store, ProtocolDraft draft);
+ProtocolResult AddProtocol(CfgStore& store, ProtocolDraft draft);
+ProtocolResult EditProtocol(CfgStore& store, ProtocolDraft draft);
 /// The first protocol becomes the one that the window starts with.
-ProtocolRefusal DeleteProtocol(CfgStore& store, std::string_view protocol);
+ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol);
 
 }  // namespace keplo

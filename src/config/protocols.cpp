@@ -1,6 +1,7 @@
 #include "config/protocols.h"
 
-#include "config/numbers.h"
+#include "config/cfg_store.h"
+#include "config/key_table.h"
 #include "config/sections.h"
 
 namespace keplo {
@@ -9,47 +10,29 @@ namespace {
 
 constexpr std::string_view kClosingName = "END";  // in capitals; [End] would be a protocol
 
-/// Reads the values of a section one behind the other.
-class KeyWalk {
- public:
-  KeyWalk(std::string_view text, int position) : text_(text), position_(position) {}
-
-  bool Take(std::string_view key, std::string& pattern) {
-    if (!Find(key)) return false;
-    pattern = GetLineAt(text_, position_);
-    return true;
-  }
-
-  bool Take(std::string_view key, std::int16_t& number) {
-    if (!Find(key)) return false;
-    number = WithoutFraction<std::int16_t>(GetLineAt(text_, position_));
-    return true;
-  }
-
- private:
-  bool Find(std::string_view key) {
-    position_ = FindNoCase(key, text_, position_);
-    return position_ != kNowhere;
-  }
-
-  std::string_view text_;
-  int position_;
-};
-
 }  // namespace
 
 SectionWalk WalkSections(std::string_view text) {
   SectionWalk walk;
+  std::size_t characters = 0;
   int position = FindNoCase("[General]", text, 1);
   if (position == kNowhere) walk.Ended = WalkEnd::NoGeneral;
   while (position != kNowhere) {
     position = FindNoCase("[", text, position);
     const std::string_view name = SectionNameAt(text, position);
+    characters += name.size();
     if (name == kClosingName) break;
     if (position == kNowhere) {
       walk.Ended = WalkEnd::NoMoreHeaders;
+    } else if (characters > kMostCharacters) {
+      walk.Ended = WalkEnd::NestedHeaders;
+      break;
     } else {
       walk.Names.emplace_back(name);
+      // Just after the ] that ends the name.
+      const int begin =
+          name.empty() ? position + 1 : static_cast<int>(name.data() + name.size() - text.data()) + 2;
+      walk.Places.push_back(SectionFrom(text, begin));
     }
   }
   return walk;
@@ -59,16 +42,28 @@ bool IsWhole(std::string_view text) { return WalkSections(text).Ended == WalkEnd
 
 std::vector<std::string> ListProtocols(std::string_view text) { return WalkSections(text).Names; }
 
+void TakeParameter(const ParameterKey& key, std::string_view value, ProtocolParams& params) {
+  if (key.Number != nullptr) {
+    params.*key.Number = WithoutFraction<std::int16_t>(value);
+  } else {
+    params.*key.Pattern = value;
+  }
+}
+
 bool LoadProtocolParams(std::string_view text, std::string_view protocol, ProtocolParams& params,
                         std::int16_t& protoKind) {
   const std::optional<Section> section = FindSection(text, protocol);
   if (!section) return false;
-  KeyWalk keys(text, section->Begin);
-  if (!keys.Take("GPROTO=", protoKind)) return false;
+  int position = FindNoCase(kGenericKey, text, section->Begin);
+  if (position == kNowhere) return false;
+  protoKind = WithoutFraction<std::int16_t>(GetLineAt(text, position));
   params.BitTail = BitTailOf(protoKind);
-  return keys.Take("SENDPLS=", params.SENDPLS) && keys.Take("REPEAT=", params.REPEAT) &&
-         keys.Take("BITG=", params.BITG) && keys.Take("BIT0=", params.BIT0) &&
-         keys.Take("BIT1=", params.BIT1) && keys.Take("GREPEAT=", params.GREPEAT);
+  for (const ParameterKey& key : kParameterKeys) {
+    position = FindNoCase(key.Search, text, position);
+    if (position == kNowhere) return false;
+    TakeParameter(key, GetLineAt(text, position), params);
+  }
+  return true;
 }
 
 }  // namespace keplo

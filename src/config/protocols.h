@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "config/sections.h"
 #include "signal/protocol_params.h"
 
 namespace keplo {
@@ -13,15 +14,18 @@ namespace keplo {
 enum class WalkEnd {
   ClosingHeader,  // at [END], as it should
   NoGeneral,      // there is no [General] to start from
-  NoMoreHeaders   // the text ran out of sections ahead of [END]
+  NoMoreHeaders,  // the text ran out of sections before [END]
+  NestedHeaders   // one [ after another in a line, each of which would begin a section
 };
 
 struct SectionWalk {
   std::vector<std::string> Names;
+  std::vector<Section> Places;  // of each name
   WalkEnd Ended = WalkEnd::ClosingHeader;
 };
 
-/// The sections behind [General] up to [END], in the order of the file. Template is one of them.
+/// The sections after [General] up to [END], in the order of the file. Template is one of them. Names that
+/// are longer in all than a text can be end the walk.
 SectionWalk WalkSections(std::string_view text);
 
 /// Whether the sections can be walked to their end. A save cuts the text behind its last header, so that one
@@ -30,6 +34,10 @@ bool IsWhole(std::string_view text);
 
 /// The names of WalkSections, however the walk ended.
 std::vector<std::string> ListProtocols(std::string_view text);
+
+struct ParameterKey;
+/// Puts the value of a key in its place; of a number the fraction is dropped.
+void TakeParameter(const ParameterKey& key, std::string_view value, ProtocolParams& params);
 
 /// Loads the parameters of a protocol, each key searched from behind the one before it. At the first that is
 /// not found the load stops: what was read stays, the rest is as it was.

@@ -4,12 +4,16 @@
 
 namespace keplo {
 
+Section SectionFrom(std::string_view text, int begin) {
+  const int afterNext = FindNoCase("[", text, begin);
+  if (afterNext == kNowhere) return {begin, static_cast<int>(text.size()) + 1, false};
+  return {begin, afterNext - 1, true};
+}
+
 std::optional<Section> FindSection(std::string_view text, std::string_view name, int start) {
   const int begin = FindNoCase("[" + std::string(name) + "]", text, start);
   if (begin == kNowhere) return std::nullopt;
-  const int behindNext = FindNoCase("[", text, begin);
-  if (behindNext == kNowhere) return Section{begin, static_cast<int>(text.size()) + 1, false};
-  return Section{begin, behindNext - 1, true};
+  return SectionFrom(text, begin);
 }
 
 std::optional<Section> FindSectionToChange(std::string_view text, std::string_view name) {

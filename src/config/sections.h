@@ -14,6 +14,9 @@ struct Section {
   bool Closed = false;  // there is a next header
 };
 
+/// The section whose content begins at a position.
+Section SectionFrom(std::string_view text, int begin);
+
 /// The first section of a name from a position on, in any letter case.
 std::optional<Section> FindSection(std::string_view text, std::string_view name, int start = 1);
 

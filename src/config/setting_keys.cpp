@@ -11,10 +11,19 @@ namespace keplo {
 
 namespace {
 
-template <std::int64_t kLeast, std::int64_t kMost>
-bool Within(std::string_view /*text*/, std::int64_t number) {
-  return number >= kLeast && number <= kMost;
+/// The text with another number of a key; empty if it has no place for it.
+std::optional<std::string> WithSetting(const std::string& text, const SettingChange& change) {
+  const std::string value = std::to_string(change.Number);
+  if (const int place = PlaceOfSetting(text, change.Key); place != kNowhere)
+    return WithValueAt(text, place, value);
+  if (!change.Key.Late) return std::nullopt;
+  const int last = PlaceOfSetting(text, *FindSettingKey("VEXIL"));
+  const int lineEnd = SeekForward(text, last, '\n');
+  if (last == kNowhere || lineEnd == kNowhere) return std::nullopt;
+  return InsertText(text, std::string(change.Key.Search) + " " + value + "\r\n", lineEnd + 1);
 }
+
+}  // namespace
 
 bool IsInterfaceType(std::string_view /*text*/, std::int64_t number) {
   return number == 0 || number == 1 || number == 8 || number == 9;
@@ -24,58 +33,31 @@ bool IsProtocolIndex(std::string_view text, std::int64_t number) {
   return number >= 0 && number < static_cast<std::int64_t>(ListProtocols(text).size());
 }
 
-constexpr auto kKeys = std::to_array<SettingKey>({
-    {"COMPORT", "a serial port, 1 to 30", Within<1, 30>},
-    {"PROTOCOL", "the place of a protocol in the list of 'keplo protocols', counted from 0", IsProtocolIndex},
-    {"PROCDELAY", "a delay, 0 to 100", Within<0, 100>},
-    {"ITYPE", "0 or 8 for the standard or the mouse receiver, 1 more for output on TxD", IsInterfaceType},
-    {"BEEPON", "0 or 1", Within<0, 1>},
-    {"VEXIL", "0 for no zone hardware, or a zone, 1 to 8", Within<0, 8>},
-    {"ANALYSIS", "0 for the first analysis, 1 for the second look", Within<0, 1>},
-});
+std::span<const SettingKey> SettingKeys() { return kSettingKeys; }
 
-/// The key that files of before the second look do not have, and that may stand anywhere in [General].
-bool IsLate(const SettingKey& key) { return key.Name == "ANALYSIS"; }
-
-/// The position behind a key's = inside [General], where a start-up reads it.
-int PlaceOf(std::string_view text, const SettingKey& key) {
+int PlaceOfSetting(std::string_view text, const SettingKey& key) {
   const std::optional<Section> general = FindSection(text, "General");
   if (!general) return kNowhere;
-  if (IsLate(key)) {
+  if (key.Late) {
     const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(general->End - 1));
-    return FindNoCase("\n" + std::string(key.Name) + "=", upToNext, general->Begin);
+    return FindNoCase("\n" + std::string(key.Search), upToNext, general->Begin);
   }
   int position = general->Begin;
-  for (const SettingKey& each : kKeys) {
-    if (position != kNowhere) position = FindNoCase(std::string(each.Name) + "=", text, position);
+  for (const SettingKey& each : kSettingKeys) {
+    if (position != kNowhere) position = FindNoCase(each.Search, text, position);
     if (each.Name == key.Name) break;
   }
   return position;
 }
 
-/// The text with another number of a key; empty if it has no place for it.
-std::optional<std::string> WithSetting(const std::string& text, const SettingChange& change) {
-  const std::string value = std::to_string(change.Number);
-  if (const int place = PlaceOf(text, change.Key); place != kNowhere) return WithValueAt(text, place, value);
-  if (!IsLate(change.Key)) return std::nullopt;
-  const int last = PlaceOf(text, *FindSettingKey("VEXIL"));
-  const int lineEnd = SeekForward(text, last, '\n');
-  if (last == kNowhere || lineEnd == kNowhere) return std::nullopt;
-  return InsertText(text, std::string(change.Key.Name) + "= " + value + "\r\n", lineEnd + 1);
-}
-
-}  // namespace
-
-std::span<const SettingKey> SettingKeys() { return kKeys; }
-
 const SettingKey* FindSettingKey(std::string_view name) {
-  const auto* const found = std::find_if(kKeys.begin(), kKeys.end(),
+  const auto* const found = std::find_if(kSettingKeys.begin(), kSettingKeys.end(),
                                          [&](const SettingKey& key) { return EqualNoCase(key.Name, name); });
-  return found == kKeys.end() ? nullptr : found;
+  return found == kSettingKeys.end() ? nullptr : found;
 }
 
 std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key) {
-  const int place = PlaceOf(text, key);
+  const int place = PlaceOfSetting(text, key);
   if (place == kNowhere) return std::nullopt;
   return std::string(Trimmed(GetLineAt(text, place)));
 }

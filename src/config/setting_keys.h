@@ -7,21 +7,18 @@
 #include <string_view>
 
 #include "config/cfg_store.h"
+#include "config/key_table.h"
 
 namespace keplo {
-
-/// A key of [General] that a user may change, and the numbers that it takes.
-struct SettingKey {
-  std::string_view Name;
-  std::string_view Takes;  // for a person
-  bool (*Fits)(std::string_view text, std::int64_t number);
-};
 
 /// In the order of the file.
 std::span<const SettingKey> SettingKeys();
 /// @param name in any letter case
 /// @return null if there is no such key
 const SettingKey* FindSettingKey(std::string_view name);
+
+/// The position after a key's = inside [General], where a start-up reads it; 0 if it is missing there.
+int PlaceOfSetting(std::string_view text, const SettingKey& key);
 
 /// The value of a key as it stands in [General]; none if the key is missing there.
 std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key);

@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <random>
 
 #include "config/commands.h"
-#include "config/protocols.h"
 #include "config/values.h"
 #include "config_builder.h"
 #include "failure.h"
@@ -242,69 +240,43 @@ TEST(RemoveCommand, RefusesAheadOfTheSaveIfThePlaceholderDoesNotFit) {
   EXPECT_TRUE(disk.Store.CfgText == full && disk.File() == full);
 }
 
-/// Commands as the user knows them, by section.
-using Model = std::map<std::string, std::map<std::string, std::string>>;
-
-Model Read(const std::string& text) {
-  Model model;
-  for (const std::string& protocol : ListProtocols(text)) {
-    for (const LearnedCommand& command : ListCommands(text, protocol)) {
-      if (command.Code + "," + command.Name != kPlaceholderLine) model[protocol][command.Name] = command.Code;
-    }
+TEST(RenameCommand, ChangesTheNameAlone) {
+  StoreOnDisk disk(With({"# above", "G1010,POWER", "G1110,UP", "# below"}));
+  struct Case {
+    std::string Protocol, Name, NewName, Refused;
+  };
+  for (const Case& c : std::vector<Case>{
+           {"NEC", "POWER", "UP", "This command name is in use for the current protocol."},
+           {"NEC", "POWER", "A B", "Use only a-z, A-Z,'-','_' characters"},
+           {"NEC", "DOWN", "LEFT", "The protocol has no command DOWN."},
+           {"Template", "EMPTY", "LEFT", "This protocol is read-only."},
+           {"JVC", "POWER", "LEFT", "The configuration has no whole section of a protocol JVC."},
+           {"NEC", "power", " POWE ", ""}}) {
+    EXPECT_EQ(RefusalText(RenameCommand(disk.Store, c.Protocol, c.Name, c.NewName)), c.Refused) << c.NewName;
   }
-  return model;
+  EXPECT_EQ(disk.File(), With({"# above", "G1010,POWE", "G1110,UP", "# below"}));
+  StoreOnDisk empty(With({"G10,EMPTY"}));
+  EXPECT_EQ(RenameCommand(empty.Store, "NEC", "EMPTY", "LEFT").Refused, Refusal::NoSuchCommand);
 }
 
-void ExpectWhole(CfgStore& store) {
-  const std::string& text = store.CfgText;
-  EXPECT_EQ(WalkSections(text).Ended, WalkEnd::ClosingHeader);
-  EXPECT_EQ(ListProtocols(text), (Commands{"NEC", "SONY", "RC5", "Template"}));
-  EXPECT_EQ(text.substr(text.size() - 9), "\r\n[END]\r\n");
-  for (const std::string& protocol : ListProtocols(text)) {
-    store.CurProtocol = protocol;
-    ProtocolParams params;
-    std::int16_t kind = 0;
-    EXPECT_TRUE(LoadProtocolParams(text, protocol, params, kind));
-    EXPECT_EQ(CountCommands(store), static_cast<int>(ListCommands(text, protocol).size()));
-    EXPECT_EQ(FindPlaceholder(text, protocol).has_value(), Read(text)[protocol].empty()) << text;
-  }
-}
-
-TEST(LongUse, KeepsTheFileWholeAndTheCommandsRight) {
-  std::mt19937 random(11);
-  const std::string sections[] = {"NEC", "SONY", "RC5"};
-  const std::string initial = Config(Protocol("NEC", {"G10,EMPTY"}) + Protocol("SONY", {"G10,EMPTY"}) +
-                                     Protocol("RC5", {"G10,EMPTY"}));
-  tests::FakeDisk disk;
-  disk.Put("keplo.cfg", initial);
-  CfgStore store("/home/keplo.cfg", disk);
-  LoadConfig(store);
-  Model model;
-  for (int step = 0; step < 2000; ++step) {
-    const std::string protocol = sections[random() % 3], name = "KEY-" + std::to_string(10 + random() % 40);
-    std::string code = "G";
-    for (int bit = 0; bit < 8; ++bit) code += random() % 2 == 0 ? '0' : '1';
-    if (random() % 8 == 0) {
-      ASSERT_TRUE(SetGeneralValue(store, "COMPORT", std::to_string(random() % 30)));
-    } else if (random() % 5 < 3) {
-      const LearnResult result = AddCommand(store, protocol, code, name);
-      if (result.Done()) {
-        ASSERT_EQ(model[protocol].count(name), 0U);
-        model[protocol][name] = code;
-      }
-    } else {
-      const bool deleted = DeleteCommand(store, protocol, name).Done();
-      ASSERT_EQ(deleted, model[protocol].erase(name) > 0) << name;
-    }
-    ASSERT_EQ(store.CfgText, disk.Files().at("keplo.cfg"));
-    for (auto& [section, commands] : Read(store.CfgText)) ASSERT_EQ(commands, model[section]) << step;
-    if (step % 50 == 0) ExpectWhole(store);
-    if (HasFailure()) FAIL() << "step " << step;
-  }
-  std::map<std::string, int> codes;
-  for (const auto& [protocol, commands] : model) {
-    for (const auto& [name, code] : commands) EXPECT_EQ(++codes[code], 1) << code;
-  }
+TEST(Changes, RefuseANameThatMeansTwo) {
+  const Commands commands = {"G1010,Power", "G1110,POWER", "G1111,UP", "G0001,UP", "G0111,LEFT"};
+  StoreOnDisk disk(With(commands));
+  EXPECT_EQ(DeleteCommand(disk.Store, "NEC", "power").Refused, Refusal::CommandTwice);
+  EXPECT_EQ(RenameCommand(disk.Store, "NEC", "UP", "DOWN").Refused, Refusal::CommandTwice);
+  disk.Store.CurProtocol = "NEC";
+  disk.Store.CurCommand = "UP";
+  EXPECT_EQ(CheckDelete(disk.Store).Refused, Refusal::CommandTwice);
+  disk.Write(Config(Protocol("NEC", commands) + Protocol("nec", {"G0101,UP"})));
+  LoadConfig(disk.Store);
+  disk.Store.CurCommand = "LEFT";
+  EXPECT_EQ(CheckDelete(disk.Store).Refused, Refusal::SectionTwice);
+  EXPECT_EQ(DeleteCommand(disk.Store, "nec", "UP").Refused, Refusal::SectionTwice);
+  EXPECT_EQ(AddCommand(disk.Store, "NEC", "G0110", "DOWN").Refused, Refusal::SectionTwice);
+  disk.Write(With(commands));
+  LoadConfig(disk.Store);
+  EXPECT_TRUE(DeleteCommand(disk.Store, "NEC", "POWER").Done()) << "exactly one of them";
+  EXPECT_EQ(disk.File(), With({"G1010,Power", "G1111,UP", "G0001,UP", "G0111,LEFT"}));
 }
 
 }  // namespace

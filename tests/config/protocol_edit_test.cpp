@@ -208,6 +208,12 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
       {Replaced(Config(mine), "[Template]", "see [Template]"), Refusal::HeaderLine, Refusal::None,
        Refusal::None},
       {mine + Config(mine), Refusal::None, Refusal::SectionTwice, Refusal::SectionTwice},
+      {Config(mine + Protocol("MINE", {"G1,A"})), Refusal::None, Refusal::SectionTwins,
+       Refusal::SectionTwins},
+      {Replaced(Config(mine), "[Template]", "Template]"), Refusal::NoTemplate, Refusal::HeaderMissing,
+       Refusal::HeaderMissing},
+      {Replaced(Config(mine), "BIT1=", "G1100,UP\r\nBIT1="), Refusal::None, Refusal::CommandAmongKeys,
+       Refusal::None},
   };
   ProtocolDraft edited = Draft();
   edited.Name = "Mine";
@@ -216,6 +222,7 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
     EXPECT_EQ(EditedSection(c.Text, edited).Refused, c.Edit) << c.Text;
     EXPECT_EQ(WithoutSection(c.Text, "Mine").Refused, c.Delete) << c.Text;
   }
+  EXPECT_EQ(EditedSection(cases.back().Text, edited).Refused.Line, 16);
 }
 
 TEST(ProtocolEdit, ChangesNothingThatItCannotSave) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "config/check_config.h"
+#include "config/commands.h"
 #include "config/numbers.h"
+#include "config/protocols.h"
 #include "config/read_settings.h"
 #include "config/values.h"
 #include "config_builder.h"
@@ -107,6 +109,8 @@ TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
       {Replaced(whole, "BIT0=", "BIT="), "BIT0= of [NEC] was not found behind line 14"},
       {Replaced(whole, "[Template]", "(Template)"), ""},
       {Replaced(whole, "a test", "[a] test"), "GPROTO= of [NEC] was not found behind line 10"},
+      {Replaced(whole, "[Template]", "[nec]"), "[NEC] in line 9 and [nec] in line 21 have the same name"},
+      {Replaced(whole, "a test", std::string(4000, '[')), "holds one [ after another"},
       {lfOnly, "line 1 does not end in CR LF"},
       {Replaced(whole, "ITYPE= 0\r", "ITYPE= 0"), "line 5 does not end in CR LF"},
       {Replaced(whole, "ITYPE= 0\r\n", "ITYPE= 0\r"), "line 5 does not end in CR LF"},
@@ -118,6 +122,21 @@ TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
     EXPECT_EQ(damage.empty(), told.empty()) << damage;
     EXPECT_NE(damage.find(told), std::string::npos) << told << ": " << damage;
     EXPECT_TRUE(told.empty() || damage.rfind(disk.Store.Path.string() + ": ", 0) == 0) << damage;
+  }
+}
+
+TEST(Searches, EndSoonInATextOfNothingButHeadersOrCommas) {
+  for (const std::string part : {"[", "[a", "[\r\n", "[a]\r\n", "G1,A\r", ","}) {
+    std::string run;
+    while (run.size() <= kMostCharacters - Config("").size() - part.size()) run += part;
+    const std::string text = Config(run);
+    StoreOnDisk disk(text);
+    CheckConfig(disk.Store);
+    for (const std::string& protocol : ListProtocols(text)) {
+      if (protocol.size() > 5) ListCommands(text, protocol);
+    }
+    SaveConfig(disk.Store);
+    EXPECT_EQ(disk.File(), text);
   }
 }
 
