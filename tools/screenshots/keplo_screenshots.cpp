@@ -208,7 +208,7 @@ int main(int argc, char** argv) {
   }
   QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
   QApplication::setPalette(QPalette(QColor(0xF0, 0xF0, 0xF0)));
-  const QDir folder(QString::fromLocal8Bit(argv[1]));
+  const QDir folder(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
 
   keplo::Scene scene;
   bool saved = scene.SaveControl(folder.filePath(QStringLiteral("control.png")));

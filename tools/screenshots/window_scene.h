@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 #include <QWidget>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -76,10 +77,14 @@ class WindowScene {
     form_.CalibrationMenu_Click();
     boxes_.Agrees = false;
   }
-  /// Starts on a file that cannot be used.
+  /// Starts on a file that cannot be used. Its folder is told by its place in the current one, since pictures of
+  /// two runs are to be the same.
   void LoadDamagedFile() {
-    folder_.Write("keplo.cfg", "[General]\r\n");
-    form_.Form_Load();
+    std::filesystem::create_directory(folder_.Path() / "keplo");
+    folder_.Write("keplo/keplo.cfg", "[General]\r\n");
+    std::filesystem::current_path(folder_.Path());
+    KeploMod mod("keplo", files_);
+    Form1(mod, line_, boxes_).Form_Load();
   }
   void Record() {
     line_.Captures.push_back(Bytes(Runs(NecRuns("00000000111111110110100010010111"))));
