@@ -77,7 +77,7 @@ QWidget* MakeBoxedLabel(Form1& form, const ControlRow& row, QWidget* parent) {
   if (&label == &form.Signal) {
     const QRectF part(QPointF(row.At.Left, row.At.Top) / kTwipsPerPixel,
                       QSizeF(row.At.Width, row.At.Height) / kTwipsPerPixel);
-    return new TraceView(label, form.Surface, part, parent);
+    return new TraceView(form, part, parent);
   }
   // What has a label of its own is a line of text; all others are a word or a number.
   if (LabelOf(row) != nullptr) return new LongLabelView(label, ShownText(row.Tip), parent);

@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QLabel>
 #include <QScreen>
+#include <QShortcut>
 #include <QStyle>
 #include <QWindow>
 #include <algorithm>
@@ -47,6 +48,9 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   scrolled_->setWidget(inside_);
   for (const ControlRow& row : Controls()) AddControl(row);
   AddTabOrder();
+  auto* toTrace = new QShortcut(Qt::ALT | Qt::Key_W, this);
+  QWidget* trace = views_.at(FindControl("Signal"));
+  connect(toTrace, &QShortcut::activated, trace, [trace] { trace->setFocus(Qt::ShortcutFocusReason); });
   Rescale();
   wait_.emplace(*this, *views_.at(FindControl("Signal")));
   form_.OnWait = [this](std::string_view text) { wait_->Show(text); };

@@ -25,6 +25,7 @@
 #include "ui/window.h"
 #include "window/layout.h"
 #include "window/validation.h"
+#include "window/wave_reading.h"
 
 namespace keplo {
 
@@ -123,6 +124,18 @@ class Form1 : public ui::Window {
   std::function<std::string()> OpenManual;
   std::function<bool(const std::string& address)> OpenWebPage;
 
+  /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
+  /// pixels of the design from the left edge of the surface.
+  WaveReading Wave;
+  double WavePlace(double sample) const;
+  double WaveSample(double place) const;
+  /// Stretches the trace by a factor; what stands at a place stays there.
+  void ZoomWave(double place, double factor);
+  /// Slides the trace to the right, in samples.
+  void SlideWave(int samples) { HScroll1.SetValue(HScroll1.Value() + samples); }
+  /// Shows the whole trace.
+  void FitWave();
+
   /// Where the trace is drawn: the inside of the window at its full size, in pixels of the design. It lies on
   /// the Signal box, and only that part of it ever carries anything.
   ui::DrawingSurface Surface{kFullInner.Width / kTwipsPerPixel, kFullInner.Height / kTwipsPerPixel};
@@ -213,6 +226,7 @@ class Form1 : public ui::Window {
   void StartTrace();
   bool CanZoom() const;
   void ZoomTo(double zoom);
+  void ShowWaveAt(double sample, double place, double zoom);
 
   KeploMod& mod_;
   Win32Ser& line_;

@@ -43,31 +43,7 @@ class MainWindowOnScreen : public tests::WindowTest {
   void Record() {
     line_.Captures.push_back(tests::Bytes(tests::Runs(tests::NecRuns(kDigits))));
     Click("RecButton");
-  }
-
-  QImage Box() { return Find("Signal").grab().toImage(); }
-
-  /// Whether the trace is lit at a place of the inside of the window, pixels of the design.
-  bool Lit(const QImage& box, double x, double y) {
-    const Place at = FindControl("Signal")->At;
-    const double across = box.width() * double{kTwipsPerPixel} / at.Width;
-    const double down = box.height() * double{kTwipsPerPixel} / at.Height;
-    const auto column = std::lround((x - at.Left / double{kTwipsPerPixel}) * across);
-    const auto row = std::lround((y - at.Top / double{kTwipsPerPixel}) * down);
-    const QColor colour = box.pixelColor(static_cast<int>(column), static_cast<int>(row));
-    EXPECT_TRUE(colour == QColor(Qt::green) || colour == QColor(Qt::black)) << colour.name().toStdString();
-    return colour == QColor(Qt::green);
-  }
-
-  /// The level that is lit from a place on, as a word of '1', '0', '|' for both and '.' for none.
-  std::string Levels(double from, int count, double step = 1) {
-    const QImage box = Box();
-    std::string levels;
-    for (int i = 0; i < count; ++i) {
-      const bool upper = Lit(box, from + i * step, kUpper), lower = Lit(box, from + i * step, kLower);
-      levels += upper && lower ? '|' : upper ? '1' : lower ? '0' : '.';
-    }
-    return levels;
+    QCoreApplication::processEvents();  // the input of the busy time is dropped
   }
 
   std::string Focus() { return QApplication::focusWidget()->objectName().toStdString(); }
@@ -81,8 +57,6 @@ class MainWindowOnScreen : public tests::WindowTest {
     }
     return walked;
   }
-
-  static constexpr int kUpper = 197, kLower = 237;  // of the two levels, pixels of the design
 
   std::unique_ptr<Form1View> view_;
 };
@@ -141,35 +115,58 @@ TEST_F(MainWindowOnScreen, TabWalksInTheOrderOfTheTableAndStaysInTheSmallWindow)
   EXPECT_EQ(WalkByTab(), (Texts{"MinButton", "SendButton", "Protocol", "SendCmd"}));
 }
 
-TEST_F(MainWindowOnScreen, TheTraceLiesOnTheBoxWithADotASampleAndEdges) {
-  EXPECT_EQ(Levels(15, 500), std::string(500, '.'));
+TEST_F(MainWindowOnScreen, TheTraceIsReadByMouseAndByKeyboard) {
   Record();
-  EXPECT_EQ(Levels(21, 6), "..|111") << "the first sample stands at 23";
-  EXPECT_EQ(Levels(181, 4), "11|0") << "160 samples later";
-  EXPECT_EQ(Levels(262, 4), "0|11");
+  QWidget& trace = Find("Signal");
+  const auto across = [&](double sample) {
+    const Place at = FindControl("Signal")->At;
+    const double place = form_->WavePlace(sample) - at.Left / double{kTwipsPerPixel};
+    return QPointF(place * kTwipsPerPixel * trace.width() / at.Width, trace.height() / 2.0);
+  };
+  const auto click = [&](double sample) {
+    QTest::mouseClick(&trace, Qt::LeftButton, {}, across(sample).toPoint());
+  };
+  click(2);
+  EXPECT_EQ(trace.accessibleDescription(), QStringLiteral("mark 8800 us, 16.0 T cursor at 0.11 ms"));
+  click(102);
+  EXPECT_EQ(form_->Wave.CursorText(550), "distance 5500 us, 10.0 T");
 
-  const QImage drawn = Box();
-  view_->hide();
-  view_->show();
-  EXPECT_EQ(Box(), drawn) << "covered and uncovered";
+  QWheelEvent up(across(100), trace.mapToGlobal(across(100)), {}, {0, 240}, {}, {}, Qt::NoScrollPhase, false);
+  const double place = form_->WavePlace(100);
+  QApplication::sendEvent(&trace, &up);
+  EXPECT_NEAR(form_->WavePlace(100), place, 4);
+  EXPECT_EQ(form_->WavePlace(101) - form_->WavePlace(100), 4) << "pixels a sample";
+  const QPoint from = across(100).toPoint(), to = across(80).toPoint();
+  QTest::mousePress(&trace, Qt::LeftButton, {}, from);
+  QTest::mouseMove(&trace, to);
+  QTest::mouseRelease(&trace, Qt::LeftButton, {}, to);
+  EXPECT_NEAR(form_->WavePlace(100), place - 80, 8) << "dragged along";
+  QTest::mouseDClick(&trace, Qt::LeftButton, {}, to);
+  EXPECT_GT(form_->WavePlace(0), 20);
+  EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), 533) << "the whole of it";
+
+  Find("SendButton").setFocus();
+  QTest::keyClick(view_.get(), Qt::Key_W, Qt::AltModifier);
+  EXPECT_EQ(Focus(), "Signal");
+  for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Left, Qt::Key_Left, Qt::Key_Space, Qt::Key_Right,
+                            Qt::Key_Space, Qt::Key_Plus})
+    QTest::keyClick(&trace, key);
+  EXPECT_EQ(trace.accessibleDescription(), QStringLiteral("space 4400 us, 8.0 T distance 8800 us, 16.0 T"));
 }
 
-TEST_F(MainWindowOnScreen, TheTraceFollowsZoomAndScrollBar) {
+TEST_F(MainWindowOnScreen, TheTraceIsOneLineAtEveryZoom) {
   Record();
-  Click("GExt");
-  EXPECT_EQ(Levels(46, 6, 2), "|11111") << "two pixels a sample";
-  auto& bar = Find<QScrollBar>("HScroll1");
-  Click("GReset");
-  Click("Gshr");
-  EXPECT_EQ(Levels(91, 3), "1|0");
-  Click("GReset");
-  EXPECT_EQ(bar.singleStep(), 30);
-  EXPECT_EQ(bar.value(), 0) << "the left end";
-  QTest::keyClick(&bar, Qt::Key_Right);
-  EXPECT_EQ(form_->HScroll1.Value(), 15 - 30);
-  EXPECT_EQ(Levels(151, 4), "11|0");
-  QTest::keyClick(&bar, Qt::Key_End);
-  EXPECT_EQ(Levels(22, 5), "00...") << "the last sample";
+  for (const char* button : {"GReset", "GExt", "Gshr", "Gshr"}) {
+    Click(button);
+    const QImage box = Find("Signal").grab().toImage();
+    const int end = static_cast<int>(std::min(form_->WavePlace(400), 500.0) * box.width() * kTwipsPerPixel /
+                                     FindControl("Signal")->At.Width);
+    for (int x = box.width() / 10; x < end; ++x) {
+      bool lit = false;
+      for (int y = 0; y < box.height(); ++y) lit = lit || box.pixelColor(x, y) == QColor(Qt::green);
+      EXPECT_TRUE(lit) << button << " " << x;
+    }
+  }
 }
 
 TEST_F(MainWindowOnScreen, TheMenuBarHasItsKeysMarksAndWayOut) {
