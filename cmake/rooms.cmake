@@ -48,15 +48,20 @@ add_library(keplo_test_options INTERFACE)
 target_compile_options(keplo_test_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread>)
 
-# keplo_room_test(NAME [DEPENDS ...]): the test program of tests/NAME/*.cpp.
+# What ./test builds and runs.
+add_custom_target(tests)
+
+# keplo_room_test(NAME [DEPENDS ...] [PROPERTIES ...]): the test program of tests/NAME/*.cpp, and properties of
+# each of its tests.
 function(keplo_room_test name)
-  cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "DEPENDS;PROPERTIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${name}/*.cpp)
   if(sources)
     add_executable(${name}_test ${sources})
     target_include_directories(${name}_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name}_test PRIVATE keplo_options keplo_test_options ${ROOM_DEPENDS} GTest::gtest GTest::gtest_main)
     target_precompile_headers(${name}_test PRIVATE <gtest/gtest.h> <string> <vector>)
-    gtest_discover_tests(${name}_test TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60)
+    add_dependencies(tests ${name}_test)
+    gtest_discover_tests(${name}_test TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES ${ROOM_PROPERTIES})
   endif()
 endfunction()
