@@ -25,9 +25,6 @@ if(KEPLO_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
   add_link_options(-fsanitize=address,undefined)
 endif()
-if(KEPLO_TIDY)
-  set(CMAKE_CXX_CLANG_TIDY clang-tidy --extra-arg=-Wno-unknown-warning-option)
-endif()
 
 # keplo_room(NAME [DEPENDS ...]): the library keplo_NAME from all sources below src/NAME.
 function(keplo_room name)
@@ -60,6 +57,8 @@ function(keplo_room_test name)
     add_executable(${name}_test ${sources})
     target_include_directories(${name}_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name}_test PRIVATE keplo_options keplo_test_options ${ROOM_DEPENDS} GTest::gtest GTest::gtest_main)
+    # Each test file names its own data as it likes; the headers come precompiled instead.
+    set_target_properties(${name}_test PROPERTIES UNITY_BUILD OFF)
     target_precompile_headers(${name}_test PRIVATE <gtest/gtest.h> <string> <vector>)
     add_dependencies(tests ${name}_test)
     gtest_discover_tests(${name}_test TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES ${ROOM_PROPERTIES})
