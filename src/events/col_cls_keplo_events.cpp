@@ -49,7 +49,7 @@ bool colclsKeploEvents::Reporting(const char* operation, Body body) {
   try {
     return body();
   } catch (...) {
-    TellPresentFailure([&](const std::exception& failure) { Report(operation, failure); });
+    ReportCurrentFailure([&](const std::exception& failure) { Report(operation, failure); });
     return false;
   }
 }
@@ -105,7 +105,7 @@ void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
   } catch (const Failure&) {
     // Tables of earlier releases have no key on EventID. One repeated row must not keep the others from the
     // user.
-    TellPresentFailure([&](const std::exception& failure) { Report(".Initialise", failure); });
+    ReportCurrentFailure([&](const std::exception& failure) { Report(".Initialise", failure); });
     return;
   }
   stored_[EventKey(event->EventID)] = *event;

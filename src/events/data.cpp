@@ -92,7 +92,7 @@ std::int32_t Data::CloseConnection() try {
 }
 
 void Data::Keep(std::string_view procedure, std::string_view detail) noexcept {
-  TellPresentFailure([&](const std::exception& failure) {
+  ReportCurrentFailure([&](const std::exception& failure) {
     HostErrorRecord record =
         ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));
     record.ErrorDetail = detail;

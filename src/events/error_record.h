@@ -18,7 +18,7 @@ HostErrorRecord ErrorRecordOf(const std::exception& failure, std::string source,
 /// Hands the exception that is being handled to `tell`; one of a foreign kind comes as a std::exception that
 /// says so. A failure of `tell` itself is dropped, for nobody is left to hear of it.
 template <typename Tell>
-void TellPresentFailure(Tell tell) noexcept {
+void ReportCurrentFailure(Tell tell) noexcept {
   try {
     try {
       throw;

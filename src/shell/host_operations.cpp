@@ -6,22 +6,20 @@
 #include "config/protocols.h"
 #include "events/event_query.h"
 #include "events/event_row.h"
+#include "events/failure_numbers.h"
 #include "events/recordset.h"
+#include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
 #include "shell/about_text.h"
 #include "shell/keplo.h"
-#include "shell/pages.h"
+#include "shell/plugin_page.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr std::int32_t kFailed = 0;
-constexpr std::int32_t kDone = 1;
-constexpr std::int32_t kCancelled = 2;
 constexpr std::int32_t kAddMode = 0;
 constexpr std::int32_t kEditMode = 1;
-constexpr int kObjectNotSet = 91;
 
 void TellHost(HostInputEvent& objInputEvent, const clsKeploEvent& event) {
   objInputEvent.EventName = event.EventName;
@@ -35,11 +33,11 @@ std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
   frmEvent dialog(mod_.Store, mod_.Settings);
   const auto event = std::make_shared<clsKeploEvent>();
   event->EventID = objInputEvent.EventID;
-  if (!dialog.ShowMe(kAddMode, *event, windows_.EventDialog)) return kCancelled;
-  if (!m_EventCollection.Save(kAddMode, event)) return kFailed;
+  if (!dialog.ShowMe(kAddMode, *event, windows_.EventDialog)) return kInputCancelled;
+  if (!m_EventCollection.Save(kAddMode, event)) return kInputFailed;
   TellHost(objInputEvent, *event);
   AppendEventRow(ListView1, *event);
-  return kDone;
+  return kInputDone;
 } catch (const std::exception& failure) {
   return ReportFailure("InputAddEvent", failure);
 }
@@ -50,10 +48,10 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
   if (event == nullptr) {
     throw Failure(kObjectNotSet, "The event map has no event with the EventID " + objInputEvent.EventID);
   }
-  std::int32_t result = kCancelled;
+  std::int32_t result = kInputCancelled;
   if (dialog.ShowMe(kEditMode, *event, windows_.EventDialog)) {
-    result = m_EventCollection.Save(kEditMode, event) ? kDone : kFailed;
-    if (result == kDone) TellHost(objInputEvent, *event);
+    result = m_EventCollection.Save(kEditMode, event) ? kInputDone : kInputFailed;
+    if (result == kInputDone) TellHost(objInputEvent, *event);
   }
   // After a change that met another program's, the collection has the event anew.
   const auto present = m_EventCollection.Item(EventKey(objInputEvent.EventID));
@@ -65,10 +63,10 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
 
 std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   const int row = ListView1.FindRow(kEventID, objInputEvent.EventID);
-  if (row == 0) return kFailed;
+  if (row == 0) return kInputFailed;
   ListView1.Remove(row);
   m_EventCollection.Remove(EventKey(objInputEvent.EventID));
-  if (mod_.modData->CheckConnection() != 1) return kFailed;
+  if (mod_.modData->CheckConnection() != 1) return kInputFailed;
   try {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
@@ -78,7 +76,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   } catch (const std::exception&) {
     // A step that fails is skipped, and nobody is told.
   }
-  return kDone;
+  return kInputDone;
 }
 
 std::int32_t Keplo::InputHouseKeepingGetEventIDs(std::vector<std::string>& eventIDs) const {
@@ -86,7 +84,7 @@ std::int32_t Keplo::InputHouseKeepingGetEventIDs(std::vector<std::string>& event
   for (int row = 1; row <= ListView1.Count(); ++row) {
     eventIDs[static_cast<std::size_t>(row - 1)] = ListView1.Text(row, kEventID);
   }
-  return kDone;
+  return kInputDone;
 }
 
 std::string Keplo::InputIconFileName() const { return (mod_.AppPath / "inkeplo.ico").string(); }
@@ -95,22 +93,22 @@ void Keplo::InputDisplayAboutBox() { windows_.Boxes.Message(AboutText(), "InputK
 
 std::int32_t Keplo::InputGetPluginMenuItems(std::vector<std::string>& mnuItems) const {
   mnuItems = {"Configure Infrared Interface"};
-  return kDone;
+  return kInputDone;
 }
 
 std::int32_t Keplo::InputGetPluginVersion(std::string& szVersion) const {
   szVersion = VersionText;
-  return kDone;
+  return kInputDone;
 }
 
 std::int32_t Keplo::InputGetHTMLPage(std::string& szHTML) const {
   szHTML = EventPage(ListView1, PageRequest::Get);
-  return kDone;
+  return kInputDone;
 }
 
 std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
   szHTML = EventPage(ListView1, PageRequest::Post);
-  return kDone;
+  return kInputDone;
 }
 
 void Keplo::OpenMainWindow() {
@@ -121,7 +119,7 @@ void Keplo::OpenMainWindow() {
   try {
     if (windows_.OpenMainWindow) windows_.OpenMainWindow();
   } catch (const std::exception& failure) {
-    ReportFailure("OpenMainWindow", failure);  // monitoring goes on as behind a window that was closed
+    ReportFailure("OpenMainWindow", failure);  // monitoring goes on as after a window that was closed
   }
   windowOpen_ = false;
 }
@@ -159,7 +157,7 @@ std::int32_t Keplo::InputConfigurePlugin() {
   }
   SaveConfiguration();
   SetTimer();
-  return kDone;
+  return kInputDone;
 }
 
 }  // namespace keplo

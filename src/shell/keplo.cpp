@@ -4,13 +4,13 @@
 #include <utility>
 
 #include "config/read_settings.h"
+#include "events/error_record.h"
 #include "events/event_row.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr std::int32_t kFailureWithoutNumber = 5;
 constexpr int kOpenAttempts = 5;
 constexpr std::int32_t kPauseBetweenAttempts = 200000;  // microseconds
 
@@ -148,15 +148,10 @@ void Keplo::RaiseError(HostErrorRecord& record) const {
 }
 
 std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) noexcept try {
-  const auto* numbered = dynamic_cast<const Failure*>(&failure);
   // The host's handler may release the record; it lives to the end of the report.
-  const auto record = std::make_shared<HostErrorRecord>();
+  const auto record = std::make_shared<HostErrorRecord>(
+      ErrorRecordOf(failure, "InputKeplo.Keplo", std::string(procedure), ui::RecordDate(clock_.Now())));
   ErrorDetails = record;
-  record->ErrorDate = ui::RecordDate(clock_.Now());
-  record->ErrorDescription = failure.what();
-  record->ErrorProcedure = procedure;
-  record->ErrorNumber = numbered != nullptr ? numbered->Number() : kFailureWithoutNumber;
-  record->ErrorSource = "InputKeplo.Keplo";
   RaiseError(*record);
   return 0;
 } catch (...) {

@@ -1,5 +1,5 @@
 #include "events/event_row.h"
-#include "shell/pages.h"
+#include "shell/plugin_page.h"
 #include "shell_fixture.h"
 
 namespace keplo {

@@ -12,7 +12,7 @@ std::string HtmlLine(std::string_view text);
 /// What closes a page.
 std::string HtmlClose();
 
-/// Which request a page answers. The page of a POST has one more opening tag, ahead of the first heading;
+/// Which request a page answers. The page of a POST has one more opening tag, before the first heading;
 /// hosts have always been sent it so.
 enum class PageRequest { Get, Post };
 

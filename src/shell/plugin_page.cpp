@@ -1,4 +1,4 @@
-#include "shell/pages.h"
+#include "shell/plugin_page.h"
 
 #include <array>
 
