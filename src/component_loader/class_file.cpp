@@ -6,7 +6,8 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "disk/atomic_file.h"
+#include "disk/posix_file_system.h"
+#include "disk/replace_file.h"
 #include "failure.h"
 #include "program/environment.h"
 
@@ -35,7 +36,15 @@ void WriteClassFile(const std::string& className, const std::filesystem::path& c
   nlohmann::ordered_json json;
   json["class"] = className;
   json["component"] = component.string();
-  WriteWholeFile(ClassFilePath(className), json.dump(2) + "\n");
+  const std::filesystem::path path = ClassFilePath(className);
+  std::error_code ignored;  // a folder that cannot be made is told by the writing
+  std::filesystem::create_directories(path.parent_path(), ignored);
+  PosixFileSystem files;
+  try {
+    ReplaceFile(files, path, json.dump(2) + "\n")->Flush();
+  } catch (const Failure& failure) {
+    throw CannotBeWritten(path, failure);
+  }
 }
 
 void RemoveClassFile(const std::string& className) {

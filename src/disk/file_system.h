@@ -9,6 +9,11 @@
 
 namespace keplo {
 
+/// The folder that a file lies in, as the path has it.
+inline std::filesystem::path FolderOf(const std::filesystem::path& file) {
+  return file.has_parent_path() ? file.parent_path() : ".";
+}
+
 /// Who may do what with a file.
 struct FileAttributes {
   unsigned Mode = 0;  // permission bits
@@ -52,8 +57,8 @@ class LockedFolder {
   virtual void Flush() = 0;
 };
 
-/// The file operations of the configuration store. All of them throw Failure with the platform's error number
-/// and a text that names path and reason.
+/// The file operations of everything that is stored. All of them throw Failure with the platform's error
+/// number and a text that names path and reason.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;

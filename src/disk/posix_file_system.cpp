@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "disk/descriptor.h"
 #include "failure.h"
 
 namespace keplo {
@@ -32,24 +33,6 @@ constexpr std::chrono::milliseconds kBetweenLockTries{1};
 void Require(bool done, const path& name) {
   if (!done) Fail(errno, name);
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  Descriptor& operator=(Descriptor&&) = delete;
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-
-  int Number() const { return number_; }
-  bool IsOpen() const { return number_ >= 0; }
-
- private:
-  int number_;
-};
 
 struct stat StatusOf(int descriptor, const path& name) {
   struct stat status {};
@@ -156,8 +139,6 @@ class PosixNewFile : public NewFile {
   Unpublished unpublished_;
 };
 
-path ParentOf(const path& name) { return name.has_parent_path() ? name.parent_path() : "."; }
-
 }  // namespace
 
 std::uintmax_t PosixFileSystem::Size(const path& path) {
@@ -217,7 +198,7 @@ std::unique_ptr<LockedFolder> PosixFileSystem::Lock(const path& folder) {
 std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode) {
   // A nameless file gets its name through its descriptor's entry in /proc, which a jail may lack.
   if (unpublished_ == Unpublished::Nameless && access(kOwnDescriptors, X_OK) == 0) {
-    Descriptor nameless(open(ParentOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+    Descriptor nameless(open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     if (nameless.IsOpen())
       return std::make_unique<PosixNewFile>(path, std::move(nameless), Unpublished::Nameless);
     if (errno != EOPNOTSUPP && errno != EISDIR) Fail(errno, path);

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "disk/descriptor.h"
+
 namespace keplo {
 
 namespace {
@@ -24,14 +26,10 @@ class Input {
  public:
   // Without O_NONBLOCK opening a pipe would wait for somebody to write, with no way to hear of a signal.
   explicit Input(const std::string& path)
-      : number_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+      : opened_(path == "-" ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+        number_(path == "-" ? STDIN_FILENO : opened_.Number()) {
     Require(number_ >= 0);
   }
-  ~Input() {
-    if (number_ != STDIN_FILENO) close(number_);
-  }
-  Input(const Input&) = delete;
-  Input& operator=(const Input&) = delete;
 
   /// @return how many bytes came; 0 at the end
   std::size_t Read(char* bytes, std::size_t most) const {
@@ -46,6 +44,7 @@ class Input {
   }
 
  private:
+  Descriptor opened_;
   int number_;
 };
 

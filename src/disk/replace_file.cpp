@@ -1,8 +1,7 @@
 #include "disk/replace_file.h"
 
 #include <cerrno>
-
-#include "failure.h"
+#include <system_error>
 
 namespace keplo {
 
@@ -16,10 +15,6 @@ constexpr std::size_t kMostBytesRead = std::size_t{1} << 20;
 /// away by the next save; the lock on the folder keeps two saves apart.
 std::filesystem::path TemporaryName(const std::filesystem::path& target) {
   return target.parent_path() / ("." + target.filename().string() + ".new");
-}
-
-std::filesystem::path FolderOf(const std::filesystem::path& target) {
-  return target.has_parent_path() ? target.parent_path() : ".";
 }
 
 void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
@@ -55,23 +50,39 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
   }
 }
 
-std::unique_ptr<LockedFolder> ReplaceFile(
-    FileSystem& files, const std::filesystem::path& path, std::string_view content,
-    const std::function<void(const std::filesystem::path& target, const std::string& old)>& onOld) {
-  const std::filesystem::path target = files.Resolve(path);
-  const std::filesystem::path temporary = TemporaryName(target);
-  std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
+void ReplaceInLockedFolder(FileSystem& files, const std::filesystem::path& target, std::string_view content,
+                           const OnOldContent& onOld) {
   const std::optional<FileAttributes> old = files.Attributes(target);
   if (old && !old->Writable) throw Failure(EACCES, target.string() + ": the file is write-protected");
-  if (old) {
+  if (old && onOld) {
     if (files.Size(target) > kMostBytesRead) {
       throw Failure(EFBIG,
                     target.string() + ": another program has made it larger than a configuration can be");
     }
     onOld(target, files.Read(target, kMostBytesRead));
   }
+  const std::filesystem::path temporary = TemporaryName(target);
   WriteBeside(files, temporary, old, content, [&] { files.Rename(temporary, target); });
+}
+
+std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesystem::path& path,
+                                          std::string_view content, const OnOldContent& onOld) {
+  const std::filesystem::path target = files.Resolve(path);
+  std::unique_ptr<LockedFolder> folder = files.Lock(FolderOf(target));
+  ReplaceInLockedFolder(files, target, content, onOld);
   return folder;
+}
+
+std::unique_ptr<LockedFolder> LockFolderOf(FileSystem& files, const std::filesystem::path& file) try {
+  return files.Lock(FolderOf(file));
+} catch (const Failure& failure) {
+  if (failure.Number() == EWOULDBLOCK) throw;
+  throw CannotBeWritten(file, failure);
+}
+
+Failure CannotBeWritten(const std::filesystem::path& path, const Failure& cause) {
+  return {cause.Number(),
+          path.string() + " cannot be written: " + std::generic_category().message(cause.Number())};
 }
 
 std::filesystem::path KeepAside(FileSystem& files, const std::filesystem::path& file,

@@ -6,10 +6,12 @@
 #include <cerrno>
 #include <memory>
 #include <string>
+#include <system_error>
 
+#include "disk/posix_file_system.h"
+#include "disk/replace_file.h"
 #include "events/event_schema.h"
 #include "events/failure_numbers.h"
-#include "events/new_database_file.h"
 #include "events/sqlite_failure.h"
 #include "events/sqlite_handle.h"
 #include "failure.h"
@@ -62,6 +64,11 @@ std::string JournalsOf(const std::filesystem::path& path) {
   return found;
 }
 
+[[noreturn]] void RefuseToReplace(const std::filesystem::path& path) {
+  throw Failure(EEXIST, DatabaseText(path.string(), "exists already and was left as it is",
+                                     "Move it away first to start with an empty one."));
+}
+
 /// SQLite would play a journal whose database is gone into the new file; that database may need it.
 void RequireNothingInPlace(const std::filesystem::path& path) {
   const std::string journals = JournalsOf(path);  // ahead of the file, which another program may make now
@@ -76,9 +83,17 @@ void RequireNothingInPlace(const std::filesystem::path& path) {
 
 void CreateEventTable(const std::filesystem::path& path) {
   RequireNothingInPlace(path);
-  NewDatabaseFile file(path);
-  file.Write(EmptyDatabase());
-  file.TakePlace();
+  const std::string empty = EmptyDatabase();
+  PosixFileSystem files;
+  try {
+    if (!CreateFile(files, path, empty)) RefuseToReplace(path);
+  } catch (const Failure& failure) {
+    const bool explained = failure.Number() == EEXIST || failure.Number() == EWOULDBLOCK;
+    if (explained) throw;
+    const std::string reason = std::generic_category().message(failure.Number());
+    throw Failure(failure.Number(), DatabaseText(path.string(), "cannot be made (" + reason + ")",
+                                                 "Check the folder and the room on its disk."));
+  }
 }
 
 }  // namespace keplo

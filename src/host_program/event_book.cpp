@@ -1,20 +1,16 @@
 #include "host_program/event_book.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <thread>
 #include <utility>
 
-#include "disk/atomic_file.h"
+#include "disk/posix_file_system.h"
+#include "disk/replace_file.h"
 #include "failure.h"
 
 namespace keplo::host {
@@ -22,8 +18,6 @@ namespace keplo::host {
 namespace {
 
 constexpr int kVersion = 1;
-constexpr int kLockTries = 100;  // together 2 s, far more than a save takes
-constexpr std::chrono::milliseconds kBetweenLockTries{20};
 
 /// The number that an identifier is; 0 for one that is none.
 long NumberOf(const std::string& eventID) {
@@ -53,39 +47,6 @@ nlohmann::json ReadBook(const std::filesystem::path& file) {
   return book;
 }
 
-/// Keeps others from saving in a folder, for the life of the object. The folder is locked since a book itself
-/// is replaced with each change. Where the file system has no locks there is none.
-class FolderLock {
- public:
-  explicit FolderLock(const std::filesystem::path& folder)
-      : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    for (int tries = kLockTries; IsHeldByAnother(); --tries) {
-      if (tries == 0) {
-        close(descriptor_);
-        throw Failure(EWOULDBLOCK,
-                      folder.string() + ": another program keeps saving in this folder. Try again.");
-      }
-      std::this_thread::sleep_for(kBetweenLockTries);
-    }
-  }
-  ~FolderLock() {
-    if (descriptor_ >= 0) close(descriptor_);
-  }
-  FolderLock(const FolderLock&) = delete;
-  FolderLock& operator=(const FolderLock&) = delete;
-
- private:
-  bool IsHeldByAnother() const {
-    return flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR);
-  }
-
-  int descriptor_;
-};
-
-std::filesystem::path FolderOf(const std::filesystem::path& file) {
-  return file.has_parent_path() ? file.parent_path() : ".";
-}
-
 }  // namespace
 
 EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)) { Read(); }
@@ -108,13 +69,21 @@ void EventBook::ReadIfChanged() {
 
 void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) {
   std::error_code ignored;  // a folder that cannot be made is told by the writing
-  std::filesystem::create_directories(FolderOf(file_), ignored);
-  const FolderLock lock(FolderOf(file_));
+  PosixFileSystem files;
+  const std::filesystem::path target = files.Resolve(file_);
+  std::filesystem::create_directories(FolderOf(target), ignored);
+  // The folder is locked since a book itself is replaced with each change.
+  const std::unique_ptr<LockedFolder> folder = LockFolderOf(files, target);
   Read();
   nlohmann::json changed = book_;
   change(changed);
   if (changed == book_) return;
-  WriteWholeFile(file_, changed.dump(2) + "\n");
+  try {
+    ReplaceInLockedFolder(files, target, changed.dump(2) + "\n");
+    folder->Flush();
+  } catch (const Failure& failure) {
+    throw CannotBeWritten(file_, failure);
+  }
   book_ = std::move(changed);
   stamp_ = StampOfFile();
 }
