@@ -32,6 +32,15 @@ bool IsThere(const std::filesystem::path& path) {
   return type != std::filesystem::file_type::not_found;
 }
 
+/// @return false if another first start has made it meanwhile
+bool CreateDatabase(const std::filesystem::path& database) try {
+  CreateEventTable(database);
+  return true;
+} catch (const Failure& failure) {
+  if (failure.Number() == EEXIST && IsThere(database)) return false;
+  throw;
+}
+
 }  // namespace
 
 bool IsSetUp(const std::filesystem::path& appPath) {
@@ -45,8 +54,7 @@ bool BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) 
     if (!IsThere(appPath / shipped.Name)) brought |= CreateFile(files, appPath / shipped.Name, shipped.Bytes);
   }
   if (const auto database = appPath / kDatabaseFile; !IsThere(database)) {
-    CreateEventTable(database);
-    brought = true;
+    brought |= CreateDatabase(database);
   }
   return brought;
 }

@@ -228,31 +228,5 @@ TEST_F(HostOperations, AnswersTheHostsQuestions) {
   EXPECT_EQ(boxes_.Shown.size(), 1U);
 }
 
-TEST(Pages, AreSentToTheLetter) {
-  ui::ListView list;
-  AppendEventRow(list, {"17", "<b>\"Lamp\" & co", "POWER from NEC", "NEC&POWER", true, 0});
-  const std::string table =
-      "<HTML><table border=\"1\" cellpadding=\"0\" cellspacing=\"0\" style=\"border-collapse: collapse\" "
-      "bordercolor=\"#000080\" id=\"AutoNumber1\" bordercolorlight=\"#0000FF\" bordercolordark=\"#000080\" "
-      "bgcolor=\"#00FFFF\">\r\n<tr>";
-  const std::string extra = "<th bordercolor=\"#000080\" bgcolor=\"#C0C0C0\">";
-  std::string rest;
-  for (const std::string heading :
-       {"Event Name", "Event Description", "Infrared Command", "Activated", "Zone", "Event ID"}) {
-    rest += extra + "<p align=\"center\"><font face=\"Verdana\" size=\"2\">" + heading + "</font></th>\r\n";
-  }
-  rest += "</tr>\r\n<tr>\r\n";
-  for (const std::string cell : {"<b>\"Lamp\" & co", "POWER from NEC", "NEC&POWER", "True", "0", "17"}) {
-    rest += "<td align=\"center\"><font face=\"Verdana\" size=\"2\">" + cell + "</font></td>\r\n";
-  }
-  rest += "</tr>\r\n</TABLE></BODY>\r\n</HTML>\r\n";
-  EXPECT_EQ(EventPage(list, PageRequest::Get), table + rest);
-  EXPECT_EQ(EventPage(list, PageRequest::Post), table + extra + rest);
-
-  list.Remove(1);
-  const std::string empty = EventPage(list, PageRequest::Get);
-  EXPECT_EQ(empty.substr(empty.rfind("</th>")), "</th>\r\n</tr>\r\n</TABLE></BODY>\r\n</HTML>\r\n");
-}
-
 }  // namespace
 }  // namespace keplo
