@@ -66,7 +66,7 @@ class colclsKeploEvents {
   /// @param list the event list; must outlive this object
   /// A row that repeats an EventID is reported and left out.
   /// @return false if the table cannot be read, which Data tells, or if a row cannot be used, which is
-  ///         reported; the rows ahead of that one stay loaded
+  ///         reported; the rows before that one stay loaded
   bool Initialise(ui::ListView& list);
 
   /// Takes in what other programs have done to the event table: rows that changed, came or went, in the

@@ -71,7 +71,7 @@ std::string JournalsOf(const std::filesystem::path& path) {
 
 /// SQLite would play a journal whose database is gone into the new file; that database may need it.
 void RequireNothingInPlace(const std::filesystem::path& path) {
-  const std::string journals = JournalsOf(path);  // ahead of the file, which another program may make now
+  const std::string journals = JournalsOf(path);  // before the file, which another program may make now
   if (IsThere(path.string())) RefuseToReplace(path);
   if (journals.empty()) return;
   throw Failure(EEXIST, DatabaseText(path.string(), "cannot be made beside " + journals,

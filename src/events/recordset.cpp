@@ -148,7 +148,7 @@ void Recordset::SetFieldValue(std::string_view column, SqlValue value) {
 
 void Recordset::AddNew() {
   LiveDatabase();
-  unread_.reset();  // the rows ahead of the new one are passed
+  unread_.reset();  // the rows before the new one are passed
   position_ = rows_.size();
   rows_.push_back({std::nullopt, std::vector<SqlValue>(columns_.size())});
   edited_.reset();

@@ -26,7 +26,7 @@ class Recordset {
   ///         operation on a row
   void Open(const EventQuery& query, const Connection& connection);
 
-  /// @return true behind the last row and for an empty set
+  /// @return true after the last row and for an empty set
   bool Eof() const;
   /// Goes to the next row; changes of the present one that Update has not written are dropped.
   void MoveNext();
@@ -34,7 +34,7 @@ class Recordset {
   void Close() { *this = Recordset(); }
 
   /// A column of the present row. Column names are compared as the database does, without regard to case.
-  /// @throws Failure behind the last row, or if the set has no such column
+  /// @throws Failure after the last row, or if the set has no such column
   const SqlValue& FieldValue(std::string_view column) const;
   /// The same as a text, a boolean or a number.
   /// @throws Failure besides for a null, another type, or a number beyond 16 bits
@@ -43,7 +43,7 @@ class Recordset {
   std::int16_t FieldInteger(std::string_view column) const;
 
   /// Sets a column of the present row, to be written by Update.
-  /// @throws Failure on a snapshot, behind the last row, or if the set has no such column
+  /// @throws Failure on a snapshot, after the last row, or if the set has no such column
   void SetFieldValue(std::string_view column, SqlValue value);
   /// Starts a new row at the end of the set, all null, and stands on it.
   void AddNew();

@@ -18,7 +18,7 @@ struct Explanation {
   std::string_view Advice;
 };
 
-// Extended codes stand ahead of the primary code that they belong to.
+// Extended codes stand before the primary code that they belong to.
 constexpr Explanation kExplanations[] = {
     {SQLITE_CONSTRAINT_UNIQUE, "already holds an event with this EventID",
      "Every event needs an EventID of its own. Start the program again if another one added it."},

@@ -83,7 +83,7 @@ SqlValue SqliteStatement::Value(int column) const {
       return SqlBytes{bytes == nullptr ? "" : Copy(bytes, sqlite3_column_bytes(statement, column))};
     }
     default: {
-      const unsigned char* text = sqlite3_column_text(statement, column);  // ahead of the length of its UTF-8
+      const unsigned char* text = sqlite3_column_text(statement, column);  // before the length of its UTF-8
       if (text == nullptr) throw FailureOf(database_);
       return Copy(text, sqlite3_column_bytes(statement, column));
     }

@@ -29,7 +29,7 @@ class SqliteStatement {
   /// Sets the parameter ?index.
   void Bind(int index, const SqlValue& value);
 
-  /// @return true if the statement stands on a row, false behind the last one
+  /// @return true if the statement stands on a row, false after the last one
   /// @throws Failure as FailureOf tells it
   bool Step();
 

@@ -10,7 +10,7 @@ namespace keplo {
 namespace {
 
 constexpr int kLastZone = 8;
-constexpr std::size_t kShortestCommand = 4;  // characters behind the '&'
+constexpr std::size_t kShortestCommand = 4;  // characters after the '&'
 
 }  // namespace
 
@@ -77,7 +77,7 @@ void frmEvent::Form_Load() {
     Protocol_Click();
     store_.CurProtocol = Protocol.Text();
   } else {
-    // The selection of the protocol fills the commands; both names are read ahead of it.
+    // The selection of the protocol fills the commands; both names are read before it.
     const std::string command = store_.CurCommand;
     Protocol.SelectText(std::string(store_.CurProtocol));
     SendCmd.SelectText(command);

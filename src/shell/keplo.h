@@ -122,7 +122,7 @@ class Keplo {
   int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
 
   const TickReport& LastTick() const { return lastTick_; }
-  /// Runs behind a tick that took a capture, for programs that tell a person what became of it.
+  /// Runs after a tick that took a capture, for programs that tell a person what became of it.
   std::function<void(const TickReport&)> OnPress;
 
  private:

@@ -65,16 +65,14 @@ TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocol) {
   EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
 }
 
-TEST_F(EventDialog, ProposesTheSameAfterAnEarlierSelection) {
+TEST_F(EventDialog, ProposesWhateverWasSelectedBeforeAndInAFileWithTheTemplateAlone) {
+  const auto press = [](frmEvent& dialog) { dialog.OKButton_Click(); };
   store_.CurProtocol = "SONY";
   store_.CurCommand = "PLAY";
-  EXPECT_TRUE(Show(0, [](frmEvent& dialog) { dialog.OKButton_Click(); }));
+  EXPECT_TRUE(Show(0, press));
   EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
-}
-
-TEST_F(EventDialog, WorksOnAFileWithTheTemplateAlone) {
   store_.CfgText = tests::Config({}, "");
-  EXPECT_TRUE(Show(0, [](frmEvent& dialog) { dialog.OKButton_Click(); }));
+  EXPECT_TRUE(Show(0, press));
   EXPECT_EQ(Stored(), "EMPTY|EMPTY from Template|Template&EMPTY|on|0");
 }
 
