@@ -54,8 +54,7 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   Rescale();
   wait_.emplace(*this, *views_.at(FindControl("Signal")));
   form_.OnWait = [this](std::string_view text) { wait_->Show(text); };
-  form_.OpenManual = OpenManual;
-  form_.OpenWebPage = OpenWebPage;
+  form_.Programs = {OpenManual, OpenWebPage};
 }
 
 Form1View::~Form1View() { form_.OnWait = nullptr; }

@@ -1,9 +1,11 @@
+#include "window/calibration_flow.h"
+
 #include <optional>
 #include <string>
 
 #include "signal/calibration.h"
+#include "signal/sample_bits.h"
 #include "ui/wait_notice.h"
-#include "window/form1.h"
 
 namespace keplo {
 
@@ -49,28 +51,28 @@ class UnderWay {
 
 }  // namespace
 
-void Form1::CalibrationMenu_Click() {
+void CalibrationFlow::Start() {
   if (calibrating_) return;
   const UnderWay underWay(calibrating_);
-  if (boxes_.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
-  IRCommand.SetText({});
+  if (dialogue_.Boxes.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
+  controls_.IRCommand.SetText({});
   line_.RTS(0);
 }
 
-bool Form1::Calibrate() {
-  Timer1.SetEnabled(false);
+bool CalibrationFlow::Calibrate() {
+  controls_.SendLoop.SetEnabled(false);
   line_.RTS(-1);
-  SendPulse.SetText({});
-  std::int16_t& delay = mod_.Settings.ProcDelay;
-  Calibration calibration(line_, mod_.Signal, delay);
-  const CalibrationStep end = MeasureToTheEnd(*this, calibration);
+  controls_.SendPulse.SetText({});
+  std::int16_t& delay = settings_.ProcDelay;
+  Calibration calibration(line_, signal_, delay);
+  const CalibrationStep end = MeasureToTheEnd(window_, calibration);
   const bool succeeded = end == CalibrationStep::Succeeded;
   if (succeeded) {
-    ProcDelayparameter.SetText(Signed(delay));
-    KeepSettingAndSave("PROCDELAY", delay);
+    controls_.ProcDelayparameter.SetText(Signed(delay));
+    keeper_.KeepAndSave("PROCDELAY", delay);
   }
-  Tell(CalibrationText(end, delay));
-  if (succeeded) SendPulse.SetText(Signed(mod_.Signal.Measured.BaseT * kNominalSampleTime));
+  dialogue_.Tell(CalibrationText(end, delay));
+  if (succeeded) controls_.SendPulse.SetText(Signed(signal_.Measured.BaseT * kNominalSampleTime));
   return end != CalibrationStep::NoSignal;
 }
 

@@ -1,14 +1,12 @@
 #include "window/form1.h"
 
-#include <utility>
-
-#include "failure.h"
-#include "ui/boxes.h"
-#include "window/new_protocol.h"
+#include "keplo_mod.h"
+#include "window/flows.h"
 
 namespace keplo {
 
-Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes) : mod_(mod), line_(line), boxes_(boxes) {
+Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes)
+    : mod_(mod), line_(line), flows_(std::make_unique<Flows>(*this, mod, line, boxes)) {
   ShowDesign();
   BindHandlers();
 }
@@ -63,37 +61,46 @@ void Form1::BindHandlers() {
   ProtoDeleteMenu.OnClick = [this] { ProtoDeleteMenu_Click(); };
 }
 
-bool Form1::RecordedSelected() const { return EqualNoCase(mod_.Store.CurProtocol, kRecorded); }
+void Form1::ListAvailableCOM() { flows_->Ports.Fill(); }
+void Form1::Protocol_Click() { flows_->Commands.TakeProtocol(); }
+void Form1::SendCmd_Click() { flows_->Commands.TakeCommand(); }
+void Form1::SaveCmdButton_Click() { flows_->Commands.Save(); }
+void Form1::DeleteCmdButton_Click() { flows_->Commands.Delete(); }
+void Form1::RecButton_Click() { flows_->Record.Record(); }
+void Form1::SendButton_Click() { flows_->Send.Send(); }
+void Form1::TestCheck_Click() { flows_->Send.StartLoop(); }
+void Form1::Timer1_Timer() { flows_->Send.SendAgain(); }
+void Form1::HScroll1_Change() { flows_->Waveform.Scroll(); }
+void Form1::GReset_Click() { flows_->Waveform.Reset(); }
+void Form1::Gshr_Click() { flows_->Waveform.Squeeze(); }
+void Form1::GExt_Click() { flows_->Waveform.Stretch(); }
+void Form1::ComList_Click() { flows_->Ports.TakePort(); }
+void Form1::StdDcdMenu_Click() { flows_->Options.TakeReceiver(0); }
+void Form1::IRMouseMenu_Click() { flows_->Options.TakeReceiver(1); }
+void Form1::TxDCheckBox_Click() { flows_->Options.TakeOutput(); }
+void Form1::BeepCheckbox_Click() { flows_->Options.TakeBeep(); }
+void Form1::VexilCheckbox_Click() { flows_->Options.TakeZoneHardware(); }
+void Form1::Zone_Click() { flows_->Options.TakeZone(); }
+void Form1::MenuProcDelay_Click() { flows_->Options.AskProcDelay(); }
+void Form1::CalibrationMenu_Click() { flows_->Calibration.Start(); }
+void Form1::FileNewMenu_Click() { flows_->Protocols.StartNew(); }
+void Form1::EditMenu_Click() { flows_->Protocols.StartEdit(); }
+void Form1::ProtoDeleteMenu_Click() { flows_->Protocols.Delete(); }
+void Form1::HelpContentMenu_Click() { flows_->Help.ShowContents(); }
+void Form1::WebPageMenu_Click() { flows_->Help.ShowWebPage(); }
+void Form1::UpdateMenu_Click() { flows_->Help.ShowUpdates(); }
+void Form1::AboutMenu_Click() { flows_->Help.ShowAbout(); }
 
-void Form1::Beep(std::int32_t frequency, std::int32_t duration) {
-  if (mod_.Settings.BeepOn) line_.SpeakBeep(frequency, duration);
-}
+double Form1::WavePlace(double sample) const { return flows_->Waveform.PlaceOf(sample); }
+double Form1::WaveSample(double place) const { return flows_->Waveform.SampleAt(place); }
+void Form1::ZoomWave(double place, double factor) { flows_->Waveform.ZoomAt(place, factor); }
+void Form1::FitWave() { flows_->Waveform.Fit(); }
+NewProtocol* Form1::ProtocolDialog() const { return flows_->Protocols.Dialog(); }
 
-void Form1::Tell(std::string_view text) { boxes_.Message(text, kBoxTitle); }
-
-bool Form1::Ask(std::string_view text) { return boxes_.Question(text, kBoxTitle); }
-
-void Form1::TellFailure(const std::string& text) {
-  if (!failuresWhileLoading_) {
-    Tell(text);
-  } else if (failuresWhileLoading_->find(text) == std::string::npos) {
-    *failuresWhileLoading_ += (failuresWhileLoading_->empty() ? "" : "\r\n") + text;
-  }
-}
-
-bool Form1::Told(const std::function<void()>& action) {
-  bool done = true;
-  try {
-    action();
-  } catch (const Failure& failure) {
-    TellFailure(failure.what());
-    done = false;
-  }
-  if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
-    TellFailure(mod_.Store.Path.string() + " had been changed by another program. What it wrote is kept in " +
-                aside.string() + "; take its new commands and settings over from there.");
-  }
-  return done;
+void Form1::MinButton_Click() {
+  windowLarge_ = !windowLarge_;
+  SetTitle((windowLarge_ ? "Orlo's Keplo v" : "Keplo Send v") + VersionText);
+  if (OnResize) OnResize();
 }
 
 }  // namespace keplo

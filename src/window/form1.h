@@ -1,15 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 
-#include "keplo_mod.h"
-#include "signal/recorded_press.h"
 #include "signal/win32_ser.h"
 #include "ui/boxes.h"
 #include "ui/button.h"
@@ -23,25 +17,21 @@
 #include "ui/text_box.h"
 #include "ui/timer.h"
 #include "ui/window.h"
+#include "window/help_menu.h"
 #include "window/layout.h"
-#include "window/validation.h"
 #include "window/wave_reading.h"
 
 namespace keplo {
 
+struct Flows;
+struct KeploMod;
 class NewProtocol;
-
-/// The last entry of the protocol list: no section, but the place of the key press recorded last.
-inline constexpr std::string_view kRecorded = "Recorded";
-
-/// Title of the boxes that have none of their own.
-inline constexpr std::string_view kBoxTitle = "Keplo";
 
 /// The main window: it picks protocols and commands, records and explains key presses, stores them and sends
 /// them. It keeps no settings of its own: it works on the module state and on the one configuration text.
 ///
 /// The handlers are named as control and event. Each runs at once when its control really changes, from the
-/// user or from code.
+/// user or from code; what is done stands in the flows.
 class Form1 : public ui::Window {
  public:
   /// @param line the receiver and transmitter that the settings name
@@ -98,18 +88,7 @@ class Form1 : public ui::Window {
 
   /// The protocol dialog; null while there is none. As long as it is there, it stands in the place of this
   /// window, which is hidden and cannot be used.
-  NewProtocol* ProtocolDialog() const { return newProtocol_.get(); }
-  /// Ends the protocol dialog and brings this window back. The object lives on until the next one is loaded,
-  /// so a handler of its own may end it.
-  void UnloadProtocolDialog();
-  /// Selects a protocol and runs Protocol_Click even if it is selected already.
-  void MakeProtocolCurrent(int index);
-  /// Makes the selected protocol the current one again with its parameters and commands; a recorded code that
-  /// is to be stored yet stays on screen.
-  void TakeSelectedProtocol();
-  /// Runs a change of the configuration and tells the user what failed.
-  /// @return true if nothing did
-  bool Told(const std::function<void()>& action);
+  NewProtocol* ProtocolDialog() const;
   /// Runs when the protocol dialog has come or gone; a view puts the one in the place of the other.
   std::function<void()> OnProtocolDialog;
 
@@ -119,10 +98,8 @@ class Form1 : public ui::Window {
   Size OuterSize() const { return windowLarge_ ? kFullOuter : kSmallOuter; }
   /// Runs when the window has become small or large; a view takes the new size over.
   std::function<void()> OnResize;
-  /// Show the manual, and a page of the web, in a program of the user's.
-  /// @return false if none could be started; of the manual also the reason, empty if it is shown
-  std::function<std::string()> OpenManual;
-  std::function<bool(const std::string& address)> OpenWebPage;
+  /// A view says here how manual and web pages are shown.
+  HelpPrograms Programs;
 
   /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
   /// pixels of the design from the left edge of the surface.
@@ -164,84 +141,18 @@ class Form1 : public ui::Window {
  private:
   void ShowDesign();
   void BindHandlers();
-  void Beep(std::int32_t frequency, std::int32_t duration);
-  void Tell(std::string_view text);
-  bool Ask(std::string_view text);
-  void TellFailure(const std::string& text);
-
   bool ByShell() const;
   void ShowMode();
   bool Load();
   bool LoadFile();
   bool NotLoaded();
-  void TakeUnsavedSettings();
-  void ShowInterfaceType();
-  void ShowZoneHardware();
-  void ListProtocolsWithRecorded();
-  void ProbePorts();
-  bool PortOpens(std::int32_t port);
-
-  static std::int32_t OutputOf(std::int32_t interfaceType);
-  void KeepSetting(const std::string& key, std::int32_t value);
-  void KeepSettingAndSave(const std::string& key, std::int32_t value);
-  void Keep(const std::string& key, std::int32_t value, const std::function<void()>& otherwise);
-  void KeepInterfaceType(std::int32_t interfaceType);
-  void ShowReceiver();
-  void GiveTheLineToZones();
-
-  bool RecordedSelected() const;
-  void ColourLists(ui::Colour colour);
-  void ShowRecorded();
-  bool KeepProtocolIndex();
-  bool LoadParams();
-  void ReloadCommands();
-  std::optional<std::string> AskName();
-  bool ChangeCommands(const std::function<void()>& change);
-  void ShowSaved(const std::string& name);
-
-  void ClearReading();
-  bool ReceiveSignal();
-  void ShowReceivedZone();
-  void ShowReading(const RecordReading& reading);
-  void ShowKind(std::int16_t kind);
-  bool LookUp(const RecordReading& reading);
-  void ShowCode(const RecordReading& reading);
-  void SelectCurrent();
-
-  void LoadProtocolDialog(std::int16_t mode);
-
-  bool TakeRecordedParams();
-  void ShowParams();
-  bool SelectZone();
-  bool Send(std::string digits);
-
-  /// @return false if it ended for want of a signal, which leaves the receiver switched on
-  bool Calibrate();
-
-  /// Draws a capture onto the surface.
-  /// @param offset of its first sample, samples
-  /// @return its samples, all of them, wherever they stand
-  std::string DrawWave(std::string_view capture, int offset);
-  void Redraw();
-  void StartTrace();
-  bool CanZoom() const;
-  void ZoomTo(double zoom);
-  void ShowWaveAt(double sample, double place, double zoom);
 
   KeploMod& mod_;
   Win32Ser& line_;
-  ui::Boxes& boxes_;
-  Validation validation_;
-  double waveZoom_ = 1;  // pixels a sample
-  int waveOffset_ = 15;  // samples; the place of the first sample
+  std::unique_ptr<Flows> flows_;
   bool windowLarge_ = true;
   bool loaded_ = false;
-  bool sendsAgain_ = false;  // once the protocol dialog is gone
-  std::unique_ptr<NewProtocol> newProtocol_, unloadedDialog_;
-  bool calibrating_ = false;
   std::string whyNotLoaded_;
-  std::optional<std::string> failuresWhileLoading_;  // told in one box when the window has come up
-  std::map<std::string, std::int32_t> unsaved_;      // settings whose save failed; the last save tries again
 };
 
 }  // namespace keplo

@@ -10,8 +10,7 @@
 #include "config/generic_protocols.h"
 #include "config/numbers.h"
 #include "config/protocols.h"
-#include "window/form1.h"
-#include "window/recorded_params.h"
+#include "window/protocol_place.h"
 
 namespace keplo {
 
@@ -51,8 +50,8 @@ std::span<const NewProtocolRow> NewProtocolControls() {
   return kRows;
 }
 
-NewProtocol::NewProtocol(Form1& form, KeploMod& mod, ui::Boxes& boxes)
-    : form_(form), mod_(mod), boxes_(boxes) {
+NewProtocol::NewProtocol(ProtocolPlace& place, KeploMod& mod, Dialogue& dialogue, RecordedSignal recorded)
+    : place_(place), mod_(mod), dialogue_(dialogue), recorded_(std::move(recorded)) {
   SetTitle("Protocol Parameters");
   GProtoIn.OnClick = [this] { GProtoIn_Click(); };
   CreateButton.OnClick = [this] { CreateButton_Click(); };
@@ -63,33 +62,22 @@ bool NewProtocol::IsNew() const { return mod_.ProtocolFormMode == kNewProtocolMo
 
 void NewProtocol::Form_Load() {
   for (const GenericProtocol& generic : kGenericProtocols) GProtoIn.Add(generic.Name);
-  if (EqualNoCase(mod_.Store.CurProtocol, kRecorded) && CodeShown()) {
+  if (IsRecorded(mod_.Store.CurProtocol) && recorded_.HasCode()) {
     TakeRecording();
   } else if (!TakeSection()) {
     Refuse();
   }
 }
 
-bool NewProtocol::CodeShown() const {
-  return !Trimmed(form_.CodeStr.Text()).empty() && !Trimmed(form_.BitNr.Text()).empty();
-}
-
 void NewProtocol::TakeRecording() {
   ProtocolParams& params = mod_.ProtocolParams;
-  params.REPEAT = EqualNoCase(Trimmed(form_.Rpt.Text()), "y") ? kRecordedRepeat : std::int16_t{0};
-  params.GREPEAT = RecordedGRepeat(Trimmed(form_.GType.Text()));
-  const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
+  TakeParams(recorded_, params);
   for (const RecordedKind& recorded : kRecordedKinds) {
-    if (recorded.ProtoKind != kind) continue;
+    if (recorded.ProtoKind != recorded_.ProtoKind) continue;
     GProtoIn.Select(recorded.Entry);
     if (!recorded.Repeat.empty()) RepeatIn.SetText(recorded.Repeat);
   }
-  if (const PatternSet* patterns = FindPatternSet(kind)) {
-    params.BITG = patterns->BITG;
-    params.BIT0 = patterns->BIT0;
-    params.BIT1 = patterns->BIT1;
-  }
-  SendPlsIn.SetText(form_.SendPulse.Text());
+  SendPlsIn.SetText(recorded_.Pulse);
   BitGIn.SetText(params.BITG);
   Bit0In.SetText(params.BIT0);
   Bit1In.SetText(params.BIT1);
@@ -98,7 +86,7 @@ void NewProtocol::TakeRecording() {
 bool NewProtocol::TakeSection() {
   CfgStore& store = mod_.Store;
   if (IsNew()) store.CurProtocol = "Template";
-  SavedProtocolIndex = static_cast<std::int16_t>(form_.Protocol.ListIndex());
+  SavedProtocolIndex = static_cast<std::int16_t>(place_.SelectedProtocol());
   const std::optional<ProtocolDraft> stored = LoadProtocol(store.CfgText, store.CurProtocol);
   if (!stored) return false;
   KeepParams(*stored);
@@ -117,7 +105,7 @@ bool NewProtocol::TakeSection() {
 }
 
 void NewProtocol::Refuse() {
-  Tell("Error in the configuration file\r\nThe Protocol Form can not be opened");
+  dialogue_.Tell("Error in the configuration file\r\nThe Protocol Form can not be opened");
   CancelButton_Click();
 }
 
@@ -146,7 +134,7 @@ void NewProtocol::CreateButton_Click() {
     planned = IsNew() ? NewSection(store.CfgText, draft) : EditedSection(store.CfgText, draft);
   }
   if (planned.Refused != ProtocolRefusal::None) {
-    Tell(RefusalText(planned.Refused));
+    dialogue_.Tell(RefusalText(planned.Refused));
     return;
   }
   const Splice& change = planned.Change;
@@ -155,9 +143,9 @@ void NewProtocol::CreateButton_Click() {
   store.NewCmdLine = change.Block;
   if (!Agreed(change.Block) || !Saved(draft, change)) return;
   if (IsNew() && !ListProtocolsAgain()) return;
-  form_.MakeProtocolCurrent(SavedProtocolIndex);
-  form_.UnloadProtocolDialog();
-  ShowSendPulse();
+  place_.MakeProtocolCurrent(SavedProtocolIndex);
+  place_.Unload();
+  place_.ShowPulse(KeyNumber(mod_.ProtocolParams.SENDPLS));
 }
 
 void NewProtocol::TrimFields() {
@@ -192,10 +180,10 @@ bool NewProtocol::Agreed(const std::string& block) {
   const std::string question =
       IsNew() ? "A new protocol with the following parameters will be created:\r\n" + block + "\r\n"
               : "The new parameters of the selected protocol are:\r\n" + block + "\r\n\r\n";
-  return boxes_.Question(question + "Do you want to save it?", kBoxTitle) && IsOpen();
+  return dialogue_.Ask(question + "Do you want to save it?") && IsOpen();
 }
 
-bool NewProtocol::IsOpen() const { return form_.ProtocolDialog() == this; }
+bool NewProtocol::IsOpen() const { return place_.Dialog() == this; }
 
 bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   CfgStore& store = mod_.Store;
@@ -203,7 +191,8 @@ bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   const std::string text = change.In(before);
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
   // Section and selection in one save: a second one could fail and contradict the first.
-  const bool done = form_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
+  const bool done =
+      dialogue_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
   // A failure at the very end of a save leaves the new text in place.
   return (done || store.CfgText != before) && IsOpen();
 }
@@ -211,24 +200,20 @@ bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
 bool NewProtocol::ListProtocolsAgain() {
   SectionWalk walk = WalkSections(mod_.Store.CfgText);
   if (walk.Ended == WalkEnd::NoGeneral) {
-    form_.Protocol.Clear();
-    Tell("Error in the configuration file");
+    place_.SetProtocols({});
+    dialogue_.Tell("Error in the configuration file");
     return false;
   }
   walk.Names.emplace_back(kRecorded);
-  form_.Protocol.SetEntries(std::move(walk.Names));
+  place_.SetProtocols(std::move(walk.Names));
   return true;
 }
-
-void NewProtocol::ShowSendPulse() { form_.SendPulse.SetText(KeyNumber(mod_.ProtocolParams.SENDPLS)); }
 
 void NewProtocol::CancelButton_Click() {
   // A box of the dialog may stand open while the window is closed.
   if (!IsOpen()) return;
-  form_.TakeSelectedProtocol();
-  form_.UnloadProtocolDialog();
+  place_.TakeProtocolAgain();
+  place_.Unload();
 }
-
-void NewProtocol::Tell(std::string_view text) { boxes_.Message(text, kBoxTitle); }
 
 }  // namespace keplo

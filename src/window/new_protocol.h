@@ -8,21 +8,23 @@
 
 #include "config/protocol_edit.h"
 #include "keplo_mod.h"
-#include "ui/boxes.h"
 #include "ui/button.h"
 #include "ui/drop_down_list.h"
 #include "ui/text_box.h"
 #include "ui/window.h"
+#include "window/dialogue.h"
+#include "window/recorded_signal.h"
 
 namespace keplo {
 
-class Form1;
+class ProtocolPlace;
 
 /// The dialog in which the user sets up a new protocol or changes the parameters of one. It lives for one use
 /// and works on the configuration text at once; while it is there, the main window is not.
 class NewProtocol : public ui::Window {
  public:
-  NewProtocol(Form1& form, KeploMod& mod, ui::Boxes& boxes);
+  /// @param recorded what a protocol for the recorded key press is made of
+  NewProtocol(ProtocolPlace& place, KeploMod& mod, Dialogue& dialogue, RecordedSignal recorded);
 
   /// Fills the dialog as ProtocolFormMode tells, or refuses and unloads it.
   void Form_Load();
@@ -38,7 +40,6 @@ class NewProtocol : public ui::Window {
 
  private:
   bool IsNew() const;
-  bool CodeShown() const;
   void TakeRecording();
   bool TakeSection();
   void Refuse();
@@ -49,12 +50,11 @@ class NewProtocol : public ui::Window {
   bool IsOpen() const;
   bool Saved(const ProtocolDraft& draft, const Splice& change);
   bool ListProtocolsAgain();
-  void ShowSendPulse();
-  void Tell(std::string_view text);
 
-  Form1& form_;
+  ProtocolPlace& place_;
   KeploMod& mod_;
-  ui::Boxes& boxes_;
+  Dialogue& dialogue_;
+  RecordedSignal recorded_;
   std::int16_t SavedProtocolIndex = 0;
 };
 
@@ -62,7 +62,7 @@ class NewProtocol : public ui::Window {
 struct NewProtocolRow {
   std::string_view Name;
   std::variant<ui::TextBox NewProtocol::*, ui::DropDownList NewProtocol::*, ui::Button NewProtocol::*> Model;
-  std::string_view Caption;  // of the label ahead of a field; of a button its own
+  std::string_view Caption;  // of the label before a field; of a button its own
   char AccessKey;
   std::string_view Tip;
 };

@@ -1,9 +1,8 @@
+#include "window/options.h"
+
 #include <string>
 
 #include "config/numbers.h"
-#include "config/protocols.h"
-#include "config/values.h"
-#include "window/form1.h"
 
 namespace keplo {
 
@@ -24,107 +23,93 @@ bool IsProcDelay(std::string_view answer) {
 
 }  // namespace
 
-std::int32_t Form1::OutputOf(std::int32_t interfaceType) {
-  return interfaceType - ReceiverPart(interfaceType);
-}
-
-void Form1::KeepSetting(const std::string& key, std::int32_t value) {
-  Keep(key, value, [] {});
-}
-
-void Form1::KeepSettingAndSave(const std::string& key, std::int32_t value) {
-  Keep(key, value, [this] { SaveConfig(mod_.Store); });
-}
-
-/// @param otherwise runs if the file has no such key
-void Form1::Keep(const std::string& key, std::int32_t value, const std::function<void()>& otherwise) {
-  if (!IsWhole(mod_.Store.CfgText)) return;
-  const bool saved = Told([&] {
-    if (!SetGeneralValue(mod_.Store, key, std::to_string(value))) otherwise();
-  });
-  if (saved) {
-    unsaved_.erase(key);
-  } else {
-    unsaved_[key] = value;
-  }
-}
-
-void Form1::KeepInterfaceType(std::int32_t interfaceType) {
-  mod_.Settings.InterfaceType = interfaceType;
-  KeepSetting("ITYPE", interfaceType);
-}
-
-void Form1::ShowReceiver() {
-  const bool mouse = mod_.Settings.ReceiverKind == 1;
-  StdDcdMenu.SetChecked(!mouse);
-  IRMouseMenu.SetChecked(mouse);
-  ReceiverType.SetText(mouse ? "IRMouse" : "DCDStd");
-}
-
-void Form1::StdDcdMenu_Click() {
-  mod_.Settings.ReceiverKind = 0;
+void Options::ShowInterfaceType() {
+  settings_.ReceiverKind = ReceiverKindOf(settings_.InterfaceType);
   ShowReceiver();
-  const std::int32_t type = mod_.Settings.InterfaceType;
-  if (type >= kMouseReceiver) KeepInterfaceType(type - kMouseReceiver);
+  const std::int32_t output = settings_.InterfaceType - ReceiverPart(settings_.InterfaceType);
+  if (output == 0 || output == 1) controls_.TxDCheckBox.SetChecked(output == 1);
 }
 
-void Form1::IRMouseMenu_Click() {
-  mod_.Settings.ReceiverKind = 1;
+void Options::ShowZoneHardware() {
+  const bool used = settings_.VexilMode > 0;
+  if (used) controls_.Zone.Select(settings_.VexilMode - 1);
+  controls_.Zone.SetVisible(used);
+  controls_.VexilCheckbox.SetChecked(used);
+  controls_.ZoneNr.SetVisible(used);
+  if (used) GiveTheLineToZones();
+}
+
+void Options::ShowProcDelay() { controls_.ProcDelayparameter.SetText(std::to_string(settings_.ProcDelay)); }
+
+void Options::KeepInterfaceType(std::int32_t interfaceType) {
+  settings_.InterfaceType = interfaceType;
+  keeper_.Keep("ITYPE", interfaceType);
+}
+
+void Options::ShowReceiver() {
+  const bool mouse = settings_.ReceiverKind == 1;
+  controls_.StdDcdMenu.SetChecked(!mouse);
+  controls_.IRMouseMenu.SetChecked(mouse);
+  controls_.ReceiverType.SetText(mouse ? "IRMouse" : "DCDStd");
+}
+
+void Options::TakeReceiver(std::int16_t kind) {
+  settings_.ReceiverKind = kind;
   ShowReceiver();
-  const std::int32_t type = mod_.Settings.InterfaceType;
-  if (type < kMouseReceiver) KeepInterfaceType(type + kMouseReceiver);
+  const std::int32_t type = settings_.InterfaceType;
+  if (kind != ReceiverKindOf(type)) KeepInterfaceType(type + (kind == 1 ? kMouseReceiver : -kMouseReceiver));
 }
 
-void Form1::TxDCheckBox_Click() {
-  const bool softwareCarrier = TxDCheckBox.Checked();
+void Options::TakeOutput() {
+  const bool softwareCarrier = controls_.TxDCheckBox.Checked();
   if (softwareCarrier) line_.SetMode(1);
-  KeepInterfaceType(ReceiverPart(mod_.Settings.InterfaceType) + (softwareCarrier ? 1 : 0));
+  KeepInterfaceType(ReceiverPart(settings_.InterfaceType) + (softwareCarrier ? 1 : 0));
 }
 
-void Form1::BeepCheckbox_Click() {
-  mod_.Settings.BeepOn = BeepCheckbox.Checked();
-  KeepSettingAndSave("BEEPON", mod_.Settings.BeepOn ? 1 : 0);
+void Options::TakeBeep() {
+  settings_.BeepOn = controls_.BeepCheckbox.Checked();
+  keeper_.KeepAndSave("BEEPON", settings_.BeepOn ? 1 : 0);
 }
 
-void Form1::VexilCheckbox_Click() {
-  const bool used = VexilCheckbox.Checked();
-  ZoneNr.SetVisible(used);
-  Zone.SetVisible(used);
+void Options::TakeZoneHardware() {
+  const bool used = controls_.VexilCheckbox.Checked();
+  controls_.ZoneNr.SetVisible(used);
+  controls_.Zone.SetVisible(used);
   if (!used) {
-    mod_.Settings.VexilMode = 0;
-    KeepSetting("VEXIL", 0);
-    TxDCheckBox.SetEnabled(true);
-  } else if (mod_.Settings.VexilMode == 0) {
-    mod_.Settings.VexilMode = 1;
-    Zone.Select(0);
-    KeepSetting("VEXIL", 1);
+    settings_.VexilMode = 0;
+    keeper_.Keep("VEXIL", 0);
+    controls_.TxDCheckBox.SetEnabled(true);
+  } else if (settings_.VexilMode == 0) {
+    settings_.VexilMode = 1;
+    controls_.Zone.Select(0);
+    keeper_.Keep("VEXIL", 1);
     GiveTheLineToZones();
   }
 }
 
-void Form1::GiveTheLineToZones() {
-  TxDCheckBox.SetChecked(false);
-  TxDCheckBox.SetEnabled(false);
+void Options::GiveTheLineToZones() {
+  controls_.TxDCheckBox.SetChecked(false);
+  controls_.TxDCheckBox.SetEnabled(false);
   line_.SetMode(kZoneCharacters);
 }
 
-void Form1::Zone_Click() {
-  if (mod_.Settings.VexilMode <= 0) return;
-  mod_.Settings.VexilMode = static_cast<std::int16_t>(Zone.ListIndex() + 1);
-  KeepSetting("VEXIL", mod_.Settings.VexilMode);
+void Options::TakeZone() {
+  if (settings_.VexilMode <= 0) return;
+  settings_.VexilMode = static_cast<std::int16_t>(controls_.Zone.ListIndex() + 1);
+  keeper_.Keep("VEXIL", settings_.VexilMode);
 }
 
-void Form1::MenuProcDelay_Click() {
+void Options::AskProcDelay() {
   std::string answer;
   do {
-    answer = boxes_.Input("Enter the new ProcDelay value", "Procdelay value",
-                          std::to_string(mod_.Settings.ProcDelay));
+    answer = dialogue_.Boxes.Input("Enter the new ProcDelay value", "Procdelay value",
+                                   std::to_string(settings_.ProcDelay));
     if (answer.empty()) return;
-    if (!IsProcDelay(answer)) Tell("The value must be between 0 and 100");
+    if (!IsProcDelay(answer)) dialogue_.Tell("The value must be between 0 and 100");
   } while (!IsProcDelay(answer));
-  mod_.Settings.ProcDelay = Rounded<std::int16_t>(answer);
-  KeepSettingAndSave("PROCDELAY", mod_.Settings.ProcDelay);
-  ProcDelayparameter.SetText(std::to_string(mod_.Settings.ProcDelay));
+  settings_.ProcDelay = Rounded<std::int16_t>(answer);
+  keeper_.KeepAndSave("PROCDELAY", settings_.ProcDelay);
+  ShowProcDelay();
 }
 
 }  // namespace keplo

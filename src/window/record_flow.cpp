@@ -1,11 +1,11 @@
-#include <cstdint>
+#include "window/record_flow.h"
+
 #include <optional>
 #include <string>
 
 #include "config/lookup.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
-#include "window/form1.h"
 #include "window/while_disabled.h"
 
 namespace keplo {
@@ -49,39 +49,40 @@ std::string AddressText(const CodeValues& values) {
 
 }  // namespace
 
-void Form1::RecButton_Click() {
-  Timer1.SetEnabled(false);
+void RecordFlow::Record() {
+  controls_.SendLoop.SetEnabled(false);
   ClearReading();
   line_.DTR(0);
   line_.RTS(-1);
-  const WhileDisabled recording(RecButton);
-  const ui::WaitNotice notice(*this,
+  const WhileDisabled recording(controls_.RecButton);
+  const ui::WaitNotice notice(window_,
                               "Recording: press a key of the remote now. Without a signal this ends after " +
                                   std::to_string(kLongestRecordWait.count()) + " seconds at most.");
   const bool received = ReceiveSignal();
-  if (VexilCheckbox.Checked()) ShowReceivedZone();
+  if (controls_.VexilCheckbox.Checked()) ShowReceivedZone();
   if (!received) {
-    Beep(600, 1000);
-    CodeStr.SetBackColour(std::nullopt);
+    beeper_.Beep(600, 1000);
+    fields_.CodeStr.SetBackColour(std::nullopt);
     return;
   }
   if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
-  StartTrace();
+  waveform_.StartTrace();
   ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured, mod_.Settings.Analysis));
 }
 
-void Form1::ClearReading() {
-  CodeStr.SetText({});
-  for (ui::Label* field : {&plen0, &plen1, &IRCommand, &BitNr, &ToggleVal, &Rpt, &AddrVal, &CmdVal}) {
+void RecordFlow::ClearReading() {
+  fields_.CodeStr.SetText({});
+  for (ui::Label* field : {&fields_.plen0, &fields_.plen1, &fields_.IRCommand, &fields_.BitNr,
+                           &fields_.ToggleVal, &fields_.Rpt, &fields_.AddrVal, &fields_.CmdVal}) {
     field->SetText({});
   }
 }
 
-bool Form1::ReceiveSignal() {
+bool RecordFlow::ReceiveSignal() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kRecordCaptureBytes, '\0');
   const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
-  Beep(5000, 50);
+  beeper_.Beep(5000, 50);
   std::int32_t received = 0;
   if (mod_.Settings.ReceiverKind == 1) {
     line_.TXD(0);
@@ -95,28 +96,28 @@ bool Form1::ReceiveSignal() {
   return static_cast<std::int16_t>(received) != 0;
 }
 
-void Form1::ShowReceivedZone() {
+void RecordFlow::ShowReceivedZone() {
   const std::int16_t zone = QueryZone(line_);
-  ZoneNr.SetText(zone < kNoZone ? Number(zone) : "?");
+  fields_.ZoneNr.SetText(zone < kNoZone ? Number(zone) : "?");
 }
 
-void Form1::ShowReading(const RecordReading& reading) {
+void RecordFlow::ShowReading(const RecordReading& reading) {
   if (reading.Ended == RecordStage::NoTiming) return;
-  SendPulse.SetText(std::to_string(reading.PulseUs()));
+  fields_.SendPulse.SetText(std::to_string(reading.PulseUs()));
   ShowKind(reading.ProtoKind);
   if (reading.Ended == RecordStage::Unknown) {
-    CodeStr.SetBackColour(std::nullopt);
+    fields_.CodeStr.SetBackColour(std::nullopt);
     return;
   }
-  plen1.SetText(RunLengthsText(reading.Runs.Ones));
-  plen0.SetText(RunLengthsText(reading.Runs.Zeros));
-  BitNr.SetText(std::to_string(reading.Code.size()));
-  Rpt.SetText(reading.Repeats ? "Y" : "N");
-  if (reading.SyncType) GType.SetText(Number(*reading.SyncType));
+  fields_.plen1.SetText(RunLengthsText(reading.Runs.Ones));
+  fields_.plen0.SetText(RunLengthsText(reading.Runs.Zeros));
+  fields_.BitNr.SetText(std::to_string(reading.Code.size()));
+  fields_.Rpt.SetText(reading.Repeats ? "Y" : "N");
+  if (reading.SyncType) fields_.GType.SetText(Number(*reading.SyncType));
   if (reading.Ended == RecordStage::Fragment) {
-    CodeStr.SetBackColour(std::nullopt);
-    GProt.SetText({});
-    GProt.SetBackColour(ui::kRed);
+    fields_.CodeStr.SetBackColour(std::nullopt);
+    fields_.GProt.SetText({});
+    fields_.GProt.SetBackColour(ui::kRed);
     return;
   }
   const bool known = LookUp(reading);
@@ -125,40 +126,40 @@ void Form1::ShowReading(const RecordReading& reading) {
   if (known) SelectCurrent();
 }
 
-void Form1::ShowKind(std::int16_t kind) {
+void RecordFlow::ShowKind(std::int16_t kind) {
   const KindShown& shown = ShownAs(kind);
-  GProt.SetText(ProtoKindName(kind));
-  GProt.SetBackColour(shown.Back);
-  Frame1.SetText(shown.Params);
-  if (kind == kNec || kind == kSony) ToggleVal.SetText("N");
+  fields_.GProt.SetText(ProtoKindName(kind));
+  fields_.GProt.SetBackColour(shown.Back);
+  fields_.Frame1.SetText(shown.Params);
+  if (kind == kNec || kind == kSony) fields_.ToggleVal.SetText("N");
 }
 
-bool Form1::LookUp(const RecordReading& reading) {
+bool RecordFlow::LookUp(const RecordReading& reading) {
   CfgStore& store = mod_.Store;
   const bool known = LookupCommand(store, reading.Code, reading.ProtoKind);
-  IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
+  fields_.IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
   const Verdict verdict = Validate(validation_, reading.Code, reading.Repeats, known);
-  CodeStr.SetBackColour(BackOf(verdict));
-  if (verdict == Verdict::Known) Beep(2000, 50);
+  fields_.CodeStr.SetBackColour(BackOf(verdict));
+  if (verdict == Verdict::Known) beeper_.Beep(2000, 50);
   if (verdict == Verdict::NotValidated) {
-    Beep(2000, 300);
+    beeper_.Beep(2000, 300);
   } else {
-    Beep(5000, 50);
+    beeper_.Beep(5000, 50);
   }
   return known;
 }
 
-void Form1::ShowCode(const RecordReading& reading) {
-  CodeStr.SetText("G" + reading.Code);
-  ToggleVal.SetVisible(reading.ProtoKind == kRc5);
-  if (reading.Toggle) ToggleVal.SetText(std::string(1, *reading.Toggle));
-  AddrVal.SetText(reading.Values ? AddressText(*reading.Values) : "");
-  CmdVal.SetText(reading.Values ? Number(reading.Values->Command) : "");
+void RecordFlow::ShowCode(const RecordReading& reading) {
+  fields_.CodeStr.SetText("G" + reading.Code);
+  fields_.ToggleVal.SetVisible(reading.ProtoKind == kRc5);
+  if (reading.Toggle) fields_.ToggleVal.SetText(std::string(1, *reading.Toggle));
+  fields_.AddrVal.SetText(reading.Values ? AddressText(*reading.Values) : "");
+  fields_.CmdVal.SetText(reading.Values ? Number(reading.Values->Command) : "");
 }
 
-void Form1::SelectCurrent() {
-  Protocol.SelectText(mod_.Store.CurProtocol);
-  SendCmd.SelectText(mod_.Store.CurCommand);
+void RecordFlow::SelectCurrent() {
+  controls_.Protocol.SelectText(mod_.Store.CurProtocol);
+  controls_.SendCmd.SelectText(mod_.Store.CurCommand);
 }
 
 }  // namespace keplo

@@ -1,3 +1,5 @@
+#include "window/send_flow.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,8 +11,7 @@
 #include "signal/send_bits.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
-#include "window/form1.h"
-#include "window/recorded_params.h"
+#include "window/recorded_signal.h"
 #include "window/while_disabled.h"
 
 namespace keplo {
@@ -28,88 +29,82 @@ std::optional<std::string_view> SyncTypeOf(std::int16_t gRepeat) {
 
 }  // namespace
 
-void Form1::TestCheck_Click() { Timer1.SetEnabled(true); }
-
-void Form1::Timer1_Timer() {
-  Timer1.SetEnabled(false);
-  if (TestCheck.Checked()) SendButton_Click();
-  Timer1.SetEnabled(true);
+void SendFlow::SendAgain() {
+  controls_.Loop.SetEnabled(false);
+  if (controls_.TestCheck.Checked()) Send();
+  controls_.Loop.SetEnabled(true);
 }
 
-void Form1::SendButton_Click() {
-  Timer1.SetEnabled(false);
-  const WhileDisabled sending(SendButton);
-  if (CodeStr.BackColour() == ui::kRed) {
-    Tell(" The received command is not yet validated!");
+void SendFlow::Send() {
+  controls_.Loop.SetEnabled(false);
+  const WhileDisabled sending(controls_.SendButton);
+  if (fields_.CodeStr.BackColour() == ui::kRed) {
+    dialogue_.Tell(" The received command is not yet validated!");
     return;
   }
-  if (RecordedSelected() && !TakeRecordedParams()) return;
-  if (!RecordedSelected()) ShowParams();
-  HScroll1.SetEnabled(true);
+  if (!IsRecorded(mod_.Store.CurProtocol)) {
+    ShowParams();
+  } else if (!TakeRecordedParams()) {
+    return;
+  }
+  controls_.HScroll1.SetEnabled(true);
   line_.DTR(0);
   line_.RTS(-1);
-  const std::string code = CodeStr.Text();
+  const std::string code = fields_.CodeStr.Text();
   if (Trimmed(code).empty() || code.size() < kShortestCode) return;
-  if (VexilCheckbox.Checked() && !SelectZone()) return;
-  if (!Send(code.substr(1))) return;
-  IRCommand.SetText(Protocol.Text() + " / " + SendCmd.Text());
-  BitNr.SetText(std::to_string(code.size() - 1));
+  if (controls_.VexilCheckbox.Checked() && !SelectZone()) return;
+  if (!SendDigits(code.substr(1))) return;
+  fields_.IRCommand.SetText(controls_.Protocol.Text() + " / " + controls_.SendCmd.Text());
+  fields_.BitNr.SetText(std::to_string(code.size() - 1));
 }
 
-bool Form1::TakeRecordedParams() {
-  if (Trimmed(BitNr.Text()).empty() || Trimmed(CodeStr.Text()).empty()) {
-    Tell("Information about received command is not complete!");
+bool SendFlow::TakeRecordedParams() {
+  const RecordedSignal recorded = ShownSignal(fields_, mod_.Signal.Measured.ProtoKind);
+  if (!recorded.HasCode()) {
+    dialogue_.Tell("Information about received command is not complete!");
     return false;
   }
-  ProtocolParams& params = mod_.ProtocolParams;
-  params.REPEAT = EqualNoCase(Trimmed(Rpt.Text()), "y") ? kRecordedRepeat : std::int16_t{0};
-  params.GREPEAT = RecordedGRepeat(Trimmed(GType.Text()));
-  const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
-  if (const PatternSet* patterns = FindPatternSet(kind)) {
-    params.BITG = patterns->BITG;
-    params.BIT0 = patterns->BIT0;
-    params.BIT1 = patterns->BIT1;
-  }
-  if (kind != kUnknown) return true;
-  Tell("You must first manually define a new protocol if UNKNOWN.");
+  TakeParams(recorded, mod_.ProtocolParams);
+  if (recorded.ProtoKind != kUnknown) return true;
+  dialogue_.Tell("You must first manually define a new protocol if UNKNOWN.");
   return false;
 }
 
-void Form1::ShowParams() {
-  Rpt.SetText(mod_.ProtocolParams.REPEAT > 0 ? "Y" : "N");
-  if (const auto syncType = SyncTypeOf(mod_.ProtocolParams.GREPEAT)) GType.SetText(*syncType);
+void SendFlow::ShowParams() {
+  fields_.Rpt.SetText(mod_.ProtocolParams.REPEAT > 0 ? "Y" : "N");
+  if (const auto syncType = SyncTypeOf(mod_.ProtocolParams.GREPEAT)) fields_.GType.SetText(*syncType);
   const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
   // A protocol of the user's own has no generic one to show.
-  if (FindPatternSet(kind) != nullptr || kind == kUnknown) GProt.SetText(ProtoKindName(kind));
+  if (FindPatternSet(kind) != nullptr || kind == kUnknown) fields_.GProt.SetText(ProtoKindName(kind));
 }
 
-bool Form1::SelectZone() {
-  const int zone = Zone.ListIndex() + 1;
+bool SendFlow::SelectZone() {
+  const int zone = controls_.Zone.ListIndex() + 1;
   const bool selected = SendZone(line_, static_cast<std::int16_t>(zone));
-  ZoneNr.SetText(selected ? std::to_string(zone) : "?");
+  fields_.ZoneNr.SetText(selected ? std::to_string(zone) : "?");
   return selected;
 }
 
-bool Form1::Send(std::string digits) {
+bool SendFlow::SendDigits(std::string digits) {
   if (digits.find_first_not_of("01") != std::string::npos) {
-    boxes_.Message("Please use only 1's and 0's for the code", "Error entering code");
+    dialogue_.Boxes.Message("Please use only 1's and 0's for the code", "Error entering code");
     return false;
   }
-  const auto pulse = Rounded<std::int32_t>(SendPulse.Text());
+  const auto pulse = Rounded<std::int32_t>(fields_.SendPulse.Text());
   std::string slots;
-  if (!Told([&] {
+  if (!dialogue_.Told([&] {
         slots = PadToBytes(
             BuildSendBits(digits, mod_.Signal.Measured.ProtoKind, mod_.ProtocolParams, mod_.Rc5Toggle));
       })) {
     return false;
   }
-  const ui::WaitNotice notice(*this, "Sending the command.");
-  Beep(5000, 50);
+  const ui::WaitNotice notice(window_, "Sending the command.");
+  beeper_.Beep(5000, 50);
   line_.IRSend(BitsToChars(slots), pulse, mod_.Settings.InterfaceType);
-  Beep(2000, 50);
-  if (windowLarge_) {
+  beeper_.Beep(2000, 50);
+  if (showsTrace_()) {
     mod_.Signal.RawCapture = CaptureOfSlots(slots, pulse);
-    StartTrace();
+    waveform_.StartTrace();
   }
   return true;
 }

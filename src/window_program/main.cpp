@@ -16,6 +16,7 @@
 #include "program/stop_signals.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
+#include "window/dialogue.h"
 #include "window_program/one_window.h"
 
 namespace keplo {

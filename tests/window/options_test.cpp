@@ -99,11 +99,11 @@ TEST_F(Options, AKeyThatTheFileLacksIsChangedInMemoryAlone) {
 
 TEST_F(Options, HelpThatCannotBeShownIsTold) {
   std::string opened;
-  form_->OpenManual = [&] {
+  form_->Programs.OpenManual = [&] {
     opened += "manual ";
     return std::string();
   };
-  form_->OpenWebPage = [&](const std::string& page) {
+  form_->Programs.OpenWebPage = [&](const std::string& page) {
     opened += page;
     return true;
   };
@@ -111,8 +111,8 @@ TEST_F(Options, HelpThatCannotBeShownIsTold) {
   form_->WebPageMenu.Click();
   EXPECT_EQ(opened, "manual https://keplo.example/inputkeplo");
   EXPECT_TRUE(boxes_.Shown.empty());
-  form_->OpenManual = [] { return std::string("there is no browser"); };
-  form_->OpenWebPage = nullptr;
+  form_->Programs.OpenManual = [] { return std::string("there is no browser"); };
+  form_->Programs.OpenWebPage = nullptr;
   form_->HelpContentMenu.Click();
   form_->WebPageMenu.Click();
   const Texts told = boxes_.TakeShown();

@@ -10,6 +10,7 @@
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "doubles/fake_line.h"
+#include "keplo_mod.h"
 #include "signal/signal_builder.h"
 #include "window/form1.h"
 

@@ -14,6 +14,7 @@
 #include "qt/qt_event_dialog.h"
 #include "shell/keplo.h"
 #include "window/new_protocol.h"
+#include "window/recorded_signal.h"
 #include "window_scene.h"
 
 namespace keplo {
@@ -128,7 +129,7 @@ bool SaveProtocolDialog(tests::WindowScene& scene, const QString& path, void (Fo
     if (window->objectName() == QLatin1String("NewProtocol") && window->isVisible())
       saved = Save(*window, path);
   }
-  scene.Form().UnloadProtocolDialog();
+  scene.Form().ProtocolDialog()->CancelButton_Click();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   return saved;
 }
@@ -169,7 +170,7 @@ bool SaveBoxes(const QDir& folder) {
   saved = save("command_name.png", [&] { form.SaveCmdButton_Click(); }) && saved;
   form.FileNewMenu_Click();
   saved = save("protocol_question.png", [&] { form.ProtocolDialog()->CreateButton_Click(); }) && saved;
-  form.UnloadProtocolDialog();
+  form.ProtocolDialog()->CancelButton_Click();
 
   return save("configuration_error.png", [&] { scene.LoadDamagedFile(); }) && saved;
 }

@@ -12,6 +12,7 @@
 #include "disk/posix_file_system.h"
 #include "doubles/fake_line.h"
 #include "doubles/temp_folder.h"
+#include "keplo_mod.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "signal/signal_builder.h"
@@ -77,8 +78,8 @@ class WindowScene {
     form_.CalibrationMenu_Click();
     boxes_.Agrees = false;
   }
-  /// Starts on a file that cannot be used. Its folder is told by its place in the current one, since pictures of
-  /// two runs are to be the same.
+  /// Starts on a file that cannot be used. Its folder is told by its place in the current one, since pictures
+  /// of two runs are to be the same.
   void LoadDamagedFile() {
     std::filesystem::create_directory(folder_.Path() / "keplo");
     folder_.Write("keplo/keplo.cfg", "[General]\r\n");

@@ -1,8 +1,9 @@
+#include "window/port_list.h"
+
 #include <string>
 
 #include "config/numbers.h"
 #include "ui/wait_notice.h"
-#include "window/form1.h"
 
 namespace keplo {
 
@@ -15,43 +16,43 @@ constexpr std::size_t kPortDigits = 2;
 
 }  // namespace
 
-void Form1::ListAvailableCOM() {
-  ComList.Clear();
-  ProbePorts();
-  if (ComList.Count() == 0) {
-    Tell("There is no COM port available");
+void PortList::Fill() {
+  list_.Clear();
+  Probe();
+  if (list_.Count() == 0) {
+    dialogue_.Tell("There is no COM port available");
     return;
   }
   // Probing has moved the line to the last port.
-  line_.OpenCom(mod_.Settings.ComPortNr);
+  line_.OpenCom(settings_.ComPortNr);
   line_.RTS(-1);
   line_.TXD(0);
 }
 
-void Form1::ProbePorts() {
-  ui::WaitNotice notice(*this, "Looking for serial ports.");
+void PortList::Probe() {
+  ui::WaitNotice notice(window_, "Looking for serial ports.");
   for (std::int32_t port = 1; port <= kLastPort; ++port) {
     notice.Show("Looking for serial ports: COM " + std::to_string(port) + " of " + std::to_string(kLastPort));
-    if (!PortOpens(port)) continue;
-    ComList.Add("COM " + std::to_string(port));
-    if (port == mod_.Settings.ComPortNr) ComList.Select(ComList.Count() - 1);
-    ComList.SetBackColour(ui::kGreen);
+    if (!Opens(port)) continue;
+    list_.Add("COM " + std::to_string(port));
+    if (port == settings_.ComPortNr) list_.Select(list_.Count() - 1);
+    list_.SetBackColour(ui::kGreen);
   }
 }
 
-bool Form1::PortOpens(std::int32_t port) {
+bool PortList::Opens(std::int32_t port) {
   for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
     if (line_.OpenCom(port) == 1) return true;
   }
   return false;
 }
 
-void Form1::ComList_Click() {
-  const std::string entry = ComList.Text();
+void PortList::TakePort() {
+  const std::string entry = list_.Text();
   const std::int32_t port = WithoutFraction<std::int32_t>(entry.substr(entry.size() - kPortDigits));
-  mod_.Settings.ComPortNr = port;
-  KeepSetting("COMPORT", port);
-  const ui::WaitNotice notice(*this, "Opening " + entry + ". This takes a second at most.");
+  settings_.ComPortNr = port;
+  keeper_.Keep("COMPORT", port);
+  const ui::WaitNotice notice(window_, "Opening " + entry + ". This takes a second at most.");
   int attempt = 1;
   while (attempt <= kOpenAttempts && line_.OpenCom(port) != 1) {
     line_.uDelay(kPauseAfterFailure);
@@ -59,7 +60,7 @@ void Form1::ComList_Click() {
   }
   line_.RTS(-1);
   // A port that needs to be asked twice is not to be relied on.
-  ComList.SetBackColour(attempt == 1 ? ui::kGreen : ui::kRed);
+  list_.SetBackColour(attempt == 1 ? ui::kGreen : ui::kRed);
   line_.RTS(-1);
   line_.TXD(0);
 }

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "config/settings.h"
+#include "signal/win32_ser.h"
+
+namespace keplo {
+
+/// The beeps of the flows, which the user can turn off.
+class Beeper {
+ public:
+  Beeper(Win32Ser& line, const Settings& settings) : line_(line), settings_(settings) {}
+
+  /// @param frequency Hz
+  /// @param duration milliseconds
+  void Beep(std::int32_t frequency, std::int32_t duration) {
+    if (settings_.BeepOn) line_.SpeakBeep(frequency, duration);
+  }
+
+ private:
+  Win32Ser& line_;
+  const Settings& settings_;
+};
+
+}  // namespace keplo

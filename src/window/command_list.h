@@ -1,0 +1,55 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "keplo_mod.h"
+#include "ui/drop_down_list.h"
+#include "window/dialogue.h"
+#include "window/reading_fields.h"
+#include "window/validation.h"
+
+namespace keplo {
+
+/// The user's hold on protocols and commands: what is selected, what is stored and what is deleted.
+class CommandList {
+ public:
+  struct Controls {
+    ui::DropDownList& Protocol;
+    ui::DropDownList& SendCmd;
+    ReadingFields Fields;
+  };
+
+  CommandList(KeploMod& mod, const Controls& controls, Validation& validation, Dialogue& dialogue)
+      : mod_(mod), controls_(controls), validation_(validation), dialogue_(dialogue) {}
+
+  /// Fills the list of protocols; none is selected then.
+  void ListProtocols();
+  void TakeProtocol();
+  void TakeCommand();
+  /// Selects a protocol and takes it even if it is selected already.
+  void MakeProtocolCurrent(int index);
+  /// Makes the selected protocol the current one again with its parameters and commands; a recorded code that
+  /// is to be stored yet stays on screen.
+  void TakeProtocolAgain();
+  /// Stores the code on screen as a new command of the current protocol.
+  void Save();
+  void Delete();
+
+ private:
+  bool RecordedSelected() const;
+  void ColourLists(ui::Colour colour);
+  void ShowRecorded();
+  bool KeepProtocolIndex();
+  bool LoadParams();
+  void ReloadCommands();
+  std::optional<std::string> AskName();
+  void ShowSaved(const std::string& name);
+
+  KeploMod& mod_;
+  Controls controls_;
+  Validation& validation_;
+  Dialogue& dialogue_;
+};
+
+}  // namespace keplo

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+
+#include "window/calibration_flow.h"
+#include "window/command_list.h"
+#include "window/dialogue.h"
+#include "window/help_menu.h"
+#include "window/options.h"
+#include "window/port_list.h"
+#include "window/protocol_place.h"
+#include "window/record_flow.h"
+#include "window/send_flow.h"
+#include "window/settings_keeper.h"
+#include "window/validation.h"
+#include "window/waveform_pane.h"
+
+namespace keplo {
+
+class Form1;
+
+/// The work of the main window, an object for each thing that can be done in it, over the window's controls.
+struct Flows {
+  Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
+
+  keplo::Dialogue Dialogue;
+  SettingsKeeper Settings;
+  keplo::Options Options;
+  PortList Ports;
+  keplo::Validation Validation;
+  WaveformPane Waveform;
+  CommandList Commands;
+  RecordFlow Record;
+  SendFlow Send;
+  CalibrationFlow Calibration;
+  ProtocolPlace Protocols;
+  HelpMenu Help;
+};
+
+}  // namespace keplo

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+
+#include "keplo_mod.h"
+#include "signal/recorded_press.h"
+#include "signal/win32_ser.h"
+#include "ui/button.h"
+#include "ui/check_box.h"
+#include "ui/drop_down_list.h"
+#include "ui/timer.h"
+#include "ui/window.h"
+#include "window/beeper.h"
+#include "window/reading_fields.h"
+#include "window/validation.h"
+#include "window/waveform_pane.h"
+
+namespace keplo {
+
+/// Records a key press and explains it.
+class RecordFlow {
+ public:
+  struct Controls {
+    ui::Button& RecButton;
+    ui::CheckBox& VexilCheckbox;
+    ui::DropDownList& Protocol;
+    ui::DropDownList& SendCmd;
+    ui::Timer& SendLoop;
+    ReadingFields Fields;
+  };
+
+  /// @param window shows what the user has to wait for
+  RecordFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
+             Validation& validation, const ui::Window& window)
+      : mod_(mod),
+        line_(line),
+        beeper_(line, mod.Settings),
+        controls_(controls),
+        fields_(controls_.Fields),
+        waveform_(waveform),
+        validation_(validation),
+        window_(window) {}
+  RecordFlow(const RecordFlow&) = delete;
+  RecordFlow& operator=(const RecordFlow&) = delete;
+
+  /// Waits for a key press and shows what it is.
+  void Record();
+
+ private:
+  void ClearReading();
+  bool ReceiveSignal();
+  void ShowReceivedZone();
+  void ShowReading(const RecordReading& reading);
+  void ShowKind(std::int16_t kind);
+  bool LookUp(const RecordReading& reading);
+  void ShowCode(const RecordReading& reading);
+  void SelectCurrent();
+
+  KeploMod& mod_;
+  Win32Ser& line_;
+  Beeper beeper_;
+  Controls controls_;
+  const ReadingFields& fields_;
+  WaveformPane& waveform_;
+  Validation& validation_;
+  const ui::Window& window_;
+};
+
+}  // namespace keplo

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "keplo_mod.h"
+#include "signal/win32_ser.h"
+#include "ui/button.h"
+#include "ui/check_box.h"
+#include "ui/drop_down_list.h"
+#include "ui/scroll_bar.h"
+#include "ui/timer.h"
+#include "ui/window.h"
+#include "window/beeper.h"
+#include "window/dialogue.h"
+#include "window/reading_fields.h"
+#include "window/waveform_pane.h"
+
+namespace keplo {
+
+/// Sends the code on screen, once or again and again.
+class SendFlow {
+ public:
+  struct Controls {
+    ui::Button& SendButton;
+    ui::CheckBox& TestCheck;
+    ui::CheckBox& VexilCheckbox;
+    ui::DropDownList& Zone;
+    ui::DropDownList& Protocol;
+    ui::DropDownList& SendCmd;
+    ui::ScrollBar& HScroll1;
+    ui::Timer& Loop;
+    ReadingFields Fields;
+  };
+
+  /// @param showsTrace whether there is room for the trace of what is sent
+  /// @param window shows what the user has to wait for
+  SendFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
+           std::function<bool()> showsTrace, Dialogue& dialogue, const ui::Window& window)
+      : mod_(mod),
+        line_(line),
+        beeper_(line, mod.Settings),
+        controls_(controls),
+        fields_(controls_.Fields),
+        waveform_(waveform),
+        showsTrace_(std::move(showsTrace)),
+        dialogue_(dialogue),
+        window_(window) {}
+  SendFlow(const SendFlow&) = delete;
+  SendFlow& operator=(const SendFlow&) = delete;
+
+  void Send();
+  void StartLoop() { controls_.Loop.SetEnabled(true); }
+  /// A tick of the loop.
+  void SendAgain();
+
+ private:
+  bool TakeRecordedParams();
+  void ShowParams();
+  bool SelectZone();
+  bool SendDigits(std::string digits);
+
+  KeploMod& mod_;
+  Win32Ser& line_;
+  Beeper beeper_;
+  Controls controls_;
+  const ReadingFields& fields_;
+  WaveformPane& waveform_;
+  std::function<bool()> showsTrace_;
+  Dialogue& dialogue_;
+  const ui::Window& window_;
+};
+
+}  // namespace keplo

@@ -1,0 +1,41 @@
+#include "window/settings_keeper.h"
+
+#include <utility>
+
+#include "config/protocols.h"
+#include "config/values.h"
+
+namespace keplo {
+
+void SettingsKeeper::Keep(const std::string& key, std::int32_t value) {
+  Keep(key, value, [] {});
+}
+
+void SettingsKeeper::KeepAndSave(const std::string& key, std::int32_t value) {
+  Keep(key, value, [this] { SaveConfig(store_); });
+}
+
+void SettingsKeeper::Keep(const std::string& key, std::int32_t value,
+                          const std::function<void()>& withoutKey) {
+  if (!IsWhole(store_.CfgText)) return;
+  const bool saved = dialogue_.Told([&] {
+    if (!SetGeneralValue(store_, key, std::to_string(value))) withoutKey();
+  });
+  if (saved) {
+    unsaved_.erase(key);
+  } else {
+    unsaved_[key] = value;
+  }
+}
+
+void SettingsKeeper::TakeUnsaved() {
+  for (const auto& [key, value] : std::exchange(unsaved_, {})) {
+    // One that does not fit must keep no other from the file.
+    dialogue_.Told([&, &key = key, &value = value] {
+      const auto changed = WithGeneralValue(store_.CfgText, key, std::to_string(value));
+      if (changed) store_.ReplaceText(*changed);
+    });
+  }
+}
+
+}  // namespace keplo

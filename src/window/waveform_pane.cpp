@@ -1,0 +1,123 @@
+#include "window/waveform_pane.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "config/cfg_text.h"
+#include "signal/sample_bits.h"
+
+namespace keplo {
+
+namespace {
+
+// Pixels of the design.
+constexpr int kLowerLevel = 44;   // above the bottom of the window's inside: a sample of 0
+constexpr int kLevelHeight = 40;  // from there up to a sample of 1
+constexpr int kMargin = 20;       // at either side, where nothing is drawn
+
+constexpr double kMostZoom = 64;       // pixels a sample
+constexpr double kMostOffset = 32767;  // samples
+constexpr double kPartsOfAPixel = 4;   // that a screen shows apart
+
+constexpr int kSamplesPerByte = 8;
+constexpr int kDefaultOffset = 15;          // samples; the first sample then stands just inside the margin
+constexpr std::size_t kShortestTrace = 60;  // bytes; with less there is nothing worth zooming
+
+}  // namespace
+
+std::string WaveformPane::DrawWave(std::string_view capture, int offset) {
+  const double lower = surface_.Height - kLowerLevel;
+  const double upper = lower - kLevelHeight;
+  const double right = surface_.Width - kMargin;
+  std::string samples = SamplesToBits(capture);
+  surface_.Clear();
+  char previous = '0';
+  const auto pixelOf = [](double x) { return std::floor(x * kPartsOfAPixel); };
+  std::array<double, 2> lastPoint{-1, -1};  // of each level
+  double lastLine = -1;
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    const char sample = samples[i];
+    const double x = (static_cast<double>(i) + kSamplesPerByte + offset) * zoom_;
+    if (x > kMargin && x < right) {
+      // A trace that is squeezed has many samples on one pixel, which need be drawn once only.
+      const double pixel = pixelOf(x);
+      const bool isMark = sample == '1';
+      if (std::exchange(lastPoint[isMark ? 1 : 0], pixel) != pixel)
+        surface_.PlotPoint(x, isMark ? upper : lower, ui::kGreen);
+      if (sample != previous && std::exchange(lastLine, pixel) != pixel)
+        surface_.DrawLine(x, lower, x, upper, ui::kGreen);
+    }
+    previous = sample;
+  }
+  reading_.Read(samples);
+  surface_.Show();
+  return samples;
+}
+
+void WaveformPane::Redraw() { signal_.SampleBits = DrawWave(signal_.RawCapture, offset_); }
+
+double WaveformPane::PlaceOf(double sample) const { return (sample + kSamplesPerByte + offset_) * zoom_; }
+
+double WaveformPane::SampleAt(double place) const { return place / zoom_ - kSamplesPerByte - offset_; }
+
+void WaveformPane::ZoomAt(double place, double factor) {
+  if (reading_.Samples() == 0) return;
+  const double fitting = static_cast<double>(surface_.Width - 2 * kMargin) / reading_.Samples();
+  const double zoom = std::clamp(zoom_ * factor, std::min(fitting, zoom_), std::max(kMostZoom, zoom_));
+  ShowAt(SampleAt(place), place, zoom);
+}
+
+void WaveformPane::Fit() {
+  if (reading_.Samples() == 0) return;
+  const double fitting = (surface_.Width - 2.0 * kMargin - 2) / reading_.Samples();
+  ShowAt(0, kMargin + 1, std::min(fitting, kMostZoom));
+}
+
+void WaveformPane::ShowAt(double sample, double place, double zoom) {
+  zoom_ = zoom;
+  offset_ = static_cast<int>(
+      std::clamp(std::ceil(place / zoom - kSamplesPerByte - sample), -kMostOffset, kMostOffset));
+  // A trace that is squeezed may begin further to the right than the bar reaches by itself.
+  const int first = std::max(kDefaultOffset, offset_);
+  const int before = scrollBar_.Value();
+  scrollBar_.Set(first, std::min(scrollBar_.Max(), offset_), offset_);
+  if (scrollBar_.Value() == before) Redraw();
+}
+
+void WaveformPane::StartTrace() {
+  zoom_ = 1;
+  offset_ = kDefaultOffset;
+  const int samples = kSamplesPerByte * static_cast<int>(signal_.RawCapture.size());
+  // At the right end of the bar the last sample stands where the first one does at the left end.
+  scrollBar_.Set(kDefaultOffset, kDefaultOffset + 1 - samples, offset_);
+  Redraw();
+}
+
+void WaveformPane::Scroll() {
+  offset_ = scrollBar_.Value();
+  Redraw();
+}
+
+bool WaveformPane::CanZoom() const {
+  return !Trimmed(pulse_.Text()).empty() && signal_.RawCapture.size() >= kShortestTrace;
+}
+
+void WaveformPane::ZoomTo(double zoom) {
+  // Beyond the numbers there would be no way back.
+  if (!CanZoom() || !std::isnormal(zoom)) return;
+  zoom_ = zoom;
+  Redraw();
+}
+
+void WaveformPane::Reset() {
+  if (!CanZoom()) return;
+  zoom_ = 1;
+  offset_ = kDefaultOffset;
+  scrollBar_.SetValue(kDefaultOffset);
+  Redraw();
+}
+
+}  // namespace keplo
