@@ -45,8 +45,12 @@ int Lookup(const ConfigOptions& options) {
       !options.Argument.empty() && (options.Argument[0] == 'G' || options.Argument[0] == 'g');
   const std::string code = options.Argument.substr(hasHead ? 1 : 0);
   // A code of 14 digits may be RC5 as it was on air, with its toggle digit.
-  const bool found =
-      LookupCommand(store, code, kNec) || (code.size() == 14 && LookupCommand(store, code, kRc5));
+  const auto isFound = [&](Analysis readBy) {
+    return LookupCommand(store, code, kNec, readBy) ||
+           (code.size() == 14 && LookupCommand(store, code, kRc5, readBy));
+  };
+  // The very code, or the first that begins with it.
+  const bool found = !code.empty() && (isFound(Analysis::Second) || isFound(Analysis::First));
   if (!found) {
     std::cerr << "keplo: the code G" << code << " belongs to no learned command\n";
     return kNoResult;

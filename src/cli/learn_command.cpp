@@ -55,7 +55,7 @@ Lesson ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analys
       if (!WhyNoCode(lesson.Last).empty()) continue;
       const std::string& code = lesson.Last.Code;
       lesson.Codes.insert(code);
-      lesson.Known = LookupCommand(store, code, lesson.Last.ProtoKind);
+      lesson.Known = LookupCommand(store, code, lesson.Last.ProtoKind, lesson.Last.ReadBy);
       Validate(lesson.Validation, code, SentTwice(press, options.Line, code, analysis), lesson.Known);
     }
   }
@@ -76,7 +76,7 @@ LearnResult Store(const LearnOptions& options, const Lesson& lesson, CfgStore& s
   if (!refused.Done()) return refused;
   // A known code needs no second press; the checks name the command that has it.
   if (!lesson.Validation.CmdValidated && !lesson.Known) return {Refusal::NotValidated, {}};
-  return AddCommand(store, options.Protocol, "G" + lesson.Last.Code, options.Name);
+  return AddCommand(store, options.Protocol, "G" + lesson.Last.Code, options.Name, lesson.Last.ReadBy);
 }
 
 int Learn(const LearnOptions& options) {

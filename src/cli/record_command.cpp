@@ -52,7 +52,7 @@ std::unique_ptr<OpenConfig> LearnedCommands(const std::string& appPath) {
 std::string KnownAs(OpenConfig* config, const RecordReading& reading) {
   if (config == nullptr || reading.Ended != RecordStage::Code) return {};
   CfgStore& store = config->Mod.Store;
-  if (!LookupCommand(store, reading.Code, reading.ProtoKind)) return {};
+  if (!LookupCommand(store, reading.Code, reading.ProtoKind, reading.ReadBy)) return {};
   return store.CurProtocol + "&" + store.CurCommand;
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/analysis_option.h"
 #include "cli/commands.h"
 #include "cli/open_map.h"
 #include "config/learn.h"
@@ -79,14 +80,15 @@ void TellRefused(const CodeToLearn& code, const std::string& why) {
   std::cerr << code.Place << ": " << code.Protocol << '&' << code.Name << " was not learned: " << why << '\n';
 }
 
-void Teach(CfgStore& store, const CodeToLearn& code, Tally& tally) {
+void Teach(CfgStore& store, const CodeToLearn& code, Analysis analysis, Tally& tally) {
   if (code.Code.find_first_not_of("01") != std::string::npos) {
     ++tally.Refused;
     TellRefused(code, "\"bits\" is of 0 and 1 alone, and not " + code.Code);
     return;
   }
   LearnResult result;
-  ChangeAmongOthers(store, [&] { result = AddCommand(store, code.Protocol, "G" + code.Code, code.Name); });
+  ChangeAmongOthers(store,
+                    [&] { result = AddCommand(store, code.Protocol, "G" + code.Code, code.Name, analysis); });
   if (result.Done()) {
     ++tally.Learned;
   } else if (result.Refused == Refusal::CodeExists) {
@@ -103,11 +105,12 @@ int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
   OpenConfig config(appPathOption);
   config.RequireWhole();
   const std::vector<CodeToLearn> codes = ReadIndex(indexFile);
+  const Analysis analysis = AnalysisOf(config);
   Tally tally;
   std::string failed;
   auto next = codes.begin();
   try {
-    for (; next != codes.end(); ++next) Teach(config.Mod.Store, *next, tally);
+    for (; next != codes.end(); ++next) Teach(config.Mod.Store, *next, analysis, tally);
   } catch (const Failure& failure) {
     failed = failure.what();
   }

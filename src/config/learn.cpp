@@ -130,11 +130,12 @@ LearnResult CheckProtocol(std::string_view protocol) {
   return {};
 }
 
-LearnResult CheckCode(std::string_view text, std::string& code) {
+LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy) {
   if (!IsValidCode(code) || !MakesCommandLine(code)) return Refuse(Refusal::InvalidCode, code);
-  const int match = FindNoCase(code, text, 1);
+  const bool whole = readBy == Analysis::Second;
+  const int match = FindNoCase(whole ? code + ',' : code, text, 1);
   if (match == kNowhere) return {};
-  const int comma = SeekForward(text, match, ',');
+  const int comma = SeekForward(text, whole ? match - 1 : match, ',');
   return Refuse(Refusal::CodeExists, comma == kNowhere ? std::string_view() : GetLineAt(text, comma + 1));
 }
 
@@ -206,10 +207,10 @@ bool RemoveCommand(CfgStore& store) {
 }
 
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
-                       std::string_view name) {
+                       std::string_view name, Analysis readBy) {
   std::string text = store.CfgText, checkedCode(code), checkedName(name);
   LearnResult result = CheckProtocol(protocol);
-  if (result.Done()) result = CheckCode(text, checkedCode);
+  if (result.Done()) result = CheckCode(text, checkedCode, readBy);
   if (result.Done()) result = CheckName(text, protocol, checkedName);
   if (!result.Done()) return result;
   text = InsertText(text, CommandLine(checkedCode, checkedName), *PlaceForCommand(text, protocol));

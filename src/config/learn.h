@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "config/cfg_store.h"
+#include "signal/analysis.h"
 
 namespace keplo {
 
@@ -39,8 +40,9 @@ std::string RefusalText(const LearnResult& result);
 
 /// Template and Recorded, in any letter case, take no commands and give none away.
 LearnResult CheckProtocol(std::string_view protocol);
-/// A code with its leading G that can be stored and that no stored one begins with.
-LearnResult CheckCode(std::string_view text, std::string& code);
+/// A code with its leading G that can be stored and that no stored one begins with; of a code that the second
+/// look read, none that is equal, as FindCommand tells them apart.
+LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy = Analysis::First);
 /// A name that occurs nowhere in the section, not even inside another word.
 LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name);
 
@@ -69,9 +71,10 @@ bool RemoveCommand(CfgStore& store);
 // current selection of the store stays.
 
 /// @param code with its leading G; RC5 with 0 for the toggle digit
+/// @param readBy as with CheckCode
 /// @throws Failure as StoreCommand
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
-                       std::string_view name);
+                       std::string_view name, Analysis readBy = Analysis::First);
 /// Another name for a command, which keeps its code and its place. The new name is checked as that of a new
 /// command, with the command itself left out of the comparison.
 /// @throws Failure as StoreCommand

@@ -16,13 +16,15 @@ constexpr int kHeadOfText = 10;  // within the first ten characters stands nothi
 
 }  // namespace
 
-std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view code, int limit) {
+std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view code, int limit,
+                                        Analysis readBy) {
   if (code.empty()) return std::nullopt;
   std::array<std::byte, 512> room;  // keeps the heap out of the road of a received press
   std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
   std::pmr::string needle(&memory);
-  needle.reserve(code.size() + 1);
+  needle.reserve(code.size() + 2);
   needle.append(1, 'G').append(code);
+  if (readBy == Analysis::Second) needle += ',';
 
   const int match = FindNoCase(needle, text, 1);
   if (match <= limit) return std::nullopt;
@@ -35,10 +37,10 @@ std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view 
 
 bool IsGeneral(std::string_view protocol) { return EqualNoCase(Trimmed(protocol), "general"); }
 
-bool LookupCommand(CfgStore& store, std::string_view code, std::int16_t protoKind) {
+bool LookupCommand(CfgStore& store, std::string_view code, std::int16_t protoKind, Analysis readBy) {
   std::string stored(code);
   if (protoKind == kRc5 && stored.size() > kToggleBitOffset) stored[kToggleBitOffset] = '0';
-  std::optional<FoundCommand> found = FindCommand(store.CfgText, stored, kHeadOfText);
+  std::optional<FoundCommand> found = FindCommand(store.CfgText, stored, kHeadOfText, readBy);
   if (!found) return false;
   store.CurProtocol = std::move(found->Protocol);
   store.CurCommand = std::move(found->Command);

@@ -104,8 +104,10 @@ bool BringBothACode(const Lines& base, const Lines& mine, std::string_view baseT
                     std::string_view theirs) {
   const std::set<std::string_view> known(base.begin(), base.end());
   return std::any_of(mine.begin(), mine.end(), [&](std::string_view line) {
-    const std::string_view code = line.substr(0, line.find(','));
-    const bool isNewCommand = line.front() == 'G' && code.size() < line.size() && known.count(line) == 0;
+    const std::size_t comma = line.find(',');
+    const bool isNewCommand =
+        line.front() == 'G' && comma != std::string_view::npos && known.count(line) == 0;
+    const std::string_view code = line.substr(0, comma == std::string_view::npos ? comma : comma + 1);
     return isNewCommand && line.substr(0, kPlaceholderLine.size()) != kPlaceholderLine &&
            FindNoCase(code, theirs, 1) != kNowhere && FindNoCase(code, baseText, 1) == kNowhere;
   });

@@ -14,8 +14,9 @@ namespace {
 constexpr int kHeadOfFile = 100;                    // a code found so near the head lies among the settings
 constexpr std::int32_t kPauseBehindEvent = 200000;  // microseconds; spaces out the events of a held key
 
-std::optional<std::string> FindReference(const std::string& code, const std::string& cfgText) {
-  const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadOfFile);
+std::optional<std::string> FindReference(const std::string& code, Analysis readBy,
+                                         const std::string& cfgText) {
+  const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadOfFile, readBy);
   if (!found || found->Protocol.empty() || found->Command.empty() || IsGeneral(found->Protocol)) return {};
   return found->Protocol + "&" + found->Command;
 }
@@ -35,16 +36,14 @@ DispatchEnd TestZone(const ui::ListView& list, int row, const Settings& settings
 
 }  // namespace
 
-std::string WholeCode(const std::string& code) { return code + ','; }
-
 bool IsLearned(const std::string& code, const std::string& cfgText) {
-  return !code.empty() && FindReference(WholeCode(code), cfgText).has_value();
+  return !code.empty() && FindReference(code, Analysis::Second, cfgText).has_value();
 }
 
-void DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
-                  const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
+void DispatchCode(const std::string& code, Analysis readBy, const std::string& cfgText,
+                  const Settings& settings, const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
                   const std::function<void(HostInputEvent&)>& raise, DispatchReport& report) {
-  const std::optional<std::string> reference = FindReference(code, cfgText);
+  const std::optional<std::string> reference = FindReference(code, readBy, cfgText);
   report.Ended = reference ? DispatchEnd::Walked : DispatchEnd::NotStored;
   if (!reference) return;
   report.Reference = *reference;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/host_records.h"
+#include "signal/analysis.h"
 #include "signal/win32_ser.h"
 #include "ui/list_view.h"
 
@@ -27,21 +28,19 @@ struct DispatchReport {
   int Raised = 0;         // input events
 };
 
-/// Whether a command with this code, and not only one that begins with it, was learned.
+/// Whether a command with exactly this code, and not only one that begins with it, was learned.
 /// @param code digits without the leading G; none are no code
 bool IsLearned(const std::string& code, const std::string& cfgText);
 
-/// The code as DispatchCode takes it to find the command with this code, and none that only begins with it.
-std::string WholeCode(const std::string& code);
-
 /// Finds a code among the learned commands and raises an input event for each activated row of the event
 /// list that is bound to it. A zone that does not match ends the walk: rows further down are not looked at.
-/// @param code digits without the leading G; also what WholeCode gives
+/// @param code digits without the leading G
+/// @param readBy the analysis that the code comes from; what the second look read is compared whole
 /// @param event filled and handed out anew for each row
 /// @param raise runs the host's handler
 /// @param report filled in as the dispatch goes
-void DispatchCode(const std::string& code, const std::string& cfgText, const Settings& settings,
-                  const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
+void DispatchCode(const std::string& code, Analysis readBy, const std::string& cfgText,
+                  const Settings& settings, const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
                   const std::function<void(HostInputEvent&)>& raise, DispatchReport& report);
 
 }  // namespace keplo

@@ -88,9 +88,8 @@ void Keplo::ReadAndDispatch() {
 
   HostInputEvent event;
   DispatchCode(
-      provenByLearning ? WholeCode(reading.Digits) : reading.Digits, mod_.Store.CfgText, mod_.Settings,
-      ListView1, line_, event, [this](HostInputEvent& raised) { RaiseInputEvent(raised); },
-      lastTick_.Dispatched);
+      reading.Digits, reading.ReadBy.value_or(Analysis::First), mod_.Store.CfgText, mod_.Settings, ListView1,
+      line_, event, [this](HostInputEvent& raised) { RaiseInputEvent(raised); }, lastTick_.Dispatched);
 }
 
 }  // namespace keplo

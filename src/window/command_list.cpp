@@ -118,7 +118,7 @@ void CommandList::Save() {
   std::string code = controls_.Fields.CodeStr.Text();
   LearnResult checked = CheckProtocol(store.CurProtocol);
   if (checked.Done() && !validation_.CmdValidated) checked.Refused = Refusal::NotValidated;
-  if (checked.Done()) checked = CheckCode(store.CfgText, code);
+  if (checked.Done()) checked = CheckCode(store.CfgText, code, validation_.ReadBy);
   if (!checked.Done()) {
     dialogue_.Tell(RefusalText(checked));
     return;

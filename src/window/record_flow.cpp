@@ -136,8 +136,9 @@ void RecordFlow::ShowKind(std::int16_t kind) {
 
 bool RecordFlow::LookUp(const RecordReading& reading) {
   CfgStore& store = mod_.Store;
-  const bool known = LookupCommand(store, reading.Code, reading.ProtoKind);
+  const bool known = LookupCommand(store, reading.Code, reading.ProtoKind, reading.ReadBy);
   fields_.IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
+  validation_.ReadBy = reading.ReadBy;
   const Verdict verdict = Validate(validation_, reading.Code, reading.Repeats, known);
   fields_.CodeStr.SetBackColour(BackOf(verdict));
   if (verdict == Verdict::Known) beeper_.Beep(2000, 50);

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "signal/analysis.h"
+
 namespace keplo {
 
 /// What a recorded code turned out to be.
@@ -17,8 +19,9 @@ enum class Verdict {
 /// in two presses with the same result.
 struct Validation {
   bool CmdValidated = false;
-  std::int16_t ValidationStep = 0;  // 1 while a first press waits for its second
-  std::string PendingCode;          // the code of that first press
+  std::int16_t ValidationStep = 0;    // 1 while a first press waits for its second
+  std::string PendingCode;            // the code of that first press
+  Analysis ReadBy = Analysis::First;  // the analysis that the last code comes from
 };
 
 /// Takes the next recorded press into account.

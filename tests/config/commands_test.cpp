@@ -151,6 +151,9 @@ TEST(FindCommand, TakesNothingFromTheHeadOrFromATornText) {
   EXPECT_FALSE(FindCommand(text, "101", 10)) << "the match ends at position 10";
   EXPECT_FALSE(FindCommand("0123456789 [A] G1010", "101", 10)) << "no comma";
   EXPECT_FALSE(FindCommand("0123456789 G1010,UP\r\n", "101", 10)) << "no header";
+  EXPECT_TRUE(FindCommand(text, "101", 5));
+  EXPECT_FALSE(FindCommand(text, "101", 5, Analysis::Second)) << "another code begins with it";
+  EXPECT_TRUE(FindCommand(text, "1010", 5, Analysis::Second));
   const std::optional<FoundCommand> bare = FindCommand("[]\r\n01234567 G1010,", "101", 10);
   ASSERT_TRUE(bare);
   EXPECT_EQ(bare->Protocol + "&" + bare->Command, "&");

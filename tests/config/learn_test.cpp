@@ -82,6 +82,9 @@ TEST(AddCommand, TellsWhyItRefuses) {
         << c.Code << "," << c.Name;
   }
   EXPECT_EQ(disk.File(), With({"G1010,POWER"}));
+  EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G101", "UP", Analysis::Second).Done()) << "beside a longer code";
+  EXPECT_EQ(RefusalText(AddCommand(disk.Store, "NEC", "G1010", "DOWN", Analysis::Second)),
+            "This command exist as POWER");
   EXPECT_TRUE(AddCommand(disk.Store, "NEC", "G1110", "MUTE").Done()) << "a name of another section is free";
 }
 

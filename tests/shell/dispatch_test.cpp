@@ -29,7 +29,7 @@ class Dispatch : public ::testing::Test {
     HostInputEvent event;
     DispatchReport report;
     DispatchCode(
-        code, cfgText_, settings_, list_, line_, event,
+        code, Analysis::First, cfgText_, settings_, list_, line_, event,
         [&](HostInputEvent& raised) {
           line_.Calls.push_back(raised.EventID + " " + std::get<std::string>(raised.EventCommand));
         },

@@ -101,6 +101,21 @@ TEST_F(Tick, TakesALoneFrameIfTheVeryCodeWasLearned) {
   EXPECT_EQ(raised_.size(), 1U);
 }
 
+TEST_F(Tick, TellsACodeFromALongerOneThatBeginsWithIt) {
+  const std::string code = "101010010000";
+  WriteConfig({}, ProtocolSection("MINE", "G" + code + "101,EQ\r\nG" + code + ",DISPLAY\r\n"));
+  Keplo& control = Start();
+  const std::string press =
+      Bytes(Runs(tests::SonyRuns(code)) + std::string(400, '0') + Runs(tests::SonyRuns(code)));
+  for (const auto& [analysis, found] :
+       {std::pair(Analysis::First, "MINE&EQ"), {Analysis::Second, "MINE&DISPLAY"}}) {
+    mod_->Settings.Analysis = analysis;
+    line_.Captures = {press};
+    control.Timer1.Tick();
+    EXPECT_EQ(control.LastTick().Dispatched.Reference, found);
+  }
+}
+
 TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
   Keplo& control = Start();
   line_.Captures = {std::string(510, '\xAA')};
