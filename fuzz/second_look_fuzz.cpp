@@ -16,10 +16,11 @@ void Check(bool holds) {
 }
 
 /// Frames are runs of marks and spaces between the marks of their borders, and a proven one has a code.
-void CheckLook(const keplo::SecondLook& look) {
+void CheckLook(const keplo::RobustReading& look) {
   Check(look.Symbols.find_first_not_of("01Gg") == std::string::npos);
   Check(look.Symbols.empty() || keplo::kMarks.find(look.Symbols.front()) != std::string_view::npos);
-  if (look.Proven != keplo::SecondLook::Proof::Sure && look.Proven != keplo::SecondLook::Proof::Lone) {
+  if (look.Proven != keplo::RobustReading::Proof::Sure &&
+      look.Proven != keplo::RobustReading::Proof::Single) {
     Check(look.Frame.empty());
     return;
   }
@@ -34,7 +35,7 @@ void CheckLook(const keplo::SecondLook& look) {
 /// Arbitrary bytes as a capture: nothing may go out of bounds, and what is found is of one piece.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view capture(reinterpret_cast<const char*>(data), size);
-  CheckLook(keplo::LookAgain(keplo::SamplesToBits(capture)));
+  CheckLook(keplo::ReadRobustly(keplo::SamplesToBits(capture)));
 
   keplo::SignalState state;
   const keplo::MonitorReading heard = keplo::ReadCapture(capture, state, keplo::Analysis::Second);

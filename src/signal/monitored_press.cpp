@@ -12,7 +12,7 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kMonitoredSilenceKept = 100;  // bytes behind the last sample of the signal
+constexpr std::size_t kMonitoredSilenceKept = 100;  // bytes after the last sample of the signal
 
 bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
   switch (kind) {
@@ -40,29 +40,29 @@ MonitorReading ReadFrame(std::string_view symbols, std::int16_t kind, Analysis a
   return reading;
 }
 
-MonitorReading ReadAtFirst(SignalState& state) {
+MonitorReading ReadPlainly(SignalState& state) {
   if (!AnalyseTiming(state.SampleBits, state.Measured)) return MonitorReading(Stage::NoTiming);
   const std::optional<std::string> symbols = WalkRuns(state.SampleBits, state.Measured.BaseT);
   if (!symbols) return MonitorReading(Stage::EndsInMark);
   return ReadFrame(*symbols, state.Measured.ProtoKind, Analysis::First);
 }
 
-MonitorReading ReadFrameOf(const SecondLook& look, Timing& measured) {
+MonitorReading ReadFrameOf(const RobustReading& look, Timing& measured) {
   measured.BaseT = look.BaseT;
   measured.ProtoKind = look.ProtoKind;
   return ReadFrame(look.Frame, look.ProtoKind, Analysis::Second);
 }
 
-MonitorReading ReadAtSecond(SignalState& state) {
-  const SecondLook look = LookAgain(state.SampleBits);
-  if (look.Proven == SecondLook::Proof::Sure) return ReadFrameOf(look, state.Measured);
-  if (look.Proven == SecondLook::Proof::Lone) {
+MonitorReading ReadWithSecondLook(SignalState& state) {
+  const RobustReading look = ReadRobustly(state.SampleBits);
+  if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured);
+  if (look.Proven == RobustReading::Proof::Single) {
     MonitorReading lone = ReadFrameOf(look, state.Measured);
     if (lone.Ended == Stage::Code) lone.Ended = Stage::Doubtful;
     return lone;
   }
-  MonitorReading reading = ReadAtFirst(state);
-  const bool refused = look.Proven == SecondLook::Proof::Refused;
+  MonitorReading reading = ReadPlainly(state);
+  const bool refused = look.Proven == RobustReading::Proof::Refused;
   return refused && reading.ReadBy ? MonitorReading(Stage::Doubtful) : reading;
 }
 
@@ -84,7 +84,7 @@ Stage TrimCapture(std::string& capture) {
 
 MonitorReading ReadTrimmedCapture(SignalState& state, Analysis analysis) {
   SamplesToBits(state.RawCapture, state.SampleBits);
-  return analysis == Analysis::First ? ReadAtFirst(state) : ReadAtSecond(state);
+  return analysis == Analysis::First ? ReadPlainly(state) : ReadWithSecondLook(state);
 }
 
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis) {

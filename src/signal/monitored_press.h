@@ -47,7 +47,7 @@ struct SignalState {
   Timing Measured;
 };
 
-/// Cuts a capture to its signal and at most 100 silent bytes behind it.
+/// Cuts a capture to its signal and at most 100 silent bytes after it.
 /// @return Stage::Empty or Stage::Short for a capture that holds too little; Stage::Code if it may be read
 Stage TrimCapture(std::string& capture);
 

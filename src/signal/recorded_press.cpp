@@ -12,11 +12,11 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kRecordedSilenceKept = 30;  // bytes behind the last sample of the signal
+constexpr std::size_t kRecordedSilenceKept = 30;  // bytes after the last sample of the signal
 constexpr std::size_t kClosingSilence = 100;      // samples; a longer space at the end closes the last frame
 constexpr std::size_t kShortestCommand = 7;       // digits of a frame that stands alone
 
-/// The symbols from the first mark on. An RC5 frame has no leader; the silence ahead of it is its mark.
+/// The symbols from the first mark on. An RC5 frame has no leader; the silence before it is its mark.
 std::string FromFirstMark(std::string symbols, std::int16_t kind) {
   if (kind == kRc5) symbols.insert(symbols.begin(), 'g');
   const std::size_t mark = symbols.find_first_of(kMarks);
@@ -53,7 +53,7 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
   if (!piece) ExplainCode(reading);
 }
 
-RecordReading ReadAtFirst(std::string_view samples, Timing& measured) {
+RecordReading ReadPlainly(std::string_view samples, Timing& measured) {
   if (!AnalyseTiming(samples, measured)) return RecordReading(RecordStage::NoTiming);
   RecordReading reading(RecordStage::Unknown);
   reading.BaseT = measured.BaseT;
@@ -65,9 +65,9 @@ RecordReading ReadAtFirst(std::string_view samples, Timing& measured) {
   return reading;
 }
 
-RecordReading ReadAtSecond(std::string_view samples, Timing& measured) {
-  SecondLook look = LookAgain(samples);
-  if (!look.HasFrames()) return ReadAtFirst(samples, measured);
+RecordReading ReadWithSecondLook(std::string_view samples, Timing& measured) {
+  RobustReading look = ReadRobustly(samples);
+  if (!look.HasFrames()) return ReadPlainly(samples, measured);
   measured.BaseT = look.BaseT;
   measured.ProtoKind = look.ProtoKind;
   RecordReading reading(RecordStage::Unknown);
@@ -119,7 +119,7 @@ RecordStage TrimRecording(std::string& capture) {
 }
 
 RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured, Analysis analysis) {
-  return analysis == Analysis::First ? ReadAtFirst(samples, measured) : ReadAtSecond(samples, measured);
+  return analysis == Analysis::First ? ReadPlainly(samples, measured) : ReadWithSecondLook(samples, measured);
 }
 
 RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis) {

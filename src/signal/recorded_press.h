@@ -18,7 +18,7 @@ namespace keplo {
 /// Length of the record flow's capture buffer, bytes.
 inline constexpr std::size_t kRecordCaptureBytes = 1000;
 
-/// Where the road from a recording to a code ended. Each stage knows all that the ones ahead of it know.
+/// Where the road from a recording to a code ended. Each stage knows all that the ones before it know.
 enum class RecordStage {
   Empty,     // no signal in the capture
   Short,     // too little signal
@@ -30,7 +30,7 @@ enum class RecordStage {
 
 /// The runs of a recording.
 struct RecordedRuns {
-  std::string Symbols;     // as in WalkRuns, but g at the end only behind a long silence
+  std::string Symbols;     // as in WalkRuns, but g at the end only after a long silence
   std::vector<int> Ones;   // lengths of the runs of 1, samples; the run that ends the samples is left out
   std::vector<int> Zeros;  // the same of 0
 };
@@ -40,7 +40,7 @@ struct RecordedRuns {
 /// @param baseT base time T, samples
 RecordedRuns WalkRecording(std::string_view samples, int baseT);
 
-/// Run lengths as one text, each behind a -: "-160-10-11".
+/// Run lengths as one text, each after a -: "-160-10-11".
 std::string RunLengthsText(const std::vector<int>& lengths);
 
 /// Everything that is told of one recorded key press.
@@ -62,7 +62,7 @@ struct RecordReading {
   std::string FirstFrame;  // digits of the first two frames, RC5 with the toggle digit
   std::string SecondFrame;
   bool Repeats = false;                  // the two are equal
-  std::optional<std::int16_t> SyncType;  // 0 no sync, 1 ahead of the first frame only, 2 ahead of all; may be
+  std::optional<std::int16_t> SyncType;  // 0 no sync, 1 before the first frame only, 2 before all; may be
                                          // missing for pulse distance and is for other fragments
 
   /// Digits without the leading G: at Fragment those of the piece, at Code the identity of the command, RC5
@@ -74,7 +74,7 @@ struct RecordReading {
   std::optional<CodeValues> Values;  // address and command
 };
 
-/// Cuts a capture to its signal and at most 30 silent bytes behind it.
+/// Cuts a capture to its signal and at most 30 silent bytes after it.
 /// @return RecordStage::Empty or RecordStage::Short for a capture that holds too little; RecordStage::Code if
 /// it may be read
 RecordStage TrimRecording(std::string& capture);

@@ -331,7 +331,7 @@ TEST(SecondLook, LeavesBaseTimesOfFewSamplesToTheFirstAnalysis) {
     --swallowed[i];
     ++swallowed[i + 1];
   }
-  EXPECT_EQ(LookAgain(Runs(swallowed)).Proven, SecondLook::Proof::Unsure) << "spaces of two samples";
+  EXPECT_EQ(ReadRobustly(Runs(swallowed)).Proven, RobustReading::Proof::Unsure) << "spaces of two samples";
 }
 
 TEST(SecondLook, LeavesTheFirstAnalysisAsItIs) {

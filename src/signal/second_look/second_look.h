@@ -9,11 +9,11 @@
 namespace keplo {
 
 /// What a second look at a sample string found.
-struct SecondLook {
+struct RobustReading {
   /// How far the frames of the capture prove a code.
   enum class Proof : std::uint8_t {
     Sure,    // Frame holds the code
-    Lone,    // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
+    Single,  // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
              // itself
     Unsure,  // a clean signal, but of none of the three line codes, of frames that take turns, or too fine
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
@@ -37,11 +37,11 @@ struct SecondLook {
 ///
 /// Frames are split at long spaces. Within a frame a leader stands well above the other marks; what is left
 /// must fall into at most two lengths of mark and two of space. One of mark and two of space is pulse
-/// distance, two and one pulse width, two and two, or two and one in whole pairs, biphase; one and one behind
+/// distance, two and one pulse width, two and two, or two and one in whole pairs, biphase; one and one after
 /// a leader a code of equal digits. Frames that are cut, or that fit none of these, are left out.
 ///
 /// Runs of up to two samples are taken for interference. A clean signal with a base time of less than 5
 /// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
-SecondLook LookAgain(std::string_view samples);
+RobustReading ReadRobustly(std::string_view samples);
 
 }  // namespace keplo

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <vector>
+
+#include "signal/second_look/frame_reader.h"
+
+namespace keplo::robust {
+
+/// The frame that the frames of one press prove: the one that is there twice, and longer than what differs or
+/// such that it would do by itself.
+/// @param found at least one frame
+/// @return null if there is none
+const Frame* ProvenFrame(const Findings& found);
+
+/// Whether the only frame, and its dittos, are all there is of the press. Without a leader it may have lost
+/// its head.
+bool IsSingleFrame(const Findings& found);
+
+/// Whether the pieces are one frame, sent again and again.
+bool IsOneFrame(const std::vector<Piece>& pieces);
+
+/// Frames that take turns, as some remotes send a frame and its complement.
+bool TakeTurns(const std::vector<Frame>& frames);
+
+/// Frames without a mark of their own, which only the silence before them shows.
+bool LackLeaders(const std::vector<Frame>& frames);
+
+}  // namespace keplo::robust
