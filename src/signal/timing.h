@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace keplo {
@@ -52,9 +54,22 @@ constexpr int RunUnits(int run, int t) {
 }
 
 /// Length of the run of one character that begins at an offset (from 0); 0 if another character stands there.
+/// Looks at eight characters at a time.
 inline std::size_t RunLength(std::string_view samples, std::size_t offset, char character) {
-  const std::size_t end = samples.find_first_not_of(character, offset);
-  return (end == std::string_view::npos ? samples.size() : end) - offset;
+  constexpr std::uint64_t kEachByte = 0x0101010101010101;
+  const std::uint64_t run = kEachByte * static_cast<unsigned char>(character);
+  std::size_t end = offset;
+  for (; end + sizeof run <= samples.size(); end += sizeof run) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, samples.data() + end, sizeof word);
+    const std::uint64_t differing = word ^ run;
+    if (differing == 0) continue;
+    constexpr bool kFirstIsLowest = std::endian::native == std::endian::little;
+    const int bits = kFirstIsLowest ? std::countr_zero(differing) : std::countl_zero(differing);
+    return end + static_cast<std::size_t>(bits) / 8 - offset;
+  }
+  while (end < samples.size() && samples[end] == character) ++end;
+  return end - offset;
 }
 
 }  // namespace keplo
