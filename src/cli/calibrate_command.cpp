@@ -1,18 +1,18 @@
-#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "cli/refuse.h"
+#include "cli/open_install.h"
 #include "config/setting_keys.h"
 #include "line/open_line.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
+#include "program/printable.h"
 #include "signal/calibration.h"
 
 namespace keplo::cli {
@@ -29,7 +29,7 @@ struct CalibrateOptions {
 };
 
 /// How a calibration on a replay line went.
-struct Course {
+struct Outcome {
   CalibrationStep End = CalibrationStep::NoSignal;
   std::int16_t Delay = 0;
   int Signals = 0;  // heard
@@ -41,68 +41,69 @@ std::string MeasurementText(std::int16_t delay, std::optional<std::int16_t> base
          (baseT ? "base time " + std::to_string(*baseT) : std::string("no base time"));
 }
 
-Course Calibrate(Win32Ser& line) {
+Outcome Calibrate(Win32Ser& line) {
   SignalState signal;
-  Course course;
-  Calibration calibration(line, signal, course.Delay);
+  Outcome outcome;
+  Calibration calibration(line, signal, outcome.Delay);
   std::string told;
   while (true) {
-    const std::int16_t delay = course.Delay;
-    course.End = calibration.Measure();
-    if (course.End == CalibrationStep::NoSignal) return course;
-    ++course.Signals;
-    if (calibration.BaseT()) ++course.Measured;
+    const std::int16_t delay = outcome.Delay;
+    outcome.End = calibration.Measure();
+    if (outcome.End == CalibrationStep::NoSignal) return outcome;
+    ++outcome.Signals;
+    if (calibration.BaseT()) ++outcome.Measured;
     const std::string text = MeasurementText(delay, calibration.BaseT());
     if (text != told) std::cout << text << std::endl;
     told = text;
-    if (course.End != CalibrationStep::Measure) return course;
+    if (outcome.End != CalibrationStep::Measure) return outcome;
   }
 }
 
-/// The sentences of the window, with the line ends of a terminal.
-std::string Sentences(const Course& course) {
-  std::string text = CalibrationText(course.End, course.Delay);
-  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-  return text;
+/// The sentences of the window, each as a line.
+std::vector<std::string> Sentences(const Outcome& outcome) {
+  std::vector<std::string> lines;
+  std::string sentences = CalibrationText(outcome.End, outcome.Delay);
+  std::erase(sentences, '\r');
+  std::istringstream text(sentences);
+  for (std::string line; std::getline(text, line);) lines.emplace_back(Trimmed(line));
+  return lines;
 }
 
 /// Why the replayed key was let go without a result, for a person; empty at any other end.
-std::string WhyNoHelp(const Course& course) {
-  if (course.End != CalibrationStep::NoSignal) return {};
-  const std::string signals = std::to_string(course.Signals) + " signals";
-  if (course.Measured == 0) {
+std::string WhyNoHelp(const Outcome& outcome) {
+  if (outcome.End != CalibrationStep::NoSignal) return {};
+  const std::string signals = std::to_string(outcome.Signals) + " signals";
+  if (outcome.Measured == 0) {
     return "none of " + signals +
            " had a base time; give a recording of a SONY remote, and a sample time near 55 microseconds";
   }
-  return "the key was let go after " + signals + " at delay " + std::to_string(course.Delay) +
+  return "the key was let go after " + signals + " at delay " + std::to_string(outcome.Delay) +
          ", where no signal took the search on";
 }
 
-int Save(std::int16_t delay, const CalibrateOptions& options) try {
-  OpenConfig config(options.AppPath);
-  config.RequireWhole();
-  CfgStore& store = config.Mod.Store;
-  if (!ChangeSetting(store, *FindSettingKey("PROCDELAY"), delay))
-    return Refuse(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
-  std::cout << "saved in " << store.Path.string() << '\n';
-  return kDone;
-} catch (const Failure& failure) {
-  return Refuse(failure.what());
+void Save(std::int16_t delay, const CalibrateOptions& options) {
+  OpenedConfig config(options.AppPath);
+  config.Change([&](CfgStore& store) {
+    if (ChangeSetting(store, *FindSettingKey("PROCDELAY"), delay)) return;
+    throw Refused(store.Path.string() + ": there is no PROCDELAY= to set; nothing was saved");
+  });
+  std::cout << "saved in " << Printable(config.Mod.Store.Path.string()) << '\n';
 }
 
 int Calibrate(const CalibrateOptions& options) {
   // Whoever holds the key should not do so for a file that cannot take the result.
-  if (!options.DryRun) OpenConfig(options.AppPath).RequireWhole();
+  if (!options.DryRun) OpenedConfig(options.AppPath).RequireWhole();
   const std::int16_t receiver = 0;  // calibration captures alike for both
   const OpenedLine line = OpenLine(options.Line, receiver);
-  const Course course = Calibrate(*line.Line);
-  if (course.End != CalibrationStep::Succeeded) {
-    const std::string why = WhyNoHelp(course);
-    return Refuse(Sentences(course) + (why.empty() ? "" : "\nkeplo: " + why));
+  const Outcome outcome = Calibrate(*line.Line);
+  std::vector<std::string> lines = Sentences(outcome);
+  if (outcome.End != CalibrationStep::Succeeded) {
+    if (const std::string why = WhyNoHelp(outcome); !why.empty()) lines.push_back(why);
+    throw Refused(lines.front(), {lines.begin() + 1, lines.end()});
   }
-  std::cout << Sentences(course) << '\n';
-  if (options.DryRun) return kDone;
-  return AmongOthers([&] { return Save(course.Delay, options); });
+  for (const std::string& told : lines) std::cout << told << '\n';
+  if (!options.DryRun) Save(outcome.Delay, options);
+  return kDone;
 }
 
 }  // namespace

@@ -1,13 +1,9 @@
 #pragma once
 
+#include "cli/outcome.h"
 #include "program/arguments.h"
 
 namespace keplo::cli {
-
-/// Exit codes of the command.
-inline constexpr int kDone = 0;
-inline constexpr int kNoResult = 1;  // some input gave no result
-inline constexpr int kWrongUse = 2;  // wrong use or unreadable input
 
 // Each adds its command to those of the program.
 void AddDecodeCommand(Command& root);

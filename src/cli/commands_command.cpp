@@ -1,49 +1,109 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "config/commands.h"
+#include "cli/open_install.h"
+#include "cli/outcome.h"
+#include "cli/reference.h"
+#include "config/learn.h"
 #include "config/lookup.h"
 #include "config/protocols.h"
 #include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/printable.h"
+#include "signal/decode.h"
 
 namespace keplo::cli {
 
 namespace {
 
-struct ConfigOptions {
-  std::string AppPath;
-  std::string Argument;
+struct ListOptions {
+  std::string AppPath, Only;
+  bool Json = false;
 };
 
-int ListLearned(const ConfigOptions& options) {
-  const OpenConfig config(options.AppPath);
-  bool any = false;
-  for (const std::string& protocol : ListProtocols(config.Mod.Store.CfgText)) {
-    if (!options.Argument.empty() && protocol != options.Argument) continue;
-    any = true;
-    for (const LearnedCommand& command : ListCommands(config.Mod.Store.CfgText, protocol)) {
-      std::cout << protocol << '\t' << command.Name << '\t' << command.Code << '\n';
-    }
+struct RenameOptions {
+  std::string AppPath, Command, NewName;
+};
+
+void Print(const std::string& protocol, const LearnedCommand& command, bool json) {
+  if (!json) {
+    std::cout << Printable(protocol) << '\t' << Printable(command.Name) << '\t' << Printable(command.Code)
+              << '\n';
+    return;
   }
-  if (any) return kDone;
-  if (options.Argument.empty()) {
-    std::cerr << "keplo: " << config.Mod.Store.Path.string() << " has no protocols\n";
-    return kNoResult;
-  }
-  std::cerr << "keplo: there is no protocol " << options.Argument
-            << " in keplo.cfg; names count in capitals too\n";
-  return kNoResult;
+  nlohmann::ordered_json line;
+  line["protocol"] = protocol;
+  line["command"] = command.Name;
+  line["reference"] = CommandReference{protocol, command.Name}.Text();
+  line["code"] = command.Code.substr(std::min<std::size_t>(1, command.Code.size()));
+  std::cout << JsonLine(line) << '\n';
 }
 
-int Lookup(const ConfigOptions& options) {
-  OpenConfig config(options.AppPath);
+void PrintProtocols(const std::string& text, const std::vector<std::string>& protocols, bool json) {
+  for (const std::string& protocol : protocols) {
+    for (const LearnedCommand& command : ListCommands(text, protocol)) Print(protocol, command, json);
+  }
+}
+
+int List(const ListOptions& options) {
+  const OpenedConfig config(options.AppPath);
+  const std::string& text = config.Text();
+  if (options.Only.empty()) {
+    const std::vector<std::string> protocols = ListProtocols(text);
+    if (protocols.empty()) throw Refused(config.Mod.Store.Path.string() + " has no protocols");
+    PrintProtocols(text, protocols, options.Json);
+  } else if (const auto reference = SplitReference(options.Only)) {
+    const std::string protocol = RequireProtocol(text, reference->Protocol);
+    const auto command = FindLearned(text, *reference);
+    if (!command) throw Refused(RefusalText({Refusal::NoSuchCommand, reference->Command}));
+    Print(protocol, *command, options.Json);
+  } else {
+    PrintProtocols(text, {RequireProtocol(text, options.Only)}, options.Json);
+  }
+  return kDone;
+}
+
+/// Binds the events of a command to its new name.
+/// @return how many
+int RebindEvents(const std::string& appPath, const std::string& from, const std::string& to) {
+  OpenedMap map(appPath);
+  std::vector<clsKeploEvent> bound;
+  for (const auto& event : map.Events) {
+    if (event->IRCommand == from) bound.push_back(*event);
+  }
+  for (clsKeploEvent& event : bound) {
+    event.IRCommand = to;
+    map.Change(
+        [&](colclsKeploEvents& events) { return events.Update(std::make_shared<clsKeploEvent>(event)); });
+  }
+  return static_cast<int>(bound.size());
+}
+
+int Rename(const RenameOptions& options) {
+  const auto reference = SplitReference(options.Command);
+  if (!reference) throw WrongUse("COMMAND is a protocol and a command, as 'NEC&POWER'");
+  OpenedConfig config(options.AppPath);
+  CommandReference from, to;
+  config.Change([&](CfgStore& store) {
+    from = AsStored(store.CfgText, *reference);
+    Require(RenameCommand(store, from.Protocol, from.Command, options.NewName));
+    to = AsStored(store.CfgText, {from.Protocol, options.NewName});
+  });
+  std::cout << Printable(from.Text()) << " is " << Printable(to.Text()) << " now\n";
+  const int events = RebindEvents(options.AppPath, from.Text(), to.Text());
+  if (events > 0) std::cout << events << (events == 1 ? " event goes" : " events go") << " with it\n";
+  return kDone;
+}
+
+int Lookup(const ListOptions& options) {
+  OpenedConfig config(options.AppPath);
   CfgStore& store = config.Mod.Store;
-  const bool hasHead =
-      !options.Argument.empty() && (options.Argument[0] == 'G' || options.Argument[0] == 'g');
-  const std::string code = options.Argument.substr(hasHead ? 1 : 0);
+  const bool hasHead = options.Only[0] == 'G' || options.Only[0] == 'g';
+  const std::string code = options.Only.substr(hasHead ? 1 : 0);
   // A code of 14 digits may be RC5 as it was on air, with its toggle digit.
   const auto isFound = [&](Analysis readBy) {
     return LookupCommand(store, code, kNec, readBy) ||
@@ -51,11 +111,8 @@ int Lookup(const ConfigOptions& options) {
   };
   // The very code, or the first that begins with it.
   const bool found = !code.empty() && (isFound(Analysis::Second) || isFound(Analysis::First));
-  if (!found) {
-    std::cerr << "keplo: the code G" << code << " belongs to no learned command\n";
-    return kNoResult;
-  }
-  std::cout << store.CurProtocol << '&' << store.CurCommand << '\n';
+  if (!found) throw Refused("the code G" + code + " belongs to no learned command");
+  std::cout << Printable(CommandReference{store.CurProtocol, store.CurCommand}.Text()) << '\n';
   return kDone;
 }
 
@@ -63,17 +120,29 @@ int Lookup(const ConfigOptions& options) {
 
 void AddCommandsCommand(Command& root) {
   Command command = root.Sub("commands", "List the learned commands");
-  const auto options = std::make_shared<ConfigOptions>();
+  const auto options = std::make_shared<ListOptions>();
   AddAppPathOption(command, options->AppPath);
-  command.Word("PROTOCOL", options->Argument, "Only the commands of this protocol");
-  command.Runs([options] { return ListLearned(*options); });
+  command.Word("PROTOCOL", options->Only, "Only the commands of this protocol, or one as 'NEC&POWER'");
+  command.Flag("--json", options->Json, "One JSON object a command");
+  command.Runs([options] { return List(*options); });
+
+  Command rename = command.OptionalSub("rename", "Give a command another name; its events go with it");
+  const auto words = std::make_shared<RenameOptions>();
+  // The option before "rename" is that of "commands".
+  rename.Word("--app-path", words->AppPath, "Folder of keplo.cfg and the event map");
+  rename.Word("COMMAND", words->Command, "Protocol and command, as 'NEC&POWER'").Required();
+  rename.Word("NAME", words->NewName, "The new name: letters, digits, - and _").Required();
+  rename.Runs([words, options] {
+    if (words->AppPath.empty()) words->AppPath = options->AppPath;
+    return Rename(*words);
+  });
 }
 
 void AddLookupCommand(Command& root) {
   Command command = root.Sub("lookup", "Tell to which learned command a code belongs");
-  const auto options = std::make_shared<ConfigOptions>();
+  const auto options = std::make_shared<ListOptions>();
   AddAppPathOption(command, options->AppPath);
-  command.Word("CODE", options->Argument, "Code digits, with or without the leading G").Required();
+  command.Word("CODE", options->Only, "Code digits, with or without the leading G").Required();
   command.Runs([options] { return Lookup(*options); });
 }
 

@@ -3,53 +3,84 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <set>
+#include <optional>
 #include <string>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "config/commands.h"
+#include "cli/open_install.h"
+#include "cli/outcome.h"
+#include "cli/reference.h"
 #include "config/protocols.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
 namespace {
 
-struct EventOptions {
-  std::string AppPath;
-  bool Json = false;
-  bool Each = false;
-  bool Disabled = false;
-  clsKeploEvent Event;
+struct EventWords {
+  std::string AppPath, EventID, Command;
+  std::optional<std::string> Name, Description;
+  std::optional<std::int16_t> Zone;
+  bool Json = false, Each = false, Force = false;
+  bool Enable = false, Disable = false;
 };
-
-void RequireChange(bool changed, const OpenMap& map) {
-  if (changed) return;
-  const std::string& reason =
-      map.FailureText().empty() ? map.Database.ErrorDetails().ErrorDescription : map.FailureText();
-  throw Failure(1, "The event map was not changed: " + reason);
-}
-
-/// The first whole number from a given one on that is no EventID of the map.
-std::string FirstFreeID(const OpenMap& map, std::int64_t& number) {
-  while (map.Events.Item(EventKey(std::to_string(number))) != nullptr) ++number;
-  return std::to_string(number);
-}
 
 /// Refuses what no list could show in one line.
 void CheckText(const std::string& what, const std::string& text) {
-  const bool control =
-      std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
-  if (!control) return;
-  throw Failure(1, "The " + what + " holds a line end, a tab or another control character. Leave it out.");
+  if (Printable(text) == text) return;
+  throw WrongUse("The " + what + " holds a line end, a tab or another control character. Leave it out.");
 }
 
-int List(const EventOptions& options) {
-  const OpenMap map(options.AppPath);
+void CheckTexts(const clsKeploEvent& event) {
+  CheckText("EventID", event.EventID);
+  CheckText("name", event.EventName);
+  CheckText("description", event.EventDescription);
+  CheckText("command", event.IRCommand);
+}
+
+/// The learned command that a reference means, as keplo.cfg spells it.
+std::optional<CommandReference> FindInConfig(const EventWords& words, const CommandReference& wanted) try {
+  const OpenedConfig config(words.AppPath);
+  const auto command = FindLearned(config.Text(), wanted);
+  if (!command) return std::nullopt;
+  return CommandReference{ProtocolAsStored(config.Text(), wanted.Protocol), command->Name};
+} catch (const Failure& failure) {
+  if (!words.Force) throw;
+  Tell(failure.what());
+  return std::nullopt;
+}
+
+/// What an event is to be bound to. One for a command that is not learned never fires; it may be learned
+/// later.
+std::string ReferenceToBind(const EventWords& words) {
+  const auto wanted = SplitReference(words.Command);
+  if (!wanted) throw WrongUse("COMMAND is a protocol and a command, as 'NEC&POWER'");
+  CheckText("command", words.Command);
+  if (const auto known = FindInConfig(words, *wanted)) return known->Text();
+  if (!words.Force) {
+    throw Refused(
+        words.Command +
+        " is no learned command; keplo commands lists those that are. --force takes it all the same");
+  }
+  Tell(words.Command +
+       " is no learned command yet; the event fires only once it is. "
+       "keplo commands lists those that are");
+  return words.Command;
+}
+
+void TakeWords(const EventWords& words, clsKeploEvent& event) {
+  event.EventName = words.Name.value_or(event.EventName);
+  event.EventDescription = words.Description.value_or(event.EventDescription);
+  event.Zone = words.Zone.value_or(event.Zone);
+  if (words.Enable || words.Disable) event.Enabled = words.Enable;
+}
+
+int List(const EventWords& words) {
+  const OpenedMap map(words.AppPath);
   for (const auto& event : map.Events) {
-    if (options.Json) {
+    if (words.Json) {
       nlohmann::ordered_json json;
       json["event_id"] = event->EventID;
       json["event_name"] = event->EventName;
@@ -59,68 +90,71 @@ int List(const EventOptions& options) {
       json["zone"] = event->Zone;
       std::cout << JsonLine(json) << '\n';
     } else {
-      std::cout << event->EventID << '\t' << event->EventName << '\t' << event->IRCommand << "\tzone "
-                << event->Zone << (event->Enabled ? "" : "\tdisabled") << '\t' << event->EventDescription
-                << '\n';
+      std::cout << Printable(event->EventID) << '\t' << Printable(event->EventName) << '\t'
+                << Printable(event->IRCommand) << "\tzone " << event->Zone
+                << (event->Enabled ? "" : "\tdisabled") << '\t' << Printable(event->EventDescription) << '\n';
     }
   }
   return kDone;
 }
 
-void Add(OpenMap& map, const clsKeploEvent& event) {
-  if (map.Events.Item(EventKey(event.EventID)) != nullptr) {
-    throw Failure(1,
-                  "There is an event with the EventID " + event.EventID + " already. Choose another --id.");
-  }
-  RequireChange(map.Events.Add(std::make_shared<clsKeploEvent>(event)), map);
+void Add(OpenedMap& map, const clsKeploEvent& event) {
+  map.Change([&](colclsKeploEvents& events) { return events.Add(std::make_shared<clsKeploEvent>(event)); });
 }
 
-/// An event for a command that is not learned never fires; it may be learned later.
-void WarnOfUnknownCommand(const EventOptions& options, const std::string& reference) try {
-  const OpenConfig config(options.AppPath);
-  const std::string& text = config.Mod.Store.CfgText;
-  for (const std::string& protocol : ListProtocols(text)) {
-    for (const LearnedCommand& command : ListCommands(text, protocol)) {
-      if (protocol + "&" + command.Name == reference) return;
+/// Adds an event under the first whole number that is free, whoever else adds some at the same time.
+/// @param map is read again where somebody else took the number
+/// @return its EventID
+std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>& map, clsKeploEvent event) {
+  for (std::int64_t number = 1;; ++number) {
+    event.EventID = std::to_string(number);
+    if (map->Find(event.EventID) != nullptr) continue;
+    try {
+      Add(*map, event);
+      return event.EventID;
+    } catch (const NotWritten&) {
+      map.emplace(appPath);
+      if (map->Find(event.EventID) == nullptr) throw;
     }
   }
-  std::cerr << "keplo: " << reference << " is no learned command yet; the event fires only once it is. "
-            << "keplo commands lists those that are\n";
-} catch (const Failure& failure) {
-  std::cerr << "keplo: " << failure.what() << '\n';
 }
 
-int AddOne(const EventOptions& options) {
-  OpenMap map(options.AppPath);
-  clsKeploEvent event = options.Event;
-  event.Enabled = !options.Disabled;
-  std::int64_t number = 1;
-  if (event.EventID.empty()) event.EventID = FirstFreeID(map, number);
-  if (event.EventName.empty()) event.EventName = event.IRCommand.substr(event.IRCommand.find('&') + 1);
-  CheckText("EventID", event.EventID);
-  CheckText("name", event.EventName);
-  CheckText("description", event.EventDescription);
-  Add(map, event);
-  WarnOfUnknownCommand(options, event.IRCommand);
+int AddOne(const EventWords& words) {
+  clsKeploEvent event;
+  event.EventID = words.EventID;
+  event.IRCommand = ReferenceToBind(words);
+  event.EventName = event.IRCommand.substr(event.IRCommand.find('&') + 1);
+  event.Enabled = true;
+  TakeWords(words, event);
+  CheckTexts(event);
+  std::optional<OpenedMap> map(std::in_place, words.AppPath);
+  if (event.EventID.empty()) {
+    event.EventID = AddUnderFreeID(words.AppPath, map, event);
+  } else if (map->Find(event.EventID) != nullptr) {
+    throw Refused("There is an event with the EventID " + event.EventID + " already. Choose another --id.");
+  } else {
+    Add(*map, event);
+  }
   std::cout << event.EventID << '\n';
   return kDone;
 }
 
-/// An event for every learned command that has none.
-int AddEach(const EventOptions& options) {
-  OpenConfig config(options.AppPath);
-  OpenMap map(options.AppPath);
-  std::set<std::string> bound;
-  for (const auto& event : map.Events) bound.insert(event->IRCommand);
+bool IsBound(const OpenedMap& map, const std::string& reference) {
+  return std::any_of(map.Events.begin(), map.Events.end(),
+                     [&](const auto& event) { return event->IRCommand == reference; });
+}
 
-  std::int64_t number = 1;
+/// An event for every learned command that has none.
+int AddEach(const EventWords& words) {
+  const OpenedConfig config(words.AppPath);
+  std::optional<OpenedMap> map(std::in_place, words.AppPath);
   int added = 0;
-  for (const std::string& protocol : ListProtocols(config.Mod.Store.CfgText)) {
-    for (const LearnedCommand& command : ListCommands(config.Mod.Store.CfgText, protocol)) {
-      const std::string reference = protocol + "&" + command.Name;
-      if (command.Name == "EMPTY" || bound.count(reference) > 0) continue;
-      Add(map,
-          {FirstFreeID(map, number), command.Name, command.Name + " from " + protocol, reference, true, 0});
+  for (const std::string& protocol : ListProtocols(config.Text())) {
+    for (const LearnedCommand& command : ListCommands(config.Text(), protocol)) {
+      const std::string reference = CommandReference{protocol, command.Name}.Text();
+      if (command.Name == kPlaceholderName || IsBound(*map, reference)) continue;
+      AddUnderFreeID(words.AppPath, map,
+                     {"", command.Name, command.Name + " from " + protocol, reference, true, 0});
       ++added;
     }
   }
@@ -128,70 +162,88 @@ int AddEach(const EventOptions& options) {
   return kDone;
 }
 
-std::shared_ptr<clsKeploEvent> Find(const OpenMap& map, const std::string& id) {
-  auto event = map.Events.Item(EventKey(id));
-  if (event == nullptr) {
-    throw Failure(
-        1, "There is no event with the EventID " + id + ". keplo events list shows those that are there.");
-  }
-  return event;
+std::shared_ptr<clsKeploEvent> Find(const OpenedMap& map, const std::string& id) {
+  auto event = map.Find(id);
+  if (event != nullptr) return event;
+  throw Refused("There is no event with the EventID " + id +
+                ". keplo events list shows those that are there.");
 }
 
-int Switch(const EventOptions& options, bool enabled) {
-  OpenMap map(options.AppPath);
-  const auto event = Find(map, options.Event.EventID);
-  event->Enabled = enabled;
-  RequireChange(map.Events.Update(event), map);
+int Modify(const EventWords& words) {
+  OpenedMap map(words.AppPath);
+  const auto event = std::make_shared<clsKeploEvent>(*Find(map, words.EventID));
+  if (!words.Command.empty()) event->IRCommand = ReferenceToBind(words);
+  TakeWords(words, *event);
+  CheckTexts(*event);
+  map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
   return kDone;
 }
 
-int Delete(const EventOptions& options) {
-  OpenMap map(options.AppPath);
-  Find(map, options.Event.EventID);
-  RequireChange(map.Events.Delete(options.Event.EventID), map);
+int Delete(const EventWords& words) {
+  OpenedMap map(words.AppPath);
+  Find(map, words.EventID);
+  map.Change([&](colclsKeploEvents& events) { return events.Delete(words.EventID); });
   return kDone;
+}
+
+void AddAddCommand(Command add, const std::shared_ptr<EventWords>& words) {
+  Argument reference = add.Word("COMMAND", words->Command, "Protocol and command, as 'NEC&POWER'");
+  const Argument each = add.Flag("--each", words->Each, "An event for every learned command that has none");
+  reference.Excludes(each);
+  add.Word("--id", words->EventID, "EventID; without it the first free number").Excludes(each);
+  add.Text("--name", words->Name, "Friendly name; without it the command's").Excludes(each);
+  add.Text("--description", words->Description, "Short description").Excludes(each);
+  add.Number("--zone", words->Zone, "Zone, 0 for any", {0, 8}).Excludes(each);
+  add.Flag("--disabled", words->Disable, "Add it switched off").Excludes(each);
+  add.Flag("--force", words->Force, "Take a command that is not learned yet").Excludes(each);
+  add.Runs([words] {
+    if (!words->Each && words->Command.empty()) throw WrongUse("COMMAND or --each is required");
+    return words->Each ? AddEach(*words) : AddOne(*words);
+  });
+}
+
+void AddModifyCommand(Command modify, const std::shared_ptr<EventWords>& words) {
+  modify.Flag("--force", words->Force, "Take a command that is not learned yet");
+  Command changes = modify.AtLeastOneOf("Changes");
+  changes.Word("--command", words->Command, "Protocol and command, as 'NEC&POWER'");
+  changes.Text("--name", words->Name, "Friendly name");
+  changes.Text("--description", words->Description, "Short description");
+  changes.Number("--zone", words->Zone, "Zone, 0 for any", {0, 8});
+  const Argument enable = changes.Flag("--enable", words->Enable, "Switch it on");
+  changes.Flag("--disable", words->Disable, "Switch it off").Excludes(enable);
+  modify.Runs([words] { return Modify(*words); });
 }
 
 }  // namespace
 
 void AddEventsCommand(Command& root) {
   Command events = root.Sub("events", "Show and change the event map");
-  const auto options = std::make_shared<EventOptions>();
-  const auto add = [&](const char* name, const char* about) {
+  const auto words = std::make_shared<EventWords>();
+  const auto sub = [&](const char* name, const char* about) {
     Command command = events.Sub(name, about);
-    AddAppPathOption(command, options->AppPath);
+    AddAppPathOption(command, words->AppPath);
     return command;
   };
-  const auto addWithID = [&](const char* name, const char* about, int (*work)(const EventOptions&)) {
-    Command command = add(name, about);
-    command.Word("ID", options->Event.EventID, "EventID of the event").Required();
-    command.Runs([options, work] { return work(*options); });
+  const auto subWithID = [&](const char* name, const char* about) {
+    Command command = sub(name, about);
+    command.Word("ID", words->EventID, "EventID of the event").Required();
+    return command;
   };
 
-  Command list = add("list", "List the events");
-  list.Flag("--json", options->Json, "One JSON object an event");
-  list.Runs([options] { return List(*options); });
-
-  Command adding = add("add", "Add an event for a learned command");
-  Argument reference =
-      adding.Word("COMMAND", options->Event.IRCommand, "Protocol and command, as 'NEC&POWER'");
-  const Argument each =
-      adding.Flag("--each", options->Each, "An event for every learned command that has none");
-  reference.Excludes(each);
-  adding.Word("--id", options->Event.EventID, "EventID; without it the first free number").Excludes(each);
-  adding.Word("--name", options->Event.EventName, "Friendly name; without it the command's").Excludes(each);
-  adding.Text("--description", options->Event.EventDescription, "Short description").Excludes(each);
-  adding.Number("--zone", options->Event.Zone, "Zone, 0 for any", {0, 8}).Excludes(each);
-  adding.Flag("--disabled", options->Disabled, "Add it switched off").Excludes(each);
-  adding.Runs([options] {
-    if (!options->Each && options->Event.IRCommand.empty()) throw WrongUse("COMMAND or --each is required");
-    return options->Each ? AddEach(*options) : AddOne(*options);
-  });
-
-  addWithID("delete", "Delete an event", Delete);
-  addWithID("enable", "Switch an event on", [](const EventOptions& chosen) { return Switch(chosen, true); });
-  addWithID("disable", "Switch an event off",
-            [](const EventOptions& chosen) { return Switch(chosen, false); });
+  Command list = sub("list", "List the events");
+  list.Flag("--json", words->Json, "One JSON object an event");
+  list.Runs([words] { return List(*words); });
+  AddAddCommand(sub("add", "Add an event for a learned command"), words);
+  AddModifyCommand(subWithID("modify", "Change an event; what is not told stays"), words);
+  subWithID("delete", "Delete an event").Runs([words] { return Delete(*words); });
+  for (const bool enable : {true, false}) {
+    subWithID(enable ? "enable" : "disable", enable ? "Switch an event on" : "Switch an event off")
+        .Runs([words, enable] {
+          words->Enable = enable;
+          words->Disable = !enable;
+          return Modify(*words);
+        });
+  }
 }
 
 }  // namespace keplo::cli

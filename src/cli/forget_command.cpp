@@ -3,32 +3,29 @@
 #include <string>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
+#include "cli/open_install.h"
+#include "cli/outcome.h"
+#include "cli/reference.h"
 #include "config/learn.h"
 #include "program/app_path.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
 namespace {
 
 struct ForgetOptions {
-  std::string Protocol, Name, AppPath;
+  std::string Protocol, Command, AppPath;
 };
 
 int Forget(const ForgetOptions& options) {
-  OpenConfig config(options.AppPath);
-  config.RequireWhole();
-  std::string refusal;
-  try {
-    refusal = RefusalText(DeleteCommand(config.Mod.Store, options.Protocol, options.Name));
-  } catch (const Failure& failure) {
-    refusal = failure.what();
-  }
-  if (!refusal.empty()) {
-    std::cerr << "keplo: " << refusal << '\n';
-    return kNoResult;
-  }
-  std::cout << options.Protocol << '&' << options.Name << " forgotten\n";
+  CommandReference reference = ReferenceOf(options.Protocol, options.Command);
+  OpenedConfig config(options.AppPath);
+  config.Change([&](CfgStore& store) {
+    reference = AsStored(store.CfgText, reference);
+    Require(DeleteCommand(store, reference.Protocol, reference.Command));
+  });
+  std::cout << Printable(reference.Text()) << " forgotten\n";
   return kDone;
 }
 
@@ -37,10 +34,10 @@ int Forget(const ForgetOptions& options) {
 void AddForgetCommand(Command& root) {
   Command command = root.Sub("forget", "Delete a learned command");
   const auto options = std::make_shared<ForgetOptions>();
-  command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg").Required();
-  command.Word("COMMAND", options->Name, "Name of the command").Required();
+  command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg, or both as 'NEC&POWER'").Required();
+  command.Word("COMMAND", options->Command, "Name of the command");
   AddAppPathOption(command, options->AppPath);
-  command.Runs([options] { return AmongOthers([&] { return Forget(*options); }); });
+  command.Runs([options] { return Forget(*options); });
 }
 
 }  // namespace keplo::cli

@@ -7,6 +7,7 @@
 #include "disk/posix_file_system.h"
 #include "install/first_install.h"
 #include "program/app_path.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
@@ -20,9 +21,10 @@ struct InstallOptions {
 int Install(const InstallOptions& options) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
   PosixFileSystem files;
-  const bool brought = BringFirstInstall(appPath, files);
+  bool brought = false;
+  Write([&] { brought = BringFirstInstall(appPath, files); });
   std::cout << (brought ? "Brought a first install to " : "There is an install already in ")
-            << appPath.string() << '\n';
+            << Printable(appPath.string()) << '\n';
   return options.Index.empty() ? kDone : TeachIndex(options.AppPath, options.Index);
 }
 

@@ -4,16 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "cli/analysis_option.h"
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "cli/refuse.h"
+#include "cli/open_install.h"
+#include "cli/press_table.h"
+#include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
+#include "program/printable.h"
 #include "signal/recorded_press.h"
 #include "station/stage_text.h"
 #include "window/validation.h"
@@ -29,7 +30,7 @@ struct LearnOptions {
 };
 
 /// The last press of some recordings, and what all of them say of it.
-struct Lesson {
+struct HeardKey {
   RecordReading Last;
   std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
@@ -45,57 +46,63 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
   return recorded.Repeats && recorded.Code == code;
 }
 
-Lesson ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
-  Lesson lesson;
+HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
+  HeardKey key;
   for (const std::string& file : options.Files) {
     for (const Press& press : LoadRecording(file).Presses) {
       SignalState state;
-      lesson.Last =
+      key.Last =
           ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
-      if (!WhyNoCode(lesson.Last).empty()) continue;
-      const std::string& code = lesson.Last.Code;
-      lesson.Codes.insert(code);
-      lesson.Known = LookupCommand(store, code, lesson.Last.ProtoKind, lesson.Last.ReadBy);
-      Validate(lesson.Validation, code, SentTwice(press, options.Line, code, analysis), lesson.Known);
+      if (!WhyNoCode(key.Last).empty()) continue;
+      const std::string& code = key.Last.Code;
+      key.Codes.insert(code);
+      key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
+      Validate(key.Validation, code, SentTwice(press, options.Line, code, analysis), key.Known);
     }
   }
-  return lesson;
+  return key;
 }
 
 /// Why the presses cannot be learned as one command, for a person; empty if they can.
-std::string WhyNoCommand(const Lesson& lesson) {
-  if (const std::string reason = WhyNoCode(lesson.Last); !reason.empty()) return "no code: " + reason;
-  if (lesson.Codes.size() < 2) return {};
+std::string WhyNoCommand(const HeardKey& key) {
+  if (const std::string reason = WhyNoCode(key.Last); !reason.empty()) return "no code: " + reason;
+  if (key.Codes.size() < 2) return {};
   std::string codes;
-  for (const std::string& code : lesson.Codes) codes += " G" + code;
+  for (const std::string& code : key.Codes) codes += " G" + code;
   return "the presses have different codes, and a command has one; give presses of the same key:" + codes;
 }
 
-LearnResult Store(const LearnOptions& options, const Lesson& lesson, CfgStore& store) {
-  LearnResult refused = CheckProtocol(options.Protocol);
-  if (!refused.Done()) return refused;
+void Store(const CommandReference& reference, const HeardKey& key, CfgStore& store) {
+  Require(CheckProtocol(reference.Protocol));
   // A known code needs no second press; the checks name the command that has it.
-  if (!lesson.Validation.CmdValidated && !lesson.Known) return {Refusal::NotValidated, {}};
-  return AddCommand(store, options.Protocol, "G" + lesson.Last.Code, options.Name, lesson.Last.ReadBy);
+  if (!key.Validation.CmdValidated && !key.Known) {
+    throw Refused(RefusalText({Refusal::NotValidated, {}}),
+                  {"the last press has a single frame; give recordings of two equal presses"});
+  }
+  const std::string code = "G" + key.Last.Code;
+  const LearnResult result = AddCommand(store, reference.Protocol, code, reference.Command, key.Last.ReadBy);
+  if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code));
+}
+
+/// The name may hold the protocol, as in "NEC&POWER".
+CommandReference WantedReference(const LearnOptions& options) {
+  if (!options.Protocol.empty()) return {options.Protocol, options.Name};
+  if (auto both = SplitReference(options.Name)) return *std::move(both);
+  throw WrongUse("--protocol is required");
 }
 
 int Learn(const LearnOptions& options) {
-  OpenConfig config(options.AppPath);
+  CommandReference reference = WantedReference(options);
+  OpenedConfig config(options.AppPath);
   config.RequireWhole();
-  const Lesson lesson = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
-  if (const std::string reason = WhyNoCommand(lesson); !reason.empty()) return Refuse(reason);
-  try {
-    LearnResult result;
-    ChangeAmongOthers(config.Mod.Store, [&] { result = Store(options, lesson, config.Mod.Store); });
-    if (result.Refused == Refusal::NotValidated) {
-      return Refuse(RefusalText(result) +
-                    "\nkeplo: the last press has a single frame; give recordings of two equal presses");
-    }
-    if (!result.Done()) return Refuse(RefusalText(result));
-  } catch (const Failure& failure) {
-    return Refuse(failure.what());
-  }
-  std::cout << options.Protocol << '&' << options.Name << " learned: G" << lesson.Last.Code << '\n';
+  const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
+  if (const std::string reason = WhyNoCommand(key); !reason.empty()) throw Refused(reason);
+  config.Change([&](CfgStore& store) {
+    reference.Protocol = ProtocolAsStored(store.CfgText, reference.Protocol);
+    Store(reference, key, store);
+    reference = AsStored(store.CfgText, reference);
+  });
+  std::cout << Printable(reference.Text()) << " learned: G" << key.Last.Code << '\n';
   return kDone;
 }
 
@@ -106,8 +113,10 @@ void AddLearnCommand(Command& root) {
   const auto options = std::make_shared<LearnOptions>();
   command.Words("FILE", options->Files, "Recordings of the key; two presses where it sends one frame")
       .Required();
-  command.Word("--protocol", options->Protocol, "Section of keplo.cfg that takes the command").Required();
-  command.Word("--name", options->Name, "Name of the command: letters, digits, - and _").Required();
+  command.Word("--protocol", options->Protocol, "Section of keplo.cfg that takes the command");
+  command
+      .Word("--name", options->Name, "Name of the command: letters, digits, - and _; or both as 'NEC&POWER'")
+      .Required();
   AddAppPathOption(command, options->AppPath);
   AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
   command.Runs([options] { return Learn(*options); });

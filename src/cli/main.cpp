@@ -1,5 +1,3 @@
-#include <exception>
-#include <iostream>
 
 #include "cli/commands.h"
 #include "keplo_mod.h"
@@ -28,13 +26,5 @@ int RunKeplo(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   keplo::IgnoreFileSizeSignal();
-  try {
-    const int status = RunKeplo(argc, argv);
-    if (std::cout.flush()) return status;
-    std::cerr << "keplo: the output cannot be written; is the disk full, or the reader gone?\n";
-    return keplo::cli::kWrongUse;
-  } catch (const std::exception& error) {
-    std::cerr << "keplo: " << error.what() << '\n';
-    return keplo::cli::kWrongUse;
-  }
+  return keplo::cli::RunToEnd([&] { return RunKeplo(argc, argv); });
 }

@@ -13,6 +13,7 @@
 #include "program/json_line.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
+#include "program/printable.h"
 #include "program/stop_signals.h"
 #include "station/silent_boxes.h"
 #include "station/station.h"
@@ -51,15 +52,16 @@ void Print(const RaisedEvent& event, bool json) {
     line["zone"] = ZoneNumber(event.Zone);
     std::cout << JsonLine(line) << std::endl;
   } else {
-    std::cout << event.Time << "  event " << event.EventID << "  " << event.Name << "  " << event.Command
-              << "  zone " << event.Zone << std::endl;
+    std::cout << Printable(event.Time + "  event " + event.EventID + "  " + event.Name + "  " +
+                           event.Command + "  zone " + event.Zone)
+              << std::endl;
   }
 }
 
 /// What a monitor tells beside its events: complaints under the program's name, presses without an event
 /// plain.
 void TellLine(LogLevel level, const std::string& text) {
-  std::cerr << (level <= LogLevel::Warning ? "keplo: " : "") << text << '\n';
+  std::cerr << (level <= LogLevel::Warning ? "keplo: " : "") << Printable(text) << '\n';
 }
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
@@ -89,11 +91,13 @@ int Monitor(const MonitorOptions& options) {
     Print(Describe(event, control.ListView1), options.Json);
   };
   control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
-    std::cerr << "keplo: " << record.ErrorSource << " " << record.ErrorProcedure << ": "
-              << record.ErrorDescription << '\n';
+    Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
   };
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
+  if (options.Line.ReplayFiles.empty()) {
+    Tell("there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings");
+  }
   const StopSignals stop;
   control.InputStartMonitoring();
   RunTicks(station, options, stop);

@@ -6,17 +6,19 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "cli/refuse.h"
+#include "cli/open_install.h"
+#include "cli/reference.h"
 #include "config/generic_protocols.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "failure.h"
 #include "program/app_path.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
@@ -69,85 +71,80 @@ ProtocolDraft PresetOf(std::string_view generic) {
   return draft;
 }
 
-/// Tells what became of a change.
-template <typename Change>
-int Tell(const std::string& done, Change change) try {
-  const ProtocolResult result = change();
-  if (!result.Done()) return Refuse(RefusalText(result));
-  std::cout << done << '\n';
-  return kDone;
-} catch (const Failure& failure) {
-  return Refuse(failure.what());
+void Require(const ProtocolResult& result, const std::string& before = {}) {
+  if (!result.Done()) throw Refused(before + RefusalText(result));
 }
 
-/// The lines that a section is left with; a change drops comments, and may bring GREPEAT to REPEAT.
-void PrintStored(std::string_view text, const std::string& protocol) {
+/// Tells what was done, and the lines that the section is left with: a change drops comments, and may bring
+/// GREPEAT to REPEAT.
+void PrintStored(std::string_view text, const std::string& protocol, const char* done) {
+  std::cout << Printable(protocol) << ' ' << done << '\n';
   const std::optional<ProtocolDraft> stored = LoadProtocol(text, protocol);
   if (!stored) return;
-  std::string lines = ParameterLines(*stored);
-  lines.erase(std::remove(lines.begin(), lines.end(), '\r'), lines.end());
-  std::cout << lines << '\n';
+  std::string parameters = ParameterLines(*stored);
+  std::erase(parameters, '\r');
+  std::istringstream lines(parameters);
+  for (std::string line; std::getline(lines, line);) std::cout << Printable(Trimmed(line)) << '\n';
 }
 
 int Add(const ProtocolWords& words) {
-  OpenConfig config(words.AppPath);
-  config.RequireWhole();
+  OpenedConfig config(words.AppPath);
   ProtocolDraft draft = PresetOf(*words.Generic);
   draft.Name = Trimmed(words.Name);
   TakeWords(words, draft);
-  const int status = Tell(draft.Name + " added", [&] { return AddProtocol(config.Mod.Store, draft); });
-  if (status == kDone) PrintStored(config.Mod.Store.CfgText, draft.Name);
-  return status;
+  config.Change([&](CfgStore& store) { Require(AddProtocol(store, draft)); });
+  PrintStored(config.Text(), draft.Name, "added");
+  return kDone;
 }
 
 int Edit(const ProtocolWords& words) {
-  OpenConfig config(words.AppPath);
-  config.RequireWhole();
-  const ProtocolRefusal refusal = CheckProtocolEdit(words.Name);
-  if (refusal != ProtocolRefusal::None) return Refuse(RefusalText(refusal));
-  std::optional<ProtocolDraft> draft = LoadProtocol(config.Mod.Store.CfgText, words.Name);
-  if (!draft) return Refuse(words.Name + ": " + std::string(RefusalText(ProtocolRefusal::NoSection)));
-  if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
-  TakeWords(words, *draft);
-  const int status = Tell(words.Name + " changed", [&] { return EditProtocol(config.Mod.Store, *draft); });
-  if (status == kDone) PrintStored(config.Mod.Store.CfgText, words.Name);
-  return status;
+  Require(CheckProtocolEdit(words.Name));
+  OpenedConfig config(words.AppPath);
+  std::string name;
+  config.Change([&](CfgStore& store) {
+    name = ProtocolAsStored(store.CfgText, words.Name);
+    std::optional<ProtocolDraft> draft = LoadProtocol(store.CfgText, name);
+    if (!draft) Require(ProtocolRefusal::NoSection, name + ": ");
+    if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
+    TakeWords(words, *draft);
+    Require(EditProtocol(store, *draft));
+  });
+  PrintStored(config.Text(), name, "changed");
+  return kDone;
 }
 
 bool Agreed(const std::string& question) {
-  std::cerr << question << " [y/N] " << std::flush;
+  std::cerr << Printable(question) << " [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
   return EqualNoCase(answer, "y") || EqualNoCase(answer, "yes");
 }
 
-/// Why there is nothing to delete; empty if there is.
-std::string WhyNotDeleted(const ProtocolWords& words) {
-  const OpenConfig config(words.AppPath);
-  config.RequireWhole();
-  const ProtocolRefusal refusal = CheckProtocolDelete(words.Name);
-  if (refusal != ProtocolRefusal::None) return std::string(RefusalText(refusal));
-  const ProtocolResult refused = WithoutSection(config.Mod.Store.CfgText, words.Name).Refused;
-  if (refused.Done()) return {};
-  return words.Name + ": " + RefusalText(refused);
-}
-
-int DeleteAgreed(const ProtocolWords& words) {
-  OpenConfig config(words.AppPath);
-  config.RequireWhole();
-  return Tell(words.Name + " deleted", [&] { return DeleteProtocol(config.Mod.Store, words.Name); });
+/// The name of a protocol that can be deleted, as it is stored.
+std::string RequireDeletable(std::string_view text, const std::string& word) {
+  Require(CheckProtocolDelete(word));
+  std::string name = ProtocolAsStored(text, word);
+  Require(WithoutSection(text, name).Refused, name + ": ");
+  return name;
 }
 
 int Delete(const ProtocolWords& words) {
-  if (const std::string reason = WhyNotDeleted(words); !reason.empty()) return Refuse(reason);
+  OpenedConfig config(words.AppPath);
+  config.RequireWhole();
+  std::string name = RequireDeletable(config.Text(), words.Name);
   if (!words.Yes && isatty(STDIN_FILENO) == 0) {
-    return Refuse("nothing is deleted without a question; there is no terminal to ask on, so give --yes");
+    throw Refused("nothing is deleted without a question; there is no terminal to ask on, so give --yes");
   }
   if (!words.Yes &&
-      !Agreed("Do you want to delete the protocol " + words.Name + " from the current configuration file?")) {
-    return Refuse(words.Name + " was not deleted");
+      !Agreed("Do you want to delete the protocol " + name + " from the current configuration file?")) {
+    throw Refused(name + " was not deleted");
   }
-  return AmongOthers([&] { return DeleteAgreed(words); });
+  config.Change([&](CfgStore& store) {
+    name = RequireDeletable(store.CfgText, words.Name);
+    Require(DeleteProtocol(store, name));
+  });
+  std::cout << Printable(name) << " deleted\n";
+  return kDone;
 }
 
 Argument AddGenericOption(Command& command, ProtocolWords& words) {
@@ -161,8 +158,8 @@ Argument AddGenericOption(Command& command, ProtocolWords& words) {
 void AddParameterOptions(Command& command, ProtocolWords& words) {
   command.Text("--description", words.Description, "A line of text, without a comma");
   command.Number("--sendpls", words.SendPls, "Length of a slot, microseconds");
-  command.Number("--repeat", words.Repeat, "Silent slots ahead of a repeat; 0 for no repeat");
-  command.Number("--grepeat", words.GRepeat, "Silent slots ahead of a repeated sync; or 0, or 1");
+  command.Number("--repeat", words.Repeat, "Silent slots before a repeat; 0 for no repeat");
+  command.Number("--grepeat", words.GRepeat, "Silent slots before a repeated sync; or 0, or 1");
   command.Text("--bitg", words.BitG, "Slots of the sync, as 0 and 1");
   command.Text("--bit0", words.Bit0, "Slots of a digit 0");
   command.Text("--bit1", words.Bit1, "Slots of a digit 1");
@@ -182,9 +179,7 @@ Command AddAction(Command& protocol, const char* name, const char* about, Protoc
 void AddProtocolCommand(Command& root) {
   Command protocol = root.Sub("protocol", "Add, change or delete a protocol");
   const auto words = std::make_shared<ProtocolWords>();
-  const auto does = [words](Work work) {
-    return [words, work] { return AmongOthers([&] { return work(*words); }); };
-  };
+  const auto does = [words](Work work) { return [words, work] { return work(*words); }; };
 
   Command add = AddAction(protocol, "add",
                           "Add a protocol; what is not told is as its generic protocol has it", *words);

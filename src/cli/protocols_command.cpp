@@ -6,13 +6,15 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
+#include "cli/open_install.h"
+#include "cli/reference.h"
 #include "config/commands.h"
 #include "config/generic_protocols.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
@@ -45,34 +47,37 @@ nlohmann::ordered_json Describe(std::string_view text, const ProtocolDraft& draf
 /// One field a line.
 void PrintFields(const nlohmann::ordered_json& protocol) {
   for (const auto& [field, value] : protocol.items()) {
-    std::cout << field << '\t' << (value.is_string() ? value.get<std::string>() : value.dump()) << '\n';
+    std::cout << field << '\t' << Printable(value.is_string() ? value.get<std::string>() : value.dump())
+              << '\n';
   }
 }
 
-int ListOf(const ProtocolsOptions& options) {
-  const OpenConfig config(options.AppPath);
-  const std::string& text = config.Mod.Store.CfgText;
-  bool any = false, allWhole = true;
-  for (const std::string& name : ListProtocols(text)) {
-    if (!options.Name.empty() && name != options.Name) continue;
-    any = true;
+void PrintRow(std::string_view text, const ProtocolDraft& draft) {
+  std::cout << Printable(draft.Name) << '\t' << GenericProtocolAt(draft.ProtoKind).Name << '\t'
+            << LearnedIn(text, draft.Name) << '\t' << Printable(draft.Description) << '\n';
+}
+
+int List(const ProtocolsOptions& options) {
+  const OpenedConfig config(options.AppPath);
+  const std::string& text = config.Text();
+  std::vector<std::string> names = ListProtocols(text);
+  if (!options.Name.empty()) names = {RequireProtocol(text, options.Name)};
+  if (names.empty()) throw Refused(config.Mod.Store.Path.string() + " has no protocols");
+  int status = kDone;
+  for (const std::string& name : names) {
     const std::optional<ProtocolDraft> draft = LoadProtocol(text, name);
     if (!draft) {
-      std::cerr << "keplo: the section [" << name << "] is damaged\n";
-      allWhole = false;
+      Tell("the section [" + name + "] is damaged");
+      status = kNoResult;
     } else if (options.Json) {
       std::cout << JsonLine(Describe(text, *draft)) << '\n';
     } else if (!options.Name.empty()) {
       PrintFields(Describe(text, *draft));
     } else {
-      std::cout << name << '\t' << GenericProtocolAt(draft->ProtoKind).Name << '\t' << LearnedIn(text, name)
-                << '\t' << draft->Description << '\n';
+      PrintRow(text, *draft);
     }
   }
-  if (any) return allWhole ? kDone : kNoResult;
-  std::cerr << "keplo: there is no protocol " << options.Name << " in " << config.Mod.Store.Path.string()
-            << "; names count in capitals too\n";
-  return kNoResult;
+  return status;
 }
 
 }  // namespace
@@ -83,7 +88,7 @@ void AddProtocolsCommand(Command& root) {
   command.Word("NAME", options->Name, "Only this protocol, with all its parameters");
   command.Flag("--json", options->Json, "One JSON object a protocol, with all parameters");
   AddAppPathOption(command, options->AppPath);
-  command.Runs([options] { return ListOf(*options); });
+  command.Runs([options] { return List(*options); });
 }
 
 }  // namespace keplo::cli

@@ -6,15 +6,16 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
+#include "cli/open_install.h"
+#include "cli/reference.h"
 #include "cli/sent_pulses.h"
 #include "cli/write_file.h"
-#include "config/commands.h"
 #include "config/learn.h"
 #include "config/protocols.h"
 #include "formats/formats.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
+#include "program/printable.h"
 #include "signal/send_bits.h"
 
 namespace keplo::cli {
@@ -34,28 +35,6 @@ struct SendOptions {
   int Count = 1;
 };
 
-/// Input that cannot be sent, with what the window says of it.
-class Unsendable : public Failure {
- public:
-  explicit Unsendable(const std::string& text) : Failure(kNoResult, text) {}
-};
-
-/// The code of a learned command, with its leading G.
-std::string StoredCode(std::string_view text, const SendOptions& options) {
-  const std::vector<LearnedCommand> commands = ListCommands(text, options.Protocol);
-  const auto named = [&](const auto& fits) {
-    return std::find_if(commands.begin(), commands.end(), [&](const LearnedCommand& command) {
-      return fits(Trimmed(command.Name), options.Command);
-    });
-  };
-  auto command = named([](std::string_view left, std::string_view right) { return left == right; });
-  if (command == commands.end()) command = named(EqualNoCase);
-  if (command == commands.end()) {
-    throw Unsendable(RefusalText({Refusal::NoSuchCommand, options.Command}));
-  }
-  return command->Code;
-}
-
 /// A code that was typed: with its leading G, or the digits alone.
 std::string TypedCode(const std::string& code) {
   const bool headed = !code.empty() && LowerCase(code.front()) == 'g';
@@ -64,30 +43,30 @@ std::string TypedCode(const std::string& code) {
 
 std::string DigitsOf(const std::string& code) {
   if (code.size() < kShortestCode) {
-    throw Unsendable("The code " + code + " is too short to be sent: it has " +
-                     std::to_string(std::max<std::size_t>(code.size(), 1) - 1) + " digits; expected " +
-                     std::to_string(kShortestCode - 1) + " or more.");
+    throw Refused("The code " + code + " is too short to be sent: it has " +
+                  std::to_string(std::max<std::size_t>(code.size(), 1) - 1) + " digits; expected " +
+                  std::to_string(kShortestCode - 1) + " or more.");
   }
   std::string digits = code.substr(1);
   if (digits.find_first_not_of("01") != std::string::npos) {
-    throw Unsendable("Please use only 1's and 0's for the code");
+    throw Refused("Please use only 1's and 0's for the code");
   }
   return digits;
 }
 
 void LoadParams(KeploMod& mod, const std::string& protocol) {
   if (EqualNoCase(protocol, "recorded")) {
-    throw Unsendable("Information about received command is not complete!");
+    throw Refused("Information about received command is not complete!");
   }
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, mod.ProtocolParams, mod.Signal.Measured.ProtoKind)) {
-    throw Unsendable(RefusalText({Refusal::NoSection, protocol}));
+    throw Refused(RefusalText({Refusal::NoSection, protocol}));
   }
 }
 
 std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
   return PadToBytes(BuildSendBits(code, mod.Signal.Measured.ProtoKind, mod.ProtocolParams, toggle));
 } catch (const Failure& tooLong) {
-  throw Unsendable(tooLong.what());
+  throw Refused(tooLong.what());
 }
 
 /// Puts the code out on the line, each transmission with its own toggle digit.
@@ -108,8 +87,8 @@ void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const Se
 void RequireAudible(const LineOutput& output) {
   const LineOutput::Signal& last = output.Signals.back();
   if (!PulsesOf(last).empty()) return;
-  throw Unsendable("Nothing can be heard of the code: its slots are of " + std::to_string(last.Pulse) +
-                   " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
+  throw Refused("Nothing can be heard of the code: its slots are of " + std::to_string(last.Pulse) +
+                " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
 }
 
 /// What was sent, as a recording of that file name holds it.
@@ -119,34 +98,51 @@ std::string RecordingOf(const LineOutput& output, const std::string& file) {
   return FormatToWrite(file).Write(presses);
 }
 
-std::string Report(const LineOutput& output, const SendOptions& options, const std::string& code) {
+std::string Report(const LineOutput& output, const SendOptions& options, const std::string& sent) {
   const LineOutput::Signal& last = output.Signals.back();
-  std::string text = options.Protocol + "&" + (options.Code.empty() ? options.Command : code);
-  text += options.OutFile.empty() ? " sent" : " written to " + options.OutFile;
+  std::string text = sent + (options.OutFile.empty() ? " sent" : " written to " + options.OutFile);
   if (options.Count > 1) text += ", " + std::to_string(options.Count) + " times";
   return text + ": " + std::to_string(last.Bytes.size() * 8) + " slots of " + std::to_string(last.Pulse) +
-         " us\n";
+         " us";
 }
 
-int Send(const SendOptions& options) try {
-  OpenConfig config(options.AppPath);
+/// What is to be sent, as keplo.cfg spells it.
+struct Sendable {
+  std::string Protocol, Name, Code;  // the code with its leading G
+};
+
+Sendable SendableOf(std::string_view text, const SendOptions& options) {
+  if (!options.Code.empty()) {
+    const std::string code = TypedCode(options.Code);
+    return {ProtocolAsStored(text, options.Protocol), code, code};
+  }
+  const CommandReference reference = ReferenceOf(options.Protocol, options.Command);
+  const auto command = FindLearned(text, reference);
+  return {ProtocolAsStored(text, reference.Protocol), command ? command->Name : reference.Command,
+          command ? command->Code : ""};
+}
+
+int Send(const SendOptions& options) {
+  OpenedConfig config(options.AppPath);
   KeploMod& mod = config.Mod;
-  LoadParams(mod, options.Protocol);
-  const std::string code =
-      options.Code.empty() ? StoredCode(mod.Store.CfgText, options) : TypedCode(options.Code);
+  const Sendable sendable = SendableOf(config.Text(), options);
+  LoadParams(mod, sendable.Protocol);
+  if (sendable.Code.empty()) throw Refused(RefusalText({Refusal::NoSuchCommand, sendable.Name}));
   ReplayLine line({}, mod.Settings.ReceiverKind);
-  Transmit(mod, line, DigitsOf(code), options);
+  Transmit(mod, line, DigitsOf(sendable.Code), options);
   RequireAudible(line.Output());
   if (options.OutFile == kStandardOutput) {
     std::cout << RecordingOf(line.Output(), options.OutFile);
     return kDone;
   }
-  if (!options.OutFile.empty()) WriteFile(options.OutFile, RecordingOf(line.Output(), options.OutFile));
-  std::cout << Report(line.Output(), options, code);
+  if (options.OutFile.empty()) {
+    Tell("there is no transmitter on the line, so nothing goes on air; --out FILE keeps what would be sent");
+  } else {
+    Write([&] { WriteFile(options.OutFile, RecordingOf(line.Output(), options.OutFile)); });
+  }
+  const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
+  std::cout << Printable(Report(line.Output(), options, sent)) << '\n';
   return kDone;
-} catch (const Unsendable& refusal) {
-  std::cerr << "keplo: " << refusal.what() << '\n';
-  return kNoResult;
 }
 
 }  // namespace
@@ -154,7 +150,8 @@ int Send(const SendOptions& options) try {
 void AddSendCommand(Command& root) {
   Command command = root.Sub("send", "Send a learned command or a code");
   const auto options = std::make_shared<SendOptions>();
-  Argument protocol = command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg");
+  Argument protocol =
+      command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg, or both as 'NEC&POWER'");
   Argument name = command.Word("COMMAND", options->Command, "Name of the learned command");
   Argument code = command.Word("--code", options->Code, "Send this code, G and its digits, instead");
   Argument codeProtocol =
@@ -169,8 +166,8 @@ void AddSendCommand(Command& root) {
                  {1, kLongestSlot});
   command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});
   AddAppPathOption(command, options->AppPath);
-  command.Runs([options, name, code] {
-    if (!name.IsGiven() && !code.IsGiven()) {
+  command.Runs([options] {
+    if (options->Code.empty() && options->Command.empty() && !SplitReference(options->Protocol)) {
       throw WrongUse("PROTOCOL and COMMAND, or --code and --protocol is required");
     }
     return Send(*options);

@@ -1,15 +1,17 @@
 #include <charconv>
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/open_map.h"
-#include "cli/refuse.h"
+#include "cli/open_install.h"
 #include "config/numbers.h"
 #include "config/setting_keys.h"
 #include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
@@ -17,6 +19,7 @@ namespace {
 
 struct SettingsOptions {
   std::string AppPath, Key, Value;
+  bool Json = false;
 };
 
 std::string ValueShown(std::string_view text, const SettingKey& key) {
@@ -28,50 +31,61 @@ std::int64_t NumberOf(std::string_view text, std::string_view key) {
   return NumberWithoutFraction(ValueShown(text, *FindSettingKey(key)));
 }
 
-int Change(CfgStore& store, const SettingKey& key, std::int64_t number) {
-  const SettingKey& interfaceType = *FindSettingKey("ITYPE");
-  const std::int64_t type = NumberOf(store.CfgText, "ITYPE");
-  if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(store.CfgText, "VEXIL") > 0) {
-    return Refuse("The zone hardware needs TxD for itself; keplo settings VEXIL 0 gives it up.");
+std::int64_t RequireFit(std::string_view text, const SettingKey& key, const std::string& value) {
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  if (error == std::errc() && end == value.data() + value.size() && key.Fits(text, number)) return number;
+  throw Refused(std::string(key.Name) + " cannot be " + value + ": it takes " + std::string(key.Takes) + ".");
+}
+
+/// A change and what comes with it: zone hardware and software carrier both need TxD.
+std::vector<SettingChange> ChangesFor(std::string_view text, const SettingKey& key, std::int64_t number) {
+  if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(text, "VEXIL") > 0) {
+    throw Refused("The zone hardware needs TxD for itself; keplo settings VEXIL 0 gives it up.");
   }
   std::vector<SettingChange> changes = {{key, number}};
-  if (key.Name == "VEXIL" && number > 0 && type % 2 == 1) changes.push_back({interfaceType, type - 1});
-  if (!ChangeSettings(store, changes)) {
-    return Refuse(store.Path.string() + " has no line for " + std::string(key.Name) +
-                  "=; put one into [General].");
+  const std::int64_t interfaceType = NumberOf(text, "ITYPE");
+  if (key.Name == "VEXIL" && number > 0 && interfaceType % 2 == 1) {
+    changes.push_back({*FindSettingKey("ITYPE"), interfaceType - 1});
   }
+  return changes;
+}
+
+int Change(OpenedConfig& config, const SettingKey& key, const std::string& value) {
+  std::vector<SettingChange> changes;
+  config.Change([&](CfgStore& store) {
+    changes = ChangesFor(store.CfgText, key, RequireFit(store.CfgText, key, value));
+    if (!ChangeSettings(store, changes)) {
+      throw Refused(store.Path.string() + " has no line for " + std::string(key.Name) +
+                    "=; put one into [General].");
+    }
+  });
   for (const SettingChange& change : changes) std::cout << change.Key.Name << ' ' << change.Number << '\n';
   return kDone;
 }
 
-int ChangeTo(CfgStore& store, const SettingKey& key, const std::string& value) try {
-  std::int64_t number = 0;
-  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-  if (error != std::errc() || end != value.data() + value.size() || !key.Fits(store.CfgText, number)) {
-    return Refuse(std::string(key.Name) + " cannot be " + value + ": it takes " + std::string(key.Takes) +
-                  ".");
+void Print(std::string_view text, const SettingKey& key, const SettingsOptions& options) {
+  if (options.Json) {
+    nlohmann::ordered_json line;
+    line["key"] = key.Name;
+    line["value"] = NumberOf(text, key.Name);
+    std::cout << JsonLine(line) << '\n';
+    return;
   }
-  return Change(store, key, number);
-} catch (const Failure& failure) {
-  return Refuse(failure.what());
+  if (options.Key.empty()) std::cout << key.Name << ' ';
+  std::cout << Printable(ValueShown(text, key)) << '\n';
 }
 
 int Run(const SettingsOptions& options) {
-  OpenConfig config(options.AppPath);
-  CfgStore& store = config.Mod.Store;
+  OpenedConfig config(options.AppPath);
   if (options.Key.empty()) {
-    for (const SettingKey& key : SettingKeys()) {
-      std::cout << key.Name << ' ' << ValueShown(store.CfgText, key) << '\n';
-    }
+    for (const SettingKey& key : SettingKeys()) Print(config.Text(), key, options);
     return kDone;
   }
   const SettingKey* key = FindSettingKey(options.Key);
-  if (key == nullptr) return Refuse("There is no setting " + options.Key + "; keplo settings lists them.");
-  if (!options.Value.empty()) {
-    config.RequireWhole();
-    return ChangeTo(store, *key, options.Value);
-  }
-  std::cout << ValueShown(store.CfgText, *key) << '\n';
+  if (key == nullptr) throw Refused("There is no setting " + options.Key + "; keplo settings lists them.");
+  if (!options.Value.empty()) return Change(config, *key, options.Value);
+  Print(config.Text(), *key, options);
   return kDone;
 }
 
@@ -82,8 +96,9 @@ void AddSettingsCommand(Command& root) {
   const auto options = std::make_shared<SettingsOptions>();
   command.Word("KEY", options->Key, "Only this setting");
   command.Word("VALUE", options->Value, "Change it to this number");
+  command.Flag("--json", options->Json, "One JSON object a setting");
   AddAppPathOption(command, options->AppPath);
-  command.Runs([options] { return AmongOthers([&] { return Run(*options); }); });
+  command.Runs([options] { return Run(*options); });
 }
 
 }  // namespace keplo::cli

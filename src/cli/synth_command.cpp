@@ -23,8 +23,10 @@ struct SynthChoice {
 };
 
 int WriteSamples(const std::filesystem::path& folder) {
-  for (const SamplePress& press : SamplePresses()) WriteFile(folder / press.File, press.Text());
-  WriteFile(folder / "index.json", SampleIndex());
+  Write([&] {
+    for (const SamplePress& press : SamplePresses()) WriteFile(folder / press.File, press.Text());
+    WriteFile(folder / "index.json", SampleIndex());
+  });
   return kDone;
 }
 

@@ -1,5 +1,7 @@
 #include "cli/write_file.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 
 #include "disk/posix_file_system.h"
@@ -17,25 +19,24 @@ bool IsStream(const std::filesystem::path& path) {
   return std::filesystem::exists(status) && std::filesystem::is_other(status);
 }
 
-bool WriteStream(const std::filesystem::path& path, std::string_view content) {
+void WriteStream(const std::filesystem::path& path, std::string_view content) {
   std::ofstream stream(path, std::ios::binary);
   stream << content << std::flush;
-  return stream.good();
+  if (!stream.good()) throw Failure(errno, std::strerror(errno));
 }
 
-bool Replace(const std::filesystem::path& path, std::string_view content) try {
+void Replace(const std::filesystem::path& path, std::string_view content) {
   PosixFileSystem files;
   ReplaceFile(files, path, content)->Flush();
-  return true;
-} catch (const Failure&) {
-  return false;
 }
 
 }  // namespace
 
-void WriteFile(const std::filesystem::path& path, std::string_view content) {
-  if (IsStream(path) ? WriteStream(path, content) : Replace(path, content)) return;
-  throw Failure(1, "Cannot write " + path.string() + ". Check that its folder is there and not full.");
+void WriteFile(const std::filesystem::path& path, std::string_view content) try {
+  IsStream(path) ? WriteStream(path, content) : Replace(path, content);
+} catch (const Failure& failure) {
+  throw Failure(failure.Number(), "Cannot write " + path.string() + ": " + std::strerror(failure.Number()) +
+                                      ". Check that its folder is there and not full.");
 }
 
 }  // namespace keplo::cli

@@ -237,6 +237,11 @@ Command Command::Sub(const std::string& name, const std::string& about) {
   return {*app_->add_subcommand(name, about), *state_};
 }
 
+Command Command::OptionalSub(const std::string& name, const std::string& about) {
+  app_->require_subcommand(0, 1);
+  return {*app_->add_subcommand(name, about), *state_};
+}
+
 Command Command::AtLeastOneOf(const std::string& title) {
   CLI::App* group = app_->add_option_group(title);
   group->require_option(1, 0);

@@ -106,6 +106,8 @@ class Command {
 
   /// A command below this one, of which one has to be given then.
   Command Sub(const std::string& name, const std::string& about);
+  /// A command below this one, which does without it as well. A word of that name is always the command.
+  Command OptionalSub(const std::string& name, const std::string& about);
   /// Of the options of this group at least one has to be given.
   Command AtLeastOneOf(const std::string& title);
   /// Lines at the end of the help.

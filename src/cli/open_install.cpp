@@ -1,0 +1,62 @@
+#include "cli/open_install.h"
+
+#include <utility>
+
+#include "cli/outcome.h"
+#include "config/check_config.h"
+#include "program/app_path.h"
+
+namespace keplo::cli {
+
+OpenedConfig::OpenedConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
+  Mod.Store.RefusesOtherText = true;
+  LoadConfig(Mod.Store);
+  if (const std::string damage = CheckConfig(Mod.Store); !damage.empty()) Tell(damage);
+}
+
+void OpenedConfig::RequireWhole() const {
+  if (!CheckConfig(Mod.Store).empty()) throw Failure(1, "Nothing was changed, since the file is damaged.");
+}
+
+void OpenedConfig::Change(const std::function<void(CfgStore& store)>& change) {
+  constexpr int kTries = 50;  // each of which somebody else has spoiled by a save of his own
+  RequireWhole();
+  for (int tries = 1;; ++tries) {
+    try {
+      return change(Mod.Store);
+    } catch (const ChangedElsewhere& spoiled) {
+      if (tries == kTries) throw NotWritten(1, spoiled.what());
+      LoadConfig(Mod.Store);
+      RequireWhole();
+    } catch (const Refused&) {
+      throw;
+    } catch (const Failure& failure) {
+      throw NotWritten(failure.Number(), failure.what());
+    }
+  }
+}
+
+OpenedMap::OpenedMap(const std::string& appPathOption)
+    : Database(ResolveAppPath(appPathOption), Clock), Events(Database, Clock) {
+  Events.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
+    failure_ = record.ErrorDescription;
+  };
+  if (!Events.Initialise(List)) {
+    if (failure_.empty()) failure_ = Database.ErrorDetails().ErrorDescription;
+    throw Failure(1, "The event map cannot be loaded: " + failure_);
+  }
+  if (!failure_.empty()) Tell(std::exchange(failure_, ""));
+}
+
+std::shared_ptr<clsKeploEvent> OpenedMap::Find(const std::string& eventID) const {
+  return Events.Item(EventKey(eventID));
+}
+
+void OpenedMap::Change(const std::function<bool(colclsKeploEvents& events)>& change) {
+  failure_.clear();
+  if (change(Events)) return;
+  const std::string& reason = failure_.empty() ? Database.ErrorDetails().ErrorDescription : failure_;
+  throw NotWritten(1, "The event map was not changed: " + reason);
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "disk/posix_file_system.h"
+#include "events/col_cls_keplo_events.h"
+#include "keplo_mod.h"
+#include "ui/clock.h"
+#include "ui/list_view.h"
+
+namespace keplo::cli {
+
+/// keplo.cfg of an application path, loaded.
+struct OpenedConfig {
+  /// Tells on standard error what is wrong with a damaged file.
+  explicit OpenedConfig(const std::string& appPathOption);
+
+  const std::string& Text() const { return Mod.Store.CfgText; }
+
+  /// For commands that write the file back: a save cuts what stands after the last section header.
+  /// @throws Failure if the file is damaged
+  void RequireWhole() const;
+
+  /// Changes the file. If other programs have changed it meanwhile, it is read again and the change made
+  /// again.
+  /// @throws NotWritten if it cannot be saved; what else the change throws
+  void Change(const std::function<void(CfgStore& store)>& change);
+
+  PosixFileSystem Files;
+  KeploMod Mod;
+};
+
+/// The event map of an application path, loaded.
+struct OpenedMap {
+  explicit OpenedMap(const std::string& appPathOption);
+
+  std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
+  /// Changes the map.
+  /// @param change gives false if it failed
+  /// @throws NotWritten
+  void Change(const std::function<bool(colclsKeploEvents& events)>& change);
+
+  ui::SystemClock Clock;
+  Data Database;
+  ui::ListView List;
+  colclsKeploEvents Events;
+
+ private:
+  std::string failure_;  // of the last operation
+};
+
+}  // namespace keplo::cli

@@ -1,0 +1,84 @@
+#include "cli/press_table.h"
+
+#include <algorithm>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "cli/outcome.h"
+#include "config/read_settings.h"
+#include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/line_options.h"
+#include "program/printable.h"
+
+namespace keplo::cli {
+
+namespace {
+
+/// @return whether every press has a code
+bool PrintRecording(const Recording& recording, bool asJson, const ReadPress& read) {
+  bool all = true;
+  int number = 0;
+  for (const Press& press : recording.Presses) {
+    nlohmann::ordered_json json;
+    json["file"] = recording.Path;
+    json["press"] = ++number;
+    const PressRow row = read(press, asJson ? &json : nullptr);
+    const std::string place = recording.Path + " press " + std::to_string(number) + ": ";
+    if (asJson) {
+      std::cout << JsonLine(json) << '\n';
+      if (!row.Remark.empty()) Tell(place + row.Remark);
+    } else {
+      std::cout << Printable(place + row.Text) << '\n';
+    }
+    all = all && row.HasCode;
+  }
+  return all;
+}
+
+}  // namespace
+
+void AddPressOptions(Command& command, PressOptions& options) {
+  command.Words("FILE", options.Files, "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
+      .Required();
+  command.Flag("--json", options.Json, "One JSON object a press");
+  AddAppPathOption(command, options.AppPath);
+  command.Choice(
+      "--analysis", options.Analysis,
+      {std::string(AnalysisName(Analysis::First)), std::string(AnalysisName(Analysis::Second))},
+      "Read with the first analysis or the second look; without it as the keplo.cfg of --app-path says, "
+      "and with the second look without that");
+  AddLineOptions(command, options.Line.SampleTime, options.Line.Shape, options.Line.HoldMs);
+}
+
+Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config) {
+  if (!options.Analysis.empty()) {
+    return options.Analysis == AnalysisName(Analysis::First) ? Analysis::First : Analysis::Second;
+  }
+  return config == nullptr ? Analysis::Second : AnalysisOf(*config);
+}
+
+int PrintPresses(const PressOptions& options, const ReadPress& read) {
+  int status = kDone;
+  for (const std::string& file : options.Files) {
+    try {
+      if (!PrintRecording(LoadRecording(file), options.Json, read)) status = std::max(status, kNoResult);
+    } catch (const FormatError& failure) {
+      Tell(failure.what());
+      status = kWrongUse;
+    }
+  }
+  return status;
+}
+
+std::string_view WordOf(Analysis analysis) {
+  return analysis == Analysis::First ? "first analysis" : "second look";
+}
+
+Analysis AnalysisOf(const OpenedConfig& config) {
+  Settings settings;
+  ReadSettings(config.Mod.Store, settings);
+  return settings.Analysis;
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,65 @@
+#include "cli/reference.h"
+
+#include <algorithm>
+
+#include "cli/outcome.h"
+#include "config/lookup.h"
+#include "config/protocols.h"
+#include "program/arguments.h"
+
+namespace keplo::cli {
+
+std::optional<CommandReference> SplitReference(std::string_view word) {
+  const std::size_t mark = word.find('&');
+  if (mark == std::string_view::npos || mark == 0 || mark + 1 == word.size()) return std::nullopt;
+  return CommandReference{std::string(word.substr(0, mark)), std::string(word.substr(mark + 1))};
+}
+
+CommandReference ReferenceOf(const std::string& protocol, const std::string& command) {
+  if (!command.empty()) return {protocol, command};
+  if (auto both = SplitReference(protocol)) return *std::move(both);
+  throw WrongUse("COMMAND is required");
+}
+
+std::optional<std::string> StoredName(const std::vector<std::string>& names, std::string_view word) {
+  const auto named = [&](const auto& equal) {
+    return std::find_if(names.begin(), names.end(),
+                        [&](const std::string& name) { return equal(Trimmed(name), Trimmed(word)); });
+  };
+  auto name = named(std::equal_to<std::string_view>());
+  if (name == names.end()) name = named(EqualNoCase);
+  return name == names.end() ? std::nullopt : std::optional(*name);
+}
+
+std::string ProtocolAsStored(std::string_view text, const std::string& word) {
+  return StoredName(ListProtocols(text), word).value_or(word);
+}
+
+std::string RequireProtocol(std::string_view text, const std::string& word) {
+  if (auto name = StoredName(ListProtocols(text), word)) return *std::move(name);
+  throw Refused("no protocol \"" + word + "\" in keplo.cfg; keplo protocols lists those that are there");
+}
+
+std::optional<LearnedCommand> FindLearned(std::string_view text, const CommandReference& reference) {
+  const std::vector<LearnedCommand> commands = ListCommands(text, ProtocolAsStored(text, reference.Protocol));
+  std::vector<std::string> names;
+  for (const LearnedCommand& command : commands) names.push_back(command.Name);
+  const auto name = StoredName(names, reference.Command);
+  if (!name) return std::nullopt;
+  return *std::find_if(commands.begin(), commands.end(),
+                       [&](const LearnedCommand& command) { return command.Name == *name; });
+}
+
+CommandReference AsStored(std::string_view text, const CommandReference& reference) {
+  const auto command = FindLearned(text, reference);
+  return {ProtocolAsStored(text, reference.Protocol), command ? command->Name : reference.Command};
+}
+
+std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code) {
+  const std::string sentence = RefusalText(result);
+  if (result.Refused != Refusal::CodeExists) return sentence;
+  const auto known = keplo::FindCommand(text, code.substr(1), /*limit=*/0);
+  return known ? sentence + " in the protocol " + known->Protocol : sentence;
+}
+
+}  // namespace keplo::cli
