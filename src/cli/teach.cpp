@@ -8,6 +8,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_install.h"
+#include "cli/press_table.h"
 #include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
