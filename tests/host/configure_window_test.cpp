@@ -1,3 +1,4 @@
+#include <initializer_list>
 #include <optional>
 
 #include "doubles/outside_screen.h"
@@ -27,12 +28,17 @@ class ConfigureWindowTest : public ::testing::Test {
     return Until([&] { return host_.Output().size() > before; });
   }
 
-  /// Chooses a port of the list in the configuration window, by keys.
-  bool Configure(const std::string& keysInPorts) {
+  /// Goes through ports of the list in the configuration window, by a key each: what is typed while a port
+  /// opens is dropped, so each is waited for.
+  bool Configure(const std::string& key, std::initializer_list<int> ports) {
     if (screen_->Focus("^InputKeplo$").empty()) return false;
     screen_->Keys("alt+p Return");
     if (screen_->Focus("Configuration").empty()) return false;
-    screen_->Keys("Tab Tab Tab " + keysInPorts);  // behind Send, Record and the pulse length
+    screen_->Keys("Tab Tab Tab");  // after Send, Record and the pulse length
+    for (const int port : ports) {
+      screen_->Keys(key);
+      if (!FileHolds("COMPORT= " + std::to_string(port) + "\r\n")) return false;
+    }
     screen_->Keys("shift+Tab shift+Tab shift+Tab shift+Tab Return");  // OK, the last stop
     return Until([&] { return screen_->Windows("Configuration").empty(); });
   }
@@ -49,12 +55,10 @@ class ConfigureWindowTest : public ::testing::Test {
 TEST_F(ConfigureWindowTest, GoesOnWithThePortThatTheUserChose) {
   host_.StartWithWindow({"--json", "--real-time", "--replay", app_.Presses("nec_tv_power", 500)});
   ASSERT_TRUE(EventComes());
-  ASSERT_TRUE(Configure("Down Down Down"));
-  EXPECT_TRUE(FileHolds("COMPORT= 4\r\n")) << app_.Read("app/keplo.cfg");
+  ASSERT_TRUE(Configure("Down", {2, 3, 4})) << app_.Read("app/keplo.cfg");
   EXPECT_TRUE(EventComes());
 
-  ASSERT_TRUE(Configure("Up Up Up"));
-  EXPECT_TRUE(FileHolds("COMPORT= 1\r\n")) << app_.Read("app/keplo.cfg");
+  ASSERT_TRUE(Configure("Up", {3, 2, 1})) << app_.Read("app/keplo.cfg");
   EXPECT_TRUE(EventComes());
 
   screen_->Focus("^InputKeplo$");
