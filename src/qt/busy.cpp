@@ -12,16 +12,16 @@ namespace {
 /// Holds the input of the whole program back while it is busy, and then until what came meanwhile is gone.
 class InputGate : public QObject {
  public:
-  explicit InputGate(QCoreApplication& application) : QObject(&application) {
-    setObjectName(Name());
+  explicit InputGate(QCoreApplication& application) {
     draining_.setSingleShot(true);
     draining_.callOnTimeout(this, [this] { Drain(); });
     application.installEventFilter(this);
   }
 
+  /// Goes with the code that it is made of: a host may unload the component before the application ends.
   static InputGate& Here() {
-    auto* gate = qApp->findChild<QObject*>(Name(), Qt::FindDirectChildrenOnly);
-    return gate != nullptr ? static_cast<InputGate&>(*gate) : *new InputGate(*qApp);
+    static InputGate gate(*qApp);
+    return gate;
   }
 
   int Busy() const { return busy_; }
@@ -57,12 +57,6 @@ class InputGate : public QObject {
   }
 
  private:
-  /// A host and the component that it loads have a gate each, of types that only look alike.
-  static QString Name() {
-    return QStringLiteral("InputGate%1").arg(reinterpret_cast<quintptr>(&kOwnLibrary));
-  }
-  static constexpr char kOwnLibrary = 0;
-
   bool Drop(const QMouseEvent& press) {
     dropped_ |= press.button();
     return true;
