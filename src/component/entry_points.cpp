@@ -51,6 +51,7 @@ extern "C" {
                                                               std::uint32_t interfaceVersion,
                                                               keplo::IComponentClass** componentClass) {
   if (interfaceVersion != keplo::kComponentInterfaceVersion) return keplo::kOtherInterfaceVersion;
+  if (className == nullptr || componentClass == nullptr) return keplo::kUnknownClass;
   if (std::string_view(className) != keplo::kInputKeploClass) return keplo::kUnknownClass;
   *componentClass = &TheClass();
   return 0;

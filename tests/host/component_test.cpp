@@ -104,13 +104,15 @@ TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
                     "No such file"));
 }
 
-TEST(EntryPoints, RefuseAHostOfAnotherVersion) {
+TEST(EntryPoints, RefuseAHostOfAnotherVersionAndPointersToNothing) {
   void* library = dlopen(KEPLO_COMPONENT, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   auto* getClass = reinterpret_cast<DllGetClassObjectEntry*>(dlsym(library, "DllGetClassObject"));
   IComponentClass* componentClass = nullptr;
   EXPECT_EQ(getClass(kInputKeploClass, kComponentInterfaceVersion + 1, &componentClass),
             kOtherInterfaceVersion);
+  EXPECT_EQ(getClass(nullptr, kComponentInterfaceVersion, &componentClass), kUnknownClass);
+  EXPECT_EQ(getClass(kInputKeploClass, kComponentInterfaceVersion, nullptr), kUnknownClass);
   EXPECT_EQ(componentClass, nullptr);
   dlclose(library);
 }
