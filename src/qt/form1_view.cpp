@@ -14,6 +14,7 @@
 
 #include "qt/control_views.h"
 #include "qt/qt_boxes.h"
+#include "qt/recording_files.h"
 #include "qt/text.h"
 #include "qt/user_programs.h"
 
@@ -56,9 +57,15 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   form_.OnWait = [this](std::string_view text) { wait_->Show(text); };
   form_.OpenManual = OpenManual;
   form_.OpenWebPage = OpenWebPage;
+  form_.ReadRecording = [this] { return ReadPickedRecording(this); };
+  form_.WriteRecording = [this](const std::string& capture) { WritePickedRecording(this, capture); };
 }
 
-Form1View::~Form1View() { form_.OnWait = nullptr; }
+Form1View::~Form1View() {
+  form_.OnWait = nullptr;
+  form_.ReadRecording = nullptr;
+  form_.WriteRecording = nullptr;
+}
 
 void Form1View::AddControl(const ControlRow& row) {
   const ControlRow* frame = FindControl(row.Frame);

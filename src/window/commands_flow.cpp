@@ -90,9 +90,11 @@ void Form1::SaveCmdButton_Click() {
     return;
   }
   const std::optional<std::string> name = AskName();
+  const std::string before = store.CfgText;
   if (!name || !ChangeCommands([&] { StoreCommand(store, store.CurProtocol, code, *name); })) return;
   ShowSaved(*name);
   DropPlaceholder(store);
+  Undo.Remember(before);
 }
 
 std::optional<std::string> Form1::AskName() {
@@ -138,7 +140,10 @@ void Form1::DeleteCmdButton_Click() {
     return;
   }
   if (!Ask("Do you want to delete the command " + store.CurCommand + " from the current protocol?")) return;
-  if (ChangeCommands([&] { RemoveCommand(store); })) ReloadCommands();
+  const std::string before = store.CfgText;
+  if (!ChangeCommands([&] { RemoveCommand(store); })) return;
+  ReloadCommands();
+  Undo.Remember(before);
 }
 
 }  // namespace keplo

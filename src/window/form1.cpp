@@ -8,7 +8,8 @@
 
 namespace keplo {
 
-Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes) : mod_(mod), line_(line), boxes_(boxes) {
+Form1::Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes)
+    : Undo(mod.Store), mod_(mod), line_(line), boxes_(boxes) {
   ShowDesign();
   BindHandlers();
 }
@@ -58,6 +59,9 @@ void Form1::BindHandlers() {
   UpdateMenu.OnClick = [this] { UpdateMenu_Click(); };
   AboutMenu.OnClick = [this] { AboutMenu_Click(); };
   CalibrationMenu.OnClick = [this] { CalibrationMenu_Click(); };
+  UndoMenu.OnClick = [this] { UndoMenu_Click(); };
+  OpenRecordingMenu.OnClick = [this] { OpenRecordingMenu_Click(); };
+  SaveRecordingMenu.OnClick = [this] { SaveRecordingMenu_Click(); };
   FileNewMenu.OnClick = [this] { FileNewMenu_Click(); };
   EditMenu.OnClick = [this] { EditMenu_Click(); };
   ProtoDeleteMenu.OnClick = [this] { ProtoDeleteMenu_Click(); };

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "config/store_undo.h"
 #include "keplo_mod.h"
 #include "signal/recorded_press.h"
 #include "signal/win32_ser.h"
@@ -91,6 +92,10 @@ class Form1 : public ui::Window {
   void FileNewMenu_Click();
   void EditMenu_Click();
   void ProtoDeleteMenu_Click();
+  /// Takes the last change of commands or protocols back, file and lists.
+  void UndoMenu_Click();
+  void OpenRecordingMenu_Click();
+  void SaveRecordingMenu_Click();
   void HelpContentMenu_Click();
   void WebPageMenu_Click();
   void UpdateMenu_Click();
@@ -123,6 +128,13 @@ class Form1 : public ui::Window {
   /// @return false if none could be started; of the manual also the reason, empty if it is shown
   std::function<std::string()> OpenManual;
   std::function<bool(const std::string& address)> OpenWebPage;
+  /// Ask the user for a file and read a capture from it, or write one to it; none without an answer.
+  /// @throws Failure for a file that cannot be read or written
+  std::function<std::optional<std::string>()> ReadRecording;
+  std::function<void(const std::string& capture)> WriteRecording;
+
+  /// What can be taken back.
+  StoreUndo Undo;
 
   /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
   /// pixels of the design from the left edge of the surface.
@@ -155,7 +167,8 @@ class Form1 : public ui::Window {
   ui::Label Signal;
   ui::Control Line1;
 
-  ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, CalibrationMenu, MenuProcDelay, FileExit;
+  ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, UndoMenu, OpenRecordingMenu, SaveRecordingMenu;
+  ui::MenuEntry CalibrationMenu, MenuProcDelay, FileExit;
   ui::MenuEntry StdDcdMenu, IRMouseMenu;
   ui::MenuEntry HelpContentMenu, WebPageMenu, UpdateMenu, AboutMenu;
 
@@ -201,6 +214,7 @@ class Form1 : public ui::Window {
 
   void ClearReading();
   bool ReceiveSignal();
+  void ExplainCapture();
   void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
   void ShowKind(std::int16_t kind);

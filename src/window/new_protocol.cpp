@@ -204,6 +204,7 @@ bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
   // Section and selection in one save: a second one could fail and contradict the first.
   const bool done = form_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
+  form_.Undo.Remember(before);
   // A failure at the very end of a save leaves the new text in place.
   return (done || store.CfgText != before) && IsOpen();
 }

@@ -85,7 +85,9 @@ void Form1::ProtoDeleteMenu_Click() {
     return;
   }
   // Section and selection in one save: a second one could fail and contradict the first.
+  const std::string before = store.CfgText;
   if (!ChangeCommands([&] { ReplaceAndSave(store, WithCurrentProtocol(rest, 0)); })) return;
+  Undo.Remember(before);
   walk.Names.emplace_back(kRecorded);
   Protocol.SetEntries(std::move(walk.Names));
   MakeProtocolCurrent(0);

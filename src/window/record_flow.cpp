@@ -65,6 +65,10 @@ void Form1::RecButton_Click() {
     CodeStr.SetBackColour(std::nullopt);
     return;
   }
+  ExplainCapture();
+}
+
+void Form1::ExplainCapture() {
   if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
   StartTrace();
   ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured, mod_.Settings.Analysis));
