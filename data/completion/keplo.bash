@@ -1,34 +1,67 @@
 # Bash completion of the keplo command.
 
+# Runs keplo on the folder that the line names; no words without an install.
+_keplo_ask() {
+  local i folder=()
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    [[ ${COMP_WORDS[i]} == --app-path ]] && folder=(--app-path "${COMP_WORDS[i + 1]}")
+  done
+  keplo "$@" "${folder[@]}" 2>/dev/null
+}
+
 _keplo() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local command=${COMP_WORDS[1]:-}
+  local first=1
+  [[ ${COMP_WORDS[1]:-} == --app-path ]] && first=3
+  local command=${COMP_WORDS[first]:-} action=${COMP_WORDS[first + 1]:-}
+  local place=$((COMP_CWORD - first + 1))
   case $previous in
     --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --teach | --replay | --out) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --gproto) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5 Custom' -- "$current"); return ;;
-    --protocol) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5' -- "$current"); return ;;
+    --analysis) mapfile -t COMPREPLY < <(compgen -W 'first second' -- "$current"); return ;;
+    --protocol)
+      [[ $command == synth ]] && local names='NEC SONY RC5' || local names=$(_keplo_ask protocols | cut -f1)
+      mapfile -t COMPREPLY < <(compgen -W "$names" -- "$current"); return ;;
   esac
-  local words
-  case $COMP_CWORD,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth --help --version' ;;
-    2,protocol) words='add edit delete --help' ;;
-    2,events) words='list add delete enable disable --help' ;;
+  local words names=
+  case $place,$command in
+    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth help --app-path --help --version' ;;
+    2,protocol) words='add edit delete --app-path --help' ;;
+    2,events) words='list add modify delete enable disable --app-path --help' ;;
+    2,help) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth' ;;
     *,install) words='--app-path --teach --help' ;;
-    *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
+    *,decode | *,record) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,monitor) words='--app-path --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
-    *,events) words='--app-path --json --each --id --name --description --zone --disabled --help' ;;
-    *,record) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
+    *,events)
+      case $action in
+        list) words='--json --app-path --help' ;;
+        add) words='--each --id --name --description --zone --disabled --force --app-path --help' ;;
+        modify) words='--command --name --description --zone --enable --disable --force --app-path --help' ;;
+        *) words='--app-path --help' ;;
+      esac
+      [[ $place == 3 && $action != add && $action != list ]] && names=$(_keplo_ask events list | cut -f1)
+      ;;
     *,learn) words='--protocol --name --app-path --sample-time --no-shape --hold --help' ;;
-    2,settings) words='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS --app-path --help' ;;
+    *,settings)
+      words='--json --app-path --help'
+      [[ $place == 2 ]] && names='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS'
+      ;;
     *,protocols) words='--json --app-path --help' ;;
     *,protocol) words='--gproto --description --sendpls --repeat --grepeat --bitg --bit0 --bit1 --yes --app-path --help' ;;
     *,send) words='--out --pulse --count --code --protocol --app-path --help' ;;
+    *,commands) words='--json --app-path --help' ;;
     *,calibrate) words='--replay --dry-run --app-path --sample-time --no-shape --hold --help' ;;
-    *,synth) words='--protocol --code --samples --seed --help' ;;
+    *,synth) words='--protocol --code --mark-excess --jitter --clock-error --gap --repeats --seed --one-line --samples --help' ;;
     *) words='--app-path --help' ;;
   esac
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  case $place,$command in
+    2,protocols | 2,send | 2,forget) names=$(_keplo_ask protocols | cut -f1) ;;
+    2,commands) names="rename $(_keplo_ask protocols | cut -f1)" ;;
+    3,protocol) [[ $action != add ]] && names=$(_keplo_ask protocols | cut -f1) ;;
+    3,send | 3,forget) names=$(_keplo_ask commands "$action" | cut -f2) ;;
+  esac
+  mapfile -t COMPREPLY < <(compgen -W "$words $names" -- "$current")
   case $current,$command in
     -*,*) ;;
     *,decode | *,monitor | *,record | *,learn | *,calibrate) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;

@@ -1,7 +1,6 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -59,16 +58,6 @@ Outcome Calibrate(Win32Ser& line) {
   }
 }
 
-/// The sentences of the window, each as a line.
-std::vector<std::string> Sentences(const Outcome& outcome) {
-  std::vector<std::string> lines;
-  std::string sentences = CalibrationText(outcome.End, outcome.Delay);
-  std::erase(sentences, '\r');
-  std::istringstream text(sentences);
-  for (std::string line; std::getline(text, line);) lines.emplace_back(Trimmed(line));
-  return lines;
-}
-
 /// Why the replayed key was let go without a result, for a person; empty at any other end.
 std::string WhyNoHelp(const Outcome& outcome) {
   if (outcome.End != CalibrationStep::NoSignal) return {};
@@ -96,7 +85,7 @@ int Calibrate(const CalibrateOptions& options) {
   const std::int16_t receiver = 0;  // calibration captures alike for both
   const OpenedLine line = OpenLine(options.Line, receiver);
   const Outcome outcome = Calibrate(*line.Line);
-  std::vector<std::string> lines = Sentences(outcome);
+  std::vector<std::string> lines = PrintableLines(CalibrationText(outcome.End, outcome.Delay));
   if (outcome.End != CalibrationStep::Succeeded) {
     if (const std::string why = WhyNoHelp(outcome); !why.empty()) lines.push_back(why);
     throw Refused(lines.front(), {lines.begin() + 1, lines.end()});

@@ -128,14 +128,10 @@ void AddCommandsCommand(Command& root) {
 
   Command rename = command.OptionalSub("rename", "Give a command another name; its events go with it");
   const auto words = std::make_shared<RenameOptions>();
-  // The option before "rename" is that of "commands".
-  rename.Word("--app-path", words->AppPath, "Folder of keplo.cfg and the event map");
+  AddAppPathOption(rename, words->AppPath);
   rename.Word("COMMAND", words->Command, "Protocol and command, as 'NEC&POWER'").Required();
   rename.Word("NAME", words->NewName, "The new name: letters, digits, - and _").Required();
-  rename.Runs([words, options] {
-    if (words->AppPath.empty()) words->AppPath = options->AppPath;
-    return Rename(*words);
-  });
+  rename.Runs([words] { return Rename(*words); });
 }
 
 void AddLookupCommand(Command& root) {

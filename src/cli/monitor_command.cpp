@@ -95,10 +95,10 @@ int Monitor(const MonitorOptions& options) {
   };
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
+  const StopSignals stop;
   if (options.Line.ReplayFiles.empty()) {
     Tell("there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings");
   }
-  const StopSignals stop;
   control.InputStartMonitoring();
   RunTicks(station, options, stop);
   control.InputStopMonitoring();

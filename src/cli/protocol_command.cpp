@@ -6,7 +6,6 @@
 #include <limits>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -81,10 +80,7 @@ void PrintStored(std::string_view text, const std::string& protocol, const char*
   std::cout << Printable(protocol) << ' ' << done << '\n';
   const std::optional<ProtocolDraft> stored = LoadProtocol(text, protocol);
   if (!stored) return;
-  std::string parameters = ParameterLines(*stored);
-  std::erase(parameters, '\r');
-  std::istringstream lines(parameters);
-  for (std::string line; std::getline(lines, line);) std::cout << Printable(Trimmed(line)) << '\n';
+  for (const std::string& line : PrintableLines(ParameterLines(*stored))) std::cout << line << '\n';
 }
 
 int Add(const ProtocolWords& words) {
