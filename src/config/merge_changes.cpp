@@ -75,6 +75,7 @@ Lines Part(const Lines& lines, std::size_t first, std::size_t end) {
 std::optional<Lines> Settled(const Lines& base, const Lines& mine, const Lines& theirs) {
   if (mine == base || mine == theirs) return theirs;
   if (theirs == base) return mine;
+  if (theirs == base) return mine;
   return std::nullopt;
 }
 
@@ -138,6 +139,7 @@ std::optional<std::string> MergeChanges(const std::string& base, const std::stri
                                         const std::string& theirs) {
   if (!IsWhole(base) || !IsWhole(mine) || !IsWhole(theirs)) return std::nullopt;
   if (mine == base || mine == theirs) return theirs;
+  if (theirs == base) return mine;
   const int selected = SelectedProtocol(mine);
   const bool selects = selected != SelectedProtocol(base);
   const std::string selectedBase = selects ? WithSelected(base, selected) : base;

@@ -309,7 +309,12 @@ SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   const ProtocolResult found = FindToChange(text, protocol, section);
   if (!found.Done()) return found;
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
-  if (last < first) return ProtocolRefusal::HeaderLine;
+  // What stands in the line before the header would be joined to the next one.
+  const int lineBefore = SeekBack(text, first, '\n');
+  const bool isWholeHeader = Trimmed(text.substr(static_cast<std::size_t>(lineBefore),
+                                                 static_cast<std::size_t>(first - 1 - lineBefore)))
+                                 .empty();
+  if (!isWholeHeader || last < first) return ProtocolRefusal::HeaderLine;
   return Splice{first, last, {}};
 }
 
