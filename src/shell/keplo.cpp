@@ -96,6 +96,21 @@ std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
 void Keplo::TakeInChanges() {
   if (inTick_ || windowOpen_ || terminated_ || !initialised_) return;
   if (mod_.modData->ChangedElsewhere()) m_EventCollection.TakeInChanges();
+  TakeInConfiguration();
+}
+
+void Keplo::TakeInConfiguration() try {
+  if (!HasFileChanged(mod_.Store) || !ReloadConfig(mod_.Store)) return;
+  mod_.Store.TookInOtherText = false;
+  Settings settings = mod_.Settings;
+  if (!ReadSettings(mod_.Store, settings).Complete()) return;
+  const bool otherPort = settings.ComPortNr != mod_.Settings.ComPortNr;
+  mod_.Settings = settings;
+  if (otherPort) return OpenPort();
+  Panel.ShowVexil(mod_.Settings.VexilMode != 0);
+  ShowInterface();
+} catch (const std::exception& failure) {
+  ReportFailure("TakeInChanges", failure);
 }
 
 std::string Keplo::WhyNotInitialised() const {

@@ -80,9 +80,9 @@ class Keplo {
   std::int32_t InputGetPluginVersion(std::string& szVersion) const;
   std::int32_t InputGetHTMLPage(std::string& szHTML) const;
   std::int32_t InputPostHTMLPage(std::string& szHTML) const;
-  /// Takes in what other programs have written to the event map since it was loaded: list and pages follow.
-  /// For whoever runs the control to call now and then, between two ticks; costs next to nothing while
-  /// nothing has changed. Does nothing inside a tick and while the configuration window is open.
+  /// Takes in what other programs have written to the event map and to keplo.cfg: list, pages, panel and port
+  /// follow. For whoever runs the control to call now and then, between two ticks; costs next to nothing
+  /// while nothing has changed. Does nothing inside a tick and while the configuration window is open.
   void TakeInChanges();
 
   /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
@@ -127,6 +127,7 @@ class Keplo {
 
  private:
   void OpenPort();
+  void TakeInConfiguration();
   void RefreshStatusPanel();
   void SetRestingLines();
   void ShowInterface();

@@ -43,6 +43,29 @@ TEST_F(StartUp, ShowsEachInterfaceType) {
   }
 }
 
+TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
+  WriteEvents({});
+  WriteConfig({}, "");
+  Keplo& control = Start();
+  control.TakeInChanges();
+  WriteConfig({.InterfaceType = "8", .Vexil = "2"}, tests::ProtocolSection("NEC", "G1010,POWER"));
+  control.TakeInChanges();
+  EXPECT_EQ(control.Panel.VexilAvailable.Text() + " " + control.Panel.InterfaceType.Text(),
+            "YES IRMouse / DTR");
+  EXPECT_EQ(mod_->Settings.ReceiverKind, 1);
+  EXPECT_NE(mod_->Store.CfgText.find("G1010,POWER"), std::string::npos);
+  EXPECT_TRUE(line_.TakeCalls().empty()) << "the port stays open";
+
+  WriteConfig({.ComPort = "4"}, "");
+  control.TakeInChanges();
+  EXPECT_EQ(line_.TakeCalls(), (Calls{"OpenCom 4", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(control.Panel.CtlComPort.Text(), "COM 4");
+  folder_.Write("keplo.cfg", "cut short");
+  for (int look = 0; look < 2; ++look) control.TakeInChanges();
+  EXPECT_EQ(errors_.size(), 1U) << "told once";
+  EXPECT_NE(mod_->Store.CfgText.find("COMPORT= 4"), std::string::npos);
+}
+
 TEST_F(StartUp, TriesThePortFiveTimes) {
   WriteConfig({}, "");
   line_.OpenResults = {0, -1, 1};
