@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# fuzz.sh FOLDER SECONDS: runs every fuzzer of the folder for that long; a finding is kept in the folder.
+# fuzz.sh FOLDER SECONDS: runs every fuzzer of the folder for that long, from the seeds and words in fuzz/ and
+# from what earlier runs came upon; a finding is kept in the folder.
 set -euo pipefail
+cd "$(dirname "$0")/.."
+declare -A words=([store_fuzz]=keplo [protocol_fuzz]=keplo [index_fuzz]=index)
 folder=$1 seconds=$2
 for fuzzer in "$folder"/*_fuzz; do
   name=$(basename "$fuzzer")
   printf '%s for %s s\n' "$name" "$seconds"
-  if ! "$fuzzer" -max_total_time="$seconds" -max_len=40000 -print_final_stats=1 -artifact_prefix="$folder/$name-" \
+  mkdir -p "$folder/$name-corpus"
+  given=("$folder/$name-corpus")
+  if [ -d "fuzz/seeds/$name" ]; then given+=("fuzz/seeds/$name"); fi
+  if [ -n "${words[$name]:-}" ]; then given+=("-dict=fuzz/${words[$name]}.dict"); fi
+  if ! "$fuzzer" "${given[@]}" -max_total_time="$seconds" -max_len=40000 -print_final_stats=1 -artifact_prefix="$folder/$name-" \
     >"$folder/$name.log" 2>&1; then
     tail -n 40 "$folder/$name.log"
     printf '%s found something; the input lies beside %s\n' "$name" "$folder/$name.log"

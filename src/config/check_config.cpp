@@ -87,7 +87,7 @@ Finding DamagedSection(std::string_view text) {
     return "line " + LineBefore(text, walk.Places.back().Begin) +
            " holds one [ after another, each of which would begin a section. Take them out, and start again";
   }
-  if (walk.Ended != WalkEnd::ClosingHeader) return NotFound(text, "[END], in capitals,", 1);
+  if (!walk.IsWhole) return NotFound(text, "[END], in capitals,", 1);
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
     if (Finding finding = MissingKey(text, walk.Names[index], walk.Places[index])) return finding;
   }

@@ -138,6 +138,7 @@ std::optional<std::string> MergeChanges(const std::string& base, const std::stri
                                         const std::string& theirs) {
   if (!IsWhole(base) || !IsWhole(mine) || !IsWhole(theirs)) return std::nullopt;
   if (mine == base || mine == theirs) return theirs;
+  if (theirs == base) return mine;
   const int selected = SelectedProtocol(mine);
   const bool selects = selected != SelectedProtocol(base);
   const std::string selectedBase = selects ? WithSelected(base, selected) : base;

@@ -52,6 +52,12 @@ ProtocolResult FindToChange(std::string_view text, std::string_view protocol, Se
   return {};
 }
 
+/// What stands before a header in its line.
+std::string_view BeforeInLine(std::string_view text, int header) {
+  const int lineBefore = SeekBack(text, header, '\n');
+  return text.substr(static_cast<std::size_t>(lineBefore), static_cast<std::size_t>(header - 1 - lineBefore));
+}
+
 /// Walks the keys of one section, each searched from behind the one before it.
 class SectionKeys {
  public:
@@ -309,7 +315,10 @@ SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   const ProtocolResult found = FindToChange(text, protocol, section);
   if (!found.Done()) return found;
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
-  if (last < first) return ProtocolRefusal::HeaderLine;
+  // What stands before either header would be left over, a command in another section.
+  const bool leavesText = !Trimmed(BeforeInLine(text, first)).empty();
+  const bool leavesCommand = BeforeInLine(text, section.End).find(',') != std::string_view::npos;
+  if (leavesText || leavesCommand || last < first) return ProtocolRefusal::HeaderLine;
   return Splice{first, last, {}};
 }
 

@@ -21,7 +21,11 @@ SectionWalk WalkSections(std::string_view text) {
     position = FindNoCase("[", text, position);
     const std::string_view name = SectionNameAt(text, position);
     characters += name.size();
-    if (name == kClosingName) break;
+    if (name == kClosingName) {
+      const std::size_t bracket = text.rfind(']');
+      walk.IsWhole = bracket != std::string_view::npos && static_cast<int>(bracket) >= position;
+      break;
+    }
     if (position == kNowhere) {
       walk.Ended = WalkEnd::NoMoreHeaders;
     } else if (characters > kMostCharacters) {
@@ -38,7 +42,7 @@ SectionWalk WalkSections(std::string_view text) {
   return walk;
 }
 
-bool IsWhole(std::string_view text) { return WalkSections(text).Ended == WalkEnd::ClosingHeader; }
+bool IsWhole(std::string_view text) { return WalkSections(text).IsWhole; }
 
 std::vector<std::string> ListProtocols(std::string_view text) { return WalkSections(text).Names; }
 

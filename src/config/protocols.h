@@ -22,6 +22,9 @@ struct SectionWalk {
   std::vector<std::string> Names;
   std::vector<Section> Places;  // of each name
   WalkEnd Ended = WalkEnd::ClosingHeader;
+
+  /// Whether the walk came to [END] and its ] is the last one, behind which a save cuts the text.
+  bool IsWhole = false;
 };
 
 /// The sections after [General] up to [END], in the order of the file. Template is one of them. Names that

@@ -11,15 +11,22 @@ namespace keplo {
 
 namespace {
 
+/// Whether a section begins in the line of a value: its header would be lost with the value, and what comes
+/// in below the line would be in that section.
+bool HasHeader(std::string_view text, int place) {
+  return GetLineAt(text, place).find('[') != std::string_view::npos;
+}
+
 /// The text with another number of a key; empty if it has no place for it.
 std::optional<std::string> WithSetting(const std::string& text, const SettingChange& change) {
   const std::string value = std::to_string(change.Number);
-  if (const int place = PlaceOfSetting(text, change.Key); place != kNowhere)
-    return WithValueAt(text, place, value);
+  if (const int place = PlaceOfSetting(text, change.Key); place != kNowhere) {
+    return HasHeader(text, place) ? std::nullopt : WithValueAt(text, place, value);
+  }
   if (!change.Key.Late) return std::nullopt;
   const int last = PlaceOfSetting(text, *FindSettingKey("VEXIL"));
   const int lineEnd = SeekForward(text, last, '\n');
-  if (last == kNowhere || lineEnd == kNowhere) return std::nullopt;
+  if (last == kNowhere || lineEnd == kNowhere || HasHeader(text, last)) return std::nullopt;
   return InsertText(text, std::string(change.Key.Search) + " " + value + "\r\n", lineEnd + 1);
 }
 

@@ -4,6 +4,7 @@
 
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
+#include "config/protocols.h"
 #include "failure.h"
 
 namespace keplo {
@@ -223,6 +224,12 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
     EXPECT_EQ(WithoutSection(c.Text, "Mine").Refused, c.Delete) << c.Text;
   }
   EXPECT_EQ(EditedSection(cases.back().Text, edited).Refused.Line, 16);
+  for (const std::string header : {"[A][Mine]", "[[A]Mine]", "# [A]\r\nsee [Mine]"}) {
+    const std::string text = Replaced(Config(mine), "[Mine]", header);
+    EXPECT_EQ(WithoutSection(text, ListProtocols(text)[1]).Refused, Refusal::HeaderLine) << header;
+  }
+  const std::string text = Replaced(Config(mine), "[Template]", "G10,LAST[Template]");
+  EXPECT_EQ(WithoutSection(text, "Mine").Refused, Refusal::HeaderLine);
 }
 
 TEST(ProtocolEdit, ChangesNothingThatItCannotSave) {

@@ -103,6 +103,8 @@ TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
       {"", "[END] was not found"},
       {Replaced(whole, "[END]", ""), "[END] was not found"},
       {Replaced(whole, "[END]", "[End]"), "[END], in capitals, was not found"},
+      {Replaced(Replaced(whole, "[END]", "[END)"), "a test", "an [end] test"),
+       "[END], in capitals, was not found"},
       {Replaced(whole, "[General]", "[Gen]"), "[General] was not found."},
       {Replaced(whole, "COMPORT=", "COMPORT"), "COMPORT= was not found behind line 1"},
       {Replaced(whole, "ITYPE=", "TYPE="), "ITYPE= was not found behind line 4"},
