@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "config/setting_keys.h"
 #include "line/open_line.h"
@@ -25,10 +26,11 @@ constexpr int kHeldCaptures = 1000;
 struct CalibrateOptions {
   std::string AppPath;
   bool DryRun = false;
+  std::optional<std::int32_t> Port;
   LineSpec Line;
 };
 
-/// How a calibration on a replay line went.
+/// How a calibration went.
 struct Outcome {
   CalibrationStep End = CalibrationStep::NoSignal;
   std::int16_t Delay = 0;
@@ -69,13 +71,15 @@ std::vector<std::string> Sentences(const Outcome& outcome) {
   return lines;
 }
 
-/// Why the replayed key was let go without a result, for a person; empty at any other end.
+/// Why the key was let go without a result, for a person; empty at any other end.
 std::string WhyNoHelp(const Outcome& outcome) {
+  if (outcome.Signals == 0) return "no signal was heard; keplo ports --watch shows the line itself";
   if (outcome.End != CalibrationStep::NoSignal) return {};
   const std::string signals = std::to_string(outcome.Signals) + " signals";
   if (outcome.Measured == 0) {
     return "none of " + signals +
-           " had a base time; give a recording of a SONY remote, and a sample time near 55 microseconds";
+           " had a base time; use a SONY remote, or a recording of one with a sample time near 55 "
+           "microseconds";
   }
   return "the key was let go after " + signals + " at delay " + std::to_string(outcome.Delay) +
          ", where no signal took the search on";
@@ -90,12 +94,23 @@ void Save(std::int16_t delay, const CalibrateOptions& options) {
   std::cout << "saved in " << Printable(config.Mod.Store.Path.string()) << '\n';
 }
 
+Outcome CalibrateReplayed(const CalibrateOptions& options) {
+  const std::int16_t receiver = 0;  // calibration captures alike for both
+  return Calibrate(*OpenLine(options.Line, {}, receiver).Line);
+}
+
+Outcome CalibrateLive(const CalibrateOptions& options) {
+  OpenedConfig config(options.AppPath);
+  LiveLine live(config.Mod, options.Port, options.Line.Options);
+  Tell("hold down a key of a SONY remote at " + live.Name() + ", and let it go when the result is told");
+  return Calibrate(live.Line());
+}
+
 int Calibrate(const CalibrateOptions& options) {
   // Whoever holds the key should not do so for a file that cannot take the result.
   if (!options.DryRun) OpenedConfig(options.AppPath).RequireWhole();
-  const std::int16_t receiver = 0;  // calibration captures alike for both
-  const OpenedLine line = OpenLine(options.Line, receiver);
-  const Outcome outcome = Calibrate(*line.Line);
+  const Outcome outcome =
+      options.Line.ReplayFiles.empty() ? CalibrateLive(options) : CalibrateReplayed(options);
   std::vector<std::string> lines = Sentences(outcome);
   if (outcome.End != CalibrationStep::Succeeded) {
     if (const std::string why = WhyNoHelp(outcome); !why.empty()) lines.push_back(why);
@@ -112,10 +127,11 @@ void AddCalibrateCommand(Command& root) {
   Command command =
       root.Sub("calibrate", "Find the delay at which a held key has its base time, and save it as PROCDELAY");
   const auto options = std::make_shared<CalibrateOptions>();
-  command
-      .Words("--replay", options->Line.ReplayFiles,
-             "Recordings of a SONY remote; the key of the last press is held down")
-      .Required();
+  const Argument replay =
+      command.Words("--replay", options->Line.ReplayFiles,
+                    "Recordings of a SONY remote to use in place of the line; the key of the last press is "
+                    "held down");
+  AddPortOption(command, options->Port).Excludes(replay);
   command.Flag("--dry-run", options->DryRun, "Save nothing");
   AddAppPathOption(command, options->AppPath);
   AddLineOptions(command, options->Line.Options.SampleTime, options->Line.Options.Shape,

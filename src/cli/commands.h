@@ -21,5 +21,7 @@ void AddInstallCommand(Command& root);
 void AddCalibrateCommand(Command& root);
 void AddSettingsCommand(Command& root);
 void AddSynthCommand(Command& root);
+void AddPortsCommand(Command& root);
+void AddZoneCommand(Command& root);
 
 }  // namespace keplo::cli

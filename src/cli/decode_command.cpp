@@ -84,7 +84,7 @@ int Decode(const PressOptions& options) {
 void AddDecodeCommand(Command& root) {
   Command command = root.Sub("decode", "Tell what the monitor makes of recorded key presses");
   const auto options = std::make_shared<PressOptions>();
-  AddPressOptions(command, *options);
+  AddPressOptions(command, *options).Required();
   command.Runs([options] { return Decode(*options); });
 }
 

@@ -15,7 +15,8 @@ int RunKeplo(int argc, char** argv) {
   for (const auto add :
        {AddDecodeCommand, AddMonitorCommand, AddEventsCommand, AddCommandsCommand, AddLookupCommand,
         AddRecordCommand, AddLearnCommand, AddForgetCommand, AddProtocolsCommand, AddProtocolCommand,
-        AddSendCommand, AddInstallCommand, AddCalibrateCommand, AddSettingsCommand, AddSynthCommand}) {
+        AddSendCommand, AddInstallCommand, AddCalibrateCommand, AddSettingsCommand, AddSynthCommand,
+        AddPortsCommand, AddZoneCommand}) {
     add(root);
   }
   line.AddHelpCommand();

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -6,6 +7,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/live_line.h"
 #include "disk/posix_file_system.h"
 #include "events/event_row.h"
 #include "keplo_mod.h"
@@ -64,12 +66,23 @@ void TellLine(LogLevel level, const std::string& text) {
   std::cerr << (level <= LogLevel::Warning ? "keplo: " : "") << Printable(text) << '\n';
 }
 
+/// @return whether a signal came
+bool WaitForTick(Station& station, const MonitorOptions& options, const StopSignals& stop) {
+  const bool hurry = !options.Line.InRealTime && !station.Played();
+  if (hurry) return stop.WaitFor(0);
+  LineRest* const rest = station.Rest();
+  const std::chrono::milliseconds interval(station.Control().Timer1.Interval);
+  const auto mayRest = rest == nullptr ? interval : rest->MayRest();
+  if (mayRest <= interval) return stop.WaitFor(static_cast<int>(interval.count()));
+  const auto wait = std::min(mayRest, kLookForChanges);
+  return stop.WaitFor(static_cast<int>(wait.count()), rest->WakeDescriptor());
+}
+
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
 void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop) {
   auto nextLook = std::chrono::steady_clock::now() + kLookForChanges;
   while (!(options.Once && station.Played())) {
-    const bool hurry = !options.Line.InRealTime && !station.Played();
-    if (stop.WaitFor(hurry ? 0 : station.Control().Timer1.Interval)) return;
+    if (WaitForTick(station, options, stop)) return;
     station.Control().Timer1.Tick();
     if (const auto now = std::chrono::steady_clock::now(); now >= nextLook) {
       station.Control().TakeInChanges();
@@ -95,9 +108,6 @@ int Monitor(const MonitorOptions& options) {
   };
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
-  if (options.Line.ReplayFiles.empty()) {
-    Tell("there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings");
-  }
   const StopSignals stop;
   control.InputStartMonitoring();
   RunTicks(station, options, stop);
@@ -116,7 +126,9 @@ void AddMonitorCommand(Command& root) {
   Command command = root.Sub("monitor", "Watch the line and print each input event that is raised");
   const auto options = std::make_shared<MonitorOptions>();
   AddAppPathOption(command, options->AppPath);
-  command.Words("--replay", options->Line.ReplayFiles, "Recordings to play as key presses");
+  const Argument replay =
+      command.Words("--replay", options->Line.ReplayFiles, "Recordings to play as key presses");
+  AddPortOption(command, options->Line.Port).Excludes(replay);
   command.Flag("--json", options->Json, "One JSON object an event");
   command.Flag("--once", options->Once, "End when the recordings have been played");
   command.Flag("--real-time", options->Line.InRealTime,

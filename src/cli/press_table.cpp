@@ -20,27 +20,18 @@ bool PrintRecording(const Recording& recording, bool asJson, const ReadPress& re
   bool all = true;
   int number = 0;
   for (const Press& press : recording.Presses) {
-    nlohmann::ordered_json json;
-    json["file"] = recording.Path;
-    json["press"] = ++number;
-    const PressRow row = read(press, asJson ? &json : nullptr);
-    const std::string place = recording.Path + " press " + std::to_string(number) + ": ";
-    if (asJson) {
-      std::cout << JsonLine(json) << '\n';
-      if (!row.Remark.empty()) Tell(place + row.Remark);
-    } else {
-      std::cout << Printable(place + row.Text) << '\n';
-    }
-    all = all && row.HasCode;
+    const bool hasCode =
+        PrintPress(recording.Path, ++number, asJson, [&](auto* json) { return read(press, json); });
+    all = all && hasCode;
   }
   return all;
 }
 
 }  // namespace
 
-void AddPressOptions(Command& command, PressOptions& options) {
-  command.Words("FILE", options.Files, "Recordings: mode2 text, +N -N lines, or .cap; - for standard input")
-      .Required();
+Argument AddPressOptions(Command& command, PressOptions& options) {
+  const Argument files = command.Words("FILE", options.Files,
+                                       "Recordings: mode2 text, +N -N lines, or .cap; - for standard input");
   command.Flag("--json", options.Json, "One JSON object a press");
   AddAppPathOption(command, options.AppPath);
   command.Choice(
@@ -49,6 +40,7 @@ void AddPressOptions(Command& command, PressOptions& options) {
       "Read with the first analysis or the second look; without it as the keplo.cfg of --app-path says, "
       "and with the second look without that");
   AddLineOptions(command, options.Line.SampleTime, options.Line.Shape, options.Line.HoldMs);
+  return files;
 }
 
 Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config) {
@@ -56,6 +48,21 @@ Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config) {
     return options.Analysis == AnalysisName(Analysis::First) ? Analysis::First : Analysis::Second;
   }
   return config == nullptr ? Analysis::Second : AnalysisOf(*config);
+}
+bool PrintPress(const std::string& source, int number, bool asJson,
+                const std::function<PressRow(nlohmann::ordered_json* json)>& read) {
+  nlohmann::ordered_json json;
+  json["file"] = source;
+  json["press"] = number;
+  const PressRow row = read(asJson ? &json : nullptr);
+  const std::string place = source + " press " + std::to_string(number) + ": ";
+  if (asJson) {
+    std::cout << JsonLine(json) << std::endl;
+    if (!row.Remark.empty()) Tell(place + row.Remark);
+  } else {
+    std::cout << Printable(place + row.Text) << std::endl;
+  }
+  return row.HasCode;
 }
 
 int PrintPresses(const PressOptions& options, const ReadPress& read) {

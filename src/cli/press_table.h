@@ -21,7 +21,8 @@ struct PressOptions {
   LineOptions Line;
 };
 
-void AddPressOptions(Command& command, PressOptions& options);
+/// @return the recordings that are given
+Argument AddPressOptions(Command& command, PressOptions& options);
 
 /// The analysis that the options ask for.
 /// @param config the one of --app-path; null without that option, or without a file there
@@ -37,6 +38,14 @@ struct PressRow {
 /// Reads one press.
 /// @param json takes the fields of the press; null if none are wanted
 using ReadPress = std::function<PressRow(const Press& press, nlohmann::ordered_json* json)>;
+
+/// Prints the row of one press.
+/// @param source what it was recorded from
+/// @param number of the press, from 1
+/// @param read gives the row, as ReadPress does
+/// @return whether it has a code
+bool PrintPress(const std::string& source, int number, bool asJson,
+                const std::function<PressRow(nlohmann::ordered_json* json)>& read);
 
 /// Prints a row for each press of each file, and tells which files cannot be read.
 /// @return the exit code

@@ -1,9 +1,12 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "cli/commands.h"
+#include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
 #include "cli/press_table.h"
@@ -17,6 +20,12 @@
 namespace keplo::cli {
 
 namespace {
+
+struct RecordOptions : PressOptions {
+  bool Live = false;
+  int Count = 1;
+  std::optional<std::int32_t> Port;
+};
 
 bool HasInstall() try {
   RequireInstall({});
@@ -101,28 +110,72 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   return text + ", " + std::string(WordOf(reading.ReadBy));
 }
 
-int Record(const PressOptions& options) {
+PressRow Explain(std::string capture, Analysis analysis, OpenedConfig* config, nlohmann::ordered_json* json) {
+  SignalState state;
+  const RecordReading reading = ReadRecordedCapture(std::move(capture), state, analysis);
+  const std::string knownAs = KnownAs(config, reading);
+  const std::string reason = WhyNoCode(reading);
+  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs), ""};
+  Describe(reading, knownAs, *json);
+  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason};
+}
+
+int RecordFiles(const RecordOptions& options) {
   const std::unique_ptr<OpenedConfig> config = LearnedCommands(options.AppPath);
   const Analysis analysis = AnalysisFor(options, options.AppPath.empty() ? nullptr : config.get());
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
-    SignalState state;
-    const RecordReading reading =
-        ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
-    const std::string knownAs = KnownAs(config.get(), reading);
-    const std::string reason = WhyNoCode(reading);
-    if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs), ""};
-    Describe(reading, knownAs, *json);
-    return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason};
+    return Explain(CaptureOfPress(press, kRecordCaptureBytes, options.Line), analysis, config.get(), json);
   });
+}
+
+/// The next press on the line; empty if none comes.
+std::string Receive(LiveLine& live, const Settings& settings) {
+  std::string capture(kRecordCaptureBytes, '\0');
+  const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
+  const std::int32_t received = settings.ReceiverKind == 1
+                                    ? live.Line().IRRecordN(capture, settings.ProcDelay, limit)
+                                    : live.Line().IRRecord(capture, settings.ProcDelay, limit);
+  if (received == 0) capture.clear();
+  return capture;
+}
+
+int RecordLive(const RecordOptions& options) {
+  OpenedConfig config(options.AppPath);
+  LiveLine live(config.Mod, options.Port, options.Line);
+  const Analysis analysis = AnalysisFor(options, &config);
+  Tell("press a key of the remote; " + live.Name() + " listens for " +
+       std::to_string(kLongestRecordWait.count()) + " seconds at most");
+  int status = kDone;
+  for (int number = 1; number <= options.Count; ++number) {
+    const std::string capture = Receive(live, config.Mod.Settings);
+    if (capture.empty()) {
+      throw Refused(live.WhyNot().empty() ? "No signal came. keplo ports --watch shows the line itself."
+                                          : live.WhyNot());
+    }
+    const bool hasCode = PrintPress(live.Name(), number, options.Json, [&](nlohmann::ordered_json* json) {
+      return Explain(capture, analysis, &config, json);
+    });
+    if (!hasCode) status = kNoResult;
+  }
+  return status;
 }
 
 }  // namespace
 
 void AddRecordCommand(Command& root) {
   Command command = root.Sub("record", "Explain recorded key presses as the learning window does");
-  const auto options = std::make_shared<PressOptions>();
-  AddPressOptions(command, *options);
-  command.Runs([options] { return Record(*options); });
+  const auto options = std::make_shared<RecordOptions>();
+  const Argument files = AddPressOptions(command, *options);
+  Argument live =
+      command.Flag("--live", options->Live, "Wait for key presses on the line, in place of recordings");
+  AddPortOption(command, options->Port).Needs(live);
+  command.Number("--count", options->Count, "How many key presses to wait for", {1, 1000}).Needs(live);
+  live.Excludes(files);
+  command.Runs([options] {
+    if (options->Live) return RecordLive(*options);
+    if (options->Files.empty()) throw WrongUse("FILE is required, or --live");
+    return RecordFiles(*options);
+  });
 }
 
 }  // namespace keplo::cli

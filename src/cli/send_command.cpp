@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "cli/reference.h"
 #include "cli/sent_pulses.h"
 #include "cli/write_file.h"
 #include "config/learn.h"
 #include "config/protocols.h"
+#include "config/read_settings.h"
 #include "formats/formats.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
@@ -31,7 +33,7 @@ struct SendOptions {
   std::string Protocol, Command;  // of a learned command
   std::string Code;               // in place of one
   std::string OutFile;
-  std::optional<std::int32_t> Pulse;
+  std::optional<std::int32_t> Pulse, Port;
   int Count = 1;
 };
 
@@ -122,12 +124,28 @@ Sendable SendableOf(std::string_view text, const SendOptions& options) {
           command ? command->Code : ""};
 }
 
+/// Puts the code out on the port, if there is a device behind it.
+void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& options) {
+  ReadSettings(mod.Store, mod.Settings);
+  const std::int32_t port = options.Port.value_or(mod.Settings.ComPortNr);
+  if (!HasDevice(mod, port)) {
+    Tell("COM " + std::to_string(port) +
+         " has no device on this machine, so nothing goes on air; --out FILE keeps what would be sent, and "
+         "keplo ports lists the ports that have one");
+    return;
+  }
+  LiveLine live(mod, port);
+  Transmit(mod, live.Line(), digits, options);
+  if (!live.WhyNot().empty()) throw Refused(live.WhyNot());
+}
+
 int Send(const SendOptions& options) {
   OpenedConfig config(options.AppPath);
   KeploMod& mod = config.Mod;
   const Sendable sendable = SendableOf(config.Text(), options);
   LoadParams(mod, sendable.Protocol);
   if (sendable.Code.empty()) throw Refused(RefusalText({Refusal::NoSuchCommand, sendable.Name}));
+  const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
   ReplayLine line({}, mod.Settings.ReceiverKind);
   Transmit(mod, line, DigitsOf(sendable.Code), options);
   RequireAudible(line.Output());
@@ -136,11 +154,10 @@ int Send(const SendOptions& options) {
     return kDone;
   }
   if (options.OutFile.empty()) {
-    Tell("there is no transmitter on the line, so nothing goes on air; --out FILE keeps what would be sent");
+    SendOnAir(mod, DigitsOf(sendable.Code), options);
   } else {
     Write([&] { WriteFile(options.OutFile, RecordingOf(line.Output(), options.OutFile)); });
   }
-  const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
   std::cout << Printable(Report(line.Output(), options, sent)) << '\n';
   return kDone;
 }
@@ -160,8 +177,10 @@ void AddSendCommand(Command& root) {
   protocol.Excludes(codeProtocol);
   code.Needs(codeProtocol);
   codeProtocol.Needs(code);
-  command.Word("--out", options->OutFile,
-               "Write what would be sent to this file as mode2 text; - for standard output");
+  const Argument out =
+      command.Word("--out", options->OutFile,
+                   "Write what would be sent to this file as mode2 text; - for standard output");
+  AddPortOption(command, options->Port).Excludes(out);
   command.Number("--pulse", options->Pulse, "Length of a slot, microseconds, in place of SENDPLS",
                  {1, kLongestSlot});
   command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});

@@ -64,7 +64,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       station_(mod_, LineSpecOf(context), Windows(), clock_, log_),
       control_(station_.Control()),
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
-      timer_(control_.Timer1) {
+      timer_(control_.Timer1, station_.Rest()) {
   otherPrograms_.callOnTimeout([this] {
     // An operation that shows a dialog runs an event loop of its own.
     if (depth_ > 0) return;

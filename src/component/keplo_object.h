@@ -9,7 +9,7 @@
 #include "host/component_entry.h"
 #include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
-#include "qt/qt_timer.h"
+#include "qt/line_timer.h"
 #include "station/log.h"
 #include "station/station.h"
 
@@ -85,7 +85,7 @@ class KeploObject final : public IComponentObject,
   Station station_;
   Keplo& control_;
   std::function<void()> controlTick_;
-  qt::QtTimer timer_;
+  qt::LineTimer timer_;
   QTimer otherPrograms_;
   EventSinks sinks_;
   int depth_ = 0;  // how many operations and ticks are under way, one inside another

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "line/device_line.h"
 #include "line/shaping/shaper.h"
 #include "signal/win32_ser.h"
 
@@ -15,7 +18,8 @@ struct LineSpec {
   std::vector<std::string> ReplayFiles;  // recordings to play as key presses
   bool InRealTime = false;               // at the clock of the recordings, not as fast as possible
   int HeldCaptures = 0;                  // captures for which the key of the last press stays pressed
-  std::vector<std::int32_t> Ports;       // the only ports that are there; all if there is none among them
+  std::vector<std::int32_t> Ports;       // without hardware behind them; all if none of them is one
+  std::optional<std::int32_t> Port;      // for this run in place of any other
   LineOptions Options;
 };
 
@@ -39,12 +43,21 @@ class PressSource {
 struct OpenedLine {
   std::unique_ptr<Win32Ser> Line;
   PressSource* Presses = nullptr;  // the line itself where it plays recordings, else none
+  DeviceLine* Device = nullptr;    // the line itself where it is one of devices, else none
+  std::vector<std::string>
+      Remarks;  // what its user should know: mistakes in ports.conf, a line that stands in
 };
 
-/// The only place that knows the kinds of lines.
+/// The only place that knows the kinds of lines. Where recordings are to be played, or ports without hardware
+/// are named, it is a line that plays; else the devices of this machine. Where there is none, a line without
+/// receiver and transmitter stands in, so that all else can be used.
+/// @param appPath its ports.conf names the devices behind the COM numbers
 /// @param receiverKind 0 DCDStandard, 1 IRMouse; the settings own it, and a change there counts at once
+/// @param tell is called from calls of the line
 /// @throws Failure if a recording cannot be read
-OpenedLine OpenLine(const LineSpec& spec, const std::int16_t& receiverKind);
-OpenedLine OpenLine(const LineSpec& spec, std::int16_t&& passing) = delete;
+OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
+                    const std::int16_t& receiverKind, TellUser tell = {});
+OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath, std::int16_t&& passing,
+                    TellUser tell = {}) = delete;
 
 }  // namespace keplo

@@ -1,22 +1,41 @@
 #include "station/station.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "config/check_config.h"
+#include "failure.h"
 #include "station/stage_text.h"
 
 namespace keplo {
 
 Station::Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
                  const Log& log)
-    : Station(mod, OpenLine(spec, mod.Settings.ReceiverKind), windows, clock, log) {}
+    : Station(mod,
+              OpenLine(spec, mod.AppPath, mod.Settings.ReceiverKind,
+                       [this](const std::string& text) { TellOfLine(text); }),
+              windows, clock, log) {}
 
 Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, const ui::Clock& clock,
                  const Log& log)
     : log_(log), line_(std::move(line)), control_(mod, *line_.Line, windows, clock) {
   if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
     log_.Write(LogLevel::Warning, damage);
+  for (const std::string& remark : line_.Remarks) log_.Write(LogLevel::Warning, remark);
+  TellWhyNotOpen();
   control_.OnPress = [this](const TickReport& tick) { CountPress(tick); };
+}
+
+void Station::TellWhyNotOpen() {
+  if (line_.Device == nullptr || line_.Device->WhyNot().empty()) return;
+  log_.Write(LogLevel::Warning, line_.Device->WhyNot());
+}
+
+/// A device that is gone is an error to the host too; other words of a line are for a person.
+void Station::TellOfLine(const std::string& text) {
+  log_.Write(LogLevel::Warning, text);
+  if (line_.Device->WhyNot().empty()) return;
+  control_.ReportFailure("DCD", Failure(ENODEV, text));
 }
 
 std::string Station::WhyNoEventMap() const {

@@ -37,10 +37,14 @@ class Station {
   const Keplo& Control() const { return control_; }
   const PressTally& Tally() const { return tally_; }
   Win32Ser& Line() { return *line_.Line; }
+  /// Tells how long ticks may be left out; none where every tick counts.
+  LineRest* Rest() { return line_.Device; }
   /// Whether every recording has been played; a line without recordings has none to wait for.
   bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
 
  private:
+  void TellWhyNotOpen();
+  void TellOfLine(const std::string& text);
   void CountPress(const TickReport& tick);
 
   const Log& log_;

@@ -63,7 +63,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   KeploMod mod(appPath, files);
   LineSpec spec = options.Line;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
-  const OpenedLine line = OpenLine(spec, mod.Settings.ReceiverKind);
+  const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind);
   Form1 form(mod, *line.Line, boxes);
   if (qt::ShowUntilHidden(form)) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';

@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -182,8 +183,8 @@ TEST_F(PluginTest, AnswersAsAfterACancelWithoutADisplay) {
   EXPECT_EQ(plugin_->InputAddEvent(event), kInputCancelled);
   EXPECT_EQ(plugin_->InputCallMenuItem(item), HostVariant(true));
   EXPECT_EQ(plugin_->InputConfigurePlugin(), kInputDone);
-  EXPECT_EQ(log_.size(), 4U);
-  for (const std::string& line : log_) EXPECT_NE(line.find("needs a display"), std::string::npos) << line;
+  const auto needsDisplay = [](const std::string& line) { return line.find("needs a display") != line.npos; };
+  EXPECT_EQ(std::count_if(log_.begin(), log_.end(), needsDisplay), 4);
   EXPECT_EQ(plugin_->InputDisplayAboutBox(), HostVariant());
   EXPECT_NE(log_.back().find("1.3.34"), std::string::npos);
   EXPECT_EQ(QueryInterface<IControlView>(*object_)->CreateView(nullptr), nullptr);

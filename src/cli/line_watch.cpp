@@ -1,0 +1,109 @@
+#include "cli/line_watch.h"
+
+#include <chrono>
+#include <cmath>
+#include <iostream>
+
+#include "cli/live_line.h"
+#include "cli/open_install.h"
+#include "cli/outcome.h"
+#include "line/sample_time.h"
+#include "program/stop_signals.h"
+#include "signal/sample_bits.h"
+
+namespace keplo::cli {
+
+namespace {
+
+constexpr int kLook = 2;  // milliseconds between two looks at the line
+constexpr std::chrono::seconds kStuck{2};
+
+/// Lengths of the runs of a capture, microseconds, the first of them a mark.
+std::string LengthsText(const std::string& capture, double sampleTime) {
+  const std::string samples =
+      SamplesToBits(std::string_view(capture).substr(0, capture.find_last_not_of('\0') + 1));
+  std::string text;
+  for (std::size_t begin = 0; begin < samples.size();) {
+    const std::size_t end = std::min(samples.find_first_not_of(samples[begin], begin), samples.size());
+    const bool last = end == samples.size();
+    if (!last || samples[begin] == '1') {
+      const long length = std::lround(static_cast<double>(end - begin) * sampleTime);
+      text += (text.empty() ? "" : " ") + std::to_string(length);
+    }
+    begin = end;
+  }
+  return text;
+}
+
+std::string LossesText(const LineLosses& before, const LineLosses& now) {
+  if (const auto samples = now.Samples - before.Samples; samples > 0) {
+    const auto share = [samples](std::uint64_t part) {
+      return std::to_string(static_cast<double>(part) * 100 / static_cast<double>(samples)).substr(0, 4) +
+             " %";
+    };
+    return "samples late " + share(now.LateSamples - before.LateSamples) + ", missed " +
+           share(now.FilledSamples - before.FilledSamples);
+  }
+  return "edges missed " + std::to_string(now.MissedEdges - before.MissedEdges);
+}
+
+/// Watches one line, and tells what it sees once.
+class LineWatch {
+ public:
+  LineWatch(LiveLine& live, const Settings& settings) : live_(live), settings_(settings) {}
+
+  void Look() {
+    const std::int32_t level = live_.Line().DCD();
+    const auto now = std::chrono::steady_clock::now();
+    if (level != level_) {
+      level_ = level;
+      since_ = now;
+      std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
+    }
+    if (level == RestLevel()) return;
+    if (Capture()) return;
+    if (now - since_ < kStuck || told_) return;
+    told_ = true;
+    Tell("the line rests at " + std::to_string(level) +
+         ", where a receiver of the other kind does; change ITYPE with keplo settings, or look for a lamp");
+  }
+
+ private:
+  std::int32_t RestLevel() const { return settings_.ReceiverKind == 1 ? 0 : 1; }
+
+  bool Capture() {
+    std::string capture(kMonitorCaptureBytes, '\0');
+    const LineLosses before = live_.Losses();
+    if (settings_.ReceiverKind == 1) {
+      live_.Line().IRMonitorN(capture, settings_.ProcDelay);
+    } else {
+      live_.Line().IRMonitor(capture, settings_.ProcDelay);
+    }
+    const std::string lengths = LengthsText(capture, SampleTimeOf(settings_.ProcDelay));
+    if (lengths.find(' ') == std::string::npos) return false;
+    std::cout << "press: " << lengths << " us; " << LossesText(before, live_.Losses()) << std::endl;
+    return true;
+  }
+
+  LiveLine& live_;
+  const Settings& settings_;
+  std::int32_t level_ = -1;
+  std::chrono::steady_clock::time_point since_;
+  bool told_ = false;  // that the line rests the other way
+};
+
+}  // namespace
+
+int WatchLine(const std::string& appPathOption, std::int32_t port) {
+  OpenedConfig config(appPathOption);
+  LiveLine live(config.Mod, port);
+  Tell("watching " + live.Name() + "; Ctrl+C ends it");
+  const StopSignals stop;
+  LineWatch watch(live, config.Mod.Settings);
+  do {
+    watch.Look();
+  } while (!stop.WaitFor(kLook));
+  return kDone;
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,38 @@
+#include "cli/live_line.h"
+
+#include <algorithm>
+
+#include "cli/outcome.h"
+#include "config/read_settings.h"
+#include "line/port_map.h"
+
+namespace keplo::cli {
+
+Argument AddPortOption(Command& command, std::optional<std::int32_t>& port) {
+  return command.Number("--port", port, "Use this COM number, not that of the settings",
+                        {kFirstPort, kLastPort});
+}
+
+LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOptions& options) {
+  Settings& settings = mod.Settings;
+  ReadSettings(mod.Store, settings);
+  settings.ReceiverKind = ReceiverKindOf(settings.InterfaceType);
+  const std::int32_t number = port.value_or(settings.ComPortNr);
+  name_ = "COM " + std::to_string(number);
+  LineSpec spec;
+  spec.Options = options;
+  line_ = OpenLine(spec, mod.AppPath, settings.ReceiverKind, [](const std::string& text) { Tell(text); });
+  for (const std::string& remark : line_.Remarks) Tell(remark);
+  if (line_.Device == nullptr) throw Refused(name_ + " has no device on this machine.");
+  if (Line().OpenCom(number) != 1) throw Refused(WhyNot());
+  Line().RTS(-1);
+  Line().TXD(0);
+}
+
+bool HasDevice(const KeploMod& mod, std::int32_t port) {
+  const PortMap map = LoadPortMap(mod.AppPath);
+  return std::any_of(map.Ports.begin(), map.Ports.end(),
+                     [port](const MappedPort& mapped) { return mapped.Port == port; });
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "keplo_mod.h"
+#include "line/open_line.h"
+#include "program/arguments.h"
+
+namespace keplo::cli {
+
+/// Adds --port: another port than that of the settings, for this run.
+Argument AddPortOption(Command& command, std::optional<std::int32_t>& port);
+
+/// The port of the settings, or another one, opened for a command that needs its device.
+class LiveLine {
+ public:
+  /// @param port of this run in place of that of the settings
+  /// @param mod takes the settings of its file
+  /// @throws Refused if the port does not open, with the reason
+  LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOptions& options = {});
+
+  Win32Ser& Line() { return *line_.Line; }
+  /// The port, for a person: "COM 1".
+  const std::string& Name() const { return name_; }
+  /// Why the device does not work any more; empty while it does.
+  std::string WhyNot() const { return line_.Device->WhyNot(); }
+  LineLosses Losses() const { return line_.Device->Losses(); }
+
+ private:
+  std::string name_;
+  OpenedLine line_;
+};
+
+/// Whether a device stands behind a port on this machine.
+bool HasDevice(const KeploMod& mod, std::int32_t port);
+
+}  // namespace keplo::cli

@@ -1,0 +1,80 @@
+#include "line/beeper.h"
+
+#include <alsa/asoundlib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <string>
+
+namespace keplo {
+
+namespace {
+
+constexpr std::int32_t kRate = 48'000;         // samples a second, which every sound device knows
+constexpr unsigned kLatency = 40'000;          // microseconds
+constexpr double kVolume = 0.3;                // of full scale
+constexpr double kSoftEdge = 0.003;            // seconds
+constexpr std::int32_t kLongestTone = 10'000;  // milliseconds
+
+/// The library would print lines of its own.
+void Quiet(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
+           const char* /*format*/, ...) {}
+
+struct CloseDevice {
+  void operator()(snd_pcm_t* device) const { snd_pcm_close(device); }
+};
+using SoundDevice = std::unique_ptr<snd_pcm_t, CloseDevice>;
+
+/// @return 0 or the library's error number
+int Play(const std::vector<std::int16_t>& tone) {
+  snd_pcm_t* opened = nullptr;
+  if (const int error = snd_pcm_open(&opened, "default", SND_PCM_STREAM_PLAYBACK, 0); error < 0) return error;
+  const SoundDevice device(opened);
+  int error =
+      snd_pcm_set_params(opened, SND_PCM_FORMAT_S16, SND_PCM_ACCESS_RW_INTERLEAVED, 1, kRate, 1, kLatency);
+  if (error < 0) return error;
+  std::size_t played = 0;
+  while (played < tone.size()) {
+    const snd_pcm_sframes_t count = snd_pcm_writei(opened, tone.data() + played, tone.size() - played);
+    error = count < 0 ? snd_pcm_recover(opened, static_cast<int>(count), 1) : 0;
+    if (error < 0) return error;
+    if (count > 0) played += static_cast<std::size_t>(count);
+  }
+  return std::min(snd_pcm_drain(opened), 0);
+}
+
+}  // namespace
+
+std::vector<std::int16_t> MakeTone(std::int32_t frequency, std::int32_t duration, std::int32_t rate) {
+  std::vector<std::int16_t> tone(static_cast<std::size_t>(std::int64_t{rate} * duration / 1000));
+  const double soft = std::min(kSoftEdge * rate, static_cast<double>(tone.size()) / 2);
+  for (std::size_t i = 0; i < tone.size(); ++i) {
+    const double fromEdge = static_cast<double>(std::min(i, tone.size() - 1 - i));
+    const double loudness = 0.5 - 0.5 * std::cos(std::numbers::pi * std::min(fromEdge / soft, 1.0));
+    const double wave = std::sin(2 * std::numbers::pi * frequency * static_cast<double>(i) / rate);
+    tone[i] = static_cast<std::int16_t>(std::lround(32'767 * kVolume * loudness * wave));
+  }
+  return tone;
+}
+
+Beeper::Beeper(DeviceCalls& calls, TellUser tell) : calls_(calls), tell_(std::move(tell)) {
+  snd_lib_error_set_handler(Quiet);
+}
+
+void Beeper::Sound(std::int32_t frequency, std::int32_t duration) {
+  duration = std::clamp(duration, 0, kLongestTone);
+  const auto end = calls_.Now() + std::chrono::milliseconds(duration);
+  if (!told_) {
+    const int error = Play(MakeTone(frequency, duration, kRate));
+    told_ = error < 0;
+    if (told_ && tell_) {
+      tell_(std::string("Beeps are silent: the sound device cannot be used (") + snd_strerror(error) +
+            "). Connect one, or join the group audio, and start again.");
+    }
+  }
+  calls_.SleepUntil(end);
+}
+
+}  // namespace keplo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "signal/line_rest.h"
+#include "signal/win32_ser.h"
+
+namespace keplo {
+
+/// What a line tells its user, once each: a device that goes or comes back, a signal that cannot be sent.
+using TellUser = std::function<void(const std::string&)>;
+
+/// What could not be taken as it was on air, since the line was opened.
+struct LineLosses {
+  std::uint64_t Samples = 0;        // taken in all, by sampling
+  std::uint64_t FilledSamples = 0;  // missed by a late wake-up
+  std::uint64_t LateSamples = 0;    // later than half a sample
+  std::uint64_t MissedEdges = 0;    // of those that the driver counted
+};
+
+/// The line of one device.
+class DeviceLine : public Win32Ser, public LineRest {
+ public:
+  /// @return why the device did not open, or does not work any more, in one sentence; empty while it does
+  virtual std::string WhyNot() const = 0;
+  virtual LineLosses Losses() const = 0;
+};
+
+}  // namespace keplo

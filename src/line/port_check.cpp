@@ -1,0 +1,100 @@
+#include "line/port_check.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "failure.h"
+#include "formats/recording.h"
+#include "line/lirc/lirc_line.h"
+#include "line/serial/serial_port.h"
+
+namespace keplo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The name of a device in the kernel's folders; nodes may be links, such as those below /dev/serial/by-id.
+std::string KernelName(const std::string& device) {
+  std::error_code error;
+  const fs::path node = fs::weakly_canonical(device, error);
+  return (error ? fs::path(device) : node).filename().string();
+}
+
+/// The driver of a device or of the first one above it; the serial core puts devices of its own between the
+/// two.
+std::string DriverOf(const fs::path& device) {
+  std::error_code error;
+  for (fs::path at = fs::canonical(device, error); !error && at.has_relative_path(); at = at.parent_path()) {
+    std::error_code none;
+    const std::string driver = fs::read_symlink(at / "driver", none).filename().string();
+    if (!driver.empty() && driver != "port" && driver != "ctrl") return driver;
+    std::ifstream facts(at / "uevent");
+    const std::string key = "DRV_NAME=";
+    for (std::string line; std::getline(facts, line);) {
+      if (line.rfind(key, 0) == 0) return line.substr(key.size());
+    }
+  }
+  return {};
+}
+
+bool IsUsb(const fs::path& device) {
+  std::error_code error;
+  return fs::weakly_canonical(device, error).string().find("/usb") != std::string::npos;
+}
+
+PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& kernelDevice) {
+  PortCheck check;
+  check.Driver = DriverOf(kernelDevice);
+  check.Opens = SerialPort::Open(calls, port.Device, check.Why) != nullptr;
+  const bool usb = IsUsb(kernelDevice);
+  check.Receives = check.Sends = check.Opens && !usb;
+  if (check.Opens && usb) {
+    check.Why =
+        port.Device +
+        " is a USB adapter: reading its lines takes 1 ms and switching them up to 11 ms, so it serves "
+        "zone hardware only. Use a serial port of the board or of a PCIe card, or an infrared "
+        "receiver that the kernel knows.";
+  }
+  return check;
+}
+
+PortCheck CheckLirc(DeviceCalls& calls, const MappedPort& port, const fs::path& kernelDevice) {
+  PortCheck check;
+  check.Driver = DriverOf(kernelDevice);
+  const std::int16_t receiver = 0;
+  LircLine line(calls, port.Device, receiver, {}, {});
+  check.Opens = line.OpenCom(port.Port) == 1;
+  check.Receives = check.Opens && line.Abilities().Receives;
+  check.Sends = check.Opens && line.Abilities().Sends;
+  check.Why = check.Opens ? DescribeInabilities(port.Device, line.Abilities()) : line.WhyNot();
+  return check;
+}
+
+PortCheck CheckReplay(const MappedPort& port) {
+  PortCheck check;
+  try {
+    for (const std::string& file : port.Files) LoadRecording(file);
+    check.Opens = check.Receives = true;
+    check.Why = "It plays recordings; what is sent goes nowhere.";
+  } catch (const Failure& failure) {
+    check.Why = failure.what();
+  }
+  return check;
+}
+
+}  // namespace
+
+PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders) {
+  switch (port.Type) {
+    case MappedPort::Kind::Serial:
+      return CheckSerial(calls, port, folders.Sys / "tty" / KernelName(port.Device) / "device");
+    case MappedPort::Kind::Lirc:
+      return CheckLirc(calls, port, folders.Sys / "lirc" / KernelName(port.Device) / "device");
+    case MappedPort::Kind::Replay:
+      break;
+  }
+  return CheckReplay(port);
+}
+
+}  // namespace keplo

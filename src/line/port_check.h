@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "line/device_calls.h"
+#include "line/port_map.h"
+
+namespace keplo {
+
+/// What a port of this machine can do.
+struct PortCheck {
+  std::string Driver;  // of the kernel; empty if it tells none
+  bool Opens = false;
+  bool Receives = false;
+  bool Sends = false;
+  std::string Why;  // what stands in the way and what to do, in one sentence; empty if nothing does
+};
+
+/// Opens a port for a moment and asks its device. One that another program uses is left alone.
+PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders = {});
+
+}  // namespace keplo

@@ -1,0 +1,148 @@
+#include "line/port_line.h"
+
+#include <sys/epoll.h>
+
+#include <algorithm>
+
+#include "formats/recording.h"
+#include "line/lirc/lirc_line.h"
+#include "line/serial/serial_line.h"
+#include "line/zone_answer.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::chrono::milliseconds kNothingToWatch{60'000};
+
+}  // namespace
+
+PortLine::PortLine(std::unique_ptr<DeviceCalls> calls, PortMap map, const std::int16_t& receiverKind,
+                   LineOptions options, TellUser tell)
+    : calls_(std::move(calls)),
+      wakes_(*calls_, epoll_create1(EPOLL_CLOEXEC)),
+      map_(std::move(map)),
+      receiverKind_(&receiverKind),
+      options_(options),
+      tell_(std::move(tell)),
+      beeper_(*calls_, tell_) {}
+
+std::unique_ptr<Win32Ser> PortLine::MakeLine(const MappedPort& port) {
+  if (port.Type == MappedPort::Kind::Serial) {
+    auto line = std::make_unique<SerialLine>(*calls_, port.Device, *receiverKind_, options_, tell_);
+    device_ = line.get();
+    return line;
+  }
+  if (port.Type == MappedPort::Kind::Lirc) {
+    auto line = std::make_unique<LircLine>(*calls_, port.Device, *receiverKind_, options_, tell_);
+    device_ = line.get();
+    return line;
+  }
+  std::vector<Recording> recordings;
+  for (const std::string& file : port.Files) recordings.push_back(LoadRecording(file));
+  auto line = std::make_unique<ReplayLine>(std::move(recordings), *receiverKind_, options_);
+  line->PlayAgainst(std::make_shared<SteadyLineClock>());
+  return line;
+}
+
+std::int32_t PortLine::OpenCom(std::int32_t asked) {
+  const std::int32_t port = InsteadOfAnyPort.value_or(asked);
+  CloseCom();
+  const auto mapped = std::find_if(map_.Ports.begin(), map_.Ports.end(),
+                                   [port](const MappedPort& candidate) { return candidate.Port == port; });
+  if (mapped == map_.Ports.end()) {
+    whyNot_ =
+        "COM " + std::to_string(port) + " has no device on this machine. keplo ports lists those that have.";
+    return 0;
+  }
+  try {
+    line_ = MakeLine(*mapped);
+  } catch (const Failure& failure) {
+    whyNot_ = failure.what();
+    return 0;
+  }
+  const std::int32_t opened = line_->OpenCom(port);
+  whyNot_ = device_ ? device_->WhyNot() : std::string();
+  if (opened != 1) CloseCom();
+  return opened;
+}
+
+void PortLine::CloseCom() {
+  device_ = nullptr;
+  line_.reset();
+}
+
+int PortLine::WakeDescriptor() {
+  const int current = device_ ? device_->WakeDescriptor() : -1;
+  if (watched_ >= 0 && watched_ != current) epoll_ctl(wakes_.Get(), EPOLL_CTL_DEL, watched_, nullptr);
+  epoll_event readable{};
+  readable.events = EPOLLIN;
+  // One that was closed and opened again under its number is no longer in it; any other is there already.
+  if (current >= 0) epoll_ctl(wakes_.Get(), EPOLL_CTL_ADD, current, &readable);
+  watched_ = current;
+  return wakes_.Get();
+}
+
+std::chrono::milliseconds PortLine::MayRest() {
+  if (device_) return device_->MayRest();
+  return line_ ? std::chrono::milliseconds::zero() : kNothingToWatch;
+}
+
+void PortLine::SetMode(std::int32_t mode) {
+  if (line_) line_->SetMode(mode);
+}
+
+void PortLine::DTR(std::int32_t state) {
+  if (line_) line_->DTR(state);
+}
+
+void PortLine::RTS(std::int32_t state) {
+  if (line_) line_->RTS(state);
+}
+
+void PortLine::TXD(std::int32_t state) {
+  if (line_) line_->TXD(state);
+}
+
+std::int32_t PortLine::DCD() {
+  if (line_) return line_->DCD();
+  return *receiverKind_ == 0 ? 1 : 0;
+}
+
+void PortLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
+  if (line_) line_->IRMonitor(buffer, delay);
+}
+
+void PortLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) {
+  if (line_) line_->IRMonitorN(buffer, delay);
+}
+
+std::int32_t PortLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  return line_ ? line_->IRRecord(buffer, delay, limit) : 0;
+}
+
+std::int32_t PortLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  return line_ ? line_->IRRecordN(buffer, delay, limit) : 0;
+}
+
+void PortLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
+  if (line_) line_->IRSend(bytes, pulse, interfaceType);
+}
+
+void PortLine::SendChr(char character) {
+  if (line_) line_->SendChr(character);
+}
+
+std::int32_t PortLine::ReadChr(char& character) { return line_ ? line_->ReadChr(character) : 0; }
+
+std::int16_t PortLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
+
+void PortLine::uDelay(std::int32_t microseconds) {
+  calls_->SleepUntil(calls_->Now() + std::chrono::microseconds(microseconds));
+}
+
+void PortLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
+  beeper_.Sound(frequency, duration);
+}
+
+}  // namespace keplo

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "line/beeper.h"
+#include "line/device_line.h"
+#include "line/port_map.h"
+#include "line/replay_line.h"
+
+namespace keplo {
+
+/// The lines of this machine behind one Win32Ser: a COM number opens what the port map names.
+class PortLine : public DeviceLine {
+ public:
+  /// @param receiverKind as in the settings, which own it
+  PortLine(std::unique_ptr<DeviceCalls> calls, PortMap map, const std::int16_t& receiverKind,
+           LineOptions options, TellUser tell);
+
+  /// The port that is opened whichever one is asked for.
+  std::optional<std::int32_t> InsteadOfAnyPort;
+
+  std::string WhyNot() const override { return whyNot_; }
+  LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
+  int WakeDescriptor() override;
+  std::chrono::milliseconds MayRest() override;
+
+  std::int32_t OpenCom(std::int32_t port) override;
+  void CloseCom() override;
+  void SetMode(std::int32_t mode) override;
+  void DTR(std::int32_t state) override;
+  void RTS(std::int32_t state) override;
+  void TXD(std::int32_t state) override;
+  std::int32_t DCD() override;
+  void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
+  void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
+  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
+  std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
+  void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
+  void SendChr(char character) override;
+  std::int32_t ReadChr(char& character) override;
+  std::int16_t CheckZone(char& character) override;
+  void uDelay(std::int32_t microseconds) override;
+  void SpeakBeep(std::int32_t frequency, std::int32_t duration) override;
+
+ private:
+  std::unique_ptr<Win32Ser> MakeLine(const MappedPort& port);
+
+  std::unique_ptr<DeviceCalls> calls_;
+  DeviceDescriptor wakes_;  // an epoll instance, which stays while devices come and go
+  int watched_ = -1;        // the descriptor in it
+  PortMap map_;
+  const std::int16_t* receiverKind_;
+  LineOptions options_;
+  TellUser tell_;
+  Beeper beeper_;
+  std::unique_ptr<Win32Ser> line_;  // none while no port is open
+  DeviceLine* device_ = nullptr;    // the same, where it is a device
+  std::string whyNot_;
+};
+
+}  // namespace keplo

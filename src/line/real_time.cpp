@@ -1,0 +1,59 @@
+#include "line/real_time.h"
+
+#include <pthread.h>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+namespace keplo {
+
+namespace {
+
+constexpr int kPriority = 10;  // above all that has none, below the kernel's own interrupt threads (50)
+constexpr unsigned long kNoSlack = 1;  // nanoseconds; sleeps of ordinary threads run up to 50 us late
+
+bool SetRealTime(int policy, int priority) {
+  const sched_param parameters = {priority};
+  return pthread_setschedparam(pthread_self(), policy, &parameters) == 0;
+}
+
+}  // namespace
+
+void HurryThread() {
+  prctl(PR_SET_TIMERSLACK, kNoSlack, 0, 0, 0);
+  SetRealTime(SCHED_FIFO, kPriority);
+}
+
+Hurry::Hurry() : policy_(SCHED_OTHER), priority_(0), slack_(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0)) {
+  sched_param parameters{};
+  pthread_getschedparam(pthread_self(), &policy_, &parameters);
+  priority_ = parameters.sched_priority;
+  HurryThread();
+}
+
+Hurry::~Hurry() {
+  SetRealTime(policy_, priority_);
+  if (slack_ > 0) prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(slack_), 0, 0, 0);
+}
+
+void LockMemory() {
+  rlimit limit{};
+  // With a limit, locking what comes later would make allocations fail.
+  if (getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY) {
+    mlockall(MCL_CURRENT | MCL_FUTURE | MCL_ONFAULT);
+  }
+}
+
+std::string DescribeRealTime() {
+  const Hurry hurry;
+  int policy = SCHED_OTHER;
+  sched_param parameters{};
+  pthread_getschedparam(pthread_self(), &policy, &parameters);
+  if (policy == SCHED_FIFO) return "captures run with real-time priority";
+  return "captures run without real-time priority: on a busy machine some samples are late. Allow it with a "
+         "line "
+         "\"@dialout - rtprio 20\" in /etc/security/limits.d/keplo.conf";
+}
+
+}  // namespace keplo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace keplo {
+
+/// Asks for what makes a thread punctual: real-time priority and no timer slack. Where the system allows
+/// none, the thread goes on as it is.
+void HurryThread();
+
+/// The same for the calling thread as long as one lives.
+class Hurry {
+ public:
+  Hurry();
+  ~Hurry();
+  Hurry(const Hurry&) = delete;
+  Hurry& operator=(const Hurry&) = delete;
+
+ private:
+  int policy_;
+  int priority_;
+  int slack_;
+};
+
+/// Keeps the program's memory from being swapped out, where the system sets no limit to that.
+void LockMemory();
+
+/// What the system allows this program, for a person: "real-time priority" or how to get it.
+std::string DescribeRealTime();
+
+}  // namespace keplo

@@ -1,0 +1,133 @@
+#include "line/serial/serial_port.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "line/device_access.h"
+#include "line/serial/lock_file.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kOpenAttempts = 2;
+
+std::string WhyNotOpened(const std::string& device, int error) {
+  if (error == EBUSY || error == EWOULDBLOCK) return WhyBusy(device, HolderOfDevice(device));
+  if (error == EIO)
+    return device +
+           " has no serial hardware behind it, or it is gone. Plug it in again, or choose another port.";
+  return WhyNoAccess(device, error);
+}
+
+}  // namespace
+
+SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
+    : calls_(calls), lockFile_(std::move(lockFile)), descriptor_(calls, descriptor) {}
+
+std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
+                                             std::string& why) {
+  if (const std::string holder = HolderOfLockFile(device); !holder.empty()) {
+    why = WhyBusy(device, holder);
+    return nullptr;
+  }
+  int error = 0;
+  for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
+    // Without O_NONBLOCK an open waits for a carrier, which a receiver that rests at 0 never shows.
+    const int descriptor = calls.Open(device, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+      why = WhyNotOpened(device, errno);
+      return nullptr;
+    }
+    std::unique_ptr<SerialPort> port(new SerialPort(calls, descriptor, {}));
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+      why = WhyNotOpened(device, EWOULDBLOCK);
+      return nullptr;
+    }
+    const bool exclusive = calls.Ioctl(descriptor, TIOCEXCL, nullptr) == 0;
+    if (exclusive && calls.Ioctl(descriptor, TCGETS, &port->found_) == 0) {
+      port->configured_ = true;
+      if (port->SetSpeed(Speed::Carrier) && port->Lines()) {
+        port->SetLine(TIOCM_DTR, false);
+        port->lockFile_ = TakeLockFile(device);
+        return port;
+      }
+    }
+    // The settings of the last user hold until ours do: a key pressed in between hangs the port up, once.
+    error = errno;
+  }
+  why = WhyNotOpened(device, error);
+  return nullptr;
+}
+
+SerialPort::~SerialPort() {
+  if (configured_) {
+    SetLine(TIOCM_DTR, false);
+    SetBreak(false);
+    calls_.Ioctl(Descriptor(), TCFLSH, reinterpret_cast<void*>(TCOFLUSH));
+    calls_.Ioctl(Descriptor(), TCSETS, &found_);
+    calls_.Ioctl(Descriptor(), TIOCNXCL, nullptr);
+  }
+  ReleaseLockFile(lockFile_);
+}
+
+std::optional<int> SerialPort::Lines() const {
+  int lines = 0;
+  if (calls_.Ioctl(Descriptor(), TIOCMGET, &lines) != 0) return std::nullopt;
+  return lines;
+}
+
+bool SerialPort::SetLine(int line, bool on) const {
+  return calls_.Ioctl(Descriptor(), on ? TIOCMBIS : TIOCMBIC, &line) == 0;
+}
+
+bool SerialPort::SetBreak(bool on) const {
+  return calls_.Ioctl(Descriptor(), on ? TIOCSBRK : TIOCCBRK, nullptr) == 0;
+}
+
+std::optional<serial_icounter_struct> SerialPort::Counters() const {
+  serial_icounter_struct counters{};
+  if (calls_.Ioctl(Descriptor(), TIOCGICOUNT, &counters) != 0) return std::nullopt;
+  return counters;
+}
+
+bool SerialPort::SetSpeed(Speed speed) {
+  set_ = found_;
+  cfmakeraw(&set_);
+  set_.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | CSTOPB | CRTSCTS);
+  // CLOCAL: the first mark of a press must not hang the port up. HUPCL: whatever ends this program, the
+  // driver lets DTR go, and with it the light.
+  set_.c_cflag |= CLOCAL | CREAD | HUPCL | (speed == Speed::Carrier ? CS7 : CS8);
+  set_.c_cc[VMIN] = 0;
+  set_.c_cc[VTIME] = 0;
+  cfsetspeed(&set_, speed == Speed::Carrier ? B115200 : B9600);
+  Drain();
+  return calls_.Ioctl(Descriptor(), TCSETS, &set_) == 0;
+}
+
+bool SerialPort::WriteAll(const std::string& bytes) const {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t count = calls_.Write(Descriptor(), bytes.data() + written, bytes.size() - written);
+    if (count > 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (count < 0 && errno == EAGAIN) {
+      pollfd room = {Descriptor(), POLLOUT, 0};
+      if (calls_.Poll(&room, 1, -1) < 0 && errno != EINTR) return false;
+      if ((room.revents & (POLLHUP | POLLERR)) != 0) return false;
+    } else if (count == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void SerialPort::Drain() const { calls_.Ioctl(Descriptor(), TCSBRK, reinterpret_cast<void*>(1)); }
+
+void SerialPort::DropInput() const { calls_.Ioctl(Descriptor(), TCFLSH, reinterpret_cast<void*>(TCIFLUSH)); }
+
+}  // namespace keplo

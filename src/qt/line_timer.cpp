@@ -1,0 +1,33 @@
+#include "qt/line_timer.h"
+
+namespace keplo::qt {
+
+LineTimer::LineTimer(ui::Timer& model, LineRest* line, QObject* parent)
+    : QtTimer(model, parent), line_(line), pace_(model.Interval) {
+  if (line_ != nullptr) callOnTimeout(this, [this] { Pace(); });
+}
+
+void LineTimer::Pace() {
+  if (!isActive()) return;
+  const std::chrono::milliseconds mayRest = line_->MayRest();
+  if (mayRest > pace_) return Rest(mayRest);
+  if (intervalAsDuration() != pace_) setInterval(pace_);
+}
+
+void LineTimer::Rest(std::chrono::milliseconds time) {
+  const int descriptor = line_->WakeDescriptor();
+  if (descriptor >= 0 && (wake_ == nullptr || wake_->socket() != descriptor)) {
+    wake_ = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+    connect(wake_.get(), &QSocketNotifier::activated, this, [this] { Wake(); });
+  }
+  if (descriptor >= 0) wake_->setEnabled(true);
+  setInterval(time);
+}
+
+/// The descriptor stays readable until a tick has looked at the line.
+void LineTimer::Wake() {
+  wake_->setEnabled(false);
+  setInterval(0);
+}
+
+}  // namespace keplo::qt
