@@ -85,13 +85,15 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
 KeploObject::~KeploObject() = default;
 
 KeploWindows KeploObject::Windows() {
-  return {*boxes_, *eventDialog_, [this] {
+  return {*boxes_, *eventDialog_,
+          [this] {
             if (mayUseDisplay_) {
               qt::ShowMainWindow(mod_, station_.Line(), QApplication::activeWindow());
             } else {
               log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
             }
-          }};
+          },
+          mayUseDisplay_};
 }
 
 void* KeploObject::QueryInterface(std::string_view name) {

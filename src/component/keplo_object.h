@@ -58,6 +58,7 @@ class KeploObject final : public IComponentObject,
 
   QWidget* CreateView(QWidget* parent) override;
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
+  bool ListDiffersFromMap() override { return control_.ListDiffersFromMap(); }
   Tally Presses() override;
 
  private:

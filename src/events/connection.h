@@ -38,6 +38,8 @@ class Connection {
   /// not wait for a lock, and says no while there is one.
   /// @throws Failure on a closed connection or one whose file cannot be read
   bool ChangedElsewhere();
+  /// Lets the next ChangedElsewhere say yes, once there is no lock.
+  void DoubtWhatWasRead() { dataVersion_ = kUnknownVersion; }
   /// Whether another file stands at the path than the one that is open.
   bool FileWasReplaced() const;
 
@@ -64,6 +66,8 @@ class Connection {
   SqliteHandle database_;
   std::optional<Failure> openFailure_;
   std::optional<FileNumber> openedFile_;
+  static constexpr std::int64_t kUnknownVersion = -1;
+
   std::int64_t dataVersion_ = 0;  // SQLite's count of what others have changed
 };
 

@@ -40,6 +40,8 @@ class Data {
   /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
   /// A file that was replaced is opened again by the next use.
   bool ChangedElsewhere();
+  /// Lets the next ChangedElsewhere say yes: what is in memory is no longer what the database has.
+  void DoubtWhatWasRead() { connection_.DoubtWhatWasRead(); }
   /// @return 1, for a connection that is closed already as well
   std::int32_t CloseConnection();
 

@@ -98,6 +98,9 @@ class IEventCatalogue {
 
   /// @return false if there is no such event
   virtual bool DescribeEvent(const std::string& eventID, EventDetails& details) = 0;
+  /// Whether the last InputDeleteEvent has taken an event off the list whose row is still in the event map,
+  /// as happens while another program holds the map locked. The event comes back to the list by itself.
+  virtual bool ListDiffersFromMap() = 0;
 
  protected:
   ~IEventCatalogue() = default;

@@ -144,10 +144,9 @@ void HostWindow::DeleteEvent() {
   const std::string eventID = ChosenEvent();
   const std::int32_t result = host_.DeleteEvent(eventID);
   TellResult(result, QStringLiteral("The event was deleted"));
-  if (result == kInputFailed && events_->findData(Shown(eventID)) < 0) {
-    statusBar()->showMessage(
-        QStringLiteral("The event was taken off the list, but the database cannot be reached; it comes back "
-                       "at the next start"));
+  if (host_.ListDiffersFromMap()) {
+    statusBar()->showMessage(QStringLiteral(
+        "The event was taken off the list, but the database cannot be written; it comes back"));
   }
 }
 

@@ -92,6 +92,18 @@ int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& 
   return options.Once && tally->WithoutEvent > 0 ? kPressWithoutEvent : kDone;
 }
 
+/// Without a display the pages are all there is to see of the host; with one it goes on without them.
+void ServePages(WebPages& pages, const HostOptions& options, const HostLog& log) {
+  if (!options.HttpPort) return;
+  try {
+    log.Write(LogLevel::Info,
+              "Pages at " + pages.Serve(options.HttpAddress, *options.HttpPort, options.HttpNames));
+  } catch (const Failure& failure) {
+    if (options.Headless) throw;
+    log.Write(LogLevel::Warning, failure.what());
+  }
+}
+
 int Run(QCoreApplication& application, HostOptions& options, const HostLog& log) {
   EventBook book(options.HostFile);
   const Component component(FindComponent(options.ComponentFile));
@@ -106,10 +118,7 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   StopNotifier stop;
   stop.Watch([&application] { application.quit(); });
   WebPages pages(host);
-  if (options.HttpPort) {
-    log.Write(LogLevel::Info,
-              "Pages at " + pages.Serve(options.HttpAddress, *options.HttpPort, options.HttpNames));
-  }
+  ServePages(pages, options, log);
   std::unique_ptr<HostWindow> window;
   if (!options.Headless) {
     window = std::make_unique<HostWindow>(host);

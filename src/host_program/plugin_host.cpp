@@ -98,8 +98,19 @@ std::int32_t PluginHost::DeleteEvent(const std::string& eventID) {
   HostInputEvent event;
   event.EventID = eventID;
   const std::int32_t result = plugin_->InputDeleteEvent(event);
-  if (result == kInputDone) book_.Forget(eventID);
+  if (ListDiffersFromMap()) {
+    log_.Write(LogLevel::Warning,
+               "Event " + eventID +
+                   " is still in the event map, which could not be written; it comes back, "
+                   "with what it does. Delete it again then.");
+  } else if (result == kInputDone) {
+    book_.Forget(eventID);
+  }
   return result;
+}
+
+bool PluginHost::ListDiffersFromMap() const {
+  return catalogue_ != nullptr && catalogue_->ListDiffersFromMap();
 }
 
 void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {

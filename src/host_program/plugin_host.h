@@ -43,6 +43,8 @@ class PluginHost : private IHostEventSink {
   std::int32_t AddEvent();
   std::int32_t ModifyEvent(const std::string& eventID);
   std::int32_t DeleteEvent(const std::string& eventID);
+  /// Whether the last deletion has left its event in the event map.
+  bool ListDiffersFromMap() const;
 
   EventBook& Book() { return book_; }
 

@@ -66,6 +66,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   if (row == 0) return kInputFailed;
   ListView1.Remove(row);
   m_EventCollection.Remove(EventKey(objInputEvent.EventID));
+  listDiffersFromMap_ = true;
   if (mod_.modData->CheckConnection() != 1) return kInputFailed;
   try {
     Recordset rows;
@@ -73,8 +74,10 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
     // Tables of earlier versions may hold an EventID twice.
     do rows.Delete();
     while (!rows.Eof());
+    listDiffersFromMap_ = false;
   } catch (const std::exception&) {
-    // A step that fails is skipped, and nobody is told.
+    // A step that fails is skipped, and nobody is told; the list gets the row back.
+    mod_.modData->DoubtWhatWasRead();
   }
   return kInputDone;
 }
@@ -155,7 +158,7 @@ std::int32_t Keplo::InputConfigurePlugin() {
       line_.DTR(-1);
     }
   }
-  SaveConfiguration();
+  if (windows_.HasDisplay) SaveConfiguration();
   SetTimer();
   return kInputDone;
 }

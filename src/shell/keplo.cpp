@@ -95,7 +95,7 @@ std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
 
 void Keplo::TakeInChanges() {
   if (inTick_ || windowOpen_ || terminated_ || !initialised_) return;
-  if (mod_.modData->ChangedElsewhere()) m_EventCollection.TakeInChanges();
+  if (mod_.modData->ChangedElsewhere() && m_EventCollection.TakeInChanges()) listDiffersFromMap_ = false;
   TakeInConfiguration();
 }
 

@@ -36,6 +36,7 @@ struct KeploWindows {
   EventDialogShower& EventDialog;
   /// Shows the configuration window modally; none where there is no window to show.
   std::function<void()> OpenMainWindow = {};
+  bool HasDisplay = true;  // without one no window is shown, and nothing can have been configured
 };
 
 /// The control that the host creates: monitors the line, holds the event list, raises the input events.
@@ -84,6 +85,8 @@ class Keplo {
   /// follow. For whoever runs the control to call now and then, between two ticks; costs next to nothing
   /// while nothing has changed. Does nothing inside a tick and while the configuration window is open.
   void TakeInChanges();
+  /// Whether an event was taken off the list whose row could not be deleted; TakeInChanges brings it back.
+  bool ListDiffersFromMap() const { return listDiffersFromMap_; }
 
   /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
   /// @return true
@@ -158,6 +161,7 @@ class Keplo {
   bool terminated_ = false;
   bool initialised_ = false;
   bool windowOpen_ = false;
+  bool listDiffersFromMap_ = false;
   TickReport lastTick_;
 };
 

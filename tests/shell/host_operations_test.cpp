@@ -1,3 +1,5 @@
+#include <sqlite3.h>
+
 #include "events/event_row.h"
 #include "shell/plugin_page.h"
 #include "shell_fixture.h"
@@ -113,6 +115,23 @@ TEST_F(HostOperations, DeletesFromTheListWhateverTheDatabaseSays) {
   EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 0);
   EXPECT_EQ(control.ListView1.Count(), 1);
   EXPECT_EQ(errors_, Calls{});
+}
+
+TEST_F(HostOperations, BringsBackAnEventThatALockKeptInTheTable) {
+  Keplo& control = Start();
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open((folder_.Path() / "inputKeplo.mdb").c_str(), &other), SQLITE_OK);
+  const auto run = [&](const char* sql) { return sqlite3_exec(other, sql, nullptr, nullptr, nullptr); };
+  ASSERT_EQ(run("BEGIN EXCLUSIVE"), SQLITE_OK);
+  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 1);
+  EXPECT_TRUE(control.ListDiffersFromMap());
+  control.TakeInChanges();
+  EXPECT_EQ(control.ListView1.Count(), 1) << "nobody waits for a lock";
+  run("COMMIT");
+  sqlite3_close(other);
+  control.TakeInChanges();
+  EXPECT_NE(control.ListView1.FindRow(kEventID, "1"), 0);
+  EXPECT_FALSE(control.ListDiffersFromMap());
 }
 
 TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {

@@ -45,6 +45,7 @@ struct Head {
   std::string_view Host;
   std::optional<std::string_view> ContentLength;
   bool TransferEncoding = false;
+  bool Upgrade = false;
   bool WellFormed = true;
 };
 
@@ -64,6 +65,8 @@ void ReadHeader(std::string_view line, Head& head) {
     head.ContentLength = value;
   } else if (name == "transfer-encoding") {
     head.TransferEncoding = true;
+  } else if (name == "upgrade") {
+    head.Upgrade = true;
   }
 }
 
@@ -120,6 +123,7 @@ RequestVerdict CheckRequest(std::string_view received, const OwnAddress& own) {
   if (!IsOwnHost(head.Host, own)) {
     return Refuse(kMisdirected, "This host does not go by the name in the Host header.");
   }
+  if (head.Upgrade) return Refuse(kBadRequest, "The pages speak plain HTTP; there is nothing to upgrade to.");
   if (head.TransferEncoding) return Refuse(kLengthRequired, "A body must announce its length.");
   const auto length = LengthOf(head.ContentLength.value_or("0"));
   if (!length) return Refuse(kBadRequest, "The Content-Length is no number.");

@@ -41,11 +41,15 @@ void WebGate::incomingConnection(qintptr handle) {
   ++connections_;
   connect(socket, &QObject::destroyed, this, [this] { --connections_; });
   connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-  if (!socket->setSocketDescriptor(handle) || connections_ > kMostConnections) {
+  connect(socket, &QTcpSocket::disconnected, this, [this, socket] { StopWaiting(socket); });
+  const bool givesWay = connections_ > kMostConnections && !waiting_.empty();
+  if (givesWay) waiting_.front()->abort();
+  if (!socket->setSocketDescriptor(handle) || (connections_ > kMostConnections && !givesWay)) {
     socket->abort();
     socket->deleteLater();
     return;
   }
+  waiting_.push_back(socket);
   // One byte more than a request may have, to tell that there is more.
   socket->setReadBufferSize(kMostHeadBytes + kMostBodyBytes + 1);
   EndAfter(socket, kSecondsForRequest + kSecondsForAnswer);
@@ -56,6 +60,7 @@ void WebGate::incomingConnection(qintptr handle) {
     const RequestVerdict verdict = Look(*socket);
     if (verdict.Answer == RequestVerdict::Incomplete) return;
     delete watch;
+    StopWaiting(socket);
     if (verdict.Answer == RequestVerdict::Refused) {
       Refuse(socket, verdict);
     } else {
@@ -63,6 +68,8 @@ void WebGate::incomingConnection(qintptr handle) {
     }
   });
 }
+
+void WebGate::StopWaiting(const QTcpSocket* socket) { std::erase(waiting_, socket); }
 
 RequestVerdict WebGate::Look(QTcpSocket& socket) const {
   const OwnAddress own{Numeric(socket.localAddress()), socket.localPort(), socket.localAddress().isLoopback(),

@@ -39,6 +39,15 @@ QHttpServerResponse Safe(const QByteArray& type, const QByteArray& body, Status 
   return response;
 }
 
+/// What comes before a page, without the page.
+void AnswerHead(QHttpServerResponder responder, const QByteArray& page) {
+  responder.writeStatusLine(Status::Ok);
+  responder.writeHeader("Content-Type", kHtml);
+  responder.writeHeader("Content-Length", QByteArray::number(page.size()));
+  for (const auto& [name, value] : kSafety) responder.writeHeader(name, value);
+  responder.writeBody(QByteArray());
+}
+
 QByteArray Utf8(const std::string& text) { return QByteArray::fromStdString(text); }
 
 /// Where a browser on this machine finds what is served at an address. The any-address is no place to go to.
@@ -51,6 +60,12 @@ QHostAddress AsSeenFromHere(const QHostAddress& where) {
 }  // namespace
 
 WebPages::WebPages(PluginHost& host) : host_(host) {
+  const auto head = [this](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
+    const bool index = request.url().path().size() == 1;
+    AnswerHead(std::move(responder), index ? Index() : PluginPage(request));
+  };
+  server_.route("/", Method::Head, head);
+  server_.route(kPluginPath, Method::Head, head);
   server_.route("/", Method::Get, [this] { return Safe(kHtml, Index()); });
   server_.route(kPluginPath, Method::Get | Method::Post,
                 [this](const QHttpServerRequest& request) { return Safe(kHtml, PluginPage(request)); });
@@ -60,7 +75,7 @@ WebPages::WebPages(PluginHost& host) : host_(host) {
     QHttpServerResponse response =
         known ? Safe(kText, "This page takes no such request.\n", Status::MethodNotAllowed)
               : Safe(kText, "There is no such page. The index is at /\n", Status::NotFound);
-    if (known) response.setHeader("Allow", path.size() == 1 ? "GET" : "GET, POST");
+    if (known) response.setHeader("Allow", path.size() == 1 ? "GET, HEAD" : "GET, HEAD, POST");
     response.write(std::move(responder));
   });
 }
