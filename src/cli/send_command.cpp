@@ -25,7 +25,7 @@ namespace keplo::cli {
 namespace {
 
 constexpr std::size_t kShortestCode = 6;  // characters with the leading G; fewer are no command
-constexpr int kLongestSlot = 100'000;     // microseconds; a hundred times what remotes use
+constexpr int kLongestWritten = 100'000;  // microseconds; a slot that a file may have
 constexpr std::string_view kStandardOutput = "-";
 
 struct SendOptions {
@@ -134,6 +134,10 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
          "keplo ports lists the ports that have one");
     return;
   }
+  if (const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS); pulse > kLongestSlot) {
+    throw Refused("A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
+                  std::to_string(kLongestSlot) + " us.");
+  }
   LiveLine live(mod, port);
   Transmit(mod, live.Line(), digits, options);
   if (!live.WhyNot().empty()) throw Refused(live.WhyNot());
@@ -182,7 +186,7 @@ void AddSendCommand(Command& root) {
                    "Write what would be sent to this file as mode2 text; - for standard output");
   AddPortOption(command, options->Port).Excludes(out);
   command.Number("--pulse", options->Pulse, "Length of a slot, microseconds, in place of SENDPLS",
-                 {1, kLongestSlot});
+                 {1, kLongestWritten});
   command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});
   AddAppPathOption(command, options->AppPath);
   command.Runs([options] {

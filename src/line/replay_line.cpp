@@ -20,8 +20,9 @@ LineOptions AtDelay(LineOptions options, std::int32_t delay) {
 
 using std::chrono_literals::operator""us;
 
-constexpr std::int64_t kLongestSlot = 100'000;  // microseconds; a mistyped pulse must not stop the clock
-constexpr std::size_t kMostKept = 1000;         // outputs of a kind, for a line that runs for weeks
+constexpr std::int64_t kLongestPlayedSlot =
+    100'000;                             // microseconds; a mistyped pulse must not stop the clock
+constexpr std::size_t kMostKept = 1000;  // outputs of a kind, for a line that runs for weeks
 
 template <typename Output>
 void KeepLatest(std::vector<Output>& outputs, Output output) {
@@ -111,7 +112,7 @@ std::int32_t ReplayLine::IRRecordN(std::span<char> buffer, std::int32_t delay, s
 
 void ReplayLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
   KeepLatest(output_.Signals, {std::string(bytes), pulse, interfaceType});
-  Wait(std::clamp<std::int64_t>(pulse, 0, kLongestSlot) * std::ssize(bytes) * 8us);
+  Wait(std::clamp<std::int64_t>(pulse, 0, kLongestPlayedSlot) * std::ssize(bytes) * 8us);
 }
 
 std::int32_t ReplayLine::ReadChr(char& character) {

@@ -10,6 +10,9 @@ namespace keplo {
 /// Longest time that IRRecord and IRRecordN wait for a signal to begin.
 inline constexpr std::chrono::seconds kLongestRecordWait{10};
 
+/// Longest slot that IRSend puts out, microseconds; what is longer is a mistyped pulse.
+inline constexpr std::int32_t kLongestSlot = 20'000;
+
 /// The only way to the hardware: receiver, transmitter and zone interface on the lines of one serial port.
 ///
 /// There are no handles; the line keeps its open port to itself. All calls come from one thread and block
@@ -56,7 +59,7 @@ class Win32Ser {
 
   /// Plays the bits of the bytes in order, most significant first, one to a slot, a 1 as carrier on, and
   /// returns when the signal has been sent.
-  /// @param pulse slot length, microseconds
+  /// @param pulse slot length, microseconds; a line with a transmitter sends nothing beyond 1 to kLongestSlot
   /// @param interfaceType the ITYPE setting; bit 0 set selects TxD with a software carrier, clear DTR with a
   ///        hardware carrier
   virtual void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) = 0;

@@ -27,10 +27,9 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-constexpr auto kEndSilence = 140ms;            // as on a serial line
-constexpr int kFrameGap = 6'000;               // microseconds; longer than any space inside a frame
-constexpr int kPressGap = 150'000;             // microseconds; a longer space parts two presses
-constexpr std::int32_t kLongestSlot = 20'000;  // microseconds
+constexpr auto kEndSilence = 140ms;  // as on a serial line
+constexpr int kFrameGap = 6'000;     // microseconds; longer than any space inside a frame
+constexpr int kPressGap = 150'000;   // microseconds; a longer space parts two presses
 constexpr auto kRestBefore = 1s;
 constexpr auto kLongRest = 60s;
 constexpr auto kOpenAgain = 1s;

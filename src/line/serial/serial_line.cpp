@@ -24,12 +24,11 @@ using std::chrono::nanoseconds;
 
 /// Real remotes leave up to 130 ms between two frames of one press; more than 150 ms after a press is felt.
 constexpr auto kEndSilence = 140ms;
-constexpr std::int32_t kLongestSlot = 20'000;  // microseconds; what is longer is a mistyped pulse
-constexpr auto kAnswerTime = 200ms;            // the slowest zone hardware answers after 150
-constexpr auto kRestBefore = 1s;               // ticks go on for so long after the last signal
-constexpr auto kSlowLook = 1000ms;             // for edges that the driver did not tell
-constexpr auto kOpenAgain = 1s;                // between two looks for a device that went
-constexpr std::int32_t kTxdOutput = 1;         // bit of the interface type
+constexpr auto kAnswerTime = 200ms;     // the slowest zone hardware answers after 150
+constexpr auto kRestBefore = 1s;        // ticks go on for so long after the last signal
+constexpr auto kSlowLook = 1000ms;      // for edges that the driver did not tell
+constexpr auto kOpenAgain = 1s;         // between two looks for a device that went
+constexpr std::int32_t kTxdOutput = 1;  // bit of the interface type
 
 }  // namespace
 
