@@ -26,13 +26,14 @@ _keplo() {
   esac
   local words names=
   case $place,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth help --app-path --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate ports zone synth help --app-path --help --version' ;;
     2,protocol) words='add edit delete --app-path --help' ;;
     2,events) words='list add modify delete enable disable --app-path --help' ;;
-    2,help) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate synth' ;;
+    2,help) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate ports zone synth' ;;
     *,install) words='--app-path --teach --help' ;;
-    *,decode | *,record) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
-    *,monitor) words='--app-path --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
+    *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
+    *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
+    *,monitor) words='--app-path --port --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events)
       case $action in
         list) words='--json --app-path --help' ;;
@@ -49,9 +50,11 @@ _keplo() {
       ;;
     *,protocols) words='--json --app-path --help' ;;
     *,protocol) words='--gproto --description --sendpls --repeat --grepeat --bitg --bit0 --bit1 --yes --app-path --help' ;;
-    *,send) words='--out --pulse --count --code --protocol --app-path --help' ;;
+    *,send) words='--out --port --pulse --count --code --protocol --app-path --help' ;;
     *,commands) words='--json --app-path --help' ;;
-    *,calibrate) words='--replay --dry-run --app-path --sample-time --no-shape --hold --help' ;;
+    *,ports) words='--json --watch --app-path --help' ;;
+    *,zone) words='1 2 3 4 5 6 7 8 --port --app-path --help' ;;
+    *,calibrate) words='--port --replay --dry-run --app-path --sample-time --no-shape --hold --help' ;;
     *,synth) words='--protocol --code --mark-excess --jitter --clock-error --gap --repeats --seed --one-line --samples --help' ;;
     *) words='--app-path --help' ;;
   esac
