@@ -103,4 +103,6 @@ std::string CheckConfig(const CfgStore& store) {
   return finding ? store.Path.string() + ": " + *finding + "." : std::string();
 }
 
+bool HasWholeSections(std::string_view text) { return !DamagedSection(text); }
+
 }  // namespace keplo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "config/cfg_store.h"
 
@@ -11,5 +12,8 @@ namespace keplo {
 /// do.
 /// @return one line without an end; empty if the configuration is whole
 std::string CheckConfig(const CfgStore& store);
+
+/// Whether all sections of a text are whole, up to its [END].
+bool HasWholeSections(std::string_view text);
 
 }  // namespace keplo

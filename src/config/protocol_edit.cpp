@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "config/check_config.h"
 #include "config/commands.h"
 #include "config/generic_protocols.h"
 #include "config/key_table.h"
@@ -357,7 +358,10 @@ ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol) {
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = WithoutSection(store.CfgText, protocol);
   if (!planned.Refused.Done()) return planned.Refused;
-  ReplaceAndSave(store, WithCurrentProtocol(planned.Change.In(store.CfgText), 0));
+  const std::string text = WithCurrentProtocol(planned.Change.In(store.CfgText), 0);
+  // A header that is none of its own may have hidden the damage of the section before it.
+  if (!HasWholeSections(text) && HasWholeSections(store.CfgText)) return ProtocolRefusal::HeaderLine;
+  ReplaceAndSave(store, text);
   return ProtocolRefusal::None;
 }
 
