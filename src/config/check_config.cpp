@@ -68,7 +68,8 @@ Finding MissingKey(std::string_view text, const std::string& protocol, const Sec
 Finding Twins(std::string_view text, const SectionWalk& walk) {
   std::map<std::string, std::size_t> seen;
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
-    std::string name = walk.Names[index];
+    // A search for [A] finds [A]] as well.
+    std::string name = walk.Names[index].substr(0, walk.Names[index].find(']'));
     std::transform(name.begin(), name.end(), name.begin(), LowerCase);
     const auto [first, isNew] = seen.emplace(std::move(name), index);
     if (isNew) continue;
