@@ -53,6 +53,7 @@ std::int32_t SerialLine::OpenCom(std::int32_t /*port*/) {
   port_ = SerialPort::Open(calls_, device_, whyNot_);
   if (!port_) return 0;
   whyNot_.clear();
+  losses_ = {};
   log_.Begin();
   if (port_->Counters()) watch_ = std::make_unique<EdgeWatch>(calls_, port_->Descriptor(), log_);
   LockMemory();
@@ -213,6 +214,9 @@ bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
   losses_.Samples += report.Samples;
   losses_.FilledSamples += report.Filled;
   losses_.LateSamples += report.Late;
+  const bool allLight = report.Samples == buffer.size() * 8 &&
+                        std::all_of(buffer.begin(), buffer.end(), [](char byte) { return byte == '\xFF'; });
+  if (allLight) stuckAt_ = !RestLevel();
   return true;
 }
 

@@ -1,0 +1,63 @@
+#include "line/port_map.h"
+
+#include <gtest/gtest.h>
+
+#include "doubles/temp_folder.h"
+
+namespace keplo {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Text(const PortMap& map) {
+  std::string text;
+  for (const MappedPort& port : map.Ports) {
+    text += std::to_string(port.Port) + " " + KindName(port.Type) + " " + port.Device;
+    for (const std::string& file : port.Files) text += file + " ";
+    text += "|";
+  }
+  for (const std::string& mistake : map.Mistakes) text += mistake + "|";
+  return text;
+}
+
+TEST(PortMap, KeepsTheLinesBesideAMistake) {
+  EXPECT_EQ(Text(ParsePortMap("# mine\n9 = lirc:/dev/lirc0\r\n\n 1=serial:/dev/serial/by-id/x # board\n"
+                              "30 = replay:a.mode2 b.mode2",
+                              "p")),
+            "1 serial /dev/serial/by-id/x|9 lirc /dev/lirc0|30 replay a.mode2 b.mode2 |");
+  const std::pair<std::string, std::string> mistakes[] = {
+      {"COM1 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
+      {"31 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
+      {"2 serial:/dev/ttyS0", "expected a line such as \"1 = serial:/dev/ttyS0\""},
+      {"2 = usb:/dev/ttyUSB0", "expected serial:, lirc: or replay: after the equals sign"},
+      {"2 = lirc:lirc0", "expected the path of a device after lirc:"},
+      {"2 = replay:", "expected the path of a recording after replay:"},
+      {"1 = serial:/dev/ttyS1", "port 1 has a line already; expected another number"}};
+  for (const auto& [line, expected] : mistakes) {
+    EXPECT_EQ(Text(ParsePortMap("1 = serial:/dev/ttyS0\n" + line, "p")),
+              "1 serial /dev/ttyS0|p:2: " + expected + "|");
+  }
+}
+
+TEST(PortMap, NumbersWhatTheMachineHas) {
+  const tests::TempFolder folder;
+  const auto tty = [&](const std::string& name, const std::string& type) {
+    fs::create_directories(folder.Path() / "sys/tty" / name / "device");
+    if (!type.empty()) folder.Write("sys/tty/" + name + "/type", type + "\n");
+  };
+  fs::create_directories(folder.Path() / "sys/tty/tty1");
+  for (const std::string name : {"ttyS0", "ttyS10", "ttyS9"}) tty(name, name == "ttyS0" ? "0" : "4");
+  tty("ttyUSB0", "");
+  fs::create_directories(folder.Path() / "sys/lirc/lirc0");
+  const DeviceFolders folders{folder.Path() / "sys", "/dev"};
+  EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)),
+            "1 serial /dev/ttyS9|2 serial /dev/ttyS10|3 serial /dev/ttyUSB0|4 lirc /dev/lirc0|");
+  for (int number = 1; number <= 30; ++number) tty("ttyUSB" + std::to_string(number), "");
+  EXPECT_EQ(FindPorts(folders).Ports.size(), 30U);
+  EXPECT_EQ(FindPorts(folders).LeftOut.size(), 4U);
+  folder.Write("ports.conf", "7 = serial:/dev/ttyS1");
+  EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)), "7 serial /dev/ttyS1|");
+}
+
+}  // namespace
+}  // namespace keplo

@@ -1,0 +1,157 @@
+#include "line/serial/serial_line.h"
+
+#include <gtest/gtest.h>
+
+#include "press_builder.h"
+#include "signal/zone_link.h"
+#include "simulated_port.h"
+
+namespace keplo {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+using tests::Clean;
+using tests::SimulatedPort;
+
+constexpr std::int32_t kDelay = 10;  // samples of 55 us
+
+struct SerialLineTest : ::testing::Test {
+  SimulatedPort Port;
+  std::int16_t Receiver = 0;
+  std::vector<std::string> Told;
+  SerialLine Line{
+      Port, "/dev/ttySimulated", Receiver, {}, [this](const std::string& text) { Told.push_back(text); }};
+
+  bool AtRest() { return Line.DCD() == (Receiver == 0 ? 1 : 0); }
+  std::string Capture() {
+    std::string capture(kMonitorCaptureBytes, '\0');
+    Line.IRMonitor(capture, kDelay);
+    return capture;
+  }
+  std::string Heard() {
+    SignalState state;
+    const MonitorReading reading = ReadCapture(Capture(), state, Analysis::Second);
+    return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
+  }
+};
+
+TEST_F(SerialLineTest, HearsPressesByBothReceiversHoweverLateItWakes) {
+  const std::pair<std::int16_t, std::string> presses[] = {
+      {kNec, tests::kNecBits}, {kSony, tests::kSonyBits}, {kRc5, tests::kRc5Bits}};
+  for (const std::int16_t receiver : {0, 1}) {
+    for (const int lateEvery : {0, 400}) {
+      Receiver = receiver;
+      Port.RestLevel = receiver == 0;
+      Port.LateEvery = lateEvery;
+      Port.Late = microseconds(100);
+      ASSERT_EQ(Line.OpenCom(1), 1);
+      EXPECT_TRUE(AtRest());
+      for (const auto& [kind, bits] : presses) {
+        Port.Play(Clean(kind, bits));
+        EXPECT_FALSE(AtRest());
+        EXPECT_EQ(Heard(), bits) << "receiver " << receiver << ", late every " << lateEvery;
+        Port.SleepUntil(Port.Now() + milliseconds(500));
+      }
+      EXPECT_EQ(Line.Losses().FilledSamples > 0, lateEvery > 0);
+    }
+  }
+}
+
+TEST_F(SerialLineTest, FillsWhatItMissedSoThatNothingIsStretched) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  Port.LateEvery = 20;
+  Port.Late = milliseconds(3);
+  Port.Play({50'000, 20'000, 10'000});
+  const std::string samples = SamplesToBits(Capture());
+  const auto end = static_cast<double>(samples.find_last_of('1') + 1) * 55;
+  EXPECT_NEAR(end, 80'000, 3'000 + 55);
+}
+
+TEST_F(SerialLineTest, RestsBesideALamp) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  Port.AlwaysLit = true;
+  EXPECT_FALSE(AtRest());
+  EXPECT_EQ(Capture(), std::string(kMonitorCaptureBytes, '\xFF'));
+  EXPECT_TRUE(AtRest()) << "one capture of a lamp is enough";
+  Port.AlwaysLit = false;
+  EXPECT_TRUE(AtRest());
+  Port.Play(Clean(kNec, tests::kNecBits));
+  EXPECT_FALSE(AtRest());
+}
+
+TEST_F(SerialLineTest, TellsOnceThatItsDeviceIsGoneAndComesBack) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  Port.There = false;
+  for (int look = 0; look < 3; ++look) EXPECT_TRUE(AtRest());
+  ASSERT_EQ(Told.size(), 1U);
+  EXPECT_EQ(Line.WhyNot(), Told[0]);
+  EXPECT_GT(Line.MayRest(), milliseconds(100)) << "a port that is gone is not asked all the time";
+  Port.There = true;
+  Port.SleepUntil(Port.Now() + std::chrono::seconds(5));
+  EXPECT_TRUE(AtRest());
+  EXPECT_EQ(Told.back(), "/dev/ttySimulated is back.");
+  EXPECT_EQ(Line.WhyNot(), "");
+}
+
+TEST_F(SerialLineTest, PutsSlotsOutOnTime) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  Port.Dtr.clear();
+  const std::string bytes = "\xF0\x0F\x81";
+  Line.IRSend(bytes, 560, 0);
+  const std::vector<int> ends = {0, 4, 12, 17, 23, 24};  // slots at which light begins and ends
+  ASSERT_GE(Port.Dtr.size(), ends.size());
+  for (std::size_t i = 0; i < ends.size(); ++i) {
+    EXPECT_EQ(Port.Dtr[i].second, i % 2 == 0);
+    const auto slot = microseconds(560 * ends[i]);
+    EXPECT_NEAR(static_cast<double>((Port.Dtr[i].first - Port.Dtr[0].first - slot).count()), 0, 60'000) << i;
+  }
+  EXPECT_FALSE(Port.Dtr.back().second);
+
+  Line.IRSend(bytes, 560, 1);
+  ASSERT_EQ(Port.Written.size(), 3U) << "a mark is one write, so that it has no gap";
+  EXPECT_EQ(Port.Written[0].second, std::string(29, '\x5B')) << "2,240 us of characters of 78.1 us";
+  EXPECT_NEAR(static_cast<double>((Port.Written[1].first - Port.Written[0].first).count()), 12 * 560e3, 60e3);
+}
+
+TEST_F(SerialLineTest, RefusesPulsesThatWouldLeaveALightOn) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  Port.Dtr.clear();
+  for (const std::int32_t pulse : {0, -5, 20'001}) {
+    Line.IRSend("\xFF", pulse, 0);
+    Line.IRSend("\xFF", pulse, 1);
+  }
+  EXPECT_TRUE(Port.Dtr.empty() && Port.Written.empty());
+  EXPECT_EQ(Told.size(), 1U);
+}
+
+TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  struct Case {
+    std::deque<std::pair<milliseconds, char>> Answers;
+    std::int16_t Zone;
+  };
+  for (const Case& c : {Case{{{milliseconds(2), '\x1A'}}, 3}, Case{{{milliseconds(150), '5'}}, 5},
+                        Case{{{milliseconds(210), '\x1A'}, {milliseconds(20), '5'}}, 5},
+                        Case{{{milliseconds(2), 'x'}, {milliseconds(2), '\x1A'}}, 3}, Case{{}, kNoZone}}) {
+    Port.Answers = c.Answers;
+    EXPECT_EQ(QueryZone(Line), c.Zone) << c.Answers.size();
+  }
+}
+
+TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {
+  Port.There = false;
+  EXPECT_EQ(Line.OpenCom(1), 0);
+  EXPECT_EQ(Line.WhyNot(), "/dev/ttySimulated is not there. Plug it in, or load its driver.");
+  Line.DTR(-1);
+  Line.IRSend("\xFF", 560, 0);
+  Line.SendChr('P');
+  char answer = 'a';
+  EXPECT_EQ(Line.ReadChr(answer), 0);
+  EXPECT_TRUE(AtRest());
+  EXPECT_EQ(Capture(), std::string(kMonitorCaptureBytes, '\0'));
+  EXPECT_TRUE(Port.Dtr.empty() && Port.Written.empty() && Told.empty());
+}
+
+}  // namespace
+}  // namespace keplo
