@@ -11,7 +11,8 @@ station qt
 shell window synth
 keplo_mod line install
 formats config events component_loader
-disk program ui signal host
+program
+disk ui signal host
 failure links maker'
 
 # Prints "FROM TO" for every module that includes a file of another.

@@ -1,15 +1,13 @@
 #include "component_loader/class_file.h"
 
 #include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 #include "program/environment.h"
+#include "program/json_file.h"
 
 namespace keplo {
 
@@ -18,12 +16,6 @@ namespace {
 std::filesystem::path DataFolder() {
   if (auto folder = UserDataFolder()) return *std::move(folder);
   throw Failure(ENOENT, "There is no user data folder to register components in: set HOME or XDG_DATA_HOME.");
-}
-
-std::string ReadText(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Failure(errno, path.string() + " cannot be read: " + std::strerror(errno));
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace
@@ -56,15 +48,22 @@ void RemoveClassFile(const std::string& className) {
 
 std::filesystem::path ReadClassFile(const std::string& className) {
   const std::filesystem::path path = ClassFilePath(className);
-  const auto json = nlohmann::json::parse(ReadText(path), nullptr, false);
+  return ComponentNamedBy(ReadJsonFile(path), path);
+}
+
+std::filesystem::path ComponentNamedBy(std::string_view text, const std::filesystem::path& classFile) {
   const std::string advice = " Register the component again.";
-  if (json.is_discarded() || !json.is_object()) {
-    throw Failure(EINVAL, path.string() + " is no class file: it is not whole JSON." + advice);
+  nlohmann::json json;
+  try {
+    json = ParseJsonObject(text);
+  } catch (const Failure& failure) {
+    throw Failure(failure.Number(),
+                  classFile.string() + " is no class file: it " + failure.what() + "." + advice);
   }
   const auto component = json.find("component");
   if (component == json.end() || !component->is_string() ||
       !std::filesystem::path(component->get<std::string>()).is_absolute()) {
-    throw Failure(EINVAL, path.string() + " names no component with an absolute path." + advice);
+    throw Failure(EINVAL, classFile.string() + " names no component with an absolute path." + advice);
   }
   return component->get<std::string>();
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace keplo {
 
@@ -22,5 +23,10 @@ void RemoveClassFile(const std::string& className);
 /// The component that the class file names.
 /// @throws Failure that names the class file and tells what is wrong with it
 std::filesystem::path ReadClassFile(const std::string& className);
+
+/// The component that the text of a class file names.
+/// @param classFile for the text of the failure
+/// @throws Failure as ReadClassFile
+std::filesystem::path ComponentNamedBy(std::string_view text, const std::filesystem::path& classFile);
 
 }  // namespace keplo

@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstring>
-#include <fstream>
 #include <utility>
 
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
+#include "program/json_file.h"
 
 namespace keplo::host {
 
@@ -19,35 +18,54 @@ namespace {
 
 constexpr int kVersion = 1;
 
-/// The number that an identifier is; 0 for one that is none.
-long NumberOf(const std::string& eventID) {
-  long number = 0;
+/// Numbers from here on are not the host's: somebody made them up, and to go on from there could run out of
+/// numbers.
+constexpr std::int64_t kEndOfNumbers = 1'000'000'000'000'000;
+
+/// The number that comes behind an identifier of the host's own; 0 for any other.
+std::int64_t NumberAfter(const std::string& eventID) {
+  std::int64_t number = 0;
   const char* const end = eventID.data() + eventID.size();
   const auto [stop, error] = std::from_chars(eventID.data(), end, number);
-  return error == std::errc() && stop == end ? number : 0;
+  return error == std::errc() && stop == end && number < kEndOfNumbers ? number + 1 : 0;
+}
+
+/// The number that the book has for the next event; 0 if it has none that can be.
+std::int64_t NextOf(const nlohmann::json& book) {
+  const auto next = book.find("next_event_id");
+  if (next == book.end() || !next->is_number_integer()) return 0;
+  const auto number = next->get<std::int64_t>();
+  return number < kEndOfNumbers ? number : 0;
 }
 
 nlohmann::json ReadBook(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream && errno == ENOENT)
+  try {
+    return ParseEventBook(ReadJsonFile(file), file);
+  } catch (const Failure& failure) {
+    if (failure.Number() != ENOENT) throw;
     return {{"version", kVersion}, {"next_event_id", 1}, {"events", nlohmann::json::object()}};
-  if (!stream) throw Failure(errno, file.string() + " cannot be read: " + std::strerror(errno));
-  auto book = nlohmann::json::parse(stream, nullptr, false);
-  if (book.is_discarded() || !book.is_object()) {
-    throw Failure(EINVAL, file.string() + " is not whole JSON. Mend it, or move it away to begin anew.");
+  }
+}
+
+}  // namespace
+
+nlohmann::json ParseEventBook(std::string_view text, const std::filesystem::path& file) {
+  const std::string advice = ". Mend it, or move it away to begin anew.";
+  nlohmann::json book;
+  try {
+    book = ParseJsonObject(text);
+  } catch (const Failure& failure) {
+    throw Failure(failure.Number(), file.string() + " " + failure.what() + advice);
   }
   if (book.value("version", nlohmann::json()) != kVersion) {
     throw Failure(EINVAL,
                   file.string() + " was not written by this version of keplo-host: \"version\" is not 1.");
   }
   if (!book.contains("events") || !book["events"].is_object()) {
-    throw Failure(EINVAL,
-                  file.string() + " has no object \"events\". Mend it, or move it away to begin anew.");
+    throw Failure(EINVAL, file.string() + " has no object \"events\"" + advice);
   }
   return book;
 }
-
-}  // namespace
 
 EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)) { Read(); }
 
@@ -90,10 +108,9 @@ void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) 
 
 std::string EventBook::NewEventID(const std::vector<std::string>& known) {
   Change([&](nlohmann::json& book) {
-    const auto kept = book.find("next_event_id");
-    if (kept != book.end() && kept->is_number_integer()) next_ = std::max(next_, kept->get<long>());
-    for (const std::string& eventID : known) next_ = std::max(next_, NumberOf(eventID) + 1);
-    for (const auto& event : book["events"].items()) next_ = std::max(next_, NumberOf(event.key()) + 1);
+    next_ = std::max(next_, NextOf(book));
+    for (const std::string& eventID : known) next_ = std::max(next_, NumberAfter(eventID));
+    for (const auto& event : book["events"].items()) next_ = std::max(next_, NumberAfter(event.key()));
     book["next_event_id"] = next_ + 1;
   });
   return std::to_string(next_++);

@@ -5,9 +5,15 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace keplo::host {
+
+/// The book that a text is.
+/// @param file for the text of the failure
+/// @throws Failure for what is no event book
+nlohmann::json ParseEventBook(std::string_view text, const std::filesystem::path& file);
 
 /// What the host keeps of the events: which identifier comes next and what each event does, in one JSON file:
 ///
@@ -26,8 +32,10 @@ class EventBook {
   /// held.
   /// @throws Failure as the constructor
   void ReadIfChanged();
+  /// Reads the file again, and throws likewise.
+  void Read();
 
-  /// An identifier that no event had before.
+  /// An identifier that no event had before: a number, which is text to everyone else.
   /// @param known the identifiers in the event map, which others than the host may have put there
   /// @throws Failure if the file cannot be read or written
   std::string NewEventID(const std::vector<std::string>& known);
@@ -50,14 +58,13 @@ class EventBook {
   };
 
   Stamp StampOfFile() const;
-  void Read();
   /// Reads, changes and saves, while no other host does.
   void Change(const std::function<void(nlohmann::json& book)>& change);
 
   std::filesystem::path file_;
   Stamp stamp_;
   nlohmann::json book_;
-  long next_ = 1;  // no identifier comes twice even if the file is taken away
+  std::int64_t next_ = 1;  // no identifier comes twice even if the file is taken away
 };
 
 }  // namespace keplo::host
