@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QObject>
 #include <functional>
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
+#include "host_program/action_program.h"
 #include "host_program/host_log.h"
-
-class QProcess;
 
 namespace keplo::host {
 
@@ -20,21 +20,19 @@ namespace keplo::host {
 /// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
 /// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
 /// standard error, line by line. None is waited for.
-class EventActions : public QObject {
+class EventActions {
  public:
   /// Programs that may run at the same time; a key that is held must not fill the machine with hung ones.
-  static constexpr int kMostPrograms = 32;
-  /// Longest line of a program that is logged as one, bytes; what a program writes without line ends must not
-  /// fill the memory.
-  static constexpr int kMostLineBytes = 4096;
+  static constexpr std::size_t kMostPrograms = 32;
 
   explicit EventActions(const HostLog& log);
-  ~EventActions() override;
+  /// Ends the programs that still run.
+  ~EventActions();
 
   /// Does the actions of an event in order; one that cannot be done is logged and the next follows.
   void Do(const nlohmann::json& actions, const RaisedEvent& event);
 
-  int Running() const { return running_; }
+  bool AnyRuns() const { return !programs_.empty(); }
   /// Asks the programs that run to end.
   void Terminate();
   /// Ends the programs that still run, and logs each.
@@ -43,20 +41,14 @@ class EventActions : public QObject {
   std::function<void()> AllEnded;
 
  private:
-  struct CommandLine {
-    std::string Program;
-    std::vector<std::string> Arguments;
-  };
-  using Kind = std::function<CommandLine(const nlohmann::json& action)>;
+  using Kind = std::function<ProgramCall(const nlohmann::json& action)>;
 
-  void Start(const CommandLine& command, const RaisedEvent& event);
-  void Watch(QProcess& process, const RaisedEvent& event);
-  void LogLine(QProcess& process, const std::string& eventID) const;
-  void Ended(QProcess& process);
+  void Start(const ProgramCall& call, const RaisedEvent& event);
+  void Drop(ActionProgram* program);
 
   const HostLog& log_;
   std::map<std::string, Kind> kinds_;
-  int running_ = 0;
+  std::vector<std::unique_ptr<ActionProgram>> programs_;
 };
 
 }  // namespace keplo::host

@@ -20,7 +20,7 @@
 #include "host_program/journal_stream.h"
 #include "host_program/options.h"
 #include "host_program/plugin_host.h"
-#include "host_program/stop_notifier.h"
+#include "host_program/signal_notifier.h"
 #include "host_program/web/web_pages.h"
 #include "program/environment.h"
 #include "program/stop_signals.h"
@@ -65,12 +65,12 @@ void Unregister(const HostOptions& options) {
 
 /// Gives programs that still run time to end by themselves, then when asked to, then ends them. A stop signal
 /// ends the wait that it meets.
-void EndPrograms(EventActions& actions, StopNotifier& stop) {
+void EndPrograms(EventActions& actions, SignalNotifier& signals) {
   QEventLoop loop;
-  stop.Watch([&loop] { loop.quit(); });
+  signals.Watch([&loop] { loop.quit(); });
   actions.AllEnded = [&loop] { loop.quit(); };
   const auto wait = [&](std::chrono::seconds time) {
-    if (actions.Running() == 0) return;
+    if (!actions.AnyRuns()) return;
     QTimer timer;
     timer.callOnTimeout(&loop, &QEventLoop::quit);
     timer.start(time);
@@ -81,7 +81,7 @@ void EndPrograms(EventActions& actions, StopNotifier& stop) {
   wait(kTimeToTerminate);
   actions.Kill();
   actions.AllEnded = nullptr;
-  stop.Watch([] {});
+  signals.Watch([] {});
 }
 
 int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& log) {
@@ -115,8 +115,8 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
 
   PluginHost host(component, context, book, actions, log);
   host.Start();
-  StopNotifier stop;
-  stop.Watch([&application] { application.quit(); });
+  SignalNotifier signals([&host] { host.ReadAgain(); });
+  signals.Watch([&application] { application.quit(); });
   WebPages pages(host);
   ServePages(pages, options, log);
   std::unique_ptr<HostWindow> window;
@@ -126,7 +126,7 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   }
   application.exec();
   host.Stop();
-  EndPrograms(actions, stop);
+  EndPrograms(actions, signals);
   return StatusOf(host, options, log);
 }
 
@@ -136,6 +136,7 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
 
 int main(int argc, char** argv) {
   using namespace keplo::host;
+  HoldHangups();
   keplo::IgnoreFileSizeSignal();
   try {
     HostOptions options;

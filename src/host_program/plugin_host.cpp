@@ -10,6 +10,12 @@ namespace keplo::host {
 
 namespace {
 
+std::string UntilThen(const Failure& failure) {
+  std::string text = failure.what();
+  if (!text.ends_with('.')) text += '.';
+  return text + " Until then each event does what it did.";
+}
+
 template <typename Interface>
 Interface* Required(IComponentObject& object) {
   auto* found = QueryInterface<Interface>(object);
@@ -50,6 +56,17 @@ void PluginHost::Stop() {
   if (!std::exchange(started_, false)) return;
   plugin_->InputStopMonitoring();
   plugin_->InputTerminate();
+}
+
+void PluginHost::ReadAgain() {
+  try {
+    book_.Read();
+    log_.Write(LogLevel::Notice,
+               "What each event does was read again; changes of keplo.cfg and of the event map are taken in "
+               "as they come.");
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning, UntilThen(failure));
+  }
 }
 
 QWidget* PluginHost::CreateView(QWidget* parent) const {
@@ -121,7 +138,7 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   try {
     book_.ReadIfChanged();
   } catch (const Failure& failure) {
-    log_.Write(LogLevel::Warning, failure.what() + std::string(" Until then each event does what it did."));
+    log_.Write(LogLevel::Warning, UntilThen(failure));
   }
   actions_.Do(book_.ActionsOf(event.EventID), event);
 }

@@ -30,6 +30,9 @@ class PluginHost : private IHostEventSink {
   /// Stops monitoring and terminates the plug-in; once is enough.
   void Stop();
 
+  /// Reads the book of events again, and tells what became of it. The plug-in looks at its files by itself.
+  void ReadAgain();
+
   IVelmoraInputPLugin& Plugin() const { return *plugin_; }
   /// Its view; null if it offers none.
   QWidget* CreateView(QWidget* parent) const;

@@ -1,0 +1,35 @@
+#include "host_program/output_pipe.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <utility>
+
+namespace keplo::host {
+
+OutputPipe::OutputPipe(std::function<void(std::string_view)> take) : take_(std::move(take)) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
+  readEnd_.emplace(ends[0]);
+  writeEnd_.emplace(ends[1]);
+  fcntl(ends[0], F_SETFL, O_NONBLOCK);  // the programs' own end is to wait, as they expect of an output
+  notifier_.emplace(ends[0], QSocketNotifier::Read);
+  QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_, [this] { Read(); });
+}
+
+void OutputPipe::BecomeOutput() const {
+  if (!writeEnd_) return;
+  dup2(writeEnd_->Number(), STDOUT_FILENO);
+  dup2(writeEnd_->Number(), STDERR_FILENO);
+}
+
+bool OutputPipe::Read() {
+  std::array<char, 16384> bytes{};
+  const ssize_t count = readEnd_ ? read(readEnd_->Number(), bytes.data(), bytes.size()) : 0;
+  if (count > 0) take_({bytes.data(), static_cast<std::size_t>(count)});
+  if (count == 0 && notifier_) notifier_->setEnabled(false);
+  return count > 0;
+}
+
+}  // namespace keplo::host
