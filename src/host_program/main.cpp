@@ -3,7 +3,10 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QMainWindow>
+#include <QStatusBar>
 #include <QTimer>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -93,14 +96,15 @@ int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& 
 }
 
 /// Without a display the pages are all there is to see of the host; with one it goes on without them.
-void ServePages(WebPages& pages, const HostOptions& options, const HostLog& log) {
+void ServePages(WebPages& pages, const HostOptions& options, const HostLog& log, QMainWindow* window) {
   if (!options.HttpPort) return;
   try {
     log.Write(LogLevel::Info,
               "Pages at " + pages.Serve(options.HttpAddress, *options.HttpPort, options.HttpNames));
   } catch (const Failure& failure) {
-    if (options.Headless) throw;
+    if (window == nullptr || failure.Number() == EINVAL) throw;
     log.Write(LogLevel::Warning, failure.what());
+    window->statusBar()->showMessage(QString::fromUtf8(failure.what()));
   }
 }
 
@@ -118,12 +122,12 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   SignalNotifier signals([&host] { host.ReadAgain(); });
   signals.Watch([&application] { application.quit(); });
   WebPages pages(host);
-  ServePages(pages, options, log);
   std::unique_ptr<HostWindow> window;
   if (!options.Headless) {
     window = std::make_unique<HostWindow>(host);
     window->show();
   }
+  ServePages(pages, options, log, window.get());
   application.exec();
   host.Stop();
   EndPrograms(actions, signals);

@@ -45,7 +45,7 @@ struct Head {
   std::string_view Host;
   std::optional<std::string_view> ContentLength;
   bool TransferEncoding = false;
-  bool Upgrade = false;
+  bool WebSocket = false;
   bool WellFormed = true;
 };
 
@@ -66,7 +66,8 @@ void ReadHeader(std::string_view line, Head& head) {
   } else if (name == "transfer-encoding") {
     head.TransferEncoding = true;
   } else if (name == "upgrade") {
-    head.Upgrade = true;
+    // Any other offer may be passed over.
+    head.WebSocket = Lower(value).find("websocket") != std::string::npos;
   }
 }
 
@@ -123,7 +124,8 @@ RequestVerdict CheckRequest(std::string_view received, const OwnAddress& own) {
   if (!IsOwnHost(head.Host, own)) {
     return Refuse(kMisdirected, "This host does not go by the name in the Host header.");
   }
-  if (head.Upgrade) return Refuse(kBadRequest, "The pages speak plain HTTP; there is nothing to upgrade to.");
+  if (head.WebSocket)
+    return Refuse(kBadRequest, "The pages speak plain HTTP; there is nothing to upgrade to.");
   if (head.TransferEncoding) return Refuse(kLengthRequired, "A body must announce its length.");
   const auto length = LengthOf(head.ContentLength.value_or("0"));
   if (!length) return Refuse(kBadRequest, "The Content-Length is no number.");

@@ -40,10 +40,10 @@ QHttpServerResponse Safe(const QByteArray& type, const QByteArray& body, Status 
 }
 
 /// What comes before a page, without the page.
-void AnswerHead(QHttpServerResponder responder, const QByteArray& page) {
-  responder.writeStatusLine(Status::Ok);
-  responder.writeHeader("Content-Type", kHtml);
-  responder.writeHeader("Content-Length", QByteArray::number(page.size()));
+void AnswerHead(QHttpServerResponder responder, const QHttpServerResponse& page) {
+  responder.writeStatusLine(page.statusCode());
+  responder.writeHeader("Content-Type", page.mimeType());
+  responder.writeHeader("Content-Length", QByteArray::number(page.data().size()));
   for (const auto& [name, value] : kSafety) responder.writeHeader(name, value);
   responder.writeBody(QByteArray());
 }
@@ -62,7 +62,7 @@ QHostAddress AsSeenFromHere(const QHostAddress& where) {
 WebPages::WebPages(PluginHost& host) : host_(host) {
   const auto head = [this](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
     const bool index = request.url().path().size() == 1;
-    AnswerHead(std::move(responder), index ? Index() : PluginPage(request));
+    AnswerHead(std::move(responder), Safe(kHtml, index ? Index() : PluginPage(request)));
   };
   server_.route("/", Method::Head, head);
   server_.route(kPluginPath, Method::Head, head);
@@ -75,6 +75,7 @@ WebPages::WebPages(PluginHost& host) : host_(host) {
     QHttpServerResponse response =
         known ? Safe(kText, "This page takes no such request.\n", Status::MethodNotAllowed)
               : Safe(kText, "There is no such page. The index is at /\n", Status::NotFound);
+    if (request.method() == Method::Head) return AnswerHead(std::move(responder), response);
     if (known) response.setHeader("Allow", path.size() == 1 ? "GET, HEAD" : "GET, HEAD, POST");
     response.write(std::move(responder));
   });
