@@ -9,8 +9,6 @@
 #include "disk/posix_file_system.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"
-#include "events/data.h"
-#include "formats/recording.h"
 #include "install/first_install.h"
 
 namespace keplo::tests {
@@ -34,30 +32,21 @@ class ApplicationPath {
     const ui::SystemClock clock;
     Data data(Path(), clock);
     colclsKeploEvents collection(data, clock);
-    for (const clsKeploEvent& event : events) {
-      ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
-    }
+    for (const auto& event : events) ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
   }
-
-  /// A recording in which a key of the samples is pressed so many times.
-  std::string Presses(const std::string& sample, int times) const {
-    const Recording recording = LoadRecording(Sample(sample));
-    std::string lines;
-    for (int press = 0; press < times; ++press) {
-      lines += OneLineText(std::get<PulseTrain>(recording.Presses.front()));
-    }
-    return Write(sample + ".txt", lines);
-  }
-
-  static std::string Sample(const std::string& name) {
-    return std::string(KEPLO_SOURCE_DIR) + "/samples/" + name + ".mode2";
+  /// Binds an event to the key of kPower, with actions as host.json has them.
+  void AddPowerEvent(const std::string& actions) const {
+    AddEvents({{"17", "Lamp on", "POWER from NEC", "NEC&TV_POWER", true, 0}});
+    Write("app/host.json", R"({"version": 1, "events": {"17": {"actions": )" + actions + "}}}");
   }
 
  private:
   TempFolder folder_;
 };
 
-inline const clsKeploEvent kPowerEvent{"17", "Lamp on", "POWER from NEC", "NEC&TV_POWER", true, 0};
+/// Recordings of one key each.
+inline const std::string kSamples = std::string(KEPLO_SOURCE_DIR) + "/samples/";
+inline const std::string kPower = kSamples + "nec_tv_power.mode2", kMute = kSamples + "sony_tv_mute.mode2";
 inline const clsKeploEvent kMuteEvent{"18", "Quiet", "MUTE from SONY", "SONY&TV_MUTE", true, 3};
 
 }  // namespace keplo::tests

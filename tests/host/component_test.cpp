@@ -15,18 +15,17 @@ class RegisteredTest : public ::testing::Test {
  protected:
   RegisteredTest() { setenv("XDG_DATA_HOME", folder_.Path().c_str(), 1); }
 
+  /// Whether a step fails with a text that names a file and a reason.
   template <typename Step>
-  static std::string FailureOf(Step step) {
+  static ::testing::AssertionResult Tells(const std::string& file, const std::string& reason, Step step) {
     try {
       step();
-      return "no failure";
+      return ::testing::AssertionFailure() << "no failure";
     } catch (const Failure& failure) {
-      return failure.what();
+      const std::string text = failure.what();
+      const bool told = text.find(file) != std::string::npos && text.find(reason) != std::string::npos;
+      return (told ? ::testing::AssertionSuccess() : ::testing::AssertionFailure()) << text;
     }
-  }
-
-  static bool Tells(const std::string& text, const std::string& file, const std::string& reason) {
-    return text.find(file) != std::string::npos && text.find(reason) != std::string::npos;
   }
 
   TempFolder folder_;
@@ -34,74 +33,54 @@ class RegisteredTest : public ::testing::Test {
 };
 
 TEST_F(RegisteredTest, IsFoundByItsClassNameUntilItIsUnregistered) {
+  const auto read = [] { ReadClassFile(kInputKeploClass); };
   const Component component{KEPLO_COMPONENT};
   component.Register();
   component.Register();
   EXPECT_EQ(ReadClassFile(kInputKeploClass), std::filesystem::path(KEPLO_COMPONENT));
-  component.Unregister();
-  component.Unregister();
-  EXPECT_TRUE(Tells(FailureOf([] { ReadClassFile(kInputKeploClass); }), classFile_, "No such file"));
-}
-
-TEST_F(RegisteredTest, ToldFromADamagedClassFile) {
-  struct Case {
-    std::string Content, Reason;
-  };
-  std::filesystem::create_directories((folder_.Path() / classFile_).parent_path());
-  for (const Case& damaged : std::vector<Case>{{"", "not whole JSON"},
-                                               {R"({"class": "InputKeplo.Keplo", "comp)", "not whole JSON"},
-                                               {"[]", "not whole JSON"},
-                                               {R"({"class": "InputKeplo.Keplo"})", "names no component"},
-                                               {R"({"component": "inputkeplo.so"})", "absolute path"},
-                                               {R"({"component": 5})", "names no component"}}) {
-    folder_.Write(classFile_, damaged.Content);
-    const std::string told = FailureOf([] { ReadClassFile(kInputKeploClass); });
-    EXPECT_TRUE(Tells(told, classFile_, damaged.Reason)) << damaged.Content << ": " << told;
+  for (const auto& [content, reason] : std::vector<std::pair<std::string, std::string>>{
+           {R"({"class": "InputKeplo.Keplo", "comp)", "it is not whole JSON. Register"},
+           {"[]", "not whole JSON"},
+           {R"({"component": )" + std::string(100000, '[') + std::string(100000, ']') + "}", "deeper than"},
+           {R"({"class": "InputKeplo.Keplo"})", "names no component"},
+           {R"({"component": "inputkeplo.so"})", "absolute path"},
+           {R"({"component": 5})", "names no component"}}) {
+    folder_.Write(classFile_, content);
+    EXPECT_TRUE(Tells(classFile_, reason, read)) << content.substr(0, 100);
   }
+  component.Unregister();
+  component.Unregister();
+  EXPECT_TRUE(Tells(classFile_, "No such file", read));
 }
 
 TEST_F(RegisteredTest, TellsWhyAComponentCannotBeLoaded) {
-  const std::string whole = [] {
-    std::ifstream file(KEPLO_COMPONENT, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(file)), {});
-  }();
-  struct Case {
-    std::string Name, Content, Reason;
-  };
-  for (const Case& broken :
-       std::vector<Case>{{"empty.so", "", "no shared object"},
-                         {"text.so", std::string(5000, 'x'), "no shared object"},
-                         {"head.so", whole.substr(0, 40), "no shared object"},
-                         {"tenth.so", whole.substr(0, whole.size() / 10), "cut short"},
-                         {"almost.so", whole.substr(0, whole.size() - 1), "cut short"}}) {
-    const std::string path = folder_.Write(broken.Name, broken.Content).string();
-    const std::string told = FailureOf([&] { const Component component(path); });
-    EXPECT_TRUE(Tells(told, path, broken.Reason)) << told;
+  std::ifstream file(KEPLO_COMPONENT, std::ios::binary);
+  const std::string whole((std::istreambuf_iterator<char>(file)), {});
+  for (const auto& [path, reason] : std::vector<std::pair<std::string, std::string>>{
+           {folder_.Write("text.so", std::string(5000, 'x')), "no shared object"},
+           {folder_.Write("head.so", whole.substr(0, 40)), "no shared object"},
+           {folder_.Write("tenth.so", whole.substr(0, whole.size() / 10)), "cut short"},
+           {folder_.Write("almost.so", whole.substr(0, whole.size() - 1)), "cut short"},
+           {folder_.Path() / "missing.so", "No such file"},
+           {folder_.Path(), "folder"},
+           {"/dev/null", "no regular file"},
+           {KEPLO_FOREIGN_LIBRARY, "no entry point DllRegisterServer"}}) {
+    EXPECT_TRUE(Tells(path, reason, [&path = path] { const Component component(path); })) << path;
   }
-  const std::string missing = (folder_.Path() / "missing.so").string();
-  EXPECT_TRUE(Tells(FailureOf([&] { const Component component(missing); }), missing, "No such file"));
-  const std::string folder = folder_.Path().string();
-  EXPECT_TRUE(Tells(FailureOf([&] { const Component component(folder); }), folder, "folder"));
-  const std::string foreign = KEPLO_FOREIGN_LIBRARY;
-  EXPECT_TRUE(Tells(FailureOf([&] { const Component component(foreign); }), foreign,
-                    "no entry point DllRegisterServer"));
 }
 
 TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
   const Component component{KEPLO_COMPONENT};
   CreationContext context;
   context.ApplicationPath = (folder_.Path() / "app").string();
-  EXPECT_TRUE(Tells(FailureOf([&] { component.Create("InputKeplo.Other", context); }), KEPLO_COMPONENT,
-                    "InputKeplo.Other"));
+  const auto create = [&] { component.Create(kInputKeploClass, context); };
+  EXPECT_TRUE(Tells(KEPLO_COMPONENT, "Other", [&] { component.Create("InputKeplo.Other", context); }));
   context.ReplayFiles = {"/missing.mode2"};
-  EXPECT_TRUE(
-      Tells(FailureOf([&] { component.Create(kInputKeploClass, context); }), "/missing.mode2", "No such"));
+  EXPECT_TRUE(Tells("/missing.mode2", "No such", create));
   EXPECT_TRUE(component.CanUnload());
-
   context.ReplayFiles.clear();
   std::filesystem::remove(folder_.Path() / "app/keplo.cfg");
-  EXPECT_TRUE(Tells(FailureOf([&] { component.Create(kInputKeploClass, context); }), "app/keplo.cfg",
-                    "No such file"));
+  EXPECT_TRUE(Tells("app/keplo.cfg", "No such file", create));
 }
 
 TEST(EntryPoints, RefuseAHostOfAnotherVersionAndPointersToNothing) {

@@ -16,7 +16,7 @@ class ConfigureWindowTest : public ::testing::Test {
       GTEST_SKIP() << "needs " << missing;
     }
     screen_.emplace();
-    app_.AddEvents({kPowerEvent});
+    app_.AddPowerEvent("[]");
     host_.Set("DISPLAY", screen_->Display());
     host_.Set("QT_QPA_PLATFORM", "xcb");
     host_.Set("QT_SCALE_FACTOR", "1");
@@ -53,7 +53,9 @@ class ConfigureWindowTest : public ::testing::Test {
 };
 
 TEST_F(ConfigureWindowTest, GoesOnWithThePortThatTheUserChose) {
-  host_.StartWithWindow({"--json", "--real-time", "--replay", app_.Presses("nec_tv_power", 500)});
+  std::vector<std::string> options(500, kPower);
+  options.insert(options.begin(), {"--json", "--real-time", "--replay"});
+  host_.Start(options, 0, RunningHost::Window::Shown);
   ASSERT_TRUE(EventComes());
   ASSERT_TRUE(Configure("Down", {2, 3, 4})) << app_.Read("app/keplo.cfg");
   EXPECT_TRUE(EventComes());

@@ -10,11 +10,10 @@ namespace {
 
 class HostProgramTest : public ::testing::Test {
  protected:
-  /// A pipe to which nobody writes.
-  std::string Fifo() const {
-    std::string path = (app_.Path() / "fifo").string();
-    EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
-    return path;
+  void ExpectInLog(const std::vector<std::string>& texts) {
+    for (const std::string& text : texts) {
+      EXPECT_NE(host_.Log().find(text), std::string::npos) << text << " in\n" << host_.Log();
+    }
   }
 
   ApplicationPath app_;
@@ -22,9 +21,9 @@ class HostProgramTest : public ::testing::Test {
 };
 
 TEST_F(HostProgramTest, RaisesTheEventsOfRecordingsAndEnds) {
-  app_.AddEvents({kPowerEvent, kMuteEvent});
-  host_.Start({"--json", "--once", "--replay", ApplicationPath::Sample("sony_tv_mute"),
-               ApplicationPath::Sample("nec_tv_power")});
+  app_.AddPowerEvent("[]");
+  app_.AddEvents({kMuteEvent});
+  host_.Start({"--json", "--once", "--replay", kMute, kPower});
   EXPECT_EQ(host_.Wait(), 0) << host_.Log();
   const auto lines = host_.Output();
   ASSERT_EQ(lines.size(), 2U);
@@ -35,80 +34,64 @@ TEST_F(HostProgramTest, RaisesTheEventsOfRecordingsAndEnds) {
   EXPECT_EQ(nlohmann::json::parse(lines[1])["event_id"], "17");
 }
 
-TEST_F(HostProgramTest, TellsWhichPressRaisedNothing) {
-  app_.AddEvents({kPowerEvent});
-  host_.Start({"--once", "--replay", ApplicationPath::Sample("nec_tv_power"),
-               ApplicationPath::Sample("rc5_tv_mute")});
+TEST_F(HostProgramTest, TellsAPersonAndTheJournalWhatBecameOfThePresses) {
+  app_.AddPowerEvent("[]");
+  struct stat output {};
+  ASSERT_EQ(stat(app_.Write("app/output.txt", "").c_str(), &output), 0);
+  host_.Set("JOURNAL_STREAM", std::to_string(output.st_dev) + ":" + std::to_string(output.st_ino));
+  host_.Start({"--once", "--replay", kPower, kMute});
   EXPECT_EQ(host_.Wait(), 1);
   const auto lines = host_.Output();
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_NE(lines[0].find("  event 17  Lamp on  NEC&TV_POWER  zone 0"), std::string::npos);
-  EXPECT_EQ(lines[1], "2 presses heard, 1 events raised, 1 presses without an event");
-  EXPECT_NE(
-      host_.Log().find("rc5_tv_mute.mode2 press 1: heard, but no event: no activated event is bound to"),
-      std::string::npos);
+  EXPECT_EQ(lines[1], "<6>2 presses heard, 1 events raised, 1 presses without an event");
+  ExpectInLog(
+      {"keplo-host: ", "sony_tv_mute.mode2 press 1: heard, but no event: no activated event is bound"});
 }
 
-TEST_F(HostProgramTest, EndsCleanlyOnASignal) {
+TEST_F(HostProgramTest, ReadsAgainOnAHangupAndEndsOnAStopSignal) {
   host_.Start({});
   ASSERT_NE(host_.Port(), 0);
-  host_.Terminate();
+  app_.Write("app/host.json", "damaged");
+  host_.Signal(SIGHUP);
+  EXPECT_NE(host_.WaitForLog("host.json is not whole JSON"), "");
+  app_.Write("app/host.json", R"({"version": 1, "events": {}})");
+  host_.Signal(SIGHUP);
+  EXPECT_NE(host_.WaitForLog("was read again"), "");
+  host_.Signal(SIGTERM);
   EXPECT_EQ(host_.Wait(), 0);
-}
-
-TEST_F(HostProgramTest, TellsLevelsOnTheStreamThatIsTheJournal) {
-  struct stat output {};
-  ASSERT_EQ(stat(app_.Write("app/output.txt", "").c_str(), &output), 0);
-  host_.Set("JOURNAL_STREAM", std::to_string(output.st_dev) + ":" + std::to_string(output.st_ino));
-  host_.Start({"--once", "--replay", ApplicationPath::Sample("nec_tv_power")});
-  EXPECT_EQ(host_.Wait(), 1);
-  EXPECT_EQ(host_.Output().back().substr(0, 11), "<6>1 presse");
-  EXPECT_EQ(host_.Log().substr(0, 12), "keplo-host: ");
 }
 
 TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
-  app_.AddEvents({kPowerEvent});
-  const std::string told = (app_.Path() / "told.txt").string();
-  const std::string script =
-      app_.Write("tell.sh",
-                 "printf '%s|%s|%s|%s|%s' \"$1\" \"$KEPLO_EVENT_ID\" "
-                 "\"$KEPLO_EVENT_NAME\" \"$KEPLO_COMMAND\" \"$KEPLO_ZONE\" > \"$TOLD\"\n");
-  host_.Set("TOLD", told);
-  app_.Write(
-      "book.json",
-      nlohmann::json{
-          {"version", 1},
-          {"events",
-           {{"17",
-             {{"actions",
-               {{{"kind", "dance"}},
-                {{"kind", "run"}, {"program", "/missing/program"}},
-                {{"kind", "run"}},
-                {{"kind", "run"}, {"program", "/bin/sh"}, {"arguments", {script, "$(reboot); *"}}},
-                {{"kind", "shell"}, {"command", "echo said | tr a-z A-Z; printf %5000d 7; exit 3"}}}}}}}}}
-          .dump());
-  host_.Start({"--once", "--host-file", (app_.Path().parent_path() / "book.json").string(), "--replay",
-               ApplicationPath::Sample("nec_tv_power")});
+  const std::string script = app_.Write("tell.sh",
+                                        "printf '%s|%s|%s|%s|%s' \"$1\" \"$KEPLO_EVENT_ID\" "
+                                        "\"$KEPLO_EVENT_NAME\" \"$KEPLO_COMMAND\" \"$KEPLO_ZONE\"\n");
+  app_.AddPowerEvent(R"([{"kind": "dance"}, {"kind": "run", "program": "/missing/program"}, {"kind": "run"},
+      {"kind": "run", "program": "/bin/sh", "arguments": [")" +
+                     script + R"(", "$(reboot); *"]},
+      {"kind": "shell", "command": "echo said | tr a-z A-Z; printf %5000d 7; echo; seq 2000; exit 3"}])");
+  host_.Start({"--once", "--replay", kPower});
   EXPECT_EQ(host_.Wait(), 0);
-  EXPECT_EQ(app_.Read("app/told.txt"), "$(reboot); *|17|Lamp on|NEC&TV_POWER|0");
-  const std::string log = host_.Log();
-  for (const char* line : {"no kind of action dance", "/missing/program cannot be started", "is not complete",
-                           "Event 17: SAID", " 7\n", "/bin/sh ended with status 3"}) {
-    EXPECT_NE(log.find(line), std::string::npos) << line << " in\n" << log;
-  }
+  ExpectInLog({"no kind of action dance", "/missing/program cannot be started", "is not complete",
+               "Event 17: $(reboot); *|17|Lamp on|NEC&TV_POWER|0\n", "Event 17: SAID\n",
+               "904 bytes more in this line\n", "Event 17: 998\n", "/bin/sh writes more than the 1000 lines",
+               "5009 bytes that /bin/sh wrote were not logged", "/bin/sh ended with status 3"});
+  EXPECT_EQ(host_.Log().find("Event 17: 999\n"), std::string::npos);
 }
 
-TEST_F(HostProgramTest, EndsProgramsThatDoNotEnd) {
-  app_.AddEvents({kPowerEvent});
-  app_.Write("app/host.json",
-             R"({"version": 1, "events": {"17": {"actions": [{"kind": "run", "program": "/bin/sh",
-                "arguments": ["-c", "trap '' TERM; echo deaf; read never < \"$0\"", ")" +
-                 Fifo() + R"("]}]}}})");
-  host_.Start({"--once", "--replay", ApplicationPath::Sample("nec_tv_power")});
-  host_.WaitForLog("deaf");
-  host_.Terminate();
+TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStarted) {
+  app_.AddPowerEvent(R"([{"kind": "shell", "command": "trap '' TERM; echo deaf; sleep 1000"},
+      {"kind": "shell", "command": "(trap 'echo asked > )" +
+                     (app_.Path() / "asked").string() +
+                     R"(; exit' TERM; echo left; sleep 1000 & wait) & read -r never < /dev/null"}])");
+  host_.Start({"--replay", kPower});
+  EXPECT_NE(host_.WaitForLog("deaf"), "");
+  EXPECT_NE(host_.WaitForLog("left"), "");
+  host_.Signal(SIGTERM);
+  host_.Signal(SIGTERM);
   EXPECT_EQ(host_.Wait(), 0);
-  EXPECT_NE(host_.Log().find("/bin/sh does not end; it is killed."), std::string::npos) << host_.Log();
+  ExpectInLog({"/bin/sh does not end; it is killed."});
+  EXPECT_EQ(app_.Read("app/asked"), "asked\n");
 }
 
 TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {
@@ -130,26 +113,30 @@ TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {
 }
 
 TEST_F(HostProgramTest, RefusesWhatItCannotRunWith) {
-  struct Case {
-    std::vector<std::string> Options;
-    std::string Told;
-  };
-  const std::string damaged = app_.Write("damaged.json", R"({"version": 1, "eve)");
+  const std::string fifo = (app_.Path() / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const std::string nested = std::string(100000, '[') + std::string(100000, ']');
+  const std::string deep = app_.Write("deep.json", R"({"version": 1, "events": {"1": )" + nested + "}}");
+  const std::string large = app_.Write("large.json", std::string(2000000, ' '));
   const std::string newer = app_.Write("newer.json", R"({"version": 2, "events": {}})");
-  for (const Case& wrong : std::vector<Case>{{{"--host-file", damaged}, "damaged.json is not whole JSON"},
-                                             {{"--host-file", newer}, "newer.json was not written by this"},
-                                             {{"--component", "/missing.so"}, "/missing.so cannot be loaded"},
-                                             {{"--replay", "/missing.mode2"}, "/missing.mode2"},
-                                             {{"--http-address", "localhost"}, "no IP address"}}) {
+  const std::vector<std::vector<std::string>> cases = {
+      {"fifo cannot be read: it is no regular file", "--host-file", fifo},
+      {"deep.json is nested deeper than 64 levels", "--host-file", deep},
+      {"large.json cannot be read: it is larger than", "--host-file", large},
+      {"newer.json was not written by this", "--host-file", newer},
+      {"fifo cannot be loaded: it is no regular file", "--component", fifo},
+      {"/missing.mode2", "--replay", "/missing.mode2"},
+      {"it is no IP address", "--http-address", "localhost"}};
+  for (const auto& wrong : cases) {
     RunningHost host(app_);
-    host.Start(wrong.Options);
-    EXPECT_EQ(host.Wait(), 2);
-    EXPECT_NE(host.Log().find(wrong.Told), std::string::npos) << host.Log();
+    host.Start({wrong[1], wrong[2]});
+    EXPECT_EQ(host.Wait(), 2) << wrong[0];
+    EXPECT_NE(host.Log().find(wrong[0]), std::string::npos) << host.Log();
   }
   app_.Write("app/inputKeplo.mdb", "this is no database, and it is long enough to be looked at");
   host_.Start({});
   EXPECT_EQ(host_.Wait(), 2);
-  EXPECT_NE(host_.Log().find("The event map cannot be loaded: "), std::string::npos) << host_.Log();
+  ExpectInLog({"The event map cannot be loaded: "});
 }
 
 }  // namespace

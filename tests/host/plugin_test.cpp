@@ -9,7 +9,6 @@
 #include <iterator>
 
 #include "component_loader/component_frame.h"
-#include "failure.h"
 #include "host/application_path.h"
 #include "host/ivelmora_input_plugin.h"
 
@@ -17,10 +16,12 @@ namespace keplo::tests {
 
 namespace {
 
+using Texts = std::vector<std::string>;
+
 class Sink : public IHostEventSink {
  public:
   virtual ~Sink() = default;
-  std::vector<std::string> Events, Errors;
+  Texts Events, Errors;
   std::function<void()> OnEvent = [] {};
 
   void TriggerInputEvent(HostInputEvent& event) override {
@@ -41,36 +42,25 @@ bool IsLoaded() {
 /// The real component, its object and a host that listens.
 class PluginTest : public ::testing::Test {
  protected:
-  void Create(bool display, const std::vector<std::string>& replay = {}) {
+  void Create(bool display, const Texts& replay) {
     CreationContext context;
     context.ApplicationPath = app_.Path().string();
     context.ReplayFiles = replay;
     context.MayUseDisplay = display;
     context.Log = [this](LogLevel, const std::string& text) { log_.push_back(text); };
     context.ReplayPlayed = [this] { played_.quit(); };
-    object_ = component_.Create(kInputKeploClass, context);
+    object_ = component_->Create(kInputKeploClass, context);
     plugin_ = QueryInterface<IVelmoraInputPLugin>(*object_);
-    QueryInterface<IHostEventSource>(*object_)->Subscribe(sink_);
-  }
-
-  void Initialise() {
+    events_ = QueryInterface<IHostEventSource>(*object_);
+    events_->Subscribe(sink_);
     std::shared_ptr<IVelmoraHost> velmora;
     ASSERT_EQ(plugin_->InputInitialise(velmora), kInputDone);
   }
 
-  std::vector<std::string> EventIDs() {
-    std::vector<std::string> eventIDs{"old"};
+  Texts EventIDs() {
+    Texts eventIDs{"old"};
     EXPECT_EQ(plugin_->InputHouseKeepingGetEventIDs(eventIDs), 1);
     return eventIDs;
-  }
-
-  std::string Page() {
-    HostPageRequest request{"/InputKeplo", "", "posted=1"};
-    std::int32_t browser = 7, width = 8, height = 9;
-    std::string html = "old";
-    EXPECT_EQ(plugin_->InputGetHTMLPage(html, request, browser, width, height), 1);
-    EXPECT_EQ(browser + width + height, 24);
-    return html;
   }
 
   /// Types a name into the event dialog that the operation opens, and presses a button of it.
@@ -86,22 +76,24 @@ class PluginTest : public ::testing::Test {
   }
 
   ApplicationPath app_;
-  std::vector<std::string> log_;
+  Texts log_;
   QEventLoop played_;
   Sink sink_;
-  Component component_{KEPLO_COMPONENT};
+  std::optional<Component> component_{std::in_place, KEPLO_COMPONENT};
   ComponentObject object_;
   IVelmoraInputPLugin* plugin_ = nullptr;
+  IHostEventSource* events_ = nullptr;
 };
 
-TEST_F(PluginTest, AnswersWhatNeedsNoUser) {
-  Create(false);
+TEST_F(PluginTest, AnswersWithoutADisplayAsAfterACancel) {
+  app_.AddPowerEvent("[]");
+  const std::string config = app_.Read("app/keplo.cfg") + "by hand";
+  app_.Write("app/keplo.cfg", config);
+  Create(false, {kMute});
   EXPECT_EQ(plugin_->InputIconFileName(), (app_.Path() / "inkeplo.ico").string());
-  std::vector<std::string> texts;
-  EXPECT_EQ(plugin_->InputGetPluginMenuItems(texts), 1);
-  EXPECT_EQ(texts, std::vector<std::string>{"Configure Infrared Interface"});
+  Texts texts;
   EXPECT_EQ(plugin_->InputQueryAllDeviceStati(texts), 1);
-  EXPECT_EQ(texts, (std::vector<std::string>{"", ""}));
+  EXPECT_EQ(texts, (Texts{"", ""}));
   HostDevice device{"id", "name", 5};
   EXPECT_EQ(plugin_->InputQueryDeviceStatus(device), 1);
   EXPECT_EQ(plugin_->InputSetDeviceStatus(device), 1);
@@ -109,73 +101,7 @@ TEST_F(PluginTest, AnswersWhatNeedsNoUser) {
   std::vector<HostDevice> devices(2);
   EXPECT_EQ(plugin_->InputGetDevices(devices), 3);
   EXPECT_EQ(devices.size(), 2U);
-  std::string version;
-  EXPECT_EQ(plugin_->InputGetPluginVersion(version), 1);
-  EXPECT_EQ(version, "1.3.34");
-}
 
-TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {
-  app_.AddEvents({kPowerEvent, kMuteEvent});
-  Create(false, {ApplicationPath::Sample("nec_tv_power"), ApplicationPath::Sample("sony_tv_mute")});
-  Initialise();
-  ASSERT_NE(plugin_->InputErrorDetails(), nullptr);
-  EXPECT_FALSE(plugin_->InputMonitoring());
-  EXPECT_EQ(plugin_->InputStartMonitoring(), 1);
-  EXPECT_TRUE(plugin_->InputMonitoring());
-  played_.exec();
-  EXPECT_EQ(sink_.Events, (std::vector<std::string>{"17 NEC&TV_POWER", "18 SONY&TV_MUTE"}));
-  EXPECT_EQ(plugin_->InputStopMonitoring(), 1);
-  EXPECT_FALSE(plugin_->InputMonitoring());
-  EXPECT_EQ(plugin_->InputTerminate(), 1);
-  EXPECT_EQ(plugin_->InputErrorDetails(), nullptr);
-}
-
-TEST_F(PluginTest, LetsASinkLeaveWithinAnEvent) {
-  app_.AddEvents({kPowerEvent});
-  Create(false, {app_.Presses("nec_tv_power", 2)});
-  auto* events = QueryInterface<IHostEventSource>(*object_);
-  Sink leaving;
-  const std::uint32_t cookie = events->Subscribe(leaving);
-  leaving.OnEvent = [&] { events->Unsubscribe(cookie); };
-  Initialise();
-  plugin_->InputStartMonitoring();
-  played_.exec();
-  EXPECT_EQ(leaving.Events.size(), 1U);
-  EXPECT_EQ(sink_.Events.size(), 2U);
-}
-
-TEST_F(PluginTest, AddsModifiesAndDeletesEventsByItsDialog) {
-  Create(true);
-  Initialise();
-  HostInputEvent event;
-  event.EventID = "21";
-
-  WhenTheDialogOpens("Unwanted", "CancelButton");
-  EXPECT_EQ(plugin_->InputAddEvent(event), kInputCancelled);
-  EXPECT_EQ(event.EventName, "");
-  EXPECT_EQ(EventIDs(), std::vector<std::string>{""});
-
-  WhenTheDialogOpens("Lamp", "OKButton");
-  EXPECT_EQ(plugin_->InputAddEvent(event), kInputDone);
-  EXPECT_EQ(event.EventName, "Lamp");
-  EXPECT_EQ(EventIDs(), std::vector<std::string>{"21"});
-
-  WhenTheDialogOpens("Fan", "OKButton");
-  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputDone);
-  EXPECT_EQ(event.EventName, "Fan");
-  EXPECT_NE(Page().find(">Fan<"), std::string::npos);
-
-  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputDone);
-  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputFailed);
-  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputFailed);
-  EXPECT_EQ(sink_.Errors, std::vector<std::string>{"InputKeplo.Keplo InputModifyEvent"});
-  EXPECT_EQ(plugin_->InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
-}
-
-TEST_F(PluginTest, AnswersAsAfterACancelWithoutADisplay) {
-  app_.AddEvents({kPowerEvent});
-  Create(false);
-  Initialise();
   HostInputEvent event;
   event.EventID = "17";
   std::int16_t item = 0;
@@ -183,6 +109,7 @@ TEST_F(PluginTest, AnswersAsAfterACancelWithoutADisplay) {
   EXPECT_EQ(plugin_->InputAddEvent(event), kInputCancelled);
   EXPECT_EQ(plugin_->InputCallMenuItem(item), HostVariant(true));
   EXPECT_EQ(plugin_->InputConfigurePlugin(), kInputDone);
+  EXPECT_EQ(app_.Read("app/keplo.cfg"), config);
   const auto needsDisplay = [](const std::string& line) { return line.find("needs a display") != line.npos; };
   EXPECT_EQ(std::count_if(log_.begin(), log_.end(), needsDisplay), 4);
   EXPECT_EQ(plugin_->InputDisplayAboutBox(), HostVariant());
@@ -190,43 +117,60 @@ TEST_F(PluginTest, AnswersAsAfterACancelWithoutADisplay) {
   EXPECT_EQ(QueryInterface<IControlView>(*object_)->CreateView(nullptr), nullptr);
 }
 
-TEST_F(PluginTest, ShowsItsViewInTheHostsProcess) {
-  Create(true);
+TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {
+  app_.AddPowerEvent("[]");
+  app_.AddEvents({kMuteEvent});
+  Create(false, {kPower, kMute});
+  Sink leaving;
+  const std::uint32_t cookie = events_->Subscribe(leaving);
+  leaving.OnEvent = [&] { events_->Unsubscribe(cookie); };
+  ASSERT_NE(plugin_->InputErrorDetails(), nullptr);
+  EXPECT_FALSE(plugin_->InputMonitoring());
+  EXPECT_EQ(plugin_->InputStartMonitoring(), 1);
+  EXPECT_TRUE(plugin_->InputMonitoring());
+  played_.exec();
+  EXPECT_EQ(sink_.Events, (Texts{"17 NEC&TV_POWER", "18 SONY&TV_MUTE"}));
+  EXPECT_EQ(leaving.Events, Texts{"17 NEC&TV_POWER"});
+  EXPECT_EQ(plugin_->InputStopMonitoring(), 1);
+  EXPECT_FALSE(plugin_->InputMonitoring());
+  EXPECT_EQ(plugin_->InputTerminate(), 1);
+  EXPECT_EQ(plugin_->InputErrorDetails(), nullptr);
+
+  EXPECT_FALSE(component_->CanUnload());
+  object_.reset();
+  EXPECT_TRUE(component_->CanUnload());
+  EXPECT_TRUE(IsLoaded());
+  component_.reset();
+  EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(PluginTest, AddsModifiesAndDeletesEventsByItsDialog) {
+  Create(true, {kPower});
   const std::unique_ptr<QWidget> view(QueryInterface<IControlView>(*object_)->CreateView(nullptr));
   ASSERT_NE(view, nullptr);
-  EXPECT_GT(view->sizeHint().width(), 0);
-}
+  HostInputEvent event;
+  event.EventID = "21";
 
-TEST_F(PluginTest, GivesTheTwoPages) {
-  app_.AddEvents({{"17", "<b>\"A\" & B</b>", "", "NEC&TV_POWER", false, 2}});
-  Create(false);
-  Initialise();
-  const std::string cell = "<td align=\"center\"><font face=\"Verdana\" size=\"2\">";
-  const std::string get = Page();
-  EXPECT_NE(get.find(cell + "<b>\"A\" & B</b></font></td>\r\n" + cell + "</font></td>\r\n" + cell +
-                     "NEC&TV_POWER</font></td>\r\n" + cell + "False</font></td>\r\n"),
-            std::string::npos)
-      << get;
-  HostPageRequest request;
-  std::int32_t browser = 0, width = 0, height = 0;
-  std::string post;
-  EXPECT_EQ(plugin_->InputPostHTMLPage(post, request, browser, width, height), 1);
-  EXPECT_EQ(post.size(), get.size() + std::string("<th bordercolor=\"#000080\" bgcolor=\"#C0C0C0\">").size());
-}
+  WhenTheDialogOpens("Unwanted", "CancelButton");
+  EXPECT_EQ(plugin_->InputAddEvent(event), kInputCancelled);
+  EXPECT_EQ(event.EventName, "");
+  EXPECT_EQ(EventIDs(), Texts{""});
 
-TEST(Unloading, WaitsForTheLastObject) {
-  const ApplicationPath app;
-  CreationContext context;
-  context.ApplicationPath = app.Path().string();
-  {
-    const Component component{KEPLO_COMPONENT};
-    ComponentObject object = component.Create(kInputKeploClass, context);
-    EXPECT_FALSE(component.CanUnload());
-    object.reset();
-    EXPECT_TRUE(component.CanUnload());
-    EXPECT_TRUE(IsLoaded());
-  }
-  EXPECT_FALSE(IsLoaded());
+  WhenTheDialogOpens("Lamp", "OKButton");
+  EXPECT_EQ(plugin_->InputAddEvent(event), kInputDone);
+  EXPECT_EQ(event.EventName, "Lamp");
+  EXPECT_EQ(EventIDs(), Texts{"21"});
+
+  WhenTheDialogOpens("Fan", "OKButton");
+  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputDone);
+  EXPECT_EQ(event.EventName, "Fan");
+
+  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputDone);
+  EXPECT_FALSE(QueryInterface<IEventCatalogue>(*object_)->ListDiffersFromMap());
+  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputFailed);
+  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputFailed);
+  EXPECT_EQ(sink_.Errors, Texts{"InputKeplo.Keplo InputModifyEvent"});
+  EXPECT_EQ(plugin_->InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
 }
 
 }  // namespace
