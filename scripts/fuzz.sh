@@ -3,7 +3,7 @@
 # from what earlier runs came upon; a finding is kept in the folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-declare -A words=([store_fuzz]=keplo [protocol_fuzz]=keplo [index_fuzz]=index)
+declare -A words=([store_fuzz]=keplo [protocol_fuzz]=keplo [index_fuzz]=index [host_file_fuzz]=host)
 folder=$1 seconds=$2
 for fuzzer in "$folder"/*_fuzz; do
   name=$(basename "$fuzzer")

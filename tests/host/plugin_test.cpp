@@ -1,12 +1,13 @@
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QEventLoop>
-#include <QLineEdit>
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include "component_loader/component_frame.h"
 #include "host/application_path.h"
@@ -21,7 +22,7 @@ using Texts = std::vector<std::string>;
 class Sink : public IHostEventSink {
  public:
   virtual ~Sink() = default;
-  Texts Events, Errors;
+  Texts Events;
   std::function<void()> OnEvent = [] {};
 
   void TriggerInputEvent(HostInputEvent& event) override {
@@ -29,7 +30,7 @@ class Sink : public IHostEventSink {
     OnEvent();
   }
   void TriggerInputErrorCondition(HostErrorRecord& record, bool& /*stopping*/) override {
-    Errors.push_back(record.ErrorSource + " " + record.ErrorProcedure);
+    ADD_FAILURE() << record.ErrorDescription;
   }
 };
 
@@ -55,24 +56,6 @@ class PluginTest : public ::testing::Test {
     events_->Subscribe(sink_);
     std::shared_ptr<IVelmoraHost> velmora;
     ASSERT_EQ(plugin_->InputInitialise(velmora), kInputDone);
-  }
-
-  Texts EventIDs() {
-    Texts eventIDs{"old"};
-    EXPECT_EQ(plugin_->InputHouseKeepingGetEventIDs(eventIDs), 1);
-    return eventIDs;
-  }
-
-  /// Types a name into the event dialog that the operation opens, and presses a button of it.
-  static void WhenTheDialogOpens(const QString& name, const QString& button) {
-    QTimer::singleShot(0, qApp, [=] {
-      QWidget* dialog = QApplication::activeModalWidget();
-      ASSERT_NE(dialog, nullptr);
-      auto* eventName = dialog->findChild<QLineEdit*>(QStringLiteral("EventName"));
-      eventName->selectAll();
-      QTest::keyClicks(eventName, name);
-      dialog->findChild<QAbstractButton*>(button)->click();
-    });
   }
 
   ApplicationPath app_;
@@ -144,33 +127,25 @@ TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {
   EXPECT_FALSE(IsLoaded());
 }
 
-TEST_F(PluginTest, AddsModifiesAndDeletesEventsByItsDialog) {
+TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
+  app_.AddPowerEvent("[]");
   Create(true, {kPower});
-  const std::unique_ptr<QWidget> view(QueryInterface<IControlView>(*object_)->CreateView(nullptr));
-  ASSERT_NE(view, nullptr);
-  HostInputEvent event;
-  event.EventID = "21";
-
-  WhenTheDialogOpens("Unwanted", "CancelButton");
-  EXPECT_EQ(plugin_->InputAddEvent(event), kInputCancelled);
-  EXPECT_EQ(event.EventName, "");
-  EXPECT_EQ(EventIDs(), Texts{""});
-
-  WhenTheDialogOpens("Lamp", "OKButton");
-  EXPECT_EQ(plugin_->InputAddEvent(event), kInputDone);
-  EXPECT_EQ(event.EventName, "Lamp");
-  EXPECT_EQ(EventIDs(), Texts{"21"});
-
-  WhenTheDialogOpens("Fan", "OKButton");
-  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputDone);
-  EXPECT_EQ(event.EventName, "Fan");
-
-  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputDone);
-  EXPECT_FALSE(QueryInterface<IEventCatalogue>(*object_)->ListDiffersFromMap());
-  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputFailed);
-  EXPECT_EQ(plugin_->InputModifyEvent(event), kInputFailed);
-  EXPECT_EQ(sink_.Errors, Texts{"InputKeplo.Keplo InputModifyEvent"});
-  EXPECT_EQ(plugin_->InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
+  plugin_->InputStartMonitoring();
+  QTimer look;
+  look.callOnTimeout([&look] {
+    QWidget* window = QApplication::activeModalWidget();
+    if (window == nullptr) return;
+    look.stop();
+    QTest::keyClick(window->findChild<QComboBox*>("ComList"), Qt::Key_Down);
+    window->findChild<QAbstractButton*>("OKButton")->click();
+  });
+  look.start(1);
+  std::int16_t item = 0;
+  EXPECT_EQ(plugin_->InputCallMenuItem(item), HostVariant(true));
+  EXPECT_NE(app_.Read("app/keplo.cfg").find("COMPORT= 2\r\n"), std::string::npos);
+  EXPECT_EQ(sink_.Events, Texts());
+  played_.exec();
+  EXPECT_EQ(sink_.Events, Texts{"17 NEC&TV_POWER"});
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ class RunningHost {
   }
 
   enum class Window { None, Shown };
+
   /// @param port of its pages; 0 for any
   void Start(const std::vector<std::string>& options, int port = 0, Window window = Window::None) {
     QStringList arguments{"--http-port", QString::number(port), "--app-path",

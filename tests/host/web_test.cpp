@@ -56,12 +56,11 @@ TEST_F(WebTest, SendsThePagesByteForByte) {
   EXPECT_EQ(BodyOf(get), ExpectedPage(false, cells));
   EXPECT_EQ(BodyOf(Ask("POST /InputKeplo", "Content-Length: 7\r\n\r\na=b&c=d")), ExpectedPage(true, cells));
   const std::string head = Ask("HEAD /InputKeplo");
-  for (const std::string& header :
-       {std::string("HTTP/1.1 200"), std::string("default-src 'none'"), std::string("sandbox"),
-        std::string("X-Content-Type-Options: nosniff"), std::string("Cache-Control: no-store"),
-        std::string("text/html; charset=utf-8"), "Content-Length: " + std::to_string(BodyOf(get).size())}) {
-    EXPECT_NE(get.find(header), std::string::npos) << header;
-    EXPECT_NE(head.find(header), std::string::npos) << header;
+  const std::string length = "Content-Length: " + std::to_string(BodyOf(get).size());
+  for (const char* header : {"HTTP/1.1 200", "default-src 'none'", "sandbox", "nosniff", "no-store",
+                             "text/html; charset=utf-8", length.c_str()}) {
+    EXPECT_NE(HeadOf(get).find(header), std::string::npos) << header;
+    EXPECT_NE(HeadOf(head).find(header), std::string::npos) << header;
   }
   EXPECT_EQ(BodyOf(head), "");
   EXPECT_EQ(get.find("script-src"), std::string::npos);
@@ -78,7 +77,6 @@ TEST_F(WebTest, RefusesAndGoesOn) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"421", "GET /InputKeplo HTTP/1.1\r\nHost: evil.example:" + std::to_string(port_) + "\r\n\r\n"},
       {"413", HttpRequest("POST /InputKeplo", port_, large)},
-      {"431", HttpRequest("GET /", port_, std::string(20000, 'x'))},
       {"400", HttpRequest("GET /", port_) + HttpRequest("GET /", port_)},
       {"400", HttpRequest("GET /", port_, upgrade)},
       {"405", HttpRequest("PUT /InputKeplo", port_)},
