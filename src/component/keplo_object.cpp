@@ -88,7 +88,9 @@ KeploWindows KeploObject::Windows() {
   return {*boxes_, *eventDialog_,
           [this] {
             if (mayUseDisplay_) {
-              qt::ShowMainWindow(mod_, station_.Line(), QApplication::activeWindow());
+              qt::ShowMainWindow(
+                  mod_, station_.Line(), [this] { return station_.DescribeLine(); },
+                  QApplication::activeWindow());
             } else {
               log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
             }

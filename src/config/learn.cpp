@@ -68,7 +68,22 @@ void SettleRemoval(CfgStore& store, const std::string& without, int place) {
   store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
 }
 
-LearnResult Refuse(Refusal refusal, std::string_view detail = {}) { return {refusal, std::string(detail)}; }
+LearnResult Refuse(Refusal refusal, std::string_view detail = {}, std::string reason = {}) {
+  return {refusal, std::string(detail), std::move(reason)};
+}
+
+/// The name of the section that a position lies in; empty for none.
+std::string_view SectionAt(std::string_view text, int position) {
+  const int header = SeekBack(text, position, '[');
+  return header == kNowhere ? std::string_view() : SectionNameAt(text, header + 1);
+}
+
+/// The line that a position lies in, without its end.
+std::string_view LineAt(std::string_view text, int position) {
+  const std::string_view upTo =
+      text.substr(0, text.find_first_of("\r\n", static_cast<std::size_t>(position) - 1));
+  return upTo.substr(upTo.find_last_of('\n') + 1);
+}
 
 /// Whether there is one section that takes commands, and no other one that the name could mean.
 LearnResult CheckSection(std::string_view text, std::string_view protocol) {
@@ -136,7 +151,8 @@ LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy)
   const int match = FindNoCase(whole ? code + ',' : code, text, 1);
   if (match == kNowhere) return {};
   const int comma = SeekForward(text, whole ? match - 1 : match, ',');
-  return Refuse(Refusal::CodeExists, comma == kNowhere ? std::string_view() : GetLineAt(text, comma + 1));
+  return Refuse(Refusal::CodeExists, comma == kNowhere ? std::string_view() : GetLineAt(text, comma + 1),
+                "It is a command of the protocol " + std::string(SectionAt(text, match)) + ".");
 }
 
 LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name) {
@@ -147,8 +163,9 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
   if (!PlaceForCommand(text, protocol)) return Refuse(Refusal::NoSection, protocol);
   const std::optional<Section> section = FindProtocol(text, protocol);
   const int match = FindNoCase(name, text, section->Begin);
-  if (match != kNowhere && match <= section->End) return Refuse(Refusal::NameInUse, name);
-  return {};
+  if (match == kNowhere || match > section->End) return {};
+  return Refuse(Refusal::NameInUse, name,
+                name + " stands in the line \"" + std::string(LineAt(text, match - 1)) + "\" already.");
 }
 
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name) {

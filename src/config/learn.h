@@ -28,7 +28,8 @@ enum class Refusal {
 
 struct LearnResult {
   Refusal Refused = Refusal::None;
-  std::string Detail;  // the name that has the code already; else the name that was refused
+  std::string Detail;       // the name that has the code already; else the name that was refused
+  std::string Reason = {};  // where a code or a name stands already, in a sentence; else empty
 
   bool Done() const { return Refused == Refusal::None; }
 };

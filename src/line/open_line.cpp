@@ -12,6 +12,23 @@ namespace {
 
 constexpr std::string_view kNoDevices =
     "there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings";
+constexpr std::int32_t kNoPort = 0;  // none that anybody asks for
+
+/// What stands in for a line that does not transmit either.
+std::string DescribeReplay(const ReplayLine& line, bool hasRecordings) {
+  if (!hasRecordings) {
+    return "There is no receiver and no transmitter: nothing will be heard, and what is sent goes nowhere. "
+           "--replay FILE plays recordings.";
+  }
+  return std::string("Recordings stand in for a receiver") +
+         (line.Done() ? ", and all of them have been played" : "") + "; what is sent goes nowhere.";
+}
+
+std::string Joined(const std::vector<std::string>& remarks) {
+  std::string text;
+  for (const std::string& remark : remarks) text += remark + ". ";
+  return text;
+}
 
 OpenedLine OpenReplay(const LineSpec& spec, const std::int16_t& receiverKind) {
   std::vector<Recording> recordings;
@@ -21,8 +38,11 @@ OpenedLine OpenReplay(const LineSpec& spec, const std::int16_t& receiverKind) {
   if (spec.InRealTime) line->PlayAgainst(std::make_unique<SteadyLineClock>());
   if (spec.HeldCaptures > 0) line->HoldLastPress(spec.HeldCaptures);
   line->SetPorts(spec.Ports);
-  PressSource* const presses = line.get();
-  return {std::move(line), presses, nullptr, {}};
+  ReplayLine* const presses = line.get();
+  const bool hasRecordings = !spec.ReplayFiles.empty();
+  return {std::move(line), presses, nullptr, {}, [presses, hasRecordings] {
+            return DescribeReplay(*presses, hasRecordings);
+          }};
 }
 
 }  // namespace
@@ -32,7 +52,9 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
   if (!spec.ReplayFiles.empty() || !spec.Ports.empty()) return OpenReplay(spec, receiverKind);
   PortMap map = LoadPortMap(appPath);
   if (map.Ports.empty() && map.Mistakes.empty()) {
-    OpenedLine standIn = OpenReplay(spec, receiverKind);
+    LineSpec none = spec;
+    none.Ports = {kNoPort};
+    OpenedLine standIn = OpenReplay(none, receiverKind);
     standIn.Remarks = {std::string(kNoDevices)};
     return standIn;
   }
@@ -40,8 +62,10 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
   auto line = std::make_unique<PortLine>(std::make_unique<KernelCalls>(), std::move(map), receiverKind,
                                          spec.Options, std::move(tell));
   line->InsteadOfAnyPort = spec.Port;
-  DeviceLine* const device = line.get();
-  return {std::move(line), nullptr, device, std::move(mistakes)};
+  PortLine* const device = line.get();
+  const std::string remarks = Joined(mistakes);
+  return {std::move(line), nullptr, device, std::move(mistakes),
+          [device, remarks] { return remarks + device->What(); }};
 }
 
 }  // namespace keplo

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,8 @@ struct OpenedLine {
   DeviceLine* Device = nullptr;    // the line itself where it is one of devices, else none
   std::vector<std::string>
       Remarks;  // what its user should know: mistakes in ports.conf, a line that stands in
+  /// What the line is and can do now, in a sentence for a person. The line has to be there still.
+  std::function<std::string()> Describe;
 };
 
 /// The only place that knows the kinds of lines. Where recordings are to be played, or ports without hardware

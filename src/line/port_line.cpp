@@ -63,8 +63,15 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
   }
   const std::int32_t opened = line_->OpenCom(port);
   whyNot_ = device_ ? device_->WhyNot() : std::string();
+  open_ = "COM " + std::to_string(port) + " is " + (device_ ? mapped->Device : "recorded key presses") + ".";
   if (opened != 1) CloseCom();
   return opened;
+}
+
+std::string PortLine::What() const {
+  if (device_ && !device_->WhyNot().empty()) return device_->WhyNot();
+  if (!whyNot_.empty()) return whyNot_;
+  return line_ ? open_ : "No port is open.";
 }
 
 void PortLine::CloseCom() {

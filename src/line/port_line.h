@@ -23,6 +23,8 @@ class PortLine : public DeviceLine {
   std::optional<std::int32_t> InsteadOfAnyPort;
 
   std::string WhyNot() const override { return whyNot_; }
+  /// The open port and its device, or why there is none, in a sentence for a person.
+  std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
   int WakeDescriptor() override;
   std::chrono::milliseconds MayRest() override;
@@ -58,6 +60,7 @@ class PortLine : public DeviceLine {
   Beeper beeper_;
   std::unique_ptr<Win32Ser> line_;  // none while no port is open
   DeviceLine* device_ = nullptr;    // the same, where it is a device
+  std::string open_;                // port and device, for a person; empty while none is open
   std::string whyNot_;
 };
 

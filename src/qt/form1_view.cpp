@@ -14,6 +14,7 @@
 
 #include "qt/control_views.h"
 #include "qt/qt_boxes.h"
+#include "qt/recording_files.h"
 #include "qt/text.h"
 #include "qt/user_programs.h"
 
@@ -37,6 +38,7 @@ Form1View::Form1View(Form1& form, QWidget* parent)
       inside_(new QWidget),
       scale_(logicalDpiX() / kTwipsPerInch),
       timer_(form.Timer1),
+      fileTimer_(form.FileTimer),
       titleLink_(form.OnTitleChanged, [this] { setWindowTitle(ShownText(form_.Title())); }),
       sizeLink_(form.OnResize, [this] { FitSize(); }),
       hideLink_(form.OnHide, [this] { hide(); }),
@@ -55,9 +57,13 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   wait_.emplace(*this, *views_.at(FindControl("Signal")));
   form_.OnWait = [this](std::string_view text) { wait_->Show(text); };
   form_.Programs = {OpenManual, OpenWebPage};
+  form_.Recordings = PickRecordings(this);
 }
 
-Form1View::~Form1View() { form_.OnWait = nullptr; }
+Form1View::~Form1View() {
+  form_.OnWait = nullptr;
+  form_.Recordings = {};
+}
 
 void Form1View::AddControl(const ControlRow& row) {
   const ControlRow* frame = FindControl(row.Frame);
@@ -168,9 +174,11 @@ bool ShowUntilHidden(Form1& form) {
   return true;
 }
 
-void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent) {
+void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
+                    QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
+  form.DescribeLine = describeLine;
   Form1View view(form);
   if (!form.Form_Load()) return;
   view.setWindowModality(Qt::ApplicationModal);

@@ -47,6 +47,7 @@ class Form1View : public QWidget {
   std::map<const ControlRow*, QWidget*> views_;
   TwipScale scale_;
   QtTimer timer_;
+  QtTimer fileTimer_;
   ModelLink titleLink_;
   ModelLink sizeLink_;
   ModelLink hideLink_;
@@ -59,7 +60,9 @@ class Form1View : public QWidget {
 bool ShowUntilHidden(Form1& form);
 
 /// Shows the main window of a host modally until the user leaves it.
+/// @param describeLine what the line is, for a person
 /// @param parent it stands over; may be null
-void ShowMainWindow(KeploMod& mod, Win32Ser& line, QWidget* parent);
+void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
+                    QWidget* parent);
 
 }  // namespace keplo::qt

@@ -8,7 +8,7 @@ namespace {
 
 void ShowEntry(QAction& action, const ui::MenuEntry& entry) {
   action.setVisible(entry.Visible());
-  action.setEnabled(entry.OnClick != nullptr);
+  action.setEnabled(entry.Enabled() && entry.OnClick != nullptr);
   action.setCheckable(entry.Checked());
   action.setChecked(entry.Checked());
 }

@@ -95,6 +95,10 @@ int Ask(const BoxContent& content) {
 
 void QtBoxes::Message(std::string_view text, std::string_view title) { Ask({text, title}); }
 
+void QtBoxes::Explain(std::string_view text, std::string_view title, std::string_view reason) {
+  Ask({.Text = text, .Title = title, .Reason = reason});
+}
+
 void QtBoxes::Error(std::string_view text, std::string_view title, std::string_view reason) {
   Ask({.Text = text, .Title = title, .Icon = QMessageBox::Critical, .Reason = reason});
 }

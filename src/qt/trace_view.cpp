@@ -21,7 +21,8 @@ namespace {
 constexpr double kMsPerSample = kNominalSampleTime / 1000.0;
 constexpr double kWheelStep = 120;  // of the wheel, eighths of a degree, for twice or half the size
 
-const QColor kAxisColour(0x9A, 0x9A, 0x9A), kCursorColour(0xFF, 0xD0, 0x40), kPointerColour(0x7F, 0xD4, 0xFF);
+const QColor kAxisColour(0x9A, 0x9A, 0x9A), kCursorColour(0xFF, 0xD0, 0x40), kPointerColour(0x7F, 0xD4, 0xFF),
+    kNoteColour(0xE0, 0xE0, 0xE0);
 constexpr double kLetterScale = 0.85;  // of the window's
 constexpr int kLettersPerLabel = 12;   // from one label of the axis to the next, at least
 constexpr double kFarAway = 30000;     // pixels or samples
@@ -68,10 +69,12 @@ TraceView::TraceView(Form1& form, const QRectF& part, QWidget* parent)
                  ShowState(*this, form_.Signal);
                  update();
                }),
-      surfaceLink_(form.Surface.OnShow, [this] {
-        stale_ = true;
-        Changed();
-      }) {
+      surfaceLink_(form.Surface.OnShow,
+                   [this] {
+                     stale_ = true;
+                     Changed();
+                   }),
+      noteLink_(form.Note.OnChanged, [this] { Changed(); }) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::ClickFocus);
   setMouseTracking(true);
@@ -110,7 +113,9 @@ void TraceView::paintEvent(QPaintEvent* /*event*/) {
   Draw();
   QPainter painter(this);
   painter.drawImage(rect(), picture_);
-  if (!Alive() || form_.Wave.Samples() == 0) return;
+  if (!Alive()) return;
+  DrawNote(painter);
+  if (form_.Wave.Samples() == 0) return;
   DrawAxis(painter);
   DrawCursors(painter);
   DrawTexts(painter);
@@ -158,6 +163,18 @@ void TraceView::DrawTexts(QPainter& painter) const {
   painter.drawText(top, Qt::AlignRight | Qt::AlignVCenter, ShownText(form_.Wave.CursorText(Pulse())));
 }
 
+void TraceView::DrawNote(QPainter& painter) const {
+  const bool hasTrace = form_.Wave.Samples() != 0;
+  if (hasTrace && (form_.Wave.Pointer() || !form_.Wave.Cursors().empty())) return;
+  const QString note = ShownText(form_.Note.Text());
+  painter.setPen(kNoteColour);
+  const QRect inside = rect().adjusted(kTextGap, 0, -kTextGap, 0);
+  if (!hasTrace) return painter.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap, note);
+  const QRect top(inside.left(), 0, inside.width(), fontMetrics().height());
+  painter.drawText(top, Qt::AlignLeft | Qt::AlignVCenter,
+                   fontMetrics().elidedText(note, Qt::ElideRight, top.width()));
+}
+
 double TraceView::Across(double sample) const {
   const double across = (form_.WavePlace(sample) - part_.left()) * width() / part_.width();
   return std::clamp(across, -kFarAway, kFarAway);  // at great zoom it may be beyond all numbers
@@ -167,7 +184,9 @@ int TraceView::Pulse() const { return Rounded<std::int32_t>(form_.SendPulse.Text
 
 void TraceView::Changed() {
   // A screen reader hears what the others see.
-  setAccessibleDescription(ShownText(form_.Wave.PointerText(Pulse()) + " " + form_.Wave.CursorText(Pulse())));
+  std::string seen = form_.Wave.PointerText(Pulse()) + " " + form_.Wave.CursorText(Pulse());
+  if (const std::string& note = form_.Note.Text(); !note.empty()) seen += " " + note;
+  setAccessibleDescription(ShownText(seen));
   update();
 }
 

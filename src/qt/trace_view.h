@@ -10,7 +10,8 @@
 namespace keplo::qt {
 
 /// The box that the trace is seen on: a part of the form's surface over a back colour, with a time axis along
-/// its foot, the run under the pointer and the distance of two cursors along its top.
+/// its foot, the run under the pointer and the distance of two cursors along its top. The window's line of
+/// text stands there too, while the pointer is elsewhere.
 ///
 /// The wheel zooms where the pointer is, dragging slides, a click places a cursor and a double click shows
 /// the whole trace. Of the keys, left and right go from run to run, with Ctrl they slide; plus and minus
@@ -39,6 +40,7 @@ class TraceView : public QWidget {
   void DrawAxis(QPainter& painter) const;
   void DrawCursors(QPainter& painter) const;
   void DrawTexts(QPainter& painter) const;
+  void DrawNote(QPainter& painter) const;
   /// From pixels of the box to pixels of the design, and back from a sample to pixels of the box.
   double Place(double across) const { return part_.left() + across * part_.width() / width(); }
   double Across(double sample) const;
@@ -56,6 +58,7 @@ class TraceView : public QWidget {
   bool dragging_ = false;
   ModelLink boxLink_;
   ModelLink surfaceLink_;
+  ModelLink noteLink_;
 };
 
 }  // namespace keplo::qt

@@ -37,6 +37,8 @@ class Station {
   const Keplo& Control() const { return control_; }
   const PressTally& Tally() const { return tally_; }
   Win32Ser& Line() { return *line_.Line; }
+  /// What the line is, in a sentence for a person.
+  std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
   /// Tells how long ticks may be left out; none where every tick counts.
   LineRest* Rest() { return line_.Device; }
   /// Whether every recording has been played; a line without recordings has none to wait for.

@@ -11,8 +11,12 @@ class Boxes {
   virtual ~Boxes() = default;
   /// Shows a text with only an OK button and waits for it.
   virtual void Message(std::string_view text, std::string_view title) = 0;
+  /// The same with what stands behind it.
+  /// @param reason shown below the text; may be empty
+  virtual void Explain(std::string_view text, std::string_view title, std::string_view reason) {
+    Message(reason.empty() ? std::string(text) : std::string(text).append("\r\n").append(reason), title);
+  }
   /// The same with an error icon.
-  /// @param reason what is wrong in particular, shown below the text; may be empty
   virtual void Error(std::string_view text, std::string_view title, std::string_view reason) = 0;
   /// Offers OK and Cancel.
   /// @return true for OK

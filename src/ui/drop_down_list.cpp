@@ -13,6 +13,15 @@ void DropDownList::SetEntries(std::vector<std::string> entries) {
   Changed();
 }
 
+bool DropDownList::Refill(std::vector<std::string> entries) {
+  const auto kept =
+      listIndex_ == kNoSelection ? entries.end() : std::find(entries.begin(), entries.end(), Text());
+  listIndex_ = kept == entries.end() ? kNoSelection : static_cast<int>(kept - entries.begin());
+  entries_ = std::move(entries);
+  Changed();
+  return listIndex_ != kNoSelection;
+}
+
 void DropDownList::Add(std::string_view entry) {
   entries_.emplace_back(entry);
   Changed();

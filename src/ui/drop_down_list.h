@@ -23,6 +23,9 @@ class DropDownList : public Control {
   void Add(std::string_view entry);
   /// Puts other entries in the place of all; nothing is selected then.
   void SetEntries(std::vector<std::string> entries);
+  /// The same, but the selected text stays selected where it is one of the other entries too; no click.
+  /// @return whether an entry is selected
+  bool Refill(std::vector<std::string> entries);
 
   /// Index of the selected entry, from 0; kNoSelection for none.
   int ListIndex() const { return listIndex_; }

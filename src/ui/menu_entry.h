@@ -4,11 +4,14 @@
 
 namespace keplo::ui {
 
-/// An entry of a menu bar: whether it is shown, and whether it carries a check mark.
+/// An entry of a menu bar: whether it is shown, whether it can be used, and whether it carries a check mark.
 class MenuEntry {
  public:
   bool Visible() const { return visible_; }
   void SetVisible(bool visible) { Change(visible_, visible); }
+
+  bool Enabled() const { return enabled_; }
+  void SetEnabled(bool enabled) { Change(enabled_, enabled); }
 
   bool Checked() const { return checked_; }
   void SetChecked(bool checked) { Change(checked_, checked); }
@@ -29,6 +32,7 @@ class MenuEntry {
   }
 
   bool visible_ = true;
+  bool enabled_ = true;
   bool checked_ = false;
 };
 

@@ -54,7 +54,7 @@ class UnderWay {
 void CalibrationFlow::Start() {
   if (calibrating_) return;
   const UnderWay underWay(calibrating_);
-  if (dialogue_.Boxes.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
+  if (dialogue_.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
   controls_.IRCommand.SetText({});
   line_.RTS(0);
 }
@@ -67,10 +67,9 @@ bool CalibrationFlow::Calibrate() {
   Calibration calibration(line_, signal_, delay);
   const CalibrationStep end = MeasureToTheEnd(window_, calibration);
   const bool succeeded = end == CalibrationStep::Succeeded;
-  if (succeeded) {
-    controls_.ProcDelayparameter.SetText(Signed(delay));
-    keeper_.KeepAndSave("PROCDELAY", delay);
-  }
+  // What a failure leaves is in force too.
+  controls_.ProcDelayparameter.SetText(Signed(delay));
+  if (succeeded) keeper_.KeepAndSave("PROCDELAY", delay);
   dialogue_.Tell(CalibrationText(end, delay));
   if (succeeded) controls_.SendPulse.SetText(Signed(signal_.Measured.BaseT * kNominalSampleTime));
   return end != CalibrationStep::NoSignal;

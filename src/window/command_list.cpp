@@ -1,20 +1,62 @@
 #include "window/command_list.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "config/commands.h"
-#include "config/learn.h"
 #include "config/protocols.h"
+#include "config/read_settings.h"
 #include "config/values.h"
+#include "window/file_watch.h"
 #include "window/recorded_signal.h"
 
 namespace keplo {
 
-void CommandList::ListProtocols() {
+std::vector<std::string> CommandList::ProtocolNames() const {
   std::vector<std::string> names = keplo::ListProtocols(mod_.Store.CfgText);
   names.emplace_back(kRecorded);
-  controls_.Protocol.SetEntries(std::move(names));
+  return names;
+}
+
+std::vector<std::string> CommandList::CommandNames() const {
+  std::vector<std::string> names;
+  for (LearnedCommand& command : ListCommands(mod_.Store.CfgText, mod_.Store.CurProtocol)) {
+    names.push_back(std::move(command.Name));
+  }
+  return names;
+}
+
+void CommandList::ListProtocols() { controls_.Protocol.SetEntries(ProtocolNames()); }
+
+void CommandList::Refill() {
+  ui::DropDownList& protocols = controls_.Protocol;
+  const bool wasSelected = protocols.ListIndex() != ui::DropDownList::kNoSelection;
+  if (protocols.Refill(ProtocolNames())) {
+    RefillCommands();
+  } else if (wasSelected) {
+    protocols.Select(0);
+  }
+}
+
+void CommandList::RefillCommands() {
+  mod_.Store.CurProtocol = controls_.Protocol.Text();
+  if (RecordedSelected()) return;
+  mod_.Settings.ProtocolIndex = static_cast<std::int16_t>(controls_.Protocol.ListIndex());
+  ui::TextBox& codeStr = controls_.Fields.CodeStr;
+  ui::TextBox& sendPulse = controls_.Fields.SendPulse;
+  const std::string code = codeStr.Text(), pulse = sendPulse.Text();
+  const bool ownCode = code != shownCode_;
+  const bool ownPulse = pulse != std::to_string(mod_.ProtocolParams.SENDPLS);
+  const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
+  if (KeepProtocolIndex() && LoadParams() && !controls_.SendCmd.Refill(CommandNames())) {
+    controls_.SendCmd.Select(0);
+  }
+  TakeCommand();
+  if (ownPulse) sendPulse.SetText(pulse);
+  if (!ownCode) return;
+  codeStr.SetText(code);
+  mod_.Signal.Measured.ProtoKind = kind;
 }
 
 void CommandList::TakeProtocol() {
@@ -70,17 +112,8 @@ bool CommandList::LoadParams() {
 }
 
 void CommandList::ReloadCommands() {
-  CfgStore& store = mod_.Store;
-  store.CurProtocol = controls_.Protocol.Text();
-  std::vector<std::string> names;
-  if (RecordedSelected()) {
-    names.emplace_back(kRecorded);
-  } else {
-    for (LearnedCommand& command : ListCommands(store.CfgText, store.CurProtocol)) {
-      names.push_back(std::move(command.Name));
-    }
-  }
-  controls_.SendCmd.SetEntries(std::move(names));
+  mod_.Store.CurProtocol = controls_.Protocol.Text();
+  controls_.SendCmd.SetEntries(RecordedSelected() ? std::vector{std::string(kRecorded)} : CommandNames());
   controls_.SendCmd.Select(0);
 }
 
@@ -88,6 +121,7 @@ void CommandList::TakeCommand() {
   if (RecordedSelected()) return;
   const CfgStore& store = mod_.Store;
   if (const auto code = ShownCode(store.CfgText, store.CurProtocol, controls_.SendCmd.Text())) {
+    shownCode_ = *code;
     controls_.Fields.CodeStr.SetText(*code);
   }
 }
@@ -113,18 +147,29 @@ void CommandList::TakeProtocolAgain() {
   controls_.Fields.SendPulse.SetText(pulse);
 }
 
+LearnResult CommandList::CheckNewCommand(std::string& code) const {
+  LearnResult checked = CheckProtocol(mod_.Store.CurProtocol);
+  if (checked.Done() && !validation_.CmdValidated) checked.Refused = Refusal::NotValidated;
+  if (checked.Done()) checked = CheckCode(mod_.Store.CfgText, code, validation_.ReadBy);
+  return checked;
+}
+
 void CommandList::Save() {
   CfgStore& store = mod_.Store;
   std::string code = controls_.Fields.CodeStr.Text();
-  LearnResult checked = CheckProtocol(store.CurProtocol);
-  if (checked.Done() && !validation_.CmdValidated) checked.Refused = Refusal::NotValidated;
-  if (checked.Done()) checked = CheckCode(store.CfgText, code, validation_.ReadBy);
+  LearnResult checked = CheckNewCommand(code);
+  std::optional<std::string> name;
+  if (checked.Done()) {
+    name = AskName();
+    if (!name) return;
+    // Another program may have stored the code while the name was asked for.
+    checked = CheckNewCommand(code);
+  }
   if (!checked.Done()) {
-    dialogue_.Tell(RefusalText(checked));
+    dialogue_.Tell(RefusalText(checked), checked.Reason);
     return;
   }
-  const std::optional<std::string> name = AskName();
-  if (!name) return;
+  const UndoStep step(undo_);
   if (!dialogue_.Changed([&] { StoreCommand(store, store.CurProtocol, code, *name); })) return;
   ShowSaved(*name);
   DropPlaceholder(store);
@@ -132,14 +177,16 @@ void CommandList::Save() {
 
 std::optional<std::string> CommandList::AskName() {
   CfgStore& store = mod_.Store;
+  std::string typed;
   while (true) {
-    store.CurCommand =
-        dialogue_.Boxes.Input("Enter the name for the new command.\nUse only a-z, A-Z,'-','_' characters",
-                              "Input new command name", {});
-    if (store.CurCommand.empty()) return std::nullopt;
+    typed = dialogue_.Input("Enter the name for the new command.\nUse only a-z, A-Z,'-','_' characters",
+                            "Input new command name", typed);
+    store.CurCommand = typed;
+    if (typed.empty()) return std::nullopt;
+    TakeInOtherText(store);
     const LearnResult checked = CheckName(store.CfgText, store.CurProtocol, store.CurCommand);
     if (checked.Done()) return store.CurCommand;
-    dialogue_.Tell(RefusalText(checked));
+    dialogue_.Tell(RefusalText(checked), checked.Reason);
     if (checked.Refused == Refusal::NoSection) return std::nullopt;
   }
 }
@@ -163,14 +210,35 @@ void CommandList::Delete() {
   // A section written by hand may have no command line at all.
   if (checked.Done() && controls_.SendCmd.Count() == 0) checked.Refused = Refusal::NoMoreCommands;
   if (!checked.Done()) {
-    dialogue_.Tell(RefusalText(checked));
+    dialogue_.Tell(RefusalText(checked), checked.Reason);
     return;
   }
   if (!dialogue_.Ask("Do you want to delete the command " + store.CurCommand +
                      " from the current protocol?")) {
     return;
   }
+  TakeInOtherText(store);
+  const UndoStep step(undo_);
   if (dialogue_.Changed([&] { RemoveCommand(store); })) ReloadCommands();
+}
+
+void CommandList::TakeBack() {
+  const std::string protocol = controls_.Protocol.Text();
+  const std::vector<std::string> commands = controls_.SendCmd.Entries();
+  if (!undo_.TakeBack()) return;
+  Settings before;  // the protocol that was selected before the change is selected in the text again
+  const bool isKnown = ReadSettings(mod_.Store, before).Complete();
+  Refill();
+  if (RecordedSelected()) return;
+  if (isKnown) controls_.Protocol.Select(before.ProtocolIndex);
+  if (controls_.Protocol.Text() != protocol) return;
+  // A command that is back is the one to look at.
+  for (const std::string& command : controls_.SendCmd.Entries()) {
+    if (std::find(commands.begin(), commands.end(), command) == commands.end()) {
+      controls_.SendCmd.SelectText(command);
+      return;
+    }
+  }
 }
 
 }  // namespace keplo

@@ -2,11 +2,14 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "config/learn.h"
 #include "keplo_mod.h"
 #include "ui/drop_down_list.h"
 #include "window/dialogue.h"
 #include "window/reading_fields.h"
+#include "window/undo_step.h"
 #include "window/validation.h"
 
 namespace keplo {
@@ -20,11 +23,15 @@ class CommandList {
     ReadingFields Fields;
   };
 
-  CommandList(KeploMod& mod, const Controls& controls, Validation& validation, Dialogue& dialogue)
-      : mod_(mod), controls_(controls), validation_(validation), dialogue_(dialogue) {}
+  CommandList(KeploMod& mod, const Controls& controls, Validation& validation, UndoPlace& undo,
+              Dialogue& dialogue)
+      : mod_(mod), controls_(controls), validation_(validation), undo_(undo), dialogue_(dialogue) {}
 
   /// Fills the list of protocols; none is selected then.
   void ListProtocols();
+  /// Fills both lists anew. What is selected and what has been typed or recorded stays, as far as it is still
+  /// there.
+  void Refill();
   void TakeProtocol();
   void TakeCommand();
   /// Selects a protocol and takes it even if it is selected already.
@@ -35,8 +42,14 @@ class CommandList {
   /// Stores the code on screen as a new command of the current protocol.
   void Save();
   void Delete();
+  /// Takes the last change of commands or protocols back.
+  void TakeBack();
 
  private:
+  void RefillCommands();
+  std::vector<std::string> ProtocolNames() const;
+  std::vector<std::string> CommandNames() const;
+  LearnResult CheckNewCommand(std::string& code) const;
   bool RecordedSelected() const;
   void ColourLists(ui::Colour colour);
   void ShowRecorded();
@@ -49,7 +62,9 @@ class CommandList {
   KeploMod& mod_;
   Controls controls_;
   Validation& validation_;
+  UndoPlace& undo_;
   Dialogue& dialogue_;
+  std::string shownCode_;  // of the command that was selected last
 };
 
 }  // namespace keplo

@@ -6,6 +6,42 @@
 
 namespace keplo {
 
+class Dialogue::OpenBox {
+ public:
+  explicit OpenBox(Dialogue& dialogue) : open_(dialogue.open_) { ++open_; }
+  ~OpenBox() { --open_; }
+  OpenBox(const OpenBox&) = delete;
+  OpenBox& operator=(const OpenBox&) = delete;
+
+ private:
+  int& open_;
+};
+
+void Dialogue::Tell(std::string_view text, std::string_view reason, std::string_view title) {
+  const OpenBox box(*this);
+  boxes_.Explain(text, title, reason);
+}
+
+void Dialogue::TellError(std::string_view text, std::string_view reason) {
+  const OpenBox box(*this);
+  boxes_.Error(text, kBoxTitle, reason);
+}
+
+bool Dialogue::Ask(std::string_view text) {
+  const OpenBox box(*this);
+  return boxes_.Question(text, kBoxTitle);
+}
+
+bool Dialogue::Confirm(std::string_view text, std::string_view title) {
+  const OpenBox box(*this);
+  return boxes_.Confirm(text, title);
+}
+
+std::string Dialogue::Input(std::string_view text, std::string_view title, std::string_view preset) {
+  const OpenBox box(*this);
+  return boxes_.Input(text, title, preset);
+}
+
 bool Dialogue::Told(const std::function<void()>& action) {
   bool done = true;
   try {

@@ -16,10 +16,19 @@ inline constexpr std::string_view kBoxTitle = "Keplo";
 /// What the window and its flows tell the user and ask of them.
 class Dialogue {
  public:
-  Dialogue(ui::Boxes& boxes, CfgStore& store) : Boxes(boxes), store_(store) {}
+  Dialogue(ui::Boxes& boxes, CfgStore& store) : boxes_(boxes), store_(store) {}
 
-  void Tell(std::string_view text) { Boxes.Message(text, kBoxTitle); }
-  bool Ask(std::string_view text) { return Boxes.Question(text, kBoxTitle); }
+  /// @param reason what stands behind it, shown below the text; may be empty
+  void Tell(std::string_view text, std::string_view reason = {}, std::string_view title = kBoxTitle);
+  /// Tells what ends the window.
+  void TellError(std::string_view text, std::string_view reason);
+  bool Ask(std::string_view text);
+  bool Confirm(std::string_view text, std::string_view title);
+  /// @return the answer; empty after Cancel
+  std::string Input(std::string_view text, std::string_view title, std::string_view preset);
+
+  /// Whether a box waits for its answer. Timers go on meanwhile, and what the box is about must stay.
+  bool IsOpen() const { return open_ > 0; }
 
   /// Runs a change of the configuration and tells the user what failed.
   /// @return true if nothing did
@@ -34,13 +43,14 @@ class Dialogue {
   /// Tells in one box what was gathered, if anything was.
   void TellGathered();
 
-  ui::Boxes& Boxes;
-
  private:
+  class OpenBox;
   void TellFailure(const std::string& text);
 
+  ui::Boxes& boxes_;
   CfgStore& store_;
   std::optional<std::string> gathered_;
+  int open_ = 0;
 };
 
 }  // namespace keplo

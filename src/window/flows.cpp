@@ -60,18 +60,24 @@ SendFlow::Controls SendControlsOf(Form1& form) {
 
 Flows::Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes)
     : Dialogue(boxes, mod.Store),
+      Undo(mod.Store, form.UndoMenu, Dialogue),
+      Note(form.Note, form.DescribeLine),
       Settings(mod.Store, Dialogue),
       Options(mod.Settings, line, OptionsOf(form), Settings, Dialogue),
-      Ports(mod.Settings, line, form.ComList, Settings, Dialogue, form),
+      Ports(mod.Settings, line, form.ComList, Settings, Dialogue, Note, form),
       Waveform(mod.Signal, form.Wave, form.Surface, form.HScroll1, form.SendPulse),
-      Commands(mod, {form.Protocol, form.SendCmd, FieldsOf(form)}, Validation, Dialogue),
-      Record(mod, line, RecordControlsOf(form), Waveform, Validation, form),
+      Commands(mod, {form.Protocol, form.SendCmd, FieldsOf(form)}, Validation, Undo, Dialogue),
+      Record(mod, line, RecordControlsOf(form), Waveform, Validation, Note, form),
+      Recordings(mod.Signal, form.Recordings, Record, form.Note, Dialogue),
       Send(
-          mod, line, SendControlsOf(form), Waveform, [&form] { return form.WindowLarge(); }, Dialogue, form),
+          mod, line, SendControlsOf(form), Waveform, [&form] { return form.WindowLarge(); }, Dialogue, Note,
+          form),
       Calibration(mod.Settings, mod.Signal, line,
                   {form.SendPulse, form.IRCommand, form.ProcDelayparameter, form.Timer1}, Settings, Dialogue,
                   form),
-      Protocols(mod, {form.Protocol, form.Timer1, FieldsOf(form)}, Commands, Dialogue, form.OnProtocolDialog),
+      Protocols(mod, {form.Protocol, form.Timer1, FieldsOf(form)}, Commands, Undo, Dialogue,
+                form.OnProtocolDialog),
+      File(mod, form.FileTimer, {Commands, Options, Ports, Protocols, form.Note}, Dialogue),
       Help(mod.Settings, form.Programs, Dialogue) {}
 
 }  // namespace keplo

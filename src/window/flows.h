@@ -5,13 +5,17 @@
 #include "window/calibration_flow.h"
 #include "window/command_list.h"
 #include "window/dialogue.h"
+#include "window/file_watch.h"
 #include "window/help_menu.h"
+#include "window/line_note.h"
 #include "window/options.h"
 #include "window/port_list.h"
 #include "window/protocol_place.h"
 #include "window/record_flow.h"
+#include "window/recording_flow.h"
 #include "window/send_flow.h"
 #include "window/settings_keeper.h"
+#include "window/undo_step.h"
 #include "window/validation.h"
 #include "window/waveform_pane.h"
 
@@ -24,6 +28,8 @@ struct Flows {
   Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
 
   keplo::Dialogue Dialogue;
+  UndoPlace Undo;
+  LineNote Note;
   SettingsKeeper Settings;
   keplo::Options Options;
   PortList Ports;
@@ -31,9 +37,11 @@ struct Flows {
   WaveformPane Waveform;
   CommandList Commands;
   RecordFlow Record;
+  RecordingFlow Recordings;
   SendFlow Send;
   CalibrationFlow Calibration;
   ProtocolPlace Protocols;
+  FileWatch File;
   HelpMenu Help;
 };
 

@@ -36,6 +36,7 @@ void Form1::BindHandlers() {
   SendButton.OnClick = [this] { SendButton_Click(); };
   TestCheck.OnClick = [this] { TestCheck_Click(); };
   Timer1.OnTimer = [this] { Timer1_Timer(); };
+  FileTimer.OnTimer = [this] { FileTimer_Timer(); };
   HScroll1.OnChange = [this] { HScroll1_Change(); };
   GReset.OnClick = [this] { GReset_Click(); };
   Gshr.OnClick = [this] { Gshr_Click(); };
@@ -59,6 +60,9 @@ void Form1::BindHandlers() {
   FileNewMenu.OnClick = [this] { FileNewMenu_Click(); };
   EditMenu.OnClick = [this] { EditMenu_Click(); };
   ProtoDeleteMenu.OnClick = [this] { ProtoDeleteMenu_Click(); };
+  UndoMenu.OnClick = [this] { UndoMenu_Click(); };
+  OpenRecordingMenu.OnClick = [this] { OpenRecordingMenu_Click(); };
+  SaveRecordingMenu.OnClick = [this] { SaveRecordingMenu_Click(); };
 }
 
 void Form1::ListAvailableCOM() { flows_->Ports.Fill(); }
@@ -70,6 +74,7 @@ void Form1::RecButton_Click() { flows_->Record.Record(); }
 void Form1::SendButton_Click() { flows_->Send.Send(); }
 void Form1::TestCheck_Click() { flows_->Send.StartLoop(); }
 void Form1::Timer1_Timer() { flows_->Send.SendAgain(); }
+void Form1::FileTimer_Timer() { flows_->File.Look(); }
 void Form1::HScroll1_Change() { flows_->Waveform.Scroll(); }
 void Form1::GReset_Click() { flows_->Waveform.Reset(); }
 void Form1::Gshr_Click() { flows_->Waveform.Squeeze(); }
@@ -86,6 +91,9 @@ void Form1::CalibrationMenu_Click() { flows_->Calibration.Start(); }
 void Form1::FileNewMenu_Click() { flows_->Protocols.StartNew(); }
 void Form1::EditMenu_Click() { flows_->Protocols.StartEdit(); }
 void Form1::ProtoDeleteMenu_Click() { flows_->Protocols.Delete(); }
+void Form1::UndoMenu_Click() { flows_->Commands.TakeBack(); }
+void Form1::OpenRecordingMenu_Click() { flows_->Recordings.Open(); }
+void Form1::SaveRecordingMenu_Click() { flows_->Recordings.Save(); }
 void Form1::HelpContentMenu_Click() { flows_->Help.ShowContents(); }
 void Form1::WebPageMenu_Click() { flows_->Help.ShowWebPage(); }
 void Form1::UpdateMenu_Click() { flows_->Help.ShowUpdates(); }

@@ -19,6 +19,7 @@
 #include "ui/window.h"
 #include "window/help_menu.h"
 #include "window/layout.h"
+#include "window/recording_files.h"
 #include "window/wave_reading.h"
 
 namespace keplo {
@@ -62,6 +63,7 @@ class Form1 : public ui::Window {
   void SendButton_Click();
   void TestCheck_Click();
   void Timer1_Timer();
+  void FileTimer_Timer();
   void HScroll1_Change();
   void GReset_Click();
   void Gshr_Click();
@@ -81,6 +83,9 @@ class Form1 : public ui::Window {
   void FileNewMenu_Click();
   void EditMenu_Click();
   void ProtoDeleteMenu_Click();
+  void UndoMenu_Click();
+  void OpenRecordingMenu_Click();
+  void SaveRecordingMenu_Click();
   void HelpContentMenu_Click();
   void WebPageMenu_Click();
   void UpdateMenu_Click();
@@ -100,6 +105,12 @@ class Form1 : public ui::Window {
   std::function<void()> OnResize;
   /// A view says here how manual and web pages are shown.
   HelpPrograms Programs;
+  /// A view says here how the user picks a file.
+  RecordingFiles Recordings;
+  /// Whoever has made the line tells here what it is, in a sentence for a person.
+  std::function<std::string()> DescribeLine;
+  /// What the line is and what has become of it, or of the file; a view shows it where the trace stands.
+  ui::Label Note;
 
   /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
   /// pixels of the design from the left edge of the surface.
@@ -132,11 +143,13 @@ class Form1 : public ui::Window {
   ui::Label Signal;
   ui::Control Line1;
 
-  ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, CalibrationMenu, MenuProcDelay, FileExit;
+  ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, UndoMenu, OpenRecordingMenu, SaveRecordingMenu;
+  ui::MenuEntry CalibrationMenu, MenuProcDelay, FileExit;
   ui::MenuEntry StdDcdMenu, IRMouseMenu;
   ui::MenuEntry HelpContentMenu, WebPageMenu, UpdateMenu, AboutMenu;
 
-  ui::Timer Timer1{1000};  // drives the repeated sending
+  ui::Timer Timer1{1000};    // drives the repeated sending
+  ui::Timer FileTimer{400};  // looks for changes of the file by other programs
 
  private:
   void ShowDesign();

@@ -10,6 +10,7 @@
 #include "config/generic_protocols.h"
 #include "config/numbers.h"
 #include "config/protocols.h"
+#include "window/file_watch.h"
 #include "window/protocol_place.h"
 
 namespace keplo {
@@ -50,8 +51,9 @@ std::span<const NewProtocolRow> NewProtocolControls() {
   return kRows;
 }
 
-NewProtocol::NewProtocol(ProtocolPlace& place, KeploMod& mod, Dialogue& dialogue, RecordedSignal recorded)
-    : place_(place), mod_(mod), dialogue_(dialogue), recorded_(std::move(recorded)) {
+NewProtocol::NewProtocol(ProtocolPlace& place, KeploMod& mod, UndoPlace& undo, Dialogue& dialogue,
+                         RecordedSignal recorded)
+    : place_(place), mod_(mod), undo_(undo), dialogue_(dialogue), recorded_(std::move(recorded)) {
   SetTitle("Protocol Parameters");
   GProtoIn.OnClick = [this] { GProtoIn_Click(); };
   CreateButton.OnClick = [this] { CreateButton_Click(); };
@@ -131,21 +133,35 @@ void NewProtocol::CreateButton_Click() {
   SectionChange planned(refusal);
   if (refusal == ProtocolRefusal::None) {
     store.CurProtocol = draft.Name;
-    planned = IsNew() ? NewSection(store.CfgText, draft) : EditedSection(store.CfgText, draft);
+    planned = Plan(draft);
+    if (planned.Refused == ProtocolRefusal::None && !Agreed(planned.Change.Block)) return;
+    // Another program may have moved the place meanwhile, or taken the name.
+    if (planned.Refused == ProtocolRefusal::None && TakeInOtherText(store).empty()) planned = Plan(draft);
   }
   if (planned.Refused != ProtocolRefusal::None) {
     dialogue_.Tell(RefusalText(planned.Refused));
     return;
   }
-  const Splice& change = planned.Change;
-  store.CfgPos = change.First;
-  store.CfgPos2 = change.Last;
-  store.NewCmdLine = change.Block;
-  if (!Agreed(change.Block) || !Saved(draft, change)) return;
+  const UndoStep step(undo_);
+  if (!Saved(draft, planned.Change)) return;
   if (IsNew() && !ListProtocolsAgain()) return;
   place_.MakeProtocolCurrent(SavedProtocolIndex);
   place_.Unload();
   place_.ShowPulse(KeyNumber(mod_.ProtocolParams.SENDPLS));
+}
+
+SectionChange NewProtocol::Plan(const ProtocolDraft& draft) {
+  CfgStore& store = mod_.Store;
+  const ProtocolRefusal refusal =
+      IsNew() ? CheckProtocolName(store.CfgText, draft.Name) : ProtocolRefusal::None;
+  if (refusal != ProtocolRefusal::None) return SectionChange(refusal);
+  SectionChange planned = IsNew() ? NewSection(store.CfgText, draft) : EditedSection(store.CfgText, draft);
+  if (planned.Refused == ProtocolRefusal::None) {
+    store.CfgPos = planned.Change.First;
+    store.CfgPos2 = planned.Change.Last;
+    store.NewCmdLine = planned.Change.Block;
+  }
+  return planned;
 }
 
 void NewProtocol::TrimFields() {
@@ -193,6 +209,8 @@ bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   // Section and selection in one save: a second one could fail and contradict the first.
   const bool done =
       dialogue_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
+  // With what another program has written the section may be at another place.
+  if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(store.CfgText, draft.Name));
   // A failure at the very end of a save leaves the new text in place.
   return (done || store.CfgText != before) && IsOpen();
 }

@@ -14,6 +14,7 @@
 #include "ui/window.h"
 #include "window/dialogue.h"
 #include "window/recorded_signal.h"
+#include "window/undo_step.h"
 
 namespace keplo {
 
@@ -24,7 +25,8 @@ class ProtocolPlace;
 class NewProtocol : public ui::Window {
  public:
   /// @param recorded what a protocol for the recorded key press is made of
-  NewProtocol(ProtocolPlace& place, KeploMod& mod, Dialogue& dialogue, RecordedSignal recorded);
+  NewProtocol(ProtocolPlace& place, KeploMod& mod, UndoPlace& undo, Dialogue& dialogue,
+              RecordedSignal recorded);
 
   /// Fills the dialog as ProtocolFormMode tells, or refuses and unloads it.
   void Form_Load();
@@ -46,6 +48,7 @@ class NewProtocol : public ui::Window {
   void TrimFields();
   ProtocolDraft Fields() const;
   void KeepParams(const ProtocolDraft& draft);
+  SectionChange Plan(const ProtocolDraft& draft);
   bool Agreed(const std::string& block);
   bool IsOpen() const;
   bool Saved(const ProtocolDraft& draft, const Splice& change);
@@ -53,6 +56,7 @@ class NewProtocol : public ui::Window {
 
   ProtocolPlace& place_;
   KeploMod& mod_;
+  UndoPlace& undo_;
   Dialogue& dialogue_;
   RecordedSignal recorded_;
   std::int16_t SavedProtocolIndex = 0;

@@ -30,6 +30,8 @@ void Options::ShowInterfaceType() {
   if (output == 0 || output == 1) controls_.TxDCheckBox.SetChecked(output == 1);
 }
 
+void Options::ShowBeep() { controls_.BeepCheckbox.SetChecked(settings_.BeepOn); }
+
 void Options::ShowZoneHardware() {
   const bool used = settings_.VexilMode > 0;
   if (used) controls_.Zone.Select(settings_.VexilMode - 1);
@@ -102,8 +104,8 @@ void Options::TakeZone() {
 void Options::AskProcDelay() {
   std::string answer;
   do {
-    answer = dialogue_.Boxes.Input("Enter the new ProcDelay value", "Procdelay value",
-                                   std::to_string(settings_.ProcDelay));
+    answer = dialogue_.Input("Enter the new ProcDelay value", "Procdelay value",
+                             std::to_string(settings_.ProcDelay));
     if (answer.empty()) return;
     if (!IsProcDelay(answer)) dialogue_.Tell("The value must be between 0 and 100");
   } while (!IsProcDelay(answer));

@@ -34,6 +34,7 @@ class Options {
 
   // What the settings say, shown while the window comes up.
   void ShowInterfaceType();
+  void ShowBeep();
   void ShowZoneHardware();
   void ShowProcDelay();
 

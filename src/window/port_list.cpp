@@ -14,6 +14,8 @@ constexpr int kOpenAttempts = 3;
 constexpr std::int32_t kPauseAfterFailure = 200'000;  // microseconds
 constexpr std::size_t kPortDigits = 2;
 
+std::string NameOf(std::int32_t port) { return "COM " + std::to_string(port); }
+
 }  // namespace
 
 void PortList::Fill() {
@@ -29,12 +31,14 @@ void PortList::Fill() {
   line_.TXD(0);
 }
 
+void PortList::Choose(std::int32_t port) { list_.SelectText(NameOf(port)); }
+
 void PortList::Probe() {
   ui::WaitNotice notice(window_, "Looking for serial ports.");
   for (std::int32_t port = 1; port <= kLastPort; ++port) {
     notice.Show("Looking for serial ports: COM " + std::to_string(port) + " of " + std::to_string(kLastPort));
     if (!Opens(port)) continue;
-    list_.Add("COM " + std::to_string(port));
+    list_.Add(NameOf(port));
     if (port == settings_.ComPortNr) list_.Select(list_.Count() - 1);
     list_.SetBackColour(ui::kGreen);
   }
@@ -63,6 +67,7 @@ void PortList::TakePort() {
   list_.SetBackColour(attempt == 1 ? ui::kGreen : ui::kRed);
   line_.RTS(-1);
   line_.TXD(0);
+  note_.Show();
 }
 
 }  // namespace keplo

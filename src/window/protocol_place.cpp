@@ -4,14 +4,20 @@
 
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
+#include "window/file_watch.h"
 #include "window/new_protocol.h"
 #include "window/recorded_signal.h"
 
 namespace keplo {
 
-ProtocolPlace::ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands,
+ProtocolPlace::ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands, UndoPlace& undo,
                              Dialogue& dialogue, const std::function<void()>& onDialog)
-    : mod_(mod), controls_(controls), commands_(commands), dialogue_(dialogue), onDialog_(onDialog) {}
+    : mod_(mod),
+      controls_(controls),
+      commands_(commands),
+      undo_(undo),
+      dialogue_(dialogue),
+      onDialog_(onDialog) {}
 
 ProtocolPlace::~ProtocolPlace() = default;
 
@@ -30,7 +36,7 @@ void ProtocolPlace::StartEdit() {
 void ProtocolPlace::Load(std::int16_t mode) {
   if (dialog_) return;
   mod_.ProtocolFormMode = mode;
-  dialog_ = std::make_unique<NewProtocol>(*this, mod_, dialogue_,
+  dialog_ = std::make_unique<NewProtocol>(*this, mod_, undo_, dialogue_,
                                           ShownSignal(controls_.Fields, mod_.Signal.Measured.ProtoKind));
   // Nothing is sent by a window that nobody sees, with parameters that the dialog is about to change.
   sendsAgain_ = controls_.SendLoop.Enabled();
@@ -57,6 +63,8 @@ void ProtocolPlace::Delete() {
                      " from the current configuration file?")) {
     return;
   }
+  TakeInOtherText(store);
+  const UndoStep step(undo_);
   const SectionChange planned = WithoutSection(store.CfgText, store.CurProtocol);
   if (planned.Refused != ProtocolRefusal::None) {
     if (planned.Refused != ProtocolRefusal::NoSection) dialogue_.Tell(RefusalText(planned.Refused));

@@ -27,8 +27,8 @@ class ProtocolPlace {
   };
 
   /// @param onDialog runs when the dialog has come or gone; may be empty, and may change
-  ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands, Dialogue& dialogue,
-                const std::function<void()>& onDialog);
+  ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands, UndoPlace& undo,
+                Dialogue& dialogue, const std::function<void()>& onDialog);
   ~ProtocolPlace();
   ProtocolPlace(const ProtocolPlace&) = delete;
   ProtocolPlace& operator=(const ProtocolPlace&) = delete;
@@ -59,6 +59,7 @@ class ProtocolPlace {
   KeploMod& mod_;
   Controls controls_;
   CommandList& commands_;
+  UndoPlace& undo_;
   Dialogue& dialogue_;
   const std::function<void()>& onDialog_;
   std::unique_ptr<NewProtocol> dialog_, unloadedDialog_;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "config/lookup.h"
 #include "signal/zone_link.h"
@@ -63,11 +64,26 @@ void RecordFlow::Record() {
   if (!received) {
     beeper_.Beep(600, 1000);
     fields_.CodeStr.SetBackColour(std::nullopt);
+    note_.Show("No signal came.");
     return;
   }
-  if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
+  note_.Show();
+  ShowCapture();
+}
+
+bool RecordFlow::Explain(std::string capture) {
+  controls_.SendLoop.SetEnabled(false);
+  ClearReading();
+  fields_.CodeStr.SetBackColour(std::nullopt);
+  mod_.Signal.RawCapture = std::move(capture);
+  return ShowCapture();
+}
+
+bool RecordFlow::ShowCapture() {
+  if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return false;
   waveform_.StartTrace();
   ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured, mod_.Settings.Analysis));
+  return true;
 }
 
 void RecordFlow::ClearReading() {

@@ -11,6 +11,7 @@
 #include "ui/timer.h"
 #include "ui/window.h"
 #include "window/beeper.h"
+#include "window/line_note.h"
 #include "window/reading_fields.h"
 #include "window/validation.h"
 #include "window/waveform_pane.h"
@@ -31,7 +32,7 @@ class RecordFlow {
 
   /// @param window shows what the user has to wait for
   RecordFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
-             Validation& validation, const ui::Window& window)
+             Validation& validation, LineNote& note, const ui::Window& window)
       : mod_(mod),
         line_(line),
         beeper_(line, mod.Settings),
@@ -39,15 +40,20 @@ class RecordFlow {
         fields_(controls_.Fields),
         waveform_(waveform),
         validation_(validation),
+        note_(note),
         window_(window) {}
   RecordFlow(const RecordFlow&) = delete;
   RecordFlow& operator=(const RecordFlow&) = delete;
 
   /// Waits for a key press and shows what it is.
   void Record();
+  /// Shows what a capture is that was made before.
+  /// @return false if it is too short to tell anything
+  bool Explain(std::string capture);
 
  private:
   void ClearReading();
+  bool ShowCapture();
   bool ReceiveSignal();
   void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
@@ -63,6 +69,7 @@ class RecordFlow {
   const ReadingFields& fields_;
   WaveformPane& waveform_;
   Validation& validation_;
+  LineNote& note_;
   const ui::Window& window_;
 };
 

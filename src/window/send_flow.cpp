@@ -87,7 +87,7 @@ bool SendFlow::SelectZone() {
 
 bool SendFlow::SendDigits(std::string digits) {
   if (digits.find_first_not_of("01") != std::string::npos) {
-    dialogue_.Boxes.Message("Please use only 1's and 0's for the code", "Error entering code");
+    dialogue_.Tell("Please use only 1's and 0's for the code", {}, "Error entering code");
     return false;
   }
   const auto pulse = Rounded<std::int32_t>(fields_.SendPulse.Text());
@@ -106,6 +106,7 @@ bool SendFlow::SendDigits(std::string digits) {
     mod_.Signal.RawCapture = CaptureOfSlots(slots, pulse);
     waveform_.StartTrace();
   }
+  note_.Show();
   return true;
 }
 

@@ -13,6 +13,7 @@
 #include "ui/window.h"
 #include "window/beeper.h"
 #include "window/dialogue.h"
+#include "window/line_note.h"
 #include "window/reading_fields.h"
 #include "window/waveform_pane.h"
 
@@ -36,7 +37,7 @@ class SendFlow {
   /// @param showsTrace whether there is room for the trace of what is sent
   /// @param window shows what the user has to wait for
   SendFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
-           std::function<bool()> showsTrace, Dialogue& dialogue, const ui::Window& window)
+           std::function<bool()> showsTrace, Dialogue& dialogue, LineNote& note, const ui::Window& window)
       : mod_(mod),
         line_(line),
         beeper_(line, mod.Settings),
@@ -45,6 +46,7 @@ class SendFlow {
         waveform_(waveform),
         showsTrace_(std::move(showsTrace)),
         dialogue_(dialogue),
+        note_(note),
         window_(window) {}
   SendFlow(const SendFlow&) = delete;
   SendFlow& operator=(const SendFlow&) = delete;
@@ -68,6 +70,7 @@ class SendFlow {
   WaveformPane& waveform_;
   std::function<bool()> showsTrace_;
   Dialogue& dialogue_;
+  LineNote& note_;
   const ui::Window& window_;
 };
 

@@ -28,7 +28,7 @@ bool Form1::Load() {
   Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
   ListAvailableCOM();
   flows_->Options.ShowInterfaceType();
-  BeepCheckbox.SetChecked(mod_.Settings.BeepOn);
+  flows_->Options.ShowBeep();
   Beeper beeper(line_, mod_.Settings);
   beeper.Beep(5000, 50);
   beeper.Beep(2000, 50);
@@ -40,6 +40,8 @@ bool Form1::Load() {
   Protocol.Select(mod_.Settings.ProtocolIndex);
   Protocol_Click();
   HScroll1.Set(0, 0, 0);
+  flows_->Note.Show();
+  flows_->File.Start();
   loaded_ = true;
   return true;
 }
@@ -49,6 +51,7 @@ void Form1::Form_Unload() {
   if (NewProtocol* dialog = ProtocolDialog()) dialog->CancelButton_Click();
   loaded_ = false;
   Timer1.SetEnabled(false);
+  flows_->File.Stop();
   if (!ByShell()) line_.CloseCom();
   flows_->Settings.TakeUnsaved();
   if (IsWhole(mod_.Store.CfgText)) flows_->Dialogue.Told([this] { SaveConfig(mod_.Store); });
@@ -86,11 +89,11 @@ bool Form1::LoadFile() try {
 bool Form1::NotLoaded() {
   if (whyNotLoaded_.empty()) whyNotLoaded_ = CheckConfig(mod_.Store);
   if (!ByShell()) line_.CloseCom();
-  flows_->Dialogue.Boxes.Error(
+  flows_->Dialogue.TellError(
       "There is an error in the configuration file.\r\nThe application will be closed.\r\n"
       "Please send a message to " +
           std::string(kSupportMail) + " for support.",
-      kBoxTitle, whyNotLoaded_);
+      whyNotLoaded_);
   return false;
 }
 

@@ -63,8 +63,13 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   KeploMod mod(appPath, files);
   LineSpec spec = options.Line;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
-  const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind);
+  Form1* window = nullptr;
+  const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind, [&](const std::string& text) {
+    if (window != nullptr) window->Note.SetText(text);
+  });
   Form1 form(mod, *line.Line, boxes);
+  form.DescribeLine = line.Describe;
+  window = &form;
   if (qt::ShowUntilHidden(form)) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
   return kNotStarted;

@@ -24,6 +24,11 @@ TEST(QtBoxes, AMessageHasOneButtonAndShowsTitleAndTextAsTheyAre) {
     QTest::keyClick(&box, Qt::Key_Return);
   });
   QtBoxes().Message("<b>one</b>\r\ntwo", "A title that is longer than the text");
+  WhenOpen([](QWidget& box) {
+    EXPECT_EQ(dynamic_cast<QMessageBox&>(box).informativeText(), QStringLiteral("POWER has it."));
+    box.close();
+  });
+  QtBoxes().Explain("It is taken.", "Keplo", "POWER has it.");
 }
 
 TEST(QtBoxes, OnlyAnExpressYesAnswersAQuestion) {

@@ -5,7 +5,9 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 
+#include "doubles/temp_folder.h"
 #include "looks.h"
 #include "window/window_fixture.h"
 
@@ -21,7 +23,7 @@ const std::string kDigits = "00000000111111110110100010010111";
 class MainWindowOnScreen : public tests::WindowTest {
  protected:
   MainWindowOnScreen() {
-    Open(Config(Protocol("Mine", {"G10,EMPTY"})));
+    Open(Config(Protocol("Mine", {"G1010,POWER"})));
     Show();
   }
 
@@ -178,16 +180,65 @@ TEST_F(MainWindowOnScreen, TheMenuBarHasItsKeysMarksAndWayOut) {
                                              : (entry->isChecked() ? "*" : "") + entry->text().toStdString());
     }
   }
-  EXPECT_EQ(entries,
-            (Texts{"&File", "&New Protocol", "&Edit Protocol", "&Delete Protocol", "-", "&AutoCalibrate",
-                   "&ProcDelay", "-", "E&xit", "&Interface", "*Standard &DCD", "IR Mouse", "&Help",
-                   "&Contents", "&Web Page", "Check for &Updates", "-", "&About"}));
+  EXPECT_EQ(entries, (Texts{"&File",
+                            "&New Protocol",
+                            "&Edit Protocol",
+                            "&Delete Protocol",
+                            "-",
+                            "&Undo",
+                            "-",
+                            "&Open Recording...",
+                            "&Save Recording...",
+                            "-",
+                            "&AutoCalibrate",
+                            "&ProcDelay",
+                            "-",
+                            "E&xit",
+                            "&Interface",
+                            "*Standard &DCD",
+                            "IR Mouse",
+                            "&Help",
+                            "&Contents",
+                            "&Web Page",
+                            "Check for &Updates",
+                            "-",
+                            "&About"}));
   form_->IRMouseMenu.SetChecked(true);
   EXPECT_TRUE(view_->findChild<QAction*>(QStringLiteral("IRMouseMenu"))->isChecked());
+  const QAction& undo = *view_->findChild<QAction*>(QStringLiteral("UndoMenu"));
+  EXPECT_FALSE(undo.isEnabled());
+  form_->DeleteCmdButton.Click();
+  EXPECT_TRUE(undo.isEnabled());
+  QTest::keyClick(&Find("SendButton"), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(form_->SendCmd.Text(), "POWER");
 
   QTest::keyClick(&Find("SendButton"), Qt::Key_X, Qt::ControlModifier);
   EXPECT_FALSE(view_->isVisible());
   EXPECT_EQ(line_.Calls.back(), "CloseCom");
+}
+
+TEST_F(MainWindowOnScreen, ARecordingIsSavedToAFileAndOpenedAgain) {
+  const tests::TempFolder folder;
+  const QString path = QString::fromStdString(folder.Path() / "key.mode2");
+  const auto answer = [&] {
+    QTimer::singleShot(0, qApp, [&] {
+      QWidget* dialog = QApplication::activeModalWidget();
+      dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+      QMetaObject::invokeMethod(dialog, "accept");
+    });
+  };
+  Record();
+  const std::string samples = mod_->Signal.SampleBits;
+  answer();
+  form_->SaveRecordingMenu.Click();
+  EXPECT_EQ(folder.Read("key.mode2").substr(0, 34), "pulse 8800\nspace 4400\npulse 550\nsp");
+  form_->CodeStr.SetText("");
+  mod_->Signal.RawCapture.clear();
+  answer();
+  form_->OpenRecordingMenu.Click();
+  EXPECT_EQ(form_->CodeStr.Text(), "G" + kDigits);
+  EXPECT_EQ(mod_->Signal.SampleBits, samples);
+  EXPECT_TRUE(Find("Signal").accessibleDescription().endsWith(QStringLiteral("Recording key.mode2")));
 }
 
 TEST_F(MainWindowOnScreen, TheCloseBoxSavesAndEndsTheWork) {

@@ -100,7 +100,7 @@ TEST_F(WindowProgram, LearnsAPressByKeysAloneIntoAFirstInstall) {
 }
 
 TEST_F(WindowProgram, TellsOnTheScreenWhatItWaitsForAndDropsWhatIsPressedMeanwhile) {
-  ASSERT_TRUE(Start({"--real-time"}));
+  ASSERT_TRUE(Start({"--real-time", "--ports", "1"}));
   screen_->Click(PartOf("SendPulse"));
   Keys("ctrl+a");
   screen_->Type("9999");  // microseconds; a code takes seconds then
@@ -126,7 +126,7 @@ TEST_F(WindowProgram, TellsOnTheScreenWhatItWaitsForAndDropsWhatIsPressedMeanwhi
 }
 
 TEST_F(WindowProgram, ASecondStartBringsTheWindowToTheFront) {
-  program_.emplace(Program());
+  program_.emplace(Program({"--ports", "1"}));
   ASSERT_TRUE(Until([&] { return !screen_->Windows("Orlo.s Keplo").empty(); }));
   const std::string before = screen_->Focused();
   EXPECT_EQ(Running(Program()).WaitForEnd(), 0);

@@ -90,6 +90,7 @@ TEST_F(CalibrationFlow, TellsWhyNothingWasSaved) {
     EXPECT_EQ(shown.back(), c.Told);
     EXPECT_EQ(shown.size() == 3 ? shown[1].substr(0, 31) : "", c.Failed);
     EXPECT_EQ(mod_->Settings.ProcDelay, c.Delay) << c.Told;
+    EXPECT_EQ(form_->ProcDelayparameter.Text(), " " + std::to_string(c.Delay)) << "what is in force";
     EXPECT_EQ(form_->IRCommand.Text() + " " + line_.Calls.back(), c.IRCommand + " " + c.LastCall);
     EXPECT_EQ(File(), before);
     disk_.FailAt(0, false);

@@ -16,68 +16,61 @@ class Options : public WindowTest {
   }
 };
 
-TEST_F(Options, ReceiverAndOutputAreKeptInOneNumber) {
-  const auto type = [this] {
-    EXPECT_EQ(Saved("ITYPE"), std::to_string(mod_->Settings.InterfaceType));
-    return mod_->Settings.InterfaceType;
+TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
+  struct Step {
+    std::function<void()> Do;
+    std::string Saved;  // ITYPE, VEXIL, BEEPON
+    std::string Shown;  // receiver, TxD, zone
+    Texts Calls;
   };
-  form_->TxDCheckBox.SetChecked(true);
-  EXPECT_EQ(type(), 1);
-  EXPECT_EQ(line_.TakeCalls(), Texts{"SetMode 1"});
-  form_->IRMouseMenu.Click();
-  EXPECT_EQ(type(), 9);
-  EXPECT_EQ(form_->ReceiverType.Text() + std::to_string(mod_->Settings.ReceiverKind), "IRMouse1");
-  form_->IRMouseMenu.Click();
-  EXPECT_EQ(type(), 9);
-  form_->TxDCheckBox.SetChecked(false);
-  EXPECT_EQ(type(), 8);
-  EXPECT_TRUE(line_.TakeCalls().empty());
-  form_->StdDcdMenu.Click();
-  form_->StdDcdMenu.Click();
-  EXPECT_EQ(type(), 0);
-  EXPECT_EQ(form_->ReceiverType.Text() + std::to_string(mod_->Settings.ReceiverKind), "DCDStd0");
-  EXPECT_TRUE(form_->StdDcdMenu.Checked() && !form_->IRMouseMenu.Checked());
-}
-
-TEST_F(Options, ZoneHardwareAndSoftwareCarrierExcludeEachOther) {
-  form_->TxDCheckBox.SetChecked(true);
-  form_->VexilCheckbox.SetChecked(true);
-  EXPECT_EQ(Saved("ITYPE") + Saved("VEXIL") + form_->Zone.Text(), "011");
-  EXPECT_FALSE(form_->TxDCheckBox.Checked() || form_->TxDCheckBox.Enabled());
-  EXPECT_EQ(line_.TakeCalls(), (Texts{"SetMode 1", "SetMode 2"}));
-  form_->Zone.Select(4);
-  EXPECT_EQ(Saved("VEXIL") + std::to_string(mod_->Settings.VexilMode), "55");
-
-  form_->VexilCheckbox.SetChecked(false);
-  EXPECT_EQ(Saved("ITYPE") + Saved("VEXIL"), "00");
-  EXPECT_TRUE(form_->TxDCheckBox.Enabled() && !form_->TxDCheckBox.Checked());
-  EXPECT_FALSE(form_->Zone.Visible() || form_->ZoneNr.Visible());
-  EXPECT_TRUE(line_.Calls.empty());
-  form_->Zone.Select(6);
-  EXPECT_EQ(Saved("VEXIL"), "0");
-}
-
-TEST_F(Options, TheBeepFollowsItsBox) {
-  form_->BeepCheckbox.SetChecked(false);
-  EXPECT_FALSE(mod_->Settings.BeepOn);
-  EXPECT_EQ(Saved("BEEPON"), "0");
-  form_->BeepCheckbox.SetChecked(true);
-  EXPECT_EQ(Saved("BEEPON"), "1");
+  const auto check = [](ui::CheckBox& box, bool checked) {
+    return [&box, checked] { box.SetChecked(checked); };
+  };
+  const auto click = [](ui::MenuEntry& entry) { return [&entry] { entry.Click(); }; };
+  Form1& form = *form_;
+  int number = 0;
+  for (const Step& step :
+       std::vector<Step>{{check(form.TxDCheckBox, true), "1 0 1", "DCDStd TxD", {"SetMode 1"}},
+                         {click(form.IRMouseMenu), "9 0 1", "IRMouse TxD", {}},
+                         {click(form.IRMouseMenu), "9 0 1", "IRMouse TxD", {}},
+                         {check(form.TxDCheckBox, false), "8 0 1", "IRMouse", {}},
+                         {click(form.StdDcdMenu), "0 0 1", "DCDStd", {}},
+                         {click(form.StdDcdMenu), "0 0 1", "DCDStd", {}},
+                         {check(form.TxDCheckBox, true), "1 0 1", "DCDStd TxD", {"SetMode 1"}},
+                         {check(form.VexilCheckbox, true), "0 1 1", "DCDStd off zone 1", {"SetMode 2"}},
+                         {[&] { form.Zone.Select(4); }, "0 5 1", "DCDStd off zone 5", {}},
+                         {check(form.VexilCheckbox, false), "0 0 1", "DCDStd", {}},
+                         {[&] { form.Zone.Select(6); }, "0 0 1", "DCDStd", {}},
+                         {check(form.BeepCheckbox, false), "0 0 0", "DCDStd", {}},
+                         {check(form.BeepCheckbox, true), "0 0 1", "DCDStd", {}}}) {
+    line_.Calls.clear();
+    step.Do();
+    EXPECT_EQ(Saved("ITYPE") + " " + Saved("VEXIL") + " " + Saved("BEEPON"), step.Saved) << ++number;
+    EXPECT_EQ(std::to_string(mod_->Settings.InterfaceType) + " " + std::to_string(mod_->Settings.VexilMode) +
+                  " " + std::to_string(static_cast<int>(mod_->Settings.BeepOn)),
+              step.Saved);
+    EXPECT_EQ(form.ReceiverType.Text() + (form.TxDCheckBox.Checked() ? " TxD" : "") +
+                  (form.TxDCheckBox.Enabled() ? "" : " off") +
+                  (form.Zone.Visible() && form.ZoneNr.Visible() ? " zone " + form.Zone.Text() : ""),
+              step.Shown);
+    EXPECT_EQ(form.IRMouseMenu.Checked(), mod_->Settings.ReceiverKind == 1);
+    EXPECT_NE(form.IRMouseMenu.Checked(), form.StdDcdMenu.Checked());
+    EXPECT_EQ(line_.Calls, step.Calls);
+  }
 }
 
 TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
   const std::string ask = "Procdelay value: Enter the new ProcDelay value";
   const std::string refused = "The value must be between 0 and 100";
-  const std::vector<std::tuple<std::deque<std::string>, Texts, std::string>> cases = {
-      {{"100"}, {ask}, "100"},
-      {{"7.5"}, {ask}, "8"},
-      {{"6.5"}, {ask}, "6"},
-      {{"100.4", "-1", "-0.2", "12"}, {ask, refused, ask, refused, ask, refused, ask}, "12"},
-      {{"101", ""}, {ask, refused, ask}, "12"},
-      {{}, {ask}, "12"},
-      {{"abc"}, {ask}, "0"},
-  };
-  for (const auto& [answers, shown, value] : cases) {
+  for (const auto& [answers, shown, value] :
+       std::vector<std::tuple<std::deque<std::string>, Texts, std::string>>{
+           {{"100"}, {ask}, "100"},
+           {{"7.5"}, {ask}, "8"},
+           {{"6.5"}, {ask}, "6"},
+           {{"100.4", "-1", "-0.2", "12"}, {ask, refused, ask, refused, ask, refused, ask}, "12"},
+           {{"101", ""}, {ask, refused, ask}, "12"},
+           {{}, {ask}, "12"},
+           {{"abc"}, {ask}, "0"}}) {
     boxes_.Names = answers;
     form_->MenuProcDelay.Click();
     EXPECT_EQ(boxes_.TakeShown(), shown);
@@ -87,7 +80,6 @@ TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
 }
 
 TEST_F(Options, AKeyThatTheFileLacksIsChangedInMemoryAlone) {
-  Open(Config(Protocol("Mine", {"G10,EMPTY"})));
   std::string& text = mod_->Store.CfgText;
   text.erase(text.find("ITYPE= 0\r\n"), 10);
   const std::string before = File();
@@ -99,27 +91,22 @@ TEST_F(Options, AKeyThatTheFileLacksIsChangedInMemoryAlone) {
 
 TEST_F(Options, HelpThatCannotBeShownIsTold) {
   std::string opened;
-  form_->Programs.OpenManual = [&] {
-    opened += "manual ";
-    return std::string();
-  };
-  form_->Programs.OpenWebPage = [&](const std::string& page) {
-    opened += page;
-    return true;
-  };
+  form_->Programs = {[] { return std::string(); },
+                     [&](const std::string& page) {
+                       opened = page;
+                       return true;
+                     }};
   form_->HelpContentMenu.Click();
   form_->WebPageMenu.Click();
-  EXPECT_EQ(opened, "manual https://keplo.example/inputkeplo");
+  EXPECT_EQ(opened, "https://keplo.example/inputkeplo");
   EXPECT_TRUE(boxes_.Shown.empty());
-  form_->Programs.OpenManual = [] { return std::string("there is no browser"); };
-  form_->Programs.OpenWebPage = nullptr;
+  form_->Programs = {[] { return std::string("there is no browser"); }, nullptr};
   form_->HelpContentMenu.Click();
   form_->WebPageMenu.Click();
-  const Texts told = boxes_.TakeShown();
-  ASSERT_EQ(told.size(), 2U);
-  EXPECT_EQ(told.front(), "The manual cannot be shown: there is no browser.");
   form_->UpdateMenu.Click();
-  EXPECT_EQ(boxes_.TakeShown(), Texts{"Not yet implemented"});
+  ASSERT_EQ(boxes_.Shown.size(), 3U);
+  EXPECT_EQ(boxes_.Shown[0] + boxes_.Shown[2],
+            "The manual cannot be shown: there is no browser.Not yet implemented");
 }
 
 }  // namespace

@@ -8,17 +8,13 @@ namespace {
 
 const std::string kMine = Protocol("Mine", {"G1010,POWER", "G1100,MUTE"});
 const std::string kOther = Protocol("TV", {"G10,EMPTY"});
-const std::string kTemplate = Protocol("Template", {"G10,EMPTY"});
+const std::string kTemplate = Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
+const std::string kBefore = kGeneral + kMine + kOther + kTemplate;
 const std::string kDigits = "00000000111111110110100010010111";
-
-std::string General(const std::string& protocolIndex) {
-  std::string general = kGeneral;
-  return general.replace(general.find("PROTOCOL= 0") + 10, 1, protocolIndex);
-}
 
 class ProtocolFlow : public WindowTest {
  protected:
-  ProtocolFlow() { Open(kGeneral + kMine + kOther + kTemplate + "[END]\r\n"); }
+  ProtocolFlow() { Open(kBefore); }
 
   NewProtocol& Dialog() { return *form_->ProtocolDialog(); }
   NewProtocol& New() {
@@ -30,6 +26,7 @@ class ProtocolFlow : public WindowTest {
     form_->EditMenu.Click();
     return Dialog();
   }
+  void Cancel() { Dialog().CancelButton.Click(); }
 
   /// Presses Save and tells what is shown; questions are answered with no unless told otherwise.
   Texts Save(bool yes = false) {
@@ -38,10 +35,13 @@ class ProtocolFlow : public WindowTest {
     return boxes_.TakeShown();
   }
 
-  Texts Fields() {
+  /// The fields from one on.
+  Texts Fields(int from = 0) {
     const NewProtocol& d = Dialog();
-    return {d.CProtIn.Text(),   d.ProtDesc.Text(), d.GProtoIn.Text(), d.SendPlsIn.Text(), d.RepeatIn.Text(),
-            d.GRepeatIn.Text(), d.BitGIn.Text(),   d.Bit0In.Text(),   d.Bit1In.Text()};
+    const Texts all = {d.CProtIn.Text(),   d.ProtDesc.Text(), d.GProtoIn.Text(),
+                       d.SendPlsIn.Text(), d.RepeatIn.Text(), d.GRepeatIn.Text(),
+                       d.BitGIn.Text(),    d.Bit0In.Text(),   d.Bit1In.Text()};
+    return {all.begin() + from, all.end()};
   }
 };
 
@@ -50,6 +50,8 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   NewProtocol& dialog = New();
   EXPECT_EQ(Fields(), (Texts{"NewProtocol", "", "NEC", " 560", " 0", "72", "1100", "10", "1000"}));
   EXPECT_TRUE(dialog.CProtIn.Enabled());
+  dialog.CProtIn.SetText("mine");
+  EXPECT_EQ(Save(), Texts{"The new protocol name is in use"});
   dialog.CProtIn.SetText(" Lamp ");
   dialog.ProtDesc.SetText(" By the window ");
   dialog.GProtoIn.Select(2);
@@ -61,30 +63,54 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   EXPECT_EQ(Save(), Texts{"A new protocol with the following parameters will be created:\r\n" + block +
                           "\r\nDo you want to save it?"});
   ASSERT_EQ(form_->ProtocolDialog(), &dialog);
-  EXPECT_EQ(File(), kGeneral + kMine + kOther + kTemplate + "[END]\r\n");
+  EXPECT_EQ(File(), kBefore);
 
+  // Another program deletes a protocol while the question is open.
+  boxes_.WhileOpen = [&] { disk_.Put("keplo.cfg", kGeneral + kMine + kTemplate); };
   Save(true);
+  boxes_.WhileOpen = [] {};
   EXPECT_EQ(form_->ProtocolDialog(), nullptr);
-  EXPECT_EQ(File(), General("2") + kMine + kOther + block.substr(2) + "\r\n" + kTemplate + "[END]\r\n");
-  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "TV", "Lamp", "Template", "Recorded"}));
-  EXPECT_EQ(form_->Protocol.Text(), "Lamp");
-  EXPECT_EQ(mod_->Store.CurProtocol, "Lamp");
+  EXPECT_EQ(File(),
+            Replaced(kGeneral, "PROTOCOL= 0", "PROTOCOL= 1") + kMine + block.substr(2) + "\r\n" + kTemplate);
+  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Lamp", "Template", "Recorded"}));
+  EXPECT_EQ(form_->Protocol.Text() + mod_->Store.CurProtocol, "LampLamp");
+  EXPECT_EQ(form_->SendPulse.Text() + form_->SendCmd.Text(), " 850EMPTY");
   EXPECT_EQ(mod_->ProtocolParams.REPEAT, 150);
-  EXPECT_EQ(form_->SendPulse.Text(), " 850");
-  EXPECT_EQ(form_->SendCmd.Entries(), Texts{"EMPTY"});
+  form_->UndoMenu.Click();
+  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Template", "Recorded"}));
 }
 
-TEST_F(ProtocolFlow, EachGenericProtocolBringsItsPresets) {
-  NewProtocol& dialog = New();
+TEST_F(ProtocolFlow, WhatIsSelectedOrRecordedBringsItsPresets) {
   const std::string sync = "111111111111111100000000";
-  const std::vector<Texts> presets = {{"RC5", "850", "150", "0", "", "10", "01"},
-                                      {"SONY", "550", "40", "40", "1111", "01", "011"},
-                                      {"Custom", "550", "50", "1", sync, "10", "1000"},
-                                      {"NEC", "550", "50", "1", sync, "10", "1000"}};
-  for (const Texts& preset : presets) {
+  NewProtocol& dialog = New();
+  for (const Texts& preset : std::vector<Texts>{{"RC5", "850", "150", "0", "", "10", "01"},
+                                                {"SONY", "550", "40", "40", "1111", "01", "011"},
+                                                {"Custom", "550", "50", "1", sync, "10", "1000"},
+                                                {"NEC", "550", "50", "1", sync, "10", "1000"}}) {
     dialog.GProtoIn.SelectText(preset[0]);
-    const Texts fields = Fields();
-    EXPECT_EQ(Texts(fields.begin() + 2, fields.end()), preset);
+    EXPECT_EQ(Fields(2), preset);
+  }
+  Cancel();
+  form_->Protocol.SelectText("Recorded");
+  form_->CodeStr.SetText("G1010");
+  New();
+  EXPECT_EQ(Fields()[0], "NewProtocol") << "without the number of digits the template counts";
+  Cancel();
+  form_->BitNr.SetText("4");
+  form_->SendPulse.SetText("600");
+  constexpr std::int16_t kOtherKind = 7;
+  for (const auto& [kind, preset] :
+       std::vector<std::pair<std::int16_t, Texts>>{{kNec, {"NEC", "600", "50", "1", sync, "10", "1000"}},
+                                                   {kSony, {"SONY", "600", "50", "40", "1111", "01", "011"}},
+                                                   {kRc5, {"RC5", "600", "90", "0", "", "10", "01"}},
+                                                   {kUnknown, {"Custom", "600", "50", "1", "0110", "1", "0"}},
+                                                   {kOtherKind, {"", "600", "", "", "0110", "1", "0"}}}) {
+    mod_->Signal.Measured.ProtoKind = kind;
+    mod_->ProtocolParams = {1, 1, "1", "0", "0110", 1, ""};
+    New();
+    EXPECT_EQ(Fields(2), preset);
+    Cancel();
+    EXPECT_EQ(form_->Protocol.Text() + form_->CodeStr.Text(), "RecordedG1010");
   }
 }
 
@@ -101,103 +127,56 @@ TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndLeavesTheCommands) {
   EXPECT_EQ(Save(true), Texts{"The new parameters of the selected protocol are:\r\n" + block +
                               "\r\n\r\nDo you want to save it?"});
   EXPECT_EQ(File(), kGeneral + "[Mine]\r\n" + block + "\r\n\r\nG1010,POWER\r\nG1100,MUTE\r\n\r\n" + kOther +
-                        kTemplate + "[END]\r\n");
-  EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
+                        kTemplate);
   EXPECT_EQ(form_->SendCmd.Entries(), (Texts{"POWER", "MUTE"}));
+  Edit("TV");
+  EXPECT_NE(Save()[0].find("Do you want to save it?"), std::string::npos) << "only new names need 3 letters";
+  Cancel();
+  form_->UndoMenu.Click();
+  EXPECT_EQ(File(), Replaced(kBefore, "PROTOCOL= 0", "PROTOCOL= 1")) << "with what was selected since";
 }
 
 TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelectedAndKeepsARecordedCode) {
-  form_->Protocol.SelectText("Mine");
   for (int press = 0; press < 2; ++press) Record(Frames(NecRuns(kDigits), 2));
   const Texts recorded = {form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()};
   ASSERT_EQ(recorded[2], "green");
+  form_->TestCheck.SetChecked(true);
   for (const bool isNew : {true, false}) {
     NewProtocol& dialog = isNew ? New() : Edit("Mine");
+    line_.Calls.clear();
+    form_->Timer1.Tick();
+    EXPECT_EQ(line_.Calls, Texts{}) << "nothing is sent behind the dialog";
     dialog.SendPlsIn.SetText("none");
     EXPECT_EQ(Save(), Texts{"SENDPLS must have an integer value greater than 0"});
     EXPECT_EQ(mod_->ProtocolParams.SENDPLS, 0);
-    dialog.CancelButton.Click();
+    Cancel();
     EXPECT_EQ(form_->ProtocolDialog(), nullptr);
-    EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
-    EXPECT_EQ(mod_->ProtocolParams.SENDPLS, 560);
+    EXPECT_EQ(mod_->Store.CurProtocol + std::to_string(mod_->ProtocolParams.SENDPLS), "Mine560");
     EXPECT_EQ((Texts{form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()}), recorded);
+    EXPECT_TRUE(form_->Timer1.Enabled());
   }
-  EXPECT_EQ(File(), kGeneral + kMine + kOther + kTemplate + "[END]\r\n");
+  EXPECT_EQ(File(), kBefore);
+  Edit("Mine");
+  form_->FileExit.Click();
+  EXPECT_EQ(form_->ProtocolDialog(), nullptr);
 }
 
-TEST_F(ProtocolFlow, ARecordedCodeBringsWhatWasMeasured) {
-  form_->Protocol.SelectText("Recorded");
-  form_->CodeStr.SetText("G10");
-  New();
-  EXPECT_EQ(Fields()[0], "NewProtocol") << "without the number of digits the template counts";
-  Dialog().CancelButton.Click();
-  EXPECT_EQ(form_->CodeStr.Text(), "G10");
-  ASSERT_EQ(form_->Protocol.Text(), "Recorded");
-
-  Record(Frames(NecRuns(kDigits), 2));
-  const std::string pulse = form_->SendPulse.Text(), code = form_->CodeStr.Text();
-  ASSERT_FALSE(code.empty());
-  New();
-  EXPECT_EQ(Fields(), (Texts{"", "", "NEC", pulse, "50", "1", "111111111111111100000000", "10", "1000"}));
-  Dialog().CProtIn.SetText("Lamp");
-  Save();
-  Dialog().CancelButton.Click();
-  EXPECT_EQ(mod_->Store.CurProtocol, "Recorded");
-  EXPECT_EQ(form_->Protocol.Text(), "Recorded");
-  EXPECT_EQ(form_->CodeStr.Text(), code);
-}
-
-TEST_F(ProtocolFlow, ARecordedLineCodeBringsItsPresets) {
-  form_->Protocol.SelectText("Recorded");
-  form_->CodeStr.SetText("G1010");
-  form_->BitNr.SetText("4");
-  form_->SendPulse.SetText("600");
-  constexpr std::int16_t kOtherKind = 7;
-  const std::vector<std::pair<std::int16_t, Texts>> presets = {
-      {kSony, {"SONY", "600", "50", "40", "1111", "01", "011"}},
-      {kRc5, {"RC5", "600", "90", "0", "", "10", "01"}},
-      {kUnknown, {"Custom", "600", "50", "1", "0110", "1", "0"}},
-      {kOtherKind, {"", "600", "", "", "0110", "1", "0"}}};
-  for (const auto& [kind, preset] : presets) {
-    mod_->Signal.Measured.ProtoKind = kind;
-    mod_->ProtocolParams = {1, 1, "1", "0", "0110", 1, ""};
-    New();
-    const Texts fields = Fields();
-    EXPECT_EQ(Texts(fields.begin() + 2, fields.end()), preset);
-    Dialog().CancelButton.Click();
-  }
-}
-
-TEST_F(ProtocolFlow, TellsWhyItWillNotStartOrSave) {
-  Edit("Mine").ProtDesc.SetText("a[b");
-  EXPECT_EQ(Save(), Texts{"Description cannot contain \"[\" character!"});
-  Dialog().CancelButton.Click();
-  Edit("TV");
-  EXPECT_NE(Save()[0].find("Do you want to save it?"), std::string::npos) << "only new names need 3 letters";
-  Dialog().CancelButton.Click();
-  New().CProtIn.SetText("mine");
-  EXPECT_EQ(Save(), Texts{"The new protocol name is in use"});
-  Dialog().CancelButton.Click();
-
-  for (const auto& [protocol, edit, remove] :
-       {std::array<std::string, 3>{"Template", "The Template protocol cannot be edited",
-                                   "The Template protocol cannot be deleted"},
-        {"Recorded", "Recorded is a virtual protocol used to test new commands before save.",
-         "Recorded is a virtual protocol used to test new commands before save."}}) {
+TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
+  const std::string isVirtual = "Recorded is a virtual protocol used to test new commands before save.";
+  for (const auto& [protocol, told] :
+       {std::pair<std::string, Texts>{
+            "Template",
+            {"The Template protocol cannot be edited", "The Template protocol cannot be deleted"}},
+        {"Recorded", {isVirtual, isVirtual}}}) {
     form_->Protocol.SelectText(protocol);
     form_->EditMenu.Click();
     form_->ProtoDeleteMenu.Click();
-    EXPECT_EQ(boxes_.TakeShown(), (Texts{edit, remove}));
-    EXPECT_EQ(form_->ProtocolDialog(), nullptr);
+    EXPECT_EQ(boxes_.TakeShown(), told);
   }
-}
-
-TEST_F(ProtocolFlow, RefusesADamagedSectionAndBringsTheWindowBack) {
+  form_->Protocol.SelectText("Mine");
   std::string shown;
   form_->OnProtocolDialog = [&] { shown += form_->ProtocolDialog() != nullptr ? "dialog " : "window "; };
-  std::string damaged = kMine;
-  damaged.replace(damaged.find("GREPEAT= 72"), 11, "GREPEAT= ??");
-  mod_->Store.CfgText = kGeneral + damaged + kOther + "[END]\r\n";
+  mod_->Store.CfgText = kGeneral + Replaced(kMine, "GREPEAT= 72", "GREPEAT= ??") + kOther + "[END]\r\n";
   form_->EditMenu.Click();
   form_->FileNewMenu.Click();
   const std::string told = "Error in the configuration file\r\nThe Protocol Form can not be opened";
@@ -207,7 +186,6 @@ TEST_F(ProtocolFlow, RefusesADamagedSectionAndBringsTheWindowBack) {
 }
 
 TEST_F(ProtocolFlow, WhereverASaveFailsTheMessageFitsTheFile) {
-  const std::string before = kGeneral + kMine + kOther + kTemplate + "[END]\r\n";
   const std::vector<std::function<void()>> changes = {[&] { New().CreateButton.Click(); },
                                                       [&] {
                                                         Edit("Mine").ProtDesc.SetText("Living room");
@@ -216,17 +194,18 @@ TEST_F(ProtocolFlow, WhereverASaveFailsTheMessageFitsTheFile) {
                                                       [&] { form_->ProtoDeleteMenu.Click(); }};
   for (const auto& change : changes) {
     bool failed = true;
-    for (int operation = 1; failed; ++operation) {
-      Open(before);
+    for (int operation = 3; failed; ++operation) {  // the first ones look for changes of other programs
+      Open(kBefore);
       disk_.FailAt(operation, /*forGood=*/false);
       change();
       disk_.FailAt(0, /*forGood=*/false);
       const std::string told = boxes_.TakeShown().back();
       const bool kept = told.find("is as it was: operation") != std::string::npos;
       failed = kept || told.find("is saved, but") != std::string::npos;
-      EXPECT_EQ(File() == before, kept) << told;
+      EXPECT_EQ(File() == kBefore, kept) << told;
       EXPECT_EQ(mod_->Store.CfgText, File()) << told;
       EXPECT_EQ(form_->Protocol.ListIndex(), mod_->Settings.ProtocolIndex) << told;
+      EXPECT_NE(form_->UndoMenu.Enabled(), kept) << told;
     }
   }
 }
@@ -240,35 +219,21 @@ TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) 
   EXPECT_EQ(Save(true), Texts{"The new protocol name is in use"});
 }
 
-TEST_F(ProtocolFlow, ADeletedProtocolTakesItsCommandsAlong) {
-  form_->Protocol.SelectText("Mine");
+TEST_F(ProtocolFlow, ADeletedProtocolTakesItsCommandsAlongAndUndoBringsThemBack) {
   boxes_.Yes = false;
+  form_->Protocol.Select(1);
   form_->ProtoDeleteMenu.Click();
   EXPECT_EQ(boxes_.TakeShown(),
-            Texts{"Do you want to delete the protocol Mine from the current configuration file?"});
-  EXPECT_EQ(form_->Protocol.Count(), 4);
+            Texts{"Do you want to delete the protocol TV from the current configuration file?"});
   boxes_.Yes = true;
   form_->ProtoDeleteMenu.Click();
-  EXPECT_EQ(File(), kGeneral + kOther + kTemplate + "[END]\r\n");
-  EXPECT_EQ(form_->Protocol.Text(), "TV");
+  EXPECT_EQ(form_->Protocol.Text(), "Mine");
   form_->ProtoDeleteMenu.Click();
-  EXPECT_EQ(File(), kGeneral + kTemplate + "[END]\r\n");
+  EXPECT_EQ(File(), kGeneral + kTemplate);
   EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Template", "Recorded"}));
-  EXPECT_EQ(mod_->Store.CurProtocol, "Template");
-}
-
-TEST_F(ProtocolFlow, TheWindowSendsNothingBehindTheDialogAndTakesItAlongWhenItCloses) {
-  form_->TestCheck.SetChecked(true);
-  ASSERT_TRUE(form_->Timer1.Enabled());
-  Edit("Mine");
-  form_->Timer1.Tick();
-  EXPECT_EQ(line_.Calls, Texts{});
-  Dialog().CancelButton.Click();
-  EXPECT_TRUE(form_->Timer1.Enabled());
-  Edit("Mine");
-  form_->FileExit.Click();
-  EXPECT_EQ(form_->ProtocolDialog(), nullptr);
-  EXPECT_FALSE(form_->Timer1.Enabled());
+  form_->UndoMenu.Click();
+  EXPECT_EQ(File(), kGeneral + kMine + kTemplate);
+  EXPECT_EQ(form_->Protocol.Text() + " " + form_->SendCmd.Text(), "Mine POWER");
 }
 
 }  // namespace

@@ -25,141 +25,116 @@ class RecordFlow : public WindowTest {
 };
 
 TEST_F(RecordFlow, EveryLineCodeIsExplained) {
+  const auto sony20 = Frames(SonyRuns("10100010001011000000"), 2);
+  struct Case {
+    std::vector<int> Press;
+    std::string Code, Fields, Colour;
+    Analysis By = Analysis::First;
+  };
+  for (const Case& c : std::vector<Case>{
+           {Rc5Runs(kRc5Digits), kRc5Code, "14|0|Y|RC5|5|76|1|RC5 params|", "green"},
+           {NecRuns(kNecDigits), kNecDigits, "32|1|N|NEC|||N|NEC params|", "red"},
+           {Frames(NecRuns(kNecDigits), 2), kNecDigits, "32|2|Y|NEC|||N|NEC params|", "green"},
+           {Frames(SonyRuns("001000100010"), 3), "001000100010", "12|2|Y|SONY|8|68|N|SONY params|", "green"},
+           {sony20, "10100010001011000000", "20|2|Y|SONY|||N|SONY params|", "green"},
+           {sony20, "10100010001011000000", "20|2|Y|SONY|8.3|69|N|SONY params|", "green", Analysis::Second},
+           {Frames(NecRuns("100010"), 4), "100010", "6|2|Y|NEC|||N|NEC params|", "green"},
+       }) {
+    mod_->Settings.Analysis = c.By;
+    Record(c.Press);
+    EXPECT_EQ(Fields(), c.Fields);
+    EXPECT_EQ(form_->CodeStr.Text() + CodeColour(), "G" + c.Code + c.Colour) << c.Fields;
+    EXPECT_EQ(form_->ToggleVal.Visible(), c.Code == kRc5Code);
+    EXPECT_EQ(form_->GProt.BackColour(), ui::kGreen);
+  }
   Record(NecRuns(kNecDigits));
-  EXPECT_EQ(Fields(), "32|1|N|NEC|||N|NEC params|");
-  EXPECT_EQ(form_->CodeStr.Text(), "G" + kNecDigits);
-  EXPECT_EQ(form_->SendPulse.Text(), "550");
-  EXPECT_EQ(form_->plen1.Text().substr(0, 10), "-160-10-11");
-  EXPECT_EQ(form_->plen0.Text().substr(0, 9), "-80-10-11");
-  EXPECT_FALSE(form_->ToggleVal.Visible());
-
-  Record(Frames(SonyRuns("001000100010"), 3));
-  EXPECT_EQ(Fields(), "12|2|Y|SONY|8|68|N|SONY params|");
-  EXPECT_EQ(form_->GProt.BackColour(), ui::kGreen);
-  EXPECT_EQ(CodeColour(), "green");
-
-  Record(Rc5Runs(kRc5Digits));
-  EXPECT_EQ(Fields(), "14|0|Y|RC5|5|76|1|RC5 params|");
-  EXPECT_EQ(form_->CodeStr.Text(), "G" + kRc5Code);
-  EXPECT_TRUE(form_->ToggleVal.Visible());
-}
-
-TEST_F(RecordFlow, TheSecondLookTellsTheNumbersOfSonysTwentyDigits) {
-  const auto press = Frames(SonyRuns("10100010001011000000"), 2);
-  Record(press);
-  EXPECT_EQ(Fields(), "20|2|Y|SONY|||N|SONY params|");
-  mod_->Settings.Analysis = Analysis::Second;
-  Record(press);
-  EXPECT_EQ(Fields(), "20|2|Y|SONY|8.3|69|N|SONY params|");
+  EXPECT_EQ(form_->SendPulse.Text() + form_->plen1.Text().substr(0, 10) + form_->plen0.Text().substr(0, 9),
+            "550-160-10-11-80-10-11");
 }
 
 TEST_F(RecordFlow, AKnownCommandIsNamedAndSelected) {
   form_->Protocol.SelectText("Recorded");
   line_.Calls.clear();
+  bool enabled = true;
+  line_.WhileRecording = [&] { enabled = form_->RecButton.Enabled(); };
   Record(Frames(SonyRuns("101000100010"), 3));
+  EXPECT_TRUE(!enabled && form_->RecButton.Enabled()) << "one recording at a time";
   EXPECT_EQ(form_->IRCommand.Text(), "Mine&&PLAY");
   EXPECT_EQ(form_->Protocol.Text() + " " + form_->SendCmd.Text(), "Mine PLAY");
-  EXPECT_EQ(form_->SendPulse.Text(), "560");
   EXPECT_EQ(line_.Calls,
             (Texts{"DTR 0", "RTS -1", "SpeakBeep 5000 50", "RTS -1", "IRRecord limit 1000 1000 delay 10",
                    "SpeakBeep 2000 50", "SpeakBeep 5000 50"}));
 }
 
 TEST_F(RecordFlow, NewCodesAreValidatedByTwoEqualPresses) {
-  const auto a = NecRuns(kNecDigits);
-  const auto b = NecRuns("11111111000000001110000000011111");
+  const auto a = NecRuns(kNecDigits), b = NecRuns("11111111000000001110000000011111");
   const auto toggled = Rc5Runs(kRc5Digits, 1), again = Rc5Runs(kRc5Code, 1);
   const auto known = SonyRuns("101000100010"), repeated = Frames(SonyRuns("001000100010"), 3);
   const auto knownRepeated = Frames(known, 3);
-  const std::vector<std::pair<std::vector<std::vector<int>>, Texts>> stories = {
-      {{a, a, a}, {"red", "green", "green"}},      {{a, b, b, b}, {"red", "red", "red", "green"}},
-      {{toggled, again}, {"red", "green"}},        {{a, known, a, a}, {"red", "plain", "red", "green"}},
-      {{a, repeated, a}, {"red", "green", "red"}}, {{a, knownRepeated, a}, {"red", "plain", "green"}},
-  };
-  for (const auto& [presses, colours] : stories) {
-    SCOPED_TRACE(testing::PrintToString(colours));
+  for (const auto& [presses, colours] : std::vector<std::pair<std::vector<std::vector<int>>, Texts>>{
+           {{a, a, a}, {"red", "green", "green"}},
+           {{a, b, b, b}, {"red", "red", "red", "green"}},
+           {{toggled, again}, {"red", "green"}},
+           {{a, known, a, a}, {"red", "plain", "red", "green"}},
+           {{a, repeated, a}, {"red", "green", "red"}},
+           {{a, knownRepeated, a}, {"red", "plain", "green"}}}) {
     SetUp();
     Texts shown;
     for (const auto& press : presses) {
       Record(press);
       shown.push_back(CodeColour());
+      if (shown.back() != "plain") {
+        EXPECT_EQ(line_.Calls.back(), shown.back() == "red" ? "SpeakBeep 2000 300" : "SpeakBeep 5000 50");
+      }
     }
     EXPECT_EQ(shown, colours);
   }
 }
 
-TEST_F(RecordFlow, NewCodesAreToldByTheirBeep) {
-  Record(NecRuns(kNecDigits));
-  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 2000 300");
-  Record(NecRuns(kNecDigits));
-  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
-}
-
 TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
   const auto once = SonyRuns("101000100010"), held = Frames(once, 3);
-  const std::vector<std::pair<std::vector<int>, std::string>> presses = {
-      {held, "The command is not yet validated. Pres again Record button to validate"},
-      {once, "This command exist as PLAY"},
-      {held, "This command exist as PLAY"},
-  };
-  for (const auto& [press, refusal] : presses) {
+  for (const auto& [press, refusal] : std::vector<std::pair<std::vector<int>, std::string>>{
+           {held, "The command is not yet validated. Pres again Record button to validate"},
+           {once, "This command exist as PLAY"},
+           {held, "This command exist as PLAY"}}) {
     Record(press);
-    EXPECT_EQ(CodeColour(), "plain");
     form_->SaveCmdButton.Click();
     EXPECT_EQ(boxes_.TakeShown(), Texts{refusal});
   }
 }
 
-TEST_F(RecordFlow, WhatAnEarlierPressLeftIsTakenBackOrStays) {
-  Record(Rc5Runs(kRc5Digits));
-  EXPECT_EQ(form_->GType.Text(), "0");
-  Record(NecRuns(kNecDigits));
-  EXPECT_FALSE(form_->ToggleVal.Visible());
-  EXPECT_EQ(form_->GType.Text(), "1");
-  Record(Frames(NecRuns(kNecDigits), 2));
-  EXPECT_EQ(form_->GType.Text(), "2");
-  Record(Joined(SonyRuns("101000"), SonyRuns("100010")));  // a fragment has no sync type
-  EXPECT_EQ(form_->BitNr.Text() + form_->GType.Text(), "62");
-}
-
-TEST_F(RecordFlow, ASecondRecordingHasToWaitForTheFirst) {
-  bool enabled = true;
-  line_.WhileRecording = [&] { enabled = form_->RecButton.Enabled(); };
-  Record(NecRuns(kNecDigits));
-  EXPECT_FALSE(enabled);
-  EXPECT_TRUE(form_->RecButton.Enabled());
-}
-
-TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeeps) {
-  Record(NecRuns(kNecDigits));  // red, so that a colour that stays would show
-  line_.Calls.clear();
-  form_->RecButton.Click();
-  EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 600 1000");
-  EXPECT_EQ(CodeColour(), "plain");
-  EXPECT_EQ(form_->CodeStr.Text() + form_->BitNr.Text() + form_->plen1.Text(), "");
-
-  Record(NecRuns("10001010"));
-  ASSERT_EQ(CodeColour(), "red");
-  Record(Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)));
-  EXPECT_EQ(CodeColour(), "plain");
-  EXPECT_EQ(form_->BitNr.Text() + form_->Rpt.Text() + form_->GProt.Text(), "6N");
-  EXPECT_EQ(form_->GProt.BackColour(), ui::kRed);
-  EXPECT_EQ(form_->CodeStr.Text(), "");
-
-  Record(Frames(NecRuns("100010"), 4));
-  EXPECT_EQ(form_->CodeStr.Text(), "G100010");
-
-  Record(NecRuns("10001010"));
-  ASSERT_EQ(CodeColour(), "red");
-  Record(std::vector<int>(60, 10));
-  EXPECT_EQ(form_->GProt.Text() + form_->SendPulse.Text() + form_->CodeStr.Text(), "UNK495");
-  EXPECT_EQ(form_->GProt.BackColour(), ui::kRed);
-  EXPECT_EQ(CodeColour(), "plain");
-
-  line_.Captures.push_back(Padded(Bytes("11110000"), 1000));
-  form_->RecButton.Click();
-  EXPECT_EQ(form_->CodeStr.Text(), "");
-  EXPECT_TRUE(form_->RecButton.Enabled());
+TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
+  form_->DescribeLine = [] { return std::string("It is a fake."); };
+  struct Case {
+    std::vector<int> Press;  // none for silence
+    std::string Told;        // pulse, digits, repeats, line code, code
+  };
+  for (const Case& c :
+       std::vector<Case>{{{}, "560|||NEC|"},
+                         {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||"},
+                         {std::vector<int>(60, 10), "495|||UNK|"},
+                         {{4, 4}, "560|||NEC|"}}) {
+    SetUp();
+    form_->DescribeLine = [] { return std::string("It is a fake."); };
+    Record(NecRuns("10001010"));
+    ASSERT_EQ(CodeColour(), "red") << "so that a colour that stays would show";
+    form_->SendPulse.SetText("560");
+    if (c.Press.empty()) {
+      form_->RecButton.Click();
+      EXPECT_EQ(line_.Calls.back(), "SpeakBeep 600 1000");
+    } else if (c.Press.size() == 2) {
+      line_.Captures.push_back(Padded(Bytes(Runs(c.Press)), 1000));
+      form_->RecButton.Click();
+    } else {
+      Record(c.Press);
+    }
+    EXPECT_EQ(form_->SendPulse.Text() + "|" + form_->BitNr.Text() + "|" + form_->Rpt.Text() + "|" +
+                  form_->GProt.Text() + "|" + form_->CodeStr.Text(),
+              c.Told);
+    EXPECT_EQ(CodeColour(), c.Press.size() == 2 ? "red" : "plain");
+    EXPECT_EQ(form_->Note.Text(), c.Press.empty() ? "No signal came. It is a fake." : "It is a fake.");
+    EXPECT_TRUE(form_->RecButton.Enabled());
+  }
 }
 
 TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
@@ -176,6 +151,31 @@ TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
   EXPECT_EQ(form_->ZoneNr.Text(), "3");
   form_->RecButton.Click();
   EXPECT_EQ(form_->ZoneNr.Text(), "?");
+}
+
+TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
+  std::string kept;
+  form_->Recordings.Save = [&](const std::string& capture) { kept = capture; };
+  form_->SaveRecordingMenu.Click();
+  EXPECT_EQ(boxes_.TakeShown(),
+            Texts{"There is no recording to save. Press Record and a key of the remote first."});
+  Record(Frames(SonyRuns("101000100010"), 3));
+  form_->SaveRecordingMenu.Click();
+  const std::string samples = mod_->Signal.SampleBits;
+
+  SetUp();
+  form_->TestCheck.SetChecked(true);
+  form_->Recordings.Open = [&] { return OpenedRecording{"play.mode2", kept}; };
+  form_->OpenRecordingMenu.Click();
+  EXPECT_EQ(form_->IRCommand.Text() + " " + form_->Note.Text(), "Mine&&PLAY Recording play.mode2");
+  EXPECT_EQ(mod_->Signal.SampleBits, samples);
+  EXPECT_FALSE(form_->Timer1.Enabled()) << "a loop would send over it";
+  form_->Recordings.Open = [&] { return OpenedRecording{"x.cap", Padded("\x10", 1000)}; };
+  form_->OpenRecordingMenu.Click();
+  EXPECT_EQ(form_->Note.Text(), "Recording x.cap: the signal is too short for a command.");
+  form_->Recordings.Open = []() -> std::optional<OpenedRecording> { throw Failure(2, "no such file"); };
+  form_->OpenRecordingMenu.Click();
+  EXPECT_EQ(boxes_.TakeShown(), Texts{"no such file"});
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "window/window_fixture.h"
 
@@ -30,28 +31,15 @@ TEST_F(Waveform, EverySampleIsADotAndEveryChangeAnEdge) {
   EXPECT_EQ(surface.Lines()[1].X1, 28);
   EXPECT_EQ(LastX(), 532);
   EXPECT_EQ(mod_->Signal.SampleBits, Runs(std::vector<int>(128, 5)));
-  EXPECT_TRUE(std::all_of(surface.Points().begin(), surface.Points().end(), [](const auto& point) {
-    const Place& box = FindControl("Signal")->At;
-    return point.X * kTwipsPerPixel > box.Left && point.X * kTwipsPerPixel < box.Left + box.Width &&
-           point.Y * kTwipsPerPixel > box.Top && point.Y * kTwipsPerPixel < box.Top + box.Height;
-  }));
-}
-
-TEST_F(Waveform, TheScrollBarSlidesTheTraceToTheLeft) {
-  form_->HScroll1.SetValue(12);
-  EXPECT_EQ(FirstX(), 21);
-  EXPECT_EQ(form_->Surface.Points().front().Y, kUpper);
   form_->HScroll1.SetValue(10);
   // The samples to the left of the margin are still followed: two of the run of 1 are left, then the edge.
   EXPECT_EQ(FirstX(), 21);
-  EXPECT_EQ(form_->Surface.Lines().front().X1, 23);
+  EXPECT_EQ(surface.Lines().front().X1, 23);
   form_->HScroll1.SetValue(-10000);
   EXPECT_EQ(LastX(), 23);
 }
 
-TEST_F(Waveform, ZoomStretchesSqueezesAndComesBack) {
-  int shown = 0;
-  form_->Surface.OnShow = [&] { ++shown; };
+TEST_F(Waveform, ZoomStretchesSqueezesAndComesBackFromAnywhere) {
   form_->GExt.Click();
   EXPECT_EQ(FirstX(), 46);
   form_->Gshr.Click();
@@ -59,39 +47,75 @@ TEST_F(Waveform, ZoomStretchesSqueezesAndComesBack) {
   EXPECT_EQ(FirstX(), 20.5);
   form_->HScroll1.SetValue(-100);
   form_->GReset.Click();
-  EXPECT_EQ(FirstX(), 23);
-  EXPECT_EQ(form_->HScroll1.Value(), 15);
-  EXPECT_EQ(shown, 6);
-}
-
-TEST_F(Waveform, NoZoomIsTooFarToComeBackFrom) {
-  for (ui::Button* button : {&form_->GExt, &form_->Gshr}) {
-    ui::Button& back = button == &form_->GExt ? form_->Gshr : form_->GExt;
+  EXPECT_EQ(FirstX() + form_->HScroll1.Value(), 23 + 15);
+  for (const auto& [button, back] : {std::pair(&form_->GExt, &form_->Gshr), {&form_->Gshr, &form_->GExt}}) {
     for (int click = 0; click < 2000; ++click) button->Click();
     EXPECT_TRUE(form_->Surface.Points().empty());
-    for (int click = 0; click < 2000 && form_->Surface.Points().empty(); ++click) back.Click();
+    for (int click = 0; click < 2000 && form_->Surface.Points().empty(); ++click) back->Click();
     EXPECT_FALSE(form_->Surface.Points().empty());
     form_->GReset.Click();
   }
-}
-
-TEST_F(Waveform, WithoutATraceTheButtonsDoNothing) {
   form_->SendPulse.SetText(" ");
   form_->GExt.Click();
-  form_->GReset.Click();
-  EXPECT_EQ(FirstX(), 23);
+  EXPECT_EQ(FirstX(), 23) << "nothing is recorded";
   form_->SendPulse.SetText("550");
   mod_->Signal.RawCapture.resize(59);
   form_->GExt.Click();
-  EXPECT_EQ(FirstX(), 23);
+  EXPECT_EQ(FirstX(), 23) << "too short";
 }
 
-TEST_F(Waveform, ACaptureThatTheWindowDidNotDrawLeavesItAlive) {
-  Open(Config(Protocol("Mine", {"G10,EMPTY"})));
-  mod_->Signal.RawCapture = std::string(100, '\xAA');
-  form_->GReset.Click();
-  EXPECT_EQ(FirstX(), 23);
-  EXPECT_EQ(form_->Surface.Lines().size(), form_->Surface.Points().size());
+TEST_F(Waveform, ZoomAtAPlaceKeepsWhatStandsThereAndFitsTheWholeTrace) {
+  Record(NecRuns("00000000111111110110100010010111"));
+  for (const double factor : {2.0, 2.0, 8.0, 0.25, 0.001}) {
+    const double sample = form_->WaveSample(100);
+    form_->ZoomWave(100, factor);
+    EXPECT_NEAR(form_->WaveSample(100), sample, 1) << factor;
+  }
+  form_->FitWave();
+  EXPECT_GT(form_->WavePlace(0), 20);
+  EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), form_->Surface.Width - 20);
+  EXPECT_LT(form_->Surface.Points().size(), 4U * 4 * static_cast<std::size_t>(form_->Surface.Width))
+      << "as many as pixels, not samples";
+}
+
+TEST(WaveReading, TellsTheRunAtThePointerAndTheDistanceOfTwoCursors) {
+  WaveReading wave;
+  wave.Read(Runs({10, 20, 200}));
+  for (const auto& [sample, text] : std::vector<std::pair<int, std::string>>{{0, "mark 550 us, 1.0 T"},
+                                                                             {9, "mark 550 us, 1.0 T"},
+                                                                             {10, "space 1100 us, 2.0 T"},
+                                                                             {-1, ""},
+                                                                             {30, "mark 11.00 ms, 20.0 T"},
+                                                                             {230, ""}}) {
+    wave.PointAt(sample);
+    EXPECT_EQ(wave.PointerText(550), text) << sample;
+  }
+  std::string steps;
+  for (const int step : {1, 1, 1, 1, -1, -1, -1}) {
+    wave.StepPointer(step);
+    wave.PlaceCursor();
+    steps += std::to_string(*wave.Pointer()) + " " + wave.CursorText(0) + "; ";
+  }
+  EXPECT_EQ(steps,
+            "0 cursor at 0 ms; 10 distance 550 us; 30 cursor at 1.65 ms; 30 distance 0 us; "
+            "10 cursor at 0.55 ms; 0 distance 550 us; 0 cursor at 0 ms; ");
+  wave.TakeCursorBack();
+  EXPECT_EQ(wave.CursorText(550), "distance 550 us, 1.0 T");
+  wave.Read("10");
+  EXPECT_EQ(wave.CursorText(550) + wave.PointerText(550), "") << "another trace";
+}
+
+TEST(WaveReading, TheTicksOfTheAxisAreRoundAndHaveRoomForTheirLabels) {
+  for (const auto& [from, to, room, labels] : {std::tuple(0.0, 31.0, 7.0, "0 10 20 30 "),
+                                               {0.0, 5.0, 1.1, "0 2 4 "},
+                                               {99.9, 101.0, 0.5, "100 100.5 101 "},
+                                               {0.0, 10.0, 1e300, "0 "},
+                                               {5.0, 1.0, 1.0, ""}}) {
+    std::string told;
+    for (const TimeTick& tick : TimeTicks(from, to, room))
+      told += tick.Labelled ? TimeText(tick.Ms) + " " : "";
+    EXPECT_EQ(told, labels);
+  }
 }
 
 }  // namespace

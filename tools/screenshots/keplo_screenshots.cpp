@@ -1,5 +1,8 @@
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
 #include <QTimer>
 #include <cstdio>
 #include <functional>
@@ -8,6 +11,7 @@
 #include "doubles/fake_line.h"
 #include "doubles/temp_folder.h"
 #include "events/event_table.h"
+#include "line/open_line.h"
 #include "looks.h"
 #include "qt/control_view.h"
 #include "qt/qt_boxes.h"
@@ -20,6 +24,7 @@
 namespace keplo {
 namespace {
 
+constexpr std::int16_t kStandardReceiver = 0;
 constexpr const char* kConfig =
     "[General]\r\nCOMPORT= 1\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= 0\r\nBEEPON= 1\r\nVEXIL= 1\r\n\r\n"
     "[Television]\r\nGPROTO= 0\r\nSENDPLS= 560\r\nREPEAT= 0\r\nBITG= 10\r\nBIT0= 10\r\nBIT1= 1000\r\n"
@@ -91,6 +96,28 @@ class Scene {
   KeploMod mod_{folder_.Path(), files_};
   std::unique_ptr<Keplo> control_;
 };
+
+/// The main window of a computer without a receiver, and its first menu.
+bool SaveWithoutReceiver(const QDir& folder) {
+  LineSpec nothing;
+  nothing.Ports = {1};
+  const OpenedLine line = OpenLine(nothing, {}, kStandardReceiver);
+  tests::WindowScene scene;
+  scene.Form().DescribeLine = line.Describe;
+  scene.Form().ComList.Clear();
+  scene.Form().ComList.SetBackColour(std::nullopt);
+  scene.Click("RecButton");
+  bool saved = Save(scene.View(), folder.filePath(QStringLiteral("window_no_receiver.png")));
+  auto& menu = *scene.View().findChild<QMenu*>(QStringLiteral("FileMenu"));
+  const QMenuBar& bar = *scene.View().findChild<QMenuBar*>();
+  menu.popup(bar.mapToGlobal(bar.rect().bottomLeft()));
+  QCoreApplication::processEvents();
+  QPixmap picture = scene.View().grab();
+  QPainter(&picture).drawPixmap(bar.geometry().bottomLeft(), menu.grab());
+  saved = picture.save(folder.filePath(QStringLiteral("file_menu.png")), "PNG", 0) && saved;
+  menu.close();
+  return saved;
+}
 
 /// The main window on its way: one recording is not yet trusted, a second one of the same code is.
 bool SaveWindow(const QDir& folder) {
@@ -214,6 +241,7 @@ int main(int argc, char** argv) {
   keplo::Scene scene;
   bool saved = scene.SaveControl(folder.filePath(QStringLiteral("control.png")));
   saved = scene.SaveDialog(folder.filePath(QStringLiteral("event_dialog.png"))) && saved;
+  saved = keplo::SaveWithoutReceiver(folder) && saved;
   saved = keplo::SaveWindow(folder) && saved;
   saved = keplo::SaveProtocolDialogs(folder) && saved;
   saved = keplo::SaveBoxes(folder) && saved;

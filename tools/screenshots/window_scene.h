@@ -35,8 +35,8 @@ class SceneBoxes : public qt::QtBoxes {
  public:
   bool Agrees = false;
 
-  void Message(std::string_view text, std::string_view title) override {
-    if (!Agrees) QtBoxes::Message(text, title);
+  void Explain(std::string_view text, std::string_view title, std::string_view reason) override {
+    if (!Agrees) QtBoxes::Explain(text, title, reason);
   }
   bool Confirm(std::string_view text, std::string_view title) override {
     return Agrees || QtBoxes::Confirm(text, title);

@@ -1,0 +1,23 @@
+#include "window/recording_flow.h"
+
+#include <optional>
+#include <utility>
+
+namespace keplo {
+
+void RecordingFlow::Open() {
+  std::optional<OpenedRecording> recording;
+  if (!files_.Open || !dialogue_.Told([&] { recording = files_.Open(); }) || !recording) return;
+  const bool shown = record_.Explain(std::move(recording->Capture));
+  note_.SetText("Recording " + recording->Name + (shown ? "" : ": the signal is too short for a command."));
+}
+
+void RecordingFlow::Save() {
+  if (signal_.RawCapture.find_first_not_of('\0') == std::string::npos) {
+    dialogue_.Tell("There is no recording to save. Press Record and a key of the remote first.");
+    return;
+  }
+  if (files_.Save) dialogue_.Told([&] { files_.Save(signal_.RawCapture); });
+}
+
+}  // namespace keplo

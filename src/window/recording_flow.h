@@ -1,0 +1,30 @@
+#pragma once
+
+#include "signal/monitored_press.h"
+#include "ui/label.h"
+#include "window/dialogue.h"
+#include "window/record_flow.h"
+#include "window/recording_files.h"
+
+namespace keplo {
+
+/// Recordings in files: an old one to be looked at again, and the one on screen to be kept.
+class RecordingFlow {
+ public:
+  /// @param files may change until they are called
+  RecordingFlow(const SignalState& signal, const RecordingFiles& files, RecordFlow& record, ui::Label& note,
+                Dialogue& dialogue)
+      : signal_(signal), files_(files), record_(record), note_(note), dialogue_(dialogue) {}
+
+  void Open();
+  void Save();
+
+ private:
+  const SignalState& signal_;
+  const RecordingFiles& files_;
+  RecordFlow& record_;
+  ui::Label& note_;
+  Dialogue& dialogue_;
+};
+
+}  // namespace keplo

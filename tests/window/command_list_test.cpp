@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+
+#include "window/window_fixture.h"
+
+namespace keplo::tests {
+namespace {
+
+const std::string kDigits = "00000000111111110110100010010111";
+const std::string kEmpty = "G10,EMPTY";
+const std::string kLine = "G" + kDigits + ",VOL_UP";
+const std::string kAsk =
+    "Input new command name: Enter the name for the new command.\nUse only a-z, A-Z,'-','_' characters";
+
+std::string FileWith(const std::vector<std::string>& commands) { return Config(Protocol("Mine", commands)); }
+
+class CommandList : public WindowTest {
+ protected:
+  void RecordTwice() {
+    for (int press = 0; press < 2; ++press) Record(NecRuns(kDigits));
+    ASSERT_EQ(CodeColour(), "green");
+  }
+  Texts Save(const std::deque<std::string>& names) {
+    boxes_.Names = names;
+    form_->SaveCmdButton.Click();
+    return boxes_.TakeShown();
+  }
+  Texts Delete() {
+    form_->DeleteCmdButton.Click();
+    return boxes_.TakeShown();
+  }
+  /// Another program writes the file, and the window looks at it.
+  void WriteOutside(const std::string& file) {
+    disk_.Put("keplo.cfg", file);
+    form_->FileTimer.Tick();
+  }
+};
+
+TEST_F(CommandList, AnUnknownRemoteIsRecordedStoredSentAndForgotten) {
+  Form1& form = Open(FileWith({kEmpty}));
+  Record(NecRuns(kDigits));
+  EXPECT_EQ(CodeColour(), "red");
+  EXPECT_EQ(Save({}), Texts{"The command is not yet validated. Pres again Record button to validate"});
+  form.SendButton.Click();
+  EXPECT_EQ(boxes_.TakeShown(), Texts{" The received command is not yet validated!"});
+  Record(NecRuns(kDigits));
+  EXPECT_EQ(form.IRCommand.Text(), "?");
+
+  EXPECT_EQ(Save({"VOL_UP"}), Texts{kAsk});
+  EXPECT_EQ(File(), FileWith({kEmpty, kLine}));
+  EXPECT_EQ(mod_->Store.CfgText, FileWith({kLine}));
+  EXPECT_EQ(form.SendCmd.Entries(), (Texts{"EMPTY", "VOL_UP"}));
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "VOL_UP G" + kDigits);
+  EXPECT_EQ(CodeColour() + " " + form.IRCommand.Text(), "plain Mine&VOL_UP");
+
+  Record(NecRuns(kDigits));
+  EXPECT_EQ(CodeColour() + " " + form.IRCommand.Text(), "plain Mine&&VOL_UP");
+  form.SendButton.Click();
+  EXPECT_EQ(form.IRCommand.Text(), "Mine / VOL_UP");
+
+  boxes_.Yes = false;
+  EXPECT_EQ(Delete(), Texts{"Do you want to delete the command VOL_UP from the current protocol?"});
+  EXPECT_EQ(mod_->Store.CfgText, FileWith({kLine}));
+  boxes_.Yes = true;
+  Delete();
+  EXPECT_EQ(File(), FileWith({}));
+  EXPECT_EQ(form.SendCmd.Entries(), Texts{"EMPTY"});
+  EXPECT_EQ(form.CodeStr.Text(), "G10");
+  EXPECT_EQ(Delete(), Texts{"There are no more commands to delete"});
+  form.Form_Unload();
+  EXPECT_EQ(File(), FileWith({kEmpty}));
+  EXPECT_EQ(line_.Calls.back(), "CloseCom");
+}
+
+TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
+  Form1& form = Open(FileWith({"G" + kDigits + "01,LONGER", "G111000,MUTE_ALL"}));
+  Record(Frames(SonyRuns("101000100010"), 3));
+  const std::string taken = "This command name is in use for the current protocol.";
+  EXPECT_EQ(Save({"VOL UP", "mute", "560", " "}), (Texts{kAsk, "Use only a-z, A-Z,'-','_' characters", kAsk,
+                                                         taken, kAsk, taken, kAsk, taken, kAsk}));
+  EXPECT_EQ(boxes_.Presets, (Texts{"", "VOL UP", "mute", "560", " "}));
+  EXPECT_EQ(boxes_.Reasons[0], "mute stands in the line \"G111000,MUTE_ALL\" already.");
+  EXPECT_EQ(boxes_.Reasons[1], "560 stands in the line \"SENDPLS= 560\" already.");
+  EXPECT_EQ(CodeColour(), "green");
+  for (const char* code : {"G1", "G10x0"}) {
+    form.CodeStr.SetText(code);
+    EXPECT_EQ(Save({}), Texts{"The code you want to save is invalid."}) << code;
+  }
+  form.CodeStr.SetText(" G" + kDigits);
+  EXPECT_EQ(Save({}), Texts{"This command exist as LONGER"});
+  EXPECT_EQ(boxes_.Reasons.back(), "It is a command of the protocol Mine.");
+  form.Protocol.SelectText("Template");
+  EXPECT_EQ(Delete(), Texts{"This protocol is read-only."});
+  form.Protocol.SelectText("Recorded");
+  EXPECT_EQ(Save({}), Texts{"This is a virtual read-only protocol!"});
+}
+
+TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
+  Form1& form = Open(FileWith({"G1010,VOL"}));
+  RecordTwice();
+  disk_.FailAt(1, true);
+  EXPECT_NE(Save({"VOL_UP"}).back().find("keplo.cfg is as it was: operation"), std::string::npos);
+  EXPECT_EQ(CodeColour() + " " + form.CodeStr.Text(), "green G" + kDigits);
+  EXPECT_EQ(mod_->Store.CfgText, File());
+
+  disk_.FailAt(0, false);
+  form.DeleteCmdButton.Click();
+  const int ofADelete = disk_.Operations();
+  form.UndoMenu.Click();
+  boxes_.Shown.clear();
+  disk_.FailAt(ofADelete, true);
+  EXPECT_NE(Delete().back().find("a power cut may bring the old file back"), std::string::npos);
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "EMPTY G10") << "as the file has it";
+  disk_.FailAt(0, false);
+
+  std::string full = FileWith({kEmpty});
+  full.insert(full.find("# made"), Lines({"#" + std::string(kMostCharacters - full.size() - 13, '.')}));
+  Open(full);
+  RecordTwice();
+  EXPECT_EQ(Save({"VOL_UP"}).size(), 2U);
+  EXPECT_EQ(mod_->Store.CfgText, full);
+}
+
+TEST_F(CommandList, UndoTakesTheLastChangeBackInFileAndLists) {
+  Form1& form = Open(FileWith({"G111000,MUTE", "G1010,VOL"}));
+  EXPECT_FALSE(form.UndoMenu.Enabled());
+  form.SendCmd.SelectText("VOL");
+  Delete();
+  form.BeepCheckbox.SetChecked(false);  // no change that Undo is about, and it stays
+  ASSERT_TRUE(form.UndoMenu.Enabled());
+  form.UndoMenu.Click();
+  const std::string restored = Replaced(FileWith({"G111000,MUTE", "G1010,VOL"}), "BEEPON= 1", "BEEPON= 0");
+  EXPECT_EQ(File(), restored);
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "VOL G1010");
+  EXPECT_FALSE(form.UndoMenu.Enabled());
+
+  Open(FileWith({kEmpty}));
+  RecordTwice();
+  Save({"VOL_UP"});
+  form_->BeepCheckbox.SetChecked(false);
+  disk_.Put("keplo.cfg", Replaced(File(), "VOL_UP", "LOUDER"));
+  form_->UndoMenu.Click();
+  EXPECT_EQ(boxes_.TakeShown().back().substr(0, 31), "The change cannot be taken back");
+  EXPECT_TRUE(form_->UndoMenu.Enabled());
+
+  Open(FileWith({kEmpty}));
+  RecordTwice();
+  // Somebody stores a command while the name is asked for: it is none of this change.
+  const std::string others = Replaced(FileWith({kEmpty}), Protocol("Template", {kEmpty}),
+                                      Protocol("TV", {"G0101,OTHER"}) + Protocol("Template", {kEmpty}));
+  boxes_.WhileOpen = [&] { disk_.Put("keplo.cfg", others); };
+  Save({"VOL_UP"});
+  boxes_.WhileOpen = [] {};
+  EXPECT_NE(File().find("VOL_UP"), std::string::npos);
+  form_->UndoMenu.Click();
+  EXPECT_EQ(File(), others);
+  EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "TV", "Template", "Recorded"}));
+}
+
+TEST_F(CommandList, TakesInWhatOtherProgramsWriteAndKeepsWhatTheUserIsAt) {
+  const std::string tv = Protocol("TV", {"G111000,MUTE"});
+  Form1& form = Open(Config(Protocol("One", {"G1010,UP", "G1100,DOWN"}) + tv));
+  form.Protocol.SelectText("TV");
+  WriteOutside(Config(Protocol("One", {"G1010,UP"}) + tv));
+  EXPECT_EQ(form.Protocol.Text() + " " + form.SendCmd.Text(), "TV MUTE");
+
+  const std::string newTv = Protocol("TV", {"G0011,MENU", "G111001,MUTE"});
+  form.CodeStr.SetText("G1011");
+  boxes_.WhileOpen = [&] {
+    WriteOutside(Config(newTv));
+    EXPECT_EQ(form.Protocol.Count(), 4) << "a box is open";
+  };
+  form.AboutMenu.Click();
+  boxes_.WhileOpen = [] {};
+  form.FileTimer.Tick();
+  EXPECT_EQ(form.Protocol.Entries(), (Texts{"TV", "Template", "Recorded"}));
+  EXPECT_EQ(form.SendCmd.Entries(), (Texts{"MENU", "MUTE"}));
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "MUTE G1011") << "what was typed stays";
+  form.SendCmd.Select(0);
+  WriteOutside(Config(Protocol("TV", {"G0111,MENU"})));
+  EXPECT_EQ(form.CodeStr.Text(), "G0111") << "what is listed follows";
+
+  std::string settings = Replaced(File(), "BEEPON= 1", "BEEPON= 0");
+  settings = Replaced(Replaced(settings, "ITYPE= 0", "ITYPE= 8"), "VEXIL= 0", "VEXIL= 3");
+  settings = Replaced(Replaced(settings, "PROCDELAY= 10", "PROCDELAY= 28"), "COMPORT= 1", "COMPORT= 7");
+  WriteOutside(settings);
+  EXPECT_FALSE(form.BeepCheckbox.Checked());
+  EXPECT_EQ(
+      form.ReceiverType.Text() + form.Zone.Text() + form.ProcDelayparameter.Text() + form.ComList.Text(),
+      "IRMouse328COM 7");
+
+  WriteOutside("half a file");
+  EXPECT_NE(form.Note.Text().find("is not taken in"), std::string::npos) << form.Note.Text();
+  EXPECT_EQ(form.Protocol.Text(), "TV");
+  disk_.Put("keplo.cfg", settings);
+  form.FileTimer.Tick();
+  const int operations = disk_.Operations();
+  form.Form_Unload();
+  EXPECT_EQ(disk_.Files().size(), 1U);
+  EXPECT_EQ(File(), settings);
+  EXPECT_LE(disk_.Operations() - operations, 2) << "nothing is written, only looked at";
+}
+
+TEST_F(CommandList, PutsOneContradictingTextAsideAtMost) {
+  Form1& form = Open(FileWith({"G1010,VOL"}));
+  disk_.FailAt(1, true);
+  form.BeepCheckbox.SetChecked(false);  // not saved yet
+  disk_.FailAt(0, false);
+  disk_.Put("keplo.cfg", Replaced(File(), "BEEPON= 1", "BEEPON=  1"));
+  form.Form_Unload();
+  EXPECT_EQ(disk_.Files().size(), 2U);
+}
+
+TEST_F(CommandList, AProtocolBringsItsCommandsAndKeepsItsPlaceInTheFile) {
+  const std::string sections = Protocol("One", {"G111000,MUTE"}) + Protocol("Bare", {});
+  Form1& form = Open(Config(sections));
+  EXPECT_EQ(form.CodeStr.Text() + " " + form.SendPulse.Text(), "G111000 560");
+  form.Protocol.Select(1);
+  EXPECT_EQ(form.SendCmd.Count(), 0);
+  EXPECT_EQ(Delete(), Texts{"There are no more commands to delete"});
+  form.Protocol.SelectText("Recorded");
+  EXPECT_EQ(form.Protocol.BackColour(), ui::kGreen);
+  EXPECT_EQ(form.SendCmd.Entries(), Texts{"Recorded"});
+  EXPECT_EQ(form.CodeStr.Text() + form.SendPulse.Text(), "");
+  form_.reset();
+  EXPECT_EQ(File(), Replaced(Config(sections), "PROTOCOL= 0", "PROTOCOL= 1"));
+}
+
+}  // namespace
+}  // namespace keplo::tests
