@@ -52,7 +52,7 @@ void CommandList::RefillCommands() {
   if (KeepProtocolIndex() && LoadParams() && !controls_.SendCmd.Refill(CommandNames())) {
     controls_.SendCmd.Select(0);
   }
-  TakeCommand();
+  if (controls_.SendCmd.Count() > 0) TakeCommand();
   if (ownPulse) sendPulse.SetText(pulse);
   if (!ownCode) return;
   codeStr.SetText(code);

@@ -70,7 +70,9 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   Form1 form(mod, *line.Line, boxes);
   form.DescribeLine = line.Describe;
   window = &form;
-  if (qt::ShowUntilHidden(form)) return kDone;
+  const bool shown = qt::ShowUntilHidden(form);
+  window = nullptr;
+  if (shown) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
   return kNotStarted;
 }
