@@ -33,6 +33,13 @@ PulseTrain PulsesOf(const std::string& capture) {
   return pulses;
 }
 
+/// Whether a press is a capture that was kept: it is as a line has shaped it, and stays so.
+bool IsKeptCapture(const Press& press) {
+  const auto* train = std::get_if<PulseTrain>(&press);
+  return train != nullptr && std::all_of(train->begin(), train->end(),
+                                         [](int length) { return length % kNominalSampleTime == 0; });
+}
+
 QString Picked(QFileDialog& dialog) {
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setNameFilter(QString::fromLatin1(kRecordings));
@@ -60,6 +67,7 @@ std::optional<OpenedRecording> Open(QWidget* parent) {
   if (!press) return std::nullopt;
   LineOptions asRecorded;
   asRecorded.HoldMs = 0;
+  asRecorded.Shape = !IsKeptCapture(recording.Presses[*press]);
   std::string name = std::filesystem::path(recording.Path).filename().string();
   if (recording.Presses.size() > 1) name += ", press " + std::to_string(*press + 1);
   return OpenedRecording{name, CaptureOfPress(recording.Presses[*press], kRecordCaptureBytes, asRecorded)};
