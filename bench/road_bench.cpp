@@ -1,50 +1,143 @@
 #include <benchmark/benchmark.h>
 
+#include <random>
+
+#include "line/press_capture.h"
 #include "signal/monitored_press.h"
-#include "signal/second_look/second_look.h"
+#include "signal/recorded_press.h"
 #include "signal/signal_builder.h"
+#include "synth/synth.h"
 
 namespace keplo {
 namespace {
 
-const std::string kDigits = "00000000111111110110100010010111";
+using tests::Capture;
+using tests::NecRuns;
+using tests::Rc5Runs;
+using tests::SonyRuns;
+using tests::Then;
+using RunVector = std::vector<int>;
 
-/// A capture that fills the buffer of the monitor: two frames and the silence between them.
-std::string FullCapture() {
-  std::vector<int> runs = tests::NecRuns(kDigits);
-  runs.push_back(700);
-  const std::vector<int> again = tests::NecRuns(kDigits);
-  runs.insert(runs.end(), again.begin(), again.end());
-  return tests::Padded(tests::Bytes(tests::Runs(runs)));
+const std::string kDigits = "00000000111111110110100010010111";
+const std::string kSonyDigits = "101010010000";
+const std::string kRc5Digits = "11000000010001";
+
+class Dice {
+ public:
+  int From(int least, int most) {
+    return least + static_cast<int>(generator_() % static_cast<unsigned>(most - least + 1));
+  }
+
+ private:
+  std::mt19937 generator_{1};
+};
+
+/// Each sample by itself: the most runs that a capture can be expected to have.
+std::string WhiteNoise() {
+  Dice dice;
+  std::string capture;
+  while (capture.size() < kMonitorCaptureBytes) capture += static_cast<char>(dice.From(0, 255));
+  return capture;
 }
 
-void BytesToCode(benchmark::State& state) {
-  const std::string capture = FullCapture();
+/// What a lamp makes of a receiver's output.
+std::string Flicker() {
+  Dice dice;
+  RunVector runs;
+  while (runs.size() < 400) runs.insert(runs.end(), {20 + dice.From(-1, 1), 30 + dice.From(-1, 1)});
+  return Capture(runs);
+}
+
+std::string PulseNoise() {
+  Dice dice;
+  RunVector runs;
+  while (runs.size() < 400) runs.insert(runs.end(), {8 + dice.From(0, 10), 12 + dice.From(0, 60)});
+  return Capture(runs);
+}
+
+RunVector Thrice(const RunVector& frame) { return Then(Then(frame, 400, frame), 400, frame); }
+
+/// Whether a press gives a code by either analysis, and noise by none.
+void BytesToCode(benchmark::State& state, const std::string& capture, Analysis analysis, bool press) {
   SignalState signal;
+  MonitorReading reading;
   for (auto _ : state) {
-    MonitorReading reading = ReadCapture(capture, signal);
-    if (reading.Ended != Stage::Code) state.SkipWithError("the capture gave no code");
+    ReadCapture(capture, signal, analysis, reading);
     benchmark::DoNotOptimize(reading);
   }
+  if (press && reading.Ended != Stage::Code) state.SkipWithError("the press gave no code");
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(capture.size()));
 }
-BENCHMARK(BytesToCode);
 
-void AnalyseTimingAlone(benchmark::State& state) {
+void LengthsToCode(benchmark::State& state, std::int16_t kind, const std::string& code, Analysis analysis) {
+  const Press press = SynthPress(kind, code, {});
   SignalState signal;
-  ReadCapture(FullCapture(), signal);
-  for (auto _ : state) benchmark::DoNotOptimize(AnalyseTiming(signal.SampleBits, signal.Measured));
-  state.SetItemsProcessed(state.iterations());
+  MonitorReading reading;
+  for (auto _ : state) {
+    ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, {}), signal, analysis, reading);
+    benchmark::DoNotOptimize(reading);
+  }
+  if (reading.Ended != Stage::Code) state.SkipWithError("the press gave no code");
 }
-BENCHMARK(AnalyseTimingAlone);
 
-void SecondLookAlone(benchmark::State& state) {
+void RecordRoad(benchmark::State& state, const std::string& capture, Analysis analysis) {
   SignalState signal;
-  ReadCapture(FullCapture(), signal);
-  for (auto _ : state) benchmark::DoNotOptimize(ReadRobustly(signal.SampleBits));
-  state.SetItemsProcessed(state.iterations());
+  RecordReading reading;
+  for (auto _ : state) {
+    ReadRecordedCapture(capture, signal, analysis, reading);
+    benchmark::DoNotOptimize(reading);
+  }
+  if (reading.Ended != RecordStage::Code) state.SkipWithError("the recording gave no code");
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(capture.size()));
 }
-BENCHMARK(SecondLookAlone);
+
+/// Frame after frame of a key that is held.
+std::string HeldKey() {
+  RunVector runs = SonyRuns(kSonyDigits);
+  while (tests::Runs(runs).size() < kRecordCaptureBytes * kBitsPerByte)
+    runs = Then(runs, 350, SonyRuns(kSonyDigits));
+  return Capture(runs, kRecordCaptureBytes);
+}
+
+/// The most runs that a capture of a measurable signal can have: no silence anywhere.
+std::string DenseSignal() {
+  std::string samples = tests::Runs(SonyRuns(kSonyDigits));
+  while (samples.size() < kRecordCaptureBytes * kBitsPerByte) samples += "000111";
+  return tests::Padded(tests::Bytes(samples), kRecordCaptureBytes);
+}
+
+void Register() {
+  const std::pair<const char*, Analysis> analyses[] = {{"first", Analysis::First},
+                                                       {"second", Analysis::Second}};
+  const std::tuple<const char*, std::string, bool> captures[] = {
+      {"nec", Capture(Then(NecRuns(kDigits), 700, NecRuns(kDigits))), true},
+      {"sony", Capture(Thrice(SonyRuns(kSonyDigits))), true},
+      {"rc5", Capture(Rc5Runs(kRc5Digits)), true},
+      {"white_noise", WhiteNoise(), false},
+      {"flicker", Flicker(), false},
+      {"pulse_noise", PulseNoise(), false},
+  };
+  const std::tuple<const char*, std::int16_t, std::string> presses[] = {
+      {"nec", kNec, kDigits}, {"sony", kSony, kSonyDigits}, {"rc5", kRc5, "11000000001100"}};
+  const std::pair<const char*, std::string> recordings[] = {
+      {"held_key", HeldKey()},
+      {"nec", Capture(NecRuns(kDigits), kRecordCaptureBytes)},
+      {"dense_signal", DenseSignal()},
+  };
+  for (const auto& [by, analysis] : analyses) {
+    const auto named = [&](const std::string& road, const char* signal) {
+      return road + "/" + signal + "/" + by;
+    };
+    for (const auto& [name, capture, press] : captures)
+      benchmark::RegisterBenchmark(named("BytesToCode", name).c_str(), BytesToCode, capture, analysis, press);
+    for (const auto& [name, kind, code] : presses)
+      benchmark::RegisterBenchmark(named("LengthsToCode", name).c_str(), LengthsToCode, kind, code, analysis);
+    for (const auto& [name, capture] : recordings)
+      benchmark::RegisterBenchmark(named("RecordRoad", name).c_str(), RecordRoad, capture, analysis);
+  }
+}
+
+[[maybe_unused]] const bool kRegistered = (Register(), true);
 
 }  // namespace
 }  // namespace keplo

@@ -1,6 +1,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 #include "signal/decode_frames.h"
@@ -28,7 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(reading.Runs.Ones.size() <= size * 8 && reading.Runs.Zeros.size() <= size * 8);
   Require(!reading.Values || HoldsOnly(reading.Code, "01"));
   for (const std::int16_t kind : {keplo::kNec, keplo::kSony, keplo::kRc5}) {
-    Require(HoldsOnly(keplo::DecodeFrames(bytes, kind), "01Gxy"));
+    std::string decoded;
+    keplo::DecodeFrames(bytes, kind, decoded);
+    Require(HoldsOnly(decoded, "01Gxy"));
   }
   return 0;
 }

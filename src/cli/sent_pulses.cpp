@@ -3,21 +3,23 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "signal/sample_bits.h"
-#include "signal/timing.h"
+#include "signal/runs.h"
+#include "signal/sample_words.h"
 
 namespace keplo::cli {
 
 PulseTrain PulsesOf(const LineOutput::Signal& signal) {
   PulseTrain train;
   if (signal.Pulse <= 0) return train;
-  const std::string slots = SamplesToBits(signal.Bytes);
-  std::size_t offset = std::min(slots.find('1'), slots.size());
-  while (offset < slots.size()) {
-    const std::size_t run = RunLength(slots, offset, slots[offset]);
-    const std::int64_t length = static_cast<std::int64_t>(run) * signal.Pulse;
+  SampleWords slots;
+  slots.Read(signal.Bytes);
+  RunReader reader;
+  RunSpan runs = reader.Read(slots);
+  // A pulse train begins with a mark.
+  if (!runs.empty() && runs.front() == 0) runs = runs.subspan(2);
+  for (const int run : runs) {
+    const std::int64_t length = std::int64_t{run} * signal.Pulse;
     train.push_back(static_cast<int>(std::min<std::int64_t>(length, kLongestPulse)));
-    offset += run;
   }
   if (train.size() % 2 == 1) train.push_back(0);
   if (!train.empty()) train.back() = std::min(train.back() + kPressSilence, kLongestPulse);

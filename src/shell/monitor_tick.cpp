@@ -74,12 +74,12 @@ void Keplo::Capture() {
 }
 
 void Keplo::ReadAndDispatch() {
-  lastTick_.Reading = MonitorReading(TrimCapture(mod_.Signal.RawCapture));
+  lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
   if (lastTick_.Reading.Ended != Stage::Code) return;
   // This beep says only that something was captured, before anything is known about the signal.
   if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
   MonitorReading& reading = lastTick_.Reading;
-  reading = ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis);
+  ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis, reading);
   // A frame that is alone may have lost digits; that the very same ones were learned is the proof it lacks.
   const bool provenByLearning =
       reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);

@@ -1,6 +1,5 @@
 #include "signal/calibration.h"
 
-#include "signal/sample_bits.h"
 #include "signal/timing.h"
 #include "signal/win32_ser.h"
 
@@ -43,9 +42,9 @@ CalibrationStep Calibration::Measure() {
     return CalibrationStep::NoSignal;
   }
   line_.SpeakBeep(2000, 50);
-  SamplesToBits(signal_.RawCapture, signal_.SampleBits);
+  signal_.Samples.Read(signal_.RawCapture);
   baseT_.reset();
-  if (AnalyseTiming(signal_.SampleBits, signal_.Measured)) baseT_ = signal_.Measured.BaseT;
+  if (AnalyseTiming(signal_.Runs.Read(signal_.Samples), signal_.Measured)) baseT_ = signal_.Measured.BaseT;
   const CalibrationStep next = search_.Take(baseT_);
   delay_ = search_.Delay();
   return next;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "signal/monitored_press.h"
+#include "signal/signal_state.h"
 
 namespace keplo {
 

@@ -1,7 +1,7 @@
 #include "signal/code_values.h"
 
+#include <algorithm>
 #include <array>
-#include <string>
 
 #include "signal/timing.h"
 
@@ -19,6 +19,7 @@ struct CodeLayout {
   std::size_t Extended, ExtendedDigits;
 };
 
+constexpr std::size_t kMostDigits = 20;
 constexpr std::size_t kRc5CommandDigits = 6;
 
 constexpr std::array<CodeLayout, 4> kLayouts = {{
@@ -41,10 +42,11 @@ std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind,
   for (const CodeLayout& layout : kLayouts) {
     if (layout.Kind != kind || layout.Digits != code.size()) continue;
     if (layout.ExtendedDigits > 0 && analysis == Analysis::First) return std::nullopt;
-    const std::string ordered =
-        layout.LowBitFirst ? std::string(code.rbegin(), code.rend()) : std::string(code);
+    std::array<char, kMostDigits> ordered{};
+    std::copy(code.begin(), code.end(), ordered.begin());
+    if (layout.LowBitFirst) std::reverse_copy(code.begin(), code.end(), ordered.begin());
     const auto number = [&](std::size_t first, std::size_t digits) {
-      return BinToInt(std::string_view(ordered).substr(first, digits));
+      return BinToInt({ordered.data() + first, digits});
     };
     CodeValues values{
         number(layout.Address, layout.AddressDigits), number(layout.Command, layout.CommandDigits), {}};

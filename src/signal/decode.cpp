@@ -1,7 +1,5 @@
 #include "signal/decode.h"
 
-#include <algorithm>
-
 #include "signal/run_symbols.h"
 #include "signal/timing.h"
 
@@ -9,88 +7,76 @@ namespace keplo {
 
 namespace {
 
-std::string DecodePulseDistance(std::string_view frame) {
-  std::string code;
-  std::size_t offset = 0;
-  while (offset < frame.size()) {
-    const std::size_t spaces = RunLength(frame, offset, '0');
-    offset += spaces;
-    if (spaces > 0) code += spaces > 1 ? '1' : '0';
-    if (offset < frame.size()) ++offset;
+/// A digit for each run of a symbol: 1 for a run of several, 0 for a single one.
+void DecodeLengths(std::string_view frame, char symbol, std::string& code) {
+  code.resize(frame.size() + 1);
+  char* end = code.data();
+  bool inRun = false;
+  for (std::size_t i = 0; i < frame.size(); ++i) {
+    const bool fits = frame[i] == symbol;
+    // What is written within a run or beside one is written over by the next digit.
+    *end = i + 1 < frame.size() && frame[i + 1] == symbol ? '1' : '0';
+    end += fits && !inRun ? 1 : 0;
+    inRun = fits;
   }
-  return code;
+  code.resize(static_cast<std::size_t>(end - code.data()));
 }
 
-std::string DecodePulseWidth(std::string_view frame) {
-  std::string code;
-  std::size_t offset = 0;
-  while (true) {
-    offset += RunLength(frame, offset, '0');
-    if (offset >= frame.size()) return code;
-    const std::size_t marks = RunLength(frame, offset, '1');
-    offset += marks;
-    code += marks > 1 ? '1' : '0';
-  }
-}
-
-std::string DecodeBiphase(std::string_view frame) {
+void DecodeBiphase(std::string_view frame, std::string& code) {
+  code.clear();
   // No receiver sees the first half bit, a space; the last one, when it is a space, ran into the gap.
-  std::string halves = "0";
-  halves += frame;
-  if (halves.size() % 2 == 1) halves += '0';
-
-  std::string code;
-  for (std::size_t offset = 0; offset < halves.size(); offset += 2) {
-    if (halves[offset] == halves[offset + 1]) return {};
-    code += halves[offset] == '1' ? '0' : '1';
+  char first = '0';
+  for (std::size_t second = 0; second <= frame.size(); second += 2) {
+    const char half = second < frame.size() ? frame[second] : '0';
+    if (half == first) {
+      code.clear();
+      return;
+    }
+    code += first == '1' ? '0' : '1';
+    if (second + 1 >= frame.size()) break;
+    first = frame[second + 1];
   }
   if (code.size() > kToggleBitOffset) code[kToggleBitOffset] = '0';
-  return code;
 }
 
 }  // namespace
 
-std::optional<std::string> WalkRuns(std::string_view samples, int baseT) {
-  std::string symbols;
-  symbols.reserve(samples.size() / 8);
-  std::size_t offset = 0;
-  while (true) {
-    // Samples that begin with a space enter here with a run of 0, which counts as one unit; it stands ahead
-    // of the first mark and goes with the rest of the head.
-    const std::size_t ones = RunLength(samples, offset, '1');
-    offset += ones;
-    if (offset >= samples.size()) return std::nullopt;
-    AppendRun(symbols, RunUnits(static_cast<int>(ones), baseT), '1', 'G');
+bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame) {
+  frame.clear();
+  const std::size_t last = runs.size() - 1;
+  std::size_t begin = 0;
+  while (begin < last && !IsBorder(runs[begin], baseT)) ++begin;
+  while (begin < last && IsBorder(runs[begin], baseT)) ++begin;
+  if (begin >= last) return false;
+  std::size_t end = begin;
+  while (end < last && !IsBorder(runs[end], baseT)) ++end;
 
-    const std::size_t zeros = RunLength(samples, offset, '0');
-    offset += zeros;
-    if (offset >= samples.size()) {
-      symbols += 'g';
-      return symbols;
+  SymbolWriter symbols(frame, end - begin);
+  for (std::size_t run = begin; run < end; ++run) {
+    if (run % 2 == 0) {
+      symbols.Mark(runs[run], baseT);
+    } else {
+      symbols.Space(runs[run], baseT);
     }
-    AppendRun(symbols, RunUnits(static_cast<int>(zeros), baseT), '0', 'g');
   }
+  return true;
 }
 
-std::optional<std::string_view> IsolateFrame(std::string_view symbols) {
-  const std::size_t firstMark = symbols.find_first_of(kMarks);
-  if (firstMark == std::string_view::npos) return std::nullopt;
-  const std::size_t begin = symbols.find_first_not_of(kMarks, firstMark);
-  if (begin == std::string_view::npos) return std::nullopt;
-  const std::size_t end = symbols.find_first_of(kMarks, begin);
-  if (end == std::string_view::npos) return std::nullopt;
-  return symbols.substr(begin, end - begin);
+void DecodeCode(std::string_view frame, std::int16_t kind, std::string& code) {
+  switch (kind) {
+    case kSony:
+      return DecodeLengths(frame, '1', code);
+    case kRc5:
+      return DecodeBiphase(frame, code);
+    default:
+      return DecodeLengths(frame, '0', code);
+  }
 }
 
 std::string DecodeCode(std::string_view frame, std::int16_t kind) {
-  switch (kind) {
-    case kSony:
-      return DecodePulseWidth(frame);
-    case kRc5:
-      return DecodeBiphase(frame);
-    default:
-      return DecodePulseDistance(frame);
-  }
+  std::string code;
+  DecodeCode(frame, kind, code);
+  return code;
 }
 
 }  // namespace keplo

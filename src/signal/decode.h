@@ -1,21 +1,21 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
+#include "signal/runs.h"
+
 namespace keplo {
 
-/// Walks the runs of a sample string into symbols: one 1 or 0 a base time, G for a mark too long, g for a
-/// space too long and for the end of the samples.
+/// Walks the runs of a signal into symbols, up to the end of its first frame: the first stretch of 1 and 0
+/// symbols, one a base time, that has on both sides a mark or space too long for a digit. The space that ends
+/// the samples is such a one, however short it is.
+/// @param runs end in a space
 /// @param baseT base time T, samples
-/// @return nothing if the samples end inside a run of 1
-std::optional<std::string> WalkRuns(std::string_view samples, int baseT);
-
-/// The first stretch of 1 and 0 symbols that has a mark on both sides.
-/// @return a part of symbols; nothing if there is no such stretch
-std::optional<std::string_view> IsolateFrame(std::string_view symbols);
+/// @param frame replaced by the symbols of the frame; keeps its memory
+/// @return false if there is no such stretch
+bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame);
 
 /// Place of the RC5 digit that flips on each new key press, from 0; it is no part of a command's identity
 /// and always becomes 0.
@@ -23,7 +23,8 @@ inline constexpr std::size_t kToggleBitOffset = 2;
 
 /// Decodes one frame of 1 and 0 symbols into its code digits.
 /// @param kind generic protocol; any other than SONY and RC5 is read as pulse distance
-/// @return the digits without the leading G; empty for a frame that is not valid biphase
+/// @param code replaced by the digits without the leading G; empty for a frame that is not valid biphase
+void DecodeCode(std::string_view frame, std::int16_t kind, std::string& code);
 std::string DecodeCode(std::string_view frame, std::int16_t kind);
 
 }  // namespace keplo

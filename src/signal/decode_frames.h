@@ -13,13 +13,14 @@ namespace keplo {
 /// pulse width after the sixth mark in all.
 /// @param symbols run symbols beginning at a mark; for RC5 a g and then the first frame
 /// @param kind generic protocol; any other than SONY and RC5 is read as pulse distance
-std::string DecodeFrames(std::string_view symbols, std::int16_t kind);
+/// @param decoded replaced by the result; keeps its memory
+void DecodeFrames(std::string_view symbols, std::int16_t kind, std::string& decoded);
 
 /// The first two frames of a decoded recording; either may be empty, and the last may be cut off by the end.
 struct FramePair {
-  std::string First, Second;
-  bool FirstEnded = false;        // a G stands behind the first frame
-  bool DoubleMarkBehind = false;  // two G stand behind the first frame: what follows has a sync of its own
+  std::string_view First, Second;  // parts of the decoded recording
+  bool FirstEnded = false;         // a G stands behind the first frame
+  bool DoubleMarkBehind = false;   // two G stand behind the first frame: what follows has a sync of its own
 };
 
 /// Cuts the first two frames out of what DecodeFrames gave.

@@ -2,11 +2,10 @@
 
 #include <array>
 #include <cstddef>
-#include <utility>
 
+#include "signal/capture_trim.h"
 #include "signal/decode.h"
 #include "signal/sample_bits.h"
-#include "signal/second_look/second_look.h"
 
 namespace keplo {
 
@@ -27,43 +26,39 @@ bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
   }
 }
 
-/// The code of a frame that stands between two marks.
-MonitorReading ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis) {
-  const std::optional<std::string_view> frame = IsolateFrame(symbols);
-  if (!frame) return MonitorReading(Stage::NoFrame);
-  if (kind == kUnknown) return MonitorReading(Stage::Unknown);
-
-  MonitorReading reading;
-  reading.Digits = DecodeCode(*frame, kind);
+/// The code of a frame.
+void ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis, MonitorReading& reading) {
+  if (kind == kUnknown) return reading.EndAt(Stage::Unknown);
+  DecodeCode(symbols, kind, reading.Digits);
   reading.Ended = LengthFits(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
   reading.ReadBy = analysis;
-  return reading;
 }
 
-MonitorReading ReadPlainly(SignalState& state) {
-  if (!AnalyseTiming(state.SampleBits, state.Measured)) return MonitorReading(Stage::NoTiming);
-  const std::optional<std::string> symbols = WalkRuns(state.SampleBits, state.Measured.BaseT);
-  if (!symbols) return MonitorReading(Stage::EndsInMark);
-  return ReadFrame(*symbols, state.Measured.ProtoKind, Analysis::First);
+void ReadPlainly(SignalState& state, MonitorReading& reading) {
+  const RunSpan runs = state.Runs.Read(state.Samples);
+  if (!AnalyseTiming(runs, state.Measured)) return reading.EndAt(Stage::NoTiming);
+  if (EndsInMark(runs)) return reading.EndAt(Stage::EndsInMark);
+  if (!WalkFirstFrame(runs, state.Measured.BaseT, state.RunSymbols)) return reading.EndAt(Stage::NoFrame);
+  ReadFrame(state.RunSymbols, state.Measured.ProtoKind, Analysis::First, reading);
 }
 
-MonitorReading ReadFrameOf(const RobustReading& look, Timing& measured) {
+void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& reading) {
   measured.BaseT = look.BaseT;
   measured.ProtoKind = look.ProtoKind;
-  return ReadFrame(look.Frame, look.ProtoKind, Analysis::Second);
+  ReadFrame(look.Frame, look.ProtoKind, Analysis::Second, reading);
 }
 
-MonitorReading ReadWithSecondLook(SignalState& state) {
-  const RobustReading look = ReadRobustly(state.SampleBits);
-  if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured);
+void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
+  const RobustReading& look = state.Second.Read(state.Samples);
+  if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured, reading);
   if (look.Proven == RobustReading::Proof::Single) {
-    MonitorReading lone = ReadFrameOf(look, state.Measured);
-    if (lone.Ended == Stage::Code) lone.Ended = Stage::Doubtful;
-    return lone;
+    ReadFrameOf(look, state.Measured, reading);
+    if (reading.Ended == Stage::Code) reading.Ended = Stage::Doubtful;
+    return;
   }
-  MonitorReading reading = ReadPlainly(state);
+  ReadPlainly(state, reading);
   const bool refused = look.Proven == RobustReading::Proof::Refused;
-  return refused && reading.ReadBy ? MonitorReading(Stage::Doubtful) : reading;
+  if (refused && reading.ReadBy) reading.EndAt(Stage::Doubtful);
 }
 
 }  // namespace
@@ -75,22 +70,34 @@ std::string_view StageName(Stage stage) {
 }
 
 Stage TrimCapture(std::string& capture) {
-  const std::size_t last = capture.find_last_not_of('\0');
-  if (last == std::string::npos) return Stage::Empty;
-  const std::size_t kept = last + 1 + kMonitoredSilenceKept;
+  const std::size_t signal = SignalBytes(capture);
+  if (signal == 0) return Stage::Empty;
+  const std::size_t kept = signal + kMonitoredSilenceKept;
   if (capture.size() > kept) capture.resize(kept);
   return capture.size() < kShortestCapture ? Stage::Short : Stage::Code;
 }
 
-MonitorReading ReadTrimmedCapture(SignalState& state, Analysis analysis) {
-  SamplesToBits(state.RawCapture, state.SampleBits);
-  return analysis == Analysis::First ? ReadPlainly(state) : ReadWithSecondLook(state);
+void ReadTrimmedCapture(SignalState& state, Analysis analysis, MonitorReading& reading) {
+  reading.EndAt(Stage::Empty);
+  state.Samples.Read(state.RawCapture);
+  if (analysis == Analysis::First) {
+    ReadPlainly(state, reading);
+  } else {
+    ReadWithSecondLook(state, reading);
+  }
+}
+
+void ReadCapture(std::string_view capture, SignalState& state, Analysis analysis, MonitorReading& reading) {
+  state.RawCapture = capture;
+  const Stage trimmed = TrimCapture(state.RawCapture);
+  if (trimmed != Stage::Code) return reading.EndAt(trimmed);
+  ReadTrimmedCapture(state, analysis, reading);
 }
 
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis) {
-  state.RawCapture = capture;
-  const Stage trimmed = TrimCapture(state.RawCapture);
-  return trimmed == Stage::Code ? ReadTrimmedCapture(state, analysis) : MonitorReading(trimmed);
+  MonitorReading reading;
+  ReadCapture(capture, state, analysis, reading);
+  return reading;
 }
 
 }  // namespace keplo

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "signal/analysis.h"
-#include "signal/timing.h"
+#include "signal/signal_state.h"
 
 namespace keplo {
 
@@ -38,26 +38,28 @@ struct MonitorReading {
   /// Without the leading G; set from Stage::Length on, and a code only at Stage::Code. At Stage::Doubtful
   /// those of a frame that is alone: a code if the very same was learned.
   std::string Digits;
-};
 
-/// What a capture leaves in the module state.
-struct SignalState {
-  std::string RawCapture;
-  std::string SampleBits;
-  Timing Measured;
+  /// Forgets the last capture, but keeps the memory of its digits.
+  void EndAt(Stage stage) {
+    Ended = stage;
+    ReadBy.reset();
+    Digits.clear();
+  }
 };
 
 /// Cuts a capture to its signal and at most 100 silent bytes after it.
 /// @return Stage::Empty or Stage::Short for a capture that holds too little; Stage::Code if it may be read
 Stage TrimCapture(std::string& capture);
 
-/// Reads the trimmed capture of the state into a code; fills its SampleBits and Measured.
+/// Reads the trimmed capture of the state into a code; fills its Measured.
 ///
 /// With Analysis::Second the second look goes first; it leaves the histograms alone. It accepts pulse width
 /// of 12 digits and more, where the first analysis knows 12 alone.
-MonitorReading ReadTrimmedCapture(SignalState& state, Analysis analysis = Analysis::First);
+/// @param reading replaced; one that is used again and again costs no memory
+void ReadTrimmedCapture(SignalState& state, Analysis analysis, MonitorReading& reading);
 
 /// The whole road from the bytes of a capture to a code.
+void ReadCapture(std::string_view capture, SignalState& state, Analysis analysis, MonitorReading& reading);
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis = Analysis::First);
 
 }  // namespace keplo

@@ -2,37 +2,36 @@
 
 #include <utility>
 
+#include "signal/capture_trim.h"
 #include "signal/decode.h"
 #include "signal/decode_frames.h"
 #include "signal/run_symbols.h"
 #include "signal/sample_bits.h"
-#include "signal/second_look/second_look.h"
 
 namespace keplo {
 
 namespace {
 
 constexpr std::size_t kRecordedSilenceKept = 30;  // bytes after the last sample of the signal
-constexpr std::size_t kClosingSilence = 100;      // samples; a longer space at the end closes the last frame
+constexpr int kClosingSilence = 100;              // samples; a longer space at the end closes the last frame
 constexpr std::size_t kShortestCommand = 7;       // digits of a frame that stands alone
 
 /// The symbols from the first mark on. An RC5 frame has no leader; the silence before it is its mark.
-std::string FromFirstMark(std::string symbols, std::int16_t kind) {
+void CutToFirstMark(std::string& symbols, std::int16_t kind) {
   if (kind == kRc5) symbols.insert(symbols.begin(), 'g');
   const std::size_t mark = symbols.find_first_of(kMarks);
   if (mark != std::string::npos) symbols.erase(0, mark);
-  return symbols;
 }
 
 /// @param symbols those of the recording from its first mark on
 void ReadFrames(RecordReading& reading, std::string_view symbols) {
-  reading.Decoded = DecodeFrames(symbols, reading.ProtoKind);
-  FramePair frames = CutFrames(reading.Decoded);
+  DecodeFrames(symbols, reading.ProtoKind, reading.Decoded);
+  const FramePair frames = CutFrames(reading.Decoded);
   if (reading.ProtoKind == kNec && frames.FirstEnded) reading.SyncType = frames.DoubleMarkBehind ? 2 : 1;
-  reading.FirstFrame = std::move(frames.First);
-  reading.SecondFrame = std::move(frames.Second);
-  reading.Repeats = reading.FirstFrame == reading.SecondFrame;
-  reading.Code = reading.FirstFrame;
+  reading.FirstFrame = frames.First;
+  reading.SecondFrame = frames.Second;
+  reading.Repeats = frames.First == frames.Second;
+  reading.Code = frames.First;
 }
 
 void ExplainCode(RecordReading& reading) {
@@ -53,54 +52,66 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
   if (!piece) ExplainCode(reading);
 }
 
-RecordReading ReadPlainly(std::string_view samples, Timing& measured) {
-  if (!AnalyseTiming(samples, measured)) return RecordReading(RecordStage::NoTiming);
-  RecordReading reading(RecordStage::Unknown);
-  reading.BaseT = measured.BaseT;
-  reading.ProtoKind = measured.ProtoKind;
-  if (reading.ProtoKind == kUnknown) return reading;
-
-  reading.Runs = WalkRecording(samples, reading.BaseT);
-  ReadCode(reading, FromFirstMark(reading.Runs.Symbols, reading.ProtoKind));
-  return reading;
+void TakeTiming(RecordReading& reading, Analysis analysis, std::int16_t baseT, std::int16_t kind) {
+  reading.EndAt(RecordStage::Unknown);
+  reading.ReadBy = analysis;
+  reading.BaseT = baseT;
+  reading.ProtoKind = kind;
 }
 
-RecordReading ReadWithSecondLook(std::string_view samples, Timing& measured) {
-  RobustReading look = ReadRobustly(samples);
-  if (!look.HasFrames()) return ReadPlainly(samples, measured);
-  measured.BaseT = look.BaseT;
-  measured.ProtoKind = look.ProtoKind;
-  RecordReading reading(RecordStage::Unknown);
-  reading.ReadBy = Analysis::Second;
-  reading.BaseT = look.BaseT;
-  reading.ProtoKind = look.ProtoKind;
-  reading.Runs = WalkRecording(samples, look.BaseT);
-  reading.Runs.Symbols = std::move(look.Symbols);
+void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
+  const Timing& measured = state.Measured;
+  if (!AnalyseTiming(runs, state.Measured)) return reading.EndAt(RecordStage::NoTiming);
+  TakeTiming(reading, Analysis::First, measured.BaseT, measured.ProtoKind);
+  if (reading.ProtoKind == kUnknown) return;
+
+  WalkRecording(runs, reading.BaseT, reading.Runs);
+  state.RunSymbols = reading.Runs.Symbols;
+  CutToFirstMark(state.RunSymbols, reading.ProtoKind);
+  ReadCode(reading, state.RunSymbols);
+}
+
+void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
+  const RobustReading& look = state.Second.Read(state.Samples);
+  const RunSpan runs = state.Runs.Read(state.Samples);
+  if (!look.HasFrames()) return ReadPlainly(state, runs, reading);
+  state.Measured.BaseT = look.BaseT;
+  state.Measured.ProtoKind = look.ProtoKind;
+  TakeTiming(reading, Analysis::Second, look.BaseT, look.ProtoKind);
+  WalkRecording(runs, look.BaseT, reading.Runs);
+  reading.Runs.Symbols = look.Symbols;
   ReadCode(reading, reading.Runs.Symbols);
-  return reading;
 }
 
 }  // namespace
 
-RecordedRuns WalkRecording(std::string_view samples, int baseT) {
-  RecordedRuns runs;
-  std::size_t offset = 0;
-  while (true) {
-    const std::size_t ones = RunLength(samples, offset, '1');
-    offset += ones;
-    if (offset >= samples.size()) return runs;
-    runs.Ones.push_back(static_cast<int>(ones));
-    AppendRun(runs.Symbols, RunUnits(runs.Ones.back(), baseT), '1', 'G');
+void RecordReading::EndAt(RecordStage stage) {
+  Ended = stage;
+  ReadBy = Analysis::First;
+  BaseT = 0;
+  ProtoKind = kUnknown;
+  for (std::string* text : {&Runs.Symbols, &Decoded, &FirstFrame, &SecondFrame, &Code}) text->clear();
+  Runs.Ones.clear();
+  Runs.Zeros.clear();
+  Repeats = false;
+  SyncType.reset();
+  Toggle.reset();
+  Values.reset();
+}
 
-    const std::size_t zeros = RunLength(samples, offset, '0');
-    offset += zeros;
-    if (offset >= samples.size()) {
-      if (zeros > kClosingSilence) runs.Symbols += 'g';
-      return runs;
-    }
-    runs.Zeros.push_back(static_cast<int>(zeros));
-    AppendRun(runs.Symbols, RunUnits(runs.Zeros.back(), baseT), '0', 'g');
+void WalkRecording(RunSpan runs, int baseT, RecordedRuns& walked) {
+  const std::size_t whole = runs.empty() ? 0 : runs.size() - 1;
+  walked.Ones.resize(whole - whole / 2);
+  walked.Zeros.resize(whole / 2);
+  SymbolWriter symbols(walked.Symbols, whole);
+  for (std::size_t pair = 0; pair < walked.Ones.size(); ++pair) {
+    const int mark = walked.Ones[pair] = runs[2 * pair];
+    symbols.Mark(mark, baseT);
+    if (pair == walked.Zeros.size()) break;
+    const int space = walked.Zeros[pair] = runs[2 * pair + 1];
+    symbols.Space(space, baseT);
   }
+  if (!runs.empty() && !EndsInMark(runs) && runs.back() > kClosingSilence) symbols.Border('g');
 }
 
 std::string RunLengthsText(const std::vector<int>& lengths) {
@@ -110,24 +121,35 @@ std::string RunLengthsText(const std::vector<int>& lengths) {
 }
 
 RecordStage TrimRecording(std::string& capture) {
-  const std::size_t last = capture.find_last_not_of('\0');
-  if (last == std::string::npos) return RecordStage::Empty;
-  const std::size_t kept = last + 1 + kRecordedSilenceKept;
+  const std::size_t signal = SignalBytes(capture);
+  if (signal == 0) return RecordStage::Empty;
+  const std::size_t kept = signal + kRecordedSilenceKept;
   if (capture.size() <= kept) return RecordStage::Code;
   capture.resize(kept);
   return capture.size() < kShortestCapture ? RecordStage::Short : RecordStage::Code;
 }
 
-RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured, Analysis analysis) {
-  return analysis == Analysis::First ? ReadPlainly(samples, measured) : ReadWithSecondLook(samples, measured);
+void ReadTrimmedRecording(SignalState& state, Analysis analysis, RecordReading& reading) {
+  state.Samples.Read(state.RawCapture);
+  if (analysis == Analysis::First) {
+    ReadPlainly(state, state.Runs.Read(state.Samples), reading);
+  } else {
+    ReadWithSecondLook(state, reading);
+  }
+}
+
+void ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis,
+                         RecordReading& reading) {
+  state.RawCapture = capture;
+  const RecordStage trimmed = TrimRecording(state.RawCapture);
+  if (trimmed != RecordStage::Code) return reading.EndAt(trimmed);
+  ReadTrimmedRecording(state, analysis, reading);
 }
 
 RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis) {
-  state.RawCapture = capture;
-  const RecordStage trimmed = TrimRecording(state.RawCapture);
-  if (trimmed != RecordStage::Code) return RecordReading(trimmed);
-  SamplesToBits(state.RawCapture, state.SampleBits);
-  return ReadRecordedSamples(state.SampleBits, state.Measured, analysis);
+  RecordReading reading;
+  ReadRecordedCapture(capture, state, analysis, reading);
+  return reading;
 }
 
 }  // namespace keplo

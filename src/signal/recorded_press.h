@@ -9,8 +9,9 @@
 
 #include "signal/analysis.h"
 #include "signal/code_values.h"
-#include "signal/monitored_press.h"
+#include "signal/runs.h"
 #include "signal/sample_bits.h"
+#include "signal/signal_state.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -30,15 +31,17 @@ enum class RecordStage {
 
 /// The runs of a recording.
 struct RecordedRuns {
-  std::string Symbols;     // as in WalkRuns, but g at the end only after a long silence
+  std::string Symbols;  // 1 and 0, one a base time; G and g for marks and spaces too long for a digit, and g
+                        // at the end only after a long silence
   std::vector<int> Ones;   // lengths of the runs of 1, samples; the run that ends the samples is left out
   std::vector<int> Zeros;  // the same of 0
 };
 
-/// Walks the runs of a recording. Samples that end in a run of 1, or in a short one of 0, simply end there.
-/// Samples that begin with 0 give a first run of 1 of length 0, which counts as one unit.
+/// Walks the runs of a recording. A signal that ends in a mark, or in a short space, simply ends there. A
+/// first mark of length 0, before a space, counts as one unit.
 /// @param baseT base time T, samples
-RecordedRuns WalkRecording(std::string_view samples, int baseT);
+/// @param walked replaced; keeps its memory
+void WalkRecording(RunSpan runs, int baseT, RecordedRuns& walked);
 
 /// Run lengths as one text, each after a -: "-160-10-11".
 std::string RunLengthsText(const std::vector<int>& lengths);
@@ -72,6 +75,9 @@ struct RecordReading {
   // At Code.
   std::optional<char> Toggle;        // RC5: the toggle digit as it was received
   std::optional<CodeValues> Values;  // address and command
+
+  /// Forgets the last recording, but keeps the memory of its texts.
+  void EndAt(RecordStage stage);
 };
 
 /// Cuts a capture to its signal and at most 30 silent bytes after it.
@@ -79,13 +85,15 @@ struct RecordReading {
 /// it may be read
 RecordStage TrimRecording(std::string& capture);
 
-/// Reads the sample string of a trimmed recording.
-/// @param measured as with AnalyseTiming: base time and kind stay as they were if nothing can be measured
+/// Reads the trimmed capture of the state; fills its Measured, of which base time and kind stay as they were
+/// if nothing can be measured.
 /// @param analysis with Analysis::Second the whole frames that the second look finds, where there are any
-RecordReading ReadRecordedSamples(std::string_view samples, Timing& measured,
-                                  Analysis analysis = Analysis::First);
+/// @param reading replaced; one that is used again and again costs no memory
+void ReadTrimmedRecording(SignalState& state, Analysis analysis, RecordReading& reading);
 
-/// The whole road from the bytes of a capture; leaves capture, sample string and timing in the state.
+/// The whole road from the bytes of a capture; leaves capture and timing in the state.
+void ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis,
+                         RecordReading& reading);
 RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state,
                                   Analysis analysis = Analysis::First);
 

@@ -23,18 +23,13 @@ constexpr auto kByteTexts = MakeByteTexts();
 
 }  // namespace
 
-void SamplesToBits(std::string_view capture, std::string& bits) {
-  bits.resize(capture.size() * kBitsPerByte);
+std::string SamplesToBits(std::string_view capture) {
+  std::string bits(capture.size() * kBitsPerByte, '0');
   char* out = bits.data();
   for (const char character : capture) {
     std::memcpy(out, kByteTexts[static_cast<unsigned char>(character)].data(), kBitsPerByte);
     out += kBitsPerByte;
   }
-}
-
-std::string SamplesToBits(std::string_view capture) {
-  std::string bits;
-  SamplesToBits(capture, bits);
   return bits;
 }
 

@@ -20,8 +20,6 @@ inline constexpr int kNominalSampleTime = 55;
 
 /// Turns a capture into its sample string: one character 0 or 1 a sample, eight a byte, most significant bit
 /// first.
-/// @param bits replaced; keeps its memory, so that a tick can use one string again and again
-void SamplesToBits(std::string_view capture, std::string& bits);
 std::string SamplesToBits(std::string_view capture);
 
 }  // namespace keplo

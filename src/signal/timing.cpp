@@ -7,7 +7,7 @@ namespace keplo {
 
 namespace {
 
-constexpr int kLookAheadPairs = 25;           // about one frame
+constexpr std::size_t kLookAheadPairs = 25;   // about one frame
 constexpr std::size_t kLongestCounted = 99;   // longer runs share this entry
 constexpr std::size_t kLongestSilence = 300;  // a longer space ends the frame, and with it the look
 constexpr std::size_t kFirstPeak = 4;         // base times from 220 us ...
@@ -16,20 +16,18 @@ constexpr int kLargestPeakDifference = 5;     // marks and spaces of one base ti
 
 void Count(RunHistogram& histogram, std::size_t run) { ++histogram[std::min(run, kLongestCounted)]; }
 
-void CountRuns(std::string_view samples, Timing& timing) {
+void CountRuns(RunSpan runs, Timing& timing) {
   timing.RunHist1.fill(0);
   timing.RunHist0.fill(0);
-  std::size_t offset = 0;
-  for (int pair = 0; pair < kLookAheadPairs; ++pair) {
-    const std::size_t ones = RunLength(samples, offset, '1');
-    offset += ones;
-    Count(timing.RunHist1, ones);
-    if (offset >= samples.size()) return;
-
-    const std::size_t zeros = RunLength(samples, offset, '0');
-    offset += zeros;
-    if (zeros > kLongestSilence) return;
-    Count(timing.RunHist0, zeros);
+  // After the last run stands one of length 0.
+  const auto lengthOf = [&](std::size_t run) {
+    return run < runs.size() ? static_cast<std::size_t>(runs[run]) : 0;
+  };
+  for (std::size_t mark = 0; mark < 2 * kLookAheadPairs; mark += 2) {
+    Count(timing.RunHist1, lengthOf(mark));
+    const std::size_t space = mark + 1;
+    if (space >= runs.size() || lengthOf(space) > kLongestSilence) return;
+    Count(timing.RunHist0, lengthOf(space));
   }
 }
 
@@ -78,8 +76,8 @@ std::string_view ProtoKindName(std::int16_t kind) {
   }
 }
 
-bool AnalyseTiming(std::string_view samples, Timing& timing) {
-  CountRuns(samples, timing);
+bool AnalyseTiming(RunSpan runs, Timing& timing) {
+  CountRuns(runs, timing);
   const std::size_t peak0 = PeakOf(timing.RunHist0);
   const std::size_t peak1 = PeakOf(timing.RunHist1);
   const int difference = std::abs(static_cast<int>(peak1) - static_cast<int>(peak0));

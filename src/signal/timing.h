@@ -1,11 +1,10 @@
 #pragma once
 
 #include <array>
-#include <bit>
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
+
+#include "signal/runs.h"
 
 namespace keplo {
 
@@ -34,42 +33,26 @@ struct Timing {
   std::int16_t ProtoKind = kNec;
 };
 
-/// Measures base time and line code from the first 25 pairs of runs of a sample string.
+/// Measures base time and line code from the first 25 pairs of runs of a signal.
 ///
 /// Both histograms are rebuilt in any case; BaseT and ProtoKind change only when the result is true. A base
 /// time of a signal that fits no line code is a result of true with ProtoKind 99.
 /// @return true if a base time was found
-bool AnalyseTiming(std::string_view samples, Timing& timing);
+bool AnalyseTiming(RunSpan runs, Timing& timing);
+
+/// Units of a run that is too long for a digit, which the walks turn into a mark.
+inline constexpr int kBorderUnits = 9;
 
 /// Length of one run in base times.
 /// @param run run length, samples
 /// @param t base time T, samples
-/// @return 1, 2 or 3; 9 for anything longer, which the walks turn into a mark
+/// @return 1, 2 or 3; kBorderUnits for anything longer
 constexpr int RunUnits(int run, int t) {
   // Receivers stretch and shrink single runs by a few samples, the longer ones by more.
   if (run < t + 5) return 1;
   if (run < 2 * t + 6) return 2;
   if (run < 3 * t + 9) return 3;
-  return 9;
-}
-
-/// Length of the run of one character that begins at an offset (from 0); 0 if another character stands there.
-/// Looks at eight characters at a time.
-inline std::size_t RunLength(std::string_view samples, std::size_t offset, char character) {
-  constexpr std::uint64_t kEachByte = 0x0101010101010101;
-  const std::uint64_t run = kEachByte * static_cast<unsigned char>(character);
-  std::size_t end = offset;
-  for (; end + sizeof run <= samples.size(); end += sizeof run) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, samples.data() + end, sizeof word);
-    const std::uint64_t differing = word ^ run;
-    if (differing == 0) continue;
-    constexpr bool kFirstIsLowest = std::endian::native == std::endian::little;
-    const int bits = kFirstIsLowest ? std::countr_zero(differing) : std::countl_zero(differing);
-    return end + static_cast<std::size_t>(bits) / 8 - offset;
-  }
-  while (end < samples.size() && samples[end] == character) ++end;
-  return end - offset;
+  return kBorderUnits;
 }
 
 }  // namespace keplo

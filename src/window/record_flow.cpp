@@ -82,7 +82,9 @@ bool RecordFlow::Explain(std::string capture) {
 bool RecordFlow::ShowCapture() {
   if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return false;
   waveform_.StartTrace();
-  ShowReading(ReadRecordedSamples(mod_.Signal.SampleBits, mod_.Signal.Measured, mod_.Settings.Analysis));
+  RecordReading reading;
+  ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
+  ShowReading(reading);
   return true;
 }
 

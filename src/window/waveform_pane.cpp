@@ -28,11 +28,11 @@ constexpr std::size_t kShortestTrace = 60;  // bytes; with less there is nothing
 
 }  // namespace
 
-std::string WaveformPane::DrawWave(std::string_view capture, int offset) {
+void WaveformPane::DrawWave(std::string_view capture, int offset) {
   const double lower = surface_.Height - kLowerLevel;
   const double upper = lower - kLevelHeight;
   const double right = surface_.Width - kMargin;
-  std::string samples = SamplesToBits(capture);
+  const std::string samples = SamplesToBits(capture);
   surface_.Clear();
   char previous = '0';
   const auto pixelOf = [](double x) { return std::floor(x * kPartsOfAPixel); };
@@ -54,10 +54,9 @@ std::string WaveformPane::DrawWave(std::string_view capture, int offset) {
   }
   reading_.Read(samples);
   surface_.Show();
-  return samples;
 }
 
-void WaveformPane::Redraw() { signal_.SampleBits = DrawWave(signal_.RawCapture, offset_); }
+void WaveformPane::Redraw() { DrawWave(signal_.RawCapture, offset_); }
 
 double WaveformPane::PlaceOf(double sample) const { return (sample + kSamplesPerByte + offset_) * zoom_; }
 

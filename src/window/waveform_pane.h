@@ -1,9 +1,8 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
-#include "signal/monitored_press.h"
+#include "signal/signal_state.h"
 #include "ui/drawing_surface.h"
 #include "ui/scroll_bar.h"
 #include "ui/text_box.h"
@@ -11,7 +10,7 @@
 
 namespace keplo {
 
-/// The trace of the capture in the signal state, and the samples that come of drawing it.
+/// The trace of the capture in the signal state.
 class WaveformPane {
  public:
   /// @param reading takes the samples that are drawn
@@ -36,7 +35,7 @@ class WaveformPane {
   void Fit();
 
  private:
-  std::string DrawWave(std::string_view capture, int offset);
+  void DrawWave(std::string_view capture, int offset);
   void Redraw();
   bool CanZoom() const;
   void ZoomTo(double zoom);

@@ -2,39 +2,39 @@
 
 #include <gtest/gtest.h>
 
+#include "signal/decode_frames.h"
 #include "signal/timing.h"
-#include "signal_builder.h"
 
 namespace keplo {
 namespace {
 
-using tests::Runs;
-
-TEST(WalkRuns, ClassifiesRunsAndClosesWithASpaceMark) {
-  const std::vector<std::pair<std::vector<int>, std::optional<std::string>>> cases = {
-      {{45, 45, 7, 18, 7, 7, 18, 200}, "Gg1001011g"},
-      {{10, 30, 30, 1}, "1000111g"},  // the last space closes, however short it is
-      {{0, 20, 10, 5}, "1001g"},      // a space at the head brings a lone 1 ahead of it
-      {{10, 20, 10}, std::nullopt},   // ends in a mark
-      {{}, std::nullopt},
+TEST(WalkFirstFrame, TakesTheFirstStretchBetweenTwoBorders) {
+  const std::vector<std::pair<std::vector<int>, std::string>> cases = {
+      {{45, 45, 7, 18, 7, 7, 18, 200}, "1001011"},
+      {{45, 30, 30, 1}, "000111"},  // the last space closes, however short it is
+      {{10, 20, 10, 45, 7, 18, 45, 7, 7, 39}, "100"},
+      {{0, 45, 10, 38, 10, 39}, "10001"},
+      {{45, 14, 15, 25, 26, 39},
+       "011001"
+       "11"},
+      {{10, 20, 10, 5}, "none"},
+      {{45, 45, 45, 45}, "none"},
+      {{0, 4080}, "none"},
   };
-  for (const auto& [runs, symbols] : cases) EXPECT_EQ(WalkRuns(Runs(runs), 10), symbols) << Runs(runs);
+  for (const auto& [runs, symbols] : cases) {
+    std::string frame = "of the last capture";
+    const bool found = WalkFirstFrame(runs, 10, frame);
+    EXPECT_EQ(found ? frame : "none", symbols) << testing::PrintToString(runs);
+  }
 }
 
-TEST(IsolateFrame, TakesTheFirstStretchBetweenTwoMarks) {
-  const std::vector<std::pair<std::string, std::optional<std::string>>> cases = {
-      {"Gg1001011g", "1001011"}, {"0110g101g111g", "101"}, {"10gGg01G", "01"},     {"1010g", std::nullopt},
-      {"ggG", std::nullopt},     {"g0101", std::nullopt},  {"0101", std::nullopt}, {"", std::nullopt},
-  };
-  for (const auto& [symbols, frame] : cases) EXPECT_EQ(IsolateFrame(symbols), frame) << symbols;
-}
+struct Case {
+  std::string Symbols;
+  std::int16_t Kind;
+  std::string Decoded;
+};
 
 TEST(DecodeCode, ReadsEachLineCode) {
-  struct Case {
-    std::string Frame;
-    std::int16_t Kind;
-    std::string Code;
-  };
   const std::vector<Case> cases = {
       {"1010001001", kNec, "011"},
       {"0101", kNec, "00"},
@@ -47,18 +47,74 @@ TEST(DecodeCode, ReadsEachLineCode) {
       // 11 0 00000 000001 and the same with a closing 0, whose last half bit ran into the gap
       {"101101010101010101010101001", kRc5, "11000000000001"},
       {"10110101010101010101010101", kRc5, "11000000000000"},
+      {"101010101010101", kRc5, "11011111"},  // the toggle digit is none of the code
       {"11", kRc5, "10"},
       {"1100", kRc5, ""},  // 011000: the last pair is no bit
       {"1111", kRc5, ""},
       {"011", kRc5, ""},
   };
-  for (const Case& c : cases) EXPECT_EQ(DecodeCode(c.Frame, c.Kind), c.Code) << c.Frame << " kind " << c.Kind;
+  for (const Case& c : cases) {
+    EXPECT_EQ(DecodeCode(c.Symbols, c.Kind), c.Decoded) << c.Symbols << " kind " << c.Kind;
+  }
 }
 
-TEST(DecodeCode, ForgetsTheToggleDigit) {
-  std::string halves;
-  for (const char digit : std::string("11101010101010")) halves += digit == '1' ? "01" : "10";
-  EXPECT_EQ(DecodeCode(halves.substr(1), kRc5), "11001010101010");
+TEST(DecodeFrames, ReadsEachLineCodeAndKeepsTheBordersOfFrames) {
+  const std::vector<Case> cases = {
+      {"", kNec, "G"},
+      {"Gg", kNec, "GGG"},
+      {"Gg100100010101g", kNec, "GGG1100G"},
+      {"Gg1000101gGg1g", kNec, "GGG10GGGG"},  // a short repeat: leader and one mark
+      {"Gg110", kNec, "GGG0"},
+      {"G0g10", kNec, "GGG00"},  // a short space before a mark puts its digit after the marks
+      {"GgGgGg1000", kNec, "GGGGGGG"},
+      {"GgGgG10001GgGgG10", kNec, "GGGGGG1GGGGG0"},  // five side by side end nothing
+      {"Gg1000", kCustom, "GGG1"},
+      {"?10?", kNec, "G0"},
+      {"", kSony, ""},
+      {"G", kSony, "G"},
+      {"0110", kSony, "1"},
+      {"010", kSony, "0"},
+      {"00", kSony, ""},
+      {"G01101g", kSony, "G10G"},
+      {"G01101gG01101g", kSony, "G10GG10G"},
+      {"Gg11GgGg11g01", kSony, "GG1GGGG1"},  // the pass of the sixth mark is read to its end
+      {"?10?", kSony, "0"},
+      {"g110011g110", kRc5, "G1010G10"},
+      {"g101g101", kRc5, "G11G11"},
+      {"G101G101", kRc5, "G11G11"},
+      {"g1110", kRc5, "G1y"},
+      {"g100110", kRc5, "G1xy"},
+      {"g1", kRc5, "G1"},
+      {"?10?", kRc5, "G1"},
+  };
+  for (const Case& c : cases) {
+    std::string decoded = "of the last recording";
+    DecodeFrames(c.Symbols, c.Kind, decoded);
+    EXPECT_EQ(decoded, c.Decoded) << c.Symbols << " kind " << c.Kind;
+  }
+}
+
+TEST(CutFrames, TakesTheFirstTwo) {
+  struct Cut {
+    std::string Decoded, First, Second;
+    bool FirstEnded, DoubleMarkBehind;
+  };
+  const std::vector<Cut> cases = {
+      {"GGG101GG101GG0", "101", "101", true, true},
+      {"GGG101G01", "101", "01", true, false},
+      {"GGG101GGG", "101", "", true, true},
+      {"GGG101", "101", "", false, false},
+      {"101G1", "101", "1", true, false},
+      {"GGG", "", "", false, false},
+      {"", "", "", false, false},
+  };
+  for (const Cut& c : cases) {
+    const FramePair frames = CutFrames(c.Decoded);
+    EXPECT_EQ(frames.First, c.First) << c.Decoded;
+    EXPECT_EQ(frames.Second, c.Second) << c.Decoded;
+    EXPECT_EQ(frames.FirstEnded, c.FirstEnded) << c.Decoded;
+    EXPECT_EQ(frames.DoubleMarkBehind, c.DoubleMarkBehind) << c.Decoded;
+  }
 }
 
 }  // namespace

@@ -7,89 +7,56 @@
 namespace keplo {
 namespace {
 
-using tests::Bytes;
 using tests::NecRuns;
 using tests::Padded;
 using tests::Rc5Runs;
-using tests::Runs;
 using tests::SonyRuns;
+using RunVector = std::vector<int>;
 
 const std::string kNecDigits = "00000000111111110110100010010111";
 
-std::vector<int> Joined(std::vector<int> runs, const std::vector<int>& more) {
-  runs.insert(runs.end(), more.begin(), more.end());
-  return runs;
-}
-
 /// Two frames of one press, the silence between them long enough to end a frame.
-std::vector<int> Twice(const std::vector<int>& first, const std::vector<int>& second) {
-  return Joined(Joined(first, {400}), second);
-}
+RunVector Twice(const RunVector& first, const RunVector& second) { return tests::Then(first, 400, second); }
+RunVector Twice(const RunVector& frame) { return Twice(frame, frame); }
 
-RecordReading Recorded(const std::vector<int>& runs) {
+RecordReading Recorded(const RunVector& runs) {
   SignalState state;
-  return ReadRecordedCapture(Padded(Bytes(Runs(runs)), kRecordCaptureBytes), state);
+  return ReadRecordedCapture(tests::Capture(runs, kRecordCaptureBytes), state);
 }
 
 TEST(RecordRoad, ExplainsAPressOfEachKind) {
   struct Case {
     std::string Name;
-    std::vector<int> Runs;
+    RunVector Press;
     std::int16_t Kind;
     std::string Code;
     bool Repeats;
-    std::optional<int> SyncType;
-    std::optional<char> Toggle;
-    std::optional<CodeValues> Values;
+    int SyncType;
+    std::optional<char> Toggle = {};
+    std::optional<CodeValues> Values = {};
   };
-  const std::vector<int> nec = NecRuns(kNecDigits);
-  const std::vector<int> ditto = {160, 40, 10};
+  const RunVector nec = NecRuns(kNecDigits);
+  const RunVector ditto = {160, 40, 10};
+  const std::string sony15 = "101010010010000";
   const std::vector<Case> cases = {
-      {"NEC and its short repeat", Twice(nec, ditto), kNec, kNecDigits, false, 2, {}, {}},
-      {"NEC twice", Twice(nec, nec), kNec, kNecDigits, true, 2, {}, {}},
-      {"NEC, the repeat without a leader",
-       Twice(nec, {nec.begin() + 2, nec.end()}),
-       kNec,
-       kNecDigits,
-       true,
-       1,
-       {},
-       {}},
-      {"SONY",
-       Twice(SonyRuns("101000100010"), SonyRuns("101000100010")),
-       kSony,
-       "101000100010",
-       true,
-       2,
-       {},
-       CodeValues{8, 69}},
-      {"SONY of 15 digits",
-       SonyRuns("101010010010000"),
-       kSony,
-       "101010010010000",
-       false,
-       2,
-       {},
-       CodeValues{9, 21}},
-      {"SONY of 13 digits", SonyRuns("1010100100001"), kSony, "1010100100001", false, 2, {}, {}},
-      {"RC5, address 5, command 12", Rc5Runs("11000101001100"), kRc5, "11000101001100", true, 0, '0',
-       CodeValues{5, 76}},
-      {"RC5 with its toggle digit set", Rc5Runs("11100101001101"), kRc5, "11000101001101", true, 0, '1',
-       CodeValues{5, 77}},
+      {"NEC and its short repeat", Twice(nec, ditto), kNec, kNecDigits, false, 2},
+      {"NEC twice", Twice(nec), kNec, kNecDigits, true, 2},
+      {"NEC, then without a leader", Twice(nec, {nec.begin() + 2, nec.end()}), kNec, kNecDigits, true, 1},
+      {"SONY", Twice(SonyRuns("101000100010")), kSony, "101000100010", true, 2, {}, CodeValues{8, 69}},
+      {"SONY of 15 digits", SonyRuns(sony15), kSony, sony15, false, 2, {}, CodeValues{9, 21}},
+      {"SONY of 13 digits", SonyRuns("1010100100001"), kSony, "1010100100001", false, 2},
+      {"RC5", Rc5Runs("11000101001100"), kRc5, "11000101001100", true, 0, '0', CodeValues{5, 76}},
+      {"RC5 toggled", Rc5Runs("11100101001101"), kRc5, "11000101001101", true, 0, '1', CodeValues{5, 77}},
       {"RC5 alone", Rc5Runs("11000101001101", 1), kRc5, "11000101001101", false, 0, '0', CodeValues{5, 77}},
-      {"RC5 of 13 digits", Rc5Runs("1100010100110"), kRc5, "1100010100110", true, 0, '0', {}},
-      {"a short code that repeats",
-       Twice(SonyRuns("010110"), SonyRuns("010110")),
-       kSony,
-       "010110",
-       true,
-       2,
-       {},
-       {}},
-      {"a single frame of seven digits", SonyRuns("0010100"), kSony, "0010100", false, 2, {}, {}},
+      {"RC5 of 13 digits", Rc5Runs("1100010100110"), kRc5, "1100010100110", true, 0, '0'},
+      {"a short code that repeats", Twice(SonyRuns("010110")), kSony, "010110", true, 2},
+      {"a single frame of seven digits", SonyRuns("0010100"), kSony, "0010100", false, 2},
   };
+  // One state and one reading for all, as in a window: nothing of a recording may reach the next one.
+  SignalState state;
+  RecordReading reading;
   for (const Case& c : cases) {
-    const RecordReading reading = Recorded(c.Runs);
+    ReadRecordedCapture(tests::Capture(c.Press, kRecordCaptureBytes), state, Analysis::First, reading);
     EXPECT_EQ(reading.Ended, RecordStage::Code) << c.Name;
     EXPECT_EQ(reading.ProtoKind, c.Kind) << c.Name;
     EXPECT_EQ(reading.Code, c.Code) << c.Name << ": " << reading.Decoded;
@@ -98,6 +65,8 @@ TEST(RecordRoad, ExplainsAPressOfEachKind) {
     EXPECT_EQ(reading.Toggle, c.Toggle) << c.Name;
     EXPECT_TRUE(reading.Values == c.Values) << c.Name;
   }
+  ReadRecordedCapture("", state, Analysis::First, reading);
+  EXPECT_TRUE(reading.Code.empty() && reading.Runs.Ones.empty() && !reading.Values && !reading.SyncType);
 }
 
 TEST(RecordRoad, EndsWhereItMust) {
@@ -106,16 +75,18 @@ TEST(RecordRoad, EndsWhereItMust) {
     RecordStage Ended;
     std::string Code;
   };
-  const auto padded = [](const std::string& bytes) { return Padded(bytes, kRecordCaptureBytes); };
-  const auto press = [&](const std::vector<int>& runs) { return padded(Bytes(Runs(runs))); };
+  RunVector alike(43, 10);
+  alike[0] = alike[1] = 60;
+  const auto press = [](const RunVector& runs) { return tests::Capture(runs, kRecordCaptureBytes); };
   const std::vector<Case> cases = {
-      {"silence", padded(""), RecordStage::Empty, ""},
+      {"silence", Padded("", kRecordCaptureBytes), RecordStage::Empty, ""},
       {"no bytes at all", "", RecordStage::Empty, ""},
-      {"19 bytes and silence", padded(std::string(19, '\xFF')), RecordStage::Short, ""},
-      {"20 bytes and silence", padded(std::string(20, '\xFF')), RecordStage::NoTiming, ""},
+      {"19 bytes and silence", Padded(std::string(19, '\xFF'), kRecordCaptureBytes), RecordStage::Short, ""},
+      {"20 bytes and silence", Padded(std::string(20, '\xFF'), kRecordCaptureBytes), RecordStage::NoTiming,
+       ""},
       // Nothing is cut off a full buffer, so its length does not count.
-      {"23 bytes alone", Bytes(Runs(SonyRuns("000100"))), RecordStage::Fragment, "000100"},
-      {"all runs alike", press(Joined({60, 60}, std::vector<int>(41, 10))), RecordStage::Unknown, ""},
+      {"23 bytes alone", tests::Bytes(tests::Runs(SonyRuns("000100"))), RecordStage::Fragment, "000100"},
+      {"all runs alike", press(alike), RecordStage::Unknown, ""},
       {"a single frame of six digits", press(SonyRuns("010110")), RecordStage::Fragment, "010110"},
   };
   for (const Case& c : cases) {
@@ -123,35 +94,32 @@ TEST(RecordRoad, EndsWhereItMust) {
     const RecordReading reading = ReadRecordedCapture(c.Capture, state);
     EXPECT_EQ(reading.Ended, c.Ended) << c.Name;
     EXPECT_EQ(reading.Code, c.Code) << c.Name;
+    EXPECT_EQ(reading.ProtoKind == kUnknown, c.Code.empty()) << c.Name;
+    EXPECT_EQ(reading.PulseUs() > 0, reading.Ended >= RecordStage::Unknown) << c.Name;
     EXPECT_FALSE(reading.Toggle || reading.Values) << c.Name;
   }
 }
 
-TEST(RecordRoad, KeepsAnUnknownSignalsBaseTime) {
-  const RecordReading reading = Recorded(Joined({60, 60}, std::vector<int>(41, 10)));
-  EXPECT_EQ(reading.PulseUs(), reading.BaseT * 55);
-  EXPECT_EQ(reading.ProtoKind, kUnknown);
-}
-
 TEST(RecordRoad, ComparesASecondFrameThatTheBufferCuts) {
-  const std::vector<int> sony = SonyRuns("101010010000");
-  const std::string samples = Runs(Twice(sony, {sony.begin(), sony.end() - 6}));
-  Timing measured;
-  const RecordReading reading = ReadRecordedSamples(samples, measured);
+  const RunVector sony = SonyRuns("101010010000");
+  std::string samples = tests::Runs(Twice(sony, {sony.begin(), sony.end() - 6}));
+  while (samples.size() % kBitsPerByte != 0) samples += '1';
+  SignalState state;
+  const RecordReading reading = ReadRecordedCapture(tests::Bytes(samples), state);
   EXPECT_EQ(reading.Code, "101010010000");
-  EXPECT_EQ(reading.SecondFrame, "10101001");  // the mark that ends the samples is no run
+  EXPECT_EQ(reading.SecondFrame, "10101001") << "the mark that ends the samples is no run";
   EXPECT_FALSE(reading.Repeats);
 }
 
 TEST(RecordRoad, ShowsHalfBitsThatCannotBePaired) {
-  std::vector<int> runs = Rc5Runs("11000101001101", 1);
+  RunVector runs = Rc5Runs("11000101001101", 1);
   runs[2] = 48;
   EXPECT_NE(Recorded(runs).Code.find_first_of("xy"), std::string::npos);
 }
 
 TEST(WalkRecording, LeavesTheRunThatEndsTheSamplesOut) {
   struct Case {
-    std::vector<int> Runs;
+    RunVector Press;
     std::string Symbols, Ones, Zeros;
   };
   const std::vector<Case> cases = {
@@ -161,27 +129,22 @@ TEST(WalkRecording, LeavesTheRunThatEndsTheSamplesOut) {
       {{0, 20, 10, 120}, "1001g", "-0-10", "-20"},
       {{}, "", "", ""},
   };
+  RecordedRuns walked;
   for (const Case& c : cases) {
-    const RecordedRuns runs = WalkRecording(Runs(c.Runs), 10);
-    EXPECT_EQ(runs.Symbols, c.Symbols);
-    EXPECT_EQ(RunLengthsText(runs.Ones), c.Ones) << c.Symbols;
-    EXPECT_EQ(RunLengthsText(runs.Zeros), c.Zeros) << c.Symbols;
+    WalkRecording(c.Press, 10, walked);
+    EXPECT_EQ(walked.Symbols, c.Symbols);
+    EXPECT_EQ(RunLengthsText(walked.Ones), c.Ones) << c.Symbols;
+    EXPECT_EQ(RunLengthsText(walked.Zeros), c.Zeros) << c.Symbols;
   }
 }
 
-TEST(TrimRecording, KeepsThirtySilentBytesBehindTheSignal) {
+TEST(TrimRecording, KeepsThirtySilentBytesAfterTheSignal) {
   std::string capture = Padded(std::string(60, '\x80'), kRecordCaptureBytes);
   EXPECT_EQ(TrimRecording(capture), RecordStage::Code);
   EXPECT_EQ(capture.size(), 90U);
   std::string full(kRecordCaptureBytes, '\x01');
   EXPECT_EQ(TrimRecording(full), RecordStage::Code);
   EXPECT_EQ(full.size(), kRecordCaptureBytes);
-}
-
-TEST(BinToInt, ReadsTheHighestDigitFirst) {
-  EXPECT_EQ(BinToInt(""), 0);
-  EXPECT_EQ(BinToInt("00101"), 5);
-  EXPECT_EQ(BinToInt("11111111"), 255);
 }
 
 }  // namespace

@@ -55,30 +55,16 @@ TEST(BuildSendBits, SendsTheFrameAndTheRepeatsOfItsProtocol) {
   }
 }
 
-TEST(BuildSendBits, FlipsTheToggleDigitWithEachTransmission) {
+TEST(BuildSendBits, FlipsTheToggleDigitAndSetsTheClosingSlot) {
   ProtocolParams params = Params(kRc5, 0, 0);
   bool toggle = false;
   std::string sent;
-  for (int press = 0; press < 3; ++press) {
+  for (const std::int16_t kind : {kRc5, kRc5, kNec, kCustom, kRc5}) {
     std::string code = "11000000001100";
-    BuildSendBits(code, kRc5, params, toggle);
-    sent += code[2];
+    BuildSendBits(code, kind, params, toggle);
+    sent += std::string(1, code[2]) + params.BitTail + " ";
   }
-  EXPECT_EQ(sent, "101");
-  std::string nec = "11000000001100";
-  BuildSendBits(nec, kNec, params, toggle);
-  EXPECT_EQ(nec, "11000000001100");
-  EXPECT_TRUE(toggle);
-}
-
-TEST(BuildSendBits, SetsTheClosingSlotOfTheKind) {
-  ProtocolParams params = Params(kNec, 0, 0);
-  bool toggle = false;
-  std::string code = "10";
-  BuildSendBits(code, kNec, params, toggle);
-  EXPECT_EQ(params.BitTail, "1");
-  BuildSendBits(code, kCustom, params, toggle);
-  EXPECT_EQ(params.BitTail, "");
+  EXPECT_EQ(sent, "1 0 01 0 1 ");
 }
 
 TEST(BuildSendBits, RefusesWhatIsTooLongAheadOfAnyChange) {

@@ -37,6 +37,18 @@ inline std::string Padded(const std::string& bytes, std::size_t length = 510) {
   return padded;
 }
 
+/// What a line hands over for a press of these runs.
+inline std::string Capture(const std::vector<int>& runs, std::size_t length = 510) {
+  return Padded(Bytes(Runs(runs)), length);
+}
+
+/// A press, a space after it, and another one.
+inline std::vector<int> Then(std::vector<int> press, int gap, const std::vector<int>& more) {
+  press.push_back(gap);
+  press.insert(press.end(), more.begin(), more.end());
+  return press;
+}
+
 /// Pulse distance press: leader, one mark and space a digit, closing mark; a unit is 10 and 11 samples in
 /// turn, as on a real line.
 inline std::vector<int> NecRuns(const std::string& digits) {
@@ -75,11 +87,8 @@ inline std::vector<int> Rc5Runs(const std::string& digits, int frames = 2) {
     i += run;
   }
   if (frame.size() % 2 == 0) frame.pop_back();  // a closing space runs into the gap
-  std::vector<int> runs;
-  for (int count = 0; count < frames; ++count) {
-    if (count > 0) runs.push_back(1600);
-    runs.insert(runs.end(), frame.begin(), frame.end());
-  }
+  std::vector<int> runs = frame;
+  while (--frames > 0) runs = Then(runs, 1600, frame);
   return runs;
 }
 

@@ -8,65 +8,61 @@ namespace keplo {
 namespace {
 
 using tests::FakeLine;
-using Calls = std::vector<std::string>;
 
-TEST(QueryZone, TakesTheFirstValidAnswer) {
-  FakeLine line;
-  line.Answers = {'\x19'};
-  line.Zones = [](char) -> std::int16_t { return 2; };
-  EXPECT_EQ(QueryZone(line), 2);
-  EXPECT_EQ(line.Calls, (Calls{"SetMode 2", "SendChr 80", "ReadChr", "CheckZone 25", "SetMode 1"}));
+/// What is asked of the line in n tries, the answers to which say whether they are looked at.
+std::vector<std::string> Calls(const std::string& sent, const std::vector<std::string>& answers) {
+  std::vector<std::string> calls = {"SetMode 2"};
+  for (const std::string& answer : answers) {
+    calls.insert(calls.end(), {"SendChr " + sent, "ReadChr"});
+    if (!answer.empty()) calls.push_back("CheckZone " + answer);
+  }
+  calls.push_back("SetMode 1");
+  return calls;
 }
 
-TEST(QueryZone, GivesUpBehindFourUnansweredQueries) {
-  FakeLine line;
-  EXPECT_EQ(QueryZone(line), kNoZone);
-  EXPECT_EQ(line.Calls, (Calls{"SetMode 2", "SendChr 80", "ReadChr", "SendChr 80", "ReadChr", "SendChr 80",
-                               "ReadChr", "SendChr 80", "ReadChr", "SetMode 1"}));
-}
-
-TEST(QueryZone, AsksAgainBehindAnAnswerThatIsNoZone) {
-  FakeLine line;
-  line.Answers = {'a', 'b', 'c', 'd'};
-  std::deque<std::int16_t> zones = {0, -3, 0, 2};
-  line.Zones = [&](char) {
-    const std::int16_t zone = zones.front();
-    zones.pop_front();
-    return zone;
+TEST(QueryZone, TakesTheFirstValidAnswerOfFour) {
+  struct Case {
+    std::string Name;
+    std::deque<char> Answers;
+    std::deque<std::int16_t> Zones;
+    std::int32_t ReadResult;
+    int Zone;
+    std::vector<std::string> Asked;
   };
-  EXPECT_EQ(QueryZone(line), 2);
-  EXPECT_EQ(line.Calls.back(), "SetMode 1");
-}
-
-TEST(QueryZone, LooksAtTheLow16BitsOfARead) {
-  FakeLine line;
-  line.Answers = {'a', 'b', 'c', 'd'};
-  line.ReadResult = 0x10000;
-  EXPECT_EQ(QueryZone(line), kNoZone);
-  EXPECT_EQ(std::count(line.Calls.begin(), line.Calls.end(), "CheckZone 97"), 0);
+  const std::vector<Case> cases = {
+      {"at once", {'\x19'}, {2}, 1, 2, {"25"}},
+      {"no answer", {}, {}, 1, kNoZone, {"", "", "", ""}},
+      {"no zone, then one", {'a', 'b', 'c', 'd'}, {0, -3, 0, 2}, 1, 2, {"97", "98", "99", "100"}},
+      {"nothing in the low 16 bits", {'a', 'b', 'c', 'd'}, {}, 0x10000, kNoZone, {"", "", "", ""}},
+  };
+  for (const Case& c : cases) {
+    FakeLine line;
+    line.Answers.assign(c.Answers.begin(), c.Answers.end());
+    line.ReadResult = c.ReadResult;
+    std::deque<std::int16_t> zones = c.Zones;
+    line.Zones = [&](char) {
+      const std::int16_t zone = zones.front();
+      zones.pop_front();
+      return zone;
+    };
+    EXPECT_EQ(QueryZone(line), c.Zone) << c.Name;
+    EXPECT_EQ(line.Calls, Calls("80", c.Asked)) << c.Name;
+  }
 }
 
 TEST(SendZone, AcceptsTheCommandWithoutItsHighestBitOnly) {
   FakeLine line;
   line.Answers = {72, '\0', 8};  // an echo and a time-out, then the answer
   EXPECT_TRUE(SendZone(line, 1));
-  EXPECT_EQ(line.Calls, (Calls{"SetMode 2", "SendChr 72", "ReadChr", "SendChr 72", "ReadChr", "SendChr 72",
-                               "ReadChr", "SetMode 1"}));
-}
-
-TEST(SendZone, FailsBehindFourWrongAnswers) {
-  FakeLine line;
-  line.Answers = {1, 2, 3, 4, 63};
-  EXPECT_FALSE(SendZone(line, 8));
-  EXPECT_EQ(line.Answers.size(), 1U);
-  EXPECT_EQ(line.Calls.back(), "SetMode 1");
-}
-
-TEST(SendZone, SendsNothingForAZoneThatDoesNotExist) {
+  EXPECT_EQ(line.Calls, Calls("72", {"", "", ""}));
+  FakeLine wrong;
+  wrong.Answers = {1, 2, 3, 4, 63};
+  EXPECT_FALSE(SendZone(wrong, 8));
+  EXPECT_EQ(wrong.Calls, Calls("127", {"", "", "", ""}));
   for (const std::int16_t zone : {-1, 0, 9}) {
-    FakeLine line;
-    EXPECT_FALSE(SendZone(line, zone));
-    EXPECT_EQ(line.Calls, (Calls{"SetMode 2", "SetMode 1"})) << zone;
+    FakeLine none;
+    EXPECT_FALSE(SendZone(none, zone));
+    EXPECT_EQ(none.Calls, Calls("", {})) << zone;
   }
 }
 

@@ -35,7 +35,7 @@ TEST_F(SendFlow, AStoredCommandIsSentBetweenTwoBeepsAndDrawn) {
   EXPECT_EQ(form_->Rpt.Text() + form_->GType.Text() + form_->GProt.Text(), "N2NEC");
   EXPECT_EQ(form_->IRCommand.Text() + " " + form_->BitNr.Text(), "Mine / PLAY 16");
   // Ten samples a slot.
-  EXPECT_EQ(mod_->Signal.SampleBits.substr(0, 41), std::string(20, '1') + std::string(20, '0') + "1");
+  EXPECT_EQ(mod_->Signal.SampleBits().substr(0, 41), std::string(20, '1') + std::string(20, '0') + "1");
   EXPECT_EQ(form_->HScroll1.Value(), 15);
   EXPECT_TRUE(form_->SendButton.Enabled());
 

@@ -30,7 +30,7 @@ TEST_F(Waveform, EverySampleIsADotAndEveryChangeAnEdge) {
   EXPECT_EQ(surface.Lines()[0], (ui::DrawingSurface::Line{23, kLower, 23, kUpper, ui::kGreen}));
   EXPECT_EQ(surface.Lines()[1].X1, 28);
   EXPECT_EQ(LastX(), 532);
-  EXPECT_EQ(mod_->Signal.SampleBits, Runs(std::vector<int>(128, 5)));
+  EXPECT_EQ(mod_->Signal.SampleBits(), Runs(std::vector<int>(128, 5)));
   form_->HScroll1.SetValue(10);
   // The samples to the left of the margin are still followed: two of the run of 1 are left, then the edge.
   EXPECT_EQ(FirstX(), 21);

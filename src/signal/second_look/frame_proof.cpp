@@ -2,10 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
-
-#include "signal/code_values.h"
-#include "signal/decode.h"
 
 namespace keplo::robust {
 
@@ -18,36 +14,15 @@ bool IsRepeat(const Piece& one, const Piece& other) {
                                               [](int a, int b) { return std::abs(a - b) <= kSameRun; });
 }
 
-/// Whether the last of seven groups of four digits is the sum of the four groups before it, as in frames of
-/// 28 digits that dittos follow.
-bool EndsInItsSum(std::string_view digits) {
-  if (digits.size() != 28) return false;
-  const auto group = [&](std::size_t number) { return BinToInt(digits.substr(4 * number, 4)); };
-  return (group(2) + group(3) + group(4) + group(5)) % 16 == group(6);
-}
+bool ProvesItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
 
-/// Whether a frame may be taken without an equal one beside it. A frame that lost marks or was cut has other
-/// lengths than these; what the many user-defined codes have is proven by their repeats.
-bool ProvesItself(const Frame& frame) {
-  if (!frame.Clear) return false;
-  switch (frame.Kind) {
-    case kSony:
-      return frame.KnownLeader && frame.Ends &&
-             (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
-    case kRc5:
-      return true;  // exact in its length and all its pairs, between two silences
-    default:
-      if (!frame.KnownLeader || !frame.Ends) return false;
-      return (frame.Digits >= 32 && frame.Digits % 4 == 0) ||
-             (frame.Dittos > 0 && EndsInItsSum(DecodeCode(frame.Symbols, kNec)));
-  }
-}
-
-/// How often a frame was sent. The equal halves of a frame that a lost mark splits are not two of them.
-std::size_t CountOf(const std::vector<Frame>& frames, const Frame& wanted) {
-  return static_cast<std::size_t>(std::count_if(frames.begin(), frames.end(), [&](const Frame& frame) {
-    return frame.SameCode(wanted) && (frame.Ends || frame.Kind != kNec);
-  }));
+/// Whether a frame was sent more than once. The equal halves of a frame that a lost mark splits are not two.
+bool IsRepeated(const std::vector<Frame>& frames, const Frame& wanted) {
+  const auto isSame = [&](const Frame& frame) {
+    return frame.SameCode(wanted) && (frame.Ends || !frame.Shape->HalvesLookWhole);
+  };
+  const auto first = std::find_if(frames.begin(), frames.end(), isSame);
+  return first != frames.end() && std::find_if(first + 1, frames.end(), isSame) != frames.end();
 }
 
 /// Whether a frame is longer than all pieces of the press that differ: lost marks make a frame shorter.
@@ -63,16 +38,15 @@ const Frame* ProvenFrame(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
   const Frame* proven = nullptr;
   for (const Frame& frame : frames) {
-    if (CountOf(frames, frame) < 2) continue;
+    if (!IsRepeated(frames, frame)) continue;
     if (proven == nullptr) proven = &frame;
     if (!proven->SameCode(frame)) return nullptr;
   }
   if (proven != nullptr) return IsLongest(*proven, found) || ProvesItself(*proven) ? proven : nullptr;
 
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
-  // Biphase would show a stray or a lost run in its pairs.
   const bool doubtful = found.Stray || !IsLongest(frames.front(), found);
-  return doubtful && frames.front().Kind != kRc5 ? nullptr : &frames.front();
+  return doubtful && !frames.front().Shape->ShowsLostRuns ? nullptr : &frames.front();
 }
 
 bool IsSingleFrame(const Findings& found) {
@@ -95,7 +69,7 @@ bool TakeTurns(const std::vector<Frame>& frames) {
 }
 
 bool LackLeaders(const std::vector<Frame>& frames) {
-  return !frames.front().HasLeader() && frames.front().Kind != kRc5;
+  return !frames.front().HasLeader() && frames.front().Shape->BeginsAtLeader;
 }
 
 }  // namespace keplo::robust

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <vector>
 
-#include "signal/second_look/frame_shapes.h"
-#include "signal/second_look/runs.h"
+#include "signal/second_look/body.h"
+#include "signal/second_look/frame.h"
 
 namespace keplo::robust {
 
@@ -17,8 +19,32 @@ struct Findings {
   std::size_t Others = 0;  // pieces that are neither frame nor ditto nor the leader of a frame
 };
 
-/// Reads the frames of a capture.
-/// @param runs must outlive the findings, whose pieces point into them
-Findings ReadFrames(const RunList& runs);
+/// Reads the frames of captures; keeps its memory from one to the next.
+class FrameReader {
+ public:
+  /// @param runs must outlive the findings
+  /// @param unit of the runs, as BodyReader::RoughUnit gives it
+  /// @return valid until the next call
+  const Findings& Read(const PressRuns& runs, double unit);
+
+  BodyReader& Bodies() { return bodies_; }
+
+ private:
+  void ReadPieces();
+  std::optional<Leader> SingleLeader() const;
+  std::optional<Frame> ReadPiece(const Piece& piece);
+  std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader);
+  void TakeUnread(const Piece& piece, const Body& body);
+  void WriteSymbols(Frame& frame, const Body& body);
+  void LeaveOutPieces();
+
+  BodyReader bodies_;
+  std::vector<Piece> pieces_;
+  std::size_t place_ = 0;
+  bool afterFrame_ = false;  // only dittos stand between the last frame and this place
+  std::string symbols_;      // of all frames
+  std::size_t written_ = 0;  // of the symbols
+  Findings found_;
+};
 
 }  // namespace keplo::robust

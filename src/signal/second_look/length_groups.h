@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace keplo::robust {
@@ -24,9 +25,33 @@ struct Lengths {
   bool IsLong(int run) const { return Number == 2 && 2 * run > Short().Most + Long().Least; }
 };
 
-/// Splits runs where the next longer one is a good part of a base time longer.
-/// @param unit base time, samples; roughly
-Lengths GroupRuns(std::vector<int>& runs, double unit);
+/// Counts the runs of each length; keeps its memory from one piece of a press to the next.
+class LengthCounts {
+ public:
+  void Count(int length) {
+    const auto place = static_cast<std::size_t>(length);
+    if (place >= counts_.size()) Grow(place);
+    ++counts_[place];
+    occupied_[place / kBits] |= std::uint64_t{1} << place % kBits;
+  }
+  void Clear();
+
+  /// A quarter of the runs are no longer than this; 0 without runs.
+  /// @param all how many were counted
+  int LowerQuartile(std::size_t all) const;
+
+  /// Splits the runs where the next longer one is a good part of a base time longer.
+  /// @param unit base time, samples; roughly
+  Lengths Groups(double unit) const;
+
+ private:
+  static constexpr std::size_t kBits = 64;
+
+  void Grow(std::size_t place);
+
+  std::vector<int> counts_;
+  std::vector<std::uint64_t> occupied_;  // a bit for each length that occurs
+};
 
 /// From the shorter of two lengths to the longer, samples; free of excess.
 double Step(const Lengths& lengths);

@@ -1,11 +1,12 @@
 #include "signal/second_look/second_look.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstddef>
-#include <vector>
 
+#include "signal/run_symbols.h"
 #include "signal/second_look/frame_proof.h"
+#include "signal/second_look/smooth_samples.h"
 
 namespace keplo {
 
@@ -25,70 +26,111 @@ bool IsFineAndClean(const Lengths& lengths) {
                      [](const Length& length) { return length.Most - length.Least <= kFineSpread; });
 }
 
-/// Whether a capture holds a clean signal whose short spaces would be taken for interference.
-bool IsTooFine(std::string_view samples) {
-  const RunList runs = ReadRuns(samples, 0);
-  const double unit = RoughUnit(runs.Lengths.data(), runs.Lengths.size());
-  if (!Within(unit, kFinestUnit, kLeastUnit + 1)) return false;
-  const std::vector<Piece> pieces = SplitPieces(runs);
-  return std::any_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
-    const Body body = BodyOf(piece, 0);
-    return body.MarkCount() >= kFewestMarks && IsFineAndClean(body.Marks) && IsFineAndClean(body.Spaces) &&
-           !body.HasLengths(1, 1) && (unit < kLeastUnit || body.Spaces.Short().Least <= kInterference) &&
-           body.Spaces.Short().Mean > kInterference + 0.5;
-  });
+bool IsFineSignal(const Body& body, double unit) {
+  return body.MarkCount() >= kFewestMarks && IsFineAndClean(body.Marks) && IsFineAndClean(body.Spaces) &&
+         !body.HasLengths(1, 1) && (unit < kLeastUnit || body.Spaces.Short().Least <= kInterference) &&
+         body.Spaces.Short().Mean > kInterference + 0.5;
 }
 
-/// The frames of one kind as run symbols that begin at a mark.
-std::string SymbolsOf(const std::vector<Frame>& frames, std::int16_t kind) {
-  std::string symbols = "g";
-  for (const Frame& frame : frames) {
-    if (frame.Kind != kind) continue;
-    symbols.append(frame.Head).append(frame.Symbols).append("g");
-    for (int ditto = 0; ditto < frame.Dittos; ++ditto) symbols += "Gg1g";
+bool IsFineUnit(double unit) { return Within(unit, kFinestUnit, kLeastUnit + 1); }
+
+/// Whether there are too many marks for the rough unit to be a fine one, as in noise: three quarters of the
+/// marks and of the spaces are at least as long as their part of it.
+bool IsTooDense(const SampleWords& samples) {
+  constexpr double kLeastPair =
+      0.75 * (2 * kFinestUnit) + 0.25 * (1 + 1);  // mean of a mark and a space, samples
+  int marks = 0;
+  std::uint64_t before = 0;
+  for (const std::uint64_t word : samples.Words) {
+    marks += std::popcount(word & ~(word << 1U | before));
+    before = word >> (kBitsPerWord - 1);
   }
-  // The silence before a leader is no mark of the signal.
-  if (symbols.substr(0, 2) == "gG") symbols.erase(0, 1);
-  return symbols;
+  return (marks - 1) * kLeastPair > static_cast<double>(samples.Size);
 }
 
-void ReadProof(const Findings& found, RobustReading& look) {
-  const std::vector<Frame>& frames = found.Frames;
-  const bool turns = LackLeaders(frames) && TakeTurns(frames);
-  const Frame* proven = turns ? nullptr : ProvenFrame(found);
-  const Frame& shown = proven != nullptr ? *proven : frames.front();
-  look.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
-  look.ProtoKind = shown.Kind;
-  if (turns) look.Proven = RobustReading::Proof::Unsure;
-  if (proven != nullptr) look.Proven = RobustReading::Proof::Sure;
-  const bool single = proven == nullptr && IsSingleFrame(found);
-  if (single) look.Proven = RobustReading::Proof::Single;
-  if (proven != nullptr || single) look.Frame = (shown.HasLeader() ? shown.Head : "g") + shown.Symbols + "g";
+/// Whether the first frame goes untold: nothing shows where it began, and of frames that take turns the first
+/// analysis knows those from the second one on.
+bool LosesFirst(const std::vector<Frame>& frames) {
+  return LackLeaders(frames) && (frames.size() == 1 || TakeTurns(frames));
 }
 
 }  // namespace
 
 }  // namespace robust
 
-RobustReading ReadRobustly(std::string_view samples) {
-  using namespace robust;
-  const RunList runs = ReadRuns(samples);
-  Findings found = ReadFrames(runs);
-  std::vector<Frame>& frames = found.Frames;
-  RobustReading look;
-  if (IsTooFine(samples)) {
-    look.Proven = RobustReading::Proof::Unsure;
-    return look;
+/// Whether a capture holds a clean signal whose short spaces would be taken for interference.
+bool SecondLook::IsTooFine(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
+                           bool joined) {
+  robust::BodyReader& bodies = frames_.Bodies();
+  robust::PressRuns runs = smooth;
+  double unit = smoothUnit;
+  if (joined) {
+    if (robust::IsTooDense(samples)) return false;
+    runs = robust::FromFirstMark(allRuns_.Read(samples));
+    unit = bodies.RoughUnit(runs);
   }
-  if (frames.empty()) {
-    if (IsOneFrame(found.Unknown)) look.Proven = RobustReading::Proof::Unsure;
-    return look;
+  if (!robust::IsFineUnit(unit)) return false;
+  robust::SplitPieces(runs, unit, finePieces_);
+  return std::any_of(finePieces_.begin(), finePieces_.end(), [&](const robust::Piece& piece) {
+    return robust::IsFineSignal(bodies.Read(piece, 0), unit);
+  });
+}
+
+/// The frames of the shown kind as run symbols that begin at a mark.
+void SecondLook::WriteSymbols(const robust::Findings& found) {
+  const std::size_t first = robust::LosesFirst(found.Frames) ? 1 : 0;
+  if (first == found.Frames.size()) return;
+  std::string& symbols = look_.Symbols;
+  symbols = "g";
+  for (std::size_t i = first; i < found.Frames.size(); ++i) {
+    const robust::Frame& frame = found.Frames[i];
+    if (frame.Kind() != look_.ProtoKind) continue;
+    symbols.append(frame.Head).append(frame.Symbols).append("g");
+    for (int ditto = 0; ditto < frame.Dittos; ++ditto) symbols += "Gg1g";
   }
-  ReadProof(found, look);
-  // Of frames that take turns the first analysis knows those from the second one on.
-  if (LackLeaders(frames) && (frames.size() == 1 || TakeTurns(frames))) frames.erase(frames.begin());
-  if (!frames.empty()) look.Symbols = SymbolsOf(frames, look.ProtoKind);
-  return look;
+  // The silence before a leader is no mark of the signal.
+  if (std::string_view(symbols).substr(0, 2) == "gG") symbols.erase(0, 1);
+}
+
+void SecondLook::ReadProof(const robust::Findings& found) {
+  const std::vector<robust::Frame>& frames = found.Frames;
+  const bool turns = robust::LackLeaders(frames) && robust::TakeTurns(frames);
+  const robust::Frame* proven = turns ? nullptr : robust::ProvenFrame(found);
+  const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
+  look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
+  look_.ProtoKind = shown.Kind();
+  if (turns) look_.Proven = RobustReading::Proof::Unsure;
+  if (proven != nullptr) look_.Proven = RobustReading::Proof::Sure;
+  const bool single = proven == nullptr && robust::IsSingleFrame(found);
+  if (single) look_.Proven = RobustReading::Proof::Single;
+  if (proven == nullptr && !single) return;
+  // A leader space that reads as a digit belongs to the frame.
+  const std::size_t digits = std::min(shown.Head.find_first_not_of(kMarks), shown.Head.size());
+  look_.Frame.assign(shown.Head.substr(digits)).append(shown.Symbols);
+}
+
+const RobustReading& SecondLook::Read(const SampleWords& samples) {
+  look_.Proven = RobustReading::Proof::Refused;
+  look_.BaseT = 0;
+  look_.ProtoKind = kUnknown;
+  look_.Symbols.clear();
+  look_.Frame.clear();
+
+  const bool joined = robust::SmoothSamples(samples, smooth_);
+  const robust::PressRuns runs = robust::FromFirstMark(smoothRuns_.Read(smooth_));
+  const double unit = frames_.Bodies().RoughUnit(runs);
+  if (IsTooFine(samples, runs, unit, joined)) {
+    look_.Proven = RobustReading::Proof::Unsure;
+    return look_;
+  }
+  const robust::Findings& found = frames_.Read(runs, unit);
+  if (found.Frames.empty()) {
+    if (robust::IsOneFrame(found.Unknown)) look_.Proven = RobustReading::Proof::Unsure;
+    return look_;
+  }
+  ReadProof(found);
+  WriteSymbols(found);
+  return look_;
 }
 
 }  // namespace keplo

@@ -2,20 +2,21 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
+#include "signal/runs.h"
+#include "signal/second_look/frame_reader.h"
 #include "signal/timing.h"
 
 namespace keplo {
 
-/// What a second look at a sample string found.
+/// What a second look at a capture found.
 struct RobustReading {
   /// How far the frames of the capture prove a code.
   enum class Proof : std::uint8_t {
     Sure,    // Frame holds the code
     Single,  // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
              // itself
-    Unsure,  // a clean signal, but of none of the three line codes, of frames that take turns, or too fine
+    Unsure,  // a clean signal, but of none of the line codes, of frames that take turns, or too fine
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
   };
 
@@ -27,21 +28,35 @@ struct RobustReading {
   /// empty if there is none, or only one without a leader that is not biphase.
   std::string Symbols;
 
-  /// Run symbols of the frame that is proven or alone, with a mark on both sides, as IsolateFrame takes them.
+  /// Run symbols of the frame that is proven or alone, as DecodeCode takes them.
   std::string Frame;
 
   bool HasFrames() const { return !Symbols.empty(); }
 };
 
-/// Reads a sample string frame by frame.
+/// Reads captures frame by frame; keeps its memory from one to the next.
 ///
 /// Frames are split at long spaces. Within a frame a leader stands well above the other marks; what is left
-/// must fall into at most two lengths of mark and two of space. One of mark and two of space is pulse
-/// distance, two and one pulse width, two and two, or two and one in whole pairs, biphase; one and one after
-/// a leader a code of equal digits. Frames that are cut, or that fit none of these, are left out.
+/// must fall into at most two lengths of mark and two of space, and those be the lengths of one of the line
+/// codes. Frames that are cut, or that fit none of these, are left out.
 ///
 /// Runs of up to two samples are taken for interference. A clean signal with a base time of less than 5
 /// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
-RobustReading ReadRobustly(std::string_view samples);
+class SecondLook {
+ public:
+  /// @return valid until the next call
+  const RobustReading& Read(const SampleWords& samples);
+
+ private:
+  bool IsTooFine(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit, bool joined);
+  void ReadProof(const robust::Findings& found);
+  void WriteSymbols(const robust::Findings& found);
+
+  SampleWords smooth_;
+  RunReader smoothRuns_, allRuns_;
+  robust::FrameReader frames_;
+  std::vector<robust::Piece> finePieces_;
+  RobustReading look_;
+};
 
 }  // namespace keplo

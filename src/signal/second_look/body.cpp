@@ -1,0 +1,43 @@
+#include "signal/second_look/body.h"
+
+#include <algorithm>
+
+namespace keplo::robust {
+
+namespace {
+
+constexpr int kLongestUnit = 255;  // samples; a longer run is told apart by no base time
+
+}  // namespace
+
+double BodyReader::RoughUnit(const PressRuns& runs) {
+  marks_.Clear();
+  spaces_.Clear();
+  const RunSpan lengths = runs.Lengths;
+  for (std::size_t i = 0; i < lengths.size(); ++i) {
+    (i % 2 == 0 ? marks_ : spaces_).Count(std::min(lengths[i], kLongestUnit));
+  }
+  return UnitOf(lengths.size());
+}
+
+Body BodyReader::Read(const Piece& piece, std::size_t skipped) {
+  Body body;
+  body.First = piece.First + skipped;
+  body.Size = piece.Size - skipped;
+  marks_.Clear();
+  spaces_.Clear();
+  for (std::size_t i = 0; i < body.Size; ++i) (i % 2 == 0 ? marks_ : spaces_).Count(body.First[i]);
+  body.Unit = UnitOf(body.Size);
+  body.Marks = marks_.Groups(body.Unit);
+  body.Spaces = spaces_.Groups(body.Unit);
+  return body;
+}
+
+double BodyReader::UnitOf(std::size_t runs) const {
+  const std::size_t spaces = runs / 2;
+  const int mark = std::min(marks_.LowerQuartile(runs - spaces), kLongestUnit);
+  const int space = std::min(spaces_.LowerQuartile(spaces), kLongestUnit);
+  return (mark + space) / 2.0;
+}
+
+}  // namespace keplo::robust

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+
+#include "signal/second_look/length_groups.h"
+#include "signal/second_look/press_runs.h"
+
+namespace keplo::robust {
+
+inline constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of noise
+
+/// A leader in front of a frame, samples.
+struct Leader {
+  int Mark = 0, Space = 0;
+};
+
+/// The runs of a piece without those of its leader, and what lengths they fall into.
+struct Body {
+  const int* First = nullptr;
+  std::size_t Size = 0;
+  double Unit = 0;  // about one base time, samples
+  Lengths Marks, Spaces;
+
+  std::size_t MarkCount() const { return Size / 2 + 1; }
+  /// Length of a mark and a space of one base time each, which has no excess.
+  double ShortestPair() const { return Marks.Short().Mean + Spaces.Short().Mean; }
+  bool LengthsAreDistinct() const { return Marks.Number > 0 && Spaces.Number > 0; }
+  bool HasLengths(std::size_t marks, std::size_t spaces) const {
+    return Marks.Number == marks && Spaces.Number == spaces;
+  }
+};
+
+/// Measures the runs of a press and of its pieces; keeps its memory from one to the next.
+class BodyReader {
+ public:
+  /// About one base time, samples; up to two where the longer runs are the commoner by far.
+  double RoughUnit(const PressRuns& runs);
+
+  /// @param skipped runs of a leader at the head of the piece
+  Body Read(const Piece& piece, std::size_t skipped);
+
+ private:
+  double UnitOf(std::size_t runs) const;
+
+  LengthCounts marks_, spaces_;
+};
+
+}  // namespace keplo::robust

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "signal/second_look/body.h"
+
+namespace keplo::robust {
+
+struct LineShape;
+
+/// Symbols of a run.
+struct RunText {
+  static constexpr std::size_t kMost = 3;
+
+  constexpr explicit RunText(std::string_view text) : Size(text.size()) {
+    for (std::size_t i = 0; i < Size; ++i) Symbols[i] = text[i];
+  }
+
+  std::array<char, kMost> Symbols{};
+  std::size_t Size;
+};
+
+/// Symbols of a short and a long run.
+struct RunAlphabet {
+  RunText ShortMark, LongMark, ShortSpace, LongSpace;
+};
+
+/// One whole frame.
+struct Frame {
+  const LineShape* Shape = nullptr;
+  const RunAlphabet* Alphabet = nullptr;
+  double Unit = 0;           // base time, samples
+  double Excess = 0;         // by which marks are longer and spaces shorter than whole base times, samples
+  std::string_view Head;     // symbols of the leader; empty without one
+  std::string_view Symbols;  // between the marks
+  std::size_t Digits = 0;
+  std::size_t Runs = 0;      // without the leader
+  bool Clear = false;        // no run is anywhere near the middle between two lengths
+  bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
+  bool Ends = true;          // the signal ends after it, or rests for longer than lost marks would make it
+  int Dittos = 0;            // right after it: NEC's sign that the key is still held
+
+  std::int16_t Kind() const;
+  bool HasLeader() const { return !Head.empty(); }
+  /// Some remotes send the leader with the first frame only.
+  bool SameCode(const Frame& other) const {
+    const bool sameHead = Head == other.Head || Head.empty() || other.Head.empty();
+    return Shape == other.Shape && Symbols == other.Symbols && sameHead;
+  }
+};
+
+/// A line code, as the second look tells it from others and believes it.
+struct LineShape {
+  std::int16_t Kind;     // generic protocol, in whose symbols its frames are written
+  double RestUnits;      // silence after a frame, base times, that no lost marks would leave
+  bool BeginsAtLeader;   // a frame without one may have lost its head
+  bool ShowsLostRuns;    // a stray or a lost run spoils the frame; else it may read as another one
+  bool HalvesLookWhole;  // a lost mark may part a frame into two equal ones
+
+  /// The frame of a body whose lengths are those of the line code, but for its leader.
+  /// @param leader the one in front of the body; null without one
+  std::optional<Frame> (*Read)(const Body& body, const Leader* leader);
+  /// Takes the leader into a frame that Read gave for it: Head, KnownLeader and Digits.
+  void (*TakeLeader)(Frame& frame, const Leader& leader, const Body& body);
+  /// Whether a clear frame may be taken without an equal one beside it. A frame that lost marks or was cut
+  /// has other lengths than these; what the many user-defined codes have is proven by their repeats.
+  bool (*ProvesItself)(const Frame& frame);
+};
+
+inline std::int16_t Frame::Kind() const { return Shape->Kind; }
+
+}  // namespace keplo::robust

@@ -1,0 +1,40 @@
+#include "signal/second_look/line_shapes.h"
+
+#include <array>
+
+namespace keplo::robust {
+
+namespace {
+
+/// The line codes that are known, the one that asks most of a signal first.
+constexpr std::array kShapes = {&kBiphaseShape, &kPulseDistanceShape, &kPulseWidthShape};
+
+constexpr double kLeaderUnits = 2.7;  // SONY's leader has 4, the double mark of biphase 2
+
+bool IsLeaderOf(const Leader& leader, const Frame& frame) {
+  return leader.Mark - frame.Excess >= kLeaderUnits * frame.Unit;
+}
+
+}  // namespace
+
+std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& leader) {
+  if (!body.LengthsAreDistinct()) return std::nullopt;
+  if (leader && leader->Mark < kLeaderOverMarks * body.Marks.Longest().Most) return std::nullopt;
+  for (const LineShape* shape : kShapes) {
+    std::optional<Frame> frame = shape->Read(body, leader ? &*leader : nullptr);
+    if (!frame) continue;
+    if (leader && !IsLeaderOf(*leader, *frame)) return std::nullopt;
+    frame->Shape = shape;
+    frame->Runs = body.Size;
+    if (leader) shape->TakeLeader(*frame, *leader, body);
+    return frame;
+  }
+  return std::nullopt;
+}
+
+bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body) {
+  const Length& longest = body.Spaces.Longest();
+  return leader.Space >= 1.25 * longest.Mean && leader.Space >= longest.Most + 3;
+}
+
+}  // namespace keplo::robust

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+
+#include "signal/second_look/frame.h"
+
+namespace keplo::robust {
+
+// A file in shapes/ each.
+extern const LineShape kBiphaseShape;
+extern const LineShape kPulseDistanceShape;
+extern const LineShape kPulseWidthShape;
+
+/// A mark is a leader if it is longer than all others by this. SONY: 4 to 2 base times, with 300 us of mark
+/// excess still 1.7.
+inline constexpr double kLeaderOverMarks = 1.4;
+
+/// The frame of a body, if its runs fall into the lengths of one of the line codes; its symbols are not
+/// written yet.
+/// @param leader the one in front of the body; without one pulse distance and width need two lengths
+std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& leader);
+
+/// Whether the leader space is longer than any space of the frame. If not, nothing tells it from a digit's.
+bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body);
+
+}  // namespace keplo::robust

@@ -1,0 +1,72 @@
+#include "signal/second_look/line_shapes.h"
+#include "signal/timing.h"
+
+namespace keplo::robust {
+
+namespace {
+
+// A space of one base time for each digit, and after it a short mark or a long one.
+//
+//   leader          0         1             0
+//   ____________     ___      _______      ___
+//  |            |___|   |____|       |____|   |
+
+constexpr RunAlphabet kWidthAlphabet = {RunText("1"), RunText("11"), RunText("0"), RunText("0")};
+constexpr RunAlphabet kLongWidthAlphabet = {RunText("11"), RunText("11"), RunText("0"), RunText("0")};
+
+Frame WidthFrame(const Body& body, double unit, const RunAlphabet& alphabet) {
+  Frame frame;
+  frame.Alphabet = &alphabet;
+  frame.Unit = unit;
+  frame.Excess = unit - body.Spaces.Short().Mean;
+  frame.Digits = body.MarkCount();
+  frame.Clear = IsClear(body.Marks);
+  return frame;
+}
+
+/// A frame of equal digits. The leader tells them, since its mark has as much excess as theirs.
+std::optional<Frame> FrameOfEqualWidths(const Body& body, const Leader& leader) {
+  const double mark = body.Marks.Short().Mean;
+  const double space = body.Spaces.Short().Mean;
+  // SONY: three base times to two for zeros, two to three for ones; 1 to 2 is what biphase may begin with.
+  const double ratio = (leader.Mark - mark) / (mark + space);
+  if (Within(ratio, 1.25, 1.75) && mark < 2 * space)
+    return WidthFrame(body, (mark + space) / 2, kWidthAlphabet);
+  if (Within(ratio, 0.6, 0.76) && mark > 1.2 * space)
+    return WidthFrame(body, (mark + space) / 3, kLongWidthAlphabet);
+  return std::nullopt;
+}
+
+std::optional<Frame> ReadWidths(const Body& body, const Leader* leader) {
+  if (body.HasLengths(1, 1) && leader != nullptr && !LeaderSpaceIsDistinct(*leader, body))
+    return FrameOfEqualWidths(body, *leader);
+  const double unit = body.ShortestPair() / 2;
+  if (!body.HasLengths(2, 1) || !Within(Step(body.Marks) / unit, 0.7, 3.0)) return std::nullopt;
+  return WidthFrame(body, unit, kWidthAlphabet);
+}
+
+void TakeWidthLeader(Frame& frame, const Leader& leader, const Body& body) {
+  const double mark = (leader.Mark - frame.Excess) / frame.Unit;
+  const double space = (leader.Space + frame.Excess) / frame.Unit;
+  frame.KnownLeader = Within(mark, 3.2, 4.8) && space < 2;  // SONY: 4 base times and 1
+  frame.Head = LeaderSpaceIsDistinct(leader, body) ? "Gg" : "G0";
+}
+
+bool WidthsProveThemselves(const Frame& frame) {
+  return frame.KnownLeader && frame.Ends && (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
+}
+
+}  // namespace
+
+const LineShape kPulseWidthShape = {
+    .Kind = kSony,
+    .RestUnits = 8,  // spaces are short: two lost marks leave 7, and the longest code 10
+    .BeginsAtLeader = true,
+    .ShowsLostRuns = false,
+    .HalvesLookWhole = false,
+    .Read = ReadWidths,
+    .TakeLeader = TakeWidthLeader,
+    .ProvesItself = WidthsProveThemselves,
+};
+
+}  // namespace keplo::robust

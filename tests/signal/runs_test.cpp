@@ -1,0 +1,99 @@
+#include "signal/runs.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "signal/capture_trim.h"
+#include "signal/sample_bits.h"
+#include "signal/second_look/smooth_samples.h"
+#include "signal_builder.h"
+
+namespace keplo {
+namespace {
+
+using RunVector = std::vector<int>;
+
+RunVector RunsOf(const SampleWords& samples) {
+  RunReader reader;
+  const RunSpan runs = reader.Read(samples);
+  return {runs.begin(), runs.end()};
+}
+
+SampleWords WordsOf(const std::string& capture) {
+  SampleWords samples;
+  samples.Read(capture);
+  return samples;
+}
+
+/// The same, character by character.
+RunVector RunsByHand(const std::string& bits) {
+  RunVector runs;
+  for (std::size_t begin = 0; begin < bits.size();) {
+    if (runs.empty() && bits[begin] == '0') runs.push_back(0);
+    const std::size_t end = std::min(bits.find_first_not_of(bits[begin], begin), bits.size());
+    runs.push_back(static_cast<int>(end - begin));
+    begin = end;
+  }
+  return runs;
+}
+
+std::string SmoothedByHand(const std::string& bits) {
+  std::string smooth;
+  char level = '0';
+  for (const char sample : bits) {
+    const std::size_t begin = smooth.size();
+    const std::size_t end = std::min(bits.find_first_not_of(sample, begin), bits.size());
+    if (begin == 0 || bits[begin - 1] != sample) {
+      if (end - begin > robust::kInterference) level = sample;
+    }
+    smooth += level;
+  }
+  return smooth;
+}
+
+TEST(Runs, AreThoseOfTheSamples) {
+  std::mt19937 dice(1);
+  const std::string mark(64, '\xFF');
+  std::vector<std::string> captures = {"",
+                                       "\x01",
+                                       "\x7F",
+                                       "\xFE\xFF",
+                                       mark,
+                                       std::string(64, '\0'),
+                                       std::string(7, '\0') + mark,
+                                       mark.substr(0, 9) + std::string(3, '\0')};
+  for (int round = 0; round < 300; ++round) {
+    std::string samples;
+    const unsigned longest = 1 + dice() % 80;
+    while (samples.size() < dice() % 700) samples.append(1 + dice() % longest, dice() % 2 == 0 ? '0' : '1');
+    captures.push_back(tests::Bytes(samples));
+  }
+  for (const std::string& capture : captures) {
+    const std::string bits = SamplesToBits(capture);
+    const SampleWords samples = WordsOf(capture);
+    EXPECT_EQ(RunsOf(samples), RunsByHand(bits)) << bits;
+    SampleWords smooth;
+    const bool joined = robust::SmoothSamples(samples, smooth);
+    EXPECT_EQ(RunsOf(smooth), RunsByHand(SmoothedByHand(bits))) << bits;
+    EXPECT_EQ(joined, SmoothedByHand(bits) != bits) << bits;
+  }
+}
+
+TEST(SignalBytes, EndWithTheLastSampleOfAMark) {
+  for (const std::size_t length : {0U, 1U, 7U, 8U, 9U, 17U, 510U}) {
+    for (const std::size_t silence : {0U, 1U, 7U, 8U, 25U}) {
+      EXPECT_EQ(SignalBytes(std::string(length, '\x01') + std::string(silence, '\0')), length) << silence;
+    }
+  }
+}
+
+TEST(SamplesToBits, WritesTheEarliestSampleFirst) {
+  using namespace std::string_literals;
+  EXPECT_EQ(SamplesToBits("\xF0\x01"s), "1111000000000001");
+  EXPECT_EQ(SamplesToBits("\x7F\xFF\x00"s), "011111111111111100000000");
+  EXPECT_EQ(SamplesToBits(""), "");
+}
+
+}  // namespace
+}  // namespace keplo
