@@ -9,35 +9,75 @@
 
 namespace keplo {
 
-std::string PulsesToCapture(const PulseTrain& train, double sampleTime, std::size_t bufferBytes) {
-  std::string capture(bufferBytes, '\0');
-  const std::size_t samples = bufferBytes * 8;
+namespace {
+
+/// Sets the samples from begin on, up to the one before end.
+void SetMark(std::string& capture, std::size_t begin, std::size_t end) {
+  const auto set = [&](std::size_t byte, unsigned bits) {
+    capture[byte] = static_cast<char>(static_cast<unsigned char>(capture[byte]) | bits);
+  };
+  if (begin >= end) return;
+  const std::size_t first = begin / kBitsPerByte;
+  const std::size_t last = (end - 1) / kBitsPerByte;
+  const unsigned fromBegin = 0xFFU >> begin % kBitsPerByte;
+  const unsigned toEnd = 0xFFU << (kBitsPerByte - 1 - (end - 1) % kBitsPerByte) & 0xFFU;
+  if (first == last) return set(first, fromBegin & toEnd);
+  set(first, fromBegin);
+  std::fill(capture.begin() + static_cast<std::ptrdiff_t>(first) + 1,
+            capture.begin() + static_cast<std::ptrdiff_t>(last), '\xFF');
+  set(last, toEnd);
+}
+
+}  // namespace
+
+void PulsesToCapture(Pulses press, double sampleTime, std::size_t bufferBytes, std::string& capture) {
+  capture.assign(bufferBytes, '\0');
+  const std::size_t samples = bufferBytes * kBitsPerByte;
   // A sample stands in the middle of its time, so that an edge on the border of two samples is on no sample.
   const auto sampleAt = [&](std::int64_t time) {
     return static_cast<std::size_t>(std::clamp(std::ceil(static_cast<double>(time) / sampleTime - 0.5), 0.0,
                                                static_cast<double>(samples)));
   };
   std::int64_t time = 0;
-  for (std::size_t i = 0; i < train.size(); ++i) {
-    const std::size_t begin = sampleAt(time);
-    time += train[i];
-    const std::size_t end = i % 2 == 0 ? sampleAt(time) : begin;
-    for (std::size_t sample = begin; sample < end; ++sample) {
-      const unsigned byte = static_cast<unsigned char>(capture[sample / 8]) | (0x80U >> sample % 8);
-      capture[sample / 8] = static_cast<char>(byte);
-    }
-    if (begin >= samples) break;
+  std::size_t begin = sampleAt(time);
+  for (std::size_t i = 0; i < press.size() && begin < samples; ++i) {
+    time += press[i];
+    const std::size_t end = sampleAt(time);
+    if (i % 2 == 0) SetMark(capture, begin, end);
+    begin = end;
   }
+}
+
+std::string PulsesToCapture(Pulses press, double sampleTime, std::size_t bufferBytes) {
+  std::string capture;
+  PulsesToCapture(press, sampleTime, bufferBytes, capture);
   return capture;
 }
 
+void PressSampler::Sample(const Press& press, std::size_t bufferBytes, const LineOptions& options,
+                          std::string& signal) {
+  if (const auto* raw = std::get_if<RawBytes>(&press)) {
+    signal.assign(raw->Bytes, 0, bufferBytes);
+    return;
+  }
+  Pulses train = std::get<PulseTrain>(press);
+  if (options.Shape) {
+    CleanPress(train, space_, clean_);
+    train = clean_;
+  }
+  HoldPress(train, options.HoldMs, space_, held_);
+  train = held_;
+  if (options.Shape) {
+    ShapePress(train, bufferBytes, options, space_, shaped_);
+    train = shaped_;
+  }
+  PulsesToCapture(train, options.SampleTime, bufferBytes, signal);
+}
+
 std::string SignalOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {
-  if (const auto* raw = std::get_if<RawBytes>(&press)) return raw->Bytes.substr(0, bufferBytes);
-  PulseTrain train = std::get<PulseTrain>(press);
-  if (options.Shape) train = CleanPress(train);
-  train = HoldPress(train, options.HoldMs);
-  if (options.Shape) train = ShapePress(train, bufferBytes, options);
-  return PulsesToCapture(train, options.SampleTime, bufferBytes);
+  std::string signal;
+  PressSampler().Sample(press, bufferBytes, options, signal);
+  return signal;
 }
 
 std::string CaptureOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "line/press_capture.h"
-#include "line/shaping/frames.h"
 #include "signal/monitored_press.h"
 #include "synth/synth.h"
 
@@ -20,6 +19,24 @@ inline PulseTrain Clean(std::int16_t kind, const std::string& bits, int excess =
   options.JitterUs = 0;
   options.Repeats = repeats;
   return SynthPress(kind, bits, options);
+}
+
+/// The runs of each frame of a press.
+inline std::vector<PulseTrain> FramesOf(const PulseTrain& press) {
+  std::vector<Frame> frames;
+  SplitFrames(press, frames);
+  std::vector<PulseTrain> runs;
+  for (const Frame& frame : frames) runs.emplace_back(frame.Runs.begin(), frame.Runs.end());
+  return runs;
+}
+
+/// Where the frames of a press begin, microseconds.
+inline std::vector<std::int64_t> StartsOf(const PulseTrain& press) {
+  std::vector<Frame> frames;
+  SplitFrames(press, frames);
+  std::vector<std::int64_t> starts;
+  for (const Frame& frame : frames) starts.push_back(frame.Start);
+  return starts;
 }
 
 /// What the monitor reads in a press: the digits, or the stage at which it gave up.

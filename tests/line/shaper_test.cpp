@@ -13,21 +13,40 @@ namespace keplo {
 namespace {
 
 using tests::Clean;
+using tests::FramesOf;
 using tests::Heard;
 using tests::kNecBits;
 using tests::kRc5Bits;
 using tests::kSonyBits;
+using tests::StartsOf;
 
-const std::vector<std::pair<std::int16_t, std::string>> kPresses = {
-    {kNec, kNecBits}, {kSony, kSonyBits}, {kRc5, kRc5Bits}};
+/// One room for all presses, as a line has it: nothing of a press may reach the next one.
+ShapingSpace& Space() {
+  static ShapingSpace space;
+  return space;
+}
+
+PulseTrain Cleaned(const PulseTrain& press) {
+  PulseTrain clean = {1, 2, 3};
+  CleanPress(press, Space(), clean);
+  return clean;
+}
+
+PulseTrain Held(const PulseTrain& press, int holdMs = 250) {
+  PulseTrain held = {1, 2, 3};
+  HoldPress(press, holdMs, Space(), held);
+  return held;
+}
 
 PulseTrain Shaped(const PulseTrain& press, std::size_t bytes = kMonitorCaptureBytes) {
-  return ShapePress(press, bytes, LineOptions{});
+  PulseTrain shaped = {1, 2, 3};
+  ShapePress(press, bytes, LineOptions{}, Space(), shaped);
+  return shaped;
 }
 
 /// Lengths in samples of 55 us of the runs of a frame: marks if begin is 0, spaces if it is 1.
 std::set<int> RunsOf(const PulseTrain& press, std::size_t begin) {
-  const PulseTrain runs = SplitFrames(press).front().Runs;
+  const PulseTrain runs = FramesOf(press).front();
   std::set<int> lengths;
   for (std::size_t i = begin; i < runs.size(); i += 2) lengths.insert((runs[i] + 27) / 55);
   return lengths;
@@ -39,34 +58,24 @@ TEST(ShapePress, UndoesTheMarkExcessAndTheJitter) {
       SynthOptions options;
       options.MarkExcessUs = excess;
       options.JitterUs = jitter;
-      const PulseTrain press = Shaped(SynthPress(kRc5, kRc5Bits, options));
+      const PulseTrain press = SynthPress(kRc5, kRc5Bits, options);
+      const PulseTrain shaped = Shaped(press);
       // 889 us are 16.2 samples of 55 us.
-      EXPECT_EQ(RunsOf(press, 0), (std::set{16, 17, 32})) << excess << ' ' << jitter;
-      EXPECT_EQ(RunsOf(press, 1), (std::set{16, 17, 32})) << excess << ' ' << jitter;
+      EXPECT_EQ(RunsOf(shaped, 0), (std::set{16, 17, 32})) << excess << ' ' << jitter;
+      EXPECT_EQ(RunsOf(shaped, 1), (std::set{16, 17, 32})) << excess << ' ' << jitter;
+      const auto before = StartsOf(press);
+      const auto after = StartsOf(shaped);
+      for (std::size_t i = 0; i < after.size(); ++i)
+        EXPECT_NEAR(after[i], before[i], 28) << "its place in time";
+      EXPECT_EQ(LengthOf(shaped), LengthOf(press));
     }
-  }
-}
-
-TEST(ShapePress, KeepsTheWholeTimeAndThePlacesOfItsFrames) {
-  for (const auto& [kind, bits] : kPresses) {
-    const PulseTrain press = Clean(kind, bits, 70);
-    const PulseTrain shaped = Shaped(press, 4000);
-    EXPECT_EQ(LengthOf(shaped), LengthOf(press));
-    const std::vector<Frame> before = SplitFrames(press);
-    const std::vector<Frame> after = SplitFrames(shaped);
-    ASSERT_EQ(after.size(), before.size());
-    for (std::size_t i = 0; i < before.size(); ++i) EXPECT_NEAR(after[i].Start, before[i].Start, 28);
   }
 }
 
 TEST(ShapePress, LeavesOutAFrameThatTheBufferCuts) {
   // SONY frames at 0, 45 and 90 ms, each about 18 ms long; silence for the frame's end needs 5.7 ms more.
-  const PulseTrain press = Clean(kSony, kSonyBits);
-  const auto framesIn = [&](std::size_t bytes) { return SplitFrames(Shaped(press, bytes)).size(); };
-  EXPECT_EQ(framesIn(510), 3U);
-  EXPECT_EQ(framesIn(230), 2U);
-  EXPECT_EQ(framesIn(120), 1U);
-  EXPECT_EQ(framesIn(10), 1U) << "the first frame stays, or nothing would be left";
+  for (const auto& [bytes, frames] : {std::pair{510U, 3U}, {230U, 2U}, {120U, 1U}, {10U, 1U}})
+    EXPECT_EQ(FramesOf(Shaped(Clean(kSony, kSonyBits), bytes)).size(), frames) << bytes;
 }
 
 TEST(ShapePress, LeavesAPressOfNoPlainLineCodeAsItIs) {
@@ -81,86 +90,73 @@ TEST(ShapePress, LeavesAPressOfNoPlainLineCodeAsItIs) {
 }
 
 TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
-  for (const auto& [kind, bits] : kPresses) {
-    const PulseTrain whole = Clean(kind, bits, 50);
-    EXPECT_EQ(CleanPress(whole), whole);
-
-    PulseTrain glitched = whole;
-    for (const std::size_t place : {5U, 12U}) {
-      const int run = glitched[place];
-      glitched[place] = 200;
-      glitched.insert(glitched.begin() + place + 1, {40, run - 240});
+  const PulseTrain sony = Clean(kSony, kSonyBits, 50);
+  const PulseTrain rc5 = Clean(kRc5, kRc5Bits, 50);
+  const auto glitched = [](PulseTrain press) {
+    for (const std::ptrdiff_t place : {5, 12}) {
+      const int run = std::exchange(press[static_cast<std::size_t>(place)], 200);
+      press.insert(press.begin() + place + 1, {40, run - 240});
     }
-    EXPECT_EQ(CleanPress(glitched), whole);
-  }
-}
-
-TEST(CleanPress, LeavesOutFramesThatTheRecordingCut) {
-  for (const auto& [kind, bits] : {kPresses[1], kPresses[2]}) {
-    const PulseTrain whole = Clean(kind, bits, 50);
-    const std::size_t runs = SplitFrames(whole).front().Runs.size();
-    const PulseTrain begunLate(whole.begin() + 6, whole.end());
-    EXPECT_EQ(SplitFrames(CleanPress(begunLate)).size(), 2U);
-    EXPECT_EQ(SplitFrames(CleanPress(begunLate)).front().Runs.size(), runs);
-
-    const PulseTrain endedEarly(whole.begin(), whole.end() - 7);
-    EXPECT_EQ(SplitFrames(CleanPress(endedEarly)).size(), 2U);
-  }
-}
-
-TEST(CleanPress, LeavesOutADamagedFrameBesideAWholeOneOnly) {
+    return press;
+  };
   const auto damaged = [](PulseTrain press) {
     press[9] += press[10] + press[11] + 1500;  // a mark that the receiver missed
     press.erase(press.begin() + 10, press.begin() + 12);
     return press;
   };
-  EXPECT_EQ(SplitFrames(CleanPress(damaged(Clean(kSony, kSonyBits)))).size(), 2U);
-  EXPECT_EQ(Heard(damaged(Clean(kSony, kSonyBits))), kSonyBits);
+  struct Case {
+    std::string Name;
+    PulseTrain Whole, Press;
+    std::size_t Frames;
+  };
+  const std::vector<Case> cases = {
+      {"a whole press", sony, sony, 3},
+      {"two glitches", rc5, glitched(rc5), 3},
+      {"SONY begun late", sony, {sony.begin() + 6, sony.end()}, 2},
+      {"RC5 begun late", rc5, {rc5.begin() + 6, rc5.end()}, 2},
+      {"SONY ended early", sony, {sony.begin(), sony.end() - 7}, 2},
+      {"RC5 ended early", rc5, {rc5.begin(), rc5.end() - 7}, 2},
+      {"a damaged frame", sony, damaged(sony), 2},
+  };
+  for (const Case& c : cases) {
+    const std::vector<PulseTrain> frames = FramesOf(Cleaned(c.Press));
+    EXPECT_EQ(frames.size(), c.Frames) << c.Name;
+    for (const PulseTrain& frame : frames) EXPECT_EQ(frame, FramesOf(c.Whole).front()) << c.Name;
+  }
   const PulseTrain single = damaged(Clean(kNec, kNecBits));
-  EXPECT_EQ(CleanPress(single), single) << "NEC dittos hold no code";
+  EXPECT_EQ(Cleaned(single), single) << "NEC dittos hold no code";
+
+  PulseTrain endless;
+  for (int i = 0; i < 300; ++i) endless.insert(endless.end(), {kLongestPulse, 50});
+  endless.push_back(600);
+  for (const int run : Cleaned(endless)) EXPECT_LE(run, kLongestPulse);
 }
 
 TEST(HoldPress, SendsASingleFrameAtThePeriodOfItsProtocol) {
-  const std::vector<std::pair<std::vector<std::int64_t>, PulseTrain>> cases = {
-      {{0, 108'000, 216'000}, Clean(kNec, kNecBits, 50, 0)},
-      {{0, 113'800, 227'600}, Clean(kRc5, kRc5Bits, 50, 0)},
-      {{0, 45'000, 90'000, 135'000, 180'000, 225'000},
-       [] {
-         const Frame frame = SplitFrames(Clean(kSony, kSonyBits)).front();
-         return JoinFrames({frame}, frame.End() + 90'000);
-       }()},
+  PulseTrain sony = FramesOf(Clean(kSony, kSonyBits)).front();
+  sony.push_back(90'000);
+  const PulseTrain nec = Clean(kNec, kNecBits, 50, 0);
+  const std::string digits = std::string(56, '1') + std::string(56, '0');
+  const PulseTrain endless = Clean(kNec, digits, 0, 0);
+  struct Case {
+    std::string Name;
+    PulseTrain Press;
+    std::vector<std::int64_t> Starts;
   };
-  for (const auto& [starts, press] : cases) {
-    const std::vector<Frame> frames = SplitFrames(HoldPress(press, 250));
-    std::vector<std::int64_t> held;
-    for (const Frame& frame : frames) held.push_back(frame.Start);
-    EXPECT_EQ(held, starts);
-    EXPECT_EQ(frames.back().Runs, SplitFrames(press).front().Runs);
-    EXPECT_EQ(HoldPress(press, 0), press);
+  const std::vector<Case> cases = {
+      {"NEC", nec, {0, 108'000, 216'000}},
+      {"RC5", Clean(kRc5, kRc5Bits, 50, 0), {0, 113'800, 227'600}},
+      {"SONY", sony, {0, 45'000, 90'000, 135'000, 180'000, 225'000}},
+      {"longer than its period", endless, {0, LengthOf(FramesOf(endless).front()) + 20'000}},
+      {"several frames", Clean(kNec, kNecBits, 0, 1), {0, 108'000}},
+      // Sent twice it would be read as a code of 28 bits.
+      {"without its leader", {nec.begin() + 10, nec.end()}, {0}},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(StartsOf(Held(c.Press)), c.Starts) << c.Name;
+    EXPECT_EQ(FramesOf(Held(c.Press)).front(), FramesOf(c.Press).front()) << c.Name;
+    EXPECT_EQ(Held(c.Press, 0), c.Press) << c.Name;
   }
-}
-
-TEST(HoldPress, NeverLetsFramesOverlap) {
-  const PulseTrain press = Clean(kNec, std::string(56, '1') + std::string(56, '0'), 0, 0);
-  const std::vector<Frame> frames = SplitFrames(HoldPress(press, 250));
-  ASSERT_EQ(frames.size(), 2U);
-  EXPECT_EQ(frames[1].Start - frames[0].End(), 20'000);
-}
-
-TEST(HoldPress, LeavesOtherPressesAsRecorded) {
-  const PulseTrain repeated = Clean(kNec, kNecBits, 0, 1);
-  EXPECT_EQ(HoldPress(repeated, 250), repeated);
-  const PulseTrain single = Clean(kNec, kNecBits, 0, 0);
-  const PulseTrain headless(single.begin() + 10, single.end());
-  EXPECT_EQ(HoldPress(headless, 250), headless) << "sent twice it would be read as a code of 28 bits";
-  EXPECT_EQ(Heard(headless), "no-frame");
-}
-
-TEST(CleanPress, StaysWithinBoundsOnEndlessGlitches) {
-  PulseTrain train;
-  for (int i = 0; i < 300; ++i) train.insert(train.end(), {kLongestPulse, 50});
-  train.push_back(600);
-  for (const int run : CleanPress(train)) EXPECT_LE(run, kLongestPulse);
 }
 
 }  // namespace

@@ -5,9 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "line/shaping/frames.h"
-#include "line/shaping/line_code.h"
-
 namespace keplo {
 
 namespace {
@@ -18,8 +15,8 @@ constexpr int kShortestRun = 100;
 /// Runs of a repeat that carries no code, as NEC sends while a key is held: leader, space, mark.
 constexpr std::size_t kDittoRuns = 3;
 
-PulseTrain WithoutGlitches(const PulseTrain& press) {
-  PulseTrain smooth;
+void RemoveGlitches(Pulses press, PulseTrain& smooth) {
+  smooth.clear();
   bool joined = false;
   for (const int run : press) {
     const bool glitch = run < kShortestRun && !smooth.empty();
@@ -30,24 +27,18 @@ PulseTrain WithoutGlitches(const PulseTrain& press) {
     }
     joined = glitch && !joined;
   }
-  return smooth;
 }
-
-struct MeasuredFrame {
-  Frame Signal;
-  FrameUnits Units;
-};
 
 bool Whole(const MeasuredFrame& frame) { return frame.Units.size() > kDittoRuns; }
 
 /// Whether the frame is what the recording caught of the other one when it began late. Its first run may have
 /// lost a part.
-bool IsTailOf(const FrameUnits& units, const FrameUnits& other) {
+bool IsTailOf(FrameUnits units, FrameUnits other) {
   return units.size() < other.size() && std::equal(units.rbegin(), units.rend() - 1, other.rbegin());
 }
 
 /// Whether the frame is what the recording caught of the other one when it ended early.
-bool IsHeadOf(const FrameUnits& units, const FrameUnits& other) {
+bool IsHeadOf(FrameUnits units, FrameUnits other) {
   return units.size() < other.size() && std::equal(units.begin(), units.end() - 1, other.begin());
 }
 
@@ -61,24 +52,33 @@ void LeaveOutCutFrames(std::vector<MeasuredFrame>& frames) {
 
 }  // namespace
 
-PulseTrain CleanPress(const PulseTrain& press) {
-  PulseTrain smooth = WithoutGlitches(press);
-  const std::vector<Frame> frames = SplitFrames(smooth);
-  const std::optional<PressTiming> timing = MeasurePress(frames);
-  if (!timing) return smooth;
+void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {
+  RemoveGlitches(press, space.Smooth);
+  SplitFrames(space.Smooth, space.Frames);
+  const std::optional<PressTiming> timing = MeasurePress(space.Frames);
+  if (!timing) {
+    clean = space.Smooth;
+    return;
+  }
 
-  std::vector<MeasuredFrame> sound;
-  for (const Frame& frame : frames) {
-    if (std::optional<FrameUnits> units = UnitsOf(frame, *timing))
-      sound.push_back({frame, std::move(*units)});
+  std::vector<MeasuredFrame>& sound = space.Sound;
+  sound.clear();
+  space.Units.resize(space.Smooth.size());
+  int* units = space.Units.data();
+  for (const Frame& frame : space.Frames) {
+    if (!WriteUnits(frame, *timing, units)) continue;
+    sound.push_back({frame, {units, frame.Runs.size()}});
+    units += frame.Runs.size();
   }
   LeaveOutCutFrames(sound);
-  if (std::none_of(sound.begin(), sound.end(), Whole)) return smooth;
+  if (std::none_of(sound.begin(), sound.end(), Whole)) {
+    clean = space.Smooth;
+    return;
+  }
 
-  std::vector<Frame> kept;
-  kept.reserve(sound.size());
-  for (const MeasuredFrame& frame : sound) kept.push_back(frame.Signal);
-  return JoinFrames(kept, LengthOf(smooth));
+  space.Frames.clear();
+  for (const MeasuredFrame& frame : sound) space.Frames.push_back(frame.Signal);
+  JoinFrames(space.Frames, LengthOf(space.Smooth), clean);
 }
 
 }  // namespace keplo

@@ -1,16 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "formats/pulse_text.h"
 
 namespace keplo {
 
+/// Marks and spaces in turn of a press or a part of one, microseconds.
+using Pulses = std::span<const int>;
+
 /// One frame of a key press.
 struct Frame {
-  PulseTrain Runs;         // begins and ends with a mark
-  std::int64_t Start = 0;  // microseconds behind the first edge of the press
+  Pulses Runs;             // begins and ends with a mark; a part of the press
+  std::int64_t Start = 0;  // microseconds after the first edge of the press
 
   /// Length from its first edge to the end of its last mark, microseconds.
   std::int64_t Length() const;
@@ -19,14 +23,16 @@ struct Frame {
 
 /// Splits a press at its long spaces. A leader and its space belong to the frame that they open. A closing
 /// space belongs to no frame.
-std::vector<Frame> SplitFrames(const PulseTrain& train);
+/// @param frames replaced; point into the press
+void SplitFrames(Pulses press, std::vector<Frame>& frames);
 
 /// Puts frames back into a press.
-/// @param end where the silence behind the last frame ends, microseconds behind the first edge of the press;
-///        no silence is written if that is not behind the last frame
-PulseTrain JoinFrames(const std::vector<Frame>& frames, std::int64_t end);
+/// @param end where the silence after the last frame ends, microseconds after the first edge of the press;
+///        no silence is written if that is not after the last frame
+/// @param press replaced; the frames must point into another one
+void JoinFrames(std::span<const Frame> frames, std::int64_t end, PulseTrain& press);
 
 /// Length of a whole press, microseconds.
-std::int64_t LengthOf(const PulseTrain& train);
+std::int64_t LengthOf(Pulses press);
 
 }  // namespace keplo

@@ -5,9 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "line/shaping/frames.h"
-#include "line/shaping/line_code.h"
-
 namespace keplo {
 
 namespace {
@@ -28,7 +25,7 @@ constexpr std::int64_t kLeastSilence = 20'000;
 /// Period at which a remote repeats the frame. A frame without a leader is whole in biphase alone; any other
 /// one has lost its head, and nobody sends it twice.
 std::optional<std::int64_t> PeriodOf(const Frame& frame) {
-  const std::optional<PressTiming> timing = MeasurePress({frame});
+  const std::optional<PressTiming> timing = MeasurePress({&frame, 1});
   const bool hasLeader = frame.Runs.front() >= kShortestLeader;
   if (!hasLeader && !(timing && timing->Code == kBiphase)) return std::nullopt;
   const std::int64_t period = !hasLeader                              ? kBiphasePeriod
@@ -39,17 +36,20 @@ std::optional<std::int64_t> PeriodOf(const Frame& frame) {
 
 }  // namespace
 
-PulseTrain HoldPress(const PulseTrain& press, int holdMs) {
-  std::vector<Frame> frames = SplitFrames(press);
-  if (frames.size() != 1) return press;
-  const std::optional<std::int64_t> period = PeriodOf(frames.front());
-  if (!period) return press;
-  const std::int64_t held = std::int64_t{1000} * holdMs;
-  for (std::int64_t start = *period; start < held; start += *period) {
+void HoldPress(Pulses press, int holdMs, ShapingSpace& space, PulseTrain& held) {
+  std::vector<Frame>& frames = space.Frames;
+  SplitFrames(press, frames);
+  const std::optional<std::int64_t> period = frames.size() == 1 ? PeriodOf(frames.front()) : std::nullopt;
+  if (!period) {
+    held.assign(press.begin(), press.end());
+    return;
+  }
+  const std::int64_t end = std::int64_t{1000} * holdMs;
+  for (std::int64_t start = *period; start < end; start += *period) {
     frames.push_back({frames.front().Runs, start});
   }
   const std::int64_t silence = LengthOf(press) - frames.front().Length();
-  return JoinFrames(frames, frames.back().End() + silence);
+  JoinFrames(frames, frames.back().End() + silence, held);
 }
 
 }  // namespace keplo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formats/pulse_text.h"
+#include "line/shaping/shaping_space.h"
 
 namespace keplo {
 
@@ -8,6 +8,7 @@ namespace keplo {
 /// of its protocol. A press of several frames stays as it is, and so does one whose frame lacks its leader.
 /// @param holdMs how long the key is held, milliseconds; a frame that has begun by then is sent to its end.
 ///        0 leaves the press as it was recorded.
-PulseTrain HoldPress(const PulseTrain& press, int holdMs);
+/// @param held replaced; another train than the press
+void HoldPress(Pulses press, int holdMs, ShapingSpace& space, PulseTrain& held);
 
 }  // namespace keplo

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace keplo {
 
@@ -14,29 +15,6 @@ constexpr double kLeastExcess = -160;
 constexpr double kMostExcess = 260;
 
 constexpr double kLeastLeaderUnits = 3.5;  // SONY has four
-
-struct Pair {
-  int Mark, Space;
-  int Length() const { return Mark + Space; }
-};
-
-/// The shortest mark-and-space pairs of a press. In every line code they are one base time each, and their
-/// length is free of the excess, since what the mark gains the space loses. The next longer pairs are three
-/// base times long, against two.
-std::vector<Pair> ShortestPairs(const std::vector<Frame>& frames) {
-  std::vector<Pair> pairs;
-  for (const Frame& frame : frames) {
-    for (std::size_t i = 0; i + 1 < frame.Runs.size(); i += 2) {
-      pairs.push_back({frame.Runs[i], frame.Runs[i + 1]});
-    }
-  }
-  std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) { return a.Length() < b.Length(); });
-  const auto longer = std::find_if(pairs.begin(), pairs.end(), [&](const Pair& pair) {
-    return pair.Length() * 4 >= pairs.front().Length() * 5;
-  });
-  pairs.erase(longer, pairs.end());
-  return pairs;
-}
 
 /// Lengths of single marks and spaces, summed up.
 struct Singles {
@@ -66,10 +44,9 @@ struct RunCounts {
   void Count(double units) {
     constexpr double kNear = 0.35;
     ++All;
-    const double whole = std::round(units);
-    if (whole >= 1 && whole <= kMostUnits && std::abs(units - whole) <= kNear) {
-      ++Near.at(static_cast<std::size_t>(whole));
-    }
+    if (units < 1 - kNear || units > kMostUnits + kNear) return;
+    const int whole = static_cast<int>(units + 0.5);
+    if (std::abs(units - whole) <= kNear) ++Near.at(static_cast<std::size_t>(whole));
   }
 
   /// A single run may be damaged; a length of the code has more than one in twenty.
@@ -90,7 +67,7 @@ bool IsLeader(const Frame& frame, std::size_t place, const PressTiming& timing) 
   return place <= 1 && isLong(0) && isLong(place);
 }
 
-std::optional<LineCode> FindLineCode(const std::vector<Frame>& frames, const PressTiming& timing) {
+std::optional<LineCode> FindLineCode(std::span<const Frame> frames, const PressTiming& timing) {
   std::array<RunCounts, 2> counts;  // marks, spaces
   for (const Frame& frame : frames) {
     for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
@@ -105,16 +82,57 @@ std::optional<LineCode> FindLineCode(const std::vector<Frame>& frames, const Pre
   return found;
 }
 
+/// The shortest mark-and-space pairs of a press. In every line code they are one base time each, and their
+/// length is free of the excess, since what the mark gains the space loses. The next longer pairs are three
+/// base times long, against two.
+Singles ShortestPairs(std::span<const Frame> frames) {
+  constexpr int kNone = std::numeric_limits<int>::max();
+  const auto eachPair = [&](const auto& take) {
+    for (const Frame& frame : frames) {
+      for (std::size_t i = 0; i + 1 < frame.Runs.size(); i += 2) take(frame.Runs[i], frame.Runs[i + 1]);
+    }
+  };
+  int shortest = kNone;
+  eachPair([&](int mark, int space) { shortest = std::min(shortest, mark + space); });
+  Singles pairs;
+  eachPair([&](int mark, int space) {
+    if ((mark + space) * 4 >= shortest * 5) return;
+    pairs.Add(0, mark);
+    pairs.Add(1, space);
+  });
+  return pairs;
+}
+
+/// Units of the run of a frame; nothing if it is no length of the line code.
+std::optional<int> NearestUnits(double length, int longer) {
+  const int nearest = 2 * length < 1 + longer ? 1 : longer;
+  // Two fifths of the way to the other length; where there is none, as if it were three units.
+  const double tolerance = 0.4 * (longer == 1 ? 2 : longer - 1);
+  if (std::abs(length - nearest) > tolerance) return std::nullopt;
+  return nearest;
+}
+
+/// Calls with place and units of each run of a frame.
+/// @return false at the first run that is no length of the line code
+template <typename Take>
+bool EachRun(const Frame& frame, const PressTiming& timing, const Take& take) {
+  for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
+    if (IsLeader(frame, i, timing)) {
+      take(i, kLeader);
+      continue;
+    }
+    const int longer = i % 2 == 0 ? timing.Code.LongMark : timing.Code.LongSpace;
+    const std::optional<int> units = NearestUnits(timing.OnAir(i, frame.Runs[i]) / timing.Unit, longer);
+    if (!units) return false;
+    take(i, *units);
+  }
+  return true;
+}
+
 }  // namespace
 
-std::optional<PressTiming> MeasurePress(const std::vector<Frame>& frames) {
-  const std::vector<Pair> pairs = ShortestPairs(frames);
-  Singles shortest;
-  for (const Pair& pair : pairs) {
-    shortest.Add(0, pair.Mark);
-    shortest.Add(1, pair.Space);
-  }
-  const std::optional<PressTiming> rough = shortest.Timing({1, 1});
+std::optional<PressTiming> MeasurePress(std::span<const Frame> frames) {
+  const std::optional<PressTiming> rough = ShortestPairs(frames).Timing({1, 1});
   if (!rough) return std::nullopt;
   const std::optional<LineCode> code = FindLineCode(frames, *rough);
   if (!code) return std::nullopt;
@@ -122,30 +140,17 @@ std::optional<PressTiming> MeasurePress(const std::vector<Frame>& frames) {
   // Once more over all single runs, which are more than the shortest pairs.
   Singles singles;
   for (const Frame& frame : frames) {
-    const std::optional<FrameUnits> units = UnitsOf(frame, {rough->Unit, rough->Excess, *code});
-    for (std::size_t i = 0; units && i < units->size(); ++i) {
-      if ((*units)[i] == 1) singles.Add(i, frame.Runs[i]);
-    }
+    Singles ofFrame = singles;
+    const bool fits = EachRun(frame, {rough->Unit, rough->Excess, *code}, [&](std::size_t i, int units) {
+      if (units == 1) ofFrame.Add(i, frame.Runs[i]);
+    });
+    if (fits) singles = ofFrame;
   }
   return singles.Timing(*code);
 }
 
-std::optional<FrameUnits> UnitsOf(const Frame& frame, const PressTiming& timing) {
-  FrameUnits units;
-  for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
-    if (IsLeader(frame, i, timing)) {
-      units.push_back(kLeader);
-      continue;
-    }
-    const int longer = i % 2 == 0 ? timing.Code.LongMark : timing.Code.LongSpace;
-    const double length = timing.OnAir(i, frame.Runs[i]) / timing.Unit;
-    const int nearest = 2 * length < 1 + longer ? 1 : longer;
-    // Two fifths of the way to the other length; where there is none, as if it were three units.
-    const double tolerance = 0.4 * (longer == 1 ? 2 : longer - 1);
-    if (std::abs(length - nearest) > tolerance) return std::nullopt;
-    units.push_back(nearest);
-  }
-  return units;
+bool WriteUnits(const Frame& frame, const PressTiming& timing, int* units) {
+  return EachRun(frame, timing, [&](std::size_t i, int length) { units[i] = length; });
 }
 
 }  // namespace keplo

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <optional>
-#include <vector>
+#include <span>
 
 #include "line/shaping/frames.h"
 
@@ -28,7 +28,7 @@ inline constexpr int kMostUnits = 3;
 inline constexpr int kLeader = 0;
 
 /// Units of the runs of one frame.
-using FrameUnits = std::vector<int>;
+using FrameUnits = std::span<const int>;
 
 /// What a press tells of its remote and of the receiver that recorded it.
 struct PressTiming {
@@ -43,10 +43,11 @@ struct PressTiming {
 
 /// Measures a press that is plainly in one line code.
 /// @return nothing for a press that is not, or whose excess is none that a receiver has
-std::optional<PressTiming> MeasurePress(const std::vector<Frame>& frames);
+std::optional<PressTiming> MeasurePress(std::span<const Frame> frames);
 
-/// The frame in units of its line code.
-/// @return nothing if a run of it lies between the lengths of the code, or far off them
-std::optional<FrameUnits> UnitsOf(const Frame& frame, const PressTiming& timing);
+/// Writes a frame in units of its line code.
+/// @param units room for those of all its runs
+/// @return false if a run of it lies between the lengths of the code, or far off them
+bool WriteUnits(const Frame& frame, const PressTiming& timing, int* units);
 
 }  // namespace keplo

@@ -4,8 +4,6 @@
 #include <optional>
 #include <vector>
 
-#include "line/shaping/frames.h"
-#include "line/shaping/line_code.h"
 #include "line/shaping/whole_samples.h"
 
 namespace keplo {
@@ -29,14 +27,16 @@ void LeaveOutCutFrames(std::vector<Frame>& frames, std::size_t bufferBytes, doub
 
 }  // namespace
 
-PulseTrain ShapePress(const PulseTrain& press, std::size_t bufferBytes, const LineOptions& options) {
-  std::vector<Frame> frames = SplitFrames(press);
+void ShapePress(Pulses press, std::size_t bufferBytes, const LineOptions& options, ShapingSpace& space,
+                PulseTrain& shaped) {
+  std::vector<Frame>& frames = space.Frames;
+  SplitFrames(press, frames);
   const std::optional<PressTiming> timing = MeasurePress(frames);
   if (timing && timing->Unit >= kShortestBase * options.SampleTime) {
-    frames = LayOnWholeSamples(frames, *timing, options.SampleTime);
+    LayOnWholeSamples(*timing, options.SampleTime, space);
   }
   LeaveOutCutFrames(frames, bufferBytes, options.SampleTime);
-  return JoinFrames(frames, LengthOf(press));
+  JoinFrames(frames, LengthOf(press), shaped);
 }
 
 }  // namespace keplo

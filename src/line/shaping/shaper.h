@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "formats/pulse_text.h"
+#include "line/shaping/shaping_space.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -21,6 +21,8 @@ struct LineOptions {
 /// lengths come to lie within one sample of each other; a press that is none of these stays as it is. Frames
 /// keep their places in time; those that the buffer would cut are left out, as long as a whole one is there.
 /// @param bufferBytes size of the capture buffer
-PulseTrain ShapePress(const PulseTrain& press, std::size_t bufferBytes, const LineOptions& options);
+/// @param shaped replaced; another train than the press
+void ShapePress(Pulses press, std::size_t bufferBytes, const LineOptions& options, ShapingSpace& space,
+                PulseTrain& shaped);
 
 }  // namespace keplo

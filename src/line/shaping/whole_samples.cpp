@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "signal/timing.h"
 
@@ -24,19 +23,21 @@ class SampleDealer {
   explicit SampleDealer(double unitSamples) : unitSamples_(unitSamples) {}
 
   int Deal(std::size_t place, int units) {
-    int& dealt = dealt_.at(place % 2).at(static_cast<std::size_t>(units));
-    const int before = Total(dealt, units);
-    return Total(++dealt, units) - before;
+    Dealt& dealt = dealt_.at(place % 2).at(static_cast<std::size_t>(units));
+    const int before = dealt.Samples;
+    const int lead = units == 1 ? 1 : 0;
+    ++dealt.Runs;
+    dealt.Samples = static_cast<int>(dealt.Runs * units * unitSamples_) + lead;
+    return dealt.Samples - before;
   }
 
  private:
-  int Total(int runs, int units) const {
-    const int lead = units == 1 && runs > 0 ? 1 : 0;
-    return static_cast<int>(std::floor(runs * units * unitSamples_)) + lead;
-  }
+  struct Dealt {
+    int Runs = 0, Samples = 0;
+  };
 
   double unitSamples_;
-  std::array<std::array<int, kMostUnits + 1>, 2> dealt_ = {};  // marks, spaces; by units
+  std::array<std::array<Dealt, kMostUnits + 1>, 2> dealt_ = {};  // marks, spaces; by units
 };
 
 /// Shortest leader that the walk of the runs tells from three units, samples.
@@ -46,7 +47,8 @@ int LeastLeader(double unitSamples) {
   return samples;
 }
 
-Frame LayFrame(const Frame& frame, const FrameUnits& units, const PressTiming& timing, double sampleTime) {
+Frame LayFrame(const Frame& frame, FrameUnits units, const PressTiming& timing, double sampleTime,
+               int* laid) {
   const auto timeOf = [&](std::int64_t sample) {
     return std::llround(static_cast<double>(sample) * sampleTime);
   };
@@ -55,30 +57,36 @@ Frame LayFrame(const Frame& frame, const FrameUnits& units, const PressTiming& t
   SampleDealer dealer(unitSamples);
 
   std::int64_t sample = std::llround(static_cast<double>(frame.Start) / sampleTime);
-  Frame laid = {{}, timeOf(sample)};
+  const std::int64_t start = timeOf(sample);
+  std::int64_t time = start;
   for (std::size_t i = 0; i < units.size(); ++i) {
-    const std::int64_t begin = timeOf(sample);
+    const std::int64_t begin = time;
     if (units[i] == kLeader) {
       const auto own = static_cast<int>(std::lround(timing.OnAir(i, frame.Runs[i]) / sampleTime));
       sample += std::max(own, leastLeader);
     } else {
       sample += dealer.Deal(i, units[i]);
     }
-    laid.Runs.push_back(static_cast<int>(timeOf(sample) - begin));
+    time = timeOf(sample);
+    laid[i] = static_cast<int>(time - begin);
   }
-  return laid;
+  return {{laid, units.size()}, start};
 }
 
 }  // namespace
 
-std::vector<Frame> LayOnWholeSamples(const std::vector<Frame>& frames, const PressTiming& timing,
-                                     double sampleTime) {
-  std::vector<Frame> laid;
-  for (const Frame& frame : frames) {
-    const std::optional<FrameUnits> units = UnitsOf(frame, timing);
-    laid.push_back(units ? LayFrame(frame, *units, timing, sampleTime) : frame);
+void LayOnWholeSamples(const PressTiming& timing, double sampleTime, ShapingSpace& space) {
+  std::size_t runs = 0;
+  for (const Frame& frame : space.Frames) runs += frame.Runs.size();
+  space.Laid.resize(runs);
+  space.Units.resize(runs);
+  int* laid = space.Laid.data();
+  for (Frame& frame : space.Frames) {
+    const std::size_t size = frame.Runs.size();
+    if (WriteUnits(frame, timing, space.Units.data()))
+      frame = LayFrame(frame, {space.Units.data(), size}, timing, sampleTime, laid);
+    laid += size;
   }
-  return laid;
 }
 
 }  // namespace keplo

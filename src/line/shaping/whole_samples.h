@@ -1,9 +1,6 @@
 #pragma once
 
-#include <vector>
-
-#include "line/shaping/frames.h"
-#include "line/shaping/line_code.h"
+#include "line/shaping/shaping_space.h"
 
 namespace keplo {
 
@@ -12,7 +9,7 @@ namespace keplo {
 /// sample of each other whatever their jitter was. All frames keep their places in time, to half a sample; a
 /// frame that fits no line code stays as it is.
 /// @param sampleTime microseconds
-std::vector<Frame> LayOnWholeSamples(const std::vector<Frame>& frames, const PressTiming& timing,
-                                     double sampleTime);
+/// @param space its Frames point into its Laid after that
+void LayOnWholeSamples(const PressTiming& timing, double sampleTime, ShapingSpace& space);
 
 }  // namespace keplo
