@@ -71,10 +71,13 @@ void BytesToCode(benchmark::State& state, const std::string& capture, Analysis a
 
 void LengthsToCode(benchmark::State& state, std::int16_t kind, const std::string& code, Analysis analysis) {
   const Press press = SynthPress(kind, code, {});
+  PressSampler sampler;
+  std::string capture;
   SignalState signal;
   MonitorReading reading;
   for (auto _ : state) {
-    ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, {}), signal, analysis, reading);
+    sampler.Sample(press, kMonitorCaptureBytes, {}, capture);
+    ReadCapture(capture, signal, analysis, reading);
     benchmark::DoNotOptimize(reading);
   }
   if (reading.Ended != Stage::Code) state.SkipWithError("the press gave no code");

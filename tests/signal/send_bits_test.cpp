@@ -85,19 +85,17 @@ TEST(BitsToChars, PacksTheFirstSlotHighest) {
   EXPECT_EQ(BitsToChars("1000000000000001"), "\x80\x01"s);
   EXPECT_EQ(BitsToChars("111"), "\xE0"s);
   EXPECT_EQ(BitsToChars(""), "");
-  EXPECT_EQ(PadToBytes(Silence(24)), Silence(24));
-  EXPECT_EQ(PadToBytes(Silence(25)), Silence(32));
+  for (const auto& [slots, padded] : {std::pair{0U, 0U}, {24U, 24U}, {25U, 32U}})
+    EXPECT_EQ(PadToBytes(Silence(slots)), Silence(padded));
 }
 
 TEST(CaptureOfSlots, DrawsEachSlotAtTheNominalSampleTime) {
-  const auto samples = [](std::string_view slots, int pulse) {
+  const auto samples = [](const char* slots, int pulse) {
     return SamplesToBits(CaptureOfSlots(slots, pulse));
   };
   EXPECT_EQ(samples("10", 550), std::string(10, '1') + Silence(22));
   EXPECT_EQ(samples("1", 880), std::string(16, '1') + Silence(16));
-  EXPECT_EQ(samples("1", 27), "");
-  EXPECT_EQ(samples("1", 0), "");
-  EXPECT_EQ(samples("1", -550), "");
+  for (const int pulse : {27, 0, -550}) EXPECT_EQ(samples("1", pulse), "");
   EXPECT_EQ(samples("11", 2'000'000'000).size(), 32'760U);
 }
 
