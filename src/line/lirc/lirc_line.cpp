@@ -27,14 +27,14 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-constexpr auto kEndSilence = 140ms;  // as on a serial line
-constexpr int kFrameGap = 6'000;     // microseconds; longer than any space inside a frame
-constexpr int kPressGap = 150'000;   // microseconds; a longer space parts two presses
-constexpr auto kRestBefore = 1s;
+constexpr auto kLircEndSilence = 140ms;  // as on a serial line
+constexpr int kLircFrameGap = 6'000;     // microseconds; longer than any space inside a frame
+constexpr int kPressGap = 150'000;       // microseconds; a longer space parts two presses
+constexpr auto kLircRestBefore = 1s;
 constexpr auto kLongRest = 60s;
-constexpr auto kOpenAgain = 1s;
-constexpr auto kOwnEcho = 30ms;        // how long after sending the receiver still tells of it
-constexpr unsigned kCarrier = 38'000;  // Hz
+constexpr auto kLircOpenAgain = 1s;
+constexpr auto kOwnEcho = 30ms;            // how long after sending the receiver still tells of it
+constexpr unsigned kLircCarrier = 38'000;  // Hz
 constexpr std::size_t kMostHeard = 4096;
 // What the kernel takes in one write: an odd count of at most 1,023 lengths, less than 500 ms in all.
 constexpr std::size_t kMostLengths = 1'001;
@@ -88,7 +88,7 @@ bool LircLine::Ask() {
   if (abilities_.Receives) calls_.Ioctl(device_->Get(), LIRC_SET_REC_MODE, &mode);
   mode = LIRC_MODE_PULSE;
   if (abilities_.Sends) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_MODE, &mode);
-  std::uint32_t carrier = kCarrier;
+  std::uint32_t carrier = kLircCarrier;
   if (abilities_.SetsCarrier) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_CARRIER, &carrier);
   return true;
 }
@@ -120,14 +120,14 @@ void LircLine::Lose() {
   if (!device_) return;
   CloseCom();
   lost_ = true;
-  nextOpening_ = calls_.Now() + kOpenAgain;
+  nextOpening_ = calls_.Now() + kLircOpenAgain;
   whyNot_ = path_ + " is gone. Plug it in again; it is opened by itself.";
   if (tell_) tell_(whyNot_);
 }
 
 void LircLine::ReopenWhenBack() {
   if (!lost_ || calls_.Now() < nextOpening_) return;
-  nextOpening_ = calls_.Now() + kOpenAgain;
+  nextOpening_ = calls_.Now() + kLircOpenAgain;
   const std::string whyGone = whyNot_;
   if (OpenCom(0) != 1) {
     lost_ = true;
@@ -140,13 +140,13 @@ void LircLine::ReopenWhenBack() {
 milliseconds LircLine::MayRest() {
   if (lost_) return std::chrono::ceil<milliseconds>(std::max<nanoseconds>(nextOpening_ - calls_.Now(), 1ms));
   if (!device_) return kLongRest;
-  return !heard_.empty() || calls_.Now() - restSince_ < kRestBefore ? milliseconds::zero()
-                                                                    : milliseconds(kLongRest);
+  return !heard_.empty() || calls_.Now() - restSince_ < kLircRestBefore ? milliseconds::zero()
+                                                                        : milliseconds(kLongRest);
 }
 
 void LircLine::AddLength(bool mark, int length) {
   if (skipping_) {
-    skipping_ = mark || length < kFrameGap;
+    skipping_ = mark || length < kLircFrameGap;
     return;
   }
   if (heard_.empty() && !mark) return;
@@ -238,7 +238,7 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
       full = time >= length;
     }
     if (full || used < heard_.size()) break;
-    if (!WaitForItems(lastItem_ + kEndSilence)) break;
+    if (!WaitForItems(lastItem_ + kLircEndSilence)) break;
   }
   heard_.erase(heard_.begin(), heard_.begin() + static_cast<std::ptrdiff_t>(used));
   // What is left begins with the silence behind the press, or inside its signal.

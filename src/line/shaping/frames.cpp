@@ -10,7 +10,7 @@ namespace {
 
 /// A space longer than this stands between two frames, microseconds: longer than the leader space of any
 /// known remote (5 ms at most), shorter than the silence after the longest SONY frame (6.6 ms).
-constexpr int kFrameGap = 6000;
+constexpr int kShortestGap = 6000;
 
 }  // namespace
 
@@ -26,7 +26,7 @@ void SplitFrames(Pulses press, std::vector<Frame>& frames) {
   for (std::size_t i = 0; i < press.size(); i += 2) {
     time += press[i];
     const std::size_t space = i + 1;
-    const bool ends = space + 1 >= press.size() || press[space] > kFrameGap;
+    const bool ends = space + 1 >= press.size() || press[space] > kShortestGap;
     if (space < press.size()) time += press[space];
     if (!ends) continue;
     frames.push_back({press.subspan(first, space - first), start});
