@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "signal/decode.h"
+#include "signal/monitored_press.h"
 #include "signal/recorded_press.h"
 #include "signal/run_symbols.h"
 #include "signal/second_look/second_look.h"
