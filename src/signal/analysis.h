@@ -8,7 +8,7 @@ namespace keplo {
 /// How a signal is read.
 enum class Analysis : std::uint8_t {
   First,  // AnalyseTiming, from the first 25 pairs of runs
-  Second  // ReadRobustly, frame by frame; the first for clean signals that it cannot read, and no code from
+  Second  // SecondLook, frame by frame; the first for clean signals that it cannot read, and no code from
           // what it refuses
 };
 

@@ -228,7 +228,7 @@ TEST_F(MainWindowOnScreen, ARecordingIsSavedToAFileAndOpenedAgain) {
     });
   };
   Record();
-  const std::string samples = mod_->Signal.SampleBits;
+  const std::string samples = mod_->Signal.SampleBits();
   answer();
   form_->SaveRecordingMenu.Click();
   EXPECT_EQ(folder.Read("key.mode2").substr(0, 34), "pulse 8800\nspace 4400\npulse 550\nsp");
@@ -237,7 +237,7 @@ TEST_F(MainWindowOnScreen, ARecordingIsSavedToAFileAndOpenedAgain) {
   answer();
   form_->OpenRecordingMenu.Click();
   EXPECT_EQ(form_->CodeStr.Text(), "G" + kDigits);
-  EXPECT_EQ(mod_->Signal.SampleBits, samples);
+  EXPECT_EQ(mod_->Signal.SampleBits(), samples);
   EXPECT_TRUE(Find("Signal").accessibleDescription().endsWith(QStringLiteral("Recording key.mode2")));
 }
 

@@ -161,14 +161,14 @@ TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
             Texts{"There is no recording to save. Press Record and a key of the remote first."});
   Record(Frames(SonyRuns("101000100010"), 3));
   form_->SaveRecordingMenu.Click();
-  const std::string samples = mod_->Signal.SampleBits;
+  const std::string samples = mod_->Signal.SampleBits();
 
   SetUp();
   form_->TestCheck.SetChecked(true);
   form_->Recordings.Open = [&] { return OpenedRecording{"play.mode2", kept}; };
   form_->OpenRecordingMenu.Click();
   EXPECT_EQ(form_->IRCommand.Text() + " " + form_->Note.Text(), "Mine&&PLAY Recording play.mode2");
-  EXPECT_EQ(mod_->Signal.SampleBits, samples);
+  EXPECT_EQ(mod_->Signal.SampleBits(), samples);
   EXPECT_FALSE(form_->Timer1.Enabled()) << "a loop would send over it";
   form_->Recordings.Open = [&] { return OpenedRecording{"x.cap", Padded("\x10", 1000)}; };
   form_->OpenRecordingMenu.Click();
