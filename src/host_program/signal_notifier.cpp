@@ -20,12 +20,19 @@ void MaskHangup(int how) {
 /// Whether the process belongs to a terminal that is there.
 bool IsInTerminal() { return Descriptor(open("/dev/tty", O_RDONLY | O_NOCTTY | O_CLOEXEC)).IsOpen(); }
 
+/// As nohup leaves it, for a program that is to outlive its terminal.
+bool AreHangupsIgnored() {
+  struct sigaction present {};
+  sigaction(SIGHUP, nullptr, &present);
+  return present.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 void HoldHangups() { MaskHangup(SIG_BLOCK); }
 
 SignalNotifier::SignalNotifier(std::function<void()> reload)
-    : inTerminal_(IsInTerminal()),
+    : endsWithTerminal_(IsInTerminal() && !AreHangupsIgnored()),
       reload_(std::move(reload)),
       notifier_(signals_.Descriptor(), QSocketNotifier::Read) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { Act(signals_.Take()); });
@@ -33,7 +40,7 @@ SignalNotifier::SignalNotifier(std::function<void()> reload)
 }
 
 void SignalNotifier::Act(int number) const {
-  const bool reload = number == SIGHUP && (!inTerminal_ || IsInTerminal());
+  const bool reload = number == SIGHUP && (!endsWithTerminal_ || IsInTerminal());
   const std::function<void()>& action = reload ? reload_ : stop_;
   if (number != 0 && action) action();
 }

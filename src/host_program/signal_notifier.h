@@ -12,7 +12,8 @@ namespace keplo::host {
 void HoldHangups();
 
 /// Signals as events of the loop, so that the host stops or reads its files again between two ticks. A hangup
-/// asks for the files, unless it tells that the terminal was closed in which the host was started.
+/// asks for the files, unless it tells that the terminal was closed in which the host was started without
+/// nohup.
 class SignalNotifier {
  public:
   /// @param reload runs for each hangup, one that was held back too
@@ -24,7 +25,7 @@ class SignalNotifier {
  private:
   void Act(int number) const;
 
-  const bool inTerminal_;
+  const bool endsWithTerminal_;
   std::function<void()> reload_, stop_;
   StopSignals signals_{SIGINT, SIGTERM, SIGHUP};
   QSocketNotifier notifier_;
