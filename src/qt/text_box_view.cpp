@@ -1,7 +1,7 @@
 #include "qt/text_box_view.h"
 
 #include <QApplication>
-#include <QEvent>
+#include <QKeyEvent>
 
 #include "qt/control_look.h"
 #include "qt/text.h"
@@ -33,6 +33,15 @@ void TextBoxView::ShowColours() {
   showingColours_ = true;
   setPalette(colours);
   showingColours_ = false;
+}
+
+bool TextBoxView::event(QEvent* event) {
+  // Where nothing was typed that could be taken back, the window's own Undo is meant.
+  if (event->type() == QEvent::ShortcutOverride && !isUndoAvailable() &&
+      dynamic_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo)) {
+    return false;
+  }
+  return QLineEdit::event(event);
 }
 
 void TextBoxView::changeEvent(QEvent* event) {

@@ -14,6 +14,7 @@ class TextBoxView : public QLineEdit {
   TextBoxView(ui::TextBox& model, QWidget* parent, QPalette::ColorRole ground = QPalette::Base);
 
  protected:
+  bool event(QEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:

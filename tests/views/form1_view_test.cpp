@@ -209,7 +209,8 @@ TEST_F(MainWindowOnScreen, TheMenuBarHasItsKeysMarksAndWayOut) {
   EXPECT_FALSE(undo.isEnabled());
   form_->DeleteCmdButton.Click();
   EXPECT_TRUE(undo.isEnabled());
-  QTest::keyClick(&Find("SendButton"), Qt::Key_Z, Qt::ControlModifier);
+  Find("CodeStr").setFocus();  // nothing was typed there
+  QTest::keyClick(&Find("CodeStr"), Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(form_->SendCmd.Text(), "POWER");
 
   QTest::keyClick(&Find("SendButton"), Qt::Key_X, Qt::ControlModifier);
