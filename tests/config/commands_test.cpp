@@ -3,38 +3,32 @@
 #include <gtest/gtest.h>
 
 #include "config/check_config.h"
+#include "config/config_builder.h"
+#include "config/fake_disk.h"
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
-#include "config_builder.h"
+#include "disk/posix_file_system.h"
 
 namespace keplo {
 namespace {
 
 using tests::Config;
 using tests::Lines;
+using tests::Parts;
 using tests::Protocol;
-using tests::StoreOnDisk;
-using Names = std::vector<std::string>;
+using tests::Replaced;
+using tests::Stored;
+using Texts = std::vector<std::string>;
 
-std::string Without(std::string text, const std::string& line) {
-  return text.erase(text.find(line), line.size());
-}
-
-/// Code and name of a section's commands, one text each.
-Names Listed(const std::string& text, const std::string& protocol) {
-  Names names;
-  for (const LearnedCommand& command : ListCommands(text, protocol))
-    names.push_back(command.Code + " " + command.Name);
-  return names;
-}
-
-const std::string kTwoProtocols = Config(Protocol("NEC", {"G1010,POWER", "G1100,UP", "G1111,POWER-OFF"}) +
-                                         Protocol("SONY", {"G0011,MUTE", "G0101,EMPTY"}));
+const std::string kTwo = Config(Protocol("NEC", {"G1010,POWER", "G1100,UP", "G1111,POWER-OFF"}) +
+                                Protocol("SONY", {"G0011,MUTE", "G0101,EMPTY"}));
+/// The description holds what a search could take for commands.
+const std::string kDescribed = Replaced(kTwo, "made for", "one, G, POWER, POWER-OFF, UP ");
 
 TEST(Names, AreTrimmedAndChecked) {
-  const auto check = [](bool (*isValid)(std::string&), const Names& texts, bool valid) {
+  const auto check = [](bool (*isValid)(std::string&), const Texts& texts, bool valid) {
     for (const std::string& text : texts) {
       std::string argument = text;
       EXPECT_EQ(isValid(argument), valid) << text;
@@ -48,143 +42,117 @@ TEST(Names, AreTrimmedAndChecked) {
 }
 
 TEST(CountCommands, CountsTheCommasBehindTheLastKey) {
-  StoreOnDisk disk(kTwoProtocols);
-  const auto count = [&](const std::string& protocol) {
-    disk.Store.CurProtocol = protocol;
-    return CountCommands(disk.Store);
+  const auto count = [](const std::string& text, const std::string& protocol) {
+    Stored stored(text, protocol);
+    return CountCommands(stored.Store);
   };
-  EXPECT_EQ(count("nec"), 3);
-  EXPECT_EQ(count("Template"), 1);
-  EXPECT_EQ(count("JVC"), 0);
-  disk.Store.CfgText.insert(disk.Store.CfgText.find("made for"), "one, two, ");
-  EXPECT_EQ(count("NEC"), 3) << "a comma in the description is no command";
-  disk.Store.CfgText.erase(disk.Store.CfgText.find("GREPEAT"), 7);
-  EXPECT_EQ(count("NEC"), 2) << "without its last key a section is taken for the next";
-  disk.Store.CfgText = Protocol("NEC", {"G1010,POWER"});
-  EXPECT_EQ(count("NEC"), 0) << "no header behind the section";
+  EXPECT_EQ(count(kTwo, "nec"), 3);
+  EXPECT_EQ(count(kTwo, "Template"), 1);
+  EXPECT_EQ(count(kTwo, "JVC"), 0);
+  EXPECT_EQ(count(kDescribed, "NEC"), 3) << "a comma in the description is no command";
+  EXPECT_EQ(count(Replaced(kTwo, "GREPEAT", ""), "NEC"), 2) << "the next section's last key is taken";
+  EXPECT_EQ(count(Protocol("NEC", {"G1010,POWER"}), "NEC"), 0) << "no header after the section";
 }
 
 TEST(DeleteCommandLine, RemovesTheLineOfTheName) {
-  const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
-      {"NEC", "POWER", "G1010,POWER\r\n"},
-      {"NEC", "POWER-OFF", "G1111,POWER-OFF\r\n"},
-      {"nec", "up", "G1100,UP\r\n"}};
-  std::string described = kTwoProtocols;  // the description came to hold the names, ahead of their lines
-  described.insert(described.find("made for"), "G, POWER, POWER-OFF, UP ");
-  for (const auto& [protocol, command, line] : cases) {
-    StoreOnDisk disk(described);
-    disk.Store.CurProtocol = protocol;
-    disk.Store.CurCommand = command;
-    DeleteCommandLine(disk.Store);
-    EXPECT_EQ(disk.Store.CfgText, Without(described, line));
-    EXPECT_EQ(disk.Store.CfgPos, static_cast<int>(described.find(line)) + 1);
-    EXPECT_EQ(disk.Store.CfgPos2, static_cast<int>(described.find(line) + line.size()));
-    EXPECT_EQ(disk.File(), described) << "the file waits for a save";
+  for (const std::string row :
+       {"NEC|POWER|G1010,POWER\r\n", "NEC|POWER-OFF|G1111,POWER-OFF\r\n", "nec|up|G1100,UP\r\n"}) {
+    const Texts parts = Parts(row);
+    Stored stored(kDescribed, parts[0], parts[1]);
+    DeleteCommandLine(stored.Store);
+    const auto place = static_cast<int>(kDescribed.find(parts[2]));
+    EXPECT_EQ(stored.Store.CfgText, Replaced(kDescribed, parts[2], ""));
+    EXPECT_EQ(stored.Store.CfgPos, place + 1) << row;
+    EXPECT_EQ(stored.Store.CfgPos2, place + static_cast<int>(parts[2].size())) << row;
+    EXPECT_EQ(stored.File(), kDescribed) << "the file waits for a save";
   }
 }
 
 TEST(DeleteCommandLine, RemovesNothingButACommandLineOfTheSection) {
-  StoreOnDisk disk(kTwoProtocols);
-  for (const std::string protocol : {"NEC", "JVC", "Recorded", "General", "END", ""}) {
-    for (const std::string command : {"POW", "MUTE", "GREPEAT", "1010", "COMPORT", "test", ""}) {
-      disk.Store.CurProtocol = protocol;
-      disk.Store.CurCommand = command;
-      DeleteCommandLine(disk.Store);
-      EXPECT_EQ(disk.Store.CfgPos, 0) << protocol << " " << command;
-    }
-  }
-  EXPECT_EQ(disk.Store.CfgText, kTwoProtocols);
-}
-
-TEST(DeleteCommandLine, LeavesTheKeysAndTheHeadOfTheFile) {
-  std::string text = Protocol("NEC", {"G1010,OLD"}) + kTwoProtocols;
+  std::string odd = Protocol("NEC", {"G1010,OLD"}) + kTwo;
   for (const std::string key : {"GPROTO= 0", "GREPEAT= 72"}) {
-    text.insert(text.find(key, text.find("SONY")) + key.size(), ", PAST");
+    odd.insert(odd.find(key, odd.find("[General]")) + key.size(), ", PAST");
   }
-  StoreOnDisk disk(text);
-  for (const auto& [protocol, command] : {std::pair("SONY", "PAST"), std::pair("NEC", "OLD")}) {
-    disk.Store.CurProtocol = protocol;
-    disk.Store.CurCommand = command;
-    DeleteCommandLine(disk.Store);
-    EXPECT_EQ(disk.Store.CfgText, text) << command;
+  for (const std::string protocol : {"NEC", "JVC", "Recorded", "General", "END", ""}) {
+    for (const std::string command :
+         {"POW", "MUTE", "OLD", "PAST", "GREPEAT", "1010", "COMPORT", "test", ""}) {
+      Stored stored(odd, protocol, command);
+      DeleteCommandLine(stored.Store);
+      EXPECT_EQ(stored.Store.CfgPos, 0) << protocol << " " << command;
+      EXPECT_EQ(stored.Store.CfgText, odd);
+    }
   }
 }
 
 TEST(ListCommands, WalksFromCommaToComma) {
-  EXPECT_EQ(Listed(kTwoProtocols, "NEC"), (Names{"G1010 POWER", "G1100 UP", "G1111 POWER-OFF"}));
-  EXPECT_EQ(Listed(kTwoProtocols, "JVC"), Names{});
-  EXPECT_EQ(Listed(kTwoProtocols, "END"), Names{});
-  const std::string edited = Lines({"[X]", "# this, that", "G10, A ", "G11,", "[END]"});
-  EXPECT_EQ(Listed(edited, "X"), (Names{"# this  that", "G10  A ", "G11 "}));
-  EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "POWER"), "G1010");
-  EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "OFF"), "G1111") << "the first line with the text";
-  std::string described = kTwoProtocols;
-  described.insert(described.find("made for"), "UP POWER ");
-  EXPECT_EQ(ShownCode(described, "NEC", "POWER"), "G1010") << "a description has no code";
-  EXPECT_EQ(ShownCode(kTwoProtocols, "JVC", "POWER"), std::nullopt);
-  EXPECT_EQ(ShownCode(kTwoProtocols, "NEC", "END]"), std::nullopt) << "no comma behind it";
+  const auto list = [](const std::string& text, const std::string& protocol) {
+    Texts listed;
+    for (const LearnedCommand& c : ListCommands(text, protocol)) listed.push_back(c.Code + " " + c.Name);
+    return listed;
+  };
+  EXPECT_EQ(list(kTwo, "NEC"), (Texts{"G1010 POWER", "G1100 UP", "G1111 POWER-OFF"}));
+  EXPECT_EQ(list(kTwo, "JVC"), Texts());
+  EXPECT_EQ(list(kTwo, "END"), Texts());
+  EXPECT_EQ(list(Lines({"[X]", "# this, that", "G10, A ", "G11,", "[END]"}), "X"),
+            (Texts{"# this  that", "G10  A ", "G11 "}));
+  EXPECT_EQ(ShownCode(kDescribed, "NEC", "POWER"), "G1010");
+  EXPECT_EQ(ShownCode(kTwo, "NEC", "OFF"), "G1111") << "the first line with the text";
+  EXPECT_EQ(ShownCode(kTwo, "JVC", "POWER"), std::nullopt);
+  EXPECT_EQ(ShownCode(kTwo, "NEC", "END]"), std::nullopt) << "no comma after it";
 }
 
 TEST(LookupCommand, NamesTheCommandOfACode) {
-  struct Case {
-    std::string Code;
-    std::int16_t Kind;
-    bool Found;
-    std::string Reference;
-  };
-  const std::vector<Case> cases = {{"1100", 0, true, "NEC&UP"}, {"11", 0, true, "NEC&UP"},
-                                   {"1110", 2, true, "NEC&UP"}, {"1", 2, true, "NEC&POWER"},
-                                   {"1110", 0, false, "-&-"},   {"10101", 0, false, "-&-"},
-                                   {"", 0, false, "-&-"},       {"777", 0, false, "General&BAIT"}};
-  std::string text = kTwoProtocols;
-  StoreOnDisk disk(text.insert(text.find("VEXIL"), "G777,BAIT\r\n"));
-  for (const Case& c : cases) {
-    disk.Store.CurProtocol = disk.Store.CurCommand = "-";
-    EXPECT_EQ(LookupCommand(disk.Store, c.Code, c.Kind), c.Found) << c.Code;
-    EXPECT_EQ(disk.Store.CurProtocol + "&" + disk.Store.CurCommand, c.Reference) << c.Code;
+  Stored stored(Replaced(kTwo, "VEXIL", "G777,BAIT\r\nVEXIL"));
+  for (const std::string row : {"1100|0|NEC&UP", "11|0|NEC&UP", "1110|2|NEC&UP", "1|2|NEC&POWER",
+                                "1110|0|-&-", "10101|0|-&-", "|0|-&-", "777|0|General&BAIT"}) {
+    const Texts parts = Parts(row);
+    stored.Store.CurProtocol = stored.Store.CurCommand = "-";
+    const bool found = LookupCommand(stored.Store, parts[0], static_cast<std::int16_t>(std::stoi(parts[1])));
+    EXPECT_EQ(found, parts[2].substr(0, 3) == "NEC") << row;
+    EXPECT_EQ(stored.Store.CurProtocol + "&" + stored.Store.CurCommand, parts[2]) << row;
   }
 }
 
 TEST(FindCommand, TakesNothingFromTheHeadOrFromATornText) {
+  const auto find = [](const std::string& text, const std::string& code, int limit, Analysis readBy) {
+    const std::optional<FoundCommand> found = FindCommand(text, code, limit, readBy);
+    return found ? found->Protocol + "&" + found->Command : "none";
+  };
   const std::string text = Lines({"[A]", "G1010,UP", "[END]"});
-  EXPECT_TRUE(FindCommand(text, "1010", 10));
-  EXPECT_FALSE(FindCommand(text, "101", 10)) << "the match ends at position 10";
-  EXPECT_FALSE(FindCommand("0123456789 [A] G1010", "101", 10)) << "no comma";
-  EXPECT_FALSE(FindCommand("0123456789 G1010,UP\r\n", "101", 10)) << "no header";
-  EXPECT_TRUE(FindCommand(text, "101", 5));
-  EXPECT_FALSE(FindCommand(text, "101", 5, Analysis::Second)) << "another code begins with it";
-  EXPECT_TRUE(FindCommand(text, "1010", 5, Analysis::Second));
-  const std::optional<FoundCommand> bare = FindCommand("[]\r\n01234567 G1010,", "101", 10);
-  ASSERT_TRUE(bare);
-  EXPECT_EQ(bare->Protocol + "&" + bare->Command, "&");
+  EXPECT_EQ(find(text, "1010", 10, Analysis::First), "A&UP");
+  EXPECT_EQ(find(text, "101", 10, Analysis::First), "none") << "the match ends at position 10";
+  EXPECT_EQ(find(text, "101", 5, Analysis::First), "A&UP");
+  EXPECT_EQ(find(text, "101", 5, Analysis::Second), "none") << "another code begins with it";
+  EXPECT_EQ(find(text, "1010", 5, Analysis::Second), "A&UP");
+  EXPECT_EQ(find("0123456789 [A] G1010", "101", 10, Analysis::First), "none") << "no comma";
+  EXPECT_EQ(find("0123456789 G1010,UP\r\n", "101", 10, Analysis::First), "none") << "no header";
+  EXPECT_EQ(find("[]\r\n01234567 G1010,", "101", 10, Analysis::First), "&");
 }
 
 TEST(WalkSections, EndsAtTheClosingHeaderInCapitals) {
-  EXPECT_EQ(ListProtocols(kTwoProtocols), (Names{"NEC", "SONY", "Template"}));
-  EXPECT_EQ(WalkSections(kTwoProtocols).Ended, WalkEnd::ClosingHeader);
-  std::string text = kTwoProtocols;
-  text.replace(text.find("[END]"), 5, "[End]").replace(text.find("made for a"), 10, "see [this");
-  EXPECT_EQ(ListProtocols(text), (Names{"NEC", "this tes", "SONY", "Template", "End"}));
-  EXPECT_EQ(WalkSections(text).Ended, WalkEnd::NoMoreHeaders);
+  const std::string open = Replaced(Replaced(kTwo, "[END]", "[End]"), "made for a", "see [this");
+  EXPECT_EQ(WalkSections(kTwo).Ended, WalkEnd::ClosingHeader);
+  EXPECT_EQ(WalkSections(open).Names, (Texts{"NEC", "this tes", "SONY", "Template", "End"}));
+  EXPECT_EQ(WalkSections(open).Ended, WalkEnd::NoMoreHeaders);
   EXPECT_EQ(WalkSections("[NEC]\r\n[END]\r\n").Ended, WalkEnd::NoGeneral);
 }
 
 TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
   std::string text = Config(Lines({"[Zap]", "# x", "GPROTO= 1", "SENDPLS= 600.9", "REPEAT= 99999",
                                    "BITG= ", "BIT0= 01", "BIT1= 011", "GREPEAT=-5", "", "G10,EMPTY", ""}));
+  text.erase(text.rfind("BIT0="), 5);
   ProtocolParams params;
   std::int16_t kind = 99;
-  EXPECT_TRUE(LoadProtocolParams(text, "ZAP", params, kind));
-  EXPECT_EQ(kind, 1);
-  EXPECT_EQ(params.SENDPLS, 600);
-  EXPECT_EQ(params.REPEAT, 32767);
-  EXPECT_EQ(params.GREPEAT, -5);
-  EXPECT_EQ(params.BITG + "/" + params.BIT0 + "/" + params.BIT1 + "/" + params.BitTail, "/01/011/");
-  EXPECT_FALSE(LoadProtocolParams(text, "Recorded", params, kind));
-  EXPECT_EQ(kind, 1);
-  text.erase(text.rfind("BIT0="), 5);
-  EXPECT_FALSE(LoadProtocolParams(text, "Template", params, kind));
-  EXPECT_EQ(params.BITG + "/" + params.BIT0 + "/" + params.BitTail, "1100/01/1");
+  for (const std::string row : {"ZAP|1 600 32767 -5 /01/011/", "Recorded|1 600 32767 -5 /01/011/",
+                                "Template|0 560 0 -5 1100/01/011/1"}) {
+    EXPECT_EQ(LoadProtocolParams(text, Parts(row)[0], params, kind), Parts(row)[0] == "ZAP");
+    std::string read;
+    for (const int number : {kind, params.SENDPLS, params.REPEAT, params.GREPEAT}) {
+      read += std::to_string(number) + " ";
+    }
+    EXPECT_EQ(read + params.BITG + "/" + params.BIT0 + "/" + params.BIT1 + "/" + params.BitTail,
+              Parts(row)[1]);
+  }
 }
 
 TEST(FirstConfiguration, IsWhole) {
@@ -194,7 +162,7 @@ TEST(FirstConfiguration, IsWhole) {
   Settings settings;
   EXPECT_TRUE(ReadSettings(store, settings).Complete());
   EXPECT_EQ(CheckConfig(store), "");
-  EXPECT_EQ(ListProtocols(store.CfgText), (Names{"NEC", "SONY", "RC5", "Template"}));
+  EXPECT_EQ(ListProtocols(store.CfgText), (Texts{"NEC", "SONY", "RC5", "Template"}));
   std::int16_t kind = 0, expected = 0;
   for (const std::string& protocol : ListProtocols(store.CfgText)) {
     ProtocolParams params;
@@ -206,9 +174,9 @@ TEST(FirstConfiguration, IsWhole) {
       EXPECT_EQ(found ? found->Protocol + "&" + found->Command : "", protocol + "&" + command.Name);
     }
   }
-  StoreOnDisk disk(store.CfgText);
-  SaveConfig(disk.Store);
-  EXPECT_EQ(disk.File(), store.CfgText);
+  Stored stored(store.CfgText);
+  SaveConfig(stored.Store);
+  EXPECT_EQ(stored.File(), store.CfgText);
 }
 
 }  // namespace

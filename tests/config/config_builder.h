@@ -3,10 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "config/cfg_store.h"
-#include "disk/posix_file_system.h"
-#include "doubles/temp_folder.h"
-
 namespace keplo::tests {
 
 /// Lines as they stand in the file.
@@ -31,30 +27,18 @@ inline std::string Config(const std::string& sections) {
   return kGeneral + sections + Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
 }
 
+/// The parts of a row of a table, which has bars between them.
+inline std::vector<std::string> Parts(const std::string& row) {
+  std::vector<std::string> parts;
+  for (std::size_t begin = 0; begin <= row.size(); begin += parts.back().size() + 1) {
+    parts.push_back(row.substr(begin, row.find('|', begin) - begin));
+  }
+  return parts;
+}
+
 /// A text with the first place of a part that it holds given another one.
 inline std::string Replaced(std::string text, const std::string& old, const std::string& fresh) {
   return text.replace(text.find(old), old.size(), fresh);
 }
-
-/// A store over a file in a folder of its own, loaded.
-class StoreOnDisk {
- public:
-  explicit StoreOnDisk(const std::string& content) {
-    folder_.Write("keplo.cfg", content);
-    LoadConfig(Store);
-  }
-
-  /// Writes the file as another program would.
-  void Write(const std::string& content) const { folder_.Write("keplo.cfg", content); }
-  std::string File() const { return folder_.Read("keplo.cfg"); }
-  const std::filesystem::path& Folder() const { return folder_.Path(); }
-
- private:
-  TempFolder folder_;
-  PosixFileSystem files_;
-
- public:
-  CfgStore Store{folder_.Path() / "keplo.cfg", files_};
-};
 
 }  // namespace keplo::tests

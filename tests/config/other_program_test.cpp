@@ -1,184 +1,155 @@
 #include <gtest/gtest.h>
 
-#include "config/cfg_store.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
-#include "config/learn.h"
 #include "config/merge_changes.h"
-#include "config/protocol_edit.h"
 #include "config/protocols.h"
+#include "config/script.h"
 #include "config/store_undo.h"
-#include "config/values.h"
 #include "failure.h"
 
 namespace keplo {
 namespace {
 
 using tests::Config;
+using tests::Do;
 using tests::Protocol;
 using tests::Replaced;
-using tests::StoreOnDisk;
 
 const std::string kNec = Protocol("NEC", {"G1010,POWER", "G1100,UP"});
 const std::string kSony = Protocol("SONY", {"G0011,MUTE"});
 const std::string kBase = Config(kNec + kSony);
-const std::string kMore = Replaced(kBase, "G0011,MUTE\r\n", "G0011,MUTE\r\nG0111,DOWN\r\n");
 
 std::string Selecting(const std::string& text, const std::string& index) {
   return Replaced(text, "PROTOCOL= 0", "PROTOCOL= " + index);
 }
+/// A text with a line put in after another one.
+std::string After(const std::string& line, const std::string& text, const std::string& fresh) {
+  return Replaced(text, line + "\r\n", line + "\r\n" + fresh + "\r\n");
+}
+
+const std::string kMore = After("G0011,MUTE", kBase, "G0111,DOWN");
 
 TEST(MergeChanges, TakesBothUnlessTheyMeet) {
-  struct Case {
-    std::string Name, Mine, Theirs, Merged;
+  const auto merges = [](const std::string& name, const std::string& mine, const std::string& theirs,
+                         const std::string& merged) {
+    EXPECT_EQ(MergeChanges(kBase, mine, theirs).value_or("conflict"), merged) << name;
   };
-  const std::string conflict;
-  const std::string setting = Replaced(kBase, "COMPORT= 1", "COMPORT= 7");
-  const std::string withoutUp = Replaced(kBase, "G1100,UP\r\n", "");
-  const std::string jvc = Protocol("JVC", {"G10,EMPTY"});
-  for (const Case& c : std::vector<Case>{
-           {"nothing of mine", kBase, kMore, kMore},
-           {"nothing of theirs", kMore, kBase, kMore},
-           {"the same", kMore, kMore, kMore},
-           {"two settings", setting, Replaced(kBase, "VEXIL= 0", "VEXIL= 2"),
-            Replaced(setting, "VEXIL= 0", "VEXIL= 2")},
-           {"one setting", setting, Replaced(kBase, "COMPORT= 1", "COMPORT= 8"), conflict},
-           {"neighbours", setting, Replaced(kBase, "PROTOCOL= 0", "PROTOCOL= 1"), conflict},
-           {"two sections", withoutUp, kMore, Replaced(kMore, "G1100,UP\r\n", "")},
-           {"the section is gone", withoutUp, Config(kSony), conflict},
-           {"one code", Replaced(kBase, "G1100,UP\r\n", "G1100,UP\r\nG0111,UP2\r\n"), kMore, conflict},
-           {"selection", Selecting(kBase, "1"), kMore, Selecting(kMore, "1")},
-           {"both select", Selecting(kBase, "1"), Selecting(kMore, "2"), Selecting(kMore, "1")},
-           {"the selected one moves", Selecting(kBase, "1"), Config(jvc + kNec + kSony),
-            Selecting(Config(jvc + kNec + kSony), "2")},
-           {"the selected one is gone", Selecting(kBase, "1"), Config(kNec), Config(kNec)},
-           {"no section is selected", Selecting(kBase, "3"), Config(kNec), Selecting(Config(kNec), "2")},
-           {"not whole", kBase, kBase.substr(0, kBase.size() / 2), conflict}}) {
-    EXPECT_EQ(MergeChanges(kBase, c.Mine, c.Theirs).value_or(conflict), c.Merged) << c.Name;
-  }
+  const std::string port = Replaced(kBase, "COMPORT= 1", "COMPORT= 7"),
+                    zone = Replaced(kBase, "VEXIL= 0", "VEXIL= 2"),
+                    noUp = Replaced(kBase, "G1100,UP\r\n", ""), one = Selecting(kBase, "1"),
+                    moved = Config(Protocol("JVC", {"G10,EMPTY"}) + kNec + kSony), nec = Config(kNec);
+  merges("nothing of mine", kBase, kMore, kMore);
+  merges("nothing of theirs", kMore, kBase, kMore);
+  merges("the same", kMore, kMore, kMore);
+  merges("two settings", port, zone, Replaced(port, "VEXIL= 0", "VEXIL= 2"));
+  merges("one setting", port, Replaced(kBase, "COMPORT= 1", "COMPORT= 8"), "conflict");
+  merges("neighbours", port, Selecting(kBase, "1"), "conflict");
+  merges("two sections", noUp, kMore, Replaced(kMore, "G1100,UP\r\n", ""));
+  merges("the section is gone", noUp, Config(kSony), "conflict");
+  merges("one code", After("G1100,UP", kBase, "G0111,UP2"), kMore, "conflict");
+  merges("selection", one, kMore, Selecting(kMore, "1"));
+  merges("both select", one, Selecting(kMore, "2"), Selecting(kMore, "1"));
+  merges("the selected one moves", one, moved, Selecting(moved, "2"));
+  merges("the selected one is gone", one, nec, nec);
+  merges("no section is selected", Selecting(kBase, "3"), nec, Selecting(nec, "2"));
+  merges("not whole", kBase, kBase.substr(0, kBase.size() / 2), "conflict");
 }
 
 /// A store with a file that another program writes.
 class OtherProgram : public ::testing::Test {
  protected:
-  StoreOnDisk disk_{kBase};
-  CfgStore& store_ = disk_.Store;
+  tests::Stored stored_{kBase};
+  CfgStore& store_ = stored_.Store;
   StoreUndo undo_{store_};
 
-  /// The names of the folder; a copy of a text that was put aside is one more.
-  int Files() const {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator(disk_.Folder()), {}));
-  }
-  template <typename Action>
-  void Change(Action action) {
+  void Change(const std::vector<std::string>& steps) {
     const std::string before = store_.CfgText;
-    action();
+    for (const std::string& step : steps) ASSERT_EQ(Do(store_, step), "");
+    EXPECT_NE(store_.CfgText, before);
     undo_.Remember(before);
+  }
+  void ExpectBoth(const std::string& text) const {
+    EXPECT_EQ(store_.CfgText, text);
+    EXPECT_EQ(stored_.Disk.Files(), (std::map<std::string, std::string>{{"keplo.cfg", text}}));
   }
 };
 
 TEST_F(OtherProgram, IsNoticedAndTakenIn) {
   EXPECT_FALSE(HasFileChanged(store_));
-  ASSERT_TRUE(ReplaceValueAt(store_, FindNoCase("PROTOCOL=", store_.CfgText, 1), "1"));
-  disk_.Write(kMore);
+  Do(store_, "select|1");
+  stored_.Write(kMore);
   EXPECT_TRUE(HasFileChanged(store_));
   EXPECT_TRUE(ReloadConfig(store_));
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1")) << "what is unsaved stays";
   EXPECT_TRUE(store_.TookInOtherText);
   EXPECT_FALSE(HasFileChanged(store_));
-  SaveConfig(store_);
-  EXPECT_EQ(disk_.File(), Selecting(kMore, "1"));
+  Do(store_, "save");
+  ExpectBoth(Selecting(kMore, "1"));
   EXPECT_TRUE(HasFileChanged(store_)) << "nobody has looked since the save";
   EXPECT_FALSE(ReloadConfig(store_) || HasFileChanged(store_));
 
-  disk_.Write("half a file");
+  stored_.Write("half a file");
   EXPECT_THROW(ReloadConfig(store_), Failure);
   EXPECT_FALSE(HasFileChanged(store_)) << "it is told once";
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1"));
 }
 
-TEST_F(OtherProgram, KeepsItsTextWhereNothingWasChanged) {
-  for (const std::string& other : {kMore, std::string("half a file")}) {
-    disk_.Write(other);
-    SaveConfig(store_);
-    EXPECT_EQ(disk_.File(), other);
-    EXPECT_EQ(store_.CfgText, kMore);
-    EXPECT_EQ(Files(), 1);
-  }
-}
-
-TEST_F(OtherProgram, KeepsItsCommandBesideAChange) {
-  disk_.Write(kMore);
-  store_.CurProtocol = "NEC";
-  for (const std::string name : {"POWER", "UP"}) {
-    store_.CurCommand = name;
-    ASSERT_TRUE(RemoveCommand(store_));
-  }
-  const std::string emptied = Replaced(kMore, "G1010,POWER\r\nG1100,UP\r\n", "G10,EMPTY\r\n");
+TEST_F(OtherProgram, KeepsItsTextBesideAChangeOrNone) {
+  stored_.Write(kMore);
+  Do(store_, "save");
+  ExpectBoth(kMore);
+  const std::string most = After("G0111,DOWN", kMore, "G0001,LOW");
+  stored_.Write(most);
+  for (const std::string step : {"remove|NEC|POWER", "remove|NEC|UP"}) ASSERT_EQ(Do(store_, step), "");
+  const std::string emptied = Replaced(most, "G1010,POWER\r\nG1100,UP\r\n", "G10,EMPTY\r\n");
   EXPECT_EQ(store_.CfgText, emptied);
-  SaveConfig(store_);
-  EXPECT_EQ(disk_.File(), emptied);
-  EXPECT_EQ(Files(), 1);
+  Do(store_, "save");
+  ExpectBoth(emptied);
+  stored_.Write("half a file");
+  Do(store_, "save");
+  EXPECT_EQ(store_.CfgText, emptied);
+  EXPECT_EQ(stored_.Disk.Files().size(), 1U);
+  EXPECT_EQ(stored_.File(), "half a file");
 }
 
 TEST_F(OtherProgram, KeepsThePlaceOfThePlaceholderWhenLinesComeInBeforeIt) {
-  disk_.Write(Replaced(Config(kSony), "[SONY]", "# another comment\r\n[SONY]"));
-  LoadConfig(store_);
-  const std::string other = Replaced(disk_.File(), "[General]\r\n", "; head\r\n[General]\r\n");
-  disk_.Write(other);
-  store_.CurProtocol = "SONY";
-  store_.CurCommand = "MUTE";
-  ASSERT_TRUE(RemoveCommand(store_));
-  EXPECT_EQ(ListProtocols(store_.CfgText), ListProtocols(other));
-  EXPECT_NE(store_.CfgText.find("\r\nG10,EMPTY\r\n"), std::string::npos) << store_.CfgText;
+  stored_.Load(Replaced(Config(kSony), "[SONY]", "# another comment\r\n[SONY]"));
+  const std::string other = Replaced(stored_.File(), "[General]\r\n", "; head\r\n[General]\r\n");
+  stored_.Write(other);
+  ASSERT_EQ(Do(store_, "remove|SONY|MUTE"), "");
+  EXPECT_EQ(store_.CfgText, Replaced(other, "\r\nG0011,MUTE\r\n", "G10,EMPTY\r\n\r\n"));
 }
 
 TEST_F(OtherProgram, IsNotUndone) {
   EXPECT_NE(undo_.Undo(), "");
-  Change([&] { AddCommand(store_, "NEC", "G1110", "DOWN"); });
-  SetGeneralValue(store_, "COMPORT", "7");
-  disk_.Write(Replaced(disk_.File(), "G0011,MUTE\r\n", "G0011,MUTE\r\nG0111,LOW\r\n"));
+  Change({"add|NEC|G1110|DOWN"});
+  Do(store_, "set|COMPORT|7");
+  stored_.Write(After("G0011,MUTE", stored_.File(), "G0111,LOW"));
   EXPECT_EQ(undo_.Undo(), "");
-  const std::string undone = Replaced(kBase, "COMPORT= 1", "COMPORT= 7");
-  EXPECT_EQ(disk_.File(), Replaced(undone, "G0011,MUTE\r\n", "G0011,MUTE\r\nG0111,LOW\r\n"));
-  EXPECT_EQ(store_.CfgText, disk_.File());
+  ExpectBoth(After("G0011,MUTE", Replaced(kBase, "COMPORT= 1", "COMPORT= 7"), "G0111,LOW"));
   EXPECT_FALSE(undo_.CanUndo());
-}
 
-TEST_F(OtherProgram, RefusesAnUndoWhereItChangedTheSameLines) {
-  Change([&] { DeleteCommand(store_, "NEC", "UP"); });
-  const std::string after = Replaced(disk_.File(), "G1010,POWER\r\n", "G1010,POWER\r\nG0001,NEW\r\n");
-  disk_.Write(after);
+  Change({"delete|NEC|UP"});
+  const std::string sameLines = After("G1010,POWER", stored_.File(), "G0001,NEW");
+  stored_.Write(sameLines);
   EXPECT_NE(undo_.Undo(), "");
-  EXPECT_EQ(disk_.File(), after);
+  EXPECT_EQ(stored_.File(), sameLines);
   EXPECT_TRUE(undo_.CanUndo());
 }
 
 TEST_F(OtherProgram, IsNotMetByAnUndoOfTheWindowsOwnChanges) {
-  const auto windowSaves = [&] {
-    store_.CurProtocol = "Empty";
-    ASSERT_TRUE(StoreCommand(store_, "Empty", "G1111", "ON"));
-    store_.CurCommand = "ON";
-    DropPlaceholder(store_);
-  };
-  const auto windowDeletes = [&] {
-    store_.CurProtocol = "SONY";
-    store_.CurCommand = "MUTE";
-    ASSERT_TRUE(RemoveCommand(store_));
-  };
   const std::string text = Config(kNec + kSony + Protocol("Empty", {"G10,EMPTY"}));
-  const std::vector<std::function<void()>> changes = {windowSaves, windowDeletes,
-                                                      [&] { DeleteProtocol(store_, "NEC"); },
-                                                      [&] { RenameCommand(store_, "NEC", "POWER", "OFF"); }};
-  for (const auto& change : changes) {
-    disk_.Write(text);
-    LoadConfig(store_);
-    Change(change);
-    EXPECT_NE(store_.CfgText, text);
-    ASSERT_TRUE(ReplaceValueAt(store_, FindNoCase("PROTOCOL=", store_.CfgText, 1), "2"));
+  for (const std::vector<std::string>& steps :
+       {std::vector<std::string>{"store|Empty|G1111|ON", "drop|Empty|ON"},
+        {"remove|SONY|MUTE"},
+        {"deleteProtocol|NEC"},
+        {"rename|NEC|POWER|OFF"}}) {
+    stored_.Load(text);
+    Change(steps);
+    Do(store_, "select|2");
     EXPECT_EQ(undo_.Undo(), "");
-    EXPECT_EQ(disk_.File(), Selecting(text, "2"));
-    EXPECT_EQ(store_.CfgText, disk_.File());
+    ExpectBoth(Selecting(text, "2"));
   }
 }
 

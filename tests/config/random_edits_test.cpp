@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <map>
 #include <optional>
 #include <random>
 #include <set>
@@ -10,15 +9,13 @@
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "config/generic_protocols.h"
-#include "config/learn.h"
-#include "config/protocol_edit.h"
 #include "config/protocols.h"
-#include "config/read_settings.h"
-#include "config/values.h"
+#include "config/script.h"
 
 namespace keplo {
 namespace {
 
+using tests::Do;
 using Texts = std::vector<std::string>;
 
 constexpr int kSequences = 10'000;
@@ -40,151 +37,114 @@ std::map<std::string, Texts> ListsOf(const CfgStore& store) {
 /// it.
 class RandomUser {
  public:
-  RandomUser() { Start(); }
-
-  void EditAFewTimes() {
-    if (store_->CfgText.size() > kGrownCharacters) Start();
+  const tests::Stored& EditAFewTimes() {
+    if (store_.CfgText.size() > kGrownCharacters) stored_.Load(kSmall);
     for (int edit = Below(kMostEdits); edit >= 0; --edit) EditOnce();
-    SaveConfig(*store_);  // as a window does when it closes
+    Do(store_, "save");  // as a window does when it closes
+    return stored_;
   }
-
-  std::string File() const { return disk_.Files()["keplo.cfg"]; }
-  CfgStore Reloaded() {
-    CfgStore store("/home/keplo.cfg", disk_);
-    LoadConfig(store);
-    return store;
-  }
-  const CfgStore& Store() const { return *store_; }
 
  private:
-  void Start() {
-    disk_.Put("keplo.cfg", tests::Config(tests::Protocol("Mine", {"G10,EMPTY"})));
-    store_.emplace("/home/keplo.cfg", disk_);
-    LoadConfig(*store_);
-  }
-
-  int Below(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
-
-  template <typename Item>
-  const Item& OneOf(const std::vector<Item>& items) {
-    return items[static_cast<std::size_t>(Below(static_cast<int>(items.size())))];
+  int Below(std::size_t end) { return static_cast<int>(random_() % end); }
+  const std::string& OneOf(const Texts& texts) {
+    return texts[static_cast<std::size_t>(Below(texts.size()))];
   }
 
   /// Most are short, so that codes, names and parts of them meet.
-  std::string Word(std::string_view letters, int longest) {
-    std::string word;
-    for (int letter = Below(longest) + 1; letter > 0; --letter) {
-      word += letters[static_cast<std::size_t>(Below(static_cast<int>(letters.size())))];
-    }
+  std::string Word(std::string_view letters, std::size_t longest) {
+    std::string word(static_cast<std::size_t>(Below(longest)) + 1, ' ');
+    for (char& letter : word) letter = letters[static_cast<std::size_t>(Below(letters.size()))];
     return word;
   }
-
-  std::string AnyProtocol() { return OneOf(ListProtocols(store_->CfgText)); }
-  std::string AnyName() { return OneOf<std::string>({Word("AB_", 4), Word("EMPTYG", 6), "EMPTY", "POWER"}); }
+  std::string AnyCode() { return "G" + Word("01", 10); }
+  std::string AnyName() { return OneOf({Word("AB_", 4), Word("EMPTYG", 6), "EMPTY", "POWER"}); }
 
   void EditOnce() {
-    const std::vector<void (RandomUser::*)()> edits = {
-        &RandomUser::LearnInWindow,  &RandomUser::LearnInWindow, &RandomUser::Learn,   &RandomUser::Learn,
-        &RandomUser::ForgetInWindow, &RandomUser::Forget,        &RandomUser::AddOne,  &RandomUser::AddOne,
-        &RandomUser::AddOne,         &RandomUser::AddOne,        &RandomUser::EditOne, &RandomUser::EditOne,
-        &RandomUser::DeleteOne,      &RandomUser::ChangeSetting};
-    (this->*OneOf(edits))();
+    const std::string protocol = OneOf(ListProtocols(store_.CfgText));
+    const std::vector<LearnedCommand> commands = ListCommands(store_.CfgText, protocol);
+    const std::string of =
+        "|" + protocol + "|" + commands[static_cast<std::size_t>(Below(commands.size()))].Name;
+    switch (Below(14)) {
+      case 0:
+      case 1:
+        return LearnInWindow(protocol, AnyCode(), AnyName());
+      case 2:
+      case 3:
+        return void(Do(store_, "add|" + protocol + "|" + AnyCode() + "|" + AnyName()));
+      case 4:
+        return void(Do(store_, "check" + of).empty() ? Do(store_, "remove" + of) : "");
+      case 5:
+        return void(Do(store_, "delete" + of));
+      case 6:
+      case 7:
+        return EditProtocolOf(AnyDraft(protocol));
+      case 8: {
+        const std::string key = OneOf({"COMPORT", "PROTOCOL", "PROCDELAY", "ITYPE", "BEEPON", "VEXIL"});
+        EXPECT_EQ(Do(store_, "set|" + key + "|" + std::to_string(Below(2000) - 100)), "");
+        return;
+      }
+      case 9:
+        return KeepingOthers(protocol, [&] { Do(store_, "deleteProtocol|" + protocol); });
+      default:
+        const std::string name =
+            Below(5) > 0 ? Word("abC-", 5) : OneOf({"END", "general", "Recorded", "Template", "a[b"});
+        KeepingOthers(name, [&] { AddProtocol(store_, AnyDraft(name)); });
+    }
   }
 
-  void LearnInWindow() {
-    CfgStore& store = *store_;
-    store.CurProtocol = AnyProtocol();
-    std::string code = "G" + Word("01", 10), name = AnyName();
-    if (!CheckProtocol(store.CurProtocol).Done() || !CheckCode(store.CfgText, code).Done() ||
-        !CheckName(store.CfgText, store.CurProtocol, name).Done()) {
+  void LearnInWindow(const std::string& protocol, std::string code, std::string name) {
+    if (!CheckProtocol(protocol).Done() || !CheckCode(store_.CfgText, code).Done() ||
+        !CheckName(store_.CfgText, protocol, name).Done()) {
       return;
     }
-    ASSERT_TRUE(StoreCommand(store, store.CurProtocol, code, name));
-    DropPlaceholder(store);
-  }
-  void Learn() { AddCommand(*store_, AnyProtocol(), "G" + Word("01", 10), AnyName()); }
-
-  std::string AnyCommandOf(const std::string& protocol) {
-    return OneOf(ListCommands(store_->CfgText, protocol)).Name;
-  }
-  void ForgetInWindow() {
-    store_->CurProtocol = AnyProtocol();
-    store_->CurCommand = AnyCommandOf(store_->CurProtocol);
-    if (CheckDelete(*store_).Done()) RemoveCommand(*store_);
-  }
-  void Forget() {
-    const std::string protocol = AnyProtocol();
-    DeleteCommand(*store_, protocol, AnyCommandOf(protocol));
+    ASSERT_EQ(Do(store_, "store|" + protocol + "|" + code + "|" + name), "");
+    Do(store_, "drop|" + protocol + "|" + name);
   }
 
   ProtocolDraft AnyDraft(const std::string& name) {
-    ProtocolDraft draft;
-    draft.Name = name;
-    draft.Description =
-        OneOf<std::string>({"", Word("ab #=]", 9), "REPEAT= 7 GREPEAT= 9", "BIT0=", "G10 EMPTY", "a,b", "[x]",
-                            "gproto= 9", "[END]", "two\r\nlines", "POWER", "END ]"});
-    draft.ProtoKind = static_cast<std::int16_t>(Below(static_cast<int>(kGenericProtocols.size())));
-    draft.Params.SENDPLS = static_cast<std::int16_t>(Below(900));
-    draft.Params.REPEAT = static_cast<std::int16_t>(Below(3) * 20);
-    draft.Params.GREPEAT = static_cast<std::int16_t>(Below(60) - 20);
-    draft.Params.BITG = Word("0111", 9);
-    draft.Params.BIT0 = Word("01", 3);
-    draft.Params.BIT1 = Word("00111111111111111112", 3);
-    return draft;
+    const auto number = [&](int most, int least) { return static_cast<std::int16_t>(Below(most) + least); };
+    return {name,
+            OneOf({"", Word("ab #=]", 9), "REPEAT= 7 GREPEAT= 9", "BIT0=", "G10 EMPTY", "a,b", "[x]",
+                   "gproto= 9", "[END]", "two\r\nlines", "POWER", "END ]"}),
+            number(kGenericProtocols.size(), 0),
+            {.SENDPLS = number(900, 0),
+             .REPEAT = static_cast<std::int16_t>(Below(3) * 20),
+             .BIT0 = Word("01", 3),
+             .BIT1 = Word("00111111111111111112", 3),
+             .BITG = Word("0111", 9),
+             .GREPEAT = number(60, -20),
+             .BitTail = {}}};
   }
-  void AddOne() {
-    const std::string name = Below(5) == 0
-                                 ? OneOf<std::string>({"END", "general", "Recorded", "Template", "a[b"})
-                                 : Word("abC-", 5);
-    KeepsOthers(name, [&] { AddProtocol(*store_, AnyDraft(name)); });
-  }
-  void EditOne() {
-    const ProtocolDraft draft = AnyDraft(AnyProtocol());
-    const auto before = ListsOf(*store_);
-    if (EditProtocol(*store_, draft) != ProtocolRefusal::None) return;
-    EXPECT_EQ(ListsOf(*store_), before);
-    const std::optional<ProtocolDraft> read = LoadProtocol(store_->CfgText, draft.Name);
+  void EditProtocolOf(const ProtocolDraft& draft) {
+    const auto before = ListsOf(store_);
+    if (!EditProtocol(store_, draft).Done()) return;
+    EXPECT_EQ(ListsOf(store_), before);
+    const std::optional<ProtocolDraft> read = LoadProtocol(store_.CfgText, draft.Name);
     ASSERT_TRUE(read);
     EXPECT_EQ(read->Params.BIT1, draft.Params.BIT1);
   }
-  void DeleteOne() {
-    const std::string name = AnyProtocol();
-    KeepsOthers(name, [&] { DeleteProtocol(*store_, name); });
-  }
   template <typename Edit>
-  void KeepsOthers(const std::string& name, Edit edit) {
-    auto before = ListsOf(*store_);
+  void KeepingOthers(const std::string& name, Edit edit) {
+    auto before = ListsOf(store_);
     edit();
-    auto after = ListsOf(*store_);
+    auto after = ListsOf(store_);
     before.erase(name);
     after.erase(name);
     EXPECT_EQ(after, before) << name;
   }
 
-  void ChangeSetting() {
-    const std::string key =
-        OneOf<std::string>({"COMPORT", "PROTOCOL", "PROCDELAY", "ITYPE", "BEEPON", "VEXIL"});
-    EXPECT_TRUE(SetGeneralValue(*store_, key, std::to_string(Below(2000) - 100)));
-  }
-
+  const std::string kSmall = tests::Config(tests::Protocol("Mine", {"G10,EMPTY"}));
   std::mt19937 random_{20021107};  // NOLINT(bugprone-random-generator-seed): the same edits each time
-  tests::FakeDisk disk_;
-  std::optional<CfgStore> store_;
+  tests::Stored stored_{kSmall};
+  CfgStore& store_ = stored_.Store;
 };
-
-Texts LinesOf(const std::string& text) {
-  Texts lines;
-  for (std::size_t at = 0, end; (end = text.find("\r\n", at)) != std::string::npos; at = end + 2) {
-    lines.push_back(text.substr(at, end - at));
-  }
-  return lines;
-}
 
 /// The first invariant of a file that does not hold; empty if all do.
 std::string BrokenInvariant(const std::string& file) {
-  static const Texts kKeys = {
-      "# ", "GPROTO=", "SENDPLS=", "REPEAT=", "BITG=", "BIT0=", "BIT1=", "GREPEAT=", ""};
-  const Texts lines = LinesOf(file);
+  Texts lines;
+  for (std::size_t at = 0, end; (end = file.find("\r\n", at)) != std::string::npos; at = end + 2) {
+    lines.push_back(file.substr(at, end - at));
+  }
   if (lines.empty() || lines.back() != "[END]" || file.size() > kMostCharacters) return "[END] is not last";
   std::set<std::string> codes;
   std::size_t at = 0;
@@ -192,7 +152,8 @@ std::string BrokenInvariant(const std::string& file) {
   while (lines[at] != "[END]") {
     const std::string section = lines[at++];
     if (section.front() != '[' || section.back() != ']') return "no header: " + section;
-    for (const std::string& key : kKeys) {
+    for (const std::string key :
+         {"# ", "GPROTO=", "SENDPLS=", "REPEAT=", "BITG=", "BIT0=", "BIT1=", "GREPEAT=", ""}) {
       const std::string& line = lines[at++];
       if (line.substr(0, key.size()) != key || key.empty() != line.empty()) return section + " lacks " + key;
       if (key != "# " && line.find_first_of("[,") != std::string::npos) return section + line;
@@ -201,29 +162,26 @@ std::string BrokenInvariant(const std::string& file) {
     for (; lines[at].substr(0, 1) == "G"; ++at, ++commands) {
       const std::string code = lines[at].substr(0, lines[at].find(','));
       if (code == lines[at]) return section + ": no command " + lines[at];
-      if (lines[at] == kPlaceholderLine) {
-        ++placeholders;
-      } else if (!codes.insert(code).second) {
-        return section + " has a code that is there twice: " + code;
-      }
+      const bool isPlaceholder = lines[at] == "G10,EMPTY";
+      if (isPlaceholder && ++placeholders > 1) return section + " has two placeholders";
+      if (!isPlaceholder && !codes.insert(code).second) return section + " has a code twice: " + code;
     }
     if (commands == 0) return section + " has no command line";
-    if (placeholders > 1) return section + " has two placeholders";
     if (!lines[at++].empty()) return section + " ends in " + lines[at - 1];
   }
-  return at + 1 == lines.size() ? std::string() : "text behind [END]";
+  return at + 1 == lines.size() ? std::string() : "text after [END]";
 }
 
 TEST(RandomEdits, LeaveAWholeFileThatReadsAsItWasWritten) {
   RandomUser user;
   std::size_t mostProtocols = 0;
   for (int sequence = 1; sequence <= kSequences; ++sequence) {
-    user.EditAFewTimes();
-    const std::string file = user.File();
+    const tests::Stored& stored = user.EditAFewTimes();
+    const std::string file = stored.File();
     ASSERT_EQ(BrokenInvariant(file), "") << "after sequence " << sequence << "\n" << file;
-    const CfgStore reloaded = user.Reloaded();
-    ASSERT_EQ(CheckConfig(reloaded), "") << file;
-    ASSERT_EQ(reloaded.CfgText, user.Store().CfgText) << "and with it all lists";
+    const tests::Stored reloaded(file);
+    ASSERT_EQ(CheckConfig(reloaded.Store), "") << file;
+    ASSERT_EQ(reloaded.Store.CfgText, stored.Store.CfgText) << "and with it all lists";
     ASSERT_FALSE(HasFailure()) << "in sequence " << sequence << "\n" << file;
     mostProtocols = std::max(mostProtocols, ListProtocols(file).size());
   }
