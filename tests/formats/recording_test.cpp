@@ -34,9 +34,8 @@ TEST(LoadRecording, TakesCapFilesForBytesAndOthersForText) {
       EXPECT_EQ(std::get<RawBytes>(capture.Presses[0]).Bytes, bytes);
     }
   }
-  const std::string path = folder.Write("a.mode2", "+5 -6 +7\n+8\n");
-  const Recording text = LoadRecording(path);
-  EXPECT_EQ(text.Path, path);
+  const Recording text = LoadRecording(folder.Write("a.mode2", "+5 -6 +7\n+8\n"));
+  EXPECT_EQ(text.Path, folder.Path() / "a.mode2");
   ASSERT_EQ(text.Presses.size(), 2U);
   EXPECT_EQ(std::get<PulseTrain>(text.Presses[1]), PulseTrain{8});
 }
