@@ -110,9 +110,10 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   return text + ", " + std::string(WordOf(reading.ReadBy));
 }
 
-PressRow Explain(std::string capture, Analysis analysis, OpenedConfig* config, nlohmann::ordered_json* json) {
+PressRow Explain(const std::string& capture, Analysis analysis, OpenedConfig* config,
+                 nlohmann::ordered_json* json) {
   SignalState state;
-  const RecordReading reading = ReadRecordedCapture(std::move(capture), state, analysis);
+  const RecordReading reading = ReadRecordedCapture(capture, state, analysis);
   const std::string knownAs = KnownAs(config, reading);
   const std::string reason = WhyNoCode(reading);
   if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs), ""};

@@ -43,6 +43,7 @@ std::string RequireProtocol(std::string_view text, const std::string& word) {
 std::optional<LearnedCommand> FindLearned(std::string_view text, const CommandReference& reference) {
   const std::vector<LearnedCommand> commands = ListCommands(text, ProtocolAsStored(text, reference.Protocol));
   std::vector<std::string> names;
+  names.reserve(commands.size());
   for (const LearnedCommand& command : commands) names.push_back(command.Name);
   const auto name = StoredName(names, reference.Command);
   if (!name) return std::nullopt;
@@ -56,7 +57,7 @@ CommandReference AsStored(std::string_view text, const CommandReference& referen
 }
 
 std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code) {
-  const std::string sentence = RefusalText(result);
+  std::string sentence = RefusalText(result);
   if (result.Refused != Refusal::CodeExists) return sentence;
   const auto known = keplo::FindCommand(text, code.substr(1), /*limit=*/0);
   return known ? sentence + " in the protocol " + known->Protocol : sentence;

@@ -158,7 +158,7 @@ LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy)
 LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name) {
   if (name.empty()) return Refuse(Refusal::NoName);
   if (!IsValidName(name)) return Refuse(Refusal::InvalidName, name);
-  const LearnResult result = CheckSection(text, protocol);
+  LearnResult result = CheckSection(text, protocol);
   if (!result.Done()) return result;
   if (!PlaceForCommand(text, protocol)) return Refuse(Refusal::NoSection, protocol);
   const std::optional<Section> section = FindProtocol(text, protocol);
@@ -253,7 +253,7 @@ LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::strin
 }
 
 LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name) {
-  const LearnResult result = CheckCommand(store.CfgText, protocol, name);
+  LearnResult result = CheckCommand(store.CfgText, protocol, name);
   if (!result.Done()) return result;
   const std::optional<LineRange> line = FindCommandLine(store.CfgText, protocol, name);
   const std::optional<LineRange> placeholder = FindPlaceholder(store.CfgText, protocol);

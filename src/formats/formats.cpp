@@ -18,6 +18,7 @@ bool IsText(std::string_view bytes) {
   });
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): all formats of the table take the bytes over
 std::vector<Press> ReadText(std::string bytes, std::string_view name) {
   std::vector<PulseTrain> trains = ParsePulseText(bytes, name);
   return {std::make_move_iterator(trains.begin()), std::make_move_iterator(trains.end())};
