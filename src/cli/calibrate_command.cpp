@@ -1,7 +1,6 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -61,16 +60,6 @@ Outcome Calibrate(Win32Ser& line) {
   }
 }
 
-/// The sentences of the window, each as a line.
-std::vector<std::string> Sentences(const Outcome& outcome) {
-  std::vector<std::string> lines;
-  std::string sentences = CalibrationText(outcome.End, outcome.Delay);
-  std::erase(sentences, '\r');
-  std::istringstream text(sentences);
-  for (std::string line; std::getline(text, line);) lines.emplace_back(Trimmed(line));
-  return lines;
-}
-
 /// Why the key was let go without a result, for a person; empty at any other end.
 std::string WhyNoHelp(const Outcome& outcome) {
   if (outcome.Signals == 0) return "no signal was heard; keplo ports --watch shows the line itself";
@@ -111,7 +100,7 @@ int Calibrate(const CalibrateOptions& options) {
   if (!options.DryRun) OpenedConfig(options.AppPath).RequireWhole();
   const Outcome outcome =
       options.Line.ReplayFiles.empty() ? CalibrateLive(options) : CalibrateReplayed(options);
-  std::vector<std::string> lines = Sentences(outcome);
+  std::vector<std::string> lines = PrintableLines(CalibrationText(outcome.End, outcome.Delay));
   if (outcome.End != CalibrationStep::Succeeded) {
     if (const std::string why = WhyNoHelp(outcome); !why.empty()) lines.push_back(why);
     throw Refused(lines.front(), {lines.begin() + 1, lines.end()});
@@ -136,6 +125,7 @@ void AddCalibrateCommand(Command& root) {
   AddAppPathOption(command, options->AppPath);
   AddLineOptions(command, options->Line.Options.SampleTime, options->Line.Options.Shape,
                  options->Line.Options.HoldMs);
+  command.Examples({"keplo calibrate", "keplo calibrate --replay samples/sony_tv_1.mode2 --dry-run"});
   options->Line.HeldCaptures = kHeldCaptures;
   command.Runs([options] { return Calibrate(*options); });
 }

@@ -126,16 +126,15 @@ void AddCommandsCommand(Command& root) {
   command.Flag("--json", options->Json, "One JSON object a command");
   command.Runs([options] { return List(*options); });
 
+  command.Examples({"keplo commands NEC", "keplo commands --json"});
+
   Command rename = command.OptionalSub("rename", "Give a command another name; its events go with it");
   const auto words = std::make_shared<RenameOptions>();
-  // The option before "rename" is that of "commands".
-  rename.Word("--app-path", words->AppPath, "Folder of keplo.cfg and the event map");
+  AddAppPathOption(rename, words->AppPath);
   rename.Word("COMMAND", words->Command, "Protocol and command, as 'NEC&POWER'").Required();
   rename.Word("NAME", words->NewName, "The new name: letters, digits, - and _").Required();
-  rename.Runs([words, options] {
-    if (words->AppPath.empty()) words->AppPath = options->AppPath;
-    return Rename(*words);
-  });
+  rename.Examples({"keplo commands rename 'NEC&TV_MUTE' SILENCE"});
+  rename.Runs([words] { return Rename(*words); });
 }
 
 void AddLookupCommand(Command& root) {
@@ -143,6 +142,7 @@ void AddLookupCommand(Command& root) {
   const auto options = std::make_shared<ListOptions>();
   AddAppPathOption(command, options->AppPath);
   command.Word("CODE", options->Only, "Code digits, with or without the leading G").Required();
+  command.Examples({"keplo lookup G101010010000"});
   command.Runs([options] { return Lookup(*options); });
 }
 

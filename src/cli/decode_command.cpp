@@ -85,6 +85,8 @@ void AddDecodeCommand(Command& root) {
   Command command = root.Sub("decode", "Tell what the monitor makes of recorded key presses");
   const auto options = std::make_shared<PressOptions>();
   AddPressOptions(command, *options).Required();
+  command.Examples({"keplo decode samples/*.mode2",
+                    "keplo synth --protocol RC5 --code 11000001001001 | keplo decode --json -"});
   command.Runs([options] { return Decode(*options); });
 }
 

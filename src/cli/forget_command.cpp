@@ -37,6 +37,7 @@ void AddForgetCommand(Command& root) {
   command.Word("PROTOCOL", options->Protocol, "Section of keplo.cfg, or both as 'NEC&POWER'").Required();
   command.Word("COMMAND", options->Command, "Name of the command");
   AddAppPathOption(command, options->AppPath);
+  command.Examples({"keplo forget 'SONY&GREEN'"});
   command.Runs([options] { return Forget(*options); });
 }
 

@@ -35,6 +35,7 @@ void AddInstallCommand(Command& root) {
   const auto options = std::make_shared<InstallOptions>();
   AddAppPathOption(command, options->AppPath);
   command.Word("--teach", options->Index, "Learn the codes of this index file (JSON) as well").MustBeFile();
+  command.Examples({"keplo install", "keplo install --app-path try --teach samples/index.json"});
   command.Runs([options] { return Install(*options); });
 }
 

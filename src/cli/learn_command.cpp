@@ -119,6 +119,8 @@ void AddLearnCommand(Command& root) {
       .Required();
   AddAppPathOption(command, options->AppPath);
   AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
+  command.Examples({"keplo learn press.mode2 --name 'SONY&GREEN'",
+                    "keplo learn first.mode2 second.mode2 --protocol NEC --name GREEN"});
   command.Runs([options] { return Learn(*options); });
 }
 

@@ -129,6 +129,7 @@ void AddMonitorCommand(Command& root) {
   const Argument replay =
       command.Words("--replay", options->Line.ReplayFiles, "Recordings to play as key presses");
   AddPortOption(command, options->Line.Port).Excludes(replay);
+  command.Examples({"keplo monitor", "keplo monitor --replay samples/*.mode2 --once"});
   command.Flag("--json", options->Json, "One JSON object an event");
   command.Flag("--once", options->Once, "End when the recordings have been played");
   command.Flag("--real-time", options->Line.InRealTime,

@@ -93,6 +93,7 @@ void AddPortsCommand(Command& root) {
               {kFirstPort, kLastPort})
       .Excludes(json);
   AddAppPathOption(command, options->AppPath);
+  command.Examples({"keplo ports", "keplo ports --watch 1"});
   command.Runs([options] {
     return options->Watch ? WatchLine(options->AppPath, *options->Watch) : ListPorts(*options);
   });

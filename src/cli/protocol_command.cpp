@@ -6,7 +6,6 @@
 #include <limits>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -81,10 +80,7 @@ void PrintStored(std::string_view text, const std::string& protocol, const char*
   std::cout << Printable(protocol) << ' ' << done << '\n';
   const std::optional<ProtocolDraft> stored = LoadProtocol(text, protocol);
   if (!stored) return;
-  std::string parameters = ParameterLines(*stored);
-  std::erase(parameters, '\r');
-  std::istringstream lines(parameters);
-  for (std::string line; std::getline(lines, line);) std::cout << Printable(Trimmed(line)) << '\n';
+  for (const std::string& line : PrintableLines(ParameterLines(*stored))) std::cout << line << '\n';
 }
 
 int Add(const ProtocolWords& words) {
@@ -185,17 +181,21 @@ void AddProtocolCommand(Command& root) {
                           "Add a protocol; what is not told is as its generic protocol has it", *words);
   AddGenericOption(add, *words).Required();
   AddParameterOptions(add, *words);
+  add.Examples({"keplo protocol add Lamp --gproto SONY --description 'By the window'"});
   add.Runs(does(Add));
 
   Command edit = AddAction(protocol, "edit", "Change a protocol; what is not told stays", *words);
   Command changes = edit.AtLeastOneOf("Parameters");
   AddGenericOption(changes, *words);
   AddParameterOptions(changes, *words);
+  edit.Examples({"keplo protocol edit Lamp --repeat 30"});
   edit.Runs(does(Edit));
 
   Command remove = AddAction(protocol, "delete", "Delete a protocol and its commands", *words);
   remove.Flag("--yes", words->Yes, "Do not ask");
+  remove.Examples({"keplo protocol delete Lamp --yes"});
   remove.Runs(does(Delete));
+  protocol.Examples({"keplo protocol add Lamp --gproto SONY", "keplo protocol edit Lamp --repeat 30"});
 }
 
 }  // namespace keplo::cli

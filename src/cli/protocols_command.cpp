@@ -88,6 +88,7 @@ void AddProtocolsCommand(Command& root) {
   command.Word("NAME", options->Name, "Only this protocol, with all its parameters");
   command.Flag("--json", options->Json, "One JSON object a protocol, with all parameters");
   AddAppPathOption(command, options->AppPath);
+  command.Examples({"keplo protocols", "keplo protocols NEC --json"});
   command.Runs([options] { return List(*options); });
 }
 

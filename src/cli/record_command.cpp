@@ -172,6 +172,7 @@ void AddRecordCommand(Command& root) {
   AddPortOption(command, options->Port).Needs(live);
   command.Number("--count", options->Count, "How many key presses to wait for", {1, 1000}).Needs(live);
   live.Excludes(files);
+  command.Examples({"keplo record samples/sony_tv_1.mode2", "keplo record --live --count 2"});
   command.Runs([options] {
     if (options->Live) return RecordLive(*options);
     if (options->Files.empty()) throw WrongUse("FILE is required, or --live");

@@ -189,6 +189,8 @@ void AddSendCommand(Command& root) {
                  {1, kLongestWritten});
   command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});
   AddAppPathOption(command, options->AppPath);
+  command.Examples(
+      {"keplo send 'NEC&TV_POWER'", "keplo send --code G101010010000 --protocol SONY --out press.mode2"});
   command.Runs([options] {
     if (options->Code.empty() && options->Command.empty() && !SplitReference(options->Protocol)) {
       throw WrongUse("PROTOCOL and COMMAND, or --code and --protocol is required");

@@ -98,6 +98,7 @@ void AddSettingsCommand(Command& root) {
   command.Word("VALUE", options->Value, "Change it to this number");
   command.Flag("--json", options->Json, "One JSON object a setting");
   AddAppPathOption(command, options->AppPath);
+  command.Examples({"keplo settings", "keplo settings COMPORT 2"});
   command.Runs([options] { return Run(*options); });
 }
 

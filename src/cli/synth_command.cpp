@@ -44,6 +44,7 @@ void AddSynthCommand(Command& root) {
   const auto choice = std::make_shared<SynthChoice>();
   SynthOptions& options = choice->Options;
   command.Choice("--protocol", choice->Protocol, {"NEC", "SONY", "RC5"}, "NEC, SONY or RC5").ShowDefault();
+  command.Examples({"keplo synth --protocol SONY --code 001000100010 > press.mode2"});
   const Argument code =
       command.Word("--code", choice->Code, "Bits in the order sent; RC5 with start and toggle bits");
   command
@@ -54,9 +55,9 @@ void AddSynthCommand(Command& root) {
       .ShowDefault();
   command.Number("--clock-error", options.ClockError, "0.02 makes the remote 2 % slow", {-0.5, 0.5})
       .ShowDefault();
-  command.Number("--gap", options.GapUs, "Silence behind the press, microseconds", {0, 10000000})
+  command.Number("--gap", options.GapUs, "Silence after the press, microseconds", {0, 10000000})
       .ShowDefault();
-  command.Number("--repeats", options.Repeats, "Frames behind the first; NEC sends dittos", {0, 100})
+  command.Number("--repeats", options.Repeats, "Frames after the first; NEC sends dittos", {0, 100})
       .ShowDefault();
   command.Number("--seed", options.Seed, "The same seed gives the same press").ShowDefault();
   command.Flag("--one-line", choice->OneLine, "As one line of +N -N ...");

@@ -46,6 +46,7 @@ void AddZoneCommand(Command& root) {
   command.Number("ZONE", options->Zone, "Zone for the next command that is sent", {1, 8});
   AddPortOption(command, options->Port);
   AddAppPathOption(command, options->AppPath);
+  command.Examples({"keplo zone", "keplo zone 3"});
   command.Runs([options] { return UseZone(*options); });
 }
 

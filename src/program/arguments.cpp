@@ -81,8 +81,12 @@ struct CommandLineState {
   std::map<const CLI::App*, std::function<int()>> Works;
   std::set<std::string> Valued;  // names of options whose value is the next word
   std::vector<std::string> HelpOn;
-  /// Variables that an option before the name of a command writes.
-  std::map<std::pair<const CLI::App*, std::string>, std::vector<std::string*>> Below;
+  /// An option of a command and of those below it, and the variables of all of them.
+  struct SharedOption {
+    CLI::Option* Option = nullptr;
+    std::vector<std::string*> Variables;
+  };
+  std::map<std::pair<const CLI::App*, std::string>, SharedOption> Shared;
 
   std::vector<std::string> Words(int argc, char** argv) const;
   std::string UnknownCommand(const std::vector<std::string>& words) const;
@@ -160,20 +164,18 @@ Argument Command::Words(const std::string& name, std::vector<std::string>& value
 }
 
 Argument Command::WordAlsoBefore(const std::string& name, std::string& value, const std::string& about) {
-  for (CLI::App* above = app_->get_parent(); above != nullptr; above = above->get_parent()) {
-    std::vector<std::string*>& below = state_->Below[{above, name}];
-    below.push_back(&value);
-    if (below.size() > 1) continue;
-    const Argument before = Command(*above, *state_)
-                                .Add(
-                                    name, "TEXT",
-                                    [&below](const auto& words) {
-                                      for (std::string* variable : below) *variable = words.front();
-                                    },
-                                    {}, about);
-    before.option_->check(NotEmpty());
-  }
-  return Word(name, value, about);
+  const auto addTo = [&](CLI::App& app) {
+    auto& [option, variables] = state_->Shared[{&app, name}];
+    variables.push_back(&value);
+    if (option != nullptr) return;
+    const auto write = [&variables = variables](const auto& words) {
+      for (std::string* variable : variables) *variable = words.front();
+    };
+    option = Command(app, *state_).Add(name, "TEXT", write, {}, about).option_;
+    option->check(NotEmpty());
+  };
+  for (CLI::App* app = app_; app != nullptr; app = app->get_parent()) addTo(*app);
+  return Argument(*state_->Shared[{app_, name}].Option);
 }
 
 Argument Command::Choice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
@@ -276,7 +278,7 @@ void CommandLine::AddHelpCommand() {
       .Words("COMMAND", state_->HelpOn, "Command to tell about; without one all are listed");
 }
 
-/// The words that were given; an option with nothing behind its = gets an empty word as its value.
+/// The words that were given; an option with nothing after its = gets an empty word as its value.
 std::vector<std::string> CommandLineState::Words(int argc, char** argv) const {
   std::vector<std::string> words;
   for (int i = 1; i < argc; ++i) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace keplo {
 
@@ -51,6 +52,19 @@ std::string Printable(std::string_view text) {
     text.remove_prefix(next.Length);
   }
   return line;
+}
+
+std::vector<std::string> PrintableLines(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string line = Printable(text.substr(0, end));
+    line.erase(line.find_last_not_of(' ') + 1);
+    line.erase(0, line.find_first_not_of(' '));
+    lines.push_back(std::move(line));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
 }
 
 }  // namespace keplo

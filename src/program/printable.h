@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace keplo {
 
@@ -9,5 +10,8 @@ namespace keplo {
 /// ends, escape sequences for the terminal and whatever turns the direction of writing become blanks. All
 /// else stays, bytes of older encodings too.
 std::string Printable(std::string_view text);
+
+/// The lines of a text of several, each as Printable gives it, without blanks around it.
+std::vector<std::string> PrintableLines(std::string_view text);
 
 }  // namespace keplo
