@@ -7,6 +7,7 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "cli/map_users.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
 #include "cli/reference.h"
@@ -136,6 +137,7 @@ int AddOne(const EventWords& words) {
     Add(*map, event);
   }
   std::cout << event.EventID << '\n';
+  TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
 
@@ -159,6 +161,7 @@ int AddEach(const EventWords& words) {
     }
   }
   std::cout << added << " events added\n";
+  if (added > 0) TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
 
@@ -176,6 +179,7 @@ int Modify(const EventWords& words) {
   TakeWords(words, *event);
   CheckTexts(*event);
   map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
+  TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
 
@@ -183,6 +187,7 @@ int Delete(const EventWords& words) {
   OpenedMap map(words.AppPath);
   Find(map, words.EventID);
   map.Change([&](colclsKeploEvents& events) { return events.Delete(words.EventID); });
+  TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
 
@@ -196,6 +201,7 @@ void AddAddCommand(Command add, const std::shared_ptr<EventWords>& words) {
   add.Number("--zone", words->Zone, "Zone, 0 for any", {0, 8}).Excludes(each);
   add.Flag("--disabled", words->Disable, "Add it switched off").Excludes(each);
   add.Flag("--force", words->Force, "Take a command that is not learned yet").Excludes(each);
+  add.Examples({"keplo events add 'NEC&TV_POWER' --name 'TV on'", "keplo events add --each"});
   add.Runs([words] {
     if (!words->Each && words->Command.empty()) throw WrongUse("COMMAND or --each is required");
     return words->Each ? AddEach(*words) : AddOne(*words);
@@ -211,6 +217,7 @@ void AddModifyCommand(Command modify, const std::shared_ptr<EventWords>& words) 
   changes.Number("--zone", words->Zone, "Zone, 0 for any", {0, 8});
   const Argument enable = changes.Flag("--enable", words->Enable, "Switch it on");
   changes.Flag("--disable", words->Disable, "Switch it off").Excludes(enable);
+  modify.Examples({"keplo events modify 1 --command 'NEC&TV_MUTE' --zone 3"});
   modify.Runs([words] { return Modify(*words); });
 }
 
@@ -219,19 +226,21 @@ void AddModifyCommand(Command modify, const std::shared_ptr<EventWords>& words) 
 void AddEventsCommand(Command& root) {
   Command events = root.Sub("events", "Show and change the event map");
   const auto words = std::make_shared<EventWords>();
-  const auto sub = [&](const char* name, const char* about) {
+  const auto sub = [&](const std::string& name, const char* about) {
     Command command = events.Sub(name, about);
     AddAppPathOption(command, words->AppPath);
     return command;
   };
-  const auto subWithID = [&](const char* name, const char* about) {
+  const auto subWithID = [&](const std::string& name, const char* about) {
     Command command = sub(name, about);
     command.Word("ID", words->EventID, "EventID of the event").Required();
+    command.Examples({"keplo events " + name + " 1"});
     return command;
   };
 
   Command list = sub("list", "List the events");
   list.Flag("--json", words->Json, "One JSON object an event");
+  list.Examples({"keplo events list --json"});
   list.Runs([words] { return List(*words); });
   AddAddCommand(sub("add", "Add an event for a learned command"), words);
   AddModifyCommand(subWithID("modify", "Change an event; what is not told stays"), words);
@@ -244,6 +253,7 @@ void AddEventsCommand(Command& root) {
           return Modify(*words);
         });
   }
+  events.Examples({"keplo events add 'NEC&TV_POWER' --name 'TV on'", "keplo events list"});
 }
 
 }  // namespace keplo::cli
