@@ -1,10 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -52,13 +54,22 @@ class Install {
   std::string Option() const { return " --app-path" + Quoted(folder_.Path()); }
   std::filesystem::path File(const std::string& name) const { return folder_.Path() / name; }
   std::string Config() const { return folder_.Read("keplo.cfg"); }
+  std::filesystem::path Write(const std::string& name, const std::string& content) const {
+    return folder_.Write(name, content);
+  }
+  Ran Run(const std::string& words) const { return RunKeplo(words + Option() + " </dev/null"); }
+
+  /// A made-up press as a further word of a command.
+  std::string Press(const std::string& name, const std::string& synth) const {
+    RunKeplo("synth " + synth + " >" + Quoted(File(name)));
+    return Quoted(File(name));
+  }
 
   /// Makes keplo.cfg longer, up to some bytes below its limit.
   std::string FillConfig(std::size_t bytesLeft) const {
     std::string full = Config();
-    const std::string comment(32'765 - bytesLeft - full.size(), '#');
-    full.insert(full.find("[NEC]"), comment + "\r\n");
-    folder_.Write("keplo.cfg", full);
+    full.insert(full.find("[NEC]"), std::string(32'765 - bytesLeft - full.size(), '#') + "\r\n");
+    Write("keplo.cfg", full);
     return full;
   }
 
@@ -66,13 +77,29 @@ class Install {
   TempFolder folder_;
 };
 
+/// A command, its exit code, and parts of what it tells on either stream.
+struct Told {
+  std::string Words;
+  int Status = 0;
+  std::vector<std::string> Parts;
+};
+
+/// Runs commands one after the other.
+inline void ExpectTold(const Install& install, const std::vector<Told>& commands) {
+  for (const Told& command : commands) {
+    const Ran ran = install.Run(command.Words);
+    EXPECT_EQ(ran.Status, command.Status) << command.Words << ": " << ran.Out << ran.Err;
+    for (const std::string& part : command.Parts) {
+      EXPECT_NE((ran.Out + ran.Err).find(part), std::string::npos)
+          << command.Words << ": " << ran.Out << ran.Err << "lacks: " << part;
+    }
+  }
+}
+
 inline std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
-  for (std::size_t begin = 0; begin < text.size();) {
-    const std::size_t end = std::min(text.find('\n', begin), text.size());
-    lines.push_back(text.substr(begin, end - begin));
-    begin = end + 1;
-  }
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
 }
 

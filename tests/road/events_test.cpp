@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include "program.h"
+
+namespace keplo {
+namespace {
+
+using tests::ExpectTold;
+using tests::Install;
+using tests::Lines;
+using tests::RunShell;
+
+TEST(Events, AreBoundChangedAndDeleted) {
+  const Install install;
+  ExpectTold(install,
+             {{"events add 'nec&tv_power' --zone 3", 0, {"1\n"}},
+              {"events add 'NEC&TV_POWER' --id 1", 1, {"EventID 1 already"}},
+              {"events add 'NEC&LATER'", 1, {"no learned command", "--force"}},
+              {"events add 'NEC&LATER' --force --description= --disabled", 0, {"2\n"}},
+              {"events add LATER --force", 2, {"NEC&POWER"}},
+              {"events add", 2, {"COMMAND or --each"}},
+              {"events add 'NEC&TV_MUTE' --name \"$(printf 'a\\033[31mb')\"", 2, {"control character"}},
+              {"events add 'NEC&TV_MUTE' --zone 9", 2, {"--zone"}},
+              {"events modify 1 --name 'Tee Vee' --command 'sony&tv_1' --disable", 0, {}},
+              {"events modify 1", 2, {"At least 1 option"}},
+              {"events modify 7 --zone 1", 1, {"EventID 7"}},
+              {"events enable 2", 0, {}},
+              {"commands rename 'sony&tv_1' ONE", 0, {"SONY&TV_1 is SONY&ONE now\n1 event goes"}},
+              {"commands rename 'SONY&ONE' TV_MUTE", 1, {"in use"}},
+              {"commands rename ONE TWO", 2, {"NEC&POWER"}}});
+  EXPECT_EQ(install.Run("events list").Out,
+            "1\tTee Vee\tSONY&ONE\tzone 3\tdisabled\t\n2\tLATER\tNEC&LATER\tzone 0\t\n");
+  ExpectTold(install, {{"events delete 1", 0, {}}, {"events delete 1", 1, {"EventID 1"}}});
+  EXPECT_EQ(install.Run("events list --json").Out,
+            "{\"event_id\":\"2\",\"event_name\":\"LATER\",\"description\":\"\",\"command\":\"NEC&LATER\","
+            "\"enabled\":true,\"zone\":0}\n");
+}
+
+TEST(Events, GetANumberOfTheirOwnEachWhenManyAreAddedAtOnce) {
+  const Install install;
+  RunShell("for i in 1 2 3 4 5 6 7 8 9 10 11 12; do '" KEPLO_PROGRAM "' events add 'NEC&TV_POWER'" +
+           install.Option() + " & done; wait");
+  EXPECT_EQ(Lines(install.Run("events list").Out).size(), 12U);
+}
+
+TEST(Events, TellWhoTakesAChangeIn) {
+  const Install install;
+  ASSERT_EQ(install.Run("events add 'NEC&TV_POWER'").Err, "") << "nobody runs";
+  const std::string keplo = "'" KEPLO_PROGRAM "' ", option = install.Option();
+  const auto ran =
+      RunShell(keplo + "monitor" + option + " >/dev/null & m=$!; for i in $(seq 600); do " + keplo +
+               "events disable 1" + option +
+               " 2>&1 | grep \"process $m, .* takes the change in\" && break; sleep 0.1; done; kill $m");
+  EXPECT_EQ(ran.Out.find("keplo: keplo, process "), 0U) << ran.Out << ran.Err;
+}
+
+}  // namespace
+}  // namespace keplo
