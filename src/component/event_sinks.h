@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <map>
 
 #include "host/ivelmora_input_plugin.h"
@@ -20,13 +21,20 @@ class EventSinks : public IHostEventSource {
   void Clear() { sinks_.clear(); }
 
   /// Calls every sink in the order of subscription; one may unsubscribe any of them meanwhile.
+  /// @throws what the first of them threw, after the last has been called
   template <typename Call>
   void ForEach(Call call) {
+    std::exception_ptr thrown;
     for (auto next = sinks_.begin(); next != sinks_.end();) {
       const std::uint32_t cookie = next->first;
-      call(*next->second);
+      try {
+        call(*next->second);
+      } catch (...) {
+        if (!thrown) thrown = std::current_exception();
+      }
       next = sinks_.upper_bound(cookie);
     }
+    if (thrown) std::rethrow_exception(thrown);
   }
 
  private:

@@ -1,19 +1,49 @@
 #include "component/keplo_class.h"
 
+#include <QApplication>
+#include <cerrno>
 #include <exception>
 
 #include "component/keplo_object.h"
+#include "failure.h"
 #include "install/first_install.h"
 
 namespace keplo::component {
 
+namespace {
+
+/// A host finds out at once, and not by events that never come or a window that ends its process.
+void RequireUsable(const CreationContext& context) {
+  const QCoreApplication* const application = QCoreApplication::instance();
+  if (application == nullptr) {
+    throw Failure(EINVAL,
+                  "The host has no event loop of Qt, from which the plug-in takes its ticks. Make a "
+                  "QCoreApplication before the object, or a QApplication to show windows, and run it.");
+  }
+  if (context.MayUseDisplay && qobject_cast<const QApplication*>(application) == nullptr) {
+    throw Failure(EINVAL,
+                  "The host lets the plug-in show windows, but has no QApplication. Make one in place of the "
+                  "QCoreApplication, or leave MayUseDisplay false.");
+  }
+  if (context.ApplicationPath.empty()) {
+    throw Failure(EINVAL,
+                  "The host names no application path. Set ApplicationPath to the folder of keplo.cfg "
+                  "and the event map.");
+  }
+}
+
+}  // namespace
+
 ComponentObject KeploClass::CreateObject(const CreationContext& context, std::string& failure) try {
+  RequireUsable(context);
   if (!IsSetUp(context.ApplicationPath)) {
     PosixFileSystem files;
     BringFirstInstall(context.ApplicationPath, files);
     Log(context.Log).Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
   }
-  ComponentObject object(new KeploObject(context, [this] { --alive_; }));
+  CreationContext settled = context;  // a host that changes its folder later still means the same files
+  settled.ApplicationPath = std::filesystem::absolute(context.ApplicationPath).string();
+  ComponentObject object(new KeploObject(settled, [this] { --alive_; }));
   ++alive_;
   return object;
 } catch (const std::exception& reason) {

@@ -110,7 +110,7 @@ void* KeploObject::QueryInterface(std::string_view name) {
 /// The timer that runs a tick belongs to the object, which goes when the event loop has left it.
 void KeploObject::ReleaseLater() {
   control_.Timer1.SetEnabled(false);
-  QTimer::singleShot(0, QCoreApplication::instance(), [this] { Release(); });
+  QTimer::singleShot(0, &otherPrograms_, [this] { Release(); });
 }
 
 void KeploObject::Release() {

@@ -92,6 +92,7 @@ bool colclsKeploEvents::AddEventMapToListView(std::int32_t mode, const clsKeploE
 bool colclsKeploEvents::Initialise(ui::ListView& list) {
   return Reporting(".Initialise", [&] {
     list_ = &list;
+    if (count() > 0) return ReadAgain();
     Recordset rows;
     if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
     for (; !rows.Eof(); rows.MoveNext()) Load(EventOfRow(rows));
@@ -113,25 +114,26 @@ void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
 }
 
 bool colclsKeploEvents::TakeInChanges() {
-  return Reporting(".TakeInChanges", [&] {
-    if (list_ == nullptr) return false;
-    Recordset rows;
-    if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
-    std::vector<std::shared_ptr<clsKeploEvent>> present;
-    for (; !rows.Eof(); rows.MoveNext()) present.push_back(EventOfRow(rows));
-    std::unordered_set<std::string> keys;
-    for (const auto& event : present) keys.insert(EventKey(event->EventID));
-    std::vector<std::string> gone;
-    for (const auto& [key, event] : stored_) {
-      if (!keys.contains(key)) gone.push_back(key);
-    }
-    for (const std::string& key : gone) Forget(key);
-    for (const auto& event : present) {
-      // Of an EventID that an older table has twice, the first row counts.
-      if (keys.erase(EventKey(event->EventID)) > 0) TakeIn(*event);
-    }
-    return true;
-  });
+  return Reporting(".TakeInChanges", [&] { return list_ != nullptr && ReadAgain(); });
+}
+
+bool colclsKeploEvents::ReadAgain() {
+  Recordset rows;
+  if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
+  std::vector<std::shared_ptr<clsKeploEvent>> present;
+  for (; !rows.Eof(); rows.MoveNext()) present.push_back(EventOfRow(rows));
+  std::unordered_set<std::string> keys;
+  for (const auto& event : present) keys.insert(EventKey(event->EventID));
+  std::vector<std::string> gone;
+  for (const auto& [key, event] : stored_) {
+    if (!keys.contains(key)) gone.push_back(key);
+  }
+  for (const std::string& key : gone) Forget(key);
+  for (const auto& event : present) {
+    // Of an EventID that an older table has twice, the first row counts.
+    if (keys.erase(EventKey(event->EventID)) > 0) TakeIn(*event);
+  }
+  return true;
 }
 
 void colclsKeploEvents::TakeIn(const clsKeploEvent& event) {

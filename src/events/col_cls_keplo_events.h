@@ -62,9 +62,9 @@ class colclsKeploEvents {
   /// @param mode 0; any other adds nothing and gives false
   bool AddEventMapToListView(std::int32_t mode, const clsKeploEvent& event);
 
-  /// Loads the event table into the collection and the list.
-  /// @param list the event list; must outlive this object
-  /// A row that repeats an EventID is reported and left out.
+  /// Loads the event table into the collection and the list. A row that repeats an EventID is reported and
+  /// left out. Once events are loaded, it takes in what has changed, as TakeInChanges does.
+  /// @param list the event list, the same at every call; must outlive this object
   /// @return false if the table cannot be read, which Data tells, or if a row cannot be used, which is
   ///         reported; the rows before that one stay loaded
   bool Initialise(ui::ListView& list);
@@ -96,6 +96,7 @@ class colclsKeploEvents {
   template <typename Body>
   bool Reporting(const char* operation, Body body);
   void Report(const char* operation, const std::exception& failure);
+  bool ReadAgain();
   void Load(const std::shared_ptr<clsKeploEvent>& event);
   void Write(std::int32_t mode, const clsKeploEvent& event);
   void WriteChanges(Recordset& rows, const clsKeploEvent& event);

@@ -15,7 +15,8 @@ namespace keplo {
 inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
 
 /// Changes with every change of the interfaces in this folder. Host and component are built by the same
-/// kind of compiler and share the C++ runtime, so that strings and vectors pass between them.
+/// kind of compiler and share the C++ runtime, so that strings and vectors pass between them. The headers of
+/// this folder need C++17 and nothing else of the plug-in.
 inline constexpr std::uint32_t kComponentInterfaceVersion = 1;
 
 /// Levels of log lines, numbered as the system's journal does.
@@ -23,7 +24,9 @@ enum class LogLevel { Error = 3, Warning = 4, Notice = 5, Info = 6 };
 
 /// What a host hands to a new object.
 struct CreationContext {
-  std::string ApplicationPath;           // folder of the configuration file and the event map
+  /// Folder of the configuration file and the event map. Name it absolutely: a relative one is looked for in
+  /// the current folder, once, at creation.
+  std::string ApplicationPath;
   std::vector<std::string> ReplayFiles;  // recordings to play as key presses
   bool ReplayInRealTime = false;         // at the clock of the recordings, not as fast as possible
   double SampleTime = 0;                 // microseconds; 0 for the usual one
@@ -41,7 +44,8 @@ class IComponentObject {
   /// @return the interface of that name, or null if the object has none
   virtual void* QueryInterface(std::string_view name) = 0;
   /// Ends the object; runs inside the component that created it. From within an event it is deferred until
-  /// the event loop has left the tick or operation, and the component stays loaded until then.
+  /// the event loop has left the tick or operation; sinks and callbacks hear nothing more. The component
+  /// stays loaded until then: ask DllCanUnloadNow before unloading it.
   virtual void Release() = 0;
 
  protected:
@@ -60,9 +64,17 @@ Interface* QueryInterface(IComponentObject& object) {
 }
 
 /// Creates the objects of a class.
+///
+/// The plug-in takes its ticks from Qt's event loop: the host makes a QCoreApplication first, a QApplication
+/// if windows may be shown, and runs it on the thread that creates the object. Without one no object comes.
 class IComponentClass {
  public:
-  /// @param failure written with the reason if no object comes
+  /// Brings a first install to the application path, or what is missing of one, and opens the line.
+  /// @param context copied; its functions are called until the object is released
+  /// @param failure written with the reason if no object comes, for a person
+  /// @return null if there is no object: no QCoreApplication, no QApplication although MayUseDisplay is set,
+  /// no
+  ///         application path, a keplo.cfg or recording that cannot be read
   virtual ComponentObject CreateObject(const CreationContext& context, std::string& failure) = 0;
 
  protected:
@@ -75,6 +87,7 @@ class IControlView {
   static constexpr std::string_view kInterfaceName = "IControlView";
 
   /// @param parent owns the view; destroy the view before the object
+  /// May be called more than once; the views show the same lists.
   /// @return null if the object may not use the display
   virtual QWidget* CreateView(QWidget* parent) = 0;
 
@@ -96,7 +109,7 @@ class IEventCatalogue {
  public:
   static constexpr std::string_view kInterfaceName = "IEventCatalogue";
 
-  /// @return false if there is no such event
+  /// @return false if there is no such event, as before InputInitialise; details stay as they are then
   virtual bool DescribeEvent(const std::string& eventID, EventDetails& details) = 0;
   /// Whether the last InputDeleteEvent has taken an event off the list whose row is still in the event map,
   /// as happens while another program holds the map locked. The event comes back to the list by itself.

@@ -42,9 +42,10 @@ inline constexpr std::int32_t kInputNoDevices = 3;  // of InputGetDevices
 ///
 /// A host creates the object by its class name, subscribes to its events (IHostEventSource), calls
 /// InputInitialise once, InputStartMonitoring and InputStopMonitoring as often as it wants, InputTerminate
-/// once, and releases the object. Every call, and every event, happens on the thread that created the object;
-/// that thread must run an event loop, from which the plug-in takes its ticks. No operation throws: a failure
-/// is told by the result and by TriggerInputErrorCondition.
+/// once, and releases the object; for monitoring after InputTerminate it creates a new one. Every call, and
+/// every event, happens on the thread that created the object; that thread must run the event loop of a
+/// QCoreApplication, from which the plug-in takes its ticks. No operation throws: a failure is told by the
+/// result, and where the operation says nothing else by TriggerInputErrorCondition.
 class IVelmoraInputPLugin {
  public:
   static constexpr std::string_view kInterfaceName = "IVelmoraInputPLugin";
@@ -58,8 +59,8 @@ class IVelmoraInputPLugin {
   /// @return 1
   virtual std::int32_t InputGetPluginMenuItems(std::vector<std::string>& mnuItems) = 0;
   /// Does what a menu item stands for. A window that opens is modal: the call returns when it is closed.
-  /// @param index place in mnuItems, from 0
-  /// @return true
+  /// @param index place in mnuItems, from 0; any other opens nothing
+  /// @return true, whatever came of it
   virtual HostVariant InputCallMenuItem(std::int16_t& index) = 0;
   /// @return 1; the record stays as it is
   virtual std::int32_t InputQueryDeviceStatus(HostDevice& DevStruct) = 0;
@@ -70,14 +71,18 @@ class IVelmoraInputPLugin {
   virtual std::int32_t InputQueryAllDeviceStati(std::vector<std::string>& Stati) = 0;
   /// @return 3: there are no devices, and Devices stays as it is
   virtual std::int32_t InputGetDevices(std::vector<HostDevice>& Devices) = 0;
-  /// Opens the configuration window, modally.
+  /// Opens the configuration window, modally; without a display it only logs that it cannot. What the window
+  /// could not save is told by TriggerInputErrorCondition.
   /// @return 1
   virtual std::int32_t InputConfigurePlugin() = 0;
-  /// Loads the event map.
+  /// Loads the event map. A second call reads it anew: what came, changed or went since then is taken in, no
+  /// event comes twice, monitoring goes on, and InputErrorDetails begins anew.
   /// @param Velmora the host; may be empty
-  /// @return 1, or 0 if the event map cannot be loaded
+  /// @return 1, or 0 if the event map cannot be loaded: missing, of another kind, or held locked by another
+  ///         program. CreationContext::Log gets the reason; TriggerInputErrorCondition tells only of single
+  ///         rows that cannot be used, with a 0 or a 1.
   virtual std::int32_t InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) = 0;
-  /// @return 1; from now on input events come
+  /// @return 1; from now on input events come, whether the line could be opened or not
   virtual std::int32_t InputStartMonitoring() = 0;
   /// From within an event it does not last, since the end of the tick turns the timer on again: post it to
   /// the event loop.
@@ -86,20 +91,27 @@ class IVelmoraInputPLugin {
   /// Closes the line and lets go of the host. Stop monitoring first. It lasts from within an event too.
   /// @return 1
   virtual std::int32_t InputTerminate() = 0;
-  /// Lets the user fill in a new event in a modal dialog.
+  /// Lets the user fill in a new event in a modal dialog; without a display the dialog counts as cancelled.
   /// @param objInputEvent carries the EventID that the host has given the event; written with EventName,
   ///        EventDescription and EventCommand if the event was saved
-  /// @return 1 saved, 0 failed, 2 the user cancelled
+  /// @return 1 saved, 2 the user cancelled, 0 failed: TriggerInputErrorCondition has told why, for instance
+  ///         that the event map is locked; it tells nothing if the event map cannot be opened at all
   virtual std::int32_t InputAddEvent(HostInputEvent& objInputEvent) = 0;
+  /// Takes an event off the list, then out of the event map. Not from within an event, which the walk through
+  /// the list raises: it may pass over the row after the deleted one. Post it to the event loop.
   /// @param objInputEvent its EventID names the event
-  /// @return 1 deleted, 0 if there is none or the database cannot be reached
+  /// @return 0 if there is no such event or the event map cannot be opened, else 1: also where the event map
+  ///         is locked and keeps the event, which is back after the next InputInitialise then. Neither is
+  ///         told by TriggerInputErrorCondition.
   virtual std::int32_t InputDeleteEvent(HostInputEvent& objInputEvent) = 0;
   /// Whether the host has started monitoring and not stopped it.
   virtual bool InputMonitoring() = 0;
-  /// Lets the user change the event with this EventID; written and returned as by InputAddEvent.
+  /// Lets the user change the event with this EventID; written and returned as by InputAddEvent. An EventID
+  /// that the event map does not have is a failure that TriggerInputErrorCondition tells.
   virtual std::int32_t InputModifyEvent(HostInputEvent& objInputEvent) = 0;
-  /// The last failure of an operation; without a failure an empty record, after InputTerminate none. Drop the
-  /// record before the component is unloaded, whose code ends it.
+  /// The last failure of an operation or tick; without a failure an empty record. Null before InputInitialise
+  /// and after InputTerminate, unless something fails then. Failures of the event map alone come with
+  /// TriggerInputErrorCondition only. Drop the record before the component is unloaded, whose code ends it.
   virtual std::shared_ptr<HostErrorRecord> InputErrorDetails() = 0;
   /// @param EventIDs written with the identifiers of all events, so that a host can forget those it no longer
   ///        meets; one empty text if there are no events
@@ -111,7 +123,8 @@ class IVelmoraInputPLugin {
   /// The plug-in's page for a GET.
   /// @param szHTML written with the page, bytes as a browser is to get them. Texts of the user stand in it
   ///        unescaped: send it with a content-security policy that allows no scripts.
-  /// @param Btype kind of browser, @param lwidth, lheight its size in pixels; 0 for not known
+  /// @param Request, Btype, lwidth, lheight the request, the kind of browser and its size in pixels; none of
+  ///        them is looked at
   /// @return 1
   virtual std::int32_t InputGetHTMLPage(std::string& szHTML, HostPageRequest& Request, std::int32_t& Btype,
                                         std::int32_t& lwidth, std::int32_t& lheight) = 0;
@@ -124,10 +137,14 @@ class IVelmoraInputPLugin {
 };
 
 /// What a host does with the events of a plug-in. Both run inside the call or tick that raises them: be
-/// quick, since the next tick waits.
+/// quick, since the next tick waits. Neither should throw: what TriggerInputEvent throws comes back as
+/// TriggerInputErrorCondition, what that one throws is dropped, and the other sinks and events get their
+/// turn.
 class IHostEventSink {
  public:
-  /// A command was heard to which an activated event is bound. EventCommand holds "protocol&command".
+  /// A command was heard to which an activated event is bound. EventCommand holds "protocol&command", EventID
+  /// names the event; the other fields are not filled in. All events of one press come in one object, one
+  /// after the other: copy what you keep.
   virtual void TriggerInputEvent(HostInputEvent& objInputEvent) = 0;
   /// Something failed.
   /// @param blnStopping whether the plug-in stops because of it; this plug-in never does

@@ -143,7 +143,9 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
        {"2|b|||on|0", "1|a|||off|0", "3|c|||on|0"},
        0},
   };
-  for (const Case& change : cases) {
+  // Between two presses the map takes in what changed, and so does a host that initialises it again.
+  for (int run = 0; run < 2 * static_cast<int>(cases.size()); ++run) {
+    const Case& change = cases[static_cast<std::size_t>(run / 2)];
     SCOPED_TRACE(change.OtherDid);
     const EventFolder folder(
         "insert into colclsKeploEvents values ('1', 'a', '', '', 1, 0), ('2', 'b', '', '', 1, 0)");
@@ -158,7 +160,7 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
     EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Lines{} : Lines{Report("Save", change.Failure)});
     EXPECT_TRUE(map.Database.ChangedElsewhere());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
-    EXPECT_TRUE(map.Events.TakeInChanges());
+    EXPECT_TRUE(run % 2 == 0 ? map.Events.TakeInChanges() : map.Load());
     EXPECT_EQ(map.Members(), change.Table);
     Lines stored = tests::StoredEvents(folder);
     std::sort(stored.begin(), stored.end());

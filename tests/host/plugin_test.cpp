@@ -110,10 +110,12 @@ TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {
   ASSERT_NE(plugin_->InputErrorDetails(), nullptr);
   EXPECT_FALSE(plugin_->InputMonitoring());
   EXPECT_EQ(plugin_->InputStartMonitoring(), 1);
+  sink_.OnEvent = [] { throw std::runtime_error("the host is out"); };
   EXPECT_TRUE(plugin_->InputMonitoring());
   played_.exec();
   EXPECT_EQ(sink_.Events, (Texts{"17 NEC&TV_POWER", "18 SONY&TV_MUTE"}));
   EXPECT_EQ(leaving.Events, Texts{"17 NEC&TV_POWER"});
+  EXPECT_EQ(sink_.Errors, Texts(2, "InputKeplo.Keplo Timer1_Timer"));
   EXPECT_EQ(plugin_->InputStopMonitoring(), 1);
   EXPECT_FALSE(plugin_->InputMonitoring());
   EXPECT_EQ(plugin_->InputTerminate(), 1);
