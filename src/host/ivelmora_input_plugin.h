@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/host_records.h"
+#include "host_records.h"  // beside this file, wherever an install puts both
 
 namespace keplo {
 
@@ -101,8 +101,8 @@ class IVelmoraInputPLugin {
   /// the list raises: it may pass over the row after the deleted one. Post it to the event loop.
   /// @param objInputEvent its EventID names the event
   /// @return 0 if there is no such event or the event map cannot be opened, else 1: also where the event map
-  ///         is locked and keeps the event, which is back after the next InputInitialise then. Neither is
-  ///         told by TriggerInputErrorCondition.
+  ///         is locked and keeps the event, which comes back to the list by itself then. Neither is told by
+  ///         TriggerInputErrorCondition; IEventCatalogue::ListDiffersFromMap knows.
   virtual std::int32_t InputDeleteEvent(HostInputEvent& objInputEvent) = 0;
   /// Whether the host has started monitoring and not stopped it.
   virtual bool InputMonitoring() = 0;

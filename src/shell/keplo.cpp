@@ -90,6 +90,7 @@ std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
   HostObject = std::move(velmora);
   ErrorDetails = std::make_shared<HostErrorRecord>();
   initialised_ = m_EventCollection.Initialise(ListView1);
+  if (initialised_) listDiffersFromMap_ = false;
   return initialised_ ? 1 : 0;
 }
 
