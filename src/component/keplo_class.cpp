@@ -32,15 +32,29 @@ void RequireUsable(const CreationContext& context) {
   }
 }
 
+/// Brings a first install, or what is missing of one.
+void SetUp(const CreationContext& context) {
+  const std::string& appPath = context.ApplicationPath;
+  if (IsSetUp(appPath)) return;
+  std::error_code unknown;  // is told by the install
+  const bool isNew = !std::filesystem::exists(std::filesystem::path(appPath) / "keplo.cfg", unknown);
+  PosixFileSystem files;
+  const std::vector<std::string> brought = BringFirstInstall(appPath, files);
+  const Log log(context.Log);
+  if (isNew) return log.Write(LogLevel::Info, "Brought a first install to " + appPath);
+  for (const std::string& name : brought) {
+    log.Write(LogLevel::Warning,
+              "There was no " + name + " in " + appPath +
+                  ", so it was made as a first install has it. If there has been one before, "
+                  "put a backup of it in its place.");
+  }
+}
+
 }  // namespace
 
 ComponentObject KeploClass::CreateObject(const CreationContext& context, std::string& failure) try {
   RequireUsable(context);
-  if (!IsSetUp(context.ApplicationPath)) {
-    PosixFileSystem files;
-    BringFirstInstall(context.ApplicationPath, files);
-    Log(context.Log).Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
-  }
+  SetUp(context);
   CreationContext settled = context;  // a host that changes its folder later still means the same files
   settled.ApplicationPath = std::filesystem::absolute(context.ApplicationPath).string();
   ComponentObject object(new KeploObject(settled, [this] { --alive_; }));

@@ -8,7 +8,6 @@
 #include <string>
 #include <system_error>
 
-#include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "events/event_schema.h"
 #include "events/failure_numbers.h"
@@ -81,10 +80,9 @@ void RequireNothingInPlace(const std::filesystem::path& path) {
 
 }  // namespace
 
-void CreateEventTable(const std::filesystem::path& path) {
+void CreateEventTable(const std::filesystem::path& path, FileSystem& files) {
   RequireNothingInPlace(path);
   const std::string empty = EmptyDatabase();
-  PosixFileSystem files;
   try {
     if (!CreateFile(files, path, empty)) RefuseToReplace(path);
   } catch (const Failure& failure) {

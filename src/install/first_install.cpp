@@ -33,8 +33,8 @@ bool IsThere(const std::filesystem::path& path) {
 }
 
 /// @return false if another first start has made it meanwhile
-bool CreateDatabase(const std::filesystem::path& database) try {
-  CreateEventTable(database);
+bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) try {
+  CreateEventTable(database, files);
   return true;
 } catch (const Failure& failure) {
   if (failure.Number() == EEXIST && IsThere(database)) return false;
@@ -43,19 +43,17 @@ bool CreateDatabase(const std::filesystem::path& database) try {
 
 }  // namespace
 
-bool IsSetUp(const std::filesystem::path& appPath) {
-  return IsThere(appPath / "keplo.cfg") || IsThere(appPath / kDatabaseFile);
-}
+bool IsSetUp(const std::filesystem::path& appPath) { return IsThere(appPath / kDatabaseFile); }
 
-bool BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
+std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
-  bool brought = false;
+  std::vector<std::string> brought;
   for (const ShippedFile& shipped : ShippedFiles()) {
-    if (!IsThere(appPath / shipped.Name)) brought |= CreateFile(files, appPath / shipped.Name, shipped.Bytes);
+    const std::filesystem::path file = appPath / shipped.Name;
+    if (!IsThere(file) && CreateFile(files, file, shipped.Bytes)) brought.emplace_back(shipped.Name);
   }
-  if (const auto database = appPath / kDatabaseFile; !IsThere(database)) {
-    brought |= CreateDatabase(database);
-  }
+  const std::filesystem::path database = appPath / kDatabaseFile;
+  if (!IsThere(database) && CreateDatabase(files, database)) brought.emplace_back(kDatabaseFile);
   return brought;
 }
 

@@ -69,7 +69,7 @@ TEST(Data, KeepsARecordOfEachFailure) {
                 " does not exist. Put a backup there, or run 'keplo install' for an empty one.");
   EXPECT_TRUE(folder.Files().empty());  // looking for a database never makes one
 
-  CreateEventTable(folder.Database());
+  folder.CreateTable();
   EXPECT_EQ(data.ExecuteSQLCommand("delete form x"), 0);
   EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQLCommand|65537" + date + "delete form x");
   for (const char* sql : {"select form", "", "select 1; select 2"}) {

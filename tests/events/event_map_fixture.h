@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "disk/posix_file_system.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"
 #include "events/event_schema.h"
@@ -27,9 +28,15 @@ class StoppedClock : public ui::Clock {
 
 /// An application path without a database.
 struct AppFolder : TempFolder {
+
   AppFolder() { std::filesystem::permissions(Path(), std::filesystem::perms::all); }
 
   std::filesystem::path Database() const { return Path() / kDatabaseFile; }
+
+  void CreateTable() const {
+    PosixFileSystem files;
+    CreateEventTable(Database(), files);
+  }
 
   Lines Files() const {
     Lines names;
@@ -104,7 +111,7 @@ inline Lines StoredEvents(const AppFolder& folder) {
 /// An application path with an empty event table, changed by statements.
 struct EventFolder : AppFolder {
   explicit EventFolder(const std::string& sql = {}) {
-    CreateEventTable(Database());
+    CreateTable();
     EventMap map(*this);
     EXPECT_EQ(map.Database.ExecuteSQLCommand(sql), 1) << map.Database.ErrorDetails().ErrorDescription;
   }

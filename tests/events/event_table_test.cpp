@@ -15,7 +15,7 @@ const std::string kJournal = std::string(kDatabaseFile) + "-journal";
 
 std::string Refusal(const AppFolder& folder) {
   try {
-    CreateEventTable(folder.Database());
+    folder.CreateTable();
   } catch (const Failure& failure) {
     return failure.what();
   }
@@ -50,7 +50,7 @@ TEST(CreateEventTable, FollowsTheUmask) {
   for (const mode_t umaskOfUser : {0022U, 0077U, 0002U}) {
     const AppFolder folder;
     const mode_t before = umask(umaskOfUser);
-    CreateEventTable(folder.Database());
+    folder.CreateTable();
     umask(before);
     EXPECT_EQ(std::filesystem::status(folder.Database()).permissions(),
               std::filesystem::perms(0666 & ~umaskOfUser));

@@ -76,7 +76,7 @@ class ShellTest : public ::testing::Test {
   }
 
   void WriteEvents(const std::vector<clsKeploEvent>& events) {
-    CreateEventTable(folder_.Path() / "inputKeplo.mdb");
+    CreateEventTable(folder_.Path() / "inputKeplo.mdb", files_);
     Data data(folder_.Path(), clock_);
     colclsKeploEvents collection(data, clock_);
     for (const clsKeploEvent& event : events) {

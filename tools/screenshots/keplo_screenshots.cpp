@@ -55,7 +55,7 @@ class Scene {
  public:
   Scene() {
     folder_.Write("keplo.cfg", kConfig);
-    CreateEventTable(folder_.Path() / "inputKeplo.mdb");
+    CreateEventTable(folder_.Path() / "inputKeplo.mdb", files_);
     Data data(folder_.Path(), clock_);
     colclsKeploEvents events(data, clock_);
     for (const clsKeploEvent& event :
