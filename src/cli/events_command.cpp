@@ -113,6 +113,8 @@ std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>&
     try {
       Add(*map, event);
       return event.EventID;
+    } catch (const NotConfirmedWritten&) {
+      throw;
     } catch (const NotWritten&) {
       map.emplace(appPath);
       if (map->Find(event.EventID) == nullptr) throw;

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "cli/outcome.h"
 #include "config/check_config.h"
 #include "program/app_path.h"
 
@@ -54,7 +53,9 @@ std::shared_ptr<clsKeploEvent> OpenedMap::Find(const std::string& eventID) const
 
 void OpenedMap::Change(const std::function<bool(colclsKeploEvents& events)>& change) {
   failure_.clear();
-  if (change(Events)) return;
+  const bool changed = change(Events);
+  if (changed && failure_.empty()) return;
+  if (changed) throw NotConfirmedWritten(1, failure_);
   const std::string& reason = failure_.empty() ? Database.ErrorDetails().ErrorDescription : failure_;
   throw NotWritten(1, "The event map was not changed: " + reason);
 }

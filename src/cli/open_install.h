@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "cli/outcome.h"
 #include "disk/posix_file_system.h"
 #include "events/col_cls_keplo_events.h"
 #include "keplo_mod.h"
@@ -31,6 +32,12 @@ struct OpenedConfig {
   KeploMod Mod;
 };
 
+/// A change that was made, but may not outlive a power cut. To make it again would make it twice.
+class NotConfirmedWritten : public NotWritten {
+ public:
+  using NotWritten::NotWritten;
+};
+
 /// The event map of an application path, loaded.
 struct OpenedMap {
   explicit OpenedMap(const std::string& appPathOption);
@@ -38,7 +45,7 @@ struct OpenedMap {
   std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
   /// Changes the map.
   /// @param change gives false if it failed
-  /// @throws NotWritten
+  /// @throws NotWritten; NotConfirmedWritten if it was changed
   void Change(const std::function<bool(colclsKeploEvents& events)>& change);
 
   ui::SystemClock Clock;

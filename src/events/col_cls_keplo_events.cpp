@@ -163,6 +163,8 @@ bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> e
     if (data_.CheckConnection() != 1) return false;
     try {
       Write(mode, *event);
+    } catch (const NotConfirmed& doubt) {
+      Report(".Save", doubt);
     } catch (const Conflict&) {
       conflict = true;
       throw;
@@ -210,9 +212,9 @@ bool colclsKeploEvents::Delete(std::string_view eventID) {
     if (data_.CheckConnection() != 1) return false;
     Recordset rows;
     rows.Open(EventWithID(eventID), data_.Connection());
-    do rows.Delete();
-    while (!rows.Eof());
+    const std::optional<NotConfirmed> doubt = DeleteAll(rows);
     Remove(EventKey(eventID));
+    if (doubt) Report(".Delete", *doubt);
     return true;
   });
 }

@@ -77,6 +77,7 @@ class colclsKeploEvents {
   /// Writes an event to the database and puts it at the end of the collection. Of an event that exists only
   /// what is new about it is written, and only over the row that was read last: where another program has
   /// changed or deleted that row meanwhile, the failure is reported and the event taken in as it is now.
+  /// A change of which only the last flush failed is reported and counts as made.
   /// @param mode 1 for an event that exists, any other for a new one
   /// @return false without a report if the database cannot be opened, which Data tells
   bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);

@@ -167,12 +167,13 @@ void Recordset::Update() {
       statement.Bind(parameter++, rows_[position_].Values[ColumnIndex(column)]);
   }
   RunOnOneRow(database, statement);
-  transaction.Commit();
+  const std::optional<NotConfirmed> doubt = transaction.Commit();
 
   Row& written = rows_[position_];
   if (!rowID) written.RowID = sqlite3_last_insert_rowid(database);
   if (edited_) written.Values = std::move(*edited_);
   edited_.reset();
+  if (doubt) throw NotConfirmed(*doubt);
 }
 
 void Recordset::BindPresentRow(SqliteStatement& statement) const {
@@ -183,16 +184,30 @@ void Recordset::BindPresentRow(SqliteStatement& statement) const {
 void Recordset::Delete() {
   sqlite3* database = LiveDatabase();
   const Row& row = PresentRow();
+  std::optional<NotConfirmed> doubt;
   if (row.RowID) {
     Transaction transaction(database);
     SqliteStatement statement(database, kDelete);
     statement.Bind(1, *row.RowID);
     statement.Bind(2, row.Values[ColumnIndex("EventID")]);
     RunOnOneRow(database, statement);
-    transaction.Commit();
+    doubt = transaction.Commit();
   }
   edited_.reset();
   rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(position_));
+  if (doubt) throw NotConfirmed(*doubt);
+}
+
+std::optional<NotConfirmed> DeleteAll(Recordset& rows) {
+  std::optional<NotConfirmed> doubt;
+  do {
+    try {
+      rows.Delete();
+    } catch (const NotConfirmed& failure) {
+      doubt = failure;
+    }
+  } while (!rows.Eof());
+  return doubt;
 }
 
 void Recordset::RequireOpen() const {

@@ -9,6 +9,7 @@
 #include "events/connection.h"
 #include "events/event_query.h"
 #include "events/sqlite_statement.h"
+#include "events/transaction.h"
 
 namespace keplo {
 
@@ -49,10 +50,11 @@ class Recordset {
   void AddNew();
   /// Writes the present row to the table.
   /// @throws Failure if another program changed or deleted the row since it was read, or if the table cannot
-  ///         be written or already holds the EventID
+  ///         be written or already holds the EventID; NotConfirmed once it is written
   void Update();
   /// Deletes the present row from the table; the set stands on the next one.
-  /// @throws Failure if another program deleted the row since it was read, or if the table cannot be written
+  /// @throws Failure if another program deleted the row since it was read, or if the table cannot be written;
+  ///         NotConfirmed once it is deleted
   void Delete();
 
  private:
@@ -80,5 +82,10 @@ class Recordset {
   std::size_t position_ = 0;
   std::optional<std::vector<SqlValue>> edited_;  // the present row's values for Update to write
 };
+
+/// Deletes the rows of a live set that are left, of which there must be one.
+/// @return the last NotConfirmed
+/// @throws Failure as Recordset::Delete
+std::optional<NotConfirmed> DeleteAll(Recordset& rows);
 
 }  // namespace keplo

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
+#include "disk/file_system.h"
+#include "disk/new_file_check.h"
 #include "events/failure_numbers.h"
 
 namespace keplo {
@@ -54,12 +57,26 @@ bool IsFileFailure(int code) {
   return primary == SQLITE_CANTOPEN || primary == SQLITE_IOERR;
 }
 
+/// SQLite opens a journal that it cannot make a second time, to read it, and keeps the errno of that.
+bool CouldNotMakeJournal(int code, int systemError, std::string_view path) {
+  std::error_code unknown;
+  return IsFileFailure(code) && systemError == ENOENT && std::filesystem::exists(path, unknown);
+}
+
+Failure JournalFailure(int code, std::string_view path) {
+  const int error = WhyNoNewFile(FolderOf(path));
+  const std::string reason = error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
+  return {SqliteFailureNumber(code),
+          DatabaseText(path, "cannot be changed, because no journal can be made beside it" + reason,
+                       "Check the folder and the room on its disk.")};
+}
+
+}  // namespace
+
 std::string_view OpenFileName(sqlite3* database) {
   const char* name = sqlite3_db_filename(database, "main");
   return name == nullptr ? "" : name;
 }
-
-}  // namespace
 
 std::string DatabaseText(std::string_view path, std::string_view reason, std::string_view advice) {
   std::string text = "The event database ";
@@ -71,6 +88,7 @@ Failure FailureOf(sqlite3* database, std::string_view path) {
   const int code = sqlite3_extended_errcode(database);
   const int systemError = sqlite3_system_errno(database);
   if (path.empty()) path = OpenFileName(database);
+  if (CouldNotMakeJournal(code, systemError, path)) return JournalFailure(code, path);
   if (IsFileFailure(code) && systemError == ENOENT) {
     return {
         SqliteFailureNumber(code),

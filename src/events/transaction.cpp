@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include "events/failure_numbers.h"
+#include "events/sqlite_failure.h"
 #include "events/sqlite_handle.h"
 
 namespace keplo {
@@ -14,6 +16,16 @@ Transaction::~Transaction() {
   if (pending) sqlite3_exec(database_, "rollback", nullptr, nullptr, nullptr);
 }
 
-void Transaction::Commit() { RunSql(database_, "commit"); }
+std::optional<NotConfirmed> Transaction::Commit() try {
+  RunSql(database_, "commit");
+  return std::nullopt;
+} catch (const Failure& failure) {
+  // The journal, which would undo the change, is gone by then; only its folder could not be flushed.
+  if (failure.Number() != SqliteFailureNumber(SQLITE_IOERR_DIR_FSYNC)) throw;
+  return NotConfirmed(failure.Number(),
+                      DatabaseText(OpenFileName(database_),
+                                   "is saved, but a power cut may bring the old events back (disk I/O error)",
+                                   "Check the disk that it lies on."));
+}
 
 }  // namespace keplo

@@ -1,8 +1,19 @@
 #pragma once
 
+#include <optional>
+
+#include "failure.h"
+
 struct sqlite3;
 
 namespace keplo {
+
+/// A change that was made and is seen by everybody, but of which the disk has not said that it outlives a
+/// power cut.
+class NotConfirmed : public Failure {
+ public:
+  using Failure::Failure;
+};
 
 /// A change of the database that happens whole or not at all: rolled back unless it was committed.
 class Transaction {
@@ -14,8 +25,9 @@ class Transaction {
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
+  /// @return what is to be told if only the last flush failed
   /// @throws Failure if the change could not reach the disk; it is undone then
-  void Commit();
+  [[nodiscard]] std::optional<NotConfirmed> Commit();
 
  private:
   sqlite3* database_;

@@ -71,9 +71,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   try {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
-    // Tables of earlier versions may hold an EventID twice.
-    do rows.Delete();
-    while (!rows.Eof());
+    DeleteAll(rows);  // tables of earlier versions may hold an EventID twice
     listDiffersFromMap_ = false;
   } catch (const std::exception&) {
     // A step that fails is skipped, and nobody is told; the list gets the row back.
