@@ -119,6 +119,7 @@ void KeploObject::Release() {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
     replayPlayed_ = nullptr;
+    listShown_ = nullptr;
     control_.OnPress = nullptr;
     return;
   }
@@ -229,7 +230,18 @@ std::int32_t KeploObject::InputPostHTMLPage(std::string& szHTML, HostPageRequest
 }
 
 QWidget* KeploObject::CreateView(QWidget* parent) {
-  return mayUseDisplay_ ? new qt::ControlView(control_, parent) : nullptr;
+  if (!mayUseDisplay_) return nullptr;
+  auto* view = new qt::ControlView(control_, parent);
+  view->WhenListIsShown([this] {
+    if (listShown_) listShown_();
+  });
+  return view;
+}
+
+std::string KeploObject::HighlightedEvent() {
+  const ui::ListView& list = control_.ListView1;
+  const int row = list.SelectedRow();
+  return row == 0 ? std::string() : list.Text(row, kEventID);
 }
 
 bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& details) {

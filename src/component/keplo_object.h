@@ -57,6 +57,8 @@ class KeploObject final : public IComponentObject,
                                  std::int32_t& lwidth, std::int32_t& lheight) override;
 
   QWidget* CreateView(QWidget* parent) override;
+  std::string HighlightedEvent() override;
+  void WhenListIsShown(std::function<void()> shown) override { listShown_ = std::move(shown); }
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
   bool ListDiffersFromMap() override { return control_.ListDiffersFromMap(); }
   Tally Presses() override;
@@ -77,6 +79,7 @@ class KeploObject final : public IComponentObject,
   const Log log_;
   std::function<void()> released_;
   std::function<void()> replayPlayed_;
+  std::function<void()> listShown_;
 
   PosixFileSystem files_;
   ui::SystemClock clock_;

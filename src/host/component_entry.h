@@ -17,7 +17,7 @@ inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
 /// Changes with every change of the interfaces in this folder. Host and component are built by the same
 /// kind of compiler and share the C++ runtime, so that strings and vectors pass between them. The headers of
 /// this folder need C++17 and nothing else of the plug-in.
-inline constexpr std::uint32_t kComponentInterfaceVersion = 1;
+inline constexpr std::uint32_t kComponentInterfaceVersion = 2;
 
 /// Levels of log lines, numbered as the system's journal does.
 enum class LogLevel { Error = 3, Warning = 4, Notice = 5, Info = 6 };
@@ -87,9 +87,14 @@ class IControlView {
   static constexpr std::string_view kInterfaceName = "IControlView";
 
   /// @param parent owns the view; destroy the view before the object
-  /// May be called more than once; the views show the same lists.
+  /// A second view takes over from the first, which goes on to show what it showed last.
   /// @return null if the object may not use the display
   virtual QWidget* CreateView(QWidget* parent) = 0;
+  /// The EventID of the row that is highlighted in the view's event list; empty for none.
+  virtual std::string HighlightedEvent() = 0;
+  /// @param shown runs whenever the view has shown another list or another highlighted row, also while an
+  ///        operation waits for its dialog; none ends that
+  virtual void WhenListIsShown(std::function<void()> shown) = 0;
 
  protected:
   ~IControlView() = default;

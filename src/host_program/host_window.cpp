@@ -13,6 +13,8 @@
 #include <utility>
 
 #include "host_program/event_command_line.h"
+#include "program/local_time.h"
+#include "program/printable.h"
 
 namespace keplo::host {
 
@@ -25,6 +27,7 @@ QMessageBox::StandardButton Show(QWidget* parent, QMessageBox::Icon icon, const 
                                  QMessageBox::StandardButtons buttons) {
   QMessageBox box(icon, parent->windowTitle(), text, buttons, parent);
   box.setTextFormat(Qt::PlainText);
+  if (buttons.testFlag(QMessageBox::No)) box.setDefaultButton(QMessageBox::No);
   return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
@@ -35,7 +38,7 @@ bool Agrees(QWidget* parent, const QString& question) {
 
 }  // namespace
 
-HostWindow::HostWindow(PluginHost& host) : host_(host), events_(new QComboBox), log_(new QListWidget) {
+HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log_(new QListWidget) {
   setWindowTitle(QStringLiteral("InputKeplo"));
   setWindowIcon(QIcon(Shown(host_.Plugin().InputIconFileName())));
   auto* splitter = new QSplitter(Qt::Vertical);
@@ -52,18 +55,24 @@ HostWindow::HostWindow(PluginHost& host) : host_(host), events_(new QComboBox), 
   splitter->setStretchFactor(0, 1);
   setCentralWidget(splitter);
   FillMenus();
-  ShowEvents();
+  ShowChosenEvent();
   statusBar();
 
   host_.OnEvent = [this](const RaisedEvent& event) { AddLogLine(Shown(EventLine(event))); };
   host_.OnError = [this](const HostErrorRecord& record) {
     AddLogLine(Shown(record.ErrorDate + "  " + record.ErrorProcedure + ": " + record.ErrorDescription));
   };
+  host_.OnLog = [this](LogLevel level, const std::string& text) {
+    if (level <= LogLevel::Notice) AddLogLine(Shown(Printable(LocalTime() + "  " + text)));
+  };
+  host_.OnListShown = [this] { ShowChosenEvent(); };
 }
 
 HostWindow::~HostWindow() {
   host_.OnEvent = nullptr;
   host_.OnError = nullptr;
+  host_.OnLog = nullptr;
+  host_.OnListShown = nullptr;
 }
 
 void HostWindow::FillMenus() {
@@ -76,7 +85,6 @@ void HostWindow::FillMenus() {
     plugin->addAction(Shown(items[place]), this, [this, place] {
       auto index = static_cast<std::int16_t>(place);
       host_.Plugin().InputCallMenuItem(index);
-      ShowEvents();
     });
   }
   QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
@@ -88,18 +96,20 @@ QWidget* HostWindow::EventButtons() {
   auto* row = new QWidget;
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
-  auto* label = new QLabel(QStringLiteral("&Event:"));
-  label->setBuddy(events_);
-  events_->setAccessibleName(QStringLiteral("Event to modify or delete"));
-  layout->addWidget(label);
-  layout->addWidget(events_, 1);
+  chosen_->setTextFormat(Qt::PlainText);
+  chosen_->setAccessibleName(QStringLiteral("Event to modify or delete"));
+  // A long name is cut; the tip tells it.
+  chosen_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  layout->addWidget(chosen_, 1);
   layout->addWidget(Button(QStringLiteral("&Add..."), QStringLiteral("Bind a new event to a command"),
                            [this] { TellResult(host_.AddEvent(), QStringLiteral("The event was added")); }));
-  modify_ = Button(QStringLiteral("&Modify..."), QStringLiteral("Change the event"), [this] {
-    TellResult(host_.ModifyEvent(ChosenEvent()), QStringLiteral("The event was changed"));
+  modify_ = Button(QStringLiteral("&Modify..."), QStringLiteral("Change the highlighted event"), [this] {
+    TellResult(host_.ModifyEvent(host_.HighlightedEvent()), QStringLiteral("The event was changed"));
   });
-  delete_ = Button(QStringLiteral("&Delete"), QStringLiteral("Remove the event"), [this] { DeleteEvent(); });
-  program_ = Button(QStringLiteral("P&rogram..."), QStringLiteral("Choose the program that the event runs"),
+  delete_ = Button(QStringLiteral("&Delete"), QStringLiteral("Remove the highlighted event"),
+                   [this] { DeleteEvent(); });
+  program_ = Button(QStringLiteral("P&rogram..."),
+                    QStringLiteral("Choose the program that the highlighted event runs"),
                     [this] { AskForProgram(); });
   for (QPushButton* button : {modify_, delete_, program_}) layout->addWidget(button);
   return row;
@@ -112,27 +122,26 @@ QPushButton* HostWindow::Button(const QString& caption, const QString& tip, std:
     try {
       clicked();
     } catch (const std::exception& failure) {
-      ShowEvents();  // the plug-in may have done its part
       Show(this, QMessageBox::Warning, QString::fromUtf8(failure.what()), QMessageBox::Ok);
     }
   });
   return button;
 }
 
-void HostWindow::ShowEvents() {
-  const QVariant chosen = events_->currentData();
-  events_->clear();
-  for (const std::string& eventID : host_.EventIDs()) {
-    events_->addItem(Shown(host_.Describe(eventID).EventName + " (" + eventID + ")"), Shown(eventID));
-  }
-  if (const int place = events_->findData(chosen); place >= 0) events_->setCurrentIndex(place);
-  for (QPushButton* button : {modify_, delete_, program_}) button->setEnabled(events_->count() > 0);
+/// The view tells of each change, so that the buttons always mean the row that is seen as highlighted.
+void HostWindow::ShowChosenEvent() {
+  const std::string eventID = host_.HighlightedEvent();
+  chosen_->setText(eventID.empty() ? QStringLiteral("Highlight an event in the list to change it")
+                                   : QStringLiteral("Event: ") + Named(eventID));
+  chosen_->setToolTip(chosen_->text().toHtmlEscaped());
+  for (QPushButton* button : {modify_, delete_, program_}) button->setEnabled(!eventID.empty());
 }
 
-std::string HostWindow::ChosenEvent() const { return events_->currentData().toString().toStdString(); }
+QString HostWindow::Named(const std::string& eventID) const {
+  return Shown(Printable(host_.Describe(eventID).EventName + " (" + eventID + ")"));
+}
 
 void HostWindow::TellResult(std::int32_t result, const QString& done) {
-  ShowEvents();
   const QString text = result == kInputDone     ? done
                        : result == kInputFailed ? QStringLiteral("That failed; the event log tells why")
                                                 : QStringLiteral("Cancelled");
@@ -140,8 +149,8 @@ void HostWindow::TellResult(std::int32_t result, const QString& done) {
 }
 
 void HostWindow::DeleteEvent() {
-  if (!Agrees(this, QStringLiteral("Delete the event %1?").arg(events_->currentText()))) return;
-  const std::string eventID = ChosenEvent();
+  const std::string eventID = host_.HighlightedEvent();
+  if (!Agrees(this, QStringLiteral("Delete the event %1?").arg(Named(eventID)))) return;
   const std::int32_t result = host_.DeleteEvent(eventID);
   TellResult(result, QStringLiteral("The event was deleted"));
   if (host_.ListDiffersFromMap()) {
@@ -151,22 +160,33 @@ void HostWindow::DeleteEvent() {
 }
 
 void HostWindow::AskForProgram() {
-  const std::string eventID = ChosenEvent();
+  const std::string eventID = host_.HighlightedEvent();
+  const QString event = Named(eventID);
   host_.Book().ReadIfChanged();
   const nlohmann::json actions = host_.Book().ActionsOf(eventID);
   const std::optional<QString> shown = CommandLineOf(actions);
-  if (!shown && !Agrees(this, QStringLiteral("The event does what cannot be shown as one command line:\n\n%1"
-                                             "\n\nReplace it by one program?")
-                                  .arg(Shown(actions.dump(2))))) {
+  if (!shown &&
+      !Agrees(this, QStringLiteral("The event %1 does what cannot be shown as one command line:\n\n%2"
+                                   "\n\nReplace it by one program?")
+                        .arg(event, Shown(actions.dump(2))))) {
     return;
   }
-  bool accepted = false;
-  const QString commandLine = QInputDialog::getText(
-      this, windowTitle(), QStringLiteral("Program and arguments that the event runs; empty for none:"),
-      QLineEdit::Normal, shown.value_or(QString()), &accepted);
-  if (accepted && commandLine != shown) {
-    host_.Book().SetActions(eventID, WithCommandLine(actions, commandLine));
+  const std::optional<QString> commandLine = AskForCommandLine(event, shown.value_or(QString()));
+  if (commandLine && commandLine != shown) {
+    host_.Book().SetActions(eventID, WithCommandLine(actions, *commandLine));
   }
+}
+
+/// @return none if the user cancelled
+std::optional<QString> HostWindow::AskForCommandLine(const QString& event, const QString& shown) {
+  QInputDialog dialog(this);
+  dialog.setWindowTitle(windowTitle());
+  dialog.setLabelText(QStringLiteral("Program and arguments that the event %1 runs; empty for none:")
+                          .arg(QString(event).replace('&', QLatin1String("&&"))));
+  dialog.setTextValue(shown);
+  for (auto* label : dialog.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return dialog.textValue();
 }
 
 void HostWindow::AddLogLine(const QString& line) {

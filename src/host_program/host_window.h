@@ -1,16 +1,17 @@
 #pragma once
 
-#include <QComboBox>
+#include <QLabel>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QPushButton>
+#include <optional>
 
 #include "host_program/plugin_host.h"
 
 namespace keplo::host {
 
-/// The host on screen: the plug-in's view, its menu, the log of events, and the buttons that change the event
-/// map.
+/// The host on screen: the plug-in's view, its menu, the log of events and of presses without one, and the
+/// buttons that change the event map: a new event, or the one that is highlighted in the view.
 class HostWindow : public QMainWindow {
  public:
   static constexpr int kMostLogLines = 1000;
@@ -22,15 +23,16 @@ class HostWindow : public QMainWindow {
   void FillMenus();
   QWidget* EventButtons();
   QPushButton* Button(const QString& caption, const QString& tip, std::function<void()> clicked);
-  void ShowEvents();
-  std::string ChosenEvent() const;
+  void ShowChosenEvent();
+  QString Named(const std::string& eventID) const;
   void TellResult(std::int32_t result, const QString& done);
   void DeleteEvent();
   void AskForProgram();
+  std::optional<QString> AskForCommandLine(const QString& event, const QString& shown);
   void AddLogLine(const QString& line);
 
   PluginHost& host_;
-  QComboBox* events_;
+  QLabel* chosen_;
   QListWidget* log_;
   QPushButton* modify_ = nullptr;
   QPushButton* delete_ = nullptr;

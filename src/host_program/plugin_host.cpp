@@ -32,15 +32,24 @@ PluginHost::PluginHost(const Component& component, const CreationContext& contex
     : book_(book),
       actions_(actions),
       log_(log),
-      object_(component.Create(kInputKeploClass, context)),
+      object_(component.Create(kInputKeploClass, WithOwnLog(context))),
       plugin_(Required<IVelmoraInputPLugin>(*object_)),
       events_(Required<IHostEventSource>(*object_)),
       catalogue_(QueryInterface<IEventCatalogue>(*object_)),
+      view_(QueryInterface<IControlView>(*object_)),
       cookie_(events_->Subscribe(*this)) {}
 
 PluginHost::~PluginHost() {
   Stop();
   events_->Unsubscribe(cookie_);
+}
+
+CreationContext PluginHost::WithOwnLog(CreationContext context) {
+  context.Log = [this, write = context.Log](LogLevel level, const std::string& text) {
+    if (write) write(level, text);
+    if (OnLog) OnLog(level, text);
+  };
+  return context;
 }
 
 void PluginHost::Start() {
@@ -69,9 +78,16 @@ void PluginHost::ReadAgain() {
   }
 }
 
-QWidget* PluginHost::CreateView(QWidget* parent) const {
-  auto* view = QueryInterface<IControlView>(*object_);
-  return view == nullptr ? nullptr : view->CreateView(parent);
+QWidget* PluginHost::CreateView(QWidget* parent) {
+  if (view_ == nullptr) return nullptr;
+  view_->WhenListIsShown([this] {
+    if (OnListShown) OnListShown();
+  });
+  return view_->CreateView(parent);
+}
+
+std::string PluginHost::HighlightedEvent() const {
+  return view_ == nullptr ? std::string() : view_->HighlightedEvent();
 }
 
 std::optional<IPressTally::Tally> PluginHost::Presses() const {

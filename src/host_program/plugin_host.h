@@ -35,7 +35,9 @@ class PluginHost : private IHostEventSink {
 
   IVelmoraInputPLugin& Plugin() const { return *plugin_; }
   /// Its view; null if it offers none.
-  QWidget* CreateView(QWidget* parent) const;
+  QWidget* CreateView(QWidget* parent);
+  /// The EventID of the row that is highlighted in the view; empty for none.
+  std::string HighlightedEvent() const;
   /// What became of the presses; empty if the plug-in does not tell.
   std::optional<IPressTally::Tally> Presses() const;
   /// Identifiers of the events in the map.
@@ -54,8 +56,13 @@ class PluginHost : private IHostEventSink {
   /// For a window's log.
   std::function<void(const RaisedEvent&)> OnEvent;
   std::function<void(const HostErrorRecord&)> OnError;
+  /// What the plug-in logs besides, such as why a press raised no event.
+  std::function<void(LogLevel, const std::string&)> OnLog;
+  /// Runs when the view has shown another list or another highlighted row.
+  std::function<void()> OnListShown;
 
  private:
+  CreationContext WithOwnLog(CreationContext context);
   void TriggerInputEvent(HostInputEvent& objInputEvent) override;
   void TriggerInputErrorCondition(HostErrorRecord& objErr, bool& blnStopping) override;
 
@@ -66,6 +73,7 @@ class PluginHost : private IHostEventSink {
   IVelmoraInputPLugin* plugin_;
   IHostEventSource* events_;
   IEventCatalogue* catalogue_;
+  IControlView* view_;
   std::uint32_t cookie_;
   bool started_ = false;
 };

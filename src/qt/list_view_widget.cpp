@@ -78,6 +78,7 @@ void ListViewWidget::Refresh() {
   rows_.Show(model_);
   ShowColumnWidths();
   ShowSelection();
+  if (OnShown) OnShown();
 }
 
 void ListViewWidget::ShowColumnWidths() {

@@ -22,6 +22,9 @@ class ListViewWidget : public QTreeView {
   /// coordinates: 1 left, 2 right, 4 middle.
   std::function<void(int button, const QPoint& place)> OnMouseDown;
 
+  /// Runs after each redraw.
+  std::function<void()> OnShown;
+
   /// Whether the list behind the table is still there.
   bool HasModel() const { return link_.Alive(); }
 

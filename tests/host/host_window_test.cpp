@@ -1,5 +1,6 @@
 #include "host_program/host_window.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QEventLoop>
 #include <QInputDialog>
@@ -24,23 +25,38 @@ class HostWindowTest : public ::testing::Test {
     app_.AddPowerEvent(actions);
     CreationContext context;
     context.ApplicationPath = app_.Path().string();
-    context.ReplayFiles = {tests::kPower};
+    context.ReplayFiles = {tests::kPower, tests::kMute};
     context.MayUseDisplay = true;
     context.ReplayPlayed = [this] { played_.quit(); };
     host_ = std::make_unique<PluginHost>(component_, context, book_, actions_, log_);
     host_->Start();
     window_ = std::make_unique<HostWindow>(*host_);
     window_->show();
+    EXPECT_FALSE(Button("&Delete")->isEnabled()) << "no row is highlighted yet";
     played_.exec();
+    Highlight(0);
+  }
+
+  QPushButton* Button(const QString& caption) const {
+    for (auto* button : window_->findChildren<QPushButton*>()) {
+      if (button->text() == caption) return button;
+    }
+    return nullptr;
+  }
+
+  /// As a click on the row does.
+  void Highlight(int row) const {
+    auto* list = window_->findChild<QAbstractItemView*>("ListView1");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount() > row; }, kMostMs));
+    list->setCurrentIndex(list->model()->index(row, 0));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Button("&Delete")->isEnabled(); }, kMostMs));
   }
 
   /// Clicks a button and answers the dialogs that come, one after the other.
   void Click(const QString& caption, const std::vector<std::function<void(QWidget&)>>& answers) {
     answers_ = {answers.rbegin(), answers.rend()};
     AnswerNext();
-    for (auto* button : window_->findChildren<QPushButton*>()) {
-      if (button->text() == caption) QTest::mouseClick(button, Qt::LeftButton);
-    }
+    QTest::mouseClick(Button(caption), Qt::LeftButton);
     EXPECT_TRUE(answers_.empty()) << caption.toStdString();
   }
   void AnswerNext() {
@@ -55,7 +71,7 @@ class HostWindowTest : public ::testing::Test {
   }
 
   static void Yes(QWidget& box) { dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click(); }
-  static void No(QWidget& box) { dynamic_cast<QMessageBox&>(box).button(QMessageBox::No)->click(); }
+  static void Return(QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); }  // means No
   static std::function<void(QWidget&)> Type(const QString& text) {
     return [text](QWidget& dialog) {
       dynamic_cast<QInputDialog&>(dialog).setTextValue(text);
@@ -64,6 +80,8 @@ class HostWindowTest : public ::testing::Test {
   }
   std::string Message() const { return window_->statusBar()->currentMessage().toStdString(); }
   std::string Actions() { return EventBook(app_.Path() / "host.json").ActionsOf("17").dump(); }
+
+  static constexpr int kMostMs = 60000;
 
   tests::ApplicationPath app_;
   QEventLoop played_;
@@ -79,8 +97,9 @@ class HostWindowTest : public ::testing::Test {
 TEST_F(HostWindowTest, ShowsEventsAndAddsAndDeletesThem) {
   Open("[]");
   const auto* log = window_->findChild<QListWidget*>();
-  ASSERT_EQ(log->count(), 1);
+  ASSERT_EQ(log->count(), 2);
   EXPECT_TRUE(log->item(0)->text().endsWith("event 17  Lamp on  NEC&TV_POWER  zone 0"));
+  EXPECT_TRUE(log->item(1)->text().contains(": heard, but no event: "));
   QStringList captions;
   for (QAction* menu : window_->menuBar()->actions()) {
     for (QAction* item : menu->menu()->actions()) captions << item->text();
@@ -90,11 +109,13 @@ TEST_F(HostWindowTest, ShowsEventsAndAddsAndDeletesThem) {
   Click("&Add...", {[](QWidget& dialog) { dialog.findChild<QPushButton*>("OKButton")->click(); }});
   EXPECT_EQ(Message(), "The event was added");
   EXPECT_EQ(host_->EventIDs(), (std::vector<std::string>{"17", "18"}));
-  Click("&Delete", {No});
+  Click("&Delete", {Return});
   EXPECT_EQ(host_->EventIDs().size(), 2U);
+  Highlight(1);
   Click("&Delete", {Yes});
   EXPECT_EQ(Message(), "The event was deleted");
-  EXPECT_EQ(host_->EventIDs(), std::vector<std::string>{"18"});
+  EXPECT_EQ(host_->EventIDs(), std::vector<std::string>{"17"});
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !Button("&Delete")->isEnabled(); }, kMostMs));
 }
 
 TEST_F(HostWindowTest, AsksForTheProgramOfAnEvent) {
@@ -103,13 +124,14 @@ TEST_F(HostWindowTest, AsksForTheProgramOfAnEvent) {
   Click("P&rogram...", {[](QWidget& box) {
           EXPECT_TRUE(dynamic_cast<QMessageBox&>(box).text().contains("<b>lamp</b>"));
           EXPECT_EQ(dynamic_cast<QMessageBox&>(box).textFormat(), Qt::PlainText);
-          No(box);
+          Return(box);
         }});
   EXPECT_EQ(Actions(), before);
   Click("P&rogram...", {Yes, Type("lamp \"living room\" on")});
   EXPECT_EQ(Actions(), R"([{"arguments":["living room","on"],"kind":"run","program":"lamp"}])");
   Click("P&rogram...", {[](QWidget& dialog) {
           EXPECT_EQ(dynamic_cast<QInputDialog&>(dialog).textValue(), "lamp \"living room\" on");
+          EXPECT_TRUE(dynamic_cast<QInputDialog&>(dialog).labelText().contains("Lamp on (17)"));
           dynamic_cast<QInputDialog&>(dialog).reject();
         }});
 }
