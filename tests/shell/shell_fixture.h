@@ -66,6 +66,15 @@ inline std::string Config(const General& general, const std::string& sections) {
          ProtocolSection("Template", "G10,EMPTY\r\n") + "[END]\r\n";
 }
 
+inline std::string Texts(const ui::ListView& list) {
+  std::string rows;
+  for (int row = 1; row <= list.Count(); ++row) {
+    for (int field = 0; field < ui::ListView::kFields; ++field) rows += list.Text(row, field) + "|";
+    rows += "\n";
+  }
+  return rows;
+}
+
 /// An application path with a file and an event map, and a control that comes up from them.
 class ShellTest : public ::testing::Test {
  protected:
@@ -82,6 +91,14 @@ class ShellTest : public ::testing::Test {
     for (const clsKeploEvent& event : events) {
       ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
     }
+  }
+
+  /// The event table as the next start finds it; after every change it must read as the list does.
+  std::string Stored() {
+    Data data(folder_.Path(), clock_);
+    ui::ListView list;
+    colclsKeploEvents(data, clock_).Initialise(list);
+    return Texts(list);
   }
 
   /// Creates the control without loading its events.

@@ -130,81 +130,64 @@ TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
   EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}));
 }
 
-TEST_F(Tick, NeverNests) {
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits), Press(kDigits)};
-  control.TriggerInputEvent = [&](HostInputEvent&) {
-    raised_.emplace_back("raised");
-    EXPECT_FALSE(control.Timer1.Enabled());
-    control.InputStartMonitoring();  // a host that turns the timer on and runs an event loop of its own
-    control.Timer1.Tick();
+TEST_F(Tick, ReachesItsEndWhateverTheHostDoesInside) {
+  struct Case {
+    const char* Name;
+    std::function<void(Keplo&)> InEvent;
+    bool TimerIsOn;
+    const char* Error;
   };
-  control.Timer1.Tick();
-  EXPECT_EQ(raised_.size(), 1U);
-}
-
-TEST_F(Tick, ReachesItsEndWhateverTheHostThrows) {
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits), Press(kDigits)};
-  control.TriggerInputEvent = [](HostInputEvent&) { throw Failure(91, "the host stumbled"); };
-  control.Timer1.Tick();
-  EXPECT_TRUE(control.Timer1.Enabled());
-  EXPECT_EQ(errors_, (Calls{"InputKeplo.Keplo Timer1_Timer: the host stumbled"}));
-  EXPECT_EQ(control.InputErrorDetails()->ErrorNumber, 91);
-
-  control.TriggerInputEvent = [](HostInputEvent&) { throw 7; };
-  control.TriggerInputErrorCondition = [](HostErrorRecord&, bool&) { throw Failure(92, "and fell"); };
-  control.Timer1.Tick();
-  EXPECT_TRUE(control.Timer1.Enabled());
-}
-
-TEST_F(Tick, RaisesTheOtherRowsWhenTheHostFailsAtOne) {
+  const Case cases[] = {
+      {"runs an event loop of its own",
+       [](Keplo& control) {
+         control.InputStartMonitoring();
+         control.Timer1.Tick();
+       },
+       true, nullptr},
+      {"stops monitoring", [](Keplo& control) { control.InputStopMonitoring(); }, true, nullptr},
+      {"terminates, so that a tick would read a closed port",
+       [](Keplo& control) { control.InputTerminate(); }, false, nullptr},
+      {"fails", [](Keplo&) { throw Failure(91, "the host stumbled"); }, true,
+       "InputKeplo.Keplo Timer1_Timer: the host stumbled"},
+      {"throws anything", [](Keplo&) { throw 7; }, true,
+       "InputKeplo.Keplo Timer1_Timer: a failure without a text"},
+  };
   std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
   WriteEvents({{"17", "Lamp on", "", "NEC&POWER", true, 0}, {"18", "Fan on", "", "NEC&POWER", true, 0}});
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits)};
-  control.TriggerInputEvent = [&](HostInputEvent& event) {
-    raised_.push_back(event.EventID);
-    throw Failure(91, "the host stumbled");
-  };
-  control.Timer1.Tick();
-  EXPECT_EQ(raised_, (Calls{"17", "18"}));
-  EXPECT_EQ(errors_.size(), 2U);
+  for (const Case& host : cases) {
+    SCOPED_TRACE(host.Name);
+    Keplo& control = Start();
+    raised_.clear();
+    errors_.clear();
+    line_.Captures = {Press(kDigits), Press(kDigits)};
+    control.TriggerInputEvent = [&](HostInputEvent& event) {
+      raised_.push_back(event.EventID);
+      EXPECT_FALSE(raised_.size() == 1 && control.Timer1.Enabled());
+      host.InEvent(control);
+    };
+    control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
+      errors_.push_back(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
+      throw Failure(92, "and fell");
+    };
+    control.Timer1.Tick();
+    EXPECT_EQ(raised_, (Calls{"17", "18"}));
+    EXPECT_EQ(control.Timer1.Enabled(), host.TimerIsOn);
+    EXPECT_EQ(errors_, host.Error == nullptr ? Calls{} : Calls(2, host.Error));
+  }
 }
 
-TEST_F(Tick, TellsWhatBecameOfEachPressOnce) {
+TEST_F(Tick, TellsWhatBecameOfEachPressOnceAndGoesOnIfTheTellerFails) {
   Keplo& control = Start();
   std::string told;
-  control.OnPress = [&](const TickReport& tick) { told += std::to_string(tick.Dispatched.Raised) + ";"; };
+  control.OnPress = [&](const TickReport& tick) {
+    told += std::to_string(tick.Dispatched.Raised) + ";";
+    throw Failure(5, "no paper");
+  };
   line_.Captures = {Press(kDigits), "", Press(kDigits)};
   for (int tick = 0; tick < 5; ++tick) control.Timer1.Tick();
   EXPECT_EQ(told, "1;0;1;");
-}
-
-TEST_F(Tick, GoesOnWhenTheTellerFails) {
-  Keplo& control = Start();
-  control.OnPress = [](const TickReport&) { throw Failure(5, "no paper"); };
-  line_.Captures = {Press(kDigits)};
-  control.Timer1.Tick();
-  EXPECT_EQ(errors_, (Calls{"InputKeplo.Keplo Timer1_Timer: no paper"}));
+  EXPECT_EQ(errors_, Calls(3, "InputKeplo.Keplo Timer1_Timer: no paper"));
   EXPECT_TRUE(control.Timer1.Enabled());
-}
-
-TEST_F(Tick, TurnsTheTimerOnAgainEvenIfTheHostStoppedItInside) {
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits)};
-  control.TriggerInputEvent = [&](HostInputEvent&) { control.InputStopMonitoring(); };
-  control.Timer1.Tick();
-  EXPECT_FALSE(control.InputMonitoring());
-  EXPECT_TRUE(control.Timer1.Enabled());
-}
-
-TEST_F(Tick, StaysOffBehindATerminateInside) {
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits)};
-  control.TriggerInputEvent = [&](HostInputEvent&) { control.InputTerminate(); };
-  control.Timer1.Tick();
-  EXPECT_FALSE(control.Timer1.Enabled()) << "a tick would read a closed port";
 }
 
 TEST_F(Tick, HandsTheDelayOnWithItsSignAndACleanBuffer) {
