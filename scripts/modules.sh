@@ -20,7 +20,10 @@ arrows() {
   find src -name '*.cpp' -o -name '*.h' -o -name '*.in' | sort | xargs awk '
     match($0, /^#include "[^"]+"/) {
       split(FILENAME, place, "/"); from = place[2]; sub(/\..*/, "", from)
-      split(substr($0, 11, RLENGTH - 11), path, "/"); to = path[1]; sub(/\..*/, "", to)
+      name = substr($0, 11, RLENGTH - 11)
+      beside = FILENAME; sub(/[^\/]*$/, name, beside)
+      if (name !~ /\// && from != name && (getline line <beside) >= 0 && beside != "src/" name) next
+      split(name, path, "/"); to = path[1]; sub(/\..*/, "", to)
       if (from != to && !seen[from, to]++) print from, to
     }'
 }
