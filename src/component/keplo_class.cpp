@@ -1,10 +1,12 @@
 #include "component/keplo_class.h"
 
 #include <QApplication>
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 
 #include "component/keplo_object.h"
+#include "events/event_schema.h"
 #include "failure.h"
 #include "install/first_install.h"
 
@@ -42,12 +44,10 @@ void SetUp(const CreationContext& context) {
   const std::vector<std::string> brought = BringFirstInstall(appPath, files);
   const Log log(context.Log);
   if (isNew) return log.Write(LogLevel::Info, "Brought a first install to " + appPath);
-  for (const std::string& name : brought) {
-    log.Write(LogLevel::Warning,
-              "There was no " + name + " in " + appPath +
-                  ", so it was made as a first install has it. If there has been one before, "
-                  "put a backup of it in its place.");
-  }
+  if (std::find(brought.begin(), brought.end(), kDatabaseFile) == brought.end()) return;
+  log.Write(LogLevel::Warning, "There was no " + std::string(kDatabaseFile) + " in " + appPath +
+                                   ", so an empty event map was made. If there has been one before, put a "
+                                   "backup of it in its place.");
 }
 
 }  // namespace
