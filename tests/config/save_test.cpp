@@ -18,6 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using tests::Config;
+using tests::DyingFiles;
 using tests::Replaced;
 using tests::Stored;
 using tests::TempFolder;
@@ -185,21 +186,6 @@ TEST_F(BrokenSave, RespectsAProtectedFileAndKeepsTheTextOfOneThatCannotBeRead) {
   EXPECT_EQ(stored_.Disk.Files(), (Files{{"keplo.cfg", kOld}}));
   EXPECT_EQ(stored_.Store.CfgText, kOld);
 }
-
-/// Files of a process that is killed before the operation of a given number, from 1.
-class DyingFiles : public tests::SteppedFiles {
- public:
-  static constexpr int kKilled = 99;  // exit code
-
-  DyingFiles(FileSystem& files, int deadly) : SteppedFiles(files), left_(deadly) {}
-
- private:
-  void Step() override {
-    if (--left_ == 0) _exit(kKilled);
-  }
-
-  int left_;
-};
 
 class KilledProgram : public ::testing::TestWithParam<Unpublished> {};
 INSTANTIATE_TEST_SUITE_P(Ways, KilledProgram, ::testing::Values(Unpublished::Nameless, Unpublished::Named));

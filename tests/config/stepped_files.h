@@ -1,5 +1,7 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <memory>
 
 #include "disk/file_system.h"
@@ -61,6 +63,21 @@ class SteppedFiles : public FileSystem {
   }
 
   FileSystem& files_;
+};
+
+/// Files of a process that is killed before the operation of a given number, from 1.
+class DyingFiles : public SteppedFiles {
+ public:
+  static constexpr int kKilled = 99;  // exit code
+
+  DyingFiles(FileSystem& files, int deadly) : SteppedFiles(files), left_(deadly) {}
+
+ private:
+  void Step() override {
+    if (--left_ == 0) _exit(kKilled);
+  }
+
+  int left_;
 };
 
 }  // namespace keplo::tests

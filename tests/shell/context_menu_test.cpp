@@ -63,7 +63,7 @@ TEST(UpdateEventRow, RewritesTheRowInItsPlace) {
   AppendEventRow(list, {"2", "Fan", "", "NEC&FAN1", true, 0});
   UpdateEventRow(list, {"1", "Light", "all", "NEC&LIGHT", false, 8});
   UpdateEventRow(list, {"9", "Other", "", "", true, 0});
-  EXPECT_EQ(tests::Texts(list), "Light|all|NEC&LIGHT|False|8|1|\nFan||NEC&FAN1|True|0|2|\n");
+  EXPECT_EQ(tests::RowTexts(list), "Light|all|NEC&LIGHT|False|8|1|\nFan||NEC&FAN1|True|0|2|\n");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "install/first_install.h"
 
-#include "config/dying_files.h"
 #include "config/protocols.h"
+#include "config/stepped_files.h"
 #include "doubles/child_process.h"
 #include "install/shipped_files.h"
 #include "shell_fixture.h"

@@ -38,7 +38,7 @@ TEST_F(HostOperations, AddsAnEventInAllThreePlaces) {
   EXPECT_EQ(host.EventName + "|" + host.EventDescription + "|" + std::get<std::string>(host.EventCommand),
             "POWER|POWER from NEC|NEC&POWER");
   EXPECT_EQ(control.ListView1.Text(3, kEventID), "O'Hara");
-  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(RowTexts(control.ListView1), Stored());
   EXPECT_EQ(control.InputModifyEvent(host), 1) << "the collection knows the new event";
 }
 
@@ -52,12 +52,12 @@ TEST_F(HostOperations, ModifiesAnEventInItsPlace) {
   EXPECT_EQ(control.InputModifyEvent(host), 1);
   EXPECT_EQ(host.EventName, "Light");
   EXPECT_EQ(control.ListView1.Text(1, kEventName), "Light");
-  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(RowTexts(control.ListView1), Stored());
 
   dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
   control.ListView1.SetText(1, kEventName, "spoilt");
   EXPECT_EQ(control.InputModifyEvent(host), 2);
-  EXPECT_EQ(Texts(control.ListView1), Stored()) << "the row is rewritten from the record";
+  EXPECT_EQ(RowTexts(control.ListView1), Stored()) << "the row is rewritten from the record";
 }
 
 TEST_F(HostOperations, TellsWhyNothingWasStored) {
@@ -70,7 +70,7 @@ TEST_F(HostOperations, TellsWhyNothingWasStored) {
   EXPECT_NE(control.InputErrorDetails()->ErrorNumber, 0);
   EXPECT_EQ(control.InputAddEvent(taken), 0);
   EXPECT_EQ(taken.EventName, "");
-  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(RowTexts(control.ListView1), Stored());
   ASSERT_EQ(errors_.size(), 2U);
   EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "InputKeplo.Keplo InputModifyEvent");
   EXPECT_EQ(errors_[1].substr(0, errors_[1].find(':')), "colclsKeploEvents colclsKeploEvents.Save");
@@ -80,8 +80,8 @@ TEST_F(HostOperations, DeletesAnEventFromAllThreePlaces) {
   Keplo& control = Start();
   EXPECT_EQ(control.InputDeleteEvent(WithID("99")), 0);
   EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 1);
-  EXPECT_EQ(Texts(control.ListView1), "Fan||NEC&MUTE|False|3|2|\n");
-  EXPECT_EQ(Texts(control.ListView1), Stored());
+  EXPECT_EQ(RowTexts(control.ListView1), "Fan||NEC&MUTE|False|3|2|\n");
+  EXPECT_EQ(RowTexts(control.ListView1), Stored());
   HostInputEvent gone = WithID("1");
   EXPECT_EQ(control.InputModifyEvent(gone), 0) << "the collection has let it go too";
 }

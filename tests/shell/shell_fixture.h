@@ -66,7 +66,7 @@ inline std::string Config(const General& general, const std::string& sections) {
          ProtocolSection("Template", "G10,EMPTY\r\n") + "[END]\r\n";
 }
 
-inline std::string Texts(const ui::ListView& list) {
+inline std::string RowTexts(const ui::ListView& list) {
   std::string rows;
   for (int row = 1; row <= list.Count(); ++row) {
     for (int field = 0; field < ui::ListView::kFields; ++field) rows += list.Text(row, field) + "|";
@@ -98,7 +98,7 @@ class ShellTest : public ::testing::Test {
     Data data(folder_.Path(), clock_);
     ui::ListView list;
     colclsKeploEvents(data, clock_).Initialise(list);
-    return Texts(list);
+    return RowTexts(list);
   }
 
   /// Creates the control without loading its events.
