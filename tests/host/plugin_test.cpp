@@ -22,7 +22,7 @@ using Texts = std::vector<std::string>;
 class Sink : public IHostEventSink {
  public:
   virtual ~Sink() = default;
-  Texts Events;
+  Texts Events, Errors;
   std::function<void()> OnEvent = [] {};
 
   void TriggerInputEvent(HostInputEvent& event) override {
@@ -30,7 +30,7 @@ class Sink : public IHostEventSink {
     OnEvent();
   }
   void TriggerInputErrorCondition(HostErrorRecord& record, bool& /*stopping*/) override {
-    ADD_FAILURE() << record.ErrorDescription;
+    Errors.push_back(record.ErrorSource + " " + record.ErrorProcedure);
   }
 };
 
@@ -148,6 +148,7 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
   EXPECT_EQ(sink_.Events, Texts());
   played_.exec();
   EXPECT_EQ(sink_.Events, Texts{"17 NEC&TV_POWER"});
+  EXPECT_EQ(sink_.Errors, Texts());
 }
 
 }  // namespace

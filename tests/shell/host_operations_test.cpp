@@ -9,7 +9,7 @@ namespace {
 
 using tests::ProtocolSection;
 using tests::ShellTest;
-using tests::Texts;
+using tests::RowTexts;
 using Calls = std::vector<std::string>;
 
 class HostOperations : public ShellTest {
