@@ -104,11 +104,15 @@ TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
 
   disk_.FailAt(0, false);
   form.DeleteCmdButton.Click();
+  form.UndoMenu.Click();
+  disk_.FailAt(0, false);
+  form.DeleteCmdButton.Click();
   const int ofADelete = disk_.Operations();
   form.UndoMenu.Click();
   boxes_.Shown.clear();
   disk_.FailAt(ofADelete, true);
-  EXPECT_NE(Delete().back().find("a power cut may bring the old file back"), std::string::npos);
+  const std::string told = Delete().back();
+  EXPECT_NE(told.find("a power cut may bring the old file back"), std::string::npos) << told;
   EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "EMPTY G10") << "as the file has it";
   disk_.FailAt(0, false);
 
