@@ -1,5 +1,5 @@
-// A host of the infrared plug-in in one file: loads the component, lets it play recordings of key presses (or,
-// without any, watch its line until Ctrl+C), and prints the events.
+// A host of the infrared plug-in in one file: loads the component, lets it play recordings of key presses
+// (or, without any, watch its line until Ctrl+C), and prints the events.
 //
 //     example-host APPLICATION-PATH [RECORDING...]
 

@@ -8,8 +8,8 @@ namespace keplo {
 namespace {
 
 using tests::ProtocolSection;
-using tests::ShellTest;
 using tests::RowTexts;
+using tests::ShellTest;
 using Calls = std::vector<std::string>;
 
 class HostOperations : public ShellTest {
