@@ -46,10 +46,11 @@ TEST(Events, GetANumberOfTheirOwnEachWhenManyAreAddedAtOnce) {
 TEST(Events, TellWhoTakesAChangeIn) {
   const Install install;
   ASSERT_EQ(install.Run("events add 'NEC&TV_POWER'").Err, "") << "nobody runs";
+  const auto sample = std::filesystem::path(KEPLO_SOURCE_DIR) / "samples" / "sony_tv_1.mode2";
   const std::string keplo = "'" KEPLO_PROGRAM "' ", option = install.Option();
   const auto ran =
-      RunShell(keplo + "monitor" + option + " >/dev/null & m=$!; for i in $(seq 600); do " + keplo +
-               "events disable 1" + option +
+      RunShell(keplo + "monitor" + option + " --replay" + tests::Quoted(sample) +
+               " >/dev/null & m=$!; for i in $(seq 600); do " + keplo + "events disable 1" + option +
                " 2>&1 | grep \"process $m, .* takes the change in\" && break; sleep 0.1; done; kill $m");
   EXPECT_EQ(ran.Out.find("keplo: keplo, process "), 0U) << ran.Out << ran.Err;
 }

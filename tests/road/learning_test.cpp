@@ -137,7 +137,7 @@ TEST(Learning, TellsWhichCodesOfAnIndexWereLeftOutAndWhy) {
                         {"\n1 commands learned from", "index.json, entry 1: NEC&TWO was not learned:",
                          "and not 10102 [1m\n", "index.json, entry 2: RC5&TV-9__ was not learned:",
                          "stopped at", "index.json, entry 4; 2 codes not learned: "}},
-                       {"send RC5 SEVEN", 0, {}},
+                       {"send RC5 SEVEN --out -", 0, {"pulse "}},
                        {"install --teach" + large, 2, {"large.json", "several files"}},
                        {"install --teach /proc/self/mem", 2, {"/proc/self/mem: Input/output error"}}});
 }
