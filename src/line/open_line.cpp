@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::string_view kNoDevices =
     "there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings";
-constexpr std::int32_t kNoPort = 0;  // none that anybody asks for
 
 /// What stands in for a line that does not transmit either.
 std::string DescribeReplay(const ReplayLine& line, bool hasRecordings) {
@@ -52,9 +51,7 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
   if (!spec.ReplayFiles.empty() || !spec.Ports.empty()) return OpenReplay(spec, receiverKind);
   PortMap map = LoadPortMap(appPath);
   if (map.Ports.empty() && map.Mistakes.empty()) {
-    LineSpec none = spec;
-    none.Ports = {kNoPort};
-    OpenedLine standIn = OpenReplay(none, receiverKind);
+    OpenedLine standIn = OpenReplay(spec, receiverKind);
     standIn.Remarks = {std::string(kNoDevices)};
     return standIn;
   }

@@ -22,7 +22,7 @@ class PortLine : public DeviceLine {
   /// The port that is opened whichever one is asked for.
   std::optional<std::int32_t> InsteadOfAnyPort;
 
-  std::string WhyNot() const override { return whyNot_; }
+  std::string WhyNot() const override { return device_ ? device_->WhyNot() : whyNot_; }
   /// The open port and its device, or why there is none, in a sentence for a person.
   std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
