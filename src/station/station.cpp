@@ -31,10 +31,9 @@ void Station::TellWhyNotOpen() {
   log_.Write(LogLevel::Warning, line_.Device->WhyNot());
 }
 
-/// A device that is gone is an error to the host too; other words of a line are for a person.
+/// A device that is gone is an error, which the host tells; other words of a line are for the log.
 void Station::TellOfLine(const std::string& text) {
-  log_.Write(LogLevel::Warning, text);
-  if (line_.Device->WhyNot().empty()) return;
+  if (line_.Device->WhyNot().empty()) return log_.Write(LogLevel::Warning, text);
   control_.ReportFailure("DCD", Failure(ENODEV, text));
 }
 

@@ -104,8 +104,6 @@ bool SaveWithoutReceiver(const QDir& folder) {
   const OpenedLine line = OpenLine(nothing, {}, kStandardReceiver);
   tests::WindowScene scene;
   scene.Form().DescribeLine = line.Describe;
-  scene.Form().ComList.Clear();
-  scene.Form().ComList.SetBackColour(std::nullopt);
   scene.Click("RecButton");
   bool saved = Save(scene.View(), folder.filePath(QStringLiteral("window_no_receiver.png")));
   auto& menu = *scene.View().findChild<QMenu*>(QStringLiteral("FileMenu"));
