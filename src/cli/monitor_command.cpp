@@ -109,6 +109,7 @@ int Monitor(const MonitorOptions& options) {
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
   const StopSignals stop;
+  if (LineRest* const line = station.Rest()) line->Forget();
   control.InputStartMonitoring();
   RunTicks(station, options, stop);
   control.InputStopMonitoring();

@@ -91,6 +91,8 @@ KeploWindows KeploObject::Windows() {
               qt::ShowMainWindow(
                   mod_, station_.Line(), [this] { return station_.DescribeLine(); },
                   QApplication::activeWindow());
+              // What the window left unheard is no key press of now.
+              if (LineRest* const line = station_.Rest()) line->Forget();
             } else {
               log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
             }
@@ -180,6 +182,7 @@ std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora
 
 std::int32_t KeploObject::InputStartMonitoring() {
   timer_.setInterval(station_.Played() || inRealTime_ ? control_.Timer1.Interval : 0);
+  if (LineRest* const line = station_.Rest()) line->Forget();
   return Contained("InputStartMonitoring", kInputFailed, [&] { return control_.InputStartMonitoring(); });
 }
 

@@ -73,11 +73,16 @@ std::int32_t Data::Initialise() try {
 }
 
 bool Data::ChangedElsewhere() try {
-  if (connection_.State() == 0) return false;
   if (connection_.FileWasReplaced()) {
     connection_.Close();
-    return true;
+    awaitsReplacement_ = true;
   }
+  if (connection_.State() == 0) {
+    // A file that is still being put in its place opens at a later look.
+    if (!awaitsReplacement_) return false;
+    connection_.Open(databasePath_.string());
+  }
+  if (std::exchange(awaitsReplacement_, false)) return true;
   return connection_.ChangedElsewhere();
 } catch (...) {
   return false;

@@ -38,7 +38,7 @@ class Data {
   std::int32_t Initialise();
   /// Whether another program has written the database, or put another file in its place, since it was opened
   /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
-  /// A file that was replaced is opened again by the next use.
+  /// A file that was replaced is opened again, at a later look if it cannot be yet.
   bool ChangedElsewhere();
   /// Lets the next ChangedElsewhere say yes: what is in memory is no longer what the database has.
   void DoubtWhatWasRead() { connection_.DoubtWhatWasRead(); }
@@ -49,6 +49,7 @@ class Data {
   /// Keeps the record of the exception that is being handled.
   void Keep(std::string_view procedure, std::string_view detail) noexcept;
 
+  bool awaitsReplacement_ = false;  // for another file that was put in the place of the database
   std::filesystem::path databasePath_;
   const ui::Clock& clock_;
   keplo::Connection connection_;

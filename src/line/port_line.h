@@ -28,6 +28,9 @@ class PortLine : public DeviceLine {
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
   int WakeDescriptor() override;
   std::chrono::milliseconds MayRest() override;
+  void Forget() override {
+    if (device_) device_->Forget();
+  }
 
   std::int32_t OpenCom(std::int32_t port) override;
   void CloseCom() override;

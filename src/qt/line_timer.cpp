@@ -1,6 +1,15 @@
 #include "qt/line_timer.h"
 
+#include <algorithm>
+
 namespace keplo::qt {
+
+namespace {
+
+/// A port that is opened between two ticks is looked at so soon.
+constexpr std::chrono::milliseconds kLongestRest{400};
+
+}  // namespace
 
 LineTimer::LineTimer(ui::Timer& model, LineRest* line, QObject* parent)
     : QtTimer(model, parent), line_(line), pace_(model.Interval) {
@@ -10,7 +19,7 @@ LineTimer::LineTimer(ui::Timer& model, LineRest* line, QObject* parent)
 void LineTimer::Pace() {
   if (!isActive()) return;
   const std::chrono::milliseconds mayRest = line_->MayRest();
-  if (mayRest > pace_) return Rest(mayRest);
+  if (mayRest > pace_) return Rest(std::min(mayRest, kLongestRest));
   if (intervalAsDuration() != pace_) setInterval(pace_);
 }
 

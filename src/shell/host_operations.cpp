@@ -71,6 +71,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   try {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
+    listDiffersFromMap_ = !rows.Eof();
     DeleteAll(rows);  // tables of earlier versions may hold an EventID twice
     listDiffersFromMap_ = false;
   } catch (const std::exception&) {

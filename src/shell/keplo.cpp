@@ -102,6 +102,7 @@ void Keplo::TakeInChanges() {
 
 void Keplo::TakeInConfiguration() try {
   if (!HasFileChanged(mod_.Store) || !ReloadConfig(mod_.Store)) return;
+  toldConfigurationFailure_.clear();
   mod_.Store.TookInOtherText = false;
   Settings settings = mod_.Settings;
   if (!ReadSettings(mod_.Store, settings).Complete()) return;
@@ -111,6 +112,8 @@ void Keplo::TakeInConfiguration() try {
   Panel.ShowVexil(mod_.Settings.VexilMode != 0);
   ShowInterface();
 } catch (const std::exception& failure) {
+  // The next look comes soon and would meet the same.
+  if (std::exchange(toldConfigurationFailure_, failure.what()) == failure.what()) return;
   ReportFailure("TakeInChanges", failure);
 }
 

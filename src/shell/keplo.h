@@ -162,6 +162,7 @@ class Keplo {
   bool initialised_ = false;
   bool windowOpen_ = false;
   bool listDiffersFromMap_ = false;
+  std::string toldConfigurationFailure_;
   TickReport lastTick_;
 };
 

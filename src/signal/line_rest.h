@@ -15,6 +15,8 @@ class LineRest {
   virtual int WakeDescriptor() = 0;
   /// How long no tick is needed unless the descriptor becomes readable; zero while every tick counts.
   virtual std::chrono::milliseconds MayRest() = 0;
+  /// Drops what came in while nobody listened, so that it raises no events when ticks begin again.
+  virtual void Forget() = 0;
 };
 
 }  // namespace keplo

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "config/check_config.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "window/file_watch.h"
@@ -73,6 +74,9 @@ void ProtocolPlace::Delete() {
   store.CfgPos = planned.Change.First;
   store.CfgPos2 = planned.Change.Last;
   std::string rest = planned.Change.In(store.CfgText);
+  if (!HasWholeSections(rest) && HasWholeSections(store.CfgText)) {
+    return dialogue_.Tell(RefusalText(ProtocolResult(ProtocolRefusal::HeaderLine)));
+  }
   SectionWalk walk = WalkSections(rest);
   if (walk.Ended != WalkEnd::ClosingHeader) {
     store.ReplaceText(std::move(rest));

@@ -214,6 +214,11 @@ bool LircLine::WaitForItems(nanoseconds until) {
   return ready > 0;
 }
 
+void LircLine::Forget() {
+  ReadItems();
+  ForgetSignals();
+}
+
 void LircLine::ForgetSignals() {
   heard_.clear();
   skipping_ = false;
@@ -239,7 +244,9 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
     }
     if (full || used < heard_.size()) break;
     if (!WaitForItems(lastItem_ + kLircEndSilence)) break;
+    if (heard_.size() < used) break;  // the device lost items, and what was heard with them
   }
+  used = std::min(used, heard_.size());
   heard_.erase(heard_.begin(), heard_.begin() + static_cast<std::ptrdiff_t>(used));
   // What is left begins with the silence behind the press, or inside its signal.
   if (!heard_.empty() && !full) heard_.erase(heard_.begin());

@@ -40,6 +40,7 @@ class LircLine : public DeviceLine {
   LineLosses Losses() const override { return {}; }
   int WakeDescriptor() override { return device_ ? device_->Get() : -1; }
   std::chrono::milliseconds MayRest() override;
+  void Forget() override;
 
   std::int32_t OpenCom(std::int32_t port) override;
   void CloseCom() override;

@@ -35,8 +35,12 @@ void EdgeLog::Begin() {
 void EdgeLog::Add(Edge edge, std::uint64_t missed) {
   {
     const std::lock_guard lock(mutex_);
-    if (edges_.size() == kMostEdges) edges_.erase(edges_.begin(), edges_.begin() + kMostEdges / 2);
-    edges_.push_back(edge);
+    // The places of the edges before it stay as they are for whoever captures.
+    if (edges_.size() == kMostEdges) {
+      ++missed_;
+    } else {
+      edges_.push_back(edge);
+    }
     missed_ += missed;
   }
   Wake();

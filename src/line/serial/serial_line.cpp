@@ -140,7 +140,14 @@ std::optional<bool> SerialLine::Present() {
 /// Away from rest also while a signal waits in the log: between two marks the level itself rests.
 std::int32_t SerialLine::DCD() {
   ReopenWhenBack();
-  if (watch_ && log_.Ended()) Lose();
+  if (watch_ && log_.Ended()) {
+    // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
+    if (port_->Lines()) {
+      watch_.reset();
+    } else {
+      Lose();
+    }
+  }
   const bool rest = RestLevel();
   const std::optional<bool> level = Level();
   if (!level) return rest ? 1 : 0;
@@ -233,7 +240,10 @@ bool SerialLine::WaitForSignal() {
     if (!present) return false;
     if (*present || FindBeginning(log_.Edges(), RestLevel(), false)) return true;
     if (watch_) {
-      if (log_.Ended()) Lose();
+      if (log_.Ended()) {
+        Lose();
+        return false;
+      }
       log_.WaitUntil(until);
     } else {
       calls_.SleepUntil(calls_.Now() + nanoseconds(50'000));

@@ -30,6 +30,7 @@ class SerialLine : public DeviceLine {
   LineLosses Losses() const override;
   int WakeDescriptor() override { return watch_ ? log_.Descriptor() : -1; }
   std::chrono::milliseconds MayRest() override;
+  void Forget() override { ForgetSignals(); }
 
   /// @param port any number: the line has one device
   std::int32_t OpenCom(std::int32_t port) override;
