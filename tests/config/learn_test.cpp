@@ -152,6 +152,10 @@ TEST(WindowSteps, KeepThePlaceholderInTheFileUntilTheNextSave) {
 TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
   const std::string before = With({"G1010,POWER"}), added = With({"G1010,POWER", "G1110,UP"}),
                     emptied = With({"G10,EMPTY"}), sony = Config(Protocol("SONY", {"G0011,MUTE"}));
+  const std::string lamp = tests::Lines({"[Lamp]", "# ", "GPROTO= 1", "SENDPLS= 550", "REPEAT= 0", "BITG= 1",
+                                         "BIT0= 01", "BIT1= 011", "GREPEAT= 0", "", "G10,EMPTY", ""}),
+                    withLamp = Replaced(Replaced(before, "[Template]", lamp + "[Template]"), "PROTOCOL= 0",
+                                        "PROTOCOL= 2");
   const auto changes = [&](const std::string& step, const std::string& text, const std::string& file) {
     Stored stored(before);
     const auto run = [&](int failAt) {
@@ -175,6 +179,7 @@ TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
   changes("delete|NEC|POWER", emptied, emptied);
   changes("remove|NEC|POWER", emptied, With({}));
   changes("deleteProtocol|NEC", sony, sony);
+  changes("addProtocol|Lamp", withLamp, withLamp);
 }
 
 }  // namespace

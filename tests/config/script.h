@@ -25,6 +25,10 @@ inline std::string Do(CfgStore& store, const std::string& step) {
        [](auto& to, auto& w) { return RefusalText(AddCommand(to, w[1], w[2], w[3], Analysis::Second)); }},
       {"rename", [](auto& to, auto& w) { return RefusalText(RenameCommand(to, w[1], w[2], w[3])); }},
       {"delete", [](auto& to, auto& w) { return RefusalText(DeleteCommand(to, w[1], w[2])); }},
+      {"addProtocol",
+       [](auto& to, auto& w) {
+         return RefusalText(AddProtocol(to, {w[1], "", 1, {550, 0, "01", "011", "1", 0, ""}}));
+       }},
       {"deleteProtocol", [](auto& to, auto& w) { return RefusalText(DeleteProtocol(to, w[1])); }},
       {"set", [=](auto& to, auto& w) { return done(SetGeneralValue(to, w[1], w[2])); }},
       {"save", [](auto& to, auto&) { return SaveConfig(to), std::string(); }},

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "config/check_config.h"
-#include "config/commands.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "config/numbers.h"
-#include "config/protocols.h"
 #include "config/read_settings.h"
 #include "config/values.h"
 #include "failure.h"
@@ -97,20 +95,6 @@ TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
   check(Replaced(kNec, "a test", std::string(4000, '[')), "holds one [ after another");
   check(WithoutCr(kNec), "line 1 does not end in CR LF");
   check("", "[END] was not found");
-}
-
-TEST(Searches, EndSoonInATextOfNothingButHeadersOrCommas) {
-  for (const std::string part : {"[", "[a", "[\r\n", "[a]\r\n", "G1,A\r", ","}) {
-    std::string run;
-    while (run.size() <= kMostCharacters - Config("").size() - part.size()) run += part;
-    Stored stored(Config(run));
-    CheckConfig(stored.Store);
-    for (const std::string& protocol : ListProtocols(stored.File())) {
-      if (protocol.size() > 5) ListCommands(stored.File(), protocol);
-    }
-    SaveConfig(stored.Store);
-    EXPECT_EQ(stored.File(), Config(run));
-  }
 }
 
 TEST(SetGeneralValue, ChangesOneWholeLineOfTheFileOrNone) {
