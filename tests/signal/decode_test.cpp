@@ -95,25 +95,20 @@ TEST(DecodeFrames, ReadsEachLineCodeAndKeepsTheBordersOfFrames) {
 }
 
 TEST(CutFrames, TakesTheFirstTwo) {
-  struct Cut {
-    std::string Decoded, First, Second;
-    bool FirstEnded, DoubleMarkBehind;
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"GGG101GG101GG0", "101 101 ended, double mark"},
+      {"GGG101G01", "101 01 ended"},
+      {"GGG101GGG", "101  ended, double mark"},
+      {"GGG101", "101 "},
+      {"101G1", "101 1 ended"},
+      {"GGG", " "},
+      {"", " "},
   };
-  const std::vector<Cut> cases = {
-      {"GGG101GG101GG0", "101", "101", true, true},
-      {"GGG101G01", "101", "01", true, false},
-      {"GGG101GGG", "101", "", true, true},
-      {"GGG101", "101", "", false, false},
-      {"101G1", "101", "1", true, false},
-      {"GGG", "", "", false, false},
-      {"", "", "", false, false},
-  };
-  for (const Cut& c : cases) {
-    const FramePair frames = CutFrames(c.Decoded);
-    EXPECT_EQ(frames.First, c.First) << c.Decoded;
-    EXPECT_EQ(frames.Second, c.Second) << c.Decoded;
-    EXPECT_EQ(frames.FirstEnded, c.FirstEnded) << c.Decoded;
-    EXPECT_EQ(frames.DoubleMarkBehind, c.DoubleMarkBehind) << c.Decoded;
+  for (const auto& [decoded, cut] : cases) {
+    const FramePair frames = CutFrames(decoded);
+    const std::string ended = frames.FirstEnded ? " ended" : "";
+    const std::string mark = frames.DoubleMarkBehind ? ", double mark" : "";
+    EXPECT_EQ(std::string(frames.First) + " " + std::string(frames.Second) + ended + mark, cut) << decoded;
   }
 }
 

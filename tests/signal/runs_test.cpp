@@ -88,12 +88,5 @@ TEST(SignalBytes, EndWithTheLastSampleOfAMark) {
   }
 }
 
-TEST(SamplesToBits, WritesTheEarliestSampleFirst) {
-  using namespace std::string_literals;
-  EXPECT_EQ(SamplesToBits("\xF0\x01"s), "1111000000000001");
-  EXPECT_EQ(SamplesToBits("\x7F\xFF\x00"s), "011111111111111100000000");
-  EXPECT_EQ(SamplesToBits(""), "");
-}
-
 }  // namespace
 }  // namespace keplo
