@@ -91,7 +91,8 @@ TEST(Changes, TellWhyTheyAreRefused) {
 }
 
 TEST(Changes, AreRefusedBeforeTheSaveWhereTheTextDoesNotFit) {
-  for (const auto& [step, room] : {std::pair("add|NEC|G11100|UP", 10), std::pair("remove|NEC|A", 0)}) {
+  for (const auto& [step, room] :
+       {std::pair("add|NEC|G11100|UP", 10), {"remove|NEC|A", 0}, {"select|10", 0}}) {
     const std::string text = With({"G10,A"}),
                       full = std::string(kMostCharacters - text.size() - room, '#') + text;
     Stored stored(full);

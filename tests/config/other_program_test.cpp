@@ -113,14 +113,6 @@ TEST_F(OtherProgram, KeepsItsTextBesideAChangeOrNone) {
   EXPECT_EQ(stored_.File(), "half a file");
 }
 
-TEST_F(OtherProgram, KeepsThePlaceOfThePlaceholderWhenLinesComeInBeforeIt) {
-  stored_.Load(Replaced(Config(kSony), "[SONY]", "# another comment\r\n[SONY]"));
-  const std::string other = Replaced(stored_.File(), "[General]\r\n", "; head\r\n[General]\r\n");
-  stored_.Write(other);
-  ASSERT_EQ(Do(store_, "remove|SONY|MUTE"), "");
-  EXPECT_EQ(store_.CfgText, Replaced(other, "\r\nG0011,MUTE\r\n", "G10,EMPTY\r\n\r\n"));
-}
-
 TEST_F(OtherProgram, IsNotUndone) {
   EXPECT_NE(undo_.Undo(), "");
   Change({"add|NEC|G1110|DOWN"});

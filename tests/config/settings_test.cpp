@@ -6,7 +6,6 @@
 #include "config/numbers.h"
 #include "config/read_settings.h"
 #include "config/values.h"
-#include "failure.h"
 
 namespace keplo {
 namespace {
@@ -114,26 +113,6 @@ TEST(SetGeneralValue, ChangesOneWholeLineOfTheFileOrNone) {
         Replaced(text, "ITYPE= 0\r", "ITYPE= 0"), WithoutCr(kNec) + text}) {
     change(torn, "");
   }
-}
-
-TEST(LoadConfig, WritesInTheBlanksThatAHandEditedFileLacks) {
-  Stored stored(
-      "[General]\r\nCOMPORT=1\r\nVEXIL=\r\n[A]\r\n# GPROTO=1\r\nBITG= 1\r\nGREPEAT=-1\r\n[END]\r\n");
-  SaveConfig(stored.Store);
-  EXPECT_EQ(stored.File(),
-            "[General]\r\nCOMPORT= 1\r\nVEXIL= \r\n[A]\r\n# GPROTO=1\r\nBITG= 1\r\nGREPEAT=-1\r\n[END]\r\n");
-}
-
-TEST(ReplaceValueAt, StaysInMemoryAndInsideTheLimit) {
-  Stored stored(Config(""));
-  const std::string full = Config("") + std::string(kMostCharacters - Config("").size(), '#');
-  stored.Store.ReplaceText(full);
-  const int position = FindNoCase("PROTOCOL=", full, 1);
-  for (const int nowhere : {0, 32767}) EXPECT_FALSE(ReplaceValueAt(stored.Store, nowhere, "3"));
-  EXPECT_TRUE(ReplaceValueAt(stored.Store, position, "7"));
-  EXPECT_THROW(ReplaceValueAt(stored.Store, position, "10"), Failure);
-  EXPECT_TRUE(stored.Store.CfgText == Replaced(full, "PROTOCOL= 0", "PROTOCOL= 7"));
-  EXPECT_EQ(stored.File(), Config(""));
 }
 
 }  // namespace
