@@ -17,7 +17,7 @@ using tests::Then;
 
 const std::string kNecDigits = "00000000111111110110100010010111";
 
-TEST(MonitorRoad, EndsWhereItMust) {
+TEST(MonitoredPress, EndsWhereItMust) {
   struct Case {
     std::string Name;
     std::string Capture;

@@ -19,7 +19,7 @@ const std::string kNecDigits = "00000000111111110110100010010111";
 RunVector Twice(const RunVector& first, const RunVector& second) { return tests::Then(first, 400, second); }
 RunVector Twice(const RunVector& frame) { return Twice(frame, frame); }
 
-TEST(RecordRoad, ExplainsAPressOfEachKind) {
+TEST(RecordedPress, ExplainsAPressOfEachKind) {
   struct Case {
     std::string Name;
     RunVector Press;
@@ -64,7 +64,7 @@ TEST(RecordRoad, ExplainsAPressOfEachKind) {
   EXPECT_TRUE(reading.Code.empty() && reading.Runs.Ones.empty() && !reading.Values && !reading.SyncType);
 }
 
-TEST(RecordRoad, EndsWhereItMust) {
+TEST(RecordedPress, EndsWhereItMust) {
   struct Case {
     std::string Name, Capture;
     RecordStage Ended;
@@ -95,7 +95,7 @@ TEST(RecordRoad, EndsWhereItMust) {
   }
 }
 
-TEST(RecordRoad, ComparesASecondFrameThatTheBufferCuts) {
+TEST(RecordedPress, ComparesASecondFrameThatTheBufferCuts) {
   const RunVector sony = SonyRuns("101010010000");
   std::string samples = tests::Runs(Twice(sony, {sony.begin(), sony.end() - 6}));
   while (samples.size() % kBitsPerByte != 0) samples += '1';
