@@ -27,7 +27,7 @@ std::string DriverOf(const fs::path& device) {
   std::error_code error;
   for (fs::path at = fs::canonical(device, error); !error && at.has_relative_path(); at = at.parent_path()) {
     std::error_code none;
-    const std::string driver = fs::read_symlink(at / "driver", none).filename().string();
+    std::string driver = fs::read_symlink(at / "driver", none).filename().string();
     if (!driver.empty() && driver != "port" && driver != "ctrl") return driver;
     std::ifstream facts(at / "uevent");
     const std::string key = "DRV_NAME=";

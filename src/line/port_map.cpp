@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kExpectedLine = "expected a line such as \"1 = serial:/dev/ttyS0\"";
-constexpr std::size_t kLongestFile = 64 * 1024;
+constexpr std::size_t kLongestFile = std::size_t{64} * 1024;
 
 std::string_view Trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -133,7 +133,7 @@ PortMap ParsePortMap(const std::string& text, const std::string& path) {
     if (mistake.empty()) {
       map.Ports.push_back(std::move(port));
     } else {
-      map.Mistakes.push_back(path + ":" + std::to_string(number) + ": " + mistake);
+      map.Mistakes.push_back(mistake.insert(0, path + ":" + std::to_string(number) + ": "));
     }
   }
   std::sort(map.Ports.begin(), map.Ports.end(),

@@ -98,8 +98,9 @@ std::vector<TimeTick> TimeTicks(double fromMs, double toMs, double shortestMs) {
     if (part * decade >= shortestMs) step = part * decade;
   }
   const double small = step / kTicksPerLabel;
-  for (auto number = static_cast<std::int64_t>(std::ceil(fromMs / small)); number * small <= toMs; ++number)
-    ticks.push_back({number * small, number % kTicksPerLabel == 0});
+  for (auto number = static_cast<std::int64_t>(std::ceil(fromMs / small));
+       static_cast<double>(number) * small <= toMs; ++number)
+    ticks.push_back({static_cast<double>(number) * small, number % kTicksPerLabel == 0});
   return ticks;
 }
 

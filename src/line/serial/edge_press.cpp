@@ -28,13 +28,13 @@ EdgePress ReadPress(std::span<const Edge> edges, std::size_t beginning, bool res
   for (++i; i < edges.size() && edges[i].At < end; ++i) {
     const bool expected = press.Train.size() % 2 == 0 ? rest : !rest;
     if (edges[i].Level != expected) continue;
-    press.Train.push_back(Microseconds(edges[i].At) - Microseconds(from));
+    press.Train.push_back(static_cast<int>(Microseconds(edges[i].At) - Microseconds(from)));
     from = edges[i].At;
   }
   press.Edges = i;
   if (press.Train.size() % 2 == 0) {
     press.AllLight = press.Train.empty();
-    press.Train.push_back(Microseconds(end) - Microseconds(from));
+    press.Train.push_back(static_cast<int>(Microseconds(end) - Microseconds(from)));
   }
   return press;
 }

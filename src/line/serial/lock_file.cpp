@@ -31,7 +31,7 @@ std::string HolderOfLockFile(const std::string& device) {
 }
 
 std::string TakeLockFile(const std::string& device) {
-  const std::string path = LockFileOf(device);
+  std::string path = LockFileOf(device);
   if (HolderOfLockFile(device).empty()) unlink(path.c_str());
   const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (descriptor < 0) return {};

@@ -45,7 +45,7 @@ struct RunCounts {
     constexpr double kNear = 0.35;
     ++All;
     if (units < 1 - kNear || units > kMostUnits + kNear) return;
-    const int whole = static_cast<int>(units + 0.5);
+    const int whole = static_cast<int>(std::lround(units));
     if (std::abs(units - whole) <= kNear) ++Near.at(static_cast<std::size_t>(whole));
   }
 
