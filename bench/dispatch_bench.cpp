@@ -51,7 +51,7 @@ void PressToEvent(benchmark::State& state) {
   folder.Write("keplo.cfg", LargeConfig());
   PosixFileSystem files;
   tests::FixedClock clock;
-  tests::RecordingBoxes boxes;
+  tests::ScriptedBoxes boxes;
   tests::ScriptedDialog dialog;
   PressLine line(tests::Bytes(tests::Runs(tests::NecRuns(kDigits))));
   KeploMod mod(folder.Path(), files);

@@ -1,4 +1,3 @@
-#include "events/event_row.h"
 #include "keplo_mod.h"
 #include "shell_fixture.h"
 
@@ -17,14 +16,15 @@ TEST_F(ContextMenu, OpensOnTheRightButtonOnly) {
   Keplo& control = Create();
   int shown = 0;
   control.RightClickMenu.OnPopUp = [&] { ++shown; };
-  for (const int button : {1, 2}) control.ListView1_MouseDown(button);
+  for (const int button : {1, 2, 4}) control.ListView1_MouseDown(button);
   EXPECT_EQ(shown, 1);
   std::string captions;
   for (const ui::MenuItem& item : control.RightClickMenu.Items) captions += item.Caption + ";";
   EXPECT_EQ(captions, "Enable;Disable;-;Help;");
   control.RightClickMenu.Items[3].OnClick();
   ASSERT_EQ(boxes_.Shown.size(), 1U);
-  EXPECT_EQ(boxes_.Shown[0].substr(0, boxes_.Shown[0].find("\r\n")), "Keplo Input Plugin v" + VersionText);
+  EXPECT_EQ(boxes_.Shown[0].substr(0, boxes_.Shown[0].find("\r\n")),
+            "InputKeplo: Keplo Input Plugin v" + VersionText);
 }
 
 TEST_F(ContextMenu, SwitchesTheSelectedEventInAllThreePlaces) {
@@ -55,15 +55,6 @@ TEST_F(ContextMenu, DoesNothingOnAnEmptyListAndFailsLoudlyWithoutASelection) {
   ASSERT_EQ(errors_.size(), 1U);
   EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "colclsKeploEvents colclsKeploEvents.Save");
   EXPECT_EQ(control.ListView1.Text(1, 3), "True");
-}
-
-TEST(UpdateEventRow, RewritesTheRowInItsPlace) {
-  ui::ListView list;
-  AppendEventRow(list, {"1", "Lamp", "", "NEC&POWER", true, 0});
-  AppendEventRow(list, {"2", "Fan", "", "NEC&FAN1", true, 0});
-  UpdateEventRow(list, {"1", "Light", "all", "NEC&LIGHT", false, 8});
-  UpdateEventRow(list, {"9", "Other", "", "", true, 0});
-  EXPECT_EQ(tests::RowTexts(list), "Light|all|NEC&LIGHT|False|8|1|\nFan||NEC&FAN1|True|0|2|\n");
 }
 
 }  // namespace

@@ -9,23 +9,15 @@ using tests::ProtocolSection;
 using tests::ScriptedDialog;
 
 TEST(SplitCommandRef, WantsFourCharactersBehindTheFirstAmpersand) {
-  struct Case {
-    std::string Reference, Protocol, Command;
-  };
-  const std::vector<Case> cases = {{"NEC&POWER", "NEC", "POWER"},
-                                   {"NEC&DOWN", "NEC", "DOWN"},
-                                   {"NEC&UP", "", ""},
-                                   {"NEC&OFF", "", ""},
-                                   {"NEC", "", ""},
-                                   {"", "", ""},
-                                   {"A&B&CDE", "A", "B&CDE"}};
   PosixFileSystem files;
-  for (const Case& c : cases) {
+  for (const std::string row : {"NEC&POWER|NEC|POWER", "NEC&DOWN|NEC|DOWN", "NEC&UP||", "NEC&OFF||", "NEC||",
+                                "||", "A&B&CDE|A|B&CDE"}) {
+    const std::vector<std::string> parts = tests::Parts(row);
     CfgStore store("unused", files);
     store.CurProtocol = store.CurCommand = "old";
-    SplitCommandRef(c.Reference, store);
-    EXPECT_EQ(store.CurProtocol, c.Protocol) << c.Reference;
-    EXPECT_EQ(store.CurCommand, c.Command) << c.Reference;
+    SplitCommandRef(parts[0], store);
+    EXPECT_EQ(store.CurProtocol, parts[1]) << row;
+    EXPECT_EQ(store.CurCommand, parts[2]) << row;
   }
 }
 
@@ -54,7 +46,7 @@ class EventDialog : public ::testing::Test {
   clsKeploEvent event_{"7", "", "", "", false, 0};
 };
 
-TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocol) {
+TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocolWhateverWasSelected) {
   EXPECT_TRUE(Show(0, [](frmEvent& dialog) {
     EXPECT_EQ(dialog.Title(), "Add New Event");
     EXPECT_EQ(dialog.Protocol.Entries(), (std::vector<std::string>{"NEC", "SONY", "Template"}));
@@ -63,9 +55,7 @@ TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocol) {
     dialog.OKButton_Click();
   }));
   EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
-}
 
-TEST_F(EventDialog, ProposesWhateverWasSelectedBeforeAndInAFileWithTheTemplateAlone) {
   const auto press = [](frmEvent& dialog) { dialog.OKButton_Click(); };
   store_.CurProtocol = "SONY";
   store_.CurCommand = "PLAY";

@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "config/config_builder.h"
 #include "disk/posix_file_system.h"
 #include "doubles/fake_line.h"
+#include "doubles/scripted_boxes.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"
 #include "events/event_table.h"
@@ -19,24 +21,6 @@ class FixedClock : public ui::Clock {
  public:
   std::chrono::system_clock::time_point Now() const override {
     return std::chrono::system_clock::from_time_t(0);
-  }
-};
-
-class RecordingBoxes : public ui::Boxes {
- public:
-  std::vector<std::string> Shown;
-  void Message(std::string_view text, std::string_view /*title*/) override { Shown.emplace_back(text); }
-  void Error(std::string_view text, std::string_view title, std::string_view /*reason*/) override {
-    Message(text, title);
-  }
-  bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
-  bool Question(std::string_view text, std::string_view /*title*/) override {
-    Shown.emplace_back(text);
-    return false;
-  }
-  std::string Input(std::string_view text, std::string_view /*title*/, std::string_view /*preset*/) override {
-    Shown.emplace_back(text);
-    return {};
   }
 };
 
@@ -54,16 +38,14 @@ struct General {
 };
 
 inline std::string ProtocolSection(const std::string& name, const std::string& commands) {
-  return "[" + name +
-         "]\r\n# a protocol\r\nGPROTO= 0\r\nSENDPLS= 560\r\nREPEAT= 0\r\nBITG= 10\r\nBIT0= 10\r\n" +
-         "BIT1= 1000\r\nGREPEAT= 1\r\n\r\n" + commands + "\r\n";
+  return Protocol(name, {commands});
 }
 
 inline std::string Config(const General& general, const std::string& sections) {
-  return "[General]\r\nCOMPORT= " + general.ComPort +
-         "\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= " + general.InterfaceType +
-         "\r\nBEEPON= " + general.BeepOn + "\r\nVEXIL= " + general.Vexil + "\r\n\r\n" + sections +
-         ProtocolSection("Template", "G10,EMPTY\r\n") + "[END]\r\n";
+  return Lines({"[General]", "COMPORT= " + general.ComPort, "PROTOCOL= 0", "PROCDELAY= 10",
+                "ITYPE= " + general.InterfaceType, "BEEPON= " + general.BeepOn, "VEXIL= " + general.Vexil,
+                ""}) +
+         sections + Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
 }
 
 inline std::string RowTexts(const ui::ListView& list) {
@@ -73,6 +55,12 @@ inline std::string RowTexts(const ui::ListView& list) {
     rows += "\n";
   }
   return rows;
+}
+
+/// The texts of the status panel in a line.
+inline std::string PanelText(const StatusPanel& panel) {
+  return panel.CtlComPort.Text() + "|" + panel.CtlPortStatus.Text() + "|" + panel.RcvActivated.Text() + "|" +
+         panel.VexilAvailable.Text() + "|" + panel.InterfaceType.Text();
 }
 
 /// An application path with a file and an event map, and a control that comes up from them.
@@ -128,7 +116,7 @@ class ShellTest : public ::testing::Test {
   TempFolder folder_;
   PosixFileSystem files_;
   FixedClock clock_;
-  RecordingBoxes boxes_;
+  ScriptedBoxes boxes_;
   ScriptedDialog dialog_;
   FakeLine line_;
   std::function<void()> mainWindow_ = [] {};
