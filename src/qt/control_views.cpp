@@ -45,17 +45,17 @@ Model& ModelAs(Form1& form, const ControlRow& row) {
   return form.*std::get<Model Form1::*>(row.Model);
 }
 
-/// The label that stands ahead of a control; null for none.
+/// The label that stands before a control; null for none.
 const ControlRow* LabelOf(const ControlRow& row) {
   const auto rows = Controls();
   const auto found = std::find_if(rows.begin(), rows.end(),
-                                  [&](const ControlRow& label) { return label.Names == row.Name; });
+                                  [&](const ControlRow& label) { return label.LabelFor == row.Name; });
   return found == rows.end() ? nullptr : &*found;
 }
 
 /// A field that Tab passes by is reached by the first letter of its label.
 char AccessKeyOf(const ControlRow& label) {
-  const ControlRow* field = FindControl(label.Names);
+  const ControlRow* field = FindControl(label.LabelFor);
   return field == nullptr || field->TabIndex != kNoTabStop ? '\0' : label.Caption.front();
 }
 
@@ -75,8 +75,8 @@ QPalette::ColorRole GroundOf(SystemColour colour) {
 QWidget* MakeBoxedLabel(Form1& form, const ControlRow& row, QWidget* parent) {
   auto& label = ModelAs<ui::Label>(form, row);
   if (&label == &form.Signal) {
-    const QRectF part(QPointF(row.At.Left, row.At.Top) / kTwipsPerPixel,
-                      QSizeF(row.At.Width, row.At.Height) / kTwipsPerPixel);
+    const QRectF part(QPointF(row.Bounds.Left, row.Bounds.Top) / kTwipsPerPixel,
+                      QSizeF(row.Bounds.Width, row.Bounds.Height) / kTwipsPerPixel);
     return new TraceView(form, part, parent);
   }
   // What has a label of its own is a line of text; all others are a word or a number.

@@ -80,7 +80,7 @@ void Form1View::AddTabOrder() {
     } else if (view->focusPolicy() != Qt::NoFocus) {
       view->setFocusPolicy(Qt::ClickFocus);
     }
-    if (const ControlRow* named = FindControl(row->Names)) {
+    if (const ControlRow* named = FindControl(row->LabelFor)) {
       dynamic_cast<QLabel&>(*view).setBuddy(views_.at(named));
     }
   }
@@ -97,15 +97,17 @@ double Form1View::PixelsPerTwip() const {
   double pixels = logicalDpiX() / kTwipsPerInch;
   for (const auto& [row, view] : views_) {
     const QSize needed = LeastSize(*row, *view);
-    if (row->At.Width > 0) pixels = std::max(pixels, static_cast<double>(needed.width()) / row->At.Width);
-    if (row->At.Height > 0) pixels = std::max(pixels, static_cast<double>(needed.height()) / row->At.Height);
+    if (row->Bounds.Width > 0)
+      pixels = std::max(pixels, static_cast<double>(needed.width()) / row->Bounds.Width);
+    if (row->Bounds.Height > 0)
+      pixels = std::max(pixels, static_cast<double>(needed.height()) / row->Bounds.Height);
   }
   return pixels;
 }
 
 void Form1View::Rescale() {
   scale_ = TwipScale(PixelsPerTwip());
-  for (const auto& [row, view] : views_) view->setGeometry(Pixels(row->At, scale_));
+  for (const auto& [row, view] : views_) view->setGeometry(Pixels(row->Bounds, scale_));
   FitSize();
 }
 

@@ -74,18 +74,18 @@ struct ControlRow {
   std::string_view Name;
   ControlMember Model;
   ControlKind Kind;
-  Place At;                       // inside the frame it stands in, else inside the window
+  Place Bounds;                   // inside the frame it stands in, else inside the window
   std::string_view Caption = {};  // of labels, buttons and check boxes; the model has no other
   std::string_view Tip = {};
   int TabIndex = kNoTabStop;            // from 0
-  std::string_view Names = {};          // the control that this label stands ahead of
+  std::string_view LabelFor = {};       // the control that this label stands before
   std::string_view Frame = {};          // the frame it stands in
   std::optional<ui::Colour> Back = {};  // of the model at the start
   SystemColour System = SystemColour::Usual;
   std::optional<keplo::Font> Font = {};
 };
 
-/// The controls, from top to bottom of the window; a frame stands ahead of what is in it.
+/// The controls, from top to bottom of the window; a frame stands before what is in it.
 std::span<const ControlRow> Controls();
 /// @return null for a name that no control has
 const ControlRow* FindControl(std::string_view name);

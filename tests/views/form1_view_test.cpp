@@ -121,7 +121,7 @@ TEST_F(MainWindowOnScreen, TheTraceIsReadByMouseAndByKeyboard) {
   Record();
   QWidget& trace = Find("Signal");
   const auto across = [&](double sample) {
-    const Place at = FindControl("Signal")->At;
+    const Place at = FindControl("Signal")->Bounds;
     const double place = form_->WavePlace(sample) - at.Left / double{kTwipsPerPixel};
     return QPointF(place * kTwipsPerPixel * trace.width() / at.Width, trace.height() / 2.0);
   };
@@ -162,7 +162,7 @@ TEST_F(MainWindowOnScreen, TheTraceIsOneLineAtEveryZoom) {
     Click(button);
     const QImage box = Find("Signal").grab().toImage();
     const int end = static_cast<int>(std::min(form_->WavePlace(400), 500.0) * box.width() * kTwipsPerPixel /
-                                     FindControl("Signal")->At.Width);
+                                     FindControl("Signal")->Bounds.Width);
     for (int x = box.width() / 10; x < end; ++x) {
       bool lit = false;
       for (int y = 0; y < box.height(); ++y) lit = lit || box.pixelColor(x, y) == QColor(Qt::green);

@@ -53,7 +53,7 @@ class WindowProgram : public ::testing::Test {
   /// Where a control lies on the screen.
   ScreenPart PartOf(const char* control) const {
     const double scale = static_cast<double>(at_.Width) / kFullInner.Width;
-    const Place& place = FindControl(control)->At;
+    const Place& place = FindControl(control)->Bounds;
     const auto pixels = [&](int twips) { return static_cast<int>(std::lround(twips * scale)); };
     const int menuHeight = at_.Height - pixels(kFullInner.Height);
     return {at_.X + pixels(place.Left), at_.Y + menuHeight + pixels(place.Top), pixels(place.Width),
