@@ -35,7 +35,7 @@ std::string_view KeyOf(std::string_view line) {
   return {};
 }
 
-/// Writes in the blank that belongs behind a key's =, where a hand-edited file lacks it. A sign may stand in
+/// Writes in the blank that belongs after a key's =, where a hand-edited file lacks it. A sign may stand in
 /// its place.
 std::string WithBlanks(std::string_view text) {
   std::string result;
@@ -101,7 +101,7 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::option
                      [&](const std::filesystem::path& target, const std::string& found) {
                        if (!known || found == *known) return;
                        if (store.RefusesOtherText) throw ChangedElsewhere(target);
-                       aside = KeepAside(store.Files, target, found);
+                       aside = SaveConflictCopy(store.Files, target, found);
                      });
 } catch (const Failure& failure) {
   // The other text is in its place still, and needs no copy.

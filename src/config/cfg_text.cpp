@@ -25,9 +25,9 @@ bool MatchesAt(std::string_view needle, std::string_view text, std::size_t offse
 }
 
 /// The places of one character in either case, in rising order.
-class EitherCase {
+class IgnoringCase {
  public:
-  EitherCase(std::string_view text, char character)
+  IgnoringCase(std::string_view text, char character)
       : text_(text), lower_(LowerCase(character)), upper_(lower_) {
     if (lower_ >= 'a' && lower_ <= 'z') upper_ = static_cast<char>(lower_ - ('a' - 'A'));
   }
@@ -51,7 +51,7 @@ std::size_t FindMatch(std::string_view needle, std::string_view text, std::size_
   // Codes make 0 and 1 the bulk of a text, so anything else in the needle is met far less often.
   const std::size_t rare = needle.find_first_not_of("0123456789");
   const std::size_t anchor = rare == std::string_view::npos ? 0 : rare;
-  EitherCase places(text.substr(0, end + anchor), needle[anchor]);
+  IgnoringCase places(text.substr(0, end + anchor), needle[anchor]);
   for (std::size_t at = places.Next(first + anchor); at != std::string_view::npos; at = places.Next(at + 1)) {
     if (MatchesAt(needle, text, at - anchor)) return at - anchor;
   }

@@ -85,8 +85,8 @@ Failure CannotBeWritten(const std::filesystem::path& path, const Failure& cause)
           path.string() + " cannot be written: " + std::generic_category().message(cause.Number())};
 }
 
-std::filesystem::path KeepAside(FileSystem& files, const std::filesystem::path& file,
-                                std::string_view content) {
+std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem::path& file,
+                                       std::string_view content) {
   const std::filesystem::path temporary = TemporaryName(file);
   std::filesystem::path aside;
   WriteBeside(files, temporary, files.Attributes(file), content, [&] {

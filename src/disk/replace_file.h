@@ -43,8 +43,8 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path);
 /// the folder is locked.
 /// @return the name
 /// @throws Failure if it cannot be written
-std::filesystem::path KeepAside(FileSystem& files, const std::filesystem::path& file,
-                                std::string_view content);
+std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem::path& file,
+                                       std::string_view content);
 
 /// Brings a file that is not there yet, whole at the instant when its name is seen, and returns once it would
 /// survive a power cut. It has the permissions that new files of the process have.

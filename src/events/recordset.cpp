@@ -89,13 +89,13 @@ bool Recordset::Eof() const {
 }
 
 void Recordset::MoveNext() {
-  PresentRow();
+  CurrentRow();
   edited_.reset();
   ++position_;
 }
 
 const SqlValue& Recordset::FieldValue(std::string_view column) const {
-  const Row& row = PresentRow();
+  const Row& row = CurrentRow();
   const std::size_t index = ColumnIndex(column);
   return edited_ ? (*edited_)[index] : row.Values[index];
 }
@@ -140,7 +140,7 @@ Failure Recordset::FieldFailure(int number, std::string_view column, const char*
 
 void Recordset::SetFieldValue(std::string_view column, SqlValue value) {
   LiveDatabase();
-  const Row& row = PresentRow();
+  const Row& row = CurrentRow();
   const std::size_t index = ColumnIndex(column);
   if (!edited_) edited_ = row.Values;
   (*edited_)[index] = std::move(value);
@@ -156,7 +156,7 @@ void Recordset::AddNew() {
 
 void Recordset::Update() {
   sqlite3* database = LiveDatabase();
-  const std::optional<std::int64_t> rowID = PresentRow().RowID;
+  const std::optional<std::int64_t> rowID = CurrentRow().RowID;
   Transaction transaction(database);
   SqliteStatement statement(database, rowID ? kUpdate : kInsert);
   BindPresentRow(statement);
@@ -183,7 +183,7 @@ void Recordset::BindPresentRow(SqliteStatement& statement) const {
 
 void Recordset::Delete() {
   sqlite3* database = LiveDatabase();
-  const Row& row = PresentRow();
+  const Row& row = CurrentRow();
   std::optional<NotConfirmed> doubt;
   if (row.RowID) {
     Transaction transaction(database);
@@ -214,7 +214,7 @@ void Recordset::RequireOpen() const {
   if (!open_) throw Failure(kObjectClosed, "The result set is closed. Open it first.");
 }
 
-const Recordset::Row& Recordset::PresentRow() const {
+const Recordset::Row& Recordset::CurrentRow() const {
   if (Eof())
     throw Failure(kNoCurrentRow, "The result set stands on no row: no event was found, or all were read.");
   return rows_[position_];

@@ -67,7 +67,7 @@ class Recordset {
   void ReadRows() const;
   Row ReadRow() const;
   void RequireOpen() const;
-  const Row& PresentRow() const;
+  const Row& CurrentRow() const;
   sqlite3* LiveDatabase() const;
   std::size_t ColumnIndex(std::string_view column) const;
   std::int64_t FieldNumber(std::string_view column, const char* expected) const;

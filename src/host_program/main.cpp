@@ -145,8 +145,8 @@ int main(int argc, char** argv) {
   try {
     HostOptions options;
     if (const auto status = ReadOptions(argc, argv, options)) return *status;
-    if (options.ToDo != Errand::Run) {
-      options.ToDo == Errand::Register ? Register(options) : Unregister(options);
+    if (options.ToDo != Task::Run) {
+      options.ToDo == Task::Register ? Register(options) : Unregister(options);
       return kDone;
     }
     const HostLog log(options.Json, JournalStreamsOfThisProgram());

@@ -59,9 +59,9 @@ std::optional<int> ReadOptions(int argc, char** argv, HostOptions& options) {
   if (const auto status = line.Parse(argc, argv)) return status;
   options.ComponentFile = choices.ComponentFile;
   options.HttpPort = choices.NoHttp ? std::nullopt : std::optional(static_cast<std::uint16_t>(choices.Port));
-  if (choices.Register) options.ToDo = Errand::Register;
-  if (choices.Unregister) options.ToDo = Errand::Unregister;
-  if (options.ToDo != Errand::Run) return std::nullopt;
+  if (choices.Register) options.ToDo = Task::Register;
+  if (choices.Unregister) options.ToDo = Task::Unregister;
+  if (options.ToDo != Task::Run) return std::nullopt;
   CreationContext& control = options.Control;
   control.ApplicationPath = ResolveAppPath(control.ApplicationPath).string();
   options.HostFile = choices.HostFile.empty() ? std::filesystem::path(control.ApplicationPath) / "host.json"

@@ -11,7 +11,7 @@
 namespace keplo::host {
 
 /// What the host is asked to do beside running.
-enum class Errand { Run, Register, Unregister };
+enum class Task { Run, Register, Unregister };
 
 /// Default port of the web pages; none of the registered ones.
 inline constexpr std::uint16_t kUsualHttpPort = 8738;
@@ -26,7 +26,7 @@ struct HostOptions {
   std::vector<std::string> HttpNames;
   std::filesystem::path HostFile;
   std::filesystem::path ComponentFile;  // empty for the registered one
-  Errand ToDo = Errand::Run;
+  Task ToDo = Task::Run;
 };
 
 /// Reads the command line.
