@@ -13,7 +13,7 @@ keplo_mod line install
 formats config events component_loader
 program
 disk ui signal host
-failure links maker'
+failure links'
 
 # Prints "FROM TO" for every module that includes a file of another.
 arrows() {

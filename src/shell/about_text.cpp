@@ -1,7 +1,7 @@
 #include "shell/about_text.h"
 
 #include "keplo_mod.h"
-#include "maker.h"
+#include "links.h"
 
 namespace keplo {
 

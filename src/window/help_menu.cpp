@@ -1,7 +1,7 @@
 #include "window/help_menu.h"
 
 #include "keplo_mod.h"
-#include "maker.h"
+#include "links.h"
 
 namespace keplo {
 

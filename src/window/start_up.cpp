@@ -5,7 +5,7 @@
 #include "config/read_settings.h"
 #include "failure.h"
 #include "keplo_mod.h"
-#include "maker.h"
+#include "links.h"
 #include "window/flows.h"
 #include "window/form1.h"
 #include "window/new_protocol.h"
