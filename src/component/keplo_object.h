@@ -23,7 +23,7 @@ class KeploObject final : public IComponentObject,
                           public IEventCatalogue,
                           public IPressTally {
  public:
-  /// @param released runs when the host has let the object go, behind its end
+  /// @param released runs when the host has let the object go, after its end
   /// @throws Failure if a recording or keplo.cfg cannot be read
   KeploObject(const CreationContext& context, std::function<void()> released);
   virtual ~KeploObject();

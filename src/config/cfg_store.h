@@ -54,7 +54,7 @@ struct CfgStore {
 };
 
 /// Reads the file into CfgText, byte for byte but for one thing: where a hand-edited key lacks the blank
-/// behind its =, the blank is written in, and the next save takes it to the file.
+/// after its =, the blank is written in, and the next save takes it to the file.
 /// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
 void LoadConfig(CfgStore& store);
 
@@ -70,8 +70,8 @@ bool HasFileChanged(const CfgStore& store);
 /// HasFileChanged says no until the file changes again
 bool ReloadConfig(CfgStore& store);
 
-/// Cuts CfgText behind its last ] and writes it to the
-/// file, with CR LF behind it in both. Without a ] text and file stay as they are. A file that holds the text
+/// Cuts CfgText after its last ] and writes it to the
+/// file, with CR LF after it in both. Without a ] text and file stay as they are. A file that holds the text
 /// already is not written.
 ///
 /// Where another program has written the file meanwhile, its changes are taken in, see MergeChanges, and

@@ -15,14 +15,14 @@ constexpr int kNowhere = 0;
 /// The last character of the text begins a match only if the search starts there. An empty needle is found
 /// at the start at once.
 /// @param start position from 1
-/// @return the position just behind the first match, not that of the match; 0 if there is none
+/// @return the position just after the first match, not that of the match; 0 if there is none
 int FindNoCase(std::string_view needle, std::string_view text, int start);
 
 /// The text from a position up to the next CR, without blanks around it; a part of the argument, so it lives
 /// as long as that text stays unchanged.
 ///
 /// The character at the position itself is never taken for the CR: on an empty value without a blank the line
-/// below comes along. Without a CR behind the position the text ends the line.
+/// below comes along. Without a CR after the position the text ends the line.
 std::string_view GetLineAt(std::string_view text, int position);
 
 /// A new text with the piece placed so that it begins at the position, from 1 to the length plus 1; a
@@ -39,10 +39,10 @@ const std::string& TrimBoth(std::string& text);
 /// The text without the blanks at its ends, as a part of the argument.
 std::string_view Trimmed(std::string_view text);
 
-/// Position of the first such character at or behind a position; 0 if there is none.
+/// Position of the first such character at or after a position; 0 if there is none.
 int SeekForward(std::string_view text, int position, char character);
 
-/// Position of the last such character at or ahead of a position; 0 if there is none. A position behind the
+/// Position of the last such character at or before a position; 0 if there is none. A position after the
 /// text starts at its last character.
 int SeekBack(std::string_view text, int position, char character);
 

@@ -8,7 +8,7 @@
 namespace keplo {
 
 /// Tells what is wrong with a loaded configuration, for a person: the file, the first thing that was not
-/// found and the line behind which it was looked for, or the line that does not end in CR LF; then what to
+/// found and the line after which it was looked for, or the line that does not end in CR LF; then what to
 /// do.
 /// @return one line without an end; empty if the configuration is whole
 std::string CheckConfig(const CfgStore& store);

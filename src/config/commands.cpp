@@ -18,7 +18,7 @@ struct Line {
   std::string_view Text;
   LineRange Range;
 
-  /// An = ahead of the comma makes it a key, such as "GREPEAT= 72, see below".
+  /// An = before the comma makes it a key, such as "GREPEAT= 72, see below".
   bool IsCommand() const {
     const std::size_t stop = Text.find_first_of(",=");
     return Text.front() == 'G' && stop != std::string_view::npos && Text[stop] == ',';
@@ -26,7 +26,7 @@ struct Line {
   std::string_view Name() const { return Trimmed(Text.substr(Text.find(',') + 1)); }
 };
 
-/// The lines below the header of a section that end ahead of the next one, those without a character left
+/// The lines below the header of a section that end before the next one, those without a character left
 /// out.
 std::vector<Line> LinesOf(std::string_view text, std::string_view protocol) {
   std::vector<Line> lines;
@@ -50,7 +50,7 @@ std::optional<LineRange> FirstLine(const std::vector<Line>& lines, Predicate fit
   return line == lines.end() ? std::nullopt : std::optional(line->Range);
 }
 
-/// Position just behind the GREPEAT of a section; 0 if it has none.
+/// Position just after the GREPEAT of a section; 0 if it has none.
 int BehindLastKey(std::string_view text, const std::optional<Section>& section) {
   return section ? FindNoCase("GREPEAT", text, section->Begin) : kNowhere;
 }

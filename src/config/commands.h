@@ -19,14 +19,14 @@ int CountCommands(CfgStore& store);
 
 /// Removes the line of CurCommand in section CurProtocol from CfgText, in memory only.
 ///
-/// Only a whole command line of a section behind [General] goes: the first one with exactly this name or,
+/// Only a whole command line of a section after [General] goes: the first one with exactly this name or,
 /// without one, with this name in other capitals. CfgPos then stands where the line began, CfgPos2 on its LF;
 /// without such a line CfgPos is 0 and nothing is removed.
 void DeleteCommandLine(CfgStore& store);
 
 /// A command as a section's list shows it.
 struct LearnedCommand {
-  std::string Name;  // from behind the comma to the end of the line, blanks included
+  std::string Name;  // from after the comma to the end of the line, blanks included
   std::string Code;  // from the first character of the line, a G, to the comma
 };
 
@@ -34,7 +34,7 @@ struct LearnedCommand {
 /// counts as one. A section that no other one follows has none.
 std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view protocol);
 
-/// The code of the command line in which the name is found first behind the header of the section. That is a
+/// The code of the command line in which the name is found first after the header of the section. That is a
 /// line further up if the name is a part of it. Only where no command line has it any line counts.
 /// @return G and the rest of the line up to its comma; empty if section, name or comma is missing
 std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol, std::string_view name);
@@ -60,7 +60,7 @@ bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_v
 /// The placeholder line of a section; a learned command of that name is none.
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol);
 
-/// The number that CountCommands gives, for any section behind [General].
+/// The number that CountCommands gives, for any section after [General].
 int CommandsIn(std::string_view text, std::string_view protocol);
 
 }  // namespace keplo

@@ -12,7 +12,7 @@ namespace keplo {
 
 namespace {
 
-/// The section of a protocol with a header behind it, as new commands need it.
+/// The section of a protocol with a header after it, as new commands need it.
 std::optional<Section> FindProtocol(std::string_view text, std::string_view protocol) {
   std::optional<Section> section = FindSectionToChange(text, protocol);
   if (IsGeneral(protocol) || (section && !section->Closed)) section.reset();
@@ -29,7 +29,7 @@ int LastCharacter(std::string_view text, const Section& section) {
   return static_cast<int>(text.find_last_not_of("\r\n", static_cast<std::size_t>(section.End) - 2)) + 1;
 }
 
-/// Where a new command line goes: behind the last command of the section; in a section without one, behind
+/// Where a new command line goes: after the last command of the section; in a section without one, after
 /// its last line that is not empty. Empty if the section is missing or that line runs into the next header.
 std::optional<int> PlaceForCommand(std::string_view text, std::string_view protocol) {
   const std::optional<Section> section = FindProtocol(text, protocol);

@@ -19,7 +19,7 @@ enum class Refusal {
   NoName,
   InvalidName,
   NameInUse,
-  NoSection,       // there is no protocol section of that name, or no header behind it
+  NoSection,       // there is no protocol section of that name, or no header after it
   SectionTwice,    // two sections have that name, in whatever case
   NoMoreCommands,  // only the placeholder is left
   NoSuchCommand,
@@ -47,7 +47,7 @@ LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy 
 /// A name that occurs nowhere in the section, not even inside another word.
 LearnResult CheckName(std::string_view text, std::string_view protocol, std::string& name);
 
-/// Puts a checked command behind the last one of a section and saves. The placeholder stays, see
+/// Puts a checked command after the last one of a section and saves. The placeholder stays, see
 /// DropPlaceholder. Sets NewCmdLine.
 /// @return false, with nothing changed, if the section is missing
 /// @throws Failure if the text would grow beyond its limit or the save fails; CfgText then agrees with the

@@ -10,7 +10,7 @@ constexpr std::int64_t kCeiling = 1'000'000'000'000;
 struct Parts {
   bool Negative = false;
   std::int64_t Whole = 0;
-  std::string_view Fraction;  // digits behind the point
+  std::string_view Fraction;  // digits after the point
 
   std::int64_t Signed(std::int64_t whole) const { return Negative ? -whole : whole; }
 };

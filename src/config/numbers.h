@@ -8,7 +8,7 @@
 namespace keplo {
 
 // A value begins with blanks, an optional sign and digits, perhaps a point and further digits; what follows
-// does not count. Without a digit ahead of the point the value is 0.
+// does not count. Without a digit before the point the value is 0.
 
 /// The number with its fraction dropped; beyond 32 bits it is only known to lie there.
 std::int64_t NumberWithoutFraction(std::string_view value);

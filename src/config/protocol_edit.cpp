@@ -22,7 +22,7 @@ namespace {
 constexpr std::size_t kShortestName = 3, kLongestName = 12;
 constexpr int kShortestSilence = 16;  // slots; what is shorter counts as a part of the frame
 
-/// Where the search for a section begins: what stands ahead of [General] is none, even if it looks so.
+/// Where the search for a section begins: what stands before [General] is none, even if it looks so.
 int StartOfSections(std::string_view text) { return std::max(FindNoCase("[General]", text, 1), 1); }
 
 std::optional<Section> FindClosed(std::string_view text, std::string_view protocol) {
@@ -59,13 +59,13 @@ std::string_view BeforeInLine(std::string_view text, int header) {
   return text.substr(static_cast<std::size_t>(lineBefore), static_cast<std::size_t>(header - 1 - lineBefore));
 }
 
-/// Walks the keys of one section, each searched from behind the one before it.
+/// Walks the keys of one section, each searched from after the one before it.
 class SectionKeys {
  public:
   SectionKeys(std::string_view text, const Section& section)
       : text_(text.substr(0, static_cast<std::size_t>(section.End - 1))), position_(section.Begin) {}
 
-  /// The rest of the line behind a key; empty, for all further keys too, if it is missing.
+  /// The rest of the line after a key; empty, for all further keys too, if it is missing.
   std::string Take(std::string_view key) {
     position_ = FindNoCase(key, text_, position_);
     return std::string(GetLineAt(text_, position_));
@@ -76,7 +76,7 @@ class SectionKeys {
     const bool isEmpty = SeekForward(text_, position_, '\r') == position_;
     return isEmpty ? std::string() : std::string(GetLineAt(text_, position_));
   }
-  /// Just behind the key taken last; 0 if one was missing.
+  /// Just after the key taken last; 0 if one was missing.
   int Position() const { return position_; }
 
  private:
@@ -151,7 +151,7 @@ ProtocolRefusal CheckDescription(std::string_view description) {
                                                            : ProtocolRefusal::KeyInDescription;
 }
 
-/// Why a block cannot go in ahead of a line end, with a header in the line behind it.
+/// Why a block cannot go in before a line end, with a header in the line after it.
 ProtocolRefusal CheckHeaderBehind(std::string_view text, int lineEnd, int header) {
   const std::string_view between =
       text.substr(static_cast<std::size_t>(lineEnd), static_cast<std::size_t>(header - lineEnd - 1));

@@ -80,11 +80,11 @@ ProtocolRefusal CheckProtocolDraft(ProtocolDraft& draft);
 /// @return empty if it is not so
 std::optional<ProtocolDraft> LoadProtocol(std::string_view text, std::string_view protocol);
 
-/// A number behind a key: a blank or the minus sign, then the digits.
+/// A number after a key: a blank or the minus sign, then the digits.
 std::string KeyNumber(int number);
 
 /// A change of a text: its characters first to last give way to a block. With last below first the block goes
-/// in ahead of first. Positions count from 1.
+/// in before first. Positions count from 1.
 struct Splice {
   int First = 0, Last = 0;
   std::string Block;
@@ -106,14 +106,14 @@ struct SectionChange {
 /// end.
 std::string ParameterLines(const ProtocolDraft& draft);
 
-/// A new section, with the placeholder for a command, ahead of the line end that [Template] stands behind.
+/// A new section, with the placeholder for a command, before the line end that [Template] stands after.
 SectionChange NewSection(std::string_view text, const ProtocolDraft& draft);
 
 /// Other parameters for a section: all lines after its header down to the one of GREPEAT= go, which holds for
 /// comments, while a command among them is a refusal.
 SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft);
 
-/// A section goes, from its header through the line ahead of the next header.
+/// A section goes, from its header through the line before the next header.
 SectionChange WithoutSection(std::string_view text, std::string_view protocol);
 
 /// Place of a protocol in the list of a text, from 0; the number of protocols if it is none of them.

@@ -23,7 +23,7 @@ struct SectionWalk {
   std::vector<Section> Places;  // of each name
   WalkEnd Ended = WalkEnd::ClosingHeader;
 
-  /// Whether the walk came to [END] and its ] is the last one, behind which a save cuts the text.
+  /// Whether the walk came to [END] and its ] is the last one, after which a save cuts the text.
   bool IsWhole = false;
 };
 
@@ -31,7 +31,7 @@ struct SectionWalk {
 /// are longer in all than a text can be end the walk.
 SectionWalk WalkSections(std::string_view text);
 
-/// Whether the sections can be walked to their end. A save cuts the text behind its last header, so that one
+/// Whether the sections can be walked to their end. A save cuts the text after its last header, so that one
 /// which is not whole must not be written back.
 bool IsWhole(std::string_view text);
 
@@ -42,7 +42,7 @@ struct ParameterKey;
 /// Puts the value of a key in its place; of a number the fraction is dropped.
 void TakeParameter(const ParameterKey& key, std::string_view value, ProtocolParams& params);
 
-/// Loads the parameters of a protocol, each key searched from behind the one before it. At the first that is
+/// Loads the parameters of a protocol, each key searched from after the one before it. At the first that is
 /// not found the load stops: what was read stays, the rest is as it was.
 /// @param protoKind takes the value of GPROTO=
 /// @return true if all was read

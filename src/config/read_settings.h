@@ -15,7 +15,7 @@ struct SettingsReading {
   bool Complete() const { return Missing.empty(); }
 };
 
-/// Reads the settings from [General], each key searched from behind the one before it. At the first that is
+/// Reads the settings from [General], each key searched from after the one before it. At the first that is
 /// not found the reading stops: what was read stays, the rest is as it was. ANALYSIS= may be missing, and
 /// counts inside [General] only: 1 is the second look, all else the first analysis.
 SettingsReading ReadSettings(const CfgStore& store, Settings& settings);

@@ -9,8 +9,8 @@ namespace keplo {
 
 /// A stretch of the text between two headers; positions count from 1.
 struct Section {
-  int Begin = 0;        // just behind the ] of its header
-  int End = 0;          // the [ of the next header; behind the last character if there is none
+  int Begin = 0;        // just after the ] of its header
+  int End = 0;          // the [ of the next header; after the last character if there is none
   bool Closed = false;  // there is a next header
 };
 
@@ -20,7 +20,7 @@ Section SectionFrom(std::string_view text, int begin);
 /// The first section of a name from a position on, in any letter case.
 std::optional<Section> FindSection(std::string_view text, std::string_view name, int start = 1);
 
-/// The first section of a name behind [General], for changes: what stands ahead of [General] is not the
+/// The first section of a name after [General], for changes: what stands before [General] is not the
 /// program's to change, even if it looks like a section.
 std::optional<Section> FindSectionToChange(std::string_view text, std::string_view name);
 

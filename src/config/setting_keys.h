@@ -23,7 +23,7 @@ int PlaceOfSetting(std::string_view text, const SettingKey& key);
 /// The value of a key as it stands in [General]; none if the key is missing there.
 std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key);
 
-/// Changes a key that fits and saves. A file of before the key was known gets its line, behind the other
+/// Changes a key that fits and saves. A file from before the key was known gets its line, after the other
 /// keys.
 /// @return false, with nothing changed, if the file has no place for it
 /// @throws Failure as SetGeneralValue

@@ -11,7 +11,7 @@ namespace keplo {
 /// Puts a value in the place of the one at a position, in memory only.
 ///
 /// The blank that stands at the position stays; if there is none, it is written in. The new value is trimmed.
-/// @param position just behind the = of a key, as FindNoCase gives it
+/// @param position just after the = of a key, as FindNoCase gives it
 /// @return false, with nothing changed, if the position is 0 or its line does not end in a CR
 /// @throws Failure if the text would grow beyond its limit; nothing is changed then
 bool ReplaceValueAt(CfgStore& store, int position, std::string_view value);

@@ -28,7 +28,7 @@ std::string_view TakeLine(std::string_view& rest) {
   return line;
 }
 
-/// Splits a line into what stands ahead of its comment and the text of the comment.
+/// Splits a line into what stands before its comment and the text of the comment.
 std::pair<std::string_view, std::string_view> SplitComment(std::string_view line) {
   const std::size_t hash = line.find('#');
   const std::size_t slashes = line.find("//");

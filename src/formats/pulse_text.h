@@ -31,7 +31,7 @@ class FormatError : public Failure {
 /// Two forms are read, line by line, and may be mixed: "pulse N", "space N" and "timeout N" lines, and lines
 /// of signed lengths "+N -N ...", each of which is a press of its own. Comments begin with # or //; a
 /// one-line press may carry its closing silence in one, "# timeout N". "carrier N" lines are read over.
-/// Lengths are microseconds. Neighbours of one kind are summed and a space ahead of the first mark is
+/// Lengths are microseconds. Neighbours of one kind are summed and a space before the first mark is
 /// dropped. A press ends at a timeout, at the end of a line of signed lengths and at a silence of
 /// kPressSilence or more.
 /// @param name what the text was read from, for error texts

@@ -22,7 +22,7 @@ constexpr int kVersion = 1;
 /// numbers.
 constexpr std::int64_t kEndOfNumbers = 1'000'000'000'000'000;
 
-/// The number that comes behind an identifier of the host's own; 0 for any other.
+/// The number that comes after an identifier of the host's own; 0 for any other.
 std::int64_t NumberAfter(const std::string& eventID) {
   std::int64_t number = 0;
   const char* const end = eventID.data() + eventID.size();

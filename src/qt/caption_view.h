@@ -8,7 +8,7 @@
 
 namespace keplo::qt {
 
-/// A label without a box: the words ahead of a field.
+/// A label without a box: the words before a field.
 class CaptionView : public QLabel {
  public:
   /// @param accessKey letter of the text that Alt reaches the label's buddy by; NUL for none

@@ -11,7 +11,7 @@ namespace keplo::qt {
 /// better on it.
 class LabelView : public QLabel {
  public:
-  /// @param caption what the field tells, for a screen reader, which speaks it ahead of the text
+  /// @param caption what the field tells, for a screen reader, which speaks it before the text
   /// @param ground role of the palette that the field stands on while its model has no back colour
   LabelView(ui::Label& model, std::string_view caption, QWidget* parent,
             QPalette::ColorRole ground = QPalette::Base);

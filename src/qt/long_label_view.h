@@ -11,7 +11,7 @@ namespace keplo::qt {
 /// and its tip shows the whole text. It looks like the other boxed labels, not like a field for typing.
 class LongLabelView : public QLineEdit {
  public:
-  /// @param tip what the field tells; stands ahead of the text in the tip
+  /// @param tip what the field tells; stands before the text in the tip
   LongLabelView(ui::Label& model, const QString& tip, QWidget* parent);
 
  protected:

@@ -14,7 +14,7 @@ namespace keplo::qt {
 
 namespace {
 
-// Digits behind which a pattern may go on in the next line: a sync may be longer than any box is wide.
+// Digits after which a pattern may go on in the next line: a sync may be longer than any box is wide.
 constexpr int kLongestPart = 16;
 constexpr QChar kMayBreak(0x200B);
 

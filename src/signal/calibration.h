@@ -27,11 +27,11 @@ enum class CalibrationStep {
 /// The search for the delay at which the base time of a SONY remote, 600 us, is 10 samples: the middle
 /// between the first delay with a base time of 10 and the first one with 9.
 ///
-/// The delay rises by one with each measurement from 0, but for a base time of 9 that comes ahead of any 10,
+/// The delay rises by one with each measurement from 0, but for a base time of 9 that comes before any 10,
 /// and for a signal without a base time: both are measured again.
 class CalibrationSearch {
  public:
-  /// Delay to measure at next; behind the end the one reached, or the result.
+  /// Delay to measure at next; after the end the one reached, or the result.
   std::int16_t Delay() const { return delay_; }
 
   /// Takes the measurement at Delay().
@@ -55,7 +55,7 @@ class Calibration {
   CalibrationStep Measure();
 
   std::int16_t Delay() const { return search_.Delay(); }
-  /// Base time of the last signal, samples; nothing ahead of the first, and if it could not be measured.
+  /// Base time of the last signal, samples; nothing before the first, and if it could not be measured.
   std::optional<std::int16_t> BaseT() const { return baseT_; }
 
  private:

@@ -17,7 +17,7 @@ struct CodeValues {
   std::int16_t Address = 0;
   std::int16_t Command = 0;
   std::optional<std::int16_t> Extended =
-      std::nullopt;  // SONY of 20 digits: the number behind that of the address
+      std::nullopt;  // SONY of 20 digits: the number after that of the address
 
   bool operator==(const CodeValues&) const = default;
 };

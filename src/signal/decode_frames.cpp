@@ -12,7 +12,7 @@ constexpr int kLastMark = 6;  // marks that end the decoding: by then two frames
 
 constexpr bool IsMark(char symbol) { return symbol == 'G' || symbol == 'g'; }
 
-/// Symbols that are read one behind the other, and what is decoded of them; past the end stands no character.
+/// Symbols that are read one after the other, and what is decoded of them; past the end stands no character.
 class SymbolReader {
  public:
   /// @param decoded replaced at the end
@@ -47,7 +47,7 @@ class SymbolReader {
   char* written_;
 };
 
-/// A digit is told by the length of the space behind a mark of one unit. Longer marks are read as several:
+/// A digit is told by the length of the space after a mark of one unit. Longer marks are read as several:
 /// what lies beyond the first unit counts as a mark without a space, which adds nothing.
 void DecodePulseDistanceFrames(std::string_view symbols, std::string& decoded) {
   SymbolReader reader(symbols, decoded);
@@ -100,7 +100,7 @@ constexpr HalfPair kNoPair = {'?', '?', "", 2};
 constexpr HalfPair kHalfPairs[] = {
     {'1', '0', "0", 2},
     {'0', '1', "1", 2},
-    {'1', 'g', "0G1", 3},  // a last digit whose second half ran into the gap; the 1 behind opens the next
+    {'1', 'g', "0G1", 3},  // a last digit whose second half ran into the gap; the 1 after it opens the next
                            // frame
     {'g', '1', "G1", 2},   // a gap, and the half that opens the next frame; its first half is part of the gap
     {'0', '0', "x", 2},

@@ -19,7 +19,7 @@ void DecodeFrames(std::string_view symbols, std::int16_t kind, std::string& deco
 /// The first two frames of a decoded recording; either may be empty, and the last may be cut off by the end.
 struct FramePair {
   std::string_view First, Second;  // parts of the decoded recording
-  bool FirstEnded = false;         // a G stands behind the first frame
+  bool FirstEnded = false;         // a G stands after the first frame
   bool DoubleMarkBehind = false;   // two G stand behind the first frame: what follows has a sync of its own
 };
 

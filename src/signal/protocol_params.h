@@ -8,9 +8,9 @@ namespace keplo {
 /// How a protocol is sent. Patterns are strings of 0 and 1, one character a slot of SENDPLS microseconds.
 struct ProtocolParams {
   std::int16_t SENDPLS = 0;  // length of a slot, microseconds
-  std::int16_t REPEAT = 0;   // silent slots ahead of each repeat of the frame; 0 for none
+  std::int16_t REPEAT = 0;   // silent slots before each repeat of the frame; 0 for none
   std::string BIT0, BIT1;    // what is sent for a digit
-  std::string BITG;          // sync ahead of a frame
+  std::string BITG;          // sync before a frame
   std::int16_t GREPEAT = 0;  // above 1: the repeats have a sync signal of their own
   std::string BitTail;       // closing slot of a frame, see BitTailOf
 };

@@ -9,7 +9,7 @@ namespace keplo {
 /// Length of the monitoring tick's capture buffer, bytes.
 inline constexpr std::size_t kMonitorCaptureBytes = 510;
 
-/// A capture that is shorter behind its last sample's silence holds no signal, bytes.
+/// A capture that is shorter after its last sample's silence holds no signal, bytes.
 inline constexpr std::size_t kShortestCapture = 50;
 
 /// Samples or carrier slots in a byte.

@@ -22,7 +22,7 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @throws Failure if the transmission would pass kMostSlots; nothing is changed then
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params, bool& rc5Toggle);
 
-/// The slots with silent ones behind them up to a whole byte.
+/// The slots with silent ones after them up to a whole byte.
 std::string PadToBytes(std::string slots);
 
 /// Packs slots or samples, eight a byte, the first in the most significant bit; a last byte is filled with 0.
@@ -30,7 +30,7 @@ std::string PadToBytes(std::string slots);
 std::string BitsToChars(std::string_view bits);
 
 /// What a receiver would capture of a transmission, for the waveform: each slot as samples of
-/// kNominalSampleTime, and one slot of silence behind. Cut where string positions of 16 bits end.
+/// kNominalSampleTime, and one slot of silence after it. Cut where string positions of 16 bits end.
 /// @param pulse length of a slot, microseconds; below half a sample nothing is left to see
 /// @return a packed capture
 std::string CaptureOfSlots(std::string_view slots, std::int32_t pulse);

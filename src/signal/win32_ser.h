@@ -43,7 +43,7 @@ class Win32Ser {
 
   /// Samples a signal that has begun, from its first sample on, for the DCDStandard receiver, until the
   /// signal has ended or the buffer is full. Each byte takes eight samples, the earliest in the most
-  /// significant bit, 1 for carrier present; bytes behind the signal stay as they were.
+  /// significant bit, 1 for carrier present; bytes after the signal stay as they were.
   /// @param delay the PROCDELAY setting; a larger one gives longer samples
   virtual void IRMonitor(std::span<char> buffer, std::int32_t delay) = 0;
   /// The same for the IRMouse receiver.

@@ -63,7 +63,7 @@ constexpr std::array kOnAir = {
     OnAir{kRc5, 889, 113'800, 0, Rc5Frame, Rc5Frame},
 };
 
-constexpr double kLeastGap = 10'000;  // microseconds, behind a frame that fills its period
+constexpr double kLeastGap = 10'000;  // microseconds, after a frame that fills its period
 
 double Sum(const Lengths& lengths) { return std::accumulate(lengths.begin(), lengths.end(), 0.0); }
 

@@ -13,8 +13,8 @@ struct SynthOptions {
   int MarkExcessUs = 60;   // marks longer and spaces shorter by this; -40 to 130
   int JitterUs = 15;       // standard deviation of each edge; 1 to 23
   double ClockError = 0;   // 0.02: everything 2 % longer; -0.055 to 0.04
-  int GapUs = 90'000;      // silence behind the press; 0 writes none
-  int Repeats = 2;         // frames, for NEC dittos, behind the first; SONY has three frames at the least
+  int GapUs = 90'000;      // silence after the press; 0 writes none
+  int Repeats = 2;         // frames, for NEC dittos, after the first; SONY has three frames at the least
   std::uint32_t Seed = 1;  // one seed gives one press, on every machine
 };
 

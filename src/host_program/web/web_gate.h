@@ -11,9 +11,9 @@
 
 namespace keplo::host {
 
-/// The door ahead of the web server, which has no limits of its own. It holds a connection back until one
+/// The door before the web server, which has no limits of its own. It holds a connection back until one
 /// whole request lies in its buffer, within the limits of size, time and number and for the host's own name,
-/// and only then hands it on; the connection ends behind the answer. So the server never waits for a client.
+/// and only then hands it on; the connection ends after the answer. So the server never waits for a client.
 /// Where there are too many, the one that has waited longest for its request gives way.
 class WebGate : public QTcpServer {
  public:
