@@ -186,24 +186,5 @@ TEST(KeploProgram, GivesExamplesThatWork) {
   }
 }
 
-TEST(KeploProgram, RaisesTheEventsOfRealRecordingsAndNamesTheRefused) {
-  const std::filesystem::path index = tests::CapturesFolder() / "index.json";
-  if (!std::filesystem::exists(index)) {
-    GTEST_SKIP() << "there is no " << index << "; KEPLO_CAPTURES names the folder of real recordings";
-  }
-  const Install install;
-  ExpectTold(install, {{"install --teach" + Quoted(index), 0, {}}, {"events add --each", 0, {}}});
-  std::string files;
-  std::ifstream file(index);
-  const json entries = json::parse(file);
-  for (const json& entry : entries) {
-    files += Quoted(index.parent_path() / entry.at("file").get<std::string>());
-  }
-  const Ran ran = install.Run("monitor --once --json --replay" + files);
-  EXPECT_GE(Lines(ran.Out).size(), 9U) << ran.Err;
-  const std::size_t refused = Lines(ran.Err).size() - 1;  // the last line is the tally
-  EXPECT_EQ(Lines(ran.Out).size() + refused, entries.size()) << ran.Err;
-}
-
 }  // namespace
 }  // namespace keplo

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -38,13 +37,6 @@ inline Ran RunKeplo(const std::string& words) { return RunShell("'" KEPLO_PROGRA
 
 /// A path as a further word of a shell command.
 inline std::string Quoted(const std::filesystem::path& path) { return " '" + path.string() + "'"; }
-
-/// Where the recordings of real remotes lie; the folder may not be there.
-inline std::filesystem::path CapturesFolder() {
-  const char* named = std::getenv("KEPLO_CAPTURES");
-  return named != nullptr ? std::filesystem::path(named)
-                          : std::filesystem::path(KEPLO_SOURCE_DIR).parent_path() / "shared" / "captures";
-}
 
 /// An application path with a first install.
 class Install {
