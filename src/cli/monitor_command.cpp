@@ -2,7 +2,6 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -12,10 +11,10 @@
 #include "events/event_row.h"
 #include "keplo_mod.h"
 #include "program/app_path.h"
-#include "program/json_line.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
 #include "program/printable.h"
+#include "program/raised_event.h"
 #include "program/stop_signals.h"
 #include "station/silent_boxes.h"
 #include "station/station.h"
@@ -31,33 +30,20 @@ struct MonitorOptions {
   LineSpec Line;
 };
 
-struct RaisedEvent {
-  std::string Time, EventID, Name, Command, Zone;
-};
-
 RaisedEvent Describe(const HostInputEvent& event, const ui::ListView& list) {
-  RaisedEvent raised{LocalTime(), event.EventID, "", std::get<std::string>(event.EventCommand), "0"};
+  RaisedEvent raised;
+  raised.Time = LocalTime();
+  raised.EventID = event.EventID;
+  raised.Command = std::get<std::string>(event.EventCommand);
   if (const int row = list.FindRow(kEventID, event.EventID); row != 0) {
-    raised.Name = list.Text(row, kEventName);
-    raised.Zone = list.Text(row, kZone);
+    raised.EventName = list.Text(row, kEventName);
+    raised.Zone = ZoneNumber(list.Text(row, kZone));
   }
   return raised;
 }
 
 void Print(const RaisedEvent& event, bool json) {
-  if (json) {
-    nlohmann::ordered_json line;
-    line["time"] = event.Time;
-    line["event_id"] = event.EventID;
-    line["event_name"] = event.Name;
-    line["command"] = event.Command;
-    line["zone"] = ZoneNumber(event.Zone);
-    std::cout << JsonLine(line) << std::endl;
-  } else {
-    std::cout << Printable(event.Time + "  event " + event.EventID + "  " + event.Name + "  " +
-                           event.Command + "  zone " + event.Zone)
-              << std::endl;
-  }
+  std::cout << (json ? EventJsonLine(event) : EventLine(event)) << std::endl;
 }
 
 /// What a monitor tells beside its events: complaints under the program's name, presses without an event

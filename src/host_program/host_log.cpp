@@ -17,27 +17,13 @@ std::string Prefix(bool toJournal, LogLevel level) {
 
 }  // namespace
 
-std::string EventLine(const RaisedEvent& event) {
-  return Printable(event.Time + "  event " + event.EventID + "  " + event.EventName + "  " + event.Command +
-                   "  zone " + std::to_string(event.Zone));
-}
-
 void HostLog::Write(LogLevel level, const std::string& text) const {
   std::cerr << (toJournal_.Error ? Prefix(true, level) : "keplo-host: ") << Printable(text) << std::endl;
 }
 
 void HostLog::Event(const RaisedEvent& event) const {
-  if (!json_) {
-    std::cout << Prefix(toJournal_.Output, LogLevel::Info) << EventLine(event) << std::endl;
-    return;
-  }
-  nlohmann::ordered_json line;
-  line["time"] = event.Time;
-  line["event_id"] = event.EventID;
-  line["event_name"] = event.EventName;
-  line["command"] = event.Command;
-  line["zone"] = event.Zone;
-  std::cout << JsonLine(line) << std::endl;
+  std::cout << (json_ ? EventJsonLine(event) : Prefix(toJournal_.Output, LogLevel::Info) + EventLine(event))
+            << std::endl;
 }
 
 void HostLog::Error(const HostErrorRecord& record) const {

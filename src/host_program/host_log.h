@@ -1,25 +1,12 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "host/component_entry.h"
 #include "host/host_records.h"
+#include "program/raised_event.h"
 
 namespace keplo::host {
-
-/// An input event as logs and programs get it.
-struct RaisedEvent {
-  std::string Time;  // local time, ISO 8601
-  std::string EventID;
-  std::string EventName;
-  std::string EventDescription;
-  std::string Command;  // protocol&command
-  int Zone = 0;
-};
-
-/// The line of an event for a person, without a line end.
-std::string EventLine(const RaisedEvent& event);
 
 /// Where the host writes: events and errors to standard output, all else to standard error. With JSON, events
 /// and errors are one object a line. On a stream that leads to the journal each line for a person carries its
