@@ -119,7 +119,10 @@ bool colclsKeploEvents::TakeInChanges() {
 
 bool colclsKeploEvents::ReadAgain() {
   Recordset rows;
-  if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
+  if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) {
+    data_.DoubtWhatWasRead();
+    return false;
+  }
   std::vector<std::shared_ptr<clsKeploEvent>> present;
   for (; !rows.Eof(); rows.MoveNext()) present.push_back(EventOfRow(rows));
   std::unordered_set<std::string> keys;
@@ -140,11 +143,11 @@ void colclsKeploEvents::TakeIn(const clsKeploEvent& event) {
   const std::string key = EventKey(event.EventID);
   const auto stored = stored_.find(key);
   if (stored == stored_.end()) return Load(std::make_shared<clsKeploEvent>(event));
-  if (stored->second == event) return;
   stored->second = event;
+  UpdateEventRow(*list_, event);
+  if (const auto member = events_.Find(key); member != nullptr && *member == event) return;
   events_.Remove(key);
   events_.Add(key, std::make_shared<clsKeploEvent>(event));
-  UpdateEventRow(*list_, event);
 }
 
 void colclsKeploEvents::Forget(const std::string& key) {
@@ -170,12 +173,17 @@ bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> e
       throw;
     }
     const std::string key = EventKey(event->EventID);
-    stored_[key] = *event;
+    const clsKeploEvent written = *event;
     if (mode == kStoreExisting) events_.Remove(key);
     events_.Add(key, std::move(event));
+    stored_[key] = written;
     return true;
   });
-  if (conflict) TakeInChanges();
+  if (conflict) {
+    TakeInChanges();
+  } else if (!saved) {
+    data_.DoubtWhatWasRead();  // a caller may show already what was not stored
+  }
   return saved;
 }
 

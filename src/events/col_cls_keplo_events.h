@@ -70,14 +70,16 @@ class colclsKeploEvents {
   bool Initialise(ui::ListView& list);
 
   /// Takes in what other programs have done to the event table: rows that changed, came or went, in the
-  /// collection and in the list, where a row keeps its place. The first read that fails leaves all as it is.
-  /// @return false if the table cannot be read
+  /// collection and in the list, where a row keeps its place; and of this program what it has shown, but
+  /// could not store. The first read that fails leaves all as it is.
+  /// @return false if the table cannot be read; Data::ChangedElsewhere says yes again then
   bool TakeInChanges();
 
   /// Writes an event to the database and puts it at the end of the collection. Of an event that exists only
   /// what is new about it is written, and only over the row that was read last: where another program has
   /// changed or deleted that row meanwhile, the failure is reported and the event taken in as it is now.
-  /// A change of which only the last flush failed is reported and counts as made.
+  /// A change of which only the last flush failed is reported and counts as made. After any other failure
+  /// Data::ChangedElsewhere says yes, so that what was shown of the change is taken back with the next look.
   /// @param mode 1 for an event that exists, any other for a new one
   /// @return false without a report if the database cannot be opened, which Data tells
   bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);

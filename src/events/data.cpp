@@ -75,15 +75,17 @@ std::int32_t Data::Initialise() try {
 bool Data::ChangedElsewhere() try {
   if (connection_.FileWasReplaced()) {
     connection_.Close();
-    awaitsReplacement_ = true;
+    inDoubt_ = true;
   }
   if (connection_.State() == 0) {
     // A file that is still being put in its place opens at a later look.
-    if (!awaitsReplacement_) return false;
+    if (!inDoubt_) return false;
     connection_.Open(databasePath_.string());
   }
-  if (std::exchange(awaitsReplacement_, false)) return true;
-  return connection_.ChangedElsewhere();
+  if (inDoubt_) connection_.DoubtWhatWasRead();
+  const bool changed = connection_.ChangedElsewhere();
+  if (changed) inDoubt_ = false;
+  return changed;
 } catch (...) {
   return false;
 }

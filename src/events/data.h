@@ -40,8 +40,9 @@ class Data {
   /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
   /// A file that was replaced is opened again, at a later look if it cannot be yet.
   bool ChangedElsewhere();
-  /// Lets the next ChangedElsewhere say yes: what is in memory is no longer what the database has.
-  void DoubtWhatWasRead() { connection_.DoubtWhatWasRead(); }
+  /// Lets the next ChangedElsewhere that can read the database say yes: what is in memory is no longer what
+  /// the database has.
+  void DoubtWhatWasRead() { inDoubt_ = true; }
   /// @return 1, for a connection that is closed already as well
   std::int32_t CloseConnection();
 
@@ -49,7 +50,7 @@ class Data {
   /// Keeps the record of the exception that is being handled.
   void Keep(std::string_view procedure, std::string_view detail) noexcept;
 
-  bool awaitsReplacement_ = false;  // for another file that was put in the place of the database
+  bool inDoubt_ = false;  // whether what was read is what the database has
   std::filesystem::path databasePath_;
   const ui::Clock& clock_;
   keplo::Connection connection_;

@@ -44,10 +44,12 @@ std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
 
 std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
   frmEvent dialog(mod_.Store, mod_.Settings);
-  const auto event = m_EventCollection.Item(EventKey(objInputEvent.EventID));
-  if (event == nullptr) {
+  const auto stored = m_EventCollection.Item(EventKey(objInputEvent.EventID));
+  if (stored == nullptr) {
     throw Failure(kObjectNotSet, "The event map has no event with the EventID " + objInputEvent.EventID);
   }
+  // The collection keeps what the table has until the change is stored.
+  const auto event = std::make_shared<clsKeploEvent>(*stored);
   std::int32_t result = kInputCancelled;
   if (dialog.ShowMe(kEditMode, *event, windows_.EventDialog)) {
     result = m_EventCollection.Save(kEditMode, event) ? kInputDone : kInputFailed;
@@ -55,7 +57,8 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
   }
   // After a change that met another program's, the collection has the event anew.
   const auto present = m_EventCollection.Item(EventKey(objInputEvent.EventID));
-  UpdateEventRow(ListView1, present == nullptr ? *event : *present);
+  const bool tookInAnother = present != nullptr && present != stored;
+  UpdateEventRow(ListView1, tookInAnother ? *present : *event);
   return result;
 } catch (const std::exception& failure) {
   return ReportFailure("InputModifyEvent", failure);
@@ -67,6 +70,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   ListView1.Remove(row);
   m_EventCollection.Remove(EventKey(objInputEvent.EventID));
   listDiffersFromMap_ = true;
+  mod_.modData->DoubtWhatWasRead();  // a row that stays in the table comes back to the list
   if (mod_.modData->CheckConnection() != 1) return kInputFailed;
   try {
     Recordset rows;
@@ -75,8 +79,7 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
     DeleteAll(rows);  // tables of earlier versions may hold an EventID twice
     listDiffersFromMap_ = false;
   } catch (const std::exception&) {
-    // A step that fails is skipped, and nobody is told; the list gets the row back.
-    mod_.modData->DoubtWhatWasRead();
+    // A step that fails is skipped, and nobody is told.
   }
   return kInputDone;
 }

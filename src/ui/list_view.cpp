@@ -33,7 +33,9 @@ const std::string& ListView::Text(int row, int field) const {
 
 void ListView::SetText(int row, int field, std::string_view text) {
   CheckRow(row);
-  rows_[At(row)].Fields.at(static_cast<std::size_t>(field)) = text;
+  std::string& present = rows_[At(row)].Fields.at(static_cast<std::size_t>(field));
+  if (present == text) return;
+  present = text;
   Changed();
 }
 

@@ -134,6 +134,10 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
     EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Lines{} : Lines{Report("Save", change.Failure)});
     EXPECT_TRUE(map.Database.ChangedElsewhere());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
+    other.Database.ExecuteSQLCommand("begin exclusive");
+    EXPECT_FALSE(map.Events.TakeInChanges());
+    other.Database.ExecuteSQLCommand("commit");
+    EXPECT_TRUE(map.Database.ChangedElsewhere()) << "a read that met a lock comes again";
     EXPECT_TRUE(run % 2 == 0 ? map.Events.TakeInChanges() : map.Load());
     EXPECT_EQ(map.Members(), change.Table);
     Lines stored = tests::StoredEvents(folder);

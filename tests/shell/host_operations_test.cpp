@@ -86,30 +86,60 @@ TEST_F(HostOperations, DeletesAnEventFromAllThreePlaces) {
   EXPECT_EQ(control.InputModifyEvent(gone), 0) << "the collection has let it go too";
 }
 
-TEST_F(HostOperations, DeletesFromTheListWhateverTheDatabaseSays) {
+TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted) {
   Keplo& control = Start();
-  mod_->modData->CloseConnection();
-  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
-  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 0);
+  const std::string before = RowTexts(control.ListView1);
+  const auto map = folder_.Path() / "inputKeplo.mdb", away = folder_.Path() / "away";
+  std::filesystem::rename(map, away);
+  folder_.Write("inputKeplo.mdb", "a copy that has just begun");
+  control.TakeInChanges();
+  EXPECT_EQ(control.InputDeleteEvent(WithID("2")), 0);
   EXPECT_EQ(control.ListView1.Count(), 1);
   EXPECT_EQ(errors_, Calls{});
+  control.TakeInChanges();
+  std::filesystem::rename(away, map);
+  control.TakeInChanges();
+  EXPECT_EQ(RowTexts(control.ListView1), before);
 }
 
-TEST_F(HostOperations, BringsBackAnEventThatALockKeptInTheTable) {
+TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
   Keplo& control = Start();
-  sqlite3* other = nullptr;
-  ASSERT_EQ(sqlite3_open((folder_.Path() / "inputKeplo.mdb").c_str(), &other), SQLITE_OK);
-  const auto run = [&](const char* sql) { return sqlite3_exec(other, sql, nullptr, nullptr, nullptr); };
-  ASSERT_EQ(run("BEGIN EXCLUSIVE"), SQLITE_OK);
-  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 1);
-  EXPECT_TRUE(control.ListDiffersFromMap());
-  control.TakeInChanges();
-  EXPECT_EQ(control.ListView1.Count(), 1) << "nobody waits for a lock";
-  run("COMMIT");
-  sqlite3_close(other);
-  control.TakeInChanges();
-  EXPECT_NE(control.ListView1.FindRow(kEventID, "1"), 0);
-  EXPECT_FALSE(control.ListDiffersFromMap());
+  control.ListView1.Select(2);
+  dialog_.Script = [](frmEvent& dialog) {
+    dialog.EventName.SetText("Light");
+    dialog.OKButton_Click();
+  };
+  HostInputEvent second = WithID("2");
+  struct Case {
+    const char* Name;
+    std::function<std::int32_t()> Do;
+    std::int32_t Result;
+    const char* RowMeanwhile;
+    bool Differs = false;
+  };
+  const Case cases[] = {
+      {"modify", [&] { return control.InputModifyEvent(second); }, 0, "Light||NEC&MUTE|False|3|2|\n"},
+      {"enable", [&] { return control.EnableMenu_Click(), 0; }, 0, "Fan||NEC&MUTE|True|3|2|\n"},
+      {"delete", [&] { return control.InputDeleteEvent(second); }, 1, "", true},
+  };
+  const std::string first = "Lamp|hall|NEC&POWER|True|0|1|\n", before = RowTexts(control.ListView1);
+  for (const Case& locked : cases) {
+    SCOPED_TRACE(locked.Name);
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open((folder_.Path() / "inputKeplo.mdb").c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_EQ(locked.Do(), locked.Result);
+    EXPECT_EQ(control.ListDiffersFromMap(), locked.Differs);
+    control.TakeInChanges();
+    EXPECT_EQ(RowTexts(control.ListView1), first + locked.RowMeanwhile) << "nobody waits for a lock";
+    sqlite3_close(other);
+    control.TakeInChanges();
+    EXPECT_EQ(RowTexts(control.ListView1), before);
+    EXPECT_FALSE(control.ListDiffersFromMap());
+    dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
+    control.InputModifyEvent(second);
+    EXPECT_EQ(RowTexts(control.ListView1), before) << "the collection has it too";
+  }
 }
 
 TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {

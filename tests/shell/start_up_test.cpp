@@ -60,6 +60,9 @@ TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
   folder_.Write("keplo.cfg", "cut short");
   for (int look = 0; look < 2; ++look) control.TakeInChanges();
   EXPECT_EQ(errors_.size(), 1U) << "told once";
+  std::filesystem::remove(folder_.Path() / "keplo.cfg");
+  for (int look = 0; look < 3; ++look) control.TakeInChanges();
+  EXPECT_EQ(errors_.size(), 2U) << "told once as well";
   EXPECT_NE(mod_->Store.CfgText.find("COMPORT= 4"), std::string::npos);
 }
 
