@@ -103,13 +103,12 @@ void Add(OpenedMap& map, const clsKeploEvent& event) {
   map.Change([&](colclsKeploEvents& events) { return events.Add(std::make_shared<clsKeploEvent>(event)); });
 }
 
-/// Adds an event under the first whole number that is free, whoever else adds some at the same time.
+/// Adds an event under a number of its own, whoever else adds some at the same time.
 /// @param map is read again where somebody else took the number
 /// @return its EventID
 std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>& map, clsKeploEvent event) {
-  for (std::int64_t number = 1;; ++number) {
-    event.EventID = std::to_string(number);
-    if (map->Find(event.EventID) != nullptr) continue;
+  for (;;) {
+    event.EventID = std::to_string(map->FreeNumber());
     try {
       Add(*map, event);
       return event.EventID;
@@ -197,7 +196,8 @@ void AddAddCommand(Command add, const std::shared_ptr<EventWords>& words) {
   Argument reference = add.Word("COMMAND", words->Command, "Protocol and command, as 'NEC&POWER'");
   const Argument each = add.Flag("--each", words->Each, "An event for every learned command that has none");
   reference.Excludes(each);
-  add.Word("--id", words->EventID, "EventID; without it the first free number").Excludes(each);
+  add.Word("--id", words->EventID, "EventID; without it the first number that is free and was not deleted")
+      .Excludes(each);
   add.Text("--name", words->Name, "Friendly name; without it the command's").Excludes(each);
   add.Text("--description", words->Description, "Short description").Excludes(each);
   add.Number("--zone", words->Zone, "Zone, 0 for any", {0, 8}).Excludes(each);

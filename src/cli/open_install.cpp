@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "config/check_config.h"
+#include "events/event_numbers.h"
 #include "program/app_path.h"
 
 namespace keplo::cli {
@@ -49,6 +50,12 @@ OpenedMap::OpenedMap(const std::string& appPathOption)
 
 std::shared_ptr<clsKeploEvent> OpenedMap::Find(const std::string& eventID) const {
   return Events.Item(EventKey(eventID));
+}
+
+std::int64_t OpenedMap::FreeNumber() {
+  std::int64_t number = HighestUsedUp(Database.Connection().Database()) + 1;
+  while (Find(std::to_string(number)) != nullptr) ++number;
+  return number;
 }
 
 void OpenedMap::Change(const std::function<bool(colclsKeploEvents& events)>& change) {

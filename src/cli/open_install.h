@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -43,6 +44,9 @@ struct OpenedMap {
   explicit OpenedMap(const std::string& appPathOption);
 
   std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
+  /// The first whole number that no event has and none that was deleted had.
+  /// @throws Failure
+  std::int64_t FreeNumber();
   /// Changes the map.
   /// @param change gives false if it failed
   /// @throws NotWritten; NotConfirmedWritten if it was changed

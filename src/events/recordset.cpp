@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "events/event_numbers.h"
 #include "events/event_schema.h"
 #include "events/failure_numbers.h"
 #include "events/transaction.h"
@@ -191,6 +192,8 @@ void Recordset::Delete() {
     statement.Bind(1, *row.RowID);
     statement.Bind(2, row.Values[ColumnIndex("EventID")]);
     RunOnOneRow(database, statement);
+    if (const auto* eventID = std::get_if<std::string>(&row.Values[ColumnIndex("EventID")]))
+      NoteUsedUp(database, *eventID);
     doubt = transaction.Commit();
   }
   edited_.reset();
