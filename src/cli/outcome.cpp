@@ -29,8 +29,12 @@ void Write(const std::function<void()>& write) try { write(); } catch (const Not
   throw NotWritten(failure.Number(), failure.what());
 }
 
+std::string ReasonedText(const LearnResult& result) {
+  return RefusalText(result) + (result.Reason.empty() ? "" : " " + result.Reason);
+}
+
 void Require(const LearnResult& result) {
-  if (!result.Done()) throw Refused(RefusalText(result));
+  if (!result.Done()) throw Refused(ReasonedText(result));
 }
 
 void Tell(std::string_view text) { std::cerr << "keplo: " << Printable(text) << '\n'; }

@@ -39,6 +39,9 @@ class NotWritten : public Failure {
 /// Runs what writes; its failures are told as things that could not be written.
 void Write(const std::function<void()>& write);
 
+/// Why a change of the store was refused, with what stands in the way.
+std::string ReasonedText(const LearnResult& result);
+
 /// @throws Refused with the sentence of the store unless a command was stored, renamed or deleted
 void Require(const LearnResult& result);
 

@@ -57,10 +57,9 @@ CommandReference AsStored(std::string_view text, const CommandReference& referen
 }
 
 std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code) {
-  std::string sentence = RefusalText(result);
-  if (result.Refused != Refusal::CodeExists) return sentence;
+  if (result.Refused != Refusal::CodeExists) return ReasonedText(result);
   const auto known = keplo::FindCommand(text, code.substr(1), /*limit=*/0);
-  return known ? sentence + " in the protocol " + known->Protocol : sentence;
+  return RefusalText(result) + (known ? " in the protocol " + known->Protocol : "");
 }
 
 }  // namespace keplo::cli

@@ -42,7 +42,7 @@ void Teach(OpenedConfig& config, const CodeToLearn& wanted, Analysis analysis, T
     std::cout << Printable(reference) << " is known already, as "
               << Printable(known ? known->Protocol + "&" + known->Command : result.Detail) << '\n';
   } else {
-    refuse(RefusalText(result));
+    refuse(ReasonedText(result));
   }
 }
 
