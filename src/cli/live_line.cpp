@@ -4,7 +4,6 @@
 
 #include "cli/outcome.h"
 #include "config/read_settings.h"
-#include "line/port_map.h"
 
 namespace keplo::cli {
 
@@ -29,10 +28,11 @@ LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOp
   Line().TXD(0);
 }
 
-bool HasDevice(const KeploMod& mod, std::int32_t port) {
+std::optional<MappedPort> PortOf(const KeploMod& mod, std::int32_t port) {
   const PortMap map = LoadPortMap(mod.AppPath);
-  return std::any_of(map.Ports.begin(), map.Ports.end(),
-                     [port](const MappedPort& mapped) { return mapped.Port == port; });
+  const auto mapped = std::find_if(map.Ports.begin(), map.Ports.end(),
+                                   [port](const MappedPort& candidate) { return candidate.Port == port; });
+  return mapped == map.Ports.end() ? std::nullopt : std::optional(*mapped);
 }
 
 }  // namespace keplo::cli

@@ -6,6 +6,7 @@
 
 #include "keplo_mod.h"
 #include "line/open_line.h"
+#include "line/port_map.h"
 #include "program/arguments.h"
 
 namespace keplo::cli {
@@ -33,7 +34,7 @@ class LiveLine {
   OpenedLine line_;
 };
 
-/// Whether a device stands behind a port on this machine.
-bool HasDevice(const KeploMod& mod, std::int32_t port);
+/// What stands behind a port on this machine; none if nothing does.
+std::optional<MappedPort> PortOf(const KeploMod& mod, std::int32_t port);
 
 }  // namespace keplo::cli

@@ -15,6 +15,7 @@
 #include "config/protocols.h"
 #include "config/read_settings.h"
 #include "formats/formats.h"
+#include "line/port_check.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
 #include "program/printable.h"
@@ -124,16 +125,29 @@ Sendable SendableOf(std::string_view text, const SendOptions& options) {
           command ? command->Code : ""};
 }
 
-/// Puts the code out on the port, if there is a device behind it.
+/// @throws Refused where nothing that is sent to a port leaves it
+void RequireSender(const KeploMod& mod, std::int32_t number) {
+  constexpr std::string_view kAdvice =
+      "--out FILE keeps what would be sent, and keplo ports lists the ports that have a device";
+  const auto port = PortOf(mod, number);
+  if (!port) {
+    throw Refused("COM " + std::to_string(number) +
+                  " has no device on this machine, so nothing goes on air; " + std::string(kAdvice));
+  }
+  // What stands at a serial port is not known. It gets the signal.
+  if (port->Type == MappedPort::Kind::Serial) return;
+  KernelCalls calls;
+  const PortCheck check = CheckPort(calls, *port);
+  if (!check.Opens || check.Sends) return;
+  throw Refused("Nothing goes on air by COM " + std::to_string(number) + ". " + check.Why + " " +
+                std::string(kAdvice));
+}
+
+/// Puts the code out on the port.
 void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& options) {
   ReadSettings(mod.Store, mod.Settings);
   const std::int32_t port = options.Port.value_or(mod.Settings.ComPortNr);
-  if (!HasDevice(mod, port)) {
-    Tell("COM " + std::to_string(port) +
-         " has no device on this machine, so nothing goes on air; --out FILE keeps what would be sent, and "
-         "keplo ports lists the ports that have one");
-    return;
-  }
+  RequireSender(mod, port);
   if (const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS); pulse > kLongestSlot) {
     throw Refused("A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
                   std::to_string(kLongestSlot) + " us.");
