@@ -1,10 +1,12 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/map_users.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
 #include "cli/reference.h"
@@ -67,26 +69,51 @@ int List(const ListOptions& options) {
   return kDone;
 }
 
-/// Binds the events of a command to its new name.
-/// @return how many
-int RebindEvents(const std::string& appPath, const std::string& from, const std::string& to) {
-  OpenedMap map(appPath);
+/// The events of a command, and the words that name them.
+std::vector<clsKeploEvent> EventsOf(const OpenedMap& map, const CommandReference& command) {
   std::vector<clsKeploEvent> bound;
   for (const auto& event : map.Events) {
-    if (event->IRCommand == from) bound.push_back(*event);
+    if (event->IRCommand == command.Text()) bound.push_back(*event);
   }
-  for (clsKeploEvent& event : bound) {
-    event.IRCommand = to;
-    map.Change(
-        [&](colclsKeploEvents& events) { return events.Update(std::make_shared<clsKeploEvent>(event)); });
+  return bound;
+}
+
+std::string Named(const std::vector<clsKeploEvent>& events) {
+  std::string names;
+  for (const clsKeploEvent& event : events) names += (names.empty() ? "" : ", ") + event.EventID;
+  return (events.size() == 1 ? "event " : "events ") + names;
+}
+
+/// Binds the events of a command to its new name.
+/// @throws NotWritten that tells which ones still have the old one, and how to mend them
+void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const CommandReference& from,
+                  const CommandReference& to) {
+  std::optional<NotConfirmedWritten> unsure;
+  while (!events.empty()) {
+    clsKeploEvent event = events.front();
+    event.IRCommand = to.Text();
+    try {
+      map.Change([&](colclsKeploEvents& all) { return all.Update(std::make_shared<clsKeploEvent>(event)); });
+    } catch (const NotConfirmedWritten& doubt) {
+      unsure = doubt;
+    } catch (const NotWritten& failure) {
+      throw NotWritten(
+          failure.Number(),
+          std::string(failure.what()) + " The command has its new name, and the " + Named(events) +
+              " still the old one, " + from.Text() +
+              ", at which nothing fires. Bind each anew with: keplo events modify ID --command '" +
+              to.Text() + "'");
+    }
+    events.erase(events.begin());
   }
-  return static_cast<int>(bound.size());
+  if (unsure) throw NotConfirmedWritten(*unsure);
 }
 
 int Rename(const RenameOptions& options) {
   const auto reference = SplitReference(options.Command);
   if (!reference) throw WrongUse("COMMAND is a protocol and a command, as 'NEC&POWER'");
   OpenedConfig config(options.AppPath);
+  OpenedMap map(options.AppPath);  // first: where it cannot be read, the command keeps its name
   CommandReference from, to;
   config.Change([&](CfgStore& store) {
     from = AsStored(store.CfgText, *reference);
@@ -94,8 +121,11 @@ int Rename(const RenameOptions& options) {
     to = AsStored(store.CfgText, {from.Protocol, options.NewName});
   });
   std::cout << Printable(from.Text()) << " is " << Printable(to.Text()) << " now\n";
-  const int events = RebindEvents(options.AppPath, from.Text(), to.Text());
-  if (events > 0) std::cout << events << (events == 1 ? " event goes" : " events go") << " with it\n";
+  const std::vector<clsKeploEvent> bound = EventsOf(map, from);
+  RebindEvents(map, bound, from, to);
+  if (!bound.empty())
+    std::cout << bound.size() << (bound.size() == 1 ? " event goes" : " events go") << " with it\n";
+  TellWhoTakesItIn(options.AppPath);
   return kDone;
 }
 
