@@ -1,12 +1,10 @@
 #include "component/keplo_class.h"
 
 #include <QApplication>
-#include <algorithm>
 #include <cerrno>
 #include <exception>
 
 #include "component/keplo_object.h"
-#include "events/event_schema.h"
 #include "failure.h"
 #include "install/first_install.h"
 
@@ -36,18 +34,13 @@ void RequireUsable(const CreationContext& context) {
 
 /// Brings a first install, or what is missing of one.
 void SetUp(const CreationContext& context) {
-  const std::string& appPath = context.ApplicationPath;
-  if (IsSetUp(appPath)) return;
-  std::error_code unknown;  // is told by the install
-  const bool isNew = !std::filesystem::exists(std::filesystem::path(appPath) / "keplo.cfg", unknown);
   PosixFileSystem files;
-  const std::vector<std::string> brought = BringFirstInstall(appPath, files);
+  const StartInstall start = CompleteInstall(context.ApplicationPath, files);
   const Log log(context.Log);
-  if (isNew) return log.Write(LogLevel::Info, "Brought a first install to " + appPath);
-  if (std::find(brought.begin(), brought.end(), kDatabaseFile) == brought.end()) return;
-  log.Write(LogLevel::Warning, "There was no " + std::string(kDatabaseFile) + " in " + appPath +
-                                   ", so an empty event map was made. If there has been one before, put a "
-                                   "backup of it in its place.");
+  if (start.IsFirst) log.Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
+  for (const std::string& remark : {start.OfConfig, start.OfMap}) {
+    if (!remark.empty()) log.Write(LogLevel::Warning, remark);
+  }
 }
 
 }  // namespace

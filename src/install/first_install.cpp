@@ -1,5 +1,6 @@
 #include "install/first_install.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -43,8 +44,6 @@ bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) tr
 
 }  // namespace
 
-bool IsSetUp(const std::filesystem::path& appPath) { return IsThere(appPath / kDatabaseFile); }
-
 std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
   std::vector<std::string> brought;
@@ -55,6 +54,25 @@ std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath,
   const std::filesystem::path database = appPath / kDatabaseFile;
   if (!IsThere(database) && CreateDatabase(files, database)) brought.emplace_back(kDatabaseFile);
   return brought;
+}
+
+StartInstall CompleteInstall(const std::filesystem::path& appPath, FileSystem& files) {
+  const std::filesystem::path config = ShippedFiles()[0].Name;
+  const bool hadConfig = IsThere(appPath / config), hadMap = IsThere(appPath / kDatabaseFile);
+  StartInstall start;
+  start.IsFirst = !hadConfig && !hadMap;
+  const std::vector<std::string> brought = BringFirstInstall(appPath, files);
+  const auto wasBrought = [&](const std::string& name) {
+    return !start.IsFirst && std::find(brought.begin(), brought.end(), name) != brought.end();
+  };
+  const auto remark = [&](const std::string& name, const char* made) {
+    return "There was no " + name + " in " + appPath.string() + ", so " + made +
+           ". If there has been one before, put a backup of it in its place.";
+  };
+  if (wasBrought(config))
+    start.OfConfig = remark(config, "one with the protocols of a first install was made");
+  if (wasBrought(kDatabaseFile)) start.OfMap = remark(kDatabaseFile, "an empty event map was made");
+  return start;
 }
 
 }  // namespace keplo

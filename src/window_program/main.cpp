@@ -49,7 +49,8 @@ void AddOptions(Command command, WindowOptions& options) {
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
   PosixFileSystem files;
-  if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
+  const std::string remark = CompleteInstall(appPath, files).OfConfig;
+  if (!remark.empty()) boxes.Message(remark, kBoxTitle);
   const OneWindow here(appPath);
   if (!here.Ours()) {
     if (here.RaiseOther()) return kDone;

@@ -80,6 +80,7 @@ TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
   EXPECT_TRUE(component.CanUnload());
   context.ReplayFiles.clear();
   std::filesystem::remove(folder_.Path() / "app/keplo.cfg");
+  std::filesystem::create_symlink("nowhere", folder_.Path() / "app/keplo.cfg");
   EXPECT_TRUE(Tells("app/keplo.cfg", "No such file", create));
 }
 

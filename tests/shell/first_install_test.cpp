@@ -23,7 +23,7 @@ bool IsKilledAt(int operation, const std::filesystem::path& appPath, Unpublished
 /// What a program does at its start.
 void Start(const std::filesystem::path& appPath) {
   PosixFileSystem files;
-  if (!IsSetUp(appPath)) BringFirstInstall(appPath, files);
+  CompleteInstall(appPath, files);
   KeploMod mod(appPath, files);
   LoadConfig(mod.Store);
   const ui::SystemClock clock;
@@ -56,6 +56,27 @@ TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
       EXPECT_EQ(std::distance(Files(folder.Path()), Files()), 3) << "nothing is left beside the three files";
     }
     EXPECT_GT(operation, 10) << install.Name;
+  }
+}
+
+TEST(FirstInstall, IsCompletedWithAWordOnWhatTheUserMayHaveABackupOf) {
+  struct Case {
+    std::string Missing;
+    bool OfConfig, OfMap;
+  };
+  for (const Case& install :
+       {Case{"keplo.cfg", true, false}, {"inputKeplo.mdb", false, true}, {"inkeplo.ico", false, false}}) {
+    SCOPED_TRACE(install.Missing);
+    const tests::TempFolder folder;
+    PosixFileSystem files;
+    EXPECT_TRUE(CompleteInstall(folder.Path(), files).IsFirst);
+    ASSERT_TRUE(std::filesystem::remove(folder.Path() / install.Missing));
+    const StartInstall start = CompleteInstall(folder.Path(), files);
+    EXPECT_FALSE(start.IsFirst);
+    const std::string told = "There was no " + install.Missing + " in ";
+    EXPECT_EQ(start.OfConfig.substr(0, told.size()), install.OfConfig ? told : "");
+    EXPECT_EQ(start.OfMap.substr(0, told.size()), install.OfMap ? told : "");
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / install.Missing));
   }
 }
 
