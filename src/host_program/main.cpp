@@ -46,6 +46,7 @@ std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool h
   if (!HasDisplay()) {
     throw Failure(1, "There is no display to show a window on. Run with --headless to do without.");
   }
+  QApplication::setDesktopFileName(QStringLiteral("keplo-host"));
   return std::make_unique<QApplication>(argc, argv);
 }
 
