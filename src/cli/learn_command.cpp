@@ -49,7 +49,11 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
   HeardKey key;
   for (const std::string& file : options.Files) {
+    std::error_code unknown;  // the path itself then tells the file
+    const std::filesystem::path path = std::filesystem::canonical(file, unknown);
+    int number = 0;  // of the press in its file
     for (const Press& press : LoadRecording(file).Presses) {
+      const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
       key.Last =
           ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
@@ -57,7 +61,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       const std::string& code = key.Last.Code;
       key.Codes.insert(code);
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
-      Validate(key.Validation, code, SentTwice(press, options.Line, code, analysis), key.Known);
+      Validate(key.Validation, {code, place}, SentTwice(press, options.Line, code, analysis), key.Known);
     }
   }
   return key;

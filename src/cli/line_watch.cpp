@@ -7,9 +7,9 @@
 #include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
-#include "line/sample_time.h"
 #include "program/stop_signals.h"
 #include "signal/sample_bits.h"
+#include "signal/sample_time.h"
 
 namespace keplo::cli {
 

@@ -68,7 +68,7 @@ Flows::Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes)
       Waveform(mod.Signal, form.Wave, form.Surface, form.HScroll1, form.SendPulse),
       Commands(mod, {form.Protocol, form.SendCmd, FieldsOf(form)}, Validation, Undo, Dialogue),
       Record(mod, line, RecordControlsOf(form), Waveform, Validation, Note, form),
-      Recordings(mod.Signal, form.Recordings, Record, form.Note, Dialogue),
+      Recordings(mod.Signal, mod.Settings, form.Recordings, Record, form.Note, Dialogue),
       Send(
           mod, line, SendControlsOf(form), Waveform, [&form] { return form.WindowLarge(); }, Dialogue, Note,
           form),

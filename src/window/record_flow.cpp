@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "config/lookup.h"
+#include "signal/sample_time.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
 #include "window/while_disabled.h"
@@ -68,24 +69,28 @@ void RecordFlow::Record() {
     return;
   }
   note_.Show();
-  ShowCapture();
+  if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
+  waveform_.StartTrace();
+  ReadCapture();
 }
 
-bool RecordFlow::Explain(std::string capture) {
+bool RecordFlow::Explain(const OpenedRecording& recording) {
   controls_.SendLoop.SetEnabled(false);
   ClearReading();
   fields_.CodeStr.SetBackColour(std::nullopt);
-  mod_.Signal.RawCapture = std::move(capture);
-  return ShowCapture();
+  place_ = recording.Place;
+  mod_.Signal.RawCapture = recording.Capture;
+  mod_.Signal.SampleTime = recording.SampleTime;
+  const bool tells = TrimRecording(mod_.Signal.RawCapture) == RecordStage::Code;
+  waveform_.StartTrace();
+  if (tells) ReadCapture();
+  return tells;
 }
 
-bool RecordFlow::ShowCapture() {
-  if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return false;
-  waveform_.StartTrace();
+void RecordFlow::ReadCapture() {
   RecordReading reading;
   ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
   ShowReading(reading);
-  return true;
 }
 
 void RecordFlow::ClearReading() {
@@ -99,6 +104,8 @@ void RecordFlow::ClearReading() {
 bool RecordFlow::ReceiveSignal() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kRecordCaptureBytes, '\0');
+  mod_.Signal.SampleTime = SampleTimeOf(mod_.Settings.ProcDelay);
+  place_.clear();
   const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
   beeper_.Beep(5000, 50);
   std::int32_t received = 0;
@@ -157,7 +164,7 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
   const bool known = LookupCommand(store, reading.Code, reading.ProtoKind, reading.ReadBy);
   fields_.IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
   validation_.ReadBy = reading.ReadBy;
-  const Verdict verdict = Validate(validation_, reading.Code, reading.Repeats, known);
+  const Verdict verdict = Validate(validation_, {reading.Code, place_}, reading.Repeats, known);
   fields_.CodeStr.SetBackColour(BackOf(verdict));
   if (verdict == Verdict::Known) beeper_.Beep(2000, 50);
   if (verdict == Verdict::NotValidated) {

@@ -13,6 +13,7 @@
 #include "window/beeper.h"
 #include "window/line_note.h"
 #include "window/reading_fields.h"
+#include "window/recording_files.h"
 #include "window/validation.h"
 #include "window/waveform_pane.h"
 
@@ -47,13 +48,13 @@ class RecordFlow {
 
   /// Waits for a key press and shows what it is.
   void Record();
-  /// Shows what a capture is that was made before.
+  /// Shows what a recording is that was made before.
   /// @return false if it is too short to tell anything
-  bool Explain(std::string capture);
+  bool Explain(const OpenedRecording& recording);
 
  private:
   void ClearReading();
-  bool ShowCapture();
+  void ReadCapture();
   bool ReceiveSignal();
   void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
@@ -71,6 +72,7 @@ class RecordFlow {
   Validation& validation_;
   LineNote& note_;
   const ui::Window& window_;
+  std::string place_;  // of the recording that is shown; empty for a key press
 };
 
 }  // namespace keplo

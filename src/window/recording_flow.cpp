@@ -1,14 +1,17 @@
 #include "window/recording_flow.h"
 
 #include <optional>
-#include <utility>
+
+#include "signal/sample_time.h"
 
 namespace keplo {
 
 void RecordingFlow::Open() {
   std::optional<OpenedRecording> recording;
-  if (!files_.Open || !dialogue_.Told([&] { recording = files_.Open(); }) || !recording) return;
-  const bool shown = record_.Explain(std::move(recording->Capture));
+  if (!files_.Open || !dialogue_.Told([&] { recording = files_.Open(SampleTimeOf(settings_.ProcDelay)); }) ||
+      !recording)
+    return;
+  const bool shown = record_.Explain(*recording);
   note_.SetText("Recording " + recording->Name + (shown ? "" : ": the signal is too short for a command."));
 }
 
@@ -17,7 +20,7 @@ void RecordingFlow::Save() {
     dialogue_.Tell("There is no recording to save. Press Record and a key of the remote first.");
     return;
   }
-  if (files_.Save) dialogue_.Told([&] { files_.Save(signal_.RawCapture); });
+  if (files_.Save) dialogue_.Told([&] { files_.Save(signal_.RawCapture, signal_.SampleTime); });
 }
 
 }  // namespace keplo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/settings.h"
 #include "signal/monitored_press.h"
 #include "ui/label.h"
 #include "window/dialogue.h"
@@ -12,15 +13,21 @@ namespace keplo {
 class RecordingFlow {
  public:
   /// @param files may change until they are called
-  RecordingFlow(const SignalState& signal, const RecordingFiles& files, RecordFlow& record, ui::Label& note,
-                Dialogue& dialogue)
-      : signal_(signal), files_(files), record_(record), note_(note), dialogue_(dialogue) {}
+  RecordingFlow(const SignalState& signal, const Settings& settings, const RecordingFiles& files,
+                RecordFlow& record, ui::Label& note, Dialogue& dialogue)
+      : signal_(signal),
+        settings_(settings),
+        files_(files),
+        record_(record),
+        note_(note),
+        dialogue_(dialogue) {}
 
   void Open();
   void Save();
 
  private:
   const SignalState& signal_;
+  const Settings& settings_;
   const RecordingFiles& files_;
   RecordFlow& record_;
   ui::Label& note_;

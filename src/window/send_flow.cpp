@@ -104,6 +104,7 @@ bool SendFlow::SendDigits(std::string digits) {
   beeper_.Beep(2000, 50);
   if (showsTrace_()) {
     mod_.Signal.RawCapture = CaptureOfSlots(slots, pulse);
+    mod_.Signal.SampleTime = kNominalSampleTime;
     waveform_.StartTrace();
   }
   note_.Show();

@@ -21,13 +21,19 @@ struct Validation {
   bool CmdValidated = false;
   std::int16_t ValidationStep = 0;    // 1 while a first press waits for its second
   std::string PendingCode;            // the code of that first press
+  std::string PendingPlace;           // where its recording was read from; empty for a key press
   Analysis ReadBy = Analysis::First;  // the analysis that the last code comes from
 };
 
-/// Takes the next recorded press into account.
-/// @param code digits without the leading G, RC5 with 0 for the toggle digit
+/// A press to be validated.
+struct ValidatedPress {
+  std::string_view Code;        // digits without the leading G, RC5 with 0 for the toggle digit
+  std::string_view Place = {};  // where its recording was read from; empty for a key press
+};
+
+/// Takes the next recorded press into account. A recording that is read again is no second press.
 /// @param repeats its frames are equal
 /// @param known it is stored already
-Verdict Validate(Validation& validation, std::string_view code, bool repeats, bool known);
+Verdict Validate(Validation& validation, const ValidatedPress& press, bool repeats, bool known);
 
 }  // namespace keplo

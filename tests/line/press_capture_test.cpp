@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "line/kept_capture.h"
 #include "press_builder.h"
 #include "signal/sample_bits.h"
 #include "signal/timing.h"
@@ -42,6 +43,21 @@ TEST(CaptureOfPress, ShapesPulsesUnlessToldNotToAndNoRawBytes) {
   EXPECT_EQ(CaptureOfPress(press, 510, unshaped), PulsesToCapture(press, 55, 510));
   EXPECT_EQ(tests::Heard(press, unshaped), "no-timing");
   EXPECT_EQ(tests::Heard(press), tests::kSonyBits);
+}
+
+TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {
+  const PulseTrain press = tests::Clean(kSony, tests::kSonyBits, 200);
+  LineOptions asRecorded;
+  asRecorded.HoldMs = 0;
+  const std::string capture = CaptureOfPress(press, 1000, asRecorded);
+  for (const double sampleTime : {55.0, 60.0, 52.5, 50.5}) {
+    const PulseTrain kept = PulsesOfCapture({capture, sampleTime});
+    EXPECT_EQ(kept.front(), static_cast<int>(SamplesToBits(capture).find('0') * sampleTime));
+    const TimedCapture shown = CaptureToShow(kept, 1000, sampleTime);
+    EXPECT_EQ(shown.Bytes, capture);
+    EXPECT_EQ(shown.SampleTime, sampleTime);
+    EXPECT_EQ(CaptureToShow(press, 1000, sampleTime).Bytes, capture);
+  }
 }
 
 }  // namespace

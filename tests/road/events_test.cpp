@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "program.h"
 
@@ -12,28 +13,51 @@ using tests::RunShell;
 
 TEST(Events, AreBoundChangedAndDeleted) {
   const Install install;
-  ExpectTold(install,
-             {{"events add 'nec&tv_power' --zone 3", 0, {"1\n"}},
-              {"events add 'NEC&TV_POWER' --id 1", 1, {"EventID 1 already"}},
-              {"events add 'NEC&LATER'", 1, {"no learned command", "--force"}},
-              {"events add 'NEC&LATER' --force --description= --disabled", 0, {"2\n"}},
-              {"events add LATER --force", 2, {"NEC&POWER"}},
-              {"events add", 2, {"COMMAND or --each"}},
-              {"events add 'NEC&TV_MUTE' --name \"$(printf 'a\\033[31mb')\"", 2, {"control character"}},
-              {"events add 'NEC&TV_MUTE' --zone 9", 2, {"--zone"}},
-              {"events modify 1 --name 'Tee Vee' --command 'sony&tv_1' --disable", 0, {}},
-              {"events modify 1", 2, {"At least 1 option"}},
-              {"events modify 7 --zone 1", 1, {"EventID 7"}},
-              {"events enable 2", 0, {}},
-              {"commands rename 'sony&tv_1' ONE", 0, {"SONY&TV_1 is SONY&ONE now\n1 event goes"}},
-              {"commands rename 'SONY&ONE' TV_MUTE", 1, {"in use"}},
-              {"commands rename ONE TWO", 2, {"NEC&POWER"}}});
+  ExpectTold(
+      install,
+      {{"events add 'nec&tv_power' --zone 3", 0, {"1\n"}},
+       {"events add 'NEC&TV_POWER' --id 1", 1, {"EventID 1 already"}},
+       {"events add 'NEC&LATER'", 1, {"no learned command", "--force"}},
+       {"events add 'NEC&LATER' --force --description= --disabled", 0, {"2\n"}},
+       {"events add LATER --force", 2, {"NEC&POWER"}},
+       {"events add", 2, {"COMMAND or --each"}},
+       {"events add 'NEC&TV_MUTE' --name \"$(printf 'a\\033[31mb')\"", 2, {"control character"}},
+       {"events add 'NEC&TV_MUTE' --zone 9", 2, {"--zone"}},
+       {"events modify 1 --name 'Tee Vee' --command 'sony&tv_1' --disable", 0, {}},
+       {"events modify 1", 2, {"At least 1 option"}},
+       {"events modify 7 --zone 1", 1, {"EventID 7"}},
+       {"events enable 2", 0, {}},
+       {"commands rename 'sony&tv_1' ONE", 0, {"SONY&TV_1 is SONY&ONE now\n1 event goes"}},
+       {"commands rename 'SONY&ONE' TV_MUTE", 1, {"in use for the current protocol. TV_MUTE stands in"}},
+       {"commands rename ONE TWO", 2, {"NEC&POWER"}}});
   EXPECT_EQ(install.Run("events list").Out,
             "1\tTee Vee\tSONY&ONE\tzone 3\tdisabled\t\n2\tLATER\tNEC&LATER\tzone 0\t\n");
-  ExpectTold(install, {{"events delete 1", 0, {}}, {"events delete 1", 1, {"EventID 1"}}});
+  ExpectTold(install, {{"events delete 1", 0, {}},
+                       {"events delete 1", 1, {"EventID 1"}},
+                       {"events add 'NEC&TV_POWER'", 0, {"3\n"}},
+                       {"events delete 3", 0, {}},
+                       {"events add 'NEC&TV_POWER'", 0, {"4\n"}},  // a host may have something under 3
+                       {"events delete 4", 0, {}}});
   EXPECT_EQ(install.Run("events list --json").Out,
             "{\"event_id\":\"2\",\"event_name\":\"LATER\",\"description\":\"\",\"command\":\"NEC&LATER\","
             "\"enabled\":true,\"zone\":0}\n");
+}
+
+TEST(Events, ThatARenameCouldNotReachAreNamed) {
+  const Install install;
+  install.Run("events add --each");
+  ExpectTold(install, {{"events add 'NEC&TV_MUTE' --id again", 0, {}}});
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(install.File("inputKeplo.mdb").c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "begin immediate", nullptr, nullptr, nullptr), SQLITE_OK);
+  ExpectTold(install, {{"commands rename 'NEC&TV_MUTE' SILENCE",
+                        3,
+                        {", again still the old one, NEC&TV_MUTE", "modify ID --command 'NEC&SILENCE'"}},
+                       {"commands NEC", 0, {"SILENCE"}}});
+  ASSERT_EQ(sqlite3_exec(other, "commit; begin exclusive", nullptr, nullptr, nullptr), SQLITE_OK);
+  ExpectTold(install, {{"commands rename 'NEC&SILENCE' QUIET", 2, {"event map cannot be loaded"}},
+                       {"commands NEC", 0, {"SILENCE"}}});
+  sqlite3_close(other);
 }
 
 TEST(Events, GetANumberOfTheirOwnEachWhenManyAreAddedAtOnce) {

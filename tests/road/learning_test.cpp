@@ -79,7 +79,7 @@ TEST(Learning, WantsASecondPressWhereTheRemoteSendsOneFrame) {
     const std::string next = install.Press("next.mode2", synth + key.NextPress + firstFrame);
     const std::string name = " --name '" + key.Protocol + "&ONCE'", learned = key.Protocol + "&ONCE ";
     ExpectTold(install,
-               {{"learn" + press + name, 1, {"not yet validated", "two equal presses"}},
+               {{"learn" + press + press + name, 1, {"not yet validated", "two equal presses"}},
                 {"learn" + press + next + name, 0, {learned + "learned: G"}},
                 {"forget '" + learned.substr(0, learned.size() - 1) + "'", 0, {learned + "forgotten"}}});
   }
@@ -93,30 +93,35 @@ TEST(Learning, RefusesWithTheReason) {
   for (const char half : std::string("100110100100110110101101001")) oddRc5.append(16, half);
   const auto odd = Quoted(install.Write("odd.cap", tests::Bytes(oddRc5 + std::string(1600, '0') + oddRc5)));
   const std::string before = install.Config();
-  ExpectTold(install,
-             {{"learn" + press + " --protocol Template --name NINE", 1, {"This protocol is read-only."}},
-              {"learn" + known + " --protocol RC5 --name OTHER",
-               1,
-               {"This command exist as TV_POWER in the protocol SONY"}},
-              {"learn" + press + " --name NINE", 2, {"--protocol"}},
-              {"learn" + odd + " --protocol RC5 --name ODD", 1, {"no code: some half bits"}},
-              {"learn" + known + press + " --name 'RC5&TWO'", 1, {": G101010010000 G11000001001001"}},
-              {"forget NEC NOTHING", 1, {"NOTHING"}},
-              {"forget NEC", 2, {"COMMAND"}},
-              {"commands NOTHING", 1, {"no protocol \"NOTHING\""}},
-              {"send 'NEC&NOTHING'", 1, {"NOTHING"}},
-              {"send NOTHING TV_POWER", 1, {"NOTHING"}},
-              {"send NEC", 2, {"COMMAND"}},
-              {"send --code G101010", 2, {"--protocol"}},
-              {"send NEC TV_POWER --out= --count=3", 2, {"--out: The value is empty"}},
-              {"send NEC TV_POWER --pulse 0", 2, {"--pulse"}},
-              {"send NEC TV_POWER --out /dev/full", 3, {"/dev/full: No space left on device"}},
-              {"send NEC TV_POWER --out -", 0, {"pulse "}},
-              {"send --code G10a010 --protocol NEC", 1, {"Please use only 1's and 0's for the code"}},
-              {"send --code G1010 --protocol NEC", 1, {"too short"}},
-              {"send --code G101010 --protocol Recorded",
-               1,
-               {"Information about received command is not complete!"}}});
+  install.Write("ports.conf", "8 = replay:" + install.File("new.mode2").string() + "\n");
+  ExpectTold(
+      install,
+      {{"learn" + press + " --protocol Template --name NINE", 1, {"This protocol is read-only."}},
+       {"learn" + known + " --protocol RC5 --name OTHER",
+        1,
+        {"This command exist as TV_POWER in the protocol SONY"}},
+       {"learn" + press + " --name NINE", 2, {"--protocol"}},
+       {"learn" + odd + " --protocol RC5 --name ODD", 1, {"no code: some half bits"}},
+       {"learn" + known + press + " --name 'RC5&TWO'", 1, {": G101010010000 G11000001001001"}},
+       {"forget NEC NOTHING", 1, {"NOTHING"}},
+       {"forget NEC", 2, {"COMMAND"}},
+       {"commands NOTHING", 1, {"no protocol \"NOTHING\""}},
+       {"send 'NEC&NOTHING'", 1, {"NOTHING"}},
+       {"send NOTHING TV_POWER", 1, {"NOTHING"}},
+       {"send NEC", 2, {"COMMAND"}},
+       {"send --code G101010", 2, {"--protocol"}},
+       {"send NEC TV_POWER --out= --count=3", 2, {"--out: The value is empty"}},
+       {"send NEC TV_POWER --pulse 0", 2, {"--pulse"}},
+       {"send NEC TV_POWER --port 9", 1, {"COM 9 has no device on this machine, so nothing goes on air"}},
+       {"send NEC TV_POWER --port 8", 1, {"Nothing goes on air by COM 8. It plays recordings"}},
+       {"learn" + press + " --name 'NEC&TV_MUTE'", 1, {"in use for the current protocol. TV_MUTE stands in"}},
+       {"send NEC TV_POWER --out /dev/full", 3, {"/dev/full: No space left on device"}},
+       {"send NEC TV_POWER --out -", 0, {"pulse "}},
+       {"send --code G10a010 --protocol NEC", 1, {"Please use only 1's and 0's for the code"}},
+       {"send --code G1010 --protocol NEC", 1, {"too short"}},
+       {"send --code G101010 --protocol Recorded",
+        1,
+        {"Information about received command is not complete!"}}});
   EXPECT_EQ(install.Config(), before);
 }
 

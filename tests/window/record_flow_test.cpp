@@ -154,28 +154,45 @@ TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
 }
 
 TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
-  std::string kept;
-  form_->Recordings.Save = [&](const std::string& capture) { kept = capture; };
+  std::pair<std::string, double> kept;
+  form_->Recordings.Save = [&](const std::string& capture, double sampleTime) {
+    kept = {capture, sampleTime};
+  };
   form_->SaveRecordingMenu.Click();
   EXPECT_EQ(boxes_.TakeShown(),
             Texts{"There is no recording to save. Press Record and a key of the remote first."});
+  mod_->Settings.ProcDelay = 20;
   Record(Frames(SonyRuns("101000100010"), 3));
+  mod_->Settings.ProcDelay = 30;  // later, and so none of this capture
   form_->SaveRecordingMenu.Click();
+  EXPECT_EQ(kept.second, 60);
   const std::string samples = mod_->Signal.SampleBits();
 
   SetUp();
   form_->TestCheck.SetChecked(true);
-  form_->Recordings.Open = [&] { return OpenedRecording{"play.mode2", kept}; };
-  form_->OpenRecordingMenu.Click();
+  const auto open = [&](const OpenedRecording& recording) {
+    form_->Recordings.Open = [&](double) { return recording; };
+    form_->OpenRecordingMenu.Click();
+  };
+  open({"play.mode2", "a 1", kept.first, kept.second});
   EXPECT_EQ(form_->IRCommand.Text() + " " + form_->Note.Text(), "Mine&&PLAY Recording play.mode2");
   EXPECT_EQ(mod_->Signal.SampleBits(), samples);
+  EXPECT_EQ(mod_->Signal.SampleTime, 60);
   EXPECT_FALSE(form_->Timer1.Enabled()) << "a loop would send over it";
-  form_->Recordings.Open = [&] { return OpenedRecording{"x.cap", Padded("\x10", 1000)}; };
-  form_->OpenRecordingMenu.Click();
+  open({"x.cap", "b 1", Padded("\x10", 1000)});
   EXPECT_EQ(form_->Note.Text(), "Recording x.cap: the signal is too short for a command.");
-  form_->Recordings.Open = []() -> std::optional<OpenedRecording> { throw Failure(2, "no such file"); };
+  EXPECT_EQ(form_->Surface.Lines().size(), 2U) << "the one mark that it has";
+  form_->Recordings.Open = [](double) -> std::optional<OpenedRecording> { throw Failure(2, "no such file"); };
   form_->OpenRecordingMenu.Click();
   EXPECT_EQ(boxes_.TakeShown(), Texts{"no such file"});
+
+  const std::string once = Padded(Bytes(Runs(NecRuns(kNecDigits))), 1000);
+  std::string colours;
+  for (const char* place : {"c 1", "c 1", "c 2", "c 1"}) {
+    open({"c.mode2", place, once});
+    colours += CodeColour() + " ";
+  }
+  EXPECT_EQ(colours, "red red green green ") << "a press that is read again is no second one";
 }
 
 }  // namespace

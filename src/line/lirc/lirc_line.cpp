@@ -11,10 +11,10 @@
 
 #include "line/device_access.h"
 #include "line/press_capture.h"
-#include "line/sample_time.h"
 #include "line/serial/held_signals.h"
 #include "line/serial/light_out.h"
 #include "line/zone_answer.h"
+#include "signal/sample_time.h"
 
 namespace keplo {
 

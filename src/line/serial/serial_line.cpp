@@ -7,11 +7,11 @@
 
 #include "line/press_capture.h"
 #include "line/real_time.h"
-#include "line/sample_time.h"
 #include "line/serial/dcd_sampler.h"
 #include "line/serial/edge_press.h"
 #include "line/serial/light_out.h"
 #include "line/zone_answer.h"
+#include "signal/sample_time.h"
 
 namespace keplo {
 

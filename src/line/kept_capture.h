@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "formats/recording.h"
+
+namespace keplo {
+
+/// A capture buffer, and how long each of its samples is.
+struct TimedCapture {
+  std::string Bytes;
+  double SampleTime = 0;  // microseconds
+};
+
+/// Lengths of the marks and spaces of a capture, from its first mark on: a recording that CaptureToShow
+/// brings back as it was.
+PulseTrain PulsesOfCapture(const TimedCapture& capture);
+
+/// A press as a capture to look at. A capture that was kept is as a line has shaped it, and comes back as it
+/// was; its lengths, which are whole samples, tell. Any other press is as a line would fill the buffer.
+/// @param bytes of the buffer
+/// @param usual sample time of captures of this machine, microseconds
+TimedCapture CaptureToShow(const Press& press, std::size_t bytes, double usual);
+
+}  // namespace keplo
