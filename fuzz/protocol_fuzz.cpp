@@ -86,6 +86,7 @@ void Check(const std::string& text, const std::string& protocol,
   SaveConfig(store);  // with the blanks that the load has written in
   const std::string before = store.CfgText;
   StoreUndo undo(store);
+  undo.Begin();
   bool done = false;
   try {
     done = change(store);
@@ -100,7 +101,7 @@ void Check(const std::string& text, const std::string& protocol,
     if (IsValidName(name) && !EqualNoCase(other, protocol))
       Require(CommandsOf(before, other) == CommandsOf(store.CfgText, other));
   }
-  undo.Remember(before);
+  undo.End();
   if (undo.CanUndo()) Require(undo.Undo().empty() && store.CfgText == before);
 }
 

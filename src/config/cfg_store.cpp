@@ -69,8 +69,8 @@ Failure NotSaved(const CfgStore& store, const Failure& failure) {
 struct Save {
   std::string Text;
   std::optional<std::string> Known;
-  bool TakesIn = false;  // what another program has written
-  bool IsDone = false;   // there is nothing to write
+  std::optional<std::string> Other = {};  // the text of another program that Text takes in
+  bool IsDone = false;                    // there is nothing to write
 };
 
 /// A text with the changes of another program taken in as far as they do not contradict it.
@@ -80,9 +80,10 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
   const std::optional<std::string> now = FileNow(store);
   if (now && now != save.Known && !store.RefusesOtherText) {
     const bool ownChanges = save.Text != store.SavedText;
-    std::optional<std::string> merged = MergeChanges(store.SavedText, save.Text, WithBlanks(*now));
+    std::string other = WithBlanks(*now);
+    std::optional<std::string> merged = MergeChanges(store.SavedText, save.Text, other);
     if (merged && merged->size() <= kMostCharacters) {
-      save = {std::move(*merged), now, true};
+      save = {std::move(*merged), now, std::move(other)};
     } else {
       save.IsDone = !ownChanges;
     }
@@ -109,10 +110,18 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::option
   throw NotSaved(store, failure);
 }
 
-void TakeOver(CfgStore& store, std::string text, bool tookIn) {
+/// Takes the text of another program into what CfgText would be without the change that is being made.
+void TakeInBesideChange(CfgStore& store, const std::string& other) {
+  if (store.WithoutChange) store.WithoutChange = MergeChanges(store.SavedText, *store.WithoutChange, other);
+}
+
+void TakeOver(CfgStore& store, std::string text, const std::optional<std::string>& other) {
+  if (other) {
+    TakeInBesideChange(store, *other);
+    store.TookInOtherText = true;
+  }
   store.SavedText = text;
   store.CfgText = std::move(text);
-  if (tookIn) store.TookInOtherText = true;
 }
 
 }  // namespace
@@ -164,6 +173,7 @@ bool ReloadConfig(CfgStore& store) {
   const std::optional<std::string> merged = MergeChanges(store.SavedText, store.CfgText, read.CfgText);
   if (!merged || merged->size() > kMostCharacters) return false;
   const bool changed = *merged != store.CfgText;
+  TakeInBesideChange(store, read.CfgText);
   store.CfgText = *merged;
   store.SavedText = std::move(read.CfgText);
   store.FileText = std::move(read.FileText);
@@ -182,15 +192,15 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
   }
   store.RequireRoom(content.size());
   if (save.IsDone) {
-    if (save.Known == content) TakeOver(store, std::move(content), save.TakesIn);
-    if (save.TakesIn) store.FileText = std::move(save.Known);
+    if (save.Known == content) TakeOver(store, std::move(content), save.Other);
+    if (save.Other) store.FileText = std::move(save.Known);
     return;
   }
   std::filesystem::path aside;
   const std::unique_ptr<LockedFolder> folder = WriteFile(store, save.Known, content, aside);
   store.FileText = content;
   store.ReadFrom.reset();
-  TakeOver(store, std::move(content), save.TakesIn);
+  TakeOver(store, std::move(content), save.Other);
   if (!aside.empty()) store.KeptAside = aside;
   try {
     folder->Flush();

@@ -43,6 +43,9 @@ struct CfgStore {
   /// Set when a reload or a save has taken in what another program had written. Positions and lists that were
   /// taken from CfgText before are then out of date; whoever shows them takes them anew and clears this.
   bool TookInOtherText = false;
+  /// While a change is made that the user can take back: what CfgText would be without it, with all that
+  /// other programs have written meanwhile. None at other times, and where the two cannot be told apart.
+  std::optional<std::string> WithoutChange;
   /// Whether a save over what another program has written meanwhile is refused with ChangedElsewhere. Else
   /// the save goes on, and KeptAside tells where the other text was put.
   bool RefusesOtherText = false;

@@ -1,5 +1,6 @@
 #include "config/store_undo.h"
 
+#include <optional>
 #include <utility>
 
 #include "config/merge_changes.h"
@@ -7,14 +8,18 @@
 
 namespace keplo {
 
-void StoreUndo::Remember(std::string before) {
-  if (before != store_.CfgText) change_ = Change{std::move(before), store_.CfgText};
+void StoreUndo::Begin() { store_.WithoutChange = store_.CfgText; }
+
+void StoreUndo::End() {
+  std::optional<std::string> before = std::exchange(store_.WithoutChange, std::nullopt);
+  if (before && *before != store_.CfgText) changes_.push_back({*std::move(before), store_.CfgText});
 }
 
 std::string StoreUndo::Undo() {
-  if (!change_) return "There is no change to take back.";
+  if (changes_.empty()) return "There is no change to take back.";
+  const Change& change = changes_.back();
   ReloadConfig(store_);
-  const std::optional<std::string> text = MergeChanges(change_->After, change_->Before, store_.CfgText);
+  const std::optional<std::string> text = MergeChanges(change.After, change.Before, store_.CfgText);
   if (!text) {
     return "The change cannot be taken back, since the same lines of " + store_.Path.string() +
            " were changed again after it. Nothing was changed.";
@@ -23,10 +28,10 @@ std::string StoreUndo::Undo() {
   try {
     ReplaceAndSave(store_, *text);
   } catch (const Failure&) {
-    if (store_.CfgText != current) change_.reset();
+    if (store_.CfgText != current) changes_.pop_back();
     throw;
   }
-  change_.reset();
+  changes_.pop_back();
   return {};
 }
 

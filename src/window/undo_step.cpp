@@ -1,9 +1,11 @@
 #include "window/undo_step.h"
 
+#include <string>
+
 namespace keplo {
 
-void UndoPlace::Remember(std::string before) {
-  undo_.Remember(std::move(before));
+void UndoPlace::End() {
+  undo_.End();
   entry_.SetEnabled(undo_.CanUndo());
 }
 

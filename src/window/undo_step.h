@@ -1,20 +1,17 @@
 #pragma once
 
-#include <string>
-#include <utility>
-
 #include "config/store_undo.h"
 #include "ui/menu_entry.h"
 #include "window/dialogue.h"
 
 namespace keplo {
 
-/// The last change of the file, which the user can take back.
+/// The changes of the file since the window was opened, which the user can take back one by one.
 class UndoPlace {
  public:
   /// @param entry of the menu; it can be used while there is a change to take back
   UndoPlace(CfgStore& store, ui::MenuEntry& entry, Dialogue& dialogue)
-      : store_(store), undo_(store), entry_(entry), dialogue_(dialogue) {
+      : undo_(store), entry_(entry), dialogue_(dialogue) {
     entry_.SetEnabled(false);
   }
 
@@ -23,9 +20,8 @@ class UndoPlace {
 
  private:
   friend class UndoStep;
-  void Remember(std::string before);
+  void End();
 
-  CfgStore& store_;
   StoreUndo undo_;
   ui::MenuEntry& entry_;
   Dialogue& dialogue_;
@@ -35,14 +31,13 @@ class UndoPlace {
 /// all of it back in one step.
 class UndoStep {
  public:
-  explicit UndoStep(UndoPlace& place) : place_(place), before_(place.store_.CfgText) {}
-  ~UndoStep() { place_.Remember(std::move(before_)); }
+  explicit UndoStep(UndoPlace& place) : place_(place) { place_.undo_.Begin(); }
+  ~UndoStep() { place_.End(); }
   UndoStep(const UndoStep&) = delete;
   UndoStep& operator=(const UndoStep&) = delete;
 
  private:
   UndoPlace& place_;
-  std::string before_;
 };
 
 }  // namespace keplo

@@ -66,10 +66,9 @@ class OtherProgram : public ::testing::Test {
   StoreUndo undo_{store_};
 
   void Change(const std::vector<std::string>& steps) {
-    const std::string before = store_.CfgText;
+    undo_.Begin();
     for (const std::string& step : steps) ASSERT_EQ(Do(store_, step), "");
-    EXPECT_NE(store_.CfgText, before);
-    undo_.Remember(before);
+    undo_.End();
   }
   void ExpectBoth(const std::string& text) const {
     EXPECT_EQ(store_.CfgText, text);
@@ -122,6 +121,16 @@ TEST_F(OtherProgram, IsNotUndone) {
   stored_.Write(After("G0011,MUTE", stored_.File(), "G0111,LOW"));
   EXPECT_EQ(undo_.Undo(), "");
   ExpectBoth(After("G0011,MUTE", Replaced(kBase, "COMPORT= 1", "COMPORT= 7"), "G0111,LOW"));
+  EXPECT_FALSE(undo_.CanUndo());
+
+  const std::string start = stored_.File();
+  undo_.Begin();
+  stored_.Write(After("G0011,MUTE", start, "G0101,NIGHT"));  // is met by the save of the change
+  ASSERT_EQ(Do(store_, "add|NEC|G1110|DOWN"), "");
+  undo_.End();
+  Change({"delete|NEC|UP"});
+  for (int step = 0; step < 2; ++step) EXPECT_EQ(undo_.Undo(), "") << "one step each";
+  ExpectBoth(After("G0011,MUTE", start, "G0101,NIGHT"));
   EXPECT_FALSE(undo_.CanUndo());
 
   Change({"delete|NEC|UP"});
