@@ -358,10 +358,15 @@ ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol) {
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = WithoutSection(store.CfgText, protocol);
   if (!planned.Refused.Done()) return planned.Refused;
-  const std::string text = WithCurrentProtocol(planned.Change.In(store.CfgText), 0);
+  std::string rest = planned.Change.In(store.CfgText);
   // A header that is none of its own may have hidden the damage of the section before it.
-  if (!HasWholeSections(text) && HasWholeSections(store.CfgText)) return ProtocolRefusal::HeaderLine;
-  ReplaceAndSave(store, text);
+  if (!HasWholeSections(rest) && HasWholeSections(store.CfgText)) return ProtocolRefusal::HeaderLine;
+  if (WalkSections(rest).Ended == WalkEnd::ClosingHeader) {
+    // Section and selection in one save: a second one could fail and contradict the first.
+    ReplaceAndSave(store, WithCurrentProtocol(rest, 0));
+  } else {
+    store.ReplaceText(std::move(rest));
+  }
   return ProtocolRefusal::None;
 }
 

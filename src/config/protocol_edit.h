@@ -129,7 +129,8 @@ std::string WithCurrentProtocol(const std::string& text, int index);
 /// The new protocol becomes the one that the window starts with.
 ProtocolResult AddProtocol(CfgStore& store, ProtocolDraft draft);
 ProtocolResult EditProtocol(CfgStore& store, ProtocolDraft draft);
-/// The first protocol becomes the one that the window starts with.
+/// The first protocol becomes the one that the window starts with. A text without its closing header is
+/// changed in memory alone.
 ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol);
 
 }  // namespace keplo

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "config/check_config.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "window/file_watch.h"
@@ -66,28 +65,15 @@ void ProtocolPlace::Delete() {
   }
   TakeInOtherText(store);
   const UndoStep step(undo_);
-  const SectionChange planned = WithoutSection(store.CfgText, store.CurProtocol);
-  if (planned.Refused != ProtocolRefusal::None) {
-    if (planned.Refused != ProtocolRefusal::NoSection) dialogue_.Tell(RefusalText(planned.Refused));
-    return;
-  }
-  store.CfgPos = planned.Change.First;
-  store.CfgPos2 = planned.Change.Last;
-  std::string rest = planned.Change.In(store.CfgText);
-  if (!HasWholeSections(rest) && HasWholeSections(store.CfgText)) {
-    return dialogue_.Tell(RefusalText(ProtocolResult(ProtocolRefusal::HeaderLine)));
-  }
-  SectionWalk walk = WalkSections(rest);
-  if (walk.Ended != WalkEnd::ClosingHeader) {
-    store.ReplaceText(std::move(rest));
-    SetProtocols(std::move(walk.Names));
-    return;
-  }
-  // Section and selection in one save: a second one could fail and contradict the first.
-  if (!dialogue_.Changed([&] { ReplaceAndSave(store, WithCurrentProtocol(rest, 0)); })) return;
-  walk.Names.emplace_back(kRecorded);
+  ProtocolResult result;
+  const bool changed = dialogue_.Changed([&] { result = DeleteProtocol(store, store.CurProtocol); });
+  if (!result.Done() && result.Refused != ProtocolRefusal::NoSection) dialogue_.Tell(RefusalText(result));
+  if (!changed) return;
+  SectionWalk walk = WalkSections(store.CfgText);
+  const bool isWhole = walk.Ended == WalkEnd::ClosingHeader;
+  if (isWhole) walk.Names.emplace_back(kRecorded);
   SetProtocols(std::move(walk.Names));
-  MakeProtocolCurrent(0);
+  if (isWhole) MakeProtocolCurrent(0);
 }
 
 }  // namespace keplo

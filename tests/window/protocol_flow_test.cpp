@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "config/protocol_edit.h"
 #include "window/new_protocol.h"
 #include "window/window_fixture.h"
 
@@ -174,6 +175,10 @@ TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
     EXPECT_EQ(boxes_.TakeShown(), told);
   }
   form_->Protocol.SelectText("Mine");
+  mod_->Store.CfgText = Replaced(kBefore, "[Mine]", "see [Mine]");
+  form_->ProtoDeleteMenu.Click();
+  EXPECT_EQ(boxes_.TakeShown().back(), RefusalText(ProtocolRefusal::HeaderLine));
+  EXPECT_EQ(mod_->Store.CfgText, Replaced(kBefore, "[Mine]", "see [Mine]"));
   std::string shown;
   form_->OnProtocolDialog = [&] { shown += form_->ProtocolDialog() != nullptr ? "dialog " : "window "; };
   mod_->Store.CfgText = kGeneral + Replaced(kMine, "GREPEAT= 72", "GREPEAT= ??") + kOther + "[END]\r\n";
