@@ -135,12 +135,5 @@ TEST_F(WindowProgram, ASecondStartBringsTheWindowToTheFront) {
   EXPECT_EQ(screen_->Windows("Orlo.s Keplo"), window + "\n");
 }
 
-TEST_F(WindowProgram, TellsWhichRecordingCannotBeReadAndEnds) {
-  program_.emplace(Program({"--replay", "/nowhere/press.mode2"}));
-  ASSERT_FALSE(screen_->Focus("^Keplo$").empty());
-  Keys("Return");
-  EXPECT_EQ(program_->WaitForEnd(), 1);
-}
-
 }  // namespace
 }  // namespace keplo::tests

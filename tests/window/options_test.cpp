@@ -79,16 +79,6 @@ TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
   }
 }
 
-TEST_F(Options, AKeyThatTheFileLacksIsChangedInMemoryAlone) {
-  std::string& text = mod_->Store.CfgText;
-  text.erase(text.find("ITYPE= 0\r\n"), 10);
-  const std::string before = File();
-  form_->IRMouseMenu.Click();
-  EXPECT_EQ(mod_->Settings.InterfaceType, 8);
-  EXPECT_EQ(File(), before);
-  EXPECT_TRUE(boxes_.Shown.empty());
-}
-
 TEST_F(Options, HelpThatCannotBeShownIsTold) {
   std::string opened;
   form_->Programs = {[] { return std::string(); },
