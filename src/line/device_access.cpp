@@ -78,7 +78,7 @@ std::string NameOfProcess(int process) {
 
 std::string HolderOfDevice(const std::string& device) {
   std::error_code error;
-  const std::filesystem::path node = std::filesystem::weakly_canonical(device, error);
+  const std::filesystem::path node = std::filesystem::canonical(device, error);
   if (error) return {};
   for (std::filesystem::directory_iterator at("/proc", error), end; !error && at != end;
        at.increment(error)) {
@@ -86,6 +86,26 @@ std::string HolderOfDevice(const std::string& device) {
     if (process > 0 && process != getpid() && HasOpen(at->path(), node)) return NameOfProcess(process);
   }
   return {};
+}
+
+std::string KernelName(const std::string& device) {
+  std::error_code error;
+  const std::filesystem::path node = std::filesystem::weakly_canonical(device, error);
+  return (error ? std::filesystem::path(device) : node).filename().string();
+}
+
+bool IsUsbPort(const std::string& device, const std::filesystem::path& classes) {
+  std::error_code error;
+  const auto place =
+      std::filesystem::weakly_canonical(classes / "tty" / KernelName(device) / "device", error);
+  return place.string().find("/usb") != std::string::npos;
+}
+
+std::string WhyNoModemLines(const std::string& device) {
+  return device +
+         " is a USB adapter: reading its lines takes 1 ms and switching them up to 11 ms, so it serves "
+         "zone hardware only. Use a serial port of the board or of a PCIe card, or an infrared "
+         "receiver that the kernel knows.";
 }
 
 }  // namespace keplo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace keplo {
@@ -18,5 +19,15 @@ std::string NameOfProcess(int process);
 /// The program, other than this one, that has a device open, as NameOfProcess tells it; empty if the system
 /// shows none.
 std::string HolderOfDevice(const std::string& device);
+
+/// The name of a device in the kernel's folders; nodes may be links, such as those below /dev/serial/by-id.
+std::string KernelName(const std::string& device);
+
+/// Whether a serial port is an adapter on USB.
+/// @param classes where the kernel lists its devices by classes
+bool IsUsbPort(const std::string& device, const std::filesystem::path& classes = "/sys/class");
+
+/// Why a USB adapter serves neither receiver nor transmitter.
+std::string WhyNoModemLines(const std::string& device);
 
 }  // namespace keplo

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "signal/line_rest.h"
@@ -26,6 +27,10 @@ class DeviceLine : public Win32Ser, public LineRest {
   /// @return why the device did not open, or does not work any more, in one sentence; empty while it does
   virtual std::string WhyNot() const = 0;
   virtual LineLosses Losses() const = 0;
+  /// Whether the last signal went out; what stood in its way has been told.
+  virtual bool Sent() const = 0;
+  /// The modem lines of an open serial port as TIOCM_ bits, as they are now; none for any other device.
+  virtual std::optional<int> ModemLines() = 0;
 };
 
 }  // namespace keplo

@@ -49,16 +49,17 @@ OpenedLine OpenReplay(const LineSpec& spec, const std::int16_t& receiverKind) {
 OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
                     const std::int16_t& receiverKind, TellUser tell) {
   if (!spec.ReplayFiles.empty() || !spec.Ports.empty()) return OpenReplay(spec, receiverKind);
-  PortMap map = LoadPortMap(appPath);
+  const PortMap map = LoadPortMap(appPath);
   if (map.Ports.empty() && map.Mistakes.empty()) {
     OpenedLine standIn = OpenReplay(spec, receiverKind);
     standIn.Remarks = {std::string(kNoDevices)};
     return standIn;
   }
   std::vector<std::string> mistakes = map.Mistakes;
-  auto line = std::make_unique<PortLine>(std::make_unique<KernelCalls>(), std::move(map), receiverKind,
-                                         spec.Options, std::move(tell));
-  line->InsteadOfAnyPort = spec.Port;
+  auto line = std::make_unique<PortLine>(
+      std::make_unique<KernelCalls>(), [appPath] { return LoadPortMap(appPath); }, receiverKind, spec.Options,
+      std::move(tell));
+  if (spec.Port) line->PutInPlace(*spec.Port, spec.PortOfSettings);
   PortLine* const device = line.get();
   const std::string remarks = Joined(mistakes);
   return {std::move(line), nullptr, device, std::move(mistakes),

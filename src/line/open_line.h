@@ -16,11 +16,12 @@ namespace keplo {
 
 /// What a program asks of its line.
 struct LineSpec {
-  std::vector<std::string> ReplayFiles;  // recordings to play as key presses
-  bool InRealTime = false;               // at the clock of the recordings, not as fast as possible
-  int HeldCaptures = 0;                  // captures for which the key of the last press stays pressed
-  std::vector<std::int32_t> Ports;       // without hardware behind them; all if none of them is one
-  std::optional<std::int32_t> Port;      // for this run in place of any other
+  std::vector<std::string> ReplayFiles;          // recordings to play as key presses
+  bool InRealTime = false;                       // at the clock of the recordings, not as fast as possible
+  int HeldCaptures = 0;                          // captures for which the key of the last press stays pressed
+  std::vector<std::int32_t> Ports;               // without hardware behind them; all if none of them is one
+  std::optional<std::int32_t> Port;              // for this run in place of that of the settings
+  const std::int32_t* PortOfSettings = nullptr;  // where they are read later; else the one asked for first
   LineOptions Options;
 };
 

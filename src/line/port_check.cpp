@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "formats/recording.h"
+#include "line/device_access.h"
 #include "line/lirc/lirc_line.h"
 #include "line/serial/serial_port.h"
 
@@ -13,13 +14,6 @@ namespace keplo {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The name of a device in the kernel's folders; nodes may be links, such as those below /dev/serial/by-id.
-std::string KernelName(const std::string& device) {
-  std::error_code error;
-  const fs::path node = fs::weakly_canonical(device, error);
-  return (error ? fs::path(device) : node).filename().string();
-}
 
 /// The driver of a device or of the first one above it; the serial core puts devices of its own between the
 /// two.
@@ -38,24 +32,13 @@ std::string DriverOf(const fs::path& device) {
   return {};
 }
 
-bool IsUsb(const fs::path& device) {
-  std::error_code error;
-  return fs::weakly_canonical(device, error).string().find("/usb") != std::string::npos;
-}
-
-PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& kernelDevice) {
+PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& classes) {
   PortCheck check;
-  check.Driver = DriverOf(kernelDevice);
+  check.Driver = DriverOf(classes / "tty" / KernelName(port.Device) / "device");
   check.Opens = SerialPort::Open(calls, port.Device, check.Why) != nullptr;
-  const bool usb = IsUsb(kernelDevice);
+  const bool usb = IsUsbPort(port.Device, classes);
   check.Receives = check.Sends = check.Opens && !usb;
-  if (check.Opens && usb) {
-    check.Why =
-        port.Device +
-        " is a USB adapter: reading its lines takes 1 ms and switching them up to 11 ms, so it serves "
-        "zone hardware only. Use a serial port of the board or of a PCIe card, or an infrared "
-        "receiver that the kernel knows.";
-  }
+  if (check.Opens && usb) check.Why = WhyNoModemLines(port.Device);
   return check;
 }
 
@@ -88,7 +71,7 @@ PortCheck CheckReplay(const MappedPort& port) {
 PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders) {
   switch (port.Type) {
     case MappedPort::Kind::Serial:
-      return CheckSerial(calls, port, folders.Sys / "tty" / KernelName(port.Device) / "device");
+      return CheckSerial(calls, port, folders.Sys);
     case MappedPort::Kind::Lirc:
       return CheckLirc(calls, port, folders.Sys / "lirc" / KernelName(port.Device) / "device");
     case MappedPort::Kind::Replay:

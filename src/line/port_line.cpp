@@ -7,6 +7,7 @@
 #include "formats/recording.h"
 #include "line/lirc/lirc_line.h"
 #include "line/serial/serial_line.h"
+#include "line/slot_clock.h"
 #include "line/zone_answer.h"
 
 namespace keplo {
@@ -14,14 +15,16 @@ namespace keplo {
 namespace {
 
 constexpr std::chrono::milliseconds kNothingToWatch{60'000};
+constexpr std::chrono::seconds kLookAgain{2};  // for the device of a port that has none
 
 }  // namespace
 
-PortLine::PortLine(std::unique_ptr<DeviceCalls> calls, PortMap map, const std::int16_t& receiverKind,
-                   LineOptions options, TellUser tell)
+PortLine::PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> map,
+                   const std::int16_t& receiverKind, LineOptions options, TellUser tell)
     : calls_(std::move(calls)),
       wakes_(*calls_, epoll_create1(EPOLL_CLOEXEC)),
-      map_(std::move(map)),
+      readMap_(std::move(map)),
+      map_(readMap_()),
       receiverKind_(&receiverKind),
       options_(options),
       tell_(std::move(tell)),
@@ -45,14 +48,27 @@ std::unique_ptr<Win32Ser> PortLine::MakeLine(const MappedPort& port) {
   return line;
 }
 
+void PortLine::PutInPlace(std::int32_t port, const std::int32_t* ofSettings) {
+  inPlace_ = port;
+  ofSettings_ = ofSettings;
+}
+
+std::int32_t PortLine::InPlaceOf(std::int32_t asked) {
+  if (!inPlace_) return asked;
+  if (!replaced_) replaced_ = ofSettings_ ? *ofSettings_ : asked;
+  return asked == *replaced_ ? *inPlace_ : asked;
+}
+
 std::int32_t PortLine::OpenCom(std::int32_t asked) {
-  const std::int32_t port = InsteadOfAnyPort.value_or(asked);
+  const std::int32_t port = InPlaceOf(asked);
   CloseCom();
   const auto mapped = std::find_if(map_.Ports.begin(), map_.Ports.end(),
                                    [port](const MappedPort& candidate) { return candidate.Port == port; });
   if (mapped == map_.Ports.end()) {
     whyNot_ =
         "COM " + std::to_string(port) + " has no device on this machine. keplo ports lists those that have.";
+    missing_ = asked;
+    nextLook_ = calls_->Now() + kLookAgain;
     return 0;
   }
   try {
@@ -61,22 +77,31 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
     whyNot_ = failure.what();
     return 0;
   }
-  const std::int32_t opened = line_->OpenCom(port);
-  whyNot_ = device_ ? device_->WhyNot() : std::string();
+  whyNot_.clear();
   open_ = "COM " + std::to_string(port) + " is " + (device_ ? mapped->Device : "recorded key presses") + ".";
-  if (opened != 1) CloseCom();
-  return opened;
+  // A device that does not open stays, since it opens by itself when it is there.
+  return line_->OpenCom(port);
+}
+
+void PortLine::LookAfterDevice() {
+  if (device_) return device_->LookAfterDevice();
+  if (!missing_ || calls_->Now() < nextLook_) return;
+  map_ = readMap_();
+  if (OpenCom(*missing_) != 1) return;
+  RTS(-1);
+  TXD(0);
+  if (tell_) tell_(open_);
 }
 
 std::string PortLine::What() const {
-  if (device_ && !device_->WhyNot().empty()) return device_->WhyNot();
-  if (!whyNot_.empty()) return whyNot_;
+  if (!WhyNot().empty()) return WhyNot();
   return line_ ? open_ : "No port is open.";
 }
 
 void PortLine::CloseCom() {
   device_ = nullptr;
   line_.reset();
+  missing_.reset();
 }
 
 int PortLine::WakeDescriptor() {
@@ -92,6 +117,7 @@ int PortLine::WakeDescriptor() {
 
 std::chrono::milliseconds PortLine::MayRest() {
   if (device_) return device_->MayRest();
+  if (missing_) return kLookAgain;
   return line_ ? std::chrono::milliseconds::zero() : kNothingToWatch;
 }
 
@@ -112,6 +138,7 @@ void PortLine::TXD(std::int32_t state) {
 }
 
 std::int32_t PortLine::DCD() {
+  if (missing_) LookAfterDevice();
   if (line_) return line_->DCD();
   return *receiverKind_ == 0 ? 1 : 0;
 }
@@ -145,7 +172,7 @@ std::int32_t PortLine::ReadChr(char& character) { return line_ ? line_->ReadChr(
 std::int16_t PortLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
 
 void PortLine::uDelay(std::int32_t microseconds) {
-  calls_->SleepUntil(calls_->Now() + std::chrono::microseconds(microseconds));
+  SleepUnlessEnded(*calls_, calls_->Now() + std::chrono::microseconds(microseconds));
 }
 
 void PortLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,22 +16,28 @@ namespace keplo {
 /// The lines of this machine behind one Win32Ser: a COM number opens what the port map names.
 class PortLine : public DeviceLine {
  public:
+  /// @param map is asked again for a port that is not in it: its device may come later
   /// @param receiverKind as in the settings, which own it
-  PortLine(std::unique_ptr<DeviceCalls> calls, PortMap map, const std::int16_t& receiverKind,
+  PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> map, const std::int16_t& receiverKind,
            LineOptions options, TellUser tell);
 
-  /// The port that is opened whichever one is asked for.
-  std::optional<std::int32_t> InsteadOfAnyPort;
+  /// The port that is opened where that of the settings is asked for.
+  /// @param ofSettings as the settings tell it when a port is opened first; none: the port that is asked for
+  /// first
+  void PutInPlace(std::int32_t port, const std::int32_t* ofSettings);
 
   std::string WhyNot() const override { return device_ ? device_->WhyNot() : whyNot_; }
   /// The open port and its device, or why there is none, in a sentence for a person.
   std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
+  bool Sent() const override { return !device_ || device_->Sent(); }
+  std::optional<int> ModemLines() override { return device_ ? device_->ModemLines() : std::nullopt; }
   int WakeDescriptor() override;
   std::chrono::milliseconds MayRest() override;
   void Forget() override {
     if (device_) device_->Forget();
   }
+  void LookAfterDevice() override;
 
   std::int32_t OpenCom(std::int32_t port) override;
   void CloseCom() override;
@@ -51,11 +58,13 @@ class PortLine : public DeviceLine {
   void SpeakBeep(std::int32_t frequency, std::int32_t duration) override;
 
  private:
+  std::int32_t InPlaceOf(std::int32_t asked);
   std::unique_ptr<Win32Ser> MakeLine(const MappedPort& port);
 
   std::unique_ptr<DeviceCalls> calls_;
   DeviceDescriptor wakes_;  // an epoll instance, which stays while devices come and go
   int watched_ = -1;        // the descriptor in it
+  std::function<PortMap()> readMap_;
   PortMap map_;
   const std::int16_t* receiverKind_;
   LineOptions options_;
@@ -65,6 +74,11 @@ class PortLine : public DeviceLine {
   DeviceLine* device_ = nullptr;    // the same, where it is a device
   std::string open_;                // port and device, for a person; empty while none is open
   std::string whyNot_;
+
+  std::optional<std::int32_t> inPlace_, replaced_;  // port of this run, and the one that it stands in for
+  const std::int32_t* ofSettings_ = nullptr;
+  std::optional<std::int32_t> missing_;  // port that has no device yet
+  std::chrono::nanoseconds nextLook_{0};
 };
 
 }  // namespace keplo

@@ -18,6 +18,12 @@ bool SetRealTime(int policy, int priority) {
   return pthread_setschedparam(pthread_self(), policy, &parameters) == 0;
 }
 
+/// With a limit, locking what comes later would make allocations fail.
+bool MayLock() {
+  rlimit limit{};
+  return getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
+}
+
 }  // namespace
 
 void HurryThread() {
@@ -38,11 +44,7 @@ Hurry::~Hurry() {
 }
 
 void LockMemory() {
-  rlimit limit{};
-  // With a limit, locking what comes later would make allocations fail.
-  if (getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY) {
-    mlockall(MCL_CURRENT | MCL_FUTURE | MCL_ONFAULT);
-  }
+  if (MayLock()) mlockall(MCL_CURRENT | MCL_FUTURE | MCL_ONFAULT);
 }
 
 std::string DescribeRealTime() {
@@ -52,8 +54,14 @@ std::string DescribeRealTime() {
   pthread_getschedparam(pthread_self(), &policy, &parameters);
   if (policy == SCHED_FIFO) return "captures run with real-time priority";
   return "captures run without real-time priority: on a busy machine some samples are late. Allow it with a "
-         "line "
-         "\"@dialout - rtprio 20\" in /etc/security/limits.d/keplo.conf";
+         "line \"@dialout - rtprio 20\" in /etc/security/limits.d/keplo.conf";
+}
+
+std::string DescribeMemory() {
+  if (MayLock()) return "captures run in locked memory";
+  return "captures run in memory that may be swapped out: on a machine short of it a capture may wait. Allow "
+         "locking "
+         "with a line \"@dialout - memlock unlimited\" in /etc/security/limits.d/keplo.conf";
 }
 
 }  // namespace keplo

@@ -27,5 +27,7 @@ void LockMemory();
 
 /// What the system allows this program, for a person: "real-time priority" or how to get it.
 std::string DescribeRealTime();
+/// Whether captures run in memory that is never swapped out, or how to get that.
+std::string DescribeMemory();
 
 }  // namespace keplo

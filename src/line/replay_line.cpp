@@ -1,8 +1,9 @@
 #include "line/replay_line.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
+
+#include "line/zone_answer.h"
 
 namespace keplo {
 
@@ -33,9 +34,6 @@ void KeepLatest(std::vector<Output>& outputs, Output output) {
 std::span<char> Limited(std::span<char> buffer, std::int32_t limit) {
   return buffer.first(std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0))));
 }
-
-/// Answers of the zone hardware for zones 1 to 8: the command byte of the zone less 64.
-constexpr std::array<char, 8> kZoneAnswers = {8, 25, 26, 43, 28, 45, 46, 63};
 
 }  // namespace
 
@@ -124,11 +122,7 @@ std::int32_t ReplayLine::ReadChr(char& character) {
   return 1;
 }
 
-std::int16_t ReplayLine::CheckZone(char& character) {
-  const auto* const answer = std::find(kZoneAnswers.begin(), kZoneAnswers.end(), character);
-  return answer == kZoneAnswers.end() ? std::int16_t{0}
-                                      : static_cast<std::int16_t>(answer - kZoneAnswers.begin() + 1);
-}
+std::int16_t ReplayLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
 
 void ReplayLine::uDelay(std::int32_t microseconds) { Wait(std::chrono::microseconds(microseconds)); }
 

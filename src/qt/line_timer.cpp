@@ -8,12 +8,18 @@ namespace {
 
 /// A port that is opened between two ticks is looked at so soon.
 constexpr std::chrono::milliseconds kLongestRest{400};
+constexpr std::chrono::seconds kCare{1};
 
 }  // namespace
 
 LineTimer::LineTimer(ui::Timer& model, LineRest* line, QObject* parent)
     : QtTimer(model, parent), line_(line), pace_(model.Interval) {
-  if (line_ != nullptr) callOnTimeout(this, [this] { Pace(); });
+  if (line_ == nullptr) return;
+  callOnTimeout(this, [this] { Pace(); });
+  care_.callOnTimeout([this] {
+    if (!isActive()) line_->LookAfterDevice();
+  });
+  care_.start(kCare);
 }
 
 void LineTimer::Pace() {

@@ -22,6 +22,7 @@ class LineTimer : public QtTimer {
   LineRest* line_;
   std::chrono::milliseconds pace_;
   std::unique_ptr<QSocketNotifier> wake_;
+  QTimer care_;  // looks after the device while nobody ticks
 };
 
 }  // namespace keplo::qt

@@ -17,6 +17,8 @@ class LineRest {
   virtual std::chrono::milliseconds MayRest() = 0;
   /// Drops what came in while nobody listened, so that it raises no events when ticks begin again.
   virtual void Forget() = 0;
+  /// Notices that the device went, and opens it when it is there again; for times in which nobody ticks.
+  virtual void LookAfterDevice() = 0;
 };
 
 }  // namespace keplo

@@ -46,8 +46,8 @@ TEST_F(SerialLineTest, HearsPressesByBothReceiversHoweverLateItWakes) {
       Port.LateEvery = lateEvery;
       Port.Late = microseconds(100);
       ASSERT_EQ(Line.OpenCom(1), 1);
-      EXPECT_TRUE(AtRest());
       for (const auto& [kind, bits] : presses) {
+        EXPECT_TRUE(AtRest());
         Port.Play(Clean(kind, bits));
         EXPECT_FALSE(AtRest());
         EXPECT_EQ(Heard(), bits) << "receiver " << receiver << ", late every " << lateEvery;

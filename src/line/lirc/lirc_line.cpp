@@ -6,41 +6,38 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <numeric>
 #include <utility>
 
 #include "line/device_access.h"
+#include "line/lirc/sent_parts.h"
 #include "line/press_capture.h"
-#include "line/serial/held_signals.h"
-#include "line/serial/light_out.h"
-#include "line/zone_answer.h"
-#include "signal/sample_time.h"
+#include "line/slot_clock.h"
 
 namespace keplo {
 
 namespace {
 
-using std::chrono_literals::operator""us;
 using std::chrono_literals::operator""ms;
-using std::chrono_literals::operator""s;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
-using std::chrono::nanoseconds;
 
-constexpr auto kLircEndSilence = 140ms;  // as on a serial line
-constexpr int kLircFrameGap = 6'000;     // microseconds; longer than any space inside a frame
-constexpr int kPressGap = 150'000;       // microseconds; a longer space parts two presses
-constexpr auto kLircRestBefore = 1s;
-constexpr auto kLongRest = 60s;
-constexpr auto kLircOpenAgain = 1s;
-constexpr auto kOwnEcho = 30ms;            // how long after sending the receiver still tells of it
+constexpr int kFrameGapUs = microseconds(kFrameGap).count();
+constexpr int kPressGap = 150'000;         // microseconds; a longer space parts two presses
 constexpr unsigned kLircCarrier = 38'000;  // Hz
 constexpr std::size_t kMostHeard = 4096;
-// What the kernel takes in one write: an odd count of at most 1,023 lengths, less than 500 ms in all.
-constexpr std::size_t kMostLengths = 1'001;
-constexpr unsigned kLongestWrite = 450'000;  // microseconds
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
+
+std::string WhyNotSent(const std::string& device, int error) {
+  if (error == EINVAL)
+    return device + " does not take a signal of these lengths. Check SENDPLS and the protocol.";
+  if (error == EBUSY) return device + " is sending for another program. Try again.";
+  return device + " did not send: " + std::strerror(error) + ". Try again, or use another device.";
+}
+
+bool IsGone(int error) { return error == ENODEV || error == ENXIO || error == EIO || error == ESHUTDOWN; }
 
 }  // namespace
 
@@ -66,87 +63,59 @@ std::string DescribeInabilities(const std::string& device, const LircAbilities& 
 
 LircLine::LircLine(DeviceCalls& calls, std::string device, const std::int16_t& receiverKind,
                    LineOptions options, TellUser tell)
-    : calls_(calls),
-      path_(std::move(device)),
-      receiverKind_(&receiverKind),
-      options_(options),
-      tell_(std::move(tell)),
-      beeper_(calls, tell_) {}
+    : NodeLine(calls, std::move(device), receiverKind, options, std::move(tell)) {}
 
-bool LircLine::Ask() {
+/// @param why written if the device is of no use
+void LircLine::Ask(std::string& why) {
   std::uint32_t features = 0;
   if (calls_.Ioctl(device_->Get(), LIRC_GET_FEATURES, &features) != 0) {
-    whyNot_ = path_ + " is no infrared device. Correct ports.conf.";
-    return false;
+    why = Node() + " is no infrared device. Correct ports.conf.";
+    return;
   }
   abilities_ = AbilitiesOf(features);
-  if (!abilities_.Receives && !abilities_.Sends) {
-    whyNot_ = DescribeInabilities(path_, abilities_);
-    return false;
-  }
+  if (!abilities_.Receives && !abilities_.Sends) why = DescribeInabilities(Node(), abilities_);
   std::uint32_t mode = LIRC_MODE_MODE2;
   if (abilities_.Receives) calls_.Ioctl(device_->Get(), LIRC_SET_REC_MODE, &mode);
   mode = LIRC_MODE_PULSE;
   if (abilities_.Sends) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_MODE, &mode);
   std::uint32_t carrier = kLircCarrier;
   if (abilities_.SetsCarrier) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_CARRIER, &carrier);
-  return true;
 }
 
-std::int32_t LircLine::OpenCom(std::int32_t /*port*/) {
-  CloseCom();
-  const int descriptor = calls_.Open(path_, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+bool LircLine::OpenDevice(std::string& why) {
+  const int descriptor = calls_.Open(Node(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) {
     const int error = errno;
-    whyNot_ = error == EBUSY ? WhyBusy(path_, HolderOfDevice(path_)) : WhyNoAccess(path_, error);
-    return 0;
+    why = error == EBUSY ? WhyBusy(Node(), HolderOfDevice(Node())) : WhyNoAccess(Node(), error);
+    return false;
   }
   device_.emplace(calls_, descriptor);
-  if (!Ask()) {
-    device_.reset();
-    return 0;
-  }
-  whyNot_.clear();
-  ForgetSignals();
-  return 1;
+  why.clear();
+  Ask(why);
+  if (!why.empty()) device_.reset();
+  heard_.clear();
+  skipping_ = false;
+  return IsOpen();
 }
 
-void LircLine::CloseCom() {
-  device_.reset();
-  lost_ = false;
+/// A device that only sends has nothing to read, and tells only so that it went.
+void LircLine::NoticeLoss() {
+  pollfd device = {device_->Get(), POLLIN, 0};
+  if (calls_.Poll(&device, 1, 0) > 0 && (device.revents & (POLLHUP | POLLERR)) != 0) Lose();
 }
 
-void LircLine::Lose() {
-  if (!device_) return;
-  CloseCom();
-  lost_ = true;
-  nextOpening_ = calls_.Now() + kLircOpenAgain;
-  whyNot_ = path_ + " is gone. Plug it in again; it is opened by itself.";
-  if (tell_) tell_(whyNot_);
-}
-
-void LircLine::ReopenWhenBack() {
-  if (!lost_ || calls_.Now() < nextOpening_) return;
-  nextOpening_ = calls_.Now() + kLircOpenAgain;
-  const std::string whyGone = whyNot_;
-  if (OpenCom(0) != 1) {
-    lost_ = true;
-    whyNot_ = whyGone;
-    return;
-  }
-  if (tell_) tell_(path_ + " is back.");
+std::string LircLine::Warning(Use use) const {
+  const bool able = use == Use::Listen ? abilities_.Receives : abilities_.Sends;
+  return able ? std::string() : DescribeInabilities(Node(), abilities_);
 }
 
 milliseconds LircLine::MayRest() {
-  if (lost_) return std::chrono::ceil<milliseconds>(std::max<nanoseconds>(nextOpening_ - calls_.Now(), 1ms));
-  if (!device_) return kLongRest;
-  return !heard_.empty() || calls_.Now() - restSince_ < kLircRestBefore ? milliseconds::zero()
-                                                                        : milliseconds(kLongRest);
+  return IsOpen() && !heard_.empty() ? milliseconds::zero() : NodeLine::MayRest();
 }
 
 void LircLine::AddLength(bool mark, int length) {
   if (skipping_) {
-    skipping_ = mark || length < kLircFrameGap;
+    skipping_ = mark || length < kFrameGapUs;
     return;
   }
   if (heard_.empty() && !mark) return;
@@ -158,21 +127,24 @@ void LircLine::AddLength(bool mark, int length) {
   }
 }
 
-void LircLine::Take(std::uint32_t item) {
+void LircLine::Take(std::uint32_t item, Time now) {
   const int length = static_cast<int>(item & LIRC_VALUE_MASK);
   switch (item & LIRC_MODE2_MASK) {
     case LIRC_MODE2_PULSE:
-      AddLength(true, length);
-      break;
     case LIRC_MODE2_SPACE:
-      AddLength(false, length);
+      quietSince_ = now;
+      AddLength((item & LIRC_MODE2_MASK) == LIRC_MODE2_PULSE, length);
+      break;
+    case LIRC_MODE2_TIMEOUT:
+      // It tells of the silence so far, which follows whole as a space when the next mark begins.
+      quietSince_ = std::min<Time>(quietSince_, now - microseconds(length));
       break;
     case LIRC_MODE2_OVERFLOW:
       heard_.clear();
-      skipping_ = true;
+      skipping_ = overflowed_ = true;
       break;
     default:
-      // A time-out is followed by the whole silence as a space; the carrier is no length.
+      // The carrier is no length.
       break;
   }
 }
@@ -185,154 +157,104 @@ void LircLine::ReadItems() {
     if (size < 0 && errno == EINTR) continue;
     if (size < 0 && errno != EAGAIN) Lose();
     if (size <= 0) return;
-    lastItem_ = calls_.Now();
-    if (lastItem_ < deafUntil_) continue;
+    const Time now = calls_.Now();
     std::for_each_n(items.begin(), static_cast<std::size_t>(size) / sizeof items[0],
-                    [this](std::uint32_t item) { Take(item); });
+                    [&](std::uint32_t item) { Take(item, now); });
   }
 }
 
-std::int32_t LircLine::DCD() {
-  ReopenWhenBack();
+bool LircLine::SignalWaits() {
   ReadItems();
-  const bool away = !heard_.empty();
-  if (away) restSince_ = calls_.Now();
-  const std::int32_t rest = *receiverKind_ == 0 ? 1 : 0;
-  return away ? 1 - rest : rest;
+  if (IsDeaf()) Forget();
+  return !heard_.empty();
 }
 
-bool LircLine::WaitForItems(nanoseconds until) {
-  const nanoseconds left = until - calls_.Now();
-  if (!device_ || left.count() <= 0) return false;
+void LircLine::WaitForNews(Time until) {
+  const Time left = until - calls_.Now();
+  if (!device_ || left.count() <= 0) return;
   pollfd input = {device_->Get(), POLLIN, 0};
-  const int ready = calls_.Poll(&input, 1, static_cast<int>(std::chrono::ceil<milliseconds>(left).count()));
-  if ((input.revents & (POLLHUP | POLLERR)) != 0) {
-    Lose();
-    return false;
-  }
-  if (ready > 0) ReadItems();
-  return ready > 0;
+  calls_.Poll(&input, 1, static_cast<int>(std::chrono::ceil<milliseconds>(left).count()));
+  if ((input.revents & (POLLHUP | POLLERR)) != 0) return Lose();
+  ReadItems();
 }
 
+/// A key that is held goes on: what comes next counts only from the next silence on, which is told with it.
 void LircLine::Forget() {
   ReadItems();
-  ForgetSignals();
+  heard_.clear();
+  skipping_ = calls_.Now() - quietSince_ < kEndSilence;
 }
 
-void LircLine::ForgetSignals() {
-  heard_.clear();
-  skipping_ = false;
+/// Collects a press as it comes in.
+/// @param length of the buffer, microseconds
+/// @return how many of the lengths that were heard it has used up
+std::size_t LircLine::TakePress(PulseTrain& press, double length) {
+  double time = 0;
+  std::size_t used = 0;
+  overflowed_ = false;
+  while (!overflowed_) {
+    for (; used < heard_.size() && time < length; ++used) {
+      if (used % 2 == 1 && heard_[used] >= kPressGap) return used;
+      press.push_back(heard_[used]);
+      time += heard_[used];
+    }
+    const Time end = quietSince_ + kEndSilence;
+    if (time >= length || !IsOpen() || calls_.Now() >= end) return used;
+    WaitForNews(end);
+  }
+  return 0;  // the device lost items, and what was heard went with them
 }
 
 bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
   ReadItems();
   if (heard_.empty()) return false;
-  LineOptions options = options_;
-  options.SampleTime = SampleTimeOf(delay);
-  options.HoldMs = 0;
-  const double length = static_cast<double>(buffer.size()) * 8 * options.SampleTime;
+  const LineOptions options = CaptureOptions(delay);
   PulseTrain press;
-  double time = 0;
-  std::size_t used = 0;
-  bool full = false;
-  for (;;) {
-    for (; used < heard_.size() && !full; ++used) {
-      if (used % 2 == 1 && heard_[used] >= kPressGap) break;
-      press.push_back(heard_[used]);
-      time += heard_[used];
-      full = time >= length;
-    }
-    if (full || used < heard_.size()) break;
-    if (!WaitForItems(lastItem_ + kLircEndSilence)) break;
-    if (heard_.size() < used) break;  // the device lost items, and what was heard with them
+  const double length = static_cast<double>(buffer.size() * 8) * options.SampleTime;
+  const std::size_t used = TakePress(press, length);
+  if (!IsOpen()) {
+    heard_.clear();
+    return false;
   }
-  used = std::min(used, heard_.size());
-  heard_.erase(heard_.begin(), heard_.begin() + static_cast<std::ptrdiff_t>(used));
-  // What is left begins with the silence behind the press, or inside its signal.
-  if (!heard_.empty() && !full) heard_.erase(heard_.begin());
-  if (full) {
-    const bool nextIsMark = press.size() % 2 == 0;
-    const std::vector<int> rest = std::exchange(heard_, {});
-    skipping_ = true;
-    for (std::size_t i = 0; i < rest.size(); ++i) AddLength((i % 2 == 0) == nextIsMark, rest[i]);
+  // What is left begins with the space behind the press, or with the next frame where the buffer ended in the
+  // space ahead of it; else the buffer has cut a frame, and what counts next is the one after.
+  const std::vector<int> left(heard_.begin() + static_cast<std::ptrdiff_t>(used), heard_.end());
+  if (used > 0) {
+    const bool markNext = used % 2 == 0;
+    const bool full = std::accumulate(press.begin(), press.end(), 0.0) >= length;
+    skipping_ = full && !(markNext && press.back() >= kFrameGapUs);
+    heard_.clear();
+    for (std::size_t i = 0; i < left.size(); ++i) AddLength((i % 2 == 0) == markNext, left[i]);
   }
-  const std::string signal = SignalOfPress(Press(press), buffer.size(), options);
-  std::copy_n(signal.begin(), signal.find_last_not_of('\0') + 1, buffer.begin());
+  CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
   return true;
 }
 
-void LircLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
-
-void LircLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
-
-std::int32_t LircLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  ReadItems();
-  ForgetSignals();
-  const nanoseconds until = calls_.Now() + kLongestRecordWait;
-  while (heard_.empty() && device_ && calls_.Now() < until) WaitForItems(until);
-  const auto most = std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0)));
-  return most > 0 && Capture(buffer.first(most), delay) ? 1 : 0;
-}
-
-std::int32_t LircLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  return IRRecord(buffer, delay, limit);
-}
-
-bool LircLine::WriteLengths(const std::vector<unsigned>& lengths) {
+bool LircLine::Write(const std::vector<unsigned>& lengths) {
+  const auto size = static_cast<ssize_t>(lengths.size() * sizeof lengths[0]);
   for (;;) {
-    const auto size = static_cast<ssize_t>(lengths.size() * sizeof lengths[0]);
     if (calls_.Write(device_->Get(), lengths.data(), static_cast<std::size_t>(size)) == size) return true;
-    if (errno != EINTR && errno != EAGAIN) return false;
+    const int error = errno;
+    if (error == EINTR || error == EAGAIN) {
+      if (HeldSignals::Pending()) return false;
+      continue;
+    }
+    IsGone(error) ? Lose() : Tell(WhyNotSent(Node(), error));
+    return false;
   }
 }
 
-void LircLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t /*interfaceType*/) {
-  if (!device_) return;
-  const bool sendable = pulse > 0 && pulse <= kLongestSlot;
-  if (!sendable || !abilities_.Sends) {
-    if (!std::exchange(refusalTold_, true) && tell_) {
-      tell_(sendable ? DescribeInabilities(path_, abilities_)
-                     : "A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
-                           std::to_string(kLongestSlot) + " us.");
-    }
-    return;
-  }
+bool LircLine::Send(std::string_view bytes, microseconds slot, std::int32_t /*interfaceType*/) {
+  if (!abilities_.Sends) return false;
   const std::vector<LitSlots> lit = LitSlotsOf(bytes);
-  const auto slots = [&](std::size_t count) {
-    return static_cast<unsigned>(count) * static_cast<unsigned>(pulse);
-  };
-  const HeldSignals signals;
-  const nanoseconds start = calls_.Now();
-  for (std::size_t i = 0; i < lit.size() && !signals.Pending();) {
-    std::vector<unsigned> lengths;
-    const std::size_t first = lit[i].Begin;
-    do {
-      if (!lengths.empty()) lengths.push_back(slots(lit[i].Begin - lit[i - 1].End));
-      lengths.push_back(slots(lit[i].End - lit[i].Begin));
-      ++i;
-    } while (i < lit.size() && lengths.size() + 2 <= kMostLengths &&
-             slots(lit[i].End - first) <= kLongestWrite);
-    calls_.SleepUntil(start + microseconds(slots(first)));
-    if (!WriteLengths(lengths)) {
-      Lose();
-      return;
-    }
+  const SlotClock clock(calls_, slot, 0ms);
+  for (std::size_t first = 0; first < lit.size();) {
+    const std::size_t end = EndOfPart(lit, first, slot);
+    if (!clock.WaitFor(lit[first].Begin)) return false;
+    if (!Write(LengthsOf(std::span(lit).subspan(first, end - first), slot))) return false;
+    first = end;
   }
-  if (!signals.Pending()) calls_.SleepUntil(start + microseconds(slots(bytes.size() * 8)));
-  // What the receiver heard of it is no press.
-  deafUntil_ = calls_.Now() + kOwnEcho;
-  ReadItems();
-  ForgetSignals();
-}
-
-std::int16_t LircLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
-
-void LircLine::uDelay(std::int32_t microseconds) {
-  calls_.SleepUntil(calls_.Now() + std::chrono::microseconds(microseconds));
-}
-
-void LircLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
-  beeper_.Sound(frequency, duration);
+  return clock.WaitFor(bytes.size() * 8);
 }
 
 }  // namespace keplo

@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "line/beeper.h"
-#include "line/device_line.h"
-#include "line/shaping/shaper.h"
+#include "line/node_line.h"
 
 namespace keplo {
 
@@ -27,69 +25,53 @@ LircAbilities AbilitiesOf(std::uint32_t features);
 std::string DescribeInabilities(const std::string& device, const LircAbilities& abilities);
 
 /// An infrared device of the kernel, /dev/lircN: receives lengths and sends them.
-class LircLine : public DeviceLine {
+class LircLine : public NodeLine {
  public:
-  /// @param receiverKind as in the settings, which own it; tells the level at which the line seems to rest
   LircLine(DeviceCalls& calls, std::string device, const std::int16_t& receiverKind, LineOptions options,
            TellUser tell);
 
   /// What the device that was opened last can do.
   const LircAbilities& Abilities() const { return abilities_; }
 
-  std::string WhyNot() const override { return whyNot_; }
   LineLosses Losses() const override { return {}; }
+  std::optional<int> ModemLines() override { return std::nullopt; }
   int WakeDescriptor() override { return device_ ? device_->Get() : -1; }
   std::chrono::milliseconds MayRest() override;
   void Forget() override;
 
-  std::int32_t OpenCom(std::int32_t port) override;
-  void CloseCom() override;
   void SetMode(std::int32_t /*mode*/) override {}
   void DTR(std::int32_t /*state*/) override {}
   void RTS(std::int32_t /*state*/) override {}
   void TXD(std::int32_t /*state*/) override {}
-  std::int32_t DCD() override;
-  void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
-  void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
-  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
-  std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
-  void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
   void SendChr(char /*character*/) override {}
   std::int32_t ReadChr(char& /*character*/) override { return 0; }
-  std::int16_t CheckZone(char& character) override;
-  void uDelay(std::int32_t microseconds) override;
-  void SpeakBeep(std::int32_t frequency, std::int32_t duration) override;
+
+ protected:
+  bool IsOpen() const override { return device_.has_value(); }
+  bool OpenDevice(std::string& why) override;
+  void CloseDevice() override { device_.reset(); }
+  void NoticeLoss() override;
+  std::string Warning(Use use) const override;
+  bool Hears() const override { return abilities_.Receives; }
+  bool SignalWaits() override;
+  bool Capture(std::span<char> buffer, std::int32_t delay) override;
+  void WaitForNews(Time until) override;
+  bool Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) override;
 
  private:
-  bool Ask();
-  void Lose();
-  void ReopenWhenBack();
+  void Ask(std::string& why);
   void ReadItems();
-  void Take(std::uint32_t item);
+  void Take(std::uint32_t item, Time now);
   void AddLength(bool mark, int length);
-  bool WaitForItems(std::chrono::nanoseconds until);
-  void ForgetSignals();
-  bool Capture(std::span<char> buffer, std::int32_t delay);
-  bool WriteLengths(const std::vector<unsigned>& lengths);
-
-  DeviceCalls& calls_;
-  const std::string path_;
-  const std::int16_t* receiverKind_;
-  LineOptions options_;
-  TellUser tell_;
-  Beeper beeper_;
+  std::size_t TakePress(PulseTrain& press, double length);
+  bool Write(const std::vector<unsigned>& lengths);
 
   std::optional<DeviceDescriptor> device_;
   LircAbilities abilities_;
-  std::string whyNot_;
-  bool lost_ = false;
-  bool refusalTold_ = false;
-  bool skipping_ = false;   // up to the next silence between frames
+  bool skipping_ = false;  // up to the next silence between frames
+  bool overflowed_ = false;
   std::vector<int> heard_;  // microseconds, mark first
-  std::chrono::nanoseconds lastItem_{0};
-  std::chrono::nanoseconds deafUntil_{0};  // what comes before is our own signal
-  std::chrono::nanoseconds restSince_{0};
-  std::chrono::nanoseconds nextOpening_{0};
+  Time quietSince_{0};
 };
 
 }  // namespace keplo

@@ -6,16 +6,9 @@
 
 namespace keplo {
 
-namespace {
-
-/// Poll counts in milliseconds; it may come early by none, so that a wait never spins.
-int MillisecondsUntil(std::chrono::nanoseconds left) {
-  return static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(left).count());
+EdgeLog::EdgeLog(DeviceCalls& calls) : calls_(calls), wake_(calls, eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  edges_.reserve(kMostEdges);
 }
-
-}  // namespace
-
-EdgeLog::EdgeLog(DeviceCalls& calls) : calls_(calls), wake_(calls, eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 void EdgeLog::Wake() {
   const std::uint64_t one = 1;
@@ -23,65 +16,44 @@ void EdgeLog::Wake() {
 }
 
 void EdgeLog::Begin() {
-  {
-    const std::lock_guard lock(mutex_);
-    edges_.clear();
-    missed_ = 0;
-    ended_ = false;
-  }
+  edges_.clear();
+  added_ = taken_ = 0;
+  missed_ = 0;
+  ended_ = false;
   Rest();
 }
 
 void EdgeLog::Add(Edge edge, std::uint64_t missed) {
-  {
-    const std::lock_guard lock(mutex_);
-    // The places of the edges before it stay as they are for whoever captures.
-    if (edges_.size() == kMostEdges) {
-      ++missed_;
-    } else {
-      edges_.push_back(edge);
-    }
-    missed_ += missed;
+  const std::size_t place = added_;
+  const bool room = place - taken_ < kMostEdges;
+  if (room) {
+    ring_[place % kMostEdges] = edge;
+    added_ = place + 1;
   }
+  missed_ += missed + (room ? 0 : 1);
   Wake();
 }
 
 void EdgeLog::End() {
-  {
-    const std::lock_guard lock(mutex_);
-    ended_ = true;
-  }
+  ended_ = true;
   Wake();
 }
 
-bool EdgeLog::Ended() const {
-  const std::lock_guard lock(mutex_);
-  return ended_;
-}
-
-bool EdgeLog::Empty() const {
-  const std::lock_guard lock(mutex_);
-  return edges_.empty();
-}
-
-std::vector<Edge> EdgeLog::Edges() const {
-  const std::lock_guard lock(mutex_);
+std::span<const Edge> EdgeLog::Edges() {
+  std::size_t place = taken_;
+  for (const std::size_t end = added_; place < end && edges_.size() < kMostEdges; ++place) {
+    edges_.push_back(ring_[place % kMostEdges]);
+  }
+  taken_ = place;
   return edges_;
 }
 
+void EdgeLog::Put(Edge edge) {
+  if (edges_.size() < kMostEdges) edges_.push_back(edge);
+}
+
 void EdgeLog::Drop(std::size_t count) {
-  const std::lock_guard lock(mutex_);
   edges_.erase(edges_.begin(), edges_.begin() + static_cast<std::ptrdiff_t>(std::min(count, edges_.size())));
-}
-
-void EdgeLog::Clear() {
-  const std::lock_guard lock(mutex_);
-  edges_.clear();
-}
-
-std::uint64_t EdgeLog::Missed() const {
-  const std::lock_guard lock(mutex_);
-  return missed_;
 }
 
 void EdgeLog::Rest() {
@@ -89,13 +61,13 @@ void EdgeLog::Rest() {
   calls_.Read(wake_.Get(), &count, sizeof count);
 }
 
-bool EdgeLog::WaitUntil(std::chrono::nanoseconds time) {
+void EdgeLog::WaitUntil(std::chrono::nanoseconds time) {
   const std::chrono::nanoseconds left = time - calls_.Now();
-  if (left.count() <= 0) return false;
+  if (left.count() <= 0) return;
   pollfd wake = {wake_.Get(), POLLIN, 0};
-  if (calls_.Poll(&wake, 1, MillisecondsUntil(left)) <= 0) return false;
-  Rest();
-  return true;
+  // Poll counts in milliseconds; it comes early by none, so that a wait never spins.
+  const auto timeout = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+  if (calls_.Poll(&wake, 1, static_cast<int>(timeout)) > 0) Rest();
 }
 
 }  // namespace keplo

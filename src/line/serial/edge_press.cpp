@@ -1,5 +1,7 @@
 #include "line/serial/edge_press.h"
 
+#include "line/node_line.h"
+
 namespace keplo {
 
 namespace {
@@ -10,10 +12,11 @@ std::int64_t Microseconds(std::chrono::nanoseconds time) {
 
 }  // namespace
 
-std::optional<std::size_t> FindBeginning(std::span<const Edge> edges, bool rest, bool afterGap) {
+std::optional<std::size_t> FindBeginning(std::span<const Edge> edges, bool rest,
+                                         std::optional<std::chrono::nanoseconds> inside) {
   for (std::size_t i = 0; i < edges.size(); ++i) {
-    const bool begins = edges[i].Level != rest;
-    if (begins && (!afterGap || (i > 0 && edges[i].At - edges[i - 1].At >= kFrameGap))) return i;
+    if (edges[i].Level != rest && (!inside || edges[i].At - *inside >= kFrameGap)) return i;
+    if (inside) inside = edges[i].At;
   }
   return std::nullopt;
 }

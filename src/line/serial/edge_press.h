@@ -10,9 +10,6 @@
 
 namespace keplo {
 
-/// Longer than any space inside a frame (4.5 ms after a leader), shorter than any between two frames.
-inline constexpr std::chrono::milliseconds kFrameGap{6};
-
 /// A press read from the edges of a line.
 struct EdgePress {
   PulseTrain Train;       // microseconds, mark first
@@ -22,10 +19,11 @@ struct EdgePress {
 
 /// The first edge at which a signal begins.
 /// @param rest level of the line without a signal
-/// @param afterGap only a beginning after a silence between frames counts, since the edges begin inside a
-/// signal
+/// @param inside the last edge before the given ones, where they may begin inside a signal: only a beginning
+///        after a silence between frames counts then
 /// @return its index; none if there is no such edge
-std::optional<std::size_t> FindBeginning(std::span<const Edge> edges, bool rest, bool afterGap);
+std::optional<std::size_t> FindBeginning(std::span<const Edge> edges, bool rest,
+                                         std::optional<std::chrono::nanoseconds> inside);
 
 /// The marks and spaces from a beginning up to an end in time; a mark that has not ended then ends there.
 EdgePress ReadPress(std::span<const Edge> edges, std::size_t beginning, bool rest,

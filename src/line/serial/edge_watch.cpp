@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 #include "line/real_time.h"
 
@@ -44,6 +45,13 @@ class SignalsBlocked {
   sigset_t before_{};
 };
 
+bool CountEdges(DeviceCalls& calls, int descriptor, std::uint32_t& count) {
+  serial_icounter_struct counters{};
+  if (calls.Ioctl(descriptor, TIOCGICOUNT, &counters) != 0) return false;
+  count = static_cast<std::uint32_t>(counters.dcd);
+  return true;
+}
+
 }  // namespace
 
 EdgeWatch::EdgeWatch(DeviceCalls& calls, int descriptor, EdgeLog& log)
@@ -66,29 +74,46 @@ EdgeWatch::~EdgeWatch() {
   hangup_.join();
 }
 
-bool EdgeWatch::Counted(std::uint32_t& count) const {
-  serial_icounter_struct counters{};
-  if (calls_.Ioctl(descriptor_, TIOCGICOUNT, &counters) != 0) return false;
-  count = static_cast<std::uint32_t>(counters.dcd);
-  return true;
+void EdgeWatch::Look() {
+  if (!edgesEnded_) pthread_kill(edges_.native_handle(), WakingSignal());
+}
+
+/// Writes down what has changed since the last look.
+/// @param woken whether the driver told of it, at that time
+/// @return how many edges there were; none if the driver does not answer
+std::optional<std::uint32_t> EdgeWatch::TakeUp(std::chrono::nanoseconds at, bool woken) {
+  std::uint32_t count = 0;
+  std::uint32_t again = 0;
+  int lines = 0;
+  // The level belongs to the count only if no edge came between the two calls.
+  do {
+    if (!CountEdges(calls_, descriptor_, count) || calls_.Ioctl(descriptor_, TIOCMGET, &lines) != 0 ||
+        !CountEdges(calls_, descriptor_, again)) {
+      return std::nullopt;
+    }
+  } while (count != again && !stopping_);
+  const std::uint32_t edges = count - std::exchange(counted_, count);
+  if (edges == 0) return edges;
+  ++(woken ? told_ : untold_);
+  const bool level = (lines & TIOCM_CD) != 0;
+  const bool twice = edges % 2 == 0;  // it is as it was, so it was the other way in between
+  if (twice) log_.Add({at, !level}, 0);
+  log_.Add({twice ? calls_.Now() : at, level}, edges - (twice ? 2 : 1));
+  return edges;
 }
 
 void EdgeWatch::WaitForEdges() {
   HurryThread();
-  std::uint32_t before = 0;
-  bool telling = Counted(before);
+  bool telling = CountEdges(calls_, descriptor_, counted_);
   while (telling && !stopping_) {
-    if (calls_.Ioctl(descriptor_, TIOCMIWAIT, reinterpret_cast<void*>(TIOCM_CD)) != 0) {
-      telling = errno == EINTR;
-      continue;
-    }
-    const auto at = calls_.Now();
-    int lines = 0;
-    std::uint32_t count = 0;
-    telling = calls_.Ioctl(descriptor_, TIOCMGET, &lines) == 0 && Counted(count);
-    if (!telling || count == before) continue;
-    log_.Add({at, (lines & TIOCM_CD) != 0}, count - before - 1);
-    before = count;
+    const bool woken = calls_.Ioctl(descriptor_, TIOCMIWAIT, reinterpret_cast<void*>(TIOCM_CD)) == 0;
+    if (!woken && errno != EINTR) break;
+    // An edge that falls between the look and the next wait would be told with the one after it only.
+    std::optional<std::uint32_t> edges;
+    do {
+      edges = TakeUp(calls_.Now(), woken);
+    } while (edges.value_or(0) > 0 && !stopping_);
+    telling = edges.has_value();
   }
   if (!stopping_) log_.End();
   edgesEnded_ = true;

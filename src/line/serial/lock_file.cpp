@@ -4,10 +4,14 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <sstream>
 
 #include "line/device_access.h"
 
@@ -21,18 +25,34 @@ std::string LockFileOf(const std::string& device) {
   return "/var/lock/LCK.." + (error ? std::filesystem::path(device) : node).filename().string();
 }
 
+/// The process of a lock file: its number as text or, of some programs, as four bytes.
+/// @return none if there is no such file; 0 for one that tells no process
+std::optional<int> ProcessOf(const std::string& lockFile) {
+  std::ifstream file(lockFile, std::ios::binary);
+  if (!file) return std::nullopt;
+  std::string content(32, '\0');
+  file.read(content.data(), static_cast<std::streamsize>(content.size()));
+  content.resize(static_cast<std::size_t>(file.gcount()));
+  int process = 0;
+  if (std::istringstream(content) >> process) return std::max(process, 0);
+  if (content.size() == sizeof process) std::memcpy(&process, content.data(), sizeof process);
+  return std::max(process, 0);
+}
+
+bool Runs(int process) { return kill(process, 0) == 0 || errno == EPERM; }
+
 }  // namespace
 
 std::string HolderOfLockFile(const std::string& device) {
-  std::ifstream file(LockFileOf(device));
-  int process = 0;
-  if (!(file >> process) || process <= 0 || process == getpid()) return {};
-  return kill(process, 0) == 0 || errno == EPERM ? NameOfProcess(process) : std::string();
+  const int process = ProcessOf(LockFileOf(device)).value_or(0);
+  return process > 0 && process != getpid() && Runs(process) ? NameOfProcess(process) : std::string();
 }
 
 std::string TakeLockFile(const std::string& device) {
-  std::string path = LockFileOf(device);
-  if (HolderOfLockFile(device).empty()) unlink(path.c_str());
+  const std::string path = LockFileOf(device);
+  // One that cannot be understood may be of a program that runs.
+  const int process = ProcessOf(path).value_or(0);
+  if (process > 0 && (process == getpid() || !Runs(process))) unlink(path.c_str());
   const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (descriptor < 0) return {};
   char text[16];

@@ -5,42 +5,39 @@
 #include <algorithm>
 #include <utility>
 
+#include "line/device_access.h"
+#include "line/held_signals.h"
 #include "line/press_capture.h"
 #include "line/real_time.h"
 #include "line/serial/dcd_sampler.h"
 #include "line/serial/edge_press.h"
 #include "line/serial/light_out.h"
-#include "line/zone_answer.h"
-#include "signal/sample_time.h"
 
 namespace keplo {
 
 namespace {
 
+using std::chrono_literals::operator""us;
 using std::chrono_literals::operator""ms;
-using std::chrono_literals::operator""s;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-/// Real remotes leave up to 130 ms between two frames of one press; more than 150 ms after a press is felt.
-constexpr auto kEndSilence = 140ms;
 constexpr auto kAnswerTime = 200ms;     // the slowest zone hardware answers after 150
-constexpr auto kRestBefore = 1s;        // ticks go on for so long after the last signal
-constexpr auto kSlowLook = 1000ms;      // for edges that the driver did not tell
-constexpr auto kOpenAgain = 1s;         // between two looks for a device that went
+constexpr auto kLongestMark = 20ms;     // of any remote; light that lasts longer may have ended untold
+constexpr auto kLamp = 100ms;           // light without a change for so long is no signal that began unheard
+constexpr auto kLook = 50us;            // between two looks at a line without edges
+constexpr int kAnswerLook = 50;         // milliseconds between two looks whether the program is to end
 constexpr std::int32_t kTxdOutput = 1;  // bit of the interface type
+
+nanoseconds SampleTimeOf(const LineOptions& options) {
+  return nanoseconds(static_cast<std::int64_t>(options.SampleTime * 1000));
+}
 
 }  // namespace
 
 SerialLine::SerialLine(DeviceCalls& calls, std::string device, const std::int16_t& receiverKind,
                        LineOptions options, TellUser tell)
-    : calls_(calls),
-      device_(std::move(device)),
-      receiverKind_(&receiverKind),
-      options_(options),
-      tell_(std::move(tell)),
-      beeper_(calls, tell_),
-      log_(calls) {}
+    : NodeLine(calls, std::move(device), receiverKind, options, std::move(tell)), log_(calls) {}
 
 LineLosses SerialLine::Losses() const {
   LineLosses losses = losses_;
@@ -48,74 +45,62 @@ LineLosses SerialLine::Losses() const {
   return losses;
 }
 
-std::int32_t SerialLine::OpenCom(std::int32_t /*port*/) {
-  CloseCom();
-  port_ = SerialPort::Open(calls_, device_, whyNot_);
-  if (!port_) return 0;
-  whyNot_.clear();
+bool SerialLine::OpenDevice(std::string& why) {
+  port_ = SerialPort::Open(calls_, Node(), why);
+  if (!port_) return false;
   losses_ = {};
   log_.Begin();
   if (port_->Counters()) watch_ = std::make_unique<EdgeWatch>(calls_, port_->Descriptor(), log_);
   LockMemory();
-  insideSignal_ = false;
+  inside_.reset();
   stuckAt_.reset();
-  return 1;
+  if (mode_ == 2) SetMode(mode_);
+  return true;
 }
 
-void SerialLine::CloseCom() {
+void SerialLine::CloseDevice() {
   watch_.reset();
   port_.reset();
-  lost_ = false;
+}
+
+std::string SerialLine::Warning(Use /*use*/) const {
+  return IsUsbPort(Node()) ? WhyNoModemLines(Node()) : "";
 }
 
 /// A call on a device that is gone fails; nothing else does.
-void SerialLine::Check(bool worked) {
+bool SerialLine::Worked(bool worked) {
   if (!worked) Lose();
+  return worked;
 }
 
-void SerialLine::Lose() {
-  if (!port_) return;
-  CloseCom();
-  lost_ = true;
-  nextOpening_ = calls_.Now() + kOpenAgain;
-  whyNot_ = device_ + " is gone. Plug it in again; it is opened by itself.";
-  if (tell_) tell_(whyNot_);
+void SerialLine::NoticeLoss() {
+  if (!watch_) return;
+  // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
+  const bool mute = watch_->Silent() || log_.Ended();
+  if (mute && Worked(port_->Lines().has_value())) watch_.reset();
 }
 
-void SerialLine::ReopenWhenBack() {
-  if (!lost_ || calls_.Now() < nextOpening_) return;
-  nextOpening_ = calls_.Now() + kOpenAgain;
-  const std::string whyGone = whyNot_;
-  if (OpenCom(0) != 1) {
-    lost_ = true;
-    whyNot_ = whyGone;
-    return;
-  }
-  RTS(-1);
-  TXD(0);
-  if (tell_) tell_(device_ + " is back.");
-}
-
-std::chrono::milliseconds SerialLine::MayRest() {
-  if (lost_) return std::chrono::ceil<milliseconds>(std::max<nanoseconds>(nextOpening_ - calls_.Now(), 1ms));
-  if (!port_) return kSlowLook;
-  if (!watch_ || calls_.Now() - restSince_ < kRestBefore) return milliseconds::zero();
+milliseconds SerialLine::MayRest() {
+  if (!IsOpen()) return NodeLine::MayRest();
+  if (!watch_) return milliseconds::zero();
   log_.Rest();
-  return log_.Empty() && !log_.Ended() ? kSlowLook : milliseconds::zero();
+  const bool news = (HasEdges() && !log_.Edges().empty()) || log_.Ended();
+  return !news ? NodeLine::MayRest() : milliseconds::zero();
 }
 
 void SerialLine::SetMode(std::int32_t mode) {
+  mode_ = mode;
   if (!port_) return;
-  Check(port_->SetSpeed(mode == 2 ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier));
-  if (mode != 2) ForgetSignals();
+  const auto speed = mode == 2 ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
+  if (Worked(port_->SetSpeed(speed)) && mode != 2) Forget();
 }
 
 void SerialLine::DTR(std::int32_t state) {
-  if (port_) Check(port_->SetLine(TIOCM_DTR, state != 0));
+  if (port_) Worked(port_->SetLine(TIOCM_DTR, state != 0));
 }
 
 void SerialLine::RTS(std::int32_t state) {
-  if (port_) Check(port_->SetLine(TIOCM_RTS, state != 0));
+  if (port_) Worked(port_->SetLine(TIOCM_RTS, state != 0));
 }
 
 void SerialLine::TXD(std::int32_t state) {
@@ -123,173 +108,170 @@ void SerialLine::TXD(std::int32_t state) {
 }
 
 std::optional<bool> SerialLine::Level() {
-  if (!port_) return std::nullopt;
-  const std::optional<int> lines = port_->Lines();
-  if (!lines) {
-    Lose();
-    return std::nullopt;
-  }
-  return (*lines & TIOCM_CD) != 0;
+  const std::optional<int> lines = port_ ? port_->Lines() : std::nullopt;
+  if (lines) return (*lines & TIOCM_CD) != 0;
+  Lose();
+  return std::nullopt;
 }
 
-std::optional<bool> SerialLine::Present() {
-  const std::optional<bool> level = Level();
-  return level ? std::optional(*level != RestLevel()) : std::nullopt;
-}
+/// Whether a signal is known by its edges: until the driver has told one, by what is read.
+bool SerialLine::HasEdges() const { return watch_ && watch_->Proven(); }
 
 /// Away from rest also while a signal waits in the log: between two marks the level itself rests.
-std::int32_t SerialLine::DCD() {
-  ReopenWhenBack();
-  if (watch_ && log_.Ended()) {
-    // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
-    if (port_->Lines()) {
-      watch_.reset();
-    } else {
-      Lose();
-    }
-  }
-  const bool rest = RestLevel();
+bool SerialLine::SignalWaits() {
+  if (watch_ && !watch_->Proven()) watch_->Look();
   const std::optional<bool> level = Level();
-  if (!level) return rest ? 1 : 0;
-  if (stuckAt_ && (*level != *stuckAt_ || !log_.Empty())) stuckAt_.reset();
-  const bool away = watch_ ? SignalWaits(*level) : *level != rest && !stuckAt_;
-  if (away) restSince_ = calls_.Now();
-  return away == rest ? 0 : 1;
-}
-
-bool SerialLine::SignalWaits(bool level) {
-  const bool rest = RestLevel();
-  const std::vector<Edge> edges = log_.Edges();
-  if (FindBeginning(edges, rest, insideSignal_)) return true;
-  if (insideSignal_) {
-    const bool over = level == rest && (edges.empty() || calls_.Now() - edges.back().At >= kFrameGap);
-    if (over) ForgetSignals();
+  if (!level) return false;
+  if (IsDeaf()) {
+    Forget();
     return false;
   }
-  // Light that has ended says nothing; light that the driver told no edge of is a signal all the same.
+  if (stuckAt_ && (*level != *stuckAt_ || !log_.Edges().empty())) stuckAt_.reset();
+  return HasEdges() ? EdgesWait(*level) : LightIsOn(*level);
+}
+
+bool SerialLine::EdgesWait(bool level) {
+  const std::span<const Edge> edges = log_.Edges();
+  if (FindBeginning(edges, RestLevel(), inside_)) return true;
+  if (!inside_) {
+    // Light that has ended says nothing; light that the driver told no edge of is a signal all the same.
+    log_.Drop(edges.size());
+    return level != RestLevel() && !stuckAt_;
+  }
+  const nanoseconds still = calls_.Now() - (edges.empty() ? *inside_ : edges.back().At);
+  if (still < (level == RestLevel() ? nanoseconds(kFrameGap) : nanoseconds(kLamp))) return false;
+  inside_.reset();
   log_.Drop(edges.size());
-  return level != rest && !stuckAt_;
+  return EdgesWait(level);
 }
 
-void SerialLine::ForgetSignals() {
-  log_.Clear();
-  insideSignal_ = false;
+bool SerialLine::LightIsOn(bool level) {
+  if (inside_ && IsQuiet()) inside_.reset();
+  return level != RestLevel() && !inside_ && !stuckAt_;
 }
 
-bool SerialLine::CaptureEdges(std::span<char> buffer, std::int32_t delay) {
-  const bool rest = RestLevel();
-  std::vector<Edge> edges = log_.Edges();
-  std::optional<std::size_t> beginning = FindBeginning(edges, rest, insideSignal_);
-  if (!beginning) {
-    if (insideSignal_) return false;
-    // Away from rest without an edge: the signal began before the line was watched.
-    log_.Add({calls_.Now(), !rest}, 0);
-    edges = log_.Edges();
-    beginning = edges.size() - 1;
-  }
-  LineOptions options = options_;
-  options.SampleTime = SampleTimeOf(delay);
-  options.HoldMs = 0;
-  const auto length = nanoseconds(
-      static_cast<std::int64_t>(static_cast<double>(buffer.size()) * 8 * options.SampleTime * 1000));
-  const nanoseconds full = edges[*beginning].At + length;
-  nanoseconds end = full;
-  for (;;) {
-    edges = log_.Edges();
-    const Edge& last = edges.back();
-    end = last.Level == rest ? std::min(full, last.At + kEndSilence) : full;
-    if (calls_.Now() >= end || log_.Ended()) break;
-    log_.WaitUntil(end);
-  }
-  const EdgePress press = ReadPress(edges, *beginning, rest, end);
-  if (press.AllLight) stuckAt_ = !rest;
-  insideSignal_ = end == full && !press.AllLight;
-  // The last edge tells how long the line has been silent when the next one comes.
-  log_.Drop(insideSignal_ ? press.Edges - 1 : press.Edges);
-  const std::string signal = SignalOfPress(Press(press.Train), buffer.size(), options);
-  std::copy_n(signal.begin(), signal.find_last_not_of('\0') + 1, buffer.begin());
-  return true;
-}
-
-bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
-  if (!port_ || buffer.empty()) return false;
-  if (watch_) return CaptureEdges(buffer, delay);
-  const Hurry hurry;
-  const auto sampleTime = nanoseconds(static_cast<std::int64_t>(SampleTimeOf(delay) * 1000));
-  const SamplingReport report = SampleSignal(
-      calls_, [this] { return Present(); }, buffer, sampleTime, kEndSilence);
-  losses_.Samples += report.Samples;
-  losses_.FilledSamples += report.Filled;
-  losses_.LateSamples += report.Late;
-  const bool allLight = report.Samples == buffer.size() * 8 &&
-                        std::all_of(buffer.begin(), buffer.end(), [](char byte) { return byte == '\xFF'; });
-  if (allLight) stuckAt_ = !RestLevel();
-  return true;
-}
-
-void SerialLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
-
-void SerialLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
-
-/// Waits for a signal that begins from now on, for as long as a recording waits.
-bool SerialLine::WaitForSignal() {
-  ForgetSignals();
-  const nanoseconds until = calls_.Now() + kLongestRecordWait;
-  while (port_ && calls_.Now() < until) {
-    const std::optional<bool> present = Present();
-    if (!present) return false;
-    if (*present || FindBeginning(log_.Edges(), RestLevel(), false)) return true;
-    if (watch_) {
-      if (log_.Ended()) {
-        Lose();
-        return false;
-      }
-      log_.WaitUntil(until);
-    } else {
-      calls_.SleepUntil(calls_.Now() + nanoseconds(50'000));
+/// Looks at a line without edges until it has been still for as long as between two frames, or is not.
+bool SerialLine::IsQuiet() {
+  const nanoseconds begin = calls_.Now();
+  const std::optional<bool> first = Level();
+  for (std::optional<bool> level = first; level == first; level = Level()) {
+    if (!level) return false;
+    if (calls_.Now() - begin >= (*level == RestLevel() ? nanoseconds(kFrameGap) : nanoseconds(kLamp))) {
+      return true;
     }
+    calls_.SleepUntil(calls_.Now() + kLook);
   }
   return false;
 }
 
-std::int32_t SerialLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  const auto most = std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0)));
-  return WaitForSignal() && Capture(buffer.first(most), delay) ? 1 : 0;
-}
-
-std::int32_t SerialLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  return IRRecord(buffer, delay, limit);
-}
-
-void SerialLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
-  if (!port_) return;
-  if (pulse <= 0 || pulse > kLongestSlot) {
-    if (!std::exchange(refusalTold_, true) && tell_) {
-      tell_("A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
-            std::to_string(kLongestSlot) + " us.");
-    }
-    return;
+/// A key that is held goes on: what comes next counts only from the beginning of a frame on.
+void SerialLine::Forget() {
+  const std::span<const Edge> edges = log_.Edges();
+  if (!edges.empty()) {
+    inside_ = edges.back().At;
+  } else if (!HasEdges() || Level() != RestLevel()) {
+    inside_ = calls_.Now();
   }
-  const std::chrono::microseconds slot(pulse);
+  log_.Drop(edges.size());
+}
+
+void SerialLine::WaitForNews(Time until) {
+  if (HasEdges()) return log_.WaitUntil(until);
+  const Hurry hurry;
+  do {
+    calls_.SleepUntil(calls_.Now() + kLook);
+  } while (calls_.Now() < until && !HasEdges() && !inside_ && Level() == RestLevel());
+}
+
+bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options) {
+  const bool rest = RestLevel();
+  std::optional<std::size_t> beginning = FindBeginning(log_.Edges(), rest, inside_);
+  if (!beginning) {
+    if (inside_) return false;
+    // Away from rest without an edge: the signal began before the line was watched.
+    log_.Put({calls_.Now(), !rest});
+    beginning = log_.Edges().size() - 1;
+  }
+  const nanoseconds full =
+      log_.Edges()[*beginning].At + static_cast<std::int64_t>(buffer.size() * 8) * SampleTimeOf(options);
+  nanoseconds end = full;
+  for (;;) {
+    const Edge last = log_.Edges().back();
+    const nanoseconds now = calls_.Now();
+    end = last.Level == rest ? std::min<nanoseconds>(full, last.At + kEndSilence) : full;
+    if (now >= end || log_.Ended()) break;
+    const bool mayHaveEnded = last.Level != rest && now - last.At >= kLongestMark;
+    if (mayHaveEnded) watch_->Look();
+    log_.WaitUntil(std::min<nanoseconds>(end, last.Level != rest ? now + kLongestMark : end));
+  }
+  const std::span<const Edge> edges = log_.Edges();
+  const EdgePress press = ReadPress(edges, *beginning, rest, end);
+  stuckAt_ = press.AllLight ? std::optional(!rest) : std::nullopt;
+  inside_ = end == full && !press.AllLight ? std::optional(edges[press.Edges - 1].At) : std::nullopt;
+  log_.Drop(press.Edges);
+  if (log_.Ended()) {
+    NoticeLoss();
+    return IsOpen();
+  }
+  CopySignal(SignalOfPress(Press(press.Train), buffer.size(), options), buffer);
+  return true;
+}
+
+bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& options) {
+  std::string samples(buffer.size(), '\0');
+  SamplingReport report;
+  {
+    const Hurry hurry;
+    report = SampleSignal(
+        calls_,
+        [this]() -> std::optional<bool> {
+          const std::optional<bool> level = Level();
+          return level ? std::optional(*level != RestLevel()) : std::nullopt;
+        },
+        samples, SampleTimeOf(options), kEndSilence);
+  }
+  losses_.Samples += report.Samples;
+  losses_.FilledSamples += report.Filled;
+  losses_.LateSamples += report.Late;
+  if (!IsOpen()) return false;
+  const bool full = report.Samples == buffer.size() * 8;
+  const bool allLight =
+      full && std::all_of(samples.begin(), samples.end(), [](char byte) { return byte == '\xFF'; });
+  if (allLight) stuckAt_ = !RestLevel();
+  inside_ = full && !allLight ? std::optional(calls_.Now()) : std::nullopt;
+  // The signal has changed, and a driver that tells edges would have told it.
+  if (watch_ && !allLight && !watch_->Proven()) watch_.reset();
+  log_.Clear();
+  CopySignal(samples, buffer);
+  return true;
+}
+
+bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
+  const LineOptions options = CaptureOptions(delay);
+  return HasEdges() ? CaptureEdges(buffer, options) : CaptureSamples(buffer, options);
+}
+
+bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) {
   const bool txd = (interfaceType & kTxdOutput) != 0;
-  Check(txd ? PlayOnTxd(calls_, *port_, bytes, slot) : PlayOnDtr(calls_, *port_, bytes, slot));
-  // What the receiver heard of it is no press.
-  ForgetSignals();
+  return Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
 }
 
 void SerialLine::SendChr(char character) {
+  LookAfterDevice();
   if (!port_) return;
   // An answer that came after its time would be taken for the answer to this question.
   port_->DropInput();
-  Check(port_->WriteAll(std::string(1, character)));
+  Worked(port_->WriteAll(std::string(1, character)));
 }
 
 std::int32_t SerialLine::ReadChr(char& character) {
   if (!port_) return 0;
   const nanoseconds until = calls_.Now() + kAnswerTime;
-  for (nanoseconds left = kAnswerTime; left.count() > 0; left = until - calls_.Now()) {
+  for (nanoseconds left = kAnswerTime; left.count() > 0 && !HeldSignals::Pending();
+       left = until - calls_.Now()) {
     pollfd input = {port_->Descriptor(), POLLIN, 0};
-    const int ready = calls_.Poll(&input, 1, static_cast<int>(std::chrono::ceil<milliseconds>(left).count()));
+    const auto timeout = static_cast<int>(std::chrono::ceil<milliseconds>(left).count());
+    const int ready = calls_.Poll(&input, 1, std::min(timeout, kAnswerLook));
     if (ready > 0 && calls_.Read(port_->Descriptor(), &character, 1) == 1) return 1;
     if ((input.revents & (POLLHUP | POLLERR)) != 0) {
       Lose();
@@ -297,16 +279,6 @@ std::int32_t SerialLine::ReadChr(char& character) {
     }
   }
   return 0;
-}
-
-std::int16_t SerialLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
-
-void SerialLine::uDelay(std::int32_t microseconds) {
-  calls_.SleepUntil(calls_.Now() + std::chrono::microseconds(microseconds));
-}
-
-void SerialLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
-  beeper_.Sound(frequency, duration);
 }
 
 }  // namespace keplo

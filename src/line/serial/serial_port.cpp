@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "line/device_access.h"
+#include "line/held_signals.h"
 #include "line/serial/lock_file.h"
 
 namespace keplo {
@@ -15,6 +16,9 @@ namespace keplo {
 namespace {
 
 constexpr int kOpenAttempts = 2;
+/// Longer than any driver's buffer takes to run empty: a port that takes nothing for so long is gone.
+constexpr std::chrono::seconds kLongestWait{2};
+constexpr int kLook = 50;  // milliseconds between two looks whether the program is to end
 
 std::string WhyNotOpened(const std::string& device, int error) {
   if (error == EBUSY || error == EWOULDBLOCK) return WhyBusy(device, HolderOfDevice(device));
@@ -31,7 +35,11 @@ SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
 
 std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
                                              std::string& why) {
-  if (const std::string holder = HolderOfLockFile(device); !holder.empty()) {
+  // An open raises DTR, which is light, and succeeds for root whatever the lock: so whoever has the port is
+  // looked for before anything touches it.
+  std::string holder = HolderOfLockFile(device);
+  if (holder.empty()) holder = HolderOfDevice(device);
+  if (!holder.empty()) {
     why = WhyBusy(device, holder);
     return nullptr;
   }
@@ -111,17 +119,22 @@ bool SerialPort::SetSpeed(Speed speed) {
 
 bool SerialPort::WriteAll(const std::string& bytes) const {
   std::size_t written = 0;
+  auto giveUp = calls_.Now() + kLongestWait;
   while (written < bytes.size()) {
     const ssize_t count = calls_.Write(Descriptor(), bytes.data() + written, bytes.size() - written);
     if (count > 0) {
       written += static_cast<std::size_t>(count);
-    } else if (count < 0 && errno == EAGAIN) {
-      pollfd room = {Descriptor(), POLLOUT, 0};
-      if (calls_.Poll(&room, 1, -1) < 0 && errno != EINTR) return false;
-      if ((room.revents & (POLLHUP | POLLERR)) != 0) return false;
-    } else if (count == 0 || errno != EINTR) {
-      return false;
+      giveUp = calls_.Now() + kLongestWait;
+      continue;
     }
+    if (count == 0 || (errno != EAGAIN && errno != EINTR) || calls_.Now() >= giveUp) return false;
+    if (HeldSignals::Pending()) {
+      calls_.Ioctl(Descriptor(), TCFLSH, reinterpret_cast<void*>(TCOFLUSH));
+      return true;
+    }
+    pollfd room = {Descriptor(), POLLOUT, 0};
+    calls_.Poll(&room, 1, kLook);
+    if ((room.revents & (POLLHUP | POLLERR)) != 0) return false;
   }
   return true;
 }

@@ -43,7 +43,8 @@ class SerialPort {
   std::optional<serial_icounter_struct> Counters() const;
 
   bool SetSpeed(Speed speed);
-  /// Writes all bytes without a gap between them, and waits while the driver's buffer is full.
+  /// Writes all bytes without a gap between them, and waits while the driver's buffer is full. Throws them
+  /// away when the program is asked to end.
   bool WriteAll(const std::string& bytes) const;
   /// Waits until what was written has gone out.
   void Drain() const;

@@ -1,6 +1,8 @@
-#include "line/serial/held_signals.h"
+#include "line/held_signals.h"
 
+#include <algorithm>
 #include <array>
+#include <ctime>
 
 namespace keplo {
 
@@ -18,13 +20,17 @@ HeldSignals::HeldSignals() {
 
 HeldSignals::~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
-bool HeldSignals::Pending() const {
+bool HeldSignals::Pending() {
   sigset_t pending;
   sigpending(&pending);
-  for (const int signal : kEndingSignals) {
-    if (sigismember(&pending, signal) == 1) return true;
+  return std::any_of(kEndingSignals.begin(), kEndingSignals.end(),
+                     [&](int signal) { return sigismember(&pending, signal) == 1; });
+}
+
+void HeldSignals::Take() const {
+  const timespec none{};
+  while (sigtimedwait(&held_, nullptr, &none) > 0) {
   }
-  return false;
 }
 
 }  // namespace keplo

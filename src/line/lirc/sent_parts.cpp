@@ -1,0 +1,38 @@
+#include "line/lirc/sent_parts.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::size_t kMostMarks = 512;
+constexpr std::chrono::milliseconds kLongestWrite{490};
+
+}  // namespace
+
+std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot) {
+  const auto fits = [&](std::size_t end) {
+    const auto slots = static_cast<std::int64_t>(lit[end - 1].End - lit[first].Begin);
+    return end - first <= kMostMarks && slots * slot <= kLongestWrite;
+  };
+  std::size_t longest = first + 1;
+  std::size_t end = first + 1;
+  for (; end < lit.size() && fits(end); ++end) {
+    const auto space = [&](std::size_t next) { return lit[next].Begin - lit[next - 1].End; };
+    if (space(end) >= space(longest)) longest = end;
+  }
+  return end == lit.size() && fits(end) ? end : longest;
+}
+
+std::vector<unsigned> LengthsOf(std::span<const LitSlots> part, std::chrono::microseconds slot) {
+  const auto length = [&](std::size_t slots) {
+    return static_cast<unsigned>(slots * static_cast<std::size_t>(slot.count()));
+  };
+  std::vector<unsigned> lengths;
+  for (std::size_t i = 0; i < part.size(); ++i) {
+    if (i > 0) lengths.push_back(length(part[i].Begin - part[i - 1].End));
+    lengths.push_back(length(part[i].End - part[i].Begin));
+  }
+  return lengths;
+}
+
+}  // namespace keplo

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "line/slot_clock.h"
+
+namespace keplo {
+
+/// Where the part of a signal ends that the kernel takes in one write: an odd count of at most 1,023 lengths,
+/// less than 500 ms in all. The rest begins after the longest space, since a write returns some milliseconds
+/// late.
+/// @param first the stretch of light with which the part begins
+/// @return the stretch of light with which the next part begins; their number if there is none
+std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot);
+
+/// Marks and spaces of a part, microseconds, without the silence around it.
+std::vector<unsigned> LengthsOf(std::span<const LitSlots> part, std::chrono::microseconds slot);
+
+}  // namespace keplo

@@ -1,0 +1,171 @@
+#include "line/node_line.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "line/held_signals.h"
+#include "line/sample_time.h"
+#include "line/slot_clock.h"
+#include "line/zone_answer.h"
+
+namespace keplo {
+
+namespace {
+
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+
+constexpr auto kOpenAgain = 2s;   // between two looks for a device that is not there
+constexpr auto kRestBefore = 1s;  // ticks go on for so long after the last signal
+/// Between two looks at a resting line, for what its driver did not tell.
+constexpr auto kSlowLook = 1s;
+constexpr auto kNewsWait = 50ms;  // so long a request to end may wait
+
+}  // namespace
+
+NodeLine::NodeLine(DeviceCalls& calls, std::string node, const std::int16_t& receiverKind,
+                   LineOptions options, TellUser tell)
+    : calls_(calls),
+      node_(std::move(node)),
+      receiverKind_(&receiverKind),
+      options_(options),
+      tell_(std::move(tell)),
+      beeper_(calls, tell_) {}
+
+std::int32_t NodeLine::OpenCom(std::int32_t /*port*/) {
+  CloseCom();
+  wanted_ = true;
+  nextOpening_ = calls_.Now() + kOpenAgain;
+  if (!OpenDevice(whyNot_)) return 0;
+  whyNot_.clear();
+  return 1;
+}
+
+void NodeLine::CloseCom() {
+  CloseDevice();
+  wanted_ = lost_ = false;
+}
+
+void NodeLine::Lose() {
+  if (!IsOpen()) return;
+  CloseDevice();
+  lost_ = true;
+  nextOpening_ = calls_.Now() + kOpenAgain;
+  whyNot_ = node_ + " is gone. Plug it in again; it is opened by itself.";
+  Tell(whyNot_);
+}
+
+void NodeLine::LookAfterDevice() {
+  if (IsOpen()) NoticeLoss();
+  if (IsOpen() || !wanted_ || calls_.Now() < nextOpening_) return;
+  nextOpening_ = calls_.Now() + kOpenAgain;
+  std::string why;
+  if (!OpenDevice(why)) {
+    if (!lost_) whyNot_ = why;
+    return;
+  }
+  whyNot_.clear();
+  RTS(-1);
+  TXD(0);
+  Tell(node_ + (std::exchange(lost_, false) ? " is back." : " is there now."));
+}
+
+bool NodeLine::Ready() {
+  LookAfterDevice();
+  return IsOpen();
+}
+
+void NodeLine::Tell(const std::string& text) const {
+  if (tell_) tell_(text);
+}
+
+void NodeLine::WarnOnce(Use use) {
+  bool& warned = use == Use::Listen ? listenWarned_ : sendWarned_;
+  if (std::exchange(warned, true)) return;
+  if (const std::string warning = Warning(use); !warning.empty()) Tell(warning);
+}
+
+LineOptions NodeLine::CaptureOptions(std::int32_t delay) const {
+  LineOptions options = options_;
+  options.SampleTime = SampleTimeOf(delay);
+  options.HoldMs = 0;
+  return options;
+}
+
+milliseconds NodeLine::MayRest() {
+  if (IsOpen()) return calls_.Now() - restSince_ < kRestBefore ? milliseconds::zero() : kSlowLook;
+  if (!wanted_) return kSlowLook;
+  return std::chrono::ceil<milliseconds>(std::max<nanoseconds>(nextOpening_ - calls_.Now(), 1ms));
+}
+
+std::int32_t NodeLine::DCD() {
+  const bool ready = Ready();
+  if (ready) WarnOnce(Use::Listen);
+  const bool away = ready && SignalWaits();
+  if (away) restSince_ = calls_.Now();
+  return away == RestLevel() ? 0 : 1;
+}
+
+void NodeLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
+  if (IsOpen() && !buffer.empty()) Capture(buffer, delay);
+}
+
+void NodeLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { IRMonitor(buffer, delay); }
+
+/// A device that goes while it is waited for may come back within the same wait.
+std::int32_t NodeLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  const auto most = std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0)));
+  if (most == 0 || (!Ready() && !lost_)) return 0;
+  if (IsOpen()) WarnOnce(Use::Listen);
+  if (IsOpen() && !Hears()) return 0;
+  Forget();
+  const nanoseconds until = calls_.Now() + kLongestRecordWait;
+  while (calls_.Now() < until && !HeldSignals::Pending()) {
+    const nanoseconds next = std::min<nanoseconds>(until, calls_.Now() + kNewsWait);
+    if (!Ready()) {
+      calls_.SleepUntil(next);
+    } else if (SignalWaits()) {
+      return Capture(buffer.first(most), delay) ? 1 : 0;
+    } else if (IsOpen()) {
+      WaitForNews(next);
+    }
+  }
+  return 0;
+}
+
+std::int32_t NodeLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
+  return IRRecord(buffer, delay, limit);
+}
+
+void NodeLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
+  sent_ = false;
+  if (!Ready()) return;
+  if (pulse <= 0 || pulse > kLongestSlot) {
+    if (std::exchange(refusalTold_, true)) return;
+    return Tell("A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
+                std::to_string(kLongestSlot) + " us.");
+  }
+  WarnOnce(Use::Send);
+  sent_ = Send(bytes, std::chrono::microseconds(pulse), interfaceType) && !HeldSignals::Pending();
+  // What the receiver hears of it is no press.
+  deafUntil_ = calls_.Now() + kOwnEcho;
+  Forget();
+}
+
+std::int16_t NodeLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
+
+void NodeLine::uDelay(std::int32_t microseconds) {
+  SleepUnlessEnded(calls_, calls_.Now() + std::chrono::microseconds(microseconds));
+}
+
+void NodeLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
+  beeper_.Sound(frequency, duration);
+}
+
+void CopySignal(const std::string& signal, std::span<char> buffer) {
+  std::copy_n(signal.begin(), signal.find_last_not_of('\0') + 1, buffer.begin());
+}
+
+}  // namespace keplo
