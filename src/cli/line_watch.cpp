@@ -1,13 +1,17 @@
 #include "cli/line_watch.h"
 
+#include <sys/ioctl.h>
+
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <iostream>
+#include <string_view>
+#include <thread>
 
 #include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
-#include "program/stop_signals.h"
 #include "signal/sample_bits.h"
 #include "signal/sample_time.h"
 
@@ -15,7 +19,7 @@ namespace keplo::cli {
 
 namespace {
 
-constexpr int kLook = 2;  // milliseconds between two looks at the line
+constexpr std::chrono::milliseconds kLook{2};  // between two looks at the line
 constexpr std::chrono::seconds kStuck{2};
 
 /// Lengths of the runs of a capture, microseconds, the first of them a mark.
@@ -47,31 +51,56 @@ std::string LossesText(const LineLosses& before, const LineLosses& now) {
   return "edges missed " + std::to_string(now.MissedEdges - before.MissedEdges);
 }
 
+/// An input of a serial port that is not the receiver's.
+struct ModemLine {
+  int Bit;
+  std::string_view Name;
+};
+constexpr std::array kOtherInputs = {ModemLine{TIOCM_CTS, "CTS"}, ModemLine{TIOCM_DSR, "DSR"},
+                                     ModemLine{TIOCM_RI, "RI"}};
+
 /// Watches one line, and tells what it sees once.
 class LineWatch {
  public:
   LineWatch(LiveLine& live, const Settings& settings) : live_(live), settings_(settings) {}
 
   void Look() {
-    const std::int32_t level = live_.Line().DCD();
-    const auto now = std::chrono::steady_clock::now();
-    if (level != level_) {
-      level_ = level;
-      since_ = now;
-      std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
+    // A line that stays away from rest is no signal to DCD, which tells a monitor; the port itself tells the
+    // level.
+    const bool signal = live_.Line().DCD() != RestLevel();
+    if (const std::optional<int> lines = live_.Device().ModemLines()) {
+      Show(*lines);
+    } else {
+      ShowLevel(signal ? 1 - RestLevel() : RestLevel());
     }
-    if (level == RestLevel()) return;
-    if (Capture()) return;
-    if (now - since_ < kStuck || told_) return;
+    if (signal) Capture();
+    if (level_ == RestLevel() || told_ || std::chrono::steady_clock::now() - since_ < kStuck) return;
     told_ = true;
-    Tell("the line rests at " + std::to_string(level) +
+    Tell("the line rests at " + std::to_string(level_) +
          ", where a receiver of the other kind does; change ITYPE with keplo settings, or look for a lamp");
   }
 
  private:
   std::int32_t RestLevel() const { return settings_.ReceiverKind == 1 ? 0 : 1; }
 
-  bool Capture() {
+  void ShowLevel(std::int32_t level) {
+    if (level == level_) return;
+    level_ = level;
+    since_ = std::chrono::steady_clock::now();
+    std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
+  }
+
+  void Show(int lines) {
+    ShowLevel((lines & TIOCM_CD) != 0 ? 1 : 0);
+    for (const ModemLine& input : kOtherInputs) {
+      const bool on = (lines & input.Bit) != 0;
+      // All are off until something is wired to them.
+      if (on != ((lines_ & input.Bit) != 0)) std::cout << input.Name << (on ? " 1" : " 0") << std::endl;
+    }
+    lines_ = lines;
+  }
+
+  void Capture() {
     std::string capture(kMonitorCaptureBytes, '\0');
     const LineLosses before = live_.Losses();
     if (settings_.ReceiverKind == 1) {
@@ -80,15 +109,15 @@ class LineWatch {
       live_.Line().IRMonitor(capture, settings_.ProcDelay);
     }
     const std::string lengths = LengthsText(capture, SampleTimeOf(settings_.ProcDelay));
-    if (lengths.find(' ') == std::string::npos) return false;
+    if (lengths.find(' ') == std::string::npos) return;
     std::cout << "press: " << lengths << " us; " << LossesText(before, live_.Losses()) << std::endl;
-    return true;
   }
 
   LiveLine& live_;
   const Settings& settings_;
   std::int32_t level_ = -1;
   std::chrono::steady_clock::time_point since_;
+  int lines_ = 0;
   bool told_ = false;  // that the line rests the other way
 };
 
@@ -98,11 +127,11 @@ int WatchLine(const std::string& appPathOption, std::int32_t port) {
   OpenedConfig config(appPathOption);
   LiveLine live(config.Mod, port);
   Tell("watching " + live.Name() + "; Ctrl+C ends it");
-  const StopSignals stop;
   LineWatch watch(live, config.Mod.Settings);
   do {
     watch.Look();
-  } while (!stop.WaitFor(kLook));
+    std::this_thread::sleep_for(kLook);
+  } while (!live.TakeStop());
   return kDone;
 }
 

@@ -7,11 +7,6 @@
 
 namespace keplo::cli {
 
-Argument AddPortOption(Command& command, std::optional<std::int32_t>& port) {
-  return command.Number("--port", port, "Use this COM number, not that of the settings",
-                        {kFirstPort, kLastPort});
-}
-
 LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOptions& options) {
   Settings& settings = mod.Settings;
   ReadSettings(mod.Store, settings);
@@ -26,6 +21,12 @@ LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOp
   if (Line().OpenCom(number) != 1) throw Refused(WhyNot());
   Line().RTS(-1);
   Line().TXD(0);
+}
+
+bool LiveLine::TakeStop() {
+  if (!HeldSignals::Pending()) return false;
+  signals_.Take();
+  return true;
 }
 
 std::optional<MappedPort> PortOf(const KeploMod& mod, std::int32_t port) {

@@ -5,16 +5,14 @@
 #include <string>
 
 #include "keplo_mod.h"
+#include "line/held_signals.h"
 #include "line/open_line.h"
 #include "line/port_map.h"
-#include "program/arguments.h"
 
 namespace keplo::cli {
 
-/// Adds --port: another port than that of the settings, for this run.
-Argument AddPortOption(Command& command, std::optional<std::int32_t>& port);
-
-/// The port of the settings, or another one, opened for a command that needs its device.
+/// The port of the settings, or another one, opened for a command that needs its device. A signal that ends
+/// the program waits until the port is as it was found; calls of the line end early then.
 class LiveLine {
  public:
   /// @param port of this run in place of that of the settings
@@ -28,8 +26,14 @@ class LiveLine {
   /// Why the device does not work any more; empty while it does.
   std::string WhyNot() const { return line_.Device->WhyNot(); }
   LineLosses Losses() const { return line_.Device->Losses(); }
+  /// The device itself, opened.
+  DeviceLine& Device() { return *line_.Device; }
+  /// Takes the signal that would end the program, for one that ends in order by itself.
+  /// @return whether one has come
+  bool TakeStop();
 
  private:
+  HeldSignals signals_;  // goes last
   std::string name_;
   OpenedLine line_;
 };

@@ -77,7 +77,7 @@ int ListPorts(const PortsOptions& options) {
   if (map.Ports.empty()) {
     Tell("this machine has no serial port and no infrared device; --replay FILE plays recordings");
   }
-  if (!options.Json) std::cout << DescribeRealTime() << '\n';
+  if (!options.Json) std::cout << DescribeRealTime() << '\n' << DescribeMemory() << '\n';
   return map.Mistakes.empty() ? kDone : kWrongUse;
 }
 

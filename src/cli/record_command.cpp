@@ -14,6 +14,7 @@
 #include "config/lookup.h"
 #include "line/press_capture.h"
 #include "program/app_path.h"
+#include "program/line_options.h"
 #include "signal/recorded_press.h"
 #include "station/stage_text.h"
 

@@ -18,6 +18,7 @@
 #include "line/port_check.h"
 #include "line/replay_line.h"
 #include "program/app_path.h"
+#include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/send_bits.h"
 
@@ -154,7 +155,9 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
   }
   LiveLine live(mod, port);
   Transmit(mod, live.Line(), digits, options);
-  if (!live.WhyNot().empty()) throw Refused(live.WhyNot());
+  if (live.Device().Sent()) return;
+  throw Refused(live.WhyNot().empty() ? "The signal did not go out whole at " + live.Name() + "."
+                                      : live.WhyNot());
 }
 
 int Send(const SendOptions& options) {

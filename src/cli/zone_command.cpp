@@ -8,6 +8,7 @@
 #include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "program/app_path.h"
+#include "program/line_options.h"
 #include "signal/zone_link.h"
 
 namespace keplo::cli {

@@ -2,6 +2,12 @@
 
 namespace keplo {
 
+namespace {
+
+constexpr Between<std::int32_t> kPorts = {1, 30};  // COM numbers that the system asks for
+
+}  // namespace
+
 void AddLineOptions(Command& command, double& sampleTime, bool& shape, int& holdMs) {
   Argument time =
       command.Number("--sample-time", sampleTime, "Length of one sample, microseconds", {10.0, 1000.0});
@@ -14,6 +20,10 @@ void AddLineOptions(Command& command, double& sampleTime, bool& shape, int& hold
       "How long the key of a single-frame recording is held, milliseconds; 0 plays it as recorded",
       {0, 10000});
   if (holdMs >= 0) hold.ShowDefault();
+}
+
+Argument AddPortOption(Command& command, std::optional<std::int32_t>& port) {
+  return command.Number("--port", port, "Use this COM number, not that of the settings", kPorts);
 }
 
 }  // namespace keplo
