@@ -22,6 +22,7 @@ LineSpec LineSpecOf(const CreationContext& context) {
   if (context.SampleTime > 0) spec.Options.SampleTime = context.SampleTime;
   if (context.HoldMs >= 0) spec.Options.HoldMs = context.HoldMs;
   spec.Options.Shape = context.ShapeReplay;
+  if (context.Port > 0) spec.Port = context.Port;
   return spec;
 }
 

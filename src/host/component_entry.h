@@ -17,7 +17,7 @@ inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
 /// Changes with every change of the interfaces in this folder. Host and component are built by the same
 /// kind of compiler and share the C++ runtime, so that strings and vectors pass between them. The headers of
 /// this folder need C++17 and nothing else of the plug-in.
-inline constexpr std::uint32_t kComponentInterfaceVersion = 2;
+inline constexpr std::uint32_t kComponentInterfaceVersion = 3;
 
 /// Levels of log lines, numbered as the system's journal does.
 enum class LogLevel { Error = 3, Warning = 4, Notice = 5, Info = 6 };
@@ -32,6 +32,7 @@ struct CreationContext {
   double SampleTime = 0;                 // microseconds; 0 for the usual one
   bool ShapeReplay = true;               // take the receiver's distortion off the recordings
   int HoldMs = -1;                       // how long a single-frame key is held; negative for the usual time
+  std::int32_t Port = 0;                 // COM number for this run; 0 for that of the settings
   bool MayUseDisplay = false;            // whether a QApplication is there and windows may be shown
   std::function<void(LogLevel, const std::string&)> Log = {};
   /// Runs once, inside a tick, when every recording has been played.

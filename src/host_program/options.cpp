@@ -13,6 +13,7 @@ constexpr int kLargestPort = 65535;
 struct Choices {
   int Port = kUsualHttpPort;
   bool NoHttp = false;
+  std::optional<std::int32_t> ComPort;
   bool Register = false, Unregister = false;
   std::string HostFile, ComponentFile;
 };
@@ -20,7 +21,8 @@ struct Choices {
 void AddOptions(Command command, HostOptions& options, Choices& choices) {
   CreationContext& control = options.Control;
   AddAppPathOption(command, control.ApplicationPath);
-  command.Words("--replay", control.ReplayFiles, "Recordings to play as key presses");
+  const Argument replay = command.Words("--replay", control.ReplayFiles, "Recordings to play as key presses");
+  AddPortOption(command, choices.ComPort).Excludes(replay);
   command.Flag("--once", options.Once,
                "End when the recordings have been played; the status is 1 if a press raised no event");
   command.Flag("--real-time", control.ReplayInRealTime,
@@ -64,6 +66,7 @@ std::optional<int> ReadOptions(int argc, char** argv, HostOptions& options) {
   if (options.ToDo != Task::Run) return std::nullopt;
   CreationContext& control = options.Control;
   control.ApplicationPath = ResolveAppPath(control.ApplicationPath).string();
+  control.Port = choices.ComPort.value_or(0);
   options.HostFile = choices.HostFile.empty() ? std::filesystem::path(control.ApplicationPath) / "host.json"
                                               : std::filesystem::path(choices.HostFile);
   return std::nullopt;

@@ -1,5 +1,7 @@
 #include <QApplication>
 #include <QIcon>
+#include <QTimer>
+#include <chrono>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -24,6 +26,7 @@ namespace keplo {
 namespace {
 
 constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
+constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
 constexpr int kDone = 0, kNotStarted = 1;
 
 struct WindowOptions {
@@ -34,8 +37,9 @@ struct WindowOptions {
 
 void AddOptions(Command command, WindowOptions& options) {
   AddAppPathOption(command, options.AppPath);
-  command.Words("--replay", options.Line.ReplayFiles,
-                "Recordings to play as key presses, one each time Record waits");
+  const Argument replay = command.Words("--replay", options.Line.ReplayFiles,
+                                        "Recordings to play as key presses, one each time Record waits");
+  AddPortOption(command, options.Line.Port).Excludes(replay);
   command.Flag("--real-time", options.Line.InRealTime,
                "Play at the clock of the recordings, not as fast as possible");
   command.Flag("--keep-pressed", options.KeepPressed,
@@ -64,6 +68,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   KeploMod mod(appPath, files);
   LineSpec spec = options.Line;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
+  spec.PortOfSettings = &mod.Settings.ComPortNr;
   Form1* window = nullptr;
   const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind, [&](const std::string& text) {
     if (window != nullptr) window->Note.SetText(text);
@@ -71,6 +76,11 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   Form1 form(mod, *line.Line, boxes);
   form.DescribeLine = line.Describe;
   window = &form;
+  QTimer care;
+  if (line.Device != nullptr) {
+    care.callOnTimeout([&line] { line.Device->LookAfterDevice(); });
+    care.start(kCare);
+  }
   const bool shown = qt::ShowUntilHidden(form);
   window = nullptr;
   if (shown) return kDone;
