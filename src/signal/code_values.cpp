@@ -22,11 +22,12 @@ struct CodeLayout {
 constexpr std::size_t kMostDigits = 20;
 constexpr std::size_t kRc5CommandDigits = 6;
 
-constexpr std::array<CodeLayout, 4> kLayouts = {{
+constexpr std::array<CodeLayout, 5> kLayouts = {{
     {kSony, 12, true, 0, 5, 5, 7, 0, 0},
     {kSony, 15, true, 0, 8, 8, 7, 0, 0},
     {kSony, 20, true, 8, 5, 13, 7, 0, 8},
     {kRc5, 14, false, 3, 5, 8, kRc5CommandDigits, 0, 0},
+    {kRc6, 20, false, 4, 8, 12, 8, 0, 0},
 }};
 
 }  // namespace

@@ -25,7 +25,7 @@ struct CodeValues {
 /// Address and command of a code.
 /// @param code digits without the leading G
 /// @param analysis with Analysis::Second those of SONY codes of 20 digits too
-/// @return nothing but for RC5 codes of 14 digits and SONY codes of 12 or 15, all 0 or 1
+/// @return nothing but for RC5 codes of 14 digits, SONY codes of 12 or 15 and RC6 codes of 20, all 0 or 1
 std::optional<CodeValues> ValuesOfCode(std::string_view code, std::int16_t kind,
                                        Analysis analysis = Analysis::First);
 

@@ -1,5 +1,8 @@
 #include "signal/decode.h"
 
+#include <optional>
+
+#include "signal/rc6.h"
 #include "signal/run_symbols.h"
 #include "signal/timing.h"
 
@@ -39,6 +42,11 @@ void DecodeBiphase(std::string_view frame, std::string& code) {
   if (code.size() > kToggleBitOffset) code[kToggleBitOffset] = '0';
 }
 
+void DecodeRc6(std::string_view frame, std::string& code) {
+  const std::optional<Rc6Frame> read = ReadRc6(frame);
+  code = read ? read->Code : std::string();
+}
+
 }  // namespace
 
 bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame) {
@@ -64,6 +72,8 @@ bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame) {
 
 void DecodeCode(std::string_view frame, std::int16_t kind, std::string& code) {
   switch (kind) {
+    case kRc6:
+      return DecodeRc6(frame, code);
     case kSony:
       return DecodeLengths(frame, '1', code);
     case kRc5:

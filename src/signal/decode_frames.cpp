@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "signal/rc6.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -128,6 +129,17 @@ void DecodeBiphaseFrames(std::string_view symbols, std::string& decoded) {
   }
 }
 
+void DecodeRc6Frames(std::string_view symbols, std::string& decoded) {
+  decoded.clear();
+  while (!symbols.empty()) {
+    const std::size_t end = std::min(symbols.find_first_of("Gg"), symbols.size());
+    if (const auto frame = ReadRc6(symbols.substr(0, end))) decoded += frame->Code;
+    if (end == symbols.size()) return;
+    decoded += 'G';
+    symbols.remove_prefix(end + 1);
+  }
+}
+
 std::string_view TakeFrame(std::string_view& rest) {
   rest.remove_prefix(std::min(rest.find_first_not_of('G'), rest.size()));
   const std::string_view frame = rest.substr(0, rest.find('G'));
@@ -143,6 +155,8 @@ void DecodeFrames(std::string_view symbols, std::int16_t kind, std::string& deco
       return DecodePulseWidthFrames(symbols, decoded);
     case kRc5:
       return DecodeBiphaseFrames(symbols, decoded);
+    case kRc6:
+      return DecodeRc6Frames(symbols, decoded);
     default:
       return DecodePulseDistanceFrames(symbols, decoded);
   }

@@ -26,12 +26,17 @@ bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
   }
 }
 
+/// Whether the digits that were read are a code.
+void Judge(std::int16_t kind, Analysis analysis, MonitorReading& reading) {
+  reading.Ended = LengthFits(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
+  reading.ReadBy = analysis;
+}
+
 /// The code of a frame.
 void ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis, MonitorReading& reading) {
   if (kind == kUnknown) return reading.EndAt(Stage::Unknown);
   DecodeCode(symbols, kind, reading.Digits);
-  reading.Ended = LengthFits(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
-  reading.ReadBy = analysis;
+  Judge(kind, analysis, reading);
 }
 
 void ReadPlainly(SignalState& state, MonitorReading& reading) {
@@ -45,7 +50,8 @@ void ReadPlainly(SignalState& state, MonitorReading& reading) {
 void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& reading) {
   measured.BaseT = look.BaseT;
   measured.ProtoKind = look.ProtoKind;
-  ReadFrame(look.Frame, look.ProtoKind, Analysis::Second, reading);
+  look.Decode(reading.Digits);
+  Judge(look.ProtoKind, Analysis::Second, reading);
 }
 
 void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
@@ -56,9 +62,10 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
     if (reading.Ended == Stage::Code) reading.Ended = Stage::Doubtful;
     return;
   }
-  ReadPlainly(state, reading);
   const bool refused = look.Proven == RobustReading::Proof::Refused;
-  if (refused && reading.ReadBy) reading.EndAt(Stage::Doubtful);
+  ReadPlainly(state, reading);
+  const bool believed = !refused && HasDigitOfEachMark(reading.Digits.size(), state.Measured.ProtoKind, look);
+  if (reading.ReadBy && !believed) reading.EndAt(Stage::Doubtful);
 }
 
 }  // namespace

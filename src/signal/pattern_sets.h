@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "signal/rc6.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -15,10 +16,11 @@ struct PatternSet {
   std::string_view BITG, BIT0, BIT1;
 };
 
-inline constexpr std::array<PatternSet, 3> kPatternSets = {{
+inline constexpr std::array<PatternSet, 4> kPatternSets = {{
     {kNec, "111111111111111100000000", "10", "1000"},
     {kSony, "1111", "01", "011"},
     {kRc5, "", "10", "01"},
+    {kRc6, kRc6Leader, "01", "10"},
 }};
 
 /// @return null for a kind that has no pattern set

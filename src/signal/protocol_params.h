@@ -13,6 +13,7 @@ struct ProtocolParams {
   std::string BITG;          // sync before a frame
   std::int16_t GREPEAT = 0;  // above 1: the repeats have a sync signal of their own
   std::string BitTail;       // closing slot of a frame, see BitTailOf
+  std::string SENDAS = {};   // of codes that the others do not tell all of, see send_as.h; mostly empty
 };
 
 /// Closing slot of a frame: pulse distance measures from mark to mark, so a last mark must close the last

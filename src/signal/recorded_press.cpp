@@ -1,12 +1,15 @@
 #include "signal/recorded_press.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "signal/capture_trim.h"
 #include "signal/decode.h"
 #include "signal/decode_frames.h"
+#include "signal/rc6.h"
 #include "signal/run_symbols.h"
 #include "signal/sample_bits.h"
+#include "signal/send_as.h"
 
 namespace keplo {
 
@@ -34,6 +37,15 @@ void ReadFrames(RecordReading& reading, std::string_view symbols) {
   reading.Code = frames.First;
 }
 
+/// The toggle of the first frame, which is no part of an RC6 code.
+void TakeRc6Toggle(RecordReading& reading, std::string_view symbols) {
+  const std::size_t begin = std::min(symbols.find_first_not_of(kMarks), symbols.size());
+  const std::size_t end = std::min(symbols.find_first_of(kMarks, begin), symbols.size());
+  if (const auto frame = ReadRc6(symbols.substr(begin, end - begin))) reading.Toggle = frame->Toggle;
+  reading.SyncType = 2;
+  reading.SendAs = kSendAsRc6;
+}
+
 void ExplainCode(RecordReading& reading) {
   if (reading.ProtoKind == kRc5) {
     reading.SyncType = 0;
@@ -50,6 +62,14 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
   const bool piece = !reading.Repeats && reading.Code.size() < kShortestCommand;
   reading.Ended = piece ? RecordStage::Fragment : RecordStage::Code;
   if (!piece) ExplainCode(reading);
+}
+
+/// Two frames in turns are one command, and seeing the first of them again is its repeat.
+void TakeTurns(const RobustReading& look, RecordReading& reading) {
+  look.Decode(reading.Code);
+  reading.SendAs = SendInTurns(reading.Code.size() / 2);
+  reading.Repeats = look.Proven == RobustReading::Proof::Sure;
+  reading.Values.reset();
 }
 
 void TakeTiming(RecordReading& reading, Analysis analysis, std::int16_t baseT, std::int16_t kind) {
@@ -71,16 +91,34 @@ void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
   ReadCode(reading, state.RunSymbols);
 }
 
+/// What the first analysis makes of a signal that the second look refuses would be made up.
+void Doubt(RecordReading& reading) {
+  if (reading.Ended < RecordStage::Fragment) return;
+  const std::int16_t baseT = reading.BaseT;
+  TakeTiming(reading, Analysis::Second, baseT, kUnknown);
+  reading.IsDoubtful = true;
+}
+
 void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
   const RobustReading& look = state.Second.Read(state.Samples);
   const RunSpan runs = state.Runs.Read(state.Samples);
-  if (!look.HasFrames()) return ReadPlainly(state, runs, reading);
+  if (look.Proven == RobustReading::Proof::Unsure) {
+    ReadPlainly(state, runs, reading);
+    const bool believed = HasDigitOfEachMark(reading.Code.size(), reading.ProtoKind, look);
+    return believed ? void() : Doubt(reading);
+  }
+  if (look.Proven == RobustReading::Proof::Refused) {
+    ReadPlainly(state, runs, reading);
+    return Doubt(reading);
+  }
   state.Measured.BaseT = look.BaseT;
   state.Measured.ProtoKind = look.ProtoKind;
   TakeTiming(reading, Analysis::Second, look.BaseT, look.ProtoKind);
   WalkRecording(runs, look.BaseT, reading.Runs);
   reading.Runs.Symbols = look.Symbols;
   ReadCode(reading, reading.Runs.Symbols);
+  if (reading.ProtoKind == kRc6) TakeRc6Toggle(reading, reading.Runs.Symbols);
+  if (!look.OtherFrame.empty()) TakeTurns(look, reading);
 }
 
 }  // namespace
@@ -90,9 +128,11 @@ void RecordReading::EndAt(RecordStage stage) {
   ReadBy = Analysis::First;
   BaseT = 0;
   ProtoKind = kUnknown;
-  for (std::string* text : {&Runs.Symbols, &Decoded, &FirstFrame, &SecondFrame, &Code}) text->clear();
+  for (std::string* text : {&Runs.Symbols, &Decoded, &FirstFrame, &SecondFrame, &Code, &SendAs})
+    text->clear();
   Runs.Ones.clear();
   Runs.Zeros.clear();
+  IsDoubtful = false;
   Repeats = false;
   SyncType.reset();
   Toggle.reset();

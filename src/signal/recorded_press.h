@@ -24,7 +24,7 @@ enum class RecordStage {
   Empty,     // no signal in the capture
   Short,     // too little signal
   NoTiming,  // no base time
-  Unknown,   // a base time, and a line code that is none of the three
+  Unknown,   // a base time, and a line code that is none of the three, or see IsDoubtful
   Fragment,  // one short frame: digits, but no command
   Code
 };
@@ -57,6 +57,7 @@ struct RecordReading {
   Analysis ReadBy = Analysis::First;
   std::int16_t BaseT = 0;  // samples
   std::int16_t ProtoKind = kUnknown;
+  bool IsDoubtful = false;  // there are frames, but they differ, or are none that can be believed
   int PulseUs() const { return BaseT * kNominalSampleTime; }  // base time, microseconds
 
   // From Fragment on.
@@ -68,12 +69,14 @@ struct RecordReading {
   std::optional<std::int16_t> SyncType;  // 0 no sync, 1 before the first frame only, 2 before all; may be
                                          // missing for pulse distance and is for other fragments
 
+  std::string SendAs;  // the value of SENDAS= that a section needs to send the code; mostly empty
+
   /// Digits without the leading G: at Fragment those of the piece, at Code the identity of the command, RC5
   /// with 0 for the toggle digit. May hold x and y, and is empty if two marks follow with nothing between.
   std::string Code;
 
   // At Code.
-  std::optional<char> Toggle;        // RC5: the toggle digit as it was received
+  std::optional<char> Toggle;        // RC5 and RC6: the toggle digit as it was received
   std::optional<CodeValues> Values;  // address and command
 
   /// Forgets the last recording, but keeps the memory of its texts.

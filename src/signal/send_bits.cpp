@@ -6,7 +6,9 @@
 
 #include "failure.h"
 #include "signal/decode.h"
+#include "signal/rc6.h"
 #include "signal/sample_bits.h"
+#include "signal/send_as.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -29,8 +31,19 @@ std::size_t FrameLength(std::string_view code, const ProtocolParams& params) {
          std::max(params.BIT0.size(), params.BIT1.size()) + params.BITG.size();
 }
 
+constexpr int kTurns = 3;  // of two frames: enough for a receiver that waits for three frames
+constexpr std::int16_t kLeastTurnGap = 45;  // slots, where the parameters name no silence
+
+/// Silence between two frames that take turns, slots.
+std::size_t TurnGap(const ProtocolParams& params) {
+  return Slots(std::max({params.REPEAT, params.GREPEAT, kLeastTurnGap}));
+}
+
 /// A little more than the transmission will be long.
 std::size_t LengthBound(std::string_view code, const ProtocolParams& params) {
+  if (IsSentInTurns(code, params.SENDAS)) {
+    return kTurns * (FrameLength(code, params) + params.BITG.size() + 2 * (TurnGap(params) + 1));
+  }
   const std::size_t frame = FrameLength(code, params);
   std::size_t repeat = 0;
   if (params.REPEAT != 0) {
@@ -55,6 +68,19 @@ std::string FrameBody(std::string_view code, const ProtocolParams& params) {
   return body + params.BitTail;
 }
 
+/// Two frames in turns, each with its sync.
+std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
+  const std::string gap(TurnGap(params), '0');
+  const std::string first = params.BITG + FrameBody(code.substr(0, code.size() / 2), params);
+  const std::string second = params.BITG + FrameBody(code.substr(code.size() / 2), params);
+  std::string slots;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    if (turn > 0) slots += gap;
+    slots += first + gap + second;
+  }
+  return slots;
+}
+
 /// What follows the frame, and follows it as often as kRepeats.
 std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
   const bool ownSync = params.GREPEAT > 1;
@@ -75,7 +101,11 @@ std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolPar
   }
   if (protoKind == kRc5) WriteToggle(code, rc5Toggle);
   params.BitTail = BitTailOf(protoKind);
-  const std::string body = FrameBody(code, params);
+  if (IsSentInTurns(code, params.SENDAS)) return TurnSlots(code, params);
+  const bool isRc6 = (protoKind == kRc6 || params.SENDAS == kSendAsRc6) && IsRc6Code(code);
+  if (isRc6) rc5Toggle = !rc5Toggle;
+  const std::string body =
+      isRc6 ? Rc6Halves(code, rc5Toggle, params.BIT1, params.BIT0) : FrameBody(code, params);
   const std::string repeat = RepeatSlots(body, params);
   std::string slots = params.BITG + body;
   slots.reserve(slots.size() + kRepeats * repeat.size());

@@ -17,8 +17,9 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @param code digits without the leading G; RC5 gets the toggle digit of this transmission at position 3, so
 ///        pass a copy. Other characters than 0 and 1 add nothing.
 /// @param protoKind generic protocol of the code
-/// @param params BitTail is set
-/// @param rc5Toggle flips with each RC5 transmission; false at start, which makes the first digit a 1
+/// @param params BitTail is set. Their SENDAS tells of RC6 and of two frames in turns.
+/// @param rc5Toggle flips with each transmission of RC5, and of RC6; false at start, which makes the first
+/// digit a 1
 /// @throws Failure if the transmission would pass kMostSlots; nothing is changed then
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params, bool& rc5Toggle);
 

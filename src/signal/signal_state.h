@@ -20,6 +20,7 @@ struct SignalState {
   RunReader Runs;
   std::string RunSymbols;
   SecondLook Second;
+  std::string SendAs;  // of the code recorded last, see RecordReading
 
   /// One character 0 or 1 a sample of RawCapture. The analyses work on runs, so that the string is made for
   /// those only who look at it.

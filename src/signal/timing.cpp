@@ -71,6 +71,8 @@ std::string_view ProtoKindName(std::int16_t kind) {
       return "SONY";
     case kRc5:
       return "RC5";
+    case kRc6:
+      return "RC6";
     default:
       return "UNK";
   }

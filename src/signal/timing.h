@@ -15,10 +15,11 @@ enum ProtoKinds : std::int16_t {
   kSony = 1,     // pulse width
   kRc5 = 2,      // biphase
   kCustom = 3,   // only in protocol sections
+  kRc6 = 6,      // only from the second look, and no value of GPROTO=
   kUnknown = 99  // only from AnalyseTiming
 };
 
-/// Name shown for a generic protocol: "NEC", "SONY", "RC5", "UNK" for anything else.
+/// Name shown for a generic protocol: "NEC", "SONY", "RC5", "RC6", "UNK" for anything else.
 std::string_view ProtoKindName(std::int16_t kind);
 
 /// Counters of run lengths, in samples. Runs of 99 samples or more count at 99; the entries above stay 0 and

@@ -12,6 +12,9 @@ constexpr std::string_view kNoPulseUnit =
     "frequent";
 constexpr std::string_view kNoLineCode = "the signal fits neither pulse distance nor pulse width nor biphase";
 
+constexpr std::string_view kNoWholeFrame =
+    "its frames differ, or are not whole: hold the key longer, and point straight at the receiver";
+
 std::string_view MeaningOf(Stage stage) {
   switch (stage) {
     case Stage::Empty:
@@ -61,7 +64,7 @@ std::string WhyNoDigits(const RecordReading& reading) {
     case RecordStage::NoTiming:
       return std::string(kNoPulseUnit);
     case RecordStage::Unknown:
-      return std::string(kNoLineCode);
+      return std::string(reading.IsDoubtful ? kNoWholeFrame : kNoLineCode);
     case RecordStage::Fragment:
       return "a single frame of " + std::to_string(reading.Code.size()) + " bits is a fragment";
     case RecordStage::Code:

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "signal/monitored_press.h"
+#include "signal/rc6.h"
 #include "signal/recorded_press.h"
 #include "signal_builder.h"
 
@@ -20,6 +21,9 @@ using RunVector = std::vector<int>;
 const std::string kNecDigits = "00000000111111110110100010010111";
 const std::string kSonyDigits = "101010010000";
 const std::string kRc5Digits = "11000000010001";
+const std::string kOtherDigits = "00000000111111111010100001010111";
+const std::string kRcaDigits = "111100101010000011010101";
+const std::string kInverse42 = "101100111000101001100011101001101001100101";
 constexpr int kGap = 700;
 
 RunVector Twice(const RunVector& frame) { return Then(frame, kGap, frame); }
@@ -44,6 +48,23 @@ RunVector WidthRuns(const RunVector& leader, int space, int zero, int one, const
   return runs;
 }
 
+/// As a line that was looked at too late begins a capture.
+RunVector LateBy(int samples, RunVector press) {
+  press.front() -= samples;
+  return press;
+}
+
+/// RC6 with base times of eight samples.
+RunVector Rc6Runs(const std::string& code, bool toggle) {
+  const std::string halves = std::string(kRc6Leader) + Rc6Halves(code, toggle, "10", "01");
+  RunVector runs;
+  for (std::size_t i = 0; i <= halves.rfind('1'); ++i) {
+    if (i == 0 || halves[i] != halves[i - 1]) runs.push_back(0);
+    runs.back() += 8;
+  }
+  return runs;
+}
+
 /// Kind and digits that the monitor reads, or the stage at which it gives up.
 std::string ReadBits(const std::string& samples, Analysis analysis = Analysis::Second) {
   SignalState state;
@@ -64,6 +85,8 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
   };
   const std::string zeros(32, '0');
   const std::string ones(32, '1');
+  const RunVector one = DistanceRuns({80, 40}, 10, 10, 30, "0100101110001011");
+  const RunVector other = DistanceRuns({80, 40}, 10, 10, 30, "0110101100101001");
   const std::vector<Case> cases = {
       {"NEC", NecRuns(kNecDigits), "NEC " + kNecDigits},
       {"NEC with dittos", Then(Then(NecRuns(kNecDigits), kGap, {160, 40, 10}), 1700, {161, 41, 10}),
@@ -85,6 +108,18 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
        "NEC 101100111000110"},
       {"48 digits after a short leader", DistanceRuns({64, 32}, 8, 8, 24, kNecDigits + "1100110000110101"),
        "NEC " + kNecDigits + "1100110000110101"},
+      {"RCA", DistanceRuns({64, 64}, 8, 16, 32, kRcaDigits), "NEC " + kRcaDigits},
+      {"42 digits", NecRuns(kInverse42), "NEC " + kInverse42},
+      {"NEC whose leader began 2 ms ahead", LateBy(36, NecRuns(kNecDigits)), "NEC " + kNecDigits},
+      {"RC6", Rc6Runs("10000000000000001100", false), "RC6 10000000000000001100"},
+      {"RC6, the other toggle, late", LateBy(36, Rc6Runs("10000000000000001100", true)),
+       "RC6 10000000000000001100"},
+      {"RC6 of a media centre", Rc6Runs("111010000000000011110000010000001100", true),
+       "RC6 111010000000000011110000010000001100"},
+      {"two frames in turns", Then(Then(one, kGap, other), kGap, one),
+       "NEC 01001011100010110110101100101001"},
+      {"the same, from the other one on", Then(Then(other, kGap, one), kGap, other),
+       "NEC 01001011100010110110101100101001"},
       {"pulse width of 16 digits", Twice(WidthRuns({90, 30}, 12, 12, 30, "1011001110001011")),
        "SONY 1011001110001011"},
   };
@@ -172,7 +207,12 @@ TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
       {"33 digits", lone(kNecDigits + "1"), kNecDigits + "1"},
       {"pulse width of 13", WidthRuns({45, 10}, 10, 10, 21, "1011001110001"), "1011001110001"},
       {"with dittos", Then(Then(alone, kGap, ditto), 1700, ditto), odd},
-      {"two that differ", Then(alone, kGap, lone(odd.substr(1) + "1")), ""},
+      {"two that take turns", Then(alone, kGap, lone(odd.substr(1) + "1")), odd + odd.substr(1) + "1"},
+      {"the same, the other one first", Then(lone(odd.substr(1) + "1"), kGap, alone),
+       odd + odd.substr(1) + "1"},
+      {"two of different length", Then(alone, kGap, lone(odd + "1")), ""},
+      {"40 digits behind the leader of NEC", DistanceRuns({160, 80}, 10, 10, 30, kNecDigits + "10110100"),
+       kNecDigits + "10110100"},
       {"another piece after it", Then(alone, kGap, {10, 30, 10, 10, 10}), ""},
       {"without a leader, which may have been cut off", DistanceRuns({}, 10, 10, 30, odd), ""},
       {"12 digits of pulse distance", lone(odd.substr(0, 12)), odd.substr(0, 12)},
@@ -281,6 +321,15 @@ TEST(SecondLook, TellsARecordingAsTheFirstAnalysisDoes) {
                      "11000000"));
   EXPECT_EQ(Record(twenty).Values, (CodeValues{8, 69, 3}));
   EXPECT_EQ(Record(twenty, Analysis::First).Values, std::nullopt);
+  const RunVector nec = NecRuns(kNecDigits);
+  const RunVector message = Then(nec, kGap, NecRuns(kNecDigits + kOtherDigits));
+  EXPECT_TRUE(Record(message).IsDoubtful) << "the first part of a message is no code";
+  const RecordReading turns = Record(Then(nec, kGap, NecRuns(kOtherDigits)));
+  EXPECT_EQ(std::tuple(turns.Code, turns.Repeats, turns.SendAs),
+            std::tuple(kNecDigits + kOtherDigits, false, std::string("32")));
+  const RecordReading rc6 = Record(Rc6Runs("10000000010100001100", true));
+  EXPECT_EQ(rc6.Values, (CodeValues{5, 12}));
+  EXPECT_EQ(std::tuple(rc6.Toggle, rc6.SendAs), std::tuple('1', std::string("RC6")));
   const RunVector sony = SonyRuns(kSonyDigits);
   const RecordReading cut = Record(Then(From(sony, 6), 250, Twice(sony)));
   EXPECT_EQ(cut.FirstFrame, kSonyDigits) << "the frame that was cut is none";

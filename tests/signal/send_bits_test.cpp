@@ -5,6 +5,7 @@
 #include "failure.h"
 #include "signal/pattern_sets.h"
 #include "signal/sample_bits.h"
+#include "signal/send_as.h"
 
 namespace keplo {
 namespace {
@@ -53,6 +54,32 @@ TEST(BuildSendBits, SendsTheFrameAndTheRepeatsOfItsProtocol) {
     EXPECT_EQ(Sent(c.Kind, c.Code, Params(c.Kind, c.Repeat, c.SyncRepeat)), c.Slots)
         << c.Code << " REPEAT " << c.Repeat << " GREPEAT " << c.SyncRepeat;
   }
+}
+
+TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
+  bool toggle = false;
+  ProtocolParams params = Params(kRc6, 0, 0);
+  params.SENDAS = kSendAsRc6;
+  std::string code = "10000000000000001100";
+  const std::string head =
+                        "11111100"
+                        "10010101",
+                    tail =
+                        "0101010101010101"
+                        "0101010110100101";
+  EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), head + "1100" + tail);
+  EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), head + "0011" + tail);
+  code = "101";
+  EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), "11111100100110") << "no RC6 code";
+
+  params = Params(kNec, 0, 50);
+  params.SENDAS = SendInTurns(2);
+  code = "1001";
+  const std::string first = params.BITG + "1000101", second = params.BITG + "1010001", gap = Silence(50);
+  const std::string turn = first + gap + second;
+  EXPECT_EQ(BuildSendBits(code, kNec, params, toggle), turn + gap + turn + gap + turn);
+  code = "10";
+  EXPECT_EQ(BuildSendBits(code, kNec, params, toggle).substr(0, first.size()), first) << "a single frame";
 }
 
 TEST(BuildSendBits, FlipsTheToggleDigitAndSetsTheClosingSlot) {

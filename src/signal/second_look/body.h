@@ -9,9 +9,18 @@ namespace keplo::robust {
 
 inline constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of noise
 
+/// A line that is looked at now and then begins a capture up to 2 ms behind the first edge, samples of 50 us.
+inline constexpr int kLateCapture = 40;
+
 /// A leader in front of a frame, samples.
 struct Leader {
   int Mark = 0, Space = 0;
+  bool BeginsCapture = false;  // its mark may have begun earlier
+
+  /// Whether the mark, with what the capture may have missed of it, lies between two lengths.
+  bool MarkIsWithin(double excess, double least, double most) const {
+    return Mark - excess <= most && Mark - excess + (BeginsCapture ? kLateCapture : 0) >= least;
+  }
 };
 
 /// The runs of a piece without those of its leader, and what lengths they fall into.

@@ -12,6 +12,15 @@ namespace keplo::robust {
 
 struct LineShape;
 
+/// Leaders of common protocols, their mark and space in base times.
+enum class LeaderKind : std::uint8_t {
+  Other,
+  Long,   // 16 and 8 or 4: NEC
+  Even,   // 8 and 8: NEC's kin and RCA
+  Short,  // 8 and 4
+  Width   // 4 and 1: SONY
+};
+
 /// Symbols of a run.
 struct RunText {
   static constexpr std::size_t kMost = 3;
@@ -32,17 +41,18 @@ struct RunAlphabet {
 /// One whole frame.
 struct Frame {
   const LineShape* Shape = nullptr;
-  const RunAlphabet* Alphabet = nullptr;
-  double Unit = 0;           // base time, samples
+  const RunAlphabet* Alphabet = nullptr;  // null where each base time of a run is a symbol
+  double Unit = 0;                        // base time, samples
   double Excess = 0;         // by which marks are longer and spaces shorter than whole base times, samples
   std::string_view Head;     // symbols of the leader; empty without one
   std::string_view Symbols;  // between the marks
   std::size_t Digits = 0;
-  std::size_t Runs = 0;      // without the leader
-  bool Clear = false;        // no run is anywhere near the middle between two lengths
-  bool KnownLeader = false;  // that of a common protocol: of SONY for pulse width, of NEC and its kin
-  bool Ends = true;          // the signal ends after it, or rests for longer than lost marks would make it
-  int Dittos = 0;            // right after it: NEC's sign that the key is still held
+  const int* First = nullptr;  // runs without the leader
+  std::size_t Runs = 0;
+  bool Clear = false;  // no run is anywhere near the middle between two lengths
+  LeaderKind Leads = LeaderKind::Other;
+  bool Ends = true;  // the signal ends after it, or rests for longer than lost marks would make it
+  int Dittos = 0;    // right after it: NEC's sign that the key is still held
 
   std::int16_t Kind() const;
   bool HasLeader() const { return !Head.empty(); }
@@ -60,11 +70,12 @@ struct LineShape {
   bool BeginsAtLeader;   // a frame without one may have lost its head
   bool ShowsLostRuns;    // a stray or a lost run spoils the frame; else it may read as another one
   bool HalvesLookWhole;  // a lost mark may part a frame into two equal ones
+  bool TellsLeader;      // Read takes no mark of a digit for a leader, however short that is
 
   /// The frame of a body whose lengths are those of the line code, but for its leader.
   /// @param leader the one in front of the body; null without one
   std::optional<Frame> (*Read)(const Body& body, const Leader* leader);
-  /// Takes the leader into a frame that Read gave for it: Head, KnownLeader and Digits.
+  /// Takes the leader into a frame that Read gave for it: Head, Leads and Digits.
   void (*TakeLeader)(Frame& frame, const Leader& leader, const Body& body);
   /// Whether a clear frame may be taken without an equal one beside it. A frame that lost marks or was cut
   /// has other lengths than these; what the many user-defined codes have is proven by their repeats.

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
+
+#include "signal/decode.h"
+#include "signal/timing.h"
 
 namespace keplo::robust {
 
@@ -15,6 +19,63 @@ bool IsRepeat(const Piece& one, const Piece& other) {
 }
 
 bool ProvesItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
+
+/// Whether a frame has digits of both kinds, and without a leader enough of them. What a lamp makes of a
+/// receiver's output is pulses of one length, with one or two odd ones.
+bool IsVaried(const Frame& frame) {
+  if (frame.Alphabet == nullptr) return true;
+  const std::ptrdiff_t fewest = frame.HasLeader() || !frame.Shape->BeginsAtLeader ? 1 : 3;
+  const std::string digits = DecodeCode(frame.Symbols, frame.Kind());
+  const auto ones = std::count(digits.begin(), digits.end(), '1');
+  return ones >= fewest && std::ssize(digits) - ones >= fewest;
+}
+
+/// How many runs at the head of two pieces are the same.
+std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step, double unit) {
+  const double near = std::max(3.0, unit / 2);
+  std::size_t same = 0;
+  while (same < most && std::abs(*one - *other) <= near) {
+    ++same;
+    if (same == most) break;
+    one += step;
+    other += step;
+  }
+  return same;
+}
+
+/// Whether a piece is a frame that was damaged in one place: its runs are those of the frame up to there, and
+/// behind it those up to the frame's end. A piece that is cut has its head alone.
+bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
+  constexpr std::size_t kDamaged = 6, kCut = 1, kLeader = 2;  // runs
+  for (const std::size_t skipped : {std::size_t{0}, kLeader}) {
+    if (piece.Of.Size <= skipped) return true;
+    const int* const first = piece.Of.First + skipped;
+    const std::size_t size = piece.Of.Size - skipped;
+    const std::size_t most = std::min(size, frame.Runs);
+    std::size_t same = SameRuns(first, frame.First, most, 1, frame.Unit);
+    if (piece.IsCut) {
+      if (same + kCut >= size) return true;
+      continue;
+    }
+    same += SameRuns(first + size - 1, frame.First + frame.Runs - 1, most, -1, frame.Unit);
+    if (same + kDamaged >= size) return true;
+  }
+  return false;
+}
+
+/// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the
+/// command of two frames of which one was damaged. Both are pulse distance.
+bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) {
+  constexpr std::size_t kTelling = 9;  // runs; fewer may be anything
+  return frame.Kind() == kNec && piece.IsClean && piece.Of.Size >= kTelling && !IsPartOf(piece, frame);
+}
+
+bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {
+  return std::all_of(found.Others.begin(), found.Others.end(), [&](const OtherPiece& piece) {
+    return std::any_of(frames.begin(), frames.end(),
+                       [&](const Frame& frame) { return piece.IsCut && IsPartOf(piece, frame); });
+  });
+}
 
 /// Whether a frame was sent more than once. The equal halves of a frame that a lost mark splits are not two.
 bool IsRepeated(const std::vector<Frame>& frames, const Frame& wanted) {
@@ -32,6 +93,26 @@ bool IsLongest(const Frame& frame, const Findings& found) {
                      [&](const Frame& other) { return other.SameCode(frame) || other.Runs < frame.Runs; });
 }
 
+/// Whether a frame that was sent twice is what a longer message begins with.
+bool IsFirstPart(const Frame& frame, const Findings& found) {
+  const auto isSame = [&](const Frame& other) { return other.SameCode(frame); };
+  const auto goesOn = [&](const OtherPiece& piece) { return piece.IsCut && TellsOfAnother(piece, frame); };
+  const auto isLonger = [&](const Frame& other) {
+    return other.Clear && other.HasLeader() && other.Runs > frame.Runs && !other.SameCode(frame);
+  };
+  if (std::any_of(found.Frames.begin(), found.Frames.end(), isLonger)) return true;
+  return std::count_if(found.Frames.begin(), found.Frames.end(), isSame) == 2 &&
+         std::any_of(found.Others.begin(), found.Others.end(), goesOn);
+}
+
+/// Whether the press has more than its only frame, and that is of another one or spoils what stands beside
+/// it.
+bool IsInDoubt(const Frame& frame, const Findings& found) {
+  return found.Stray || !IsLongest(frame, found) ||
+         std::any_of(found.Others.begin(), found.Others.end(),
+                     [&](const OtherPiece& piece) { return TellsOfAnother(piece, frame); });
+}
+
 }  // namespace
 
 const Frame* ProvenFrame(const Findings& found) {
@@ -42,16 +123,31 @@ const Frame* ProvenFrame(const Findings& found) {
     if (proven == nullptr) proven = &frame;
     if (!proven->SameCode(frame)) return nullptr;
   }
-  if (proven != nullptr) return IsLongest(*proven, found) || ProvesItself(*proven) ? proven : nullptr;
-
+  if (proven != nullptr) {
+    const bool believed = (IsLongest(*proven, found) && IsVaried(*proven)) || ProvesItself(*proven);
+    return believed && !IsFirstPart(*proven, found) ? proven : nullptr;
+  }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
-  const bool doubtful = found.Stray || !IsLongest(frames.front(), found);
-  return doubtful && !frames.front().Shape->ShowsLostRuns ? nullptr : &frames.front();
+  return !frames.front().Shape->ShowsLostRuns && IsInDoubt(frames.front(), found) ? nullptr : &frames.front();
 }
 
 bool IsSingleFrame(const Findings& found) {
-  return found.Frames.size() == 1 && found.Others == 0 && found.Frames.front().Clear &&
+  return found.Frames.size() == 1 && ArePartOf(found, found.Frames) && found.Frames.front().Clear &&
          found.Frames.front().Ends && found.Frames.front().HasLeader();
+}
+
+bool AreTwoInTurns(const Findings& found) {
+  const std::vector<Frame>& frames = found.Frames;
+  if (frames.size() < 2 || frames[0].SameCode(frames[1]) || !ArePartOf(found, frames)) return false;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const Frame& frame = frames[i];
+    const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && !frame.Shape->ShowsLostRuns;
+    if (!whole || frame.Shape != frames[0].Shape || frame.Head != frames[0].Head ||
+        frame.Digits != frames[0].Digits)
+      return false;
+    if (i >= 2 && !frame.SameCode(frames[i - 2])) return false;
+  }
+  return true;
 }
 
 bool IsOneFrame(const std::vector<Piece>& pieces) {

@@ -16,6 +16,10 @@ const Frame* ProvenFrame(const Findings& found);
 /// its head.
 bool IsSingleFrame(const Findings& found);
 
+/// Whether the frames are two that take turns, both whole and with a leader of the same kind: a command of
+/// two frames. What else is there must be a part of one of them.
+bool AreTwoInTurns(const Findings& found);
+
 /// Whether the pieces are one frame, sent again and again.
 bool IsOneFrame(const std::vector<Piece>& pieces);
 

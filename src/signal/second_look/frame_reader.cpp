@@ -11,6 +11,7 @@ namespace keplo::robust {
 namespace {
 
 constexpr std::size_t kShortestPiece = 7;  // marks; shorter ones are no commands
+constexpr double kOffLeader = 1.3;         // a leader's space, in lengths of its mark, at most
 constexpr std::size_t kMostRuns = 600;     // of one frame; more is noise
 
 /// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train, and
@@ -27,12 +28,38 @@ bool IsDitto(const Piece& piece) {
   return leader >= 8 * piece.First[2] && Within(piece.First[1] / leader, 0.18, 0.34);
 }
 
-/// Whether the first mark of a piece stands well above the others.
-bool HasLeaderInside(const Piece& piece) {
-  if (piece.Size < 5) return false;
-  int longest = 0;
-  for (std::size_t i = 2; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
-  return piece.First[0] >= kLeaderOverMarks * longest;
+/// Whether a piece has the runs of RC6, whose leader a capture that began late may have made as short as any.
+bool MayBeginInLeader(const Piece& piece) {
+  constexpr std::size_t kFewestRuns = 23, kMostRuns = 79;
+  return Within(static_cast<double>(piece.Size), kFewestRuns, kMostRuns);
+}
+
+/// @return behind the symbols written
+char* WriteRuns(const RunAlphabet& alphabet, const Body& body, char* end) {
+  const auto write = [&end](const RunText& text) {
+    std::memcpy(end, text.Symbols.data(), RunText::kMost);
+    end += text.Size;
+  };
+  for (std::size_t i = 0; i < body.Size; ++i) {
+    const int run = body.First[i];
+    if (i % 2 == 0) {
+      write(body.Marks.IsLong(run) ? alphabet.LongMark : alphabet.ShortMark);
+    } else {
+      write(body.Spaces.IsLong(run) ? alphabet.LongSpace : alphabet.ShortSpace);
+    }
+  }
+  return end;
+}
+
+/// Writes a symbol for each base time. A shape that asks for it has made sure that a run has three at most.
+/// @return behind the symbols written
+char* WriteHalves(const Frame& frame, const Body& body, char* end) {
+  for (std::size_t i = 0; i < body.Size; ++i) {
+    const bool mark = i % 2 == 0;
+    end = std::fill_n(end, UnitsOf(body.First[i], mark ? frame.Excess : -frame.Excess, frame.Unit),
+                      mark ? '1' : '0');
+  }
+  return end;
 }
 
 /// Whether the capture may have ended within the frame.
@@ -43,17 +70,26 @@ bool IsCutOff(const Piece& piece, const Body& body) {
 
 }  // namespace
 
+bool HasLeaderInside(const Piece& piece) {
+  if (piece.Size < 5) return false;
+  int longest = 0;
+  for (std::size_t i = 2; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
+  return piece.First[0] >= kLeaderOverMarks * longest;
+}
+
 const Findings& FrameReader::Read(const PressRuns& runs, double unit) {
   SplitPieces(runs, unit, pieces_);
+  unit_ = unit;
   // Frames point into the symbols, which must not move while they are read.
   const std::size_t most = RunText::kMost * (runs.Lengths.size() + 1);
   if (symbols_.size() < most) symbols_.resize(most);
   written_ = 0;
   found_.Frames.clear();
   found_.Unknown.clear();
+  found_.UnknownMarks = 0;
   found_.MostUnread = 0;
   found_.Stray = false;
-  found_.Others = 0;
+  found_.Others.clear();
   afterFrame_ = false;
   ReadPieces();
   LeaveOutPieces();
@@ -71,10 +107,10 @@ void FrameReader::ReadPieces() {
     const bool fits = piece.Size / 2 + 1 >= kShortestPiece && piece.Size <= kMostRuns;
     std::optional<Frame> frame = fits ? ReadPiece(piece) : std::nullopt;
     if (!frame) {
-      ++found_.Others;
+      TakeOther(piece);
       continue;
     }
-    if (frame->HasLeader() && SingleLeader()) --found_.Others;
+    if (frame->HasLeader() && SingleLeader()) found_.Others.pop_back();
     const bool last = place_ + 1 == pieces_.size();
     frame->Ends = last || piece.After >= frame->Shape->RestUnits * frame->Unit;
     afterFrame_ = true;
@@ -82,12 +118,24 @@ void FrameReader::ReadPieces() {
   }
 }
 
+void FrameReader::TakeOther(const Piece& piece) {
+  if (piece.Size > kMostRuns) return found_.Others.push_back({piece});
+  const Body body = bodies_.Read(piece, HasLeaderInside(piece) ? 2 : 0);
+  // The space behind a leader may be longer than one that parts frames.
+  const double rest = piece.IsSingle() ? kOffLeader * piece.First[0] : kGapUnits * unit_;
+  const bool cut = place_ + 1 == pieces_.size() && piece.After <= rest;
+  if (cut && SingleLeader()) found_.Others.pop_back();
+  found_.Others.push_back({piece, cut, body.LengthsAreDistinct()});
+}
+
 /// A single mark stands right in front of its frame, not further off than it is long.
 std::optional<Leader> FrameReader::SingleLeader() const {
   if (place_ == 0) return std::nullopt;
   const Piece& before = pieces_[place_ - 1];
-  if (!before.IsSingle() || before.After > 1.3 * before.First[0]) return std::nullopt;
-  return Leader{before.First[0], before.After};
+  const Leader leader = {before.First[0], before.After, place_ == 1};
+  if (!before.IsSingle() || !leader.MarkIsWithin(0, before.After / kOffLeader, before.First[0]))
+    return std::nullopt;
+  return leader;
 }
 
 std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
@@ -96,13 +144,19 @@ std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
   if (!single && HasLeaderInside(piece)) {
     inside = bodies_.Read(piece, 2);
     const bool cut = IsCutOff(piece, *inside);
-    auto frame = cut ? std::nullopt : ReadBody(*inside, Leader{piece.First[0], piece.First[1]});
+    auto frame = cut ? std::nullopt : ReadBody(*inside, Leader{piece.First[0], piece.First[1], place_ == 0});
     if (frame) return frame;
+  }
+  if (place_ == 0 && !inside && MayBeginInLeader(piece)) {
+    const Body late = bodies_.Read(piece, 2);
+    if (auto frame = IsCutOff(piece, late) ? std::nullopt
+                                           : ReadBody(late, Leader{piece.First[0], piece.First[1], true}))
+      return frame;
   }
   const Body body = bodies_.Read(piece, 0);
   if (IsCutOff(piece, body)) return std::nullopt;
   std::optional<Frame> frame = ReadBody(body, single);
-  if (!frame) TakeUnread(piece, inside.value_or(body));
+  if (!frame) TakeUnread(piece, inside.value_or(body), single || inside);
   return frame;
 }
 
@@ -112,28 +166,18 @@ std::optional<Frame> FrameReader::ReadBody(const Body& body, const std::optional
   return frame;
 }
 
-void FrameReader::TakeUnread(const Piece& piece, const Body& body) {
+void FrameReader::TakeUnread(const Piece& piece, const Body& body, bool hasLeader) {
   found_.MostUnread = std::max(found_.MostUnread, body.Size);
   if (!body.LengthsAreDistinct()) found_.Stray = true;
-  if (IsCleanButUnknown(body)) found_.Unknown.push_back(piece);
+  if (!IsCleanButUnknown(body)) return;
+  if (found_.Unknown.empty() && hasLeader) found_.UnknownMarks = body.MarkCount();
+  found_.Unknown.push_back(piece);
 }
 
 void FrameReader::WriteSymbols(Frame& frame, const Body& body) {
-  const RunAlphabet& alphabet = *frame.Alphabet;
   char* const begin = symbols_.data() + written_;
-  char* end = begin;
-  const auto write = [&end](const RunText& text) {
-    std::memcpy(end, text.Symbols.data(), RunText::kMost);
-    end += text.Size;
-  };
-  for (std::size_t i = 0; i < body.Size; ++i) {
-    const int run = body.First[i];
-    if (i % 2 == 0) {
-      write(body.Marks.IsLong(run) ? alphabet.LongMark : alphabet.ShortMark);
-    } else {
-      write(body.Spaces.IsLong(run) ? alphabet.LongSpace : alphabet.ShortSpace);
-    }
-  }
+  char* const end =
+      frame.Alphabet != nullptr ? WriteRuns(*frame.Alphabet, body, begin) : WriteHalves(frame, body, begin);
   frame.Symbols = {begin, static_cast<std::size_t>(end - begin)};
   written_ += frame.Symbols.size();
 }
@@ -142,7 +186,6 @@ void FrameReader::WriteSymbols(Frame& frame, const Body& body) {
 /// of its own; by itself it proves nothing.
 void FrameReader::LeaveOutPieces() {
   std::vector<Frame>& frames = found_.Frames;
-  const std::size_t before = frames.size();
   const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };
   if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
   const auto isPiece = [&](const Frame& frame) {
@@ -150,8 +193,10 @@ void FrameReader::LeaveOutPieces() {
            std::none_of(frames.begin(), frames.end(),
                         [&](const Frame& other) { return other.HasLeader() && other.SameCode(frame); });
   };
+  for (const Frame& frame : frames) {
+    if (isPiece(frame)) found_.Others.push_back({{frame.First, frame.Runs, 0}, false, true});
+  }
   frames.erase(std::remove_if(frames.begin(), frames.end(), isPiece), frames.end());
-  found_.Others += before - frames.size();
 }
 
 }  // namespace keplo::robust

@@ -10,14 +10,25 @@
 
 namespace keplo::robust {
 
+/// A piece that is no frame.
+struct OtherPiece {
+  Piece Of;
+  bool IsCut = false;    // by the end of the capture
+  bool IsClean = false;  // its runs fall into lengths
+};
+
 /// Everything that was found in a capture.
 struct Findings {
   std::vector<Frame> Frames;
-  std::vector<Piece> Unknown;  // whole and clean, but of none of the line codes
+  std::vector<Piece> Unknown;    // whole and clean, but of none of the line codes
+  std::size_t UnknownMarks = 0;  // in the first of them, behind its leader; 0 without one
   std::size_t MostUnread = 0;  // runs of the longest piece that is neither read nor cut by the capture's end
-  bool Stray = false;      // its runs fall into no lengths, so that those of its neighbours are in doubt too
-  std::size_t Others = 0;  // pieces that are neither frame nor ditto nor the leader of a frame
+  bool Stray = false;  // its runs fall into no lengths, so that those of its neighbours are in doubt too
+  std::vector<OtherPiece> Others;  // neither frame nor ditto nor the leader of a frame
 };
+
+/// Whether the first mark of a piece stands well above the others.
+bool HasLeaderInside(const Piece& piece);
 
 /// Reads the frames of captures; keeps its memory from one to the next.
 class FrameReader {
@@ -34,12 +45,14 @@ class FrameReader {
   std::optional<Leader> SingleLeader() const;
   std::optional<Frame> ReadPiece(const Piece& piece);
   std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader);
-  void TakeUnread(const Piece& piece, const Body& body);
+  void TakeUnread(const Piece& piece, const Body& body, bool hasLeader);
+  void TakeOther(const Piece& piece);
   void WriteSymbols(Frame& frame, const Body& body);
   void LeaveOutPieces();
 
   BodyReader bodies_;
   std::vector<Piece> pieces_;
+  double unit_ = 0;  // of the press
   std::size_t place_ = 0;
   bool afterFrame_ = false;  // only dittos stand between the last frame and this place
   std::string symbols_;      // of all frames

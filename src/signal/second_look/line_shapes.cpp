@@ -1,13 +1,14 @@
 #include "signal/second_look/line_shapes.h"
 
 #include <array>
+#include <cmath>
 
 namespace keplo::robust {
 
 namespace {
 
 /// The line codes that are known, the one that asks most of a signal first.
-constexpr std::array kShapes = {&kBiphaseShape, &kPulseDistanceShape, &kPulseWidthShape};
+constexpr std::array kShapes = {&kRc6Shape, &kBiphaseShape, &kPulseDistanceShape, &kPulseWidthShape};
 
 constexpr double kLeaderUnits = 2.7;  // SONY's leader has 4, the double mark of biphase 2
 
@@ -19,17 +20,23 @@ bool IsLeaderOf(const Leader& leader, const Frame& frame) {
 
 std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& leader) {
   if (!body.LengthsAreDistinct()) return std::nullopt;
-  if (leader && leader->Mark < kLeaderOverMarks * body.Marks.Longest().Most) return std::nullopt;
+  const bool standsOut = leader && leader->Mark >= kLeaderOverMarks * body.Marks.Longest().Most;
   for (const LineShape* shape : kShapes) {
+    if (leader && !standsOut && !shape->TellsLeader) continue;
     std::optional<Frame> frame = shape->Read(body, leader ? &*leader : nullptr);
     if (!frame) continue;
-    if (leader && !IsLeaderOf(*leader, *frame)) return std::nullopt;
+    if (leader && !shape->TellsLeader && !IsLeaderOf(*leader, *frame)) return std::nullopt;
     frame->Shape = shape;
+    frame->First = body.First;
     frame->Runs = body.Size;
     if (leader) shape->TakeLeader(*frame, *leader, body);
     return frame;
   }
   return std::nullopt;
+}
+
+int UnitsOf(int run, double excess, double unit) {
+  return static_cast<int>(std::lround((run - excess) / unit));
 }
 
 bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body) {

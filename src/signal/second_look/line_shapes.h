@@ -10,6 +10,7 @@ namespace keplo::robust {
 extern const LineShape kBiphaseShape;
 extern const LineShape kPulseDistanceShape;
 extern const LineShape kPulseWidthShape;
+extern const LineShape kRc6Shape;
 
 /// A mark is a leader if it is longer than all others by this. SONY: 4 to 2 base times, with 300 us of mark
 /// excess still 1.7.
@@ -19,6 +20,10 @@ inline constexpr double kLeaderOverMarks = 1.4;
 /// written yet.
 /// @param leader the one in front of the body; without one pulse distance and width need two lengths
 std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& leader);
+
+/// Base times of a run, rounded.
+/// @param excess by which the run is longer than whole base times, samples
+int UnitsOf(int run, double excess, double unit);
 
 /// Whether the leader space is longer than any space of the frame. If not, nothing tells it from a digit's.
 bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body);

@@ -2,12 +2,6 @@
 
 namespace keplo::robust {
 
-namespace {
-
-constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
-
-}  // namespace
-
 PressRuns FromFirstMark(RunSpan runs) {
   if (!runs.empty() && runs.front() == 0) runs = runs.subspan(2);
   if (runs.empty() || EndsInMark(runs)) return {runs, 0};

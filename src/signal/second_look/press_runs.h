@@ -24,6 +24,8 @@ struct Piece {
   bool IsSingle() const { return Size == 1; }
 };
 
+inline constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
+
 /// Parts the runs at long spaces.
 /// @param unit of the press, as RoughUnit gives it
 /// @param pieces replaced; point into the runs

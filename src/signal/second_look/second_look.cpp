@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 
+#include "signal/decode.h"
 #include "signal/run_symbols.h"
 #include "signal/second_look/frame_proof.h"
 #include "signal/second_look/smooth_samples.h"
@@ -48,43 +49,68 @@ bool IsTooDense(const SampleWords& samples) {
   return (marks - 1) * kLeastPair > static_cast<double>(samples.Size);
 }
 
-/// Whether the first frame goes untold: nothing shows where it began, and of frames that take turns the first
-/// analysis knows those from the second one on.
-bool LosesFirst(const std::vector<Frame>& frames) {
-  return LackLeaders(frames) && (frames.size() == 1 || TakeTurns(frames));
+/// Whether the first frame goes untold: nothing shows where it began.
+bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) && frames.size() == 1; }
+
+/// A leader space that reads as a digit belongs to the frame.
+void WriteFrame(const Frame& frame, std::string& symbols) {
+  const std::size_t digits = std::min(frame.Head.find_first_not_of(kMarks), frame.Head.size());
+  symbols.assign(frame.Head.substr(digits)).append(frame.Symbols);
 }
 
 }  // namespace
 
 }  // namespace robust
 
-/// Whether a capture holds a clean signal whose short spaces would be taken for interference.
-bool SecondLook::IsTooFine(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
-                           bool joined) {
+void RobustReading::Decode(std::string& digits) const {
+  DecodeCode(Frame, ProtoKind, digits);
+  if (OtherFrame.empty()) return;
+  std::string other;
+  DecodeCode(OtherFrame, ProtoKind, other);
+  if (other < digits) digits.swap(other);
+  digits += other;
+}
+
+bool HasDigitOfEachMark(std::size_t digits, std::int16_t kind, const RobustReading& look) {
+  const std::size_t closing = kind == kNec ? 1 : 0;
+  return kind != kRc5 && look.UnreadMarks > 0 && digits + closing == look.UnreadMarks;
+}
+
+/// Takes a clean signal whose short spaces would be taken for interference: it is Unsure then.
+void SecondLook::LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth,
+                                   double smoothUnit, bool joined) {
   robust::BodyReader& bodies = frames_.Bodies();
   robust::PressRuns runs = smooth;
   double unit = smoothUnit;
   if (joined) {
-    if (robust::IsTooDense(samples)) return false;
+    if (robust::IsTooDense(samples)) return;
     runs = robust::FromFirstMark(allRuns_.Read(samples));
     unit = bodies.RoughUnit(runs);
   }
-  if (!robust::IsFineUnit(unit)) return false;
+  if (!robust::IsFineUnit(unit)) return;
   robust::SplitPieces(runs, unit, finePieces_);
-  return std::any_of(finePieces_.begin(), finePieces_.end(), [&](const robust::Piece& piece) {
+  const auto fine = std::find_if(finePieces_.begin(), finePieces_.end(), [&](const robust::Piece& piece) {
     return robust::IsFineSignal(bodies.Read(piece, 0), unit);
   });
+  if (fine == finePieces_.end()) return;
+  look_.Proven = RobustReading::Proof::Unsure;
+  const std::size_t marks = fine->Size / 2 + 1;
+  if (robust::HasLeaderInside(*fine))
+    look_.UnreadMarks = marks - 1;
+  else if (fine != finePieces_.begin() && (fine - 1)->IsSingle())
+    look_.UnreadMarks = marks;
 }
 
 /// The frames of the shown kind as run symbols that begin at a mark.
-void SecondLook::WriteSymbols(const robust::Findings& found) {
+/// @param only the frame whose equals are told alone; null for all
+void SecondLook::WriteSymbols(const robust::Findings& found, const robust::Frame* only) {
   const std::size_t first = robust::LosesFirst(found.Frames) ? 1 : 0;
   if (first == found.Frames.size()) return;
   std::string& symbols = look_.Symbols;
   symbols = "g";
   for (std::size_t i = first; i < found.Frames.size(); ++i) {
     const robust::Frame& frame = found.Frames[i];
-    if (frame.Kind() != look_.ProtoKind) continue;
+    if (frame.Kind() != look_.ProtoKind || (only != nullptr && !frame.SameCode(*only))) continue;
     symbols.append(frame.Head).append(frame.Symbols).append("g");
     for (int ditto = 0; ditto < frame.Dittos; ++ditto) symbols += "Gg1g";
   }
@@ -94,19 +120,22 @@ void SecondLook::WriteSymbols(const robust::Findings& found) {
 
 void SecondLook::ReadProof(const robust::Findings& found) {
   const std::vector<robust::Frame>& frames = found.Frames;
+  const bool two = robust::AreTwoInTurns(found);
   const bool turns = robust::LackLeaders(frames) && robust::TakeTurns(frames);
-  const robust::Frame* proven = turns ? nullptr : robust::ProvenFrame(found);
+  const robust::Frame* proven = two || turns ? nullptr : robust::ProvenFrame(found);
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
-  if (turns) look_.Proven = RobustReading::Proof::Unsure;
-  if (proven != nullptr) look_.Proven = RobustReading::Proof::Sure;
-  const bool single = proven == nullptr && robust::IsSingleFrame(found);
-  if (single) look_.Proven = RobustReading::Proof::Single;
-  if (proven == nullptr && !single) return;
-  // A leader space that reads as a digit belongs to the frame.
-  const std::size_t digits = std::min(shown.Head.find_first_not_of(kMarks), shown.Head.size());
-  look_.Frame.assign(shown.Head.substr(digits)).append(shown.Symbols);
+  WriteSymbols(found, proven);
+  if (proven != nullptr || (two && frames.size() > 2)) {
+    look_.Proven = RobustReading::Proof::Sure;
+  } else if (two || robust::IsSingleFrame(found)) {
+    look_.Proven = RobustReading::Proof::Single;
+  } else {
+    return;
+  }
+  robust::WriteFrame(shown, look_.Frame);
+  if (two) robust::WriteFrame(frames[1], look_.OtherFrame);
 }
 
 const RobustReading& SecondLook::Read(const SampleWords& samples) {
@@ -115,21 +144,23 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.ProtoKind = kUnknown;
   look_.Symbols.clear();
   look_.Frame.clear();
+  look_.OtherFrame.clear();
+  look_.UnreadMarks = 0;
 
   const bool joined = robust::SmoothSamples(samples, smooth_);
   const robust::PressRuns runs = robust::FromFirstMark(smoothRuns_.Read(smooth_));
   const double unit = frames_.Bodies().RoughUnit(runs);
-  if (IsTooFine(samples, runs, unit, joined)) {
-    look_.Proven = RobustReading::Proof::Unsure;
-    return look_;
-  }
+  LookForFineSignal(samples, runs, unit, joined);
+  if (look_.Proven == RobustReading::Proof::Unsure) return look_;
   const robust::Findings& found = frames_.Read(runs, unit);
   if (found.Frames.empty()) {
-    if (robust::IsOneFrame(found.Unknown)) look_.Proven = RobustReading::Proof::Unsure;
+    if (robust::IsOneFrame(found.Unknown)) {
+      look_.Proven = RobustReading::Proof::Unsure;
+      look_.UnreadMarks = found.UnknownMarks;
+    }
     return look_;
   }
   ReadProof(found);
-  WriteSymbols(found);
   return look_;
 }
 

@@ -14,9 +14,9 @@ struct RobustReading {
   /// How far the frames of the capture prove a code.
   enum class Proof : std::uint8_t {
     Sure,    // Frame holds the code
-    Single,  // Frame holds the code of the only frame; nothing contradicts it, and it proves too little by
-             // itself
-    Unsure,  // a clean signal, but of none of the line codes, of frames that take turns, or too fine
+    Single,  // Frame holds the code of the only frame, or of the only two; nothing contradicts it, and it
+             // proves too little by itself
+    Unsure,  // a clean signal, but of none of the line codes, or too fine
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
   };
 
@@ -25,14 +25,28 @@ struct RobustReading {
   std::int16_t ProtoKind = kUnknown;
 
   /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
-  /// empty if there is none, or only one without a leader that is not biphase.
+  /// those of the code alone, if one frame is proven. Empty if there is none, or only one without a leader
+  /// that is not biphase.
   std::string Symbols;
 
   /// Run symbols of the frame that is proven or alone, as DecodeCode takes them.
   std::string Frame;
+  /// The same of the other one, where two frames in turns are one command; else empty.
+  std::string OtherFrame;
+
+  /// At Unsure the number of marks in a frame, behind its leader; 0 if nothing tells it. What another
+  /// analysis reads must have so many.
+  std::size_t UnreadMarks = 0;
 
   bool HasFrames() const { return !Symbols.empty(); }
+  /// Writes the digits of the frame that is proven or alone. Those of two frames in turns stand in an order
+  /// that does not depend on which of them was heard first.
+  void Decode(std::string& digits) const;
 };
+
+/// Whether digits that another analysis read from an unsure signal are as many as its frame has marks. Marks
+/// that it took for borders, or for two, leave other numbers.
+bool HasDigitOfEachMark(std::size_t digits, std::int16_t kind, const RobustReading& look);
 
 /// Reads captures frame by frame; keeps its memory from one to the next.
 ///
@@ -48,9 +62,10 @@ class SecondLook {
   const RobustReading& Read(const SampleWords& samples);
 
  private:
-  bool IsTooFine(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit, bool joined);
+  void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
+                         bool joined);
   void ReadProof(const robust::Findings& found);
-  void WriteSymbols(const robust::Findings& found);
+  void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;
   RunReader smoothRuns_, allRuns_;

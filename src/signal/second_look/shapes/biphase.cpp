@@ -42,8 +42,11 @@ std::optional<Frame> ReadHalves(const Body& body, const Leader* leader) {
 
 void TakeNoLeader(Frame& /*frame*/, const Leader& /*leader*/, const Body& /*body*/) {}
 
-bool HalvesProveThemselves(const Frame& /*frame*/) {
-  return true;  // exact in its length and all its pairs, between two silences
+/// Exact in its length and all its pairs, between two silences. RC6, whose base time is half as long, may end
+/// in as many pairs.
+bool HalvesProveThemselves(const Frame& frame) {
+  constexpr double kLeastUnit = 10.5;  // samples; 580 us
+  return frame.Unit > kLeastUnit;
 }
 
 }  // namespace
@@ -54,6 +57,7 @@ const LineShape kBiphaseShape = {
     .BeginsAtLeader = false,
     .ShowsLostRuns = true,
     .HalvesLookWhole = false,
+    .TellsLeader = false,
     .Read = ReadHalves,
     .TakeLeader = TakeNoLeader,
     .ProvesItself = HalvesProveThemselves,

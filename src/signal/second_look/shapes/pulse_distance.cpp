@@ -39,12 +39,36 @@ std::optional<Frame> FrameOfEqualDistances(const Body& body) {
   return std::nullopt;
 }
 
+constexpr std::size_t kRcaDigits = 24;
+
+LeaderKind KindOf(const Leader& leader, double unit, double excess) {
+  const auto markIs = [&](double units) {
+    return leader.MarkIsWithin(excess, 0.875 * units * unit, 1.15 * units * unit);
+  };
+  const double space = (leader.Space + excess) / unit;
+  const bool eight = Within(space, 7, 9.2), four = Within(space, 3.4, 4.6);
+  // One that was cut may be as short as the next kind; which it was shows where it is longer than that.
+  if ((eight || four) && leader.Mark - excess > 9.2 * unit)
+    return markIs(16) ? LeaderKind::Long : LeaderKind::Other;
+  if (eight && markIs(8)) return LeaderKind::Even;
+  return four && markIs(8) ? LeaderKind::Short : LeaderKind::Other;
+}
+
+/// RCA: spaces of two and four base times to a mark of one, behind a leader of 8 and 8. The shaper of a line,
+/// to which the difference of mark and short space is excess, may lay the longer space on 3.5.
+bool IsRca(const Body& body, const Leader& leader) {
+  const double unit = body.ShortestPair() / 3;
+  return body.MarkCount() == kRcaDigits + 1 && Within(Step(body.Spaces) / unit, 1.3, 2.25) &&
+         KindOf(leader, unit, body.Marks.Short().Mean - unit) == LeaderKind::Even;
+}
+
 std::optional<Frame> ReadDistances(const Body& body, const Leader* leader) {
   if (body.HasLengths(1, 1) && leader != nullptr && LeaderSpaceIsDistinct(*leader, body))
     return FrameOfEqualDistances(body);
   const double unit = body.ShortestPair() / 2;
   if (!body.HasLengths(1, 2) || !Within(Step(body.Spaces) / unit, 0.7, 3.6)) return std::nullopt;
-  return DistanceFrame(body, unit, kDistanceAlphabet);
+  return DistanceFrame(body, leader != nullptr && IsRca(body, *leader) ? 2 * unit / 3 : unit,
+                       kDistanceAlphabet);
 }
 
 /// Symbols of a leader. RunUnits writes a leader space of up to three base times as spaces, which read as a
@@ -56,12 +80,7 @@ std::string_view DistanceHead(const Leader& leader, const Frame& frame, bool spa
 }
 
 void TakeDistanceLeader(Frame& frame, const Leader& leader, const Body& body) {
-  const double mark = (leader.Mark - frame.Excess) / frame.Unit;
-  const double space = (leader.Space + frame.Excess) / frame.Unit;
-  // NEC and its kin: 16 or 8 base times, and 8 or 4.
-  frame.KnownLeader = (Within(mark, 7, 9.2) || Within(mark, 14, 18.4)) &&
-                      (Within(space, 3.4, 4.6) || Within(space, 7, 9.2)) &&
-                      std::abs(frame.Excess) < 0.65 * frame.Unit;
+  if (std::abs(frame.Excess) < 0.8 * frame.Unit) frame.Leads = KindOf(leader, frame.Unit, frame.Excess);
   frame.Head = DistanceHead(leader, frame, LeaderSpaceIsDistinct(leader, body));
   if (frame.Head != "Gg") ++frame.Digits;
 }
@@ -78,9 +97,31 @@ bool EndsInItsSum(const Frame& frame) {
   return (group(2) + group(3) + group(4) + group(5)) % 16 == group(6);
 }
 
+/// Whether some digits of a code are the inverse of those in front of them.
+bool AreInverse(std::string_view digits, std::size_t first, std::size_t number) {
+  for (std::size_t i = first; i < first + number; ++i) {
+    if (digits[i] == digits[i + number]) return false;
+  }
+  return true;
+}
+
+/// Only digits that a protocol has prove anything; marks that are lost, or an end that is, leave any number.
 bool DistancesProveThemselves(const Frame& frame) {
-  if (!frame.KnownLeader || !frame.Ends) return false;
-  return (frame.Digits >= 32 && frame.Digits % 4 == 0) || (frame.Dittos > 0 && EndsInItsSum(frame));
+  if (frame.Leads == LeaderKind::Other || !frame.Ends) return false;
+  const std::string digits = DecodeCode(frame.Symbols, kNec);
+  if (digits.size() != frame.Digits) return false;
+  switch (digits.size()) {
+    case kRcaDigits:
+      return frame.Leads == LeaderKind::Even && AreInverse(digits, 0, 12);
+    case 28:
+      return frame.Dittos > 0 && EndsInItsSum(frame);
+    case 32:  // and not the front part of 42
+      return frame.Leads != LeaderKind::Short && !AreInverse(digits, 0, 13);
+    case 42:
+      return AreInverse(digits, 0, 13) && AreInverse(digits, 26, 8);
+    default:
+      return digits.size() == 48 && digits.find(digits.front() == '0' ? '1' : '0') != std::string::npos;
+  }
 }
 
 }  // namespace
@@ -91,6 +132,7 @@ const LineShape kPulseDistanceShape = {
     .BeginsAtLeader = true,
     .ShowsLostRuns = false,
     .HalvesLookWhole = true,
+    .TellsLeader = false,
     .Read = ReadDistances,
     .TakeLeader = TakeDistanceLeader,
     .ProvesItself = DistancesProveThemselves,

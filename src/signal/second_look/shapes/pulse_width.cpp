@@ -48,12 +48,13 @@ std::optional<Frame> ReadWidths(const Body& body, const Leader* leader) {
 void TakeWidthLeader(Frame& frame, const Leader& leader, const Body& body) {
   const double mark = (leader.Mark - frame.Excess) / frame.Unit;
   const double space = (leader.Space + frame.Excess) / frame.Unit;
-  frame.KnownLeader = Within(mark, 3.2, 4.8) && space < 2;  // SONY: 4 base times and 1
+  if (Within(mark, 3.2, 4.8) && space < 2) frame.Leads = LeaderKind::Width;
   frame.Head = LeaderSpaceIsDistinct(leader, body) ? "Gg" : "G0";
 }
 
 bool WidthsProveThemselves(const Frame& frame) {
-  return frame.KnownLeader && frame.Ends && (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
+  return frame.Leads == LeaderKind::Width && frame.Ends &&
+         (frame.Digits == 12 || frame.Digits == 15 || frame.Digits == 20);
 }
 
 }  // namespace
@@ -64,6 +65,7 @@ const LineShape kPulseWidthShape = {
     .BeginsAtLeader = true,
     .ShowsLostRuns = false,
     .HalvesLookWhole = false,
+    .TellsLeader = false,
     .Read = ReadWidths,
     .TakeLeader = TakeWidthLeader,
     .ProvesItself = WidthsProveThemselves,
