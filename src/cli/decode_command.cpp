@@ -50,18 +50,11 @@ std::string ToText(const DecodedPress& press) {
   return alone ? text + ", its digits are " + reading.Digits : text;
 }
 
-/// A single frame is judged as it was recorded: its copies in a held press would agree with it whatever it
-/// lost.
 MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
                              SignalState& state) {
-  if (analysis == Analysis::Second) {
-    LineOptions asRecorded = line;
-    asRecorded.HoldMs = 0;
-    MonitorReading reading =
-        ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, asRecorded), state, analysis);
-    if (reading.Ended == Stage::Code || reading.Ended == Stage::Doubtful) return reading;
-  }
-  return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, line), state, analysis);
+  LineOptions readBy = line;
+  readBy.ReadBy = &analysis;
+  return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis);
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming; }

@@ -15,6 +15,7 @@ LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOp
   name_ = "COM " + std::to_string(number);
   LineSpec spec;
   spec.Options = options;
+  spec.Options.ReadBy = &settings.Analysis;
   line_ = OpenLine(spec, mod.AppPath, settings.ReceiverKind, [](const std::string& text) { Tell(text); });
   for (const std::string& remark : line_.Remarks) Tell(remark);
   if (line_.Device == nullptr) throw Refused(name_ + " has no device on this machine.");

@@ -126,7 +126,9 @@ int RecordFiles(const RecordOptions& options) {
   const std::unique_ptr<OpenedConfig> config = LearnedCommands(options.AppPath);
   const Analysis analysis = AnalysisFor(options, options.AppPath.empty() ? nullptr : config.get());
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
-    return Explain(CaptureOfPress(press, kRecordCaptureBytes, options.Line), analysis, config.get(), json);
+    LineOptions line = options.Line;
+    line.ReadBy = &analysis;
+    return Explain(CaptureOfPress(press, kRecordCaptureBytes, line), analysis, config.get(), json);
   });
 }
 

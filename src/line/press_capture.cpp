@@ -62,11 +62,17 @@ void PressSampler::Sample(const Press& press, std::size_t bufferBytes, const Lin
   }
   Pulses train = std::get<PulseTrain>(press);
   if (options.Shape) {
-    CleanPress(train, space_, clean_);
+    if (options.KeepsFrames()) {
+      RemoveGlitches(train, clean_);
+    } else {
+      CleanPress(train, space_, clean_);
+    }
     train = clean_;
   }
-  HoldPress(train, options.HoldMs, space_, held_);
-  train = held_;
+  if (!options.KeepsFrames()) {
+    HoldPress(train, options.HoldMs, space_, held_);
+    train = held_;
+  }
   if (options.Shape) {
     ShapePress(train, bufferBytes, options, space_, shaped_);
     train = shaped_;

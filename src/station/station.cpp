@@ -9,10 +9,19 @@
 
 namespace keplo {
 
+namespace {
+
+LineSpec ReadAsSet(LineSpec spec, const Settings& settings) {
+  spec.Options.ReadBy = &settings.Analysis;
+  return spec;
+}
+
+}  // namespace
+
 Station::Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
                  const Log& log)
     : Station(mod,
-              OpenLine(spec, mod.AppPath, mod.Settings.ReceiverKind,
+              OpenLine(ReadAsSet(spec, mod.Settings), mod.AppPath, mod.Settings.ReceiverKind,
                        [this](const std::string& text) { TellOfLine(text); }),
               windows, clock, log) {}
 

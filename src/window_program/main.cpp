@@ -67,6 +67,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   QApplication::setWindowIcon(QIcon(QString::fromStdString((appPath / "inkeplo.ico").string())));
   KeploMod mod(appPath, files);
   LineSpec spec = options.Line;
+  spec.Options.ReadBy = &mod.Settings.Analysis;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;
   spec.PortOfSettings = &mod.Settings.ComPortNr;
   Form1* window = nullptr;

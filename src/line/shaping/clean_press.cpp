@@ -15,20 +15,6 @@ constexpr int kShortestRun = 100;
 /// Runs of a repeat that carries no code, as NEC sends while a key is held: leader, space, mark.
 constexpr std::size_t kDittoRuns = 3;
 
-void RemoveGlitches(Pulses press, PulseTrain& smooth) {
-  smooth.clear();
-  bool joined = false;
-  for (const int run : press) {
-    const bool glitch = run < kShortestRun && !smooth.empty();
-    if (joined || glitch) {
-      smooth.back() = std::min(smooth.back() + run, kLongestPulse);
-    } else {
-      smooth.push_back(run);
-    }
-    joined = glitch && !joined;
-  }
-}
-
 bool Whole(const MeasuredFrame& frame) { return frame.Units.size() > kDittoRuns; }
 
 /// Whether the frame is what the recording caught of the other one when it began late. Its first run may have
@@ -51,6 +37,20 @@ void LeaveOutCutFrames(std::vector<MeasuredFrame>& frames) {
 }
 
 }  // namespace
+
+void RemoveGlitches(Pulses press, PulseTrain& smooth) {
+  smooth.clear();
+  bool joined = false;
+  for (const int run : press) {
+    const bool glitch = run < kShortestRun && !smooth.empty();
+    if (joined || glitch) {
+      smooth.back() = std::min(smooth.back() + run, kLongestPulse);
+    } else {
+      smooth.push_back(run);
+    }
+    joined = glitch && !joined;
+  }
+}
 
 void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {
   RemoveGlitches(press, space.Smooth);

@@ -10,4 +10,8 @@ namespace keplo {
 /// @param clean replaced; another train than the press
 void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean);
 
+/// Takes the glitches out alone.
+/// @param smooth replaced; another train than the press
+void RemoveGlitches(Pulses press, PulseTrain& smooth);
+
 }  // namespace keplo

@@ -35,7 +35,7 @@ void ShapePress(Pulses press, std::size_t bufferBytes, const LineOptions& option
   if (timing && timing->Unit >= kShortestBase * options.SampleTime) {
     LayOnWholeSamples(*timing, options.SampleTime, space);
   }
-  LeaveOutCutFrames(frames, bufferBytes, options.SampleTime);
+  if (!options.KeepsFrames()) LeaveOutCutFrames(frames, bufferBytes, options.SampleTime);
   JoinFrames(frames, LengthOf(press), shaped);
 }
 

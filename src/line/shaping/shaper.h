@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "line/shaping/shaping_space.h"
+#include "signal/analysis.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -12,6 +13,11 @@ struct LineOptions {
   double SampleTime = kNominalSampleTime;  // microseconds
   bool Shape = true;                       // false: the edges as they were recorded
   int HoldMs = 250;                        // nobody presses a key for less; 0: as recorded
+  const Analysis* ReadBy = nullptr;        // what reads the captures; null for the first analysis
+
+  /// The second look judges frames by each other. Copies of a frame would agree with it whatever it lost, and
+  /// one that was left out cannot contradict.
+  bool KeepsFrames() const { return ReadBy != nullptr && *ReadBy == Analysis::Second; }
 };
 
 /// Shapes a press so that a capture of it can be measured.
@@ -19,7 +25,8 @@ struct LineOptions {
 /// A receiver lengthens marks and shortens spaces by 50 to 150 us. In a press that is plainly pulse distance,
 /// pulse width or biphase the excess is measured, taken off the marks and given to the spaces, and equal
 /// lengths come to lie within one sample of each other; a press that is none of these stays as it is. Frames
-/// keep their places in time; those that the buffer would cut are left out, as long as a whole one is there.
+/// keep their places in time; those that the buffer would cut are left out, as long as a whole one is there
+/// and the options do not keep them.
 /// @param bufferBytes size of the capture buffer
 /// @param shaped replaced; another train than the press
 void ShapePress(Pulses press, std::size_t bufferBytes, const LineOptions& options, ShapingSpace& space,
