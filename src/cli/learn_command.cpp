@@ -48,6 +48,8 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
   HeardKey key;
+  LineOptions line = options.Line;
+  line.ReadBy = &analysis;
   for (const std::string& file : options.Files) {
     std::error_code unknown;  // the path itself then tells the file
     const std::filesystem::path path = std::filesystem::canonical(file, unknown);
@@ -55,13 +57,12 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
-      key.Last =
-          ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, options.Line), state, analysis);
+      key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;
       key.Codes.insert(code);
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
-      Validate(key.Validation, {code, place}, SentTwice(press, options.Line, code, analysis), key.Known);
+      Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
     }
   }
   return key;
@@ -84,7 +85,8 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
                   {"the last press has a single frame; give recordings of two equal presses"});
   }
   const std::string code = "G" + key.Last.Code;
-  const LearnResult result = AddCommand(store, reference.Protocol, code, reference.Command, key.Last.ReadBy);
+  const LearnResult result =
+      AddCommand(store, reference.Protocol, code, reference.Command, key.Last.ReadBy, key.Last.SendAs);
   if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code));
 }
 

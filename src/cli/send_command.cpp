@@ -8,6 +8,7 @@
 #include "cli/commands.h"
 #include "cli/live_line.h"
 #include "cli/open_install.h"
+#include "cli/press_table.h"
 #include "cli/reference.h"
 #include "cli/sent_pulses.h"
 #include "cli/write_file.h"
@@ -58,13 +59,15 @@ std::string DigitsOf(const std::string& code) {
   return digits;
 }
 
-void LoadParams(KeploMod& mod, const std::string& protocol) {
+/// The first analysis knows no codes that are sent in another way than the parameters say.
+void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
   if (EqualNoCase(protocol, "recorded")) {
     throw Refused("Information about received command is not complete!");
   }
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, mod.ProtocolParams, mod.Signal.Measured.ProtoKind)) {
     throw Refused(RefusalText({Refusal::NoSection, protocol}));
   }
+  if (analysis == Analysis::First) mod.ProtocolParams.SENDAS.clear();
 }
 
 std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
@@ -164,7 +167,7 @@ int Send(const SendOptions& options) {
   OpenedConfig config(options.AppPath);
   KeploMod& mod = config.Mod;
   const Sendable sendable = SendableOf(config.Text(), options);
-  LoadParams(mod, sendable.Protocol);
+  LoadParams(mod, sendable.Protocol, AnalysisOf(config));
   if (sendable.Code.empty()) throw Refused(RefusalText({Refusal::NoSuchCommand, sendable.Name}));
   const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
   ReplayLine line({}, mod.Settings.ReceiverKind);

@@ -5,6 +5,7 @@
 #include "config/commands.h"
 #include "config/lookup.h"
 #include "config/names.h"
+#include "config/protocols.h"
 #include "config/sections.h"
 #include "failure.h"
 
@@ -168,11 +169,13 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
                 name + " stands in the line \"" + std::string(LineAt(text, match - 1)) + "\" already.");
 }
 
-bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name) {
-  const std::optional<int> place = PlaceForCommand(store.CfgText, protocol);
+bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
+                  std::string_view sendAs) {
+  const std::string text = WithSendAs(store.CfgText, protocol, sendAs);
+  const std::optional<int> place = PlaceForCommand(text, protocol);
   if (!place) return false;
   store.NewCmdLine = CommandLine(code, name);
-  ReplaceAndSave(store, InsertText(store.CfgText, store.NewCmdLine, *place));
+  ReplaceAndSave(store, InsertText(text, store.NewCmdLine, *place));
   return true;
 }
 
@@ -224,12 +227,13 @@ bool RemoveCommand(CfgStore& store) {
 }
 
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
-                       std::string_view name, Analysis readBy) {
+                       std::string_view name, Analysis readBy, std::string_view sendAs) {
   std::string text = store.CfgText, checkedCode(code), checkedName(name);
   LearnResult result = CheckProtocol(protocol);
   if (result.Done()) result = CheckCode(text, checkedCode, readBy);
   if (result.Done()) result = CheckName(text, protocol, checkedName);
   if (!result.Done()) return result;
+  text = WithSendAs(text, protocol, sendAs);
   text = InsertText(text, CommandLine(checkedCode, checkedName), *PlaceForCommand(text, protocol));
   if (const auto placeholder = FindPlaceholder(text, protocol)) text = WithoutLine(text, *placeholder);
   ReplaceAndSave(store, std::move(text));

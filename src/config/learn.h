@@ -52,7 +52,9 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 /// @return false, with nothing changed, if the section is missing
 /// @throws Failure if the text would grow beyond its limit or the save fails; CfgText then agrees with the
 /// file
-bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name);
+/// @param sendAs how the code is sent, see WithSendAs
+bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
+                  std::string_view sendAs = {});
 
 /// Removes the placeholder from CurProtocol once a learned command stands beside it, in memory only.
 /// CurCommand becomes EMPTY, unless that text stands in a later section alone.
@@ -75,7 +77,8 @@ bool RemoveCommand(CfgStore& store);
 /// @param readBy as with CheckCode
 /// @throws Failure as StoreCommand
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
-                       std::string_view name, Analysis readBy = Analysis::First);
+                       std::string_view name, Analysis readBy = Analysis::First,
+                       std::string_view sendAs = {});
 /// Another name for a command, which keeps its code and its place. The new name is checked as that of a new
 /// command, with the command itself left out of the comparison.
 /// @throws Failure as StoreCommand

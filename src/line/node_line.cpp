@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "line/held_signals.h"
-#include "line/sample_time.h"
+#include "signal/sample_time.h"
 #include "line/slot_clock.h"
 #include "line/zone_answer.h"
 

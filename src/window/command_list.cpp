@@ -107,6 +107,7 @@ bool CommandList::LoadParams() {
                           mod_.Signal.Measured.ProtoKind)) {
     return false;
   }
+  if (mod_.Settings.Analysis == Analysis::First) mod_.ProtocolParams.SENDAS.clear();
   controls_.Fields.SendPulse.SetText(std::to_string(mod_.ProtocolParams.SENDPLS));
   return true;
 }
@@ -170,7 +171,8 @@ void CommandList::Save() {
     return;
   }
   const UndoStep step(undo_);
-  if (!dialogue_.Changed([&] { StoreCommand(store, store.CurProtocol, code, *name); })) return;
+  if (!dialogue_.Changed([&] { StoreCommand(store, store.CurProtocol, code, *name, mod_.Signal.SendAs); }))
+    return;
   ShowSaved(*name);
   DropPlaceholder(store);
 }

@@ -23,8 +23,8 @@ struct RecordedKind {
   int Entry;                // of the generic protocols
   std::string_view Repeat;  // empty: as the entry has it
 };
-constexpr std::array<RecordedKind, 4> kRecordedKinds = {
-    {{kNec, 0, "50"}, {kSony, 1, "50"}, {kRc5, 2, "90"}, {kUnknown, 3, {}}}};
+constexpr std::array<RecordedKind, 5> kRecordedKinds = {
+    {{kNec, 0, "50"}, {kSony, 1, "50"}, {kRc5, 2, "90"}, {kRc6, 3, "190"}, {kUnknown, 3, {}}}};
 
 constexpr std::string_view kNameTip = "Enter the new protocol name. Use only letters and numbers.";
 

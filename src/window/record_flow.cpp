@@ -20,8 +20,10 @@ struct KindShown {
   ui::Colour Back;
 };
 
-constexpr KindShown kKinds[] = {
-    {kNec, "NEC params", ui::kGreen}, {kSony, "SONY params", ui::kGreen}, {kRc5, "RC5 params", ui::kGreen}};
+constexpr KindShown kKinds[] = {{kNec, "NEC params", ui::kGreen},
+                                {kSony, "SONY params", ui::kGreen},
+                                {kRc5, "RC5 params", ui::kGreen},
+                                {kRc6, "RC6 params", ui::kGreen}};
 constexpr KindShown kOtherKind = {kUnknown, "", ui::kRed};
 
 const KindShown& ShownAs(std::int16_t kind) {
@@ -90,6 +92,7 @@ bool RecordFlow::Explain(const OpenedRecording& recording) {
 void RecordFlow::ReadCapture() {
   RecordReading reading;
   ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
+  mod_.Signal.SendAs = reading.SendAs;
   ShowReading(reading);
 }
 
@@ -177,7 +180,7 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
 
 void RecordFlow::ShowCode(const RecordReading& reading) {
   fields_.CodeStr.SetText("G" + reading.Code);
-  fields_.ToggleVal.SetVisible(reading.ProtoKind == kRc5);
+  fields_.ToggleVal.SetVisible(reading.ProtoKind == kRc5 || reading.ProtoKind == kRc6);
   if (reading.Toggle) fields_.ToggleVal.SetText(std::string(1, *reading.Toggle));
   fields_.AddrVal.SetText(reading.Values ? AddressText(*reading.Values) : "");
   fields_.CmdVal.SetText(reading.Values ? Number(reading.Values->Command) : "");

@@ -65,6 +65,7 @@ bool SendFlow::TakeRecordedParams() {
     return false;
   }
   TakeParams(recorded, mod_.ProtocolParams);
+  mod_.ProtocolParams.SENDAS = mod_.Signal.SendAs;
   if (recorded.ProtoKind != kUnknown) return true;
   dialogue_.Tell("You must first manually define a new protocol if UNKNOWN.");
   return false;

@@ -150,6 +150,21 @@ TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
   }
 }
 
+TEST(WithSendAs, StandsBehindTheLastKeyAndStays) {
+  const std::string text = Config(Protocol("NEC", {"G1010,UP"}));
+  const std::string turns = WithSendAs(text, "NEC", "32");
+  EXPECT_EQ(turns, Replaced(text, "GREPEAT= 72\r\n", "GREPEAT= 72\r\nSENDAS= 32\r\n"));
+  EXPECT_EQ(WithSendAs(turns, "NEC", "16"), turns) << "what a section tells already stays";
+  EXPECT_EQ(WithSendAs(text, "NEC", "RC6"), text) << "patterns of another line code";
+  ProtocolParams params;
+  std::int16_t kind = 0;
+  for (const std::string row : {"NEC|32", "Template|"}) {
+    EXPECT_TRUE(LoadProtocolParams(turns, Parts(row)[0], params, kind));
+    EXPECT_EQ(params.SENDAS, Parts(row)[1]);
+  }
+  EXPECT_EQ(ListCommands(turns, "NEC").size(), 1U);
+}
+
 TEST(FirstConfiguration, IsWhole) {
   PosixFileSystem files;
   CfgStore store(KEPLO_SOURCE_DIR "/data/keplo.cfg", files);
