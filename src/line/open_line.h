@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -39,6 +40,8 @@ class PressSource {
   virtual bool Done() const = 0;
   /// The press that the last capture took; none before the first capture.
   virtual const PlayedPress* LastPress() const = 0;
+  /// What time it is on the line, which plays against a clock or at a pace of its own.
+  virtual std::chrono::microseconds Now() const = 0;
 };
 
 /// A line that was made from a LineSpec.

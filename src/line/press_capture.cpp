@@ -80,6 +80,15 @@ void PressSampler::Sample(const Press& press, std::size_t bufferBytes, const Lin
   PulsesToCapture(train, options.SampleTime, bufferBytes, signal);
 }
 
+PulseTrain PressOnAir(Pulses press, const LineOptions& options) {
+  ShapingSpace space;
+  PulseTrain clean(press.begin(), press.end());
+  if (options.Shape) CleanPress(press, space, clean);
+  PulseTrain held;
+  HoldPress(clean, options.HoldMs, space, held);
+  return held;
+}
+
 std::string SignalOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {
   std::string signal;
   PressSampler().Sample(press, bufferBytes, options, signal);

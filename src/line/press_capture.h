@@ -28,6 +28,9 @@ class PressSampler {
   PulseTrain clean_, held_, shaped_;
 };
 
+/// A press as its key sends it: cleaned and held, but not shaped.
+PulseTrain PressOnAir(Pulses press, const LineOptions& options);
+
 /// As PressSampler::Sample.
 std::string SignalOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options);
 

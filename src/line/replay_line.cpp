@@ -31,6 +31,14 @@ void KeepLatest(std::vector<Output>& outputs, Output output) {
   outputs.push_back(std::move(output));
 }
 
+/// A monitor that has looked away sees so much of the pause between two presses.
+constexpr std::chrono::milliseconds kSeenPause{200};
+
+std::chrono::microseconds TimeOfBytes(std::size_t bytes, const LineOptions& options) {
+  return std::chrono::microseconds(
+      static_cast<std::int64_t>(static_cast<double>(bytes * 8) * options.SampleTime));
+}
+
 std::span<char> Limited(std::span<char> buffer, std::int32_t limit) {
   return buffer.first(std::min(buffer.size(), static_cast<std::size_t>(std::max(limit, 0))));
 }
@@ -61,7 +69,27 @@ std::int32_t ReplayLine::OpenCom(std::int32_t port) {
   return ports_.empty() || std::find(ports_.begin(), ports_.end(), port) != ports_.end() ? 1 : 0;
 }
 
-bool ReplayLine::Pending() { return !Done() && (clock_ == nullptr || clock_->Now() >= nextStart_); }
+/// The first look at the line behind a capture.
+void ReplayLine::LookAgain(std::chrono::microseconds now) {
+  if (!std::exchange(lookedAway_, false)) return;
+  if (clock_ == nullptr) {
+    ownTime_ += kPressPause;
+    return;
+  }
+  lookedAt_ = now;
+  nextStart_ = std::max(nextStart_, now + kSeenPause);
+}
+
+bool ReplayLine::Pending() {
+  LookAgain(Now());
+  if (clock_ == nullptr) return !Done();
+  const std::chrono::microseconds now = clock_->Now();
+  const std::chrono::microseconds before = std::exchange(lookedAt_, now);
+  if (onAir_ && onAir_->HasBegun(before, now)) return true;
+  if (onAir_ && now < onAir_->End()) return false;
+  onAir_.reset();
+  return !Done() && now >= nextStart_;
+}
 
 std::int32_t ReplayLine::DCD() {
   const std::int32_t rest = *receiverKind_ == 0 ? 1 : 0;
@@ -84,18 +112,44 @@ void ReplayLine::Capture(std::span<char> buffer, std::int32_t delay) {
   const std::size_t length = Held() ? signal.size() : signal.find_last_not_of('\0') + 1;
   std::copy_n(signal.begin(), length, buffer.begin());
   Advance();
+  lookedAway_ = true;
+  const std::chrono::microseconds time = TimeOfBytes(length, options);
+  ownTime_ += time;
   if (clock_ == nullptr) return;
 
-  const auto time = std::chrono::microseconds(
-      static_cast<std::int64_t>(static_cast<double>(length * 8) * options.SampleTime));
   const std::chrono::microseconds end = std::max(clock_->Now(), nextStart_) + time;
   clock_->WaitUntil(end);
   nextStart_ = Held() && last_ == next_ ? end : end + kPressPause;
 }
 
-void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
+void ReplayLine::Monitor(std::span<char> buffer, std::int32_t delay) {
+  const LineOptions options = AtDelay(options_, delay);
+  const std::chrono::microseconds bufferTime = TimeOfBytes(buffer.size(), options);
+  if (onAir_) return CaptureOnAir(buffer, bufferTime, options);
+  const auto* const train = Done() ? nullptr : std::get_if<PulseTrain>(&presses_[next_].Signal);
+  if (clock_ == nullptr || train == nullptr || Held()) return Capture(buffer, delay);
+  LongPress press(PressOnAir(*train, options), std::max(clock_->Now(), nextStart_));
+  const std::chrono::microseconds full = press.Start() + bufferTime;
+  Capture(buffer, delay);
+  if (press.End() <= full) return;
+  clock_->WaitUntil(full);
+  nextStart_ = press.End() + kPressPause;
+  onAir_ = std::move(press);
+}
 
-void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Capture(buffer, delay); }
+void ReplayLine::CaptureOnAir(std::span<char> buffer, std::chrono::microseconds bufferTime,
+                              LineOptions options) {
+  const std::chrono::microseconds start = onAir_->FrameStart();
+  options.HoldMs = 0;
+  const std::string signal = SignalOfPress(onAir_->Take(bufferTime), buffer.size(), options);
+  std::copy_n(signal.begin(), signal.find_last_not_of('\0') + 1, buffer.begin());
+  lookedAway_ = true;
+  clock_->WaitUntil(std::min(start + bufferTime, onAir_->End()));
+}
+
+void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Monitor(buffer, delay); }
+
+void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Monitor(buffer, delay); }
 
 std::int32_t ReplayLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
   if (Done() || limit <= 0) return 0;

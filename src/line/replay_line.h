@@ -10,6 +10,7 @@
 
 #include "formats/recording.h"
 #include "line/line_clock.h"
+#include "line/long_press.h"
 #include "line/open_line.h"
 #include "line/press_capture.h"
 #include "signal/win32_ser.h"
@@ -42,7 +43,9 @@ struct LineOutput {
 ///
 /// Without a clock it plays as fast as it is asked and pauses and beeps take no time. With one, presses
 /// follow each other kPressPause apart, captures last as long as the signal, and pauses and beeps are waited
-/// for. A press waits until it is captured; none is lost to a monitor that looks away.
+/// for. A press waits until it is captured; none is lost to a monitor that looks away. One that is longer
+/// than the monitor's buffer goes on while it does: the next capture takes what is on air then, from the next
+/// frame that begins before its eyes.
 class ReplayLine : public Win32Ser, public PressSource {
  public:
   /// Silence between the end of a press and the next, when playing against a clock.
@@ -66,8 +69,10 @@ class ReplayLine : public Win32Ser, public PressSource {
   /// Appends answers of the zone hardware, one character each; NUL is a time-out.
   void AnswerWith(const std::string& characters);
 
-  bool Done() const override { return next_ == presses_.size(); }
+  bool Done() const override { return next_ == presses_.size() && !onAir_; }
   const PlayedPress* LastPress() const override { return last_ ? &presses_[*last_].Place : nullptr; }
+  /// Without a clock a press takes its time, and the pause before the next one kPressPause.
+  std::chrono::microseconds Now() const override { return clock_ != nullptr ? clock_->Now() : ownTime_; }
   const LineOutput& Output() const { return output_; }
 
   std::int32_t OpenCom(std::int32_t port) override;
@@ -95,6 +100,9 @@ class ReplayLine : public Win32Ser, public PressSource {
   };
 
   bool Pending();
+  void LookAgain(std::chrono::microseconds now);
+  void Monitor(std::span<char> buffer, std::int32_t delay);
+  void CaptureOnAir(std::span<char> buffer, std::chrono::microseconds bufferTime, LineOptions options);
   bool Held() const { return heldCaptures_ > 0 && next_ + 1 == presses_.size(); }
   void Advance();
   void Capture(std::span<char> buffer, std::int32_t delay);
@@ -109,6 +117,10 @@ class ReplayLine : public Win32Ser, public PressSource {
   std::vector<std::int32_t> ports_;
   std::shared_ptr<LineClock> clock_;
   std::chrono::microseconds nextStart_{0};
+  std::optional<LongPress> onAir_;         // a press that goes on when its first capture is full
+  std::chrono::microseconds lookedAt_{0};  // when a tick looked at the line last
+  bool lookedAway_ = false;                // a capture was taken since
+  std::chrono::microseconds ownTime_{0};   // without a clock
   std::deque<char> zoneAnswers_;
   LineOutput output_;
 };

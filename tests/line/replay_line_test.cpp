@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "doubles/test_clock.h"
 #include "press_builder.h"
 #include "signal/timing.h"
 #include "signal/zone_link.h"
@@ -12,17 +13,9 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 using tests::Clean;
+using tests::TestClock;
 
 constexpr std::int32_t kDelay = 10;
-
-/// A clock that stands until somebody waits.
-class TestClock : public LineClock {
- public:
-  std::chrono::microseconds Time{0};
-
-  std::chrono::microseconds Now() override { return Time; }
-  void WaitUntil(std::chrono::microseconds time) override { Time = std::max(Time, time); }
-};
 
 std::vector<Recording> TwoFiles() {
   return {{"a", {Clean(kSony, tests::kSonyBits)}},

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+
+#include "line/line_clock.h"
+
+namespace keplo::tests {
+
+/// A clock that stands until somebody waits.
+class TestClock : public LineClock {
+ public:
+  std::chrono::microseconds Time{0};
+
+  std::chrono::microseconds Now() override { return Time; }
+  void WaitUntil(std::chrono::microseconds time) override { Time = std::max(Time, time); }
+};
+
+}  // namespace keplo::tests
