@@ -42,6 +42,10 @@ Keplo::Keplo(KeploMod& mod, Win32Ser& line, const KeploWindows& windows, const u
                           {"MenuSpace1", "-", {}},
                           {"HelpMenu", "Help", [this] { HelpMenu_Click(); }}};
   Timer1.OnTimer = [this] { Timer1_Timer(); };
+  LineTime = [] {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now);
+  };
   ListView1.Left = kListLeft;
   ListView1.Top = kListTop;
 
@@ -132,6 +136,7 @@ std::int32_t Keplo::InputStartMonitoring() {
 }
 
 std::int32_t Keplo::InputStopMonitoring() {
+  LetKeyGo();
   Monitoring = false;
   Timer1.SetEnabled(false);
   RefreshStatusPanel();
@@ -142,6 +147,7 @@ std::int32_t Keplo::InputTerminate() {
   // A host may forget to stop, or come from inside a tick; a tick would read a closed port.
   terminated_ = true;
   Timer1.SetEnabled(false);
+  LetKeyGo();
   HostObject.reset();
   ErrorDetails.reset();
   line_.CloseCom();

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "keplo_mod.h"
 #include "shell/dispatch.h"
 #include "shell/frm_event.h"
+#include "shell/held_key.h"
 #include "shell/status_panel.h"
 #include "signal/monitored_press.h"
 #include "signal/win32_ser.h"
@@ -118,6 +121,14 @@ class Keplo {
   std::function<void(HostInputEvent&)> TriggerInputEvent;
   std::function<void(HostErrorRecord&, bool& blnStopping)> TriggerInputErrorCondition;
 
+  /// A key was pressed, is held on, or was let go. The first two run before the input events of the same
+  /// capture, one of them for each capture with a code, learned or not.
+  std::function<void(KeyChange, const KeyPress&)> OnKey;
+  /// What time it is on the line: that of the machine, but for a line that plays at its own pace.
+  std::function<std::chrono::microseconds()> LineTime;
+  /// For how long no tick is needed to find that the key was let go; none while none is held.
+  std::optional<std::chrono::microseconds> MayHold() const;
+
   StatusPanel Panel;
   ui::ListView ListView1;
   ui::Timer Timer1{2};
@@ -142,6 +153,15 @@ class Keplo {
   bool LineIsAtRest();
   void Capture();
   void ReadAndDispatch();
+  bool RepeatsHeldKey(MonitorReading& reading);
+  void HearCode(const MonitorReading& reading);
+  bool WasHeldInThePause() const;
+  void Dispatch(const MonitorReading& reading);
+  void LookAgain();
+  void TimeCapture(std::chrono::microseconds begin);
+  void LetGoIfOver();
+  void LetKeyGo();
+  void TellKey(KeyChange change, const KeyPress& key);
   void OpenMainWindow();
   void SetTimer();
   void SaveConfiguration();
@@ -164,6 +184,12 @@ class Keplo {
   bool listDiffersFromMap_ = false;
   std::string toldConfigurationFailure_;
   TickReport lastTick_;
+  HeldKey key_;
+  AirTime onAir_;                             // of the last capture
+  std::chrono::microseconds captured_{0};     // when it was taken
+  std::chrono::microseconds watchedFrom_{0};  // when the line was looked at again after a pause
+  bool lookedAway_ = false;
+  bool kept_ = false;  // the line had the last capture ready: it was on air before the tick
 };
 
 }  // namespace keplo

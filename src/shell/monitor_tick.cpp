@@ -1,5 +1,6 @@
 #include <exception>
 #include <stdexcept>
+#include <utility>
 
 #include "shell/keplo.h"
 #include "signal/sample_bits.h"
@@ -40,7 +41,8 @@ void Keplo::Reporting(Part part) {
 
 void Keplo::Tick() {
   lastTick_.Captured = false;
-  if (LineIsAtRest()) return;
+  if (lookedAway_) LookAgain();
+  if (LineIsAtRest()) return LetGoIfOver();
   lastTick_ = TickReport{};
   lastTick_.Captured = true;
   Capture();
@@ -54,6 +56,12 @@ void Keplo::RaiseInputEvent(HostInputEvent& event) {
   });
 }
 
+void Keplo::TellKey(KeyChange change, const KeyPress& key) {
+  Reporting([&] {
+    if (OnKey) OnKey(change, key);
+  });
+}
+
 bool Keplo::LineIsAtRest() {
   const std::int16_t receiver = mod_.Settings.ReceiverKind;
   if (line_.DCD() == 1 && receiver == 0) return true;
@@ -63,6 +71,7 @@ bool Keplo::LineIsAtRest() {
 void Keplo::Capture() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kMonitorCaptureBytes, '\0');
+  const std::chrono::microseconds begin = LineTime();
   if (mod_.Settings.ReceiverKind == 0) {
     line_.RTS(-1);
     line_.IRMonitor(capture, mod_.Settings.ProcDelay);
@@ -71,6 +80,7 @@ void Keplo::Capture() {
     line_.RTS(-1);
     line_.IRMonitorN(capture, mod_.Settings.ProcDelay);
   }
+  TimeCapture(begin);
 }
 
 void Keplo::ReadAndDispatch() {
@@ -84,12 +94,34 @@ void Keplo::ReadAndDispatch() {
   const bool provenByLearning =
       reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);
   if (provenByLearning) reading.Ended = Stage::Code;
-  if (reading.Ended != Stage::Code) return;
+  if (reading.Ended == Stage::Code) {
+    HearCode(reading);
+  } else if (!RepeatsHeldKey(reading)) {
+    return key_.HearUnread(onAir_);
+  }
+  if (!WasHeldInThePause()) return Dispatch(reading);
+  lastTick_.Captured = false;
+  TellKey(KeyChange::Held, *key_.Pressed());
+}
 
+void Keplo::Dispatch(const MonitorReading& reading) {
+  bool told = false;
+  const auto tell = [&] {
+    if (std::exchange(told, true) || !key_.Pressed()) return;
+    key_.Name(lastTick_.Dispatched.Reference);
+    const KeyPress key = *key_.Pressed();
+    TellKey(key.Captures == 1 ? KeyChange::Pressed : KeyChange::Held, key);
+  };
   HostInputEvent event;
   DispatchCode(
       reading.Digits, reading.ReadBy.value_or(Analysis::First), mod_.Store.CfgText, mod_.Settings, ListView1,
-      line_, event, [this](HostInputEvent& raised) { RaiseInputEvent(raised); }, lastTick_.Dispatched);
+      line_, event,
+      [&](HostInputEvent& raised) {
+        tell();
+        RaiseInputEvent(raised);
+      },
+      lastTick_.Dispatched);
+  tell();
 }
 
 }  // namespace keplo

@@ -70,6 +70,12 @@ bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame) {
   return true;
 }
 
+std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind) {
+  constexpr std::size_t kFirstHalf = 2 * kToggleBitOffset - 1;  // the frame lacks the half bit before it
+  if (kind != kRc5 || frame.size() <= kFirstHalf) return std::nullopt;
+  return frame[kFirstHalf] == '0';
+}
+
 void DecodeCode(std::string_view frame, std::int16_t kind, std::string& code) {
   switch (kind) {
     case kRc6:

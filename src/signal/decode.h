@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,9 @@ bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame);
 /// Place of the RC5 digit that flips on each new key press, from 0; it is no part of a command's identity
 /// and always becomes 0.
 inline constexpr std::size_t kToggleBitOffset = 2;
+
+/// The digit at that place of a frame, which DecodeCode leaves out; nothing in a frame that has none.
+std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind);
 
 /// Decodes one frame of 1 and 0 symbols into its code digits.
 /// @param kind generic protocol; any other than SONY and RC5 is read as pulse distance

@@ -37,6 +37,7 @@ void ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis, M
   if (kind == kUnknown) return reading.EndAt(Stage::Unknown);
   DecodeCode(symbols, kind, reading.Digits);
   Judge(kind, analysis, reading);
+  reading.Toggle = ToggleOf(symbols, kind);
 }
 
 void ReadPlainly(SignalState& state, MonitorReading& reading) {
@@ -52,6 +53,8 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   measured.ProtoKind = look.ProtoKind;
   look.Decode(reading.Digits);
   Judge(look.ProtoKind, Analysis::Second, reading);
+  reading.Toggle = ToggleOf(look.Frame, look.ProtoKind);
+  reading.Dittos = look.Dittos;
 }
 
 void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {

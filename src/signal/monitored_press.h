@@ -38,12 +38,16 @@ struct MonitorReading {
   /// Without the leading G; set from Stage::Length on, and a code only at Stage::Code. At Stage::Doubtful
   /// those of a frame that is alone: a code if the very same was learned.
   std::string Digits;
+  std::optional<bool> Toggle;  // of a code that has a digit which flips on each new press
+  bool Dittos = false;         // the frame was repeated by signs without digits, as NEC does
 
   /// Forgets the last capture, but keeps the memory of its digits.
   void EndAt(Stage stage) {
     Ended = stage;
     ReadBy.reset();
     Digits.clear();
+    Toggle.reset();
+    Dittos = false;
   }
 };
 

@@ -32,6 +32,8 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
     log_.Write(LogLevel::Warning, damage);
   for (const std::string& remark : line_.Remarks) log_.Write(LogLevel::Warning, remark);
   TellWhyNotOpen();
+  if (line_.Device != nullptr) rest_.emplace(*line_.Device, control_);
+  if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
   control_.OnPress = [this](const TickReport& tick) { CountPress(tick); };
 }
 

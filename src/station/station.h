@@ -1,11 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 #include "line/open_line.h"
 #include "shell/keplo.h"
 #include "station/log.h"
+#include "station/rest_between_presses.h"
 
 namespace keplo {
 
@@ -40,7 +42,7 @@ class Station {
   /// What the line is, in a sentence for a person.
   std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
   /// Tells how long ticks may be left out; none where every tick counts.
-  LineRest* Rest() { return line_.Device; }
+  LineRest* Rest() { return rest_ ? &*rest_ : nullptr; }
   /// Whether every recording has been played; a line without recordings has none to wait for.
   bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
 
@@ -53,6 +55,7 @@ class Station {
   OpenedLine line_;
   PressTally tally_;
   Keplo control_;
+  std::optional<RestBetweenPresses> rest_;  // of a line that may be left alone
 };
 
 }  // namespace keplo

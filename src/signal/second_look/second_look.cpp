@@ -126,6 +126,8 @@ void SecondLook::ReadProof(const robust::Findings& found) {
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
+  look_.Dittos =
+      std::any_of(frames.begin(), frames.end(), [](const auto& frame) { return frame.Dittos > 0; });
   WriteSymbols(found, proven);
   if (proven != nullptr || (two && frames.size() > 2)) {
     look_.Proven = RobustReading::Proof::Sure;
@@ -142,6 +144,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.Proven = RobustReading::Proof::Refused;
   look_.BaseT = 0;
   look_.ProtoKind = kUnknown;
+  look_.Dittos = false;
   look_.Symbols.clear();
   look_.Frame.clear();
   look_.OtherFrame.clear();

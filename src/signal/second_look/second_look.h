@@ -23,6 +23,7 @@ struct RobustReading {
   Proof Proven = Proof::Refused;
   std::int16_t BaseT = 0;  // base time T, samples; rounded
   std::int16_t ProtoKind = kUnknown;
+  bool Dittos = false;  // a frame was repeated by signs without digits
 
   /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
   /// those of the code alone, if one frame is proven. Empty if there is none, or only one without a leader

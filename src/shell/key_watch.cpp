@@ -1,0 +1,97 @@
+#include <algorithm>
+#include <bit>
+
+#include "shell/keplo.h"
+#include "signal/capture_trim.h"
+#include "signal/held_signs.h"
+#include "signal/sample_bits.h"
+
+namespace keplo {
+
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono_literals::operator""ms;
+
+/// A tick without an event ends so soon that no frame slips by.
+constexpr microseconds kBlink = 10ms;
+
+microseconds TimeOfSamples(double samples) {
+  return microseconds(static_cast<std::int64_t>(samples * kNominalSampleTime));
+}
+
+/// From the beginning of a capture to its last mark.
+microseconds LengthOfSignal(const std::string& capture) {
+  const std::size_t bytes = SignalBytes(capture);
+  if (bytes == 0) return 0ms;
+  const int silent = std::countr_zero(static_cast<unsigned char>(capture[bytes - 1]));
+  return TimeOfSamples(static_cast<double>(bytes) * 8 - silent);
+}
+
+}  // namespace
+
+void Keplo::LookAgain() {
+  lookedAway_ = false;
+  const microseconds now = LineTime();
+  watchedFrom_ = now - captured_ > kBlink ? now : microseconds(0);
+}
+
+void Keplo::TimeCapture(microseconds begin) {
+  const std::string& capture = mod_.Signal.RawCapture;
+  const microseconds signal = LengthOfSignal(capture);
+  captured_ = LineTime();
+  lookedAway_ = true;
+  // A line that has kept the signal of a pause hands it out at once, and those after it.
+  const bool behindPause = kept_ || watchedFrom_ > 0ms;
+  kept_ = behindPause && 2 * (captured_ - begin) < signal;
+  onAir_ = {begin, std::min(begin + signal, captured_),
+            TimeOfSamples(static_cast<double>(capture.size()) * 8) - signal, watchedFrom_};
+}
+
+/// Whether a capture without digits says that the key is still held; it reads as the code of the key then.
+bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
+  if (mod_.Settings.Analysis != Analysis::Second || !key_.FollowsOn(onAir_)) return false;
+  const KeySign& sign = key_.Pressed()->Sign;
+  SignalState& signal = mod_.Signal;
+  if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT)) return false;
+  key_.HearDitto(onAir_);
+  reading.Ended = Stage::Code;
+  reading.ReadBy = sign.ReadBy;
+  reading.Digits = sign.Digits;
+  return true;
+}
+
+void Keplo::HearCode(const MonitorReading& reading) {
+  SignalState& signal = mod_.Signal;
+  const microseconds period = TimeOfSamples(FramePeriod(signal.Runs.Read(signal.Samples)));
+  const KeySign sign = {reading.Digits,
+                        reading.ReadBy.value_or(Analysis::First),
+                        signal.Measured.ProtoKind,
+                        signal.Measured.BaseT,
+                        reading.Toggle,
+                        reading.Dittos,
+                        period};
+  if (const auto ended = key_.Hear(sign, onAir_)) TellKey(KeyChange::Released, *ended);
+}
+
+/// Whether a capture goes on with a press and was on air during the pause behind its last event, in which no
+/// tick can raise one. Its event would come later and later, and long after the key was let go.
+bool Keplo::WasHeldInThePause() const {
+  return mod_.Settings.Analysis == Analysis::Second && kept_ && key_.Pressed() &&
+         key_.Pressed()->Captures > 1;
+}
+
+std::optional<microseconds> Keplo::MayHold() const {
+  if (!key_.Pressed()) return std::nullopt;
+  return lookedAway_ ? microseconds(0) : std::max<microseconds>(key_.LetGoAt(watchedFrom_) - LineTime(), 0ms);
+}
+
+void Keplo::LetGoIfOver() {
+  if (key_.Pressed() && LineTime() >= key_.LetGoAt(watchedFrom_)) LetKeyGo();
+}
+
+void Keplo::LetKeyGo() {
+  if (const auto ended = key_.LetGo()) TellKey(KeyChange::Released, *ended);
+}
+
+}  // namespace keplo

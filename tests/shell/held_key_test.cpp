@@ -1,0 +1,172 @@
+#include "shell/held_key.h"
+
+#include "doubles/test_clock.h"
+#include "line/replay_line.h"
+#include "shell_fixture.h"
+#include "synth/synth.h"
+
+namespace keplo {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kFrame = 60ms;
+constexpr milliseconds kBuffer = 224ms;
+
+/// A signal that a line hears, 60 ms long unless told otherwise.
+struct Signal {
+  const char* What;  // "code", "ditto", "unread", or the digits of another code
+  milliseconds At;
+  milliseconds Length = kFrame;
+  milliseconds WatchedFrom = 0ms;
+  std::optional<bool> Toggle = {};
+  bool Dittos = false;
+  milliseconds Period = 108ms;
+};
+
+/// P for a press, H for a hold, R for a release, as a monitor tells them.
+std::string Told(const std::vector<Signal>& signals) {
+  HeldKey key;
+  std::string told;
+  for (const Signal& signal : signals) {
+    const AirTime air = {signal.At, signal.At + signal.Length, kBuffer - signal.Length, signal.WatchedFrom};
+    const std::string what = signal.What;
+    if (what != "unread" && what != "ditto") {
+      if (key.Hear({what, Analysis::Second, kNec, 10, signal.Toggle, signal.Dittos, signal.Period}, air)) {
+        told += 'R';
+      }
+    } else if (!key.FollowsOn(air)) {
+      if (key.LetGo()) told += 'R';
+      continue;
+    } else if (what == "ditto") {
+      key.HearDitto(air);
+    } else {
+      key.HearUnread(air);
+      continue;
+    }
+    told += key.Pressed()->Captures == 1 ? 'P' : 'H';
+  }
+  return told;
+}
+
+TEST(HeldKey, TellsOnePressFromTwo) {
+  struct Case {
+    const char* Name;
+    std::vector<Signal> Signals;
+    const char* Told;
+  };
+  const Case cases[] = {
+      {"a repeat in its time", {{"code", 0ms}, {"code", 108ms}, {"code", 216ms}}, "PHH"},
+      {"one repeat lost", {{"code", 0ms}, {"code", 216ms}}, "PH"},
+      {"two taps", {{"code", 0ms}, {"code", 311ms}}, "PRP"},
+      {"two quick taps of a fast repeater",
+       {{"code", 0ms, 20ms, 0ms, {}, false, 45ms}, {"code", 160ms, 20ms}},
+       "PRP"},
+      {"another key", {{"code", 0ms}, {"other", 100ms}, {"code", 200ms}}, "PRPRP"},
+      {"a toggle that flips", {{"code", 0ms, kFrame, 0ms, true}, {"code", 120ms, kFrame, 0ms, false}}, "PRP"},
+      {"a toggle that stays", {{"code", 0ms, kFrame, 0ms, true}, {"code", 120ms, kFrame, 0ms, true}}, "PH"},
+      {"dittos", {{"code", 0ms}, {"ditto", 108ms, 12ms}, {"ditto", 216ms, 12ms}}, "PHH"},
+      {"a ditto too late", {{"code", 0ms}, {"ditto", 311ms, 12ms}}, "PR"},
+      {"a frame where the key sends dittos",
+       {{"code", 0ms}, {"ditto", 108ms, 12ms}, {"code", 216ms}},
+       "PHRP"},
+      {"a frame after a capture with dittos", {{"code", 0ms, 200ms, 0ms, {}, true}, {"code", 224ms}}, "PRP"},
+      {"held through a pause", {{"code", 0ms, 180ms}, {"code", 600ms, 180ms, 524ms}}, "PH"},
+      {"let go before a pause", {{"code", 0ms, 50ms}, {"code", 600ms, 180ms, 524ms}}, "PRP"},
+      {"let go in a pause", {{"code", 0ms, 180ms}, {"code", 674ms, 180ms, 524ms}}, "PRP"},
+      {"one signal that cannot be read", {{"code", 0ms}, {"unread", 150ms}, {"code", 300ms}}, "PH"},
+      {"a line full of noise", {{"code", 0ms}, {"unread", 150ms}, {"unread", 300ms}, {"code", 470ms}}, "PRP"},
+  };
+  for (const Case& row : cases) EXPECT_EQ(Told(row.Signals), row.Told) << row.Name;
+}
+
+/// A control on a line that plays against a clock.
+class OnePress : public tests::ShellTest {
+ protected:
+  static constexpr const char* kSony = "101010010000";
+  static constexpr const char* kRc5 = "11000000001100";
+
+  /// What a monitor tells of presses, each held for a time.
+  std::string Monitored(std::int16_t kind, const std::string& bits,
+                        const std::vector<milliseconds>& presses) {
+    Recording recording{"a", {}};
+    for (const milliseconds held : presses) {
+      SynthOptions options;
+      options.Repeats = static_cast<int>(held / (kind == keplo::kSony ? 45ms : 108ms));
+      recording.Presses.push_back(SynthPress(kind, bits, options));
+    }
+    const auto clock = std::make_shared<tests::TestClock>();
+    const std::int16_t receiver = 0;
+    ReplayLine line({recording}, receiver);
+    line.PlayAgainst(clock);
+    mod_ = std::make_unique<KeploMod>(folder_.Path(), files_);
+    Keplo control(*mod_, line, KeploWindows{boxes_, dialog_}, clock_);
+    control.LineTime = [&] { return clock->Time; };
+    std::string told;
+    control.OnKey = [&](KeyChange change, const KeyPress& key) {
+      EXPECT_EQ(key.Command, "ANY&KEY");
+      told += std::string("PHR")[static_cast<std::size_t>(change)];
+    };
+    control.TriggerInputEvent = [&](HostInputEvent&) { told += 'e'; };
+    EXPECT_EQ(control.InputInitialise(nullptr), 1);
+    mod_->Settings.Analysis = Analysis::Second;
+    control.InputStartMonitoring();
+    while (!line.Done() || control.MayHold()) {
+      control.Timer1.Tick();
+      clock->Time += 2ms;
+    }
+    return told;
+  }
+
+  void Bind(const std::string& code) {
+    std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
+    WriteConfig({}, tests::ProtocolSection("ANY", "G" + code + ",KEY\r\n"));
+    WriteEvents({{"17", "Lamp on", "", "ANY&KEY", true, 0}});
+  }
+};
+
+TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
+  struct Case {
+    const char* Name;
+    std::int16_t Kind;
+    std::string Sent, Code;
+  };
+  const Case cases[] = {{"NEC", kNec, kDigits, kDigits},
+                        {"SONY", keplo::kSony, kSony, kSony},
+                        {"RC5", keplo::kRc5, kRc5, kRc5}};
+  for (const Case& row : cases) {
+    Bind(row.Code);
+    const auto told = [&](const std::vector<milliseconds>& presses) {
+      return Monitored(row.Kind, row.Sent, presses);
+    };
+    EXPECT_EQ(told({50ms}), "PeR") << row.Name;
+    EXPECT_EQ(told({400ms}), "PeR") << row.Name << ": let go in the pause behind the event";
+    EXPECT_EQ(told({1000ms}), "PeHeR") << row.Name;
+    EXPECT_EQ(told({3000ms}), "PeHeHeHeHeHeR") << row.Name;
+    EXPECT_EQ(told({50ms, 1000ms, 50ms}), "PeRPeHeRPeR") << row.Name;
+  }
+}
+
+/// A line that kept what came in the pause hands it out at once; events of it would lag behind the key.
+TEST_F(OnePress, RaisesNoEventOfWhatALineKeptInThePause) {
+  Bind(kSony);
+  Keplo& control = Start();
+  mod_->Settings.Analysis = Analysis::Second;
+  std::chrono::microseconds time{0};
+  bool live = true;
+  control.LineTime = [&] { return time += live ? 200ms : 1ms; };
+  SynthOptions fills;
+  fills.Repeats = 4;
+  const std::string capture = CaptureOfPress(SynthPress(keplo::kSony, kSony, fills), 510, {});
+  for (const bool isLive : {true, false, true}) {
+    live = isLive;
+    line_.Captures = {capture};
+    control.Timer1.Tick();
+    time += 200ms;  // the pause
+  }
+  EXPECT_EQ(raised_.size(), 2U);
+}
+
+}  // namespace
+}  // namespace keplo
