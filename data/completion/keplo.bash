@@ -33,7 +33,7 @@ _keplo() {
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
-    *,monitor) words='--app-path --port --replay --json --once --real-time --sample-time --no-shape --hold --help' ;;
+    *,monitor) words='--app-path --port --replay --json --presses --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events)
       case $action in
         list) words='--json --app-path --help' ;;

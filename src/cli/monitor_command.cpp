@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
+#include "program/press_line.h"
 #include "program/printable.h"
 #include "program/raised_event.h"
 #include "program/stop_signals.h"
@@ -27,6 +29,7 @@ struct MonitorOptions {
   std::string AppPath;
   bool Json = false;
   bool Once = false;
+  bool Presses = false;
   LineSpec Line;
 };
 
@@ -44,6 +47,15 @@ RaisedEvent Describe(const HostInputEvent& event, const ui::ListView& list) {
 
 void Print(const RaisedEvent& event, bool json) {
   std::cout << (json ? EventJsonLine(event) : EventLine(event)) << std::endl;
+}
+
+void PrintKey(KeyChange change, const KeyPress& key, bool json) {
+  static constexpr std::array<std::string_view, 3> kWhat = {"press", "hold", "release"};
+  const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(key.Held);
+  std::cout << TextOf({kWhat.at(static_cast<std::size_t>(change)), key.Command, "G" + key.Sign.Digits,
+                       key.Captures, static_cast<int>(held.count())},
+                      json)
+            << std::endl;
 }
 
 /// What a monitor tells beside its events: complaints under the program's name, presses without an event
@@ -89,6 +101,9 @@ int Monitor(const MonitorOptions& options) {
   control.TriggerInputEvent = [&](HostInputEvent& event) {
     Print(Describe(event, control.ListView1), options.Json);
   };
+  if (options.Presses) {
+    control.OnKey = [&](KeyChange change, const KeyPress& key) { PrintKey(change, key, options.Json); };
+  }
   control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
     Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
   };
@@ -118,6 +133,8 @@ void AddMonitorCommand(Command& root) {
   AddPortOption(command, options->Line.Port).Excludes(replay);
   command.Examples({"keplo monitor", "keplo monitor --replay samples/*.mode2 --once"});
   command.Flag("--json", options->Json, "One JSON object an event");
+  command.Flag("--presses", options->Presses,
+               "Print too when a key is pressed, held on with each further signal, and let go");
   command.Flag("--once", options->Once, "End when the recordings have been played");
   command.Flag("--real-time", options->Line.InRealTime,
                "Play at the clock of the recordings, not as fast as possible");
