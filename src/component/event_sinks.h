@@ -3,16 +3,18 @@
 #include <exception>
 #include <map>
 
+#include "host/component_entry.h"
 #include "host/ivelmora_input_plugin.h"
 
 namespace keplo::component {
 
 /// The subscribed sinks of one object.
-class EventSinks : public IHostEventSource {
+template <typename Source, typename Sink>
+class Sinks : public Source {
  public:
-  virtual ~EventSinks() = default;
+  virtual ~Sinks() = default;
 
-  std::uint32_t Subscribe(IHostEventSink& sink) override {
+  std::uint32_t Subscribe(Sink& sink) override {
     sinks_.emplace(++lastCookie_, &sink);
     return lastCookie_;
   }
@@ -38,8 +40,11 @@ class EventSinks : public IHostEventSource {
   }
 
  private:
-  std::map<std::uint32_t, IHostEventSink*> sinks_;
+  std::map<std::uint32_t, Sink*> sinks_;
   std::uint32_t lastCookie_ = 0;
 };
+
+using EventSinks = Sinks<IHostEventSource, IHostEventSink>;
+using KeySinks = Sinks<IKeySource, IKeySink>;
 
 }  // namespace keplo::component

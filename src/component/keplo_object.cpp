@@ -77,6 +77,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
+  control_.OnKey = [this](KeyChange change, const KeyPress& press) { TellKey(change, press); };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
@@ -104,6 +105,7 @@ KeploWindows KeploObject::Windows() {
 void* KeploObject::QueryInterface(std::string_view name) {
   if (name == IVelmoraInputPLugin::kInterfaceName) return static_cast<IVelmoraInputPLugin*>(this);
   if (name == IHostEventSource::kInterfaceName) return static_cast<IHostEventSource*>(&sinks_);
+  if (name == IKeySource::kInterfaceName) return static_cast<IKeySource*>(&keySinks_);
   if (name == IControlView::kInterfaceName) return static_cast<IControlView*>(this);
   if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
   if (name == IPressTally::kInterfaceName) return static_cast<IPressTally*>(this);
@@ -121,6 +123,7 @@ void KeploObject::Release() {
   if (releasePending_) {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
+    keySinks_.Clear();
     replayPlayed_ = nullptr;
     listShown_ = nullptr;
     control_.OnPress = nullptr;
@@ -263,6 +266,18 @@ bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& detail
 IPressTally::Tally KeploObject::Presses() {
   const PressTally& tally = station_.Tally();
   return {tally.Presses, tally.Events, tally.WithoutEvent};
+}
+
+void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
+  const Busy busy(*this);
+  const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(press.Held);
+  const HeardKey key = {press.Command, "G" + press.Sign.Digits, press.Captures,
+                        static_cast<int>(held.count())};
+  keySinks_.ForEach([&](IKeySink& sink) {
+    if (change == KeyChange::Pressed) return sink.KeyPressed(key);
+    if (change == KeyChange::Held) return sink.KeyHeld(key);
+    sink.KeyReleased(key);
+  });
 }
 
 void KeploObject::Tick() {

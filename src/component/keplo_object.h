@@ -72,6 +72,7 @@ class KeploObject final : public IComponentObject,
   void ReleaseLater();
   KeploWindows Windows();
   void Tick();
+  void TellKey(KeyChange change, const KeyPress& press);
   void TellWhenPlayed();
 
   const bool mayUseDisplay_;
@@ -92,6 +93,7 @@ class KeploObject final : public IComponentObject,
   qt::LineTimer timer_;
   QTimer otherPrograms_;
   EventSinks sinks_;
+  KeySinks keySinks_;
   int depth_ = 0;  // how many operations and ticks are under way, one inside another
   bool releasePending_ = false;
 };

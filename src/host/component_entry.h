@@ -14,7 +14,8 @@ namespace keplo {
 /// The class that the plug-in's component offers.
 inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
 
-/// Changes with every change of the interfaces in this folder. Host and component are built by the same
+/// Changes with every change of an interface in this folder; one that comes in addition is asked for by its
+/// name. Host and component are built by the same
 /// kind of compiler and share the C++ runtime, so that strings and vectors pass between them. The headers of
 /// this folder need C++17 and nothing else of the plug-in.
 inline constexpr std::uint32_t kComponentInterfaceVersion = 3;
@@ -139,6 +140,46 @@ class IPressTally {
 
  protected:
   ~IPressTally() = default;
+};
+
+/// A key of a remote, from its press on.
+struct HeardKey {
+  std::string Command;  // "protocol&command"; empty for a code that was not learned
+  std::string Code;     // as keplo.cfg has it, with the leading G
+  int Count = 0;        // signals of this press that were heard so far, from 1
+  int HeldMs = 0;       // from the first mark of the press to the last one heard so far
+};
+
+/// What a host does with the keys of remotes. An input event comes with every signal of a key; this tells
+/// which of them are one press. All three run inside the tick or call that raises them: be quick, and do not
+/// throw.
+class IKeySink {
+ public:
+  /// A key was pressed. Runs before the input events of the same signal.
+  virtual void KeyPressed(const HeardKey& key) = 0;
+  /// The key is still held; runs before the input events of the same signal.
+  virtual void KeyHeld(const HeardKey& key) = 0;
+  /// The key was let go: nothing more came of it for some time, up to a quarter of a second, or another key
+  /// was pressed, or monitoring stopped. Comes once for each KeyPressed, before the next one.
+  virtual void KeyReleased(const HeardKey& key) = 0;
+
+ protected:
+  ~IKeySink() = default;
+};
+
+/// Optional: where a host subscribes to the keys.
+class IKeySource {
+ public:
+  static constexpr std::string_view kInterfaceName = "IKeySource";
+
+  /// @param sink must live until it is unsubscribed
+  /// @return a cookie for Unsubscribe, never 0
+  virtual std::uint32_t Subscribe(IKeySink& sink) = 0;
+  /// An unknown cookie changes nothing. May be called from within a key's call.
+  virtual void Unsubscribe(std::uint32_t cookie) = 0;
+
+ protected:
+  ~IKeySource() = default;
 };
 
 /// The entry points of a component, by the names under which it exports them.

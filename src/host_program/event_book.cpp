@@ -10,6 +10,7 @@
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
+#include "host_program/press_actions.h"
 #include "program/json_file.h"
 
 namespace keplo::host {
@@ -63,6 +64,9 @@ nlohmann::json ParseEventBook(std::string_view text, const std::filesystem::path
   }
   if (!book.contains("events") || !book["events"].is_object()) {
     throw Failure(EINVAL, file.string() + " has no object \"events\"" + advice);
+  }
+  if (const std::string mistake = MistakeInActions(book["events"]); !mistake.empty()) {
+    throw Failure(EINVAL, file.string() + ": " + mistake + advice);
   }
   return book;
 }

@@ -5,6 +5,7 @@
 
 #include "program/json_line.h"
 #include "program/local_time.h"
+#include "program/press_line.h"
 #include "program/printable.h"
 
 namespace keplo::host {
@@ -39,6 +40,12 @@ void HostLog::Error(const HostErrorRecord& record) const {
   line["error_description"] = record.ErrorDescription;
   line["error_detail"] = record.ErrorDetail;
   std::cout << JsonLine(line) << std::endl;
+}
+
+void HostLog::Key(std::string_view what, const HeardKey& key) const {
+  if (!keys_) return;
+  std::cout << (json_ ? "" : Prefix(toJournal_.Output, LogLevel::Info))
+            << TextOf({what, key.Command, key.Code, key.Count, key.HeldMs}, json_) << std::endl;
 }
 
 void HostLog::Summary(const std::string& text) const {

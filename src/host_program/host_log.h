@@ -1,6 +1,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/component_entry.h"
 #include "host/host_records.h"
@@ -17,16 +19,20 @@ class HostLog {
     bool Output = false, Error = false;
   };
 
-  HostLog(bool json, JournalStreams toJournal) : json_(json), toJournal_(toJournal) {}
+  /// @param keys whether presses, holds and releases of keys are told
+  HostLog(bool json, JournalStreams toJournal, bool keys = false)
+      : json_(json), keys_(keys), toJournal_(toJournal) {}
 
   void Write(LogLevel level, const std::string& text) const;
   void Event(const RaisedEvent& event) const;
   void Error(const HostErrorRecord& record) const;
+  /// @param what "press", "hold" or "release"
+  void Key(std::string_view what, const HeardKey& key) const;
   /// The closing words; kept out of the JSON lines.
   void Summary(const std::string& text) const;
 
  private:
-  bool json_;
+  bool json_, keys_;
   JournalStreams toJournal_;
 };
 

@@ -62,6 +62,11 @@ HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log
   host_.OnError = [this](const HostErrorRecord& record) {
     AddLogLine(Shown(record.ErrorDate + "  " + record.ErrorProcedure + ": " + record.ErrorDescription));
   };
+  host_.OnHeldKey = [this](const HeardKey& key) {
+    const std::string name = key.Command.empty() ? "code " + key.Code : key.Command;
+    AddLogLine(Shown(Printable(LocalTime() + "  " + name + " was held for " + std::to_string(key.HeldMs) +
+                               " ms, " + std::to_string(key.Count) + " signals")));
+  };
   host_.OnLog = [this](LogLevel level, const std::string& text) {
     if (level <= LogLevel::Notice) AddLogLine(Shown(Printable(LocalTime() + "  " + text)));
   };
@@ -71,6 +76,7 @@ HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log
 HostWindow::~HostWindow() {
   host_.OnEvent = nullptr;
   host_.OnError = nullptr;
+  host_.OnHeldKey = nullptr;
   host_.OnLog = nullptr;
   host_.OnListShown = nullptr;
 }

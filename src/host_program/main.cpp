@@ -150,7 +150,7 @@ int main(int argc, char** argv) {
       options.ToDo == Task::Register ? Register(options) : Unregister(options);
       return kDone;
     }
-    const HostLog log(options.Json, JournalStreamsOfThisProgram());
+    const HostLog log(options.Json, JournalStreamsOfThisProgram(), options.Presses);
     try {
       const auto application = MakeApplication(argc, argv, options.Headless);
       return Run(*application, options, log);

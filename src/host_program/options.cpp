@@ -30,6 +30,8 @@ void AddOptions(Command command, HostOptions& options, Choices& choices) {
   AddLineOptions(command, control.SampleTime, control.ShapeReplay, control.HoldMs);
   command.Flag("--headless", options.Headless, "Run without windows, for a machine with no display");
   command.Flag("--json", options.Json, "One JSON object for each event and error on standard output");
+  command.Flag("--presses", options.Presses,
+               "Print too when a key is pressed, held on with each further signal, and let go");
   const Argument port =
       command
           .Number("--http-port", choices.Port, "Port of the web pages; 0 for any free one", {0, kLargestPort})

@@ -21,6 +21,7 @@ struct HostOptions {
   bool Headless = false;
   bool Json = false;
   bool Once = false;
+  bool Presses = false;
   std::optional<std::uint16_t> HttpPort = kUsualHttpPort;  // 0 for any free one; none for no pages
   std::string HttpAddress = "127.0.0.1";
   std::vector<std::string> HttpNames;

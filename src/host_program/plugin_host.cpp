@@ -37,10 +37,14 @@ PluginHost::PluginHost(const Component& component, const CreationContext& contex
       events_(Required<IHostEventSource>(*object_)),
       catalogue_(QueryInterface<IEventCatalogue>(*object_)),
       view_(QueryInterface<IControlView>(*object_)),
-      cookie_(events_->Subscribe(*this)) {}
+      keys_(QueryInterface<IKeySource>(*object_)),
+      cookie_(events_->Subscribe(*this)) {
+  if (keys_ != nullptr) keyCookie_ = keys_->Subscribe(*this);
+}
 
 PluginHost::~PluginHost() {
   Stop();
+  if (keys_ != nullptr) keys_->Unsubscribe(keyCookie_);
   events_->Unsubscribe(cookie_);
 }
 
@@ -151,12 +155,38 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
   log_.Event(event);
   if (OnEvent) OnEvent(event);
+  ReadBookIfChanged();
+  actions_.Do(press_.DueAt(event, book_.ActionsOf(event.EventID)), event);
+}
+
+void PluginHost::ReadBookIfChanged() {
   try {
     book_.ReadIfChanged();
   } catch (const Failure& failure) {
     log_.Write(LogLevel::Warning, UntilThen(failure));
   }
-  actions_.Do(book_.ActionsOf(event.EventID), event);
+}
+
+void PluginHost::KeyPressed(const HeardKey& key) {
+  lastKey_ = key;
+  log_.Key("press", key);
+  press_.Begin();
+}
+
+void PluginHost::KeyHeld(const HeardKey& key) {
+  lastKey_ = key;
+  log_.Key("hold", key);
+  press_.GoOn(key.HeldMs);
+}
+
+void PluginHost::KeyReleased(const HeardKey& key) {
+  lastKey_ = key;
+  log_.Key("release", key);
+  if (OnHeldKey && key.Count > 1) OnHeldKey(key);
+  for (RaisedEvent& event : press_.End()) {
+    event.Time = LocalTime();
+    actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
+  }
 }
 
 void PluginHost::TriggerInputErrorCondition(HostErrorRecord& objErr, bool& /*blnStopping*/) {

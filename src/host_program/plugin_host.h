@@ -10,12 +10,13 @@
 #include "host_program/event_actions.h"
 #include "host_program/event_book.h"
 #include "host_program/host_log.h"
+#include "host_program/press_actions.h"
 
 namespace keplo::host {
 
 /// The host's side of one plug-in: creates it, does what its events ask for, and carries the user's changes
 /// of the event map to it. Outlives the views.
-class PluginHost : private IHostEventSink {
+class PluginHost : private IHostEventSink, private IKeySink {
  public:
   /// @throws Failure if the object cannot be created
   PluginHost(const Component& component, const CreationContext& context, EventBook& book,
@@ -53,9 +54,14 @@ class PluginHost : private IHostEventSink {
 
   EventBook& Book() { return book_; }
 
+  /// The key that was pressed last, as far as it went; none before the first.
+  const std::optional<HeardKey>& LastKey() const { return lastKey_; }
+
   /// For a window's log.
   std::function<void(const RaisedEvent&)> OnEvent;
   std::function<void(const HostErrorRecord&)> OnError;
+  /// A key was let go that was held for more than one signal.
+  std::function<void(const HeardKey&)> OnHeldKey;
   /// What the plug-in logs besides, such as why a press raised no event.
   std::function<void(LogLevel, const std::string&)> OnLog;
   /// Runs when the view has shown another list or another highlighted row.
@@ -65,6 +71,10 @@ class PluginHost : private IHostEventSink {
   CreationContext WithOwnLog(CreationContext context);
   void TriggerInputEvent(HostInputEvent& objInputEvent) override;
   void TriggerInputErrorCondition(HostErrorRecord& objErr, bool& blnStopping) override;
+  void KeyPressed(const HeardKey& key) override;
+  void KeyHeld(const HeardKey& key) override;
+  void KeyReleased(const HeardKey& key) override;
+  void ReadBookIfChanged();
 
   EventBook& book_;
   EventActions& actions_;
@@ -74,7 +84,11 @@ class PluginHost : private IHostEventSink {
   IHostEventSource* events_;
   IEventCatalogue* catalogue_;
   IControlView* view_;
+  IKeySource* keys_;
   std::uint32_t cookie_;
+  std::uint32_t keyCookie_ = 0;
+  PressActions press_;
+  std::optional<HeardKey> lastKey_;
   bool started_ = false;
 };
 

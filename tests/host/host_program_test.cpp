@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "host/running_host.h"
@@ -78,6 +79,29 @@ TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
                "904 bytes more in this line\n", "Event 17: 998\n", "/bin/sh writes more than the 1000 lines",
                "5009 bytes that /bin/sh wrote were not logged", "/bin/sh ended with status 3"});
   EXPECT_EQ(host_.Log().find("Event 17: 999\n"), std::string::npos);
+}
+
+TEST_F(HostProgramTest, TellsOnePressAndDoesWhatIsDueInIt) {
+  app_.AddPowerEvent(R"([{"kind": "shell", "command": "echo pressed", "on": "press"},
+      {"kind": "shell", "command": "echo held", "on": "hold", "after_ms": 400},
+      {"kind": "shell", "command": "echo let go", "on": "release"}])");
+  std::ifstream sample(kPower);
+  std::string held((std::istreambuf_iterator<char>(sample)), {});
+  for (int ditto = 0; ditto < 20; ++ditto) held += "pulse 9100\nspace 2200\npulse 650\nspace 96000\n";
+  host_.Start({"--once", "--real-time", "--presses", "--json", "--replay", app_.Write("held.mode2", held)});
+  EXPECT_EQ(host_.Wait(), 0) << host_.Log();
+  std::string told;
+  for (const std::string& line : host_.Output()) {
+    told += nlohmann::json::parse(line).value("press", std::string("event")) + ' ';
+  }
+  EXPECT_EQ(told.find("press event hold event "), 0U) << told;
+  EXPECT_EQ(told.find("release "), told.size() - 8) << told;
+  for (const std::string text : {"pressed", "held", "let go"}) {
+    const std::string line = "Event 17: " + text + "\n";
+    const std::size_t first = host_.Log().find(line);
+    EXPECT_NE(first, std::string::npos) << text;
+    EXPECT_EQ(host_.Log().find(line, first + 1), std::string::npos) << text << " came twice";
+  }
 }
 
 TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStarted) {

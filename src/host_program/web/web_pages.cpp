@@ -103,6 +103,14 @@ std::string WebPages::Serve(const std::string& address, std::uint16_t port,
   return place + ", and at every address of this machine; under a name only if --http-name tells it";
 }
 
+QByteArray WebPages::LastKey() const {
+  const std::optional<HeardKey>& key = host_.LastKey();
+  if (!key) return {};
+  const std::string name = key->Command.empty() ? "code " + key->Code : key->Command;
+  return "<p>Last key: " + QString::fromStdString(name).toHtmlEscaped().toUtf8() + ", held for " +
+         QByteArray::number(key->HeldMs) + " ms, signals: " + QByteArray::number(key->Count) + "</p>\n";
+}
+
 QByteArray WebPages::Index() const {
   std::string version;
   host_.Plugin().InputGetPluginVersion(version);
@@ -115,7 +123,7 @@ QByteArray WebPages::Index() const {
 </head><body><h1>Plug-ins</h1>
 <ul><li><a href=")" +
          QByteArray(kPluginPath) + "\">InputKeplo</a> " + about.toHtmlEscaped().toUtf8() +
-         "</li></ul>\n</body></html>\n";
+         "</li></ul>\n" + LastKey() + "</body></html>\n";
 }
 
 QByteArray WebPages::PluginPage(const QHttpServerRequest& request) const {

@@ -28,6 +28,7 @@ class WebPages {
 
  private:
   QByteArray Index() const;
+  QByteArray LastKey() const;
   QByteArray PluginPage(const QHttpServerRequest& request) const;
 
   PluginHost& host_;

@@ -1,0 +1,67 @@
+#include "host_program/press_actions.h"
+
+#include <gtest/gtest.h>
+
+namespace keplo::host {
+
+namespace {
+
+using nlohmann::json;
+
+json Book(const std::string& action) {
+  return json::parse(R"({"17": {"actions": [{"kind": "run", "program": "a"}, )" + action + "]}}");
+}
+
+TEST(PressActions, RefuseWhatTheyDoNotKnowByItsPlace) {
+  struct Case {
+    const char *Action, *Mistake;
+  };
+  const Case cases[] = {
+      {R"({"on": "press"})", ""},
+      {R"({"on": "hold", "after_ms": 60000})", ""},
+      {R"("no object")", ""},
+      {R"({"on": "prss"})", R"("on" is "prss"; expected is "press")"},
+      {R"({"on": 5})", R"("on" is 5;)"},
+      {R"({"on": "press", "after_ms": 5})", R"("after_ms" stands without "on": "hold")"},
+      {R"({"on": "hold", "after_ms": -1})", R"("after_ms" is -1; expected is a whole number)"},
+      {R"({"on": "hold", "after_ms": "1"})", R"("after_ms" is "1";)"},
+  };
+  for (const Case& row : cases) {
+    const std::string mistake = MistakeInActions(Book(row.Action));
+    if (*row.Mistake == '\0') {
+      EXPECT_EQ(mistake, "") << row.Action;
+    } else {
+      EXPECT_NE(mistake.find(std::string("action 2 of event 17: ") + row.Mistake), std::string::npos)
+          << mistake;
+    }
+  }
+}
+
+TEST(PressActions, AreDueWhenTheySay) {
+  const json actions = json::parse(R"([{"n": "P", "on": "press"}, {"n": "E"}, {"n": "e", "on": "every"},
+      {"n": "H", "on": "hold", "after_ms": 900}, {"n": "h", "on": "hold"}, {"n": "R", "on": "release"}])");
+  PressActions press;
+  RaisedEvent event;
+  event.EventID = "17";
+  std::string due;
+  const auto raise = [&] {
+    for (const json& action : press.DueAt(event, actions)) due += action["n"].get<std::string>();
+    due += ' ';
+  };
+  for (int round = 0; round < 2; ++round) {
+    press.Begin();
+    raise();
+    for (const int heldMs : {499, 650, 1100, 1600}) {
+      press.GoOn(heldMs);
+      raise();
+    }
+    for (const RaisedEvent& raised : press.End()) due += raised.EventID;
+    due += PressActions::AtRelease(actions)[0]["n"].get<std::string>() + "; ";
+  }
+  EXPECT_EQ(due, "PEe Ee Eeh EeH Ee 17R; PEe Ee Eeh EeH Ee 17R; ");
+  EXPECT_TRUE(press.End().empty()) << "no event comes twice";
+}
+
+}  // namespace
+
+}  // namespace keplo::host
