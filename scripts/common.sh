@@ -4,7 +4,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
-build_packages=(g++ cmake libasound2-dev ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
+build_packages=(g++ cmake libasound2-dev libevdev-dev ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
   qt6-base-dev qt6-httpserver-dev qt6-websockets-dev)
 test_packages=(libgtest-dev pkg-config sqlite3 chromium fonts-dejavu-core xvfb xdotool)
 # A machine for the check on real drivers.

@@ -5,13 +5,16 @@
 
 namespace keplo::host {
 
-EventActions::EventActions(const HostLog& log) : log_(log) {
-  kinds_["run"] = [](const nlohmann::json& action) {
-    return ProgramCall{action.at("program").get<std::string>(),
-                       action.value("arguments", std::vector<std::string>())};
+EventActions::EventActions(const HostLog& log) : log_(log), keyboard_(log) {
+  kinds_["run"] = [this](const nlohmann::json& action, const RaisedEvent& event) {
+    Start({action.at("program").get<std::string>(), action.value("arguments", std::vector<std::string>())},
+          event);
   };
-  kinds_["shell"] = [](const nlohmann::json& action) {
-    return ProgramCall{"/bin/sh", {"-c", action.at("command").get<std::string>()}};
+  kinds_["shell"] = [this](const nlohmann::json& action, const RaisedEvent& event) {
+    Start({"/bin/sh", {"-c", action.at("command").get<std::string>()}}, event);
+  };
+  kinds_["key"] = [this](const nlohmann::json& action, const RaisedEvent& /*event*/) {
+    if (const auto code = KeyCodeOf(action.at("key").get<std::string>())) keyboard_.Press(*code);
   };
 }
 
@@ -35,10 +38,10 @@ void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event) {
       const auto known = kinds_.find(kind);
       if (known == kinds_.end()) {
         log_.Write(LogLevel::Warning, "Event " + event.EventID + ": there is no kind of action " + kind +
-                                          "; known are run and shell.");
+                                          "; known are run, shell and key.");
         continue;
       }
-      Start(known->second(action), event);
+      known->second(action, event);
     } catch (const nlohmann::json::exception& error) {
       log_.Write(LogLevel::Warning, "Event " + event.EventID + ": the action " + action.dump() +
                                         " is not complete: " + error.what());

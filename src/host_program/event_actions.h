@@ -9,13 +9,15 @@
 
 #include "host_program/action_program.h"
 #include "host_program/host_log.h"
+#include "host_program/keyboard.h"
 
 namespace keplo::host {
 
-/// Does what an event asks for. There are two kinds of action:
+/// Does what an event asks for. There are three kinds of action:
 ///
 ///     {"kind": "run", "program": "lamp", "arguments": ["on"]}    starts a program, without a shell
 ///     {"kind": "shell", "command": "lamp on >> log"}             hands a line to /bin/sh
+///     {"kind": "key", "key": "KEY_VOLUMEUP"}                     presses a key until ReleaseKeys
 ///
 /// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
 /// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
@@ -32,6 +34,10 @@ class EventActions {
   /// Does the actions of an event in order; one that cannot be done is logged and the next follows.
   void Do(const nlohmann::json& actions, const RaisedEvent& event);
 
+  /// Gets ready for an event that presses a key.
+  void PrepareKeys() { keyboard_.PlugIn(); }
+  void ReleaseKeys() { keyboard_.ReleaseAll(); }
+
   bool AnyRuns() const { return !programs_.empty(); }
   /// Asks the programs that run to end.
   void Terminate();
@@ -41,12 +47,13 @@ class EventActions {
   std::function<void()> AllEnded;
 
  private:
-  using Kind = std::function<ProgramCall(const nlohmann::json& action)>;
+  using Kind = std::function<void(const nlohmann::json& action, const RaisedEvent& event)>;
 
   void Start(const ProgramCall& call, const RaisedEvent& event);
   void Drop(ActionProgram* program);
 
   const HostLog& log_;
+  Keyboard keyboard_;
   std::map<std::string, Kind> kinds_;
   std::vector<std::unique_ptr<ActionProgram>> programs_;
 };

@@ -128,6 +128,14 @@ nlohmann::json EventBook::ActionsOf(const std::string& eventID) const {
   return actions != event->end() && actions->is_array() ? *actions : nlohmann::json::array();
 }
 
+bool EventBook::PressesKeys() const {
+  const auto& events = book_["events"].items();
+  return std::any_of(events.begin(), events.end(), [this](const auto& event) {
+    const nlohmann::json actions = ActionsOf(event.key());
+    return std::any_of(actions.begin(), actions.end(), IsKeyAction);
+  });
+}
+
 void EventBook::SetActions(const std::string& eventID, const nlohmann::json& actions) {
   Change([&](nlohmann::json& book) {
     auto& event = book["events"][eventID];

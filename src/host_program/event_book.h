@@ -42,6 +42,8 @@ class EventBook {
 
   /// The actions of an event in order, as last read; an array.
   nlohmann::json ActionsOf(const std::string& eventID) const;
+  /// Whether an event presses a key.
+  bool PressesKeys() const;
   /// Replaces the actions of an event and saves.
   /// @throws Failure if the file cannot be read or written
   void SetActions(const std::string& eventID, const nlohmann::json& actions);

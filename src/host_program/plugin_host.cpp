@@ -62,6 +62,7 @@ void PluginHost::Start() {
   if (plugin_->InputInitialise(velmora) != kInputDone) {
     throw Failure(EIO, "The plug-in did not come up.");
   }
+  if (book_.PressesKeys()) actions_.PrepareKeys();
   plugin_->InputStartMonitoring();
 }
 
@@ -74,6 +75,7 @@ void PluginHost::Stop() {
 void PluginHost::ReadAgain() {
   try {
     book_.Read();
+    if (book_.PressesKeys()) actions_.PrepareKeys();
     log_.Write(LogLevel::Notice,
                "What each event does was read again; changes of keplo.cfg and of the event map are taken in "
                "as they come.");
@@ -157,6 +159,7 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   if (OnEvent) OnEvent(event);
   ReadBookIfChanged();
   actions_.Do(press_.DueAt(event, book_.ActionsOf(event.EventID)), event);
+  if (keys_ == nullptr) actions_.ReleaseKeys();
 }
 
 void PluginHost::ReadBookIfChanged() {
@@ -182,6 +185,7 @@ void PluginHost::KeyHeld(const HeardKey& key) {
 void PluginHost::KeyReleased(const HeardKey& key) {
   lastKey_ = key;
   log_.Key("release", key);
+  actions_.ReleaseKeys();
   if (OnHeldKey && key.Count > 1) OnHeldKey(key);
   for (RaisedEvent& event : press_.End()) {
     event.Time = LocalTime();

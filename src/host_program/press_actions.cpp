@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "host_program/keyboard.h"
+
 namespace keplo::host {
 
 namespace {
@@ -22,6 +24,15 @@ std::string MomentOf(const nlohmann::json& action) {
   return action.is_object() ? action.value(kOn, std::string(kEvery)) : std::string(kEvery);
 }
 
+std::string MistakeInKey(const nlohmann::json& action) {
+  const nlohmann::json key = action.value("key", nlohmann::json());
+  if (!key.is_string() || !KeyCodeOf(key.get<std::string>())) {
+    return "\"key\" is " + key.dump() + "; expected is a name of the kernel's, such as \"KEY_VOLUMEUP\"";
+  }
+  if (!action.contains(kOn) && !action.contains(kAfter)) return {};
+  return R"("on" and "after_ms" do not go with "kind": "key", whose key is down from press to release)";
+}
+
 std::string MistakeIn(const nlohmann::json& action) {
   if (!action.is_object()) return {};
   const auto on = action.find(kOn);
@@ -31,6 +42,7 @@ std::string MistakeIn(const nlohmann::json& action) {
   if (!known) {
     return "\"on\" is " + on->dump() + "; expected is \"press\", \"every\", \"hold\" or \"release\"";
   }
+  if (IsKeyAction(action)) return MistakeInKey(action);
   const auto after = action.find(kAfter);
   if (after == action.end()) return {};
   if (MomentOf(action) != kHold) return R"("after_ms" stands without "on": "hold", to which it belongs)";
@@ -41,6 +53,10 @@ std::string MistakeIn(const nlohmann::json& action) {
 }
 
 }  // namespace
+
+bool IsKeyAction(const nlohmann::json& action) {
+  return action.is_object() && action.value("kind", nlohmann::json()) == "key";
+}
 
 void PressActions::Begin() {
   held_ = false;

@@ -46,7 +46,10 @@ class PressActions {
   std::map<std::string, Raised> raised_;  // by EventID, in this press
 };
 
-/// What is wrong with the words "on" and "after_ms" of the actions of a book, in a sentence without
+/// Whether an action presses a key.
+bool IsKeyAction(const nlohmann::json& action);
+
+/// What is wrong with the words "on", "after_ms" and "key" of the actions of a book, in a sentence without
 /// its end; empty if nothing is.
 /// @param events the object "events" of the book
 std::string MistakeInActions(const nlohmann::json& events);

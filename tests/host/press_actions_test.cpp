@@ -1,6 +1,13 @@
 #include "host_program/press_actions.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/input.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include "host_program/event_book.h"
+#include "host_program/keyboard.h"
 
 namespace keplo::host {
 
@@ -19,12 +26,17 @@ TEST(PressActions, RefuseWhatTheyDoNotKnowByItsPlace) {
   const Case cases[] = {
       {R"({"on": "press"})", ""},
       {R"({"on": "hold", "after_ms": 60000})", ""},
+      {R"({"kind": "key", "key": "KEY_MUTE"})", ""},
       {R"("no object")", ""},
       {R"({"on": "prss"})", R"("on" is "prss"; expected is "press")"},
       {R"({"on": 5})", R"("on" is 5;)"},
       {R"({"on": "press", "after_ms": 5})", R"("after_ms" stands without "on": "hold")"},
       {R"({"on": "hold", "after_ms": -1})", R"("after_ms" is -1; expected is a whole number)"},
       {R"({"on": "hold", "after_ms": "1"})", R"("after_ms" is "1";)"},
+      {R"({"kind": "key"})", R"("key" is null; expected is a name of the kernel's)"},
+      {R"({"kind": "key", "key": "BTN_LEFT"})", R"("key" is "BTN_LEFT";)"},
+      {R"({"kind": "key", "key": "KEY_MUTE", "on": "press"})",
+       R"("on" and "after_ms" do not go with "kind": "key")"},
   };
   for (const Case& row : cases) {
     const std::string mistake = MistakeInActions(Book(row.Action));
@@ -60,6 +72,32 @@ TEST(PressActions, AreDueWhenTheySay) {
   }
   EXPECT_EQ(due, "PEe Ee Eeh EeH Ee 17R; PEe Ee Eeh EeH Ee 17R; ");
   EXPECT_TRUE(press.End().empty()) << "no event comes twice";
+}
+
+TEST(Keyboard, PressesAKeyOfTheKernelUntilItIsReleased) {
+  const HostLog log(false, {});
+  Keyboard keyboard(log);
+  keyboard.PlugIn();
+  if (keyboard.DeviceNode().empty()) GTEST_SKIP() << "there is no /dev/uinput, or no right to it";
+  const int device = open(keyboard.DeviceNode().c_str(), O_RDONLY | O_CLOEXEC);
+  if (device < 0) GTEST_SKIP() << keyboard.DeviceNode() << " cannot be read";
+  std::vector<int> values;  // 1 down, 2 repeated by the kernel, 0 up
+  const auto read = [&](int last) {
+    pollfd input = {device, POLLIN, 0};
+    input_event event{};
+    while ((values.empty() || values.back() != last) && poll(&input, 1, 60000) == 1 &&
+           ::read(device, &event, sizeof event) == sizeof event) {
+      if (event.type == EV_KEY && event.code == KEY_VOLUMEUP) values.push_back(event.value);
+    }
+  };
+  keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"));
+  keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"));
+  read(2);
+  EXPECT_EQ(values, (std::vector<int>{1, 2}));
+  keyboard.ReleaseAll();
+  read(0);
+  EXPECT_EQ(values.back(), 0);
+  close(device);
 }
 
 }  // namespace

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "host_program/host_log.h"
+
+struct libevdev_uinput;
+
+namespace keplo::host {
+
+/// The code of a key by the kernel's name for it, such as KEY_VOLUMEUP; nothing for what is no name of a key.
+std::optional<unsigned> KeyCodeOf(const std::string& name);
+
+/// A keyboard of the kernel's, whose keys remotes press. The kernel repeats a key that is down, and lets it
+/// go however the host ends.
+class Keyboard {
+ public:
+  explicit Keyboard(const HostLog& log);
+  ~Keyboard();
+
+  /// Makes the keyboard known to the system, unless that was tried before. Programs need a moment to find it,
+  /// so do this before a key is pressed. What does not work is logged with the way out.
+  void PlugIn();
+  /// A key that is down stays down.
+  void Press(unsigned code);
+  void ReleaseAll();
+  /// Where its events can be read; empty without one.
+  std::string DeviceNode() const;
+
+ private:
+  struct Unplug {
+    void operator()(libevdev_uinput* device) const;
+  };
+
+  void Write(unsigned code, int value);
+
+  const HostLog& log_;
+  std::unique_ptr<libevdev_uinput, Unplug> device_;
+  bool tried_ = false;
+  std::set<unsigned> down_;
+};
+
+}  // namespace keplo::host
