@@ -186,9 +186,9 @@ class Keplo {
   TickReport lastTick_;
   HeldKey key_;
   AirTime onAir_;                             // of the last capture
-  std::chrono::microseconds captured_{0};     // when it was taken
+  std::chrono::microseconds lookedAt_{0};     // when the line was looked at last
   std::chrono::microseconds watchedFrom_{0};  // when the line was looked at again after a pause
-  bool lookedAway_ = false;
+  bool lookedAway_ = false;                   // a capture was taken since
   bool kept_ = false;  // the line had the last capture ready: it was on air before the tick
 };
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "shell/keplo.h"
 #include "signal/capture_trim.h"
@@ -13,8 +14,9 @@ namespace {
 using std::chrono::microseconds;
 using std::chrono_literals::operator""ms;
 
-/// A tick without an event ends so soon that no frame slips by.
-constexpr microseconds kBlink = 10ms;
+/// No frame slips by between two looks that are no further apart, as those before and after a tick without an
+/// event are.
+constexpr microseconds kBlink = 20ms;
 
 microseconds TimeOfSamples(double samples) {
   return microseconds(static_cast<std::int64_t>(samples * kNominalSampleTime));
@@ -31,20 +33,21 @@ microseconds LengthOfSignal(const std::string& capture) {
 }  // namespace
 
 void Keplo::LookAgain() {
-  lookedAway_ = false;
   const microseconds now = LineTime();
-  watchedFrom_ = now - captured_ > kBlink ? now : microseconds(0);
+  if (std::exchange(lookedAway_, false)) watchedFrom_ = 0ms;
+  if (now - lookedAt_ > kBlink) watchedFrom_ = now;
+  lookedAt_ = now;
 }
 
 void Keplo::TimeCapture(microseconds begin) {
   const std::string& capture = mod_.Signal.RawCapture;
   const microseconds signal = LengthOfSignal(capture);
-  captured_ = LineTime();
+  lookedAt_ = LineTime();
   lookedAway_ = true;
   // A line that has kept the signal of a pause hands it out at once, and those after it.
   const bool behindPause = kept_ || watchedFrom_ > 0ms;
-  kept_ = behindPause && 2 * (captured_ - begin) < signal;
-  onAir_ = {begin, std::min(begin + signal, captured_),
+  kept_ = behindPause && 2 * (lookedAt_ - begin) < signal;
+  onAir_ = {begin, std::min(begin + signal, lookedAt_),
             TimeOfSamples(static_cast<double>(capture.size()) * 8) - signal, watchedFrom_};
 }
 

@@ -41,7 +41,7 @@ void Keplo::Reporting(Part part) {
 
 void Keplo::Tick() {
   lastTick_.Captured = false;
-  if (lookedAway_) LookAgain();
+  if (lookedAway_ || key_.Pressed()) LookAgain();
   if (LineIsAtRest()) return LetGoIfOver();
   lastTick_ = TickReport{};
   lastTick_.Captured = true;
