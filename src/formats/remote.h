@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,11 +41,10 @@ struct Pulse {
 /// How digits become marks and spaces. All lengths are microseconds on air: no excess of a receiver.
 struct Coding {
   LineCode Line = LineCode::Distance;
-  int Unit = 0;      // of which all lengths are multiples, or nearly so
-  Pulse Sync;        // ahead of the digits; both 0 where there is none
-  Pulse Zero, One;   // One has the longer space (Distance) or mark (Width); Biphase: the halves of a digit
-  int Tail = 0;      // closing mark behind the last digit; 0 where there is none
-  int LeadMark = 0;  // a mark of its own ahead of the digits that is no sync, as lircd's plead; 0: none
+  int Unit = 0;     // of which all lengths are multiples, or nearly so
+  Pulse Sync;       // ahead of the digits; both 0 where there is none
+  Pulse Zero, One;  // One has the longer space (Distance) or mark (Width); Biphase: the halves of a digit
+  int Tail = 0;     // closing mark behind the last digit; 0 where there is none
 
   bool HasSync() const { return Sync.Mark > 0; }
   bool operator==(const Coding&) const = default;
@@ -89,7 +89,8 @@ struct Remote {
   std::vector<RemoteKey> Keys;
 };
 
-/// What a reader or writer has to tell of one place of a file; the other keys go on.
+/// What a reader or writer has to tell of one place of a file; the other keys go on. A key that is left out
+/// tells its reason itself.
 struct Complaint {
   std::string File;
   int Line = 0;      // 0 if there is none
@@ -122,6 +123,10 @@ struct SlotPatterns {
 /// @return none where no slot keeps each mark and space within half of one
 std::optional<SlotPatterns> PatternsOf(const Coding& coding);
 
+/// The length of which all lengths of the digits are multiples, or nearly so: the largest one that a mark and
+/// the shorter space make.
+int UnitOf(const Coding& coding);
+
 /// Length of the frame of these digits from its first mark to its last, microseconds.
 int FrameTime(const CodedSignal& signal);
 
@@ -150,7 +155,7 @@ struct RemoteFormat {
 };
 
 /// All formats, in the order in which a text is asked whether it is of one.
-const std::vector<RemoteFormat>& RemoteFormats();
+std::span<const RemoteFormat> RemoteFormats();
 
 /// The format of that name.
 /// @throws FormatError that names all formats if there is none

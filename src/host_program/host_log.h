@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "host/component_entry.h"
 #include "host/host_records.h"

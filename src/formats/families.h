@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "formats/remote.h"
+
+namespace keplo {
+
+/// What remotes of one protocol have in common.
+struct Family {
+  std::string_view Name;
+  int Digits;  // of a frame; 0 where there are several lengths
+  Coding Code;
+  Repeat Again;
+  int Carrier;  // Hz
+};
+
+/// The family of that name.
+/// @throws std::logic_error for a name that is not in the table
+const Family& FamilyNamed(std::string_view name);
+
+/// The family whose lengths these are, within what receivers and rounding do to them, and which has frames of
+/// so many digits.
+/// @param carrier decides between families of equal lengths
+const Family* FamilyOf(const CodedSignal& signal, std::optional<int> carrier);
+
+/// ReadDigits, and what the family of the signal says where the press does not show it.
+/// @param carrier of the press, Hz
+std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier);
+
+CodedSignal SignalOf(const Family& family, std::string digits);
+
+/// Digits one field after another, in the order on air.
+class DigitText {
+ public:
+  /// The lowest bits of a value, the lowest first.
+  DigitText& Low(std::uint64_t value, int bits);
+  /// The lowest bits of a value, the highest first.
+  DigitText& High(std::uint64_t value, int bits);
+  std::string Take() { return std::move(digits_); }
+
+ private:
+  std::string digits_;
+};
+
+/// The value of digits whose first is the lowest.
+std::uint64_t LowFirst(std::string_view digits);
+/// The value of digits whose first is the highest.
+std::uint64_t HighFirst(std::string_view digits);
+
+/// Whether two runs of digits are of equal length and differ everywhere.
+bool AreInverse(std::string_view left, std::string_view right);
+
+}  // namespace keplo

@@ -1,0 +1,111 @@
+#include <algorithm>
+#include <array>
+#include <system_error>
+
+#include "disk/read_input.h"
+#include "formats/families.h"
+#include "formats/recording.h"
+#include "formats/remote.h"
+#include "formats/trade/reading.h"
+#include "formats/trade/trade_formats.h"
+
+namespace keplo {
+
+namespace {
+
+/// The table lives as long as the program, but its rows are built in files whose order at start is not told.
+std::span<const RemoteFormat> AllFormats() {
+  using namespace trade;
+  static const std::array kAll = {kFlipperFormat, kLircFormat,    kGirrFormat,          kKeymapFormat,
+                                  kEsphomeFormat, kTasmotaFormat, kHomeAssistantFormat, kSmartIrFormat,
+                                  kIrdbFormat,    kPulseFormat,   kSignedFormat,        kProntoFormat};
+  return kAll;
+}
+
+std::string AllNames() {
+  std::string names;
+  for (const RemoteFormat& format : AllFormats()) {
+    if (!names.empty()) names += ", ";
+    names += format.Name;
+  }
+  return names;
+}
+
+void RefuseWhatIsNoText(std::string_view text, const std::string& path) {
+  if (text.size() > kLargestRecording) {
+    throw FormatError(path + ": larger than the " + std::to_string(kLargestRecording) +
+                      " bytes that a file of remotes may have");
+  }
+  if (const std::size_t place = text.find('\0'); place != std::string_view::npos) {
+    const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n');
+    throw FormatError(path + ", line " + std::to_string(line) +
+                      ": found a byte of value 0, expected text; save the file as UTF-8");
+  }
+}
+
+const RemoteFormat& DetectFormat(std::string_view text, const std::string& path) {
+  const std::span<const RemoteFormat> all = AllFormats();
+  const auto found =
+      std::find_if(all.begin(), all.end(), [&](const RemoteFormat& format) { return format.Detect(text); });
+  if (found == all.end()) {
+    throw FormatError(path + ": it is of no known format; tried were " + AllNames() +
+                      ". Name the format if you know it");
+  }
+  return *found;
+}
+
+}  // namespace
+
+std::string Complaint::Message() const {
+  std::string text = File;
+  const auto add = [&](const std::string& part) { text += (text.empty() ? "" : ", ") + part; };
+  if (Line > 0) add("line " + std::to_string(Line));
+  if (!Key.empty()) add("key " + trade::Quoted(Key));
+  return text.empty() ? Text : text + ": " + Text;
+}
+
+std::span<const RemoteFormat> RemoteFormats() { return AllFormats(); }
+
+const RemoteFormat& RemoteFormatNamed(std::string_view name) {
+  for (const RemoteFormat& format : AllFormats()) {
+    if (trade::SameNoCase(format.Name, name)) return format;
+  }
+  throw FormatError("There is no format " + trade::Quoted(name) + "; expected one of " + AllNames());
+}
+
+RemoteFile ReadRemotes(std::string_view text, const std::string& path, std::string_view format) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  RefuseWhatIsNoText(text, path);
+  const RemoteFormat& chosen = format.empty() ? DetectFormat(text, path) : RemoteFormatNamed(format);
+  RemoteFile file;
+  file.Format = chosen.Name;
+  chosen.Read(text, path, file);
+  for (Remote& remote : file.Remotes) {
+    for (RemoteKey& key : remote.Keys) {
+      if (!key.Coded && !key.Lengths.empty()) key.Coded = ReadPress(key.Lengths, key.Carrier);
+    }
+  }
+  std::erase_if(file.Remotes, [](const Remote& remote) { return remote.Keys.empty(); });
+  if (file.Remotes.empty() && file.Complaints.empty()) {
+    throw FormatError(path + ": there is no key in it, read as " + std::string(chosen.Name));
+  }
+  return file;
+}
+
+RemoteFile LoadRemotes(const std::string& path, std::string_view format) {
+  const std::string name = path == "-" ? "standard input" : path;
+  std::string text;
+  try {
+    text = ReadInput(path, kLargestRecording);
+  } catch (const std::system_error& error) {
+    throw FormatError(name + ": cannot be read: " + error.code().message());
+  }
+  return ReadRemotes(text, name, format);
+}
+
+std::string WriteRemotes(std::string_view format, const std::vector<Remote>& remotes,
+                         std::vector<Complaint>& told) {
+  return RemoteFormatNamed(format).Write(remotes, told);
+}
+
+}  // namespace keplo

@@ -1,0 +1,323 @@
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <pugixml.hpp>
+
+#include "formats/families.h"
+#include "formats/irp.h"
+#include "formats/trade/pronto_text.h"
+#include "formats/trade/reading.h"
+#include "formats/trade/trade_formats.h"
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr std::size_t kLargestXml = std::size_t{8} * 1024 * 1024;  // bytes; its tree takes many times as much
+constexpr int kDeepestSet = 32;                                    // sets of commands within each other
+
+/// The name of an element without its namespace.
+std::string_view LocalName(const pugi::xml_node& node) {
+  const std::string_view name = node.name();
+  return name.substr(name.find(':') + 1);  // npos + 1 is 0
+}
+
+/// Parameters of a protocol, as a set hands them down to its commands.
+struct GirrParameters {
+  std::string Protocol;
+  ProtocolValues Values;
+};
+
+/// A number that a file may write with a fraction.
+std::optional<std::int64_t> RoundedNumber(std::string_view word) {
+  if (word.starts_with('+') || word.starts_with('-')) word.remove_prefix(1);
+  double value = 0;
+  const char* const last = word.data() + word.size();
+  const auto [end, error] = std::from_chars(word.data(), last, value, std::chars_format::fixed);
+  if (error != std::errc() || end != last || value > 1e9) return std::nullopt;
+  return std::llround(value);
+}
+
+void ReadDurations(const pugi::xml_node& part, LengthList& lengths) {
+  const auto add = [&](std::string_view word) {
+    const std::optional<std::int64_t> length = RoundedNumber(word);
+    if (!length) return lengths.Refuse("found " + Quoted(word) + ", expected a length in microseconds");
+    lengths.Add(*length);
+  };
+  for (const pugi::xml_node& child : part.children()) {
+    if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+      std::string_view text = child.value();
+      for (std::string_view word = TakeWord(text); !word.empty(); word = TakeWord(text)) add(word);
+    } else if (LocalName(child) == "flash" || LocalName(child) == "gap") {
+      add(Trimmed(child.text().get()));
+    }
+  }
+}
+
+class GirrReader {
+ public:
+  GirrReader(std::string_view text, const std::string& path, RemoteFile& file) : reading_(path, file) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text[i] == '\n') lineEnds_.push_back(i);
+    }
+  }
+
+  void Read(const pugi::xml_document& document) { ReadSet(document, {}, 0); }
+
+ private:
+  int LineOf(const pugi::xml_node& node) const {
+    const auto place = static_cast<std::size_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
+    return static_cast<int>(std::lower_bound(lineEnds_.begin(), lineEnds_.end(), place) - lineEnds_.begin()) +
+           1;
+  }
+
+  void ReadSet(const pugi::xml_node& set, GirrParameters inherited, int depth) {
+    if (depth == kDeepestSet) {
+      return reading_.Complain(LineOf(set), "found sets more than " + std::to_string(kDeepestSet) +
+                                                " deep within each other, expected fewer");
+    }
+    for (const pugi::xml_node& child : set.children()) {
+      if (LocalName(child) == "parameters") TakeParameters(child, inherited);
+    }
+    for (const pugi::xml_node& child : set.children()) {
+      const std::string_view name = LocalName(child);
+      if (name == "command") {
+        ReadCommand(child, inherited);
+      } else if (name == "remote") {
+        reading_.BeginRemote(child.attribute("name").value());
+        ReadSet(child, inherited, depth + 1);
+      } else if (name == "remotes" || name == "commandSet") {
+        ReadSet(child, inherited, depth + 1);
+      }
+    }
+  }
+
+  static void SetValue(ProtocolValues& values, std::string_view name, std::string_view text) {
+    const std::optional<std::int64_t> number =
+        StartsNoCase(text, "0x") ? NumberOf(text.substr(2), 16) : NumberOf(text);
+    // What is no number fits no protocol.
+    constexpr long kWrong = 1L << 30;
+    const long value = number && std::abs(*number) < kWrong ? static_cast<long>(*number) : kWrong;
+    if (name == "D") values.D = value;
+    if (name == "S") values.S = value;
+    if (name == "F") values.F = value;
+    if (name == "T") values.T = value;
+    if (name == "PairID") values.Pair = value;
+  }
+
+  static void TakeParameters(const pugi::xml_node& node, GirrParameters& parameters) {
+    if (const auto protocol = node.attribute("protocol")) parameters.Protocol = protocol.value();
+    for (const pugi::xml_node& child : node.children()) {
+      if (LocalName(child) != "parameter") continue;
+      SetValue(parameters.Values, child.attribute("name").value(), child.attribute("value").value());
+    }
+  }
+
+  void ReadCommand(const pugi::xml_node& command, GirrParameters parameters) {
+    RemoteKey key;
+    key.Line = LineOf(command);
+    if (const auto name = command.attribute("name")) key.Name = name.value();
+    bool hasRaw = false, hasCcf = false;
+    for (const pugi::xml_node& child : command.children()) {
+      const std::string_view name = LocalName(child);
+      if (name == "parameters") TakeParameters(child, parameters);
+      hasRaw |= name == "raw";
+      hasCcf |= name == "ccf";
+    }
+    if (const auto function = command.attribute("F")) SetValue(parameters.Values, "F", function.value());
+    if (!parameters.Protocol.empty()) key.Protocol = parameters.Protocol;
+    const std::string_view master = command.attribute("master").value();
+    std::string why = "found neither parameters nor lengths";
+    // The true form first; the others stand in for it.
+    std::array<std::string_view, 4> order = {master.empty() ? "raw" : master, "raw", "ccf", "parameters"};
+    if (master == "parameters") std::swap(order[1], order[3]);
+    for (const std::string_view form : order) {
+      if (form == "raw" && hasRaw) why = TakeForms(command, "raw", key);
+      if (form == "ccf" && hasCcf) why = TakeForms(command, "ccf", key);
+      if (form == "parameters" && !parameters.Protocol.empty()) {
+        why = TakeValues(parameters.Protocol, parameters.Values, key);
+        if (!why.empty()) why = parameters.Protocol + ": " + why;
+      }
+      if (why.empty()) break;
+    }
+    if (why.empty()) return reading_.Add(std::move(key));
+    reading_.Skip(std::move(key), std::move(why));
+  }
+
+  /// The forms of both toggles, if there are two.
+  static std::string TakeForms(const pugi::xml_node& command, std::string_view form, RemoteKey& key) {
+    std::string why;
+    bool taken = false;
+    for (const pugi::xml_node& child : command.children()) {
+      if (LocalName(child) != form) continue;
+      RemoteKey one;
+      why = form == "raw" ? TakeGirrRaw(child, one) : TakeProntoText(child.text().get(), one);
+      if (!why.empty()) return why;
+      if (!taken) {
+        key.Coded = one.Coded;
+        key.Carrier = one.Carrier;
+        key.Lengths = std::move(one.Lengths);
+      } else if (key.Toggled.empty() && one.Lengths != key.Lengths) {
+        key.Toggled = std::move(one.Lengths);
+      }
+      taken = true;
+    }
+    return why;
+  }
+
+  static std::string TakeGirrRaw(const pugi::xml_node& raw, RemoteKey& key) {
+    LengthList intro, repeat;
+    for (const pugi::xml_node& part : raw.children()) {
+      if (LocalName(part) == "intro") ReadDurations(part, intro);
+      if (LocalName(part) == "repeat") ReadDurations(part, repeat);
+    }
+    if (!intro.Fault().empty()) return intro.Fault();
+    if (!repeat.Fault().empty()) return repeat.Fault();
+    if (const auto frequency = raw.attribute("frequency")) {
+      const std::optional<std::int64_t> carrier = RoundedNumber(frequency.value());
+      if (!carrier || *carrier > kMostCarrier)
+        return "found the frequency " + Quoted(frequency.value()) + ", expected a carrier in Hz";
+      key.Carrier = static_cast<int>(*carrier);
+    }
+    key.Lengths = intro.Take();
+    const PulseTrain again = repeat.Take();
+    if (key.Lengths.empty() && again.empty()) return "there are no lengths";
+    const bool onlyRepeat = key.Lengths.empty();
+    // A part that ends in a mark has no gap behind it to go on from.
+    if (key.Lengths.size() % 2 == 0) key.Lengths.insert(key.Lengths.end(), again.begin(), again.end());
+    if (onlyRepeat && again.size() % 2 == 0) {
+      PulseTrain twice = again;
+      twice.insert(twice.end(), again.begin(), again.end());
+      key.Coded = ReadPress(twice, key.Carrier);
+    }
+    return {};
+  }
+
+  FileReading reading_;
+  std::vector<std::size_t> lineEnds_;
+};
+
+void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) {
+  if (text.size() > kLargestXml) {
+    throw FormatError(path + ": larger than the " + std::to_string(kLargestXml) +
+                      " bytes that a Girr file may have");
+  }
+  pugi::xml_document document;
+  const pugi::xml_parse_result result =
+      document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+  if (!result) {
+    const auto end =
+        text.begin() + std::min<std::ptrdiff_t>(result.offset, static_cast<std::ptrdiff_t>(text.size()));
+    const auto line = 1 + std::count(text.begin(), end, '\n');
+    FileReading(path, file).Complain(static_cast<int>(line), std::string("no XML: ") + result.description());
+  }
+  // What stands ahead of a fault is read all the same.
+  GirrReader(text, path, file).Read(document);
+}
+
+bool IsGirr(std::string_view text) {
+  if (!Trimmed(text).starts_with('<')) return false;
+  return text.find("remote") != std::string_view::npos &&
+         (text.find("<command") != std::string_view::npos ||
+          text.find(":command") != std::string_view::npos || text.find("irr") != std::string_view::npos);
+}
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\n':
+        escaped += "&#10;";
+        break;
+      case '\r':
+        escaped += "&#13;";
+        break;
+      case '\t':
+        escaped += "&#9;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+void WritePart(std::string_view name, PulseTrain part, int silence, std::string& text) {
+  if (part.empty()) return;
+  if (part.size() % 2 != 0) part.push_back(silence);
+  text += '<' + std::string(name) + '>';
+  for (std::size_t i = 0; i < part.size(); ++i) {
+    text += (i == 0 ? "+" : i % 2 == 0 ? " +" : " -") + std::to_string(part[i]);
+  }
+  text += "</" + std::string(name) + '>';
+}
+
+void WriteGirrRaw(const RemoteKey& key, const PulseTrain& press, std::string_view toggle, std::string& text) {
+  PulseTrain intro = press, repeat;
+  if (key.Coded && key.Coded->Again.Kind != RepeatKind::Unknown &&
+      key.Coded->Again.Kind != RepeatKind::None) {
+    const PulseTrain whole = PressLengths(*key.Coded, 1);
+    intro = FrameLengths(*key.Coded);
+    repeat.assign(whole.begin() + static_cast<std::ptrdiff_t>(intro.size()) + 1, whole.end());
+    if (key.Coded->Again.Kind == RepeatKind::Frame) intro.clear();
+  }
+  text += "    <raw frequency=\"" + std::to_string(CarrierOf(key)) + '"' + std::string(toggle) + '>';
+  WritePart("intro", intro, ClosingSilence(key), text);
+  WritePart("repeat", repeat, ClosingSilence(key), text);
+  text += "</raw>\n";
+}
+
+void WriteValues(const NamedValues& named, std::string& text) {
+  text += "    <parameters protocol=\"" + Lower(named.Protocol) + "\">\n";
+  const std::array<std::pair<std::string_view, long>, 3> values = {
+      std::pair{std::string_view("D"), named.Values.D}, std::pair{std::string_view("S"), named.Values.S},
+      std::pair{std::string_view("F"), named.Values.F}};
+  for (const auto& [name, value] : values) {
+    if (value < 0) continue;
+    text += "     <parameter name=\"" + std::string(name) + "\" value=\"" + std::to_string(value) + "\"/>\n";
+  }
+  text += "    </parameters>\n";
+}
+
+std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>& /*told*/) {
+  std::string text =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<remotes xmlns=\"http://www.harctoolbox.org/Girr\" girrVersion=\"1.2\">\n";
+  std::size_t number = 0;
+  for (const Remote& remote : remotes) {
+    text += " <remote name=\"" + Escaped(remote.Name) + "\">\n  <commandSet name=\"commandSet\">\n";
+    for (const RemoteKey& key : remote.Keys) {
+      ++number;
+      if (!key.Coded && key.Lengths.empty()) continue;
+      const std::optional<NamedValues> named = ValuesOf(key);
+      text += "   <command name=\"" + Escaped(NameFor(key, number)) + "\" master=\"" +
+              (named ? "parameters" : "raw") + "\">\n";
+      if (named) WriteValues(*named, text);
+      const bool both = !key.Toggled.empty();
+      WriteGirrRaw(key, PressOf(key), both ? " T=\"0\"" : "", text);
+      if (both) WriteGirrRaw(key, key.Toggled, " T=\"1\"", text);
+      text += "   </command>\n";
+    }
+    text += "  </commandSet>\n </remote>\n";
+  }
+  return text + "</remotes>\n";
+}
+
+}  // namespace
+
+const RemoteFormat kGirrFormat = {"girr", "Girr XML", IsGirr, ReadGirr, WriteGirr};
+
+}  // namespace keplo::trade

@@ -1,0 +1,365 @@
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+
+#include "formats/families.h"
+#include "formats/trade/reading.h"
+#include "formats/trade/scancode.h"
+#include "formats/trade/trade_formats.h"
+#include "formats/train_writer.h"
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr std::size_t kLargestToml =
+    std::size_t{2} * 1024 * 1024;             // bytes; its tree takes many times as much
+constexpr int kLongestKeymapLength = 65'535;  // microseconds
+
+std::string TextOf(const toml::table& table, std::string_view name) {
+  return table[name].value_or(std::string());
+}
+
+/// The kernel's protocol that a section means by a value: the shortest form that it fits.
+std::string ProtocolOf(const std::string& protocol, const std::string& variant, std::uint64_t value) {
+  const std::string family = Lower(protocol), form = Lower(variant);
+  if (family == "nec" || family == "necx" || family == "nec32") {
+    return value <= 0xFFFF ? "nec" : value <= 0xFF'FFFF ? "necx" : "nec32";
+  }
+  if (!form.empty()) return form;
+  if (family == "sony") return (value & 0xFF00U) != 0 ? "sony20" : value > 0x1F'FFFF ? "sony15" : "sony12";
+  if (family == "rc6" || family == "rc-6") {
+    if (value <= 0xFFFF) return "rc6_0";
+    if (value <= 0xF'FFFF) return "rc6_6a_20";
+    if (value <= 0xFF'FFFF) return "rc6_6a_24";
+    return value >> 16U == 0x800F ? "rc6_mce" : "rc6_6a_32";
+  }
+  return family == "rc-5" ? "rc5" : family;
+}
+
+/// Digits as the section itself describes them.
+class BitCoding {
+ public:
+  BitCoding(const toml::table& section, bool distance) : section_(section), distance_(distance) {}
+
+  std::string Take(std::uint64_t value, RemoteKey& key) const {
+    const auto bits = section_["bits"].value_or(std::int64_t{4});
+    if (bits < 1 || bits > 64) return "found " + std::to_string(bits) + " bits, expected 1 to 64";
+    if (bits < 64 && value >> static_cast<unsigned>(bits) != 0)
+      return "the code has more than the " + std::to_string(bits) + " bits of its section";
+    DigitText digits;
+    const bool reverse = section_["reverse"].value_or(std::int64_t{0}) != 0;
+    const std::string text =
+        (reverse ? digits.Low(value, static_cast<int>(bits)) : digits.High(value, static_cast<int>(bits)))
+            .Take();
+    if (const auto carrier = section_["carrier"].value<std::int64_t>();
+        carrier && *carrier >= 0 && *carrier <= kMostCarrier) {
+      key.Carrier = static_cast<int>(*carrier);
+    }
+    key.Coded = distance_ ? DistanceSignal(text) : std::nullopt;
+    if (key.Coded) return {};
+    key.Lengths = Frame(text);
+    return key.Lengths.empty() ? "the section's lengths are out of range" : "";
+  }
+
+ private:
+  int Length(std::string_view name, int usual) const {
+    const auto length = section_[name].value_or(std::int64_t{usual});
+    return length >= 0 && length <= kLongestPulse ? static_cast<int>(length) : 0;
+  }
+
+  Pulse Header() const { return {Length("header_pulse", 2125), Length("header_space", 1875)}; }
+
+  Pulse Bit(bool one) const {
+    if (distance_)
+      return {Length("bit_pulse", 625), one ? Length("bit_1_space", 1625) : Length("bit_0_space", 375)};
+    return {one ? Length("bit_1_pulse", 1625) : Length("bit_0_pulse", 375), Length("bit_space", 625)};
+  }
+
+  std::optional<CodedSignal> DistanceSignal(std::string digits) const {
+    CodedSignal signal;
+    Coding& code = signal.Code;
+    code.Line = LineCode::Distance;
+    code.Sync = Header();
+    code.Tail = Length("trailer_pulse", 625);
+    code.Zero = Bit(false);
+    code.One = Bit(true);
+    if (code.Zero.Space == code.One.Space || code.Tail == 0 || code.Zero.Mark == 0) return std::nullopt;
+    if (code.Zero.Space > code.One.Space) {
+      std::swap(code.Zero, code.One);
+      for (char& digit : digits) digit = digit == '0' ? '1' : '0';
+    }
+    code.Unit = UnitOf(code);
+    signal.Digits = std::move(digits);
+    return signal;
+  }
+
+  PulseTrain Frame(std::string_view digits) const {
+    TrainWriter train;
+    train.Mark(Header().Mark);
+    train.Space(Header().Space);
+    for (const char digit : digits) {
+      train.Mark(Bit(digit == '1').Mark);
+      train.Space(Bit(digit == '1').Space);
+    }
+    train.Mark(Length("trailer_pulse", 625));
+    return train.TakeMarkLast();
+  }
+
+  const toml::table& section_;
+  bool distance_;
+};
+
+class KeymapReader {
+ public:
+  KeymapReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
+
+  void Read(const toml::table& root) {
+    const toml::array* const sections = root["protocols"].as_array();
+    if (sections == nullptr) return reading_.Complain(1, "found no [[protocols]], expected one or more");
+    for (const toml::node& node : *sections) {
+      if (const toml::table* const section = node.as_table()) ReadSection(*section);
+    }
+  }
+
+ private:
+  static int LineOf(const toml::source_region& source) { return static_cast<int>(source.begin.line); }
+
+  void ReadSection(const toml::table& section) {
+    const std::string name = TextOf(section, "name");
+    reading_.BeginRemote(name.empty() ? NameOfPath(reading_.Path()) : name);
+    protocol_ = TextOf(section, "protocol");
+    variant_ = TextOf(section, "variant");
+    if (Lower(protocol_) == "raw") return ReadRawKeys(section);
+    const toml::table* const codes = section["scancodes"].as_table();
+    if (codes == nullptr) {
+      return reading_.Complain(LineOf(section.source()),
+                               "found no [protocols.scancodes] in " + Quoted(name) + ", expected codes");
+    }
+    // A table of the library is sorted by its keys, and the file's order is by its lines.
+    std::vector<std::pair<const toml::key*, const toml::node*>> rows;
+    for (const auto& [code, keycode] : *codes) rows.emplace_back(&code, &keycode);
+    std::stable_sort(rows.begin(), rows.end(), [](const auto& left, const auto& right) {
+      return left.first->source().begin.line < right.first->source().begin.line;
+    });
+    for (const auto& [code, keycode] : rows) ReadScancode(section, *code, *keycode);
+  }
+
+  void ReadScancode(const toml::table& section, const toml::key& code, const toml::node& keycode) {
+    RemoteKey key;
+    key.Line = LineOf(code.source());
+    key.Name = keycode.value_or(std::string());
+    key.Protocol = protocol_;
+    const std::optional<std::uint64_t> value = CNumberOf(code.str());
+    std::string why = value ? Take(section, *value, key)
+                            : "found " + Quoted(code.str()) + ", expected a scancode such as 0x41";
+    if (why.empty()) return reading_.Add(std::move(key));
+    reading_.Skip(std::move(key), std::move(why));
+  }
+
+  std::string Take(const toml::table& section, std::uint64_t value, RemoteKey& key) const {
+    const std::string name = Lower(protocol_);
+    if (name == "pulse_distance" || name == "pulse_length")
+      return BitCoding(section, name == "pulse_distance").Take(value, key);
+    if (name == "unknown" || name == "other" || name == "none") {
+      return "the protocol is " + Quoted(name) + ": codes of a device's own driver, without lengths";
+    }
+    return TakeScancode(ProtocolOf(protocol_, variant_, value), value, key);
+  }
+
+  void ReadRawKeys(const toml::table& section) {
+    const toml::array* const rows = section["raw"].as_array();
+    if (rows == nullptr)
+      return reading_.Complain(LineOf(section.source()), "found no \"raw\", expected a list of keys");
+    for (const toml::node& node : *rows) {
+      const toml::table* const row = node.as_table();
+      RemoteKey key;
+      key.Line = LineOf(node.source());
+      if (row == nullptr) {
+        reading_.Skip(std::move(key), "found no table, expected one with \"keycode\" and \"raw\"");
+        continue;
+      }
+      key.Name = TextOf(*row, "keycode");
+      if (const auto carrier = section["carrier"].value<std::int64_t>();
+          carrier && *carrier >= 0 && *carrier <= kMostCarrier) {
+        key.Carrier = static_cast<int>(*carrier);
+      }
+      AddLengths(reading_, std::move(key), ReadRawText(TextOf(*row, "raw")));
+    }
+  }
+
+  static LengthList ReadRawText(std::string_view text) {
+    LengthList lengths;
+    for (std::string_view word = TakeWord(text); !word.empty(); word = TakeWord(text)) {
+      const bool mark = lengths.Size() % 2 == 0;
+      const bool isSigned = word.front() == '+' || word.front() == '-';
+      if (isSigned && (word.front() == '+') != mark) {
+        lengths.Refuse("found " + Quoted(word) + ", expected a " + (mark ? "mark, +" : "space, -"));
+      }
+      const std::string_view digits = isSigned ? word.substr(1) : word;
+      const std::optional<std::int64_t> length = NumberOf(digits);
+      if (length && *length > kLongestKeymapLength) {
+        lengths.Refuse("found a length of " + std::string(digits) + ", expected 1 to " +
+                       std::to_string(kLongestKeymapLength) + " microseconds");
+      }
+      lengths.AddWord(digits);
+    }
+    return lengths;
+  }
+
+  FileReading reading_;
+  std::string protocol_, variant_;
+};
+
+void ReadKeymap(std::string_view text, const std::string& path, RemoteFile& file) {
+  if (text.size() > kLargestToml) {
+    throw FormatError(path + ": larger than the " + std::to_string(kLargestToml) +
+                      " bytes that a keymap may have");
+  }
+  try {
+    KeymapReader(path, file).Read(toml::parse(text));
+  } catch (const toml::parse_error& error) {
+    FileReading(path, file)
+        .Complain(static_cast<int>(error.source().begin.line),
+                  "no TOML: " + std::string(error.description()));
+  }
+}
+
+bool IsKeymap(std::string_view text) { return text.find("[[protocols]]") != std::string_view::npos; }
+
+std::string TomlText(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    const auto code = static_cast<unsigned char>(c);
+    char escape[8];
+    std::snprintf(static_cast<char*>(escape), sizeof escape, "\\u%04X", code);
+    quoted += code < 0x20 || code == 0x7F ? std::string(static_cast<const char*>(escape)) : std::string(1, c);
+  }
+  return quoted + '"';
+}
+
+/// Keys of one protocol, or raw ones.
+struct KeymapSection {
+  std::string Head;
+  std::map<std::string, bool> Codes;
+  std::string Rows;
+};
+
+class KeymapWriter {
+ public:
+  explicit KeymapWriter(std::vector<Complaint>& told) : told_(told) {}
+
+  std::string Write(const std::vector<Remote>& remotes) {
+    std::size_t number = 0;
+    for (const Remote& remote : remotes) {
+      for (const RemoteKey& key : remote.Keys) {
+        ++number;
+        if (key.Coded || !key.Lengths.empty()) Put(key, NameFor(key, number));
+      }
+      End(remote.Name);
+    }
+    return text_;
+  }
+
+ private:
+  void Put(const RemoteKey& key, const std::string& name) {
+    const std::optional<Scancode> code = ScancodeOf(key);
+    if (code) {
+      const std::string protocol(code->Protocol);
+      const std::string family = protocol.starts_with("nec")    ? "nec"
+                                 : protocol.starts_with("sony") ? "sony"
+                                                                : protocol;
+      return PutCode(key, name,
+                     "protocol = \"" + family + "\"\nvariant = \"" + protocol + "\"\n[protocols.scancodes]\n",
+                     code->Value);
+    }
+    constexpr std::size_t kMostBits = 64;
+    if (key.Coded && key.Coded->Code.Line == LineCode::Distance && key.Coded->Code.HasSync() &&
+        key.Coded->Digits.size() <= kMostBits) {
+      TellOnce(told_, "the format does not say how a key of such lengths is repeated");
+      TellCarrier(key);
+      return PutCode(key, name, DistanceHead(*key.Coded), HighFirst(key.Coded->Digits));
+    }
+    TellCarrier(key);
+    PutRaw(key, name);
+  }
+
+  void TellCarrier(const RemoteKey& key) {
+    if (key.Carrier && *key.Carrier != kUsualCarrier)
+      TellOnce(told_, "the format keeps no carrier for such lengths");
+  }
+
+  static std::string DistanceHead(const CodedSignal& signal) {
+    const Coding& code = signal.Code;
+    const auto line = [](std::string_view name, std::size_t value) {
+      return std::string(name) + " = " + std::to_string(value) + '\n';
+    };
+    const auto us = [](int length) { return static_cast<std::size_t>(length); };
+    return "protocol = \"pulse_distance\"\n" + line("bits", signal.Digits.size()) +
+           line("header_pulse", us(code.Sync.Mark)) + line("header_space", us(code.Sync.Space)) +
+           line("bit_pulse", us(code.Zero.Mark)) + line("bit_0_space", us(code.Zero.Space)) +
+           line("bit_1_space", us(code.One.Space)) + line("trailer_pulse", us(code.Tail)) +
+           "[protocols.scancodes]\n";
+  }
+
+  KeymapSection& SectionOf(const std::string& head) {
+    const auto found = std::find_if(sections_.begin(), sections_.end(),
+                                    [&](const KeymapSection& section) { return section.Head == head; });
+    if (found != sections_.end()) return *found;
+    sections_.push_back({head, {}, {}});
+    return sections_.back();
+  }
+
+  void PutCode(const RemoteKey& key, const std::string& name, const std::string& head, std::uint64_t value) {
+    char code[24];
+    std::snprintf(static_cast<char*>(code), sizeof code, "0x%02llx", static_cast<unsigned long long>(value));
+    KeymapSection& section = SectionOf(head);
+    if (!section.Codes.emplace(static_cast<const char*>(code), true).second) {
+      return LeaveOut(told_, key, "another key has its code, and the format keeps one name a code");
+    }
+    section.Rows += std::string(static_cast<const char*>(code)) + " = " + TomlText(name) + '\n';
+  }
+
+  void PutRaw(const RemoteKey& key, const std::string& name) {
+    PulseTrain press = PressOf(key);
+    if (press.size() % 2 == 0) press.pop_back();
+    if (std::any_of(press.begin(), press.end(), [](int length) { return length > kLongestKeymapLength; })) {
+      // A gap that is too long for the format ends the press.
+      const auto gap =
+          std::find_if(press.begin(), press.end(), [](int length) { return length > kLongestKeymapLength; });
+      if ((gap - press.begin()) % 2 == 0)
+        return LeaveOut(told_, key, "a mark of it is longer than the format takes");
+      press.erase(gap, press.end());
+      TellOnce(told_, "the format takes no silence above 65535 us; what stands behind one is left out");
+    }
+    std::string lengths = OneLineText(press);
+    lengths.pop_back();
+    SectionOf("protocol = \"raw\"\n").Rows +=
+        "[[protocols.raw]]\nkeycode = " + TomlText(name) + "\nraw = \"" + lengths + "\"\n";
+  }
+
+  void End(const std::string& name) {
+    for (const KeymapSection& section : sections_) {
+      text_ += "[[protocols]]\nname = " + TomlText(name) + '\n' + section.Head + section.Rows + '\n';
+    }
+    sections_.clear();
+  }
+
+  std::vector<Complaint>& told_;
+  std::vector<KeymapSection> sections_;
+  std::string text_;
+};
+
+std::string WriteKeymap(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
+  return KeymapWriter(told).Write(remotes);
+}
+
+}  // namespace
+
+const RemoteFormat kKeymapFormat = {"keymap", "keymaps of ir-ctl and ir-keytable (TOML)", IsKeymap,
+                                    ReadKeymap, WriteKeymap};
+
+}  // namespace keplo::trade

@@ -1,0 +1,219 @@
+#include "formats/trade/lirc_remote.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr int kMostLircBits = 64;  // of each field, as the sender has them
+
+/// Whether two lengths are one, up to what learning does to them.
+bool AreAlike(int left, int right) { return 5 * std::max(left, right) <= 7 * std::min(left, right); }
+
+std::string FieldDigits(std::uint64_t value, int bits, bool reverse) {
+  std::string digits;
+  for (int bit = bits - 1; bit >= 0; --bit)
+    digits += (value >> static_cast<unsigned>(bit) & 1U) != 0 ? '1' : '0';
+  if (reverse) std::reverse(digits.begin(), digits.end());
+  return digits;
+}
+
+/// Bits of a mask that counts from the lowest of all digits, as marks below the digits.
+std::string MaskDigits(std::uint64_t mask, int bitFromLeft, int bits) {
+  std::string marks(static_cast<std::size_t>(bits), '0');
+  for (int bit = 0; bit < std::min(bits, kMostLircBits); ++bit) {
+    if ((mask >> static_cast<unsigned>(bit) & 1U) != 0) marks[static_cast<std::size_t>(bits - 1 - bit)] = '1';
+  }
+  if (bitFromLeft > 0 && bitFromLeft <= bits) marks[static_cast<std::size_t>(bitFromLeft - 1)] = '1';
+  return marks;
+}
+
+std::string Flipped(std::string digits, std::string_view marks) {
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (marks[i] == '1') digits[i] = digits[i] == '1' ? '0' : '1';
+  }
+  return digits;
+}
+
+/// Sends the digits of a remote as its own program does.
+class LircSender {
+ public:
+  explicit LircSender(const LircRemote& remote) : remote_(remote) {}
+
+  std::string DigitsOf(std::uint64_t value) const {
+    return FieldDigits(remote_.PreData, remote_.PreBits, remote_.Reverse) +
+           FieldDigits(value, remote_.Bits, remote_.Reverse) +
+           FieldDigits(remote_.PostData, remote_.PostBits, remote_.Reverse);
+  }
+
+  std::string ToggleMarks() const {
+    return MaskDigits(remote_.ToggleBitMask, remote_.ToggleBit, remote_.AllBits());
+  }
+  std::string RepeatMarks() const {
+    return MaskDigits(remote_.ToggleMask | remote_.RepeatMask, remote_.RepeatBit, remote_.AllBits());
+  }
+
+  /// A frame from its first mark to its last.
+  PulseTrain Frame(std::string_view digits, bool repeat) const {
+    TrainWriter train;
+    if (!repeat || !remote_.NoHeadRepeat) {
+      train.Mark(remote_.Header.Mark);
+      train.Space(remote_.Header.Space);
+    }
+    train.Mark(remote_.Lead);
+    const auto pre = static_cast<std::size_t>(remote_.PreBits), code = static_cast<std::size_t>(remote_.Bits);
+    Send(digits, 0, pre, train);
+    SendPair(remote_.Pre, train);
+    Send(digits, pre, pre + code, train);
+    SendPair(remote_.Post, train);
+    Send(digits, pre + code, digits.size(), train);
+    train.Mark(remote_.Trail);
+    if (!repeat || !remote_.NoFootRepeat) {
+      train.Space(remote_.Foot.Space);
+      train.Mark(remote_.Foot.Mark);
+    }
+    return train.TakeMarkLast();
+  }
+
+ private:
+  static void SendPair(const Pulse& pulse, TrainWriter& train) {
+    if (pulse.Mark <= 0 || pulse.Space <= 0) return;
+    train.Mark(pulse.Mark);
+    train.Space(pulse.Space);
+  }
+
+  void Send(std::string_view digits, std::size_t first, std::size_t end, TrainWriter& train) const {
+    const std::string doubled = MaskDigits(remote_.Rc6Mask, 0, remote_.AllBits());
+    for (std::size_t i = first; i < end; ++i) {
+      const bool one = digits[i] == '1';
+      const int times = remote_.Rc6 && doubled[i] == '1' ? 2 : 1;
+      const Pulse& pulse = one ? remote_.One : remote_.Zero;
+      const bool spaceFirst = remote_.Rc5 || remote_.Rc6 ? one : remote_.SpaceFirst;
+      if (spaceFirst) train.Space(times * pulse.Space);
+      train.Mark(times * pulse.Mark);
+      if (!spaceFirst) train.Space(times * pulse.Space);
+    }
+  }
+
+  const LircRemote& remote_;
+};
+
+Repeat RepeatOf(const LircRemote& remote) {
+  Repeat again;
+  again.Gap = remote.Gap;
+  again.FromStart = remote.ConstLength;
+  again.Kind = remote.NoHeadRepeat ? RepeatKind::Body : RepeatKind::Frame;
+  if (remote.Repeat.Mark > 0 && remote.Repeat.Space > 0) {
+    again.Kind = RepeatKind::Short;
+    again.ShortSync = remote.Repeat;
+  }
+  return again;
+}
+
+/// The coding of digits that are sent one pulse each, with nothing between them.
+std::optional<Coding> PlainCoding(const LircRemote& remote) {
+  const bool plain = !remote.Rc5 && !remote.Rc6 && !remote.SpaceFirst && remote.Lead == 0 &&
+                     remote.Foot.Mark == 0 && (remote.Pre.Mark == 0 || remote.Pre.Space == 0) &&
+                     (remote.Post.Mark == 0 || remote.Post.Space == 0);
+  const bool marksAlike = AreAlike(remote.One.Mark, remote.Zero.Mark);
+  const bool spacesAlike = AreAlike(remote.One.Space, remote.Zero.Space);
+  if (!plain || marksAlike == spacesAlike || (spacesAlike && remote.Trail > 0)) return std::nullopt;
+  const bool swapped = marksAlike ? remote.One.Space < remote.Zero.Space : remote.One.Mark < remote.Zero.Mark;
+  Coding code;
+  code.Line = marksAlike ? LineCode::Distance : LineCode::Width;
+  code.Sync = remote.Header;
+  code.Zero = swapped ? remote.One : remote.Zero;
+  code.One = swapped ? remote.Zero : remote.One;
+  if (marksAlike) code.Tail = remote.Trail > 0 ? remote.Trail : code.Zero.Mark;
+  code.Unit = UnitOf(code);
+  return code;
+}
+
+std::optional<CodedSignal> PlainSignal(const LircRemote& remote, std::string digits) {
+  const std::optional<Coding> code = PlainCoding(remote);
+  if (!code) return std::nullopt;
+  // The space of a last digit that no mark closes is lost in the gap.
+  if (code->Line == LineCode::Distance && remote.Trail == 0) digits.pop_back();
+  const bool swapped = code->Zero == remote.One && !(code->Zero == remote.Zero);
+  if (swapped) digits = Flipped(digits, std::string(digits.size(), '1'));
+  const std::string toggles = LircSender(remote).ToggleMarks();
+  CodedSignal signal{*code, RepeatOf(remote), std::move(digits), std::nullopt};
+  if (const std::size_t toggle = toggles.find('1'); toggle < signal.Digits.size()) signal.Toggle = toggle;
+  return signal;
+}
+
+/// RC5: the lead is the half of the first digit that is seen.
+std::optional<CodedSignal> Rc5Signal(const LircRemote& remote, const PulseTrain& frame) {
+  if (!remote.Rc5) return std::nullopt;
+  std::optional<CodedSignal> signal = ReadDigits(frame);
+  if (!signal || signal->Code.Line != LineCode::Biphase) return std::nullopt;
+  signal->Again = RepeatOf(remote);
+  return signal;
+}
+
+std::string WhyNone(const LircRemote& remote, const LircCode& code) {
+  if (!code.Fault.empty()) return code.Fault;
+  if (!remote.Driver.empty())
+    return "its codes are those of the device " + remote.Driver + ", without lengths";
+  if (remote.Raw) return code.Lengths.empty() ? "there are no lengths" : "";
+  if (!remote.Foreign.empty()) return "the coding " + remote.Foreign + " is not known";
+  if (remote.One.Mark == 0 && remote.Zero.Mark == 0)
+    return "the remote has no \"one\" and \"zero\", so no lengths";
+  if (remote.Bits < 1 || remote.Bits > kMostLircBits || remote.PreBits > kMostLircBits ||
+      remote.PostBits > kMostLircBits) {
+    return "found " + std::to_string(remote.Bits) + " bits, expected 1 to " + std::to_string(kMostLircBits);
+  }
+  return {};
+}
+
+void Append(PulseTrain& press, int gap, bool fromStart, const PulseTrain& frame,
+            PulseTrain::size_type& frameStart) {
+  if (!press.empty()) {
+    int time = 0;
+    for (auto i = frameStart; i < press.size(); ++i) time = std::min(time + press[i], kLongestPulse);
+    constexpr int kShortestGap = 10'000;  // microseconds; a gap that the frame outlasts is none
+    press.push_back(std::max(fromStart ? gap - time : gap, kShortestGap));
+  }
+  frameStart = press.size();
+  press.insert(press.end(), frame.begin(), frame.end());
+}
+
+}  // namespace
+
+std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteKey& key) {
+  if (std::string why = WhyNone(remote, code); !why.empty()) return why;
+  key.Carrier = remote.Carrier;
+  if (remote.Raw) {
+    key.Lengths = code.Lengths;
+    return {};
+  }
+  const LircSender sender(remote);
+  const std::string digits = sender.DigitsOf(code.Values.front());
+  const std::string turned = sender.RepeatMarks();
+  const bool single = code.Values.size() == 1 && turned.find('1') == std::string::npos;
+  const PulseTrain frame = sender.Frame(digits, false);
+  if (single) {
+    key.Coded = PlainSignal(remote, digits);
+    if (!key.Coded) key.Coded = Rc5Signal(remote, frame);
+    if (key.Coded) return {};
+  }
+  // Its own program turns the toggle ahead of the first press.
+  const std::string toggles = sender.ToggleMarks();
+  const bool turns = toggles.find('1') != std::string::npos;
+  const auto frameOf = [&](std::uint64_t value) {
+    return sender.Frame(turns ? Flipped(sender.DigitsOf(value), toggles) : sender.DigitsOf(value), false);
+  };
+  PulseTrain::size_type start = 0;
+  for (const std::uint64_t value : code.Values) {
+    Append(key.Lengths, remote.Gap, remote.ConstLength, frameOf(value), start);
+  }
+  if (turned.find('1') != std::string::npos) {
+    Append(key.Lengths, remote.Gap, remote.ConstLength, sender.Frame(Flipped(digits, turned), true), start);
+  }
+  if (single && turns) key.Toggled = frame;
+  return key.Lengths.empty() ? "it has no mark" : "";
+}
+
+}  // namespace keplo::trade

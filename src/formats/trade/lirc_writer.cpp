@@ -1,0 +1,156 @@
+#include "formats/trade/lirc_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <map>
+#include <set>
+
+#include "formats/families.h"
+#include "formats/trade/reading.h"
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr std::size_t kMostDigits = 64;  // of a code
+constexpr std::size_t kRc5Digits = 14;   // the first of which is the lead
+constexpr int kUsualLircGap = 40'000;    // microseconds
+constexpr std::size_t kLengthsPerLine = 8;
+
+/// Words may have no blanks in them.
+std::string Word(std::string_view name) {
+  std::string word(name.empty() ? "_" : name);
+  std::replace_if(
+      word.begin(), word.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }, '_');
+  return word;
+}
+
+std::string PairLine(std::string_view name, const Pulse& pulse) {
+  return "  " + std::string(name) + ' ' + std::to_string(pulse.Mark) + ' ' + std::to_string(pulse.Space) +
+         '\n';
+}
+
+std::string NumberLine(std::string_view name, int number) {
+  return "  " + std::string(name) + ' ' + std::to_string(number) + '\n';
+}
+
+bool AsDigits(const RemoteKey& key) {
+  if (!key.Coded) return false;
+  const std::size_t digits = key.Coded->Digits.size();
+  return key.Coded->Code.Line == LineCode::Biphase ? digits == kRc5Digits : digits <= kMostDigits;
+}
+
+/// Keys of one head can stand in one remote of the format.
+bool SameHead(const RemoteKey& left, const RemoteKey& right) {
+  if (AsDigits(left) != AsDigits(right) || CarrierOf(left) != CarrierOf(right)) return false;
+  if (!AsDigits(left)) return true;
+  return left.Coded->Code == right.Coded->Code && left.Coded->Again == right.Coded->Again &&
+         left.Coded->Toggle == right.Coded->Toggle && left.Coded->Digits.size() == right.Coded->Digits.size();
+}
+
+class LircWriter {
+ public:
+  explicit LircWriter(std::vector<Complaint>& told) : told_(told) {}
+
+  std::string Write(const std::vector<Remote>& remotes) {
+    for (const Remote& remote : remotes) {
+      std::vector<const RemoteKey*> left;
+      for (const RemoteKey& key : remote.Keys) {
+        names_.emplace(&key, Word(NameFor(key, names_.size() + 1)));
+        if (key.Coded || !key.Lengths.empty()) left.push_back(&key);
+      }
+      while (!left.empty()) {
+        const RemoteKey& first = *left.front();
+        const auto rest = std::stable_partition(left.begin(), left.end(),
+                                                [&](const RemoteKey* key) { return SameHead(*key, first); });
+        WriteRemote(remote.Name, {left.begin(), rest});
+        left.erase(left.begin(), rest);
+      }
+    }
+    return text_;
+  }
+
+ private:
+  std::string FreeName(std::string_view name) {
+    const std::string wanted = Word(name.empty() ? "remote" : name);
+    std::string free = wanted;
+    for (int number = 2; !taken_.insert(free).second; ++number) free = wanted + '-' + std::to_string(number);
+    return free;
+  }
+
+  void WriteRemote(std::string_view name, const std::vector<const RemoteKey*>& keys) {
+    const RemoteKey& first = *keys.front();
+    text_ += "begin remote\n\n  name " + FreeName(name) + '\n';
+    if (AsDigits(first)) {
+      WriteHead(*first.Coded);
+    } else {
+      text_ += "  flags RAW_CODES\n";
+      text_ += NumberLine("gap", kUsualLircGap);
+    }
+    text_ += NumberLine("eps", 30) + NumberLine("aeps", 100) + NumberLine("frequency", CarrierOf(first));
+    const std::string codes = AsDigits(first) ? "codes" : "raw_codes";
+    text_ += "\n  begin " + codes + '\n';
+    for (const RemoteKey* key : keys) {
+      if (AsDigits(first)) {
+        WriteCode(*key);
+      } else {
+        WriteRaw(*key);
+      }
+    }
+    text_ += "  end " + codes + "\n\nend remote\n\n";
+  }
+
+  void WriteHead(const CodedSignal& signal) {
+    const Coding& code = signal.Code;
+    const Repeat& again = signal.Again;
+    const bool biphase = code.Line == LineCode::Biphase;
+    text_ += std::string("  flags ") + (biphase ? "RC5" : "SPACE_ENC") +
+             (again.Kind == RepeatKind::Body ? "|NO_HEAD_REP" : "") +
+             (again.FromStart && again.Gap > 0 ? "|CONST_LENGTH" : "") + '\n';
+    const auto digits = static_cast<int>(signal.Digits.size());
+    text_ += NumberLine("bits", biphase ? digits - 1 : digits);
+    if (code.HasSync()) text_ += PairLine("header", code.Sync);
+    text_ += PairLine("one", code.One) + PairLine("zero", code.Zero);
+    if (biphase) text_ += NumberLine("plead", code.One.Mark);
+    if (code.Tail > 0) text_ += NumberLine("ptrail", code.Tail);
+    if (again.Kind == RepeatKind::Short) text_ += PairLine("repeat", again.ShortSync);
+    text_ += NumberLine("gap", again.Gap > 0 ? again.Gap : kUsualLircGap);
+    if (biphase) text_ += "  toggle_bit_mask 0x800\n";
+    if (signal.Toggle && !biphase) text_ += NumberLine("toggle_bit", static_cast<int>(*signal.Toggle) + 1);
+    if (again.Kind == RepeatKind::None || again.Kind == RepeatKind::Unknown) {
+      TellOnce(told_, "the format always repeats a held key; where that is not told, by the frame");
+    }
+  }
+
+  void WriteCode(const RemoteKey& key) {
+    std::string_view digits = key.Coded->Digits;
+    if (key.Coded->Code.Line == LineCode::Biphase) digits.remove_prefix(1);
+    std::array<char, 20> value{};
+    std::snprintf(value.data(), value.size(), "0x%llX", static_cast<unsigned long long>(HighFirst(digits)));
+    text_ += "    " + names_.at(&key) + ' ' + value.data() + '\n';
+  }
+
+  void WriteRaw(const RemoteKey& key) {
+    PulseTrain press = PressOf(key);
+    if (press.size() % 2 == 0) press.pop_back();
+    text_ += "    name " + names_.at(&key);
+    for (std::size_t i = 0; i < press.size(); ++i) {
+      text_ += (i % kLengthsPerLine == 0 ? "\n      " : " ") + std::to_string(press[i]);
+    }
+    text_ += '\n';
+  }
+
+  std::vector<Complaint>& told_;
+  std::map<const RemoteKey*, std::string> names_;
+  std::set<std::string> taken_;
+  std::string text_;
+};
+
+}  // namespace
+
+std::string WriteLirc(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
+  return LircWriter(told).Write(remotes);
+}
+
+}  // namespace keplo::trade

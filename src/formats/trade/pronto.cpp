@@ -1,0 +1,171 @@
+#include <algorithm>
+#include <array>
+
+#include "formats/trade/pronto_text.h"
+#include "formats/trade/reading.h"
+#include "formats/trade/trade_formats.h"
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr std::size_t kDigitsPerWord = 4;
+constexpr std::size_t kHeadDigits = 16;  // type, frequency and two counts
+
+bool IsHexDigits(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(),
+                                      [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
+}
+
+/// Whether all words are hex in fours, with blanks between them or without.
+bool IsHexLine(std::string_view line) {
+  std::size_t words = 0;
+  for (std::string_view word = TakeWord(line); !word.empty(); word = TakeWord(line), ++words) {
+    if (!IsHexDigits(word) || word.size() % kDigitsPerWord != 0) return false;
+  }
+  return words > 0;
+}
+
+std::string Joined(std::string_view line) {
+  std::string digits;
+  for (std::string_view word = TakeWord(line); !word.empty(); word = TakeWord(line)) digits += word;
+  return digits;
+}
+
+bool BeginsCode(std::string_view digits) {
+  constexpr std::array<std::string_view, 6> kTypes = {"0000", "0100", "5000", "5001", "6000", "900A"};
+  return digits.size() >= 2 * kDigitsPerWord &&
+         std::any_of(kTypes.begin(), kTypes.end(),
+                     [&](std::string_view type) { return StartsNoCase(digits, type); });
+}
+
+/// Codes as people paste them: a name ahead of each in its line or above it, or none.
+class ProntoReader {
+ public:
+  ProntoReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
+
+  void Read(std::string_view text) {
+    Lines lines(text);
+    std::string_view line;
+    while (lines.Next(line)) ReadLine(Trimmed(line), lines.Number());
+    EndCode();
+    if (name_) reading_.Complain(nameLine_, "found a name without a code", *name_);
+  }
+
+ private:
+  void ReadLine(std::string_view line, int number) {
+    if (line.empty()) return;
+    if (IsHexLine(line)) {
+      TakeHex(line, number);
+      return;
+    }
+    if (line.front() == '<' && line.find('>') != std::string_view::npos) {
+      const std::size_t end = line.find('>');
+      TakeName(line.substr(1, end - 1), number);
+      return TakeRest(Trimmed(line.substr(end + 1)), number);
+    }
+    // A name may have a colon itself, so the last one counts.
+    const std::size_t colon = line.rfind(':');
+    if (colon == std::string_view::npos) return TakeName(line, number);
+    TakeName(Trimmed(line.substr(0, colon)), number);
+    TakeRest(Trimmed(line.substr(colon + 1)), number);
+  }
+
+  void TakeName(std::string_view name, int number) {
+    EndCode();
+    if (name_) reading_.Complain(nameLine_, "found a name without a code", *name_);
+    name_ = name;
+    nameLine_ = number;
+  }
+
+  void TakeRest(std::string_view rest, int number) {
+    if (rest.empty()) return;
+    if (IsHexLine(rest)) return TakeHex(rest, number);
+    RemoteKey key = NewKey(number);
+    reading_.Skip(std::move(key), "found " + Quoted(rest) + ", expected words of four hex digits");
+  }
+
+  void TakeHex(std::string_view line, int number) {
+    const std::string digits = Joined(line);
+    if (!digits_.empty() && IsWhole() && BeginsCode(digits)) EndCode();
+    if (digits_.empty() && !BeginsCode(digits) && digits.size() == kDigitsPerWord)
+      return TakeName(line, number);
+    if (digits_.empty()) line_ = number;
+    if (digits_.size() <= kDigitsPerWord * (kMostLengths + 8)) digits_ += digits;
+  }
+
+  /// Whether the code has the words that it counts.
+  bool IsWhole() const {
+    if (digits_.size() < kHeadDigits) return false;
+    const auto count = [&](std::size_t word) {
+      return *NumberOf(std::string_view(digits_).substr(word * kDigitsPerWord, kDigitsPerWord), 16);
+    };
+    return digits_.size() >= kHeadDigits + static_cast<std::size_t>(count(2) + count(3)) * 2 * kDigitsPerWord;
+  }
+
+  RemoteKey NewKey(int number) {
+    RemoteKey key;
+    key.Line = number;
+    key.Name = std::move(name_);
+    name_.reset();
+    return key;
+  }
+
+  void EndCode() {
+    if (digits_.empty()) return;
+    RemoteKey key = NewKey(line_);
+    const std::string digits = std::move(digits_);
+    digits_.clear();
+    if (std::string why = TakeProntoText(digits, key); !why.empty()) {
+      reading_.Skip(std::move(key), std::move(why));
+    } else {
+      reading_.Add(std::move(key));
+    }
+  }
+
+  FileReading reading_;
+  std::optional<std::string> name_;
+  std::string digits_;
+  int nameLine_ = 0, line_ = 0;
+};
+
+void ReadPronto(std::string_view text, const std::string& path, RemoteFile& file) {
+  ProntoReader(path, file).Read(text);
+}
+
+/// A line of hex that begins as a code does, behind a name or alone.
+bool IsPronto(std::string_view text) {
+  Lines lines(text);
+  std::string_view line;
+  while (lines.Next(line)) {
+    const std::size_t end = line.find_last_of(":>");
+    const std::string_view rest = end == std::string_view::npos ? line : line.substr(end + 1);
+    if (IsHexLine(rest) && BeginsCode(Joined(rest))) return true;
+  }
+  return false;
+}
+
+std::string WritePronto(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
+  std::string text;
+  std::size_t number = 0;
+  for (const Remote& remote : remotes) {
+    for (const RemoteKey& key : remote.Keys) {
+      ++number;
+      if (!key.Coded && key.Lengths.empty()) continue;
+      const std::string code = ProntoText(key);
+      if (code.empty()) {
+        LeaveOut(told, key, "it has more lengths than the format takes");
+        continue;
+      }
+      text += (key.Name ? OnOneLine(*key.Name) + ": " : std::string()) + code + '\n';
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+const RemoteFormat kProntoFormat = {"pronto", "Pronto hex, with names or without", IsPronto, ReadPronto,
+                                    WritePronto};
+
+}  // namespace keplo::trade

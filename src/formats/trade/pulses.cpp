@@ -1,0 +1,219 @@
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "formats/trade/reading.h"
+#include "formats/trade/scancode.h"
+#include "formats/trade/trade_formats.h"
+#include "formats/train_writer.h"
+
+namespace keplo::trade {
+
+namespace {
+
+constexpr std::string_view kExpected =
+    "\"pulse\", \"space\", \"timeout\", \"carrier\", \"scancode\" or a length such as +560";
+
+std::string_view WithoutComment(std::string_view line) {
+  return line.substr(0, std::min(line.find('#'), line.find("//")));
+}
+
+/// Lines of marks and spaces, and lines of signed lengths that are a key each.
+class PulseReader {
+ public:
+  PulseReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
+
+  void Read(std::string_view text) {
+    Lines lines(text);
+    std::string_view line;
+    while (lines.Next(line)) {
+      line_ = lines.Number();
+      ReadLine(WithoutComment(line));
+    }
+    EndKey();
+  }
+
+ private:
+  void ReadLine(std::string_view rest) {
+    std::string_view words = rest;
+    const std::string_view word = TakeWord(rest);
+    if (word.empty()) return;
+    if (word == "pulse" || word == "space" || word == "timeout") return ReadLength(word, TakeWord(rest));
+    if (word == "carrier") return ReadCarrier(TakeWord(rest));
+    if (word == "scancode") return ReadScancode(TakeWord(rest));
+    if (NumberOf(word.substr(word.starts_with('+') ? 1 : 0))) return ReadSigned(words);
+    reading_.Complain(line_, "found " + Quoted(word) + ", expected " + std::string(kExpected));
+  }
+
+  void Begin() {
+    if (begun_) return;
+    begun_ = true;
+    key_ = {};
+    key_.Line = line_;
+    key_.Carrier = carrier_;
+  }
+
+  void EndKey() {
+    if (!begun_) return;
+    begun_ = false;
+    LengthList lengths;
+    for (const int length : train_.Take()) lengths.Add(length);
+    train_ = {};
+    if (!fault_.empty()) lengths.Refuse(fault_);
+    fault_.clear();
+    if (lengths.Size() > 0 || !lengths.Fault().empty())
+      AddLengths(reading_, std::move(key_), std::move(lengths));
+  }
+
+  /// @return 0 for a wrong length, which the key then tells
+  int LengthOf(std::string_view word) {
+    const std::optional<std::int64_t> length = NumberOf(word);
+    if (length && *length > 0 && *length <= kLongestPulse) return static_cast<int>(*length);
+    Fault("line " + std::to_string(line_) + ": found " + Quoted(word) + ", expected a length from 1 to " +
+          std::to_string(kLongestPulse) + " microseconds");
+    return 0;
+  }
+
+  void Fault(std::string fault) {
+    if (fault_.empty()) fault_ = std::move(fault);
+  }
+
+  void ReadLength(std::string_view kind, std::string_view word) {
+    if (rested_ && kind == "pulse") EndKey();
+    if (kind == "pulse") Begin();
+    if (!begun_) return;
+    const int length = LengthOf(word);
+    if (kind == "pulse") {
+      train_.Mark(length);
+      rested_ = false;
+    } else {
+      train_.Space(length);
+      rested_ = length >= kPressSilence;
+    }
+    if (kind == "timeout") EndKey();
+  }
+
+  void ReadCarrier(std::string_view word) {
+    EndKey();
+    const std::optional<std::int64_t> carrier = NumberOf(word);
+    if (!carrier || *carrier < 0 || *carrier > kMostCarrier) {
+      reading_.Complain(line_, "found " + Quoted(word) + ", expected a carrier in Hz");
+      return;
+    }
+    carrier_ = static_cast<int>(*carrier);
+  }
+
+  void ReadScancode(std::string_view word) {
+    EndKey();
+    RemoteKey key;
+    key.Line = line_;
+    const std::size_t colon = word.find(':');
+    const std::string_view protocol = word.substr(0, colon);
+    key.Protocol = protocol;
+    const std::optional<std::uint64_t> value =
+        colon == std::string_view::npos ? std::nullopt : CNumberOf(word.substr(colon + 1));
+    std::string why = value ? TakeScancode(protocol, *value, key)
+                            : "found " + Quoted(word) + ", expected a scancode such as nec:0x40";
+    if (why.empty()) return reading_.Add(std::move(key));
+    reading_.Skip(std::move(key), std::move(why));
+  }
+
+  void ReadSigned(std::string_view rest) {
+    EndKey();
+    Begin();
+    bool mark = true;
+    for (std::string_view word = TakeWord(rest); !word.empty(); word = TakeWord(rest), mark = !mark) {
+      const bool isSigned = word.front() == '+' || word.front() == '-';
+      if (isSigned && (word.front() == '+') != mark) {
+        Fault("line " + std::to_string(line_) + ": found " + Quoted(word) + ", expected a " +
+              (mark ? "mark, +" : "space, -"));
+      }
+      const int length = LengthOf(isSigned ? word.substr(1) : word);
+      if (mark) {
+        train_.Mark(length);
+      } else {
+        train_.Space(length);
+      }
+    }
+    EndKey();
+  }
+
+  FileReading reading_;
+  RemoteKey key_;
+  TrainWriter train_;
+  std::string fault_;
+  std::optional<int> carrier_;
+  int line_ = 0;
+  bool begun_ = false;
+  bool rested_ = false;
+};
+
+void ReadPulses(std::string_view text, const std::string& path, RemoteFile& file) {
+  PulseReader(path, file).Read(text);
+}
+
+/// The first word of a text that is not a comment, in its line.
+std::string_view FirstLine(std::string_view text) {
+  Lines lines(text);
+  std::string_view line;
+  while (lines.Next(line)) {
+    const std::string_view words = Trimmed(WithoutComment(line));
+    if (!words.empty()) return words;
+  }
+  return {};
+}
+
+bool IsPulses(std::string_view text) {
+  std::string_view rest = FirstLine(text);
+  const std::string_view word = TakeWord(rest);
+  constexpr std::array<std::string_view, 5> kWords = {"pulse", "space", "timeout", "carrier", "scancode"};
+  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+}
+
+bool IsSigned(std::string_view text) {
+  std::string_view rest = FirstLine(text);
+  const std::string_view word = TakeWord(rest);
+  return !word.empty() && NumberOf(word.substr(word.starts_with('+') ? 1 : 0)).has_value();
+}
+
+/// The text of all keys, with a line of the carrier where it changes.
+template <typename WriteKey>
+std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>& told, WriteKey write) {
+  std::string text;
+  int carrier = -1;
+  for (const Remote& remote : remotes) {
+    for (const RemoteKey& key : remote.Keys) {
+      if (!key.Coded && key.Lengths.empty()) continue;
+      if (key.Name) TellOnce(told, "the format keeps no names; they stand in comments");
+      if (key.Name) text += "# " + OnOneLine(*key.Name) + '\n';
+      if (key.Carrier && *key.Carrier != carrier) {
+        carrier = *key.Carrier;
+        text += "carrier " + std::to_string(carrier) + '\n';
+      }
+      write(key, text);
+    }
+  }
+  return text;
+}
+
+std::string WriteMode2(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
+  return WriteKeys(remotes, told, [](const RemoteKey& key, std::string& text) {
+    PulseTrain press = PressOf(key);
+    if (press.size() % 2 == 0) press.pop_back();
+    text += Mode2Text(press) + "timeout " + std::to_string(kPressSilence) + '\n';
+  });
+}
+
+std::string WriteSigned(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
+  return WriteKeys(remotes, told,
+                   [](const RemoteKey& key, std::string& text) { text += OneLineText(PressOf(key)); });
+}
+
+}  // namespace
+
+const RemoteFormat kPulseFormat = {"mode2", "lines \"pulse N\" and \"space N\", and ir-ctl's scancodes",
+                                   IsPulses, ReadPulses, WriteMode2};
+const RemoteFormat kSignedFormat = {"one-line", "a line \"+N -N ...\" a key", IsSigned, ReadPulses,
+                                    WriteSigned};
+
+}  // namespace keplo::trade
