@@ -86,6 +86,10 @@ const Family* FamilyOf(const CodedSignal& signal, std::optional<int> carrier) {
   return first;
 }
 
+bool HasOwnCarrier(const RemoteKey& key, const Family& family) {
+  return key.Carrier && std::abs(*key.Carrier - family.Carrier) * 100 > family.Carrier;
+}
+
 std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier) {
   std::optional<CodedSignal> signal = ReadDigits(press);
   if (!signal) return std::nullopt;

@@ -28,6 +28,9 @@ const Family& FamilyNamed(std::string_view name);
 /// @param carrier decides between families of equal lengths
 const Family* FamilyOf(const CodedSignal& signal, std::optional<int> carrier);
 
+/// Whether a key is sent on another carrier than its family, by more than 1 %.
+bool HasOwnCarrier(const RemoteKey& key, const Family& family);
+
 /// ReadDigits, and what the family of the signal says where the press does not show it.
 /// @param carrier of the press, Hz
 std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier);

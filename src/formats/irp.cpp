@@ -231,7 +231,8 @@ std::optional<NamedValues> ValuesOf(const RemoteKey& key) {
     const bool same = row.Family == family->Name || (row.Family == "AIWA" && family->Name == "NEC42");
     if (!same || row.Name == "Tivo" || row.Name == "Apple") continue;
     ProtocolValues values = GuessValues(row, key.Coded->Digits);
-    if (row.Digits(values) == key.Coded->Digits) return NamedValues{row.Name, values};
+    if (row.Digits(values) == key.Coded->Digits)
+      return NamedValues{row.Name, values, HasOwnCarrier(key, *family)};
   }
   return std::nullopt;
 }

@@ -293,11 +293,15 @@ std::optional<CodedSignal> ReadDigits(const PulseTrain& press) {
   if (press.size() < 2 * kFewestDigits - 1) return std::nullopt;
   const std::vector<int> spaces = EverySecond(press, 1);
   const double pair = LowerQuartile(EverySecond(press, 0)) + LowerQuartile(spaces);
-  if (std::optional<CodedSignal> signal = PressReader().Read(press, kGapOverPair * pair)) return signal;
+  const double gap = kGapOverPair * pair;
+  if (std::optional<CodedSignal> signal = PressReader().Read(press, gap)) return signal;
   // Some leaders rest as long as the line does between frames, or nearly so.
+  int longest = 0;
+  for (const int space : spaces) {
+    if (space <= gap) longest = std::max(longest, space);
+  }
   PressReader reader;
-  std::optional<CodedSignal> signal =
-      reader.Read(press, 0.85 * *std::max_element(spaces.begin(), spaces.end()));
+  std::optional<CodedSignal> signal = reader.Read(press, 0.85 * longest);
   return reader.UsedSingleLeader() ? signal : std::nullopt;
 }
 

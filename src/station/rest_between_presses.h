@@ -19,6 +19,7 @@ class RestBetweenPresses : public LineRest {
     return hold ? std::min(rest, std::chrono::ceil<std::chrono::milliseconds>(*hold)) : rest;
   }
   void Forget() override { line_.Forget(); }
+  void LookAfterDevice() override { line_.LookAfterDevice(); }
 
  private:
   LineRest& line_;

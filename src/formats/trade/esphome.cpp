@@ -222,10 +222,28 @@ class LogReader {
   std::string text_;
 };
 
+/// The parser takes its time over what it then refuses.
+bool HasManyBrackets(std::string_view text) {
+  int row = 0;
+  for (const char c : text) {
+    if (c == '[' || c == '{') {
+      if (++row > kDeepestNode) return true;
+    } else if (c != ' ' && c != '\n') {
+      row = 0;
+    }
+  }
+  return false;
+}
+
 void ReadYaml(std::string_view text, const std::string& path, RemoteFile& file) {
   if (text.size() > kLargestYaml) {
     throw FormatError(path + ": larger than the " + std::to_string(kLargestYaml) +
                       " bytes that a configuration may have");
+  }
+  if (HasManyBrackets(text)) {
+    return FileReading(path, file)
+        .Complain(1,
+                  "found more than " + std::to_string(kDeepestNode) + " brackets in a row, expected fewer");
   }
   try {
     YamlReader reader(path, file);

@@ -152,7 +152,7 @@ ActionText RawAction(const RemoteKey& key) {
 std::optional<ActionText> DigitAction(const RemoteKey& key) {
   if (!key.Coded) return std::nullopt;
   const Family* const family = FamilyOf(*key.Coded, key.Carrier);
-  if (family == nullptr) return std::nullopt;
+  if (family == nullptr || HasOwnCarrier(key, *family)) return std::nullopt;
   const std::string_view d = key.Coded->Digits;
   if (family->Name == "NEC")
     return ActionText{

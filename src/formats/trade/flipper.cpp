@@ -253,8 +253,7 @@ bool WriteParsed(const RemoteKey& key, std::string& text, std::vector<Complaint>
   const Family* const family = FamilyOf(*key.Coded, key.Carrier);
   if (family == nullptr) return false;
   // A carrier of its own is said by lengths only.
-  const int carrier = key.Carrier.value_or(family->Carrier);
-  if (std::abs(carrier - family->Carrier) * 100 > family->Carrier) return false;
+  if (HasOwnCarrier(key, *family)) return false;
   for (const FlipperProtocol& protocol : kProtocols) {
     const bool asNec = protocol.Family == "NEC" && family->Name == "NEC2";
     if (protocol.Family != family->Name && !asNec) continue;

@@ -148,6 +148,7 @@ std::string WriteIrdb(const std::vector<Remote>& remotes, std::vector<Complaint>
         LeaveOut(told, key, "the format has no protocol for it");
         continue;
       }
+      if (named->OwnCarrier) TellOnce(told, "the format keeps no carrier but that of the protocol");
       const ProtocolValues& values = named->Values;
       text += CsvField(NameFor(key, number)) + ',' + std::string(named->Protocol) + ',' +
               std::to_string(values.D) + ',' + std::to_string(values.S) + ',' + std::to_string(values.F) +

@@ -59,10 +59,11 @@ class ProntoReader {
       TakeHex(line, number);
       return;
     }
-    if (line.front() == '<' && line.find('>') != std::string_view::npos) {
-      const std::size_t end = line.find('>');
+    const std::size_t end = line.front() == '<' ? line.find('>') : std::string_view::npos;
+    const std::string_view behind = end == std::string_view::npos ? line : Trimmed(line.substr(end + 1));
+    if (behind.empty() || (end != std::string_view::npos && IsHexLine(behind))) {
       TakeName(line.substr(1, end - 1), number);
-      return TakeRest(Trimmed(line.substr(end + 1)), number);
+      return TakeRest(behind, number);
     }
     // A name may have a colon itself, so the last one counts.
     const std::size_t colon = line.rfind(':');

@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "doubles/temp_folder.h"
+#include "formats/remote.h"
+
+namespace keplo {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+fs::path CollectionFolder() {
+  const char* const set = std::getenv("KEPLO_REMOTES");
+  return set != nullptr ? fs::path(set) : fs::path(KEPLO_SOURCE_DIR) / ".." / "shared" / "remotes";
+}
+
+/// The index of the collection; empty where it is not there.
+json Collection() {
+  std::ifstream index(CollectionFolder() / "index.json");
+  return index ? json::parse(index) : json::array();
+}
+
+#define SKIP_WITHOUT(collection) \
+  if ((collection).empty()) GTEST_SKIP() << "no remotes in " << CollectionFolder() << "; set KEPLO_REMOTES"
+
+std::vector<RemoteKey> KeysOf(const RemoteFile& file) {
+  std::vector<RemoteKey> keys;
+  for (const Remote& remote : file.Remotes) keys.insert(keys.end(), remote.Keys.begin(), remote.Keys.end());
+  return keys;
+}
+
+std::string Digits(const RemoteKey& key) { return key.Coded ? key.Coded->Digits : ""; }
+std::string RepeatOf(const RemoteKey& key) {
+  return key.Coded ? std::string(NameOf(key.Coded->Again.Kind)) : "";
+}
+
+bool CarriersAgree(std::optional<int> left, std::optional<int> right) {
+  return std::abs(left.value_or(38000) - right.value_or(38000)) * 100 <= right.value_or(38000);
+}
+
+void ExpectKey(const RemoteKey& key, const json& truth) {
+  constexpr const char* kLines[] = {"distance", "width", "biphase"};
+  EXPECT_EQ(key.Name.value_or(""), truth.value("key", ""));
+  if (truth["kind"] == "other") {
+    EXPECT_TRUE(key.Coded || key.IsRaw() || !key.Skipped.empty());
+    return;
+  }
+  if (truth.contains("carrier")) {
+    EXPECT_TRUE(CarriersAgree(key.Carrier, truth["carrier"].get<int>()));
+  }
+  if (truth["kind"] == "raw") {
+    // The collection gives as lengths what no line code shows, though a file may say how it is coded.
+    const std::size_t lengths = key.Coded ? FrameLengths(*key.Coded).size() : key.Lengths.size();
+    EXPECT_EQ(lengths, truth["lengths"]);
+    return;
+  }
+  ASSERT_TRUE(key.Coded) << key.Skipped;
+  EXPECT_EQ(Digits(key), truth["code"]);
+  EXPECT_EQ(kLines[static_cast<int>(key.Coded->Code.Line)], truth["line"]);
+  if (truth["repeat"] != "unknown") {
+    EXPECT_EQ(RepeatOf(key), truth["repeat"]);
+  }
+  EXPECT_TRUE(PatternsOf(key.Coded->Code)) << "no section could send it";
+}
+
+TEST(Remotes, AreReadAsTheyAre) {
+  const json collection = Collection();
+  SKIP_WITHOUT(collection);
+  for (const json& truth : collection) {
+    SCOPED_TRACE(truth["file"].get<std::string>());
+    const RemoteFile file = LoadRemotes(CollectionFolder() / truth["file"].get<std::string>());
+    EXPECT_EQ(file.Format, truth["format"]);
+    EXPECT_TRUE(file.Complaints.empty());
+    const std::vector<RemoteKey> keys = KeysOf(file);
+    ASSERT_EQ(keys.size(), truth["keys"].size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      SCOPED_TRACE(i);
+      ExpectKey(keys[i], truth["keys"][i]);
+    }
+  }
+}
+
+/// What a format does not say, so that it does not come back.
+struct Way {
+  std::string_view Format;
+  bool Names, Repeats, Carriers, Raw;
+};
+
+constexpr Way kWays[] = {
+    {"flipper", true, true, true, true},   {"lirc", true, true, true, true},
+    {"keymap", true, false, false, true},  {"pronto", true, true, true, true},
+    {"irdb", true, true, false, false},    {"girr", true, true, true, true},
+    {"smartir", true, false, false, true}, {"tasmota", false, false, false, true},
+    {"esphome", true, false, true, true},  {"ha", false, true, true, true},
+    {"mode2", false, true, true, true},    {"one-line", false, true, true, true},
+};
+
+/// What of a key did not come back; empty if all did.
+std::string Lost(const RemoteKey& back, const RemoteKey& key, const Way& way) {
+  std::string name = key.Name.value_or("");
+  if (way.Format == "lirc") std::replace(name.begin(), name.end(), ' ', '_');
+  const bool known = key.Coded && key.Coded->Again.Kind != RepeatKind::Unknown;
+  if (Digits(back) != Digits(key)) return Digits(key) + " came back as " + Digits(back);
+  // A tree keeps a name once; the second one gets a number behind it.
+  const bool numbered = way.Format == "smartir" && back.Name.value_or("").starts_with(name + " (");
+  if (way.Names && key.Name && back.Name != name && !numbered)
+    return "the name came back as " + back.Name.value_or("none");
+  if (way.Carriers && !CarriersAgree(back.Carrier, key.Carrier)) return "the carrier";
+  if (way.Repeats && known && RepeatOf(back) != RepeatOf(key)) return RepeatOf(key) + " as " + RepeatOf(back);
+  if (!key.Coded && (back.Lengths.size() + 1) / 2 != (key.Lengths.size() + 1) / 2) return "lengths";
+  return "";
+}
+
+/// The keys that a format has written.
+std::vector<RemoteKey> Written(const RemoteFile& file, const Way& way, const std::vector<Complaint>& told) {
+  std::multiset<std::string> leftOut;
+  for (const Complaint& complaint : told) leftOut.insert(complaint.Key);
+  std::vector<RemoteKey> keys;
+  for (const RemoteKey& key : KeysOf(file)) {
+    const auto left = leftOut.find(key.Name.value_or(""));
+    const bool out = key.Name && left != leftOut.end();
+    if (out) leftOut.erase(left);
+    if (!out && key.Skipped.empty() && (way.Raw || key.Coded)) keys.push_back(key);
+  }
+  return keys;
+}
+
+TEST(Remotes, ComeBackFromEachFormat) {
+  const json collection = Collection();
+  SKIP_WITHOUT(collection);
+  for (const json& truth : collection) {
+    const RemoteFile file = LoadRemotes(CollectionFolder() / truth["file"].get<std::string>());
+    for (const Way& way : kWays) {
+      SCOPED_TRACE(truth["file"].get<std::string>() + " as " + std::string(way.Format));
+      std::vector<Complaint> told;
+      const std::string text = WriteRemotes(way.Format, file.Remotes, told);
+      std::vector<RemoteKey> keys = Written(file, way, told);
+      if (keys.empty()) continue;
+      std::vector<RemoteKey> back = KeysOf(ReadRemotes(text, "x", way.Format));
+      EXPECT_EQ(back.size(), keys.size());
+      // Formats that keep keys of one coding together change the order.
+      if (way.Format == "lirc" || way.Format == "keymap" || way.Format == "smartir") {
+        const auto inOrder = [](const RemoteKey& a, const RemoteKey& b) {
+          return Digits(a) != Digits(b) ? Digits(a) < Digits(b) : a.Name < b.Name;
+        };
+        std::stable_sort(back.begin(), back.end(), inOrder);
+        std::stable_sort(keys.begin(), keys.end(), inOrder);
+      }
+      std::string lost;
+      for (std::size_t i = 0; i < std::min(keys.size(), back.size()) && lost.empty(); ++i) {
+        lost = Lost(back[i], keys[i], way);
+        if (!lost.empty()) lost = keys[i].Name.value_or(std::to_string(i)) + ": " + lost;
+      }
+      EXPECT_EQ(lost, "");
+    }
+  }
+}
+
+std::string Told(const RemoteFile& file) {
+  std::string text;
+  for (const Complaint& complaint : file.Complaints) text += complaint.Message() + '\n';
+  for (const RemoteKey& key : KeysOf(file)) text += key.Skipped;
+  return text;
+}
+
+std::string TellsOf(const std::string& text, std::string_view format) try {
+  return Told(ReadRemotes(text, "x", format));
+} catch (const FormatError& error) {
+  return error.what();
+}
+
+TEST(Remotes, TellWhatIsWrongAndGoOn) {
+  using namespace std::string_literals;
+  struct Bad {
+    const char* Name;
+    std::string_view Format;
+    std::string Text, Tells;
+  };
+  const std::string flipper = "Filetype: IR signals file\nVersion: 1\nname: A\ntype: ";
+  const std::string lirc = "begin remote\nname r\nbits 8\none 5 9\nzero 5 5\n";
+  const Bad rows[] = {
+      {"no known format", "", "hello\n", "tried were flipper, lirc"},
+      {"a byte of value 0", "", "name: A\n\0"s, "x, line 2: found a byte of value 0"},
+      {"17 MiB", "", std::string(std::size_t{17} << 20U, ' '), "larger than the 16777216 bytes"},
+      {"a length of 0", "", flipper + "raw\ndata: 5 0 5\n", "found a length of 0"},
+      {"a length above the limits", "", flipper + "raw\ndata: 5 16777216 5\n", "found a length of 16777216"},
+      {"a protocol that is not known", "", flipper + "parsed\nprotocol: Q\naddress: 1\ncommand: 1\n",
+       "expected up to four bytes"},
+      {"a type that is none", "", flipper + "cooked\n", "found the type \"cooked\""},
+      {"an include that leads out", "lirc", "include \"/etc/passwd\"\n",
+       "expected a file in the same folder"},
+      {"a code that is none", "", lirc + "begin codes\nA 0xZ\nend codes\nend remote\n", "found \"0xZ\""},
+      {"a remote without an end", "", lirc + "begin codes\nA 1\n", "expected \"end remote\""},
+      {"cut base64", "", R"({"commands":{"a":"JgBQAAABH"}})", "is cut"},
+      {"a radio code", "", R"({"commands":{"a":"sgAEAAEBAQE="}})", "for radio"},
+      {"a million brackets", "ha", std::string(1'000'000, '['), "expected an object with"},
+      {"a million brackets in TOML", "keymap", "[[protocols]]\na = " + std::string(1'000'000, '['),
+       "no TOML"},
+      {"brackets in YAML", "esphome", "a: " + std::string(1'000'000, '['), "brackets in a row"},
+      {"more of it than is read", "esphome", std::string(2'000'000, 'a'), "larger than"},
+      {"an entity bomb", "girr",
+       "<!DOCTYPE a [<!ENTITY b \"cc\">]><remotes><remote><command name=\"&b;\"/></remote></remotes>",
+       "neither parameters nor lengths"},
+      {"counts that do not agree", "", "A: 0000 006D 0000 0002 0156 00AB 0015\n",
+       "expected the 4 that it counts"},
+      {"a NEC short form with a wrong inverse", "", "900A 006C 0000 0001 817E 6B95\n", "inverse"},
+      {"a type that is not known", "pronto", "7000 006C 0000 0001 817E 6B95\n", "7000"},
+      {"a wrong sign", "one-line", "+5 -5 -5\n", "line 1: found \"-5\", expected a mark"},
+      {"a device out of range", "", "functionname,protocol,device,subdevice,function\nA,NEC1,256,-1,1\n",
+       "expected 0 to 255"},
+      {"a state of an air conditioner", "tasmota", "{\"IRHVAC\":{\"Vendor\":\"X\"}}\n",
+       "state of an air conditioner"},
+      {"a letter ahead of its length", "", R"({"IrReceived":{"Protocol":"UNKNOWN","RawData":"+500-500Z"}})",
+       "letter \"Z\""},
+      {"a lambda", "",
+       "a:\n - remote_transmitter.transmit_nec:\n    address: !lambda return 1;\n    command: 1\n",
+       "!lambda"},
+      {"a driver's own codes", "",
+       "[[protocols]]\nname='a'\nprotocol='unknown'\n[protocols.scancodes]\n0x1='A'\n", "own driver"},
+  };
+  for (const Bad& row : rows) {
+    EXPECT_NE(TellsOf(row.Text, row.Format).find(row.Tells), std::string::npos)
+        << row.Name << ": " << TellsOf(row.Text, row.Format);
+  }
+}
+
+std::string CodesOf(const std::string& text, std::string_view format = {}) {
+  std::string codes;
+  for (const RemoteKey& key : KeysOf(ReadRemotes(text, "x", format))) {
+    codes += (codes.empty() ? "" : " ") + key.Name.value_or("") + "=" + Digits(key);
+  }
+  return codes;
+}
+
+TEST(Remotes, BearWhatPeopleWrite) {
+  const std::string nec = "00000010111111010000000111111110";
+  EXPECT_EQ(
+      CodesOf(
+          "functionname,protocol,device,subdevice,function\n\"a, b\",nec1,64,-1,128\nc,d,NEC1,64,191,128\n"),
+      "a, b=" + nec + " c,d=" + nec)
+      << "names with commas, protocols in lower case";
+  EXPECT_EQ(CodesOf("<A>\n0000006d0000\n0002 0156 00ab\n0015 05f1\nB: 900a 006c 0000 0001 4000 807f\n"),
+            "A= B=00000010000000000000000111111110")
+      << "Pronto over lines, without blanks, in lower case";
+  EXPECT_EQ(CodesOf("name: A\ntype: parsed\nprotocol: NEC\naddress: 40 00 00\ncommand: 80 00 00\n"),
+            "A=" + nec)
+      << "no head, three bytes";
+  EXPECT_EQ(
+      CodesOf(
+          "begin remote\r\nname r\r\nbits 8\r\nflags SPACE_ENC|REVERSE\r\none 500 400\r\nzero 500 1500\r\n"
+          "ptrail 500\r\nheader 9000 4000\r\npre_data_bits 8\r\npre_data 0x01\r\n"
+          "begin codes\r\nA 017 # octal\r\nend codes\r\nend remote\r\n"),
+      "A=0111111100001111")
+      << "a shorter one, reversed fields, octal, CR LF";
+  EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0x1e41\nscancode sony20:0x10051\n"),
+            "=" + nec + " =10011110000001 =10001011000000000000");
+  EXPECT_EQ(CodesOf("IRSend {\"Protocol\":\"PANASONIC\",\"Bits\":16388,\"Data\":\"0x538BC81\"}\n"),
+            "=010000000000010000000101001110001011110010000001");
+}
+
+}  // namespace
+}  // namespace keplo
