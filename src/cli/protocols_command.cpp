@@ -41,6 +41,7 @@ nlohmann::ordered_json Describe(std::string_view text, const ProtocolDraft& draf
           {"bit0", params.BIT0},
           {"bit1", params.BIT1},
           {"grepeat", params.GREPEAT},
+          {"carrier", params.Carrier},
           {"commands", LearnedIn(text, draft.Name)}};
 }
 

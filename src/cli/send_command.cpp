@@ -82,6 +82,7 @@ void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const Se
   bool toggle = false;
   line.DTR(0);
   line.RTS(-1);
+  line.SetCarrier(mod.ProtocolParams.Carrier);
   for (int sent = 0; sent < options.Count; ++sent) {
     std::string code = digits;
     const std::string slots = SlotsOf(mod, code, toggle);
@@ -102,7 +103,10 @@ void RequireAudible(const LineOutput& output) {
 std::string RecordingOf(const LineOutput& output, const std::string& file) {
   std::vector<PulseTrain> presses;
   for (const LineOutput::Signal& signal : output.Signals) presses.push_back(PulsesOf(signal));
-  return FormatToWrite(file).Write(presses);
+  const Format& format = FormatToWrite(file);
+  const std::int32_t carrier = output.Signals.back().Carrier;
+  const bool tellsCarrier = format.Name == kMode2Format && carrier != kUsualCarrier;
+  return (tellsCarrier ? "carrier " + std::to_string(carrier) + "\n" : "") + format.Write(presses);
 }
 
 std::string Report(const LineOutput& output, const SendOptions& options, const std::string& sent) {

@@ -179,6 +179,15 @@ bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view c
   return true;
 }
 
+std::optional<std::string> WithCommandLines(const std::string& text, std::string_view protocol,
+                                            std::string_view lines) {
+  const std::optional<int> place = PlaceForCommand(text, protocol);
+  if (!place) return std::nullopt;
+  std::string changed = InsertText(text, lines, *place);
+  const auto placeholder = FindPlaceholder(changed, protocol);
+  return placeholder ? WithoutLine(changed, *placeholder) : changed;
+}
+
 void DropPlaceholder(CfgStore& store) {
   if (CountCommands(store) < 2) return;
   const std::optional<Section> section = FindSectionToChange(store.CfgText, store.CurProtocol);
@@ -228,15 +237,14 @@ bool RemoveCommand(CfgStore& store) {
 
 LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_view code,
                        std::string_view name, Analysis readBy, std::string_view sendAs) {
-  std::string text = store.CfgText, checkedCode(code), checkedName(name);
+  const std::string& text = store.CfgText;
+  std::string checkedCode(code), checkedName(name);
   LearnResult result = CheckProtocol(protocol);
   if (result.Done()) result = CheckCode(text, checkedCode, readBy);
   if (result.Done()) result = CheckName(text, protocol, checkedName);
   if (!result.Done()) return result;
-  text = WithSendAs(text, protocol, sendAs);
-  text = InsertText(text, CommandLine(checkedCode, checkedName), *PlaceForCommand(text, protocol));
-  if (const auto placeholder = FindPlaceholder(text, protocol)) text = WithoutLine(text, *placeholder);
-  ReplaceAndSave(store, std::move(text));
+  const std::string prepared = WithSendAs(text, protocol, sendAs);
+  ReplaceAndSave(store, *WithCommandLines(prepared, protocol, CommandLine(checkedCode, checkedName)));
   return {};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,6 +56,12 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 /// @param sendAs how the code is sent, see WithSendAs
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
                   std::string_view sendAs = {});
+
+/// A text with more command lines of a section, each with its line end: they go behind its last command, and
+/// the placeholder goes.
+/// @return empty if the section is missing
+std::optional<std::string> WithCommandLines(const std::string& text, std::string_view protocol,
+                                            std::string_view lines);
 
 /// Removes the placeholder from CurProtocol once a learned command stands beside it, in memory only.
 /// CurCommand becomes EMPTY, unless that text stands in a later section alone.

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "config/carrier.h"
 #include "config/check_config.h"
 #include "config/commands.h"
 #include "config/generic_protocols.h"
@@ -120,6 +121,7 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
     return std::nullopt;
   }
   read.Draft.Params.GREPEAT = *gRepeat;
+  read.Draft.Params.Carrier = CarrierOf(text, protocol);
   return read;
 }
 

@@ -1,5 +1,6 @@
 #include "config/protocols.h"
 
+#include "config/carrier.h"
 #include "config/cfg_store.h"
 #include "config/key_table.h"
 #include "config/sections.h"
@@ -88,6 +89,7 @@ bool LoadProtocolParams(std::string_view text, std::string_view protocol, Protoc
     TakeParameter(key, GetLineAt(text, position), params);
   }
   params.SENDAS = SendAsOf(text, *section);
+  params.Carrier = CarrierOf(text, protocol);
   return true;
 }
 

@@ -56,6 +56,7 @@ std::string WithSendAs(const std::string& text, std::string_view protocol, std::
 
 /// Loads the parameters of a protocol, each key searched from after the one before it. At the first that is
 /// not found the load stops: what was read stays, the rest is as it was.
+/// @param params of which Carrier is the usual one for a section without a line of it
 /// @param protoKind takes the value of GPROTO=
 /// @return true if all was read
 bool LoadProtocolParams(std::string_view text, std::string_view protocol, ProtocolParams& params,

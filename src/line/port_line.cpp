@@ -163,6 +163,10 @@ void PortLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t i
   if (line_) line_->IRSend(bytes, pulse, interfaceType);
 }
 
+void PortLine::SetCarrier(std::int32_t hertz) {
+  if (line_) line_->SetCarrier(hertz);
+}
+
 void PortLine::SendChr(char character) {
   if (line_) line_->SendChr(character);
 }

@@ -51,6 +51,7 @@ class PortLine : public DeviceLine {
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
+  void SetCarrier(std::int32_t hertz) override;
   void SendChr(char character) override;
   std::int32_t ReadChr(char& character) override;
   std::int16_t CheckZone(char& character) override;

@@ -163,7 +163,7 @@ std::int32_t ReplayLine::IRRecordN(std::span<char> buffer, std::int32_t delay, s
 }
 
 void ReplayLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
-  KeepLatest(output_.Signals, {std::string(bytes), pulse, interfaceType});
+  KeepLatest(output_.Signals, {std::string(bytes), pulse, interfaceType, carrier_});
   Wait(std::clamp<std::int64_t>(pulse, 0, kLongestPlayedSlot) * std::ssize(bytes) * 8us);
 }
 

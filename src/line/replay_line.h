@@ -13,6 +13,7 @@
 #include "line/long_press.h"
 #include "line/open_line.h"
 #include "line/press_capture.h"
+#include "signal/protocol_params.h"
 #include "signal/win32_ser.h"
 
 namespace keplo {
@@ -23,6 +24,7 @@ struct LineOutput {
     std::string Bytes;
     std::int32_t Pulse;  // microseconds
     std::int32_t InterfaceType;
+    std::int32_t Carrier = kUsualCarrier;  // Hz
   };
   struct Beep {
     std::int32_t Frequency;  // Hz
@@ -87,6 +89,7 @@ class ReplayLine : public Win32Ser, public PressSource {
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
+  void SetCarrier(std::int32_t hertz) override { carrier_ = hertz; }
   void SendChr(char character) override { output_.Characters += character; }
   std::int32_t ReadChr(char& character) override;
   std::int16_t CheckZone(char& character) override;
@@ -123,6 +126,7 @@ class ReplayLine : public Win32Ser, public PressSource {
   std::chrono::microseconds ownTime_{0};   // without a clock
   std::deque<char> zoneAnswers_;
   LineOutput output_;
+  std::int32_t carrier_ = kUsualCarrier;
 };
 
 }  // namespace keplo

@@ -64,6 +64,11 @@ class Win32Ser {
   ///        hardware carrier
   virtual void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) = 0;
 
+  /// Sets the carrier of what is sent from now on. A line with a carrier of its own keeps that, and tells so
+  /// once where receivers of the other one would hardly hear it.
+  /// @param hertz 0 for light without a carrier
+  virtual void SetCarrier(std::int32_t /*hertz*/) {}
+
   /// Sends one character to the zone hardware.
   virtual void SendChr(char character) = 0;
   /// Reads one character from the zone hardware.

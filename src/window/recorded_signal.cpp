@@ -33,6 +33,7 @@ RecordedSignal ShownSignal(const ReadingFields& fields, std::int16_t protoKind) 
 void TakeParams(const RecordedSignal& recorded, ProtocolParams& params) {
   params.REPEAT = recorded.Repeats ? kRecordedRepeat : std::int16_t{0};
   params.GREPEAT = RecordedGRepeat(recorded.SyncType);
+  params.Carrier = kUsualCarrier;
   if (const PatternSet* patterns = FindPatternSet(recorded.ProtoKind)) {
     params.BITG = patterns->BITG;
     params.BIT0 = patterns->BIT0;

@@ -101,6 +101,7 @@ bool SendFlow::SendDigits(std::string digits) {
   }
   const ui::WaitNotice notice(window_, "Sending the command.");
   beeper_.Beep(5000, 50);
+  line_.SetCarrier(mod_.ProtocolParams.Carrier);
   line_.IRSend(BitsToChars(slots), pulse, mod_.Settings.InterfaceType);
   beeper_.Beep(2000, 50);
   if (showsTrace_()) {

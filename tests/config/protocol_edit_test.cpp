@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
+#include "config/learn.h"
 #include "config/protocols.h"
 
 namespace keplo {
@@ -63,6 +66,34 @@ TEST(ProtocolEdit, AddsChangesAndDeletesASectionByteForByte) {
   EXPECT_EQ(stored.File(), kGeneral + lamp + end);
   EXPECT_EQ(RefusalText(DeleteProtocol(stored.Store, "Lamp")), "");
   EXPECT_EQ(stored.File(), kGeneral + end);
+}
+
+TEST(ProtocolEdit, LeavesTheCarrierOfASectionAlone) {
+  const std::string mine =
+      Replaced(Protocol("Mine", {"G1010,POWER"}), "GREPEAT= 72\r\n", "GREPEAT= 72\r\nCARRIER= 36000\r\n");
+  Stored stored(Config(mine + Protocol("Other", {"G1100,MUTE"})));
+  const auto carrier = [&](std::string_view protocol) {
+    ProtocolParams params;
+    std::int16_t kind = 0;
+    EXPECT_TRUE(LoadProtocolParams(stored.File(), protocol, params, kind));
+    return params.Carrier;
+  };
+  EXPECT_EQ(carrier("Other"), 38'000);
+  EXPECT_EQ(RefusalText(EditProtocol(stored.Store, Draft("Mine"))), "");
+  EXPECT_TRUE(DeleteCommand(stored.Store, "Mine", "POWER").Done());
+  EXPECT_TRUE(AddCommand(stored.Store, "Mine", "G1111", "PLAY").Done());
+  EXPECT_EQ(RefusalText(EditProtocol(stored.Store, Draft("Mine"))), "");
+  EXPECT_NE(stored.File().find(Lines({"GREPEAT= 0", "CARRIER= 36000", "", "G1111,PLAY", ""})),
+            std::string::npos);
+  EXPECT_EQ(carrier("mine"), 36'000);
+  for (const auto& [value, hertz] :
+       std::map<std::string, int>{{"= 0", 0}, {"=455000", 455'000}, {"= x", 38'000}}) {
+    Stored other(Replaced(stored.File(), "= 36000", value));
+    ProtocolParams params;
+    std::int16_t kind = 0;
+    EXPECT_TRUE(LoadProtocolParams(other.Store.CfgText, "Mine", params, kind));
+    EXPECT_EQ(params.Carrier, hertz) << value;
+  }
 }
 
 TEST(ProtocolEdit, RefusesANameForItsFirstFault) {

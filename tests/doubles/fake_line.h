@@ -51,6 +51,8 @@ class FakeLine : public Win32Ser {
     Calls.push_back("IRSend " + std::to_string(bytes.size()) + " pulse " + std::to_string(pulse) +
                     " interface " + std::to_string(interfaceType));
   }
+  std::int32_t Carrier = 0;  // Hz, of what was sent last
+  void SetCarrier(std::int32_t hertz) override { Carrier = hertz; }
   void SendChr(char character) override { Note("SendChr", character); }
   std::int32_t ReadChr(char& character) override {
     Calls.emplace_back("ReadChr");

@@ -108,6 +108,11 @@ TEST_F(SerialLineTest, PutsSlotsOutOnTime) {
   }
   EXPECT_FALSE(Port.Dtr.back().second);
 
+  Line.SetCarrier(38'400);
+  EXPECT_TRUE(Told.empty()) << "near enough for every receiver";
+  Line.SetCarrier(56'000);
+  Line.SetCarrier(36'000);
+  EXPECT_EQ(Told.size(), 1U) << "a carrier that the line cannot have is told once";
   Line.IRSend(bytes, 560, 1);
   ASSERT_EQ(Port.Written.size(), 3U) << "a mark is one write, so that it has no gap";
   EXPECT_EQ(Port.Written[0].second, std::string(29, '\x5B')) << "2,240 us of characters of 78.1 us";

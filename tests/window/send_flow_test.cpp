@@ -30,6 +30,7 @@ TEST_F(SendFlow, AStoredCommandIsSentBetweenTwoBeepsAndDrawn) {
   EXPECT_EQ(form_->Note.Text(), "It goes nowhere.");
   EXPECT_EQ(line_.Calls, (Texts{"DTR 0", "RTS -1", "SpeakBeep 5000 50", "IRSend 54 pulse 560 interface 0",
                                 "SpeakBeep 2000 50"}));
+  EXPECT_EQ(line_.Carrier, 38'000);
   // Sync 1100, then 1000 for a 1 and 10 for a 0.
   EXPECT_EQ(SamplesToBits(line_.Sent).substr(0, 16), "1100100010100010");
   EXPECT_EQ(form_->Rpt.Text() + form_->GType.Text() + form_->GProt.Text(), "N2NEC");

@@ -25,7 +25,6 @@ using std::chrono::milliseconds;
 
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;         // microseconds; a longer space parts two presses
-constexpr unsigned kLircCarrier = 38'000;  // Hz
 constexpr std::size_t kMostHeard = 4096;
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
@@ -78,8 +77,21 @@ void LircLine::Ask(std::string& why) {
   if (abilities_.Receives) calls_.Ioctl(device_->Get(), LIRC_SET_REC_MODE, &mode);
   mode = LIRC_MODE_PULSE;
   if (abilities_.Sends) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_MODE, &mode);
-  std::uint32_t carrier = kLircCarrier;
-  if (abilities_.SetsCarrier) calls_.Ioctl(device_->Get(), LIRC_SET_SEND_CARRIER, &carrier);
+  if (abilities_.SetsCarrier) WriteCarrier();
+}
+
+void LircLine::WriteCarrier() {
+  auto carrier = static_cast<std::uint32_t>(carrier_);
+  calls_.Ioctl(device_->Get(), LIRC_SET_SEND_CARRIER, &carrier);
+}
+
+void LircLine::SetCarrier(std::int32_t hertz) {
+  if (!device_ || std::exchange(carrier_, hertz) == hertz) return;
+  if (abilities_.SetsCarrier) {
+    WriteCarrier();
+  } else if (abilities_.Sends) {
+    carrierNote_.Tell([this](const std::string& text) { Tell(text); }, Node(), hertz);
+  }
 }
 
 bool LircLine::OpenDevice(std::string& why) {

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "line/carrier_note.h"
 #include "line/node_line.h"
+#include "signal/protocol_params.h"
 
 namespace keplo {
 
@@ -43,6 +45,7 @@ class LircLine : public NodeLine {
   void DTR(std::int32_t /*state*/) override {}
   void RTS(std::int32_t /*state*/) override {}
   void TXD(std::int32_t /*state*/) override {}
+  void SetCarrier(std::int32_t hertz) override;
   void SendChr(char /*character*/) override {}
   std::int32_t ReadChr(char& /*character*/) override { return 0; }
 
@@ -60,6 +63,7 @@ class LircLine : public NodeLine {
 
  private:
   void Ask(std::string& why);
+  void WriteCarrier();
   void ReadItems();
   void Take(std::uint32_t item, Time now);
   void AddLength(bool mark, int length);
@@ -68,7 +72,9 @@ class LircLine : public NodeLine {
 
   std::optional<DeviceDescriptor> device_;
   LircAbilities abilities_;
-  bool skipping_ = false;  // up to the next silence between frames
+  CarrierNote carrierNote_;
+  std::int32_t carrier_ = kUsualCarrier;  // Hz, of what is sent
+  bool skipping_ = false;                 // up to the next silence between frames
   bool overflowed_ = false;
   std::vector<int> heard_;  // microseconds, mark first
   Time quietSince_{0};

@@ -256,6 +256,10 @@ bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, st
   return Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
 }
 
+void SerialLine::SetCarrier(std::int32_t hertz) {
+  if (port_) carrierNote_.Tell([this](const std::string& text) { Tell(text); }, Node(), hertz);
+}
+
 void SerialLine::SendChr(char character) {
   LookAfterDevice();
   if (!port_) return;

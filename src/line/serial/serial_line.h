@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "line/carrier_note.h"
 #include "line/node_line.h"
 #include "line/serial/edge_log.h"
 #include "line/serial/edge_watch.h"
@@ -31,6 +32,7 @@ class SerialLine : public NodeLine {
   void DTR(std::int32_t state) override;
   void RTS(std::int32_t state) override;
   void TXD(std::int32_t state) override;
+  void SetCarrier(std::int32_t hertz) override;
   void SendChr(char character) override;
   std::int32_t ReadChr(char& character) override;
 
@@ -62,6 +64,7 @@ class SerialLine : public NodeLine {
   /// The signal that is on may have begun unheard; when the line was seen to change last.
   std::optional<Time> inside_;
   std::optional<bool> stuckAt_;  // level of a line that stayed away from rest for a whole capture
+  CarrierNote carrierNote_;
   LineLosses losses_;
 };
 

@@ -26,7 +26,7 @@ struct Singles {
     Counts.at(place % 2) += 1;
   }
 
-  std::optional<PressTiming> Timing(const LineCode& code) const {
+  std::optional<PressTiming> Timing(const LineUnits& code) const {
     if (Counts[0] == 0 || Counts[1] == 0) return std::nullopt;
     const double mark = Sums[0] / Counts[0];
     const double space = Sums[1] / Counts[1];
@@ -67,7 +67,7 @@ bool IsLeader(const Frame& frame, std::size_t place, const PressTiming& timing) 
   return place <= 1 && isLong(0) && isLong(place);
 }
 
-std::optional<LineCode> FindLineCode(std::span<const Frame> frames, const PressTiming& timing) {
+std::optional<LineUnits> FindLineCode(std::span<const Frame> frames, const PressTiming& timing) {
   std::array<RunCounts, 2> counts;  // marks, spaces
   for (const Frame& frame : frames) {
     for (std::size_t i = 0; i < frame.Runs.size(); ++i) {
@@ -76,7 +76,7 @@ std::optional<LineCode> FindLineCode(std::span<const Frame> frames, const PressT
       }
     }
   }
-  const LineCode found = {counts[0].Longer(), counts[1].Longer()};
+  const LineUnits found = {counts[0].Longer(), counts[1].Longer()};
   constexpr std::array kLineCodes = {kPulseDistance2, kPulseDistance3, kPulseWidth, kBiphase};
   if (std::find(kLineCodes.begin(), kLineCodes.end(), found) == kLineCodes.end()) return std::nullopt;
   return found;
@@ -134,7 +134,7 @@ bool EachRun(const Frame& frame, const PressTiming& timing, const Take& take) {
 std::optional<PressTiming> MeasurePress(std::span<const Frame> frames) {
   const std::optional<PressTiming> rough = ShortestPairs(frames).Timing({1, 1});
   if (!rough) return std::nullopt;
-  const std::optional<LineCode> code = FindLineCode(frames, *rough);
+  const std::optional<LineUnits> code = FindLineCode(frames, *rough);
   if (!code) return std::nullopt;
 
   // Once more over all single runs, which are more than the shortest pairs.

@@ -9,17 +9,17 @@
 namespace keplo {
 
 /// Lengths that the marks and spaces of a line code have, in base times: one and a longer one, or one alone.
-struct LineCode {
+struct LineUnits {
   int LongMark;   // 1 if all marks are alike
   int LongSpace;  // 1 if all spaces are alike
 
-  bool operator==(const LineCode&) const = default;
+  bool operator==(const LineUnits&) const = default;
 };
 
-inline constexpr LineCode kPulseDistance2 = {1, 2};
-inline constexpr LineCode kPulseDistance3 = {1, 3};
-inline constexpr LineCode kPulseWidth = {2, 1};
-inline constexpr LineCode kBiphase = {2, 2};
+inline constexpr LineUnits kPulseDistance2 = {1, 2};
+inline constexpr LineUnits kPulseDistance3 = {1, 3};
+inline constexpr LineUnits kPulseWidth = {2, 1};
+inline constexpr LineUnits kBiphase = {2, 2};
 
 /// Longest run of a line code, base times.
 inline constexpr int kMostUnits = 3;
@@ -34,7 +34,7 @@ using FrameUnits = std::span<const int>;
 struct PressTiming {
   double Unit;    // base time, microseconds
   double Excess;  // by which the receiver made marks too long and spaces too short, microseconds
-  LineCode Code;
+  LineUnits Code;
 
   /// Length on air of a run of a frame, microseconds.
   /// @param place from 0; marks stand at even places
