@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 layers='cli component host_program window_program
 station qt
 shell window synth
-keplo_mod line install
+keplo_mod line install remotes
 formats config events component_loader
 program
 disk ui signal host

@@ -1,0 +1,233 @@
+#include "remotes/import_plan.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+
+#include "config/cfg_store.h"
+#include "config/cfg_text.h"
+#include "config/learn.h"
+#include "config/protocol_edit.h"
+#include "config/protocols.h"
+#include "config/sections.h"
+#include "config/values.h"
+#include "failure.h"
+#include "remotes/key_names.h"
+#include "remotes/new_commands.h"
+#include "remotes/section_signal.h"
+#include "remotes/stored_codes.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::size_t kFewestDigits = 5;  // of a code that is sent
+
+/// Puts an import together, one remote after the other.
+class Planner {
+ public:
+  Planner(const std::string& text, const ImportWishes& wishes)
+      : text_(text), wishes_(wishes), codes_(text), names_(text) {
+    if (!wishes.Section.empty()) RequireSection();
+  }
+
+  void Take(const ImportedFile& file, const Remote& remote) {
+    for (const RemoteKey& key : remote.Keys) {
+      if (!wishes_.Wants || wishes_.Wants(key)) Take(file, remote, key);
+    }
+    const std::string name =
+        remote.Name.empty() ? std::filesystem::path(file.Path).stem().string() : remote.Name;
+    for (const KeyGroup& group : groups_) {
+      plan_.Sections.push_back(names_.Next(name));
+      blocks_ += SectionBlock(plan_.Sections.back(), group, plan_.Keys);
+    }
+    groups_.clear();
+  }
+
+  ImportPlan Finish() {
+    plan_.Text = text_;
+    if (!own_.empty()) AddToSection();
+    if (!blocks_.empty()) AddBlocks();
+    for (const auto& [place, with] : meetings_) TellMeeting(plan_.Keys[place], with);
+    plan_.Free = kMostCharacters - std::min(text_.size(), kMostCharacters);
+    plan_.Needed = plan_.Text.size() - text_.size();
+    return std::move(plan_);
+  }
+
+ private:
+  void RequireSection() {
+    if (const LearnResult refused = CheckProtocol(wishes_.Section); !refused.Done()) {
+      throw Failure(0, RefusalText(refused));
+    }
+    const std::optional<ProtocolDraft> draft = LoadProtocol(text_, wishes_.Section);
+    if (!draft) throw Failure(0, RefusalText({Refusal::NoSection, wishes_.Section}));
+    section_ = SectionSignal{draft->ProtoKind, draft->Params};
+    plan_.Sections = {wishes_.Section};
+  }
+
+  void Take(const ImportedFile& file, const Remote& remote, const RemoteKey& key) {
+    const std::size_t place = plan_.Keys.size();
+    plan_.Keys.push_back(
+        {.File = file.Path, .Remote = remote.Name, .Key = &key, .Section = {}, .Name = {}, .Reason = {}});
+    PlannedKey& planned = plan_.Keys.back();
+    planned.IsRaw = key.IsRaw();
+    if (!key.Coded) {
+      planned.Reason = planned.IsRaw ? "its lengths are of no two digit patterns" : key.Skipped;
+      return;
+    }
+    std::optional<SectionSignal> section;
+    planned.Reason = WhyNoCode(key, section);
+    if (!planned.Reason.empty()) {
+      planned.IsRaw = !section && !section_;
+      return;
+    }
+    if (!MayGoIn(planned, place)) return;
+    planned.Fate = KeyFate::Stored;
+    codes_.Add(key.Coded->Digits, place);
+    if (section_) {
+      own_.push_back(place);
+    } else {
+      AddToGroup(*section, key, place);
+    }
+  }
+
+  /// Why the digits of a key make no command; empty if they do.
+  /// @param section takes how they are sent
+  std::string WhyNoCode(const RemoteKey& key, std::optional<SectionSignal>& section) const {
+    const CodedSignal& signal = *key.Coded;
+    if (signal.Digits.size() < kFewestDigits) {
+      return "a code of " + std::to_string(signal.Digits.size()) + " digits is too short; expected " +
+             std::to_string(kFewestDigits) + " or more";
+    }
+    if (section_) {
+      return SendsFrame(*section_, signal) ? "" : "the patterns of [" + wishes_.Section + "] do not send it";
+    }
+    section = SectionOf(signal);
+    return section ? "" : "no two digit patterns send it";
+  }
+
+  bool MayGoIn(PlannedKey& planned, std::size_t place) {
+    const auto met = codes_.Meets(planned.Digits());
+    if (!met) return true;
+    meetings_.emplace_back(place, *met);
+    if (met->How == StoredCodes::Meeting::Equal) {
+      planned.Fate = KeyFate::Known;
+      return false;
+    }
+    planned.Fate = KeyFate::Shadowed;
+    return wishes_.Shadowed;
+  }
+
+  void AddToGroup(const SectionSignal& section, const RemoteKey& key, std::size_t place) {
+    auto group = std::find_if(groups_.begin(), groups_.end(), [&](const KeyGroup& candidate) {
+      return candidate.Group.Takes(*key.Coded, key.Carrier);
+    });
+    if (group == groups_.end()) group = groups_.insert(group, KeyGroup{SectionGroup(section), {}});
+    group->Group.Add(*key.Coded, key.Carrier);
+    group->Keys.push_back(place);
+  }
+
+  void AddToSection() {
+    const std::optional<Section> section = FindSectionToChange(text_, wishes_.Section);
+    const std::string_view words =
+        std::string_view(text_).substr(static_cast<std::size_t>(section->Begin - 1),
+                                       static_cast<std::size_t>(section->End - section->Begin));
+    const std::string lines = CommandLines(wishes_.Section, words, own_, plan_.Keys);
+    plan_.Text = WithCommandLines(text_, wishes_.Section, lines).value_or(text_);
+  }
+
+  /// The new sections go ahead of [Template]; the window goes on to start with the protocol that it had.
+  void AddBlocks() {
+    const SectionChange place = NewSection(plan_.Text, {});
+    if (!place.Refused.Done()) throw Failure(0, RefusalText(place.Refused));
+    const std::vector<std::string> before = ListProtocols(text_);
+    plan_.Text = InsertText(plan_.Text, blocks_, place.Change.First);
+    const int position = FindNoCase("PROTOCOL=", text_, FindNoCase("[General]", text_, 1));
+    const bool startsWithTemplate =
+        !before.empty() && GetLineAt(text_, position) == std::to_string(before.size() - 1);
+    if (!startsWithTemplate) return;
+    plan_.Text = WithCurrentProtocol(plan_.Text, static_cast<int>(before.size() + plan_.Sections.size()) - 1);
+  }
+
+  void TellMeeting(PlannedKey& planned, const StoredCodes::Met& met) const {
+    const std::string with = met.With.New ? plan_.Keys[*met.With.New].Reference() : met.With.Reference;
+    std::string reason;
+    switch (met.How) {
+      case StoredCodes::Meeting::Equal:
+        reason = "known: the code is that of " + with;
+        planned.Section = with.substr(0, with.find('&'));
+        planned.Name = with.substr(with.find('&') + 1);
+        break;
+      case StoredCodes::Meeting::BeginsOther:
+        reason = "shadowed: the code is the beginning of that of " + with;
+        break;
+      case StoredCodes::Meeting::BeginsWithOther:
+        reason = "shadowed: the code begins with that of " + with;
+    }
+    planned.Reason = reason + (planned.Reason.empty() ? "" : "; ") + planned.Reason;
+  }
+
+  const std::string& text_;
+  const ImportWishes& wishes_;
+  StoredCodes codes_;
+  SectionNames names_;
+  std::optional<SectionSignal> section_;  // the existing one, if one is to take the keys
+  ImportPlan plan_;
+  std::vector<KeyGroup> groups_;  // of the remote at hand
+  std::vector<std::size_t> own_;  // keys that go into the existing section
+  std::string blocks_;
+  std::vector<std::pair<std::size_t, StoredCodes::Met>> meetings_;
+};
+
+/// Whether a name fits a pattern with * and ?, both in lower case.
+bool Matches(std::string_view pattern, std::string_view name) {
+  std::size_t at = 0, star = std::string_view::npos, retry = 0;
+  for (std::size_t place = 0; place < name.size();) {
+    if (at < pattern.size() && pattern[at] == '*') {
+      star = at++;
+      retry = place;
+    } else if (at < pattern.size() && (pattern[at] == '?' || pattern[at] == name[place])) {
+      ++at;
+      ++place;
+    } else if (star != std::string_view::npos) {
+      at = star + 1;
+      place = ++retry;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', at) == std::string_view::npos;
+}
+
+}  // namespace
+
+std::size_t ImportPlan::Count(KeyFate fate) const {
+  return static_cast<std::size_t>(
+      std::count_if(Keys.begin(), Keys.end(), [&](const PlannedKey& key) { return key.Fate == fate; }));
+}
+
+ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& files,
+                      const ImportWishes& wishes) {
+  Planner planner(text, wishes);
+  for (const ImportedFile& file : files) {
+    for (const Remote& remote : file.Remotes) planner.Take(file, remote);
+  }
+  return planner.Finish();
+}
+
+std::function<bool(const RemoteKey& key)> KeysNamed(const std::string& list) {
+  std::vector<std::string> patterns;
+  for (std::size_t begin = 0; begin <= list.size();) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    patterns.push_back(InLowerCase(Trimmed(std::string_view(list).substr(begin, end - begin))));
+    begin = end + 1;
+  }
+  return [patterns](const RemoteKey& key) {
+    const std::string name = InLowerCase(Trimmed(key.Name.value_or("")));
+    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+      return !pattern.empty() && Matches(pattern, name);
+    });
+  };
+}
+
+}  // namespace keplo

@@ -1,0 +1,237 @@
+#include "remotes/section_signal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "signal/decode.h"
+#include "signal/send_bits.h"
+#include "signal/timing.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr int kUsualGap = 40'000;  // microseconds, where a file tells none
+constexpr int kShortestGap = 16;   // slots; a shorter silence counts as a part of the frame
+constexpr std::size_t kRc5Digits = 14;
+constexpr std::size_t kMostDigits = 512;  // of a code; longer signals are no key presses
+constexpr Pulse kShortSync = {16, 4};     // slots, of the only short repeat that a section sends
+constexpr int kLongestNumber = std::numeric_limits<std::int16_t>::max();
+
+std::int16_t KindOf(const CodedSignal& signal) {
+  switch (signal.Code.Line) {
+    case LineCode::Distance:
+      return kNec;
+    case LineCode::Width:
+      return kSony;
+    case LineCode::Biphase:
+      break;
+  }
+  // What the monitor reads as RC5 is sent as RC5.
+  return signal.Digits.size() == kRc5Digits && !signal.Code.HasSync() ? kRc5 : kCustom;
+}
+
+PulseTrain LengthsOf(const std::string& slots, int slot) {
+  PulseTrain lengths;
+  const std::size_t end = slots.find_last_of('1') + 1;
+  for (std::size_t at = std::min(slots.find('1'), end); at < end;) {
+    const std::size_t next = std::min(slots.find(slots[at] == '1' ? '0' : '1', at), end);
+    lengths.push_back(static_cast<int>(next - at) * slot);
+    at = next;
+  }
+  return lengths;
+}
+
+std::string SentSlots(ProtocolParams params, std::int16_t protoKind, std::string digits) {
+  bool toggle = true;  // so that the next transmission has a 0
+  return BuildSendBits(digits, protoKind, params, toggle);
+}
+
+bool IsWithin(int length, int wanted, int slot) { return 2 * std::abs(length - wanted) <= slot + 1; }
+
+/// The way to repeat that a section of this slot has; a short repeat of another shape is none of its own.
+RepeatKind KindInSlots(const Repeat& again, int slot) {
+  if (again.Kind != RepeatKind::Short || again.ShortSync.Mark == 0) return again.Kind;
+  const bool fits = IsWithin(again.ShortSync.Mark, kShortSync.Mark * slot, slot) &&
+                    IsWithin(again.ShortSync.Space, kShortSync.Space * slot, slot);
+  return fits ? RepeatKind::Short : RepeatKind::None;
+}
+
+bool Agree(const std::optional<int>& carrier, const std::optional<int>& other) {
+  return !carrier || !other || 100 * std::abs(*carrier - *other) <= std::max(*carrier, *other);
+}
+
+int ZerosAhead(const std::string& slots) { return static_cast<int>(std::min(slots.find('1'), slots.size())); }
+
+int ZerosBehind(const std::string& slots) {
+  return static_cast<int>(slots.size() - (slots.find_last_of('1') + 1));
+}
+
+/// Slots of silence that a section has to put between two frames, which may begin and end in silence
+/// themselves.
+int GapSlots(const SectionSignal& section, const CodedSignal& signal, RepeatKind kind) {
+  ProtocolParams params = section.Params;
+  const std::string frame = SentSlots(params, section.ProtoKind, signal.Digits);
+  if (kind == RepeatKind::Body) params.BITG.clear();
+  const int ahead =
+      kind == RepeatKind::Short ? 0 : ZerosAhead(SentSlots(params, section.ProtoKind, signal.Digits));
+  const double slots = static_cast<double>(SilenceBehind(signal)) / params.SENDPLS;
+  return static_cast<int>(std::lround(std::min(slots, double{kLongestNumber}))) - ahead - ZerosBehind(frame);
+}
+
+/// A run of a pattern from a place on.
+int TakeRun(const std::string& pattern, char level, std::size_t& at) {
+  const std::size_t begin = at;
+  while (at < pattern.size() && pattern[at] == level) ++at;
+  return static_cast<int>(at - begin);
+}
+
+/// A pattern of one mark and one space at most.
+std::optional<Pulse> PulseOf(const std::string& pattern, bool spaceFirst) {
+  Pulse pulse;
+  std::size_t at = 0;
+  if (spaceFirst) pulse.Space = TakeRun(pattern, '0', at);
+  pulse.Mark = TakeRun(pattern, '1', at);
+  if (!spaceFirst) pulse.Space = TakeRun(pattern, '0', at);
+  if (at != pattern.size() || pulse.Mark == 0 || pulse.Space == 0) return std::nullopt;
+  return pulse;
+}
+
+Pulse InSlots(Pulse pulse, int slot) { return {pulse.Mark * slot, pulse.Space * slot}; }
+
+std::optional<LineCode> LineOf(const ProtocolParams& params) {
+  if (params.BIT0.empty() || params.BIT1.empty()) return std::nullopt;
+  const bool markFirst0 = params.BIT0.front() == '1', markFirst1 = params.BIT1.front() == '1';
+  if (markFirst0 != markFirst1) return LineCode::Biphase;
+  return markFirst0 ? LineCode::Distance : LineCode::Width;
+}
+
+std::optional<Coding> CodingOf(const SectionSignal& section) {
+  const ProtocolParams& params = section.Params;
+  const std::optional<LineCode> line = LineOf(params);
+  if (!line || params.SENDPLS < 1) return std::nullopt;
+  const bool spaceFirst = *line == LineCode::Width;
+  const auto zero = PulseOf(params.BIT0, spaceFirst || params.BIT0.front() == '0');
+  const auto one = PulseOf(params.BIT1, spaceFirst || params.BIT1.front() == '0');
+  if (!zero || !one) return std::nullopt;
+  const int slot = params.SENDPLS;
+  Coding coding{
+      .Line = *line, .Unit = slot, .Sync = {}, .Zero = InSlots(*zero, slot), .One = InSlots(*one, slot)};
+  if (section.ProtoKind == kNec) coding.Tail = slot;
+  if (params.BITG.find('1') == std::string::npos) return coding;
+  std::size_t at = 0;
+  Pulse sync{TakeRun(params.BITG, '1', at), TakeRun(params.BITG, '0', at)};
+  // The space of the first digit belongs to the sync.
+  if (spaceFirst) sync.Space += zero->Space;
+  if (at != params.BITG.size() || sync.Mark == 0) return std::nullopt;
+  coding.Sync = InSlots(sync, slot);
+  return coding;
+}
+
+Repeat RepeatOf(const SectionSignal& section, const CodedSignal& signal) {
+  const ProtocolParams& params = section.Params;
+  Repeat again;
+  if (params.REPEAT == 0 && params.GREPEAT <= 1) {
+    again.Kind = RepeatKind::None;
+    return again;
+  }
+  const bool isShort = params.REPEAT == 0;
+  const bool sameSync = params.GREPEAT > 1 || !signal.Code.HasSync();
+  again.Kind = isShort ? RepeatKind::Short : sameSync ? RepeatKind::Frame : RepeatKind::Body;
+  if (isShort) again.ShortSync = InSlots(kShortSync, params.SENDPLS);
+  const PulseTrain frame = SentFrame(section, signal.Digits), press = SentPress(section, signal.Digits);
+  if (press.size() > frame.size()) again.Gap = press[frame.size()];
+  return again;
+}
+
+}  // namespace
+
+std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
+  const std::optional<SlotPatterns> patterns = PatternsOf(signal.Code);
+  if (!patterns || patterns->Slot > kLongestNumber || signal.Digits.size() > kMostDigits) return std::nullopt;
+  SectionSignal section;
+  section.ProtoKind = KindOf(signal);
+  section.Params.SENDPLS = static_cast<std::int16_t>(patterns->Slot);
+  section.Params.BIT0 = patterns->Zero;
+  section.Params.BIT1 = patterns->One;
+  // A section without a sync says so by a slot of silence.
+  section.Params.BITG = patterns->Sync.empty() ? "0" : patterns->Sync;
+  section.Params.BitTail = BitTailOf(section.ProtoKind);
+  return SendsFrame(section, signal) ? std::optional(section) : std::nullopt;
+}
+
+PulseTrain SentFrame(const SectionSignal& section, const std::string& digits) {
+  ProtocolParams once = section.Params;
+  once.REPEAT = once.GREPEAT = 0;
+  return LengthsOf(SentSlots(once, section.ProtoKind, digits), once.SENDPLS);
+}
+
+PulseTrain SentPress(const SectionSignal& section, const std::string& digits) {
+  return LengthsOf(SentSlots(section.Params, section.ProtoKind, digits), section.Params.SENDPLS);
+}
+
+bool SendsFrame(const SectionSignal& section, const CodedSignal& signal) {
+  if (KindOf(signal) == kRc5 && section.ProtoKind != kRc5) return false;
+  if (section.ProtoKind == kRc5 && KindOf(signal) != kRc5) return false;
+  if (signal.Digits.size() > kMostDigits) return false;
+  const PulseTrain sent = SentFrame(section, signal.Digits), wanted = FrameLengths(signal);
+  return std::equal(sent.begin(), sent.end(), wanted.begin(), wanted.end(),
+                    [&](int length, int meant) { return IsWithin(length, meant, section.Params.SENDPLS); });
+}
+
+bool SectionGroup::Takes(const CodedSignal& signal, const std::optional<int>& carrier) const {
+  const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
+  const bool sameKind = kind == kind_ || kind == RepeatKind::Unknown || kind_ == RepeatKind::Unknown;
+  return sameKind && Agree(carrier, carrier_) && SendsFrame(section_, signal);
+}
+
+void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carrier) {
+  const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
+  if (kind_ == RepeatKind::Unknown) kind_ = kind;
+  if (!carrier_) carrier_ = carrier;
+  if (SilenceBehind(signal) <= 0) return;
+  gaps_.push_back(GapSlots(section_, signal, kind_));
+}
+
+SectionSignal SectionGroup::Section() const {
+  SectionSignal section = section_;
+  section.Params.Carrier = carrier_.value_or(kUsualCarrier);
+  std::vector<int> gaps = gaps_.empty() ? std::vector{kUsualGap / section.Params.SENDPLS} : gaps_;
+  const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2);
+  std::nth_element(gaps.begin(), middle, gaps.end());
+  const auto gap = static_cast<std::int16_t>(std::clamp(*middle, kShortestGap, kLongestNumber));
+  switch (kind_) {
+    case RepeatKind::None:
+      section.Params.GREPEAT = 1;
+      break;
+    case RepeatKind::Short:
+      section.Params.GREPEAT = gap;
+      break;
+    case RepeatKind::Body:
+      section.Params.REPEAT = gap;
+      break;
+    case RepeatKind::Frame:
+    case RepeatKind::Unknown:
+      section.Params.REPEAT = section.Params.GREPEAT = gap;
+  }
+  return section;
+}
+
+RemoteKey KeyOfCode(const SectionSignal& section, const std::string& digits) {
+  RemoteKey key;
+  key.Carrier = section.Params.Carrier;
+  if (std::optional<Coding> coding = CodingOf(section)) {
+    CodedSignal signal{.Code = *coding, .Again = {}, .Digits = digits, .Toggle = std::nullopt};
+    if (section.ProtoKind == kRc5) signal.Toggle = kToggleBitOffset;
+    if (FrameLengths(signal) == SentFrame(section, digits)) {
+      signal.Again = RepeatOf(section, signal);
+      key.Coded = std::move(signal);
+    }
+  }
+  if (!key.Coded) key.Lengths = SentPress(section, digits);
+  return key;
+}
+
+}  // namespace keplo

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "formats/remote.h"
+#include "signal/protocol_params.h"
+
+namespace keplo {
+
+/// How a section of keplo.cfg sends its codes.
+struct SectionSignal {
+  std::int16_t ProtoKind = 0;  // GPROTO=
+  ProtocolParams Params;
+};
+
+/// The section that sends a coding, without its repeats.
+/// @return none if two digit patterns cannot say it
+std::optional<SectionSignal> SectionOf(const CodedSignal& signal);
+
+/// The first frame that a section sends of these digits, as marks and spaces; RC5 with 0 for the toggle.
+PulseTrain SentFrame(const SectionSignal& section, const std::string& digits);
+
+/// The whole press that a section sends of these digits.
+PulseTrain SentPress(const SectionSignal& section, const std::string& digits);
+
+/// Whether a section sends the frame of a signal: each mark and space within half a slot.
+bool SendsFrame(const SectionSignal& section, const CodedSignal& signal);
+
+/// Some keys that one section can send.
+class SectionGroup {
+ public:
+  explicit SectionGroup(SectionSignal section) : section_(std::move(section)) {}
+
+  /// Whether the section sends this signal too, with the same way to repeat it and a carrier within 1 %. What
+  /// a file does not say of it agrees with everything.
+  bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
+  void Add(const CodedSignal& signal, const std::optional<int>& carrier);
+  /// With REPEAT, GREPEAT and the carrier for all of them. Gaps that differ, as those of codes of one period
+  /// do, are sent as the middle one.
+  SectionSignal Section() const;
+
+ private:
+  SectionSignal section_;
+  RepeatKind kind_ = RepeatKind::Unknown;
+  std::optional<int> carrier_;
+  std::vector<int> gaps_;  // slots
+};
+
+/// A stored code as a signal, for what is exported: digits where the patterns are of a line code, else the
+/// lengths that the section sends.
+/// @param digits without the leading G
+RemoteKey KeyOfCode(const SectionSignal& section, const std::string& digits);
+
+}  // namespace keplo

@@ -1,0 +1,182 @@
+#include "remotes/import_plan.h"
+
+#include <gtest/gtest.h>
+
+#include "config/check_config.h"
+#include "config/config_builder.h"
+#include "config/fake_disk.h"
+#include "config/learn.h"
+#include "config/lookup.h"
+#include "config/protocols.h"
+#include "config/sections.h"
+#include "failure.h"
+#include "remote_builder.h"
+
+namespace keplo::tests {
+namespace {
+
+const std::string kEmpty = Config("");
+const std::string kOld = Protocol("Old", {"G1010,X"});
+
+/// An import and the files that it is of.
+struct Imported {
+  std::vector<ImportedFile> Files;
+  ImportPlan Plan;
+
+  Imported(const std::string& text, std::vector<ImportedFile> files, const ImportWishes& wishes = {})
+      : Files(std::move(files)), Plan(PlanImport(text, Files, wishes)) {}
+};
+
+/// What an import tells of its keys, a line each.
+std::string Told(const ImportPlan& plan) {
+  std::string told;
+  for (const PlannedKey& key : plan.Keys) {
+    told += key.Key->Name.value_or("?") + " -> " + key.Reference() + (key.Reason.empty() ? "" : " ") +
+            key.Reason + "\n";
+  }
+  return told;
+}
+
+/// Finds each new command as a user, the window and the monitor do, and deletes it.
+void ExpectHolds(const ImportPlan& plan) {
+  ASSERT_TRUE(HasWholeSections(plan.Text)) << plan.Text;
+  for (const PlannedKey& key : plan.Keys) {
+    if (key.Fate != KeyFate::Stored) continue;
+    SCOPED_TRACE(key.Reference());
+    const auto found = FindCommand(plan.Text, key.Digits(), 100);
+    ASSERT_TRUE(found.has_value());
+    EXPECT_EQ(found->Protocol + "&" + found->Command, key.Reference());
+    EXPECT_EQ(ShownCode(plan.Text, key.Section, key.Name), "G" + key.Digits());
+    const int first = FindNoCase(key.Name, plan.Text, FindSection(plan.Text, key.Section)->Begin);
+    EXPECT_EQ(plan.Text.substr(static_cast<std::size_t>(first) - 1, 2), "\r\n");
+    Stored stored(plan.Text);
+    ASSERT_TRUE(DeleteCommand(stored.Store, key.Section, key.Name).Done());
+    EXPECT_FALSE(FindCommand(stored.File(), key.Digits(), 100).has_value());
+  }
+}
+
+TEST(ImportPlan, MakesASectionOfARemoteAheadOfTheTemplate) {
+  const Imported imported(Config(kOld),
+                          File("Samsung TV-00580A", {Key("POWER", Digits(1)), Key("VOL+", Digits(2))}));
+  const ImportPlan& plan = imported.Plan;
+  const std::string section =
+      Lines({"[Samsung_TV-0]", "# Samsung TV-00580A", "GPROTO= 0", "SENDPLS= 562", "REPEAT= 0",
+             "BITG= 111111111111111100000000", "BIT0= 10", "BIT1= 1000", "GREPEAT= 65", "",
+             "G" + Digits(1) + ",POWER", "G" + Digits(2) + ",VOL_", ""});
+  EXPECT_EQ(plan.Text, Config(kOld + section));
+  EXPECT_EQ(plan.Needed, section.size());
+  EXPECT_EQ(plan.Free, 32'767 - Config(kOld).size());
+  ExpectHolds(plan);
+}
+
+TEST(ImportPlan, GivesNamesThatHold) {
+  for (const auto& [names, given] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"VOL_UP", "UP", "OK"}, "UP VOL_UP OK"},
+           {{"1", "10", "101", "G"}, "KEY_1 KEY_10 KEY_101 KEY_G"},
+           {{"REPEAT", "bit", "8", "56"}, "KEY_REPEAT KEY_bit 8 KEY_56"},
+           {{"ok", "OK", "Ok", "KEY_OK"}, "ok OK_2 Ok_3 KEY_OK"},
+           {{"1", "KEY_1", "1"}, "KEY_1 KEY_1_2 KEY_1_3"},
+           {{" Vol + ", "Entrée", "EMPTY", "-"}, "Vol__ Entr_e KEY_EMPTY -"},
+           {{"Громкость", "音量", ""}, "KEY_1 KEY_2 KEY_3"},
+           {{"A_X_C", "X_C", "C", "X"}, "X C X_C A_X_C"}}) {
+    const Imported imported(kEmpty, Named(names));
+    EXPECT_EQ(Commands(imported.Plan.Text, "Mine"), given);
+    ExpectHolds(imported.Plan);
+  }
+  EXPECT_EQ(Told(Imported(kEmpty, Named({"1", "VOL+"})).Plan),
+            "1 -> Mine&KEY_1 renamed from \"1\": that would be found elsewhere in the section\n"
+            "VOL+ -> Mine&VOL_ renamed from \"VOL+\": a name has letters, digits, - and _\n");
+}
+
+TEST(ImportPlan, GivesSectionsNamesOfTheirOwn) {
+  const std::string text = Config(Protocol("Mine", {"G1010,X"}) + Protocol("TwelveLetter", {"G1011,X"}));
+  for (const auto& [remote, section] :
+       std::vector<std::pair<std::string, std::string>>{{"mine", "mine-2"},
+                                                        {"TwelveLetters", "TwelveLett-2"},
+                                                        {"TV", "TV-1"},
+                                                        {"Template", "Template-2"},
+                                                        {"end", "end-2"},
+                                                        {"Пульт", "Remote"},
+                                                        {"A / B_(C)", "A_B_C"},
+                                                        {"Eleven_letr_s", "Eleven_letr"}}) {
+    EXPECT_EQ(PlanImport(text, File(remote, {Key("ON", Digits(1))}), {}).Sections.front(), section);
+  }
+}
+
+TEST(ImportPlan, MakesASectionForEachWayOfSending) {
+  std::vector<RemoteKey> keys = {
+      Key("A1", Digits(1)),         Key("B1", "101010010000", "SONY"),    Key("A2", Digits(2)),
+      Key("C1", Digits(3), "NEC2"), Key("B2", "101010010001010", "SONY"), Key("A3", Digits(4))};
+  keys[5].Coded->Again.Kind = RepeatKind::Unknown;
+  const Imported imported(kEmpty, File("Mine", keys));
+  const ImportPlan& plan = imported.Plan;
+  EXPECT_EQ(
+      Commands(plan.Text, "Mine") + "|" + Commands(plan.Text, "Mine-2") + "|" + Commands(plan.Text, "Mine-3"),
+      "A1 A2 A3|B1 B2|C1");
+  EXPECT_NE(plan.Text.find("\r\nCARRIER= 40000\r\n\r\nG101010010000,B1"), std::string::npos) << plan.Text;
+  ExpectHolds(plan);
+}
+
+TEST(ImportPlan, TellsCodesThatMeet) {
+  const std::string text =
+      Config(Protocol("Old", {"G1" + std::string(30, '0') + "1,POWER", "G101010010000,TV"}));
+  std::vector<RemoteKey> keys = {Key("P", "1" + std::string(30, '0') + "1"),
+                                 Key("V", Digits(1)),
+                                 Key("W", Digits(1)),
+                                 Key("Long", "101010010000111", "SONY"),
+                                 Key("Short", "10101001000", "SONY"),
+                                 Key("Few", "1010", "SONY")};
+  const auto files = File("Mine", keys);
+  EXPECT_EQ(Told(PlanImport(text, files, {})),
+            "P -> Old&POWER known: the code is that of Old&POWER\n"
+            "V -> Mine&V\n"
+            "W -> Mine&V known: the code is that of Mine&V\n"
+            "Long ->  shadowed: the code begins with that of Old&TV\n"
+            "Short ->  shadowed: the code is the beginning of that of Old&TV\n"
+            "Few ->  a code of 4 digits is too short; expected 5 or more\n");
+  const ImportPlan all = PlanImport(text, files, {.Section = {}, .Shadowed = true, .Wants = {}});
+  EXPECT_EQ(all.Count(KeyFate::Stored), 3U);
+  EXPECT_EQ(Commands(all.Text, "Mine-2"), "Long Short");
+}
+
+TEST(ImportPlan, PutsKeysIntoASectionThatSendsThem) {
+  const std::string mine =
+      Replaced(Replaced(Protocol("Mine", {"G10,EMPTY"}), "BITG= 1100", "BITG= 111111111111111100000000"),
+               "560", "570");
+  const auto files =
+      File("Other", {Key("1", Digits(1)), Key("test", Digits(2)), Key("S", "101010010000", "SONY")});
+  const ImportPlan plan =
+      PlanImport(Config(mine), files, {.Section = "Mine", .Shadowed = false, .Wants = {}});
+  EXPECT_EQ(Commands(plan.Text, "Mine"), "KEY_1 KEY_test") << "test is a word of the description";
+  EXPECT_EQ(plan.Keys[2].Reason, "the patterns of [Mine] do not send it");
+  ExpectHolds(plan);
+  for (const char* section : {"Template", "Recorded", "Nobody"}) {
+    EXPECT_THROW(PlanImport(kEmpty, files, {.Section = section, .Shadowed = false, .Wants = {}}), Failure)
+        << section;
+  }
+}
+
+TEST(ImportPlan, KeepsTheProtocolThatTheWindowStartsWith) {
+  const Imported imported(Replaced(Config(kOld), "PROTOCOL= 0", "PROTOCOL= 1"), Named({"A", "B"}));
+  EXPECT_NE(imported.Plan.Text.find("PROTOCOL= 2\r\n"), std::string::npos) << "of Template";
+}
+
+TEST(ImportPlan, TakesKeysOfSomeNames) {
+  for (const auto& [list, taken] :
+       std::vector<std::pair<std::string, std::string>>{{"power, vol*", "Power Vol_up VOL"},
+                                                        {"*", "Power Vol_up VOL P"},
+                                                        {"?", "P"},
+                                                        {"*o*r", "Power"},
+                                                        {"x,,", ""}}) {
+    ImportWishes wishes;
+    wishes.Wants = KeysNamed(list);
+    std::string names;
+    const auto files = Named({"Power", "Vol_up", "VOL", "P"});
+    for (const PlannedKey& key : PlanImport(kEmpty, files, wishes).Keys)
+      names += (names.empty() ? "" : " ") + *key.Key->Name;
+    EXPECT_EQ(names, taken) << list;
+  }
+}
+
+}  // namespace
+}  // namespace keplo::tests

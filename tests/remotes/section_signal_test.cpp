@@ -1,0 +1,109 @@
+#include "remotes/section_signal.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+
+#include "config/config_builder.h"
+#include "line/press_capture.h"
+#include "remote_builder.h"
+#include "remotes/stored_remote.h"
+#include "signal/monitored_press.h"
+
+namespace keplo::tests {
+namespace {
+
+struct FamilyRow {
+  const char* Family;
+  int Digits;
+  const char* Repeat;  // as GPROTO REPEAT GREPEAT
+};
+
+/// The protocols that a living room has.
+const std::vector<FamilyRow> kRows = {
+    {"NEC", 32, "0 0 1"},     {"NEC2", 32, "0 1 1"}, {"NEC42", 42, "0 0 1"}, {"PIONEER", 32, "0 1 1"},
+    {"SAMSUNG", 32, "0 1 1"}, {"SONY", 12, "1 1 1"}, {"RC5", 14, "2 1 1"},   {"KASEIKYO", 48, "0 1 1"},
+    {"JVC", 16, "0 1 0"},     {"AIWA", 42, "0 0 1"}, {"RCA", 24, "0 1 1"},   {"MITSUBISHI", 16, "0 1 1"}};
+
+std::string CodeOf(const FamilyRow& row, unsigned number) {
+  std::string digits = Digits(number, row.Digits);
+  if (std::string(row.Family) == "RC5") digits[2] = '0';
+  return digits;
+}
+
+SectionSignal SectionFor(const CodedSignal& signal, std::optional<int> carrier) {
+  const auto section = SectionOf(signal);
+  EXPECT_TRUE(section.has_value());
+  SectionGroup group(section.value_or(SectionSignal()));
+  group.Add(signal, carrier);
+  return group.Section();
+}
+
+TEST(SectionSignal, SendsWhatTheFileSays) {
+  for (const FamilyRow& row : kRows) {
+    SCOPED_TRACE(row.Family);
+    const RemoteKey key = Key("A", CodeOf(row, 7), row.Family);
+    const SectionSignal section = SectionFor(*key.Coded, key.Carrier);
+    const auto sign = [](int number) { return std::to_string(number > 1 ? 1 : number); };
+    EXPECT_EQ(std::to_string(section.ProtoKind) + " " + sign(section.Params.REPEAT) + " " +
+                  sign(section.Params.GREPEAT),
+              row.Repeat);
+    const PulseTrain sent = SentPress(section, key.Coded->Digits), wanted = PressLengths(*key.Coded, 1);
+    ASSERT_GE(sent.size(), wanted.size());
+    const std::size_t gap = FrameLengths(*key.Coded).size();
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+      const double most = i == gap ? 0.05 * wanted[i] : section.Params.SENDPLS / 2.0 + 1;
+      EXPECT_LE(std::abs(sent[i] - wanted[i]), most) << i << ": " << sent[i] << " for " << wanted[i];
+    }
+  }
+}
+
+TEST(SectionSignal, IsHeardAgainAsTheSameDigits) {
+  for (const FamilyRow& row : kRows) {
+    // Its frames follow each other as fast as its sync lasts, which the second look finds doubtful.
+    if (std::string(row.Family) == "RCA") continue;
+    for (unsigned number = 1; number <= 20; ++number) {
+      const RemoteKey key = Key("A", CodeOf(row, number), row.Family);
+      PulseTrain press = SentPress(SectionFor(*key.Coded, key.Carrier), key.Coded->Digits);
+      // A receiver lengthens marks.
+      for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? 60 : -60;
+      SignalState state;
+      const MonitorReading heard = ReadCapture(CaptureOfPress(press, 510, {}), state, Analysis::Second);
+      EXPECT_EQ(heard.Digits, key.Coded->Digits) << row.Family;
+    }
+  }
+}
+
+TEST(SectionSignal, SaysNothingThatTwoPatternsCannot) {
+  CodedSignal odd = *Key("A", Digits(1)).Coded;
+  odd.Code.Tail = 0;
+  EXPECT_FALSE(SectionOf(odd).has_value()) << "a section closes pulse distance with a mark";
+  odd = *Key("A", Digits(1)).Coded;
+  odd.Code.One.Space = odd.Code.Zero.Space + 100;
+  EXPECT_FALSE(SectionOf(odd).has_value());
+}
+
+TEST(SectionSignal, ComesBackFromTheStore) {
+  for (const FamilyRow& row : kRows) {
+    SCOPED_TRACE(row.Family);
+    const auto files =
+        File("Mine", {Key("ON", CodeOf(row, 1), row.Family), Key("OFF", CodeOf(row, 2), row.Family)});
+    const std::string text = PlanImport(Config(""), files, {}).Text;
+    const Remote remote = RemoteOfSection(text, "Mine", [](std::string_view name) { return name == "OFF"; });
+    ASSERT_EQ(remote.Keys.size(), 1U);
+    const RemoteKey &key = remote.Keys.front(), &from = files.front().Remotes.front().Keys[1];
+    ASSERT_TRUE(key.Coded.has_value());
+    EXPECT_EQ(key.Coded->Digits, from.Coded->Digits);
+    EXPECT_EQ(NameOf(key.Coded->Again.Kind), NameOf(from.Coded->Again.Kind));
+    EXPECT_EQ(key.Carrier, from.Carrier);
+    EXPECT_NEAR(key.Coded->Again.Gap, SilenceBehind(*from.Coded), 0.05 * SilenceBehind(*from.Coded));
+    // What was exported goes in again as what it was.
+    const std::string again = PlanImport(Config(""), {{"b", {remote}}}, {}).Text;
+    EXPECT_EQ(RemoteOfSection(again, "Mine", {}).Keys.front().Coded, key.Coded);
+  }
+}
+
+}  // namespace
+}  // namespace keplo::tests
