@@ -18,6 +18,8 @@ _keplo() {
   case $previous in
     --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     --teach | --replay | --out) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --format | --to) mapfile -t COMPREPLY < <(compgen -W 'flipper lirc girr keymap esphome tasmota ha smartir irdb mode2 one-line pronto' -- "$current"); return ;;
+    --section) mapfile -t COMPREPLY < <(compgen -W "$(_keplo_ask protocols | cut -f1)" -- "$current"); return ;;
     --gproto) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5 Custom' -- "$current"); return ;;
     --analysis) mapfile -t COMPREPLY < <(compgen -W 'first second' -- "$current"); return ;;
     --protocol)
@@ -26,10 +28,10 @@ _keplo() {
   esac
   local words names=
   case $place,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate ports zone synth help --app-path --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone synth help --app-path --help --version' ;;
     2,protocol) words='add edit delete --app-path --help' ;;
     2,events) words='list add modify delete enable disable --app-path --help' ;;
-    2,help) words='install decode monitor events commands lookup record learn forget protocols protocol settings send calibrate ports zone synth' ;;
+    2,help) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone synth' ;;
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
@@ -48,6 +50,9 @@ _keplo() {
       words='--json --app-path --help'
       [[ $place == 2 ]] && names='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS'
       ;;
+    *,import) words='--format --section --keys --dry-run --shadowed --json --app-path --help' ;;
+    *,export) words='--format --section --command --out --app-path --help' ;;
+    *,convert) words='--to --format --out --help' ;;
     *,protocols) words='--json --app-path --help' ;;
     *,protocol) words='--gproto --description --sendpls --repeat --grepeat --bitg --bit0 --bit1 --yes --app-path --help' ;;
     *,send) words='--out --port --pulse --count --code --protocol --app-path --help' ;;
@@ -67,7 +72,7 @@ _keplo() {
   mapfile -t COMPREPLY < <(compgen -W "$words $names" -- "$current")
   case $current,$command in
     -*,*) ;;
-    *,decode | *,monitor | *,record | *,learn | *,calibrate) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
+    *,decode | *,monitor | *,record | *,learn | *,calibrate | *,import | *,convert) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 complete -o filenames -F _keplo keplo

@@ -1,0 +1,79 @@
+#include "cli/remote_files.h"
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+
+#include "cli/outcome.h"
+#include "cli/write_file.h"
+#include "program/arguments.h"
+
+namespace keplo::cli {
+
+namespace {
+
+constexpr std::string_view kOutput = "-";
+
+void RequireFormat(const std::string& name) try {
+  RemoteFormatNamed(name);
+} catch (const FormatError& unknown) {
+  throw WrongUse(unknown.what());
+}
+
+/// Keys without a signal, with their reasons.
+/// @return whether there is none of them
+bool TellSkipped(const std::vector<Remote>& remotes) {
+  bool all = true;
+  for (const Remote& remote : remotes) {
+    for (const RemoteKey& key : remote.Keys) {
+      if (key.Coded || !key.Lengths.empty()) continue;
+      Tell(Complaint{remote.Name, key.Line, key.Name.value_or(""), key.Skipped}.Message());
+      all = false;
+    }
+  }
+  return all;
+}
+
+}  // namespace
+
+LoadedRemotes LoadRemoteFiles(const std::vector<std::string>& files, const std::string& format) {
+  if (!format.empty()) RequireFormat(format);
+  LoadedRemotes loaded;
+  for (const std::string& path : files) {
+    try {
+      RemoteFile file = LoadRemotes(path, format);
+      for (const Complaint& complaint : file.Complaints) Tell(complaint.Message());
+      if (!file.Complaints.empty()) loaded.Status = std::max(loaded.Status, kNoResult);
+      loaded.Files.push_back({path, std::move(file.Remotes)});
+    } catch (const FormatError& unreadable) {
+      Tell(unreadable.what());
+      loaded.Status = kWrongUse;
+    }
+  }
+  return loaded;
+}
+
+int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remotes, const std::string& out) {
+  std::vector<Complaint> told;
+  const std::string text = WriteRemotes(format, remotes, told);
+  for (const Complaint& complaint : told) Tell(complaint.Message());
+  const bool keysLeftOut = std::any_of(told.begin(), told.end(),
+                                       [](const Complaint& complaint) { return !complaint.Key.empty(); });
+  const bool all = TellSkipped(remotes) && !keysLeftOut;
+  if (text.empty()) throw Refused("there is nothing to write: none of the keys can be said in this format");
+  if (out.empty() || out == kOutput) {
+    std::cout << text;
+  } else {
+    Write([&] { WriteFile(out, text); });
+  }
+  return all ? kDone : kNoResult;
+}
+
+std::string FormatNames() {
+  std::string names;
+  for (const RemoteFormat& format : RemoteFormats())
+    names.append(names.empty() ? "" : ", ").append(format.Name);
+  return names;
+}
+
+}  // namespace keplo::cli
