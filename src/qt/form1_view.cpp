@@ -15,6 +15,7 @@
 #include "qt/control_views.h"
 #include "qt/qt_boxes.h"
 #include "qt/recording_files.h"
+#include "qt/remote_files.h"
 #include "qt/text.h"
 #include "qt/user_programs.h"
 
@@ -58,11 +59,13 @@ Form1View::Form1View(Form1& form, QWidget* parent)
   form_.OnWait = [this](std::string_view text) { wait_->Show(text); };
   form_.Programs = {OpenManual, OpenWebPage};
   form_.Recordings = PickRecordings(this);
+  form_.Remotes = PickRemotes(this);
 }
 
 Form1View::~Form1View() {
   form_.OnWait = nullptr;
   form_.Recordings = {};
+  form_.Remotes = {};
 }
 
 void Form1View::AddControl(const ControlRow& row) {

@@ -29,6 +29,11 @@ std::vector<std::string> CommandList::CommandNames() const {
 
 void CommandList::ListProtocols() { controls_.Protocol.SetEntries(ProtocolNames()); }
 
+void CommandList::ShowProtocol(const std::string& name) {
+  ListProtocols();
+  controls_.Protocol.SelectText(name);
+}
+
 void CommandList::Refill() {
   ui::DropDownList& protocols = controls_.Protocol;
   const bool wasSelected = protocols.ListIndex() != ui::DropDownList::kNoSelection;

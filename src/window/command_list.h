@@ -34,6 +34,8 @@ class CommandList {
   void Refill();
   void TakeProtocol();
   void TakeCommand();
+  /// Fills the list of protocols anew and selects one of them.
+  void ShowProtocol(const std::string& name);
   /// Selects a protocol and takes it even if it is selected already.
   void MakeProtocolCurrent(int index);
   /// Makes the selected protocol the current one again with its parameters and commands; a recorded code that

@@ -69,6 +69,7 @@ Flows::Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes)
       Commands(mod, {form.Protocol, form.SendCmd, FieldsOf(form)}, Validation, Undo, Dialogue),
       Record(mod, line, RecordControlsOf(form), Waveform, Validation, Note, form),
       Recordings(mod.Signal, mod.Settings, form.Recordings, Record, form.Note, Dialogue),
+      Remotes(mod.Store, form.Remotes, Commands, Undo, Dialogue),
       Send(
           mod, line, SendControlsOf(form), Waveform, [&form] { return form.WindowLarge(); }, Dialogue, Note,
           form),

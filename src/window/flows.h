@@ -13,6 +13,7 @@
 #include "window/protocol_place.h"
 #include "window/record_flow.h"
 #include "window/recording_flow.h"
+#include "window/remotes_flow.h"
 #include "window/send_flow.h"
 #include "window/settings_keeper.h"
 #include "window/undo_step.h"
@@ -38,6 +39,7 @@ struct Flows {
   CommandList Commands;
   RecordFlow Record;
   RecordingFlow Recordings;
+  RemotesFlow Remotes;
   SendFlow Send;
   CalibrationFlow Calibration;
   ProtocolPlace Protocols;

@@ -63,6 +63,8 @@ void Form1::BindHandlers() {
   UndoMenu.OnClick = [this] { UndoMenu_Click(); };
   OpenRecordingMenu.OnClick = [this] { OpenRecordingMenu_Click(); };
   SaveRecordingMenu.OnClick = [this] { SaveRecordingMenu_Click(); };
+  ImportMenu.OnClick = [this] { ImportMenu_Click(); };
+  ExportMenu.OnClick = [this] { ExportMenu_Click(); };
 }
 
 void Form1::ListAvailableCOM() { flows_->Ports.Fill(); }
@@ -94,6 +96,8 @@ void Form1::ProtoDeleteMenu_Click() { flows_->Protocols.Delete(); }
 void Form1::UndoMenu_Click() { flows_->Commands.TakeBack(); }
 void Form1::OpenRecordingMenu_Click() { flows_->Recordings.Open(); }
 void Form1::SaveRecordingMenu_Click() { flows_->Recordings.Save(); }
+void Form1::ImportMenu_Click() { flows_->Remotes.Import(); }
+void Form1::ExportMenu_Click() { flows_->Remotes.Export(); }
 void Form1::HelpContentMenu_Click() { flows_->Help.ShowContents(); }
 void Form1::WebPageMenu_Click() { flows_->Help.ShowWebPage(); }
 void Form1::UpdateMenu_Click() { flows_->Help.ShowUpdates(); }

@@ -20,6 +20,7 @@
 #include "window/help_menu.h"
 #include "window/layout.h"
 #include "window/recording_files.h"
+#include "window/remote_files.h"
 #include "window/wave_reading.h"
 
 namespace keplo {
@@ -86,6 +87,8 @@ class Form1 : public ui::Window {
   void UndoMenu_Click();
   void OpenRecordingMenu_Click();
   void SaveRecordingMenu_Click();
+  void ImportMenu_Click();
+  void ExportMenu_Click();
   void HelpContentMenu_Click();
   void WebPageMenu_Click();
   void UpdateMenu_Click();
@@ -107,6 +110,8 @@ class Form1 : public ui::Window {
   HelpPrograms Programs;
   /// A view says here how the user picks a file.
   RecordingFiles Recordings;
+  /// A view says here how the user picks files of remotes, and keys of them.
+  RemoteFiles Remotes;
   /// Whoever has made the line tells here what it is, in a sentence for a person.
   std::function<std::string()> DescribeLine;
   /// What the line is and what has become of it, or of the file; a view shows it where the trace stands.
@@ -144,6 +149,7 @@ class Form1 : public ui::Window {
   ui::Control Line1;
 
   ui::MenuEntry FileNewMenu, EditMenu, ProtoDeleteMenu, UndoMenu, OpenRecordingMenu, SaveRecordingMenu;
+  ui::MenuEntry ImportMenu, ExportMenu;
   ui::MenuEntry CalibrationMenu, MenuProcDelay, FileExit;
   ui::MenuEntry StdDcdMenu, IRMouseMenu;
   ui::MenuEntry HelpContentMenu, WebPageMenu, UpdateMenu, AboutMenu;

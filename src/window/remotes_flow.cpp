@@ -1,0 +1,72 @@
+#include "window/remotes_flow.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "failure.h"
+#include "remotes/stored_remote.h"
+#include "window/file_watch.h"
+#include "window/import_dialog.h"
+#include "window/recorded_signal.h"
+
+namespace keplo {
+
+namespace {
+
+constexpr std::size_t kMostTold = 10;  // lines of a box; more do not fit on a small screen
+
+}  // namespace
+
+void RemotesFlow::TellAll(const std::vector<std::string>& texts, const std::string& title) {
+  if (texts.empty()) return;
+  std::string lines;
+  for (std::size_t i = 0; i < std::min(texts.size(), kMostTold); ++i) lines += texts[i] + "\n";
+  if (texts.size() > kMostTold) lines += "and " + std::to_string(texts.size() - kMostTold) + " more\n";
+  lines.pop_back();
+  dialogue_.Tell(title, lines);
+}
+
+void RemotesFlow::Import() {
+  std::optional<OpenedRemotes> opened;
+  if (!files_.Open || !files_.Pick || !dialogue_.Told([&] { opened = files_.Open(); }) || !opened) return;
+  TellAll(opened->Complaints, "Some of it cannot be read.");
+  TakeInOtherText(store_);
+  ImportDialog dialog(store_.CfgText, std::move(opened->Files));
+  if (dialog.Rows().empty()) {
+    dialogue_.Tell("There are no keys in it.");
+    return;
+  }
+  files_.Pick(dialog);
+  if (dialog.Agreed()) Store(dialog);
+}
+
+void RemotesFlow::Store(const ImportDialog& dialog) {
+  TakeInOtherText(store_);
+  const UndoStep step(undo_);
+  std::string section;
+  const bool changed = dialogue_.Changed([&] {
+    ImportPlan plan = dialog.PlanFor(store_.CfgText);
+    if (plan.Sections.empty()) return;
+    section = plan.Sections.front();
+    ReplaceAndSave(store_, std::move(plan.Text));
+  });
+  if (changed) commands_.ShowProtocol(section);
+}
+
+void RemotesFlow::Export() {
+  if (IsRecorded(store_.CurProtocol)) {
+    dialogue_.Tell("Recorded is a virtual protocol used to test new commands before save.");
+    return;
+  }
+  std::vector<std::string> lost;
+  const bool done = dialogue_.Told([&] {
+    const Remote remote = RemoteOfSection(store_.CfgText, store_.CurProtocol, {});
+    if (remote.Keys.empty())
+      throw Failure(0, "The protocol " + store_.CurProtocol + " has no commands to export.");
+    if (files_.Save) lost = files_.Save({remote});
+  });
+  if (done) TellAll(lost, "The format cannot say all of it.");
+}
+
+}  // namespace keplo
