@@ -25,7 +25,7 @@ class RemotesFlow : public WindowTest {
 
   std::vector<ImportedFile> files_ =
       tests::File("Den", {Key("Play", Digits(1)), Key("UP", Digits(2)), Key("VOL_UP", Digits(3)),
-                   Key("Cut", Digits(1).substr(0, 20))});
+                          Key("Cut", Digits(1).substr(0, 20))});
   bool imports_ = true;
   Texts shown_;
 };
