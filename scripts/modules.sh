@@ -10,7 +10,7 @@ layers='cli component host_program window_program
 station qt
 shell window synth
 keplo_mod line install remotes
-formats config events component_loader
+formats config events component_loader broker
 program
 disk ui signal host
 failure links'

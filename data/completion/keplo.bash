@@ -17,7 +17,7 @@ _keplo() {
   local place=$((COMP_CWORD - first + 1))
   case $previous in
     --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --teach | --replay | --out) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --teach | --replay | --out | --ca | --certificate | --key | --password-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --format | --to) mapfile -t COMPREPLY < <(compgen -W 'flipper lirc girr keymap esphome tasmota ha smartir irdb mode2 one-line pronto' -- "$current"); return ;;
     --section) mapfile -t COMPREPLY < <(compgen -W "$(_keplo_ask protocols | cut -f1)" -- "$current"); return ;;
     --gproto) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5 Custom' -- "$current"); return ;;
@@ -28,10 +28,10 @@ _keplo() {
   esac
   local words names=
   case $place,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone synth help --app-path --help --version' ;;
+    1,*) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth help --app-path --help --version' ;;
     2,protocol) words='add edit delete --app-path --help' ;;
     2,events) words='list add modify delete enable disable --app-path --help' ;;
-    2,help) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone synth' ;;
+    2,help) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth' ;;
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
@@ -58,6 +58,13 @@ _keplo() {
     *,send) words='--out --port --pulse --count --code --protocol --app-path --help' ;;
     *,commands) words='--json --app-path --help' ;;
     *,ports) words='--json --watch --app-path --help' ;;
+    2,broker) words='set show check forget --help' ;;
+    *,broker)
+      case $action in
+        set) words='--host --port --tls --ca --certificate --key --user --password-file --client-id --prefix --discovery-prefix --signals --send --app-path --help' ;;
+        *) words='--json --app-path --help' ;;
+      esac
+      ;;
     *,zone) words='1 2 3 4 5 6 7 8 --port --app-path --help' ;;
     *,calibrate) words='--port --replay --dry-run --app-path --sample-time --no-shape --hold --help' ;;
     *,synth) words='--protocol --code --mark-excess --jitter --clock-error --gap --repeats --seed --one-line --samples --help' ;;

@@ -26,5 +26,6 @@ void AddSettingsCommand(Command& root);
 void AddSynthCommand(Command& root);
 void AddPortsCommand(Command& root);
 void AddZoneCommand(Command& root);
+void AddBrokerCommand(Command& root);
 
 }  // namespace keplo::cli

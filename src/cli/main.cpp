@@ -16,7 +16,8 @@ int RunKeplo(int argc, char** argv) {
        {AddDecodeCommand,    AddMonitorCommand,  AddEventsCommand, AddCommandsCommand,  AddLookupCommand,
         AddRecordCommand,    AddLearnCommand,    AddForgetCommand, AddProtocolsCommand, AddProtocolCommand,
         AddSendCommand,      AddImportCommand,   AddExportCommand, AddConvertCommand,   AddInstallCommand,
-        AddCalibrateCommand, AddSettingsCommand, AddSynthCommand,  AddPortsCommand,     AddZoneCommand}) {
+        AddCalibrateCommand, AddSettingsCommand, AddSynthCommand,  AddPortsCommand,     AddZoneCommand,
+        AddBrokerCommand}) {
     add(root);
   }
   line.AddHelpCommand();

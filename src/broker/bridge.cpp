@@ -1,0 +1,67 @@
+#include "broker/bridge.h"
+
+#include <utility>
+
+#include "failure.h"
+
+namespace keplo::broker {
+
+Bridge::Bridge(BrokerSettings settings, const std::string& identity, Uses uses)
+    : settings_(std::move(settings)),
+      topics_(settings_, identity),
+      uses_(std::move(uses)),
+      link_(settings_, identity, uses_.Wake) {}
+
+void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
+  if (std::exchange(announced_, true) && events == events_) return;
+  events_ = std::move(events);
+  link_.SetDevice(DeviceMessage(topics_, settings_, events_));
+}
+
+void Bridge::Tell(const KeyEvent& event) {
+  const auto kind = event.Stage == KeyStage::Press ? News::Kind::Press : News::Kind::AfterPress;
+  link_.Tell({{topics_.Event(event.EventID), KeyMessage(event)}, kind});
+}
+
+void Bridge::Tell(const HeardSignal& signal) {
+  if (!settings_.Signals || signal.Timings.empty() || !Fits(signals_, kMostSignalsPerSecond)) return;
+  link_.Tell({{topics_.Signal(), SignalMessage(signal)}, News::Kind::Signal});
+}
+
+bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {
+  const Clock::time_point now = Clock::now();
+  while (!lately.empty() && now - lately.front() >= std::chrono::seconds(1)) lately.pop_front();
+  if (lately.size() >= most) return false;
+  lately.push_back(now);
+  return true;
+}
+
+void Bridge::Serve() {
+  for (const Report& report : link_.TakeReports()) uses_.Log(report.Level, report.Text);
+  for (const Incoming& message : link_.TakeIncoming()) Take(message);
+}
+
+void Bridge::Take(const Incoming& message) {
+  if (message.Topic != topics_.Send()) return;
+  try {
+    if (message.Retained) throw Failure(1, "it is retained, so that nobody knows how old it is");
+    const SendRequest request = ParseSendRequest(message.Payload);
+    if (!Fits(requests_, kMostRequestsPerSecond)) throw Failure(1, "more than two came in a second");
+    uses_.Send(request);
+  } catch (const Failure& failure) {
+    CountRefused(failure.what());
+  }
+}
+
+void Bridge::CountRefused(const std::string& why) {
+  ++refused_;
+  const Clock::time_point now = Clock::now();
+  if (refusalsTold_ && now - *refusalsTold_ < kRefusalsToldEvery) return;
+  refusalsTold_ = now;
+  const std::string count = refused_ == 1 ? "A request" : std::to_string(refused_) + " requests";
+  uses_.Log(LogLevel::Warning,
+            count + " on " + topics_.Send() + " to send a signal refused; the last one: " + why + ".");
+  refused_ = 0;
+}
+
+}  // namespace keplo::broker

@@ -1,0 +1,238 @@
+#include "broker/broker_check.h"
+
+#include <mosquitto.h>
+#include <mqtt_protocol.h>
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "broker/announcement.h"
+#include "broker/mosquitto_client.h"
+#include "broker/refusal.h"
+#include "disk/descriptor.h"
+#include "failure.h"
+
+namespace keplo::broker {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds kLongestStep{10};
+constexpr const char* kProbe = "probe";
+
+struct FreeAddresses {
+  void operator()(addrinfo* list) const { freeaddrinfo(list); }
+};
+using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
+
+/// @throws Refusal
+Addresses LookUp(const BrokerSettings& settings) {
+  addrinfo hints{};
+  hints.ai_socktype = SOCK_STREAM;
+  addrinfo* list = nullptr;
+  const int error = getaddrinfo(settings.Host.c_str(), std::to_string(settings.Port).c_str(), &hints, &list);
+  if (error != 0) throw Refusal{Trouble::NoName, gai_strerror(error)};
+  return Addresses(list);
+}
+
+/// @return 0 or the system's error number
+int ConnectTo(const addrinfo& address) {
+  const Descriptor socket(::socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!socket.IsOpen()) return errno;
+  if (connect(socket.Number(), address.ai_addr, address.ai_addrlen) == 0) return 0;
+  if (errno != EINPROGRESS) return errno;
+  pollfd watched{socket.Number(), POLLOUT, 0};
+  constexpr auto kTime = std::chrono::milliseconds(kLongestStep).count();
+  if (poll(&watched, 1, static_cast<int>(kTime)) == 0) return ETIMEDOUT;
+  int error = 0;
+  socklen_t size = sizeof error;
+  getsockopt(socket.Number(), SOL_SOCKET, SO_ERROR, &error, &size);
+  return error;
+}
+
+/// @throws Refusal
+void TryToConnect(const addrinfo* addresses) {
+  int error = 0;
+  for (const addrinfo* address = addresses; address != nullptr; address = address->ai_next) {
+    error = ConnectTo(*address);
+    if (error == 0) return;
+  }
+  throw Refusal{Trouble::Unreachable, std::strerror(error)};
+}
+
+/// A short connection in which one thing is done after the other. What fails is thrown as a Refusal.
+class Conversation : private ClientEvents {
+ public:
+  Conversation(const BrokerSettings& settings, const Topics& topics, int version)
+      : settings_(settings), version_(version), client_(settings, LoginOf(settings, topics, version), *this) {
+    Check(client_.Connect());
+    Await([this] { return isUp_; });
+  }
+  ~Conversation() {
+    client_.Disconnect();
+    if (client_.WantsWrite()) client_.Write();
+  }
+
+  void Subscribe(const std::string& topic) {
+    int message = 0;
+    // Our own message is to come back where a broker drops what is not allowed in silence.
+    Check(client_.Subscribe(topic, false, message));
+    Await([&] { return answered_ == message; });
+    if (!granted_) throw Refusal{Trouble::NotAuthorized, "subscribe to " + topic};
+  }
+
+  void Publish(const Publication& publication) {
+    int message = 0;
+    Check(client_.Publish(publication, message));
+    Await([&] { return answered_ == message; });
+    if (reason_ >= MQTT_RC_UNSPECIFIED) {
+      throw Refusal{Trouble::NotAuthorized,
+                    "publish to " + publication.Topic + ": " + mosquitto_reason_string(reason_)};
+    }
+  }
+
+  /// For brokers that say yes and drop the message.
+  void AwaitOwn(const std::string& topic) {
+    try {
+      Await([this] { return ownCame_; });
+    } catch (const Refusal&) {
+      throw Refusal{Trouble::NotAuthorized, "publish to " + topic + ", or subscribe to it"};
+    }
+  }
+
+ private:
+  static MosquittoClient::Login LoginOf(const BrokerSettings& settings, const Topics& topics, int version) {
+    MosquittoClient::Login login;
+    // Another name than the host's, which would be thrown off.
+    login.ClientId = topics.Node() + "-check";
+    login.User = settings.User;
+    login.Password = ReadPassword(settings);
+    login.LastWill = {topics.Check(), "", false};
+    login.ProtocolVersion = version;
+    return login;
+  }
+
+  void OnConnectAnswer(int reason) override {
+    if (reason == 0) {
+      isUp_ = true;
+    } else {
+      refusal_ = RefusalOfConnectAnswer(reason, version_);
+    }
+  }
+  void OnHangUp(int reason) override {
+    if (reason != 0 && !refusal_) refusal_ = Refusal{Trouble::Lost, mosquitto_reason_string(reason)};
+  }
+  void OnPublished(int message, int reason) override {
+    answered_ = message;
+    reason_ = reason;
+  }
+  void OnSubscribed(int message, bool granted) override {
+    answered_ = message;
+    granted_ = granted;
+  }
+  void OnUnsubscribed(int /*message*/) override {}
+  void OnMessage(std::string_view /*topic*/, std::string_view payload, bool /*retained*/) override {
+    ownCame_ = payload == kProbe;
+  }
+
+  void Check(int error) {
+    if (error == MOSQ_ERR_SUCCESS || refusal_) return;
+    refusal_ = RefusalOfLoss(error, client_.SystemError(), client_.TakeLog(), settings_.Tls, isUp_);
+  }
+
+  template <typename Condition>
+  void Await(Condition isThere) {
+    const auto until = Clock::now() + kLongestStep;
+    while (!refusal_ && !isThere()) {
+      if (Clock::now() > until) throw Refusal{Trouble::Unreachable, "it says nothing"};
+      pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN),
+                     0};
+      poll(&watched, 1, 100);
+      if ((watched.revents & POLLOUT) != 0) Check(client_.Write());
+      if (!refusal_ && (watched.revents & ~POLLOUT) != 0) Check(client_.Read());
+    }
+    if (refusal_) throw *refusal_;
+  }
+
+  const BrokerSettings& settings_;
+  const int version_;
+  bool isUp_ = false, granted_ = false, ownCame_ = false;
+  int answered_ = 0, reason_ = 0;
+  std::optional<Refusal> refusal_;
+  MosquittoClient client_;
+};
+
+/// @throws Refusal
+std::unique_ptr<Conversation> LogIn(const BrokerSettings& settings, const Topics& topics, int& version) {
+  for (version = 5;; version = 4) {
+    try {
+      return std::make_unique<Conversation>(settings, topics, version);
+    } catch (const Refusal& refusal) {
+      const bool isOld = refusal.Kind == Trouble::OtherProtocol ||
+                         (refusal.Kind == Trouble::Unreachable && refusal.Detail == kHangsUp);
+      if (version == 4 || !isOld) throw;
+    }
+  }
+}
+
+/// Where the steps stand, for the name of the one that fails.
+std::string StepOf(const Refusal& refusal, const std::string& step) {
+  if (refusal.Kind == Trouble::Tls) return "secure connection";
+  return step;
+}
+
+}  // namespace
+
+bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
+                 const std::function<void(const std::string&, const std::string&)>& tell) {
+  const Topics topics(settings, identity);
+  std::string step = "name";
+  try {
+    const Addresses addresses = LookUp(settings);
+    tell(step, "yes");
+    step = "connection";
+    TryToConnect(addresses.get());
+    tell(step, "yes");
+    step = "login";
+    int version = 5;
+    const auto conversation = LogIn(settings, topics, version);
+    tell("secure connection", settings.Tls ? "yes" : "not asked for");
+    tell(step, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
+    step = "right to publish";
+    const bool comesBack = version < 5;
+    if (comesBack) conversation->Subscribe(topics.Check());
+    conversation->Publish({topics.Check(), kProbe});
+    if (comesBack) conversation->AwaitOwn(topics.Check());
+    tell(step, "yes");
+    step = "right to subscribe";
+    conversation->Subscribe(topics.Birth());
+    if (settings.Send) conversation->Subscribe(topics.Send());
+    tell(step, "yes");
+    return true;
+  } catch (const Refusal& refusal) {
+    tell(StepOf(refusal, step), TextOf(refusal, settings));
+  } catch (const Failure& failure) {
+    tell(step, failure.what());
+  }
+  return false;
+}
+
+void ForgetDevice(const BrokerSettings& settings, const std::string& identity) {
+  const Topics topics(settings, identity);
+  try {
+    int version = 5;
+    const auto conversation = LogIn(settings, topics, version);
+    conversation->Publish({topics.Device(), "", true});
+    conversation->Publish({topics.Status(), "", true});
+  } catch (const Refusal& refusal) {
+    throw Failure(EIO, TextOf(refusal, settings));
+  }
+}
+
+}  // namespace keplo::broker

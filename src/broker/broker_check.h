@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "broker/broker_settings.h"
+
+namespace keplo::broker {
+
+/// Goes the way to the broker step by step: name, connection, secure connection, login, the right to publish
+/// and the right to subscribe. Ends where a step fails.
+/// @param tell gets a line a step: its name, and "yes" or what to do
+/// @return whether all steps were done
+bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
+                 const std::function<void(const std::string& step, const std::string& result)>& tell);
+
+/// Takes the device out of Home Assistant and what is kept of it off the broker.
+/// @throws Failure if the broker cannot be reached or does not let us
+void ForgetDevice(const BrokerSettings& settings, const std::string& identity);
+
+}  // namespace keplo::broker

@@ -1,0 +1,166 @@
+#include "broker/broker_link.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <random>
+#include <set>
+#include <utility>
+
+#include "broker/announcement.h"
+#include "broker/refusal.h"
+#include "broker/session.h"
+#include "failure.h"
+
+namespace keplo::broker {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+using namespace std::chrono_literals;
+
+constexpr milliseconds kFirstWait = 1s;
+/// A broker that may come at any time is looked for often; one that has refused us is left alone.
+constexpr milliseconds kLongestWaitForBroker = 4s, kLongestWaitAfterRefusal = 60s;
+/// Two clients of one name throw each other off as fast as they come. A connection that lasts longer than
+/// this was none of those.
+constexpr milliseconds kShortConnection = 10s;
+constexpr int kShortConnectionsOfTwins = 3;
+/// Longer than a goodbye; a name lookup that takes longer is left to itself.
+constexpr milliseconds kLongestEnd = 2s;
+
+/// Goes from connection to connection until the mailbox is closed.
+class Connector {
+ public:
+  Connector(BrokerSettings settings, const std::string& identity, std::shared_ptr<Mailbox> mailbox)
+      : settings_(std::move(settings)), topics_(settings_, identity), mailbox_(std::move(mailbox)) {}
+
+  void Run() {
+    while (!mailbox_->IsClosed()) {
+      std::optional<Clock::time_point> upSince;
+      const std::optional<Refusal> refusal = RunSession(upSince);
+      if (!refusal) return;
+      Pause(After(*refusal, upSince));
+    }
+  }
+
+ private:
+  std::optional<Refusal> RunSession(std::optional<Clock::time_point>& upSince) {
+    try {
+      MosquittoClient::Login login;
+      login.ClientId = settings_.ClientId.empty() ? topics_.Node() : settings_.ClientId;
+      login.User = settings_.User;
+      login.Password = ReadPassword(settings_);
+      login.LastWill = {topics_.Status(), "offline", true};
+      login.ProtocolVersion = version_;
+      Session session(settings_, topics_, login, *mailbox_, pressesUnheard_);
+      session.WhenUp = [this] { TellUp(); };
+      const auto refusal = session.Run();
+      upSince = session.UpSince();
+      return refusal;
+    } catch (const Failure& failure) {
+      return Refusal{Trouble::Files, failure.what()};
+    }
+  }
+
+  void TellUp() {
+    const std::size_t dropped = mailbox_->DroppedPresses() - droppedBefore_;
+    std::string text =
+        "Connected to the broker at " + settings_.Host + " port " + std::to_string(settings_.Port) + ".";
+    if (dropped > 0) text += " Meanwhile " + std::to_string(dropped) + " key presses were not told.";
+    droppedBefore_ += dropped;
+    // Thrown off again and again, the text would come as often.
+    if (!told_ || *told_ != Trouble::TakenOver) mailbox_->PutReport({LogLevel::Notice, text});
+  }
+
+  /// Tells what has happened, unless it was told already.
+  /// @return how long to wait
+  milliseconds After(Refusal refusal, std::optional<Clock::time_point> upSince) {
+    const bool wasShort = upSince && Clock::now() - *upSince < kShortConnection;
+    shortOnes_ = wasShort && refusal.Kind == Trouble::Lost ? shortOnes_ + 1 : 0;
+    if (shortOnes_ >= kShortConnectionsOfTwins) {
+      refusal = {Trouble::TakenOver, ""};
+      shortOnes_ = kShortConnectionsOfTwins;
+    }
+    if (upSince && !wasShort) tries_ = 0;
+    if (upSince && refusal.Kind != Trouble::TakenOver) told_.reset();
+    const bool known = KnowsOlderProtocol(refusal, upSince.has_value());
+    if (!known && told_ != refusal.Kind) {
+      told_ = refusal.Kind;
+      mailbox_->PutReport({LogLevel::Warning, TextOf(refusal, settings_) +
+                                                  " Until it is back, key presses are not told to it."});
+    }
+    const milliseconds longest =
+        MayPassByItself(refusal.Kind) ? kLongestWaitForBroker : kLongestWaitAfterRefusal;
+    const milliseconds wait = std::min(longest, kFirstWait * (1 << std::min(tries_++, 6)));
+    return known ? 0ms : WithJitter(wait);
+  }
+
+  /// A broker of before MQTT 5 refuses it, or hangs up on it; the other version is tried then.
+  /// @return whether to try at once
+  bool KnowsOlderProtocol(const Refusal& refusal, bool wasUp) {
+    if (wasUp) return false;
+    const bool hungUp = refusal.Kind == Trouble::Unreachable && refusal.Detail == kHangsUp;
+    if (refusal.Kind != Trouble::OtherProtocol && !hungUp) return false;
+    version_ = version_ == 5 ? 4 : 5;
+    return version_ == 4;
+  }
+
+  milliseconds WithJitter(milliseconds wait) {
+    return milliseconds(
+        std::uniform_int_distribution<milliseconds::rep>(wait.count() / 2, wait.count())(random_));
+  }
+
+  /// Drops meanwhile what comes.
+  void Pause(milliseconds wait) {
+    const Clock::time_point until = Clock::now() + wait;
+    while (!mailbox_->IsClosed()) {
+      const auto left = std::chrono::ceil<milliseconds>(until - Clock::now());
+      if (left <= 0ms) return;
+      pollfd watched{mailbox_->WakeDescriptor(), POLLIN, 0};
+      poll(&watched, 1, static_cast<int>(left.count()));
+      mailbox_->Calm();
+      for (const News& news : mailbox_->TakeNews()) {
+        if (news.Of == News::Kind::Press) pressesUnheard_.insert(news.Message.Topic);
+        mailbox_->CountDropped(news);
+      }
+    }
+  }
+
+  const BrokerSettings settings_;
+  const Topics topics_;
+  const std::shared_ptr<Mailbox> mailbox_;
+  std::set<std::string> pressesUnheard_;
+  std::minstd_rand random_{std::random_device{}()};
+  int version_ = 5;
+  int tries_ = 0, shortOnes_ = 0;
+  std::size_t droppedBefore_ = 0;
+  std::optional<Trouble> told_;
+};
+
+}  // namespace
+
+BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identity,
+                       std::function<void()> wake)
+    : mailbox_(std::make_shared<Mailbox>(std::move(wake))) {
+  std::promise<void> ended;
+  ended_ = ended.get_future();
+  thread_ = std::thread([settings, identity, mailbox = mailbox_, ended = std::move(ended)]() mutable {
+    Connector(settings, identity, mailbox).Run();
+    ended.set_value();
+  });
+}
+
+BrokerLink::~BrokerLink() {
+  mailbox_->Close();
+  if (ended_.wait_for(kLongestEnd) == std::future_status::ready) {
+    thread_.join();
+  } else {
+    thread_.detach();
+  }
+}
+
+}  // namespace keplo::broker

@@ -1,0 +1,111 @@
+#include "broker/mailbox.h"
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <utility>
+
+namespace keplo::broker {
+
+Mailbox::Mailbox(std::function<void()> wake)
+    : wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wake_(std::move(wake)) {}
+
+void Mailbox::Put(News news) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (closed_) return;
+    if (news_.size() >= kMostNews) {
+      if (news.Of == News::Kind::Press) ++dropped_;
+      return;
+    }
+    news_.push_back(std::move(news));
+  }
+  WakeConnection();
+}
+
+void Mailbox::SetDevice(std::string message) {
+  {
+    const std::lock_guard lock(mutex_);
+    device_ = std::move(message);
+  }
+  WakeConnection();
+}
+
+void Mailbox::Close() {
+  {
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+    wake_ = nullptr;
+  }
+  WakeConnection();
+}
+
+std::vector<Incoming> Mailbox::TakeIncoming() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(incoming_, {});
+}
+
+std::vector<Report> Mailbox::TakeReports() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(reports_, {});
+}
+
+std::deque<News> Mailbox::TakeNews() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(news_, {});
+}
+
+std::string Mailbox::Device() const {
+  const std::lock_guard lock(mutex_);
+  return device_;
+}
+
+bool Mailbox::IsClosed() const {
+  const std::lock_guard lock(mutex_);
+  return closed_;
+}
+
+void Mailbox::PutIncoming(Incoming message) {
+  std::unique_lock lock(mutex_);
+  if (incoming_.size() >= kMostIncoming) return;
+  incoming_.push_back(std::move(message));
+  WakeProgram(lock);
+}
+
+void Mailbox::PutReport(Report report) {
+  std::unique_lock lock(mutex_);
+  if (reports_.size() >= kMostIncoming) return;
+  reports_.push_back(std::move(report));
+  WakeProgram(lock);
+}
+
+void Mailbox::CountDropped(const News& news) {
+  if (news.Of != News::Kind::Press) return;
+  const std::lock_guard lock(mutex_);
+  ++dropped_;
+}
+
+std::size_t Mailbox::DroppedPresses() const {
+  const std::lock_guard lock(mutex_);
+  return dropped_;
+}
+
+void Mailbox::Calm() const {
+  std::uint64_t count = 0;
+  // Nothing to read means calm already.
+  static_cast<void>(!read(wakeup_.Number(), &count, sizeof count));
+}
+
+void Mailbox::WakeConnection() const {
+  const std::uint64_t one = 1;
+  // A full counter wakes as well.
+  static_cast<void>(!write(wakeup_.Number(), &one, sizeof one));
+}
+
+/// Under the lock, so that after Close nobody is called any more. The callback only posts.
+void Mailbox::WakeProgram(std::unique_lock<std::mutex>& /*lock*/) const {
+  if (wake_) wake_();
+}
+
+}  // namespace keplo::broker

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "broker/mosquitto_client.h"
+#include "disk/descriptor.h"
+#include "host/component_entry.h"
+
+namespace keplo::broker {
+
+/// What is news for a moment only: a stage of a key, or a signal.
+struct News {
+  enum class Kind { Press, AfterPress, Signal };
+
+  Publication Message;
+  Kind Of = Kind::Press;
+  std::chrono::steady_clock::time_point Made = std::chrono::steady_clock::now();
+};
+
+/// A message from the broker.
+struct Incoming {
+  std::string Topic, Payload;
+  bool Retained = false;
+};
+
+/// What the connection has to tell its user.
+struct Report {
+  LogLevel Level = LogLevel::Notice;
+  std::string Text;
+};
+
+/// Where the thread of the program and the thread of the connection meet. The one puts news in and takes out
+/// what has come, the other the other way round; neither waits for the other.
+class Mailbox {
+ public:
+  /// More than a second of keys on many remotes; what does not fit is dropped.
+  static constexpr std::size_t kMostNews = 512;
+  static constexpr std::size_t kMostIncoming = 64;
+
+  explicit Mailbox(std::function<void()> wake);
+
+  // The program's side.
+  void Put(News news);
+  void SetDevice(std::string message);
+  /// Nothing more is told, and the connection is to end.
+  void Close();
+  std::vector<Incoming> TakeIncoming();
+  std::vector<Report> TakeReports();
+
+  // The connection's side.
+  std::deque<News> TakeNews();
+  std::string Device() const;
+  bool IsClosed() const;
+  void PutIncoming(Incoming message);
+  void PutReport(Report report);
+  /// Counts news that were not told.
+  void CountDropped(const News& news);
+  /// Readable when there is something for the connection, until Calm.
+  int WakeDescriptor() const { return wakeup_.Number(); }
+  void Calm() const;
+
+  /// Key presses that the broker was not told, so far.
+  std::size_t DroppedPresses() const;
+
+ private:
+  void WakeConnection() const;
+  void WakeProgram(std::unique_lock<std::mutex>& lock) const;
+
+  Descriptor wakeup_;
+  mutable std::mutex mutex_;
+  std::function<void()> wake_;
+  std::deque<News> news_;
+  std::string device_;
+  std::vector<Incoming> incoming_;
+  std::vector<Report> reports_;
+  std::size_t dropped_ = 0;
+  bool closed_ = false;
+};
+
+}  // namespace keplo::broker

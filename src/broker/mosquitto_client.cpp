@@ -1,0 +1,158 @@
+#include "broker/mosquitto_client.h"
+
+#include <mosquitto.h>
+#include <mqtt_protocol.h>
+
+#include <cerrno>
+#include <new>
+#include <utility>
+
+#include "failure.h"
+
+namespace keplo::broker {
+
+namespace {
+
+/// The library itself, set up as long as the program runs.
+void SetUpLibrary() {
+  struct Library {
+    Library() { mosquitto_lib_init(); }
+    ~Library() { mosquitto_lib_cleanup(); }
+  };
+  static const Library library;
+}
+
+const char* NameOrNull(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
+
+void Require(int error, const std::string& what) {
+  if (error != MOSQ_ERR_SUCCESS) throw Failure(EINVAL, what + ": " + mosquitto_strerror(error) + ".");
+}
+
+struct FreeProperties {
+  void operator()(mosquitto_property* list) const { mosquitto_property_free_all(&list); }
+};
+
+constexpr int kRefusedSubscription = 128;
+/// Where Debian's ca-certificates puts them.
+constexpr const char* kSystemAuthorities = "/etc/ssl/certs";
+
+}  // namespace
+
+/// The library's callbacks; the C++ objects behind them do not throw.
+struct MosquittoClient::Callbacks {
+  static MosquittoClient& Of(void* self) { return *static_cast<MosquittoClient*>(self); }
+
+  static void Set(mosquitto* client) {
+    mosquitto_connect_v5_callback_set(
+        client, [](mosquitto*, void* self, int reason, int /*flags*/, const mosquitto_property*) {
+          Of(self).events_.OnConnectAnswer(reason);
+        });
+    mosquitto_disconnect_v5_callback_set(
+        client, [](mosquitto*, void* self, int reason, const mosquitto_property*) {
+          // The library's own errors come by the same way, below the reasons of the protocol.
+          Of(self).events_.OnHangUp(reason >= MQTT_RC_UNSPECIFIED ? reason : 0);
+        });
+    mosquitto_publish_v5_callback_set(
+        client, [](mosquitto*, void* self, int message, int reason, const mosquitto_property*) {
+          Of(self).events_.OnPublished(message, reason);
+        });
+    mosquitto_subscribe_v5_callback_set(client, [](mosquitto*, void* self, int message, int count,
+                                                   const int* granted, const mosquitto_property*) {
+      Of(self).events_.OnSubscribed(message, count > 0 && granted[0] < kRefusedSubscription);
+    });
+    mosquitto_unsubscribe_v5_callback_set(client,
+                                          [](mosquitto*, void* self, int message, const mosquitto_property*) {
+                                            Of(self).events_.OnUnsubscribed(message);
+                                          });
+    mosquitto_message_v5_callback_set(
+        client, [](mosquitto*, void* self, const mosquitto_message* message, const mosquitto_property*) {
+          Of(self).events_.OnMessage(
+              message->topic,
+              {static_cast<const char*>(message->payload), static_cast<std::size_t>(message->payloadlen)},
+              message->retain);
+        });
+    mosquitto_log_callback_set(client, [](mosquitto*, void* self, int level, const char* text) {
+      constexpr std::size_t kMostLog = 1000;
+      std::string& log = Of(self).log_;
+      if ((level & MOSQ_LOG_ERR) == 0 || log.size() > kMostLog) return;
+      log += (log.empty() ? "" : "; ") + std::string(text);
+    });
+  }
+};
+
+void MosquittoClient::Destroy::operator()(mosquitto* client) const { mosquitto_destroy(client); }
+
+MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events)
+    : host_(settings.Host), port_(settings.Port), version_(login.ProtocolVersion), events_(events) {
+  SetUpLibrary();
+  client_.reset(mosquitto_new(login.ClientId.c_str(), /*clean_session=*/true, this));
+  if (!client_) throw std::bad_alloc();
+  Callbacks::Set(client_.get());
+  mosquitto_int_option(client_.get(), MOSQ_OPT_PROTOCOL_VERSION, version_);
+  mosquitto_int_option(client_.get(), MOSQ_OPT_TCP_NODELAY, 1);
+  Require(mosquitto_username_pw_set(client_.get(), NameOrNull(login.User), NameOrNull(login.Password)),
+          "The user of the broker cannot be used");
+  Require(mosquitto_will_set(client_.get(), login.LastWill.Topic.c_str(),
+                             static_cast<int>(login.LastWill.Payload.size()), login.LastWill.Payload.data(),
+                             1, login.LastWill.Retain),
+          "The topic " + login.LastWill.Topic + " cannot be used");
+  if (settings.Tls) SetUpTls(settings);
+}
+
+MosquittoClient::~MosquittoClient() = default;
+
+void MosquittoClient::SetUpTls(const BrokerSettings& settings) {
+  const int error = mosquitto_tls_set(client_.get(), NameOrNull(settings.Ca),
+                                      settings.Ca.empty() ? kSystemAuthorities : nullptr,
+                                      NameOrNull(settings.Certificate), NameOrNull(settings.Key), nullptr);
+  if (error == MOSQ_ERR_SUCCESS) return;
+  std::string names;
+  for (const auto* name : {&settings.Ca, &settings.Certificate, &settings.Key}) {
+    if (!name->empty()) names += (names.empty() ? "" : ", ") + *name;
+  }
+  throw Failure(EINVAL, "The files for a secure connection cannot be read: " + names +
+                            ". Look at \"ca\", \"certificate\" and \"key\", and who may read them.");
+}
+
+int MosquittoClient::Noted(int error) {
+  if (error == MOSQ_ERR_ERRNO) systemError_ = errno;
+  return error;
+}
+
+int MosquittoClient::Connect() {
+  errno = 0;
+  return Noted(mosquitto_connect_bind_async(client_.get(), host_.c_str(), port_, kKeepAliveSeconds, nullptr));
+}
+
+int MosquittoClient::Read() { return Noted(mosquitto_loop_read(client_.get(), 1)); }
+int MosquittoClient::Write() { return Noted(mosquitto_loop_write(client_.get(), 1)); }
+int MosquittoClient::KeepAlive() { return Noted(mosquitto_loop_misc(client_.get())); }
+int MosquittoClient::Disconnect() { return mosquitto_disconnect(client_.get()); }
+
+int MosquittoClient::Publish(const Publication& publication, int& message) {
+  mosquitto_property* list = nullptr;
+  if (version_ >= 5 && publication.ExpirySeconds > 0) {
+    mosquitto_property_add_int32(&list, MQTT_PROP_MESSAGE_EXPIRY_INTERVAL,
+                                 static_cast<std::uint32_t>(publication.ExpirySeconds));
+  }
+  const std::unique_ptr<mosquitto_property, FreeProperties> properties(list);
+  return mosquitto_publish_v5(client_.get(), &message, publication.Topic.c_str(),
+                              static_cast<int>(publication.Payload.size()), publication.Payload.data(), 1,
+                              publication.Retain, properties.get());
+}
+
+int MosquittoClient::Subscribe(const std::string& topic, bool asPublished, int& message) {
+  int options = 0;
+  if (version_ >= 5) options = MQTT_SUB_OPT_NO_LOCAL | (asPublished ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED : 0);
+  return mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr);
+}
+
+int MosquittoClient::Unsubscribe(const std::string& topic, int& message) {
+  return mosquitto_unsubscribe(client_.get(), &message, topic.c_str());
+}
+
+int MosquittoClient::Socket() const { return mosquitto_socket(client_.get()); }
+bool MosquittoClient::WantsWrite() const { return mosquitto_want_write(client_.get()); }
+std::string MosquittoClient::TakeLog() { return std::exchange(log_, {}); }
+
+}  // namespace keplo::broker

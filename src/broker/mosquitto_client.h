@@ -1,0 +1,94 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "broker/broker_settings.h"
+
+struct mosquitto;
+
+namespace keplo::broker {
+
+/// What a client hears from its broker; runs inside Read, Write and KeepAlive.
+class ClientEvents {
+ public:
+  /// @param reason 0 if the broker lets us in
+  virtual void OnConnectAnswer(int reason) = 0;
+  /// @param reason of MQTT 5, 0 if the broker gave none
+  virtual void OnHangUp(int reason) = 0;
+  virtual void OnPublished(int message, int reason) = 0;
+  virtual void OnSubscribed(int message, bool granted) = 0;
+  virtual void OnUnsubscribed(int message) = 0;
+  virtual void OnMessage(std::string_view topic, std::string_view payload, bool retained) = 0;
+
+ protected:
+  ~ClientEvents() = default;
+};
+
+/// One message to a broker.
+struct Publication {
+  std::string Topic, Payload;
+  bool Retain = false;
+  int ExpirySeconds = 0;  // 0 for never; MQTT 5 alone knows it
+};
+
+/// One connection to a broker, from its beginning to its end: whoever connects again makes a new one, so that
+/// nothing of the old one is ever sent again. All calls come from one thread, which waits for Socket.
+class MosquittoClient {
+ public:
+  struct Login {
+    std::string ClientId, User, Password;
+    Publication LastWill;
+    int ProtocolVersion = 5;  // 4 is MQTT 3.1.1
+  };
+
+  /// Longest silence before a sign of life, seconds; a broker tells our last will after 1.5 times that.
+  static constexpr int kKeepAliveSeconds = 10;
+
+  /// @throws Failure for files or names that the library does not take
+  MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events);
+  ~MosquittoClient();
+  MosquittoClient(const MosquittoClient&) = delete;
+  MosquittoClient& operator=(const MosquittoClient&) = delete;
+
+  // Each gives an error of the library, 0 for none.
+  /// Looks up the name, which may take its time, and begins to connect.
+  int Connect();
+  int Read();
+  int Write();
+  int KeepAlive();
+  int Disconnect();
+  /// @param message written with the number by which OnPublished tells it
+  int Publish(const Publication& publication, int& message);
+  /// At QoS 1; with MQTT 5 without what we publish ourselves.
+  /// @param asPublished whether a message that somebody has published as one to keep counts as retained also
+  /// when it comes at once, which MQTT 5 alone can tell
+  int Subscribe(const std::string& topic, bool asPublished, int& message);
+  int Unsubscribe(const std::string& topic, int& message);
+
+  int Socket() const;  // -1 without a connection
+  bool WantsWrite() const;
+  /// What the library has logged as errors since the last call, and the system's number beside an error.
+  std::string TakeLog();
+  int SystemError() const { return systemError_; }
+
+ private:
+  struct Callbacks;
+  struct Destroy {
+    void operator()(mosquitto* client) const;
+  };
+
+  void SetUpTls(const BrokerSettings& settings);
+  int Noted(int error);
+
+  const std::string host_;
+  const std::uint16_t port_;
+  const int version_;
+  ClientEvents& events_;
+  std::string log_;
+  int systemError_ = 0;
+  std::unique_ptr<mosquitto, Destroy> client_;
+};
+
+}  // namespace keplo::broker

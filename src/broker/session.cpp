@@ -1,0 +1,277 @@
+#include "broker/session.h"
+
+#include <mosquitto.h>
+#include <mqtt_protocol.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <random>
+#include <utility>
+
+namespace keplo::broker {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A broker that accepts a connection and says nothing for so long will not.
+constexpr std::chrono::seconds kLongestHandshake{10};
+/// After a sign of life so young nothing is asked; a round trip in a house takes less.
+constexpr std::chrono::milliseconds kStillAlive{20};
+constexpr std::chrono::seconds kKeepAliveLook{1};
+constexpr std::chrono::seconds kLongestGoodbye{1};
+/// Messages on their way; brokers take at least 20 of most clients.
+constexpr std::size_t kMostUnconfirmed = 16;
+constexpr int kNewsExpirySeconds = 5;
+/// After a birth all devices of a house are told; a random wait spreads them.
+constexpr int kLeastBirthWaitMs = 500, kMostBirthWaitMs = 4000;
+
+std::chrono::milliseconds BirthWait() {
+  std::random_device random;
+  return std::chrono::milliseconds(
+      std::uniform_int_distribution<int>(kLeastBirthWaitMs, kMostBirthWaitMs)(random));
+}
+
+}  // namespace
+
+Session::Session(const BrokerSettings& settings, const Topics& topics, const MosquittoClient::Login& login,
+                 Mailbox& mailbox, std::set<std::string>& pressesUnheard)
+    : settings_(settings),
+      topics_(topics),
+      mailbox_(mailbox),
+      pressesUnheard_(pressesUnheard),
+      client_(settings, login, *this),
+      version_(login.ProtocolVersion) {}
+
+std::optional<Refusal> Session::Run() {
+  Check(client_.Connect());
+  while (!refusal_ && !mailbox_.IsClosed()) {
+    Wait();
+    if (!refusal_) Step();
+  }
+  if (!refusal_ && IsUp()) SayGoodbye();
+  for (const News& news : waiting_) Drop(news);
+  // Whether these have arrived nobody knows; to tell them again would make two of one.
+  for (const auto& [message, news] : unconfirmed_) mailbox_.CountDropped(news);
+  return mailbox_.IsClosed() ? std::nullopt : refusal_;
+}
+
+std::chrono::milliseconds Session::UntilNextStep() const {
+  const Clock::time_point now = Clock::now();
+  Clock::time_point next = now + kKeepAliveLook;
+  if (announceAt_) next = std::min(next, *announceAt_);
+  if (!waiting_.empty()) next = std::min(next, waiting_.front().Made + kFresh);
+  return std::max(std::chrono::ceil<std::chrono::milliseconds>(next - now), 0ms);
+}
+
+void Session::Wait() {
+  const int socket = client_.Socket();
+  const auto wanted = static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN);
+  std::array<pollfd, 2> watched{{{socket, wanted, 0}, {mailbox_.WakeDescriptor(), POLLIN, 0}}};
+  poll(watched.data(), watched.size(), static_cast<int>(UntilNextStep().count()));
+  if (watched[1].revents != 0) mailbox_.Calm();
+  if ((watched[0].revents & POLLOUT) != 0) Check(client_.Write());
+  if (!refusal_ && (watched[0].revents & (POLLIN | POLLHUP | POLLERR)) != 0) Check(client_.Read());
+}
+
+void Session::Step() {
+  const Clock::time_point now = Clock::now();
+  if (now - lastKeepAlive_ >= kKeepAliveLook) {
+    lastKeepAlive_ = now;
+    Check(client_.KeepAlive());
+  }
+  if (!IsUp()) {
+    for (const News& news : mailbox_.TakeNews()) Drop(news);
+    if (!refusal_ && now - begun_ > kLongestHandshake) {
+      refusal_ = Refusal{Trouble::Unreachable, "it accepts connections and then says nothing"};
+    }
+    return;
+  }
+  if (announceAt_ && now >= *announceAt_) AnnounceAll();
+  const std::string device = mailbox_.Device();
+  if (device != announced_) AnnounceDevice(device);
+  TakeNews();
+  SendNews();
+}
+
+void Session::Check(int error) {
+  if (error == MOSQ_ERR_SUCCESS || refusal_) return;
+  refusal_ = RefusalOfLoss(error, client_.SystemError(), client_.TakeLog(), settings_.Tls, IsUp());
+}
+
+void Session::OnConnectAnswer(int reason) {
+  if (reason != 0) {
+    refusal_ = RefusalOfConnectAnswer(reason, version_);
+    return;
+  }
+  upSince_ = lastHeard_ = Clock::now();
+  if (WhenUp) WhenUp();
+  Subscribe(topics_.Birth(), /*asPublished=*/false);
+  // What an earlier run has announced, for what of it is gone.
+  Subscribe(topics_.Device(), /*asPublished=*/true);
+  if (settings_.Send) Subscribe(topics_.Send(), /*asPublished=*/true);
+  AnnounceAll();
+}
+
+void Session::OnHangUp(int reason) {
+  if (refusal_ || reason == 0) return;
+  if (reason == MQTT_RC_SESSION_TAKEN_OVER) {
+    refusal_ = Refusal{Trouble::TakenOver, ""};
+  } else if (reason == MQTT_RC_PACKET_TOO_LARGE) {
+    refusal_ = Refusal{Trouble::TooLarge, ""};
+  } else if (reason == MQTT_RC_NOT_AUTHORIZED) {
+    refusal_ = Refusal{Trouble::NotAuthorized, mosquitto_reason_string(reason)};
+  } else {
+    refusal_ = Refusal{Trouble::Lost, mosquitto_reason_string(reason)};
+  }
+}
+
+void Session::OnPublished(int message, int reason) {
+  lastHeard_ = Clock::now();
+  std::string topic;
+  if (const auto news = unconfirmed_.extract(message); !news.empty()) {
+    topic = news.mapped().Message.Topic;
+    if (reason >= MQTT_RC_UNSPECIFIED) mailbox_.CountDropped(news.mapped());
+  } else if (const auto other = topicOf_.extract(message); !other.empty()) {
+    topic = other.mapped();
+  }
+  if (reason >= MQTT_RC_UNSPECIFIED) TellRefused("publish to ", topic, mosquitto_reason_string(reason));
+}
+
+void Session::OnSubscribed(int message, bool granted) {
+  lastHeard_ = Clock::now();
+  const auto topic = topicOf_.extract(message);
+  if (!granted && !topic.empty()) TellRefused("subscribe to ", topic.mapped(), "");
+}
+
+void Session::OnUnsubscribed(int message) {
+  lastHeard_ = Clock::now();
+  if (question_ == message) question_.reset();
+}
+
+void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
+  if (topic == topics_.Birth()) {
+    if (payload == "online" && !retained && !announceAt_) announceAt_ = Clock::now() + BirthWait();
+    return;
+  }
+  if (topic == topics_.Device()) {
+    if (!retained || announced_.empty()) return;
+    if (const auto removal = RemovalMessage(payload, announced_)) {
+      Publish({topics_.Device(), *removal, true});
+      Publish({topics_.Device(), announced_, true});
+    }
+    return;
+  }
+  mailbox_.PutIncoming({std::string(topic), std::string(payload), retained});
+}
+
+void Session::Subscribe(const std::string& topic, bool asPublished) {
+  int message = 0;
+  Check(client_.Subscribe(topic, asPublished, message));
+  topicOf_[message] = topic;
+}
+
+void Session::Publish(const Publication& publication) {
+  int message = 0;
+  const int error = client_.Publish(publication, message);
+  if (error == MOSQ_ERR_OVERSIZE_PACKET) {
+    TellRefused("take the message for ", publication.Topic,
+                std::to_string(publication.Payload.size()) + " bytes are too many");
+    return;
+  }
+  Check(error);
+  topicOf_[message] = publication.Topic;
+}
+
+void Session::AnnounceAll() {
+  announceAt_.reset();
+  const std::string device = mailbox_.Device();
+  AnnounceDevice(device);
+  Publish({topics_.Status(), "online", true});
+}
+
+void Session::AnnounceDevice(const std::string& message) {
+  if (message.empty()) return;
+  if (!announced_.empty()) {
+    if (const auto removal = RemovalMessage(announced_, message)) Publish({topics_.Device(), *removal, true});
+  }
+  Publish({topics_.Device(), message, true});
+  announced_ = message;
+}
+
+void Session::TakeNews() {
+  for (News& news : mailbox_.TakeNews()) waiting_.push_back(std::move(news));
+}
+
+void Session::SendNews() {
+  const Clock::time_point now = Clock::now();
+  while (!waiting_.empty() && now - waiting_.front().Made > kFresh) {
+    Drop(waiting_.front());
+    waiting_.pop_front();
+  }
+  if (waiting_.empty() || refusal_) return;
+  if (now - *lastHeard_ > kStillAlive) {
+    if (question_) return;
+    // The answer to this changes nothing and every broker gives it to everybody.
+    int message = 0;
+    Check(client_.Unsubscribe(topics_.Check(), message));
+    question_ = message;
+    return;
+  }
+  while (!waiting_.empty() && unconfirmed_.size() < kMostUnconfirmed) {
+    News news = std::move(waiting_.front());
+    waiting_.pop_front();
+    SendNow(std::move(news));
+  }
+}
+
+void Session::SendNow(News news) {
+  const std::string topic = news.Message.Topic;
+  if (news.Of == News::Kind::Press) pressesUnheard_.erase(topic);
+  if (news.Of == News::Kind::AfterPress && pressesUnheard_.count(topic) > 0) return;
+  news.Message.ExpirySeconds = kNewsExpirySeconds;
+  int message = 0;
+  const int error = client_.Publish(news.Message, message);
+  if (error == MOSQ_ERR_SUCCESS) {
+    unconfirmed_.emplace(message, std::move(news));
+    return;
+  }
+  Drop(news);
+  if (error == MOSQ_ERR_OVERSIZE_PACKET) {
+    TellRefused("take the message for ", topic, "it is too large");
+  } else {
+    Check(error);
+  }
+}
+
+void Session::Drop(const News& news) {
+  if (news.Of == News::Kind::Press) pressesUnheard_.insert(news.Message.Topic);
+  mailbox_.CountDropped(news);
+}
+
+void Session::SayGoodbye() {
+  TakeNews();
+  SendNews();
+  int last = 0;
+  Check(client_.Publish({topics_.Status(), "offline", true}, last));
+  topicOf_[last] = topics_.Status();
+  const Clock::time_point until = Clock::now() + kLongestGoodbye;
+  const auto isOpen = [&] { return topicOf_.count(last) > 0 || !unconfirmed_.empty() || question_; };
+  while (!refusal_ && isOpen() && Clock::now() < until) {
+    Wait();
+    SendNews();
+  }
+  client_.Disconnect();
+  if (client_.WantsWrite()) client_.Write();
+}
+
+void Session::TellRefused(const std::string& what, const std::string& topic, const std::string& reason) {
+  if (!toldRefused_.insert(what + topic).second) return;
+  std::string detail = what + topic;
+  if (!reason.empty()) detail += ": " + reason;
+  mailbox_.PutReport({LogLevel::Warning, TextOf({Trouble::NotAuthorized, detail}, settings_)});
+}
+
+}  // namespace keplo::broker

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "broker/announcement.h"
+#include "broker/mailbox.h"
+#include "broker/mosquitto_client.h"
+#include "broker/refusal.h"
+
+namespace keplo::broker {
+
+/// One connection from its first packet to its last: tells the device and that it is online, hands on news
+/// and what comes in.
+///
+/// News are told now or never. A broker that has stopped without hanging up would read later what was written
+/// to it meanwhile, so each time, unless it has just been heard, it has to answer first; what waits longer
+/// for that than kFresh is dropped.
+class Session : private ClientEvents {
+ public:
+  static constexpr std::chrono::milliseconds kFresh{1500};
+
+  /// @param pressesUnheard topics whose last press was dropped, so that what follows it is dropped too; kept
+  /// from session to session
+  Session(const BrokerSettings& settings, const Topics& topics, const MosquittoClient::Login& login,
+          Mailbox& mailbox, std::set<std::string>& pressesUnheard);
+  ~Session() = default;
+
+  /// Runs when the broker has let us in.
+  std::function<void()> WhenUp;
+
+  /// Runs the connection.
+  /// @return why it ended; none if the mailbox was closed
+  std::optional<Refusal> Run();
+
+  /// Whether the broker has let us in, and since when.
+  std::optional<std::chrono::steady_clock::time_point> UpSince() const { return upSince_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void OnConnectAnswer(int reason) override;
+  void OnHangUp(int reason) override;
+  void OnPublished(int message, int reason) override;
+  void OnSubscribed(int message, bool granted) override;
+  void OnUnsubscribed(int message) override;
+  void OnMessage(std::string_view topic, std::string_view payload, bool retained) override;
+
+  bool IsUp() const { return upSince_.has_value(); }
+  /// Waits for the socket, the mailbox or the next thing to do, and serves the socket.
+  void Wait();
+  std::chrono::milliseconds UntilNextStep() const;
+  void Step();
+  void Subscribe(const std::string& topic, bool asPublished);
+  void AnnounceAll();
+  void AnnounceDevice(const std::string& message);
+  void Publish(const Publication& publication);
+  void TakeNews();
+  void SendNews();
+  void SendNow(News news);
+  void Drop(const News& news);
+  void SayGoodbye();
+  void Check(int error);
+  void TellRefused(const std::string& what, const std::string& topic, const std::string& reason);
+
+  const BrokerSettings& settings_;
+  const Topics& topics_;
+  Mailbox& mailbox_;
+  std::set<std::string>& pressesUnheard_;
+  MosquittoClient client_;
+  const int version_;
+  std::optional<Refusal> refusal_;
+  const Clock::time_point begun_ = Clock::now();
+  std::optional<Clock::time_point> upSince_, lastHeard_, announceAt_;
+  std::string announced_;               // the device as the broker has it from us
+  std::deque<News> waiting_;            // for the broker's sign of life
+  std::optional<int> question_;         // that asks for it
+  std::map<int, News> unconfirmed_;     // by message
+  std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
+  std::set<std::string> toldRefused_;
+  Clock::time_point lastKeepAlive_ = begun_;
+};
+
+}  // namespace keplo::broker

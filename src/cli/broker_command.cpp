@@ -1,0 +1,147 @@
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "broker/broker_check.h"
+#include "broker/broker_settings.h"
+#include "broker/identity.h"
+#include "cli/commands.h"
+#include "program/app_path.h"
+#include "program/json_line.h"
+#include "program/printable.h"
+
+namespace keplo::cli {
+
+namespace {
+
+using broker::BrokerSettings;
+
+BrokerSettings RequireBroker(const std::filesystem::path& appPath) {
+  if (auto settings = broker::ReadBrokerSettings(appPath)) return *std::move(settings);
+  throw Refused("No broker is named; keplo broker set --host NAME does it.");
+}
+
+/// An option of `broker set`: its name and the key that it changes.
+struct SetOption {
+  const char* Name;
+  const char* Key;
+  const char* About;
+};
+
+constexpr SetOption kSetOptions[] = {
+    {"--host", "host", "Name or address of the broker"},
+    {"--port", "port", "Its port; 1883, or 8883 with TLS, unless it is another"},
+    {"--tls", "tls", "yes for a secure connection"},
+    {"--ca", "ca", "Certificate of the authority that signed the broker's; the system's authorities without"},
+    {"--certificate", "certificate", "Certificate of this client"},
+    {"--key", "key", "Key of this client"},
+    {"--user", "user", "Name to log in with"},
+    {"--password-file", "password_file", "File whose first line is the password"},
+    {"--client-id", "client_id", "Name of the connection; keplo-IDENTITY without"},
+    {"--prefix", "prefix", "First word of all topics"},
+    {"--discovery-prefix", "discovery_prefix", "First word of the topics that Home Assistant looks at"},
+    {"--signals", "signals", "yes to tell every signal that is heard"},
+    {"--send", "send", "yes to send what the broker asks for"},
+};
+
+struct BrokerOptions {
+  std::string AppPath;
+  bool Json = false;
+  std::vector<std::optional<std::string>> Values{std::size(kSetOptions)};
+};
+
+int Set(const BrokerOptions& options) {
+  const auto appPath = RequireInstall(options.AppPath);
+  std::vector<std::pair<std::string, std::string>> changes;
+  for (std::size_t i = 0; i < options.Values.size(); ++i) {
+    if (options.Values[i]) changes.emplace_back(kSetOptions[i].Key, *options.Values[i]);
+  }
+  // Nothing half-typed gets into the file: a value that does not fit is refused as a whole.
+  try {
+    broker::ChangeBrokerSettings(appPath, changes);
+  } catch (const Failure& failure) {
+    if (failure.Number() == EINVAL) throw Refused(failure.what());
+    throw NotWritten(failure.Number(), failure.what());
+  }
+  std::cout << broker::BrokerFile(appPath).string() << " written; a host reads it when it starts.\n";
+  return kDone;
+}
+
+int Show(const BrokerOptions& options) {
+  const auto appPath = RequireInstall(options.AppPath);
+  nlohmann::ordered_json shown = AsJson(RequireBroker(appPath));
+  shown["identity"] = broker::IdentityOf(appPath);
+  if (options.Json) {
+    std::cout << JsonLine(shown) << '\n';
+    return kDone;
+  }
+  for (const auto& [key, value] : shown.items()) {
+    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    if (!text.empty()) std::cout << key << ' ' << Printable(text) << '\n';
+  }
+  return kDone;
+}
+
+int Check(const BrokerOptions& options) {
+  const auto appPath = RequireInstall(options.AppPath);
+  const BrokerSettings settings = RequireBroker(appPath);
+  const bool all = broker::CheckBroker(settings, broker::IdentityOf(appPath),
+                                       [](const std::string& step, const std::string& result) {
+                                         std::cout << Printable(step + ": " + result) << std::endl;
+                                       });
+  return all ? kDone : kNoResult;
+}
+
+int Forget(const BrokerOptions& options) {
+  const auto appPath = RequireInstall(options.AppPath);
+  try {
+    broker::ForgetDevice(RequireBroker(appPath), broker::IdentityOf(appPath));
+  } catch (const Refused&) {
+    throw;
+  } catch (const Failure& failure) {
+    throw Refused(failure.what());
+  }
+  std::cout << "The device is taken out of Home Assistant. A host that runs brings it back; remove "
+            << broker::BrokerFile(appPath).string() << " to end that.\n";
+  return kDone;
+}
+
+}  // namespace
+
+void AddBrokerCommand(Command& root) {
+  Command command = root.Sub("broker", "Tell events to an MQTT broker, and so to Home Assistant");
+  const auto options = std::make_shared<BrokerOptions>();
+
+  Command set = command.Sub("set", "Change the settings of the broker");
+  Command group = set.AtLeastOneOf("Settings");
+  for (std::size_t i = 0; i < std::size(kSetOptions); ++i) {
+    group.Text(kSetOptions[i].Name, options->Values[i], kSetOptions[i].About);
+  }
+  AddAppPathOption(set, options->AppPath);
+  set.Examples({"keplo broker set --host homeassistant.local --user keplo --password-file ~/.keplo-password",
+                "keplo broker set --tls yes --ca /etc/ssl/house.pem"});
+  set.Runs([options] { return Set(*options); });
+
+  Command show = command.Sub("show", "Show the settings of the broker");
+  show.Flag("--json", options->Json, "As one JSON object");
+  AddAppPathOption(show, options->AppPath);
+  show.Examples({"keplo broker show"});
+  show.Runs([options] { return Show(*options); });
+
+  Command check =
+      command.Sub("check", "Go the way to the broker step by step, and say what to do where it ends");
+  AddAppPathOption(check, options->AppPath);
+  check.Examples({"keplo broker check"});
+  check.Runs([options] { return Check(*options); });
+
+  Command forget = command.Sub("forget", "Take the device out of Home Assistant");
+  AddAppPathOption(forget, options->AppPath);
+  forget.Examples({"keplo broker forget"});
+  forget.Runs([options] { return Forget(*options); });
+}
+
+}  // namespace keplo::cli

@@ -1,0 +1,243 @@
+#include "broker/bridge.h"
+
+#include <nlohmann/json.hpp>
+
+#include "broker/broker_check.h"
+#include "broker/identity.h"
+#include "failure.h"
+#include "mosquitto_server.h"
+
+namespace keplo::broker {
+namespace {
+
+constexpr const char* kIdentity = "0123abcd";
+
+/// A bridge as a program uses it, with what it logs and is asked to send.
+struct Program {
+  explicit Program(BrokerSettings settings) : Link(std::move(settings), kIdentity, Uses()) {}
+
+  Bridge::Uses Uses() {
+    return {[] {}, [this](const SendRequest& request) { Requests.push_back(request); },
+            [this](LogLevel, const std::string& text) { Log += text + "\n"; }};
+  }
+  bool Logs(const std::string& text) {
+    return Eventually([&] {
+      Link.Serve();
+      return Log.find(text) != std::string::npos;
+    });
+  }
+  void Press(const std::string& command) { Link.Tell({KeyStage::Press, "17", "Lamp", command, 3, "now", 1}); }
+
+  std::string Log;
+  std::vector<SendRequest> Requests;
+  Bridge Link;
+};
+
+class BrokerBridge : public testing::Test {
+ protected:
+  BrokerSettings Settings(int port) const {
+    BrokerSettings settings;
+    settings.Host = "127.0.0.1";
+    settings.Port = static_cast<std::uint16_t>(port);
+    settings.Send = true;
+    return settings;
+  }
+  TestFolder folder_;
+};
+
+TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
+  MosquittoServer server(folder_);
+  Program program(Settings(server.Port()));
+  program.Link.SetEvents({{"17", "Lamp", "NEC&A"}});
+  ASSERT_TRUE(program.Logs("Connected"));
+  {
+    Observer observer(server.Port());
+    program.Press("before");
+    ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
+    EXPECT_EQ(observer.All("keplo/0123abcd/event/17")[0].Payload,
+              R"({"event_type":"press","name":"Lamp","command":"before","zone":3,"time":"now","count":1})");
+    EXPECT_FALSE(observer.All("keplo/0123abcd/event/17")[0].Retained);
+
+    // A broker that stops without hanging up reads later what was written to it meanwhile.
+    server.Signal(SIGSTOP);
+    program.Press("stopped");
+    ASSERT_TRUE(Eventually([&] { return program.Link.DroppedPresses() > 0; }));
+    server.Signal(SIGCONT);
+    ASSERT_TRUE(Eventually([&] {
+      program.Press("after");
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      return observer.All("keplo/0123abcd/event/17").size() >= 2;
+    }));
+    EXPECT_EQ(observer.All("keplo/0123abcd/event/17")[1].Payload.find("stopped"), std::string::npos);
+  }
+  server.Kill();
+  ASSERT_TRUE(program.Logs("was lost"));
+  const std::size_t dropped = program.Link.DroppedPresses();
+  program.Press("away");
+  program.Link.Tell({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
+  ASSERT_TRUE(Eventually([&] { return program.Link.DroppedPresses() == dropped + 1; }));
+  server.Start();
+  Observer observer(server.Port());
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1)) << "a broker without memory is told all again";
+  EXPECT_TRUE(observer.Sees("homeassistant/device/keplo-0123abcd/config", 1));
+  program.Link.Tell({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
+  program.Press("back");
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
+  EXPECT_NE(observer.All("keplo/0123abcd/event/17")[0].Payload.find("back"), std::string::npos)
+      << "a release without its press is none";
+}
+
+TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
+  const std::string config = "homeassistant/device/keplo-0123abcd/config", status = "keplo/0123abcd/status";
+  MosquittoServer server(folder_);
+  Observer observer(server.Port());
+  {
+    Program program(Settings(server.Port()));
+    program.Link.SetEvents({{"1", "A \xff\"+", "NEC&A"}, {"a/b", "", "NEC&B"}});
+    ASSERT_TRUE(observer.Sees(status, 1));
+    program.Link.SetEvents({{"1", "A", "NEC&A"}});
+    ASSERT_TRUE(observer.Sees(config, 3));
+    observer.Publish("homeassistant/status", "online");
+    ASSERT_TRUE(observer.Sees(status, 2)) << "after a birth";
+  }
+  ASSERT_TRUE(observer.Sees(status, 3));
+  EXPECT_EQ(observer.All(status)[2].Payload, "offline") << "at a clean end";
+  Program later(Settings(server.Port()));
+  later.Link.SetEvents({});
+  ASSERT_TRUE(observer.Sees(config, 7)) << "what went while no host ran is taken out too";
+  const auto told = observer.All(config);
+  const auto components = [&](std::size_t i) { return nlohmann::json::parse(told[i].Payload)["components"]; };
+  EXPECT_TRUE(components(0).contains("event_a_2fb"));
+  EXPECT_EQ(components(1)["event_a_2fb"], nlohmann::json({{"platform", "event"}}));
+  EXPECT_FALSE(components(2).contains("event_a_2fb"));
+  EXPECT_EQ(components(2)["event_1"]["state_topic"], "keplo/0123abcd/event/1");
+  EXPECT_EQ(components(5)["event_1"], nlohmann::json({{"platform", "event"}}));
+  for (const auto& message : told) EXPECT_TRUE(message.Retained);
+}
+
+TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
+  MosquittoServer server(folder_);
+  Program program(Settings(server.Port()));
+  Observer observer(server.Port());
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1));
+  observer.Publish("keplo/0123abcd/send", R"({"command":"NEC&A"})", /*retain=*/true);
+  ASSERT_TRUE(program.Logs("retained")) << "though it came at once";
+  observer.Publish("keplo/0123abcd/send", R"({"timings":[9000,-4500,560],"modulation":36000})");
+  ASSERT_TRUE(Eventually([&] {
+    program.Link.Serve();
+    return !program.Requests.empty();
+  }));
+  EXPECT_EQ(program.Requests[0].Timings, (std::vector<std::int32_t>{9000, -4500, 560}));
+  EXPECT_EQ(program.Requests[0].Modulation, 36000);
+
+  for (const char* payload :
+       {"", "[1]", "{}", R"({"timings":[]})", R"({"timings":[1,2]})", R"({"timings":[-5]})",
+        R"({"timings":[1.5]})", R"({"timings":[1500000,-600000]})", R"({"timings":[99999999999999]})",
+        R"({"timings":[1],"modulation":"x"})", R"({"command":""})", R"({"timings":"x","command":"NEC&A"})"}) {
+    EXPECT_THROW(ParseSendRequest(payload), Failure) << payload;
+  }
+}
+
+TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
+  const auto run = [&](const std::string& command) {
+    return std::system(("(cd " + folder_.Path().string() + " && " + command + ") >/dev/null 2>&1").c_str());
+  };
+  ASSERT_EQ(run("mosquitto_passwd -c -b users keplo secret && chmod 644 users && openssl req -x509 -newkey "
+                "rsa:2048 "
+                "-nodes -keyout key.pem -out cert.pem -subj /CN=elsewhere -days 1 && chmod 644 key.pem"),
+            0);
+  folder_.Write("access", "user keplo\ntopic read #\n");
+  const std::string secured = "allow_anonymous false\npassword_file " + (folder_ / "users") + "\nacl_file " +
+                              (folder_ / "access") + "\n";
+  const std::string tls = "allow_anonymous true\ncertfile " + (folder_ / "cert.pem") + "\nkeyfile " +
+                          (folder_ / "key.pem") + "\n";
+  folder_.Write("right", "secret\n");
+  folder_.Write("wrong", "terces\n");
+  chmod((folder_ / "right").c_str(), 0600);
+  chmod((folder_ / "wrong").c_str(), 0600);
+  const MosquittoServer password(folder_, secured), encrypted(folder_, tls), open(folder_);
+  const struct {
+    const char* Name;
+    int Port;
+    std::function<void(BrokerSettings&)> Change;
+    const char* Step;
+    const char* Said;
+  } refusals[] = {
+      {"no name", open.Port(), [](BrokerSettings& s) { s.Host = "no-such-host.invalid"; }, "name",
+       "is not known"},
+      {"nobody", FreePort(), [](BrokerSettings&) {}, "connection", "Is it running"},
+      {"wrong password", password.Port(),
+       [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "wrong"; }, "login",
+       "password_file"},
+      {"open password file", password.Port(),
+       [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "access"; }, "login",
+       "chmod 600"},
+      {"access list", password.Port(),
+       [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "right"; }, "right to publish",
+       "access list"},
+      {"unknown authority", encrypted.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection",
+       "\"ca\""},
+      {"other host name", encrypted.Port(),
+       [&](BrokerSettings& s) { s.Tls = true, s.Ca = folder_ / "cert.pem"; }, "secure connection",
+       "\"host\""},
+      {"plain to TLS", encrypted.Port(), [](BrokerSettings&) {}, "login", "\"tls\": true"},
+      {"TLS to plain", open.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection", "\"tls\""},
+  };
+  for (const auto& refusal : refusals) {
+    BrokerSettings settings = Settings(refusal.Port);
+    refusal.Change(settings);
+    std::string step, said;
+    EXPECT_FALSE(CheckBroker(settings, kIdentity, [&](const std::string& which, const std::string& result) {
+      step = which;
+      said = result;
+    })) << refusal.Name;
+    EXPECT_EQ(step, refusal.Step) << refusal.Name << ": " << said;
+    EXPECT_NE(said.find(refusal.Said), std::string::npos) << refusal.Name << ": " << said;
+    Program program(settings);
+    EXPECT_TRUE(program.Logs(refusal.Said)) << refusal.Name << ": " << program.Log;
+  }
+  EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, [](const auto&, const auto&) {}));
+}
+
+TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {
+  const struct {
+    const char* Text;
+    const char* Said;
+  } files[] = {
+      {"{\n\"host\": \"h\",\n\"prot\": 1}", "line 3: \"prot\" is no setting"},
+      {"{\n\"host\": \"port\", \"port\":\n0}", "line 2: \"port\" takes a number from 1"},
+      {"{\"host\": \"h\",\n\n\"prefix\": \"a/#\"}", "line 3: \"prefix\""},
+      {"{\"host\": \"h\", \"discovery_prefix\": \"+\"}", "line 1: \"discovery_prefix\""},
+      {"{\n\"port\": 1\n}", "no \"host\""},
+      {"{\"host\": \"h\", \"key\": \"k\"}", "come together"},
+      {"{\n\n\"host\": oops}", "line 3: the file is not whole JSON"},
+  };
+  for (const auto& file : files) {
+    try {
+      ParseBrokerSettings(file.Text, "broker.json");
+      ADD_FAILURE() << file.Text;
+    } catch (const Failure& failure) {
+      EXPECT_NE(std::string(failure.what()).find(file.Said), std::string::npos) << failure.what();
+    }
+  }
+  const BrokerSettings tls =
+      ParseBrokerSettings(R"({"host":"h","tls":true,"ca":"ca.pem"})", "/home/broker.json");
+  EXPECT_EQ(tls.Port, 8883);
+  EXPECT_EQ(tls.Ca, "/home/ca.pem");
+}
+
+TEST(BrokerIdentity, IsMadeOnceAndIsSafeInTopics) {
+  const TestFolder folder;
+  const std::string identity = IdentityOf(folder.Path());
+  EXPECT_EQ(identity.size(), 8U);
+  EXPECT_EQ(IdentityOf(folder.Path()), identity);
+  folder.Write("broker.id", "damaged");
+  EXPECT_THROW(IdentityOf(folder.Path()), Failure)
+      << "another one would leave Home Assistant's history behind";
+  EXPECT_EQ(SafeForTopic("Az9-"), "Az9-");
+  EXPECT_EQ(SafeForTopic("a/+#_\xc3"), "a_2f_2b_23_5f_c3");
+  EXPECT_NE(SafeForTopic(""), SafeForTopic("_"));
+}
+
+}  // namespace
+}  // namespace keplo::broker

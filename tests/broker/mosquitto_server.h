@@ -1,0 +1,179 @@
+#pragma once
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <mosquitto.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace keplo::broker {
+
+/// A port on which nobody listens.
+inline int FreePort() {
+  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  bind(socket, reinterpret_cast<sockaddr*>(&address), size);
+  getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
+  close(socket);
+  return ntohs(address.sin_port);
+}
+
+/// Waits for what another program or thread does, however slow the machine.
+inline bool Eventually(const std::function<bool()>& condition) {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > until) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+/// A folder of its own that goes with the test.
+class TestFolder {
+ public:
+  TestFolder() {
+    std::string name = "/tmp/keplo-broker-XXXXXX";
+    path_ = mkdtemp(name.data());
+    chmod(path_.c_str(), 0755);  // the broker, started by root, reads as another user
+  }
+  ~TestFolder() { std::filesystem::remove_all(path_); }
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+  std::string Write(const std::string& name, const std::string& text) const {
+    std::ofstream(path_ / name) << text;
+    return *this / name;
+  }
+  const std::filesystem::path& Path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// mosquitto on a port of its own, without a memory that outlives it.
+class MosquittoServer {
+ public:
+  explicit MosquittoServer(const TestFolder& folder, const std::string& settings = "allow_anonymous true\n")
+      : port_(FreePort()) {
+    configuration_ = folder.Write("mosquitto-" + std::to_string(port_) + ".conf",
+                                  "listener " + std::to_string(port_) + " 127.0.0.1\n" + settings);
+    Start();
+  }
+  ~MosquittoServer() { Kill(); }
+
+  void Start() {
+    process_ = fork();
+    if (process_ == 0) {
+      freopen("/dev/null", "w", stderr);
+      for (const char* program : {"/usr/sbin/mosquitto", "mosquitto"}) {
+        execlp(program, program, "-c", configuration_.c_str(), nullptr);
+      }
+      _exit(127);
+    }
+    ASSERT_TRUE(Eventually([&] { return Listens(); })) << "is mosquitto installed?";
+  }
+  void Signal(int number) const { kill(process_, number); }
+  void Kill() {
+    if (process_ <= 0) return;
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+    process_ = 0;
+  }
+  int Port() const { return port_; }
+
+ private:
+  bool Listens() const {
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port_));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const bool listens = connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+    close(socket);
+    return listens;
+  }
+
+  int port_;
+  std::string configuration_;
+  pid_t process_ = 0;
+};
+
+/// What somebody else on the broker sees.
+class Observer {
+ public:
+  struct Seen {
+    std::string Topic, Payload;
+    bool Retained = false;  // as it was published
+  };
+
+  explicit Observer(int port) {
+    mosquitto_lib_init();
+    client_ = mosquitto_new(nullptr, true, this);
+    mosquitto_int_option(client_, MOSQ_OPT_PROTOCOL_VERSION, 5);
+    mosquitto_connect_callback_set(client_, [](mosquitto* client, void*, int) {
+      constexpr int kRetainAsPublished = 8;
+      mosquitto_subscribe_v5(client, nullptr, "#", 1, kRetainAsPublished, nullptr);
+    });
+    mosquitto_subscribe_callback_set(client_, [](mosquitto*, void* self, int, int, const int*) {
+      const std::lock_guard lock(static_cast<Observer*>(self)->mutex_);
+      static_cast<Observer*>(self)->subscribed_ = true;
+    });
+    mosquitto_message_callback_set(client_, [](mosquitto*, void* self, const mosquitto_message* message) {
+      auto& observer = *static_cast<Observer*>(self);
+      const std::lock_guard lock(observer.mutex_);
+      observer.seen_.push_back(
+          {message->topic,
+           {static_cast<const char*>(message->payload), static_cast<std::size_t>(message->payloadlen)},
+           message->retain});
+    });
+    mosquitto_connect(client_, "127.0.0.1", port, 60);
+    mosquitto_loop_start(client_);
+    EXPECT_TRUE(Eventually([&] {
+      const std::lock_guard lock(mutex_);
+      return subscribed_;
+    }));
+  }
+  ~Observer() {
+    mosquitto_disconnect(client_);
+    mosquitto_loop_stop(client_, true);
+    mosquitto_destroy(client_);
+  }
+
+  std::vector<Seen> All(const std::string& topic) const {
+    const std::lock_guard lock(mutex_);
+    std::vector<Seen> found;
+    for (const Seen& seen : seen_) {
+      if (seen.Topic == topic) found.push_back(seen);
+    }
+    return found;
+  }
+  bool Sees(const std::string& topic, std::size_t count) const {
+    return Eventually([&] { return All(topic).size() >= count; });
+  }
+  void Publish(const std::string& topic, const std::string& payload, bool retain = false) {
+    mosquitto_publish(client_, nullptr, topic.c_str(), static_cast<int>(payload.size()), payload.data(), 1,
+                      retain);
+  }
+
+ private:
+  mosquitto* client_;
+  mutable std::mutex mutex_;
+  bool subscribed_ = false;
+  std::vector<Seen> seen_;
+};
+
+}  // namespace keplo::broker
