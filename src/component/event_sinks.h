@@ -21,6 +21,7 @@ class Sinks : public Source {
   void Unsubscribe(std::uint32_t cookie) override { sinks_.erase(cookie); }
 
   void Clear() { sinks_.clear(); }
+  bool IsEmpty() const { return sinks_.empty(); }
 
   /// Calls every sink in the order of subscription; one may unsubscribe any of them meanwhile.
   /// @throws what the first of them threw, after the last has been called
@@ -46,5 +47,6 @@ class Sinks : public Source {
 
 using EventSinks = Sinks<IHostEventSource, IHostEventSink>;
 using KeySinks = Sinks<IKeySource, IKeySink>;
+using SignalSinks = Sinks<ISignalSource, ISignalSink>;
 
 }  // namespace keplo::component

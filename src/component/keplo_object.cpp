@@ -9,6 +9,7 @@
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
+#include "station/on_air.h"
 #include "station/silent_boxes.h"
 
 namespace keplo::component {
@@ -77,6 +78,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
+  station_.OnCapture = [this](const TickReport& tick) { TellSignal(tick); };
   control_.OnKey = [this](KeyChange change, const KeyPress& press) { TellKey(change, press); };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
     const Busy busy(*this);
@@ -105,6 +107,8 @@ KeploWindows KeploObject::Windows() {
 void* KeploObject::QueryInterface(std::string_view name) {
   if (name == IVelmoraInputPLugin::kInterfaceName) return static_cast<IVelmoraInputPLugin*>(this);
   if (name == IHostEventSource::kInterfaceName) return static_cast<IHostEventSource*>(&sinks_);
+  if (name == ISignalSource::kInterfaceName) return static_cast<ISignalSource*>(&signalSinks_);
+  if (name == ISignalSender::kInterfaceName) return static_cast<ISignalSender*>(this);
   if (name == IKeySource::kInterfaceName) return static_cast<IKeySource*>(&keySinks_);
   if (name == IControlView::kInterfaceName) return static_cast<IControlView*>(this);
   if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
@@ -124,6 +128,7 @@ void KeploObject::Release() {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
     keySinks_.Clear();
+    signalSinks_.Clear();
     replayPlayed_ = nullptr;
     listShown_ = nullptr;
     control_.OnPress = nullptr;
@@ -277,6 +282,31 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
     if (change == KeyChange::Pressed) return sink.KeyPressed(key);
     if (change == KeyChange::Held) return sink.KeyHeld(key);
     sink.KeyReleased(key);
+  });
+}
+
+void KeploObject::TellSignal(const TickReport& tick) {
+  if (signalSinks_.IsEmpty()) return;
+  const Busy busy(*this);
+  const HeardSignal heard = HeardOnAir(mod_, tick);
+  if (heard.Timings.empty()) return;
+  signalSinks_.ForEach([&](ISignalSink& sink) { sink.SignalHeard(heard); });
+}
+
+std::string KeploObject::SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) {
+  return Sent([&] { return SendLengths(mod_, station_.Line(), timings, carrier); });
+}
+
+std::string KeploObject::SendCommand(const std::string& command) {
+  return Sent([&] { return SendLearned(mod_, station_.Line(), command, sentToggle_); });
+}
+
+/// What the line hears meanwhile is its own.
+std::string KeploObject::Sent(const std::function<std::string()>& send) {
+  if (depth_ > 0) return "the plug-in is busy";
+  return Contained("SendSignal", std::string("it failed"), [&] {
+    std::string refusal = send();
+    return refusal.empty() ? station_.WhyNotSent() : refusal;
   });
 }
 

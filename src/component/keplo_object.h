@@ -21,7 +21,8 @@ class KeploObject final : public IComponentObject,
                           public IVelmoraInputPLugin,
                           public IControlView,
                           public IEventCatalogue,
-                          public IPressTally {
+                          public IPressTally,
+                          public ISignalSender {
  public:
   /// @param released runs when the host has let the object go, after its end
   /// @throws Failure if a recording or keplo.cfg cannot be read
@@ -62,6 +63,8 @@ class KeploObject final : public IComponentObject,
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
   bool ListDiffersFromMap() override { return control_.ListDiffersFromMap(); }
   Tally Presses() override;
+  std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) override;
+  std::string SendCommand(const std::string& command) override;
 
  private:
   template <typename Result, typename Operation>
@@ -72,6 +75,8 @@ class KeploObject final : public IComponentObject,
   void ReleaseLater();
   KeploWindows Windows();
   void Tick();
+  void TellSignal(const TickReport& tick);
+  std::string Sent(const std::function<std::string()>& send);
   void TellKey(KeyChange change, const KeyPress& press);
   void TellWhenPlayed();
 
@@ -94,7 +99,9 @@ class KeploObject final : public IComponentObject,
   QTimer otherPrograms_;
   EventSinks sinks_;
   KeySinks keySinks_;
-  int depth_ = 0;  // how many operations and ticks are under way, one inside another
+  SignalSinks signalSinks_;
+  bool sentToggle_ = false;  // flips with each transmission that has one
+  int depth_ = 0;            // how many operations and ticks are under way, one inside another
   bool releasePending_ = false;
 };
 

@@ -182,6 +182,54 @@ class IKeySource {
   ~IKeySource() = default;
 };
 
+/// A signal of the air, whether or not a code was read from it.
+struct HeardSignal {
+  std::vector<std::int32_t> Timings;  // microseconds, marks positive, spaces negative, a mark at both ends
+  std::string Protocol, Code;         // empty without a code
+  std::string Command;                // "protocol&command"; empty for a code that was not learned
+};
+
+/// What a host does with signals. Runs inside the tick that has heard one: be quick, and do not throw.
+class ISignalSink {
+ public:
+  virtual void SignalHeard(const HeardSignal& signal) = 0;
+
+ protected:
+  ~ISignalSink() = default;
+};
+
+/// Optional: where a host subscribes to the signals that are heard.
+class ISignalSource {
+ public:
+  static constexpr std::string_view kInterfaceName = "ISignalSource";
+
+  /// @param sink must live until it is unsubscribed
+  /// @return a cookie for Unsubscribe, never 0
+  virtual std::uint32_t Subscribe(ISignalSink& sink) = 0;
+  /// An unknown cookie changes nothing. May be called from within SignalHeard.
+  virtual void Unsubscribe(std::uint32_t cookie) = 0;
+
+ protected:
+  ~ISignalSource() = default;
+};
+
+/// Optional: sends on the plug-in's line, while the caller waits. What the plug-in sends itself raises
+/// nothing.
+class ISignalSender {
+ public:
+  static constexpr std::string_view kInterfaceName = "ISignalSender";
+
+  // Each gives why nothing was sent, to follow a colon; empty if it was. Not from within an event: post it.
+  /// @param timings microseconds, marks positive, spaces negative, in turns from a mark on
+  /// @param carrier Hz; lines that cannot set it keep their own
+  virtual std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) = 0;
+  /// @param command "protocol&command"
+  virtual std::string SendCommand(const std::string& command) = 0;
+
+ protected:
+  ~ISignalSender() = default;
+};
+
 /// The entry points of a component, by the names under which it exports them.
 extern "C" {
 /// Writes the class file of each class. @return 0 or the system's error number

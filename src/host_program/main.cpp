@@ -15,6 +15,7 @@
 
 #include "component_loader/class_file.h"
 #include "failure.h"
+#include "host_program/broker_output.h"
 #include "host_program/event_actions.h"
 #include "host_program/event_book.h"
 #include "host_program/find_component.h"
@@ -122,6 +123,7 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   host.Start();
   SignalNotifier signals([&host] { host.ReadAgain(); });
   signals.Watch([&application] { application.quit(); });
+  const auto broker = BrokerOutput::Make(options.Control.ApplicationPath, host, log);
   WebPages pages(host);
   std::unique_ptr<HostWindow> window;
   if (!options.Headless) {

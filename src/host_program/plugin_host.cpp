@@ -38,12 +38,15 @@ PluginHost::PluginHost(const Component& component, const CreationContext& contex
       catalogue_(QueryInterface<IEventCatalogue>(*object_)),
       view_(QueryInterface<IControlView>(*object_)),
       keys_(QueryInterface<IKeySource>(*object_)),
-      cookie_(events_->Subscribe(*this)) {
+      cookie_(events_->Subscribe(*this)),
+      signals_(QueryInterface<ISignalSource>(*object_)) {
   if (keys_ != nullptr) keyCookie_ = keys_->Subscribe(*this);
+  if (signals_ != nullptr) signalCookie_ = signals_->Subscribe(*this);
 }
 
 PluginHost::~PluginHost() {
   Stop();
+  if (signals_ != nullptr) signals_->Unsubscribe(signalCookie_);
   if (keys_ != nullptr) keys_->Unsubscribe(keyCookie_);
   events_->Unsubscribe(cookie_);
 }
@@ -121,6 +124,27 @@ RaisedEvent PluginHost::Describe(const std::string& eventID) const {
   return event;
 }
 
+std::vector<RaisedEvent> PluginHost::ActivatedEvents() const {
+  std::vector<RaisedEvent> events;
+  EventDetails details;
+  for (const std::string& eventID : EventIDs()) {
+    if (catalogue_ == nullptr || !catalogue_->DescribeEvent(eventID, details) || !details.Activated) continue;
+    events.push_back(
+        {"", eventID, details.EventName, details.EventDescription, details.EventCommand, details.Zone});
+  }
+  return events;
+}
+
+std::string PluginHost::SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) {
+  auto* sender = QueryInterface<ISignalSender>(*object_);
+  return sender == nullptr ? "the plug-in cannot send" : sender->SendSignal(timings, carrier);
+}
+
+std::string PluginHost::SendCommand(const std::string& command) {
+  auto* sender = QueryInterface<ISignalSender>(*object_);
+  return sender == nullptr ? "the plug-in cannot send" : sender->SendCommand(command);
+}
+
 std::int32_t PluginHost::AddEvent() {
   HostInputEvent event;
   event.EventID = book_.NewEventID(EventIDs());
@@ -157,9 +181,17 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
   log_.Event(event);
   if (OnEvent) OnEvent(event);
+  TellStage(event);
   ReadBookIfChanged();
   actions_.Do(press_.DueAt(event, book_.ActionsOf(event.EventID)), event);
   if (keys_ == nullptr) actions_.ReleaseKeys();
+}
+
+void PluginHost::TellStage(const RaisedEvent& event) {
+  const bool isFirst = staged_.insert(event.EventID).second;
+  const int count = keys_ != nullptr && lastKey_ ? lastKey_->Count : 1;
+  if (OnStage) OnStage(isFirst ? PressStage::Pressed : PressStage::Held, event, count);
+  if (keys_ == nullptr) staged_.clear();
 }
 
 void PluginHost::ReadBookIfChanged() {
@@ -173,6 +205,7 @@ void PluginHost::ReadBookIfChanged() {
 void PluginHost::KeyPressed(const HeardKey& key) {
   lastKey_ = key;
   log_.Key("press", key);
+  staged_.clear();
   press_.Begin();
 }
 
@@ -189,8 +222,13 @@ void PluginHost::KeyReleased(const HeardKey& key) {
   if (OnHeldKey && key.Count > 1) OnHeldKey(key);
   for (RaisedEvent& event : press_.End()) {
     event.Time = LocalTime();
+    if (OnStage) OnStage(PressStage::Released, event, key.Count);
     actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
   }
+}
+
+void PluginHost::SignalHeard(const HeardSignal& signal) {
+  if (OnSignal) OnSignal(signal);
 }
 
 void PluginHost::TriggerInputErrorCondition(HostErrorRecord& objErr, bool& /*blnStopping*/) {

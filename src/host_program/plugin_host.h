@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "component_loader/component_frame.h"
@@ -14,9 +15,12 @@
 
 namespace keplo::host {
 
+/// Where a press stands when an event is told of it.
+enum class PressStage { Pressed, Held, Released };
+
 /// The host's side of one plug-in: creates it, does what its events ask for, and carries the user's changes
 /// of the event map to it. Outlives the views.
-class PluginHost : private IHostEventSink, private IKeySink {
+class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink {
  public:
   /// @throws Failure if the object cannot be created
   PluginHost(const Component& component, const CreationContext& context, EventBook& book,
@@ -44,6 +48,12 @@ class PluginHost : private IHostEventSink, private IKeySink {
   /// Identifiers of the events in the map.
   std::vector<std::string> EventIDs() const;
   RaisedEvent Describe(const std::string& eventID) const;
+  /// The events of the map that may be raised.
+  std::vector<RaisedEvent> ActivatedEvents() const;
+
+  // Each gives why nothing was sent; empty if it was.
+  std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier);
+  std::string SendCommand(const std::string& command);
 
   // Each runs the plug-in's operation and gives its result.
   std::int32_t AddEvent();
@@ -60,6 +70,10 @@ class PluginHost : private IHostEventSink, private IKeySink {
   /// For a window's log.
   std::function<void(const RaisedEvent&)> OnEvent;
   std::function<void(const HostErrorRecord&)> OnError;
+  /// An event of a key that was pressed, is held on, or was let go, with the count of its signals so far.
+  std::function<void(PressStage, const RaisedEvent&, int count)> OnStage;
+  /// A signal was heard, known or not.
+  std::function<void(const HeardSignal&)> OnSignal;
   /// A key was let go that was held for more than one signal.
   std::function<void(const HeardKey&)> OnHeldKey;
   /// What the plug-in logs besides, such as why a press raised no event.
@@ -74,7 +88,9 @@ class PluginHost : private IHostEventSink, private IKeySink {
   void KeyPressed(const HeardKey& key) override;
   void KeyHeld(const HeardKey& key) override;
   void KeyReleased(const HeardKey& key) override;
+  void SignalHeard(const HeardSignal& signal) override;
   void ReadBookIfChanged();
+  void TellStage(const RaisedEvent& event);
 
   EventBook& book_;
   EventActions& actions_;
@@ -87,8 +103,11 @@ class PluginHost : private IHostEventSink, private IKeySink {
   IKeySource* keys_;
   std::uint32_t cookie_;
   std::uint32_t keyCookie_ = 0;
+  ISignalSource* signals_;
+  std::uint32_t signalCookie_ = 0;
   PressActions press_;
   std::optional<HeardKey> lastKey_;
+  std::set<std::string> staged_;  // events that the present press has raised
   bool started_ = false;
 };
 

@@ -34,7 +34,10 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
   TellWhyNotOpen();
   if (line_.Device != nullptr) rest_.emplace(*line_.Device, control_);
   if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
-  control_.OnPress = [this](const TickReport& tick) { CountPress(tick); };
+  control_.OnPress = [this](const TickReport& tick) {
+    CountPress(tick);
+    if (OnCapture) OnCapture(tick);
+  };
 }
 
 void Station::TellWhyNotOpen() {
@@ -50,6 +53,13 @@ void Station::TellOfLine(const std::string& text) {
 
 std::string Station::WhyNoEventMap() const {
   return "The event map cannot be loaded: " + control_.WhyNotInitialised();
+}
+
+std::string Station::WhyNotSent() const {
+  if (line_.Device == nullptr) return "this line has no transmitter";
+  if (line_.Device->Sent()) return {};
+  const std::string why = line_.Device->WhyNot();
+  return why.empty() ? "the line did not send it whole" : why;
 }
 
 void Station::CountPress(const TickReport& tick) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -39,6 +40,10 @@ class Station {
   const Keplo& Control() const { return control_; }
   const PressTally& Tally() const { return tally_; }
   Win32Ser& Line() { return *line_.Line; }
+  /// Runs with each capture, after its events.
+  std::function<void(const TickReport&)> OnCapture;
+  /// Why what was sent last did not go out; empty if it did.
+  std::string WhyNotSent() const;
   /// What the line is, in a sentence for a person.
   std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
   /// Tells how long ticks may be left out; none where every tick counts.
