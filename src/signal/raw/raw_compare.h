@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "signal/raw/raw_signal.h"
+
+namespace keplo {
+
+/// How well stored lengths fit what was heard.
+enum class RawFit : std::uint8_t {
+  None,
+  Scaled,  // all lengths are longer or shorter by the same part, as after a change of PROCDELAY
+  Exact
+};
+
+/// Compares what was heard with stored lengths, all frames of the press.
+///
+/// The receiver's mark excess is measured against the stored lengths and taken off. The first mark that was
+/// heard may have begun before the capture. A press may hold fewer frames than the stored one or repeat them,
+/// with the short frames that some remotes send for a held key, and a capture may end within a frame.
+/// @param stored microseconds
+/// @param lost how many stored lengths stand ahead of the first that was heard; even
+RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost = 0);
+
+}  // namespace keplo

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "signal/raw/raw_compare.h"
+
+namespace keplo {
+
+/// What a search found.
+struct RawMatch {
+  std::string_view Digits;  // of a command that fits; empty if there is none
+  bool Alone = false;       // no other one fits
+};
+
+/// The raw commands, found by the number of their lengths.
+class RawIndex {
+ public:
+  void Clear();
+  void Add(const RawSignal& signal);
+  bool Empty() const { return signals_.empty(); }
+
+  /// The command that fits what was heard. Those that fit without a change of scale go first.
+  RawMatch Find(const HeardLengths& heard) const;
+
+ private:
+  struct Form {
+    std::size_t Signal;
+    RawLengths Lengths;
+  };
+  struct Search;
+
+  void Compare(std::size_t count, std::size_t lost, Search& search) const;
+
+  std::vector<std::string> signals_;  // digits
+  std::vector<Form> forms_;
+  std::unordered_map<std::size_t, std::vector<std::size_t>> byCount_;  // forms by lengths of the first frame
+};
+
+}  // namespace keplo

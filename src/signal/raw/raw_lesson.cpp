@@ -1,0 +1,75 @@
+#include "signal/raw/raw_lesson.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <numeric>
+
+#include "signal/raw/raw_compare.h"
+
+namespace keplo {
+
+namespace {
+
+/// A digit that toggles makes a frame longer or shorter by this part at most.
+constexpr double kAlikeLength = 0.12;
+/// In biphase it makes two lengths of one, or one of two.
+constexpr int kAlikeCount = 4;
+
+std::span<const int> FirstFrame(const RawLengths& lengths) {
+  std::size_t end = 1;
+  while (end < lengths.size() && lengths[end] < kRawGap) end += 2;
+  return std::span(lengths).first(std::min(end, lengths.size()));
+}
+
+bool SendsFrameTwice(const HeardLengths& heard, const RawLengths& lengths) {
+  const std::size_t frame = FirstFrameOf(heard);
+  if (heard.Runs.size() < 2 * frame + 1) return false;
+  const HeardLengths second{heard.Runs.subspan(frame + 1, frame), false};
+  return CompareRaw(second, std::span(lengths).first(frame)) == RawFit::Exact;
+}
+
+bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
+  const std::span<const int> left = FirstFrame(a), right = FirstFrame(b);
+  const double leftTime = std::accumulate(left.begin(), left.end(), 0.0);
+  const double rightTime = std::accumulate(right.begin(), right.end(), 0.0);
+  return std::abs(static_cast<int>(left.size()) - static_cast<int>(right.size())) <= kAlikeCount &&
+         std::abs(leftTime - rightTime) <= kAlikeLength * leftTime;
+}
+
+}  // namespace
+
+bool RawLesson::Hear(const HeardLengths& heard, bool asSent) {
+  std::optional<LeveledSignal> signal = FindLevels(heard);
+  if (!signal) return false;
+  const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {
+    return CompareRaw(heard, form.Signal.Lengths) == RawFit::Exact;
+  });
+  order_.push_back(static_cast<std::size_t>(known - forms_.begin()));
+  const bool repeats = asSent && SendsFrameTwice(heard, signal->Lengths);
+  if (known == forms_.end()) forms_.push_back({std::move(*signal)});
+  Form& form = forms_[order_.back()];
+  ++form.Presses;
+  form.Repeats = form.Repeats || repeats;
+  return true;
+}
+
+bool RawLesson::IsLastConfirmed() const {
+  const std::size_t presses = order_.size();
+  return Last().Repeats || (presses > 1 && order_[presses - 2] == order_.back());
+}
+
+bool RawLesson::TakesTurns() const {
+  if (order_.size() < 4) return false;
+  const auto last = order_.end() - 4;
+  return last[0] == last[2] && last[1] == last[3] && last[0] != last[1] &&
+         AreFramesAlike(forms_[last[0]].Signal.Lengths, forms_[last[1]].Signal.Lengths);
+}
+
+bool RawLesson::AreAlike() const {
+  return std::all_of(forms_.begin(), forms_.end(), [&](const Form& form) {
+    return AreFramesAlike(form.Signal.Lengths, forms_.front().Signal.Lengths);
+  });
+}
+
+}  // namespace keplo

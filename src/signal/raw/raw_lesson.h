@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "signal/raw/raw_levels.h"
+#include "signal/raw/raw_signal.h"
+
+namespace keplo {
+
+/// Presses of a remote on their way to a raw command.
+class RawLesson {
+ public:
+  struct Form {
+    LeveledSignal Signal;
+    int Presses = 0;
+    bool Repeats = false;  // the remote itself sent its frame twice in a press
+
+    bool IsConfirmed() const { return Presses > 1 || Repeats; }
+  };
+
+  /// Takes a press into account.
+  /// @param asSent whether repeats in it are the remote's own
+  /// @return false for one that is no clean signal, which changes nothing
+  bool Hear(const HeardLengths& heard, bool asSent = true);
+
+  /// The forms that were heard, in the order of their first press.
+  const std::vector<Form>& Forms() const { return forms_; }
+  /// The form of the last press; there was one.
+  const Form& Last() const { return forms_[order_.back()]; }
+
+  /// Whether the last press was heard before as well, one right after the other, or repeats in itself.
+  bool IsLastConfirmed() const;
+  /// Whether the last four presses were two forms in turns.
+  bool TakesTurns() const;
+  /// These two forms, the one before last first.
+  std::vector<Form> Turns() const { return {forms_[order_[order_.size() - 2]], Last()}; }
+  /// Whether all forms could come from one key: their frames are about as long. Keys of an air conditioner
+  /// are alike too, so that only presses that are known to be of one key make it one.
+  bool AreAlike() const;
+
+ private:
+  std::vector<Form> forms_;
+  std::vector<std::size_t> order_;  // forms of the presses
+};
+
+}  // namespace keplo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "signal/runs.h"
+#include "signal/sample_bits.h"
+
+namespace keplo {
+
+/// A signal as its lengths: marks and spaces in turn from its first mark to its last, microseconds.
+using RawLengths = std::vector<int>;
+
+/// A command that no analysis reads, kept as lengths.
+struct RawSignal {
+  std::string Digits;             // its code, see DrawRawDigits
+  std::vector<RawLengths> Forms;  // more than one where the remote sends them in turn
+};
+
+/// Spaces from this length on part the frames of a press, microseconds. Remotes repeat a frame after 7 ms and
+/// more, and the spaces behind their leaders last up to 4.5 ms.
+inline constexpr int kRawGap = 5000;
+
+/// Fewer lengths tell nothing: 8 marks, as of a remote with 7 digits.
+inline constexpr std::size_t kFewestRawLengths = 15;
+
+/// What a capture holds of a signal.
+struct HeardLengths {
+  RunSpan Runs;      // from the first mark to the last that was heard whole, samples
+  bool Cut = false;  // the samples ended before the signal did
+};
+
+/// @param runs as RunReader gives them
+HeardLengths HeardIn(RunSpan runs);
+
+/// How many lengths stand ahead of the first long space.
+std::size_t FirstFrameOf(const HeardLengths& heard);
+
+}  // namespace keplo

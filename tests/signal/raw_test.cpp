@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_index.h"
+#include "signal/raw/raw_lesson.h"
+#include "signal/raw/raw_send.h"
+#include "signal/signal_builder.h"
+
+namespace keplo {
+namespace {
+
+using tests::Then;
+using RunVector = std::vector<int>;
+
+constexpr int kFrameGap = 600, kSilence = 800;
+
+/// A frame of a leader and digits of three lengths of space, which no analysis reads.
+RunVector Frame(const std::string& digits) {
+  RunVector runs = {60, 30};
+  for (const char digit : digits) runs.insert(runs.end(), {8, 8 + 12 * (digit - '0')});
+  runs.push_back(8);
+  return runs;
+}
+
+const std::string kKey = "012021102201", kOtherKey = "012021102200";
+
+/// Heard samples live in a reader.
+class Ear {
+ public:
+  HeardLengths Hear(const RunVector& runs) {
+    samples_.Read(tests::Bytes(tests::Runs(runs)));
+    return HeardIn(runs_.Read(samples_));
+  }
+
+ private:
+  SampleWords samples_;
+  RunReader runs_;
+};
+
+RunVector Silent(RunVector runs) {
+  runs.push_back(kSilence);
+  return runs;
+}
+
+RunVector Scaled(RunVector runs, double scale) {
+  for (int& run : runs) run = static_cast<int>(run * scale + 0.5);
+  return runs;
+}
+
+RunVector WithExcess(RunVector runs, int samples) {
+  for (std::size_t i = 0; i < runs.size(); ++i) runs[i] += i % 2 == 0 ? samples : -samples;
+  return runs;
+}
+
+RunVector From(const RunVector& runs, std::size_t first, int firstMark) {
+  RunVector rest(runs.begin() + static_cast<std::ptrdiff_t>(first), runs.end());
+  rest.front() = firstMark;
+  return rest;
+}
+
+RunVector First(RunVector runs, std::size_t count) {
+  runs.resize(count);
+  return runs;
+}
+
+RawSignal Learned(const std::string& digits, const RunVector& runs) {
+  Ear ear;
+  return {digits, {FindLevels(ear.Hear(Silent(runs)))->Lengths}};
+}
+
+struct HeardCase {
+  std::string Name;
+  RunVector Runs;
+  std::string Found;
+};
+
+class RawCommands : public ::testing::TestWithParam<HeardCase> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Presses, RawCommands,
+    ::testing::Values(
+        HeardCase{"AsLearned", Silent(Frame(kKey)), "key"},
+        HeardCase{"LongerMarks", Silent(WithExcess(Frame(kKey), 4)), "key"},
+        HeardCase{"OneLengthOther", Silent(Frame("012021102211")), ""},
+        HeardCase{"OtherCommand", Silent(Frame(kOtherKey)), "other"},
+        HeardCase{"LeaderBegunEarlier", Silent(From(Frame(kKey), 0, 25)), "key"},
+        HeardCase{"LeaderLost", Silent(From(Frame(kKey), 2, 3)), "key"},
+        HeardCase{"FirstMarkTooLong", Silent(From(Frame(kKey), 0, 75)), ""},
+        HeardCase{"Held", Silent(Then(Frame(kKey), kFrameGap, Frame(kKey))), "key"},
+        HeardCase{"HeldWithoutDigits", Silent(Then(Frame(kKey), kFrameGap, {60, 15, 8})), "key"},
+        HeardCase{"GoesOnOtherwise", Silent(Then(Frame(kKey), kFrameGap, Frame(kOtherKey))), ""},
+        HeardCase{"OtherSampleTime", Silent(Scaled(Frame(kKey), 1.1)), "key"},
+        HeardCase{"MuchSlower", Silent(Scaled(Frame(kKey), 1.25)), ""},
+        HeardCase{"SamplesEndInRepeat", First(Then(Frame(kKey), kFrameGap, Frame(kKey)), 40), "key"},
+        HeardCase{"SamplesEndInFrame", First(Frame(kKey), 21), ""},
+        HeardCase{"SignalEndsInFrame", Silent(First(Frame(kKey), 25)), ""},
+        HeardCase{"FirstPartOfTwoMessages", Silent(Frame("111000111000")), ""},
+        HeardCase{"WholeMessage", Silent(Then(Frame("111000111000"), kFrameGap, Frame("222"))), "first"},
+        HeardCase{"TooFewLengths", Silent(Frame("01202")), ""}),
+    [](const auto& row) { return row.param.Name; });
+
+TEST_P(RawCommands, AreFoundByTheirLengthsAlone) {
+  RawIndex index;
+  index.Add(Learned("key", Frame(kKey)));
+  index.Add(Learned("other", Frame(kOtherKey)));
+  index.Add(Learned("first", Then(Frame("111000111000"), kFrameGap, Frame("222"))));
+  index.Add(Learned("second", Then(Frame("111000111000"), kFrameGap, Frame("221"))));
+  Ear ear;
+  const RawMatch match = index.Find(ear.Hear(GetParam().Runs));
+  EXPECT_EQ(match.Alone ? match.Digits : "", GetParam().Found);
+}
+
+TEST(RawLevels, AreThoseOfACleanSignalOnly) {
+  Ear ear;
+  RunVector jittery = Frame(kKey), flicker, noise;
+  for (std::size_t i = 4; i < jittery.size(); i += 4) ++jittery[i];
+  const auto signal = FindLevels(ear.Hear(Silent(jittery)));
+  ASSERT_TRUE(signal);
+  EXPECT_EQ(signal->Lengths[2], signal->Lengths[4]) << "the mean of their level";
+  for (int i = 0; i < 30; ++i) {
+    flicker.insert(flicker.end(), {20, 30});
+    noise.insert(noise.end(), {3 + i * i % 71, 5 + i * 7 % 64});
+  }
+  EXPECT_FALSE(FindLevels(ear.Hear(flicker)));
+  EXPECT_FALSE(FindLevels(ear.Hear(noise)));
+}
+
+TEST(RawDigits, CanBeCheckedAndAreDrawnAnewWhereTaken) {
+  const std::string digits = DrawRawDigits({0, 1, 2}, [](std::string_view) { return false; });
+  EXPECT_NE(DrawRawDigits({0, 1, 2}, [&](std::string_view drawn) { return drawn == digits; }), digits);
+  EXPECT_GE(digits.size(), 48U);
+  EXPECT_TRUE(AreRawDigits(digits));
+  std::string changed = digits;
+  changed[20] = changed[20] == '0' ? '1' : '0';
+  EXPECT_FALSE(AreRawDigits(changed));
+}
+
+TEST(RawSlots, PutEdgesOnTheNearestBorder) {
+  EXPECT_EQ(SlotsOfLengths(std::vector<int>{24, 14, 32}, 10), "1100111");
+}
+
+/// Presses are letters: a and b are forms alike, c is of another remote, A holds its frame twice.
+TEST(RawLesson, WantsEachFormTwice) {
+  struct Row {
+    std::string Presses;
+    bool Confirmed, TakesTurns, Alike;
+  };
+  for (const Row& row : {Row{"a", false, false, true},
+                         {"aa", true, false, true},
+                         {"A", true, false, true},
+                         {"ab", false, false, true},
+                         {"aba", false, false, true},
+                         {"abab", false, true, true},
+                         {"acac", false, false, false},
+                         {"abb", true, false, true}}) {
+    RawLesson lesson;
+    for (const char press : row.Presses) {
+      Ear ear;
+      RunVector runs = Frame(press == 'b' ? kOtherKey : kKey);
+      if (press == 'c') runs = Frame(kKey + kKey);
+      if (press == 'A') runs = Then(runs, kFrameGap, runs);
+      EXPECT_TRUE(lesson.Hear(ear.Hear(Silent(runs))));
+    }
+    EXPECT_EQ(lesson.IsLastConfirmed(), row.Confirmed) << row.Presses;
+    EXPECT_EQ(lesson.TakesTurns(), row.TakesTurns) << row.Presses;
+    EXPECT_EQ(lesson.AreAlike(), row.Alike) << row.Presses;
+  }
+}
+
+}  // namespace
+}  // namespace keplo
