@@ -24,6 +24,7 @@ class MemoryFiles : public FileSystem {
   std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& /*folder*/) override {
     return std::make_unique<Folder>();
   }
+  bool MakeFolder(const std::filesystem::path& /*folder*/) override { return false; }
   std::unique_ptr<NewFile> Create(const std::filesystem::path& path, unsigned /*mode*/) override {
     return std::make_unique<File>(files_[path]);
   }

@@ -110,6 +110,12 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::option
   throw NotSaved(store, failure);
 }
 
+RawChange PrepareRaw(CfgStore& store, const std::string& content) try {
+  return {store, store.SavedText, content};
+} catch (const Failure& failure) {
+  throw NotSaved(store, failure);
+}
+
 /// Takes the text of another program into what CfgText would be without the change that is being made.
 void TakeInBesideChange(CfgStore& store, const std::string& other) {
   if (store.WithoutChange) store.WithoutChange = MergeChanges(store.SavedText, *store.WithoutChange, other);
@@ -122,6 +128,7 @@ void TakeOver(CfgStore& store, std::string text, const std::optional<std::string
   }
   store.SavedText = text;
   store.CfgText = std::move(text);
+  RefreshRaw(store);
 }
 
 }  // namespace
@@ -153,6 +160,7 @@ void LoadConfig(CfgStore& store) {
     store.SavedText = store.CfgText;
     store.FileText = std::move(bytes);
     store.ReadFrom = identity;
+    RefreshRaw(store);
   } catch (const Failure& failure) {
     throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
   }
@@ -175,6 +183,7 @@ bool ReloadConfig(CfgStore& store) {
   const bool changed = *merged != store.CfgText;
   TakeInBesideChange(store, read.CfgText);
   store.CfgText = *merged;
+  RefreshRaw(store);
   store.SavedText = std::move(read.CfgText);
   store.FileText = std::move(read.FileText);
   if (changed) store.TookInOtherText = true;
@@ -197,6 +206,7 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
     return;
   }
   std::filesystem::path aside;
+  RawChange raw = PrepareRaw(store, content);
   const std::unique_ptr<LockedFolder> folder = WriteFile(store, save.Known, content, aside);
   store.FileText = content;
   store.ReadFrom.reset();
@@ -209,6 +219,8 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
         failure.Number(),
         store.Path.string() + " is saved, but a power cut may bring the old file back: " + failure.what());
   }
+  // A text that was put aside may have commands of its own, which somebody still wants to take over.
+  if (aside.empty()) raw.DropLost();
 }
 
 }  // namespace keplo

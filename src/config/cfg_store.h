@@ -6,6 +6,7 @@
 #include <string>
 
 #include "config/cfg_text.h"
+#include "config/raw_store.h"
 #include "disk/file_system.h"
 
 namespace keplo {
@@ -54,6 +55,7 @@ struct CfgStore {
   int CfgPos = 0, CfgPos2 = 0;          // scan cursors; any operation may overwrite them
   std::string CurProtocol, CurCommand;  // what was selected last, anywhere
   std::string NewCmdLine;               // the line or block about to be inserted
+  RawStore Raw;                         // follows CfgText as it is read and saved
 };
 
 /// Reads the file into CfgText, byte for byte but for one thing: where a hand-edited key lacks the blank

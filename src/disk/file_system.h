@@ -76,6 +76,9 @@ class FileSystem {
   virtual std::optional<FileAttributes> Attributes(const std::filesystem::path& path) = 0;
   /// Waits until the folder is free, but not so long that the program would seem to be dead.
   virtual std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& folder) = 0;
+  /// Makes a folder in one that is there.
+  /// @return false if it is there already
+  virtual bool MakeFolder(const std::filesystem::path& folder) = 0;
   /// A new file for a name that is free.
   /// @param mode permission bits, less those that the process takes off all its new files
   virtual std::unique_ptr<NewFile> Create(const std::filesystem::path& path, unsigned mode) = 0;

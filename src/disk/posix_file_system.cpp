@@ -195,6 +195,13 @@ std::unique_ptr<LockedFolder> PosixFileSystem::Lock(const path& folder) {
   return std::make_unique<PosixFolder>(folder, patience_);
 }
 
+bool PosixFileSystem::MakeFolder(const path& folder) {
+  constexpr mode_t kForAll = 0777;
+  if (mkdir(folder.c_str(), kForAll) == 0) return true;
+  Require(errno == EEXIST, folder);
+  return false;
+}
+
 std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode) {
   // A nameless file gets its name through its descriptor's entry in /proc, which a jail may lack.
   if (unpublished_ == Unpublished::Nameless && access(kOwnDescriptors, X_OK) == 0) {

@@ -29,6 +29,7 @@ class PosixFileSystem : public FileSystem {
   std::optional<FileIdentity> Identity(const std::filesystem::path& path) override;
   std::optional<FileAttributes> Attributes(const std::filesystem::path& path) override;
   std::unique_ptr<LockedFolder> Lock(const std::filesystem::path& folder) override;
+  bool MakeFolder(const std::filesystem::path& folder) override;
   std::unique_ptr<NewFile> Create(const std::filesystem::path& path, unsigned mode) override;
   void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override;
   bool RenameToFree(const std::filesystem::path& from, const std::filesystem::path& to) override;

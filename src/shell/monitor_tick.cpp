@@ -2,6 +2,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "config/raw_lookup.h"
 #include "shell/keplo.h"
 #include "signal/sample_bits.h"
 
@@ -94,11 +95,12 @@ void Keplo::ReadAndDispatch() {
   const bool provenByLearning =
       reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);
   if (provenByLearning) reading.Ended = Stage::Code;
-  if (reading.Ended == Stage::Code) {
-    HearCode(reading);
-  } else if (!RepeatsHeldKey(reading)) {
-    return key_.HearUnread(onAir_);
+  const bool repeats = reading.Ended != Stage::Code && RepeatsHeldKey(reading);
+  if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
+    AskRawCommands(mod_.Store, mod_.Signal, reading);
   }
+  if (!reading.HasCode()) return key_.HearUnread(onAir_);
+  if (!repeats) HearCode(reading);
   if (!WasHeldInThePause()) return Dispatch(reading);
   lastTick_.Captured = false;
   TellKey(KeyChange::Held, *key_.Pressed());

@@ -74,8 +74,9 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
 }  // namespace
 
 std::string_view StageName(Stage stage) {
-  static constexpr std::array<std::string_view, 9> kNames = {
-      "empty", "short", "doubtful", "no-timing", "ends-in-mark", "no-frame", "unknown", "length", "code"};
+  static constexpr std::array<std::string_view, 10> kNames = {
+      "empty",    "short",   "doubtful", "no-timing", "ends-in-mark",
+      "no-frame", "unknown", "length",   "code",      "raw"};
   return kNames.at(static_cast<std::size_t>(stage));
 }
 

@@ -21,11 +21,12 @@ enum class Stage {
   NoFrame,
   Unknown,
   Length,
-  Code
+  Code,
+  Raw  // no analysis reads a code, but the lengths are those of a raw command, see AskRawCommands
 };
 
 /// Name of a stage as the command line prints it: "empty", "short", "doubtful", "no-timing",
-/// "ends-in-mark", "no-frame", "unknown", "length", "code".
+/// "ends-in-mark", "no-frame", "unknown", "length", "code", "raw".
 std::string_view StageName(Stage stage);
 
 /// What the monitor made of one capture.
@@ -35,11 +36,13 @@ struct MonitorReading {
 
   Stage Ended = Stage::Empty;
   std::optional<Analysis> ReadBy;  // which analysis the digits come from; nothing without any
-  /// Without the leading G; set from Stage::Length on, and a code only at Stage::Code. At Stage::Doubtful
-  /// those of a frame that is alone: a code if the very same was learned.
+  /// Without the leading G; set from Stage::Length on, and a code only from Stage::Code on. At
+  /// Stage::Doubtful those of a frame that is alone: a code if the very same was learned.
   std::string Digits;
   std::optional<bool> Toggle;  // of a code that has a digit which flips on each new press
   bool Dittos = false;         // the frame was repeated by signs without digits, as NEC does
+
+  bool HasCode() const { return Ended >= Stage::Code; }
 
   /// Forgets the last capture, but keeps the memory of its digits.
   void EndAt(Stage stage) {

@@ -33,6 +33,8 @@ std::string_view MeaningOf(Stage stage) {
       return kNoLineCode;
     case Stage::Length:
       return "the number of bits does not fit the protocol";
+    case Stage::Raw:
+      return "the lengths of a raw command";
     case Stage::Code:
       break;
   }
@@ -80,7 +82,7 @@ std::string DescribeStage(Stage stage) {
 }
 
 std::string WhyNoEvent(const TickReport& tick) {
-  if (tick.Reading.Ended != Stage::Code) return DescribeStage(tick.Reading.Ended);
+  if (!tick.Reading.HasCode()) return DescribeStage(tick.Reading.Ended);
   if (tick.Dispatched.Raised > 0) return {};
   return WhyNotDispatched(tick.Dispatched, tick.Reading.Digits);
 }

@@ -30,6 +30,7 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
     : log_(log), line_(std::move(line)), control_(mod, *line_.Line, windows, clock) {
   if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
     log_.Write(LogLevel::Warning, damage);
+  for (const std::string& damage : mod.Store.Raw.Damage) log_.Write(LogLevel::Warning, damage);
   for (const std::string& remark : line_.Remarks) log_.Write(LogLevel::Warning, remark);
   TellWhyNotOpen();
   if (line_.Device != nullptr) rest_.emplace(*line_.Device, control_);

@@ -46,6 +46,7 @@ class MemoryFiles : public FileSystem {
   std::unique_ptr<LockedFolder> Lock(const Path& /*folder*/) override {
     return std::make_unique<Folder>(*this);
   }
+  bool MakeFolder(const Path& /*folder*/) override { return false; }
   std::unique_ptr<NewFile> Create(const Path& path, unsigned /*mode*/) override {
     if (Seen.count(path.filename()) > 0) throw Failure(EEXIST, "exists");
     return std::make_unique<File>(Add(path));

@@ -24,6 +24,7 @@ class SteppedFiles : public FileSystem {
   std::unique_ptr<LockedFolder> Lock(const Path& folder) override {
     return std::make_unique<Folder>(*this, Next().Lock(folder));
   }
+  bool MakeFolder(const Path& folder) override { return Next().MakeFolder(folder); }
   std::unique_ptr<NewFile> Create(const Path& path, unsigned mode) override {
     return std::make_unique<File>(*this, Next().Create(path, mode));
   }

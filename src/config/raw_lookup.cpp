@@ -1,0 +1,77 @@
+#include "config/raw_lookup.h"
+
+#include "config/lookup.h"
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_send.h"
+#include "signal/sample_bits.h"
+
+namespace keplo {
+
+namespace {
+
+bool BelongsToCommand(std::string_view text, const MonitorReading& reading) {
+  if (reading.Digits.empty()) return false;
+  const bool whole = reading.Ended == Stage::Doubtful;  // where learning is the proof, the very code counts
+  if (reading.Ended != Stage::Code && !whole) return false;
+  return FindCommand(text, reading.Digits, 0, whole ? Analysis::Second : *reading.ReadBy).has_value();
+}
+
+}  // namespace
+
+HeardLengths HeardIn(SignalState& signal) { return HeardIn(signal.Runs.Read(signal.Samples)); }
+
+std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal) {
+  const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
+  return match.Alone ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
+}
+
+void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
+  if (store.Raw.Index.Empty() || BelongsToCommand(store.CfgText, reading)) return;
+  const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
+  if (!match.Alone) return;
+  reading.Ended = Stage::Raw;
+  reading.Digits = match.Digits;
+  reading.ReadBy = Analysis::Second;
+}
+
+RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {
+  RawSignal signal;
+  for (const RawLesson::Form& form : forms) signal.Forms.push_back(form.Signal.Lengths);
+  signal.Digits = DrawRawDigits(forms.front().Signal.Levels, [&](std::string_view digits) {
+    return FindNoCase("G" + std::string(digits), text, 1) != kNowhere;
+  });
+  return signal;
+}
+
+std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal) {
+  for (const RawLengths& form : signal.Forms) {
+    SignalState heard;
+    std::string capture = CaptureOfLengths(form);
+    capture.resize(kMonitorCaptureBytes);
+    heard.Samples.Read(capture);
+    const RawMatch match = store.Raw.Index.Find(HeardIn(heard));
+    if (!match.Digits.empty()) return FindCommand(store.CfgText, match.Digits, 0, Analysis::Second);
+  }
+  return std::nullopt;
+}
+
+LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
+  if (code.empty() || !AreRawDigits(code.substr(1))) return {};
+  const RawSignal* signal = FindRawSignal(store, code);
+  if (signal == nullptr) {
+    return {Refusal::InvalidCode, std::string(code), "These are the digits of a raw command without lengths."};
+  }
+  const auto like = FindLikeRawCommand(store, *signal);
+  if (!like) return {};
+  return {Refusal::CodeExists, like->Command, "It is a command of the protocol " + like->Protocol + "."};
+}
+
+LearnResult AddRawCommand(CfgStore& store, std::string_view protocol, const RawSignal& signal,
+                          std::string_view name) {
+  store.Raw.Known.insert_or_assign(signal.Digits, signal);
+  const LearnResult like = CheckRawCode(store, "G" + signal.Digits);
+  if (!like.Done()) return like;
+  return AddCommand(store, protocol, "G" + signal.Digits, name, Analysis::Second);
+}
+
+}  // namespace keplo

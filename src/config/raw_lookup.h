@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "config/cfg_store.h"
+#include "config/learn.h"
+#include "config/lookup.h"
+#include "signal/monitored_press.h"
+#include "signal/raw/raw_lesson.h"
+#include "signal/signal_state.h"
+
+namespace keplo {
+
+/// What the capture that was read last holds of a signal; valid until the next is read.
+HeardLengths HeardIn(SignalState& signal);
+
+/// The raw command that fits the capture that was read last, and no other one; none if there is no such.
+std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal);
+
+/// Asks the raw commands about a monitored capture that belongs to no other command, once it has been read
+/// with the second look. A reading that fits one ends at Stage::Raw with the digits of that command; any
+/// other reading stays as it is.
+void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading);
+
+/// The signal of forms that were heard, with digits that no command of the text has.
+RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);
+
+/// A raw command of the text that could be taken for a signal, or the signal for it, by what a monitored
+/// capture holds of the two.
+std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal);
+
+/// The check of a new code as far as it concerns raw commands: one of theirs needs lengths, and no command of
+/// the text may be like it.
+LearnResult CheckRawCode(const CfgStore& store, std::string_view code);
+
+/// Stores a raw command: its lengths and its code line. The checks are those of any other command, and a
+/// signal that is like one that is stored is refused as Refusal::CodeExists.
+/// @throws Failure as StoreCommand
+LearnResult AddRawCommand(CfgStore& store, std::string_view protocol, const RawSignal& signal,
+                          std::string_view name);
+
+}  // namespace keplo

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include "config/config_builder.h"
+#include "config/fake_disk.h"
+#include "config/learn.h"
+#include "config/protocol_edit.h"
+#include "config/raw_lookup.h"
+#include "config/store_undo.h"
+#include "signal/raw/raw_send.h"
+
+namespace keplo {
+namespace {
+
+using tests::Config;
+using tests::Protocol;
+using tests::Stored;
+using tests::UnflushedNames;
+
+const std::string kFile = "AC.mode2";
+
+/// A signal of three lengths of space.
+RawSignal Signal(const std::string& spaces) {
+  RawLengths lengths = {3300, 1650};
+  for (const char space : spaces) lengths.insert(lengths.end(), {440, 440 + 660 * (space - '0')});
+  lengths.push_back(440);
+  SignalState state;
+  state.Samples.Read(CaptureOfLengths(lengths));
+  RawLesson lesson;
+  lesson.Hear(HeardIn(state));
+  return DrawRawSignal("", lesson.Forms());
+}
+
+const RawSignal kCool = Signal("012021102201"), kHeat = Signal("012021102200");
+
+/// What the monitor makes of a signal that no analysis reads.
+std::string Heard(const CfgStore& store, const RawSignal& signal) {
+  SignalState state;
+  state.Samples.Read(CaptureOfLengths(signal.Forms.front()));
+  MonitorReading reading(Stage::Unknown);
+  AskRawCommands(store, state, reading);
+  return reading.HasCode() ? FindCommand(store.CfgText, reading.Digits, 0, *reading.ReadBy)->Command : "";
+}
+
+class RawStored : public ::testing::Test {
+ protected:
+  Stored stored_{Config(Protocol("AC", {"G10,EMPTY"}))};
+  CfgStore& store_ = stored_.Store;
+
+  void Learn(const RawSignal& signal, const std::string& name) {
+    ASSERT_TRUE(AddRawCommand(store_, "AC", signal, name).Done());
+  }
+  /// The files as another program reads them.
+  std::unique_ptr<CfgStore> Reread() {
+    auto fresh = std::make_unique<CfgStore>(store_.Path, stored_.Disk);
+    LoadConfig(*fresh);
+    return fresh;
+  }
+};
+
+TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
+  StoreUndo undo(store_);
+  Learn(kCool, "COOL");
+  Learn(kHeat, "HEAT");
+  EXPECT_EQ(AddRawCommand(store_, "AC", kCool, "COLD").Detail, "COOL") << "one that fits is stored already";
+  EXPECT_EQ(Heard(*Reread(), kCool), "COOL");
+  EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT");
+  EXPECT_TRUE(RenameCommand(store_, "AC", "COOL", "ICE").Done());
+  EXPECT_EQ(Heard(*Reread(), kCool), "ICE");
+  EXPECT_TRUE(DeleteCommand(store_, "AC", "ICE").Done());
+  EXPECT_EQ(Heard(store_, kCool), "");
+  EXPECT_EQ(stored_.Disk.Files()[kFile].find(kCool.Digits), std::string::npos);
+  const std::string before = store_.CfgText;
+  EXPECT_TRUE(DeleteProtocol(store_, "AC").Done());
+  undo.Remember(before);
+  EXPECT_EQ(stored_.Disk.Files().count(kFile), 0U);
+  EXPECT_EQ(undo.Undo(), "");
+  EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";
+}
+
+TEST_F(RawStored, LosesTheDamagedCommandAlone) {
+  Learn(kCool, "COOL");
+  Learn(kHeat, "HEAT");
+  const std::string whole = stored_.Disk.Files()[kFile];
+  const std::size_t cool = whole.find("# G" + kCool.Digits), heat = whole.find("# G" + kHeat.Digits);
+  struct Row {
+    std::string Name, Text, Cool, Heat;
+  };
+  const std::string changed = tests::Replaced(whole.substr(cool), "1650", "1640");
+  for (const Row& row : {Row{"whole", whole, "COOL", "HEAT"},
+                         {"missing", "", "", ""},
+                         {"a length changed", whole.substr(0, cool) + changed, "", "HEAT"},
+                         {"cut short", whole.substr(0, whole.size() - 30), cool < heat ? "COOL" : "",
+                          cool < heat ? "" : "HEAT"}}) {
+    stored_.Disk.Put(kFile, row.Text);
+    const auto fresh = Reread();
+    EXPECT_EQ(Heard(*fresh, kCool), row.Cool) << row.Name;
+    EXPECT_EQ(Heard(*fresh, kHeat), row.Heat) << row.Name;
+    std::string told;
+    for (const std::string& damage : fresh->Raw.Damage) told += damage;
+    EXPECT_EQ(told.find("COOL") == std::string::npos, !row.Cool.empty()) << row.Name << told;
+    EXPECT_EQ(told.find("HEAT") == std::string::npos, !row.Heat.empty()) << row.Name << told;
+  }
+}
+
+/// Learns or deletes a command on a disk that fails for good at an operation, and then has a power cut.
+TEST_F(RawStored, HasNoCodeLineWithoutLengthsAfterAPowerCut) {
+  Learn(kCool, "COOL");
+  const std::map<std::string, std::string> one = stored_.Disk.Files();
+  Learn(kHeat, "HEAT");
+  const std::map<std::string, std::string> two = stored_.Disk.Files();
+  for (const bool learns : {true, false}) {
+    int operations = 1;
+    for (int failAt = 0; failAt <= operations; ++failAt) {
+      for (const UnflushedNames names : {UnflushedNames::Lost, UnflushedNames::Kept}) {
+        stored_.Disk.PowerCut(names);
+        for (const auto& [name, content] : stored_.Disk.Files()) stored_.Disk.Remove(name);
+        for (const auto& [name, content] : learns ? one : two) stored_.Disk.Put(name, content);
+        const auto writer = Reread();
+        stored_.Disk.FailAt(failAt, true);
+        try {
+          if (learns) AddRawCommand(*writer, "AC", kHeat, "HEAT");
+          if (!learns) DeleteCommand(*writer, "AC", "HEAT");
+        } catch (const Failure&) {
+          EXPECT_GT(failAt, 0);
+        }
+        if (failAt == 0) operations = stored_.Disk.Operations();
+        stored_.Disk.PowerCut(names);
+        const auto fresh = Reread();
+        EXPECT_TRUE(fresh->Raw.Damage.empty()) << failAt;
+        EXPECT_TRUE(fresh->CfgText == one.at("keplo.cfg") || fresh->CfgText == two.at("keplo.cfg")) << failAt;
+        EXPECT_EQ(Heard(*fresh, kCool), "COOL") << failAt;
+        EXPECT_EQ(Heard(*fresh, kHeat).empty(), fresh->CfgText == one.at("keplo.cfg")) << failAt;
+      }
+    }
+    EXPECT_GT(operations, 10);
+  }
+}
+
+}  // namespace
+}  // namespace keplo
