@@ -4,6 +4,8 @@
 
 #include "line/press_capture.h"
 #include "signal/monitored_press.h"
+#include "signal/raw/raw_index.h"
+#include "signal/raw/raw_levels.h"
 #include "signal/recorded_press.h"
 #include "signal/signal_builder.h"
 #include "synth/synth.h"
@@ -94,6 +96,30 @@ void RecordRoad(benchmark::State& state, const std::string& capture, Analysis an
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(capture.size()));
 }
 
+RunVector RawRuns(Dice& dice) {
+  RunVector runs = {60, 30};
+  for (int digit = dice.From(50, 149); digit > 0; --digit)
+    runs.insert(runs.end(), {8, 8 + 12 * dice.From(0, 2)});
+  runs.push_back(8);
+  return runs;
+}
+
+/// What a capture costs that goes to a thousand raw commands in the end.
+void BytesToRaw(benchmark::State& state, const std::string& capture) {
+  Dice dice;
+  RawIndex index;
+  SignalState signal;
+  for (int number = 0; number < 1000; ++number) {
+    signal.Samples.Read(Capture(RawRuns(dice), kRecordCaptureBytes));
+    index.Add({std::to_string(number), {FindLevels(HeardIn(signal.Runs.Read(signal.Samples)))->Lengths}});
+  }
+  MonitorReading reading;
+  for (auto _ : state) {
+    ReadCapture(capture, signal, Analysis::Second, reading);
+    benchmark::DoNotOptimize(index.Find(HeardIn(signal.Runs.Read(signal.Samples))));
+  }
+}
+
 /// Frame after frame of a key that is held.
 std::string HeldKey() {
   RunVector runs = SonyRuns(kSonyDigits);
@@ -127,6 +153,12 @@ void Register() {
       {"nec", Capture(NecRuns(kDigits), kRecordCaptureBytes)},
       {"dense_signal", DenseSignal()},
   };
+  for (const auto& [name, capture, press] : captures) {
+    const std::string road = std::string("BytesToRaw/") + name;
+    if (!press) benchmark::RegisterBenchmark(road.c_str(), BytesToRaw, capture);
+  }
+  Dice dice;
+  benchmark::RegisterBenchmark("BytesToRaw/raw", BytesToRaw, Capture(RawRuns(dice)));
   for (const auto& [by, analysis] : analyses) {
     const auto named = [&](const std::string& road, const char* signal) {
       return road + "/" + signal + "/" + by;

@@ -45,7 +45,7 @@ _keplo() {
       esac
       [[ $place == 3 && $action != add && $action != list ]] && names=$(_keplo_ask events list | cut -f1)
       ;;
-    *,learn) words='--protocol --name --app-path --sample-time --no-shape --hold --help' ;;
+    *,learn) words='--protocol --name --raw --app-path --sample-time --no-shape --hold --help' ;;
     *,settings)
       words='--json --app-path --help'
       [[ $place == 2 ]] && names='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS'

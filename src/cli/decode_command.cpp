@@ -5,6 +5,8 @@
 
 #include "cli/commands.h"
 #include "cli/press_table.h"
+#include "cli/raw_words.h"
+#include "config/raw_lookup.h"
 #include "line/press_capture.h"
 #include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
@@ -19,7 +21,10 @@ struct DecodedPress {
   MonitorReading Reading;
   std::optional<Timing> Measured;
 
-  bool HasCode() const { return Reading.Ended == Stage::Code; }
+  /// Whether it is a clean signal that no code was read of.
+  bool CouldBeRaw = false;
+
+  bool HasCode() const { return Reading.HasCode(); }
   bool HasDigits() const { return HasCode() || Reading.Ended == Stage::Length; }
 };
 
@@ -27,6 +32,7 @@ void Describe(const DecodedPress& press, nlohmann::ordered_json& json) {
   const MonitorReading& reading = press.Reading;
   json["stage"] = StageName(reading.Ended);
   for (const char* field : {"protocol", "base_t", "code", "bits", "analysis"}) json[field] = nullptr;
+  if (reading.Ended == Stage::Raw) json["protocol"] = kRawKind;
   if (press.Measured) json["protocol"] = ProtoKindName(press.Measured->ProtoKind);
   if (press.Measured) json["base_t"] = press.Measured->BaseT;
   if (press.HasCode()) json["code"] = reading.Digits;
@@ -41,13 +47,17 @@ std::string ToText(const DecodedPress& press) {
     text = std::string(ProtoKindName(press.Measured->ProtoKind)) + ", base time " +
            std::to_string(press.Measured->BaseT) + " samples, ";
   }
+  if (reading.Ended == Stage::Raw) {
+    return "raw command G" + reading.Digits;
+  }
   if (press.HasCode()) {
     text += "code " + reading.Digits + " (" + std::to_string(reading.Digits.size()) + " bits)";
     return reading.ReadBy ? text + ", " + std::string(WordOf(*reading.ReadBy)) : text;
   }
   text += "no code: " + DescribeStage(reading.Ended);
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
-  return alone ? text + ", its digits are " + reading.Digits : text;
+  if (alone) text += ", its digits are " + reading.Digits;
+  return press.CouldBeRaw ? text.append(kRawOffer) : text;
 }
 
 MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
@@ -57,15 +67,25 @@ MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analys
   return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis);
 }
 
-bool WasMeasured(Stage ended) { return ended > Stage::NoTiming; }
+bool WasMeasured(Stage ended) { return ended > Stage::NoTiming && ended != Stage::Raw; }
+
+/// Asks the raw commands, and without one that fits whether the signal could become one.
+void AskRaw(const OpenedConfig* config, SignalState& state, DecodedPress& press) {
+  if (config != nullptr) AskRawCommands(config->Mod.Store, state, press.Reading);
+  if (press.Reading.HasCode()) return;
+  press.CouldBeRaw = FindLevels(HeardIn(state)).has_value();
+}
 
 int Decode(const PressOptions& options) {
-  std::optional<OpenedConfig> config;
-  if (options.Analysis.empty() && !options.AppPath.empty()) config.emplace(options.AppPath);
-  const Analysis analysis = AnalysisFor(options, config ? &*config : nullptr);
+  const bool named = options.Analysis.empty() && !options.AppPath.empty();
+  // The raw commands are asked whichever way the digits are read.
+  const std::unique_ptr<OpenedConfig> config =
+      !options.AppPath.empty() || HasInstall() ? LearnedCommands(options.AppPath) : nullptr;
+  const Analysis analysis = AnalysisFor(options, named ? config.get() : nullptr);
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
     SignalState state;
     DecodedPress decoded{ReadAsMonitor(press, options.Line, analysis, state), {}};
+    if (analysis == Analysis::Second) AskRaw(config.get(), state, decoded);
     if (WasMeasured(decoded.Reading.Ended)) decoded.Measured = state.Measured;
     if (json != nullptr) Describe(decoded, *json);
     return PressRow{decoded.HasCode(), json == nullptr ? ToText(decoded) : "", ""};

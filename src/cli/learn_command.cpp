@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -10,6 +11,7 @@
 #include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
+#include "config/raw_lookup.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
 #include "program/app_path.h"
@@ -26,6 +28,7 @@ namespace {
 struct LearnOptions {
   std::vector<std::string> Files;
   std::string Protocol, Name, AppPath;
+  bool Raw = false;
   LineOptions Line;
 };
 
@@ -35,6 +38,8 @@ struct HeardKey {
   std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
   bool Known = false;
+  RawLesson Raw;
+  bool IsClean = true;  // all presses are signals that could be stored as lengths
 };
 
 /// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
@@ -44,6 +49,16 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
   const RecordReading recorded =
       ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
   return recorded.Repeats && recorded.Code == code;
+}
+
+/// The lengths of a press as it was recorded: copies of a held frame tell nothing of the remote.
+void HearRaw(const Press& press, LineOptions line, HeardKey& key) {
+  line.HoldMs = 0;
+  SignalState state;
+  state.RawCapture = CaptureOfPress(press, kRecordCaptureBytes, line);
+  TrimRecording(state.RawCapture);
+  state.Samples.Read(state.RawCapture);
+  key.IsClean = key.Raw.Hear(HeardIn(state)) && key.IsClean;
 }
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
@@ -57,6 +72,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
+      HearRaw(press, options.Line, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;
@@ -90,6 +106,34 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
   if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code));
 }
 
+/// Why the presses cannot be learned as lengths, for a person; empty if they can.
+std::string WhyNoRawCommand(const HeardKey& key) {
+  constexpr std::size_t kMostForms = 4;  // a digit or two that change from press to press
+  if (!key.IsClean)
+    return "the presses are no clean signals of a few lengths each, which could be stored as raw";
+  const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
+  if (forms.size() > kMostForms || !key.Raw.AreAlike()) {
+    return "the presses have different lengths, and a command has one signal; give presses of the same key";
+  }
+  return {};
+}
+
+void StoreRaw(const CommandReference& reference, const HeardKey& key, CfgStore& store, RawSignal& signal) {
+  Require(CheckProtocol(reference.Protocol));
+  const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
+  signal = DrawRawSignal(store.CfgText, forms);
+  const bool isNew = !FindLikeRawCommand(store, signal);
+  if (isNew &&
+      !std::all_of(forms.begin(), forms.end(), [](const auto& form) { return form.IsConfirmed(); })) {
+    throw Refused(RefusalText({Refusal::NotValidated, {}}),
+                  {forms.size() == 1 ? "give recordings of two presses"
+                                     : "the presses differ; give two of each, if all are of the same key"});
+  }
+  const LearnResult result = AddRawCommand(store, reference.Protocol, signal, reference.Command);
+  if (result.Refused == Refusal::CodeExists) throw Refused(RefusalText(result), {result.Reason});
+  Require(result);
+}
+
 /// The name may hold the protocol, as in "NEC&POWER".
 CommandReference WantedReference(const LearnOptions& options) {
   if (!options.Protocol.empty()) return {options.Protocol, options.Name};
@@ -97,11 +141,33 @@ CommandReference WantedReference(const LearnOptions& options) {
   throw WrongUse("--protocol is required");
 }
 
+int LearnRaw(CommandReference reference, const HeardKey& key, OpenedConfig& config) {
+  if (const std::string reason = WhyNoRawCommand(key); !reason.empty()) throw Refused(reason);
+  RawSignal signal;
+  config.Change([&](CfgStore& store) {
+    reference.Protocol = ProtocolAsStored(store.CfgText, reference.Protocol);
+    StoreRaw(reference, key, store, signal);
+    reference = AsStored(store.CfgText, reference);
+  });
+  std::cout << Printable(reference.Text()) << " learned as raw: G" << signal.Digits << ", "
+            << signal.Forms.front().size() << " lengths";
+  if (signal.Forms.size() > 1) {
+    std::cout << "; the remote sends " << signal.Forms.size() << " forms in turn, which are all stored";
+  }
+  std::cout << '\n';
+  return kDone;
+}
+
 int Learn(const LearnOptions& options) {
   CommandReference reference = WantedReference(options);
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
   const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
+  const bool asRaw = options.Raw || (key.Codes.empty() && key.IsClean);
+  if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
+  if (options.Raw) {
+    throw Refused("Raw commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");
+  }
   if (const std::string reason = WhyNoCommand(key); !reason.empty()) throw Refused(reason);
   config.Change([&](CfgStore& store) {
     reference.Protocol = ProtocolAsStored(store.CfgText, reference.Protocol);
@@ -123,6 +189,8 @@ void AddLearnCommand(Command& root) {
   command
       .Word("--name", options->Name, "Name of the command: letters, digits, - and _; or both as 'NEC&POWER'")
       .Required();
+  command.Flag("--raw", options->Raw,
+               "Store the lengths of the signal, whatever code it has; without this of signals without one");
   AddAppPathOption(command, options->AppPath);
   AddLineOptions(command, options->Line.SampleTime, options->Line.Shape, options->Line.HoldMs);
   command.Examples({"keplo learn press.mode2 --name 'SONY&GREEN'",

@@ -8,10 +8,18 @@
 
 namespace keplo::cli {
 
+bool HasInstall() try {
+  RequireInstall({});
+  return true;
+} catch (const Failure&) {
+  return false;
+}
+
 OpenedConfig::OpenedConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
   Mod.Store.RefusesOtherText = true;
   LoadConfig(Mod.Store);
   if (const std::string damage = CheckConfig(Mod.Store); !damage.empty()) Tell(damage);
+  for (const std::string& damage : Mod.Store.Raw.Damage) Tell(damage);
 }
 
 void OpenedConfig::RequireWhole() const {
@@ -33,6 +41,17 @@ void OpenedConfig::Change(const std::function<void(CfgStore& store)>& change) {
     } catch (const Failure& failure) {
       throw NotWritten(failure.Number(), failure.what());
     }
+  }
+}
+
+std::unique_ptr<OpenedConfig> LearnedCommands(const std::string& appPathOption) {
+  if (!IsAppPathNamed(appPathOption) && !HasInstall()) return nullptr;
+  try {
+    return std::make_unique<OpenedConfig>(appPathOption);
+  } catch (const Failure& failure) {
+    if (!appPathOption.empty()) throw;
+    Tell(failure.what());
+    return nullptr;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "cli/outcome.h"
@@ -32,6 +33,13 @@ struct OpenedConfig {
   PosixFileSystem Files;
   KeploMod Mod;
 };
+
+/// Whether there is an install at the application path that holds without the option.
+bool HasInstall();
+
+/// The learned commands, if there are any: without an install nothing is known, but all else can be told.
+/// @throws Failure if the option names an application path that has none
+std::unique_ptr<OpenedConfig> LearnedCommands(const std::string& appPathOption);
 
 /// A change that was made, but may not outlive a power cut. To make it again would make it twice.
 class NotConfirmedWritten : public NotWritten {

@@ -10,8 +10,10 @@
 #include "cli/open_install.h"
 #include "cli/outcome.h"
 #include "cli/press_table.h"
+#include "cli/raw_words.h"
 #include "cli/reference.h"
 #include "config/lookup.h"
+#include "config/raw_lookup.h"
 #include "line/press_capture.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
@@ -28,23 +30,23 @@ struct RecordOptions : PressOptions {
   std::optional<std::int32_t> Port;
 };
 
-bool HasInstall() try {
-  RequireInstall({});
-  return true;
-} catch (const Failure&) {
-  return false;
-}
+/// What the raw commands make of a press that has no other command.
+struct RawPress {
+  std::size_t Lengths = 0;  // of a clean signal; 0 without one, or with a code
+  std::string KnownAs, Digits;
+};
 
-/// The learned commands, if there are any: without an install nothing is known, but all else can be told.
-std::unique_ptr<OpenedConfig> LearnedCommands(const std::string& appPath) {
-  if (!IsAppPathNamed(appPath) && !HasInstall()) return nullptr;
-  try {
-    return std::make_unique<OpenedConfig>(appPath);
-  } catch (const Failure& failure) {
-    if (!appPath.empty()) throw;
-    Tell(failure.what());
-    return nullptr;
-  }
+RawPress AskRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
+  RawPress press;
+  const HeardLengths heard = HeardIn(state);
+  if (!isRead && FindLevels(heard)) press.Lengths = heard.Runs.size();
+  if (config == nullptr) return press;
+  const RawMatch match = config->Mod.Store.Raw.Index.Find(heard);
+  const auto found = match.Alone
+                         ? keplo::FindCommand(config->Text(), match.Digits, /*limit=*/0, Analysis::Second)
+                         : std::nullopt;
+  if (found) press = {heard.Runs.size(), found->Protocol + "&" + found->Command, std::string(match.Digits)};
+  return press;
 }
 
 std::string KnownAs(OpenedConfig* config, const RecordReading& reading) {
@@ -111,15 +113,31 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   return text + ", " + std::string(WordOf(reading.ReadBy));
 }
 
+std::string ToText(const RawPress& raw) { return "raw command G" + raw.Digits + ", known as " + raw.KnownAs; }
+
+void DescribeRaw(const RawPress& raw, nlohmann::ordered_json& json) {
+  if (raw.Lengths > 0) json["raw_lengths"] = raw.Lengths;
+  if (raw.KnownAs.empty()) return;
+  json["protocol"] = kRawKind;
+  json["code"] = raw.Digits;
+  json["bits"] = raw.Digits.size();
+  json["known_as"] = raw.KnownAs;
+}
+
 PressRow Explain(const std::string& capture, Analysis analysis, OpenedConfig* config,
                  nlohmann::ordered_json* json) {
   SignalState state;
   const RecordReading reading = ReadRecordedCapture(capture, state, analysis);
   const std::string knownAs = KnownAs(config, reading);
   const std::string reason = WhyNoCode(reading);
-  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs), ""};
-  Describe(reading, knownAs, *json);
-  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason};
+  RawPress raw;
+  if (analysis == Analysis::Second && knownAs.empty()) raw = AskRaw(config, state, reason.empty());
+  if (json != nullptr) Describe(reading, knownAs, *json);
+  if (json != nullptr) DescribeRaw(raw, *json);
+  if (!raw.KnownAs.empty()) return PressRow{true, json == nullptr ? ToText(raw) : "", ""};
+  const std::string offer(raw.Lengths > 0 ? kRawOffer : "");
+  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs) + offer, ""};
+  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason + offer};
 }
 
 int RecordFiles(const RecordOptions& options) {

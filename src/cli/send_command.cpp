@@ -21,6 +21,8 @@
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "program/printable.h"
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_send.h"
 #include "signal/send_bits.h"
 
 namespace keplo::cli {
@@ -76,8 +78,21 @@ std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
   throw Refused(tooLong.what());
 }
 
+/// Puts the lengths of a raw command out on the line; forms that the remote sends in turn take turns.
+void TransmitRaw(const KeploMod& mod, Win32Ser& line, const RawSignal& signal, const SendOptions& options) {
+  line.DTR(0);
+  line.RTS(-1);
+  for (std::size_t sent = 0; sent < static_cast<std::size_t>(options.Count); ++sent) {
+    if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
+    line.IRSend(RawSlotBytes(signal.Forms[sent % signal.Forms.size()]), kRawSlot, mod.Settings.InterfaceType);
+    if (mod.Settings.BeepOn) line.SpeakBeep(2000, 50);
+  }
+}
+
 /// Puts the code out on the line, each transmission with its own toggle digit.
 void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options) {
+  if (const RawSignal* raw = FindRawSignal(mod.Store, "G" + digits))
+    return TransmitRaw(mod, line, *raw, options);
   const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS);
   bool toggle = false;
   line.DTR(0);
@@ -167,6 +182,16 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
                                       : live.WhyNot());
 }
 
+/// A raw code has no parameters to be sent by, but lengths.
+void CheckRaw(const KeploMod& mod, const Sendable& sendable, const SendOptions& options) {
+  if (!AreRawDigits(std::string_view(sendable.Code).substr(1))) return;
+  if (FindRawSignal(mod.Store, sendable.Code) == nullptr) {
+    throw Refused("The lengths of the raw command " + sendable.Name +
+                  " are missing or damaged, so that it cannot be sent.");
+  }
+  if (options.Pulse) throw WrongUse("a raw command is sent with its own lengths; leave --pulse out");
+}
+
 int Send(const SendOptions& options) {
   OpenedConfig config(options.AppPath);
   KeploMod& mod = config.Mod;
@@ -174,6 +199,7 @@ int Send(const SendOptions& options) {
   LoadParams(mod, sendable.Protocol, AnalysisOf(config));
   if (sendable.Code.empty()) throw Refused(RefusalText({Refusal::NoSuchCommand, sendable.Name}));
   const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
+  CheckRaw(mod, sendable, options);
   ReplayLine line({}, mod.Settings.ReceiverKind);
   Transmit(mod, line, DigitsOf(sendable.Code), options);
   RequireAudible(line.Output());

@@ -6,6 +6,7 @@
 
 #include "config/commands.h"
 #include "config/protocols.h"
+#include "config/raw_lookup.h"
 #include "config/read_settings.h"
 #include "config/values.h"
 #include "window/file_watch.h"
@@ -157,6 +158,7 @@ LearnResult CommandList::CheckNewCommand(std::string& code) const {
   LearnResult checked = CheckProtocol(mod_.Store.CurProtocol);
   if (checked.Done() && !validation_.CmdValidated) checked.Refused = Refusal::NotValidated;
   if (checked.Done()) checked = CheckCode(mod_.Store.CfgText, code, validation_.ReadBy);
+  if (checked.Done()) checked = CheckRawCode(mod_.Store, code);
   return checked;
 }
 

@@ -1,10 +1,15 @@
 #include "window/record_flow.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "config/commands.h"
 #include "config/lookup.h"
+#include "config/raw_lookup.h"
+#include "signal/sample_bits.h"
 #include "signal/sample_time.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
@@ -42,6 +47,17 @@ std::optional<ui::Colour> BackOf(Verdict verdict) {
     default:
       return std::nullopt;
   }
+}
+
+/// Whether an analysis has read a code that can be stored.
+bool HasCode(const RecordReading& reading) {
+  return reading.Ended == RecordStage::Code && !reading.Code.empty() &&
+         reading.Code.find_first_of("xy") == std::string::npos;
+}
+
+bool HasStoredCode(CfgStore& store, const RecordReading& reading) {
+  return reading.Ended == RecordStage::Code &&
+         LookupCommand(store, reading.Code, reading.ProtoKind, reading.ReadBy);
 }
 
 std::string Number(std::int16_t number) { return std::to_string(number); }
@@ -93,7 +109,7 @@ void RecordFlow::ReadCapture() {
   RecordReading reading;
   ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
   mod_.Signal.SendAs = reading.SendAs;
-  ShowReading(reading);
+  if (!ShowRaw(reading)) ShowReading(reading);
 }
 
 void RecordFlow::ClearReading() {
@@ -168,6 +184,11 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
   fields_.IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
   validation_.ReadBy = reading.ReadBy;
   const Verdict verdict = Validate(validation_, {reading.Code, place_}, reading.Repeats, known);
+  TellVerdict(verdict);
+  return known;
+}
+
+void RecordFlow::TellVerdict(Verdict verdict) {
   fields_.CodeStr.SetBackColour(BackOf(verdict));
   if (verdict == Verdict::Known) beeper_.Beep(2000, 50);
   if (verdict == Verdict::NotValidated) {
@@ -175,7 +196,67 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
   } else {
     beeper_.Beep(5000, 50);
   }
-  return known;
+}
+
+/// A press of a raw command, or one that no analysis reads and that could become one.
+/// @return false for any other press
+bool RecordFlow::ShowRaw(const RecordReading& reading) {
+  CfgStore& store = mod_.Store;
+  if (mod_.Settings.Analysis != Analysis::Second || HasStoredCode(store, reading)) return false;
+  if (const auto known = FindRawCommand(store, mod_.Signal)) {
+    const auto code = ShownCode(store.CfgText, known->Protocol, known->Command);
+    const RawSignal* signal = code ? FindRawSignal(store, *code) : nullptr;
+    if (signal == nullptr) return false;
+    validation_.CmdValidated = true;
+    ShowRawSignal(*signal, Verdict::Known, *known);
+    store.CurProtocol = known->Protocol;
+    store.CurCommand = known->Command;
+    SelectCurrent();
+    return true;
+  }
+  if (HasCode(reading)) return false;
+  RawSignal signal;
+  const HeardLengths heard = HeardIn(mod_.Signal);
+  if (!rawLesson_.Hear(heard)) return false;
+  const Verdict verdict = HearRaw(signal);
+  ShowRawSignal(signal, verdict, {});
+  return true;
+}
+
+/// What the presses so far make a command of: the last form, or two that take turns.
+Verdict RecordFlow::HearRaw(RawSignal& signal) {
+  std::vector<RawLesson::Form> forms = {rawLesson_.Last()};
+  if (rawLesson_.TakesTurns()) forms = rawLesson_.Turns();
+  signal = DrawRawSignal(mod_.Store.CfgText, forms);
+  mod_.Store.Raw.Known.insert_or_assign(signal.Digits, signal);
+  validation_.CmdValidated = forms.size() > 1 || rawLesson_.IsLastConfirmed();
+  validation_.ValidationStep = 0;
+  validation_.ReadBy = Analysis::Second;
+  return validation_.CmdValidated ? Verdict::Validated : Verdict::NotValidated;
+}
+
+void RecordFlow::ShowRawSignal(const RawSignal& signal, Verdict verdict, const FoundCommand& known) {
+  const RawLengths& lengths = signal.Forms.front();
+  std::vector<int> ones, zeros;  // samples, as of any other press
+  for (std::size_t i = 0; i < lengths.size(); ++i) {
+    (i % 2 == 0 ? ones : zeros).push_back((lengths[i] + kNominalSampleTime / 2) / kNominalSampleTime);
+  }
+  mod_.Signal.Measured.ProtoKind = kUnknown;
+  fields_.SendPulse.SetText(std::to_string(*std::min_element(lengths.begin(), lengths.end())));
+  fields_.GProt.SetText("RAW");
+  fields_.GProt.SetBackColour(ui::kGreen);
+  fields_.Frame1.SetText({});
+  fields_.GType.SetText({});
+  fields_.plen1.SetText(RunLengthsText(ones));
+  fields_.plen0.SetText(RunLengthsText(zeros));
+  fields_.BitNr.SetText(std::to_string(signal.Digits.size()));
+  fields_.Rpt.SetText("N");
+  fields_.IRCommand.SetText(verdict == Verdict::Known ? known.Protocol + "&&" + known.Command : "?");
+  fields_.CodeStr.SetText("G" + signal.Digits);
+  if (signal.Forms.size() > 1 && verdict == Verdict::Validated) {
+    note_.Show("The remote sends two signals in turn; both are stored with the command.");
+  }
+  TellVerdict(verdict);
 }
 
 void RecordFlow::ShowCode(const RecordReading& reading) {

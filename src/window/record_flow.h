@@ -2,7 +2,9 @@
 
 #include <cstdint>
 
+#include "config/lookup.h"
 #include "keplo_mod.h"
+#include "signal/raw/raw_lesson.h"
 #include "signal/recorded_press.h"
 #include "signal/win32_ser.h"
 #include "ui/button.h"
@@ -58,6 +60,10 @@ class RecordFlow {
   bool ReceiveSignal();
   void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
+  bool ShowRaw(const RecordReading& reading);
+  Verdict HearRaw(RawSignal& signal);
+  void ShowRawSignal(const RawSignal& signal, Verdict verdict, const FoundCommand& known);
+  void TellVerdict(Verdict verdict);
   void ShowKind(std::int16_t kind);
   bool LookUp(const RecordReading& reading);
   void ShowCode(const RecordReading& reading);
@@ -72,7 +78,8 @@ class RecordFlow {
   Validation& validation_;
   LineNote& note_;
   const ui::Window& window_;
-  std::string place_;  // of the recording that is shown; empty for a key press
+  std::string place_;    // of the recording that is shown; empty for a key press
+  RawLesson rawLesson_;  // the presses that no analysis could read
 };
 
 }  // namespace keplo

@@ -4,10 +4,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "config/cfg_text.h"
 #include "config/numbers.h"
 #include "signal/pattern_sets.h"
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_send.h"
 #include "signal/send_bits.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
@@ -42,7 +45,10 @@ void SendFlow::Send() {
     dialogue_.Tell(" The received command is not yet validated!");
     return;
   }
-  if (!IsRecorded(mod_.Store.CurProtocol)) {
+  const RawSignal* raw = FindRawSignal(mod_.Store, fields_.CodeStr.Text());
+  if (raw != nullptr) {
+    ShowRaw();
+  } else if (!IsRecorded(mod_.Store.CurProtocol)) {
     ShowParams();
   } else if (!TakeRecordedParams()) {
     return;
@@ -53,7 +59,11 @@ void SendFlow::Send() {
   const std::string code = fields_.CodeStr.Text();
   if (Trimmed(code).empty() || code.size() < kShortestCode) return;
   if (controls_.VexilCheckbox.Checked() && !SelectZone()) return;
-  if (!SendDigits(code.substr(1))) return;
+  if (raw != nullptr) {
+    SendRaw(*raw);
+  } else if (!SendDigits(code.substr(1))) {
+    return;
+  }
   fields_.IRCommand.SetText(controls_.Protocol.Text() + " / " + controls_.SendCmd.Text());
   fields_.BitNr.SetText(std::to_string(code.size() - 1));
 }
@@ -79,6 +89,31 @@ void SendFlow::ShowParams() {
   if (FindPatternSet(kind) != nullptr || kind == kUnknown) fields_.GProt.SetText(ProtoKindName(kind));
 }
 
+void SendFlow::ShowRaw() {
+  fields_.Rpt.SetText("N");
+  fields_.GType.SetText({});
+  fields_.GProt.SetText("RAW");
+}
+
+void SendFlow::SendRaw(const RawSignal& signal) {
+  // Forms that the remote sends in turn are sent in turn.
+  const RawLengths& lengths = signal.Forms[rawSent_++ % signal.Forms.size()];
+  const ui::WaitNotice notice(window_, "Sending the command.");
+  beeper_.Beep(5000, 50);
+  line_.IRSend(RawSlotBytes(lengths), kRawSlot, mod_.Settings.InterfaceType);
+  beeper_.Beep(2000, 50);
+  ShowSent(CaptureOfLengths(lengths));
+}
+
+void SendFlow::ShowSent(std::string capture) {
+  if (showsTrace_()) {
+    mod_.Signal.RawCapture = std::move(capture);
+    mod_.Signal.SampleTime = kNominalSampleTime;
+    waveform_.StartTrace();
+  }
+  note_.Show();
+}
+
 bool SendFlow::SelectZone() {
   const int zone = controls_.Zone.ListIndex() + 1;
   const bool selected = SendZone(line_, static_cast<std::int16_t>(zone));
@@ -87,6 +122,10 @@ bool SendFlow::SelectZone() {
 }
 
 bool SendFlow::SendDigits(std::string digits) {
+  if (AreRawDigits(digits)) {
+    dialogue_.Tell("The lengths of this raw command are missing or damaged, so that it cannot be sent.");
+    return false;
+  }
   if (digits.find_first_not_of("01") != std::string::npos) {
     dialogue_.Tell("Please use only 1's and 0's for the code", {}, "Error entering code");
     return false;
@@ -104,12 +143,7 @@ bool SendFlow::SendDigits(std::string digits) {
   line_.SetCarrier(mod_.ProtocolParams.Carrier);
   line_.IRSend(BitsToChars(slots), pulse, mod_.Settings.InterfaceType);
   beeper_.Beep(2000, 50);
-  if (showsTrace_()) {
-    mod_.Signal.RawCapture = CaptureOfSlots(slots, pulse);
-    mod_.Signal.SampleTime = kNominalSampleTime;
-    waveform_.StartTrace();
-  }
-  note_.Show();
+  ShowSent(CaptureOfSlots(slots, pulse));
   return true;
 }
 

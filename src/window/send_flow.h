@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
 #include "keplo_mod.h"
+#include "signal/raw/raw_signal.h"
 #include "signal/win32_ser.h"
 #include "ui/button.h"
 #include "ui/check_box.h"
@@ -61,6 +63,9 @@ class SendFlow {
   void ShowParams();
   bool SelectZone();
   bool SendDigits(std::string digits);
+  void ShowRaw();
+  void SendRaw(const RawSignal& signal);
+  void ShowSent(std::string capture);
 
   KeploMod& mod_;
   Win32Ser& line_;
@@ -72,6 +77,7 @@ class SendFlow {
   Dialogue& dialogue_;
   LineNote& note_;
   const ui::Window& window_;
+  std::size_t rawSent_ = 0;  // transmissions of raw commands
 };
 
 }  // namespace keplo

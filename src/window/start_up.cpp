@@ -1,4 +1,6 @@
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "config/check_config.h"
 #include "config/protocols.h"
@@ -40,7 +42,8 @@ bool Form1::Load() {
   Protocol.Select(mod_.Settings.ProtocolIndex);
   Protocol_Click();
   HScroll1.Set(0, 0, 0);
-  flows_->Note.Show();
+  const std::vector<std::string>& damage = mod_.Store.Raw.Damage;
+  flows_->Note.Show(damage.empty() ? std::string_view() : damage.front());
   flows_->File.Start();
   loaded_ = true;
   return true;

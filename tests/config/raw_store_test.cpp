@@ -69,9 +69,9 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   EXPECT_TRUE(DeleteCommand(store_, "AC", "ICE").Done());
   EXPECT_EQ(Heard(store_, kCool), "");
   EXPECT_EQ(stored_.Disk.Files()[kFile].find(kCool.Digits), std::string::npos);
-  const std::string before = store_.CfgText;
+  undo.Begin();
   EXPECT_TRUE(DeleteProtocol(store_, "AC").Done());
-  undo.Remember(before);
+  undo.End();
   EXPECT_EQ(stored_.Disk.Files().count(kFile), 0U);
   EXPECT_EQ(undo.Undo(), "");
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";

@@ -34,6 +34,42 @@ TEST(Learning, HearsEveryCommandThatItSends) {
   EXPECT_GE(walked, 15);
 }
 
+/// A press of three lengths of space, which no analysis reads.
+std::string RawPress(const std::string& spaces, int excess) {
+  std::string text = "pulse 3300\nspace 1650\n";
+  for (const char space : spaces) {
+    text += "pulse " + std::to_string(430 + excess) + "\nspace " +
+            std::to_string(430 + 660 * (space - '0') - excess) + "\n";
+  }
+  return text + "pulse 430\n";
+}
+
+TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
+  const Install install;
+  install.Run("settings ANALYSIS 1");
+  const std::string cool = "01202110220120110212", heat = "01202110220120110211";
+  const auto press = [&](const std::string& name, const std::string& text) {
+    return Quoted(install.Write(name, text));
+  };
+  const std::string a = press("a.mode2", RawPress(cool, 0)), b = press("b.mode2", RawPress(cool, 90));
+  const std::string c = press("c.mode2", RawPress(heat, 0)), named = " --name 'NEC&COOL'";
+  const std::string sent = Quoted(install.File("sent.mode2"));
+  ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
+                       {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
+                       {"learn" + a + c + named, 1, {"give two of each"}},
+                       {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "43 lengths"}},
+                       {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
+                       {"learn" + c + c + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
+                       {"decode --json" + b, 0, {R"("stage":"raw","protocol":"RAW")"}},
+                       {"record" + c, 0, {", known as NEC&HEAT"}},
+                       {"events add 'NEC&COOL' --name Colder", 0, {}},
+                       {"monitor --once --replay" + b + c, 1, {"Colder", "is bound to NEC&HEAT"}},
+                       {"send 'NEC&COOL' --out" + sent, 0, {"NEC&COOL written"}},
+                       {"record" + sent, 0, {"known as NEC&COOL"}}});
+  std::filesystem::remove(install.File("raw/NEC.mode2"));
+  ExpectTold(install, {{"send 'NEC&COOL'", 1, {"COOL and HEAT", "missing or damaged", "learn them again"}}});
+}
+
 TEST(Learning, SendsANewToggleDigitWithEachPress) {
   const Install install;
   const Ran sent = tests::RunShell("'" KEPLO_PROGRAM "' send RC5 TV_MUTE --count 03 --out -" +
@@ -101,7 +137,7 @@ TEST(Learning, RefusesWithTheReason) {
         1,
         {"This command exist as TV_POWER in the protocol SONY"}},
        {"learn" + press + " --name NINE", 2, {"--protocol"}},
-       {"learn" + odd + " --protocol RC5 --name ODD", 1, {"no code: some half bits"}},
+       {"record" + odd, 1, {"no code: some half bits", "as a raw command"}},
        {"learn" + known + press + " --name 'RC5&TWO'", 1, {": G101010010000 G11000001001001"}},
        {"forget NEC NOTHING", 1, {"NOTHING"}},
        {"forget NEC", 2, {"COMMAND"}},

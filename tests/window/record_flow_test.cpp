@@ -52,6 +52,38 @@ TEST_F(RecordFlow, EveryLineCodeIsExplained) {
             "550-160-10-11-80-10-11");
 }
 
+/// Runs that are of no line code: a leader and spaces of three lengths.
+std::vector<int> RawRuns(const std::string& spaces) {
+  std::vector<int> runs = {60, 30};
+  for (const char space : spaces) runs.insert(runs.end(), {8, 8 + 12 * (space - '0')});
+  runs.push_back(8);
+  return runs;
+}
+
+TEST_F(RecordFlow, WhatNoAnalysisReadsIsLearnedAndSentAsLengths) {
+  mod_->Settings.Analysis = Analysis::Second;
+  const std::string cool = "01202110220120110212", heat = "01202110220120110211";
+  Record(RawRuns(cool));
+  const std::string code = form_->CodeStr.Text();
+  EXPECT_EQ(form_->GProt.Text() + CodeColour(), "RAWred");
+  Record(RawRuns(cool));
+  EXPECT_EQ(form_->CodeStr.Text() + CodeColour(), code + "green") << "drawn once";
+  boxes_.Names = {"COOL"};
+  form_->SaveCmdButton.Click();
+  Record(RawRuns(heat));
+  EXPECT_EQ(form_->IRCommand.Text() + CodeColour(), "?red") << "another key";
+  Record(RawRuns(cool));
+  EXPECT_EQ(form_->IRCommand.Text() + CodeColour() + form_->SendCmd.Text(), "Mine&&COOLplainCOOL");
+  form_->SendButton.Click();
+  EXPECT_EQ(mod_->Signal.SampleBits().substr(0, 98), Runs({60, 30, 8}));
+  for (int turns = 0; turns < 2; ++turns) {
+    for (const std::string& key : {heat, heat.substr(0, 18) + "00"}) Record(RawRuns(key));
+  }
+  EXPECT_EQ(CodeColour() + form_->Note.Text().substr(0, 28), "greenThe remote sends two signals");
+  form_->DeleteCmdButton.Click();
+  EXPECT_EQ(disk_.Files().count("Mine.mode2"), 0U) << "lengths go with the command";
+}
+
 TEST_F(RecordFlow, AKnownCommandIsNamedAndSelected) {
   form_->Protocol.SelectText("Recorded");
   line_.Calls.clear();

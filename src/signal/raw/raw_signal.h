@@ -24,8 +24,8 @@ struct RawSignal {
 /// more, and the spaces behind their leaders last up to 4.5 ms.
 inline constexpr int kRawGap = 5000;
 
-/// Fewer lengths tell nothing: 8 marks, as of a remote with 7 digits.
-inline constexpr std::size_t kFewestRawLengths = 15;
+/// Fewer lengths tell nothing: a leader and 7 digits, of which fewer are a fragment in any line code.
+inline constexpr std::size_t kFewestRawLengths = 17;
 
 /// What a capture holds of a signal.
 struct HeardLengths {
