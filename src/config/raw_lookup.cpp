@@ -59,7 +59,8 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
   if (code.empty() || !AreRawDigits(code.substr(1))) return {};
   const RawSignal* signal = FindRawSignal(store, code);
   if (signal == nullptr) {
-    return {Refusal::InvalidCode, std::string(code), "These are the digits of a raw command without lengths."};
+    return {Refusal::InvalidCode, std::string(code),
+            "These are the digits of a raw command without lengths."};
   }
   const auto like = FindLikeRawCommand(store, *signal);
   if (!like) return {};

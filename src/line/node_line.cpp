@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "line/held_signals.h"
-#include "signal/sample_time.h"
 #include "line/slot_clock.h"
 #include "line/zone_answer.h"
+#include "signal/sample_time.h"
 
 namespace keplo {
 

@@ -137,7 +137,7 @@ TEST(Learning, RefusesWithTheReason) {
         1,
         {"This command exist as TV_POWER in the protocol SONY"}},
        {"learn" + press + " --name NINE", 2, {"--protocol"}},
-       {"record" + odd, 1, {"no code: some half bits", "as a raw command"}},
+       {"record" + odd, 1, {"no code: its frames differ", "as a raw command"}},
        {"learn" + known + press + " --name 'RC5&TWO'", 1, {": G101010010000 G11000001001001"}},
        {"forget NEC NOTHING", 1, {"NOTHING"}},
        {"forget NEC", 2, {"COMMAND"}},

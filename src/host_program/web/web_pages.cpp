@@ -122,8 +122,8 @@ QByteArray WebPages::Index() const {
 <style>:root{color-scheme:light dark}body{font:1rem/1.5 sans-serif;max-width:40rem;margin:3rem auto;padding:0 1rem}</style>
 </head><body><h1>Plug-ins</h1>
 <ul><li><a href=")" +
-         QByteArray(kPluginPath) + "\">InputKeplo</a> " + about.toHtmlEscaped().toUtf8() +
-         "</li></ul>\n" + LastKey() + "</body></html>\n";
+         QByteArray(kPluginPath) + "\">InputKeplo</a> " + about.toHtmlEscaped().toUtf8() + "</li></ul>\n" +
+         LastKey() + "</body></html>\n";
 }
 
 QByteArray WebPages::PluginPage(const QHttpServerRequest& request) const {

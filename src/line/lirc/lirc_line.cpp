@@ -24,7 +24,7 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
-constexpr int kPressGap = 150'000;         // microseconds; a longer space parts two presses
+constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
