@@ -202,6 +202,7 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
       {"a million brackets", "ha", std::string(1'000'000, '['), "expected an object with"},
       {"a million brackets in TOML", "keymap", "[[protocols]]\na = " + std::string(1'000'000, '['),
        "no TOML"},
+      {"what the parser of TOML asserts", "keymap", "[[[protocols]]]\n", "no TOML"},
       {"brackets in YAML", "esphome", "a: " + std::string(1'000'000, '['), "brackets in a row"},
       {"more of it than is read", "esphome", std::string(2'000'000, 'a'), "larger than"},
       {"an entity bomb", "girr",

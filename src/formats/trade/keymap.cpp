@@ -1,4 +1,19 @@
+#include <stdexcept>
+
+namespace {
+
+/// The parser asserts what some wrong texts break; here they are refused, in release builds too.
+constexpr void RequireTomlReadable(bool holds) {
+  if (!holds) throw std::runtime_error("found a text that the parser cannot read");
+}
+
+}  // namespace
+
+#pragma push_macro("NDEBUG")
+#undef NDEBUG
+#define TOML_ASSERT(expr) RequireTomlReadable(static_cast<bool>(expr))
 #include <toml++/toml.h>
+#pragma pop_macro("NDEBUG")
 
 #include <algorithm>
 #include <cstdio>
@@ -224,6 +239,8 @@ void ReadKeymap(std::string_view text, const std::string& path, RemoteFile& file
     FileReading(path, file)
         .Complain(static_cast<int>(error.source().begin.line),
                   "no TOML: " + std::string(error.description()));
+  } catch (const std::runtime_error& error) {
+    FileReading(path, file).Complain(0, std::string("no TOML: ") + error.what());
   }
 }
 
