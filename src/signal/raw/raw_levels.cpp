@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 
 namespace keplo {
 
@@ -60,6 +61,12 @@ std::vector<Level> LevelsOf(RunSpan runs, std::size_t first) {
   return levels;
 }
 
+/// Whether the mean of a level would say something else than the run: the signal has to fit itself.
+bool IsFarFrom(const Level& level, int run) {
+  constexpr int kNear = 3 * kNominalSampleTime / 2;  // microseconds; what jitter and raster make of a length
+  return std::abs(run * kNominalSampleTime - level.Microseconds()) > kNear;
+}
+
 bool IsCleanSignal(RunSpan runs, const std::vector<Level>& marks, const std::vector<Level>& spaces) {
   if (marks.empty() || spaces.empty() || marks.front().Least < kShortestRawMark) return false;
   const std::size_t levels = marks.size() + spaces.size();
@@ -81,7 +88,7 @@ std::optional<LeveledSignal> FindLevels(const HeardLengths& heard) {
     const auto level = IsSingular(runs, i) ? levels.end()
                                            : std::find_if(levels.begin(), levels.end(),
                                                           [&](const Level& l) { return runs[i] <= l.Most; });
-    const bool own = level == levels.end() || !level->StandsAlone;
+    const bool own = level == levels.end() || !level->StandsAlone || IsFarFrom(*level, runs[i]);
     signal.Lengths.push_back(own ? runs[i] * kNominalSampleTime : level->Microseconds());
     signal.Levels.push_back(static_cast<int>(level - levels.begin()));
   }
