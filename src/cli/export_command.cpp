@@ -56,7 +56,7 @@ int Export(const ExportOptions& options) {
     const auto wants = [&](std::string_view name) { return IsWanted(options, section, name); };
     Remote remote;
     try {
-      remote = RemoteOfSection(text, section, wants);
+      remote = RemoteOfSection(text, section, wants, &config.Mod.Store.Raw);
     } catch (const Failure& damaged) {
       throw Refused(damaged.what());
     }

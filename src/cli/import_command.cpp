@@ -60,7 +60,8 @@ void PrintKey(const PlannedKey& planned) {
         Complaint{planned.File, planned.Key->Line, planned.Key->Name.value_or(""), planned.Reason}.Message());
     return;
   }
-  std::cout << Printable(planned.Reference()) << "\tG" << planned.Digits();
+  std::cout << Printable(planned.Reference()) << "\tG"
+            << (planned.RawDigits.empty() ? planned.Digits() : planned.RawDigits);
   if (!planned.Reason.empty()) std::cout << '\t' << Printable(planned.Reason);
   std::cout << '\n';
 }
@@ -84,13 +85,14 @@ void PrintSummary(const ImportPlan& plan, bool dryRun) {
   }
 }
 
-ImportPlan Planned(const std::string& text, const std::vector<ImportedFile>& files,
+ImportPlan Planned(const CfgStore& store, const std::vector<ImportedFile>& files,
                    const ImportOptions& options) try {
   ImportWishes wishes;
-  if (!options.Section.empty()) wishes.Section = RequireProtocol(text, options.Section);
+  if (!options.Section.empty()) wishes.Section = RequireProtocol(store.CfgText, options.Section);
   wishes.Shadowed = options.Shadowed;
+  wishes.Raw = &store.Raw;
   if (!options.Keys.empty()) wishes.Wants = KeysNamed(options.Keys);
-  ImportPlan plan = PlanImport(text, files, wishes);
+  ImportPlan plan = PlanImport(store.CfgText, files, wishes);
   if (plan.Keys.empty() && !options.Keys.empty())
     throw Refused("no key has a name of --keys " + options.Keys);
   return plan;
@@ -106,7 +108,7 @@ void Store(CfgStore& store, const ImportPlan& plan) {
                             " characters, and keplo.cfg has " + std::to_string(plan.Free) +
                             " free. Take fewer keys by --keys, or delete protocols that are not needed.");
   }
-  if (plan.Count(KeyFate::Stored) > 0) ReplaceAndSave(store, plan.Text);
+  if (plan.Count(KeyFate::Stored) > 0) StoreImport(store, plan);
 }
 
 int Import(const ImportOptions& options) {
@@ -115,10 +117,10 @@ int Import(const ImportOptions& options) {
   const LoadedRemotes loaded = LoadRemoteFiles(options.Files, options.Format);
   ImportPlan plan;
   if (options.DryRun) {
-    plan = Planned(config.Text(), loaded.Files, options);
+    plan = Planned(config.Mod.Store, loaded.Files, options);
   } else {
     config.Change([&](CfgStore& store) {
-      plan = Planned(store.CfgText, loaded.Files, options);
+      plan = Planned(store, loaded.Files, options);
       Store(store, plan);
     });
   }

@@ -39,7 +39,8 @@ struct HeardKey {
   keplo::Validation Validation;
   bool Known = false;
   RawLesson Raw;
-  bool IsClean = true;  // all presses are signals that could be stored as lengths
+  std::set<std::string> Places;  // of the presses that Raw has heard; one alone confirms nothing
+  bool IsClean = true;           // all presses are signals that could be stored as lengths
 };
 
 /// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
@@ -72,7 +73,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
-      HearRaw(press, options.Line, key);
+      if (key.Places.insert(place).second) HearRaw(press, options.Line, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;

@@ -82,6 +82,7 @@ std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
 void TransmitRaw(const KeploMod& mod, Win32Ser& line, const RawSignal& signal, const SendOptions& options) {
   line.DTR(0);
   line.RTS(-1);
+  line.SetCarrier(mod.ProtocolParams.Carrier);
   for (std::size_t sent = 0; sent < static_cast<std::size_t>(options.Count); ++sent) {
     if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
     line.IRSend(RawSlotBytes(signal.Forms[sent % signal.Forms.size()]), kRawSlot, mod.Settings.InterfaceType);

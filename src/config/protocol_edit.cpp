@@ -122,6 +122,7 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
   }
   read.Draft.Params.GREPEAT = *gRepeat;
   read.Draft.Params.Carrier = CarrierOf(text, protocol);
+  if (const auto section = FindSection(text, protocol)) read.Draft.Params.SENDAS = SendAsOf(text, *section);
   return read;
 }
 

@@ -115,7 +115,13 @@ RawChange::RawChange(CfgStore& store, std::string_view before, std::string_view 
   for (const std::string& protocol : protocols) {
     const std::set<std::string> wanted = DigitsOf(fresh, protocol);
     if (wanted == DigitsOf(old, protocol)) continue;
-    if (std::string name = protocol; !IsValidName(name) || name != protocol) continue;
+    if (std::string name = protocol; !IsValidName(name) || name != protocol) {
+      if (DigitsOf(old, protocol).size() >= wanted.size()) continue;
+      throw Failure(EINVAL,
+                    "[" + protocol +
+                        "] cannot keep raw commands, whose lengths lie in a file of that name: a name of "
+                        "letters, digits, - and _ can");
+    }
     files_.push_back({protocol, RawFileOf(store, protocol), {wanted.begin(), wanted.end()}});
   }
   if (files_.empty()) return;

@@ -16,6 +16,9 @@
 #include "remotes/new_commands.h"
 #include "remotes/section_signal.h"
 #include "remotes/stored_codes.h"
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_index.h"
+#include "signal/raw/raw_levels.h"
 
 namespace keplo {
 
@@ -29,6 +32,7 @@ class Planner {
   Planner(const std::string& text, const ImportWishes& wishes)
       : text_(text), wishes_(wishes), codes_(text), names_(text) {
     if (!wishes.Section.empty()) RequireSection();
+    if (wishes.Raw != nullptr) raw_ = wishes.Raw->Index;
   }
 
   void Take(const ImportedFile& file, const Remote& remote) {
@@ -72,13 +76,15 @@ class Planner {
     PlannedKey& planned = plan_.Keys.back();
     planned.IsRaw = key.IsRaw();
     if (!key.Coded) {
-      planned.Reason = planned.IsRaw ? "its lengths are of no two digit patterns" : key.Skipped;
+      planned.Reason = key.Skipped;
+      if (planned.IsRaw) TakeRaw(key.Lengths, place);
       return;
     }
     std::optional<SectionSignal> section;
     planned.Reason = WhyNoCode(key, section);
     if (!planned.Reason.empty()) {
-      planned.IsRaw = !section && !section_;
+      planned.IsRaw = !section && !section_ && key.Coded->Digits.size() >= kFewestDigits;
+      if (planned.IsRaw) TakeRaw(PressLengths(*key.Coded, 1), place);
       return;
     }
     if (!MayGoIn(planned, place)) return;
@@ -89,6 +95,51 @@ class Planner {
     } else {
       AddToGroup(*section, key, place);
     }
+  }
+
+  /// A command that keeps its lengths.
+  void TakeRaw(PulseTrain lengths, std::size_t place) {
+    PlannedKey& planned = plan_.Keys[place];
+    if (!lengths.empty() && lengths.size() % 2 == 0) lengths.pop_back();
+    std::vector<int> runs;
+    for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
+    const auto levels = FindLevels({runs, false});
+    if (!levels) {
+      planned.Reason = "its lengths are of no two digit patterns, and no clean signal of a few lengths each";
+      return;
+    }
+    if (const RawMatch match = raw_.Find({runs, false}); !match.Digits.empty()) {
+      if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
+      planned.Fate = KeyFate::Known;
+      planned.Reason.clear();
+      return;
+    }
+    RawSignal signal{
+        DrawRawDigits(levels->Levels,
+                      [&](std::string_view digits) { return codes_.Meets(std::string(digits)).has_value(); }),
+        {std::move(lengths)}};
+    planned.Fate = KeyFate::Stored;
+    planned.Reason.clear();
+    planned.RawDigits = signal.Digits;
+    codes_.Add(signal.Digits, place);
+    raw_.Add(signal);
+    plan_.Raw.push_back(std::move(signal));
+    if (section_) {
+      own_.push_back(place);
+    } else {
+      AddRawToGroup(*planned.Key, place);
+    }
+  }
+
+  /// Any section will do for lengths, if its carrier does.
+  void AddRawToGroup(const RemoteKey& key, std::size_t place) {
+    auto group = std::find_if(groups_.begin(), groups_.end(), [&](const KeyGroup& candidate) {
+      return candidate.Group.HasCarrier(key.Carrier);
+    });
+    if (group == groups_.end()) {
+      group = groups_.insert(group, KeyGroup{SectionGroup::OfLengths(key.Carrier), {}});
+    }
+    group->Keys.push_back(place);
   }
 
   /// Why the digits of a key make no command; empty if they do.
@@ -173,6 +224,7 @@ class Planner {
   SectionNames names_;
   std::optional<SectionSignal> section_;  // the existing one, if one is to take the keys
   ImportPlan plan_;
+  RawIndex raw_;                  // of the store and of what is new
   std::vector<KeyGroup> groups_;  // of the remote at hand
   std::vector<std::size_t> own_;  // keys that go into the existing section
   std::string blocks_;
@@ -213,6 +265,11 @@ ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& 
     for (const Remote& remote : file.Remotes) planner.Take(file, remote);
   }
   return planner.Finish();
+}
+
+void StoreImport(CfgStore& store, ImportPlan plan) {
+  for (RawSignal& signal : plan.Raw) store.Raw.Known.insert_or_assign(signal.Digits, std::move(signal));
+  ReplaceAndSave(store, std::move(plan.Text));
 }
 
 std::function<bool(const RemoteKey& key)> KeysNamed(const std::string& list) {

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "config/cfg_store.h"
 #include "formats/remote.h"
+#include "signal/raw/raw_signal.h"
 
 namespace keplo {
 
@@ -19,6 +21,8 @@ struct ImportedFile {
 struct ImportWishes {
   std::string Section;    // an existing one that takes the keys; empty for new ones
   bool Shadowed = false;  // takes codes that begin another, or that another one begins
+  /// The lengths of the raw commands of the text, of which one may be that of a key; may be null.
+  const RawStore* Raw = nullptr;
   /// Which keys are looked at; without it all are.
   std::function<bool(const RemoteKey& key)> Wants;
 };
@@ -35,9 +39,10 @@ struct PlannedKey {
   std::string File, Remote;
   const RemoteKey* Key = nullptr;
   KeyFate Fate = KeyFate::Skipped;
-  bool IsRaw = false;         // it keeps its lengths
-  std::string Section, Name;  // of the command that it becomes, or of the one that has its code; else empty
-  std::string Reason;         // why it was renamed or not stored; empty if there is nothing to tell
+  bool IsRaw = false;          // it keeps its lengths
+  std::string RawDigits = {};  // of a raw command that it becomes
+  std::string Section, Name;   // of the command that it becomes, or of the one that has its code; else empty
+  std::string Reason;          // why it was renamed or not stored; empty if there is nothing to tell
 
   /// The digits that were read; empty if there are none.
   std::string Digits() const { return Key->Coded ? Key->Coded->Digits : std::string(); }
@@ -49,6 +54,7 @@ struct ImportPlan {
   std::vector<PlannedKey> Keys;       // in the order of the files
   std::vector<std::string> Sections;  // that are new, or the one that takes the keys
   std::string Text;                   // of the configuration with all of it
+  std::vector<RawSignal> Raw;         // lengths of the raw commands among the keys
   std::size_t Needed = 0, Free = 0;   // characters
 
   bool Fits() const { return Needed <= Free; }
@@ -62,6 +68,10 @@ struct ImportPlan {
 /// @throws Failure if the section that is to take the keys cannot, or none can be added
 ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& files,
                       const ImportWishes& wishes);
+
+/// Saves a planned import, all of it at once.
+/// @throws Failure as ReplaceAndSave
+void StoreImport(CfgStore& store, ImportPlan plan);
 
 /// A test for names of keys.
 /// @param list of names with commas between them, in which * stands for any characters and ? for one; letter

@@ -11,7 +11,9 @@ namespace keplo {
 
 namespace {
 
-std::string CodeOf(const PlannedKey& key) { return "G" + key.Digits(); }
+std::string CodeOf(const PlannedKey& key) {
+  return "G" + (key.RawDigits.empty() ? key.Digits() : key.RawDigits);
+}
 
 /// Why a key has another name than in its file; empty if it has that one.
 std::string WhyRenamed(const PlannedKey& key) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "config/generic_protocols.h"
 #include "signal/decode.h"
 #include "signal/send_bits.h"
 #include "signal/timing.h"
@@ -181,10 +182,26 @@ bool SendsFrame(const SectionSignal& section, const CodedSignal& signal) {
                     [&](int length, int meant) { return IsWithin(length, meant, section.Params.SENDPLS); });
 }
 
+SectionGroup SectionGroup::OfLengths(const std::optional<int>& carrier) {
+  const GenericProtocol& custom = GenericProtocolAt(kCustom);
+  SectionSignal section;
+  section.ProtoKind = kCustom;
+  section.Params.SENDPLS = custom.SENDPLS;
+  section.Params.BITG = custom.Patterns.BITG;
+  section.Params.BIT0 = custom.Patterns.BIT0;
+  section.Params.BIT1 = custom.Patterns.BIT1;
+  SectionGroup group(section);
+  group.carrier_ = carrier;
+  group.ofLengths_ = true;
+  return group;
+}
+
+bool SectionGroup::HasCarrier(const std::optional<int>& carrier) const { return Agree(carrier, carrier_); }
+
 bool SectionGroup::Takes(const CodedSignal& signal, const std::optional<int>& carrier) const {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   const bool sameKind = kind == kind_ || kind == RepeatKind::Unknown || kind_ == RepeatKind::Unknown;
-  return sameKind && Agree(carrier, carrier_) && SendsFrame(section_, signal);
+  return !ofLengths_ && sameKind && HasCarrier(carrier) && SendsFrame(section_, signal);
 }
 
 void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carrier) {

@@ -34,6 +34,11 @@ class SectionGroup {
  public:
   explicit SectionGroup(SectionSignal section) : section_(std::move(section)) {}
 
+  /// A section for commands that keep their lengths, with the patterns of a new protocol.
+  static SectionGroup OfLengths(const std::optional<int>& carrier);
+
+  /// Whether a carrier is that of the group within 1 %.
+  bool HasCarrier(const std::optional<int>& carrier) const;
   /// Whether the section sends this signal too, with the same way to repeat it and a carrier within 1 %. What
   /// a file does not say of it agrees with everything.
   bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
@@ -46,6 +51,7 @@ class SectionGroup {
   SectionSignal section_;
   RepeatKind kind_ = RepeatKind::Unknown;
   std::optional<int> carrier_;
+  bool ofLengths_ = false;
   std::vector<int> gaps_;  // slots
 };
 

@@ -71,6 +71,10 @@ bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame) {
 }
 
 std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind) {
+  if (kind == kRc6) {
+    const auto read = ReadRc6(frame);
+    return read ? std::optional(read->Toggle == '1') : std::nullopt;
+  }
   constexpr std::size_t kFirstHalf = 2 * kToggleBitOffset - 1;  // the frame lacks the half bit before it
   if (kind != kRc5 || frame.size() <= kFirstHalf) return std::nullopt;
   return frame[kFirstHalf] == '0';

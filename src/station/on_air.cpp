@@ -7,7 +7,10 @@
 
 #include "config/commands.h"
 #include "config/protocols.h"
+#include "config/raw_store.h"
 #include "failure.h"
+#include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_send.h"
 #include "signal/runs.h"
 #include "signal/sample_time.h"
 #include "signal/sample_words.h"
@@ -21,12 +24,12 @@ namespace {
 /// No edge is sent further than half of it from its place; receivers tell lengths no better.
 constexpr std::int32_t kSlotOfLengths = 25;  // microseconds
 
-void PutOnAir(Win32Ser& line, const std::string& slots, std::int32_t slot, std::int32_t carrier,
+void PutOnAir(Win32Ser& line, const std::string& bytes, std::int32_t slot, std::int32_t carrier,
               std::int16_t interfaceType) {
   line.DTR(0);
   line.RTS(-1);
   line.SetCarrier(carrier);
-  line.IRSend(BitsToChars(PadToBytes(slots)), slot, interfaceType);
+  line.IRSend(bytes, slot, interfaceType);
 }
 
 }  // namespace
@@ -47,8 +50,9 @@ HeardSignal HeardOnAir(const KeploMod& mod, const TickReport& tick) {
     const auto length = static_cast<std::int32_t>(std::lround(runs[first] * sample));
     heard.Timings.push_back(first % 2 == 0 ? length : -length);
   }
-  if (tick.Reading.Ended != Stage::Code) return heard;
-  heard.Protocol = ProtoKindName(mod.Signal.Measured.ProtoKind);
+  if (!tick.Reading.HasCode()) return heard;
+  const bool isRaw = tick.Reading.Ended == Stage::Raw;
+  heard.Protocol = isRaw ? "RAW" : ProtoKindName(mod.Signal.Measured.ProtoKind);
   heard.Code = tick.Reading.Digits;
   heard.Command = tick.Dispatched.Reference;
   return heard;
@@ -64,7 +68,7 @@ std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std
     if (last > kMostSlots) return "it is longer than what can be sent";
     slots.append(std::max(last, slots.size()) - slots.size(), length > 0 ? '1' : '0');
   }
-  PutOnAir(line, slots, kSlotOfLengths, carrier, mod.Settings.InterfaceType);
+  PutOnAir(line, BitsToChars(PadToBytes(slots)), kSlotOfLengths, carrier, mod.Settings.InterfaceType);
   return {};
 }
 
@@ -82,8 +86,16 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, params, kind)) return unknown;
   if (mod.Settings.Analysis == Analysis::First) params.SENDAS.clear();
   std::string code = command->Code.substr(1);
+  if (AreRawDigits(code)) {
+    const RawSignal* raw = FindRawSignal(mod.Store, command->Code);
+    if (raw == nullptr) return "the lengths of " + std::string(reference) + " are missing or damaged";
+    toggle = !toggle;
+    const RawLengths& form = raw->Forms[toggle ? 0 : raw->Forms.size() - 1];
+    PutOnAir(line, RawSlotBytes(form), kRawSlot, params.Carrier, mod.Settings.InterfaceType);
+    return {};
+  }
   const std::string slots = BuildSendBits(code, kind, params, toggle);
-  PutOnAir(line, slots, params.SENDPLS, params.Carrier, mod.Settings.InterfaceType);
+  PutOnAir(line, BitsToChars(PadToBytes(slots)), params.SENDPLS, params.Carrier, mod.Settings.InterfaceType);
   return {};
 } catch (const Failure& tooLong) {
   return tooLong.what();

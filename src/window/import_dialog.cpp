@@ -16,20 +16,23 @@ std::string FateOf(const PlannedKey& key) {
 
 }  // namespace
 
-ImportDialog::ImportDialog(const std::string& text, std::vector<ImportedFile> files)
-    : text_(text), files_(std::move(files)) {
+ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> files)
+    : text_(store.CfgText), raw_(store.Raw), files_(std::move(files)) {
   SetTitle("Import");
   AllButton.OnClick = [this] { AllButton_Click(); };
   NoneButton.OnClick = [this] { NoneButton_Click(); };
   ImportButton.OnClick = [this] { ImportButton_Click(); };
   CancelButton.OnClick = [this] { CancelButton_Click(); };
-  for (const PlannedKey& key : PlanImport(text_, files_, {}).Keys) {
+  for (const PlannedKey& key :
+       PlanImport(text_, files_, {.Section = {}, .Shadowed = false, .Raw = &raw_, .Wants = {}}).Keys) {
     const bool isNew = key.Fate == KeyFate::Stored;
     keys_.push_back(key.Key);
     fates_.push_back(isNew ? std::string(kLeftOut) : FateOf(key));
     rows_.push_back({.Key = key.Key->Name.value_or(""),
                      .Command = key.Reference(),
-                     .Code = key.Key->Coded ? "G" + key.Digits() : "",
+                     .Code = key.IsRaw        ? "raw"
+                             : key.Key->Coded ? "G" + key.Digits()
+                                              : "",
                      .Fate = {},
                      .MayTick = isNew || key.Fate == KeyFate::Shadowed,
                      .Ticked = isNew});
@@ -43,9 +46,10 @@ ImportPlan ImportDialog::PlanFor(const std::string& text) const {
     if (rows_[row].Ticked) ticked.insert(keys_[row]);
   }
   // A shadowed key that is ticked is wanted.
-  return PlanImport(text, files_, {.Section = {}, .Shadowed = true, .Wants = [&](const RemoteKey& key) {
-                                     return ticked.count(&key) > 0;
-                                   }});
+  return PlanImport(text, files_,
+                    {.Section = {}, .Shadowed = true, .Raw = &raw_, .Wants = [&](const RemoteKey& key) {
+                       return ticked.count(&key) > 0;
+                     }});
 }
 
 void ImportDialog::Tick(std::size_t row, bool ticked) {

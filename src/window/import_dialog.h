@@ -27,8 +27,8 @@ class ImportDialog : public ui::Window {
   static constexpr std::array<std::string_view, 4> kHeadings = {"Key", "Command", "Code",
                                                                 "What becomes of it"};
 
-  /// @param text of the configuration
-  ImportDialog(const std::string& text, std::vector<ImportedFile> files);
+  /// @param store that outlives the dialog
+  ImportDialog(const CfgStore& store, std::vector<ImportedFile> files);
   ImportDialog(const ImportDialog&) = delete;
   ImportDialog& operator=(const ImportDialog&) = delete;
 
@@ -55,6 +55,7 @@ class ImportDialog : public ui::Window {
   void Show();
 
   const std::string text_;
+  const RawStore& raw_;
   const std::vector<ImportedFile> files_;
   std::vector<const RemoteKey*> keys_;  // of the rows
   std::vector<std::string> fates_;      // of the rows that are not ticked

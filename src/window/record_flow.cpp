@@ -242,6 +242,7 @@ void RecordFlow::ShowRawSignal(const RawSignal& signal, Verdict verdict, const F
     (i % 2 == 0 ? ones : zeros).push_back((lengths[i] + kNominalSampleTime / 2) / kNominalSampleTime);
   }
   mod_.Signal.Measured.ProtoKind = kUnknown;
+  mod_.Signal.SendAs.clear();
   fields_.SendPulse.SetText(std::to_string(*std::min_element(lengths.begin(), lengths.end())));
   fields_.GProt.SetText("RAW");
   fields_.GProt.SetBackColour(ui::kGreen);

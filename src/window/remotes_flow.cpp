@@ -32,7 +32,7 @@ void RemotesFlow::Import() {
   if (!files_.Open || !files_.Pick || !dialogue_.Told([&] { opened = files_.Open(); }) || !opened) return;
   TellAll(opened->Complaints, "Some of it cannot be read.");
   TakeInOtherText(store_);
-  ImportDialog dialog(store_.CfgText, std::move(opened->Files));
+  ImportDialog dialog(store_, std::move(opened->Files));
   if (dialog.Rows().empty()) {
     dialogue_.Tell("There are no keys in it.");
     return;
@@ -49,7 +49,7 @@ void RemotesFlow::Store(const ImportDialog& dialog) {
     ImportPlan plan = dialog.PlanFor(store_.CfgText);
     if (plan.Sections.empty()) return;
     section = plan.Sections.front();
-    ReplaceAndSave(store_, std::move(plan.Text));
+    StoreImport(store_, std::move(plan));
   });
   if (changed) commands_.ShowProtocol(section);
 }
@@ -61,7 +61,7 @@ void RemotesFlow::Export() {
   }
   std::vector<std::string> lost;
   const bool done = dialogue_.Told([&] {
-    const Remote remote = RemoteOfSection(store_.CfgText, store_.CurProtocol, {});
+    const Remote remote = RemoteOfSection(store_.CfgText, store_.CurProtocol, {}, &store_.Raw);
     if (remote.Keys.empty())
       throw Failure(0, "The protocol " + store_.CurProtocol + " has no commands to export.");
     if (files_.Save) lost = files_.Save({remote});

@@ -100,6 +100,7 @@ void SendFlow::SendRaw(const RawSignal& signal) {
   const RawLengths& lengths = signal.Forms[rawSent_++ % signal.Forms.size()];
   const ui::WaitNotice notice(window_, "Sending the command.");
   beeper_.Beep(5000, 50);
+  line_.SetCarrier(IsRecorded(mod_.Store.CurProtocol) ? kUsualCarrier : mod_.ProtocolParams.Carrier);
   line_.IRSend(RawSlotBytes(lengths), kRawSlot, mod_.Settings.InterfaceType);
   beeper_.Beep(2000, 50);
   ShowSent(CaptureOfLengths(lengths));

@@ -11,6 +11,7 @@
 #include "config/sections.h"
 #include "failure.h"
 #include "remote_builder.h"
+#include "remotes/stored_remote.h"
 
 namespace keplo::tests {
 namespace {
@@ -134,7 +135,8 @@ TEST(ImportPlan, TellsCodesThatMeet) {
             "Long ->  shadowed: the code begins with that of Old&TV\n"
             "Short ->  shadowed: the code is the beginning of that of Old&TV\n"
             "Few ->  a code of 4 digits is too short; expected 5 or more\n");
-  const ImportPlan all = PlanImport(text, files, {.Section = {}, .Shadowed = true, .Wants = {}});
+  const ImportPlan all =
+      PlanImport(text, files, {.Section = {}, .Shadowed = true, .Raw = nullptr, .Wants = {}});
   EXPECT_EQ(all.Count(KeyFate::Stored), 3U);
   EXPECT_EQ(Commands(all.Text, "Mine-2"), "Long Short");
 }
@@ -146,14 +148,44 @@ TEST(ImportPlan, PutsKeysIntoASectionThatSendsThem) {
   const auto files =
       File("Other", {Key("1", Digits(1)), Key("test", Digits(2)), Key("S", "101010010000", "SONY")});
   const ImportPlan plan =
-      PlanImport(Config(mine), files, {.Section = "Mine", .Shadowed = false, .Wants = {}});
+      PlanImport(Config(mine), files, {.Section = "Mine", .Shadowed = false, .Raw = nullptr, .Wants = {}});
   EXPECT_EQ(Commands(plan.Text, "Mine"), "KEY_1 KEY_test") << "test is a word of the description";
   EXPECT_EQ(plan.Keys[2].Reason, "the patterns of [Mine] do not send it");
   ExpectHolds(plan);
   for (const char* section : {"Template", "Recorded", "Nobody"}) {
-    EXPECT_THROW(PlanImport(kEmpty, files, {.Section = section, .Shadowed = false, .Wants = {}}), Failure)
+    EXPECT_THROW(
+        PlanImport(kEmpty, files, {.Section = section, .Shadowed = false, .Raw = nullptr, .Wants = {}}),
+        Failure)
         << section;
   }
+}
+
+TEST(ImportPlan, KeepsTheLengthsOfWhatNoDigitsSay) {
+  RemoteKey cool;
+  cool.Name = "Cool";
+  cool.Carrier = 38'000;
+  for (int i = 0; i < 40; ++i)
+    cool.Lengths.insert(cool.Lengths.end(), {i % 5 == 0 ? 1200 : 450, i % 3 == 0   ? 1300
+                                                                      : i % 2 == 0 ? 900
+                                                                                   : 420});
+  RemoteKey again = cool;
+  again.Name = "Again";
+  for (std::size_t i = 0; i < again.Lengths.size(); ++i) again.Lengths[i] += i % 4 < 2 ? 20 : -20;
+  const Imported imported(kEmpty, File("Mine", {Key("POWER", Digits(1)), cool, again}));
+  EXPECT_EQ(imported.Plan.Keys[2].Reason, "known: the code is that of Mine&Cool");
+  Stored stored(kEmpty);
+  StoreImport(stored.Store, imported.Plan);
+  EXPECT_EQ(Commands(stored.File(), "Mine"), "POWER Cool");
+  CfgStore read(stored.Store.Path, stored.Disk);
+  LoadConfig(read);
+  const Remote remote = RemoteOfSection(read.CfgText, "Mine", {}, &read.Raw);
+  cool.Lengths.pop_back();
+  EXPECT_EQ(remote.Keys[1].Lengths, cool.Lengths);
+  const auto files = File("Mine", {cool});
+  EXPECT_EQ(PlanImport(read.CfgText, files, {.Section = {}, .Shadowed = false, .Raw = &read.Raw, .Wants = {}})
+                .Keys.front()
+                .Reason,
+            "known: the code is that of Mine&Cool");
 }
 
 TEST(ImportPlan, KeepsTheProtocolThatTheWindowStartsWith) {

@@ -86,7 +86,8 @@ void LircLine::WriteCarrier() {
 }
 
 void LircLine::SetCarrier(std::int32_t hertz) {
-  if (!device_ || std::exchange(carrier_, hertz) == hertz) return;
+  const bool isSame = std::exchange(carrier_, hertz) == hertz;
+  if (!device_ || isSame) return;
   if (abilities_.SetsCarrier) {
     WriteCarrier();
   } else if (abilities_.Sends) {
