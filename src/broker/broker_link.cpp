@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <optional>
 #include <random>
 #include <set>
@@ -58,6 +59,7 @@ class Connector {
       login.ProtocolVersion = version_;
       Session session(settings_, topics_, login, *mailbox_, pressesUnheard_);
       session.WhenUp = [this] { TellUp(); };
+      session.WhenAnswering = [this] { TellDropped(); };
       const auto refusal = session.Run();
       upSince = session.UpSince();
       return refusal;
@@ -67,13 +69,19 @@ class Connector {
   }
 
   void TellUp() {
-    const std::size_t dropped = mailbox_->DroppedPresses() - droppedBefore_;
-    std::string text =
-        "Connected to the broker at " + settings_.Host + " port " + std::to_string(settings_.Port) + ".";
-    if (dropped > 0) text += " Meanwhile " + std::to_string(dropped) + " key presses were not told.";
-    droppedBefore_ += dropped;
     // Thrown off again and again, the text would come as often.
-    if (!told_ || *told_ != Trouble::TakenOver) mailbox_->PutReport({LogLevel::Notice, text});
+    if (told_ == Trouble::TakenOver) return;
+    mailbox_->PutReport({LogLevel::Notice, "Connected to the broker at " + settings_.Host + " port " +
+                                               std::to_string(settings_.Port) + "."});
+    TellDropped();
+  }
+
+  void TellDropped() {
+    const std::size_t dropped = mailbox_->DroppedPresses() - droppedBefore_;
+    if (dropped == 0) return;
+    droppedBefore_ += dropped;
+    mailbox_->PutReport({LogLevel::Warning,
+                         std::to_string(dropped) + " key presses were not told while the broker was away."});
   }
 
   /// Tells what has happened, unless it was told already.
@@ -102,10 +110,10 @@ class Connector {
   /// A broker of before MQTT 5 refuses it, or hangs up on it; the other version is tried then.
   /// @return whether to try at once
   bool KnowsOlderProtocol(const Refusal& refusal, bool wasUp) {
-    if (wasUp) return false;
     const bool hungUp = refusal.Kind == Trouble::Unreachable && refusal.Detail == kHangsUp;
-    if (refusal.Kind != Trouble::OtherProtocol && !hungUp) return false;
-    version_ = version_ == 5 ? 4 : 5;
+    const bool mayBeOld = !wasUp && (refusal.Kind == Trouble::OtherProtocol || hungUp);
+    // A later connection begins with MQTT 5 again: it may have been no more than a broker that was stopped.
+    version_ = mayBeOld && version_ == 5 ? 4 : 5;
     return version_ == 4;
   }
 
@@ -148,10 +156,15 @@ BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identi
     : mailbox_(std::make_shared<Mailbox>(std::move(wake))) {
   std::promise<void> ended;
   ended_ = ended.get_future();
+  // Signals are the business of the program's own threads.
+  sigset_t all, before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
   thread_ = std::thread([settings, identity, mailbox = mailbox_, ended = std::move(ended)]() mutable {
     Connector(settings, identity, mailbox).Run();
     ended.set_value();
   });
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 BrokerLink::~BrokerLink() {

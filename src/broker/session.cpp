@@ -10,6 +10,8 @@
 #include <random>
 #include <utility>
 
+#include "broker/messages.h"
+
 namespace keplo::broker {
 
 namespace {
@@ -110,7 +112,7 @@ void Session::OnConnectAnswer(int reason) {
   if (WhenUp) WhenUp();
   Subscribe(topics_.Birth(), /*asPublished=*/false);
   // What an earlier run has announced, for what of it is gone.
-  Subscribe(topics_.Device(), /*asPublished=*/true);
+  Subscribe(topics_.Device(), /*asPublished=*/false);
   if (settings_.Send) Subscribe(topics_.Send(), /*asPublished=*/true);
   AnnounceAll();
 }
@@ -148,7 +150,9 @@ void Session::OnSubscribed(int message, bool granted) {
 
 void Session::OnUnsubscribed(int message) {
   lastHeard_ = Clock::now();
-  if (question_ == message) question_.reset();
+  if (question_ != message) return;
+  question_.reset();
+  if (WhenAnswering) WhenAnswering();
 }
 
 void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
@@ -157,14 +161,13 @@ void Session::OnMessage(std::string_view topic, std::string_view payload, bool r
     return;
   }
   if (topic == topics_.Device()) {
-    if (!retained || announced_.empty()) return;
-    if (const auto removal = RemovalMessage(payload, announced_)) {
-      Publish({topics_.Device(), *removal, true});
-      Publish({topics_.Device(), announced_, true});
-    }
+    if (!retained) return;
+    earlier_ = payload;
+    if (!announced_.empty()) RemoveWhatIsGone();
     return;
   }
-  mailbox_.PutIncoming({std::string(topic), std::string(payload), retained});
+  // One byte more than is taken is enough to refuse it by.
+  mailbox_.PutIncoming({std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
 }
 
 void Session::Subscribe(const std::string& topic, bool asPublished) {
@@ -178,7 +181,7 @@ void Session::Publish(const Publication& publication) {
   const int error = client_.Publish(publication, message);
   if (error == MOSQ_ERR_OVERSIZE_PACKET) {
     TellRefused("take the message for ", publication.Topic,
-                std::to_string(publication.Payload.size()) + " bytes are too many");
+                std::to_string(publication.Payload.size()) + " bytes are too many", Trouble::TooLarge);
     return;
   }
   Check(error);
@@ -194,11 +197,19 @@ void Session::AnnounceAll() {
 
 void Session::AnnounceDevice(const std::string& message) {
   if (message.empty()) return;
-  if (!announced_.empty()) {
-    if (const auto removal = RemovalMessage(announced_, message)) Publish({topics_.Device(), *removal, true});
-  }
-  Publish({topics_.Device(), message, true});
+  if (!announced_.empty()) earlier_ = announced_;
   announced_ = message;
+  if (!RemoveWhatIsGone()) Publish({topics_.Device(), announced_, true});
+}
+
+/// Takes out of Home Assistant what the broker had of us and is there no more.
+/// @return whether there was such; the device is told then
+bool Session::RemoveWhatIsGone() {
+  const auto removal = RemovalMessage(earlier_, announced_);
+  if (!removal) return false;
+  Publish({topics_.Device(), *removal, true});
+  Publish({topics_.Device(), announced_, true});
+  return true;
 }
 
 void Session::TakeNews() {
@@ -240,7 +251,7 @@ void Session::SendNow(News news) {
   }
   Drop(news);
   if (error == MOSQ_ERR_OVERSIZE_PACKET) {
-    TellRefused("take the message for ", topic, "it is too large");
+    TellRefused("take the message for ", topic, "it is too large", Trouble::TooLarge);
   } else {
     Check(error);
   }
@@ -267,11 +278,12 @@ void Session::SayGoodbye() {
   if (client_.WantsWrite()) client_.Write();
 }
 
-void Session::TellRefused(const std::string& what, const std::string& topic, const std::string& reason) {
+void Session::TellRefused(const std::string& what, const std::string& topic, const std::string& reason,
+                          Trouble kind) {
   if (!toldRefused_.insert(what + topic).second) return;
   std::string detail = what + topic;
   if (!reason.empty()) detail += ": " + reason;
-  mailbox_.PutReport({LogLevel::Warning, TextOf({Trouble::NotAuthorized, detail}, settings_)});
+  mailbox_.PutReport({LogLevel::Warning, TextOf({kind, detail}, settings_)});
 }
 
 }  // namespace keplo::broker

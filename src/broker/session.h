@@ -34,6 +34,9 @@ class Session : private ClientEvents {
   /// Runs when the broker has let us in.
   std::function<void()> WhenUp;
 
+  /// Runs when the broker answers again after a question.
+  std::function<void()> WhenAnswering;
+
   /// Runs the connection.
   /// @return why it ended; none if the mailbox was closed
   std::optional<Refusal> Run();
@@ -59,6 +62,7 @@ class Session : private ClientEvents {
   void Subscribe(const std::string& topic, bool asPublished);
   void AnnounceAll();
   void AnnounceDevice(const std::string& message);
+  bool RemoveWhatIsGone();
   void Publish(const Publication& publication);
   void TakeNews();
   void SendNews();
@@ -66,7 +70,8 @@ class Session : private ClientEvents {
   void Drop(const News& news);
   void SayGoodbye();
   void Check(int error);
-  void TellRefused(const std::string& what, const std::string& topic, const std::string& reason);
+  void TellRefused(const std::string& what, const std::string& topic, const std::string& reason,
+                   Trouble kind = Trouble::NotAuthorized);
 
   const BrokerSettings& settings_;
   const Topics& topics_;
@@ -77,6 +82,7 @@ class Session : private ClientEvents {
   std::optional<Refusal> refusal_;
   const Clock::time_point begun_ = Clock::now();
   std::optional<Clock::time_point> upSince_, lastHeard_, announceAt_;
+  std::string earlier_;                 // the device as the broker had it at first
   std::string announced_;               // the device as the broker has it from us
   std::deque<News> waiting_;            // for the broker's sign of life
   std::optional<int> question_;         // that asks for it

@@ -30,7 +30,7 @@ class PortLine : public DeviceLine {
   /// The open port and its device, or why there is none, in a sentence for a person.
   std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
-  bool Sent() const override { return !device_ || device_->Sent(); }
+  bool Sent() const override { return device_ ? device_->Sent() : line_ != nullptr; }
   std::optional<int> ModemLines() override { return device_ ? device_->ModemLines() : std::nullopt; }
   int WakeDescriptor() override;
   std::chrono::milliseconds MayRest() override;
