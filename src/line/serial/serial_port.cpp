@@ -18,7 +18,7 @@ namespace {
 constexpr int kOpenAttempts = 2;
 /// Longer than any driver's buffer takes to run empty: a port that takes nothing for so long is gone.
 constexpr std::chrono::seconds kLongestWait{2};
-constexpr int kLook = 50;  // milliseconds between two looks whether the program is to end
+constexpr int kStopLook = 50;  // milliseconds between two looks whether the program is to end
 
 std::string WhyNotOpened(const std::string& device, int error) {
   if (error == EBUSY || error == EWOULDBLOCK) return WhyBusy(device, HolderOfDevice(device));
@@ -133,7 +133,7 @@ bool SerialPort::WriteAll(const std::string& bytes) const {
       return true;
     }
     pollfd room = {Descriptor(), POLLOUT, 0};
-    calls_.Poll(&room, 1, kLook);
+    calls_.Poll(&room, 1, kStopLook);
     if ((room.revents & (POLLHUP | POLLERR)) != 0) return false;
   }
   return true;
