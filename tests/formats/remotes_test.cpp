@@ -204,6 +204,7 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
        "no TOML"},
       {"what the parser of TOML asserts", "keymap", "[[[protocols]]]\n", "no TOML"},
       {"brackets in YAML", "esphome", "a: " + std::string(1'000'000, '['), "brackets in a row"},
+      {"a text in which YAML finds no last document", "esphome", ", a\n", "there is no key"},
       {"more of it than is read", "esphome", std::string(2'000'000, 'a'), "larger than"},
       {"an entity bomb", "girr",
        "<!DOCTYPE a [<!ENTITY b \"cc\">]><remotes><remote><command name=\"&b;\"/></remote></remotes>",

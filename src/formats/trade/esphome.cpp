@@ -246,8 +246,8 @@ void ReadYaml(std::string_view text, const std::string& path, RemoteFile& file) 
                   "found more than " + std::to_string(kDeepestNode) + " brackets in a row, expected fewer");
   }
   try {
-    YamlReader reader(path, file);
-    for (const YAML::Node& document : YAML::LoadAll(std::string(text))) reader.Walk(document, "", 0);
+    // A configuration is one document, and some wrong texts have no last one.
+    YamlReader(path, file).Walk(YAML::Load(std::string(text)), "", 0);
   } catch (const YAML::Exception& error) {
     FileReading(path, file).Complain(std::max(error.mark.line, 0) + 1, "no YAML: " + error.msg);
   }
