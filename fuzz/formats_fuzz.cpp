@@ -11,7 +11,7 @@ void GoRound(const keplo::RemoteFile& file) {
   for (const keplo::Remote& remote : file.Remotes) {
     for (const keplo::RemoteKey& key : remote.Keys) {
       if (!key.Skipped.empty() == (key.Coded || !key.Lengths.empty())) __builtin_trap();
-      if (key.Lengths.size() > keplo::kMostLengths * 2) __builtin_trap();
+      if (key.Lengths.size() > keplo::kMostLengths) __builtin_trap();
       if (key.Coded) keplo::PatternsOf(key.Coded->Code);
     }
   }

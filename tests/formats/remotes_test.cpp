@@ -184,6 +184,8 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
   };
   const std::string flipper = "Filetype: IR signals file\nVersion: 1\nname: A\ntype: ";
   const std::string lirc = "begin remote\nname r\nbits 8\none 5 9\nzero 5 5\n";
+  std::string ones;
+  for (int i = 0; i < 500; ++i) ones += " 1";
   const Bad rows[] = {
       {"no known format", "", "hello\n", "tried were flipper, lirc"},
       {"a byte of value 0", "", "name: A\n\0"s, "x, line 2: found a byte of value 0"},
@@ -196,6 +198,8 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
       {"an include that leads out", "lirc", "include \"/etc/passwd\"\n",
        "expected a file in the same folder"},
       {"a code that is none", "", lirc + "begin codes\nA 0xZ\nend codes\nend remote\n", "found \"0xZ\""},
+      {"a press of too many codes", "", lirc + "begin codes\nA" + ones + "\nend codes\nend remote\n",
+       "more than 4096 lengths"},
       {"a remote without an end", "", lirc + "begin codes\nA 1\n", "expected \"end remote\""},
       {"cut base64", "", R"({"commands":{"a":"JgBQAAABH"}})", "is cut"},
       {"a radio code", "", R"({"commands":{"a":"sgAEAAEBAQE="}})", "for radio"},

@@ -207,6 +207,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   };
   PulseTrain::size_type start = 0;
   for (const std::uint64_t value : code.Values) {
+    if (key.Lengths.size() > kMostLengths) break;
     Append(key.Lengths, remote.Gap, remote.ConstLength, frameOf(value), start);
   }
   if (turned.find('1') != std::string::npos) {

@@ -13,6 +13,10 @@ constexpr std::string_view kAllBlanks = " \t\r\n\f\v";
 constexpr std::size_t kLongestQuoted = 40;  // characters of a wrong word that a text repeats
 constexpr int kUsualSilence = 40'000;       // microseconds
 
+std::string TooManyLengths() {
+  return "more than " + std::to_string(kMostLengths) + " lengths, which no sender plays";
+}
+
 char LowerChar(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 
 }  // namespace
@@ -108,6 +112,7 @@ std::string NameOfPath(const std::string& path) {
 void FileReading::BeginRemote(std::string name) { file_.Remotes.push_back({std::move(name), {}}); }
 
 void FileReading::Add(RemoteKey key) {
+  if (key.Lengths.size() > kMostLengths) return Skip(std::move(key), TooManyLengths());
   if (file_.Remotes.empty()) BeginRemote(NameOfPath(path_));
   if (keys_ == kMostKeys) {
     if (!full_) {
@@ -137,7 +142,7 @@ void LengthList::Add(std::int64_t length) {
     Refuse("found a length of " + std::to_string(length) + ", expected 1 to " +
            std::to_string(kLongestPulse) + " microseconds");
   } else if (lengths_.size() == kMostLengths) {
-    Refuse("more than " + std::to_string(kMostLengths) + " lengths, which no sender plays");
+    Refuse(TooManyLengths());
   } else {
     lengths_.push_back(static_cast<int>(length));
   }
