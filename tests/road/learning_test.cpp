@@ -52,14 +52,16 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
     return Quoted(install.Write(name, text));
   };
   const std::string a = press("a.mode2", RawPress(cool, 0)), b = press("b.mode2", RawPress(cool, 90));
-  const std::string c = press("c.mode2", RawPress(heat, 0)), named = " --name 'NEC&COOL'";
+  const std::string c = press("c.mode2", RawPress(heat, 0)), d = press("d.mode2", RawPress(heat, 90)),
+                    named = " --name 'NEC&COOL'";
   const std::string sent = Quoted(install.File("sent.mode2"));
   ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
                        {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
                        {"learn" + a + c + named, 1, {"give two of each"}},
                        {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "43 lengths"}},
                        {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
-                       {"learn" + c + c + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
+                       {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},
+                       {"learn" + c + d + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
                        {"decode --json" + b, 0, {R"("stage":"raw","protocol":"RAW")"}},
                        {"record" + c, 0, {", known as NEC&HEAT"}},
                        {"events add 'NEC&COOL' --name Colder", 0, {}},
