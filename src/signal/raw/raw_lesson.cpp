@@ -39,14 +39,14 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
 
 }  // namespace
 
-bool RawLesson::Hear(const HeardLengths& heard, bool asSent) {
+bool RawLesson::Hear(const HeardLengths& heard) {
   std::optional<LeveledSignal> signal = FindLevels(heard);
   if (!signal) return false;
   const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {
     return CompareRaw(heard, form.Signal.Lengths) == RawFit::Exact;
   });
   order_.push_back(static_cast<std::size_t>(known - forms_.begin()));
-  const bool repeats = asSent && SendsFrameTwice(heard, signal->Lengths);
+  const bool repeats = SendsFrameTwice(heard, signal->Lengths);
   if (known == forms_.end()) forms_.push_back({std::move(*signal)});
   Form& form = forms_[order_.back()];
   ++form.Presses;

@@ -22,9 +22,8 @@ class RawLesson {
   };
 
   /// Takes a press into account.
-  /// @param asSent whether repeats in it are the remote's own
   /// @return false for one that is no clean signal, which changes nothing
-  bool Hear(const HeardLengths& heard, bool asSent = true);
+  bool Hear(const HeardLengths& heard);
 
   /// The forms that were heard, in the order of their first press.
   const std::vector<Form>& Forms() const { return forms_; }
