@@ -124,7 +124,7 @@ TEST_F(EventDialog, OpensWithoutASelectionForADeadReference) {
   for (const auto& [reference, protocol] : std::vector<std::pair<std::string, std::string>>{
            {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"SONY&UP", "NEC"}}) {
     event_ = {"7", "Lamp", "hall", reference, true, 0};
-    EXPECT_FALSE(Show(1, [&](frmEvent& dialog) {
+    EXPECT_FALSE(Show(1, [reference = reference, protocol = protocol](frmEvent& dialog) {
       EXPECT_EQ(dialog.Protocol.Text(), protocol) << reference;
       EXPECT_EQ(dialog.SendCmd.Text(), "") << reference;
       EXPECT_EQ(dialog.EventName.Text(), "Lamp") << reference;
