@@ -67,7 +67,7 @@ void TryToConnect(const addrinfo* addresses) {
 }
 
 /// A short connection in which one thing is done after the other. What fails is thrown as a Refusal.
-class Conversation : private ClientEvents {
+class Conversation final : private ClientEvents {
  public:
   Conversation(const BrokerSettings& settings, const Topics& topics, int version)
       : settings_(settings), version_(version), client_(settings, LoginOf(settings, topics, version), *this) {
