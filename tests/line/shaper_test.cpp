@@ -104,6 +104,10 @@ TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
     press.erase(press.begin() + 10, press.begin() + 12);
     return press;
   };
+  const auto begunLate = [](PulseTrain press) {
+    press.front() -= 600;
+    return press;
+  };
   struct Case {
     std::string Name;
     PulseTrain Whole, Press;
@@ -113,7 +117,7 @@ TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
       {"a whole press", sony, sony, 3},
       {"two glitches", rc5, glitched(rc5), 3},
       {"SONY begun late", sony, {sony.begin() + 6, sony.end()}, 2},
-      {"RC5 begun late", rc5, {rc5.begin() + 6, rc5.end()}, 2},
+      {"RC5 begun within its first mark", rc5, begunLate(rc5), 3},
       {"SONY ended early", sony, {sony.begin(), sony.end() - 7}, 2},
       {"RC5 ended early", rc5, {rc5.begin(), rc5.end() - 7}, 2},
       {"a damaged frame", sony, damaged(sony), 2},

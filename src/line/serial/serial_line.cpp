@@ -7,6 +7,7 @@
 
 #include "line/device_access.h"
 #include "line/held_signals.h"
+#include "line/kept_capture.h"
 #include "line/press_capture.h"
 #include "line/real_time.h"
 #include "line/serial/dcd_sampler.h"
@@ -242,7 +243,9 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   // The signal has changed, and a driver that tells edges would have told it.
   if (watch_ && !allLight && !watch_->Proven()) watch_.reset();
   log_.Clear();
-  CopySignal(samples, buffer);
+  // Only lengths can be freed of what the receiver did to them.
+  const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
+  CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
   return true;
 }
 

@@ -1,6 +1,7 @@
 #include "line/shaping/clean_press.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -28,12 +29,20 @@ bool IsHeadOf(FrameUnits units, FrameUnits other) {
   return units.size() < other.size() && std::equal(units.begin(), units.end() - 1, other.begin());
 }
 
-void LeaveOutCutFrames(std::vector<MeasuredFrame>& frames) {
-  if (frames.size() > 1 && IsTailOf(frames[0].Units, frames[1].Units)) frames.erase(frames.begin());
+/// A biphase frame whose head is cut stays: it is the second one that is read, and a buffer has no third.
+void LeaveOutCutFrames(std::vector<MeasuredFrame>& frames, const LineUnits& code) {
+  const bool headless = frames.size() > 1 && IsTailOf(frames[0].Units, frames[1].Units);
+  if (headless && code != kBiphase) frames.erase(frames.begin());
   if (frames.size() > 1 && Whole(frames.back()) &&
       IsHeadOf(frames.back().Units, frames[frames.size() - 2].Units)) {
     frames.pop_back();
   }
+}
+
+/// Gives the first mark back what it lost when the press began unseen, if it can only have been a single one.
+void MendFirstMark(const PressTiming& timing, PulseTrain& press) {
+  if (timing.Code != kBiphase || timing.OnAir(0, press.front()) >= timing.Unit) return;
+  press.front() = static_cast<int>(std::lround(timing.Unit + timing.Excess));
 }
 
 }  // namespace
@@ -55,12 +64,15 @@ void RemoveGlitches(Pulses press, PulseTrain& smooth) {
 void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {
   RemoveGlitches(press, space.Smooth);
   SplitFrames(space.Smooth, space.Frames);
-  const std::optional<PressTiming> timing = MeasurePress(space.Frames);
+  std::optional<PressTiming> timing = MeasurePress(space.Frames);
+  // A first mark that is cut spoils the measure of all.
+  if (!timing && space.Frames.size() > 1) timing = MeasurePress(std::span(space.Frames).subspan(1));
   if (!timing) {
     clean = space.Smooth;
     return;
   }
 
+  MendFirstMark(*timing, space.Smooth);
   std::vector<MeasuredFrame>& sound = space.Sound;
   sound.clear();
   space.Units.resize(space.Smooth.size());
@@ -70,7 +82,7 @@ void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {
     sound.push_back({frame, {units, frame.Runs.size()}});
     units += frame.Runs.size();
   }
-  LeaveOutCutFrames(sound);
+  LeaveOutCutFrames(sound, timing->Code);
   if (std::none_of(sound.begin(), sound.end(), Whole)) {
     clean = space.Smooth;
     return;
