@@ -10,9 +10,6 @@ namespace keplo {
 
 namespace {
 
-constexpr std::string_view kNoDevices =
-    "there is no receiver on the line, so nothing will be heard; --replay FILE plays recordings";
-
 /// What stands in for a line that does not transmit either.
 std::string DescribeReplay(const ReplayLine& line, bool hasRecordings) {
   if (!hasRecordings) {
@@ -49,13 +46,7 @@ OpenedLine OpenReplay(const LineSpec& spec, const std::int16_t& receiverKind) {
 OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
                     const std::int16_t& receiverKind, TellUser tell) {
   if (!spec.ReplayFiles.empty() || !spec.Ports.empty()) return OpenReplay(spec, receiverKind);
-  const PortMap map = LoadPortMap(appPath);
-  if (map.Ports.empty() && map.Mistakes.empty()) {
-    OpenedLine standIn = OpenReplay(spec, receiverKind);
-    standIn.Remarks = {std::string(kNoDevices)};
-    return standIn;
-  }
-  std::vector<std::string> mistakes = map.Mistakes;
+  std::vector<std::string> mistakes = LoadPortMap(appPath).Mistakes;
   auto line = std::make_unique<PortLine>(
       std::make_unique<KernelCalls>(), [appPath] { return LoadPortMap(appPath); }, receiverKind, spec.Options,
       std::move(tell));

@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kNothingToWatch{60'000};
 constexpr std::chrono::seconds kLookAgain{2};  // for the device of a port that has none
+constexpr const char* kNoDevices =
+    "There is no receiver and no transmitter: nothing will be heard, and what is sent goes nowhere. Plug one "
+    "in, or play recordings with --replay FILE.";
 
 }  // namespace
 
@@ -64,13 +67,7 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
   CloseCom();
   const auto mapped = std::find_if(map_.Ports.begin(), map_.Ports.end(),
                                    [port](const MappedPort& candidate) { return candidate.Port == port; });
-  if (mapped == map_.Ports.end()) {
-    whyNot_ =
-        "COM " + std::to_string(port) + " has no device on this machine. keplo ports lists those that have.";
-    missing_ = asked;
-    nextLook_ = calls_->Now() + kLookAgain;
-    return 0;
-  }
+  if (mapped == map_.Ports.end()) return DoWithout(asked, port);
   try {
     line_ = MakeLine(*mapped);
   } catch (const Failure& failure) {
@@ -83,14 +80,34 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
   return line_->OpenCom(port);
 }
 
+/// @param asked the number that the device will be opened for when it comes
+/// @return as OpenCom; where there is no device at all, a line that hears nothing stands in, so that all that
+/// needs none can be used
+std::int32_t PortLine::DoWithout(std::int32_t asked, std::int32_t port) {
+  missing_ = asked;
+  nextLook_ = calls_->Now() + kLookAgain;
+  if (!map_.Ports.empty() || !map_.Mistakes.empty()) {
+    whyNot_ =
+        "COM " + std::to_string(port) + " has no device on this machine. keplo ports lists those that have.";
+    return 0;
+  }
+  whyNot_ = kNoDevices;
+  line_ = std::make_unique<ReplayLine>(std::vector<Recording>(), *receiverKind_, options_);
+  return 1;
+}
+
 void PortLine::LookAfterDevice() {
   if (device_) return device_->LookAfterDevice();
   if (!missing_ || calls_->Now() < nextLook_) return;
+  nextLook_ = calls_->Now() + kLookAgain;
   map_ = readMap_();
-  if (OpenCom(*missing_) != 1) return;
-  RTS(-1);
-  TXD(0);
-  if (tell_) tell_(open_);
+  const std::string before = whyNot_;
+  if (OpenCom(*missing_) == 1) {
+    RTS(-1);
+    TXD(0);
+  }
+  // A device that came may be one that does not open yet, or one of another number.
+  if (tell_ && What() != before) tell_(What());
 }
 
 std::string PortLine::What() const {

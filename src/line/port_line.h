@@ -30,7 +30,7 @@ class PortLine : public DeviceLine {
   /// The open port and its device, or why there is none, in a sentence for a person.
   std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }
-  bool Sent() const override { return device_ ? device_->Sent() : line_ != nullptr; }
+  bool Sent() const override { return device_ ? device_->Sent() : line_ && !missing_; }
   std::optional<int> ModemLines() override { return device_ ? device_->ModemLines() : std::nullopt; }
   int WakeDescriptor() override;
   std::chrono::milliseconds MayRest() override;
@@ -61,6 +61,7 @@ class PortLine : public DeviceLine {
  private:
   std::int32_t InPlaceOf(std::int32_t asked);
   std::unique_ptr<Win32Ser> MakeLine(const MappedPort& port);
+  std::int32_t DoWithout(std::int32_t asked, std::int32_t port);
 
   std::unique_ptr<DeviceCalls> calls_;
   DeviceDescriptor wakes_;  // an epoll instance, which stays while devices come and go

@@ -1,0 +1,48 @@
+#include "line/port_line.h"
+
+#include <gtest/gtest.h>
+
+#include "simulated_port.h"
+
+namespace keplo {
+namespace {
+
+TEST(PortLine, FindsTheDeviceOfItsPortHoweverLateItComes) {
+  auto calls = std::make_unique<tests::SimulatedPort>();
+  tests::SimulatedPort& port = *calls;
+  PortMap map;
+  const std::int16_t receiver = 0;
+  std::vector<std::string> told;
+  PortLine line(
+      std::move(calls), [&] { return map; }, receiver, {},
+      [&](const std::string& text) { told.push_back(text); });
+  const auto wait = [&] {
+    const auto rest = line.MayRest();
+    EXPECT_TRUE(rest > std::chrono::milliseconds(100) && rest < std::chrono::seconds(5)) << rest.count();
+    port.SleepUntil(port.Now() + rest);
+    EXPECT_EQ(line.DCD(), 1);
+  };
+  EXPECT_EQ(line.OpenCom(2), 1) << "a machine without any device lets all else be used";
+  line.IRSend("\xFF", 560, 0);
+  EXPECT_FALSE(line.Sent() || line.WhyNot().empty());
+  wait();
+  EXPECT_TRUE(told.empty());
+
+  map.Ports = {{1, MappedPort::Kind::Serial, "/dev/ttySimulated", {}}};
+  wait();
+  wait();
+  const std::string notThat = "COM 2 has no device on this machine. keplo ports lists those that have.";
+  EXPECT_EQ(told, std::vector{notThat});
+  map.Ports.push_back({2, MappedPort::Kind::Serial, "/dev/ttySimulated", {}});
+  port.There = false;
+  wait();
+  EXPECT_EQ(told.back(), line.WhyNot());
+  port.There = true;
+  wait();
+  EXPECT_EQ(told.back(), "/dev/ttySimulated is there now.");
+  EXPECT_EQ(told.size(), 3U);
+  EXPECT_EQ(line.WhyNot(), "");
+}
+
+}  // namespace
+}  // namespace keplo
