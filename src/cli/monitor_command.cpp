@@ -18,6 +18,7 @@
 #include "program/printable.h"
 #include "program/raised_event.h"
 #include "program/stop_signals.h"
+#include "station/changes_watch.h"
 #include "station/silent_boxes.h"
 #include "station/station.h"
 
@@ -65,33 +66,33 @@ void TellLine(LogLevel level, const std::string& text) {
 }
 
 /// @return whether a signal came
-bool WaitForTick(Station& station, const MonitorOptions& options, const StopSignals& stop) {
+bool WaitForTick(Station& station, const MonitorOptions& options, const StopSignals& stop,
+                 const ChangesWatch& changes) {
   const bool hurry = !options.Line.InRealTime && !station.Played();
   if (hurry) return stop.WaitFor(0);
   LineRest* const rest = station.Rest();
   const std::chrono::milliseconds interval(station.Control().Timer1.Interval);
   const auto mayRest = rest == nullptr ? interval : rest->MayRest();
   if (mayRest <= interval) return stop.WaitFor(static_cast<int>(interval.count()));
-  const auto wait = std::min(mayRest, kLookForChanges);
-  return stop.WaitFor(static_cast<int>(wait.count()), rest->WakeDescriptor());
+  const auto wait = std::min(mayRest, changes.MayWait());
+  return stop.WaitFor(static_cast<int>(wait.count()), {rest->WakeDescriptor(), changes.Descriptor()});
 }
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
-void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop) {
-  auto nextLook = std::chrono::steady_clock::now() + kLookForChanges;
+void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop,
+              ChangesWatch& changes) {
   while (!(options.Once && station.Played())) {
-    if (WaitForTick(station, options, stop)) return;
+    if (WaitForTick(station, options, stop, changes)) return;
     station.Control().Timer1.Tick();
-    if (const auto now = std::chrono::steady_clock::now(); now >= nextLook) {
-      station.Control().TakeInChanges();
-      nextLook = now + kLookForChanges;
-    }
+    if (changes.Due()) station.Control().TakeInChanges();
   }
 }
 
 int Monitor(const MonitorOptions& options) {
   PosixFileSystem files;
-  KeploMod mod(RequireInstall(options.AppPath), files);
+  const std::filesystem::path appPath = RequireInstall(options.AppPath);
+  ChangesWatch changes(appPath);
+  KeploMod mod(appPath, files);
   const Log log(TellLine);
   LoggedBoxes boxes(log);
   CancelledEventDialog dialog(log);
@@ -112,7 +113,7 @@ int Monitor(const MonitorOptions& options) {
   const StopSignals stop;
   if (LineRest* const line = station.Rest()) line->Forget();
   control.InputStartMonitoring();
-  RunTicks(station, options, stop);
+  RunTicks(station, options, stop, changes);
   control.InputStopMonitoring();
   control.InputTerminate();
   const PressTally& tally = station.Tally();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <initializer_list>
 #include <vector>
@@ -21,8 +22,9 @@ class StopSignals {
   /// Waits until a signal has come, which stays to be taken.
   /// @return false if none came within the time
   bool WaitFor(int milliseconds) const;
-  /// The same, ended also by something to read from another descriptor; a negative one counts for nothing.
-  bool WaitFor(int milliseconds, int descriptor) const;
+  /// The same, ended also by something to read from one of two descriptors; a negative one counts for
+  /// nothing.
+  bool WaitFor(int milliseconds, std::array<int, 2> descriptors) const;
   /// The number of the next signal that has come; 0 if there is none.
   int Take() const;
 
