@@ -86,14 +86,21 @@ std::string_view NameOf(RepeatKind kind) {
 
 int UnitOf(const Coding& coding) {
   const double pair = coding.Zero.Mark + std::min(coding.Zero.Space, coding.One.Space);
-  for (int parts = 2; parts <= kFinestDivision; ++parts) {
-    const double unit = pair / parts;
-    const auto fits = [&](int length) {
-      return std::abs(length - std::round(length / unit) * unit) < 0.25 * unit + 0.03 * length;
-    };
-    if (fits(coding.Zero.Mark) && fits(coding.Zero.Space) && fits(coding.One.Mark) &&
-        fits(coding.One.Space) && std::lround(coding.Zero.Mark / unit) > 0) {
-      return static_cast<int>(std::lround(unit));
+  const auto fits = [&](double unit, double most) {
+    const std::array lengths = {coding.Zero.Mark, coding.Zero.Space, coding.One.Mark, coding.One.Space};
+    return std::lround(coding.Zero.Mark / unit) > 0 &&
+           std::all_of(lengths.begin(), lengths.end(), [&](int length) {
+             return std::abs(length - std::round(length / unit) * unit) < most * unit + 0.03 * length;
+           });
+  };
+  struct Try {
+    int MostParts;
+    double MostOff;  // of a unit
+  };
+  // Three units of 400 are nearly four of 300: what fits well goes ahead of what is larger.
+  for (const Try& wish : {Try{4, 0.12}, Try{kFinestDivision, 0.25}}) {
+    for (int parts = 2; parts <= wish.MostParts; ++parts) {
+      if (fits(pair / parts, wish.MostOff)) return static_cast<int>(std::lround(pair / parts));
     }
   }
   return std::min({coding.Zero.Mark, coding.Zero.Space, coding.One.Space});

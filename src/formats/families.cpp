@@ -41,7 +41,7 @@ constexpr std::array kFamilies = {
     Family{"JVC", 16, Distance(527, 16, 8), {RepeatKind::Body, 45 * 527, false, {}}, 38'000},
     Family{"AIWA", 42, Distance(550, 16, 8), {RepeatKind::Short, kNecPeriod, true, {8800, 2200}}, 38'000},
     Family{"RCA", 24, Distance(460, 8, 8, 2, 4), FrameBehind(8000), 58'000},
-    Family{"MITSUBISHI", 16, Distance(300, 0, 0, 3, 7), FrameBehind(80 * 300), 33'000},
+    Family{"MITSUBISHI", 16, Distance(300, 0, 0, 3, 7), FrameBehind(80 * 300), 32'600},
 };
 
 bool IsNear(int length, int wanted, int unit) {
@@ -53,9 +53,8 @@ bool IsNear(const Pulse& pulse, const Pulse& wanted, int unit) {
 }
 
 bool HasLengthsOf(const Coding& code, const Coding& wanted) {
-  return code.Line == wanted.Line && IsNear(code.Unit, wanted.Unit, wanted.Unit / 2) &&
-         IsNear(code.Sync, wanted.Sync, wanted.Unit) && IsNear(code.Zero, wanted.Zero, wanted.Unit) &&
-         IsNear(code.One, wanted.One, wanted.Unit);
+  return code.Line == wanted.Line && IsNear(code.Sync, wanted.Sync, wanted.Unit) &&
+         IsNear(code.Zero, wanted.Zero, wanted.Unit) && IsNear(code.One, wanted.One, wanted.Unit);
 }
 
 bool HasDigitsOf(std::string_view digits, const Family& family) {
@@ -99,16 +98,29 @@ std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int>
   again.Kind = RepeatKind::Unknown;
   const Family* const family = FamilyOf(*signal, carrier);
   const bool isNec = family != nullptr && family->Again.Kind == RepeatKind::Short;
-  if (family == nullptr || (heard.Kind != RepeatKind::Unknown && !isNec)) {
+  const bool isTold = heard.Kind == RepeatKind::Short || (heard.Kind != RepeatKind::Unknown && !isNec);
+  if (family == nullptr || isTold) {
     again = heard;
     return signal;
   }
   again = family->Again;
-  if (heard.Gap > 0 && !isNec) {
+  if (heard.Gap > 0 && (!isNec || heard.Kind != RepeatKind::Unknown)) {
     again.Gap = heard.Gap;
     again.FromStart = false;
   }
   return signal;
+}
+
+void TakeParts(PulseTrain once, const PulseTrain& again, RemoteKey& key) {
+  // A part that ends in a mark has no gap behind it to go on from.
+  const bool goesOn = once.size() % 2 == 0 && !again.empty();
+  if (goesOn) once.insert(once.end(), again.begin(), again.end());
+  key.Lengths = std::move(once);
+  if (!goesOn || again.size() % 2 != 0) return;
+  // What is only repeated follows itself.
+  PulseTrain held = key.Lengths;
+  held.insert(held.end(), again.begin(), again.end());
+  key.Coded = ReadPress(held, key.Carrier);
 }
 
 CodedSignal SignalOf(const Family& family, std::string digits) {

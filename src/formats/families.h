@@ -35,6 +35,10 @@ bool HasOwnCarrier(const RemoteKey& key, const Family& family);
 /// @param carrier of the press, Hz
 std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier);
 
+/// Gives the key a press of two parts: what is sent once, and what is sent again while it is held. Either may
+/// be empty, and both end in a space.
+void TakeParts(PulseTrain once, const PulseTrain& again, RemoteKey& key);
+
 CodedSignal SignalOf(const Family& family, std::string digits);
 
 /// Digits one field after another, in the order on air.

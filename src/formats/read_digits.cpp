@@ -15,6 +15,7 @@ constexpr double kGapOverPair =
 constexpr std::size_t kFewestDigits = 8;        // fewer are no message of a remote
 constexpr std::size_t kBiphaseDigitCount = 14;  // of RC5
 constexpr std::size_t kSplash = 3;              // runs of a disturbance ahead of the signal, at most
+constexpr std::size_t kSyncAndDigit = 5;        // runs of a sync, a digit and a closing mark
 constexpr int kLongGap = 20'000;                // microseconds
 constexpr std::size_t kRc5Toggle = 2;           // digit
 
@@ -197,8 +198,9 @@ class PressReader {
     for (const Runs runs : unread_) {
       if (!IsSpoiltFrame(runs)) return std::nullopt;
     }
-    // Without a leader a single frame may have lost its head.
-    const bool proven = frames_ > 1 || signal_.Code.HasSync() || signal_.Code.Line == LineCode::Biphase;
+    // Without a leader a single frame may have lost its head, unless its protocol has none.
+    const bool proven = frames_ > 1 || signal_.Code.HasSync() || signal_.Code.Line == LineCode::Biphase ||
+                        FamilyOf(signal_, {}) != nullptr;
     if (frames_ == 0 || !proven) return std::nullopt;
     if (frames_ > 1 && signal_.Again.Kind == RepeatKind::Unknown) signal_.Again.Kind = RepeatKind::Frame;
     return signal_;
@@ -218,6 +220,7 @@ class PressReader {
       signal_.Again.ShortSync = {runs[0], runs[1]};
       return true;
     }
+    if (frames_ > 0 && IsSignOfRepeat(runs)) return true;
     if (frames_ == 0 && runs.size() <= kSplash && piece.After > kLongGap) return true;
     const std::optional<CodedSignal> frame = ReadFrame(runs);
     usedSingleLeader_ = usedSingleLeader_ || leader_.Mark > 0;
@@ -231,6 +234,13 @@ class PressReader {
   bool IsDitto(Runs runs) const {
     return runs.size() == 3 && signal_.Code.HasSync() && runs[0] > 5 * runs[2] &&
            std::abs(runs[0] - signal_.Code.Sync.Mark) * 5 < signal_.Code.Sync.Mark;
+  }
+
+  /// Some protocols repeat by their sync and one digit, which no section of the store sends.
+  bool IsSignOfRepeat(Runs runs) const {
+    const Pulse& sync = signal_.Code.Sync;
+    return runs.size() == kSyncAndDigit && signal_.Code.HasSync() &&
+           std::abs(runs[0] - sync.Mark) * 5 < sync.Mark && std::abs(runs[1] - sync.Space) * 5 < sync.Space;
   }
 
   std::optional<CodedSignal> ReadFrame(Runs runs) const {

@@ -18,7 +18,7 @@ std::span<const RemoteFormat> AllFormats() {
   using namespace trade;
   static const std::array kAll = {kFlipperFormat, kLircFormat,    kGirrFormat,          kKeymapFormat,
                                   kEsphomeFormat, kTasmotaFormat, kHomeAssistantFormat, kSmartIrFormat,
-                                  kIrdbFormat,    kPulseFormat,   kSignedFormat,        kProntoFormat};
+                                  kIrdbFormat,    kProntoFormat,  kPulseFormat,         kSignedFormat};
   return kAll;
 }
 

@@ -254,6 +254,9 @@ TEST(Remotes, BearWhatPeopleWrite) {
   EXPECT_EQ(CodesOf("<A>\n0000006d0000\n0002 0156 00ab\n0015 05f1\nB: 900a 006c 0000 0001 4000 807f\n"),
             "A= B=00000010000000000000000111111110")
       << "Pronto over lines, without blanks, in lower case";
+  EXPECT_EQ(CodesOf("900A 006C 0000 0001 4000 807F\n\nA: 1 = 900A 006C 0000 0001 4000 807F\n"),
+            "=00000010000000000000000111111110 A: 1=00000010000000000000000111111110")
+      << "Pronto without a name, which is no row of lengths, and behind one with a colon";
   EXPECT_EQ(CodesOf("name: A\ntype: parsed\nprotocol: NEC\naddress: 40 00 00\ncommand: 80 00 00\n"),
             "A=" + nec)
       << "no head, three bytes";

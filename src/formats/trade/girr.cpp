@@ -180,17 +180,8 @@ class GirrReader {
         return "found the frequency " + Quoted(frequency.value()) + ", expected a carrier in Hz";
       key.Carrier = static_cast<int>(*carrier);
     }
-    key.Lengths = intro.Take();
-    const PulseTrain again = repeat.Take();
-    if (key.Lengths.empty() && again.empty()) return "there are no lengths";
-    const bool onlyRepeat = key.Lengths.empty();
-    // A part that ends in a mark has no gap behind it to go on from.
-    if (key.Lengths.size() % 2 == 0) key.Lengths.insert(key.Lengths.end(), again.begin(), again.end());
-    if (onlyRepeat && again.size() % 2 == 0) {
-      PulseTrain twice = again;
-      twice.insert(twice.end(), again.begin(), again.end());
-      key.Coded = ReadPress(twice, key.Carrier);
-    }
+    TakeParts(intro.Take(), repeat.Take(), key);
+    if (key.Lengths.empty()) return "there are no lengths";
     return {};
   }
 

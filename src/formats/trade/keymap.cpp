@@ -43,6 +43,7 @@ std::string ProtocolOf(const std::string& protocol, const std::string& variant, 
   if (family == "nec" || family == "necx" || family == "nec32") {
     return value <= 0xFFFF ? "nec" : value <= 0xFF'FFFF ? "necx" : "nec32";
   }
+  if (family == "rc5" || family == "rc-5") return form.empty() || form == "rc-5" ? "rc5" : form;
   if (!form.empty()) return form;
   if (family == "sony") return (value & 0xFF00U) != 0 ? "sony20" : value > 0x1F'FFFF ? "sony15" : "sony12";
   if (family == "rc6" || family == "rc-6") {
@@ -51,7 +52,7 @@ std::string ProtocolOf(const std::string& protocol, const std::string& variant, 
     if (value <= 0xFF'FFFF) return "rc6_6a_24";
     return value >> 16U == 0x800F ? "rc6_mce" : "rc6_6a_32";
   }
-  return family == "rc-5" ? "rc5" : family;
+  return family;
 }
 
 /// Digits as the section itself describes them.

@@ -32,11 +32,37 @@ std::string Joined(std::string_view line) {
   return digits;
 }
 
-bool BeginsCode(std::string_view digits) {
+bool IsType(std::string_view word) {
   constexpr std::array<std::string_view, 6> kTypes = {"0000", "0100", "5000", "5001", "6000", "900A"};
-  return digits.size() >= 2 * kDigitsPerWord &&
-         std::any_of(kTypes.begin(), kTypes.end(),
-                     [&](std::string_view type) { return StartsNoCase(digits, type); });
+  return std::any_of(kTypes.begin(), kTypes.end(),
+                     [&](std::string_view type) { return SameNoCase(word, type); });
+}
+
+bool BeginsCode(std::string_view digits) {
+  return digits.size() >= 2 * kDigitsPerWord && IsType(digits.substr(0, kDigitsPerWord));
+}
+
+/// Where the words begin that are a code to the end of the line, behind a name or alone; npos without any.
+std::size_t FindCode(std::string_view line) {
+  constexpr std::string_view kAheadOfCode = " \t:=>,;|\"";
+  for (std::size_t at = 0; at != std::string_view::npos;) {
+    const std::string_view rest = line.substr(at);
+    if (IsType(rest.substr(0, kDigitsPerWord)) && IsHexLine(rest) && BeginsCode(Joined(rest))) return at;
+    at = line.find_first_of(kAheadOfCode, at);
+    if (at != std::string_view::npos) at = line.find_first_not_of(kAheadOfCode, at);
+  }
+  return std::string_view::npos;
+}
+
+/// A name without what parts it from its code.
+std::string_view NameIn(std::string_view text) {
+  text = Trimmed(text);
+  if (!text.empty() && std::string_view(":=,;|").find(text.back()) != std::string_view::npos) {
+    text = Trimmed(text.substr(0, text.size() - 1));
+  }
+  const bool wrapped = text.size() > 2 && ((text.front() == '<' && text.back() == '>') ||
+                                           (text.front() == '"' && text.back() == '"'));
+  return wrapped ? Trimmed(text.substr(1, text.size() - 2)) : text;
 }
 
 /// Codes as people paste them: a name ahead of each in its line or above it, or none.
@@ -55,21 +81,24 @@ class ProntoReader {
  private:
   void ReadLine(std::string_view line, int number) {
     if (line.empty()) return;
-    if (IsHexLine(line)) {
-      TakeHex(line, number);
-      return;
-    }
-    const std::size_t end = line.front() == '<' ? line.find('>') : std::string_view::npos;
-    const std::string_view behind = end == std::string_view::npos ? line : Trimmed(line.substr(end + 1));
-    if (behind.empty() || (end != std::string_view::npos && IsHexLine(behind))) {
-      TakeName(line.substr(1, end - 1), number);
-      return TakeRest(behind, number);
+    const bool hex = IsHexLine(line);
+    // Behind a whole code a word such as FACE is the next one's name.
+    const bool goesOn = !digits_.empty() && (line.size() > kDigitsPerWord || !IsWhole());
+    const std::size_t code = FindCode(line);
+    // A name may be of hex digits itself, but is one word.
+    const bool foreign = hex && line.find_first_of(" \t") < std::min(code, line.size()) - 1;
+    if (hex && (goesOn || code == 0 || foreign)) return TakeHex(line, number);
+    if (code != std::string_view::npos) {
+      TakeName(NameIn(line.substr(0, code)), number);
+      return TakeHex(line.substr(code), number);
     }
     // A name may have a colon itself, so the last one counts.
     const std::size_t colon = line.rfind(':');
-    if (colon == std::string_view::npos) return TakeName(line, number);
-    TakeName(Trimmed(line.substr(0, colon)), number);
-    TakeRest(Trimmed(line.substr(colon + 1)), number);
+    const std::string_view rest = Trimmed(line.substr(colon + 1));  // npos + 1 is 0
+    if (!IsType(rest.substr(0, kDigitsPerWord))) return TakeName(NameIn(line), number);
+    if (colon != std::string_view::npos) TakeName(NameIn(line.substr(0, colon)), number);
+    EndCode();
+    reading_.Skip(NewKey(number), "found " + Quoted(rest) + ", expected words of four hex digits");
   }
 
   void TakeName(std::string_view name, int number) {
@@ -79,18 +108,9 @@ class ProntoReader {
     nameLine_ = number;
   }
 
-  void TakeRest(std::string_view rest, int number) {
-    if (rest.empty()) return;
-    if (IsHexLine(rest)) return TakeHex(rest, number);
-    RemoteKey key = NewKey(number);
-    reading_.Skip(std::move(key), "found " + Quoted(rest) + ", expected words of four hex digits");
-  }
-
   void TakeHex(std::string_view line, int number) {
     const std::string digits = Joined(line);
     if (!digits_.empty() && IsWhole() && BeginsCode(digits)) EndCode();
-    if (digits_.empty() && !BeginsCode(digits) && digits.size() == kDigitsPerWord)
-      return TakeName(line, number);
     if (digits_.empty()) line_ = number;
     if (digits_.size() <= kDigitsPerWord * (kMostLengths + 8)) digits_ += digits;
   }
@@ -134,14 +154,18 @@ void ReadPronto(std::string_view text, const std::string& path, RemoteFile& file
   ProntoReader(path, file).Read(text);
 }
 
-/// A line of hex that begins as a code does, behind a name or alone.
+/// A line that is a code to its end. A short form is told from a row of numbers by its first count, which is
+/// 0.
 bool IsPronto(std::string_view text) {
+  constexpr std::size_t kFewestWords = 3;
   Lines lines(text);
   std::string_view line;
   while (lines.Next(line)) {
-    const std::size_t end = line.find_last_of(":>");
-    const std::string_view rest = end == std::string_view::npos ? line : line.substr(end + 1);
-    if (IsHexLine(rest) && BeginsCode(Joined(rest))) return true;
+    const std::size_t code = FindCode(line);
+    if (code == std::string_view::npos) continue;
+    const std::string digits = Joined(line.substr(code));
+    if (digits.size() < kFewestWords * kDigitsPerWord) continue;
+    if (digits.front() == '0' || digits.compare(2 * kDigitsPerWord, kDigitsPerWord, "0000") == 0) return true;
   }
   return false;
 }

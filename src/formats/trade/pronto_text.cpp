@@ -30,13 +30,10 @@ std::string TakeLearned(std::span<const std::uint16_t> words, RemoteKey& key) {
   for (const std::uint16_t word : words.subspan(kProntoHead)) lengths.Add(std::lround(word * unit));
   if (!lengths.Fault().empty()) return lengths.Fault();
   if (lengths.Size() == 0) return "there are no pairs in it";
-  key.Lengths = lengths.Take();
   key.Carrier = words[0] == kTypeNotModulated ? 0 : static_cast<int>(std::lround(1e6 / unit));
-  if (words[2] > 0 || words[3] == 0) return {};
-  // What is only to be repeated stands for a frame of which many follow each other.
-  PulseTrain twice = key.Lengths;
-  twice.insert(twice.end(), key.Lengths.begin(), key.Lengths.end());
-  key.Coded = ReadPress(twice, key.Carrier);
+  const PulseTrain all = lengths.Take();
+  const auto onceEnd = all.begin() + 2 * std::ptrdiff_t{words[2]};
+  TakeParts({all.begin(), onceEnd}, {onceEnd, all.end()}, key);
   return {};
 }
 

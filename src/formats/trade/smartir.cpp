@@ -107,8 +107,8 @@ bool LooksHex(std::string_view word) {
 
 /// Whether a word is a Broadlink code for infrared or radio.
 bool LooksBroadlink(std::string_view word) {
-  if (LooksHex(word) &&
-      (StartsNoCase(word, "2600") || StartsNoCase(word, "b200") || StartsNoCase(word, "d700")))
+  // Behind the kind stands how often the device repeats it, seldom more than a few times.
+  if (LooksHex(word) && (StartsNoCase(word, "260") || StartsNoCase(word, "b20") || StartsNoCase(word, "d70")))
     return true;
   return word.size() > 10 && (word.starts_with("Jg") || word.starts_with("sg") || word.starts_with("1w")) &&
          word.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=") ==
