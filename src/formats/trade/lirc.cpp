@@ -66,7 +66,7 @@ constexpr std::array kNumbers = {
     NumberField{"pre_data_bits", &LircRemote::PreBits, 64},
     NumberField{"post_data_bits", &LircRemote::PostBits, 64},
     NumberField{"toggle_bit", &LircRemote::ToggleBit, 192},
-    NumberField{"repeat_bit", &LircRemote::RepeatBit, 192},
+    NumberField{"repeat_bit", &LircRemote::ToggleBit, 192},  // its name in old files
     NumberField{"gap", &LircRemote::Gap, kLongestPulse},
     NumberField{"frequency", &LircRemote::Carrier, kMostCarrier},
 };

@@ -37,6 +37,13 @@ std::string Flipped(std::string digits, std::string_view marks) {
   return digits;
 }
 
+std::string WithToggle(std::string digits, std::string_view marks, char state) {
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (marks[i] == '1') digits[i] = state;
+  }
+  return digits;
+}
+
 /// Sends the digits of a remote as its own program does.
 class LircSender {
  public:
@@ -52,7 +59,7 @@ class LircSender {
     return MaskDigits(remote_.ToggleBitMask, remote_.ToggleBit, remote_.AllBits());
   }
   std::string RepeatMarks() const {
-    return MaskDigits(remote_.ToggleMask | remote_.RepeatMask, remote_.RepeatBit, remote_.AllBits());
+    return MaskDigits(remote_.ToggleMask | remote_.RepeatMask, 0, remote_.AllBits());
   }
 
   /// A frame from its first mark to its last.
@@ -65,9 +72,9 @@ class LircSender {
     train.Mark(remote_.Lead);
     const auto pre = static_cast<std::size_t>(remote_.PreBits), code = static_cast<std::size_t>(remote_.Bits);
     Send(digits, 0, pre, train);
-    SendPair(remote_.Pre, train);
+    if (pre > 0) SendPair(remote_.Pre, train);
     Send(digits, pre, pre + code, train);
-    SendPair(remote_.Post, train);
+    if (remote_.PostBits > 0) SendPair(remote_.Post, train);
     Send(digits, pre + code, digits.size(), train);
     train.Mark(remote_.Trail);
     if (!repeat || !remote_.NoFootRepeat) {
@@ -115,8 +122,9 @@ Repeat RepeatOf(const LircRemote& remote) {
 /// The coding of digits that are sent one pulse each, with nothing between them.
 std::optional<Coding> PlainCoding(const LircRemote& remote) {
   const bool plain = !remote.Rc5 && !remote.Rc6 && !remote.SpaceFirst && remote.Lead == 0 &&
-                     remote.Foot.Mark == 0 && (remote.Pre.Mark == 0 || remote.Pre.Space == 0) &&
-                     (remote.Post.Mark == 0 || remote.Post.Space == 0);
+                     remote.Foot.Mark == 0 &&
+                     (remote.PreBits == 0 || remote.Pre.Mark == 0 || remote.Pre.Space == 0) &&
+                     (remote.PostBits == 0 || remote.Post.Mark == 0 || remote.Post.Space == 0);
   const bool marksAlike = AreAlike(remote.One.Mark, remote.Zero.Mark);
   const bool spacesAlike = AreAlike(remote.One.Space, remote.Zero.Space);
   if (!plain || marksAlike == spacesAlike || (spacesAlike && remote.Trail > 0)) return std::nullopt;
@@ -199,11 +207,11 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
     if (!key.Coded) key.Coded = Rc5Signal(remote, frame);
     if (key.Coded) return {};
   }
-  // Its own program turns the toggle ahead of the first press.
+  // Its own program begins with a toggle of 1, whatever the code has there.
   const std::string toggles = sender.ToggleMarks();
   const bool turns = toggles.find('1') != std::string::npos;
   const auto frameOf = [&](std::uint64_t value) {
-    return sender.Frame(turns ? Flipped(sender.DigitsOf(value), toggles) : sender.DigitsOf(value), false);
+    return sender.Frame(WithToggle(sender.DigitsOf(value), toggles, '1'), false);
   };
   PulseTrain::size_type start = 0;
   for (const std::uint64_t value : code.Values) {
@@ -213,7 +221,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   if (turned.find('1') != std::string::npos) {
     Append(key.Lengths, remote.Gap, remote.ConstLength, sender.Frame(Flipped(digits, turned), true), start);
   }
-  if (single && turns) key.Toggled = frame;
+  if (single && turns) key.Toggled = sender.Frame(WithToggle(digits, toggles, '0'), false);
   return key.Lengths.empty() ? "it has no mark" : "";
 }
 

@@ -30,7 +30,7 @@ struct LircRemote {
   int Bits = 0, PreBits = 0, PostBits = 0;
   std::uint64_t PreData = 0, PostData = 0;
   std::uint64_t ToggleBitMask = 0, ToggleMask = 0, RepeatMask = 0, Rc6Mask = 0;
-  int ToggleBit = 0, RepeatBit = 0;  // from the left, 1 first; 0 for none
+  int ToggleBit = 0;  // from the left, 1 first; 0 for none
   int Gap = 0;
   int Carrier = 38'000;  // Hz
   std::vector<LircCode> Codes;
