@@ -98,7 +98,8 @@ int UnitOf(const Coding& coding) {
     double MostOff;  // of a unit
   };
   // Three units of 400 are nearly four of 300: what fits well goes ahead of what is larger.
-  for (const Try& wish : {Try{4, 0.12}, Try{kFinestDivision, 0.25}}) {
+  for (const Try& wish :
+       {Try{4, 0.12}, Try{4, 0.2}, Try{kFinestDivision, 0.12}, Try{kFinestDivision, 0.25}}) {
     for (int parts = 2; parts <= wish.MostParts; ++parts) {
       if (fits(pair / parts, wish.MostOff)) return static_cast<int>(std::lround(pair / parts));
     }
@@ -106,12 +107,13 @@ int UnitOf(const Coding& coding) {
   return std::min({coding.Zero.Mark, coding.Zero.Space, coding.One.Space});
 }
 
-std::optional<SlotPatterns> PatternsOf(const Coding& coding) {
+std::optional<SlotPatterns> PatternsOf(const Coding& coding, int longestSlot) {
   const std::array lengths = {coding.Sync.Mark, coding.Sync.Space, coding.Zero.Mark, coding.Zero.Space,
                               coding.One.Mark,  coding.One.Space,  coding.Tail};
   for (int division = 1; division <= kFinestDivision; ++division) {
     const int slot = static_cast<int>(std::lround(static_cast<double>(coding.Unit) / division));
     if (slot < kShortestSlot) break;
+    if (slot > longestSlot) continue;
     if (!std::all_of(lengths.begin(), lengths.end(), [&](int length) { return Keeps(length, slot); }))
       continue;
     SlotPatterns patterns = PatternsAt(coding, slot);

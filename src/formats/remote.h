@@ -120,8 +120,9 @@ struct SlotPatterns {
   std::string Tail;  // closing mark; one slot for pulse distance as every section sends it, else empty
 };
 
+/// @param longestSlot that may be chosen, microseconds
 /// @return none where no slot keeps each mark and space within half of one
-std::optional<SlotPatterns> PatternsOf(const Coding& coding);
+std::optional<SlotPatterns> PatternsOf(const Coding& coding, int longestSlot = kLongestPulse);
 
 /// The length of which all lengths of the digits are multiples, or nearly so: the largest one that a mark and
 /// the shorter space make.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <numeric>
 
 #include "config/generic_protocols.h"
 #include "signal/decode.h"
@@ -14,8 +15,9 @@ namespace keplo {
 
 namespace {
 
-constexpr int kUsualGap = 40'000;  // microseconds, where a file tells none
-constexpr int kShortestGap = 16;   // slots; a shorter silence counts as a part of the frame
+constexpr int kUsualGap = 40'000;      // microseconds, where a file tells none
+constexpr int kShortestGap = 16;       // slots that a section may have between two frames
+constexpr int kGapTolerance = 10'000;  // microseconds that receivers do not mind
 constexpr std::size_t kRc5Digits = 14;
 constexpr std::size_t kMostDigits = 512;  // of a code; longer signals are no key presses
 constexpr Pulse kShortSync = {16, 4};     // slots, of the only short repeat that a section sends
@@ -147,10 +149,8 @@ Repeat RepeatOf(const SectionSignal& section, const CodedSignal& signal) {
   return again;
 }
 
-}  // namespace
-
-std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
-  const std::optional<SlotPatterns> patterns = PatternsOf(signal.Code);
+std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlot) {
+  const std::optional<SlotPatterns> patterns = PatternsOf(signal.Code, longestSlot);
   if (!patterns || patterns->Slot > kLongestNumber || signal.Digits.size() > kMostDigits) return std::nullopt;
   SectionSignal section;
   section.ProtoKind = KindOf(signal);
@@ -161,6 +161,16 @@ std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
   section.Params.BITG = patterns->Sync.empty() ? "0" : patterns->Sync;
   section.Params.BitTail = BitTailOf(section.ProtoKind);
   return SendsFrame(section, signal) ? std::optional(section) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
+  // One slot more, which a section without a sync has ahead of its frame.
+  const int silence = SilenceBehind(signal);
+  std::optional<SectionSignal> section;
+  if (silence > 0) section = SectionAt(signal, silence / (kShortestGap + 1));
+  return section ? section : SectionAt(signal, kLongestPulse);
 }
 
 PulseTrain SentFrame(const SectionSignal& section, const std::string& digits) {
@@ -201,7 +211,18 @@ bool SectionGroup::HasCarrier(const std::optional<int>& carrier) const { return 
 bool SectionGroup::Takes(const CodedSignal& signal, const std::optional<int>& carrier) const {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   const bool sameKind = kind == kind_ || kind == RepeatKind::Unknown || kind_ == RepeatKind::Unknown;
-  return !ofLengths_ && sameKind && HasCarrier(carrier) && SendsFrame(section_, signal);
+  return !ofLengths_ && sameKind && HasCarrier(carrier) && HasGap(signal) && SendsFrame(section_, signal);
+}
+
+bool SectionGroup::HasGap(const CodedSignal& signal) const {
+  if (gaps_.empty() || SilenceBehind(signal) <= 0) return true;
+  const int slot = section_.Params.SENDPLS;
+  return std::abs(GapSlots(section_, signal, kind_) - MeanGap()) * slot <= kGapTolerance;
+}
+
+int SectionGroup::MeanGap() const {
+  const std::int64_t sum = std::accumulate(gaps_.begin(), gaps_.end(), std::int64_t{0});
+  return static_cast<int>(sum / static_cast<std::int64_t>(gaps_.size()));
 }
 
 void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carrier) {
@@ -215,10 +236,8 @@ void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carr
 SectionSignal SectionGroup::Section() const {
   SectionSignal section = section_;
   section.Params.Carrier = carrier_.value_or(kUsualCarrier);
-  std::vector<int> gaps = gaps_.empty() ? std::vector{kUsualGap / section.Params.SENDPLS} : gaps_;
-  const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2);
-  std::nth_element(gaps.begin(), middle, gaps.end());
-  const auto gap = static_cast<std::int16_t>(std::clamp(*middle, kShortestGap, kLongestNumber));
+  const int slots = gaps_.empty() ? kUsualGap / section.Params.SENDPLS : MeanGap();
+  const auto gap = static_cast<std::int16_t>(std::clamp(slots, kShortestGap, kLongestNumber));
   switch (kind_) {
     case RepeatKind::None:
       section.Params.GREPEAT = 1;

@@ -39,15 +39,18 @@ class SectionGroup {
 
   /// Whether a carrier is that of the group within 1 %.
   bool HasCarrier(const std::optional<int>& carrier) const;
-  /// Whether the section sends this signal too, with the same way to repeat it and a carrier within 1 %. What
-  /// a file does not say of it agrees with everything.
+  /// Whether the section sends this signal too, with the same way to repeat it, a carrier within 1 %, and a
+  /// gap that is not far from the others. What a file does not say of it agrees with everything.
   bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
   void Add(const CodedSignal& signal, const std::optional<int>& carrier);
   /// With REPEAT, GREPEAT and the carrier for all of them. Gaps that differ, as those of codes of one period
-  /// do, are sent as the middle one.
+  /// do, are sent as their mean.
   SectionSignal Section() const;
 
  private:
+  bool HasGap(const CodedSignal& signal) const;
+  int MeanGap() const;  // slots
+
   SectionSignal section_;
   RepeatKind kind_ = RepeatKind::Unknown;
   std::optional<int> carrier_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "formats/families.h"
 #include "formats/trade/reading.h"
 
 namespace keplo::trade {
@@ -14,6 +15,7 @@ constexpr std::uint8_t kInfrared = 0x26, kRadio433 = 0xB2, kRadio315 = 0xD7;
 constexpr std::size_t kBroadlinkHead = 4;  // kind, repeats and the length of the data
 constexpr double kTick = 8192.0 / 269.0;   // microseconds
 constexpr int kLongestLength = 0xFFFF;     // ticks
+constexpr int kClosingRest = 101'502;      // microseconds, that the device adds behind a press
 
 bool AllZero(const std::vector<std::uint8_t>& bytes, std::size_t first, std::size_t end) {
   return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(first),
@@ -97,6 +99,9 @@ std::string TakeBroadlink(const std::vector<std::uint8_t>& bytes, RemoteKey& key
   if (!lengths.Fault().empty()) return lengths.Fault();
   if (lengths.Size() == 0) return "there are no lengths in it";
   key.Lengths = lengths.Take();
+  if (key.Lengths.back() != kClosingRest) return {};
+  // The rest is no gap of the signal.
+  key.Coded = ReadPress(PulseTrain(key.Lengths.begin(), key.Lengths.end() - 1), {});
   return {};
 }
 
