@@ -6,10 +6,8 @@
 
 #include "config/config_builder.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Parts;
 
 /// The search as a walk that tries one place after the other.
 int WalkForNeedle(const std::string& needle, const std::string& text, int start) {
@@ -73,4 +71,4 @@ TEST(Texts, AreChangedAndSearchedUpToTheirEnds) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

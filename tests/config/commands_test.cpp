@@ -11,16 +11,8 @@
 #include "config/read_settings.h"
 #include "disk/posix_file_system.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::Lines;
-using tests::Parts;
-using tests::Protocol;
-using tests::Replaced;
-using tests::Stored;
-using Texts = std::vector<std::string>;
 
 const std::string kTwo = Config(Protocol("NEC", {"G1010,POWER", "G1100,UP", "G1111,POWER-OFF"}) +
                                 Protocol("SONY", {"G0011,MUTE", "G0101,EMPTY"}));
@@ -183,4 +175,4 @@ TEST(FirstConfiguration, IsWhole) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -9,15 +9,8 @@
 #include "config/script.h"
 #include "failure.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::Do;
-using tests::Protocol;
-using tests::Replaced;
-using tests::Stored;
-using Texts = std::vector<std::string>;
 
 /// A file with the given commands in its NEC section and a command MUTE in its SONY section.
 std::string With(const Texts& commands) {
@@ -153,8 +146,8 @@ TEST(WindowSteps, KeepThePlaceholderInTheFileUntilTheNextSave) {
 TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
   const std::string before = With({"G1010,POWER"}), added = With({"G1010,POWER", "G1110,UP"}),
                     emptied = With({"G10,EMPTY"}), sony = Config(Protocol("SONY", {"G0011,MUTE"}));
-  const std::string lamp = tests::Lines({"[Lamp]", "# ", "GPROTO= 1", "SENDPLS= 550", "REPEAT= 0", "BITG= 1",
-                                         "BIT0= 01", "BIT1= 011", "GREPEAT= 0", "", "G10,EMPTY", ""}),
+  const std::string lamp = Lines({"[Lamp]", "# ", "GPROTO= 1", "SENDPLS= 550", "REPEAT= 0", "BITG= 1",
+                                  "BIT0= 01", "BIT1= 011", "GREPEAT= 0", "", "G10,EMPTY", ""}),
                     withLamp = Replaced(Replaced(before, "[Template]", lamp + "[Template]"), "PROTOCOL= 0",
                                         "PROTOCOL= 2");
   const auto changes = [&](const std::string& step, const std::string& text, const std::string& file) {
@@ -184,4 +177,4 @@ TEST(FailedSave, ChangesBothTextAndFileOrNeither) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -8,13 +8,8 @@
 #include "config/store_undo.h"
 #include "failure.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::Do;
-using tests::Protocol;
-using tests::Replaced;
 
 const std::string kNec = Protocol("NEC", {"G1010,POWER", "G1100,UP"});
 const std::string kSony = Protocol("SONY", {"G0011,MUTE"});
@@ -61,7 +56,7 @@ TEST(MergeChanges, TakesBothUnlessTheyMeet) {
 /// A store with a file that another program writes.
 class OtherProgram : public ::testing::Test {
  protected:
-  tests::Stored stored_{kBase};
+  Stored stored_{kBase};
   CfgStore& store_ = stored_.Store;
   StoreUndo undo_{store_};
 
@@ -157,4 +152,4 @@ TEST_F(OtherProgram, IsNotMetByAnUndoOfTheWindowsOwnChanges) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

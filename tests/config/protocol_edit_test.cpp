@@ -9,16 +9,8 @@
 #include "config/learn.h"
 #include "config/protocols.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::kGeneral;
-using tests::Lines;
-using tests::Protocol;
-using tests::Replaced;
-using tests::Stored;
-using Texts = std::vector<std::string>;
 
 const Texts kParameters = {"GPROTO= 2", "SENDPLS= 850", "REPEAT= 150", "BITG= 0",
                            "BIT0= 10",  "BIT1= 01",     "GREPEAT= 0"};
@@ -72,27 +64,22 @@ TEST(ProtocolEdit, LeavesTheCarrierOfASectionAlone) {
   const std::string mine =
       Replaced(Protocol("Mine", {"G1010,POWER"}), "GREPEAT= 72\r\n", "GREPEAT= 72\r\nCARRIER= 36000\r\n");
   Stored stored(Config(mine + Protocol("Other", {"G1100,MUTE"})));
-  const auto carrier = [&](std::string_view protocol) {
+  const auto carrier = [](const std::string& text, std::string_view protocol) {
     ProtocolParams params;
     std::int16_t kind = 0;
-    EXPECT_TRUE(LoadProtocolParams(stored.File(), protocol, params, kind));
+    EXPECT_TRUE(LoadProtocolParams(text, protocol, params, kind));
     return params.Carrier;
   };
-  EXPECT_EQ(carrier("Other"), 38'000);
+  EXPECT_EQ(carrier(stored.File(), "Other"), 38'000);
   EXPECT_EQ(RefusalText(EditProtocol(stored.Store, Draft("Mine"))), "");
   EXPECT_TRUE(DeleteCommand(stored.Store, "Mine", "POWER").Done());
   EXPECT_TRUE(AddCommand(stored.Store, "Mine", "G1111", "PLAY").Done());
   EXPECT_EQ(RefusalText(EditProtocol(stored.Store, Draft("Mine"))), "");
-  EXPECT_NE(stored.File().find(Lines({"GREPEAT= 0", "CARRIER= 36000", "", "G1111,PLAY", ""})),
-            std::string::npos);
-  EXPECT_EQ(carrier("mine"), 36'000);
+  ExpectPart(stored.File(), Lines({"GREPEAT= 0", "CARRIER= 36000", "", "G1111,PLAY", ""}));
+  EXPECT_EQ(carrier(stored.File(), "mine"), 36'000);
   for (const auto& [value, hertz] :
        std::map<std::string, int>{{"= 0", 0}, {"=455000", 455'000}, {"= x", 38'000}}) {
-    Stored other(Replaced(stored.File(), "= 36000", value));
-    ProtocolParams params;
-    std::int16_t kind = 0;
-    EXPECT_TRUE(LoadProtocolParams(other.Store.CfgText, "Mine", params, kind));
-    EXPECT_EQ(params.Carrier, hertz) << value;
+    EXPECT_EQ(carrier(Replaced(stored.File(), "= 36000", value), "Mine"), hertz) << value;
   }
 }
 
@@ -153,7 +140,7 @@ TEST(ProtocolEdit, ReadsNoDamagedSection) {
        {"# made|made", "GPROTO= 0|GPROTO= 4", "GPROTO= 0|GPROTO=-1",
         "SENDPLS=|SENDPULS=", "BITG=|BIT_G=", "BIT1= 1000\r\n|",
         "GREPEAT= 72|GREPEAT= ", "GREPEAT= 72|GREPEAT= 72 slots", "GREPEAT= 72|GREPEAT= 40000"}) {
-    const std::string text = Replaced(whole, tests::Parts(row)[0], tests::Parts(row)[1]);
+    const std::string text = Replaced(whole, Parts(row)[0], Parts(row)[1]);
     EXPECT_FALSE(LoadProtocol(text, "Mine")) << row;
     EXPECT_EQ(EditedSection(text, Draft("Mine")).Refused, ProtocolRefusal::NoSection) << row;
     EXPECT_TRUE(LoadProtocol(text, "Next")) << row;
@@ -192,4 +179,4 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -12,11 +12,8 @@
 #include "config/protocols.h"
 #include "config/script.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Do;
-using Texts = std::vector<std::string>;
 
 constexpr int kSequences = 10'000;
 constexpr int kMostEdits = 4;                   // in one sequence
@@ -37,7 +34,7 @@ std::map<std::string, Texts> ListsOf(const CfgStore& store) {
 /// it.
 class RandomUser {
  public:
-  const tests::Stored& EditAFewTimes() {
+  const Stored& EditAFewTimes() {
     if (store_.CfgText.size() > kGrownCharacters) stored_.Load(kSmall);
     for (int edit = Below(kMostEdits); edit >= 0; --edit) EditOnce();
     Do(store_, "save");  // as a window does when it closes
@@ -133,9 +130,9 @@ class RandomUser {
     EXPECT_EQ(after, before) << name;
   }
 
-  const std::string kSmall = tests::Config(tests::Protocol("Mine", {"G10,EMPTY"}));
+  const std::string kSmall = Config(Protocol("Mine", {"G10,EMPTY"}));
   std::mt19937 random_{20021107};  // NOLINT(bugprone-random-generator-seed): the same edits each time
-  tests::Stored stored_{kSmall};
+  Stored stored_{kSmall};
   CfgStore& store_ = stored_.Store;
 };
 
@@ -176,10 +173,10 @@ TEST(RandomEdits, LeaveAWholeFileThatReadsAsItWasWritten) {
   RandomUser user;
   std::size_t mostProtocols = 0;
   for (int sequence = 1; sequence <= kSequences; ++sequence) {
-    const tests::Stored& stored = user.EditAFewTimes();
+    const Stored& stored = user.EditAFewTimes();
     const std::string file = stored.File();
     ASSERT_EQ(BrokenInvariant(file), "") << "after sequence " << sequence << "\n" << file;
-    const tests::Stored reloaded(file);
+    const Stored reloaded(file);
     ASSERT_EQ(CheckConfig(reloaded.Store), "") << file;
     ASSERT_EQ(reloaded.Store.CfgText, stored.Store.CfgText) << "and with it all lists";
     ASSERT_FALSE(HasFailure()) << "in sequence " << sequence << "\n" << file;
@@ -189,4 +186,4 @@ TEST(RandomEdits, LeaveAWholeFileThatReadsAsItWasWritten) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

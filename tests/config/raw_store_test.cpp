@@ -8,13 +8,8 @@
 #include "config/store_undo.h"
 #include "signal/raw/raw_send.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::Protocol;
-using tests::Stored;
-using tests::UnflushedNames;
 
 const std::string kFile = "AC.mode2";
 
@@ -85,7 +80,7 @@ TEST_F(RawStored, LosesTheDamagedCommandAlone) {
   struct Row {
     std::string Name, Text, Cool, Heat;
   };
-  const std::string changed = tests::Replaced(whole.substr(cool), "1650", "1640");
+  const std::string changed = Replaced(whole.substr(cool), "1650", "1640");
   for (const Row& row : {Row{"whole", whole, "COOL", "HEAT"},
                          {"missing", "", "", ""},
                          {"a length changed", whole.substr(0, cool) + changed, "", "HEAT"},
@@ -137,4 +132,4 @@ TEST_F(RawStored, HasNoCodeLineWithoutLengthsAfterAPowerCut) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

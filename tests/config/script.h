@@ -16,8 +16,7 @@ namespace keplo::tests {
 /// "remove|NEC|POWER".
 /// @return why it was refused, in words of a user or of this script
 inline std::string Do(CfgStore& store, const std::string& step) {
-  using Words = std::vector<std::string>;
-  using Step = std::function<std::string(CfgStore&, const Words&)>;
+  using Step = std::function<std::string(CfgStore&, const Texts&)>;
   const auto done = [](bool isDone) { return std::string(isDone ? "" : "not done"); };
   static const std::map<std::string, Step> kSteps = {
       {"add", [](auto& to, auto& w) { return RefusalText(AddCommand(to, w[1], w[2], w[3])); }},
@@ -42,7 +41,7 @@ inline std::string Do(CfgStore& store, const std::string& step) {
       {"check", [](auto& to, auto&) { return RefusalText(CheckDelete(to)); }},
       {"remove", [=](auto& to, auto&) { return done(RemoveCommand(to)); }},
   };
-  const Words words = Parts(step);
+  const Texts words = Parts(step);
   if (words[0] == "drop" || words[0] == "check" || words[0] == "remove") {
     store.CurProtocol = words[1];
     store.CurCommand = words[2];

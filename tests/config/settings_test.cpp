@@ -7,14 +7,8 @@
 #include "config/read_settings.h"
 #include "config/values.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Config;
-using tests::Parts;
-using tests::Protocol;
-using tests::Replaced;
-using tests::Stored;
 
 const std::string kNec = Config(Protocol("NEC", {"G1010,POWER"}));
 
@@ -116,4 +110,4 @@ TEST(SetGeneralValue, ChangesOneWholeLineOfTheFileOrNone) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -20,11 +20,10 @@
 #include <thread>
 #include <vector>
 
+#include "doubles/expect.h"
 #include "doubles/temp_folder.h"
 
 namespace keplo::tests {
-
-using Words = std::vector<std::string>;
 
 /// Looks again and again until something holds.
 /// @return false if it does not within a minute
@@ -40,7 +39,7 @@ inline bool Until(const std::function<bool()>& holds) {
 /// A program that runs beside the test.
 class Running {
  public:
-  explicit Running(Words words) {
+  explicit Running(Texts words) {
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
@@ -52,10 +51,6 @@ class Running {
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
-
-  /// Stops the program where it is, and lets it go on.
-  void Freeze() const { kill(process_, SIGSTOP); }
-  void Thaw() const { kill(process_, SIGCONT); }
 
   /// @return the exit code; none if it goes on running, or was ended by a signal
   std::optional<int> WaitForEnd() {
@@ -90,7 +85,7 @@ class OutsideScreen {
     std::array<int, 2> told{};
     if (pipe(told.data()) != 0) throw std::runtime_error("no pipe for the number of the display");
     fcntl(told[0], F_SETFD, FD_CLOEXEC);
-    server_.emplace(Words{"Xvfb", display_, "-displayfd", std::to_string(told[1]), "-screen", "0",
+    server_.emplace(Texts{"Xvfb", display_, "-displayfd", std::to_string(told[1]), "-screen", "0",
                           "1280x800x24", "-noreset", "-fbdir", frame_.Path().string()});
     close(told[1]);
     // The server tells its number, a line, once it can be used.
@@ -103,8 +98,8 @@ class OutsideScreen {
   const std::string& Display() const { return display_; }
 
   /// The command line of a program that is to show its windows here.
-  Words Here(const Words& program) const {
-    Words words = {"env", "DISPLAY=" + display_, "QT_QPA_PLATFORM=xcb", "QT_SCALE_FACTOR=1"};
+  Texts Here(const Texts& program) const {
+    Texts words = {"env", "DISPLAY=" + display_, "QT_QPA_PLATFORM=xcb", "QT_SCALE_FACTOR=1"};
     words.insert(words.end(), program.begin(), program.end());
     return words;
   }
@@ -136,11 +131,6 @@ class OutsideScreen {
 
   void Keys(const std::string& keys) const { Do("key " + keys); }
   void Type(const std::string& text) const { Do("type '" + text + "'"); }
-  /// Presses a button of the mouse, 1 the left one and 5 its wheel, in the middle of a part.
-  void Click(const ScreenPart& part, int button = 1) const {
-    Do("mousemove " + std::to_string(part.X + part.Width / 2) + " " +
-       std::to_string(part.Y + part.Height / 2) + " click " + std::to_string(button));
-  }
 
   /// How much of a part is of a colour, 0xRRGGBB; 0 to 1.
   double Share(const ScreenPart& part, std::uint32_t colour) const {

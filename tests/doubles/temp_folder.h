@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace keplo::tests {
 
@@ -33,6 +34,14 @@ class TempFolder {
   std::string Read(const std::string& name) const {
     std::ifstream file(path_ / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  /// The names of what is in it.
+  std::vector<std::string> Files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(path_))
+      names.push_back(entry.path().filename());
+    return names;
   }
 
  private:

@@ -8,15 +8,8 @@
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Event;
-using tests::EventFolder;
-using tests::EventMap;
-using tests::Lines;
-using tests::ShownAll;
-using tests::StoredEvents;
 
 std::string Report(const std::string& operation, int number) {
   return "colclsKeploEvents|colclsKeploEvents." + operation + "|" + std::to_string(number) +
@@ -24,12 +17,12 @@ std::string Report(const std::string& operation, int number) {
 }
 
 // As an earlier release made it.
-constexpr const char* kKeylessTable =
+const std::string kKeylessTable =
     "drop table colclsKeploEvents; create table colclsKeploEvents (EventID text, EventName text,"
     " EventDescription text, IRCommand text, Enabled boolean, Zone smallint);";
 
-Lines Row(const ui::ListView& list, int row) {
-  Lines texts;
+Texts Row(const ui::ListView& list, int row) {
+  Texts texts;
   for (int field = 0; field < ui::ListView::kFields; ++field) texts.push_back(list.Text(row, field));
   return texts;
 }
@@ -46,10 +39,10 @@ TEST(EventCollection, LoadsTheTableInItsOrder) {
   EXPECT_EQ(writer.List.Count(), 0);  // the host operations keep the rows
 
   ASSERT_TRUE(reader.Load());
-  EXPECT_EQ(reader.Members(), (Lines{"30|Power||NEC&POWER|on|3", "12|Mute|quiet|RC5&MUTE|off|0",
+  EXPECT_EQ(reader.Members(), (Texts{"30|Power||NEC&POWER|on|3", "12|Mute|quiet|RC5&MUTE|off|0",
                                      "b|Röd knapp 🔴||NEC&POWER|on|3"}));
-  EXPECT_EQ(Row(reader.List, 1), (Lines{"Power", "", "NEC&POWER", "True", "3", "30"}));
-  EXPECT_EQ(Row(reader.List, 2), (Lines{"Mute", "quiet", "RC5&MUTE", "False", "0", "12"}));
+  EXPECT_EQ(Row(reader.List, 1), (Texts{"Power", "", "NEC&POWER", "True", "3", "30"}));
+  EXPECT_EQ(Row(reader.List, 2), (Texts{"Mute", "quiet", "RC5&MUTE", "False", "0", "12"}));
   EXPECT_EQ(reader.Events.Item("EM-12"), reader.Events.Item(2));
   for (const int index : {0, 4, -1}) EXPECT_EQ(reader.Events.Item(index), nullptr);
   EXPECT_EQ(reader.Events.Item("12"), nullptr);
@@ -68,7 +61,7 @@ TEST(EventCollection, MovesAChangedEventToTheEndAndKeepsTheCallersObject) {
   EXPECT_TRUE(map.Events.Update(replacement));  // a new object, as the context menu does
   EXPECT_EQ(map.Events.Item(2), replacement);
   EXPECT_EQ(map.Events.count(), 2);
-  EXPECT_EQ(StoredEvents(folder), (Lines{"1|Renamed||NEC&POWER|on|3", "2|Replaced||NEC&POWER|on|3"}));
+  EXPECT_EQ(StoredEvents(folder), (Texts{"1|Renamed||NEC&POWER|on|3", "2|Replaced||NEC&POWER|on|3"}));
 }
 
 TEST(EventCollection, TakesAnIDOfAnyCharacters) {
@@ -79,21 +72,21 @@ TEST(EventCollection, TakesAnIDOfAnyCharacters) {
     map.Events.Add(Event("other"));
     ASSERT_TRUE(map.Events.Add(Event(id))) << id;
     ASSERT_TRUE(map.Events.Update(Event(id, "Changed"))) << id;
-    EXPECT_EQ(StoredEvents(folder), (Lines{"other|Power||NEC&POWER|on|3", id + "|Changed||NEC&POWER|on|3"}));
+    EXPECT_EQ(StoredEvents(folder), (Texts{"other|Power||NEC&POWER|on|3", id + "|Changed||NEC&POWER|on|3"}));
     ASSERT_TRUE(map.Events.Delete(id)) << id;
-    EXPECT_EQ(map.Members(), Lines{"other|Power||NEC&POWER|on|3"});
+    EXPECT_EQ(map.Members(), Texts{"other|Power||NEC&POWER|on|3"});
     EXPECT_EQ(StoredEvents(folder), map.Members());
   }
 }
 
 TEST(EventCollection, LoadsTheFirstEventOfARepeatedIDAndAllOthers) {
-  const EventFolder folder(std::string(kKeylessTable) +
+  const EventFolder folder(kKeylessTable +
                            "insert into colclsKeploEvents values ('1', 'n', 'd', 'c', 1, 0),"
                            " ('1', 'n2', 'd', 'c', 1, 0), ('2', 'n', 'd', 'c', 1, 0)");
   EventMap map(folder);
   EXPECT_TRUE(map.Load());
-  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("Initialise", kKeyTaken)});
-  EXPECT_EQ(map.Members(), (Lines{"1|n|d|c|on|0", "2|n|d|c|on|0"}));
+  EXPECT_EQ(ShownAll(map.Errors), Texts{Report("Initialise", kKeyTaken)});
+  EXPECT_EQ(map.Members(), (Texts{"1|n|d|c|on|0", "2|n|d|c|on|0"}));
   EXPECT_EQ(map.List.Count(), 2);
 
   EXPECT_FALSE(map.Events.Add(Event("2", "Second")));  // the table takes it, the collection does not
@@ -107,7 +100,7 @@ TEST(EventCollection, LoadsTheFirstEventOfARepeatedIDAndAllOthers) {
 TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
   struct Case {
     const char* OtherDid;
-    Lines Table;  // afterwards, and in the collection and the list too
+    Texts Table;  // afterwards, and in the collection and the list too
     int Failure;  // of switching event 1 off meanwhile; 0 for none
   };
   const std::vector<Case> cases = {
@@ -131,7 +124,7 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
 
     EXPECT_EQ(map.Events.Update(std::make_shared<clsKeploEvent>(clsKeploEvent{"1", "a", "", "", false, 0})),
               change.Failure == 0);
-    EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Lines{} : Lines{Report("Save", change.Failure)});
+    EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Texts{} : Texts{Report("Save", change.Failure)});
     EXPECT_TRUE(map.Database.ChangedElsewhere());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
     other.Database.ExecuteSQLCommand("begin exclusive");
@@ -140,11 +133,8 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
     EXPECT_TRUE(map.Database.ChangedElsewhere()) << "a read that met a lock comes again";
     EXPECT_TRUE(run % 2 == 0 ? map.Events.TakeInChanges() : map.Load());
     EXPECT_EQ(map.Members(), change.Table);
-    Lines stored = tests::StoredEvents(folder);
-    std::sort(stored.begin(), stored.end());
-    Lines expected = change.Table;
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(stored, expected);
+    const Texts stored = StoredEvents(folder);
+    EXPECT_TRUE(std::is_permutation(stored.begin(), stored.end(), change.Table.begin(), change.Table.end()));
     EXPECT_EQ(map.List.Count(), static_cast<int>(change.Table.size()));
     if (change.Failure == kRowGone) {
       EXPECT_EQ(map.List.Text(1, 4), "5") << "the row keeps its place";
@@ -153,12 +143,7 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
 }
 
 TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
-  struct Case {
-    const char* BadRow;
-    int Number;
-    const char* Text;
-  };
-  const Case cases[] = {
+  const std::vector<std::tuple<std::string, int, std::string>> cases = {
       {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 3 of the event table holds null"},
       {"('2', 'n', 'd', 'c', 1, null)", kNullValue, "Column Zone of row 3 "},
       {"('2', 'n', 'd', 'c', 'maybe', 0)", kWrongType, "holds another type, expected a yes or no"},
@@ -166,24 +151,22 @@ TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
        "Column EventID of row 3 of the event table holds a fraction or raw"},
       {"('2', 'n', 'd', 'c', 1, 32768)", kNumberTooLarge, "holds 32768, expected a whole number"},
   };
-  for (const Case& bad : cases) {
-    const EventFolder folder(
-        std::string(kKeylessTable) +
-        "insert into colclsKeploEvents values ('0', 'n', 'd', 'c', 1, 32767), ('1', 'n', 'd', 'c', 1, "
-        "-32768), " +
-        std::string(bad.BadRow) + ", ('3', 'n', 'd', 'c', 1, 0)");
+  for (const auto& [badRow, number, told] : cases) {
+    const EventFolder folder(kKeylessTable +
+                             "insert into colclsKeploEvents values ('0', 'n', 'd', 'c', 1, 32767),"
+                             " ('1', 'n', 'd', 'c', 1, -32768), " +
+                             badRow + ", ('3', 'n', 'd', 'c', 1, 0)");
     EventMap map(folder);
     EXPECT_FALSE(map.Load());
-    ASSERT_EQ(ShownAll(map.Errors), Lines{Report("Initialise", bad.Number)});
-    EXPECT_NE(map.Errors[0].ErrorDescription.find(bad.Text), std::string::npos)
-        << map.Errors[0].ErrorDescription;
-    EXPECT_EQ(map.Members(), (Lines{"0|n|d|c|on|32767", "1|n|d|c|on|-32768"}));
+    ASSERT_EQ(ShownAll(map.Errors), Texts{Report("Initialise", number)});
+    ExpectPart(map.Errors[0].ErrorDescription, told);
+    EXPECT_EQ(map.Members(), (Texts{"0|n|d|c|on|32767", "1|n|d|c|on|-32768"}));
     EXPECT_EQ(map.List.Count(), 2);
   }
 }
 
 TEST(EventCollection, IsSilentWhereTheTableCannotBeRead) {
-  const tests::AppFolder empty;
+  const AppFolder empty;
   EventMap map(empty);
   EXPECT_FALSE(map.Load());
   EXPECT_FALSE(map.Events.Add(Event("1")));
@@ -248,10 +231,9 @@ TEST(EventCollection, ReportsWhatItRefusesWhateverTheHostDoesWithTheReport) {
     };
     EXPECT_EQ(map.Events.ErrorRecord(), nullptr);
     EXPECT_FALSE(refused.Act(map));
-    EXPECT_EQ(ShownAll(map.Errors), Lines{Report(refused.Operation, refused.Number)});
+    EXPECT_EQ(ShownAll(map.Errors), Texts{Report(refused.Operation, refused.Number)});
     ASSERT_NE(map.Events.ErrorRecord(), nullptr);
-    EXPECT_NE(map.Events.ErrorRecord()->ErrorDescription.find(refused.Text), std::string::npos)
-        << map.Events.ErrorRecord()->ErrorDescription;
+    ExpectPart(map.Events.ErrorRecord()->ErrorDescription, refused.Text);
     EXPECT_EQ(map.Answer("select count(*) as events from colclsKeploEvents order by events"), "1");
   }
 }
@@ -260,15 +242,15 @@ TEST(EventCollection, RaisesAnEventForEachMember) {
   const EventFolder folder(
       "insert into colclsKeploEvents values ('1', '', '', '', 1, 0), ('2', '', '', '', 1, 0)");
   EventMap map(folder);
-  Lines raised;
+  Texts raised;
   map.Events.TriggerInputEvent = [&](HostInputEvent& event) { raised.push_back(event.EventDate); };
   EXPECT_FALSE(map.Events.TriggerEvent()) << "nothing is loaded yet";
   map.List.Add("EM-2");  // a row that the list refuses is told, and the event is there all the same
   EXPECT_TRUE(map.Load());
-  EXPECT_EQ(ShownAll(map.Errors), Lines{Report("AddEventMapToListView", 35602)});
+  EXPECT_EQ(ShownAll(map.Errors), Texts{Report("AddEventMapToListView", 35602)});
   EXPECT_TRUE(map.Events.TriggerEvent());
-  EXPECT_EQ(raised, (Lines{"07-Nov-2002 16:31:11", "07-Nov-2002 16:31:11"}));
+  EXPECT_EQ(raised, (Texts{"07-Nov-2002 16:31:11", "07-Nov-2002 16:31:11"}));
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -7,30 +7,16 @@
 #include "events/failure_numbers.h"
 #include "events/transaction.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::EventFolder;
-using tests::Lines;
-using tests::Shown;
 
 constexpr const char* kTwoEvents =
     "insert into colclsKeploEvents values ('1', 'Power', '', 'NEC&POWER', 1, 0),"
     " ('2', 'Mute', 'Mute', 'NEC&MUTE', 0, 3)";
 
-template <typename Action>
-int NumberOfFailure(Action action) {
-  try {
-    action();
-  } catch (const Failure& failure) {
-    return failure.Number();
-  }
-  return 0;
-}
-
 TEST(Data, OpensOnDemandAndReopensWithTheStoredText) {
   const EventFolder folder(kTwoEvents);
-  const tests::StoppedClock clock;
+  const StoppedClock clock;
   Data data(folder.Path(), clock);
   EXPECT_EQ(data.CloseConnection(), 1);
   EXPECT_EQ(data.Connection().ConnectionString(), "");
@@ -52,8 +38,8 @@ TEST(Data, OpensOnDemandAndReopensWithTheStoredText) {
 }
 
 TEST(Data, KeepsARecordOfEachFailure) {
-  const tests::AppFolder folder;
-  const tests::StoppedClock clock;
+  const AppFolder folder;
+  const StoppedClock clock;
   Data data(folder.Path(), clock);
   const std::string date = "|Thu Nov  7 16:31:11 2002|", path = folder.Database().string();
 
@@ -80,14 +66,14 @@ TEST(Data, KeepsARecordOfEachFailure) {
 
 TEST(Data, UndoesATransactionThatAFailingTextBegan) {
   const EventFolder folder;
-  tests::EventMap map(folder);
+  EventMap map(folder);
   EXPECT_EQ(map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents; bad"), 0);
-  EXPECT_TRUE(map.Events.Add(tests::Event("1")));
+  EXPECT_TRUE(map.Events.Add(Event("1")));
 
   map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents");
   EXPECT_EQ(map.Database.ExecuteSQLCommand("bad"), 0);  // began nothing, so the caller's one goes on
   EXPECT_EQ(map.Database.ExecuteSQLCommand("rollback"), 1);
-  EXPECT_EQ(tests::StoredEvents(folder), map.Members());
+  EXPECT_EQ(StoredEvents(folder), map.Members());
 }
 
 TEST(Transaction, TakesTheRightToWriteAtOnce) {
@@ -96,7 +82,8 @@ TEST(Transaction, TakesTheRightToWriteAtOnce) {
   mine.Open(folder.Database());
   other.Open(folder.Database());
   const Transaction transaction(mine.Database());
-  EXPECT_EQ(NumberOfFailure([&] { Transaction late(other.Database()); }), SqliteFailureNumber(SQLITE_BUSY));
+  EXPECT_EQ(FailureOf([&] { Transaction late(other.Database()); }).Number(),
+            SqliteFailureNumber(SQLITE_BUSY));
 }
 
 TEST(Recordset, ChangesTheTableRowByRow) {
@@ -123,15 +110,15 @@ TEST(Recordset, ChangesTheTableRowByRow) {
   rows.Update();
   rows.SetFieldValue("EventName", "New");  // the new row has become the present one
   rows.Update();
-  EXPECT_EQ(tests::StoredEvents(folder),
-            (Lines{"1|Power||NEC&POWER|on|0", "2|Silence|Mute|NEC&MUTE|off|3", "|New|||on|1"}));
+  EXPECT_EQ(StoredEvents(folder),
+            (Texts{"1|Power||NEC&POWER|on|0", "2|Silence|Mute|NEC&MUTE|off|3", "|New|||on|1"}));
 }
 
 TEST(Recordset, RefusesWhatHasNoRowOrNoLiveTable) {
   const EventFolder folder(kTwoEvents);
   Connection connection;
   Recordset closed, snapshot, none, live;
-  EXPECT_EQ(NumberOfFailure([&] { live.Open(AllEvents(), connection); }), kObjectClosed);
+  EXPECT_EQ(FailureOf([&] { live.Open(AllEvents(), connection); }).Number(), kObjectClosed);
   connection.Open(folder.Database());
   snapshot.Open(kSelectAllEvents, connection);
   none.Open(EventWithID("3"), connection);
@@ -146,7 +133,7 @@ TEST(Recordset, RefusesWhatHasNoRowOrNoLiveTable) {
       {[&] { none.Delete(); }, kNoCurrentRow},
   };
   for (std::size_t i = 0; i < cases.size(); ++i)
-    EXPECT_EQ(NumberOfFailure(cases[i].first), cases[i].second) << i;
+    EXPECT_EQ(FailureOf(cases[i].first).Number(), cases[i].second) << i;
 }
 
 TEST(Recordset, LeavesARowThatAnotherProgramReplaced) {
@@ -162,10 +149,10 @@ TEST(Recordset, LeavesARowThatAnotherProgramReplaced) {
       "delete from colclsKeploEvents where EventID = '2';"
       "insert into colclsKeploEvents values ('7', 'Other', '', '', 1, 0)");
   rows.SetFieldValue("EventName", "Silence");
-  EXPECT_EQ(NumberOfFailure([&] { rows.Update(); }), kRowGone);
-  EXPECT_EQ(NumberOfFailure([&] { rows.Delete(); }), kRowGone);
-  EXPECT_EQ(tests::StoredEvents(folder), (Lines{"1|Power||NEC&POWER|on|0", "7|Other|||on|0"}));
+  EXPECT_EQ(FailureOf([&] { rows.Update(); }).Number(), kRowGone);
+  EXPECT_EQ(FailureOf([&] { rows.Delete(); }).Number(), kRowGone);
+  EXPECT_EQ(StoredEvents(folder), (Texts{"1|Power||NEC&POWER|on|0", "7|Other|||on|0"}));
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -7,15 +7,8 @@
 #include "event_map_fixture.h"
 #include "events/failure_numbers.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::AppFolder;
-using tests::Event;
-using tests::EventFolder;
-using tests::EventMap;
-using tests::Lines;
-using tests::StoredEvents;
 
 /// Lets file permissions count, as they do not for root.
 class AsOrdinaryUser {
@@ -31,7 +24,7 @@ class AsOrdinaryUser {
 
 void ExpectError(const HostErrorRecord& record, int number, const std::string& part) {
   EXPECT_EQ(record.ErrorNumber & ~0xFF00, kSqliteFailures + number);  // of any extended kind
-  EXPECT_NE(record.ErrorDescription.find(part), std::string::npos) << record.ErrorDescription;
+  ExpectPart(record.ErrorDescription, part);
 }
 
 void ExpectRefused(const AppFolder& folder, int number, const std::string& part) {
@@ -54,12 +47,7 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   std::string foreign = good, scratched = good;
   foreign.replace(68, 4, "\0\0\0\0"s);                     // the application_id
   scratched.replace(4096, 100, std::string(100, '\xAB'));  // the second page begins there
-  struct Case {
-    std::string Bytes;
-    int Number;
-    const char* Text;
-  };
-  const Case cases[] = {
+  const std::tuple<std::string, int, std::string> cases[] = {
       {"\0\1\0\0Standard Jet DB\0\1"s + std::string(4096, 'x'), SQLITE_NOTADB,
        "is in the old desktop-database format, which this program cannot read. Move it away, run 'keplo "
        "install'"},
@@ -72,11 +60,11 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
       {good.substr(0, good.size() - 1), SQLITE_CORRUPT, "is damaged (it holds "},
       {good.substr(0, good.size() - 31), SQLITE_CORRUPT, "is damaged (it holds "},
   };
-  for (const Case& other : cases) {
+  for (const auto& [bytes, number, told] : cases) {
     const AppFolder folder;
-    folder.Write(kDatabaseFile, other.Bytes);
-    ExpectRefused(folder, other.Number, folder.Database().string() + " " + other.Text);
-    EXPECT_EQ(folder.Read(kDatabaseFile), other.Bytes);
+    folder.Write(kDatabaseFile, bytes);
+    ExpectRefused(folder, number, folder.Database().string() + " " + told);
+    EXPECT_EQ(folder.Read(kDatabaseFile), bytes);
   }
   ExpectRefused(EventFolder("pragma user_version = 2"), SQLITE_MISMATCH,
                 "has the format 2, and this program reads format 1. A newer release wrote it");
@@ -121,7 +109,7 @@ TEST(DatabaseFile, FlushesEveryChangeAndLeavesWriteAheadMode) {
   EXPECT_TRUE(map.Load());
   EXPECT_EQ(map.Answer("pragma journal_mode"), "delete");
   EXPECT_EQ(map.Answer("pragma synchronous"), "3");  // extra
-  EXPECT_EQ(folder.Files(), Lines{kDatabaseFile});
+  EXPECT_EQ(folder.Files(), Texts{kDatabaseFile});
 }
 
 TEST(DatabaseFile, IsTheSameOneWhereverTheProgramGoes) {
@@ -130,7 +118,7 @@ TEST(DatabaseFile, IsTheSameOneWhereverTheProgramGoes) {
   std::filesystem::create_directory(folder.Path() / "file:");  // no address, whatever SQLite makes of one
   std::filesystem::rename(folder.Database(), folder.Path() / "file:" / kDatabaseFile);
   std::filesystem::current_path(folder.Path());
-  const tests::StoppedClock clock;
+  const StoppedClock clock;
   Data data("file:", clock);
   std::filesystem::current_path(before);
   EXPECT_EQ(data.CheckConnection(), 1) << data.ErrorDetails().ErrorDescription;
@@ -175,4 +163,4 @@ TEST(DatabaseFile, TakesNoChangeOnceItWasMovedAway) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

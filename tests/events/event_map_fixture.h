@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "disk/posix_file_system.h"
+#include "doubles/expect.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"
 #include "events/event_schema.h"
 #include "events/event_table.h"
 
 namespace keplo::tests {
-
-using Lines = std::vector<std::string>;
 
 /// 7 November 2002, 16:31:11 local time.
 class StoppedClock : public ui::Clock {
@@ -36,13 +35,6 @@ struct AppFolder : TempFolder {
     PosixFileSystem files;
     CreateEventTable(Database(), files);
   }
-
-  Lines Files() const {
-    Lines names;
-    for (const auto& entry : std::filesystem::directory_iterator(Path()))
-      names.push_back(entry.path().filename());
-    return names;
-  }
 };
 
 inline std::shared_ptr<clsKeploEvent> Event(const std::string& id, const std::string& name = "Power") {
@@ -61,8 +53,8 @@ inline std::string Shown(const HostErrorRecord& record) {
 }
 
 template <typename Shape>
-Lines ShownAll(const std::vector<Shape>& things) {
-  Lines lines;
+Texts ShownAll(const std::vector<Shape>& things) {
+  Texts lines;
   for (const auto& thing : things) lines.push_back(Shown(thing));
   return lines;
 }
@@ -87,8 +79,8 @@ struct EventMap {
     return rows.FieldText(sql.substr(sql.rfind(' ') + 1));
   }
 
-  Lines Members() const {
-    Lines members;
+  Texts Members() const {
+    Texts members;
     for (const auto& event : Events) members.push_back(Shown(*event));
     return members;
   }
@@ -101,7 +93,7 @@ struct EventMap {
 };
 
 /// What the table of an application path holds, as a program that starts now loads it.
-inline Lines StoredEvents(const AppFolder& folder) {
+inline Texts StoredEvents(const AppFolder& folder) {
   EventMap map(folder);
   EXPECT_TRUE(map.Load()) << map.Database.ErrorDetails().ErrorDescription;
   return map.Members();

@@ -5,25 +5,13 @@
 
 #include "event_map_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::AppFolder;
-using tests::Lines;
 
 const std::string kJournal = std::string(kDatabaseFile) + "-journal";
 
 std::string Refusal(const AppFolder& folder) {
-  try {
-    folder.CreateTable();
-  } catch (const Failure& failure) {
-    return failure.what();
-  }
-  return "";
-}
-
-void ExpectPart(const std::string& text, const std::string& part) {
-  EXPECT_NE(text.find(part), std::string::npos) << text;
+  return FailureOf([&] { folder.CreateTable(); }).what();
 }
 
 TEST(CreateEventTable, LeavesWhatIsThere) {
@@ -37,13 +25,13 @@ TEST(CreateEventTable, LeavesWhatIsThere) {
   std::filesystem::remove(folder.Database());  // the journal may bring back a change of it
   ExpectPart(Refusal(folder), "cannot be made beside " + folder.Database().string() + "-journal");
   EXPECT_EQ(folder.Read(kJournal), "of the letter");
-  EXPECT_EQ(folder.Files(), Lines{kJournal});
+  EXPECT_EQ(folder.Files(), Texts{kJournal});
 
   std::filesystem::remove(folder.Path() / kJournal);
   std::filesystem::create_symlink("nowhere", folder.Database());
   ExpectPart(Refusal(folder), "exists already");
   EXPECT_TRUE(std::filesystem::is_symlink(folder.Database()));
-  EXPECT_EQ(folder.Files(), Lines{kDatabaseFile});
+  EXPECT_EQ(folder.Files(), Texts{kDatabaseFile});
 }
 
 TEST(CreateEventTable, FollowsTheUmask) {
@@ -64,4 +52,4 @@ TEST(CreateEventTable, TellsThatTheFolderIsGone) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

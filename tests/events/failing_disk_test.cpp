@@ -30,13 +30,8 @@ long Flush(long call, int file) {
 extern "C" int fsync(int file) { return static_cast<int>(Flush(SYS_fsync, file)); }
 extern "C" int fdatasync(int file) { return static_cast<int>(Flush(SYS_fdatasync, file)); }
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Event;
-using tests::EventFolder;
-using tests::EventMap;
-using tests::Lines;
 
 /// A disk without room for one more file.
 int OpenWithoutRoom(const char* name, int flags, int mode) {
@@ -53,44 +48,35 @@ void SetOpen(int (*call)(const char*, int, int)) {
 }
 
 TEST(FailingDisk, IsToldByWhatBecameOfTheChange) {
-  struct Case {
-    const char* Name;
-    std::function<bool(colclsKeploEvents&)> Change;
-    const char* Afterwards;
+  using Change = std::function<bool(colclsKeploEvents&)>;
+  const std::pair<Change, Texts> cases[] = {
+      {[](auto& events) { return events.Add(Event("2")); },
+       {"1|Power||NEC&POWER|on|3", "2|Power||NEC&POWER|on|3"}},
+      {[](auto& events) { return events.Update(Event("1", "New")); }, {"1|New||NEC&POWER|on|3"}},
+      {[](auto& events) { return events.Delete("1"); }, {}},
   };
-  const Case cases[] = {
-      {"add", [](auto& events) { return events.Add(Event("2")); }, "2|Power||NEC&POWER|on|3"},
-      {"update", [](auto& events) { return events.Update(Event("1", "New")); }, "1|New||NEC&POWER|on|3"},
-      {"delete", [](auto& events) { return events.Delete("1"); }, nullptr},
-  };
-  for (const Case& change : cases) {
-    SCOPED_TRACE(change.Name);
+  for (const auto& [change, afterwards] : cases) {
     const EventFolder folder;
     EventMap map(folder);
     map.Events.Add(Event("1"));
 
     SetOpen(OpenWithoutRoom);
-    EXPECT_FALSE(change.Change(map.Events));
+    EXPECT_FALSE(change(map.Events));
     SetOpen(nullptr);
-    EXPECT_EQ(map.Members(), Lines{"1|Power||NEC&POWER|on|3"});
+    EXPECT_EQ(map.Members(), Texts{"1|Power||NEC&POWER|on|3"});
     ASSERT_EQ(map.Errors.size(), 1U);
-    EXPECT_NE(map.Errors[0].ErrorDescription.find("cannot be changed, because no journal can be made"),
-              std::string::npos)
-        << map.Errors[0].ErrorDescription;
+    ExpectPart(map.Errors[0].ErrorDescription, "cannot be changed, because no journal can be made");
 
     foldersCannotBeFlushed = true;
-    EXPECT_TRUE(change.Change(map.Events));
+    EXPECT_TRUE(change(map.Events));
     foldersCannotBeFlushed = false;
     ASSERT_EQ(map.Errors.size(), 2U);
-    EXPECT_NE(map.Errors[1].ErrorDescription.find("is saved, but a power cut may bring the old events back "
-                                                  "(disk I/O error)"),
-              std::string::npos)
-        << map.Errors[1].ErrorDescription;
-    EXPECT_EQ(map.Members().empty() ? "" : map.Members().back(),
-              change.Afterwards == nullptr ? "" : change.Afterwards);
-    EXPECT_EQ(tests::StoredEvents(folder), map.Members());
+    ExpectPart(map.Errors[1].ErrorDescription,
+               "is saved, but a power cut may bring the old events back (disk I/O error)");
+    EXPECT_EQ(map.Members(), afterwards);
+    EXPECT_EQ(StoredEvents(folder), afterwards);
   }
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

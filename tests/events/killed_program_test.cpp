@@ -2,23 +2,18 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <functional>
 
+#include "doubles/child_process.h"
 #include "event_map_fixture.h"
 
 // Stands in for a power cut: the program is killed at each call in turn that a change of the event map makes
 // to the system, half-way through where the call writes.
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Event;
-using tests::EventFolder;
-using tests::EventMap;
-using tests::StoredEvents;
 
 int callsToLive = 0;
 
@@ -54,8 +49,7 @@ using Change = std::function<bool(colclsKeploEvents&)>;
 
 /// @return false if the program made the change in fewer calls and lives
 bool KilledAtCall(int call, const EventFolder& folder, const Change& change) {
-  const pid_t program = fork();
-  if (program == 0) {
+  ChildProcess program([&] {
     EventMap map(folder);
     map.Load();
     callsToLive = call;
@@ -63,12 +57,10 @@ bool KilledAtCall(int call, const EventFolder& folder, const Change& change) {
     Replace("unlink", DyingUnlink);
     Replace("open", DyingOpen);
     _exit(change(map.Events) ? 0 : 1);
-  }
-  int status = 0;
-  EXPECT_EQ(waitpid(program, &status, 0), program);
-  if (WIFSIGNALED(status)) return true;
-  EXPECT_EQ(WEXITSTATUS(status), 0);
-  return false;
+  });
+  const int code = program.Join();
+  EXPECT_LE(code, 0) << "neither killed nor done";
+  return code < 0;
 }
 
 std::unique_ptr<EventFolder> FilledFolder(const std::string& name) {
@@ -105,11 +97,11 @@ TEST(KilledProgram, LeavesTheOldOrTheNewEventsWhole) {
       ASSERT_EQ(next.Database.ExecuteSQL("pragma integrity_check", rows), 1);
       EXPECT_EQ(rows.FieldText("integrity_check"), "ok") << "killed at call " << call;
       EXPECT_TRUE(next.Events.Update(Event("3")));
-      EXPECT_EQ(folder->Files(), tests::Lines{kDatabaseFile}) << "killed at call " << call;
+      EXPECT_EQ(folder->Files(), Texts{kDatabaseFile}) << "killed at call " << call;
     }
     EXPECT_GT(call, 10);  // fewer calls cannot be a journalled change of several pages
   }
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "disk/posix_file_system.h"
+#include "doubles/expect.h"
 #include "doubles/temp_folder.h"
 #include "events/col_cls_keplo_events.h"
 #include "install/first_install.h"

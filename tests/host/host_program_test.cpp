@@ -45,7 +45,7 @@ TEST_F(HostProgramTest, TellsAPersonAndTheJournalWhatBecameOfThePresses) {
   EXPECT_EQ(host_.Wait(), 1);
   const auto lines = host_.Output();
   ASSERT_EQ(lines.size(), 2U);
-  EXPECT_NE(lines[0].find("  event 17  Lamp on  NEC&TV_POWER  zone 0"), std::string::npos);
+  ExpectPart(lines[0], "  event 17  Lamp on  NEC&TV_POWER  zone 0");
   EXPECT_EQ(lines[1], "<6>2 presses heard, 1 events raised, 1 presses without an event");
   ExpectInLog(
       {"keplo-host: ", "sony_tv_mute.mode2 press 1: heard, but no event: no activated event is bound"});
@@ -154,7 +154,7 @@ TEST_F(HostProgramTest, RefusesWhatItCannotRunWith) {
     RunningHost host(app_);
     host.Start({wrong[1], wrong[2]});
     EXPECT_EQ(host.Wait(), 2) << wrong[0];
-    EXPECT_NE(host.Log().find(wrong[0]), std::string::npos) << host.Log();
+    ExpectPart(host.Log(), wrong[0]);
   }
   app_.Write("app/inputKeplo.mdb", "this is no database, and it is long enough to be looked at");
   host_.Start({});

@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include "doubles/expect.h"
 #include "host_program/event_book.h"
 #include "host_program/keyboard.h"
 
@@ -20,10 +21,7 @@ json Book(const std::string& action) {
 }
 
 TEST(PressActions, RefuseWhatTheyDoNotKnowByItsPlace) {
-  struct Case {
-    const char *Action, *Mistake;
-  };
-  const Case cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {R"({"on": "press"})", ""},
       {R"({"on": "hold", "after_ms": 60000})", ""},
       {R"({"kind": "key", "key": "KEY_MUTE"})", ""},
@@ -38,14 +36,10 @@ TEST(PressActions, RefuseWhatTheyDoNotKnowByItsPlace) {
       {R"({"kind": "key", "key": "KEY_MUTE", "on": "press"})",
        R"("on" and "after_ms" do not go with "kind": "key")"},
   };
-  for (const Case& row : cases) {
-    const std::string mistake = MistakeInActions(Book(row.Action));
-    if (*row.Mistake == '\0') {
-      EXPECT_EQ(mistake, "") << row.Action;
-    } else {
-      EXPECT_NE(mistake.find(std::string("action 2 of event 17: ") + row.Mistake), std::string::npos)
-          << mistake;
-    }
+  for (const auto& [action, mistake] : cases) {
+    const std::string told = MistakeInActions(Book(action));
+    tests::ExpectPart(told, mistake.empty() ? "" : "action 2 of event 17: " + mistake);
+    EXPECT_EQ(told.empty(), mistake.empty()) << action << told;
   }
 }
 

@@ -3,13 +3,8 @@
 
 #include "program.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ExpectTold;
-using tests::Install;
-using tests::Lines;
-using tests::RunShell;
 
 TEST(Events, AreBoundChangedAndDeleted) {
   const Install install;
@@ -73,11 +68,11 @@ TEST(Events, TellWhoTakesAChangeIn) {
   const auto sample = std::filesystem::path(KEPLO_SOURCE_DIR) / "samples" / "sony_tv_1.mode2";
   const std::string keplo = "'" KEPLO_PROGRAM "' ", option = install.Option();
   const auto ran =
-      RunShell(keplo + "monitor" + option + " --replay" + tests::Quoted(sample) +
+      RunShell(keplo + "monitor" + option + " --replay" + Quoted(sample) +
                " >/dev/null & m=$!; for i in $(seq 600); do " + keplo + "events disable 1" + option +
                " 2>&1 | grep \"process $m, .* takes the change in\" && break; sleep 0.1; done; kill $m");
   EXPECT_EQ(ran.Out.find("keplo: keplo, process "), 0U) << ran.Out << ran.Err;
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

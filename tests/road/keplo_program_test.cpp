@@ -6,17 +6,10 @@
 
 #include "program.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using nlohmann::json;
-using tests::ExpectTold;
-using tests::Install;
-using tests::Lines;
-using tests::Quoted;
-using tests::Ran;
-using tests::RunShell;
-using tests::TempFolder;
 
 const std::filesystem::path kSamples = std::filesystem::path(KEPLO_SOURCE_DIR) / "samples";
 
@@ -52,7 +45,7 @@ TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
   const auto readBy = [&](const std::string& options) {
     std::string told;
     for (const std::string command : {"decode", "record"}) {
-      const json row = json::parse(tests::RunKeplo(command + " --json" + options + press).Out);
+      const json row = json::parse(RunKeplo(command + " --json" + options + press).Out);
       told += row.at("analysis").get<std::string>() + (row.at("code").is_null() ? " no code " : " code ");
     }
     return told;
@@ -100,7 +93,7 @@ TEST(KeploProgram, TellsWhatIsWrongAndWhatToDo) {
   for (const auto& [command, told] : cases) {
     const Ran ran = RunShell(command);
     EXPECT_EQ(ran.Status, 2) << command;
-    EXPECT_NE(ran.Err.find(told), std::string::npos) << ran.Err;
+    ExpectPart(ran.Err, told);
   }
 }
 
@@ -113,7 +106,7 @@ TEST(KeploProgram, TellsWhatCouldNotBeWritten) {
   for (const std::string command : {"commands", "settings"}) {
     const Ran ran = RunShell("'" KEPLO_PROGRAM "' " + command + install.Option() + " >/dev/full");
     EXPECT_EQ(ran.Status, 3);
-    EXPECT_NE(ran.Err.find("cannot be written"), std::string::npos) << ran.Err;
+    ExpectPart(ran.Err, "cannot be written");
   }
   const Ran limited = RunShell("ulimit -f 1; '" KEPLO_PROGRAM "' settings COMPORT 3" + install.Option());
   EXPECT_EQ(limited.Status, 3) << limited.Err;
@@ -145,7 +138,7 @@ TEST(KeploProgram, StopsOnSignals) {
         RunShell("sh -c 'echo $$ >\"$0\"; exec \"$@\"'" + pid + " '" KEPLO_PROGRAM "' monitor" +
                  install.Option() + " --replay" + Quoted(kSamples / "sony_tv_1.mode2") +
                  " | while read -r line; do echo \"$line\"; kill -s " + signal + " $(cat" + pid + "); done");
-    EXPECT_NE(monitor.Out.find("\n1 presses heard"), std::string::npos) << monitor.Out << monitor.Err;
+    ExpectPart(monitor.Out, "\n1 presses heard");
     const Ran decode = RunShell("timeout -k 60 -s " + signal + " 1 '" KEPLO_PROGRAM "' decode" + pipe);
     EXPECT_EQ(decode.Status, 124) << "a pipe that nobody writes to";
   }
@@ -171,7 +164,7 @@ TEST(KeploProgram, GivesExamplesThatWork) {
         "protocol add",  "protocol edit",   "protocol delete", "protocol",      "events add", "events modify",
         "events enable", "events disable",  "events list",     "events delete", "events",     "monitor",
         "commands",      "commands rename", "forget"}) {
-    const std::vector<std::string> lines = Lines(tests::RunKeplo("help " + command).Out);
+    const std::vector<std::string> lines = Lines(RunKeplo("help " + command).Out);
     auto line = std::find(lines.begin(), lines.end(), "Examples:");
     EXPECT_LT(lines.end() - line, 4) << command;
     ASSERT_NE(line, lines.end()) << command;
@@ -187,4 +180,4 @@ TEST(KeploProgram, GivesExamplesThatWork) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -5,15 +5,10 @@
 #include "program.h"
 #include "signal/signal_builder.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using nlohmann::json;
-using tests::ExpectTold;
-using tests::Install;
-using tests::Lines;
-using tests::Quoted;
-using tests::Ran;
 
 TEST(Learning, HearsEveryCommandThatItSends) {
   const Install install;
@@ -74,8 +69,8 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
 
 TEST(Learning, SendsANewToggleDigitWithEachPress) {
   const Install install;
-  const Ran sent = tests::RunShell("'" KEPLO_PROGRAM "' send RC5 TV_MUTE --count 03 --out -" +
-                                   install.Option() + " | '" KEPLO_PROGRAM "' record --json -");
+  const Ran sent = RunShell("'" KEPLO_PROGRAM "' send RC5 TV_MUTE --count 03 --out -" + install.Option() +
+                            " | '" KEPLO_PROGRAM "' record --json -");
   std::string toggles;
   for (const std::string& line : Lines(sent.Out)) toggles += json::parse(line).at("toggle").dump();
   EXPECT_EQ(toggles, "101");
@@ -93,13 +88,13 @@ TEST(Learning, TellsWhatTheWindowShows) {
     "analysis":"second"})"));
   const Ran silence =
       install.Run("record --json" + Quoted(install.Write("none.cap", std::string(1000, '\0'))));
-  EXPECT_NE(silence.Err.find("there is no signal"), std::string::npos) << silence.Err;
+  ExpectPart(silence.Err, "there is no signal");
   const json nothing = json::parse(silence.Out);
   for (const auto& [field, value] : nothing.items())
     EXPECT_EQ(value.is_null(), field != "file" && field != "press") << field;
   const std::string piece = install.Press("piece.mode2", "--protocol NEC --code 100010 --repeats 0");
   const Ran text = install.Run("record --hold 0" + piece);
-  EXPECT_NE(text.Out.find("6 bits is a fragment"), std::string::npos) << text.Out;
+  ExpectPart(text.Out, "6 bits is a fragment");
   EXPECT_EQ(text.Out.find("NEC"), std::string::npos) << "a fragment names no protocol: " << text.Out;
 }
 
@@ -129,7 +124,7 @@ TEST(Learning, RefusesWithTheReason) {
   const std::string known = install.Press("known.mode2", "--protocol SONY --code 101010010000");
   std::string oddRc5;  // half bits that make no pairs
   for (const char half : std::string("100110100100110110101101001")) oddRc5.append(16, half);
-  const auto odd = Quoted(install.Write("odd.cap", tests::Bytes(oddRc5 + std::string(1600, '0') + oddRc5)));
+  const auto odd = Quoted(install.Write("odd.cap", Bytes(oddRc5 + std::string(1600, '0') + oddRc5)));
   const std::string before = install.Config();
   install.Write("ports.conf", "8 = replay:" + install.File("new.mode2").string() + "\n");
   ExpectTold(
@@ -192,12 +187,12 @@ TEST(Learning, ExplainsPressesWithoutAnInstallAndTellsWhatIsWrongWithANamedOne) 
       {"KEPLO_HOME= XDG_DATA_HOME='" + install.File("data").string(), "keplo.cfg"},
       {"KEPLO_HOME='" + install.File("nowhere").string(), "keplo install"}};
   for (const auto& [home, told] : homes) {
-    const Ran ran = tests::RunShell(home + words);
+    const Ran ran = RunShell(home + words);
     EXPECT_EQ(ran.Status, 0) << home;
-    EXPECT_NE(ran.Out.find("code G11000001001001"), std::string::npos) << ran.Out;
+    ExpectPart(ran.Out, "code G11000001001001");
     EXPECT_TRUE(told.empty() ? ran.Err.empty() : ran.Err.find(told) != std::string::npos) << ran.Err;
   }
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "doubles/expect.h"
 #include "doubles/temp_folder.h"
 
 namespace keplo::tests {
@@ -73,7 +74,7 @@ class Install {
 struct Told {
   std::string Words;
   int Status = 0;
-  std::vector<std::string> Parts;
+  Texts Parts;
 };
 
 /// Runs commands one after the other.
@@ -82,8 +83,7 @@ inline void ExpectTold(const Install& install, const std::vector<Told>& commands
     const Ran ran = install.Run(command.Words);
     EXPECT_EQ(ran.Status, command.Status) << command.Words << ": " << ran.Out << ran.Err;
     for (const std::string& part : command.Parts) {
-      EXPECT_NE((ran.Out + ran.Err).find(part), std::string::npos)
-          << command.Words << ": " << ran.Out << ran.Err << "lacks: " << part;
+      ExpectPart(command.Words + ": " + ran.Out + ran.Err, part);
     }
   }
 }

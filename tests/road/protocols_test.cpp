@@ -4,14 +4,10 @@
 
 #include "program.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using nlohmann::json;
-using tests::ExpectTold;
-using tests::Install;
-using tests::Ran;
-using tests::RunShell;
 
 TEST(Protocols, AreAddedUsedChangedAndDeleted) {
   const Install install;
@@ -61,12 +57,10 @@ TEST(Protocols, AreDeletedOnceATerminalSaidYes) {
   for (const std::string answer : {"n", "y"}) {
     const Ran ran = RunShell("echo " + answer + " | script -qec \"" + command + "\" /dev/null");
     if (ran.Status == 127) GTEST_SKIP() << "there is no script to make a terminal with";
-    EXPECT_NE(ran.Out.find("Do you want to delete the protocol SONY from the current configuration file?"),
-              std::string::npos)
-        << ran.Out;
+    ExpectPart(ran.Out, "Do you want to delete the protocol SONY from the current configuration file?");
     EXPECT_EQ(install.Config() != before, answer == "y");
   }
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -5,13 +5,10 @@
 
 #include "program.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using nlohmann::json;
-using tests::ExpectTold;
-using tests::Install;
-using tests::Quoted;
 
 const std::string kRemote =
     "Filetype: IR signals file\nVersion: 1\n#\nname: Power\ntype: parsed\nprotocol: NEC\naddress: 07 00 00 "
@@ -47,8 +44,8 @@ TEST(Remotes, AreImportedUsedExportedAndTurnedIntoOtherFormats) {
               {"import /dev/null", 2, {"/dev/null"}},
               {"protocols Den", 0, {"carrier\t38000"}}});
   const std::string lirc =
-      tests::RunKeplo("convert" + file + " --to lirc --out" + Quoted(install.File("den.conf"))).Err;
-  EXPECT_NE(lirc.find("NoSuch"), std::string::npos) << lirc;
+      RunKeplo("convert" + file + " --to lirc --out" + Quoted(install.File("den.conf"))).Err;
+  ExpectPart(lirc, "NoSuch");
   std::istringstream rows(install.Run("import --dry-run --json" + Quoted(install.File("den.conf"))).Out);
   std::string row;
   ASSERT_TRUE(std::getline(rows, row));
@@ -65,4 +62,4 @@ TEST(Remotes, AreImportedUsedExportedAndTurnedIntoOtherFormats) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -2,12 +2,8 @@
 
 #include "program.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ExpectTold;
-using tests::Install;
-using tests::Quoted;
 
 TEST(Settings, AreShownAndChangedInTheFile) {
   const Install install;
@@ -52,8 +48,8 @@ TEST(Settings, AreCalibratedWithAHeldKey) {
        {calibrate + noise, 1, {"No IR command received.\nkeplo: none of 1000 signals had a base time"}}});
   EXPECT_EQ(install.Config(), before);
   EXPECT_EQ(install.Run(calibrate + sony).Status, 0);
-  EXPECT_NE(install.Config().find("PROCDELAY= 17\r\n"), std::string::npos);
+  ExpectPart(install.Config(), "PROCDELAY= 17\r\n");
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

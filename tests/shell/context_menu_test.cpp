@@ -1,15 +1,12 @@
 #include "keplo_mod.h"
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ShellTest;
-using Calls = std::vector<std::string>;
 
 class ContextMenu : public ShellTest {
  protected:
-  void SetUp() override { WriteConfig({}, ""); }
+  void SetUp() override { WriteConfig(""); }
 };
 
 TEST_F(ContextMenu, OpensOnTheRightButtonOnly) {
@@ -39,23 +36,22 @@ TEST_F(ContextMenu, SwitchesTheSelectedEventInAllThreePlaces) {
   control.ListView1.Select(2);
   control.RightClickMenu.Items[0].OnClick();
   EXPECT_EQ(Stored(), "Lamp|in the hall|NEC&POWER|True|3|1|\nFan||NEC&FAN1|True|0|2|\n");
-  EXPECT_EQ(errors_, Calls{});
+  EXPECT_EQ(errors_, Texts{});
 }
 
 TEST_F(ContextMenu, DoesNothingOnAnEmptyListAndFailsLoudlyWithoutASelection) {
   WriteEvents({});
   Keplo& empty = Start();
   empty.EnableMenu_Click();
-  EXPECT_EQ(errors_, Calls{});
+  EXPECT_EQ(errors_, Texts{});
 
   std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
   WriteEvents({{"1", "Lamp", "", "NEC&POWER", true, 0}});
   Keplo& control = Start();
   control.DisableMenu_Click();
-  ASSERT_EQ(errors_.size(), 1U);
-  EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "colclsKeploEvents colclsKeploEvents.Save");
+  EXPECT_EQ(errors_, Texts{"colclsKeploEvents colclsKeploEvents.Save"});
   EXPECT_EQ(control.ListView1.Text(1, 3), "True");
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -1,20 +1,15 @@
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ProtocolSection;
-using tests::ShellTest;
-using Calls = std::vector<std::string>;
 
 /// Dispatches codes against a file and rows that a test sets up.
 class Dispatch : public ::testing::Test {
  protected:
-  std::string cfgText_ =
-      tests::Config({}, ProtocolSection("NEC", "G1010101010101,POWER\r\nG11110000111100001111,UP\r\n"));
+  std::string cfgText_ = Config(Protocol("NEC", {"G1010101010101,POWER", "G11110000111100001111,UP"}));
   Settings settings_{.BeepOn = true};
   ui::ListView list_;
-  tests::FakeLine line_;
+  FakeLine line_;
 
   void Row(const std::string& id, const std::string& reference, bool activated = true, int zone = 0) {
     const int row = list_.Add();
@@ -38,26 +33,20 @@ class Dispatch : public ::testing::Test {
   }
 };
 
-TEST_F(Dispatch, RaisesEveryActivatedRowInListOrder) {
-  Row("1", "NEC&POWER");
+TEST_F(Dispatch, RaisesEveryActivatedRowInListOrderOrBeepsAgain) {
   Row("2", "NEC&POWER", false);
+  EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
+  EXPECT_EQ(line_.Calls, (Texts{"SpeakBeep 5000 50"})) << "a command without an event";
+  Row("1", "NEC&POWER");
   Row("3", "nec&POWER");
   Row("4", "NEC&UP");
   Row("5", "NEC&POWER");
   EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
-  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 1000 50", "1 NEC&POWER", "uDelay 200000", "SpeakBeep 1000 50",
+  EXPECT_EQ(line_.Calls, (Texts{"SpeakBeep 1000 50", "1 NEC&POWER", "uDelay 200000", "SpeakBeep 1000 50",
                                 "5 NEC&POWER", "uDelay 200000"}));
   settings_.BeepOn = false;
   Run("1010101010101");
-  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "5 NEC&POWER", "uDelay 200000"}));
-}
-
-TEST_F(Dispatch, AnswersACommandWithoutAnEventByASecondBeep) {
-  EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
-  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 5000 50"}));
-  Row("2", "NEC&POWER", false);
-  Run("1010101010101");
-  EXPECT_EQ(line_.Calls, (Calls{"SpeakBeep 5000 50"}));
+  EXPECT_EQ(line_.Calls, (Texts{"1 NEC&POWER", "uDelay 200000", "5 NEC&POWER", "uDelay 200000"}));
 }
 
 TEST_F(Dispatch, FindsACommandByItsCode) {
@@ -101,14 +90,14 @@ TEST_F(Dispatch, AsksForTheZoneOnlyWhereARowNamesOne) {
   Row("3", "NEC&POWER", true, 3);
   settings_.BeepOn = false;
   Run("1010101010101");
-  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "3 NEC&POWER", "uDelay 200000"}))
+  EXPECT_EQ(line_.Calls, (Texts{"1 NEC&POWER", "uDelay 200000", "3 NEC&POWER", "uDelay 200000"}))
       << "without zone hardware any zone will do";
 
   settings_.VexilMode = 1;
   line_.Answers = {'x'};
   line_.Zones = [](char) -> std::int16_t { return 3; };
   EXPECT_EQ(Run("1010101010101"), DispatchEnd::Walked);
-  EXPECT_EQ(line_.Calls, (Calls{"1 NEC&POWER", "uDelay 200000", "SetMode 2", "SendChr 80", "ReadChr",
+  EXPECT_EQ(line_.Calls, (Texts{"1 NEC&POWER", "uDelay 200000", "SetMode 2", "SendChr 80", "ReadChr",
                                 "CheckZone 120", "SetMode 1", "3 NEC&POWER", "uDelay 200000"}));
 }
 
@@ -127,4 +116,4 @@ TEST_F(Dispatch, EndsAtTheFirstRowOfAnotherZone) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

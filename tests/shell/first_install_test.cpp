@@ -6,18 +6,18 @@
 #include "install/shipped_files.h"
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 /// Runs a first install in a process that is killed ahead of one of its file operations.
 /// @return false if the install came to its end
 bool IsKilledAt(int operation, const std::filesystem::path& appPath, Unpublished way) {
-  tests::ChildProcess child([&] {
+  ChildProcess child([&] {
     PosixFileSystem real(way);
-    tests::DyingFiles files(real, operation);
+    DyingFiles files(real, operation);
     BringFirstInstall(appPath, files);
   });
-  return child.Join() == tests::DyingFiles::kKilled;
+  return child.Join() == DyingFiles::kKilled;
 }
 
 /// What a program does at its start.
@@ -34,54 +34,42 @@ void Start(const std::filesystem::path& appPath) {
 }
 
 TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
-  struct Case {
-    const char* Name;
-    Unpublished Way;  // in which the file system makes files
-    const char* OwnConfig;
-  };
-  for (const Case& install : {Case{"nameless files", Unpublished::Nameless, nullptr},
-                              Case{"named files", Unpublished::Named, nullptr},
-                              Case{"a keplo.cfg of the user", Unpublished::Named, "mine"}}) {
+  for (const auto& [way, own] : {std::pair(Unpublished::Nameless, std::string()),
+                                 {Unpublished::Named, ""},
+                                 {Unpublished::Named, "a keplo.cfg of the user"}}) {
     int operation = 0;
     for (bool killed = true; killed;) {
-      SCOPED_TRACE(install.Name + std::string(", killed ahead of operation ") + std::to_string(++operation));
-      const tests::TempFolder folder;
-      if (install.OwnConfig != nullptr) folder.Write("keplo.cfg", install.OwnConfig);
-      killed = IsKilledAt(operation, folder.Path(), install.Way);
+      SCOPED_TRACE(own + ", killed ahead of operation " + std::to_string(++operation));
+      const TempFolder folder;
+      if (!own.empty()) folder.Write("keplo.cfg", own);
+      killed = IsKilledAt(operation, folder.Path(), way);
       Start(folder.Path());
-      EXPECT_EQ(folder.Read("keplo.cfg"),
-                install.OwnConfig == nullptr ? ShippedFiles()[0].Bytes : install.OwnConfig);
+      EXPECT_EQ(folder.Read("keplo.cfg"), own.empty() ? ShippedFiles()[0].Bytes : own);
       EXPECT_EQ(folder.Read("inkeplo.ico"), ShippedFiles()[1].Bytes);
-      using Files = std::filesystem::directory_iterator;
-      EXPECT_EQ(std::distance(Files(folder.Path()), Files()), 3) << "nothing is left beside the three files";
+      EXPECT_EQ(folder.Files().size(), 3U) << "nothing is left beside the three files";
     }
-    EXPECT_GT(operation, 10) << install.Name;
+    EXPECT_GT(operation, 10);
   }
 }
 
 TEST(FirstInstall, IsCompletedWithAWordOnWhatTheUserMayHaveABackupOf) {
-  struct Case {
-    std::string Missing;
-    bool OfConfig, OfMap;
-  };
-  for (const Case& install :
-       {Case{"keplo.cfg", true, false}, {"inputKeplo.mdb", false, true}, {"inkeplo.ico", false, false}}) {
-    SCOPED_TRACE(install.Missing);
-    const tests::TempFolder folder;
+  for (const std::string missing : {"keplo.cfg", "inputKeplo.mdb", "inkeplo.ico"}) {
+    SCOPED_TRACE(missing);
+    const TempFolder folder;
     PosixFileSystem files;
     EXPECT_TRUE(CompleteInstall(folder.Path(), files).IsFirst);
-    ASSERT_TRUE(std::filesystem::remove(folder.Path() / install.Missing));
+    ASSERT_TRUE(std::filesystem::remove(folder.Path() / missing));
     const StartInstall start = CompleteInstall(folder.Path(), files);
     EXPECT_FALSE(start.IsFirst);
-    const std::string told = "There was no " + install.Missing + " in ";
-    EXPECT_EQ(start.OfConfig.substr(0, told.size()), install.OfConfig ? told : "");
-    EXPECT_EQ(start.OfMap.substr(0, told.size()), install.OfMap ? told : "");
-    EXPECT_TRUE(std::filesystem::exists(folder.Path() / install.Missing));
+    const std::string told = "There was no " + missing + " in ";
+    EXPECT_EQ(start.OfConfig.substr(0, told.size()), missing == "keplo.cfg" ? told : "");
+    EXPECT_EQ(start.OfMap.substr(0, told.size()), missing == "inputKeplo.mdb" ? told : "");
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / missing));
   }
 }
 
 TEST(FirstInstall, ShipsAFileThatASaveLeavesAsItIs) {
-  const tests::TempFolder folder;
+  const TempFolder folder;
   PosixFileSystem files;
   const auto appPath = folder.Path() / "new" / "home";
   EXPECT_EQ(BringFirstInstall(appPath, files).size(), 3U);
@@ -94,4 +82,4 @@ TEST(FirstInstall, ShipsAFileThatASaveLeavesAsItIs) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -2,17 +2,14 @@
 
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ProtocolSection;
-using tests::ScriptedDialog;
 
 TEST(SplitCommandRef, WantsFourCharactersBehindTheFirstAmpersand) {
   PosixFileSystem files;
   for (const std::string row : {"NEC&POWER|NEC|POWER", "NEC&DOWN|NEC|DOWN", "NEC&UP||", "NEC&OFF||", "NEC||",
                                 "||", "A&B&CDE|A|B&CDE"}) {
-    const std::vector<std::string> parts = tests::Parts(row);
+    const std::vector<std::string> parts = Parts(row);
     CfgStore store("unused", files);
     store.CurProtocol = store.CurCommand = "old";
     SplitCommandRef(parts[0], store);
@@ -24,8 +21,8 @@ TEST(SplitCommandRef, WantsFourCharactersBehindTheFirstAmpersand) {
 class EventDialog : public ::testing::Test {
  protected:
   EventDialog() {
-    store_.CfgText = tests::Config({}, ProtocolSection("NEC", "G1010,POWER\r\nG1011,MUTE\r\n") +
-                                           ProtocolSection("SONY", "G1110,PLAY\r\n"));
+    store_.CfgText =
+        Config(Protocol("NEC", {"G1010,POWER", "G1011,MUTE"}) + Protocol("SONY", {"G1110,PLAY"}));
   }
 
   bool Show(std::int32_t mode, const std::function<void(frmEvent&)>& script) {
@@ -61,7 +58,7 @@ TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocolWhateverWasSelected
   store_.CurCommand = "PLAY";
   EXPECT_TRUE(Show(0, press));
   EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
-  store_.CfgText = tests::Config({}, "");
+  store_.CfgText = Config("");
   EXPECT_TRUE(Show(0, press));
   EXPECT_EQ(Stored(), "EMPTY|EMPTY from Template|Template&EMPTY|on|0");
 }
@@ -135,4 +132,4 @@ TEST_F(EventDialog, OpensWithoutASelectionForADeadReference) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -5,7 +5,7 @@
 #include "shell_fixture.h"
 #include "synth/synth.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -82,7 +82,7 @@ TEST(HeldKey, TellsOnePressFromTwo) {
 }
 
 /// A control on a line that plays against a clock.
-class OnePress : public tests::ShellTest {
+class OnePress : public ShellTest {
  protected:
   static constexpr const char* kSony = "101010010000";
   static constexpr const char* kRc5 = "11000000001100";
@@ -96,7 +96,7 @@ class OnePress : public tests::ShellTest {
       options.Repeats = static_cast<int>(held / (kind == keplo::kSony ? 45ms : 108ms));
       recording.Presses.push_back(SynthPress(kind, bits, options));
     }
-    const auto clock = std::make_shared<tests::TestClock>();
+    const auto clock = std::make_shared<TestClock>();
     const std::int16_t receiver = 0;
     ReplayLine line({recording}, receiver);
     line.PlayAgainst(clock);
@@ -121,30 +121,23 @@ class OnePress : public tests::ShellTest {
 
   void Bind(const std::string& code) {
     std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
-    WriteConfig({}, tests::ProtocolSection("ANY", "G" + code + ",KEY\r\n"));
+    WriteConfig(Protocol("ANY", {"G" + code + ",KEY"}));
     WriteEvents({{"17", "Lamp on", "", "ANY&KEY", true, 0}});
   }
 };
 
 TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
-  struct Case {
-    const char* Name;
-    std::int16_t Kind;
-    std::string Sent, Code;
-  };
-  const Case cases[] = {{"NEC", kNec, kDigits, kDigits},
-                        {"SONY", keplo::kSony, kSony, kSony},
-                        {"RC5", keplo::kRc5, kRc5, kRc5}};
-  for (const Case& row : cases) {
-    Bind(row.Code);
+  for (const auto& [kind, code] :
+       {std::pair(kNec, kDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
+    Bind(code);
     const auto told = [&](const std::vector<milliseconds>& presses) {
-      return Monitored(row.Kind, row.Sent, presses);
+      return Monitored(kind, code, presses);
     };
-    EXPECT_EQ(told({50ms}), "PeR") << row.Name;
-    EXPECT_EQ(told({400ms}), "PeR") << row.Name << ": let go in the pause behind the event";
-    EXPECT_EQ(told({1000ms}), "PeHeR") << row.Name;
-    EXPECT_EQ(told({3000ms}), "PeHeHeHeHeHeR") << row.Name;
-    EXPECT_EQ(told({50ms, 1000ms, 50ms}), "PeRPeHeRPeR") << row.Name;
+    EXPECT_EQ(told({50ms}), "PeR") << kind;
+    EXPECT_EQ(told({400ms}), "PeR") << kind << ": let go in the pause behind the event";
+    EXPECT_EQ(told({1000ms}), "PeHeR") << kind;
+    EXPECT_EQ(told({3000ms}), "PeHeHeHeHeHeR") << kind;
+    EXPECT_EQ(told({50ms, 1000ms, 50ms}), "PeRPeHeRPeR") << kind;
   }
 }
 
@@ -169,4 +162,4 @@ TEST_F(OnePress, RaisesNoEventOfWhatALineKeptInThePause) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -4,18 +4,13 @@
 #include "shell/plugin_page.h"
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::ProtocolSection;
-using tests::RowTexts;
-using tests::ShellTest;
-using Calls = std::vector<std::string>;
 
 class HostOperations : public ShellTest {
  protected:
   void SetUp() override {
-    WriteConfig({}, ProtocolSection("NEC", "G" + kDigits + ",POWER\r\nG1111,MUTE\r\n"));
+    WriteConfig(Protocol("NEC", {"G" + kDigits + ",POWER", "G1111,MUTE"}));
     WriteEvents({{"1", "Lamp", "hall", "NEC&POWER", true, 0}, {"2", "Fan", "", "NEC&MUTE", false, 3}});
   }
 
@@ -26,44 +21,45 @@ class HostOperations : public ShellTest {
   }
 };
 
-TEST_F(HostOperations, AddsAnEventInAllThreePlaces) {
+TEST_F(HostOperations, ChangeListTableAndCollectionAlike) {
   Keplo& control = Start();
-  HostInputEvent host = WithID("O'Hara");
-  EXPECT_EQ(control.InputAddEvent(host), 2) << "the user cancelled";
-  EXPECT_EQ(control.ListView1.Count(), 2);
-  EXPECT_EQ(host.EventName, "");
-
-  dialog_.Script = [](frmEvent& dialog) { dialog.OKButton_Click(); };
-  EXPECT_EQ(control.InputAddEvent(host), 1);
-  EXPECT_EQ(host.EventName + "|" + host.EventDescription + "|" + std::get<std::string>(host.EventCommand),
-            "POWER|POWER from NEC|NEC&POWER");
-  EXPECT_EQ(control.ListView1.Text(3, kEventID), "O'Hara");
-  EXPECT_EQ(RowTexts(control.ListView1), Stored());
-  EXPECT_EQ(control.InputModifyEvent(host), 1) << "the collection knows the new event";
-}
-
-TEST_F(HostOperations, ModifiesAnEventInItsPlace) {
-  Keplo& control = Start();
-  HostInputEvent host = WithID("1");
-  dialog_.Script = [](frmEvent& dialog) {
-    dialog.EventName.SetText("Light");
-    dialog.OKButton_Click();
+  HostInputEvent added = WithID("O'Hara"), first = WithID("1");
+  const auto expectRows = [&](const std::string& rows) {
+    EXPECT_EQ(RowTexts(control.ListView1), rows);
+    EXPECT_EQ(Stored(), rows);
   };
-  EXPECT_EQ(control.InputModifyEvent(host), 1);
-  EXPECT_EQ(host.EventName, "Light");
-  EXPECT_EQ(control.ListView1.Text(1, kEventName), "Light");
-  EXPECT_EQ(RowTexts(control.ListView1), Stored());
+  const std::string lamp = "Lamp|hall|NEC&POWER|True|0|1|\n", fan = "Fan||NEC&MUTE|False|3|2|\n",
+                    power = "POWER|POWER from NEC|NEC&POWER|True|0|O'Hara|\n";
+  EXPECT_EQ(control.InputAddEvent(added), 2) << "the user cancelled";
+  EXPECT_EQ(added.EventName, "");
+  expectRows(lamp + fan);
+  AnswerOK();
+  EXPECT_EQ(control.InputAddEvent(added), 1);
+  EXPECT_EQ(added.EventName + "|" + added.EventDescription + "|" + std::get<std::string>(added.EventCommand),
+            "POWER|POWER from NEC|NEC&POWER");
+  expectRows(lamp + fan + power);
+  EXPECT_EQ(control.InputModifyEvent(added), 1) << "the collection knows the new event";
 
-  dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
+  AnswerOK("Light");
+  EXPECT_EQ(control.InputModifyEvent(first), 1);
+  EXPECT_EQ(first.EventName, "Light");
+  const std::string light = Replaced(lamp, "Lamp", "Light");
+  expectRows(light + fan + power);
+  dialog_.Script = nullptr;
   control.ListView1.SetText(1, kEventName, "spoilt");
-  EXPECT_EQ(control.InputModifyEvent(host), 2);
-  EXPECT_EQ(RowTexts(control.ListView1), Stored()) << "the row is rewritten from the record";
+  EXPECT_EQ(control.InputModifyEvent(first), 2);
+  expectRows(light + fan + power);  // the row is rewritten from the record
+
+  EXPECT_EQ(control.InputDeleteEvent(WithID("99")), 0);
+  EXPECT_EQ(control.InputDeleteEvent(first), 1);
+  expectRows(fan + power);
+  EXPECT_EQ(control.InputModifyEvent(first), 0) << "the collection has let it go too";
 }
 
 TEST_F(HostOperations, TellsWhyNothingWasStored) {
   Keplo& control = Start();
   HostInputEvent unknown = WithID("99"), taken = WithID("1");
-  dialog_.Script = [](frmEvent& dialog) { dialog.OKButton_Click(); };
+  AnswerOK();
   EXPECT_EQ(control.InputModifyEvent(unknown), 0);
   EXPECT_EQ(control.InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
   EXPECT_EQ(control.InputErrorDetails()->ErrorDate.substr(2, 10), "-Jan-1970 ");
@@ -71,19 +67,8 @@ TEST_F(HostOperations, TellsWhyNothingWasStored) {
   EXPECT_EQ(control.InputAddEvent(taken), 0);
   EXPECT_EQ(taken.EventName, "");
   EXPECT_EQ(RowTexts(control.ListView1), Stored());
-  ASSERT_EQ(errors_.size(), 2U);
-  EXPECT_EQ(errors_[0].substr(0, errors_[0].find(':')), "InputKeplo.Keplo InputModifyEvent");
-  EXPECT_EQ(errors_[1].substr(0, errors_[1].find(':')), "colclsKeploEvents colclsKeploEvents.Save");
-}
-
-TEST_F(HostOperations, DeletesAnEventFromAllThreePlaces) {
-  Keplo& control = Start();
-  EXPECT_EQ(control.InputDeleteEvent(WithID("99")), 0);
-  EXPECT_EQ(control.InputDeleteEvent(WithID("1")), 1);
-  EXPECT_EQ(RowTexts(control.ListView1), "Fan||NEC&MUTE|False|3|2|\n");
-  EXPECT_EQ(RowTexts(control.ListView1), Stored());
-  HostInputEvent gone = WithID("1");
-  EXPECT_EQ(control.InputModifyEvent(gone), 0) << "the collection has let it go too";
+  EXPECT_EQ(errors_,
+            (Texts{"InputKeplo.Keplo InputModifyEvent", "colclsKeploEvents colclsKeploEvents.Save"}));
 }
 
 TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted) {
@@ -95,7 +80,7 @@ TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted
   control.TakeInChanges();
   EXPECT_EQ(control.InputDeleteEvent(WithID("2")), 0);
   EXPECT_EQ(control.ListView1.Count(), 1);
-  EXPECT_EQ(errors_, Calls{});
+  EXPECT_EQ(errors_, Texts{});
   control.TakeInChanges();
   std::filesystem::rename(away, map);
   control.TakeInChanges();
@@ -105,10 +90,7 @@ TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted
 TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
   Keplo& control = Start();
   control.ListView1.Select(2);
-  dialog_.Script = [](frmEvent& dialog) {
-    dialog.EventName.SetText("Light");
-    dialog.OKButton_Click();
-  };
+  AnswerOK("Light");
   HostInputEvent second = WithID("2");
   struct Case {
     const char* Name;
@@ -136,7 +118,7 @@ TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
     control.TakeInChanges();
     EXPECT_EQ(RowTexts(control.ListView1), before);
     EXPECT_FALSE(control.ListDiffersFromMap());
-    dialog_.Script = [](frmEvent& dialog) { dialog.CancelButton_Click(); };
+    dialog_.Script = nullptr;
     control.InputModifyEvent(second);
     EXPECT_EQ(RowTexts(control.ListView1), before) << "the collection has it too";
   }
@@ -146,11 +128,11 @@ TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {
   Keplo& control = Start();
   std::vector<std::string> ids = {"old"};
   EXPECT_EQ(control.InputHouseKeepingGetEventIDs(ids), 1);
-  EXPECT_EQ(ids, (Calls{"1", "2"}));
+  EXPECT_EQ(ids, (Texts{"1", "2"}));
   control.InputDeleteEvent(WithID("1"));
   control.InputDeleteEvent(WithID("2"));
   control.InputHouseKeepingGetEventIDs(ids);
-  EXPECT_EQ(ids, Calls{""});
+  EXPECT_EQ(ids, Texts{""});
 }
 
 TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
@@ -162,7 +144,7 @@ TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
     EXPECT_EQ(mod_->Settings.PluginMode, 1);
     mod_->Settings.InterfaceType = 9;
   };
-  const Calls menuLines = {"RTS -1", "TXD 0", "RTS -1", "TXD 0"};
+  const Texts menuLines = {"RTS -1", "TXD 0", "RTS -1", "TXD 0"};
   EXPECT_TRUE(control.InputCallMenuItem(0));
   EXPECT_EQ(line_.TakeCalls(), menuLines);
   EXPECT_EQ(control.Panel.InterfaceType.Text(), "IRMouse / TxD");
@@ -174,14 +156,14 @@ TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
   mod_->Store.CfgText += "behind the end";
   control.InputConfigurePlugin();
   EXPECT_EQ(opened, 2);
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0", "DTR -1"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "TXD 0", "RTS -1", "TXD 0", "DTR -1"}));
   EXPECT_EQ(folder_.Read("keplo.cfg"), mod_->Store.CfgText) << "it is saved, cut behind [END]";
   control.InputStopMonitoring();
   line_.Calls.clear();
   control.InputConfigurePlugin();
   control.InputCallMenuItem(0);
   EXPECT_FALSE(control.Timer1.Enabled());
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "TXD 0", "RTS -1", "TXD 0"}));
 }
 
 TEST_F(HostOperations, OneWindowAtATimeAndNoTickBelowIt) {
@@ -206,16 +188,13 @@ TEST_F(HostOperations, OneWindowAtATimeAndNoTickBelowIt) {
 
 TEST_F(HostOperations, SavesNeitherADamagedTextNorOverAnotherProgramUntold) {
   Keplo& control = Start();
-  control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
-    errors_.push_back(record.ErrorDescription);
-  };
   std::string& text = mod_->Store.CfgText;
   text.replace(text.find("COMPORT= "), 10, "COMPORT= 7");  // a change that no save has taken to the file
   const std::string whole = text;
   folder_.Write("keplo.cfg", "of another program");
   control.InputConfigurePlugin();
-  ASSERT_EQ(errors_.size(), 1U);
-  EXPECT_NE(errors_[0].find("keplo.cfg.other-1"), std::string::npos) << errors_[0];
+  ASSERT_EQ(told_.size(), 1U);
+  ExpectPart(told_[0], "keplo.cfg.other-1");
   EXPECT_EQ(folder_.Read("keplo.cfg.other-1"), "of another program");
 
   text = whole.substr(0, whole.find("[END]"));
@@ -235,7 +214,7 @@ TEST_F(HostOperations, MonitoringGoesOnWhateverFailsAroundTheWindow) {
   std::filesystem::remove_all(folder_.Path());
   control.InputConfigurePlugin();
   EXPECT_TRUE(control.Timer1.Enabled());
-  EXPECT_EQ(errors_, (Calls{"OpenMainWindow", "OpenMainWindow", "InputConfigurePlugin"}));
+  EXPECT_EQ(errors_, (Texts{"OpenMainWindow", "OpenMainWindow", "InputConfigurePlugin"}));
 }
 
 TEST_F(HostOperations, AnswersTheHostsQuestions) {
@@ -247,7 +226,7 @@ TEST_F(HostOperations, AnswersTheHostsQuestions) {
   EXPECT_EQ(control.InputPostHTMLPage(page), 1);
   EXPECT_EQ(page, EventPage(control.ListView1, PageRequest::Post));
   control.InputGetPluginMenuItems(items);
-  EXPECT_EQ(items, (Calls{"Configure Infrared Interface"}));
+  EXPECT_EQ(items, (Texts{"Configure Infrared Interface"}));
   control.InputGetPluginVersion(version);
   EXPECT_EQ(version, "1.3.34");
   EXPECT_EQ(control.InputIconFileName(), (folder_.Path() / "inkeplo.ico").string());
@@ -256,4 +235,4 @@ TEST_F(HostOperations, AnswersTheHostsQuestions) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

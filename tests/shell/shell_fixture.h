@@ -33,21 +33,6 @@ class ScriptedDialog : public EventDialogShower {
   }
 };
 
-struct General {
-  std::string ComPort = "1", InterfaceType = "0", BeepOn = "1", Vexil = "0";
-};
-
-inline std::string ProtocolSection(const std::string& name, const std::string& commands) {
-  return Protocol(name, {commands});
-}
-
-inline std::string Config(const General& general, const std::string& sections) {
-  return Lines({"[General]", "COMPORT= " + general.ComPort, "PROTOCOL= 0", "PROCDELAY= 10",
-                "ITYPE= " + general.InterfaceType, "BEEPON= " + general.BeepOn, "VEXIL= " + general.Vexil,
-                ""}) +
-         sections + Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
-}
-
 inline std::string RowTexts(const ui::ListView& list) {
   std::string rows;
   for (int row = 1; row <= list.Count(); ++row) {
@@ -68,8 +53,8 @@ class ShellTest : public ::testing::Test {
  protected:
   const std::string kDigits = "00000000111111110110100010010111";
 
-  void WriteConfig(const General& general, const std::string& sections) {
-    folder_.Write("keplo.cfg", Config(general, sections));
+  void WriteConfig(const std::string& sections, const std::string& general = kGeneral) {
+    folder_.Write("keplo.cfg", Config(sections, general));
   }
 
   void WriteEvents(const std::vector<clsKeploEvent>& events) {
@@ -99,7 +84,8 @@ class ShellTest : public ::testing::Test {
       line_.Calls.push_back("event " + event.EventID);
     };
     control_->TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
-      errors_.push_back(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
+      errors_.push_back(record.ErrorSource + " " + record.ErrorProcedure);
+      told_.push_back(record.ErrorDescription);
     };
     return *control_;
   }
@@ -113,6 +99,14 @@ class ShellTest : public ::testing::Test {
     return control;
   }
 
+  /// From now on the user gives an event a name, and presses OK.
+  void AnswerOK(const std::string& name = {}) {
+    dialog_.Script = [=](frmEvent& dialog) {
+      if (!name.empty()) dialog.EventName.SetText(name);
+      dialog.OKButton_Click();
+    };
+  }
+
   TempFolder folder_;
   PosixFileSystem files_;
   FixedClock clock_;
@@ -122,7 +116,7 @@ class ShellTest : public ::testing::Test {
   std::function<void()> mainWindow_ = [] {};
   std::unique_ptr<KeploMod> mod_;
   std::unique_ptr<Keplo> control_;
-  std::vector<std::string> raised_, errors_;
+  std::vector<std::string> raised_, errors_, told_;  // errors by source and procedure, and what they tell
 };
 
 }  // namespace keplo::tests

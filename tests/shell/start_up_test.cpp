@@ -1,19 +1,14 @@
 #include "shell_fixture.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::General;
-using tests::PanelText;
-using tests::ShellTest;
-using Calls = std::vector<std::string>;
 
 class StartUp : public ShellTest {};
 
 TEST_F(StartUp, OpensThePortAndFillsThePanel) {
-  WriteConfig({.ComPort = "3", .InterfaceType = "9", .Vexil = "2"}, "");
+  WriteConfig("", General("3 0 10 9 1 2"));
   Keplo& control = Create();
-  EXPECT_EQ(line_.Calls, (Calls{"OpenCom 3", "RTS -1", "TXD 0", "SetMode 2"}));
+  EXPECT_EQ(line_.Calls, (Texts{"OpenCom 3", "RTS -1", "TXD 0", "SetMode 2"}));
   EXPECT_EQ(PanelText(control.Panel), "COM 3|AVAILABLE|NO|YES|IRMouse / TxD");
   EXPECT_EQ(control.Panel.CtlPortStatus.BackColour(), ui::kGreen);
   EXPECT_EQ(mod_->Settings.ReceiverKind, 1);
@@ -34,7 +29,7 @@ TEST_F(StartUp, ShowsEachInterfaceType) {
       {"0", 0, "DCDStandard / DTR"}, {"1", 0, "DCDStandard / TxD"}, {"8", 1, "IRMouse / DTR"},
       {"9", 1, "IRMouse / TxD"},     {"5", 0, "InterfaceType"},     {"10", 1, "InterfaceType"}};
   for (const auto& [type, receiver, text] : cases) {
-    WriteConfig({.InterfaceType = type}, "");
+    WriteConfig("", General("1 0 10 " + type + " 1 0"));
     EXPECT_EQ(Create().Panel.InterfaceType.Text(), text) << type;
     EXPECT_EQ(mod_->Settings.ReceiverKind, receiver) << type;
   }
@@ -42,10 +37,10 @@ TEST_F(StartUp, ShowsEachInterfaceType) {
 
 TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
   WriteEvents({});
-  WriteConfig({}, "");
+  WriteConfig("");
   Keplo& control = Start();
   control.TakeInChanges();
-  WriteConfig({.InterfaceType = "8", .Vexil = "2"}, tests::ProtocolSection("NEC", "G1010,POWER"));
+  WriteConfig(Protocol("NEC", {"G1010,POWER"}), General("1 0 10 8 1 2"));
   control.TakeInChanges();
   EXPECT_EQ(control.Panel.VexilAvailable.Text() + " " + control.Panel.InterfaceType.Text(),
             "YES IRMouse / DTR");
@@ -53,9 +48,9 @@ TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
   EXPECT_NE(mod_->Store.CfgText.find("G1010,POWER"), std::string::npos);
   EXPECT_TRUE(line_.TakeCalls().empty()) << "the port stays open";
 
-  WriteConfig({.ComPort = "4"}, "");
+  WriteConfig("", General("4 0 10 0 1 0"));
   control.TakeInChanges();
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"OpenCom 4", "RTS -1", "TXD 0"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"OpenCom 4", "RTS -1", "TXD 0"}));
   EXPECT_EQ(control.Panel.CtlComPort.Text(), "COM 4");
   folder_.Write("keplo.cfg", "cut short");
   for (int look = 0; look < 2; ++look) control.TakeInChanges();
@@ -67,10 +62,10 @@ TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
 }
 
 TEST_F(StartUp, TriesThePortFiveTimes) {
-  WriteConfig({}, "");
+  WriteConfig("");
   line_.OpenResults = {0, -1, 1};
   EXPECT_EQ(Create().Panel.CtlPortStatus.Text(), "AVAILABLE");
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"OpenCom 1", "uDelay 200000", "OpenCom 1", "uDelay 200000", "OpenCom 1",
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"OpenCom 1", "uDelay 200000", "OpenCom 1", "uDelay 200000", "OpenCom 1",
                                       "RTS -1", "TXD 0"}));
 
   line_.OpenResults = {0, 0, 0, 0, 0, 1};
@@ -84,37 +79,37 @@ TEST_F(StartUp, TriesThePortFiveTimes) {
 }
 
 TEST_F(StartUp, LeavesThePortClosedWhenSettingsAreIncomplete) {
-  std::string config = tests::Config({}, "");
+  std::string config = Config("");
   folder_.Write("keplo.cfg", config.replace(config.find("ITYPE="), 6, "XTYPE="));
   Keplo& control = Create();
-  EXPECT_EQ(line_.Calls, Calls{});
+  EXPECT_EQ(line_.Calls, Texts{});
   EXPECT_EQ(PanelText(control.Panel), "CtlComPort|CtlPortStatus|NO|VexilAvailable|InterfaceType");
   EXPECT_EQ(control.ListView1.Columns().size(), 6U);
 }
 
 TEST_F(StartUp, StartsAndStopsMonitoring) {
-  WriteConfig({}, "");
+  WriteConfig("");
   Keplo& control = Create();
   line_.Calls.clear();
   EXPECT_EQ(control.InputStartMonitoring(), 1);
   EXPECT_TRUE(control.InputMonitoring());
   EXPECT_TRUE(control.Timer1.Enabled());
   EXPECT_EQ(control.Panel.RcvActivated.Text(), "YES");
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0", "RTS -1"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "TXD 0", "RTS -1"}));
 
   EXPECT_EQ(control.InputStopMonitoring(), 1);
   EXPECT_FALSE(control.InputMonitoring());
   EXPECT_FALSE(control.Timer1.Enabled());
   EXPECT_EQ(control.Panel.RcvActivated.Text(), "NO");
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"RTS -1", "TXD 0"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "TXD 0"}));
 
   EXPECT_EQ(control.InputTerminate(), 1);
-  EXPECT_EQ(line_.TakeCalls(), (Calls{"CloseCom"}));
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"CloseCom"}));
   EXPECT_EQ(control.InputErrorDetails(), nullptr);
 }
 
 TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
-  WriteConfig({}, "");
+  WriteConfig("");
   EXPECT_EQ(Create().InputInitialise(nullptr), 0) << "there is no database";
   WriteEvents({{"17", "Lamp", "", "NEC&POWER", true, 0}});
   Keplo& control = Create();
@@ -123,7 +118,7 @@ TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
 }
 
 TEST_F(StartUp, FitsTheListIntoTheControl) {
-  WriteConfig({}, "");
+  WriteConfig("");
   Keplo& control = Create();
   control.Resize(5000, 6000);
   EXPECT_EQ(control.ListView1.Width, 4700);
@@ -134,4 +129,4 @@ TEST_F(StartUp, FitsTheListIntoTheControl) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -15,8 +15,8 @@ using tests::Texts;
 class EventDialogOnScreen : public ::testing::Test {
  protected:
   EventDialogOnScreen() {
-    store_.CfgText = tests::Config({}, tests::ProtocolSection("NEC", "G1010,POWER\r\nG1011,MUTE\r\n") +
-                                           tests::ProtocolSection("SONY", "G1110,PLAY\r\n"));
+    store_.CfgText = tests::Config(tests::Protocol("NEC", {"G1010,POWER", "G1011,MUTE"}) +
+                                   tests::Protocol("SONY", {"G1110,PLAY"}));
     settings_.VexilMode = 1;
   }
 

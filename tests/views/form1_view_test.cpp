@@ -87,7 +87,14 @@ TEST_F(MainWindowOnScreen, TheWheelTurnsOnlyWhatHasTheFocus) {
     QApplication::sendEvent(&view, &down);
   };
   Find("SendButton").setFocus();
+  bool told = false;
+  line_.WhileRecording = [&] {
+    for (const QLabel* label : view_->findChildren<QLabel*>()) {
+      told = told || (label->isVisible() && label->text().startsWith(QStringLiteral("Recording: ")));
+    }
+  };
   Record();
+  EXPECT_TRUE(told) << "what the window waits for";
   for (const char* name : {"Protocol", "HScroll1"}) turn(name);
   EXPECT_EQ(form_->Protocol.ListIndex(), 0);
   EXPECT_EQ(form_->HScroll1.Value(), 15);

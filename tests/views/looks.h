@@ -10,11 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "doubles/expect.h"
 #include "qt/control_look.h"
 
 namespace keplo::tests {
-
-using Texts = std::vector<std::string>;
 
 inline QPalette DarkPalette() {
   QPalette dark(QColor(0x2D, 0x2D, 0x30));

@@ -32,13 +32,13 @@ class WindowProgram : public ::testing::Test {
     std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
   }
 
-  Words Program(const Words& more = {}) const {
-    Words words = {"env", "PATH=" + home_.Path().string() + ":" + std::getenv("PATH"), KEPLO_WINDOW,
+  Texts Program(const Texts& more = {}) const {
+    Texts words = {"env", "PATH=" + home_.Path().string() + ":" + std::getenv("PATH"), KEPLO_WINDOW,
                    "--app-path", home_.Path() / "keplo"};
     words.insert(words.end(), more.begin(), more.end());
     return screen_->Here(words);
   }
-  bool Start(const Words& more) {
+  bool Start(const Texts& more) {
     program_.emplace(Program(more));
     return MainWindowComes();
   }
@@ -65,7 +65,7 @@ class WindowProgram : public ::testing::Test {
   void Keys(const std::string& keys) { screen_->Keys(keys); }
   std::string ConfigFile() const { return home_.Read("keplo/keplo.cfg"); }
 
-  static constexpr std::uint32_t kGreen = 0x00FF00, kRed = 0xFF0000, kBlack = 0;
+  static constexpr std::uint32_t kGreen = 0x00FF00, kRed = 0xFF0000;
 
   TempFolder home_;
   std::optional<OutsideScreen> screen_;
@@ -97,32 +97,6 @@ TEST_F(WindowProgram, LearnsAPressByKeysAloneIntoAFirstInstall) {
   EXPECT_TRUE(Until([&] { return home_.Read("xdg-open.told").ends_with("docs/help/index.html\n"); }));
   Keys("alt+f x");
   EXPECT_EQ(program_->WaitForEnd(), 0);
-}
-
-TEST_F(WindowProgram, TellsOnTheScreenWhatItWaitsForAndDropsWhatIsPressedMeanwhile) {
-  ASSERT_TRUE(Start({"--real-time", "--ports", "1"}));
-  screen_->Click(PartOf("SendPulse"));
-  Keys("ctrl+a");
-  screen_->Type("9999");  // microseconds; a code takes seconds then
-  screen_->Click(PartOf("SendButton"));
-  ScreenPart foot = PartOf("Signal");
-  foot = {foot.X, foot.Y + foot.Height * 3 / 4, foot.Width, foot.Height / 4};
-  EXPECT_TRUE(Until([&] { return screen_->Share(foot, kBlack) < 0.5; })) << "the notice lies there";
-
-  program_->Freeze();
-  screen_->Click(PartOf("DeleteCmdButton"));
-  for (const char* list : {"ComList", "Protocol"}) screen_->Click(PartOf(list), 5);
-  Keys("alt+f d F1 ctrl+x");
-  program_->Thaw();
-
-  EXPECT_TRUE(Until([&] {
-    screen_->Click(PartOf("MinButton"));
-    return screen_->PartOf(window_).Width < at_.Width / 2;
-  })) << "the window is there and no box stands over it";
-  Keys("ctrl+x");
-  EXPECT_EQ(program_->WaitForEnd(), 0);
-  EXPECT_NE(ConfigFile().find("COMPORT= 1\r\nPROTOCOL= 0\r\n"), std::string::npos) << ConfigFile();
-  EXPECT_EQ(home_.Read("xdg-open.told"), "");
 }
 
 TEST_F(WindowProgram, ASecondStartBringsTheWindowToTheFront) {

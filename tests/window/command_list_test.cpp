@@ -92,7 +92,7 @@ TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
   Form1& form = Open(FileWith({"G1010,VOL"}));
   RecordTwice();
   disk_.FailAt(1, true);
-  EXPECT_NE(Save({"VOL_UP"}).back().find("keplo.cfg is as it was: operation"), std::string::npos);
+  ExpectPart(Save({"VOL_UP"}).back(), "keplo.cfg is as it was: operation");
   EXPECT_EQ(CodeColour() + " " + form.CodeStr.Text(), "green G" + kDigits);
   EXPECT_EQ(mod_->Store.CfgText, File());
 
@@ -106,7 +106,7 @@ TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
   boxes_.Shown.clear();
   disk_.FailAt(ofADelete, true);
   const std::string told = Delete().back();
-  EXPECT_NE(told.find("a power cut may bring the old file back"), std::string::npos) << told;
+  ExpectPart(told, "a power cut may bring the old file back");
   EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "EMPTY G10") << "as the file has it";
   disk_.FailAt(0, false);
 
@@ -176,7 +176,7 @@ TEST_F(CommandList, TakesInWhatOtherProgramsWriteAndKeepsWhatTheUserIsAt) {
       "IRMouse328COM 7");
 
   WriteOutside("half a file");
-  EXPECT_NE(form.Note.Text().find("is not taken in"), std::string::npos) << form.Note.Text();
+  ExpectPart(form.Note.Text(), "is not taken in");
   EXPECT_EQ(form.Protocol.Text(), "TV");
   disk_.Put("keplo.cfg", settings);
   form.FileTimer.Tick();

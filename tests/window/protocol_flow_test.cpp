@@ -219,7 +219,7 @@ TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) 
   New();
   mod_->Store.CfgText.replace(1, 7, "Genera1");
   EXPECT_EQ(Save(true).back(), "Error in the configuration file");
-  EXPECT_NE(File().find("[NewProtocol]"), std::string::npos);
+  ExpectPart(File(), "[NewProtocol]");
   EXPECT_EQ(form_->Protocol.Count(), 0);
   EXPECT_EQ(Save(true), Texts{"The new protocol name is in use"});
 }

@@ -15,21 +15,9 @@ constexpr const char* kConfigError =
     "(error) There is an error in the configuration file.\r\nThe application will be closed.\r\n"
     "Please send a message to support@keplo.example for support.";
 
-std::string General(const std::string& values) {
-  std::string text = "[General]\r\n";
-  std::size_t at = 0;
-  for (const char* key : {"COMPORT", "PROTOCOL", "PROCDELAY", "ITYPE", "BEEPON", "VEXIL"}) {
-    const std::size_t end = values.find(' ', at);
-    text += std::string(key) + "= " + values.substr(at, end - at) + "\r\n";
-    at = end + 1;
-  }
-  return text + "\r\n";
-}
-
 /// A file with two protocols.
 std::string FileOf(const std::string& general) {
-  return General(general) + Protocol("One", {"G1010101010101,PLAY"}) + Protocol("Two", {"G10,EMPTY"}) +
-         Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
+  return Config(Protocol("One", {"G1010101010101,PLAY"}) + Protocol("Two", {"G10,EMPTY"}), General(general));
 }
 
 class StartUp : public WindowTest {
@@ -99,26 +87,20 @@ TEST_F(StartUp, TheUsersChoiceIsColouredByItsFirstAttempt) {
   ASSERT_TRUE(Load(FileOf("2 0 10 0 0 0")));
   EXPECT_EQ(form_->ComList.Entries(), (Texts{"COM 2", "COM 5", "COM 12"}));
   const Texts settled = {"RTS -1", "RTS -1", "TXD 0"};
-  struct Case {
-    int Row;
-    int Attempt;  // at which the port opens; 0 for never
-    Texts Calls;
-    ui::Colour Colour;
-  };
   const std::string wait = "uDelay 200000";
-  for (const Case& c : std::vector<Case>{{2, 1, {"OpenCom 12"}, ui::kGreen},
-                                         {1, 2, {wait, "OpenCom 5"}, ui::kRed},
-                                         {0, 0, {wait, wait, wait}, ui::kRed}}) {
-    const int port = std::array{2, 5, 12}[static_cast<std::size_t>(c.Row)];
-    if (c.Attempt == 0) Ports.erase(port);
-    if (c.Attempt > 0) Ports[port] = c.Attempt;
+  constexpr int kNever = 99;
+  for (const auto& [port, attempt, opening, colour] :
+       std::vector<std::tuple<int, int, Texts, ui::Colour>>{{12, 1, {"OpenCom 12"}, ui::kGreen},
+                                                            {5, 2, {wait, "OpenCom 5"}, ui::kRed},
+                                                            {2, kNever, {wait, wait, wait}, ui::kRed}}) {
+    Ports[port] = attempt;
     line_.Calls.clear();
-    form_->ComList.Select(c.Row);
-    Texts calls = c.Calls;
+    form_->ComList.SelectText("COM " + std::to_string(port));
+    Texts calls = opening;
     calls.insert(calls.end(), settled.begin(), settled.end());
     EXPECT_EQ(line_.Calls, calls);
-    EXPECT_EQ(form_->ComList.BackColour(), c.Colour);
-    EXPECT_NE(File().find("COMPORT= " + std::to_string(port) + "\r\n"), std::string::npos);
+    EXPECT_EQ(form_->ComList.BackColour(), colour);
+    ExpectPart(File(), "COMPORT= " + std::to_string(port) + "\r\n");
     EXPECT_EQ(mod_->Settings.ComPortNr, port);
   }
   EXPECT_TRUE(boxes_.Shown.empty());
@@ -158,14 +140,9 @@ TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
 TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
   const std::string whole = FileOf("5 0 10 0 1 3");
   const auto without = [&](const std::string& text, const std::string& instead = "") {
-    std::string file = whole;
-    return file.replace(file.find(text), text.size(), instead);
+    return Replaced(whole, text, instead);
   };
-  struct Case {
-    std::string File;
-    bool Alone, ByShell;  // whether it comes up
-  };
-  const std::vector<Case> cases = {
+  const std::vector<std::tuple<std::string, bool, bool>> cases = {
       {whole, true, true},
       {without("[END]", "[End]"), false, false},
       {without("[END]\r\n"), false, false},
@@ -176,12 +153,12 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
       {"", false, false},
       {std::string(kMostCharacters + 1, 'x'), false, true},
   };
-  for (const Case& c : cases) {
+  for (const auto& [file, alone, byShell] : cases) {  // whether it comes up
     for (const int pluginMode : {0, 1}) {
-      if (pluginMode == 1 && c.File.size() > kMostCharacters) continue;  // no shell has loaded it
-      const bool comesUp = pluginMode == 1 ? c.ByShell : c.Alone;
-      EXPECT_EQ(Load(c.File, pluginMode), comesUp) << pluginMode << c.File;
-      EXPECT_EQ(boxes_.TakeShown(), comesUp ? Texts{} : Texts{kConfigError}) << pluginMode << c.File;
+      if (pluginMode == 1 && file.size() > kMostCharacters) continue;  // no shell has loaded it
+      const bool comesUp = pluginMode == 1 ? byShell : alone;
+      EXPECT_EQ(Load(file, pluginMode), comesUp) << pluginMode << file;
+      EXPECT_EQ(boxes_.TakeShown(), comesUp ? Texts{} : Texts{kConfigError}) << pluginMode << file;
       EXPECT_EQ(form_->WhyNotLoaded().empty(), comesUp);
       EXPECT_EQ(boxes_.Reasons.empty(), comesUp);
       boxes_.Reasons.clear();
@@ -189,7 +166,7 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
       const auto closed = std::count(line_.Calls.begin(), line_.Calls.end(), "CloseCom");
       EXPECT_EQ(closed, pluginMode == 0 ? 1 : 0);
       form_->Form_Unload();
-      EXPECT_EQ(File(), c.File);
+      EXPECT_EQ(File(), file);
     }
   }
 }
@@ -240,7 +217,7 @@ TEST_F(StartUp, FailedSavesAreToldOnceAndTriedAgainAtTheEnd) {
   ASSERT_TRUE(Load(FileOf("5 0 10 1 1 3")));
   const Texts told = boxes_.TakeShown();
   ASSERT_EQ(told.size(), 1U);
-  EXPECT_NE(told.front().find("keplo.cfg"), std::string::npos) << told.front();
+  ExpectPart(told.front(), "keplo.cfg");
   EXPECT_EQ(File(), FileOf("5 0 10 1 1 3"));
   disk_.FailAt(0, false);
   form_->Form_Unload();
@@ -257,8 +234,8 @@ TEST_F(StartUp, ASettingThatDoesNotFitKeepsNothingElseFromTheFile) {
   form_->Protocol.SelectText("Two");
   form_->ComList.Select(1);
   form_->Form_Unload();
-  EXPECT_NE(File().find("PROTOCOL= 1\r\n"), std::string::npos);
-  EXPECT_NE(File().find("COMPORT= 2\r\n"), std::string::npos);
+  ExpectPart(File(), "PROTOCOL= 1\r\n");
+  ExpectPart(File(), "COMPORT= 2\r\n");
   EXPECT_EQ(boxes_.TakeShown().size(), 2U) << "when it was chosen, and at the end";
 }
 

@@ -78,6 +78,4 @@ inline std::vector<int> Frames(const std::vector<int>& frame, int count) {
   return count == 1 ? frame : Joined(frame, Frames(frame, count - 1));
 }
 
-using Texts = std::vector<std::string>;
-
 }  // namespace keplo::tests
