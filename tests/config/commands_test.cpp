@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "config/check_config.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/protocols.h"
-#include "config/read_settings.h"
-#include "disk/posix_file_system.h"
 
 namespace keplo::tests {
 namespace {
@@ -155,23 +152,6 @@ TEST(WithSendAs, StandsBehindTheLastKeyAndStays) {
     EXPECT_EQ(params.SENDAS, Parts(row)[1]);
   }
   EXPECT_EQ(ListCommands(turns, "NEC").size(), 1U);
-}
-
-TEST(FirstConfiguration, IsWhole) {
-  PosixFileSystem files;
-  CfgStore store(KEPLO_SOURCE_DIR "/data/keplo.cfg", files);
-  LoadConfig(store);
-  Settings settings;
-  EXPECT_TRUE(ReadSettings(store, settings).Complete());
-  EXPECT_EQ(CheckConfig(store), "");
-  Texts kinds;
-  for (const std::string& protocol : ListProtocols(store.CfgText)) {
-    ProtocolParams params;
-    std::int16_t kind = 99;
-    EXPECT_TRUE(LoadProtocolParams(store.CfgText, protocol, params, kind));
-    kinds.push_back(protocol + " " + std::to_string(kind));
-  }
-  EXPECT_EQ(kinds, (Texts{"NEC 0", "SONY 1", "RC5 2", "Template 3"}));
 }
 
 }  // namespace

@@ -182,15 +182,14 @@ TEST(Learning, ExplainsPressesWithoutAnInstallAndTellsWhatIsWrongWithANamedOne) 
   const std::string words =
       "' '" KEPLO_PROGRAM "' record" + install.Press("press.mode2", "--protocol RC5 --code 11000001001001");
   std::filesystem::create_directories(install.File("data/keplo/keplo.cfg"));
-  const std::vector<std::pair<std::string, std::string>> homes = {
-      {"KEPLO_HOME= XDG_DATA_HOME='" + install.File("nowhere").string(), ""},
-      {"KEPLO_HOME= XDG_DATA_HOME='" + install.File("data").string(), "keplo.cfg"},
-      {"KEPLO_HOME='" + install.File("nowhere").string(), "keplo install"}};
-  for (const auto& [home, told] : homes) {
-    const Ran ran = RunShell(home + words);
+  for (const auto& [home, folder, told] : {std::tuple("KEPLO_HOME= XDG_DATA_HOME='", "nowhere", ""),
+                                           {"KEPLO_HOME= XDG_DATA_HOME='", "data", "keplo.cfg"},
+                                           {"KEPLO_HOME='", "nowhere", "keplo install"}}) {
+    const Ran ran = RunShell(home + install.File(folder).string() + words);
     EXPECT_EQ(ran.Status, 0) << home;
     ExpectPart(ran.Out, "code G11000001001001");
-    EXPECT_TRUE(told.empty() ? ran.Err.empty() : ran.Err.find(told) != std::string::npos) << ran.Err;
+    ExpectPart(ran.Err, told);
+    EXPECT_EQ(ran.Err.empty(), std::string(told).empty()) << ran.Err;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "install/first_install.h"
 
+#include "config/check_config.h"
 #include "config/protocols.h"
 #include "config/stepped_files.h"
 #include "doubles/child_process.h"
@@ -76,6 +77,7 @@ TEST(FirstInstall, ShipsAFileThatASaveLeavesAsItIs) {
   EXPECT_TRUE(BringFirstInstall(appPath, files).empty());
   KeploMod mod(appPath, files);
   LoadConfig(mod.Store);
+  EXPECT_EQ(CheckConfig(mod.Store), "");
   EXPECT_EQ(ListProtocols(mod.Store.CfgText), (std::vector<std::string>{"NEC", "SONY", "RC5", "Template"}));
   SaveConfig(mod.Store);
   EXPECT_EQ(folder.Read("new/home/keplo.cfg"), ShippedFiles()[0].Bytes);

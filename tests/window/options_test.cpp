@@ -17,19 +17,12 @@ class Options : public WindowTest {
 };
 
 TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
-  struct Step {
-    std::function<void()> Do;
-    std::string Saved;  // ITYPE, VEXIL, BEEPON
-    std::string Shown;  // receiver, TxD, zone
-    Texts Calls;
-  };
-  const auto check = [](ui::CheckBox& box, bool checked) {
-    return [&box, checked] { box.SetChecked(checked); };
-  };
+  using Step = std::tuple<std::function<void()>, std::string, std::string, Texts>;
+  const auto check = [](ui::CheckBox& box, bool to) { return [&box, to] { box.SetChecked(to); }; };
   const auto click = [](ui::MenuEntry& entry) { return [&entry] { entry.Click(); }; };
   Form1& form = *form_;
   int number = 0;
-  for (const Step& step :
+  for (const auto& [act, saved, shown, calls] :  // saved are ITYPE, VEXIL, BEEPON; shown receiver, TxD, zone
        std::vector<Step>{{check(form.TxDCheckBox, true), "1 0 1", "DCDStd TxD", {"SetMode 1"}},
                          {click(form.IRMouseMenu), "9 0 1", "IRMouse TxD", {}},
                          {click(form.IRMouseMenu), "9 0 1", "IRMouse TxD", {}},
@@ -44,18 +37,18 @@ TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
                          {check(form.BeepCheckbox, false), "0 0 0", "DCDStd", {}},
                          {check(form.BeepCheckbox, true), "0 0 1", "DCDStd", {}}}) {
     line_.Calls.clear();
-    step.Do();
-    EXPECT_EQ(Saved("ITYPE") + " " + Saved("VEXIL") + " " + Saved("BEEPON"), step.Saved) << ++number;
+    act();
+    EXPECT_EQ(Saved("ITYPE") + " " + Saved("VEXIL") + " " + Saved("BEEPON"), saved) << ++number;
     EXPECT_EQ(std::to_string(mod_->Settings.InterfaceType) + " " + std::to_string(mod_->Settings.VexilMode) +
                   " " + std::to_string(static_cast<int>(mod_->Settings.BeepOn)),
-              step.Saved);
+              saved);
     EXPECT_EQ(form.ReceiverType.Text() + (form.TxDCheckBox.Checked() ? " TxD" : "") +
                   (form.TxDCheckBox.Enabled() ? "" : " off") +
                   (form.Zone.Visible() && form.ZoneNr.Visible() ? " zone " + form.Zone.Text() : ""),
-              step.Shown);
+              shown);
     EXPECT_EQ(form.IRMouseMenu.Checked(), mod_->Settings.ReceiverKind == 1);
     EXPECT_NE(form.IRMouseMenu.Checked(), form.StdDcdMenu.Checked());
-    EXPECT_EQ(line_.Calls, step.Calls);
+    EXPECT_EQ(line_.Calls, calls);
   }
 }
 

