@@ -60,7 +60,7 @@ int List(const ListOptions& options) {
     PrintProtocols(text, protocols, options.Json);
   } else if (const auto reference = SplitReference(options.Only)) {
     const std::string protocol = RequireProtocol(text, reference->Protocol);
-    const auto command = FindLearned(text, *reference);
+    const auto command = FindLearned(text, reference->Protocol, reference->Command);
     if (!command) throw Refused(RefusalText({Refusal::NoSuchCommand, reference->Command}));
     Print(protocol, *command, options.Json);
   } else {

@@ -44,7 +44,7 @@ void CheckTexts(const clsKeploEvent& event) {
 /// The learned command that a reference means, as keplo.cfg spells it.
 std::optional<CommandReference> FindInConfig(const EventWords& words, const CommandReference& wanted) try {
   const OpenedConfig config(words.AppPath);
-  const auto command = FindLearned(config.Text(), wanted);
+  const auto command = FindLearned(config.Text(), wanted.Protocol, wanted.Command);
   if (!command) return std::nullopt;
   return CommandReference{ProtocolAsStored(config.Text(), wanted.Protocol), command->Name};
 } catch (const Failure& failure) {

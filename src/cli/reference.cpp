@@ -1,7 +1,5 @@
 #include "cli/reference.h"
 
-#include <algorithm>
-
 #include "cli/outcome.h"
 #include "config/lookup.h"
 #include "config/protocols.h"
@@ -21,38 +19,17 @@ CommandReference ReferenceOf(const std::string& protocol, const std::string& com
   throw WrongUse("COMMAND is required");
 }
 
-std::optional<std::string> StoredName(const std::vector<std::string>& names, std::string_view word) {
-  const auto named = [&](const auto& equal) {
-    return std::find_if(names.begin(), names.end(),
-                        [&](const std::string& name) { return equal(Trimmed(name), Trimmed(word)); });
-  };
-  auto name = named(std::equal_to<std::string_view>());
-  if (name == names.end()) name = named(EqualNoCase);
-  return name == names.end() ? std::nullopt : std::optional(*name);
-}
-
 std::string ProtocolAsStored(std::string_view text, const std::string& word) {
-  return StoredName(ListProtocols(text), word).value_or(word);
+  return StoredProtocol(text, word).value_or(word);
 }
 
 std::string RequireProtocol(std::string_view text, const std::string& word) {
-  if (auto name = StoredName(ListProtocols(text), word)) return *std::move(name);
+  if (auto name = StoredProtocol(text, word)) return *std::move(name);
   throw Refused("no protocol \"" + word + "\" in keplo.cfg; keplo protocols lists those that are there");
 }
 
-std::optional<LearnedCommand> FindLearned(std::string_view text, const CommandReference& reference) {
-  const std::vector<LearnedCommand> commands = ListCommands(text, ProtocolAsStored(text, reference.Protocol));
-  std::vector<std::string> names;
-  names.reserve(commands.size());
-  for (const LearnedCommand& command : commands) names.push_back(command.Name);
-  const auto name = StoredName(names, reference.Command);
-  if (!name) return std::nullopt;
-  return *std::find_if(commands.begin(), commands.end(),
-                       [&](const LearnedCommand& command) { return command.Name == *name; });
-}
-
 CommandReference AsStored(std::string_view text, const CommandReference& reference) {
-  const auto command = FindLearned(text, reference);
+  const auto command = FindLearned(text, reference.Protocol, reference.Command);
   return {ProtocolAsStored(text, reference.Protocol), command ? command->Name : reference.Command};
 }
 

@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "config/commands.h"
 #include "config/learn.h"
@@ -25,18 +24,13 @@ std::optional<CommandReference> SplitReference(std::string_view word);
 /// @throws WrongUse if the command is missing
 CommandReference ReferenceOf(const std::string& protocol, const std::string& command);
 
-// Names are found in any letter case, as the store finds them; where two differ in that alone, the one that
-// is spelled like the word. All that is told and stored has the spelling of keplo.cfg.
+// All that is told and stored has the spelling of keplo.cfg.
 
-/// The name that a word means; none if there is no such.
-std::optional<std::string> StoredName(const std::vector<std::string>& names, std::string_view word);
 /// The protocol that a word means; the word itself if there is none, which a change of the store then
 /// refuses.
 std::string ProtocolAsStored(std::string_view text, const std::string& word);
 /// @throws Refused if there is no such protocol
 std::string RequireProtocol(std::string_view text, const std::string& word);
-/// The command that a reference means.
-std::optional<LearnedCommand> FindLearned(std::string_view text, const CommandReference& reference);
 /// The reference as keplo.cfg spells it, as far as it has those names.
 CommandReference AsStored(std::string_view text, const CommandReference& reference);
 

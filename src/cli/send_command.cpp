@@ -15,6 +15,7 @@
 #include "config/learn.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
+#include "config/transmission.h"
 #include "formats/formats.h"
 #include "line/port_check.h"
 #include "line/replay_line.h"
@@ -22,8 +23,6 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/raw/raw_digits.h"
-#include "signal/raw/raw_send.h"
-#include "signal/send_bits.h"
 
 namespace keplo::cli {
 
@@ -72,38 +71,23 @@ void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
   if (analysis == Analysis::First) mod.ProtocolParams.SENDAS.clear();
 }
 
-std::string SlotsOf(KeploMod& mod, std::string& code, bool& toggle) try {
-  return PadToBytes(BuildSendBits(code, mod.Signal.Measured.ProtoKind, mod.ProtocolParams, toggle));
+/// @param sent transmissions so far: each has its own toggle digit or its own form
+Transmission NextTransmission(KeploMod& mod, const std::string& digits, bool& toggle, int sent) try {
+  return TransmissionOfCode(mod.Store, "G" + digits, mod.Signal.Measured.ProtoKind, mod.ProtocolParams,
+                            toggle, static_cast<std::size_t>(sent));
 } catch (const Failure& tooLong) {
   throw Refused(tooLong.what());
 }
 
-/// Puts the lengths of a raw command out on the line; forms that the remote sends in turn take turns.
-void TransmitRaw(const KeploMod& mod, Win32Ser& line, const RawSignal& signal, const SendOptions& options) {
-  line.DTR(0);
-  line.RTS(-1);
-  line.SetCarrier(mod.ProtocolParams.Carrier);
-  for (std::size_t sent = 0; sent < static_cast<std::size_t>(options.Count); ++sent) {
-    if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
-    line.IRSend(RawSlotBytes(signal.Forms[sent % signal.Forms.size()]), kRawSlot, mod.Settings.InterfaceType);
-    if (mod.Settings.BeepOn) line.SpeakBeep(2000, 50);
-  }
-}
-
-/// Puts the code out on the line, each transmission with its own toggle digit.
+/// Puts the code out on the line.
 void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options) {
-  if (const RawSignal* raw = FindRawSignal(mod.Store, "G" + digits))
-    return TransmitRaw(mod, line, *raw, options);
-  const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS);
   bool toggle = false;
-  line.DTR(0);
-  line.RTS(-1);
-  line.SetCarrier(mod.ProtocolParams.Carrier);
+  PrepareToSend(line);
   for (int sent = 0; sent < options.Count; ++sent) {
-    std::string code = digits;
-    const std::string slots = SlotsOf(mod, code, toggle);
+    Transmission transmission = NextTransmission(mod, digits, toggle, sent);
+    if (options.Pulse) transmission.Slot = *options.Pulse;
     if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
-    line.IRSend(BitsToChars(slots), pulse, mod.Settings.InterfaceType);
+    PutOnAir(line, transmission, mod.Settings.InterfaceType);
     if (mod.Settings.BeepOn) line.SpeakBeep(2000, 50);
   }
 }
@@ -144,7 +128,7 @@ Sendable SendableOf(std::string_view text, const SendOptions& options) {
     return {ProtocolAsStored(text, options.Protocol), code, code};
   }
   const CommandReference reference = ReferenceOf(options.Protocol, options.Command);
-  const auto command = FindLearned(text, reference);
+  const auto command = FindLearned(text, reference.Protocol, reference.Command);
   return {ProtocolAsStored(text, reference.Protocol), command ? command->Name : reference.Command,
           command ? command->Code : ""};
 }

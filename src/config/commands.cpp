@@ -1,8 +1,10 @@
 #include "config/commands.h"
 
 #include <algorithm>
+#include <functional>
 #include <set>
 
+#include "config/protocols.h"
 #include "config/sections.h"
 
 namespace keplo {
@@ -50,6 +52,18 @@ std::optional<LineRange> FirstLine(const std::vector<Line>& lines, Predicate fit
   return line == lines.end() ? std::nullopt : std::optional(line->Range);
 }
 
+/// The first thing of exactly this name or, without one, of this name in other capitals.
+template <typename Thing, typename NameOf>
+std::optional<Thing> ByName(const std::vector<Thing>& things, std::string_view name, NameOf nameOf) {
+  const auto named = [&](const auto& equal) {
+    return std::find_if(things.begin(), things.end(),
+                        [&](const Thing& thing) { return equal(nameOf(thing), Trimmed(name)); });
+  };
+  auto thing = named(std::equal_to<std::string_view>());
+  if (thing == things.end()) thing = named(EqualNoCase);
+  return thing == things.end() ? std::nullopt : std::optional(*thing);
+}
+
 /// Position just after the GREPEAT of a section; 0 if it has none.
 int BehindLastKey(std::string_view text, const std::optional<Section>& section) {
   return section ? FindNoCase("GREPEAT", text, section->Begin) : kNowhere;
@@ -84,6 +98,17 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
   if (exact) return exact;
   return FirstLine(lines,
                    [&](const Line& line) { return line.IsCommand() && EqualNoCase(line.Name(), wanted); });
+}
+
+std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name) {
+  return ByName(ListProtocols(text), name, [](const std::string& protocol) { return Trimmed(protocol); });
+}
+
+std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_view protocol,
+                                          std::string_view command) {
+  const std::string stored = StoredProtocol(text, protocol).value_or(std::string(protocol));
+  return ByName(ListCommands(text, stored), command,
+                [](const LearnedCommand& learned) { return Trimmed(learned.Name); });
 }
 
 std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_view protocol, int first,

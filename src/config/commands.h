@@ -34,6 +34,14 @@ struct LearnedCommand {
 /// counts as one. A section that no other one follows has none.
 std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view protocol);
 
+// Names that a person or another program gives are found in any letter case; where two differ in that alone,
+// the one that is spelled like it.
+
+/// The protocol of a name, as the text spells it.
+std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name);
+std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_view protocol,
+                                          std::string_view command);
+
 /// The code of the command line in which the name is found first after the header of the section. That is a
 /// line further up if the name is a part of it. Only where no command line has it any line counts.
 /// @return G and the rest of the line up to its comma; empty if section, name or comma is missing

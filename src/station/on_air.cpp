@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
+#include <utility>
 
 #include "config/commands.h"
 #include "config/protocols.h"
 #include "config/raw_store.h"
+#include "config/transmission.h"
 #include "failure.h"
 #include "signal/raw/raw_digits.h"
-#include "signal/raw/raw_send.h"
 #include "signal/runs.h"
 #include "signal/sample_time.h"
 #include "signal/sample_words.h"
@@ -24,12 +24,9 @@ namespace {
 /// No edge is sent further than half of it from its place; receivers tell lengths no better.
 constexpr std::int32_t kSlotOfLengths = 25;  // microseconds
 
-void PutOnAir(Win32Ser& line, const std::string& bytes, std::int32_t slot, std::int32_t carrier,
-              std::int16_t interfaceType) {
-  line.DTR(0);
-  line.RTS(-1);
-  line.SetCarrier(carrier);
-  line.IRSend(bytes, slot, interfaceType);
+void Send(const KeploMod& mod, Win32Ser& line, const Transmission& transmission) {
+  PrepareToSend(line);
+  PutOnAir(line, transmission, mod.Settings.InterfaceType);
 }
 
 }  // namespace
@@ -68,7 +65,7 @@ std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std
     if (last > kMostSlots) return "it is longer than what can be sent";
     slots.append(std::max(last, slots.size()) - slots.size(), length > 0 ? '1' : '0');
   }
-  PutOnAir(line, BitsToChars(PadToBytes(slots)), kSlotOfLengths, carrier, mod.Settings.InterfaceType);
+  Send(mod, line, {PadToBytes(std::move(slots)), kSlotOfLengths, carrier});
   return {};
 }
 
@@ -77,25 +74,18 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   const std::string protocol(reference.substr(0, mark));
   const std::string name(mark == std::string_view::npos ? "" : reference.substr(mark + 1));
   const std::string unknown = "keplo.cfg has no command " + std::string(reference);
-  const std::vector<LearnedCommand> commands = ListCommands(mod.Store.CfgText, protocol);
-  const auto command = std::find_if(commands.begin(), commands.end(),
-                                    [&](const LearnedCommand& known) { return known.Name == name; });
-  if (command == commands.end() || command->Code.size() < 2) return unknown;
+  const auto command = FindLearned(mod.Store.CfgText, protocol, name);
+  if (!command || command->Code.size() < 2) return unknown;
   ProtocolParams params;
   std::int16_t kind = kUnknown;
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, params, kind)) return unknown;
   if (mod.Settings.Analysis == Analysis::First) params.SENDAS.clear();
-  std::string code = command->Code.substr(1);
-  if (AreRawDigits(code)) {
-    const RawSignal* raw = FindRawSignal(mod.Store, command->Code);
-    if (raw == nullptr) return "the lengths of " + std::string(reference) + " are missing or damaged";
-    toggle = !toggle;
-    const RawLengths& form = raw->Forms[toggle ? 0 : raw->Forms.size() - 1];
-    PutOnAir(line, RawSlotBytes(form), kRawSlot, params.Carrier, mod.Settings.InterfaceType);
-    return {};
+  const bool isRaw = AreRawDigits(std::string_view(command->Code).substr(1));
+  if (isRaw && FindRawSignal(mod.Store, command->Code) == nullptr) {
+    return "the lengths of " + std::string(reference) + " are missing or damaged";
   }
-  const std::string slots = BuildSendBits(code, kind, params, toggle);
-  PutOnAir(line, BitsToChars(PadToBytes(slots)), params.SENDPLS, params.Carrier, mod.Settings.InterfaceType);
+  Send(mod, line, TransmissionOfCode(mod.Store, command->Code, kind, params, toggle, toggle ? 1 : 0));
+  if (isRaw) toggle = !toggle;
   return {};
 } catch (const Failure& tooLong) {
   return tooLong.what();

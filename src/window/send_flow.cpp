@@ -54,8 +54,7 @@ void SendFlow::Send() {
     return;
   }
   controls_.HScroll1.SetEnabled(true);
-  line_.DTR(0);
-  line_.RTS(-1);
+  PrepareToSend(line_);
   const std::string code = fields_.CodeStr.Text();
   if (Trimmed(code).empty() || code.size() < kShortestCode) return;
   if (controls_.VexilCheckbox.Checked() && !SelectZone()) return;
@@ -97,13 +96,16 @@ void SendFlow::ShowRaw() {
 
 void SendFlow::SendRaw(const RawSignal& signal) {
   // Forms that the remote sends in turn are sent in turn.
-  const RawLengths& lengths = signal.Forms[rawSent_++ % signal.Forms.size()];
+  const bool isRecorded = IsRecorded(mod_.Store.CurProtocol);
+  PutOut(TransmissionOfRaw(signal, rawSent_, isRecorded ? kUsualCarrier : mod_.ProtocolParams.Carrier));
+  ShowSent(CaptureOfLengths(signal.Forms[rawSent_++ % signal.Forms.size()]));
+}
+
+void SendFlow::PutOut(const Transmission& transmission) {
   const ui::WaitNotice notice(window_, "Sending the command.");
   beeper_.Beep(5000, 50);
-  line_.SetCarrier(IsRecorded(mod_.Store.CurProtocol) ? kUsualCarrier : mod_.ProtocolParams.Carrier);
-  line_.IRSend(RawSlotBytes(lengths), kRawSlot, mod_.Settings.InterfaceType);
+  PutOnAir(line_, transmission, mod_.Settings.InterfaceType);
   beeper_.Beep(2000, 50);
-  ShowSent(CaptureOfLengths(lengths));
 }
 
 void SendFlow::ShowSent(std::string capture) {
@@ -122,7 +124,7 @@ bool SendFlow::SelectZone() {
   return selected;
 }
 
-bool SendFlow::SendDigits(std::string digits) {
+bool SendFlow::SendDigits(const std::string& digits) {
   if (AreRawDigits(digits)) {
     dialogue_.Tell("The lengths of this raw command are missing or damaged, so that it cannot be sent.");
     return false;
@@ -131,20 +133,16 @@ bool SendFlow::SendDigits(std::string digits) {
     dialogue_.Tell("Please use only 1's and 0's for the code", {}, "Error entering code");
     return false;
   }
-  const auto pulse = Rounded<std::int32_t>(fields_.SendPulse.Text());
-  std::string slots;
+  Transmission transmission;
   if (!dialogue_.Told([&] {
-        slots = PadToBytes(
-            BuildSendBits(digits, mod_.Signal.Measured.ProtoKind, mod_.ProtocolParams, mod_.Rc5Toggle));
+        transmission =
+            TransmissionOfDigits(digits, mod_.Signal.Measured.ProtoKind, mod_.ProtocolParams, mod_.Rc5Toggle);
       })) {
     return false;
   }
-  const ui::WaitNotice notice(window_, "Sending the command.");
-  beeper_.Beep(5000, 50);
-  line_.SetCarrier(mod_.ProtocolParams.Carrier);
-  line_.IRSend(BitsToChars(slots), pulse, mod_.Settings.InterfaceType);
-  beeper_.Beep(2000, 50);
-  ShowSent(CaptureOfSlots(slots, pulse));
+  transmission.Slot = Rounded<std::int32_t>(fields_.SendPulse.Text());
+  PutOut(transmission);
+  ShowSent(CaptureOfSlots(transmission.Slots, transmission.Slot));
   return true;
 }
 

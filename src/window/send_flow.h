@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "config/transmission.h"
 #include "keplo_mod.h"
 #include "signal/raw/raw_signal.h"
 #include "signal/win32_ser.h"
@@ -62,9 +63,10 @@ class SendFlow {
   bool TakeRecordedParams();
   void ShowParams();
   bool SelectZone();
-  bool SendDigits(std::string digits);
+  bool SendDigits(const std::string& digits);
   void ShowRaw();
   void SendRaw(const RawSignal& signal);
+  void PutOut(const Transmission& transmission);
   void ShowSent(std::string capture);
 
   KeploMod& mod_;

@@ -13,10 +13,6 @@ constexpr std::size_t kSilenceBehind = 800;  // samples
 
 }  // namespace
 
-std::string RawSlotBytes(std::span<const int> lengths) {
-  return BitsToChars(SlotsOfLengths(lengths, kRawSlot));
-}
-
 std::string CaptureOfLengths(std::span<const int> lengths) {
   return BitsToChars(SlotsOfLengths(lengths, kNominalSampleTime) + std::string(kSilenceBehind, '0'));
 }

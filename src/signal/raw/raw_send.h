@@ -9,9 +9,6 @@ namespace keplo {
 /// Length of the slots that raw commands are sent in, microseconds.
 inline constexpr std::int32_t kRawSlot = 10;
 
-/// Slots of a raw command, packed as IRSend takes them.
-std::string RawSlotBytes(std::span<const int> lengths);
-
 /// What a receiver would capture of lengths, with silence behind.
 std::string CaptureOfLengths(std::span<const int> lengths);
 
