@@ -11,7 +11,7 @@
 #include "component_loader/class_file.h"
 #include "failure.h"
 #include "host_program/event_book.h"
-#include "program/json_file.h"
+#include "disk/json_file.h"
 
 namespace keplo::host {
 namespace {

@@ -22,7 +22,9 @@ inline constexpr std::int16_t kNewProtocolMode = 0, kEditProtocolMode = 1;
 /// The state that shell and window share: created by whoever runs the program, handed on by reference.
 struct KeploMod {
   /// @param appPath the folder of keplo.cfg and of the event database
-  explicit KeploMod(const std::filesystem::path& appPath, FileSystem& files);
+  KeploMod(const std::filesystem::path& appPath, FileSystem& files);
+  /// The same on the files of this machine.
+  explicit KeploMod(const std::filesystem::path& appPath);
 
   std::filesystem::path AppPath;
   keplo::Settings Settings;
@@ -32,6 +34,11 @@ struct KeploMod {
   std::int16_t ProtocolFormMode = kNewProtocolMode;  // what the protocol dialog is loaded for
   bool Rc5Toggle = false;                            // toggle digit of the last RC5 transmission
   std::unique_ptr<Data> modData;                     // the one database object; the control creates it
+
+ private:
+  KeploMod(const std::filesystem::path& appPath, std::unique_ptr<FileSystem> files);
+
+  std::unique_ptr<FileSystem> ownFiles_;  // that Store is on; null if they are somebody else's
 };
 
 }  // namespace keplo

@@ -10,10 +10,10 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "disk/json_file.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
-#include "program/json_file.h"
 
 namespace keplo::broker {
 

@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <random>
 
+#include "disk/json_file.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
-#include "program/json_file.h"
 
 namespace keplo::broker {
 

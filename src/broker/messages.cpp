@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "disk/json_file.h"
 #include "failure.h"
-#include "program/json_file.h"
 #include "program/json_line.h"
 
 namespace keplo::broker {

@@ -18,8 +18,8 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/recorded_press.h"
+#include "signal/validation.h"
 #include "station/stage_text.h"
-#include "window/validation.h"
 
 namespace keplo::cli {
 

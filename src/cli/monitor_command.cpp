@@ -8,8 +8,6 @@
 
 #include "cli/commands.h"
 #include "cli/live_line.h"
-#include "disk/posix_file_system.h"
-#include "events/event_row.h"
 #include "keplo_mod.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
@@ -34,14 +32,15 @@ struct MonitorOptions {
   LineSpec Line;
 };
 
-RaisedEvent Describe(const HostInputEvent& event, const ui::ListView& list) {
+RaisedEvent Describe(const HostInputEvent& event, const Station& station) {
   RaisedEvent raised;
   raised.Time = LocalTime();
   raised.EventID = event.EventID;
   raised.Command = std::get<std::string>(event.EventCommand);
-  if (const int row = list.FindRow(kEventID, event.EventID); row != 0) {
-    raised.EventName = list.Text(row, kEventName);
-    raised.Zone = ZoneNumber(list.Text(row, kZone));
+  EventDetails details;
+  if (station.DescribeEvent(event.EventID, details)) {
+    raised.EventName = details.EventName;
+    raised.Zone = details.Zone;
   }
   return raised;
 }
@@ -89,19 +88,16 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
 }
 
 int Monitor(const MonitorOptions& options) {
-  PosixFileSystem files;
   const std::filesystem::path appPath = RequireInstall(options.AppPath);
   ChangesWatch changes(appPath);
-  KeploMod mod(appPath, files);
+  KeploMod mod(appPath);
   const Log log(TellLine);
   LoggedBoxes boxes(log);
   CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
   Keplo& control = station.Control();
-  control.TriggerInputEvent = [&](HostInputEvent& event) {
-    Print(Describe(event, control.ListView1), options.Json);
-  };
+  control.TriggerInputEvent = [&](HostInputEvent& event) { Print(Describe(event, station), options.Json); };
   if (options.Presses) {
     control.OnKey = [&](KeyChange change, const KeyPress& key) { PrintKey(change, key, options.Json); };
   }

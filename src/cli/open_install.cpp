@@ -15,7 +15,7 @@ bool HasInstall() try {
   return false;
 }
 
-OpenedConfig::OpenedConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption), Files) {
+OpenedConfig::OpenedConfig(const std::string& appPathOption) : Mod(RequireInstall(appPathOption)) {
   Mod.Store.RefusesOtherText = true;
   LoadConfig(Mod.Store);
   if (const std::string damage = CheckConfig(Mod.Store); !damage.empty()) Tell(damage);
@@ -55,8 +55,7 @@ std::unique_ptr<OpenedConfig> LearnedCommands(const std::string& appPathOption) 
   }
 }
 
-OpenedMap::OpenedMap(const std::string& appPathOption)
-    : Database(ResolveAppPath(appPathOption), Clock), Events(Database, Clock) {
+OpenedMap::OpenedMap(const std::string& appPathOption) : EventsOnDisk(ResolveAppPath(appPathOption)) {
   Events.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
     failure_ = record.ErrorDescription;
   };

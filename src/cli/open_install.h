@@ -6,11 +6,8 @@
 #include <string>
 
 #include "cli/outcome.h"
-#include "disk/posix_file_system.h"
-#include "events/col_cls_keplo_events.h"
+#include "events/events_on_disk.h"
 #include "keplo_mod.h"
-#include "ui/clock.h"
-#include "ui/list_view.h"
 
 namespace keplo::cli {
 
@@ -30,7 +27,6 @@ struct OpenedConfig {
   /// @throws NotWritten if it cannot be saved; what else the change throws
   void Change(const std::function<void(CfgStore& store)>& change);
 
-  PosixFileSystem Files;
   KeploMod Mod;
 };
 
@@ -48,7 +44,7 @@ class NotConfirmedWritten : public NotWritten {
 };
 
 /// The event map of an application path, loaded.
-struct OpenedMap {
+struct OpenedMap : EventsOnDisk {
   explicit OpenedMap(const std::string& appPathOption);
 
   std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
@@ -59,11 +55,6 @@ struct OpenedMap {
   /// @param change gives false if it failed
   /// @throws NotWritten; NotConfirmedWritten if it was changed
   void Change(const std::function<bool(colclsKeploEvents& events)>& change);
-
-  ui::SystemClock Clock;
-  Data Database;
-  ui::ListView List;
-  colclsKeploEvents Events;
 
  private:
   std::string failure_;  // of the last operation

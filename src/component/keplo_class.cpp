@@ -34,8 +34,7 @@ void RequireUsable(const CreationContext& context) {
 
 /// Brings a first install, or what is missing of one.
 void SetUp(const CreationContext& context) {
-  PosixFileSystem files;
-  const StartInstall start = CompleteInstall(context.ApplicationPath, files);
+  const StartInstall start = CompleteInstall(context.ApplicationPath);
   const Log log(context.Log);
   if (start.IsFirst) log.Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
   for (const std::string& remark : {start.OfConfig, start.OfMap}) {

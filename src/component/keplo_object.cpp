@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include "events/event_row.h"
 #include "qt/control_view.h"
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
@@ -60,7 +59,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       log_(context.Log),
       released_(std::move(released)),
       replayPlayed_(context.ReplayPlayed),
-      mod_(context.ApplicationPath, files_),
+      mod_(context.ApplicationPath),
       boxes_(MakeBoxes(mayUseDisplay_, log_)),
       eventDialog_(MakeEventDialog(mayUseDisplay_, log_)),
       station_(mod_, LineSpecOf(context), Windows(), clock_, log_),
@@ -250,22 +249,10 @@ QWidget* KeploObject::CreateView(QWidget* parent) {
   return view;
 }
 
-std::string KeploObject::HighlightedEvent() {
-  const ui::ListView& list = control_.ListView1;
-  const int row = list.SelectedRow();
-  return row == 0 ? std::string() : list.Text(row, kEventID);
-}
+std::string KeploObject::HighlightedEvent() { return station_.HighlightedEvent(); }
 
 bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& details) {
-  const ui::ListView& list = control_.ListView1;
-  const int row = list.FindRow(kEventID, eventID);
-  if (row == 0) return false;
-  details.EventName = list.Text(row, kEventName);
-  details.EventDescription = list.Text(row, kEventDescription);
-  details.EventCommand = list.Text(row, kInfraredCommand);
-  details.Activated = IsTrue(list.Text(row, kActivated));
-  details.Zone = ZoneNumber(list.Text(row, kZone));
-  return true;
+  return station_.DescribeEvent(eventID, details);
 }
 
 IPressTally::Tally KeploObject::Presses() {

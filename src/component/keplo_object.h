@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "component/event_sinks.h"
-#include "disk/posix_file_system.h"
 #include "host/component_entry.h"
 #include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
@@ -87,7 +86,6 @@ class KeploObject final : public IComponentObject,
   std::function<void()> replayPlayed_;
   std::function<void()> listShown_;
 
-  PosixFileSystem files_;
   ui::SystemClock clock_;
   KeploMod mod_;
   std::unique_ptr<ui::Boxes> boxes_;

@@ -3,11 +3,11 @@
 #include <cerrno>
 #include <nlohmann/json.hpp>
 
+#include "disk/json_file.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 #include "program/environment.h"
-#include "program/json_file.h"
 
 namespace keplo {
 

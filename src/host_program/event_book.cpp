@@ -7,11 +7,11 @@
 #include <charconv>
 #include <utility>
 
+#include "disk/json_file.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 #include "host_program/press_actions.h"
-#include "program/json_file.h"
 
 namespace keplo::host {
 

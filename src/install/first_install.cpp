@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "events/event_schema.h"
 #include "events/event_table.h"
@@ -73,6 +74,11 @@ StartInstall CompleteInstall(const std::filesystem::path& appPath, FileSystem& f
     start.OfConfig = remark(config, "one with the protocols of a first install was made");
   if (wasBrought(kDatabaseFile)) start.OfMap = remark(kDatabaseFile, "an empty event map was made");
   return start;
+}
+
+StartInstall CompleteInstall(const std::filesystem::path& appPath) {
+  PosixFileSystem files;
+  return CompleteInstall(appPath, files);
 }
 
 }  // namespace keplo

@@ -23,5 +23,7 @@ struct StartInstall {
 /// For the start of a program: brings what is missing, be it everything or what a first start was killed at.
 /// @throws Failure if a file cannot be written
 StartInstall CompleteInstall(const std::filesystem::path& appPath, FileSystem& files);
+/// The same on the files of this machine.
+StartInstall CompleteInstall(const std::filesystem::path& appPath);
 
 }  // namespace keplo

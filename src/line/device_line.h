@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "signal/line_rest.h"
+#include "line/line_rest.h"
 #include "signal/win32_ser.h"
 
 namespace keplo {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "line/press_capture.h"
+#include "signal/recorded_press.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -43,7 +44,7 @@ PulseTrain PulsesOfCapture(const TimedCapture& capture) {
   return pulses;
 }
 
-TimedCapture CaptureToShow(const Press& press, std::size_t bytes, double usual) {
+TimedCapture CaptureToShow(const Press& press, double usual) {
   LineOptions options;
   options.HoldMs = 0;
   options.SampleTime = kNominalSampleTime;
@@ -53,7 +54,7 @@ TimedCapture CaptureToShow(const Press& press, std::size_t bytes, double usual) 
     options.SampleTime = sampleTime;
     options.Shape = false;
   }
-  return {CaptureOfPress(press, bytes, options), options.SampleTime};
+  return {CaptureOfPress(press, kRecordCaptureBytes, options), options.SampleTime};
 }
 
 }  // namespace keplo

@@ -17,9 +17,9 @@ struct TimedCapture {
 PulseTrain PulsesOfCapture(const TimedCapture& capture);
 
 /// A press as a capture to look at. A capture that was kept is as a line has shaped it, and comes back as it
-/// was; its lengths, which are whole samples, tell. Any other press is as a line would fill the buffer.
-/// @param bytes of the buffer
+/// was; its lengths, which are whole samples, tell. Any other press is as a line would fill the buffer of a
+/// recording.
 /// @param usual sample time of captures of this machine, microseconds
-TimedCapture CaptureToShow(const Press& press, std::size_t bytes, double usual);
+TimedCapture CaptureToShow(const Press& press, double usual);
 
 }  // namespace keplo

@@ -3,8 +3,8 @@
 #include <QSocketNotifier>
 #include <memory>
 
+#include "line/line_rest.h"
 #include "qt/qt_timer.h"
-#include "signal/line_rest.h"
 
 namespace keplo::qt {
 

@@ -13,7 +13,6 @@
 #include "formats/formats.h"
 #include "line/kept_capture.h"
 #include "qt/text.h"
-#include "signal/recorded_press.h"
 
 namespace keplo::qt {
 
@@ -48,7 +47,7 @@ std::optional<OpenedRecording> Open(QWidget* parent, double sampleTime) {
   if (!press) return std::nullopt;
   std::string name = std::filesystem::path(recording.Path).filename().string();
   if (recording.Presses.size() > 1) name += ", press " + std::to_string(*press + 1);
-  TimedCapture capture = CaptureToShow(recording.Presses[*press], kRecordCaptureBytes, sampleTime);
+  TimedCapture capture = CaptureToShow(recording.Presses[*press], sampleTime);
   std::string place = QFileInfo(path).canonicalFilePath().toStdString() + " " + std::to_string(*press);
   return OpenedRecording{name, std::move(place), std::move(capture.Bytes), capture.SampleTime};
 }

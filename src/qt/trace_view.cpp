@@ -9,16 +9,13 @@
 #include <cmath>
 #include <utility>
 
-#include "config/numbers.h"
 #include "qt/control_look.h"
 #include "qt/text.h"
-#include "signal/sample_bits.h"
 
 namespace keplo::qt {
 
 namespace {
 
-constexpr double kMsPerSample = kNominalSampleTime / 1000.0;
 constexpr double kWheelStep = 120;  // of the wheel, eighths of a degree, for twice or half the size
 
 const QColor kAxisColour(0x9A, 0x9A, 0x9A), kCursorColour(0xFF, 0xD0, 0x40), kPointerColour(0x7F, 0xD4, 0xFF),
@@ -180,7 +177,7 @@ double TraceView::Across(double sample) const {
   return std::clamp(across, -kFarAway, kFarAway);  // at great zoom it may be beyond all numbers
 }
 
-int TraceView::Pulse() const { return Rounded<std::int32_t>(form_.SendPulse.Text()); }
+int TraceView::Pulse() const { return form_.Pulse(); }
 
 void TraceView::Changed() {
   // A screen reader hears what the others see.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "line/line_rest.h"
 #include "shell/keplo.h"
-#include "signal/line_rest.h"
 
 namespace keplo {
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "line/open_line.h"
+#include "shell/event_details.h"
 #include "shell/keplo.h"
 #include "station/log.h"
 #include "station/rest_between_presses.h"
@@ -39,6 +40,12 @@ class Station {
   Keplo& Control() { return control_; }
   const Keplo& Control() const { return control_; }
   const PressTally& Tally() const { return tally_; }
+  /// @return false if the list has no such event; details stay as they are then
+  bool DescribeEvent(const std::string& eventID, EventDetails& details) const {
+    return keplo::DescribeEvent(control_.ListView1, eventID, details);
+  }
+  /// The EventID of the highlighted row; empty if none is.
+  std::string HighlightedEvent() const { return keplo::HighlightedEvent(control_.ListView1); }
   Win32Ser& Line() { return *line_.Line; }
   /// Runs with each capture, after its events.
   std::function<void(const TickReport&)> OnCapture;

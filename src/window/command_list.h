@@ -6,11 +6,11 @@
 
 #include "config/learn.h"
 #include "keplo_mod.h"
+#include "signal/validation.h"
 #include "ui/drop_down_list.h"
 #include "window/dialogue.h"
 #include "window/reading_fields.h"
 #include "window/undo_step.h"
-#include "window/validation.h"
 
 namespace keplo {
 

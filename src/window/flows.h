@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "signal/validation.h"
 #include "window/calibration_flow.h"
 #include "window/command_list.h"
 #include "window/dialogue.h"
@@ -17,7 +18,6 @@
 #include "window/send_flow.h"
 #include "window/settings_keeper.h"
 #include "window/undo_step.h"
-#include "window/validation.h"
 #include "window/waveform_pane.h"
 
 namespace keplo {

@@ -1,5 +1,6 @@
 #include "window/form1.h"
 
+#include "config/numbers.h"
 #include "keplo_mod.h"
 #include "window/flows.h"
 
@@ -102,6 +103,8 @@ void Form1::HelpContentMenu_Click() { flows_->Help.ShowContents(); }
 void Form1::WebPageMenu_Click() { flows_->Help.ShowWebPage(); }
 void Form1::UpdateMenu_Click() { flows_->Help.ShowUpdates(); }
 void Form1::AboutMenu_Click() { flows_->Help.ShowAbout(); }
+
+std::int32_t Form1::Pulse() const { return Rounded<std::int32_t>(SendPulse.Text()); }
 
 double Form1::WavePlace(double sample) const { return flows_->Waveform.PlaceOf(sample); }
 double Form1::WaveSample(double place) const { return flows_->Waveform.SampleAt(place); }

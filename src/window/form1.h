@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -120,6 +121,8 @@ class Form1 : public ui::Window {
   /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
   /// pixels of the design from the left edge of the surface.
   WaveReading Wave;
+  /// T of what the trace shows, microseconds; 0 if it is not known.
+  std::int32_t Pulse() const;
   double WavePlace(double sample) const;
   double WaveSample(double place) const;
   /// Stretches the trace by a factor; what stands at a place stays there.

@@ -6,6 +6,7 @@
 #include "keplo_mod.h"
 #include "signal/raw/raw_lesson.h"
 #include "signal/recorded_press.h"
+#include "signal/validation.h"
 #include "signal/win32_ser.h"
 #include "ui/button.h"
 #include "ui/check_box.h"
@@ -16,7 +17,6 @@
 #include "window/line_note.h"
 #include "window/reading_fields.h"
 #include "window/recording_files.h"
-#include "window/validation.h"
 #include "window/waveform_pane.h"
 
 namespace keplo {

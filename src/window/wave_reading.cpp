@@ -84,8 +84,7 @@ void WaveReading::PlaceCursor() {
 
 std::string WaveReading::CursorText(int pulse) const {
   if (cursors_.empty()) return {};
-  if (cursors_.size() == 1)
-    return "cursor at " + TimeText(cursors_[0] * kNominalSampleTime / kMicrosecondsPerMs) + " ms";
+  if (cursors_.size() == 1) return "cursor at " + TimeText(cursors_[0] * kMsPerSample) + " ms";
   return "distance " + LengthText(std::abs(cursors_[1] - cursors_[0]), pulse);
 }
 

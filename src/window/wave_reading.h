@@ -5,7 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "signal/sample_bits.h"
+
 namespace keplo {
+
+inline constexpr double kMsPerSample = kNominalSampleTime / 1000.0;  // of a trace
 
 /// A stretch of a trace on one level, samples.
 struct WaveRun {

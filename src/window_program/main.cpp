@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "disk/posix_file_system.h"
 #include "install/first_install.h"
 #include "keplo_mod.h"
 #include "line/open_line.h"
@@ -52,8 +51,7 @@ void AddOptions(Command command, WindowOptions& options) {
 
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
-  PosixFileSystem files;
-  const std::string remark = CompleteInstall(appPath, files).OfConfig;
+  const std::string remark = CompleteInstall(appPath).OfConfig;
   if (!remark.empty()) boxes.Message(remark, kBoxTitle);
   const OneWindow here(appPath);
   if (!here.Ours()) {
@@ -65,7 +63,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
     return kNotStarted;
   }
   QApplication::setWindowIcon(QIcon(QString::fromStdString((appPath / "inkeplo.ico").string())));
-  KeploMod mod(appPath, files);
+  KeploMod mod(appPath);
   LineSpec spec = options.Line;
   spec.Options.ReadBy = &mod.Settings.Analysis;
   if (options.KeepPressed) spec.HeldCaptures = kKeptPresses;

@@ -9,7 +9,7 @@
 #include "disk/posix_file_system.h"
 #include "doubles/expect.h"
 #include "doubles/temp_folder.h"
-#include "events/col_cls_keplo_events.h"
+#include "events/events_on_disk.h"
 #include "install/first_install.h"
 
 namespace keplo::tests {
@@ -30,10 +30,8 @@ class ApplicationPath {
   }
 
   void AddEvents(const std::vector<clsKeploEvent>& events) const {
-    const ui::SystemClock clock;
-    Data data(Path(), clock);
-    colclsKeploEvents collection(data, clock);
-    for (const auto& event : events) ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
+    EventsOnDisk disk(Path());
+    for (const auto& event : events) ASSERT_TRUE(disk.Events.Add(std::make_shared<clsKeploEvent>(event)));
   }
   /// Binds an event to the key of kPower, with actions as host.json has them.
   void AddPowerEvent(const std::string& actions) const {

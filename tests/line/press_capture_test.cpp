@@ -53,10 +53,10 @@ TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {
   for (const double sampleTime : {55.0, 60.0, 52.5, 50.5}) {
     const PulseTrain kept = PulsesOfCapture({capture, sampleTime});
     EXPECT_EQ(kept.front(), static_cast<int>(SamplesToBits(capture).find('0') * sampleTime));
-    const TimedCapture shown = CaptureToShow(kept, 1000, sampleTime);
+    const TimedCapture shown = CaptureToShow(kept, sampleTime);
     EXPECT_EQ(shown.Bytes, capture);
     EXPECT_EQ(shown.SampleTime, sampleTime);
-    EXPECT_EQ(CaptureToShow(press, 1000, sampleTime).Bytes, capture);
+    EXPECT_EQ(CaptureToShow(press, sampleTime).Bytes, capture);
   }
 }
 

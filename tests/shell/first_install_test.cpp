@@ -4,6 +4,7 @@
 #include "config/protocols.h"
 #include "config/stepped_files.h"
 #include "doubles/child_process.h"
+#include "events/events_on_disk.h"
 #include "install/shipped_files.h"
 #include "shell_fixture.h"
 
@@ -23,15 +24,12 @@ bool IsKilledAt(int operation, const std::filesystem::path& appPath, Unpublished
 
 /// What a program does at its start.
 void Start(const std::filesystem::path& appPath) {
-  PosixFileSystem files;
-  CompleteInstall(appPath, files);
-  KeploMod mod(appPath, files);
+  CompleteInstall(appPath);
+  KeploMod mod(appPath);
   LoadConfig(mod.Store);
-  const ui::SystemClock clock;
-  Data data(appPath, clock);
-  ui::ListView list;
-  EXPECT_TRUE(colclsKeploEvents(data, clock).Initialise(list));
-  EXPECT_EQ(list.Count(), 0);
+  EventsOnDisk disk(appPath);
+  EXPECT_TRUE(disk.Events.Initialise(disk.List));
+  EXPECT_EQ(disk.List.Count(), 0);
 }
 
 TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
@@ -57,10 +55,9 @@ TEST(FirstInstall, IsCompletedWithAWordOnWhatTheUserMayHaveABackupOf) {
   for (const std::string missing : {"keplo.cfg", "inputKeplo.mdb", "inkeplo.ico"}) {
     SCOPED_TRACE(missing);
     const TempFolder folder;
-    PosixFileSystem files;
-    EXPECT_TRUE(CompleteInstall(folder.Path(), files).IsFirst);
+    EXPECT_TRUE(CompleteInstall(folder.Path()).IsFirst);
     ASSERT_TRUE(std::filesystem::remove(folder.Path() / missing));
-    const StartInstall start = CompleteInstall(folder.Path(), files);
+    const StartInstall start = CompleteInstall(folder.Path());
     EXPECT_FALSE(start.IsFirst);
     const std::string told = "There was no " + missing + " in ";
     EXPECT_EQ(start.OfConfig.substr(0, told.size()), missing == "keplo.cfg" ? told : "");
@@ -75,7 +72,7 @@ TEST(FirstInstall, ShipsAFileThatASaveLeavesAsItIs) {
   const auto appPath = folder.Path() / "new" / "home";
   EXPECT_EQ(BringFirstInstall(appPath, files).size(), 3U);
   EXPECT_TRUE(BringFirstInstall(appPath, files).empty());
-  KeploMod mod(appPath, files);
+  KeploMod mod(appPath);
   LoadConfig(mod.Store);
   EXPECT_EQ(CheckConfig(mod.Store), "");
   EXPECT_EQ(ListProtocols(mod.Store.CfgText), (std::vector<std::string>{"NEC", "SONY", "RC5", "Template"}));

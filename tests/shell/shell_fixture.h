@@ -11,8 +11,8 @@
 #include "doubles/fake_line.h"
 #include "doubles/scripted_boxes.h"
 #include "doubles/temp_folder.h"
-#include "events/col_cls_keplo_events.h"
 #include "events/event_table.h"
+#include "events/events_on_disk.h"
 #include "shell/keplo.h"
 
 namespace keplo::tests {
@@ -59,19 +59,15 @@ class ShellTest : public ::testing::Test {
 
   void WriteEvents(const std::vector<clsKeploEvent>& events) {
     CreateEventTable(folder_.Path() / "inputKeplo.mdb", files_);
-    Data data(folder_.Path(), clock_);
-    colclsKeploEvents collection(data, clock_);
-    for (const clsKeploEvent& event : events) {
-      ASSERT_TRUE(collection.Add(std::make_shared<clsKeploEvent>(event)));
-    }
+    EventsOnDisk disk(folder_.Path());
+    for (const auto& event : events) ASSERT_TRUE(disk.Events.Add(std::make_shared<clsKeploEvent>(event)));
   }
 
   /// The event table as the next start finds it; after every change it must read as the list does.
   std::string Stored() {
-    Data data(folder_.Path(), clock_);
-    ui::ListView list;
-    colclsKeploEvents(data, clock_).Initialise(list);
-    return RowTexts(list);
+    EventsOnDisk disk(folder_.Path());
+    disk.Events.Initialise(disk.List);
+    return RowTexts(disk.List);
   }
 
   /// Creates the control without loading its events.

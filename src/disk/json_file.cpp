@@ -1,4 +1,4 @@
-#include "program/json_file.h"
+#include "disk/json_file.h"
 
 #include <cerrno>
 #include <nlohmann/json.hpp>

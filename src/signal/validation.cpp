@@ -1,4 +1,4 @@
-#include "window/validation.h"
+#include "signal/validation.h"
 
 namespace keplo {
 
