@@ -6,11 +6,27 @@
 
 namespace keplo::broker {
 
+namespace {
+
+LinkPurpose PurposeOf(const BrokerSettings& settings, const Topics& topics) {
+  LinkPurpose purpose;
+  purpose.ClientId = settings.ClientId.empty() ? topics.Node() : settings.ClientId;
+  if (settings.Send) purpose.Topics = {topics.Send()};
+  purpose.Up = "Connected to the broker at " + NameOf(settings) + ".";
+  purpose.WhileAway = "key presses are not told to it";
+  return purpose;
+}
+
+}  // namespace
+
 Bridge::Bridge(BrokerSettings settings, const std::string& identity, Uses uses)
     : settings_(std::move(settings)),
       topics_(settings_, identity),
       uses_(std::move(uses)),
-      link_(settings_, identity, uses_.Wake) {}
+      refused_("A request on " + topics_.Send() + " to send a signal",
+               "requests on " + topics_.Send() + " to send a signal",
+               [this](const std::string& text) { uses_.Log(LogLevel::Warning, text); }),
+      link_(settings_, identity, PurposeOf(settings_, topics_), uses_.Wake) {}
 
 void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
   if (std::exchange(announced_, true) && events == events_) return;
@@ -39,6 +55,7 @@ bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {
 void Bridge::Serve() {
   for (const Report& report : link_.TakeReports()) uses_.Log(report.Level, report.Text);
   for (const Incoming& message : link_.TakeIncoming()) Take(message);
+  refused_.Count("more came than can be taken", link_.TakeOverflow());
 }
 
 void Bridge::Take(const Incoming& message) {
@@ -49,19 +66,8 @@ void Bridge::Take(const Incoming& message) {
     if (!Fits(requests_, kMostRequestsPerSecond)) throw Failure(1, "more than two came in a second");
     uses_.Send(request);
   } catch (const Failure& failure) {
-    CountRefused(failure.what());
+    refused_.Count(failure.what());
   }
-}
-
-void Bridge::CountRefused(const std::string& why) {
-  ++refused_;
-  const Clock::time_point now = Clock::now();
-  if (refusalsTold_ && now - *refusalsTold_ < kRefusalsToldEvery) return;
-  refusalsTold_ = now;
-  const std::string count = refused_ == 1 ? "A request" : std::to_string(refused_) + " requests";
-  uses_.Log(LogLevel::Warning,
-            count + " on " + topics_.Send() + " to send a signal refused; the last one: " + why + ".");
-  refused_ = 0;
 }
 
 }  // namespace keplo::broker

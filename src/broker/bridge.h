@@ -9,6 +9,7 @@
 #include "broker/announcement.h"
 #include "broker/broker_link.h"
 #include "broker/messages.h"
+#include "broker/refusal_tally.h"
 
 namespace keplo::broker {
 
@@ -26,7 +27,6 @@ class Bridge {
   static constexpr std::size_t kMostSignalsPerSecond = 10;
   /// At most so many requests a second are sent, so that the line also hears.
   static constexpr std::size_t kMostRequestsPerSecond = 2;
-  static constexpr std::chrono::seconds kRefusalsToldEvery{60};
 
   Bridge(BrokerSettings settings, const std::string& identity, Uses uses);
 
@@ -45,7 +45,6 @@ class Bridge {
   /// Whether one more within a second is few enough; counts it then.
   static bool Fits(std::deque<Clock::time_point>& lately, std::size_t most);
   void Take(const Incoming& message);
-  void CountRefused(const std::string& why);
 
   const BrokerSettings settings_;
   const Topics topics_;
@@ -53,8 +52,7 @@ class Bridge {
   std::vector<AnnouncedEvent> events_;
   bool announced_ = false;
   std::deque<Clock::time_point> signals_, requests_;
-  std::size_t refused_ = 0;  // since they were last told
-  std::optional<Clock::time_point> refusalsTold_;
+  RefusalTally refused_;
   BrokerLink link_;
 };
 

@@ -113,12 +113,11 @@ class Conversation final : private ClientEvents {
     login.ClientId = topics.Node() + "-check";
     login.User = settings.User;
     login.Password = ReadPassword(settings);
-    login.LastWill = {topics.Check(), "", false};
     login.ProtocolVersion = version;
     return login;
   }
 
-  void OnConnectAnswer(int reason) override {
+  void OnConnectAnswer(int reason, int /*receiveMaximum*/) override {
     if (reason == 0) {
       isUp_ = true;
     } else {

@@ -36,8 +36,12 @@ constexpr milliseconds kLongestEnd = 2s;
 /// Goes from connection to connection until the mailbox is closed.
 class Connector {
  public:
-  Connector(BrokerSettings settings, const std::string& identity, std::shared_ptr<Mailbox> mailbox)
-      : settings_(std::move(settings)), topics_(settings_, identity), mailbox_(std::move(mailbox)) {}
+  Connector(BrokerSettings settings, const std::string& identity, LinkPurpose purpose,
+            std::shared_ptr<Mailbox> mailbox)
+      : settings_(std::move(settings)),
+        topics_(settings_, identity),
+        purpose_(std::move(purpose)),
+        mailbox_(std::move(mailbox)) {}
 
   void Run() {
     while (!mailbox_->IsClosed()) {
@@ -52,12 +56,12 @@ class Connector {
   std::optional<Refusal> RunSession(std::optional<Clock::time_point>& upSince) {
     try {
       MosquittoClient::Login login;
-      login.ClientId = settings_.ClientId.empty() ? topics_.Node() : settings_.ClientId;
+      login.ClientId = purpose_.ClientId;
       login.User = settings_.User;
       login.Password = ReadPassword(settings_);
-      login.LastWill = {topics_.Status(), "offline", true};
+      if (purpose_.SpeaksForDevice) login.LastWill = {topics_.Status(), "offline", true};
       login.ProtocolVersion = version_;
-      Session session(settings_, topics_, login, *mailbox_, pressesUnheard_);
+      Session session(settings_, topics_, purpose_, login, *mailbox_, pressesUnheard_);
       session.WhenUp = [this] { TellUp(); };
       session.WhenAnswering = [this] { TellDropped(); };
       const auto refusal = session.Run();
@@ -71,8 +75,7 @@ class Connector {
   void TellUp() {
     // Thrown off again and again, the text would come as often.
     if (told_ == Trouble::TakenOver) return;
-    mailbox_->PutReport({LogLevel::Notice, "Connected to the broker at " + settings_.Host + " port " +
-                                               std::to_string(settings_.Port) + "."});
+    mailbox_->PutReport({LogLevel::Notice, purpose_.Up});
     TellDropped();
   }
 
@@ -98,8 +101,8 @@ class Connector {
     const bool known = KnowsOlderProtocol(refusal, upSince.has_value());
     if (!known && told_ != refusal.Kind) {
       told_ = refusal.Kind;
-      mailbox_->PutReport({LogLevel::Warning, TextOf(refusal, settings_) +
-                                                  " Until it is back, key presses are not told to it."});
+      mailbox_->PutReport(
+          {LogLevel::Warning, TextOf(refusal, settings_) + " Until it is back, " + purpose_.WhileAway + "."});
     }
     const milliseconds longest =
         MayPassByItself(refusal.Kind) ? kLongestWaitForBroker : kLongestWaitAfterRefusal;
@@ -140,6 +143,7 @@ class Connector {
 
   const BrokerSettings settings_;
   const Topics topics_;
+  const LinkPurpose purpose_;
   const std::shared_ptr<Mailbox> mailbox_;
   std::set<std::string> pressesUnheard_;
   std::minstd_rand random_{std::random_device{}()};
@@ -151,17 +155,18 @@ class Connector {
 
 }  // namespace
 
-BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identity,
+BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identity, LinkPurpose purpose,
                        std::function<void()> wake)
-    : mailbox_(std::make_shared<Mailbox>(std::move(wake))) {
+    : mailbox_(std::make_shared<Mailbox>(std::move(wake), purpose.MostIncoming)) {
   std::promise<void> ended;
   ended_ = ended.get_future();
   // Signals are the business of the program's own threads.
   sigset_t all, before;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);
-  thread_ = std::thread([settings, identity, mailbox = mailbox_, ended = std::move(ended)]() mutable {
-    Connector(settings, identity, mailbox).Run();
+  thread_ = std::thread([settings, identity, purpose = std::move(purpose), mailbox = mailbox_,
+                         ended = std::move(ended)]() mutable {
+    Connector(settings, identity, std::move(purpose), mailbox).Run();
     ended.set_value();
   });
   pthread_sigmask(SIG_SETMASK, &before, nullptr);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "broker/broker_settings.h"
+#include "broker/link_purpose.h"
 #include "broker/mailbox.h"
 
 namespace keplo::broker {
@@ -16,8 +17,10 @@ namespace keplo::broker {
 /// looked up nor a broker that hangs ever holds the program up. Every call returns at once.
 class BrokerLink {
  public:
+  /// @param identity of the installation
   /// @param wake runs in the other thread when there are reports or messages to take; it only posts
-  BrokerLink(const BrokerSettings& settings, const std::string& identity, std::function<void()> wake);
+  BrokerLink(const BrokerSettings& settings, const std::string& identity, LinkPurpose purpose,
+             std::function<void()> wake);
   /// Tells the broker that this host is offline, for a second at the most, and ends the connection.
   ~BrokerLink();
   BrokerLink(const BrokerLink&) = delete;
@@ -30,7 +33,11 @@ class BrokerLink {
 
   std::vector<Incoming> TakeIncoming() { return mailbox_->TakeIncoming(); }
   std::vector<Report> TakeReports() { return mailbox_->TakeReports(); }
-  /// Key presses that the broker was not told.
+  /// How many messages came faster than they were taken, and were dropped, since this was asked last.
+  std::size_t TakeOverflow() { return mailbox_->TakeOverflow(); }
+  bool IsUp() const { return mailbox_->IsUp(); }
+  /// Key presses that the broker has confirmed, and those that it was not told.
+  std::size_t ToldPresses() const { return mailbox_->ToldPresses(); }
   std::size_t DroppedPresses() const { return mailbox_->DroppedPresses(); }
 
  private:

@@ -238,6 +238,10 @@ void ChangeBrokerSettings(const std::filesystem::path& appPath,
   }
 }
 
+std::string NameOf(const BrokerSettings& settings) {
+  return settings.Host + " port " + std::to_string(settings.Port);
+}
+
 nlohmann::ordered_json AsJson(const BrokerSettings& settings) {
   nlohmann::ordered_json object;
   for (const SettingRow& row : Rows()) object[std::string(row.Key)] = row.Give(settings);

@@ -48,6 +48,9 @@ std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& ap
 void ChangeBrokerSettings(const std::filesystem::path& appPath,
                           const std::vector<std::pair<std::string, std::string>>& changes);
 
+/// "HOST port PORT", for a person.
+std::string NameOf(const BrokerSettings& settings);
+
 /// All settings by their keys, in the order of the manual.
 nlohmann::ordered_json AsJson(const BrokerSettings& settings);
 

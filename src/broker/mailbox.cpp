@@ -8,17 +8,23 @@
 
 namespace keplo::broker {
 
-Mailbox::Mailbox(std::function<void()> wake)
-    : wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wake_(std::move(wake)) {}
+Mailbox::Mailbox(std::function<void()> wake, std::size_t mostIncoming)
+    : wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wake_(std::move(wake)), mostIncoming_(mostIncoming) {}
 
 void Mailbox::Put(News news) {
   {
     const std::lock_guard lock(mutex_);
     if (closed_) return;
+    const std::string& topic = news.Message.Topic;
+    if (news.Of == News::Kind::AfterPress && overflown_.count(topic) > 0) return;
+    const bool isPress = news.Of == News::Kind::Press;
     if (news_.size() >= kMostNews) {
-      if (news.Of == News::Kind::Press) ++dropped_;
+      if (!isPress) return;
+      ++dropped_;
+      overflown_.insert(topic);
       return;
     }
+    if (isPress) overflown_.erase(topic);
     news_.push_back(std::move(news));
   }
   WakeConnection();
@@ -51,6 +57,16 @@ std::vector<Report> Mailbox::TakeReports() {
   return std::exchange(reports_, {});
 }
 
+std::size_t Mailbox::TakeOverflow() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(overflow_, 0);
+}
+
+bool Mailbox::IsUp() const {
+  const std::lock_guard lock(mutex_);
+  return up_;
+}
+
 std::deque<News> Mailbox::TakeNews() {
   const std::lock_guard lock(mutex_);
   return std::exchange(news_, {});
@@ -68,22 +84,41 @@ bool Mailbox::IsClosed() const {
 
 void Mailbox::PutIncoming(Incoming message) {
   std::unique_lock lock(mutex_);
-  if (incoming_.size() >= kMostIncoming) return;
+  if (incoming_.size() >= mostIncoming_) {
+    ++overflow_;
+    return;
+  }
   incoming_.push_back(std::move(message));
   WakeProgram(lock);
 }
 
 void Mailbox::PutReport(Report report) {
   std::unique_lock lock(mutex_);
-  if (reports_.size() >= kMostIncoming) return;
+  if (reports_.size() >= kMostReports) return;
   reports_.push_back(std::move(report));
   WakeProgram(lock);
+}
+
+void Mailbox::SetUp(bool up) {
+  const std::lock_guard lock(mutex_);
+  up_ = up;
+}
+
+void Mailbox::CountTold(const News& news) {
+  if (news.Of != News::Kind::Press) return;
+  const std::lock_guard lock(mutex_);
+  ++told_;
 }
 
 void Mailbox::CountDropped(const News& news) {
   if (news.Of != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
   ++dropped_;
+}
+
+std::size_t Mailbox::ToldPresses() const {
+  const std::lock_guard lock(mutex_);
+  return told_;
 }
 
 std::size_t Mailbox::DroppedPresses() const {

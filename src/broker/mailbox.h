@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ struct News {
 struct Incoming {
   std::string Topic, Payload;
   bool Retained = false;
+  std::chrono::steady_clock::time_point Came = std::chrono::steady_clock::now();
 };
 
 /// What the connection has to tell its user.
@@ -41,9 +43,10 @@ class Mailbox {
  public:
   /// More than a second of keys on many remotes; what does not fit is dropped.
   static constexpr std::size_t kMostNews = 512;
-  static constexpr std::size_t kMostIncoming = 64;
+  static constexpr std::size_t kMostReports = 64;
 
-  explicit Mailbox(std::function<void()> wake);
+  /// @param mostIncoming messages that wait to be taken; what does not fit is dropped and counted
+  Mailbox(std::function<void()> wake, std::size_t mostIncoming);
 
   // The program's side.
   void Put(News news);
@@ -52,6 +55,10 @@ class Mailbox {
   void Close();
   std::vector<Incoming> TakeIncoming();
   std::vector<Report> TakeReports();
+  /// How many messages did not fit since this was asked last.
+  std::size_t TakeOverflow();
+  /// Whether the broker has let us in and is there still, as far as is known.
+  bool IsUp() const;
 
   // The connection's side.
   std::deque<News> TakeNews();
@@ -59,13 +66,17 @@ class Mailbox {
   bool IsClosed() const;
   void PutIncoming(Incoming message);
   void PutReport(Report report);
+  void SetUp(bool up);
+  /// Counts news that the broker has confirmed.
+  void CountTold(const News& news);
   /// Counts news that were not told.
   void CountDropped(const News& news);
   /// Readable when there is something for the connection, until Calm.
   int WakeDescriptor() const { return wakeup_.Number(); }
   void Calm() const;
 
-  /// Key presses that the broker was not told, so far.
+  /// Key presses that the broker has confirmed, and those that it was not told, so far.
+  std::size_t ToldPresses() const;
   std::size_t DroppedPresses() const;
 
  private:
@@ -79,8 +90,10 @@ class Mailbox {
   std::string device_;
   std::vector<Incoming> incoming_;
   std::vector<Report> reports_;
-  std::size_t dropped_ = 0;
-  bool closed_ = false;
+  std::set<std::string> overflown_;  // topics whose last press did not fit, so that its release goes with it
+  const std::size_t mostIncoming_;
+  std::size_t told_ = 0, dropped_ = 0, overflow_ = 0;
+  bool closed_ = false, up_ = false;
 };
 
 }  // namespace keplo::broker

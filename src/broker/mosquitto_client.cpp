@@ -7,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "broker/refusal.h"
 #include "failure.h"
 
 namespace keplo::broker {
@@ -44,8 +45,10 @@ struct MosquittoClient::Callbacks {
 
   static void Set(mosquitto* client) {
     mosquitto_connect_v5_callback_set(
-        client, [](mosquitto*, void* self, int reason, int /*flags*/, const mosquitto_property*) {
-          Of(self).events_.OnConnectAnswer(reason);
+        client, [](mosquitto*, void* self, int reason, int /*flags*/, const mosquitto_property* properties) {
+          std::uint16_t most = UINT16_MAX;
+          mosquitto_property_read_int16(properties, MQTT_PROP_RECEIVE_MAXIMUM, &most, /*skip_first=*/false);
+          Of(self).events_.OnConnectAnswer(reason, most);
         });
     mosquitto_disconnect_v5_callback_set(
         client, [](mosquitto*, void* self, int reason, const mosquitto_property*) {
@@ -78,6 +81,12 @@ struct MosquittoClient::Callbacks {
       log += (log.empty() ? "" : "; ") + std::string(text);
     });
   }
+
+  /// Without this the library asks on the terminal, which a host in the background never answers.
+  static int GiveNoPassword(char* /*password*/, int /*size*/, int /*writing*/, void* client) {
+    Of(mosquitto_userdata(static_cast<mosquitto*>(client))).log_ = kKeyIsEncrypted;
+    return 0;
+  }
 };
 
 void MosquittoClient::Destroy::operator()(mosquitto* client) const { mosquitto_destroy(client); }
@@ -92,19 +101,21 @@ MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& lo
   mosquitto_int_option(client_.get(), MOSQ_OPT_TCP_NODELAY, 1);
   Require(mosquitto_username_pw_set(client_.get(), NameOrNull(login.User), NameOrNull(login.Password)),
           "The user of the broker cannot be used");
-  Require(mosquitto_will_set(client_.get(), login.LastWill.Topic.c_str(),
-                             static_cast<int>(login.LastWill.Payload.size()), login.LastWill.Payload.data(),
-                             1, login.LastWill.Retain),
-          "The topic " + login.LastWill.Topic + " cannot be used");
+  if (!login.LastWill.Topic.empty()) {
+    Require(mosquitto_will_set(client_.get(), login.LastWill.Topic.c_str(),
+                               static_cast<int>(login.LastWill.Payload.size()), login.LastWill.Payload.data(),
+                               1, login.LastWill.Retain),
+            "The topic " + login.LastWill.Topic + " cannot be used");
+  }
   if (settings.Tls) SetUpTls(settings);
 }
 
 MosquittoClient::~MosquittoClient() = default;
 
 void MosquittoClient::SetUpTls(const BrokerSettings& settings) {
-  const int error = mosquitto_tls_set(client_.get(), NameOrNull(settings.Ca),
-                                      settings.Ca.empty() ? kSystemAuthorities : nullptr,
-                                      NameOrNull(settings.Certificate), NameOrNull(settings.Key), nullptr);
+  const int error = mosquitto_tls_set(
+      client_.get(), NameOrNull(settings.Ca), settings.Ca.empty() ? kSystemAuthorities : nullptr,
+      NameOrNull(settings.Certificate), NameOrNull(settings.Key), Callbacks::GiveNoPassword);
   if (error == MOSQ_ERR_SUCCESS) return;
   std::string names;
   for (const auto* name : {&settings.Ca, &settings.Certificate, &settings.Key}) {
@@ -143,7 +154,8 @@ int MosquittoClient::Publish(const Publication& publication, int& message) {
 
 int MosquittoClient::Subscribe(const std::string& topic, bool asPublished, int& message) {
   int options = 0;
-  if (version_ >= 5) options = MQTT_SUB_OPT_NO_LOCAL | (asPublished ? MQTT_SUB_OPT_RETAIN_AS_PUBLISHED : 0);
+  if (version_ >= 5 && asPublished) options = MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
+  if (version_ >= 5 && !topic.starts_with("$share/")) options |= MQTT_SUB_OPT_NO_LOCAL;
   return mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr);
 }
 

@@ -14,7 +14,8 @@ namespace keplo::broker {
 class ClientEvents {
  public:
   /// @param reason 0 if the broker lets us in
-  virtual void OnConnectAnswer(int reason) = 0;
+  /// @param receiveMaximum messages at QoS 1 that the broker takes at once before it has confirmed them
+  virtual void OnConnectAnswer(int reason, int receiveMaximum) = 0;
   /// @param reason of MQTT 5, 0 if the broker gave none
   virtual void OnHangUp(int reason) = 0;
   virtual void OnPublished(int message, int reason) = 0;
@@ -39,7 +40,7 @@ class MosquittoClient {
  public:
   struct Login {
     std::string ClientId, User, Password;
-    Publication LastWill;
+    Publication LastWill;     // none without a topic
     int ProtocolVersion = 5;  // 4 is MQTT 3.1.1
   };
 
@@ -61,7 +62,7 @@ class MosquittoClient {
   int Disconnect();
   /// @param message written with the number by which OnPublished tells it
   int Publish(const Publication& publication, int& message);
-  /// At QoS 1; with MQTT 5 without what we publish ourselves.
+  /// At QoS 1; with MQTT 5 without what we publish ourselves, unless the topic is shared.
   /// @param asPublished whether a message that somebody has published as one to keep counts as retained also
   /// when it comes at once, which MQTT 5 alone can tell
   int Subscribe(const std::string& topic, bool asPublished, int& message);

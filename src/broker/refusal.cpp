@@ -9,15 +9,17 @@ namespace keplo::broker {
 
 namespace {
 
-std::string Place(const BrokerSettings& settings) {
-  return settings.Host + " port " + std::to_string(settings.Port);
-}
-
 bool Says(std::string_view logged, std::string_view words) {
   return logged.find(words) != std::string_view::npos;
 }
 
 std::string AboutTls(const std::string& detail, const BrokerSettings& settings) {
+  if (Says(detail, kKeyIsEncrypted)) {
+    return "the key in " + settings.Key +
+           " is encrypted, and nobody is there to type its password. Write it without one, for your eyes "
+           "alone: openssl pkey -in " +
+           settings.Key + " -out FILE, chmod 600 FILE, and set \"key\" to FILE.";
+  }
   if (Says(detail, "host name verification")) {
     return "its certificate is for another name than " + settings.Host +
            "; set \"host\" to the name that the certificate has.";
@@ -72,7 +74,7 @@ bool MayPassByItself(Trouble kind) {
 }
 
 std::string TextOf(const Refusal& refusal, const BrokerSettings& settings) {
-  const std::string broker = "The broker at " + Place(settings);
+  const std::string broker = "The broker at " + NameOf(settings);
   const std::string because = refusal.Detail.empty() ? "" : " (" + refusal.Detail + ")";
   switch (refusal.Kind) {
     case Trouble::NoName:
@@ -83,7 +85,7 @@ std::string TextOf(const Refusal& refusal, const BrokerSettings& settings) {
              ". Is it running, and is the port right? A TLS port needs \"tls\": true, and a port for "
              "websockets cannot be used.";
     case Trouble::Tls:
-      return "No secure connection to " + Place(settings) + ": " + AboutTls(refusal.Detail, settings);
+      return "No secure connection to " + NameOf(settings) + ": " + AboutTls(refusal.Detail, settings);
     case Trouble::OtherProtocol:
       return broker + " speaks neither MQTT 5 nor MQTT 3.1.1" + because + ".";
     case Trouble::BadLogin:
@@ -107,7 +109,7 @@ std::string TextOf(const Refusal& refusal, const BrokerSettings& settings) {
     case Trouble::Files:
       return refusal.Detail;
     case Trouble::Lost:
-      return "The connection to " + Place(settings) + " was lost" + because + ".";
+      return "The connection to " + NameOf(settings) + " was lost" + because + ".";
   }
   return {};
 }

@@ -38,14 +38,18 @@ std::chrono::milliseconds BirthWait() {
 
 }  // namespace
 
-Session::Session(const BrokerSettings& settings, const Topics& topics, const MosquittoClient::Login& login,
-                 Mailbox& mailbox, std::set<std::string>& pressesUnheard)
+Session::Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
+                 const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard)
     : settings_(settings),
       topics_(topics),
+      purpose_(purpose),
       mailbox_(mailbox),
       pressesUnheard_(pressesUnheard),
       client_(settings, login, *this),
-      version_(login.ProtocolVersion) {}
+      version_(login.ProtocolVersion),
+      mostUnconfirmed_(kMostUnconfirmed) {}
+
+Session::~Session() { mailbox_.SetUp(false); }
 
 std::optional<Refusal> Session::Run() {
   Check(client_.Connect());
@@ -103,17 +107,21 @@ void Session::Check(int error) {
   refusal_ = RefusalOfLoss(error, client_.SystemError(), client_.TakeLog(), settings_.Tls, IsUp());
 }
 
-void Session::OnConnectAnswer(int reason) {
+void Session::OnConnectAnswer(int reason, int receiveMaximum) {
   if (reason != 0) {
     refusal_ = RefusalOfConnectAnswer(reason, version_);
     return;
   }
   upSince_ = lastHeard_ = Clock::now();
+  // What is more the library keeps to itself, and sends when nobody wants it any more.
+  mostUnconfirmed_ = std::min(kMostUnconfirmed, static_cast<std::size_t>(receiveMaximum));
+  mailbox_.SetUp(true);
   if (WhenUp) WhenUp();
+  for (const std::string& topic : purpose_.Topics) Subscribe(topic, /*asPublished=*/true);
+  if (!purpose_.SpeaksForDevice) return;
   Subscribe(topics_.Birth(), /*asPublished=*/false);
   // What an earlier run has announced, for what of it is gone.
   Subscribe(topics_.Device(), /*asPublished=*/false);
-  if (settings_.Send) Subscribe(topics_.Send(), /*asPublished=*/true);
   AnnounceAll();
 }
 
@@ -135,7 +143,11 @@ void Session::OnPublished(int message, int reason) {
   std::string topic;
   if (const auto news = unconfirmed_.extract(message); !news.empty()) {
     topic = news.mapped().Message.Topic;
-    if (reason >= MQTT_RC_UNSPECIFIED) mailbox_.CountDropped(news.mapped());
+    if (reason >= MQTT_RC_UNSPECIFIED) {
+      mailbox_.CountDropped(news.mapped());
+    } else {
+      mailbox_.CountTold(news.mapped());
+    }
   } else if (const auto other = topicOf_.extract(message); !other.empty()) {
     topic = other.mapped();
   }
@@ -156,11 +168,11 @@ void Session::OnUnsubscribed(int message) {
 }
 
 void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
-  if (topic == topics_.Birth()) {
+  if (purpose_.SpeaksForDevice && topic == topics_.Birth()) {
     if (payload == "online" && !retained && !announceAt_) announceAt_ = Clock::now() + BirthWait();
     return;
   }
-  if (topic == topics_.Device()) {
+  if (purpose_.SpeaksForDevice && topic == topics_.Device()) {
     if (!retained) return;
     earlier_ = payload;
     if (!announced_.empty()) RemoveWhatIsGone();
@@ -231,7 +243,7 @@ void Session::SendNews() {
     question_ = message;
     return;
   }
-  while (!waiting_.empty() && unconfirmed_.size() < kMostUnconfirmed) {
+  while (!waiting_.empty() && unconfirmed_.size() + topicOf_.size() < mostUnconfirmed_) {
     News news = std::move(waiting_.front());
     waiting_.pop_front();
     SendNow(std::move(news));
@@ -266,8 +278,10 @@ void Session::SayGoodbye() {
   TakeNews();
   SendNews();
   int last = 0;
-  Check(client_.Publish({topics_.Status(), "offline", true}, last));
-  topicOf_[last] = topics_.Status();
+  if (purpose_.SpeaksForDevice) {
+    Check(client_.Publish({topics_.Status(), "offline", true}, last));
+    topicOf_[last] = topics_.Status();
+  }
   const Clock::time_point until = Clock::now() + kLongestGoodbye;
   const auto isOpen = [&] { return topicOf_.count(last) > 0 || !unconfirmed_.empty() || question_; };
   while (!refusal_ && isOpen() && Clock::now() < until) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "broker/announcement.h"
+#include "broker/link_purpose.h"
 #include "broker/mailbox.h"
 #include "broker/mosquitto_client.h"
 #include "broker/refusal.h"
@@ -25,11 +26,14 @@ class Session : private ClientEvents {
  public:
   static constexpr std::chrono::milliseconds kFresh{1500};
 
+  /// @param purpose what else to take in, and whether this is the connection that speaks for the device
   /// @param pressesUnheard topics whose last press was dropped, so that what follows it is dropped too; kept
   /// from session to session
-  Session(const BrokerSettings& settings, const Topics& topics, const MosquittoClient::Login& login,
-          Mailbox& mailbox, std::set<std::string>& pressesUnheard);
-  ~Session() = default;
+  Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
+          const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
 
   /// Runs when the broker has let us in.
   std::function<void()> WhenUp;
@@ -47,7 +51,7 @@ class Session : private ClientEvents {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void OnConnectAnswer(int reason) override;
+  void OnConnectAnswer(int reason, int receiveMaximum) override;
   void OnHangUp(int reason) override;
   void OnPublished(int message, int reason) override;
   void OnSubscribed(int message, bool granted) override;
@@ -75,6 +79,7 @@ class Session : private ClientEvents {
 
   const BrokerSettings& settings_;
   const Topics& topics_;
+  const LinkPurpose& purpose_;
   Mailbox& mailbox_;
   std::set<std::string>& pressesUnheard_;
   MosquittoClient client_;
@@ -88,6 +93,7 @@ class Session : private ClientEvents {
   std::optional<int> question_;         // that asks for it
   std::map<int, News> unconfirmed_;     // by message
   std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
+  std::size_t mostUnconfirmed_;
   std::set<std::string> toldRefused_;
   Clock::time_point lastKeepAlive_ = begun_;
 };
