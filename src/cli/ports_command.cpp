@@ -9,6 +9,7 @@
 #include "cli/line_watch.h"
 #include "line/port_check.h"
 #include "line/real_time.h"
+#include "line/rooms/broker_messages.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/printable.h"
@@ -60,10 +61,11 @@ void PrintText(const MappedPort& port, const PortCheck& check) {
 
 int ListPorts(const PortsOptions& options) {
   KernelCalls calls;
-  const PortMap map = LoadPortMap(ResolveAppPath(options.AppPath));
+  const auto appPath = ResolveAppPath(options.AppPath);
+  const PortMap map = LoadPortMap(appPath);
   for (const std::string& mistake : map.Mistakes) Tell(mistake);
   for (const MappedPort& port : map.Ports) {
-    const PortCheck check = CheckPort(calls, port);
+    const PortCheck check = CheckPort(calls, port, {}, BrokerMessagesOf(appPath));
     if (options.Json) {
       PrintJson(port, check);
     } else {

@@ -275,7 +275,7 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
 void KeploObject::TellSignal(const TickReport& tick) {
   if (signalSinks_.IsEmpty()) return;
   const Busy busy(*this);
-  const HeardSignal heard = HeardOnAir(mod_, tick);
+  const HeardSignal heard = HeardOnAir(mod_, station_.Line(), tick);
   if (heard.Timings.empty()) return;
   signalSinks_.ForEach([&](ISignalSink& sink) { sink.SignalHeard(heard); });
 }
@@ -285,7 +285,7 @@ std::string KeploObject::SendSignal(const std::vector<std::int32_t>& timings, st
 }
 
 std::string KeploObject::SendCommand(const std::string& command) {
-  return Sent([&] { return SendLearned(mod_, station_.Line(), command, sentToggle_); });
+  return Sent([&] { return SendLearned(mod_, station_.Line(), command); });
 }
 
 /// What the line hears meanwhile is its own.

@@ -187,6 +187,7 @@ struct HeardSignal {
   std::vector<std::int32_t> Timings;  // microseconds, marks positive, spaces negative, a mark at both ends
   std::string Protocol, Code;         // empty without a code
   std::string Command;                // "protocol&command"; empty for a code that was not learned
+  int Zone = 0;                       // of the receiver that has heard it, 1 to 8; 0 if it has none
 };
 
 /// What a host does with signals. Runs inside the tick that has heard one: be quick, and do not throw.

@@ -50,7 +50,7 @@ BrokerOutput::BrokerOutput(const broker::BrokerSettings& settings, const std::st
   };
   host_.OnSignal = [this](const HeardSignal& signal) {
     bridge_.Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
-                                     signal.Command, 0, LocalTime()});
+                                     signal.Command, signal.Zone, LocalTime()});
   };
   look_.callOnTimeout([this] { TellEvents(); });
   look_.start(kLookAtEvents);

@@ -5,6 +5,7 @@
 
 #include "line/port_line.h"
 #include "line/replay_line.h"
+#include "line/rooms/broker_messages.h"
 
 namespace keplo {
 
@@ -49,7 +50,7 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
   std::vector<std::string> mistakes = LoadPortMap(appPath).Mistakes;
   auto line = std::make_unique<PortLine>(
       std::make_unique<KernelCalls>(), [appPath] { return LoadPortMap(appPath); }, receiverKind, spec.Options,
-      std::move(tell));
+      std::move(tell), BrokerMessagesOf(appPath));
   if (spec.Port) line->PutInPlace(*spec.Port, spec.PortOfSettings);
   PortLine* const device = line.get();
   const std::string remarks = Joined(mistakes);

@@ -7,6 +7,7 @@
 #include "formats/recording.h"
 #include "line/device_access.h"
 #include "line/lirc/lirc_line.h"
+#include "line/rooms/room_line.h"
 #include "line/serial/serial_port.h"
 
 namespace keplo {
@@ -54,6 +55,21 @@ PortCheck CheckLirc(DeviceCalls& calls, const MappedPort& port, const fs::path& 
   return check;
 }
 
+/// Its connection is there or fails within seconds.
+PortCheck CheckRooms(DeviceCalls& calls, const MappedPort& port, const OpenRoomMessages& rooms) {
+  constexpr std::chrono::seconds kLongestLogin{5};
+  PortCheck check;
+  const std::int16_t receiver = 0;
+  RoomLine line(calls, port.Rooms, rooms, receiver, {}, {});
+  if (line.OpenCom(port.Port) == 1) line.WaitUntilHeard(kLongestLogin);
+  check.Why = line.WhyNot();
+  check.Opens = check.Receives = check.Why.empty();
+  check.Sends = check.Opens && !port.Rooms.SendTopic.empty();
+  if (check.Opens && !check.Sends)
+    check.Why = port.Device + " has no sender. Add send:TOPIC to its line in ports.conf.";
+  return check;
+}
+
 PortCheck CheckReplay(const MappedPort& port) {
   PortCheck check;
   try {
@@ -68,12 +84,15 @@ PortCheck CheckReplay(const MappedPort& port) {
 
 }  // namespace
 
-PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders) {
+PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders,
+                    const OpenRoomMessages& rooms) {
   switch (port.Type) {
     case MappedPort::Kind::Serial:
       return CheckSerial(calls, port, folders.Sys);
     case MappedPort::Kind::Lirc:
       return CheckLirc(calls, port, folders.Sys / "lirc" / KernelName(port.Device) / "device");
+    case MappedPort::Kind::Mqtt:
+      return CheckRooms(calls, port, rooms);
     case MappedPort::Kind::Replay:
       break;
   }

@@ -4,6 +4,7 @@
 
 #include "line/device_calls.h"
 #include "line/port_map.h"
+#include "line/rooms/room_messages.h"
 
 namespace keplo {
 
@@ -17,6 +18,8 @@ struct PortCheck {
 };
 
 /// Opens a port for a moment and asks its device. One that another program uses is left alone.
-PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders = {});
+/// @param rooms opens the messages of receivers on a broker
+PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders = {},
+                    const OpenRoomMessages& rooms = {});
 
 }  // namespace keplo

@@ -6,6 +6,7 @@
 
 #include "formats/recording.h"
 #include "line/lirc/lirc_line.h"
+#include "line/rooms/room_line.h"
 #include "line/serial/serial_line.h"
 #include "line/slot_clock.h"
 #include "line/zone_answer.h"
@@ -23,7 +24,8 @@ constexpr const char* kNoDevices =
 }  // namespace
 
 PortLine::PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> map,
-                   const std::int16_t& receiverKind, LineOptions options, TellUser tell)
+                   const std::int16_t& receiverKind, LineOptions options, TellUser tell,
+                   OpenRoomMessages rooms)
     : calls_(std::move(calls)),
       wakes_(*calls_, epoll_create1(EPOLL_CLOEXEC)),
       readMap_(std::move(map)),
@@ -31,6 +33,7 @@ PortLine::PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> 
       receiverKind_(&receiverKind),
       options_(options),
       tell_(std::move(tell)),
+      rooms_(std::move(rooms)),
       beeper_(*calls_, tell_) {}
 
 std::unique_ptr<Win32Ser> PortLine::MakeLine(const MappedPort& port) {
@@ -41,6 +44,11 @@ std::unique_ptr<Win32Ser> PortLine::MakeLine(const MappedPort& port) {
   }
   if (port.Type == MappedPort::Kind::Lirc) {
     auto line = std::make_unique<LircLine>(*calls_, port.Device, *receiverKind_, options_, tell_);
+    device_ = line.get();
+    return line;
+  }
+  if (port.Type == MappedPort::Kind::Mqtt) {
+    auto line = std::make_unique<RoomLine>(*calls_, port.Rooms, rooms_, *receiverKind_, options_, tell_);
     device_ = line.get();
     return line;
   }
@@ -193,10 +201,12 @@ std::int32_t PortLine::ReadChr(char& character) { return line_ ? line_->ReadChr(
 std::int16_t PortLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
 
 void PortLine::uDelay(std::int32_t microseconds) {
+  if (device_) return device_->uDelay(microseconds);
   SleepUnlessEnded(*calls_, calls_->Now() + std::chrono::microseconds(microseconds));
 }
 
 void PortLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
+  if (device_) return device_->SpeakBeep(frequency, duration);
   beeper_.Sound(frequency, duration);
 }
 

@@ -10,6 +10,7 @@
 #include "line/device_line.h"
 #include "line/port_map.h"
 #include "line/replay_line.h"
+#include "line/rooms/room_messages.h"
 
 namespace keplo {
 
@@ -18,8 +19,9 @@ class PortLine : public DeviceLine {
  public:
   /// @param map is asked again for a port that is not in it: its device may come later
   /// @param receiverKind as in the settings, which own it
+  /// @param rooms opens the messages of a line that listens to a broker
   PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> map, const std::int16_t& receiverKind,
-           LineOptions options, TellUser tell);
+           LineOptions options, TellUser tell, OpenRoomMessages rooms = {});
 
   /// The port that is opened where that of the settings is asked for.
   /// @param ofSettings as the settings tell it when a port is opened first; none: the port that is asked for
@@ -48,6 +50,7 @@ class PortLine : public DeviceLine {
   std::int32_t DCD() override;
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
+  const SignalOrigin* Origin() const override { return line_ ? line_->Origin() : nullptr; }
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
@@ -71,6 +74,7 @@ class PortLine : public DeviceLine {
   const std::int16_t* receiverKind_;
   LineOptions options_;
   TellUser tell_;
+  OpenRoomMessages rooms_;
   Beeper beeper_;
   std::unique_ptr<Win32Ser> line_;  // none while no port is open
   DeviceLine* device_ = nullptr;    // the same, where it is a device

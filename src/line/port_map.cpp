@@ -24,6 +24,14 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+/// A # within a word is of a topic.
+std::string_view WithoutComment(std::string_view line) {
+  for (auto at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
+    if (at == 0 || kBlanks.find(line[at - 1]) != std::string_view::npos) return line.substr(0, at);
+  }
+  return line;
+}
+
 std::optional<std::int32_t> NumberOf(std::string_view text) {
   std::int32_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -62,7 +70,13 @@ std::string ParseLine(std::string_view line, MappedPort& port) {
     port.Device = rest;
     return {};
   }
-  if (kind != "replay") return "expected serial:, lirc: or replay: after the equals sign";
+  if (kind == "mqtt") {
+    port.Type = MappedPort::Kind::Mqtt;
+    std::string mistake = ParseRooms(rest, port.Rooms);
+    port.Device = port.Rooms.Filter;
+    return mistake;
+  }
+  if (kind != "replay") return "expected serial:, lirc:, mqtt: or replay: after the equals sign";
   port.Type = MappedPort::Kind::Replay;
   port.Files = Words(rest);
   return port.Files.empty() ? "expected the path of a recording after replay:" : "";
@@ -111,6 +125,8 @@ std::string KindName(MappedPort::Kind kind) {
       return "serial";
     case MappedPort::Kind::Lirc:
       return "lirc";
+    case MappedPort::Kind::Mqtt:
+      return "mqtt";
     case MappedPort::Kind::Replay:
       break;
   }
@@ -122,7 +138,7 @@ PortMap ParsePortMap(const std::string& text, const std::string& path) {
   std::istringstream lines(text);
   std::string line;
   for (int number = 1; std::getline(lines, line); ++number) {
-    const std::string_view content = Trimmed(std::string_view(line).substr(0, line.find('#')));
+    const std::string_view content = Trimmed(WithoutComment(line));
     if (content.empty()) continue;
     MappedPort port;
     std::string mistake = ParseLine(content, port);
@@ -148,11 +164,11 @@ PortMap FindPorts(const DeviceFolders& folders) {
   for (const bool hardware : {true, false}) {
     for (const std::string& name : names) {
       if (IsSerialHardware(name) != hardware || !HasHardware(ttys / name)) continue;
-      found.push_back({0, MappedPort::Kind::Serial, (folders.Dev / name).string(), {}});
+      found.push_back({0, MappedPort::Kind::Serial, (folders.Dev / name).string(), {}, {}});
     }
   }
   for (const std::string& name : NamesIn(folders.Sys / "lirc")) {
-    found.push_back({0, MappedPort::Kind::Lirc, (folders.Dev / name).string(), {}});
+    found.push_back({0, MappedPort::Kind::Lirc, (folders.Dev / name).string(), {}, {}});
   }
   PortMap map;
   for (MappedPort& port : found) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "line/rooms/room_map.h"
+
 namespace keplo {
 
 /// COM numbers that the system asks for.
@@ -12,12 +14,13 @@ inline constexpr std::int32_t kFirstPort = 1, kLastPort = 30;
 
 /// What stands behind a COM number.
 struct MappedPort {
-  enum class Kind { Serial, Lirc, Replay };
+  enum class Kind { Serial, Lirc, Mqtt, Replay };
 
   std::int32_t Port = 0;
   Kind Type = Kind::Serial;
-  std::string Device;              // node of a serial or infrared device
+  std::string Device;              // node of a serial or infrared device, or topic of receivers on a broker
   std::vector<std::string> Files;  // recordings of a replay line
+  RoomMap Rooms;                   // of receivers on a broker
 };
 
 /// The kind's name, as in ports.conf.
@@ -36,8 +39,9 @@ struct DeviceFolders {
   std::filesystem::path Dev = "/dev";
 };
 
-/// Reads the text of ports.conf: lines "NUMBER = serial:DEVICE", "lirc:DEVICE" or "replay:FILE...", and #
-/// comments. A line with a mistake is told and left out.
+/// Reads the text of ports.conf: lines "NUMBER = serial:DEVICE", "lirc:DEVICE", "replay:FILE..." or
+/// "mqtt:TOPIC [send:TOPIC] [ROOM:NAME...]", and comments, which begin with # ahead of a line or behind a
+/// blank; any other # is of a topic. A line with a mistake is told and left out.
 /// @param path names the file in messages
 PortMap ParsePortMap(const std::string& text, const std::string& path);
 

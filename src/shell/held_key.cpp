@@ -31,7 +31,9 @@ std::chrono::microseconds HeldKey::LetGoAt(microseconds watchedFrom) const {
   return last_.SilenceAfter > period ? watchedFrom : watchedFrom + period;
 }
 
-bool HeldKey::FollowsOn(const AirTime& air) const { return press_ && air.Begin < LetGoAt(air.WatchedFrom); }
+bool HeldKey::FollowsOn(const AirTime& air) const {
+  return press_ && air.Place == last_.Place && air.Begin < LetGoAt(air.WatchedFrom);
+}
 
 bool HeldKey::IsSamePress(const KeySign& sign, const AirTime& air) const {
   if (!FollowsOn(air) || sign.Digits != press_->Sign.Digits) return false;

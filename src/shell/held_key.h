@@ -16,6 +16,7 @@ struct AirTime {
   std::chrono::microseconds End{0};           // of the last mark
   std::chrono::microseconds SilenceAfter{0};  // known to have followed
   std::chrono::microseconds WatchedFrom{0};   // from then to Begin nobody looked away from the line
+  int Place = 0;                              // of the receiver
 };
 
 /// What a capture tells of the key that sent it.

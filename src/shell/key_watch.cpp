@@ -44,6 +44,12 @@ void Keplo::TimeCapture(microseconds begin) {
   const microseconds signal = LengthOfSignal(capture);
   lookedAt_ = LineTime();
   lookedAway_ = true;
+  if (const SignalOrigin* const origin = line_.Origin()) {
+    // Whoever is told of signals misses none, however late they are taken.
+    kept_ = false;
+    onAir_ = {origin->Begin, origin->End, 0ms, 0ms, origin->Place};
+    return;
+  }
   // A line that has kept the signal of a pause hands it out at once, and those after it.
   const bool behindPause = kept_ || watchedFrom_ > 0ms;
   kept_ = behindPause && 2 * (lookedAt_ - begin) < signal;

@@ -5,6 +5,8 @@
 #include <span>
 #include <string_view>
 
+#include "signal/signal_origin.h"
+
 namespace keplo {
 
 /// Longest time that IRRecord and IRRecordN wait for a signal to begin.
@@ -48,6 +50,9 @@ class Win32Ser {
   virtual void IRMonitor(std::span<char> buffer, std::int32_t delay) = 0;
   /// The same for the IRMouse receiver.
   virtual void IRMonitorN(std::span<char> buffer, std::int32_t delay) = 0;
+
+  /// Where the signal of the last capture was on air; none for a line that has heard it itself.
+  virtual const SignalOrigin* Origin() const { return nullptr; }
 
   /// Waits for a signal, up to kLongestRecordWait, then samples as IRMonitor does. For the DCDStandard
   /// receiver, and for calibration with either receiver.

@@ -16,6 +16,7 @@
 #include "signal/sample_words.h"
 #include "signal/send_bits.h"
 #include "signal/timing.h"
+#include "signal/zone_link.h"
 
 namespace keplo {
 
@@ -24,15 +25,25 @@ namespace {
 /// No edge is sent further than half of it from its place; receivers tell lengths no better.
 constexpr std::int32_t kSlotOfLengths = 25;  // microseconds
 
-void Send(const KeploMod& mod, Win32Ser& line, const Transmission& transmission) {
+/// @return why nothing was sent; empty if it was
+std::string Send(const Settings& settings, Win32Ser& line, const Transmission& transmission) {
+  if (settings.VexilMode > 0 && !SendZone(line, settings.VexilMode)) {
+    return "zone " + std::to_string(settings.VexilMode) +
+           ", which is chosen for sending (VEXIL), cannot be selected";
+  }
   PrepareToSend(line);
-  PutOnAir(line, transmission, mod.Settings.InterfaceType);
+  PutOnAir(line, transmission, settings.InterfaceType);
+  return {};
 }
 
 }  // namespace
 
-HeardSignal HeardOnAir(const KeploMod& mod, const TickReport& tick) {
+HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickReport& tick) {
   HeardSignal heard;
+  if (const SignalOrigin* const origin = line.Origin()) {
+    if (origin->IsPublic) return heard;
+    heard.Zone = origin->Zone;
+  }
   SampleWords samples;
   samples.Read(mod.Signal.RawCapture);
   RunReader reader;
@@ -65,11 +76,10 @@ std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std
     if (last > kMostSlots) return "it is longer than what can be sent";
     slots.append(std::max(last, slots.size()) - slots.size(), length > 0 ? '1' : '0');
   }
-  Send(mod, line, {PadToBytes(std::move(slots)), kSlotOfLengths, carrier});
-  return {};
+  return Send(mod.Settings, line, {PadToBytes(std::move(slots)), kSlotOfLengths, carrier});
 }
 
-std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view reference, bool& toggle) try {
+std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view reference) try {
   const std::size_t mark = reference.find('&');
   const std::string protocol(reference.substr(0, mark));
   const std::string name(mark == std::string_view::npos ? "" : reference.substr(mark + 1));
@@ -84,9 +94,10 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   if (isRaw && FindRawSignal(mod.Store, command->Code) == nullptr) {
     return "the lengths of " + std::string(reference) + " are missing or damaged";
   }
-  Send(mod, line, TransmissionOfCode(mod.Store, command->Code, kind, params, toggle, toggle ? 1 : 0));
-  if (isRaw) toggle = !toggle;
-  return {};
+  const Transmission transmission =
+      TransmissionOfCode(mod.Store, command->Code, kind, params, mod.Rc5Toggle, mod.Rc5Toggle ? 1 : 0);
+  if (isRaw) mod.Rc5Toggle = !mod.Rc5Toggle;
+  return Send(mod.Settings, line, transmission);
 } catch (const Failure& tooLong) {
   return tooLong.what();
 }

@@ -14,7 +14,8 @@
 namespace keplo {
 
 /// The signal of the capture that a tick has read, code or none. Its lengths are exact to one sample.
-HeardSignal HeardOnAir(const KeploMod& mod, const TickReport& tick);
+/// @return without lengths for one that everybody has been told of already
+HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickReport& tick);
 
 // Both send between two ticks, and tell why nothing was sent; empty if it was.
 /// @param timings microseconds, marks positive, spaces negative, in turns from a mark on
@@ -22,7 +23,6 @@ HeardSignal HeardOnAir(const KeploMod& mod, const TickReport& tick);
 std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std::int32_t> timings,
                         std::int32_t carrier);
 /// @param reference protocol&command, as the event map has it
-/// @param toggle turned over by each transmission that has one
-std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view reference, bool& toggle);
+std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view reference);
 
 }  // namespace keplo
