@@ -23,6 +23,7 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/raw/raw_digits.h"
+#include "signal/zone_link.h"
 
 namespace keplo::cli {
 
@@ -38,6 +39,7 @@ struct SendOptions {
   std::string Code;               // in place of one
   std::string OutFile;
   std::optional<std::int32_t> Pulse, Port;
+  std::optional<std::int16_t> Zone;  // to select first
   int Count = 1;
 };
 
@@ -161,6 +163,10 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
                   std::to_string(kLongestSlot) + " us.");
   }
   LiveLine live(mod, port);
+  if (options.Zone && !SendZone(live.Line(), *options.Zone)) {
+    throw Refused("Zone " + std::to_string(*options.Zone) + " cannot be selected at " + live.Name() +
+                  ": no zone hardware confirms it, and no room of that number is named in ports.conf.");
+  }
   Transmit(mod, live.Line(), digits, options);
   if (live.Device().Sent()) return;
   throw Refused(live.WhyNot().empty() ? "The signal did not go out whole at " + live.Name() + "."
@@ -220,6 +226,8 @@ void AddSendCommand(Command& root) {
       command.Word("--out", options->OutFile,
                    "Write what would be sent to this file as mode2 text; - for standard output");
   AddPortOption(command, options->Port).Excludes(out);
+  command.Number("--zone", options->Zone, "Send to this zone, or to the room of this number", {1, 8})
+      .Excludes(out);
   command.Number("--pulse", options->Pulse, "Length of a slot, microseconds, in place of SENDPLS",
                  {1, kLongestWritten});
   command.Number("--count", options->Count, "How often the key is pressed", {1, 1000});

@@ -98,8 +98,7 @@ class KeploObject final : public IComponentObject,
   EventSinks sinks_;
   KeySinks keySinks_;
   SignalSinks signalSinks_;
-  bool sentToggle_ = false;  // flips with each transmission that has one
-  int depth_ = 0;            // how many operations and ticks are under way, one inside another
+  int depth_ = 0;  // how many operations and ticks are under way, one inside another
   bool releasePending_ = false;
 };
 
