@@ -24,6 +24,8 @@ struct BrokerSettings {
   std::string DiscoveryPrefix = "homeassistant";
   bool Signals = true;  // tell every signal that is heard
   bool Send = false;    // send what the broker asks for
+
+  bool operator==(const BrokerSettings&) const = default;
 };
 
 /// Usual ports of a broker, as registered.

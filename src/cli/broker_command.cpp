@@ -67,7 +67,7 @@ int Set(const BrokerOptions& options) {
     if (failure.Number() == EINVAL) throw Refused(failure.what());
     throw NotWritten(failure.Number(), failure.what());
   }
-  std::cout << broker::BrokerFile(appPath).string() << " written; a host reads it when it starts.\n";
+  std::cout << broker::BrokerFile(appPath).string() << " written; a host that runs takes it in by itself.\n";
   return kDone;
 }
 

@@ -61,6 +61,7 @@ class KeploObject final : public IComponentObject,
   void WhenListIsShown(std::function<void()> shown) override { listShown_ = std::move(shown); }
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
   bool ListDiffersFromMap() override { return control_.ListDiffersFromMap(); }
+  std::uint64_t Revision() override { return control_.ListView1.Changes(); }
   Tally Presses() override;
   std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) override;
   std::string SendCommand(const std::string& command) override;

@@ -121,6 +121,8 @@ class IEventCatalogue {
   /// Whether the last InputDeleteEvent has taken an event off the list whose row is still in the event map,
   /// as happens while another program holds the map locked. The event comes back to the list by itself.
   virtual bool ListDiffersFromMap() = 0;
+  /// Another number whenever an event has become another, come or gone.
+  virtual std::uint64_t Revision() = 0;
 
  protected:
   ~IEventCatalogue() = default;

@@ -13,7 +13,7 @@ namespace keplo::host {
 namespace {
 
 /// Changes of the event map are to be seen within a second; the plug-in itself looks every 400 ms.
-constexpr std::chrono::milliseconds kLookAtEvents{400};
+constexpr std::chrono::milliseconds kLookForChanges{400};
 
 broker::KeyStage StageOf(PressStage stage) {
   switch (stage) {
@@ -29,43 +29,69 @@ broker::KeyStage StageOf(PressStage stage) {
 
 }  // namespace
 
-std::unique_ptr<BrokerOutput> BrokerOutput::Make(const std::filesystem::path& appPath, PluginHost& host,
-                                                 const HostLog& log) {
-  try {
-    const auto settings = broker::ReadBrokerSettings(appPath);
-    if (!settings) return nullptr;
-    return std::make_unique<BrokerOutput>(*settings, broker::IdentityOf(appPath), host, log);
-  } catch (const Failure& failure) {
-    log.Write(LogLevel::Warning, std::string(failure.what()) + " Until then no broker is told of events.");
-    return nullptr;
-  }
+BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
+    : appPath_(std::move(appPath)), host_(host), log_(log) {
+  ReadAgain();
+  look_.callOnTimeout([this] { Look(); });
+  look_.start(kLookForChanges);
 }
 
-BrokerOutput::BrokerOutput(const broker::BrokerSettings& settings, const std::string& identity,
-                           PluginHost& host, const HostLog& log)
-    : host_(host), log_(log), bridge_(settings, identity, Uses()) {
-  host_.OnStage = [this](PressStage stage, const RaisedEvent& event, int count) {
-    bridge_.Tell(broker::KeyEvent{StageOf(stage), event.EventID, event.EventName, event.Command, event.Zone,
-                                  event.Time, count});
-  };
-  host_.OnSignal = [this](const HeardSignal& signal) {
-    bridge_.Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
-                                     signal.Command, signal.Zone, LocalTime()});
-  };
-  look_.callOnTimeout([this] { TellEvents(); });
-  look_.start(kLookAtEvents);
+BrokerOutput::~BrokerOutput() { Disconnect(); }
+
+void BrokerOutput::Look() {
+  if (StampOf(broker::BrokerFile(appPath_)) != stamp_) ReadAgain();
+  if (!bridge_) return;
+  // A plug-in that does not tell of changes is asked for all its events.
+  const auto revision = host_.EventsRevision();
+  if (revision && revision == told_) return;
+  told_ = revision;
   TellEvents();
 }
 
-BrokerOutput::~BrokerOutput() {
+void BrokerOutput::ReadAgain() {
+  stamp_ = StampOf(broker::BrokerFile(appPath_));
+  try {
+    auto settings = broker::ReadBrokerSettings(appPath_);
+    if (settings == settings_) return;
+    Disconnect();
+    settings_ = std::move(settings);
+    if (settings_) Connect(*settings_);
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning,
+               std::string(failure.what()) + (bridge_ ? " Until then the broker stays as it was."
+                                                      : " Until then no broker is told of events."));
+  }
+}
+
+void BrokerOutput::Connect(const broker::BrokerSettings& settings) {
+  bridge_ = std::make_unique<broker::Bridge>(settings, broker::IdentityOf(appPath_), Uses());
+  host_.OnStage = [this](PressStage stage, const RaisedEvent& event, int count) {
+    bridge_->Tell(broker::KeyEvent{StageOf(stage), event.EventID, event.EventName, event.Command, event.Zone,
+                                   event.Time, count});
+  };
+  host_.OnSignal = [this](const HeardSignal& signal) {
+    bridge_->Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
+                                      signal.Command, signal.Zone, LocalTime()});
+  };
+  told_ = host_.EventsRevision();
+  TellEvents();
+}
+
+void BrokerOutput::Disconnect() {
   host_.OnStage = nullptr;
   host_.OnSignal = nullptr;
+  bridge_.reset();
+  settings_.reset();
 }
 
 broker::Bridge::Uses BrokerOutput::Uses() {
   return {[this] {
             QMetaObject::invokeMethod(
-                &context_, [this] { bridge_.Serve(); }, Qt::QueuedConnection);
+                &context_,
+                [this] {
+                  if (bridge_) bridge_->Serve();
+                },
+                Qt::QueuedConnection);
           },
           [this](const broker::SendRequest& request) { Send(request); },
           [this](LogLevel level, const std::string& text) { log_.Write(level, text); }};
@@ -76,7 +102,7 @@ void BrokerOutput::TellEvents() {
   for (const RaisedEvent& event : host_.ActivatedEvents()) {
     events.push_back({event.EventID, event.EventName, event.Command});
   }
-  bridge_.SetEvents(std::move(events));
+  bridge_->SetEvents(std::move(events));
 }
 
 void BrokerOutput::Send(const broker::SendRequest& request) {

@@ -1,41 +1,50 @@
 #pragma once
 
 #include <QTimer>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "broker/bridge.h"
+#include "disk/file_stamp.h"
 #include "host_program/host_log.h"
 #include "host_program/plugin_host.h"
 
 namespace keplo::host {
 
-/// Tells the events of a plug-in to a broker, and has the plug-in send what the broker asks for. Everything
-/// but the connection itself runs on the thread of the event loop.
+/// Tells the events of a plug-in to the broker that broker.json names, and has the plug-in send what the
+/// broker asks for. The file may come, change and go while the host runs. Everything but the connection
+/// itself runs on the thread of the event loop.
 class BrokerOutput {
  public:
-  /// What broker.json of the application path asks for. A broker that cannot be used is logged, and the host
-  /// goes on without it.
-  /// @return none without a broker
-  static std::unique_ptr<BrokerOutput> Make(const std::filesystem::path& appPath, PluginHost& host,
-                                            const HostLog& log);
-
-  BrokerOutput(const broker::BrokerSettings& settings, const std::string& identity, PluginHost& host,
-               const HostLog& log);
+  /// A broker that cannot be used is logged, and the host goes on without it.
+  BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log);
   ~BrokerOutput();
   BrokerOutput(const BrokerOutput&) = delete;
   BrokerOutput& operator=(const BrokerOutput&) = delete;
 
+  /// Reads the settings again, and connects anew if they are others. Settings that cannot be used leave the
+  /// broker as it is.
+  void ReadAgain();
+
  private:
+  void Look();
+  void Connect(const broker::BrokerSettings& settings);
+  void Disconnect();
   broker::Bridge::Uses Uses();
   void TellEvents();
   void Send(const broker::SendRequest& request);
 
+  const std::filesystem::path appPath_;
   PluginHost& host_;
   const HostLog& log_;
   QObject context_;  // of what the connection posts; what comes after its end is dropped
-  broker::Bridge bridge_;
+  FileStamp stamp_;
+  std::optional<broker::BrokerSettings> settings_;
+  std::optional<std::uint64_t> told_;       // revision of the events that the broker has been told
+  std::unique_ptr<broker::Bridge> bridge_;  // none without a broker
   QTimer look_;
 };
 

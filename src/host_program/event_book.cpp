@@ -1,7 +1,5 @@
 #include "host_program/event_book.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -73,20 +71,14 @@ nlohmann::json ParseEventBook(std::string_view text, const std::filesystem::path
 
 EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)) { Read(); }
 
-EventBook::Stamp EventBook::StampOfFile() const {
-  struct stat status {};
-  if (stat(file_.c_str(), &status) != 0) return {};
-  return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
-}
-
 void EventBook::Read() {
-  const Stamp stamp = StampOfFile();  // first, so that a change during the reading is met the next time
+  const FileStamp stamp = StampOf(file_);  // first, so that a change during the reading is met the next time
   book_ = ReadBook(file_);
   stamp_ = stamp;
 }
 
 void EventBook::ReadIfChanged() {
-  if (StampOfFile() != stamp_) Read();
+  if (StampOf(file_) != stamp_) Read();
 }
 
 void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) {
@@ -107,7 +99,7 @@ void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) 
     throw CannotBeWritten(file_, failure);
   }
   book_ = std::move(changed);
-  stamp_ = StampOfFile();
+  stamp_ = StampOf(file_);
 }
 
 std::string EventBook::NewEventID(const std::vector<std::string>& known) {

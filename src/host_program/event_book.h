@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "disk/file_stamp.h"
+
 namespace keplo::host {
 
 /// The book that a text is.
@@ -52,19 +54,11 @@ class EventBook {
   void Forget(const std::string& eventID);
 
  private:
-  /// Tells one state of the file from another. A file that is not there is all 0.
-  struct Stamp {
-    std::uint64_t Inode = 0;
-    std::int64_t Size = 0, Seconds = 0, Nanoseconds = 0;
-    bool operator==(const Stamp&) const = default;
-  };
-
-  Stamp StampOfFile() const;
   /// Reads, changes and saves, while no other host does.
   void Change(const std::function<void(nlohmann::json& book)>& change);
 
   std::filesystem::path file_;
-  Stamp stamp_;
+  FileStamp stamp_;
   nlohmann::json book_;
   std::int64_t next_ = 1;  // no identifier comes twice even if the file is taken away
 };

@@ -121,9 +121,12 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
 
   PluginHost host(component, context, book, actions, log);
   host.Start();
-  SignalNotifier signals([&host] { host.ReadAgain(); });
+  BrokerOutput broker(options.Control.ApplicationPath, host, log);
+  SignalNotifier signals([&host, &broker] {
+    host.ReadAgain();
+    broker.ReadAgain();
+  });
   signals.Watch([&application] { application.quit(); });
-  const auto broker = BrokerOutput::Make(options.Control.ApplicationPath, host, log);
   WebPages pages(host);
   std::unique_ptr<HostWindow> window;
   if (!options.Headless) {

@@ -124,6 +124,10 @@ RaisedEvent PluginHost::Describe(const std::string& eventID) const {
   return event;
 }
 
+std::optional<std::uint64_t> PluginHost::EventsRevision() const {
+  return catalogue_ == nullptr ? std::nullopt : std::optional(catalogue_->Revision());
+}
+
 std::vector<RaisedEvent> PluginHost::ActivatedEvents() const {
   std::vector<RaisedEvent> events;
   EventDetails details;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -48,6 +49,8 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   /// Identifiers of the events in the map.
   std::vector<std::string> EventIDs() const;
   RaisedEvent Describe(const std::string& eventID) const;
+  /// Another number whenever an event has become another, come or gone; none if the plug-in does not tell.
+  std::optional<std::uint64_t> EventsRevision() const;
   /// The events of the map that may be raised.
   std::vector<RaisedEvent> ActivatedEvents() const;
 

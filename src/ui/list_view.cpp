@@ -80,7 +80,8 @@ void ListView::CheckRow(int row) const {
   }
 }
 
-void ListView::Changed() const {
+void ListView::Changed() {
+  ++changes_;
   if (OnChanged) OnChanged();
 }
 

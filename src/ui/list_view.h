@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ class ListView {
 
   /// Runs after every change of rows, texts, selection or columns; a view redraws there.
   std::function<void()> OnChanged;
+
+  /// How often that has happened; for those that look now and then.
+  std::uint64_t Changes() const { return changes_; }
 
   const std::vector<ListColumn>& Columns() const { return columns_; }
   void ClearColumns();
@@ -53,11 +57,12 @@ class ListView {
   };
 
   void CheckRow(int row) const;
-  void Changed() const;
+  void Changed();
 
   std::vector<ListColumn> columns_;
   std::vector<Row> rows_;
   int selected_ = 0;
+  std::uint64_t changes_ = 0;
 };
 
 }  // namespace keplo::ui
