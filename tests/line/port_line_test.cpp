@@ -28,18 +28,18 @@ TEST(PortLine, FindsTheDeviceOfItsPortHoweverLateItComes) {
   wait();
   EXPECT_TRUE(told.empty());
 
-  map.Ports = {{1, MappedPort::Kind::Serial, "/dev/ttySimulated", {}}};
+  map.Ports = {{1, MappedPort::Kind::Serial, tests::kSimulatedDevice, {}, {}}};
   wait();
   wait();
   const std::string notThat = "COM 2 has no device on this machine. keplo ports lists those that have.";
   EXPECT_EQ(told, std::vector{notThat});
-  map.Ports.push_back({2, MappedPort::Kind::Serial, "/dev/ttySimulated", {}});
+  map.Ports.push_back({2, MappedPort::Kind::Serial, tests::kSimulatedDevice, {}, {}});
   port.There = false;
   wait();
   EXPECT_EQ(told.back(), line.WhyNot());
   port.There = true;
   wait();
-  EXPECT_EQ(told.back(), "/dev/ttySimulated is there now.");
+  EXPECT_EQ(told.back(), tests::kSimulatedDevice + " is there now.");
   EXPECT_EQ(told.size(), 3U);
   EXPECT_EQ(line.WhyNot(), "");
 }

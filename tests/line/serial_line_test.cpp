@@ -27,7 +27,7 @@ struct SerialLineTest : ::testing::Test {
   std::int16_t Receiver = 0;
   Analysis Reader = Analysis::First;
   std::vector<std::string> Told;
-  SerialLine Line{Port, "/dev/ttySimulated", Receiver, ReadBy(Reader),
+  SerialLine Line{Port, tests::kSimulatedDevice, Receiver, ReadBy(Reader),
                   [this](const std::string& text) { Told.push_back(text); }};
 
   bool AtRest() { return Line.DCD() == (Receiver == 0 ? 1 : 0); }
@@ -99,7 +99,7 @@ TEST_F(SerialLineTest, TellsOnceThatItsDeviceIsGoneAndComesBack) {
   Port.There = true;
   Port.SleepUntil(Port.Now() + std::chrono::seconds(5));
   EXPECT_TRUE(AtRest());
-  EXPECT_EQ(Told.back(), "/dev/ttySimulated is back.");
+  EXPECT_EQ(Told.back(), tests::kSimulatedDevice + " is back.");
   EXPECT_EQ(Line.WhyNot(), "");
 }
 
@@ -156,7 +156,7 @@ TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
 TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {
   Port.There = false;
   EXPECT_EQ(Line.OpenCom(1), 0);
-  EXPECT_EQ(Line.WhyNot(), "/dev/ttySimulated is not there. Plug it in, or load its driver.");
+  EXPECT_EQ(Line.WhyNot(), tests::kSimulatedDevice + " is not there. Plug it in, or load its driver.");
   Line.DTR(-1);
   Line.IRSend("\xFF", 560, 0);
   Line.SendChr('P');

@@ -2,6 +2,7 @@
 
 #include <sys/ioctl.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -14,6 +15,9 @@
 #include "line/device_calls.h"
 
 namespace keplo::tests {
+
+/// A device of this process alone, as the lock of a port is a file for the whole system.
+inline const std::string kSimulatedDevice = "/dev/ttySimulated" + std::to_string(getpid());
 
 /// A serial port whose driver tells no edges, on a clock that moves only when somebody waits or calls.
 class SimulatedPort : public DeviceCalls {
