@@ -104,6 +104,10 @@ TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
     press.erase(press.begin() + 10, press.begin() + 12);
     return press;
   };
+  const auto flashed = [](PulseTrain press) {
+    press.insert(press.begin(), {300, 2000});
+    return press;
+  };
   const auto begunLate = [](PulseTrain press) {
     press.front() -= 600;
     return press;
@@ -117,6 +121,7 @@ TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
       {"a whole press", sony, sony, 3},
       {"two glitches", rc5, glitched(rc5), 3},
       {"SONY begun late", sony, {sony.begin() + 6, sony.end()}, 2},
+      {"a flash ahead", sony, flashed(sony), 3},
       {"RC5 begun within its first mark", rc5, begunLate(rc5), 3},
       {"SONY ended early", sony, {sony.begin(), sony.end() - 7}, 2},
       {"RC5 ended early", rc5, {rc5.begin(), rc5.end() - 7}, 2},

@@ -45,6 +45,13 @@ void MendFirstMark(const PressTiming& timing, PulseTrain& press) {
   press.front() = static_cast<int>(std::lround(timing.Unit + timing.Excess));
 }
 
+/// A sender that is switched on flashes, which is no part of the signal that follows.
+void RemoveFlash(PulseTrain& press) {
+  constexpr int kLongestFlash = 1000;
+  const bool flash = press.size() > 4 && press[0] < kLongestFlash && press[2] >= kShortestLeader;
+  if (flash) press.erase(press.begin(), press.begin() + 2);
+}
+
 }  // namespace
 
 void RemoveGlitches(Pulses press, PulseTrain& smooth) {
@@ -59,6 +66,7 @@ void RemoveGlitches(Pulses press, PulseTrain& smooth) {
     }
     joined = glitch && !joined;
   }
+  RemoveFlash(smooth);
 }
 
 void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {

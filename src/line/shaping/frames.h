@@ -11,6 +11,10 @@ namespace keplo {
 /// Marks and spaces in turn of a press or a part of one, microseconds.
 using Pulses = std::span<const int>;
 
+/// First marks from this length on, microseconds, are leaders: the double mark of RC5 stays below with any
+/// receiver, the leader of SONY, the shortest known, above.
+inline constexpr int kShortestLeader = 2100;
+
 /// One frame of a key press.
 struct Frame {
   Pulses Runs;             // begins and ends with a mark; a part of the press

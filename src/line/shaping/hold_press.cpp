@@ -14,10 +14,6 @@ constexpr std::int64_t kBiphasePeriod = 113'800;
 constexpr std::int64_t kPulseWidthPeriod = 45'000;
 constexpr std::int64_t kPulseDistancePeriod = 108'000;
 
-/// First marks from this length on, microseconds, are leaders: the double mark of RC5 stays below with any
-/// receiver, the leader of SONY, the shortest known, above.
-constexpr int kShortestLeader = 2100;
-
 /// Smallest silence between two frames, microseconds; longer than what the timing analysis reads through at
 /// any usual sample time, so that the frames stay apart.
 constexpr std::int64_t kLeastSilence = 20'000;
