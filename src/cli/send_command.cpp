@@ -169,8 +169,8 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
   }
   Transmit(mod, live.Line(), digits, options);
   if (live.Device().Sent()) return;
-  throw Refused(live.WhyNot().empty() ? "The signal did not go out whole at " + live.Name() + "."
-                                      : live.WhyNot());
+  // Why has been told when it happened.
+  throw Refused("The signal did not go out whole at " + live.Name() + ".");
 }
 
 /// A raw code has no parameters to be sent by, but lengths.
