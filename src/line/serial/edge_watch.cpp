@@ -14,7 +14,13 @@ namespace keplo {
 
 namespace {
 
+using std::chrono::nanoseconds;
+
 constexpr std::chrono::milliseconds kStopAgain{5};
+/// So long after a look of the owner, what is told may come of that look.
+constexpr std::chrono::microseconds kOwnLook{500};
+/// Marks of remotes are shorter; a driver without an interrupt looks every 4 ms at the most often.
+constexpr std::chrono::microseconds kPrompt{2500};
 
 /// A signal that does nothing but end a wait of the kernel.
 int WakingSignal() {
@@ -44,6 +50,13 @@ class SignalsBlocked {
  private:
   sigset_t before_{};
 };
+
+bool ReadLevel(DeviceCalls& calls, int descriptor, bool& level) {
+  int lines = 0;
+  if (calls.Ioctl(descriptor, TIOCMGET, &lines) != 0) return false;
+  level = (lines & TIOCM_CD) != 0;
+  return true;
+}
 
 bool CountEdges(DeviceCalls& calls, int descriptor, std::uint32_t& count) {
   serial_icounter_struct counters{};
@@ -78,25 +91,35 @@ void EdgeWatch::Look() {
   if (!edgesEnded_) pthread_kill(edges_.native_handle(), WakingSignal());
 }
 
+/// What a change tells of the driver.
+/// @param woken whether the wait has ended by it
+void EdgeWatch::Judge(nanoseconds at, bool woken) {
+  if (!woken) {
+    ++untold_;
+  } else if (!looking_ && at - looked_.load() >= kOwnLook) {
+    prompt_ = prompt_ || at - std::exchange(toldAt_, at) < kPrompt;
+    told_ = true;
+  }
+}
+
 /// Writes down what has changed since the last look.
-/// @param woken whether the driver told of it, at that time
 /// @return how many edges there were; none if the driver does not answer
-std::optional<std::uint32_t> EdgeWatch::TakeUp(std::chrono::nanoseconds at, bool woken) {
+std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at) {
   std::uint32_t count = 0;
   std::uint32_t again = 0;
-  int lines = 0;
+  bool level = false;
   // The level belongs to the count only if no edge came between the two calls.
   do {
-    if (!CountEdges(calls_, descriptor_, count) || calls_.Ioctl(descriptor_, TIOCMGET, &lines) != 0 ||
+    if (!CountEdges(calls_, descriptor_, count) || !ReadLevel(calls_, descriptor_, level) ||
         !CountEdges(calls_, descriptor_, again)) {
       return std::nullopt;
     }
   } while (count != again && !stopping_);
   const std::uint32_t edges = count - std::exchange(counted_, count);
+  const bool changed = std::exchange(level_, level) != level;
   if (edges == 0) return edges;
-  ++(woken ? told_ : untold_);
-  const bool level = (lines & TIOCM_CD) != 0;
   const bool twice = edges % 2 == 0;  // it is as it was, so it was the other way in between
+  if (twice == changed) lost_ = true;
   if (twice) log_.Add({at, !level}, 0);
   log_.Add({twice ? calls_.Now() : at, level}, edges - (twice ? 2 : 1));
   return edges;
@@ -104,14 +127,17 @@ std::optional<std::uint32_t> EdgeWatch::TakeUp(std::chrono::nanoseconds at, bool
 
 void EdgeWatch::WaitForEdges() {
   HurryThread();
-  bool telling = CountEdges(calls_, descriptor_, counted_);
+  bool telling = CountEdges(calls_, descriptor_, counted_) && ReadLevel(calls_, descriptor_, level_);
   while (telling && !stopping_) {
     const bool woken = calls_.Ioctl(descriptor_, TIOCMIWAIT, reinterpret_cast<void*>(TIOCM_CD)) == 0;
     if (!woken && errno != EINTR) break;
     // An edge that falls between the look and the next wait would be told with the one after it only.
     std::optional<std::uint32_t> edges;
     do {
-      edges = TakeUp(calls_.Now(), woken);
+      const nanoseconds at = calls_.Now();
+      const bool first = !edges;
+      edges = TakeUp(at);
+      if (first && edges.value_or(0) > 0) Judge(at, woken);
     } while (edges.value_or(0) > 0 && !stopping_);
     telling = edges.has_value();
   }

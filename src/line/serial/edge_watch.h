@@ -28,9 +28,28 @@ class EdgeWatch {
   void Look();
   /// Whether the driver has told an edge by itself. Nothing moves while a port is opened, so a driver that
   /// tells none is found out only later.
-  bool Proven() const { return told_ > 0; }
-  /// Whether edges came that the driver has counted but not told.
-  bool Silent() const { return !Proven() && untold_ >= kEnoughUntold; }
+  bool Proven() const { return told_; }
+  /// Whether the driver does not tell its edges, or so late that those between two looks of its own are lost.
+  bool Mute() const { return told_ ? lost_ && !prompt_ : untold_ >= kEnoughUntold; }
+
+  /// While one lives its owner reads the port: that makes a driver tell what it would not have told by
+  /// itself.
+  class OwnLook {
+   public:
+    explicit OwnLook(EdgeWatch* watch) : watch_(watch) {
+      if (watch_ != nullptr) watch_->looking_ = true;
+    }
+    ~OwnLook() {
+      if (watch_ == nullptr) return;
+      watch_->looked_ = watch_->calls_.Now();
+      watch_->looking_ = false;
+    }
+    OwnLook(const OwnLook&) = delete;
+    OwnLook& operator=(const OwnLook&) = delete;
+
+   private:
+    EdgeWatch* watch_;
+  };
 
  private:
   /// One may have come in the same moment as the look that found it.
@@ -38,7 +57,8 @@ class EdgeWatch {
 
   void WaitForEdges();
   void WaitForHangup();
-  std::optional<std::uint32_t> TakeUp(std::chrono::nanoseconds at, bool woken);
+  void Judge(std::chrono::nanoseconds at, bool woken);
+  std::optional<std::uint32_t> TakeUp(std::chrono::nanoseconds at);
 
   DeviceCalls& calls_;
   const int descriptor_;
@@ -46,8 +66,16 @@ class EdgeWatch {
   DeviceDescriptor stop_;
   std::atomic<bool> stopping_ = false;
   std::atomic<bool> edgesEnded_ = false;
-  std::atomic<int> told_ = 0, untold_ = 0;  // looks that found edges, by what led to them
-  std::uint32_t counted_ = 0;               // edges, by the driver's counter
+  std::atomic<bool> looking_ = false;
+  std::atomic<std::chrono::nanoseconds> looked_{std::chrono::nanoseconds::zero()};  // by the owner, last
+  std::atomic<bool> told_ = false;    // an edge, by the driver itself
+  std::atomic<bool> prompt_ = false;  // two that follow each other as in a signal
+  std::atomic<bool> lost_ = false;    // edges of which the driver has counted one
+  std::atomic<int> untold_ = 0;       // looks that found edges
+  // Of the thread that waits:
+  std::uint32_t counted_ = 0;  // edges, by the driver's counter
+  bool level_ = false;         // after them
+  std::chrono::nanoseconds toldAt_{0};
   std::thread edges_;
   std::thread hangup_;
 };

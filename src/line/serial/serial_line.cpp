@@ -23,9 +23,12 @@ using std::chrono_literals::operator""ms;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
-constexpr auto kAnswerTime = 200ms;     // the slowest zone hardware answers after 150
-constexpr auto kLongestMark = 20ms;     // of any remote; light that lasts longer may have ended untold
-constexpr auto kLamp = 100ms;           // light without a change for so long is no signal that began unheard
+constexpr auto kAnswerTime = 200ms;  // the slowest zone hardware answers after 150
+constexpr auto kLongestMark = 20ms;  // of any remote; light that lasts longer may have ended untold
+constexpr auto kLamp = 100ms;        // light without a change for so long is no signal that began unheard
+/// An open port has flashed, which a receiver should take for no part of a signal.
+constexpr auto kAfterFlash = 20ms;
+constexpr int kEnoughUntold = 2;        // sampled signals
 constexpr auto kLook = 50us;            // between two looks at a line without edges
 constexpr int kAnswerLook = 50;         // milliseconds between two looks whether the program is to end
 constexpr std::int32_t kTxdOutput = 1;  // bit of the interface type
@@ -40,6 +43,12 @@ SerialLine::SerialLine(DeviceCalls& calls, std::string device, const std::int16_
                        LineOptions options, TellUser tell)
     : NodeLine(calls, std::move(device), receiverKind, options, std::move(tell)), log_(calls) {}
 
+std::optional<int> SerialLine::ModemLines() {
+  if (!port_) return std::nullopt;
+  const EdgeWatch::OwnLook look(watch_.get());
+  return port_->Lines();
+}
+
 LineLosses SerialLine::Losses() const {
   LineLosses losses = losses_;
   losses.MissedEdges = log_.Missed();
@@ -50,6 +59,8 @@ bool SerialLine::OpenDevice(std::string& why) {
   port_ = SerialPort::Open(calls_, Node(), why);
   if (!port_) return false;
   losses_ = {};
+  sampledUntold_ = 0;
+  opened_ = calls_.Now();
   log_.Begin();
   if (port_->Counters()) watch_ = std::make_unique<EdgeWatch>(calls_, port_->Descriptor(), log_);
   LockMemory();
@@ -77,7 +88,7 @@ bool SerialLine::Worked(bool worked) {
 void SerialLine::NoticeLoss() {
   if (!watch_) return;
   // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
-  const bool mute = watch_->Silent() || log_.Ended();
+  const bool mute = watch_->Mute() || log_.Ended();
   if (mute && Worked(port_->Lines().has_value())) watch_.reset();
 }
 
@@ -109,8 +120,7 @@ void SerialLine::TXD(std::int32_t state) {
 }
 
 std::optional<bool> SerialLine::Level() {
-  const std::optional<int> lines = port_ ? port_->Lines() : std::nullopt;
-  if (lines) return (*lines & TIOCM_CD) != 0;
+  if (const std::optional<int> lines = ModemLines()) return (*lines & TIOCM_CD) != 0;
   Lose();
   return std::nullopt;
 }
@@ -240,8 +250,8 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
       full && std::all_of(samples.begin(), samples.end(), [](char byte) { return byte == '\xFF'; });
   if (allLight) stuckAt_ = !RestLevel();
   inside_ = full && !allLight ? std::optional(calls_.Now()) : std::nullopt;
-  // The signal has changed, and a driver that tells edges would have told it.
-  if (watch_ && !allLight && !watch_->Proven()) watch_.reset();
+  // A driver that tells edges would have told one of these, unless a look came in the same moment.
+  if (watch_ && !allLight && !watch_->Proven() && ++sampledUntold_ == kEnoughUntold) watch_.reset();
   log_.Clear();
   // Only lengths can be freed of what the receiver did to them.
   const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
@@ -256,6 +266,7 @@ bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
 
 bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) {
   const bool txd = (interfaceType & kTxdOutput) != 0;
+  calls_.SleepUntil(opened_ + kAfterFlash);
   return Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
 }
 

@@ -23,7 +23,7 @@ class SerialLine : public NodeLine {
              TellUser tell);
 
   LineLosses Losses() const override;
-  std::optional<int> ModemLines() override { return port_ ? port_->Lines() : std::nullopt; }
+  std::optional<int> ModemLines() override;
   int WakeDescriptor() override { return watch_ ? log_.Descriptor() : -1; }
   std::chrono::milliseconds MayRest() override;
   void Forget() override;
@@ -66,6 +66,8 @@ class SerialLine : public NodeLine {
   std::optional<bool> stuckAt_;  // level of a line that stayed away from rest for a whole capture
   CarrierNote carrierNote_;
   LineLosses losses_;
+  Time opened_{0};
+  int sampledUntold_ = 0;  // signals that had to be sampled, since no edge of theirs was told
 };
 
 }  // namespace keplo
