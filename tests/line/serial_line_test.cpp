@@ -22,6 +22,16 @@ LineOptions ReadBy(const Analysis& reader) {
   return options;
 }
 
+/// Each mark begins with a contact that bounces.
+PulseTrain Bouncing(const PulseTrain& press) {
+  PulseTrain bounced;
+  for (std::size_t i = 0; i < press.size(); ++i) {
+    if (i % 2 == 0) bounced.insert(bounced.end(), {30, 20, press[i] - 50});
+    if (i % 2 == 1) bounced.push_back(press[i]);
+  }
+  return bounced;
+}
+
 struct SerialLineTest : ::testing::Test {
   SimulatedPort Port;
   std::int16_t Receiver = 0;
@@ -43,7 +53,7 @@ struct SerialLineTest : ::testing::Test {
   }
 };
 
-TEST_F(SerialLineTest, HearsPressesHoweverLateItLooksOrWakes) {
+TEST_F(SerialLineTest, HearsPressesThatBounceHoweverLateItLooksOrWakes) {
   const std::pair<std::int16_t, std::string> presses[] = {
       {kNec, tests::kNecBits}, {kSony, tests::kSonyBits}, {kRc5, tests::kRc5Bits}};
   for (const int round : {0, 1, 2, 3}) {
@@ -56,7 +66,7 @@ TEST_F(SerialLineTest, HearsPressesHoweverLateItLooksOrWakes) {
     for (const auto& [kind, bits] : presses) {
       for (const int unseen : {0, 700, 1700}) {
         EXPECT_TRUE(AtRest());
-        Port.Play(Clean(kind, bits, 130));
+        Port.Play(round == 1 ? Bouncing(Clean(kind, bits, 130)) : Clean(kind, bits, 130));
         Port.SleepUntil(Port.Now() + microseconds(unseen));
         for (int tick = 0; tick < 3 && AtRest(); ++tick) Port.SleepUntil(Port.Now() + milliseconds(2));
         EXPECT_EQ(Heard(), bits) << "round " << round << ", " << unseen << " us unseen";
@@ -89,18 +99,31 @@ TEST_F(SerialLineTest, RestsBesideALamp) {
   EXPECT_FALSE(AtRest());
 }
 
-TEST_F(SerialLineTest, TellsOnceThatItsDeviceIsGoneAndComesBack) {
-  ASSERT_EQ(Line.OpenCom(1), 1);
-  Port.There = false;
-  for (int look = 0; look < 3; ++look) EXPECT_TRUE(AtRest());
-  ASSERT_EQ(Told.size(), 1U);
-  EXPECT_EQ(Line.WhyNot(), Told[0]);
-  EXPECT_GT(Line.MayRest(), milliseconds(100)) << "a port that is gone is not asked all the time";
-  Port.There = true;
-  Port.SleepUntil(Port.Now() + std::chrono::seconds(5));
-  EXPECT_TRUE(AtRest());
-  EXPECT_EQ(Told.back(), tests::kSimulatedDevice + " is back.");
-  EXPECT_EQ(Line.WhyNot(), "");
+TEST_F(SerialLineTest, TellsOnceThatItsDeviceWentWhateverItDidAndOpensItAgain) {
+  const std::string slots(60, '\x0F');
+  const std::vector<std::function<void()>> uses = {
+      [&] { Port.SleepUntil(Port.GoneAt); }, [&] { Capture(); }, [&] { Line.IRSend(slots, 560, 0); },
+      [&] { Line.IRSend(slots, 560, 1); }, [&] { EXPECT_EQ(QueryZone(Line), kNoZone); }};
+  for (std::size_t use = 0; use < uses.size(); ++use) {
+    ASSERT_EQ(Line.OpenCom(1), 1);
+    Told.clear();
+    EXPECT_TRUE(AtRest());
+    Port.Play(PulseTrain(300, 560));
+    Port.GoneAt = Port.Now() + milliseconds(50);
+    uses[use]();
+    for (int look = 0; look < 3; ++look) EXPECT_TRUE(AtRest());
+    EXPECT_EQ(Told, std::vector{Line.WhyNot()}) << "use " << use;
+    EXPECT_FALSE(Line.Sent());
+    EXPECT_GT(Line.MayRest(), milliseconds(100)) << "a port that is gone is not asked all the time";
+    Port.SleepUntil(Port.Now() + std::chrono::seconds(5));
+    Port.Rts = false;
+    Port.Break = true;
+    Port.GoneAt = std::chrono::nanoseconds::max();
+    EXPECT_TRUE(AtRest());
+    EXPECT_TRUE(Port.Rts && !Port.Break) << "as after opening";
+    EXPECT_EQ(Told.back(), tests::kSimulatedDevice + " is back.");
+    EXPECT_EQ(Line.WhyNot(), "");
+  }
 }
 
 TEST_F(SerialLineTest, PutsSlotsOutOnTime) {

@@ -26,6 +26,7 @@ class SimulatedPort : public DeviceCalls {
   static constexpr std::chrono::microseconds kCall{2};
 
   bool There = true;
+  std::chrono::nanoseconds GoneAt = std::chrono::nanoseconds::max();
   bool RestLevel = true;
   bool AlwaysLit = false;
   /// Every so many calls of the clock a wake-up comes late by this.
@@ -35,7 +36,7 @@ class SimulatedPort : public DeviceCalls {
   std::vector<std::pair<std::chrono::nanoseconds, bool>> Dtr;  // changes
   std::vector<std::pair<std::chrono::nanoseconds, std::string>> Written;
   std::deque<std::pair<std::chrono::milliseconds, char>> Answers;  // after the question before, and what
-  bool Break = false;
+  bool Break = false, Rts = false;
 
   /// Light from now on.
   void Play(const PulseTrain& press) {
@@ -46,18 +47,21 @@ class SimulatedPort : public DeviceCalls {
   }
 
   int Open(const std::string& /*path*/, int /*flags*/) override {
-    if (There) return kDescriptor;
+    if (IsThere()) return kDescriptor;
     errno = ENOENT;
     return -1;
   }
   void Close(int /*descriptor*/) override {}
   int Ioctl(int /*descriptor*/, unsigned long request, void* argument) override {
     now_ += kCall;
-    errno = There ? ENOTTY : EIO;
-    if (!There || request == TIOCGICOUNT) return -1;
+    errno = IsThere() ? ENOTTY : EIO;
+    if (!IsThere() || request == TIOCGICOUNT) return -1;
     if (request == TIOCMGET) *static_cast<int*>(argument) = Lit() != RestLevel ? TIOCM_CD : 0;
     if ((request == TIOCMBIS || request == TIOCMBIC) && *static_cast<int*>(argument) == TIOCM_DTR) {
       Dtr.emplace_back(now_, request == TIOCMBIS);
+    }
+    if ((request == TIOCMBIS || request == TIOCMBIC) && *static_cast<int*>(argument) == TIOCM_RTS) {
+      Rts = request == TIOCMBIS;
     }
     if (request == TIOCSBRK || request == TIOCCBRK) Break = request == TIOCSBRK;
     if (request == TCFLSH) arrived_.clear();
@@ -71,6 +75,7 @@ class SimulatedPort : public DeviceCalls {
   }
   ssize_t Write(int descriptor, const void* data, std::size_t size) override {
     if (descriptor != kDescriptor) return static_cast<ssize_t>(size);
+    if (!IsThere()) return errno = EIO, -1;
     Written.emplace_back(now_, std::string(static_cast<const char*>(data), size));
     if (!Answers.empty()) {
       arrived_.emplace_back(now_ + Answers.front().first, Answers.front().second);
@@ -78,8 +83,13 @@ class SimulatedPort : public DeviceCalls {
     }
     return static_cast<ssize_t>(size);
   }
-  int Poll(pollfd* /*descriptors*/, nfds_t /*count*/, int timeout) override {
+  int Poll(pollfd* descriptors, nfds_t /*count*/, int timeout) override {
     const auto until = now_ + std::chrono::milliseconds(timeout);
+    if (until >= GoneAt || !There) {
+      now_ = std::max(now_, std::min(GoneAt, until));
+      descriptors->revents = POLLHUP | POLLERR;
+      return 1;
+    }
     const bool comes = !arrived_.empty() && arrived_.front().first <= until;
     now_ = comes ? std::max(now_, arrived_.front().first) : until;
     return comes ? 1 : 0;
@@ -91,6 +101,7 @@ class SimulatedPort : public DeviceCalls {
   }
 
  private:
+  bool IsThere() const { return There && now_ < GoneAt; }
   bool Lit() const {
     if (AlwaysLit) return true;
     std::size_t passed = 0;
