@@ -72,7 +72,11 @@ std::string WithSendAs(const std::string& text, std::string_view protocol, std::
                     (sendAs != kSendAsRc6 || (params.BIT0 == "01" && params.BIT1 == "10"));
   const int lf = fits ? SeekForward(text, FindNoCase("GREPEAT=", text, section->Begin), '\n') : kNowhere;
   if (lf == kNowhere || lf >= section->End) return text;
-  return InsertText(text, std::string(kSendAsKey).append(" ").append(sendAs).append("\r\n"), lf + 1);
+  return InsertText(text, SendAsLine(sendAs), lf + 1);
+}
+
+std::string SendAsLine(std::string_view sendAs) {
+  return sendAs.empty() ? std::string() : std::string(kSendAsKey).append(" ").append(sendAs).append("\r\n");
 }
 
 bool LoadProtocolParams(std::string_view text, std::string_view protocol, ProtocolParams& params,

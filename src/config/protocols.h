@@ -48,6 +48,8 @@ inline constexpr std::string_view kSendAsKey = "SENDAS=";
 
 /// The value of SENDAS= in a section; empty without one.
 std::string SendAsOf(std::string_view text, const Section& section);
+/// The line with its line end; empty for a section that sends as the others say.
+std::string SendAsLine(std::string_view sendAs);
 
 /// A text in which a section tells how codes of another kind are sent: behind its GREPEAT= stands SENDAS=.
 /// The text itself if it tells something already, or if its patterns are not those of RC6 for which that is

@@ -12,6 +12,7 @@
 #include "config/sections.h"
 #include "config/values.h"
 #include "failure.h"
+#include "remotes/heard_code.h"
 #include "remotes/key_names.h"
 #include "remotes/new_commands.h"
 #include "remotes/section_signal.h"
@@ -25,6 +26,12 @@ namespace keplo {
 namespace {
 
 constexpr std::size_t kFewestDigits = 5;  // of a code that is sent
+
+std::vector<int> RunsOf(const PulseTrain& lengths) {
+  std::vector<int> runs;
+  for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
+  return runs;
+}
 
 /// Puts an import together, one remote after the other.
 class Planner {
@@ -97,12 +104,36 @@ class Planner {
     }
   }
 
-  /// A command that keeps its lengths.
+  /// A command whose code the receiver reads from the lengths.
+  void TakeHeard(const HeardCode& heard, std::size_t place) {
+    PlannedKey& planned = plan_.Keys[place];
+    planned.IsRaw = false;
+    planned.HeardDigits = heard.Digits;
+    planned.Reason.clear();
+    if (section_ && section_->Params.SENDAS != heard.Section.Params.SENDAS) {
+      planned.Reason = "[" + wishes_.Section + "] has no line SENDAS= " + heard.Section.Params.SENDAS;
+      return;
+    }
+    if (!MayGoIn(planned, place)) return;
+    planned.Fate = KeyFate::Stored;
+    codes_.Add(heard.Digits, place);
+    if (section_) return own_.push_back(place);
+    const std::optional<int>& carrier = planned.Key->Carrier;
+    auto group = std::find_if(groups_.begin(), groups_.end(), [&](const KeyGroup& candidate) {
+      return candidate.Group.SendsAs(heard.Section, carrier);
+    });
+    if (group == groups_.end())
+      group = groups_.insert(group, KeyGroup{SectionGroup::OfSendAs(heard.Section, carrier), {}});
+    group->Group.TakeCarrier(carrier);
+    group->Keys.push_back(place);
+  }
+
+  /// A command that keeps its lengths, in both forms if there are two.
   void TakeRaw(PulseTrain lengths, std::size_t place) {
+    if (const std::optional<HeardCode> heard = HeardCodeOf(lengths)) return TakeHeard(*heard, place);
     PlannedKey& planned = plan_.Keys[place];
     if (!lengths.empty() && lengths.size() % 2 == 0) lengths.pop_back();
-    std::vector<int> runs;
-    for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
+    const std::vector<int> runs = RunsOf(lengths);
     const auto levels = FindLevels({runs, false});
     if (!levels) {
       planned.Reason = "its lengths are of no two digit patterns, and no clean signal of a few lengths each";
@@ -121,6 +152,9 @@ class Planner {
     planned.Fate = KeyFate::Stored;
     planned.Reason.clear();
     planned.RawDigits = signal.Digits;
+    if (const PulseTrain& toggled = planned.Key->Toggled; planned.Key->IsRaw() && !toggled.empty()) {
+      signal.Forms.emplace_back(toggled.begin(), toggled.end() - (toggled.size() % 2 == 0 ? 1 : 0));
+    }
     codes_.Add(signal.Digits, place);
     raw_.Add(signal);
     plan_.Raw.push_back(std::move(signal));
@@ -139,6 +173,7 @@ class Planner {
     if (group == groups_.end()) {
       group = groups_.insert(group, KeyGroup{SectionGroup::OfLengths(key.Carrier), {}});
     }
+    group->Group.TakeCarrier(key.Carrier);
     group->Keys.push_back(place);
   }
 

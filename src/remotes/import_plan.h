@@ -39,13 +39,14 @@ struct PlannedKey {
   std::string File, Remote;
   const RemoteKey* Key = nullptr;
   KeyFate Fate = KeyFate::Skipped;
-  bool IsRaw = false;          // it keeps its lengths
-  std::string RawDigits = {};  // of a raw command that it becomes
-  std::string Section, Name;   // of the command that it becomes, or of the one that has its code; else empty
-  std::string Reason;          // why it was renamed or not stored; empty if there is nothing to tell
+  bool IsRaw = false;            // it keeps its lengths
+  std::string RawDigits = {};    // of a raw command that it becomes
+  std::string HeardDigits = {};  // of a code that the receiver makes of its lengths
+  std::string Section, Name;  // of the command that it becomes, or of the one that has its code; else empty
+  std::string Reason;         // why it was renamed or not stored; empty if there is nothing to tell
 
   /// The digits that were read; empty if there are none.
-  std::string Digits() const { return Key->Coded ? Key->Coded->Digits : std::string(); }
+  std::string Digits() const { return Key->Coded ? Key->Coded->Digits : HeardDigits; }
   std::string Reference() const { return Name.empty() ? std::string() : Section + "&" + Name; }
 };
 

@@ -5,6 +5,7 @@
 #include "config/carrier.h"
 #include "config/cfg_text.h"
 #include "config/protocol_edit.h"
+#include "config/protocols.h"
 #include "remotes/key_names.h"
 
 namespace keplo {
@@ -71,7 +72,8 @@ std::string SectionBlock(const std::string& name, const KeyGroup& group, std::ve
   draft.Description = Description(keys[group.Keys.front()].Remote, group.Keys, keys);
   draft.ProtoKind = section.ProtoKind;
   draft.Params = section.Params;
-  const std::string head = ParameterLines(draft) + "\r\n" + CarrierLine(section.Params.Carrier) + "\r\n";
+  const std::string head = ParameterLines(draft) + "\r\n" + SendAsLine(section.Params.SENDAS) +
+                           CarrierLine(section.Params.Carrier) + "\r\n";
   return "\r\n[" + name + "]\r\n" + head + CommandLines(name, head, group.Keys, keys);
 }
 

@@ -202,16 +202,35 @@ SectionGroup SectionGroup::OfLengths(const std::optional<int>& carrier) {
   section.Params.BIT1 = custom.Patterns.BIT1;
   SectionGroup group(section);
   group.carrier_ = carrier;
-  group.ofLengths_ = true;
+  group.isFixed_ = true;
   return group;
+}
+
+SectionGroup SectionGroup::OfSendAs(SectionSignal section, const std::optional<int>& carrier) {
+  SectionGroup group(std::move(section));
+  group.carrier_ = carrier;
+  group.isFixed_ = true;
+  return group;
+}
+
+bool SectionGroup::SendsAs(const SectionSignal& section, const std::optional<int>& carrier) const {
+  const ProtocolParams &own = section_.Params, &other = section.Params;
+  constexpr int kSlotsApart = 33;  // one slot of so many is 3 %
+  return own.SENDAS == other.SENDAS && own.BITG == other.BITG && own.BIT0 == other.BIT0 &&
+         own.BIT1 == other.BIT1 && kSlotsApart * std::abs(own.SENDPLS - other.SENDPLS) <= own.SENDPLS &&
+         HasCarrier(carrier);
 }
 
 bool SectionGroup::HasCarrier(const std::optional<int>& carrier) const { return Agree(carrier, carrier_); }
 
+void SectionGroup::TakeCarrier(const std::optional<int>& carrier) {
+  if (!carrier_) carrier_ = carrier;
+}
+
 bool SectionGroup::Takes(const CodedSignal& signal, const std::optional<int>& carrier) const {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   const bool sameKind = kind == kind_ || kind == RepeatKind::Unknown || kind_ == RepeatKind::Unknown;
-  return !ofLengths_ && sameKind && HasCarrier(carrier) && HasGap(signal) && SendsFrame(section_, signal);
+  return !isFixed_ && sameKind && HasCarrier(carrier) && HasGap(signal) && SendsFrame(section_, signal);
 }
 
 bool SectionGroup::HasGap(const CodedSignal& signal) const {
@@ -228,7 +247,7 @@ int SectionGroup::MeanGap() const {
 void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carrier) {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   if (kind_ == RepeatKind::Unknown) kind_ = kind;
-  if (!carrier_) carrier_ = carrier;
+  TakeCarrier(carrier);
   if (SilenceBehind(signal) <= 0) return;
   gaps_.push_back(GapSlots(section_, signal, kind_));
 }
@@ -236,6 +255,7 @@ void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carr
 SectionSignal SectionGroup::Section() const {
   SectionSignal section = section_;
   section.Params.Carrier = carrier_.value_or(kUsualCarrier);
+  if (!section.Params.SENDAS.empty()) return section;
   const int slots = gaps_.empty() ? kUsualGap / section.Params.SENDPLS : MeanGap();
   const auto gap = static_cast<std::int16_t>(std::clamp(slots, kShortestGap, kLongestNumber));
   switch (kind_) {

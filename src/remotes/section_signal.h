@@ -37,8 +37,15 @@ class SectionGroup {
   /// A section for commands that keep their lengths, with the patterns of a new protocol.
   static SectionGroup OfLengths(const std::optional<int>& carrier);
 
+  /// A section that sends codes as its SENDAS says.
+  static SectionGroup OfSendAs(SectionSignal section, const std::optional<int>& carrier);
+
+  /// Whether the group sends codes as another section would.
+  bool SendsAs(const SectionSignal& section, const std::optional<int>& carrier) const;
   /// Whether a carrier is that of the group within 1 %.
   bool HasCarrier(const std::optional<int>& carrier) const;
+  /// Sets the carrier of a group that has none yet.
+  void TakeCarrier(const std::optional<int>& carrier);
   /// Whether the section sends this signal too, with the same way to repeat it, a carrier within 1 %, and a
   /// gap that is not far from the others. What a file does not say of it agrees with everything.
   bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
@@ -54,7 +61,7 @@ class SectionGroup {
   SectionSignal section_;
   RepeatKind kind_ = RepeatKind::Unknown;
   std::optional<int> carrier_;
-  bool ofLengths_ = false;
+  bool isFixed_ = false;   // no signals of digits are added
   std::vector<int> gaps_;  // slots
 };
 

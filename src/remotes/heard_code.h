@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "formats/remote.h"
+#include "remotes/section_signal.h"
+
+namespace keplo {
+
+/// A code that the receiver reads though no two digit patterns alone send it: RC6, or two frames in turns.
+struct HeardCode {
+  SectionSignal Section;  // with SENDAS and its repeats
+  std::string Digits;
+};
+
+/// What the receiver makes of the lengths of a held key.
+/// @param lengths of a press; a closing space is the gap
+/// @return none for what is read otherwise or not at all
+std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths);
+
+}  // namespace keplo
