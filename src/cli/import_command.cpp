@@ -7,6 +7,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_install.h"
+#include "cli/press_table.h"
 #include "cli/reference.h"
 #include "cli/remote_files.h"
 #include "program/app_path.h"
@@ -130,6 +131,10 @@ int Import(const ImportOptions& options) {
     } else {
       PrintKey(key);
     }
+  }
+  if (plan.NeedsSecondLook() && AnalysisOf(config) == Analysis::First) {
+    Tell(
+        "some of these commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");
   }
   if (!options.Json && !loaded.Files.empty()) PrintSummary(plan, options.DryRun);
   const bool all = plan.Count(KeyFate::Skipped) + plan.Count(KeyFate::Shadowed) == 0 && !plan.Keys.empty();

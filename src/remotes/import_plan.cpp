@@ -293,6 +293,12 @@ std::size_t ImportPlan::Count(KeyFate fate) const {
       std::count_if(Keys.begin(), Keys.end(), [&](const PlannedKey& key) { return key.Fate == fate; }));
 }
 
+bool ImportPlan::NeedsSecondLook() const {
+  return std::any_of(Keys.begin(), Keys.end(), [](const PlannedKey& key) {
+    return key.Fate == KeyFate::Stored && (key.IsRaw || !key.HeardDigits.empty());
+  });
+}
+
 ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& files,
                       const ImportWishes& wishes) {
   Planner planner(text, wishes);

@@ -60,6 +60,8 @@ struct ImportPlan {
 
   bool Fits() const { return Needed <= Free; }
   std::size_t Count(KeyFate fate) const;
+  /// Whether it has commands that the first analysis never hears: raw ones, RC6, and those of two frames.
+  bool NeedsSecondLook() const;
 };
 
 /// Makes sections or commands of the keys of some files: one section for each remote, and one more for each

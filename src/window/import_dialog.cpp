@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "config/read_settings.h"
+
 namespace keplo {
 
 namespace {
@@ -19,6 +21,9 @@ std::string FateOf(const PlannedKey& key) {
 ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> files)
     : text_(store.CfgText), raw_(store.Raw), files_(std::move(files)) {
   SetTitle("Import");
+  Settings settings;
+  ReadSettings(store, settings);
+  isFirst_ = settings.Analysis == Analysis::First;
   AllButton.OnClick = [this] { AllButton_Click(); };
   NoneButton.OnClick = [this] { NoneButton_Click(); };
   ImportButton.OnClick = [this] { ImportButton_Click(); };
@@ -75,7 +80,8 @@ void ImportDialog::Show() {
   const std::size_t stored = plan.Count(KeyFate::Stored);
   Summary.SetText(std::to_string(stored) + " of " + std::to_string(rows_.size()) + " keys; they need " +
                   std::to_string(plan.Needed) + " characters, and " + std::to_string(plan.Free) +
-                  " are free." + (plan.Fits() ? "" : " Take fewer of them."));
+                  " are free." + (plan.Fits() ? "" : " Take fewer of them.") +
+                  (isFirst_ && plan.NeedsSecondLook() ? " Some are heard with ANALYSIS= 1 alone." : ""));
   ImportButton.SetEnabled(stored > 0 && plan.Fits());
   if (OnRowsChanged) OnRowsChanged();
 }

@@ -61,6 +61,7 @@ class ImportDialog : public ui::Window {
   std::vector<std::string> fates_;      // of the rows that are not ticked
   std::vector<Row> rows_;
   bool agreed_ = false;
+  bool isFirst_ = false;  // the first analysis reads what is heard
 };
 
 }  // namespace keplo

@@ -10,6 +10,7 @@
 #include "config/protocols.h"
 #include "config/sections.h"
 #include "failure.h"
+#include "formats/irp.h"
 #include "remote_builder.h"
 #include "remotes/stored_remote.h"
 
@@ -168,6 +169,7 @@ TEST(ImportPlan, KeepsTheLengthsOfWhatNoDigitsSay) {
     cool.Lengths.insert(cool.Lengths.end(), {i % 5 == 0 ? 1200 : 450, i % 3 == 0   ? 1300
                                                                       : i % 2 == 0 ? 900
                                                                                    : 420});
+  cool.Toggled = PulseTrain(cool.Lengths.rbegin(), cool.Lengths.rend());
   RemoteKey again = cool;
   again.Name = "Again";
   for (std::size_t i = 0; i < again.Lengths.size(); ++i) again.Lengths[i] += i % 4 < 2 ? 20 : -20;
@@ -180,12 +182,37 @@ TEST(ImportPlan, KeepsTheLengthsOfWhatNoDigitsSay) {
   LoadConfig(read);
   const Remote remote = RemoteOfSection(read.CfgText, "Mine", {}, &read.Raw);
   cool.Lengths.pop_back();
+  cool.Toggled.pop_back();
   EXPECT_EQ(remote.Keys[1].Lengths, cool.Lengths);
+  EXPECT_EQ(remote.Keys[1].Toggled, cool.Toggled);
   const auto files = File("Mine", {cool});
   EXPECT_EQ(PlanImport(read.CfgText, files, {.Section = {}, .Shadowed = false, .Raw = &read.Raw, .Wants = {}})
                 .Keys.front()
                 .Reason,
             "known: the code is that of Mine&Cool");
+}
+
+/// Codes and line SENDAS= of what a remote becomes that names its keys by protocols.
+TEST(ImportPlan, TakesAsOneCodeWhatTheReceiverDoes) {
+  struct Row {
+    ProtocolValues Values;
+    const char *Protocol, *Code, *SendAs;
+  };
+  for (const Row& row : {Row{{5, -1, 12},
+                             "RC6",
+                             "10000000010100001100",
+                             "GREPEAT= 189\r\nSENDAS= RC6\r\nCARRIER= 36000\r\n\r\n"},
+                         Row{{5, -1, 12}, "Denon", "", "\r\n\r\nG"}}) {
+    RemoteKey key;
+    ASSERT_EQ(TakeValues(row.Protocol, row.Values, key), "");
+    key.Name = "ON";
+    const Imported imported(kEmpty, File("Mine", {key, key}));
+    const ImportPlan& plan = imported.Plan;
+    EXPECT_EQ(plan.Keys[0].Digits(), row.Code) << row.Protocol;
+    EXPECT_NE(plan.Text.find(row.SendAs), std::string::npos) << plan.Text;
+    EXPECT_EQ(plan.Keys[1].Reason, "known: the code is that of Mine&ON");
+    EXPECT_TRUE(plan.NeedsSecondLook());
+  }
 }
 
 TEST(ImportPlan, KeepsTheProtocolThatTheWindowStartsWith) {
