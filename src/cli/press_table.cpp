@@ -30,8 +30,9 @@ bool PrintRecording(const Recording& recording, bool asJson, const ReadPress& re
 }  // namespace
 
 Argument AddPressOptions(Command& command, PressOptions& options) {
-  const Argument files = command.Words("FILE", options.Files,
-                                       "Recordings: mode2 text, +N -N lines, or .cap; - for standard input");
+  const Argument files =
+      command.Words("FILE", options.Files,
+                    "Recordings: mode2 text, +N -N lines, .cap, or files of remotes; - for standard input");
   command.Flag("--json", options.Json, "One JSON object a press");
   AddAppPathOption(command, options.AppPath);
   command.Choice(

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <utility>
+
+#include "formats/remote_presses.h"
 
 namespace keplo {
 
@@ -20,7 +23,8 @@ bool IsText(std::string_view bytes) {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): all formats of the table take the bytes over
 std::vector<Press> ReadText(std::string bytes, std::string_view name) {
-  std::vector<PulseTrain> trains = ParsePulseText(bytes, name);
+  std::optional<std::vector<PulseTrain>> remotes = PressesOfRemotes(bytes, std::string(name));
+  std::vector<PulseTrain> trains = remotes ? *std::move(remotes) : ParsePulseText(bytes, name);
   return {std::make_move_iterator(trains.begin()), std::make_move_iterator(trains.end())};
 }
 

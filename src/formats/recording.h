@@ -25,7 +25,7 @@ struct Recording {
 inline constexpr std::size_t kLargestRecording = std::size_t{16} * 1024 * 1024;
 
 /// Reads a recorded file or pipe in the format that its name tells; the path "-" is the standard input, whose
-/// bytes tell it. A signal ends the wait for a pipe.
+/// bytes tell it. The keys of a file of remotes are a press each. A signal ends the wait for a pipe.
 /// @throws FormatError for a file that cannot be read, is too large or holds no press
 Recording LoadRecording(const std::string& path);
 

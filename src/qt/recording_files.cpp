@@ -18,11 +18,10 @@ namespace keplo::qt {
 
 namespace {
 
-const char* const kRecordings = "Recordings (*.mode2 *.cap);;All files (*)";
-
-QString Picked(QFileDialog& dialog) {
+QString Picked(QFileDialog& dialog, const char* recordings) {
   dialog.setOption(QFileDialog::DontUseNativeDialog);
-  dialog.setNameFilter(QString::fromLatin1(kRecordings));
+  dialog.setNameFilters({QStringLiteral("Recordings (%1)").arg(QString::fromLatin1(recordings)),
+                         QStringLiteral("All files (*)")});
   return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
@@ -40,7 +39,8 @@ std::optional<std::size_t> PickPress(QWidget* parent, std::size_t presses) {
 std::optional<OpenedRecording> Open(QWidget* parent, double sampleTime) {
   QFileDialog dialog(parent, QStringLiteral("Open recording"));
   dialog.setFileMode(QFileDialog::ExistingFile);
-  const QString path = Picked(dialog);
+  const QString path =
+      Picked(dialog, "*.mode2 *.cap *.ir *.conf *.toml *.csv *.girr *.json *.jsonl *.yaml *.txt");
   if (path.isEmpty()) return std::nullopt;
   const Recording recording = LoadRecording(TypedText(path));
   const std::optional<std::size_t> press = PickPress(parent, recording.Presses.size());
@@ -56,7 +56,7 @@ void Save(QWidget* parent, const TimedCapture& capture) {
   QFileDialog dialog(parent, QStringLiteral("Save recording"));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QStringLiteral("mode2"));
-  const std::string path = TypedText(Picked(dialog));
+  const std::string path = TypedText(Picked(dialog, "*.mode2 *.cap"));
   if (path.empty()) return;
   try {
     PosixFileSystem files;
