@@ -47,6 +47,12 @@ double MeanOf(Runs lengths) {
   return sum / static_cast<double>(lengths.size());
 }
 
+/// Whether these are the ends of one group, and not two lengths of a code beside a third.
+bool IsTight(int least, int most) {
+  constexpr int kStraying = 300;  // microseconds, that receivers and line noise make of one length
+  return 5 * most <= 8 * least || most - least <= kStraying;
+}
+
 /// @return none if a length strays between the two
 std::optional<LengthPair> PairOf(std::vector<int> lengths) {
   if (lengths.empty()) return std::nullopt;
@@ -57,7 +63,8 @@ std::optional<LengthPair> PairOf(std::vector<int> lengths) {
   const auto longOnes = std::upper_bound(lengths.begin(), lengths.end(), middle);
   const auto count = static_cast<std::size_t>(longOnes - lengths.begin());
   const int lowest = lengths[count], highest = lengths[count - 1];
-  if (2 * (lowest - highest) < most - least) return std::nullopt;
+  if (2 * (lowest - highest) < most - least || !IsTight(least, highest) || !IsTight(lowest, most))
+    return std::nullopt;
   return LengthPair{MeanOf(Runs(lengths).first(count)), MeanOf(Runs(lengths).subspan(count)), middle};
 }
 

@@ -16,10 +16,10 @@ namespace keplo {
 
 namespace {
 
-constexpr int kPeriod = 107'000;                  // microseconds, of RC6
-constexpr int kShortestGapSlots = 16;             // as a section has them
-constexpr std::size_t kMostLengthsOfTurns = 256;  // of a press; longer ones are of no two short frames
-constexpr int kLeaderUnits = 8;                   // of RC6, mark and space
+constexpr int kPeriod = 107'000;                   // microseconds, of RC6
+constexpr int kShortestGapSlots = 16;              // as a section has them
+constexpr std::size_t kMostLengthsOfTurns = 1024;  // of a press; longer ones are of no two short frames
+constexpr int kLeaderUnits = 8;                    // of RC6, mark and space
 
 /// The first frame of a press and the silence behind it.
 struct FirstFrame {
@@ -50,10 +50,12 @@ RecordReading Hear(const PulseTrain& press) {
   return ReadRecordedCapture(CaptureOfLengths(press), state, Analysis::Second);
 }
 
-/// A press with enough repeats for a code of two frames to be sure.
+/// A press with enough frames for a code of two in turns to be sure.
 PulseTrain Held(PulseTrain press, int gap) {
   constexpr int kRepeats = 3;
   if (press.size() % 2 != 0) press.push_back(gap);
+  const auto gaps = std::count_if(press.begin(), press.end(), [](int length) { return length >= kRawGap; });
+  if (gaps >= kRepeats) return press;
   PulseTrain held;
   for (int i = 0; i < kRepeats; ++i) held.insert(held.end(), press.begin(), press.end());
   return held;

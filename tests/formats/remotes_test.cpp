@@ -269,6 +269,10 @@ TEST(Remotes, BearWhatPeopleWrite) {
       << "a shorter one, reversed fields, octal, CR LF";
   EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0x1e41\nscancode sony20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
+  std::string dish = "+500 -6250";
+  for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
+    dish += " +500 -" + std::to_string(space);
+  EXPECT_EQ(CodesOf(dish + ' ' + dish + '\n'), "=10101110") << "a leader that is no digit of three lengths";
   EXPECT_EQ(CodesOf("IRSend {\"Protocol\":\"PANASONIC\",\"Bits\":16388,\"Data\":\"0x538BC81\"}\n"),
             "=010000000000010000000101001110001011110010000001");
 }
