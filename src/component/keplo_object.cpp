@@ -42,9 +42,9 @@ std::unique_ptr<EventDialogShower> MakeEventDialog(bool mayUseDisplay, const Log
 /// raised its event and still needs it.
 class KeploObject::Busy {
  public:
-  explicit Busy(KeploObject& object) : object_(object) { ++object_.depth_; }
+  explicit Busy(KeploObject& object) : object_(object) { ++object_.uses_.Depth; }
   ~Busy() {
-    if (--object_.depth_ == 0 && object_.releasePending_) object_.ReleaseLater();
+    if (--object_.uses_.Depth == 0 && object_.uses_.ReleasePending) object_.ReleaseLater();
   }
   Busy(const Busy&) = delete;
   Busy& operator=(const Busy&) = delete;
@@ -68,7 +68,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       timer_(control_.Timer1, station_.Rest()) {
   otherPrograms_.callOnTimeout([this] {
     // An operation that shows a dialog runs an event loop of its own.
-    if (depth_ > 0) return;
+    if (uses_.Depth > 0) return;
     const Busy busy(*this);
     control_.TakeInChanges();
   });
@@ -122,8 +122,8 @@ void KeploObject::ReleaseLater() {
 }
 
 void KeploObject::Release() {
-  releasePending_ = depth_ > 0;
-  if (releasePending_) {
+  uses_.ReleasePending = uses_.Depth > 0;
+  if (uses_.ReleasePending) {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
     keySinks_.Clear();
@@ -290,7 +290,7 @@ std::string KeploObject::SendCommand(const std::string& command) {
 
 /// What the line hears meanwhile is its own.
 std::string KeploObject::Sent(const std::function<std::string()>& send) {
-  if (depth_ > 0) return "the plug-in is busy";
+  if (uses_.Depth > 0) return "the plug-in is busy";
   return Contained("SendSignal", std::string("it failed"), [&] {
     std::string refusal = send();
     return refusal.empty() ? station_.WhyNotSent() : refusal;

@@ -71,6 +71,11 @@ class KeploObject final : public IComponentObject,
   Result Contained(const char* name, Result otherwise, Operation operation);
 
   class Busy;
+  /// Operations and ticks that are under way, one inside another, and a release that waits for their end.
+  struct Uses {
+    int Depth = 0;
+    bool ReleasePending = false;
+  };
 
   void ReleaseLater();
   KeploWindows Windows();
@@ -99,8 +104,7 @@ class KeploObject final : public IComponentObject,
   EventSinks sinks_;
   KeySinks keySinks_;
   SignalSinks signalSinks_;
-  int depth_ = 0;  // how many operations and ticks are under way, one inside another
-  bool releasePending_ = false;
+  Uses uses_;
 };
 
 }  // namespace keplo::component

@@ -21,7 +21,7 @@ struct Program {
             [this](LogLevel, const std::string& text) { Log += text + "\n"; }};
   }
   bool Logs(const std::string& text) {
-    return Eventually([&] {
+    return tests::Until([&] {
       Link.Serve();
       return Log.find(text) != std::string::npos;
     });
@@ -63,9 +63,9 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     server.Signal(SIGSTOP);
     program.Press("stopped");
-    ASSERT_TRUE(Eventually([&] { return program.Link.DroppedPresses() > 0; }));
+    ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() > 0; }));
     server.Signal(SIGCONT);
-    ASSERT_TRUE(Eventually([&] {
+    ASSERT_TRUE(tests::Until([&] {
       program.Press("after");
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
       return observer.All("keplo/0123abcd/event/17").size() >= 2;
@@ -77,7 +77,7 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
   const std::size_t dropped = program.Link.DroppedPresses();
   program.Press("away");
   program.Link.Tell({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
-  ASSERT_TRUE(Eventually([&] { return program.Link.DroppedPresses() == dropped + 1; }));
+  ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() == dropped + 1; }));
   server.Start();
   Observer observer(server.Port());
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1)) << "a broker without memory is told all again";
@@ -125,7 +125,7 @@ TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
   observer.Publish("keplo/0123abcd/send", R"({"command":"NEC&A"})", /*retain=*/true);
   ASSERT_TRUE(program.Logs("retained")) << "though it came at once";
   observer.Publish("keplo/0123abcd/send", R"({"timings":[9000,-4500,560],"modulation":36000})");
-  ASSERT_TRUE(Eventually([&] {
+  ASSERT_TRUE(tests::Until([&] {
     program.Link.Serve();
     return !program.Requests.empty();
   }));

@@ -7,17 +7,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <condition_variable>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "doubles/temp_folder.h"
+#include "doubles/until.h"
 
 namespace keplo::broker {
 
@@ -34,34 +30,9 @@ inline int FreePort() {
   return ntohs(address.sin_port);
 }
 
-/// Waits for what another program or thread does, however slow the machine.
-inline bool Eventually(const std::function<bool()>& condition) {
-  const auto until = std::chrono::steady_clock::now() + std::chrono::minutes(2);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > until) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
-
-/// A folder of its own that goes with the test.
-class TestFolder {
- public:
-  TestFolder() {
-    std::string name = "/tmp/keplo-broker-XXXXXX";
-    path_ = mkdtemp(name.data());
-    chmod(path_.c_str(), 0755);  // the broker, started by root, reads as another user
-  }
-  ~TestFolder() { std::filesystem::remove_all(path_); }
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-  std::string Write(const std::string& name, const std::string& text) const {
-    std::ofstream(path_ / name) << text;
-    return *this / name;
-  }
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
+/// A folder of which a broker reads that was started by root and runs as another user.
+struct TestFolder : tests::TempFolder {
+  std::string operator/(const std::string& name) const { return (Path() / name).string(); }
 };
 
 /// mosquitto on a port of its own, without a memory that outlives it.
@@ -69,8 +40,10 @@ class MosquittoServer {
  public:
   explicit MosquittoServer(const TestFolder& folder, const std::string& settings = "allow_anonymous true\n")
       : port_(FreePort()) {
-    configuration_ = folder.Write("mosquitto-" + std::to_string(port_) + ".conf",
-                                  "listener " + std::to_string(port_) + " 127.0.0.1\n" + settings);
+    configuration_ = folder
+                         .Write("mosquitto-" + std::to_string(port_) + ".conf",
+                                "listener " + std::to_string(port_) + " 127.0.0.1\n" + settings)
+                         .string();
     Start();
   }
   ~MosquittoServer() { Kill(); }
@@ -84,7 +57,7 @@ class MosquittoServer {
       }
       _exit(127);
     }
-    ASSERT_TRUE(Eventually([&] { return Listens(); })) << "is mosquitto installed?";
+    ASSERT_TRUE(tests::Until([&] { return Listens(); })) << "is mosquitto installed?";
   }
   void Signal(int number) const { kill(process_, number); }
   void Kill() {
@@ -142,7 +115,7 @@ class Observer {
     });
     mosquitto_connect(client_, "127.0.0.1", port, 60);
     mosquitto_loop_start(client_);
-    EXPECT_TRUE(Eventually([&] {
+    EXPECT_TRUE(tests::Until([&] {
       const std::lock_guard lock(mutex_);
       return subscribed_;
     }));
@@ -162,7 +135,7 @@ class Observer {
     return found;
   }
   bool Sees(const std::string& topic, std::size_t count) const {
-    return Eventually([&] { return All(topic).size() >= count; });
+    return tests::Until([&] { return All(topic).size() >= count; });
   }
   void Publish(const std::string& topic, const std::string& payload, bool retain = false) {
     mosquitto_publish(client_, nullptr, topic.c_str(), static_cast<int>(payload.size()), payload.data(), 1,

@@ -254,7 +254,6 @@ TEST(SaveConfig, KeepsGroupAndRightsWithoutTheOwner) {
   for (const auto& [isMember, mode, kept] :  // of the group of the old file
        {std::tuple(true, 0664U, 0664U), {false, 0664U, 0644U}, {false, 04660U, 0600U}}) {
     TempFolder folder;
-    ASSERT_EQ(chmod(folder.Path().c_str(), 0777), 0);
     const fs::path path = folder.Path() / "keplo.cfg";
     ChildProcess saver([&] {
       const gid_t groups[] = {1235};

@@ -22,19 +22,9 @@
 
 #include "doubles/expect.h"
 #include "doubles/temp_folder.h"
+#include "doubles/until.h"
 
 namespace keplo::tests {
-
-/// Looks again and again until something holds.
-/// @return false if it does not within a minute
-inline bool Until(const std::function<bool()>& holds) {
-  const auto last = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!holds()) {
-    if (std::chrono::steady_clock::now() > last) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
-}
 
 /// A program that runs beside the test.
 class Running {

@@ -10,12 +10,13 @@
 
 namespace keplo::tests {
 
-/// A folder that lives as long as the test.
+/// A folder that lives as long as the test, open to all, for those tests that become another user.
 class TempFolder {
  public:
   TempFolder() {
     std::string pattern = (std::filesystem::temp_directory_path() / "keplo-XXXXXX").string();
     path_ = mkdtemp(pattern.data());
+    std::filesystem::permissions(path_, std::filesystem::perms::all);
   }
   ~TempFolder() {
     std::error_code ignored;

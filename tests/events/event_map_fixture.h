@@ -27,8 +27,6 @@ class StoppedClock : public ui::Clock {
 
 /// An application path without a database.
 struct AppFolder : TempFolder {
-  AppFolder() { std::filesystem::permissions(Path(), std::filesystem::perms::all); }
-
   std::filesystem::path Database() const { return Path() / kDatabaseFile; }
 
   void CreateTable() const {
