@@ -9,6 +9,7 @@
 #include "cli/remote_files.h"
 #include "config/cfg_text.h"
 #include "config/protocols.h"
+#include "config/sections.h"
 #include "program/app_path.h"
 #include "remotes/stored_remote.h"
 
@@ -32,7 +33,7 @@ std::vector<std::string> SectionsOf(const std::string& text, const ExportOptions
   for (const std::string& word : options.Sections) sections.push_back(RequireProtocol(text, word));
   if (!sections.empty()) return sections;
   for (const std::string& name : ListProtocols(text)) {
-    if (!EqualNoCase(name, "template")) sections.push_back(name);
+    if (!IsTemplate(name)) sections.push_back(name);
   }
   return sections;
 }

@@ -15,6 +15,7 @@
 #include "config/learn.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
+#include "config/sections.h"
 #include "config/transmission.h"
 #include "formats/formats.h"
 #include "line/port_check.h"
@@ -64,7 +65,7 @@ std::string DigitsOf(const std::string& code) {
 
 /// The first analysis knows no codes that are sent in another way than the parameters say.
 void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
-  if (EqualNoCase(protocol, "recorded")) {
+  if (IsRecorded(protocol)) {
     throw Refused("Information about received command is not complete!");
   }
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, mod.ProtocolParams, mod.Signal.Measured.ProtoKind)) {

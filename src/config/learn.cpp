@@ -15,9 +15,7 @@ namespace {
 
 /// The section of a protocol with a header after it, as new commands need it.
 std::optional<Section> FindProtocol(std::string_view text, std::string_view protocol) {
-  std::optional<Section> section = FindSectionToChange(text, protocol);
-  if (IsGeneral(protocol) || (section && !section->Closed)) section.reset();
-  return section;
+  return FindProtocolSection(text, protocol, FindNoCase("[General]", text, 1));
 }
 
 /// Codes that pass the check of a code and would still not make a command line.
@@ -141,8 +139,8 @@ std::string RefusalText(const LearnResult& result) {
 }
 
 LearnResult CheckProtocol(std::string_view protocol) {
-  if (EqualNoCase(protocol, "template")) return Refuse(Refusal::ReadOnlyProtocol, protocol);
-  if (EqualNoCase(protocol, "recorded")) return Refuse(Refusal::VirtualProtocol, protocol);
+  if (IsTemplate(protocol)) return Refuse(Refusal::ReadOnlyProtocol, protocol);
+  if (IsRecorded(protocol)) return Refuse(Refusal::VirtualProtocol, protocol);
   return {};
 }
 

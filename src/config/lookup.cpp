@@ -35,8 +35,6 @@ std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view 
                       std::string(GetLineAt(text, comma + 1))};
 }
 
-bool IsGeneral(std::string_view protocol) { return EqualNoCase(Trimmed(protocol), "general"); }
-
 bool LookupCommand(CfgStore& store, std::string_view code, std::int16_t protoKind, Analysis readBy) {
   std::string stored(code);
   if (protoKind == kRc5 && stored.size() > kToggleBitOffset) stored[kToggleBitOffset] = '0';

@@ -22,12 +22,10 @@ struct FoundCommand {
 /// @param limit a match that ends at this position or before it does not count; it lies in the head of the
 /// file
 /// @param readBy the analysis that the code comes from
-/// @return names as the text spells them, either may be empty; the section may be [General], see IsGeneral
+/// @return names as the text spells them, either may be empty; the section may be [General], see
+/// config/sections
 std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view code, int limit,
                                         Analysis readBy = Analysis::First);
-
-/// Whether a section is the one of the settings, which holds no commands.
-bool IsGeneral(std::string_view protocol);
 
 /// Sets CurProtocol and CurCommand to the command of a code. A match in [General] sets them too, but is none.
 /// @param code digits without the leading G

@@ -27,9 +27,7 @@ constexpr int kShortestSilence = 16;  // slots; what is shorter counts as a part
 int StartOfSections(std::string_view text) { return std::max(FindNoCase("[General]", text, 1), 1); }
 
 std::optional<Section> FindClosed(std::string_view text, std::string_view protocol) {
-  std::optional<Section> section = FindSection(text, protocol, StartOfSections(text));
-  if (section && (!section->Closed || IsGeneral(protocol))) section.reset();
-  return section;
+  return FindProtocolSection(text, protocol, StartOfSections(text));
 }
 
 /// Position of the second GPROTO= that begins a line of a section; 0 if there is none.
@@ -125,9 +123,6 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
   if (const auto section = FindSection(text, protocol)) read.Draft.Params.SENDAS = SendAsOf(text, *section);
   return read;
 }
-
-bool IsTemplate(std::string_view protocol) { return EqualNoCase(protocol, "template"); }
-bool IsRecorded(std::string_view protocol) { return EqualNoCase(protocol, "recorded"); }
 
 bool IsTaken(std::string_view text, std::string_view name) {
   if (IsGeneral(name) || IsRecorded(name) || EqualNoCase(name, "end")) return true;

@@ -20,6 +20,15 @@ std::optional<Section> FindSectionToChange(std::string_view text, std::string_vi
   return FindSection(text, name, FindNoCase("[General]", text, 1));
 }
 
+std::optional<Section> FindProtocolSection(std::string_view text, std::string_view name, int start) {
+  const std::optional<Section> section = FindSection(text, name, start);
+  return section && section->Closed && !IsGeneral(name) ? section : std::nullopt;
+}
+
+bool IsGeneral(std::string_view protocol) { return EqualNoCase(Trimmed(protocol), "general"); }
+bool IsTemplate(std::string_view protocol) { return EqualNoCase(protocol, "template"); }
+bool IsRecorded(std::string_view protocol) { return EqualNoCase(protocol, kRecorded); }
+
 std::string_view SectionNameAt(std::string_view text, int position) {
   std::string_view name = GetLineAt(text, position);
   if (!name.empty()) name.remove_suffix(1);

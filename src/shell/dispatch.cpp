@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "config/lookup.h"
+#include "config/sections.h"
 #include "config/settings.h"
 #include "events/event_row.h"
 #include "signal/zone_link.h"

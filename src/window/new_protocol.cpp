@@ -10,6 +10,7 @@
 #include "config/generic_protocols.h"
 #include "config/numbers.h"
 #include "config/protocols.h"
+#include "config/sections.h"
 #include "window/file_watch.h"
 #include "window/protocol_place.h"
 

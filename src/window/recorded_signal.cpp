@@ -17,8 +17,6 @@ std::int16_t RecordedGRepeat(std::string_view syncType) {
 
 }  // namespace
 
-bool IsRecorded(std::string_view protocol) { return EqualNoCase(protocol, kRecorded); }
-
 bool RecordedSignal::HasCode() const { return !Trimmed(Code).empty() && !Trimmed(Bits).empty(); }
 
 RecordedSignal ShownSignal(const ReadingFields& fields, std::int16_t protoKind) {

@@ -2,18 +2,12 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
+#include "config/sections.h"
 #include "signal/protocol_params.h"
 #include "window/reading_fields.h"
 
 namespace keplo {
-
-/// The last entry of the protocol list: no section, but the place of the key press recorded last.
-inline constexpr std::string_view kRecorded = "Recorded";
-
-/// Whether this is the name of that entry, in any letter case.
-bool IsRecorded(std::string_view protocol);
 
 /// What the window shows of a recorded key press, from which it can be sent and made a protocol of.
 struct RecordedSignal {
