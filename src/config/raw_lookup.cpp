@@ -70,7 +70,7 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
 LearnResult AddRawCommand(CfgStore& store, std::string_view protocol, const RawSignal& signal,
                           std::string_view name) {
   store.Raw.Known.insert_or_assign(signal.Digits, signal);
-  const LearnResult like = CheckRawCode(store, "G" + signal.Digits);
+  LearnResult like = CheckRawCode(store, "G" + signal.Digits);
   if (!like.Done()) return like;
   return AddCommand(store, protocol, "G" + signal.Digits, name, Analysis::Second);
 }

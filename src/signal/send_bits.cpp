@@ -76,7 +76,7 @@ std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
   std::string slots;
   for (int turn = 0; turn < kTurns; ++turn) {
     if (turn > 0) slots += gap;
-    slots += first + gap + second;
+    slots.append(first).append(gap).append(second);
   }
   return slots;
 }

@@ -83,7 +83,7 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   const std::size_t mark = reference.find('&');
   const std::string protocol(reference.substr(0, mark));
   const std::string name(mark == std::string_view::npos ? "" : reference.substr(mark + 1));
-  const std::string unknown = "keplo.cfg has no command " + std::string(reference);
+  std::string unknown = "keplo.cfg has no command " + std::string(reference);
   const auto command = FindLearned(mod.Store.CfgText, protocol, name);
   if (!command || command->Code.size() < 2) return unknown;
   ProtocolParams params;

@@ -20,16 +20,16 @@ namespace keplo {
 namespace {
 
 struct KindShown {
-  std::int16_t ProtoKind;
   std::string_view Params;  // caption of the frame around address and command
+  std::int16_t ProtoKind;
   ui::Colour Back;
 };
 
-constexpr KindShown kKinds[] = {{kNec, "NEC params", ui::kGreen},
-                                {kSony, "SONY params", ui::kGreen},
-                                {kRc5, "RC5 params", ui::kGreen},
-                                {kRc6, "RC6 params", ui::kGreen}};
-constexpr KindShown kOtherKind = {kUnknown, "", ui::kRed};
+constexpr KindShown kKinds[] = {{"NEC params", kNec, ui::kGreen},
+                                {"SONY params", kSony, ui::kGreen},
+                                {"RC5 params", kRc5, ui::kGreen},
+                                {"RC6 params", kRc6, ui::kGreen}};
+constexpr KindShown kOtherKind = {"", kUnknown, ui::kRed};
 
 const KindShown& ShownAs(std::int16_t kind) {
   for (const KindShown& shown : kKinds) {

@@ -1,6 +1,7 @@
 #include "signal/raw/raw_levels.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 
@@ -22,7 +23,7 @@ struct Level {
 
   /// Runs of levels that touch cannot be told apart one by one, and keep their own lengths.
   bool StandsAlone = true;
-  int Microseconds() const { return static_cast<int>(Sum / Count * kNominalSampleTime + 0.5); }
+  int Microseconds() const { return static_cast<int>(std::lround(Sum / Count * kNominalSampleTime)); }
 };
 
 bool IsLongSpace(RunSpan runs, std::size_t i) {
