@@ -89,27 +89,23 @@ TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
 }
 
 TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
-  Form1& form = Open(FileWith({"G1010,VOL"}));
-  RecordTwice();
-  disk_.FailAt(1, true);
-  ExpectPart(Save({"VOL_UP"}).back(), "keplo.cfg is as it was: operation");
-  EXPECT_EQ(CodeColour() + " " + form.CodeStr.Text(), "green G" + kDigits);
-  EXPECT_EQ(mod_->Store.CfgText, File());
-
-  disk_.FailAt(0, false);
-  form.DeleteCmdButton.Click();
-  form.UndoMenu.Click();
-  disk_.FailAt(0, false);
-  form.DeleteCmdButton.Click();
-  const int ofADelete = disk_.Operations();
-  form.UndoMenu.Click();
-  boxes_.Shown.clear();
-  disk_.FailAt(ofADelete, true);
-  const std::string told = Delete().back();
-  ExpectPart(told, "a power cut may bring the old file back");
-  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "EMPTY G10") << "as the file has it";
-  disk_.FailAt(0, false);
-
+  const std::string one = FileWith({"G1010,VOL"});
+  for (const bool saves : {true, false}) {
+    std::string told;
+    for (int operation = 1; told.find("may bring the old file back") == std::string::npos; ++operation) {
+      ASSERT_LT(operation, 40);
+      Form1& form = Open(one);
+      if (saves) RecordTwice();
+      disk_.FailAt(operation, true);
+      told = (saves ? Save({"VOL_UP"}) : Delete()).back();
+      disk_.FailAt(0, false);
+      const bool isAsItWas = told.find("is as it was: operation") != std::string::npos;
+      EXPECT_EQ(File() == one, isAsItWas) << told;
+      EXPECT_EQ(CodeColour(), saves && isAsItWas ? "green" : "plain") << "it can be saved again";
+      EXPECT_EQ(form.SendCmd.Text(), saves && !isAsItWas ? "VOL_UP" : isAsItWas ? "VOL" : "EMPTY") << told;
+      boxes_.Shown.clear();
+    }
+  }
   std::string full = FileWith({kEmpty});
   full.insert(full.find("# made"), Lines({"#" + std::string(kMostCharacters - full.size() - 13, '.')}));
   Open(full);
