@@ -74,7 +74,7 @@ class Conversation final : private ClientEvents {
     Check(client_.Connect());
     Await([this] { return isUp_; });
   }
-  ~Conversation() {
+  virtual ~Conversation() {
     client_.Disconnect();
     if (client_.WantsWrite()) client_.Write();
   }

@@ -64,7 +64,7 @@ class Connector {
       Session session(settings_, topics_, purpose_, login, *mailbox_, pressesUnheard_);
       session.WhenUp = [this] { TellUp(); };
       session.WhenAnswering = [this] { TellDropped(); };
-      const auto refusal = session.Run();
+      auto refusal = session.Run();
       upSince = session.UpSince();
       return refusal;
     } catch (const Failure& failure) {

@@ -31,7 +31,7 @@ class Session : private ClientEvents {
   /// from session to session
   Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
           const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard);
-  ~Session();
+  virtual ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 

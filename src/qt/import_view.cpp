@@ -48,9 +48,9 @@ ImportView::ImportView(ImportDialog& dialog, QWidget* parent)
   list_->setColumnWidth(2, std::min(list_->columnWidth(2), letters.averageCharWidth() * kCodeLetters));
   resize(letters.averageCharWidth() * kListLetters,
          letters.lineSpacing() * kListLines + sizeHint().height() / 2);
-  connect(list_, &QTreeWidget::itemChanged, this, [this](const QTreeWidgetItem* item, int column) {
+  connect(list_, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
     if (showing_ || column != 0) return;
-    const int row = list_->indexOfTopLevelItem(const_cast<QTreeWidgetItem*>(item));
+    const int row = list_->indexOfTopLevelItem(item);
     dialog_.Tick(static_cast<std::size_t>(row), item->checkState(0) == Qt::Checked);
   });
   if (list_->topLevelItemCount() > 0) list_->setCurrentItem(list_->topLevelItem(0));

@@ -66,6 +66,7 @@ std::vector<std::string> SaveRemotes(QWidget* parent, const std::vector<Remote>&
                                         ". Export under another name or into another folder.");
   }
   std::vector<std::string> lost;
+  lost.reserve(told.size());
   for (const Complaint& complaint : told) lost.push_back(complaint.Message());
   return lost;
 }

@@ -81,7 +81,7 @@ std::string TakeBroadlink(const std::vector<std::uint8_t>& bytes, RemoteKey& key
   if (bytes[0] == kRadio433 || bytes[0] == kRadio315) return "it is a code for radio, not for infrared";
   if (bytes[0] != kInfrared)
     return "found a first byte of " + std::to_string(bytes[0]) + ", expected 38 for infrared";
-  const std::size_t end = kBroadlinkHead + bytes[2] + 256U * bytes[3];
+  const std::size_t end = kBroadlinkHead + bytes[2] + (std::size_t{bytes[3]} << 8U);
   if (end > bytes.size()) {
     return "it is cut: found " + std::to_string(bytes.size() - kBroadlinkHead) + " bytes of " +
            std::to_string(end - kBroadlinkHead);

@@ -188,7 +188,7 @@ std::string EsphomeAction(const RemoteKey& key, std::string_view indent) {
   const ActionText action = DigitAction(key).value_or(RawAction(key));
   std::string text = std::string(indent) + "- remote_transmitter.transmit_" + action.Name + ":\n";
   for (const auto& [name, value] : action.Fields)
-    text += std::string(indent) + "    " + name + ": " + value + '\n';
+    text.append(indent).append("    ").append(name).append(": ").append(value).append("\n");
   return text;
 }
 

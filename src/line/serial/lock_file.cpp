@@ -49,7 +49,7 @@ std::string HolderOfLockFile(const std::string& device) {
 }
 
 std::string TakeLockFile(const std::string& device) {
-  const std::string path = LockFileOf(device);
+  std::string path = LockFileOf(device);
   // One that cannot be understood may be of a program that runs.
   const int process = ProcessOf(path).value_or(0);
   if (process > 0 && (process == getpid() || !Runs(process))) unlink(path.c_str());
