@@ -275,19 +275,19 @@ void Session::Drop(const News& news) {
 }
 
 void Session::SayGoodbye() {
+  const Clock::time_point until = Clock::now() + kLongestGoodbye;
+  const auto serveUntil = [&](const auto& done) {
+    for (SendNews(); !refusal_ && !done() && Clock::now() < until; SendNews()) Wait();
+  };
   TakeNews();
-  SendNews();
+  // The last release comes ahead of the word that nobody is there any more.
+  serveUntil([&] { return waiting_.empty(); });
   int last = 0;
   if (purpose_.SpeaksForDevice) {
     Check(client_.Publish({topics_.Status(), "offline", true}, last));
     topicOf_[last] = topics_.Status();
   }
-  const Clock::time_point until = Clock::now() + kLongestGoodbye;
-  const auto isOpen = [&] { return topicOf_.count(last) > 0 || !unconfirmed_.empty() || question_; };
-  while (!refusal_ && isOpen() && Clock::now() < until) {
-    Wait();
-    SendNews();
-  }
+  serveUntil([&] { return topicOf_.count(last) == 0 && unconfirmed_.empty(); });
   client_.Disconnect();
   if (client_.WantsWrite()) client_.Write();
 }

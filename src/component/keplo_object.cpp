@@ -264,7 +264,7 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
   const Busy busy(*this);
   const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(press.Held);
   const HeardKey key = {press.Command, "G" + press.Sign.Digits, press.Captures,
-                        static_cast<int>(held.count())};
+                        static_cast<int>(held.count()), press.Place};
   keySinks_.ForEach([&](IKeySink& sink) {
     if (change == KeyChange::Pressed) return sink.KeyPressed(key);
     if (change == KeyChange::Held) return sink.KeyHeld(key);

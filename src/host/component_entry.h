@@ -150,6 +150,7 @@ struct HeardKey {
   std::string Code;     // as keplo.cfg has it, with the leading G
   int Count = 0;        // signals of this press that were heard so far, from 1
   int HeldMs = 0;       // from the first mark of the press to the last one heard so far
+  int Place = 0;        // of the receiver; keys at several places are held at the same time
 };
 
 /// What a host does with the keys of remotes. An input event comes with every signal of a key; this tells
@@ -162,7 +163,7 @@ class IKeySink {
   /// The key is still held; runs before the input events of the same signal.
   virtual void KeyHeld(const HeardKey& key) = 0;
   /// The key was let go: nothing more came of it for some time, up to a quarter of a second, or another key
-  /// was pressed, or monitoring stopped. Comes once for each KeyPressed, before the next one.
+  /// was pressed, or monitoring stopped. Comes once for each KeyPressed, before the next one of its place.
   virtual void KeyReleased(const HeardKey& key) = 0;
 
  protected:

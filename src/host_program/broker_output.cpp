@@ -15,18 +15,6 @@ namespace {
 /// Changes of the event map are to be seen within a second; the plug-in itself looks every 400 ms.
 constexpr std::chrono::milliseconds kLookForChanges{400};
 
-broker::KeyStage StageOf(PressStage stage) {
-  switch (stage) {
-    case PressStage::Pressed:
-      return broker::KeyStage::Press;
-    case PressStage::Held:
-      return broker::KeyStage::Hold;
-    case PressStage::Released:
-      return broker::KeyStage::Release;
-  }
-  return broker::KeyStage::Press;
-}
-
 }  // namespace
 
 BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
@@ -65,9 +53,11 @@ void BrokerOutput::ReadAgain() {
 
 void BrokerOutput::Connect(const broker::BrokerSettings& settings) {
   bridge_ = std::make_unique<broker::Bridge>(settings, broker::IdentityOf(appPath_), Uses());
-  host_.OnStage = [this](PressStage stage, const RaisedEvent& event, int count) {
-    bridge_->Tell(broker::KeyEvent{StageOf(stage), event.EventID, event.EventName, event.Command, event.Zone,
-                                   event.Time, count});
+  stages_ =
+      std::make_unique<broker::KeyStages>([this](const broker::KeyEvent& event) { bridge_->Tell(event); });
+  host_.OnKey = [this](PressStage stage, const HeardKey& key) { TellKey(stage, key); };
+  host_.OnRaised = [this](const RaisedEvent& event) {
+    stages_->Raised({{}, event.EventID, event.EventName, event.Command, event.Zone, {}, 1});
   };
   host_.OnSignal = [this](const HeardSignal& signal) {
     bridge_->Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
@@ -78,8 +68,10 @@ void BrokerOutput::Connect(const broker::BrokerSettings& settings) {
 }
 
 void BrokerOutput::Disconnect() {
-  host_.OnStage = nullptr;
+  host_.OnKey = nullptr;
+  host_.OnRaised = nullptr;
   host_.OnSignal = nullptr;
+  stages_.reset();
   bridge_.reset();
   settings_.reset();
 }
@@ -95,6 +87,12 @@ broker::Bridge::Uses BrokerOutput::Uses() {
           },
           [this](const broker::SendRequest& request) { Send(request); },
           [this](LogLevel level, const std::string& text) { log_.Write(level, text); }};
+}
+
+void BrokerOutput::TellKey(PressStage stage, const HeardKey& key) {
+  if (stage == PressStage::Pressed) return stages_->Pressed(key.Place);
+  if (stage == PressStage::Held) return stages_->Held(key.Place, key.Count);
+  stages_->Released(key.Place, key.Count);
 }
 
 void BrokerOutput::TellEvents() {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "broker/bridge.h"
+#include "broker/key_stages.h"
 #include "disk/file_stamp.h"
 #include "host_program/host_log.h"
 #include "host_program/plugin_host.h"
@@ -34,6 +35,7 @@ class BrokerOutput {
   void Connect(const broker::BrokerSettings& settings);
   void Disconnect();
   broker::Bridge::Uses Uses();
+  void TellKey(PressStage stage, const HeardKey& key);
   void TellEvents();
   void Send(const broker::SendRequest& request);
 
@@ -45,6 +47,7 @@ class BrokerOutput {
   std::optional<broker::BrokerSettings> settings_;
   std::optional<std::uint64_t> told_;       // revision of the events that the broker has been told
   std::unique_ptr<broker::Bridge> bridge_;  // none without a broker
+  std::unique_ptr<broker::KeyStages> stages_;
   QTimer look_;
 };
 

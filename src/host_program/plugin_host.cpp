@@ -1,5 +1,6 @@
 #include "host_program/plugin_host.h"
 
+#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -185,17 +186,10 @@ void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
   log_.Event(event);
   if (OnEvent) OnEvent(event);
-  TellStage(event);
+  if (OnRaised) OnRaised(event);
   ReadBookIfChanged();
-  actions_.Do(press_.DueAt(event, book_.ActionsOf(event.EventID)), event);
+  actions_.Do(presses_[lastKey_ ? lastKey_->Place : 0].DueAt(event, book_.ActionsOf(event.EventID)), event);
   if (keys_ == nullptr) actions_.ReleaseKeys();
-}
-
-void PluginHost::TellStage(const RaisedEvent& event) {
-  const bool isFirst = staged_.insert(event.EventID).second;
-  const int count = keys_ != nullptr && lastKey_ ? lastKey_->Count : 1;
-  if (OnStage) OnStage(isFirst ? PressStage::Pressed : PressStage::Held, event, count);
-  if (keys_ == nullptr) staged_.clear();
 }
 
 void PluginHost::ReadBookIfChanged() {
@@ -206,29 +200,32 @@ void PluginHost::ReadBookIfChanged() {
   }
 }
 
-void PluginHost::KeyPressed(const HeardKey& key) {
+void PluginHost::TellKey(PressStage stage, const HeardKey& key) {
   lastKey_ = key;
-  log_.Key("press", key);
-  staged_.clear();
-  press_.Begin();
+  static constexpr std::array<const char*, 3> kNames = {"press", "hold", "release"};
+  log_.Key(kNames.at(static_cast<std::size_t>(stage)), key);
+  if (OnKey) OnKey(stage, key);
+}
+
+void PluginHost::KeyPressed(const HeardKey& key) {
+  TellKey(PressStage::Pressed, key);
+  presses_[key.Place].Begin();
 }
 
 void PluginHost::KeyHeld(const HeardKey& key) {
-  lastKey_ = key;
-  log_.Key("hold", key);
-  press_.GoOn(key.HeldMs);
+  TellKey(PressStage::Held, key);
+  presses_[key.Place].GoOn(key.HeldMs);
 }
 
 void PluginHost::KeyReleased(const HeardKey& key) {
-  lastKey_ = key;
-  log_.Key("release", key);
+  TellKey(PressStage::Released, key);
   actions_.ReleaseKeys();
   if (OnHeldKey && key.Count > 1) OnHeldKey(key);
-  for (RaisedEvent& event : press_.End()) {
+  for (RaisedEvent& event : presses_[key.Place].End()) {
     event.Time = LocalTime();
-    if (OnStage) OnStage(PressStage::Released, event, key.Count);
     actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
   }
+  presses_.erase(key.Place);
 }
 
 void PluginHost::SignalHeard(const HeardSignal& signal) {

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "component_loader/component_frame.h"
@@ -16,7 +16,7 @@
 
 namespace keplo::host {
 
-/// Where a press stands when an event is told of it.
+/// What has become of a key.
 enum class PressStage { Pressed, Held, Released };
 
 /// The host's side of one plug-in: creates it, does what its events ask for, and carries the user's changes
@@ -73,8 +73,9 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   /// For a window's log.
   std::function<void(const RaisedEvent&)> OnEvent;
   std::function<void(const HostErrorRecord&)> OnError;
-  /// An event of a key that was pressed, is held on, or was let go, with the count of its signals so far.
-  std::function<void(PressStage, const RaisedEvent&, int count)> OnStage;
+  // For an output that tells keys and the events that they raise; a held key comes before its events.
+  std::function<void(PressStage, const HeardKey&)> OnKey;
+  std::function<void(const RaisedEvent&)> OnRaised;
   /// A signal was heard, known or not.
   std::function<void(const HeardSignal&)> OnSignal;
   /// A key was let go that was held for more than one signal.
@@ -93,7 +94,7 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   void KeyReleased(const HeardKey& key) override;
   void SignalHeard(const HeardSignal& signal) override;
   void ReadBookIfChanged();
-  void TellStage(const RaisedEvent& event);
+  void TellKey(PressStage stage, const HeardKey& key);
 
   EventBook& book_;
   EventActions& actions_;
@@ -108,9 +109,8 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   std::uint32_t keyCookie_ = 0;
   ISignalSource* signals_;
   std::uint32_t signalCookie_ = 0;
-  PressActions press_;
+  std::map<int, PressActions> presses_;  // by place
   std::optional<HeardKey> lastKey_;
-  std::set<std::string> staged_;  // events that the present press has raised
   bool started_ = false;
 };
 

@@ -31,9 +31,7 @@ std::chrono::microseconds HeldKey::LetGoAt(microseconds watchedFrom) const {
   return last_.SilenceAfter > period ? watchedFrom : watchedFrom + period;
 }
 
-bool HeldKey::FollowsOn(const AirTime& air) const {
-  return press_ && air.Place == last_.Place && air.Begin < LetGoAt(air.WatchedFrom);
-}
+bool HeldKey::FollowsOn(const AirTime& air) const { return press_ && air.Begin < LetGoAt(air.WatchedFrom); }
 
 bool HeldKey::IsSamePress(const KeySign& sign, const AirTime& air) const {
   if (!FollowsOn(air) || sign.Digits != press_->Sign.Digits) return false;
@@ -48,6 +46,7 @@ std::optional<KeyPress> HeldKey::Hear(const KeySign& sign, const AirTime& air) {
     ended = LetGo();
     press_ = KeyPress{};
     press_->Sign = sign;
+    press_->Place = air.Place;
     begin_ = air.Begin;
   }
   press_->Sign.Dittos = press_->Sign.Dittos || sign.Dittos;

@@ -39,6 +39,7 @@ struct KeyPress {
   std::string Command;                // protocol&command; empty for a code that was not learned
   int Captures = 0;                   // that were taken of it
   std::chrono::microseconds Held{0};  // from its first mark to the last one so far
+  int Place = 0;                      // of the receiver
 };
 
 /// Makes of the captures of a line what people mean by a press: one key, pressed, held and let go.

@@ -118,7 +118,7 @@ std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
 
 void Keplo::OpenMainWindow() {
   if (windowOpen_) return;
-  LetKeyGo();
+  TellReleased(keys_.LetAllGo());
   Timer1.SetEnabled(false);  // only the window touches line and text while it is open
   mod_.Settings.PluginMode = 1;
   windowOpen_ = true;

@@ -136,7 +136,7 @@ std::int32_t Keplo::InputStartMonitoring() {
 }
 
 std::int32_t Keplo::InputStopMonitoring() {
-  LetKeyGo();
+  TellReleased(keys_.LetAllGo());
   Monitoring = false;
   Timer1.SetEnabled(false);
   RefreshStatusPanel();
@@ -147,7 +147,7 @@ std::int32_t Keplo::InputTerminate() {
   // A host may forget to stop, or come from inside a tick; a tick would read a closed port.
   terminated_ = true;
   Timer1.SetEnabled(false);
-  LetKeyGo();
+  TellReleased(keys_.LetAllGo());
   HostObject.reset();
   ErrorDetails.reset();
   line_.CloseCom();

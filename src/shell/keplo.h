@@ -13,7 +13,7 @@
 #include "keplo_mod.h"
 #include "shell/dispatch.h"
 #include "shell/frm_event.h"
-#include "shell/held_key.h"
+#include "shell/held_keys.h"
 #include "shell/status_panel.h"
 #include "signal/monitored_press.h"
 #include "signal/win32_ser.h"
@@ -155,12 +155,14 @@ class Keplo {
   void ReadAndDispatch();
   bool RepeatsHeldKey(MonitorReading& reading);
   void HearCode(const MonitorReading& reading);
-  bool WasHeldInThePause() const;
+  bool WasHeldInThePause();
   void Dispatch(const MonitorReading& reading);
   void LookAgain();
   void TimeCapture(std::chrono::microseconds begin);
   void LetGoIfOver();
-  void LetKeyGo();
+  void TellReleased(const std::vector<KeyPress>& ended);
+  /// The key before the receiver of the last capture.
+  HeldKey& Key() { return keys_.Of(onAir_.Place); }
   void TellKey(KeyChange change, const KeyPress& key);
   void OpenMainWindow();
   void SetTimer();
@@ -184,7 +186,7 @@ class Keplo {
   bool listDiffersFromMap_ = false;
   std::string toldConfigurationFailure_;
   TickReport lastTick_;
-  HeldKey key_;
+  HeldKeys keys_;
   AirTime onAir_;                             // of the last capture
   std::chrono::microseconds lookedAt_{0};     // when the line was looked at last
   std::chrono::microseconds watchedFrom_{0};  // when the line was looked at again after a pause

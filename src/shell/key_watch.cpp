@@ -59,11 +59,11 @@ void Keplo::TimeCapture(microseconds begin) {
 
 /// Whether a capture without digits says that the key is still held; it reads as the code of the key then.
 bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
-  if (mod_.Settings.Analysis != Analysis::Second || !key_.FollowsOn(onAir_)) return false;
-  const KeySign& sign = key_.Pressed()->Sign;
+  if (mod_.Settings.Analysis != Analysis::Second || !Key().FollowsOn(onAir_)) return false;
+  const KeySign& sign = Key().Pressed()->Sign;
   SignalState& signal = mod_.Signal;
   if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT)) return false;
-  key_.HearDitto(onAir_);
+  Key().HearDitto(onAir_);
   reading.Ended = Stage::Code;
   reading.ReadBy = sign.ReadBy;
   reading.Digits = sign.Digits;
@@ -80,27 +80,28 @@ void Keplo::HearCode(const MonitorReading& reading) {
                         reading.Toggle,
                         reading.Dittos,
                         period};
-  if (const auto ended = key_.Hear(sign, onAir_)) TellKey(KeyChange::Released, *ended);
+  if (const auto ended = Key().Hear(sign, onAir_)) TellReleased({*ended});
 }
 
 /// Whether a capture goes on with a press and was on air during the pause behind its last event, in which no
 /// tick can raise one. Its event would come later and later, and long after the key was let go.
-bool Keplo::WasHeldInThePause() const {
-  return mod_.Settings.Analysis == Analysis::Second && kept_ && key_.Pressed() &&
-         key_.Pressed()->Captures > 1;
+bool Keplo::WasHeldInThePause() {
+  return mod_.Settings.Analysis == Analysis::Second && kept_ && Key().Pressed() &&
+         Key().Pressed()->Captures > 1;
 }
 
 std::optional<microseconds> Keplo::MayHold() const {
-  if (!key_.Pressed()) return std::nullopt;
-  return lookedAway_ ? microseconds(0) : std::max<microseconds>(key_.LetGoAt(watchedFrom_) - LineTime(), 0ms);
+  const auto letGo = keys_.FirstLetGo(watchedFrom_);
+  if (!letGo) return std::nullopt;
+  return lookedAway_ ? microseconds(0) : std::max<microseconds>(*letGo - LineTime(), 0ms);
 }
 
 void Keplo::LetGoIfOver() {
-  if (key_.Pressed() && LineTime() >= key_.LetGoAt(watchedFrom_)) LetKeyGo();
+  if (keys_.AnyPressed()) TellReleased(keys_.LetGo(LineTime(), watchedFrom_));
 }
 
-void Keplo::LetKeyGo() {
-  if (const auto ended = key_.LetGo()) TellKey(KeyChange::Released, *ended);
+void Keplo::TellReleased(const std::vector<KeyPress>& ended) {
+  for (const KeyPress& press : ended) TellKey(KeyChange::Released, press);
 }
 
 }  // namespace keplo

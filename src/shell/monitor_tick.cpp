@@ -42,7 +42,7 @@ void Keplo::Reporting(Part part) {
 
 void Keplo::Tick() {
   lastTick_.Captured = false;
-  if (lookedAway_ || key_.Pressed()) LookAgain();
+  if (lookedAway_ || keys_.AnyPressed()) LookAgain();
   if (LineIsAtRest()) return LetGoIfOver();
   lastTick_ = TickReport{};
   lastTick_.Captured = true;
@@ -85,6 +85,8 @@ void Keplo::Capture() {
 }
 
 void Keplo::ReadAndDispatch() {
+  // At a line that is never at rest the other rooms' keys are let go all the same.
+  if (onAir_.Place != 0) TellReleased(keys_.LetGo(onAir_.Begin, watchedFrom_, onAir_.Place));
   lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
   if (lastTick_.Reading.Ended != Stage::Code) return;
   // This beep says only that something was captured, before anything is known about the signal.
@@ -99,19 +101,19 @@ void Keplo::ReadAndDispatch() {
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);
   }
-  if (!reading.HasCode()) return key_.HearUnread(onAir_);
+  if (!reading.HasCode()) return Key().HearUnread(onAir_);
   if (!repeats) HearCode(reading);
   if (!WasHeldInThePause()) return Dispatch(reading);
   lastTick_.Captured = false;
-  TellKey(KeyChange::Held, *key_.Pressed());
+  TellKey(KeyChange::Held, *Key().Pressed());
 }
 
 void Keplo::Dispatch(const MonitorReading& reading) {
   bool told = false;
   const auto tell = [&] {
-    if (std::exchange(told, true) || !key_.Pressed()) return;
-    key_.Name(lastTick_.Dispatched.Reference);
-    const KeyPress key = *key_.Pressed();
+    if (std::exchange(told, true) || !Key().Pressed()) return;
+    Key().Name(lastTick_.Dispatched.Reference);
+    const KeyPress key = *Key().Pressed();
     TellKey(key.Captures == 1 ? KeyChange::Pressed : KeyChange::Held, key);
   };
   HostInputEvent event;

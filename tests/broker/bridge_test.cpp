@@ -4,6 +4,7 @@
 
 #include "broker/broker_check.h"
 #include "broker/identity.h"
+#include "broker/key_stages.h"
 #include "failure.h"
 #include "mosquitto_server.h"
 
@@ -199,6 +200,26 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
     EXPECT_TRUE(program.Logs(refusal.Said)) << refusal.Name << ": " << program.Log;
   }
   EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, [](const auto&, const auto&) {}));
+}
+
+TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
+  std::string told;
+  KeyStages stages([&](const KeyEvent& event) {
+    told += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Count) + " ";
+  });
+  const auto raise = [&](const char* eventID) { stages.Raised({{}, eventID, "", "", 0, "", 1}); };
+  raise("alone");
+  stages.Pressed(1);
+  raise("a");
+  raise("b");
+  stages.Pressed(2);
+  raise("a");
+  stages.Held(1, 2);
+  raise("a");
+  stages.Held(2, 2);  // in the pause behind an event, so that no event is raised
+  stages.Released(1, 2);
+  stages.Released(2, 2);
+  EXPECT_EQ(told, "presalone1 presa1 presb1 presa1 holda2 holdb2 holda2 relea2 releb2 relea2 ");
 }
 
 TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {

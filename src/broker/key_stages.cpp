@@ -1,0 +1,41 @@
+#include "broker/key_stages.h"
+
+#include <utility>
+
+#include "program/local_time.h"
+
+namespace keplo::broker {
+
+void KeyStages::Tell(KeyEvent& event, KeyStage stage, int count) const {
+  event.Stage = stage;
+  event.Time = LocalTime();
+  event.Count = count;
+  tell_(event);
+}
+
+void KeyStages::Pressed(int place) {
+  last_ = place;
+  presses_[place] = {};
+}
+
+void KeyStages::Held(int place, int count) {
+  last_ = place;
+  Press& press = presses_[place];
+  press.Count = count;
+  for (auto& [eventID, event] : press.Events) Tell(event, KeyStage::Hold, count);
+}
+
+void KeyStages::Released(int place, int count) {
+  const auto press = presses_.extract(place);
+  if (press.empty()) return;
+  for (auto& [eventID, event] : press.mapped().Events) Tell(event, KeyStage::Release, count);
+}
+
+void KeyStages::Raised(KeyEvent event) {
+  const auto press = presses_.find(last_);
+  if (press == presses_.end()) return Tell(event, KeyStage::Press, 1);
+  const auto [place, isNew] = press->second.Events.try_emplace(event.EventID, event);
+  if (isNew) Tell(place->second, KeyStage::Press, press->second.Count);
+}
+
+}  // namespace keplo::broker
