@@ -37,6 +37,8 @@ class Bridge {
   /// Logs what the connection reports, and does what the broker asks for.
   void Serve();
 
+  /// Whether the broker has let us in and is there still, as far as is known.
+  bool IsUp() const { return link_.IsUp(); }
   std::size_t DroppedPresses() const { return link_.DroppedPresses(); }
 
  private:

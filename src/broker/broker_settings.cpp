@@ -215,6 +215,11 @@ std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& ap
   }
 }
 
+BrokerSettings RequireBrokerSettings(const std::filesystem::path& appPath) {
+  if (auto settings = ReadBrokerSettings(appPath)) return *std::move(settings);
+  throw Failure(ENOENT, "No broker is named; keplo broker set --host NAME does it.");
+}
+
 void ChangeBrokerSettings(const std::filesystem::path& appPath,
                           const std::vector<std::pair<std::string, std::string>>& changes) {
   const std::filesystem::path file = BrokerFile(appPath);

@@ -43,6 +43,10 @@ BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem:
 /// @throws Failure as ParseBrokerSettings; for a file that cannot be read
 std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& appPath);
 
+/// The same.
+/// @throws Failure with ENOENT without a broker.json
+BrokerSettings RequireBrokerSettings(const std::filesystem::path& appPath);
+
 /// A value of broker.json as a person types it: names, paths and prefixes as they stand, a port as a number,
 /// switches as yes or no.
 /// @param key in the file; nothing else changes, and what the file has besides stays

@@ -9,6 +9,7 @@
 #include "broker/broker_check.h"
 #include "broker/broker_settings.h"
 #include "broker/identity.h"
+#include "cli/broker_telling.h"
 #include "cli/commands.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
@@ -19,11 +20,6 @@ namespace keplo::cli {
 namespace {
 
 using broker::BrokerSettings;
-
-BrokerSettings RequireBroker(const std::filesystem::path& appPath) {
-  if (auto settings = broker::ReadBrokerSettings(appPath)) return *std::move(settings);
-  throw Refused("No broker is named; keplo broker set --host NAME does it.");
-}
 
 /// An option of `broker set`: its name and the key that it changes.
 struct SetOption {

@@ -3,9 +3,11 @@
 #include <chrono>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/broker_telling.h"
 #include "cli/commands.h"
 #include "cli/live_line.h"
 #include "keplo_mod.h"
@@ -29,6 +31,7 @@ struct MonitorOptions {
   bool Json = false;
   bool Once = false;
   bool Presses = false;
+  bool Broker = false;
   LineSpec Line;
 };
 
@@ -66,7 +69,7 @@ void TellLine(LogLevel level, const std::string& text) {
 
 /// @return whether a signal came
 bool WaitForTick(Station& station, const MonitorOptions& options, const StopSignals& stop,
-                 const ChangesWatch& changes) {
+                 const ChangesWatch& changes, const BrokerTelling* broker) {
   const bool hurry = !options.Line.InRealTime && !station.Played();
   if (hurry) return stop.WaitFor(0);
   LineRest* const rest = station.Rest();
@@ -74,14 +77,16 @@ bool WaitForTick(Station& station, const MonitorOptions& options, const StopSign
   const auto mayRest = rest == nullptr ? interval : rest->MayRest();
   if (mayRest <= interval) return stop.WaitFor(static_cast<int>(interval.count()));
   const auto wait = std::min(mayRest, changes.MayWait());
-  return stop.WaitFor(static_cast<int>(wait.count()), {rest->WakeDescriptor(), changes.Descriptor()});
+  const int told = broker == nullptr ? -1 : broker->WakeDescriptor();
+  return stop.WaitFor(static_cast<int>(wait.count()), {rest->WakeDescriptor(), changes.Descriptor(), told});
 }
 
 /// Runs ticks until a signal comes or, with --once, until the recording has been played.
-void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop,
-              ChangesWatch& changes) {
+void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop, ChangesWatch& changes,
+              BrokerTelling* broker) {
   while (!(options.Once && station.Played())) {
-    if (WaitForTick(station, options, stop, changes)) return;
+    if (WaitForTick(station, options, stop, changes, broker)) return;
+    if (broker != nullptr) broker->Serve();
     station.Control().Timer1.Tick();
     if (changes.Due()) station.Control().TakeInChanges();
   }
@@ -97,19 +102,30 @@ int Monitor(const MonitorOptions& options) {
   const ui::SystemClock clock;
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
   Keplo& control = station.Control();
-  control.TriggerInputEvent = [&](HostInputEvent& event) { Print(Describe(event, station), options.Json); };
-  if (options.Presses) {
-    control.OnKey = [&](KeyChange change, const KeyPress& key) { PrintKey(change, key, options.Json); };
+  std::optional<BrokerTelling> broker;
+  control.TriggerInputEvent = [&](HostInputEvent& event) {
+    const RaisedEvent raised = Describe(event, station);
+    Print(raised, options.Json);
+    if (broker) broker->Tell(raised);
+  };
+  control.OnKey = [&](KeyChange change, const KeyPress& key) {
+    if (options.Presses) PrintKey(change, key, options.Json);
+    if (broker) broker->Tell(change, key);
+  };
+  if (options.Broker) {
+    broker.emplace(mod, station, log);
+    station.OnCapture = [&](const TickReport& tick) { broker->Tell(tick); };
   }
   control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
     Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
   };
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
+  if (broker && !options.Line.ReplayFiles.empty()) broker->WaitUntilUp();
   const StopSignals stop;
   if (LineRest* const line = station.Rest()) line->Forget();
   control.InputStartMonitoring();
-  RunTicks(station, options, stop, changes);
+  RunTicks(station, options, stop, changes, broker ? &*broker : nullptr);
   control.InputStopMonitoring();
   control.InputTerminate();
   const PressTally& tally = station.Tally();
@@ -132,6 +148,8 @@ void AddMonitorCommand(Command& root) {
   command.Flag("--json", options->Json, "One JSON object an event");
   command.Flag("--presses", options->Presses,
                "Print too when a key is pressed, held on with each further signal, and let go");
+  command.Flag("--broker", options->Broker,
+               "Tell the broker of keplo broker set too, as a host does, and send what it asks for");
   command.Flag("--once", options->Once, "End when the recordings have been played");
   command.Flag("--real-time", options->Line.InRealTime,
                "Play at the clock of the recordings, not as fast as possible");

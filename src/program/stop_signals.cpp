@@ -49,11 +49,12 @@ StopSignals::~StopSignals() {
   close(readEnd_);
 }
 
-bool StopSignals::WaitFor(int milliseconds) const { return WaitFor(milliseconds, {-1, -1}); }
+bool StopSignals::WaitFor(int milliseconds) const { return WaitFor(milliseconds, {-1, -1, -1}); }
 
-bool StopSignals::WaitFor(int milliseconds, std::array<int, 2> descriptors) const {
-  pollfd waits[] = {{readEnd_, POLLIN, 0}, {descriptors[0], POLLIN, 0}, {descriptors[1], POLLIN, 0}};
-  return poll(waits, 3, milliseconds) != 0 && waits[0].revents != 0;
+bool StopSignals::WaitFor(int milliseconds, std::array<int, 3> descriptors) const {
+  pollfd waits[4] = {{readEnd_, POLLIN, 0}};
+  for (std::size_t i = 0; i < descriptors.size(); ++i) waits[i + 1] = {descriptors[i], POLLIN, 0};
+  return poll(waits, std::size(waits), milliseconds) != 0 && waits[0].revents != 0;
 }
 
 int StopSignals::Take() const {

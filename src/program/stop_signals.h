@@ -22,9 +22,9 @@ class StopSignals {
   /// Waits until a signal has come, which stays to be taken.
   /// @return false if none came within the time
   bool WaitFor(int milliseconds) const;
-  /// The same, ended also by something to read from one of two descriptors; a negative one counts for
-  /// nothing.
-  bool WaitFor(int milliseconds, std::array<int, 2> descriptors) const;
+  /// The same, ended also by something to read from one of the descriptors; a negative one counts
+  /// for nothing.
+  bool WaitFor(int milliseconds, std::array<int, 3> descriptors) const;
   /// The number of the next signal that has come; 0 if there is none.
   int Take() const;
 

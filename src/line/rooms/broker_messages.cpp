@@ -3,7 +3,6 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdint>
 #include <random>
 #include <thread>
@@ -14,7 +13,6 @@
 #include "broker/broker_settings.h"
 #include "broker/identity.h"
 #include "disk/descriptor.h"
-#include "failure.h"
 
 namespace keplo {
 
@@ -109,9 +107,8 @@ class BrokerMessages : public RoomMessages {
 
 OpenRoomMessages BrokerMessagesOf(const std::filesystem::path& appPath) {
   return [appPath](const std::string& filter) -> std::unique_ptr<RoomMessages> {
-    const auto settings = broker::ReadBrokerSettings(appPath);
-    if (!settings) throw Failure(ENOENT, "No broker is named; keplo broker set --host NAME does it.");
-    return std::make_unique<BrokerMessages>(*settings, broker::IdentityOf(appPath), filter);
+    return std::make_unique<BrokerMessages>(broker::RequireBrokerSettings(appPath),
+                                            broker::IdentityOf(appPath), filter);
   };
 }
 
