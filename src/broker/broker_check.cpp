@@ -9,8 +9,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 
 #include "broker/announcement.h"
 #include "broker/mosquitto_client.h"
@@ -97,13 +99,23 @@ class Conversation final : private ClientEvents {
     }
   }
 
-  /// For brokers that say yes and drop the message.
-  void AwaitOwn(const std::string& topic) {
+  /// Publishes to a topic that was subscribed to. A 3.1.1 broker says yes and drops the message, which does
+  /// not come back then; one of MQTT 5 says no.
+  void PublishAndSee(const Publication& publication) {
+    came_.erase(publication.Topic);
+    Publish(publication);
+    if (version_ >= 5) return;
     try {
-      Await([this] { return ownCame_; });
+      Await([&] { return came_.count(publication.Topic) > 0; });
     } catch (const Refusal&) {
-      throw Refusal{Trouble::NotAuthorized, "publish to " + topic + ", or subscribe to it"};
+      throw Refusal{Trouble::NotAuthorized, "publish to " + publication.Topic + ", or subscribe to it"};
     }
+  }
+
+  /// What the broker has kept for a topic that was subscribed to; empty for nothing.
+  std::string Kept(const std::string& topic) const {
+    const auto kept = kept_.find(topic);
+    return kept == kept_.end() ? std::string() : kept->second;
   }
 
  private:
@@ -136,8 +148,9 @@ class Conversation final : private ClientEvents {
     granted_ = granted;
   }
   void OnUnsubscribed(int /*message*/) override {}
-  void OnMessage(std::string_view /*topic*/, std::string_view payload, bool /*retained*/) override {
-    ownCame_ = payload == kProbe;
+  void OnMessage(std::string_view topic, std::string_view payload, bool retained) override {
+    came_.emplace(topic);
+    if (retained) kept_[std::string(topic)] = payload;
   }
 
   void Check(int error) {
@@ -161,7 +174,9 @@ class Conversation final : private ClientEvents {
 
   const BrokerSettings& settings_;
   const int version_;
-  bool isUp_ = false, granted_ = false, ownCame_ = false;
+  bool isUp_ = false, granted_ = false;
+  std::set<std::string> came_;
+  std::map<std::string, std::string> kept_;
   int answered_ = 0, reason_ = 0;
   std::optional<Refusal> refusal_;
   MosquittoClient client_;
@@ -189,6 +204,7 @@ std::string StepOf(const Refusal& refusal, const std::string& step) {
 }  // namespace
 
 bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
+                 std::span<const std::string> filters,
                  const std::function<void(const std::string&, const std::string&)>& tell) {
   const Topics topics(settings, identity);
   std::string step = "name";
@@ -203,15 +219,19 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
     const auto conversation = LogIn(settings, topics, version);
     tell("secure connection", settings.Tls ? "yes" : "not asked for");
     tell(step, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
-    step = "right to publish";
-    const bool comesBack = version < 5;
-    if (comesBack) conversation->Subscribe(topics.Check());
-    conversation->Publish({topics.Check(), kProbe});
-    if (comesBack) conversation->AwaitOwn(topics.Check());
-    tell(step, "yes");
     step = "right to subscribe";
-    conversation->Subscribe(topics.Birth());
+    for (const std::string& topic : {topics.Check(), topics.Device(), topics.Birth()}) {
+      conversation->Subscribe(topic);
+    }
     if (settings.Send) conversation->Subscribe(topics.Send());
+    for (const std::string& filter : filters) conversation->Subscribe(filter);
+    tell(step, "yes");
+    step = "right to publish";
+    conversation->PublishAndSee({topics.Check(), kProbe});
+    tell(step, "yes");
+    step = "right to tell Home Assistant";
+    // What is there already, or nothing where nothing is, changes nothing.
+    conversation->PublishAndSee({topics.Device(), conversation->Kept(topics.Device()), true});
     tell(step, "yes");
     return true;
   } catch (const Refusal& refusal) {

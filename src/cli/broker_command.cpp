@@ -11,6 +11,7 @@
 #include "broker/identity.h"
 #include "cli/broker_telling.h"
 #include "cli/commands.h"
+#include "line/port_map.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/printable.h"
@@ -85,7 +86,11 @@ int Show(const BrokerOptions& options) {
 int Check(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
   const BrokerSettings settings = RequireBroker(appPath);
-  const bool all = broker::CheckBroker(settings, broker::IdentityOf(appPath),
+  std::vector<std::string> filters;
+  for (const MappedPort& port : LoadPortMap(appPath).Ports) {
+    if (port.Type == MappedPort::Kind::Mqtt) filters.push_back(port.Rooms.Filter);
+  }
+  const bool all = broker::CheckBroker(settings, broker::IdentityOf(appPath), filters,
                                        [](const std::string& step, const std::string& result) {
                                          std::cout << Printable(step + ": " + result) << std::endl;
                                        });

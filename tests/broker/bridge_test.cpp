@@ -145,11 +145,16 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
   const auto run = [&](const std::string& command) {
     return std::system(("(cd " + folder_.Path().string() + " && " + command + ") >/dev/null 2>&1").c_str());
   };
-  ASSERT_EQ(run("mosquitto_passwd -c -b users keplo secret && chmod 644 users && openssl req -x509 -newkey "
+  ASSERT_EQ(run("mosquitto_passwd -c -b users keplo secret && mosquitto_passwd -b users half secret && chmod "
+                "644 users && openssl req -x509 -newkey "
                 "rsa:2048 "
-                "-nodes -keyout key.pem -out cert.pem -subj /CN=elsewhere -days 1 && chmod 644 key.pem"),
+                "-nodes -keyout key.pem -out cert.pem -subj /CN=elsewhere -days 1 && chmod 644 key.pem && "
+                "openssl pkey "
+                "-aes256 -passout pass:x -in key.pem -out secret.pem"),
             0);
-  folder_.Write("access", "user keplo\ntopic read #\n");
+  folder_.Write(
+      "access",
+      "user keplo\ntopic read #\n\nuser half\ntopic readwrite keplo/#\ntopic read homeassistant/#\n");
   const std::string secured = "allow_anonymous false\npassword_file " + (folder_ / "users") + "\nacl_file " +
                               (folder_ / "access") + "\n";
   const std::string tls = "allow_anonymous true\ncertfile " + (folder_ / "cert.pem") + "\nkeyfile " +
@@ -183,6 +188,14 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
       {"other host name", encrypted.Port(),
        [&](BrokerSettings& s) { s.Tls = true, s.Ca = folder_ / "cert.pem"; }, "secure connection",
        "\"host\""},
+      {"no right to discovery", password.Port(),
+       [&](BrokerSettings& s) { s.User = "half", s.PasswordFile = folder_ / "right"; },
+       "right to tell Home Assistant", "access list"},
+      {"encrypted key", encrypted.Port(),
+       [&](BrokerSettings& s) {
+         s.Tls = true, s.Ca = s.Certificate = folder_ / "cert.pem", s.Key = folder_ / "secret.pem";
+       },
+       "secure connection", "openssl pkey"},
       {"plain to TLS", encrypted.Port(), [](BrokerSettings&) {}, "login", "\"tls\": true"},
       {"TLS to plain", open.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection", "\"tls\""},
   };
@@ -190,16 +203,19 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
     BrokerSettings settings = Settings(refusal.Port);
     refusal.Change(settings);
     std::string step, said;
-    EXPECT_FALSE(CheckBroker(settings, kIdentity, [&](const std::string& which, const std::string& result) {
-      step = which;
-      said = result;
-    })) << refusal.Name;
+    EXPECT_FALSE(CheckBroker(settings, kIdentity, {},
+                             [&](const std::string& which, const std::string& result) {
+                               step = which;
+                               said = result;
+                             }))
+        << refusal.Name;
     EXPECT_EQ(step, refusal.Step) << refusal.Name << ": " << said;
     EXPECT_NE(said.find(refusal.Said), std::string::npos) << refusal.Name << ": " << said;
     Program program(settings);
+    program.Link.SetEvents({});
     EXPECT_TRUE(program.Logs(refusal.Said)) << refusal.Name << ": " << program.Log;
   }
-  EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, [](const auto&, const auto&) {}));
+  EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, {}, [](const auto&, const auto&) {}));
 }
 
 TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
