@@ -34,16 +34,16 @@ QStringList Words(const std::vector<std::string>& texts) {
 }  // namespace
 
 ActionProgram::ActionProgram(const ProgramCall& call, const RaisedEvent& event, const HostLog& log)
-    : eventID_(event.EventID),
-      log_(log),
-      output_(call.Program, [this](LogLevel level, const std::string& line) { Log(level, line); }),
-      pipe_([this](std::string_view bytes) { output_.Take(bytes); }) {
+    : log_([&log, prefix = "Event " + event.EventID + ": "](LogLevel level, const std::string& text) {
+        log.Write(level, prefix + text);
+      }),
+      output_(std::make_unique<LoggedOutput>(call.Program, log_)) {
   process_.setProgram(QString::fromStdString(call.Program));
   process_.setArguments(Words(call.Arguments));
   process_.setStandardInputFile(QProcess::nullDevice());
   process_.setProcessChannelMode(QProcess::ForwardedChannels);
   process_.setChildProcessModifier([this] {
-    pipe_.BecomeOutput();
+    output_->Pipe().BecomeOutput();
     BeginGroup();
   });
   SetEnvironment(event);
@@ -56,8 +56,9 @@ ActionProgram::ActionProgram(const ProgramCall& call, const RaisedEvent& event, 
 }
 
 void ActionProgram::Start() {
+  LoggedOutput& output = *output_;  // which somebody else has already if the start fails at once
   process_.start();
-  pipe_.CloseWriteEnd();
+  output.Pipe().CloseWriteEnd();
   group_ = static_cast<pid_t>(process_.processId());
 }
 
@@ -88,18 +89,17 @@ void ActionProgram::Signal(int number) {
 }
 
 void ActionProgram::TellFailedStart() {
-  Log(LogLevel::Warning, Name() + " cannot be started: " + process_.errorString().toStdString());
+  log_(LogLevel::Warning, Name() + " cannot be started: " + process_.errorString().toStdString());
   Finish();
 }
 
 void ActionProgram::TellEnd(int status, QProcess::ExitStatus how) {
-  pipe_.Drain();
   const bool whole = !IsAlive(group_);
-  if (whole) output_.End();
+  output_->Pipe().Drain();
   if (how != QProcess::NormalExit) {
-    Log(LogLevel::Notice, Name() + " was killed");
+    log_(LogLevel::Notice, Name() + " was killed");
   } else if (status != 0) {
-    Log(LogLevel::Notice, Name() + " ended with status " + std::to_string(status));
+    log_(LogLevel::Notice, Name() + " ended with status " + std::to_string(status));
   }
   if (whole) return Finish();
   look_.start();
@@ -107,8 +107,7 @@ void ActionProgram::TellEnd(int status, QProcess::ExitStatus how) {
 
 void ActionProgram::LookAtGroup() {
   if (IsAlive(group_)) return;
-  pipe_.Drain();
-  output_.End();
+  output_->Pipe().Drain();
   Finish();
 }
 
@@ -116,10 +115,6 @@ void ActionProgram::Finish() {
   group_ = 0;
   look_.stop();
   if (OnEnd) OnEnd();
-}
-
-void ActionProgram::Log(LogLevel level, const std::string& text) const {
-  log_.Write(level, "Event " + eventID_ + ": " + text);
 }
 
 }  // namespace keplo::host

@@ -50,7 +50,8 @@ void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event) {
 }
 
 void EventActions::Start(const ProgramCall& call, const RaisedEvent& event) {
-  if (programs_.size() >= kMostPrograms) {
+  std::erase_if(leftOpen_, [](const auto& output) { return output->HasEnded(); });
+  if (programs_.size() + leftOpen_.size() >= kMostPrograms) {
     log_.Write(LogLevel::Warning, "Event " + event.EventID + ": " + call.Program +
                                       " was not started, since " + std::to_string(kMostPrograms) +
                                       " programs still run.");
@@ -66,6 +67,7 @@ void EventActions::Drop(ActionProgram* program) {
   const auto place = std::find_if(programs_.begin(), programs_.end(),
                                   [&](const auto& running) { return running.get() == program; });
   if (place == programs_.end()) return;
+  leftOpen_.push_back(program->TakeOutput());
   place->release()->deleteLater();  // it is the one that calls
   programs_.erase(place);
   if (programs_.empty() && AllEnded) AllEnded();

@@ -21,10 +21,11 @@ namespace keplo::host {
 ///
 /// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
 /// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
-/// standard error, line by line. None is waited for.
+/// standard error, line by line. None is waited for, and what they leave running on its own is logged too.
 class EventActions {
  public:
-  /// Programs that may run at the same time; a key that is held must not fill the machine with hung ones.
+  /// Programs that may run, or have left others behind that hold their output, at the same time; a key that
+  /// is held must not fill the machine with hung ones.
   static constexpr std::size_t kMostPrograms = 32;
 
   explicit EventActions(const HostLog& log);
@@ -56,6 +57,7 @@ class EventActions {
   Keyboard keyboard_;
   std::map<std::string, Kind> kinds_;
   std::vector<std::unique_ptr<ActionProgram>> programs_;
+  std::vector<std::unique_ptr<LoggedOutput>> leftOpen_;  // of programs that have ended
 };
 
 }  // namespace keplo::host

@@ -8,7 +8,17 @@
 
 namespace keplo::host {
 
-OutputPipe::OutputPipe(std::function<void(std::string_view)> take) : take_(std::move(take)) {
+namespace {
+
+constexpr std::size_t kBytesOfARead = 16384;
+
+/// What a pipe holds of itself, and the read that meets its end.
+constexpr int kMostReadsOfADrain = 65536 / kBytesOfARead + 1;
+
+}  // namespace
+
+OutputPipe::OutputPipe(std::function<void(std::string_view)> take, std::function<void()> end)
+    : take_(std::move(take)), end_(std::move(end)) {
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
   readEnd_.emplace(ends[0]);
@@ -24,11 +34,19 @@ void OutputPipe::BecomeOutput() const {
   dup2(writeEnd_->Number(), STDERR_FILENO);
 }
 
+void OutputPipe::Drain() {
+  for (int reads = 0; reads < kMostReadsOfADrain && Read(); ++reads) {
+  }
+}
+
 bool OutputPipe::Read() {
-  std::array<char, 16384> bytes{};
+  std::array<char, kBytesOfARead> bytes{};
   const ssize_t count = readEnd_ ? read(readEnd_->Number(), bytes.data(), bytes.size()) : 0;
   if (count > 0) take_({bytes.data(), static_cast<std::size_t>(count)});
-  if (count == 0 && notifier_) notifier_->setEnabled(false);
+  if (count == 0) {
+    if (notifier_) notifier_->setEnabled(false);
+    end_();
+  }
   return count > 0;
 }
 
