@@ -1,10 +1,12 @@
 #include "cli/open_install.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "config/check_config.h"
 #include "events/event_numbers.h"
 #include "program/app_path.h"
+#include "program/book_numbers.h"
 
 namespace keplo::cli {
 
@@ -71,7 +73,16 @@ std::shared_ptr<clsKeploEvent> OpenedMap::Find(const std::string& eventID) const
 }
 
 std::int64_t OpenedMap::FreeNumber() {
+  const std::filesystem::path appPath =
+      std::filesystem::path(Database.Connection().ConnectionString()).parent_path();
   std::int64_t number = HighestUsedUp(Database.Connection().Database()) + 1;
+  try {
+    number = std::max(number, FirstFreeNumberOfBook(appPath));
+  } catch (const Failure& failure) {
+    throw Failure(failure.Number(), std::string(failure.what()) +
+                                        ". It tells which numbers the events of the host have had: mend it, "
+                                        "or choose one by --id.");
+  }
   while (Find(std::to_string(number)) != nullptr) ++number;
   return number;
 }

@@ -48,7 +48,8 @@ struct OpenedMap : EventsOnDisk {
   explicit OpenedMap(const std::string& appPathOption);
 
   std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
-  /// The first whole number that no event has and none that was deleted had.
+  /// The first whole number that no event has, none that was deleted had, and under which the host in the
+  /// application path has nothing kept.
   /// @throws Failure
   std::int64_t FreeNumber();
   /// Changes the map.

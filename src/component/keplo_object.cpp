@@ -111,6 +111,7 @@ void* KeploObject::QueryInterface(std::string_view name) {
   if (name == IKeySource::kInterfaceName) return static_cast<IKeySource*>(&keySinks_);
   if (name == IControlView::kInterfaceName) return static_cast<IControlView*>(this);
   if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
+  if (name == IUsedUpEventIDs::kInterfaceName) return static_cast<IUsedUpEventIDs*>(this);
   if (name == IPressTally::kInterfaceName) return static_cast<IPressTally*>(this);
   return nullptr;
 }
@@ -253,6 +254,11 @@ std::string KeploObject::HighlightedEvent() { return station_.HighlightedEvent()
 
 bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& details) {
   return station_.DescribeEvent(eventID, details);
+}
+
+std::string KeploObject::HighestUsedUp() {
+  const auto read = [&] { return std::to_string(control_.HighestUsedUpEventID()); };
+  return Contained("HighestUsedUp", std::string("0"), read);
 }
 
 IPressTally::Tally KeploObject::Presses() {

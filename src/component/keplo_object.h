@@ -20,6 +20,7 @@ class KeploObject final : public IComponentObject,
                           public IVelmoraInputPLugin,
                           public IControlView,
                           public IEventCatalogue,
+                          public IUsedUpEventIDs,
                           public IPressTally,
                           public ISignalSender {
  public:
@@ -62,6 +63,7 @@ class KeploObject final : public IComponentObject,
   bool DescribeEvent(const std::string& eventID, EventDetails& details) override;
   bool ListDiffersFromMap() override { return control_.ListDiffersFromMap(); }
   std::uint64_t Revision() override { return control_.ListView1.Changes(); }
+  std::string HighestUsedUp() override;
   Tally Presses() override;
   std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) override;
   std::string SendCommand(const std::string& command) override;

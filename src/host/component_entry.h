@@ -128,6 +128,19 @@ class IEventCatalogue {
   ~IEventCatalogue() = default;
 };
 
+/// Optional: which numbers a host must not give a new event, since it may still have something under them.
+class IUsedUpEventIDs {
+ public:
+  static constexpr std::string_view kInterfaceName = "IUsedUpEventIDs";
+
+  /// The highest number that was the EventID of an event that was deleted, by whatever program; "0" if there
+  /// is none or the event map cannot be read.
+  virtual std::string HighestUsedUp() = 0;
+
+ protected:
+  ~IUsedUpEventIDs() = default;
+};
+
 /// Optional: what has become of the key presses so far.
 class IPressTally {
  public:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <utility>
 
 #include "disk/json_file.h"
@@ -10,32 +9,13 @@
 #include "disk/replace_file.h"
 #include "failure.h"
 #include "host_program/press_actions.h"
+#include "program/book_numbers.h"
 
 namespace keplo::host {
 
 namespace {
 
 constexpr int kVersion = 1;
-
-/// Numbers from here on are not the host's: somebody made them up, and to go on from there could run out of
-/// numbers.
-constexpr std::int64_t kEndOfNumbers = 1'000'000'000'000'000;
-
-/// The number that comes after an identifier of the host's own; 0 for any other.
-std::int64_t NumberAfter(const std::string& eventID) {
-  std::int64_t number = 0;
-  const char* const end = eventID.data() + eventID.size();
-  const auto [stop, error] = std::from_chars(eventID.data(), end, number);
-  return error == std::errc() && stop == end && number < kEndOfNumbers ? number + 1 : 0;
-}
-
-/// The number that the book has for the next event; 0 if it has none that can be.
-std::int64_t NextOf(const nlohmann::json& book) {
-  const auto next = book.find("next_event_id");
-  if (next == book.end() || !next->is_number_integer()) return 0;
-  const auto number = next->get<std::int64_t>();
-  return number < kEndOfNumbers ? number : 0;
-}
 
 nlohmann::json ReadBook(const std::filesystem::path& file) {
   try {
@@ -104,9 +84,8 @@ void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) 
 
 std::string EventBook::NewEventID(const std::vector<std::string>& known) {
   Change([&](nlohmann::json& book) {
-    next_ = std::max(next_, NextOf(book));
+    next_ = std::max(next_, FirstFreeNumber(book));
     for (const std::string& eventID : known) next_ = std::max(next_, NumberAfter(eventID));
-    for (const auto& event : book["events"].items()) next_ = std::max(next_, NumberAfter(event.key()));
     book["next_event_id"] = next_ + 1;
   });
   return std::to_string(next_++);
@@ -137,7 +116,12 @@ void EventBook::SetActions(const std::string& eventID, const nlohmann::json& act
 }
 
 void EventBook::Forget(const std::string& eventID) {
-  Change([&](nlohmann::json& book) { book["events"].erase(eventID); });
+  Change([&](nlohmann::json& book) {
+    // The number may have been given by another program, and nothing else of it is left here.
+    const std::int64_t next = std::max(FirstFreeNumber(book), NumberAfter(eventID));
+    if (next > 0) book["next_event_id"] = next;
+    book["events"].erase(eventID);
+  });
 }
 
 }  // namespace keplo::host

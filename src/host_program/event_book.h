@@ -38,7 +38,8 @@ class EventBook {
   void Read();
 
   /// An identifier that no event had before: a number, which is text to everyone else.
-  /// @param known the identifiers in the event map, which others than the host may have put there
+  /// @param known identifiers that are or were in the event map, which others than the host may have put
+  ///        there
   /// @throws Failure if the file cannot be read or written
   std::string NewEventID(const std::vector<std::string>& known);
 
@@ -49,7 +50,7 @@ class EventBook {
   /// Replaces the actions of an event and saves.
   /// @throws Failure if the file cannot be read or written
   void SetActions(const std::string& eventID, const nlohmann::json& actions);
-  /// Forgets an event and saves.
+  /// Forgets an event, but for its identifier having been used, and saves.
   /// @throws Failure if the file cannot be read or written
   void Forget(const std::string& eventID);
 

@@ -2,6 +2,7 @@
 
 #include "program/app_path.h"
 #include "program/arguments.h"
+#include "program/book_numbers.h"
 #include "program/line_options.h"
 
 namespace keplo::host {
@@ -69,8 +70,9 @@ std::optional<int> ReadOptions(int argc, char** argv, HostOptions& options) {
   CreationContext& control = options.Control;
   control.ApplicationPath = ResolveAppPath(control.ApplicationPath).string();
   control.Port = choices.ComPort.value_or(0);
-  options.HostFile = choices.HostFile.empty() ? std::filesystem::path(control.ApplicationPath) / "host.json"
-                                              : std::filesystem::path(choices.HostFile);
+  options.HostFile = choices.HostFile.empty()
+                         ? std::filesystem::path(control.ApplicationPath) / kEventBookFile
+                         : std::filesystem::path(choices.HostFile);
   return std::nullopt;
 }
 

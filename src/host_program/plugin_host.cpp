@@ -152,7 +152,10 @@ std::string PluginHost::SendCommand(const std::string& command) {
 
 std::int32_t PluginHost::AddEvent() {
   HostInputEvent event;
-  event.EventID = book_.NewEventID(EventIDs());
+  std::vector<std::string> known = EventIDs();
+  auto* usedUp = QueryInterface<IUsedUpEventIDs>(*object_);
+  if (usedUp != nullptr) known.push_back(usedUp->HighestUsedUp());
+  event.EventID = book_.NewEventID(known);
   return plugin_->InputAddEvent(event);
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "config/protocols.h"
+#include "events/event_numbers.h"
 #include "events/event_query.h"
 #include "events/event_row.h"
 #include "events/failure_numbers.h"
@@ -82,6 +83,11 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
     // A step that fails is skipped, and nobody is told.
   }
   return kInputDone;
+}
+
+std::int64_t Keplo::HighestUsedUpEventID() {
+  mod_.modData->CheckConnection();
+  return HighestUsedUp(mod_.modData->Connection().Database());
 }
 
 std::int32_t Keplo::InputHouseKeepingGetEventIDs(std::vector<std::string>& eventIDs) const {

@@ -90,6 +90,9 @@ class Keplo {
   void TakeInChanges();
   /// Whether an event was taken off the list whose row could not be deleted; TakeInChanges brings it back.
   bool ListDiffersFromMap() const { return listDiffersFromMap_; }
+  /// The highest number that was the EventID of a deleted event; 0 for none.
+  /// @throws Failure if the event map cannot be read
+  std::int64_t HighestUsedUpEventID();
 
   /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
   /// @return true

@@ -28,6 +28,8 @@ TEST(EventBook, NeverGivesAnIdentifierTwice) {
   EXPECT_EQ(book.NewEventID({"51"}), "52");
   std::filesystem::remove(file);
   EXPECT_EQ(book.NewEventID({}), "53");
+  EventBook(file).Forget("60");  // which another program had given
+  EXPECT_EQ(EventBook(file).NewEventID({}), "61");
 }
 
 TEST(EventBook, KeepsWhatItDoesNotUnderstandAndWhatOthersChange) {

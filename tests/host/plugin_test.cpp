@@ -96,6 +96,8 @@ TEST_F(PluginTest, AnswersWithoutADisplayAsAfterACancel) {
   EXPECT_EQ(plugin_->InputDisplayAboutBox(), HostVariant());
   ExpectPart(log_.back(), "1.3.34");
   EXPECT_EQ(QueryInterface<IControlView>(*object_)->CreateView(nullptr), nullptr);
+  EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputDone);
+  EXPECT_EQ(QueryInterface<IUsedUpEventIDs>(*object_)->HighestUsedUp(), "17");
 }
 
 TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {

@@ -33,6 +33,10 @@ TEST(Events, AreBoundChangedAndDeleted) {
                        {"events delete 3", 0, {}},
                        {"events add 'NEC&TV_POWER'", 0, {"4\n"}},  // a host may have something under 3
                        {"events delete 4", 0, {}}});
+  install.Write("host.json", R"({"next_event_id": 9, "events": {"12": {}}})");
+  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 0, {"13\n"}}, {"events delete 13", 0, {}}});
+  install.Write("host.json", "{");
+  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 2, {"host.json is not whole JSON", "--id"}}});
   EXPECT_EQ(install.Run("events list --json").Out,
             "{\"event_id\":\"2\",\"event_name\":\"LATER\",\"description\":\"\",\"command\":\"NEC&LATER\","
             "\"enabled\":true,\"zone\":0}\n");
