@@ -83,9 +83,21 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
   };
+  KeepAliveInMenu();
 }
 
 KeploObject::~KeploObject() = default;
+
+/// An entry may show a box, which runs an event loop of its own, or tell the host of a failure.
+void KeploObject::KeepAliveInMenu() {
+  for (ui::MenuItem& item : control_.RightClickMenu.Items) {
+    if (!item.OnClick) continue;
+    item.OnClick = [this, click = std::move(item.OnClick)] {
+      const Busy busy(*this);
+      click();
+    };
+  }
+}
 
 KeploWindows KeploObject::Windows() {
   return {*boxes_, *eventDialog_,
@@ -131,7 +143,7 @@ void KeploObject::Release() {
     signalSinks_.Clear();
     replayPlayed_ = nullptr;
     listShown_ = nullptr;
-    control_.OnPress = nullptr;
+    log_.Silence();
     return;
   }
   const std::function<void()> released = std::move(released_);
@@ -152,8 +164,10 @@ Result KeploObject::Contained(const char* name, Result otherwise, Operation oper
 std::string KeploObject::InputIconFileName() { return control_.InputIconFileName(); }
 
 HostVariant KeploObject::InputDisplayAboutBox() {
-  control_.InputDisplayAboutBox();
-  return {};
+  return Contained("InputDisplayAboutBox", HostVariant(), [&] {
+    control_.InputDisplayAboutBox();
+    return HostVariant();
+  });
 }
 
 std::int32_t KeploObject::InputGetPluginMenuItems(std::vector<std::string>& mnuItems) {
@@ -181,12 +195,11 @@ std::int32_t KeploObject::InputConfigurePlugin() {
 }
 
 std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) {
-  const std::int32_t result =
-      Contained("InputInitialise", kInputFailed, [&] { return control_.InputInitialise(Velmora); });
-  if (result != kInputDone) {
-    log_.Write(LogLevel::Error, station_.WhyNoEventMap());
-  }
-  return result;
+  return Contained("InputInitialise", kInputFailed, [&] {
+    const std::int32_t result = control_.InputInitialise(Velmora);
+    if (result != kInputDone) log_.Write(LogLevel::Error, station_.WhyNoEventMap());
+    return result;
+  });
 }
 
 std::int32_t KeploObject::InputStartMonitoring() {

@@ -79,6 +79,7 @@ class KeploObject final : public IComponentObject,
     bool ReleasePending = false;
   };
 
+  void KeepAliveInMenu();
   void ReleaseLater();
   KeploWindows Windows();
   void Tick();
@@ -89,7 +90,7 @@ class KeploObject final : public IComponentObject,
 
   const bool mayUseDisplay_;
   const bool inRealTime_;
-  const Log log_;
+  Log log_;
   std::function<void()> released_;
   std::function<void()> replayPlayed_;
   std::function<void()> listShown_;

@@ -21,7 +21,7 @@ class Sink : public IHostEventSink {
  public:
   virtual ~Sink() = default;
   Texts Events, Errors;
-  std::function<void()> OnEvent = [] {};
+  std::function<void()> OnEvent = [] {}, OnError = [] {};
 
   void TriggerInputEvent(HostInputEvent& event) override {
     Events.push_back(event.EventID + " " + std::get<std::string>(event.EventCommand));
@@ -29,6 +29,7 @@ class Sink : public IHostEventSink {
   }
   void TriggerInputErrorCondition(HostErrorRecord& record, bool& /*stopping*/) override {
     Errors.push_back(record.ErrorSource + " " + record.ErrorProcedure);
+    OnError();
   }
 };
 
@@ -54,6 +55,11 @@ class PluginTest : public ::testing::Test {
     events_->Subscribe(sink_);
     std::shared_ptr<IVelmoraHost> velmora;
     ASSERT_EQ(plugin_->InputInitialise(velmora), kInputDone);
+  }
+
+  bool IsGone() {
+    EXPECT_FALSE(component_->CanUnload()) << "at once";
+    return QTest::qWaitFor([this] { return component_->CanUnload(); }, 60000);
   }
 
   ApplicationPath app_;
@@ -149,6 +155,31 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
   played_.exec();
   EXPECT_EQ(sink_.Events, Texts{"17 NEC&TV_POWER"});
   EXPECT_EQ(sink_.Errors, Texts());
+}
+
+TEST_F(PluginTest, LivesToTheEndOfWhatItIsReleasedIn) {
+  app_.AddPowerEvent("[]");
+  Create(true, {});
+  QTimer look;
+  look.callOnTimeout([&] {
+    QWidget* box = QApplication::activeModalWidget();
+    if (box == nullptr) return;
+    look.stop();
+    object_.reset();
+    box->close();
+  });
+  look.start(1);
+  plugin_->InputDisplayAboutBox();
+  EXPECT_TRUE(IsGone());
+
+  Create(false, {});
+  const ui::SystemClock clock;
+  ASSERT_EQ(Data(app_.Path(), clock).ExecuteSQLCommand("update colclsKeploEvents set Zone = 99999"), 1);
+  sink_.OnError = [&] { object_.reset(); };
+  std::shared_ptr<IVelmoraHost> velmora;
+  EXPECT_EQ(plugin_->InputInitialise(velmora), kInputFailed);
+  EXPECT_EQ(log_, Texts());
+  EXPECT_TRUE(IsGone());
 }
 
 }  // namespace
