@@ -8,6 +8,9 @@
 #include <string_view>
 #include <tuple>
 
+#include "disk/posix_file_system.h"
+#include "failure.h"
+
 namespace keplo {
 
 namespace {
@@ -186,13 +189,12 @@ PortMap LoadPortMap(const fs::path& appPath, const DeviceFolders& folders) {
   const fs::path file = appPath / "ports.conf";
   std::error_code error;
   if (!fs::exists(fs::symlink_status(file, error))) return FindPorts(folders);
-  std::ifstream stream(file, std::ios::binary);
-  std::string text(kLongestFile + 1, '\0');
-  if (!fs::is_regular_file(file, error) || !stream) {
+  std::string text;
+  try {
+    text = PosixFileSystem().Read(file, kLongestFile + 1);
+  } catch (const Failure&) {
     return {{}, {file.string() + " cannot be read. Make it a readable text file, or remove it."}, {}};
   }
-  stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(stream.gcount()));
   if (text.size() > kLongestFile) {
     return {{}, {file.string() + " is longer than 64 KiB. Remove what is no line of a port."}, {}};
   }

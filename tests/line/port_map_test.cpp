@@ -1,6 +1,7 @@
 #include "line/port_map.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "doubles/temp_folder.h"
 
@@ -65,6 +66,9 @@ TEST(PortMap, NumbersWhatTheMachineHas) {
   EXPECT_EQ(FindPorts(folders).LeftOut.size(), 4U);
   folder.Write("ports.conf", "7 = serial:/dev/ttyS1");
   EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)), "7 serial /dev/ttyS1|");
+  std::filesystem::remove(folder.Path() / "ports.conf");
+  ASSERT_EQ(mkfifo((folder.Path() / "ports.conf").c_str(), 0600), 0);
+  EXPECT_EQ(LoadPortMap(folder.Path(), folders).Mistakes.size(), 1U);
 }
 
 }  // namespace
