@@ -92,6 +92,7 @@ bool colclsKeploEvents::AddEventMapToListView(std::int32_t mode, const clsKeploE
 bool colclsKeploEvents::Initialise(ui::ListView& list) {
   return Reporting(".Initialise", [&] {
     list_ = &list;
+    errorRecord_.reset();  // of an operation before
     if (count() > 0) return ReadAgain();
     Recordset rows;
     if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;

@@ -92,7 +92,7 @@ class colclsKeploEvents {
   /// @return false if there is no such key
   bool Remove(std::string_view key);
 
-  /// The last failure; none before the first.
+  /// The last failure since Initialise was called; none before the first.
   std::shared_ptr<const HostErrorRecord> ErrorRecord() const { return errorRecord_; }
 
  private:
