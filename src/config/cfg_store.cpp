@@ -170,24 +170,28 @@ bool HasFileChanged(const CfgStore& store) {
   return !store.ReadFrom || store.Files.Identity(store.Path) != store.ReadFrom;
 }
 
-bool ReloadConfig(CfgStore& store) {
+Reload ReloadConfig(CfgStore& store) {
   CfgStore read(store.Path, store.Files);
   store.ReadFrom = store.Files.Identity(store.Path);
   LoadConfig(read);
-  if (read.FileText == store.FileText) return false;
+  if (read.FileText == store.FileText) return Reload::NothingNew;
   if (const std::string damage = CheckConfig(read); !damage.empty()) {
     throw Failure(EINVAL, "Another program has changed the configuration, which is not taken in: " + damage);
   }
-  const std::optional<std::string> merged = MergeChanges(store.SavedText, store.CfgText, read.CfgText);
-  if (!merged || merged->size() > kMostCharacters) return false;
+  // A damaged file may have been read at the start, which nothing can be merged with.
+  const bool unchanged = store.CfgText == store.SavedText;
+  const std::optional<std::string> merged =
+      unchanged ? read.CfgText : MergeChanges(store.SavedText, store.CfgText, read.CfgText);
+  if (!merged || merged->size() > kMostCharacters) return Reload::Contradicts;
   const bool changed = *merged != store.CfgText;
   TakeInBesideChange(store, read.CfgText);
   store.CfgText = *merged;
   RefreshRaw(store);
   store.SavedText = std::move(read.CfgText);
   store.FileText = std::move(read.FileText);
-  if (changed) store.TookInOtherText = true;
-  return changed;
+  if (!changed) return Reload::NothingNew;
+  store.TookInOtherText = true;
+  return Reload::TakenIn;
 }
 
 void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }

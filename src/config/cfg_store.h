@@ -67,13 +67,18 @@ void LoadConfig(CfgStore& store);
 /// this program it says yes once, until ReloadConfig has looked.
 bool HasFileChanged(const CfgStore& store);
 
+/// What became of another program's text.
+enum class Reload {
+  NothingNew,
+  TakenIn,     // CfgText has changed, and TookInOtherText is set
+  Contradicts  // all of CfgText stays, and the next save deals with it
+};
+
 /// Takes in what another program has written to the file. What this program has changed and not saved yet is
-/// kept, by MergeChanges; where it contradicts the file, all of CfgText stays, and the next save deals with
-/// it.
-/// @return whether CfgText has changed; TookInOtherText is set then
+/// kept, by MergeChanges.
 /// @throws Failure if the file cannot be read, is too long, or is not whole; CfgText is then as it was, and
 /// HasFileChanged says no until the file changes again
-bool ReloadConfig(CfgStore& store);
+Reload ReloadConfig(CfgStore& store);
 
 /// Cuts CfgText after its last ] and writes it to the
 /// file, with CR LF after it in both. Without a ] text and file stay as they are. A file that holds the text

@@ -1,6 +1,7 @@
 #include "shell/keplo.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 #include "config/read_settings.h"
@@ -57,6 +58,7 @@ Keplo::Keplo(KeploMod& mod, Win32Ser& line, const KeploWindows& windows, const u
 }
 
 void Keplo::OpenPort() {
+  triedPort_ = true;
   Panel.ShowComPort(mod_.Settings.ComPortNr);
   bool open = false;
   for (int attempt = 1; attempt <= kOpenAttempts && !open; ++attempt) {
@@ -69,6 +71,7 @@ void Keplo::OpenPort() {
   const bool vexil = mod_.Settings.VexilMode != 0;
   Panel.ShowVexil(vexil);
   if (vexil) line_.SetMode(2);
+  if (OnPortOpened) OnPortOpened();
 }
 
 void Keplo::SetRestingLines() {
@@ -105,20 +108,33 @@ void Keplo::TakeInChanges() {
 }
 
 void Keplo::TakeInConfiguration() try {
-  if (!HasFileChanged(mod_.Store) || !ReloadConfig(mod_.Store)) return;
+  if (!HasFileChanged(mod_.Store)) return;
+  const Reload reload = ReloadConfig(mod_.Store);
+  if (reload == Reload::Contradicts) {
+    throw Failure(ESTALE, mod_.Store.Path.string() +
+                              " was changed by another program at places where this one has changes that are "
+                              "not saved yet. Close the configuration window with OK to save them; what the "
+                              "other program wrote is kept in a file beside it then.");
+  }
+  if (reload == Reload::NothingNew) return;
   toldConfigurationFailure_.clear();
   mod_.Store.TookInOtherText = false;
   Settings settings = mod_.Settings;
-  if (!ReadSettings(mod_.Store, settings).Complete()) return;
-  const bool otherPort = settings.ComPortNr != mod_.Settings.ComPortNr;
-  mod_.Settings = settings;
-  if (otherPort) return OpenPort();
-  Panel.ShowVexil(mod_.Settings.VexilMode != 0);
-  ShowInterface();
+  if (ReadSettings(mod_.Store, settings).Complete()) TakeInSettings(settings);
 } catch (const std::exception& failure) {
   // The next look comes soon and would meet the same.
   if (std::exchange(toldConfigurationFailure_, failure.what()) == failure.what()) return;
   ReportFailure("TakeInChanges", failure);
+}
+
+void Keplo::TakeInSettings(const Settings& settings) {
+  const bool otherPort = !triedPort_ || settings.ComPortNr != mod_.Settings.ComPortNr;
+  const bool zonesComeOn = settings.VexilMode != 0 && mod_.Settings.VexilMode == 0;
+  mod_.Settings = settings;
+  if (otherPort) return OpenPort();
+  Panel.ShowVexil(mod_.Settings.VexilMode != 0);
+  if (zonesComeOn) line_.SetMode(2);
+  ShowInterface();
 }
 
 std::string Keplo::WhyNotInitialised() const {

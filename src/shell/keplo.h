@@ -139,12 +139,15 @@ class Keplo {
   int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
 
   const TickReport& LastTick() const { return lastTick_; }
+  /// Runs when the port has been opened, or could not be, for another reason than the start-up.
+  std::function<void()> OnPortOpened;
   /// Runs after a tick that took a capture, for programs that tell a person what became of it.
   std::function<void(const TickReport&)> OnPress;
 
  private:
   void OpenPort();
   void TakeInConfiguration();
+  void TakeInSettings(const Settings& settings);
   void RefreshStatusPanel();
   void SetRestingLines();
   void ShowInterface();
@@ -186,6 +189,7 @@ class Keplo {
   bool terminated_ = false;
   bool initialised_ = false;
   bool windowOpen_ = false;
+  bool triedPort_ = false;  // the settings were complete once
   bool listDiffersFromMap_ = false;
   std::string toldConfigurationFailure_;
   TickReport lastTick_;

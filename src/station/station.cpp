@@ -33,6 +33,7 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
   for (const std::string& damage : mod.Store.Raw.Damage) log_.Write(LogLevel::Warning, damage);
   for (const std::string& remark : line_.Remarks) log_.Write(LogLevel::Warning, remark);
   TellWhyNotOpen();
+  control_.OnPortOpened = [this] { TellWhyNotOpen(); };
   if (line_.Device != nullptr) rest_.emplace(*line_.Device, control_);
   if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
   control_.OnPress = [this](const TickReport& tick) {

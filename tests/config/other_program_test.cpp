@@ -76,14 +76,15 @@ TEST_F(OtherProgram, IsNoticedAndTakenIn) {
   Do(store_, "select|1");
   stored_.Write(kMore);
   EXPECT_TRUE(HasFileChanged(store_));
-  EXPECT_TRUE(ReloadConfig(store_));
+  EXPECT_EQ(ReloadConfig(store_), Reload::TakenIn);
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1")) << "what is unsaved stays";
   EXPECT_TRUE(store_.TookInOtherText);
   EXPECT_FALSE(HasFileChanged(store_));
   Do(store_, "save");
   ExpectBoth(Selecting(kMore, "1"));
   EXPECT_TRUE(HasFileChanged(store_)) << "nobody has looked since the save";
-  EXPECT_FALSE(ReloadConfig(store_) || HasFileChanged(store_));
+  EXPECT_EQ(ReloadConfig(store_), Reload::NothingNew);
+  EXPECT_FALSE(HasFileChanged(store_));
 
   stored_.Write("half a file");
   EXPECT_THROW(ReloadConfig(store_), Failure);

@@ -46,7 +46,7 @@ TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
             "YES IRMouse / DTR");
   EXPECT_EQ(mod_->Settings.ReceiverKind, 1);
   EXPECT_NE(mod_->Store.CfgText.find("G1010,POWER"), std::string::npos);
-  EXPECT_TRUE(line_.TakeCalls().empty()) << "the port stays open";
+  EXPECT_EQ(line_.TakeCalls(), Texts{"SetMode 2"}) << "the port stays open";
 
   WriteConfig("", General("4 0 10 0 1 0"));
   control.TakeInChanges();
@@ -59,6 +59,10 @@ TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
   for (int look = 0; look < 3; ++look) control.TakeInChanges();
   EXPECT_EQ(errors_.size(), 2U) << "told once as well";
   EXPECT_NE(mod_->Store.CfgText.find("COMPORT= 4"), std::string::npos);
+  mod_->Store.CfgText = Config("", General("5 0 10 0 1 0"));  // not saved yet
+  WriteConfig("", General("6 0 10 0 1 0"));
+  for (int look = 0; look < 2; ++look) control.TakeInChanges();
+  EXPECT_EQ(errors_.size(), 3U) << "told once as well";
 }
 
 TEST_F(StartUp, TriesThePortFiveTimes) {
@@ -78,13 +82,23 @@ TEST_F(StartUp, TriesThePortFiveTimes) {
   EXPECT_EQ(control.Panel.CtlPortStatus.Text(), "AVAILABLE") << "a refresh does not test the port";
 }
 
-TEST_F(StartUp, LeavesThePortClosedWhenSettingsAreIncomplete) {
-  std::string config = Config("");
-  folder_.Write("keplo.cfg", config.replace(config.find("ITYPE="), 6, "XTYPE="));
-  Keplo& control = Create();
-  EXPECT_EQ(line_.Calls, Texts{});
-  EXPECT_EQ(PanelText(control.Panel), "CtlComPort|CtlPortStatus|NO|VexilAvailable|InterfaceType");
-  EXPECT_EQ(control.ListView1.Columns().size(), 6U);
+TEST_F(StartUp, LeavesThePortClosedUntilTheSettingsAreComplete) {
+  WriteEvents({});
+  for (const std::string key : {"ITYPE=", "[END]"}) {
+    std::string config = Config("");
+    folder_.Write("keplo.cfg", config.replace(config.find(key), 1, "X"));
+    Keplo& control = Create();
+    EXPECT_EQ(line_.TakeCalls(), Texts{});
+    EXPECT_EQ(PanelText(control.Panel), "CtlComPort|CtlPortStatus|NO|VexilAvailable|InterfaceType");
+    EXPECT_EQ(control.ListView1.Columns().size(), 6U);
+    control.InputInitialise(nullptr);
+    int opened = 0;
+    control.OnPortOpened = [&] { ++opened; };
+    WriteConfig("", General("1 0 10 0 1 1"));
+    control.TakeInChanges();
+    EXPECT_EQ(line_.TakeCalls(), (Texts{"OpenCom 1", "RTS -1", "TXD 0", "SetMode 2"}));
+    EXPECT_EQ(opened, 1);
+  }
 }
 
 TEST_F(StartUp, StartsAndStopsMonitoring) {
@@ -115,6 +129,12 @@ TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
   Keplo& control = Create();
   EXPECT_EQ(control.InputInitialise(nullptr), 1);
   EXPECT_EQ(control.ListView1.Text(1, 2), "NEC&POWER");
+  control.EnableMenu_Click();  // no row is selected
+  EXPECT_EQ(errors_.size(), 1U);
+  std::filesystem::resize_file(folder_.Path() / "inputKeplo.mdb", 0);
+  EXPECT_EQ(control.InputInitialise(nullptr), 0);
+  EXPECT_NE(control.WhyNotInitialised().find("inputKeplo.mdb"), std::string::npos)
+      << control.WhyNotInitialised();
 }
 
 TEST_F(StartUp, FitsTheListIntoTheControl) {
