@@ -46,13 +46,17 @@ std::int64_t DataVersionOf(sqlite3* database) {
   return version == nullptr ? 0 : *version;
 }
 
+void SetPatience(sqlite3* database, std::chrono::milliseconds patience) {
+  sqlite3_busy_timeout(database, static_cast<int>(patience.count()));
+}
+
 /// Calls that meet a lock come back at once as long as one lives.
 class WithoutWaiting {
  public:
   WithoutWaiting(sqlite3* database, std::chrono::milliseconds usual) : database_(database), usual_(usual) {
-    sqlite3_busy_timeout(database_, 0);
+    SetPatience(database_, std::chrono::milliseconds::zero());
   }
-  ~WithoutWaiting() { sqlite3_busy_timeout(database_, static_cast<int>(usual_.count())); }
+  ~WithoutWaiting() { SetPatience(database_, usual_); }
   WithoutWaiting(const WithoutWaiting&) = delete;
   WithoutWaiting& operator=(const WithoutWaiting&) = delete;
 
@@ -84,7 +88,13 @@ bool Connection::ChangedElsewhere() try {
   throw;
 }
 
-void Connection::Open(const std::string& connectionString) {
+void Connection::Open(const std::string& connectionString) { Open(connectionString, busyTimeout_); }
+
+void Connection::OpenAtOnce(const std::string& connectionString) {
+  Open(connectionString, std::chrono::milliseconds::zero());
+}
+
+void Connection::Open(const std::string& connectionString, std::chrono::milliseconds patience) {
   if (State() != 0) {
     throw Failure(kObjectOpen, DatabaseText(connectionString_, "is open already", "Close it first."));
   }
@@ -95,36 +105,38 @@ void Connection::Open(const std::string& connectionString) {
   }
   try {
     openFailure_.reset();
-    database_ = OpenDatabase();
+    SqliteHandle database = OpenDatabase(patience);
     openedFile_ = FileAtPath();
-    dataVersion_ = DataVersionOf(database_.get());
+    dataVersion_ = DataVersionOf(database.get());
+    SetPatience(database.get(), busyTimeout_);
+    database_ = std::move(database);
   } catch (const Failure& failure) {
     openFailure_ = failure;
     throw;
   }
 }
 
-SqliteHandle Connection::OpenDatabase() const {
+SqliteHandle Connection::OpenDatabase(std::chrono::milliseconds patience) const {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(connectionString_.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
   SqliteHandle database(opened);
   if (opened == nullptr)
     throw Failure(SqliteFailureNumber(SQLITE_NOMEM), "Not enough memory to open " + connectionString_);
   if (code != SQLITE_OK) throw FailureOf(opened, connectionString_);
-  sqlite3_busy_timeout(opened, static_cast<int>(busyTimeout_.count()));
+  SetPatience(opened, patience);
   sqlite3_limit(opened, SQLITE_LIMIT_LENGTH, kLongestRow);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0,
                     nullptr);  // a foreign schema runs no functions
   CheckIsEventDatabase(opened, connectionString_);
-  LeaveWriteAheadMode(opened);
+  LeaveWriteAheadMode(opened, patience);
   CheckIsWhole(opened, connectionString_);
   RunSql(opened, kSettings);
   return database;
 }
 
-void Connection::LeaveWriteAheadMode(sqlite3* database) const {
+void Connection::LeaveWriteAheadMode(sqlite3* database, std::chrono::milliseconds patience) const {
   using Clock = std::chrono::steady_clock;
-  const Clock::time_point end = Clock::now() + busyTimeout_;
+  const Clock::time_point end = Clock::now() + patience;
   while (!UsesRollbackJournal(database)) {  // SQLite itself does not wait here
     if (Clock::now() >= end) {
       throw Failure(SqliteFailureNumber(SQLITE_BUSY),

@@ -29,6 +29,8 @@ class Connection {
   /// @param connectionString path of the file; empty for the one of the last Open
   /// @throws Failure if the file cannot be opened or is not an event database, or if the connection is open
   void Open(const std::string& connectionString = {});
+  /// The same, but gives up at once where another program holds a lock.
+  void OpenAtOnce(const std::string& connectionString);
 
   /// Runs statements without rows. A transaction that a failing text has begun is undone.
   /// @throws Failure
@@ -58,8 +60,9 @@ class Connection {
   };
 
   std::optional<FileNumber> FileAtPath() const;
-  SqliteHandle OpenDatabase() const;
-  void LeaveWriteAheadMode(sqlite3* database) const;
+  void Open(const std::string& connectionString, std::chrono::milliseconds patience);
+  SqliteHandle OpenDatabase(std::chrono::milliseconds patience) const;
+  void LeaveWriteAheadMode(sqlite3* database, std::chrono::milliseconds patience) const;
 
   std::chrono::milliseconds busyTimeout_;
   std::string connectionString_;

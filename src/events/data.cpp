@@ -78,9 +78,9 @@ bool Data::ChangedElsewhere() try {
     inDoubt_ = true;
   }
   if (connection_.State() == 0) {
-    // A file that is still being put in its place opens at a later look.
+    // A file that is still being put in its place, or is locked, opens at a later look.
     if (!inDoubt_) return false;
-    connection_.Open(databasePath_.string());
+    connection_.OpenAtOnce(databasePath_.string());
   }
   if (inDoubt_) connection_.DoubtWhatWasRead();
   const bool changed = connection_.ChangedElsewhere();

@@ -142,6 +142,18 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
   }
 }
 
+TEST(EventCollection, DoesNotWaitForAMapThatIsLockedAsItIsReplaced) {
+  const EventFolder folder, replacement;
+  EventMap map(folder, std::chrono::hours(1));
+  ASSERT_TRUE(map.Load());
+  std::filesystem::rename(replacement.Database(), folder.Database());
+  EventMap other(folder);
+  ASSERT_EQ(other.Database.ExecuteSQLCommand("begin exclusive"), 1);
+  EXPECT_FALSE(map.Database.ChangedElsewhere());
+  other.Database.ExecuteSQLCommand("commit");
+  EXPECT_TRUE(map.Database.ChangedElsewhere());
+}
+
 TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
   const std::vector<std::tuple<std::string, int, std::string>> cases = {
       {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 3 of the event table holds null"},
