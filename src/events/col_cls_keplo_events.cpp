@@ -102,14 +102,7 @@ bool colclsKeploEvents::Initialise(ui::ListView& list) {
 }
 
 void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
-  try {
-    events_.Add(EventKey(event->EventID), event);
-  } catch (const Failure&) {
-    // Tables of earlier releases have no key on EventID. One repeated row must not keep the others from the
-    // user.
-    ReportCurrentFailure([&](const std::exception& failure) { Report(".Initialise", failure); });
-    return;
-  }
+  events_.Add(EventKey(event->EventID), event);
   stored_[EventKey(event->EventID)] = *event;
   AddEventMapToListView(kStoreNew, *event);
 }
@@ -221,9 +214,12 @@ bool colclsKeploEvents::Delete(std::string_view eventID) {
     if (data_.CheckConnection() != 1) return false;
     Recordset rows;
     rows.Open(EventWithID(eventID), data_.Connection());
-    const std::optional<NotConfirmed> doubt = DeleteAll(rows);
+    try {
+      rows.Delete();
+    } catch (const NotConfirmed& doubt) {
+      Report(".Delete", doubt);
+    }
     Remove(EventKey(eventID));
-    if (doubt) Report(".Delete", *doubt);
     return true;
   });
 }

@@ -84,8 +84,7 @@ class colclsKeploEvents {
   /// @return false without a report if the database cannot be opened, which Data tells
   bool Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event);
 
-  /// Deletes an event from the database, with every row that repeats its EventID, and from the collection;
-  /// its row in the list stays.
+  /// Deletes an event from the database and from the collection; its row in the list stays.
   bool Delete(std::string_view eventID);
 
   /// Takes an event out of the collection alone.

@@ -10,8 +10,10 @@ namespace keplo {
 
 void EventSet::Add(std::string_view key, std::shared_ptr<clsKeploEvent> event) {
   if (Find(key) != nullptr) {
-    throw Failure(kKeyTaken, "The event map already holds an event with the key " + std::string(key) +
-                                 ". Every event needs an EventID of its own.");
+    throw Failure(kKeyTaken,
+                  "The event map already holds an event with the key " + std::string(key) +
+                      ". Every event needs an EventID of its own: where the event table has one twice, "
+                      "delete a row with a database tool.");
   }
   members_.push_back(event);
   try {

@@ -201,18 +201,6 @@ void Recordset::Delete() {
   if (doubt) throw NotConfirmed(*doubt);
 }
 
-std::optional<NotConfirmed> DeleteAll(Recordset& rows) {
-  std::optional<NotConfirmed> doubt;
-  do {
-    try {
-      rows.Delete();
-    } catch (const NotConfirmed& failure) {
-      doubt = failure;
-    }
-  } while (!rows.Eof());
-  return doubt;
-}
-
 void Recordset::RequireOpen() const {
   if (!open_) throw Failure(kObjectClosed, "The result set is closed. Open it first.");
 }

@@ -83,9 +83,4 @@ class Recordset {
   std::optional<std::vector<SqlValue>> edited_;  // the present row's values for Update to write
 };
 
-/// Deletes the rows of a live set that are left, of which there must be one.
-/// @return the last NotConfirmed
-/// @throws Failure as Recordset::Delete
-std::optional<NotConfirmed> DeleteAll(Recordset& rows);
-
 }  // namespace keplo

@@ -28,6 +28,14 @@ void TellHost(HostInputEvent& objInputEvent, const clsKeploEvent& event) {
   objInputEvent.EventCommand = event.IRCommand;
 }
 
+/// Deletes the current row. That a power cut may bring it back is told to nobody.
+void DeleteRow(Recordset& rows) {
+  try {
+    rows.Delete();
+  } catch (const NotConfirmed&) {
+  }
+}
+
 }  // namespace
 
 std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
@@ -77,8 +85,8 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
     listDiffersFromMap_ = !rows.Eof();
-    DeleteAll(rows);  // tables of earlier versions may hold an EventID twice
-    listDiffersFromMap_ = false;
+    DeleteRow(rows);
+    listDiffersFromMap_ = !rows.Eof();  // a table of an earlier release may hold an EventID twice
   } catch (const std::exception&) {
     // A step that fails is skipped, and nobody is told.
   }
