@@ -5,8 +5,8 @@
 #include "config/commands.h"
 #include "config/lookup.h"
 #include "config/names.h"
-#include "config/protocols.h"
 #include "config/sections.h"
+#include "config/send_as_line.h"
 #include "failure.h"
 
 namespace keplo {
@@ -46,6 +46,22 @@ std::string CommandLine(std::string_view code, std::string_view name) {
 
 std::string WithoutLine(std::string_view text, const LineRange& line) {
   return RemoveText(text, line.First, line.Last);
+}
+
+struct Removal {
+  std::string Text;
+  int Place = kNowhere;  // where the line began
+};
+
+/// Without the line of a command, and without what the section tells of its code alone.
+Removal RemovalOf(const std::string& text, std::string_view protocol, const LineRange& line) {
+  const std::string without = WithoutLine(text, line);
+  Removal removal{WithoutStaleWays(without, protocol), line.First};
+  const auto ahead = static_cast<std::size_t>(line.First) - 1;
+  if (removal.Text.compare(0, ahead, without, 0, ahead) != 0) {
+    removal.Place -= static_cast<int>(without.size() - removal.Text.size());
+  }
+  return removal;
 }
 
 /// The text with the placeholder at a position if its section has no commands.
@@ -169,7 +185,7 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
                   std::string_view sendAs) {
-  const std::string text = WithSendAs(store.CfgText, protocol, sendAs);
+  const std::string text = WithWayOf(store.CfgText, protocol, code, sendAs);
   const std::optional<int> place = PlaceForCommand(text, protocol);
   if (!place) return false;
   store.NewCmdLine = CommandLine(code, name);
@@ -221,15 +237,15 @@ bool RemoveCommand(CfgStore& store) {
     return false;
   }
   const std::string before = store.CfgText;
-  const std::string without = WithoutLine(before, *line);
-  store.RequireRoom(WithNeededPlaceholder(without, store.CurProtocol, line->First).size());
+  const auto [without, place] = RemovalOf(before, store.CurProtocol, *line);
+  store.RequireRoom(WithNeededPlaceholder(without, store.CurProtocol, place).size());
   try {
     ReplaceAndSave(store, without);
   } catch (const Failure&) {
-    if (store.CfgText != before) SettleRemoval(store, without, line->First);
+    if (store.CfgText != before) SettleRemoval(store, without, place);
     throw;
   }
-  SettleRemoval(store, without, line->First);
+  SettleRemoval(store, without, place);
   return true;
 }
 
@@ -241,7 +257,7 @@ LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_v
   if (result.Done()) result = CheckCode(text, checkedCode, readBy);
   if (result.Done()) result = CheckName(text, protocol, checkedName);
   if (!result.Done()) return result;
-  const std::string prepared = WithSendAs(text, protocol, sendAs);
+  const std::string prepared = WithWayOf(text, protocol, checkedCode, sendAs);
   ReplaceAndSave(store, *WithCommandLines(prepared, protocol, CommandLine(checkedCode, checkedName)));
   return {};
 }
@@ -270,7 +286,8 @@ LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::strin
   if (placeholder && placeholder->First == line->First && CommandsIn(store.CfgText, protocol) == 1) {
     return Refuse(Refusal::NoMoreCommands, name);
   }
-  ReplaceAndSave(store, WithNeededPlaceholder(WithoutLine(store.CfgText, *line), protocol, line->First));
+  const Removal removal = RemovalOf(store.CfgText, protocol, *line);
+  ReplaceAndSave(store, WithNeededPlaceholder(removal.Text, protocol, removal.Place));
   return {};
 }
 

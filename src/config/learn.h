@@ -53,7 +53,7 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 /// @return false, with nothing changed, if the section is missing
 /// @throws Failure if the text would grow beyond its limit or the save fails; CfgText then agrees with the
 /// file
-/// @param sendAs how the code is sent, see WithSendAs
+/// @param sendAs how the code is sent, see WithWayOf
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
                   std::string_view sendAs = {});
 

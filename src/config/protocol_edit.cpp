@@ -14,6 +14,7 @@
 #include "config/numbers.h"
 #include "config/protocols.h"
 #include "config/sections.h"
+#include "config/send_as_line.h"
 #include "config/values.h"
 
 namespace keplo {

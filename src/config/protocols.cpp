@@ -4,7 +4,7 @@
 #include "config/cfg_store.h"
 #include "config/key_table.h"
 #include "config/sections.h"
-#include "signal/send_as.h"
+#include "config/send_as_line.h"
 
 namespace keplo {
 
@@ -54,29 +54,6 @@ void TakeParameter(const ParameterKey& key, std::string_view value, ProtocolPara
   } else {
     params.*key.Pattern = value;
   }
-}
-
-std::string SendAsOf(std::string_view text, const Section& section) {
-  const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section.End - 1));
-  const int lastKey = FindNoCase("GREPEAT=", upToNext, section.Begin);
-  const int place = lastKey == kNowhere ? kNowhere : FindNoCase(kSendAsKey, upToNext, lastKey);
-  return place == kNowhere ? std::string() : std::string(GetLineAt(text, place));
-}
-
-std::string WithSendAs(const std::string& text, std::string_view protocol, std::string_view sendAs) {
-  const std::optional<Section> section = sendAs.empty() ? std::nullopt : FindSectionToChange(text, protocol);
-  if (!section || !SendAsOf(text, *section).empty()) return text;
-  ProtocolParams params;
-  std::int16_t kind = 0;
-  const bool fits = LoadProtocolParams(text, protocol, params, kind) &&
-                    (sendAs != kSendAsRc6 || (params.BIT0 == "01" && params.BIT1 == "10"));
-  const int lf = fits ? SeekForward(text, FindNoCase("GREPEAT=", text, section->Begin), '\n') : kNowhere;
-  if (lf == kNowhere || lf >= section->End) return text;
-  return InsertText(text, SendAsLine(sendAs), lf + 1);
-}
-
-std::string SendAsLine(std::string_view sendAs) {
-  return sendAs.empty() ? std::string() : std::string(kSendAsKey).append(" ").append(sendAs).append("\r\n");
 }
 
 bool LoadProtocolParams(std::string_view text, std::string_view protocol, ProtocolParams& params,

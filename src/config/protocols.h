@@ -42,20 +42,6 @@ struct ParameterKey;
 /// Puts the value of a key in its place; of a number the fraction is dropped.
 void TakeParameter(const ParameterKey& key, std::string_view value, ProtocolParams& params);
 
-/// A key that a section may have behind GREPEAT=, among its commands: nothing that searches the other keys or
-/// changes them comes by it. It tells what the other keys cannot.
-inline constexpr std::string_view kSendAsKey = "SENDAS=";
-
-/// The value of SENDAS= in a section; empty without one.
-std::string SendAsOf(std::string_view text, const Section& section);
-/// The line with its line end; empty for a section that sends as the others say.
-std::string SendAsLine(std::string_view sendAs);
-
-/// A text in which a section tells how codes of another kind are sent: behind its GREPEAT= stands SENDAS=.
-/// The text itself if it tells something already, or if its patterns are not those of RC6 for which that is
-/// asked.
-std::string WithSendAs(const std::string& text, std::string_view protocol, std::string_view sendAs);
-
 /// Loads the parameters of a protocol, each key searched from after the one before it. At the first that is
 /// not found the load stops: what was read stays, the rest is as it was.
 /// @param params of which Carrier is the usual one for a section without a line of it

@@ -6,6 +6,7 @@
 #include "config/cfg_text.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
+#include "config/send_as_line.h"
 #include "remotes/key_names.h"
 
 namespace keplo {

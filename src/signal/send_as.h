@@ -7,18 +7,34 @@
 namespace keplo {
 
 // The value of SENDAS=, for codes that are sent in another way than sync, digits and repeats of a section
-// say.
+// say. Its words stand apart by blanks: a way, which holds for all codes that can be sent in it, and notes,
+// each of which tells the way of a single code.
 
 /// RC6: a toggle of double length behind the fourth digit, which each transmission turns over.
 inline constexpr std::string_view kSendAsRc6 = "RC6";
 
-/// The value for codes of two frames in turns.
+/// The way of codes of two frames in turns.
 /// @param digits of one frame
 inline std::string SendInTurns(std::size_t digits) { return std::to_string(digits); }
 
-/// Whether a code is two frames in turns, by the value of its section.
-inline bool IsSentInTurns(std::string_view code, std::string_view sendAs) {
-  return !code.empty() && code.size() % 2 == 0 && sendAs == SendInTurns(code.size() / 2);
+/// Whether a code is two frames in turns, by its way.
+inline bool IsSentInTurns(std::string_view code, std::string_view way) {
+  return !code.empty() && code.size() % 2 == 0 && way == SendInTurns(code.size() / 2);
 }
+
+/// The way in which a code is sent, by a note or by what holds for all; empty for the usual one.
+/// @param code digits without the leading G; of RC5 with 0 for the toggle digit
+/// @param sendAs the value of SENDAS=
+std::string_view WayOf(std::string_view code, std::string_view sendAs);
+
+/// A note: the way, which may be the usual one, and a checksum of the digits. But for the way it consists of
+/// signs that no name and no code has, so that a search for one never ends in it.
+std::string NoteOfWay(std::string_view code, std::string_view way);
+
+/// Whether a word of the value is a note.
+bool IsNoteOfWay(std::string_view word);
+
+/// Whether a word of the value is the note of a code.
+bool IsNoteOn(std::string_view code, std::string_view word);
 
 }  // namespace keplo

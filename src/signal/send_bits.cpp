@@ -40,8 +40,8 @@ std::size_t TurnGap(const ProtocolParams& params) {
 }
 
 /// A little more than the transmission will be long.
-std::size_t LengthBound(std::string_view code, const ProtocolParams& params) {
-  if (IsSentInTurns(code, params.SENDAS)) {
+std::size_t LengthBound(std::string_view code, std::string_view way, const ProtocolParams& params) {
+  if (IsSentInTurns(code, way)) {
     return kTurns * (FrameLength(code, params) + params.BITG.size() + 2 * (TurnGap(params) + 1));
   }
   const std::size_t frame = FrameLength(code, params);
@@ -94,15 +94,16 @@ std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
 
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params,
                           bool& rc5Toggle) {
-  if (const std::size_t slots = LengthBound(code, params); slots > kMostSlots) {
+  const std::string_view way = WayOf(code, params.SENDAS);
+  if (const std::size_t slots = LengthBound(code, way, params); slots > kMostSlots) {
     throw Failure(EMSGSIZE, "The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
                                 std::to_string(kMostSlots) +
                                 " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
   }
   if (protoKind == kRc5) WriteToggle(code, rc5Toggle);
   params.BitTail = BitTailOf(protoKind);
-  if (IsSentInTurns(code, params.SENDAS)) return TurnSlots(code, params);
-  const bool isRc6 = (protoKind == kRc6 || params.SENDAS == kSendAsRc6) && IsRc6Code(code);
+  if (IsSentInTurns(code, way)) return TurnSlots(code, params);
+  const bool isRc6 = (protoKind == kRc6 || way == kSendAsRc6) && IsRc6Code(code);
   if (isRc6) rc5Toggle = !rc5Toggle;
   const std::string body =
       isRc6 ? Rc6Halves(code, rc5Toggle, params.BIT1, params.BIT0) : FrameBody(code, params);

@@ -4,9 +4,12 @@
 
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
+#include "config/learn.h"
 #include "config/lookup.h"
 #include "config/names.h"
 #include "config/protocols.h"
+#include "config/send_as_line.h"
+#include "signal/send_as.h"
 
 namespace keplo::tests {
 namespace {
@@ -139,19 +142,24 @@ TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
   }
 }
 
-TEST(WithSendAs, StandsBehindTheLastKeyAndStays) {
-  const std::string text = Config(Protocol("NEC", {"G1010,UP"}));
-  const std::string turns = WithSendAs(text, "NEC", "32");
-  EXPECT_EQ(turns, Replaced(text, "GREPEAT= 72\r\n", "GREPEAT= 72\r\nSENDAS= 32\r\n"));
-  EXPECT_EQ(WithSendAs(turns, "NEC", "16"), turns) << "what a section tells already stays";
-  EXPECT_EQ(WithSendAs(text, "NEC", "RC6"), text) << "patterns of another line code";
-  ProtocolParams params;
-  std::int16_t kind = 0;
-  for (const std::string row : {"NEC|32", "Template|"}) {
-    EXPECT_TRUE(LoadProtocolParams(turns, Parts(row)[0], params, kind));
-    EXPECT_EQ(params.SENDAS, Parts(row)[1]);
+TEST(WithWayOf, ChangesNoOtherCodeOfTheSection) {
+  Stored stored(Config(Protocol("NEC", {"G1010,UP"}) + Protocol("New", {"G10,EMPTY"})));
+  // What is learned in what way, or deleted; then the ways of 1010, 1100, 0011 and 110011.
+  for (const std::string row : {"G1100|2|/2//", "G0011|2|/2/2/", "G1100|delete|//2/", "G1100||//2/",
+                                "G110011|3|//2/3", "G0011|delete|///3"}) {
+    const std::string code = Parts(row)[0], way = Parts(row)[1];
+    EXPECT_TRUE((way == "delete" ? DeleteCommand(stored.Store, "NEC", "N" + code)
+                                 : AddCommand(stored.Store, "NEC", code, "N" + code, Analysis::Second, way))
+                    .Done());
+    const std::string line = SendAsOf(stored.Store.CfgText, *FindSection(stored.Store.CfgText, "NEC"));
+    std::string ways;
+    for (const char* each : {"1010", "/1100", "/0011", "/110011"})
+      ways.append(*each == '/' ? "/" : "").append(WayOf(each + (*each == '/'), line));
+    EXPECT_EQ(ways, Parts(row)[2]) << row << " in " << line;
   }
-  EXPECT_EQ(ListCommands(turns, "NEC").size(), 1U);
+  const std::string all = WithWayOf(stored.Store.CfgText, "New", "G1111", "2");
+  EXPECT_NE(all.find("G10,EMPTY\r\nSENDAS= 2\r\n"), std::string::npos) << all;
+  EXPECT_EQ(WithWayOf(all, "New", "G10000000000000001100", kSendAsRc6), all) << "other patterns";
 }
 
 }  // namespace

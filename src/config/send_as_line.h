@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "config/sections.h"
+
+namespace keplo {
+
+// A section may have a key SENDAS= behind GREPEAT=, among its commands: nothing that searches the other keys
+// or changes them comes by it. It tells how codes are sent where the other keys cannot, see send_as.h.
+
+/// The value of SENDAS= in a section; empty without one.
+std::string SendAsOf(std::string_view text, const Section& section);
+
+/// The line of the key with its line end; empty for a section that sends as its other keys say.
+std::string SendAsLine(std::string_view value);
+
+/// A text in which a section sends a code in some way, and all its other codes as before. Without SENDAS= and
+/// without another code that it would change, the section tells the way for all codes to come; else the line
+/// gets a note on this code. It goes behind the commands, so that a search for their names and codes finds
+/// them first.
+///
+/// RC6 is left out where the patterns are not its own, since the section cannot send it anyhow.
+/// @param code with its leading G
+/// @param way empty for the usual one
+std::string WithWayOf(const std::string& text, std::string_view protocol, std::string_view code,
+                      std::string_view way);
+
+/// A text in which the line of a section has no notes on codes that the section does not hold any more.
+std::string WithoutStaleWays(const std::string& text, std::string_view protocol);
+
+}  // namespace keplo
