@@ -25,7 +25,7 @@ OpenedConfig::OpenedConfig(const std::string& appPathOption) : Mod(RequireInstal
 }
 
 void OpenedConfig::RequireWhole() const {
-  if (!CheckConfig(Mod.Store).empty()) throw Failure(1, "Nothing was changed, since the file is damaged.");
+  if (!DamageOf(Mod.Store).empty()) throw Failure(1, "Nothing was changed, since the file is damaged.");
 }
 
 void OpenedConfig::Change(const std::function<void(CfgStore& store)>& change) {

@@ -175,7 +175,7 @@ Reload ReloadConfig(CfgStore& store) {
   store.ReadFrom = store.Files.Identity(store.Path);
   LoadConfig(read);
   if (read.FileText == store.FileText) return Reload::NothingNew;
-  if (const std::string damage = CheckConfig(read); !damage.empty()) {
+  if (const std::string damage = DamageOf(read); !damage.empty()) {
     throw Failure(EINVAL, "Another program has changed the configuration, which is not taken in: " + damage);
   }
   // A damaged file may have been read at the start, which nothing can be merged with.

@@ -92,17 +92,29 @@ Finding DamagedSection(std::string_view text) {
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
     if (Finding finding = MissingKey(text, walk.Names[index], walk.Places[index])) return finding;
   }
-  return Twins(text, walk);
+  return std::nullopt;
+}
+
+std::string Told(const CfgStore& store, const Finding& finding) {
+  return finding ? store.Path.string() + ": " + *finding + "." : std::string();
+}
+
+Finding Damage(const CfgStore& store) {
+  Finding finding = BrokenLineEnd(store.CfgText);
+  if (!finding) finding = MissingSetting(store);
+  if (!finding) finding = DamagedSection(store.CfgText);
+  return finding;
 }
 
 }  // namespace
 
 std::string CheckConfig(const CfgStore& store) {
-  Finding finding = BrokenLineEnd(store.CfgText);
-  if (!finding) finding = MissingSetting(store);
-  if (!finding) finding = DamagedSection(store.CfgText);
-  return finding ? store.Path.string() + ": " + *finding + "." : std::string();
+  Finding finding = Damage(store);
+  if (!finding) finding = Twins(store.CfgText, WalkSections(store.CfgText));
+  return Told(store, finding);
 }
+
+std::string DamageOf(const CfgStore& store) { return Told(store, Damage(store)); }
 
 bool HasWholeSections(std::string_view text) { return !DamagedSection(text); }
 

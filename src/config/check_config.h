@@ -13,6 +13,10 @@ namespace keplo {
 /// @return one line without an end; empty if the configuration is whole
 std::string CheckConfig(const CfgStore& store);
 
+/// The same of what no change can be made beside. Two sections of one name are only in the way of what
+/// deletes one of them.
+std::string DamageOf(const CfgStore& store);
+
 /// Whether all sections of a text are whole, up to its [END].
 bool HasWholeSections(std::string_view text);
 

@@ -100,11 +100,9 @@ std::string_view LineAt(std::string_view text, int position) {
   return upTo.substr(upTo.find_last_of('\n') + 1);
 }
 
-/// Whether there is one section that takes commands, and no other one that the name could mean.
+/// Whether there is a section that takes commands; of several it is the first.
 LearnResult CheckSection(std::string_view text, std::string_view protocol) {
-  const std::optional<Section> section = FindProtocol(text, protocol);
-  if (!section) return Refuse(Refusal::NoSection, protocol);
-  return FindSection(text, protocol, section->End) ? Refuse(Refusal::SectionTwice, protocol) : LearnResult();
+  return FindProtocol(text, protocol) ? LearnResult() : Refuse(Refusal::NoSection, protocol);
 }
 
 /// The line of a command that may be changed: one of its own, and not the placeholder's.
@@ -114,6 +112,14 @@ LearnResult CheckCommand(std::string_view text, std::string_view protocol, std::
   if (!result.Done()) return result;
   if (!FindCommandLine(text, protocol, name)) return Refuse(Refusal::NoSuchCommand, name);
   return IsAmbiguous(text, protocol, name) ? Refuse(Refusal::CommandTwice, name) : LearnResult();
+}
+
+/// The same for a command that is to be deleted: of two sections with one name the other may be meant, and
+/// what is gone is gone.
+LearnResult CheckCommandToDelete(std::string_view text, std::string_view protocol, std::string_view name) {
+  const std::optional<Section> section = FindProtocol(text, protocol);
+  const bool hasTwin = section && FindSection(text, protocol, section->End);
+  return hasTwin ? Refuse(Refusal::SectionTwice, protocol) : CheckCommand(text, protocol, name);
 }
 
 }  // namespace
@@ -224,7 +230,7 @@ LearnResult CheckDelete(CfgStore& store) {
     return Refuse(Refusal::NoMoreCommands, store.CurCommand);
   }
   // A section or command that is not there is none of the window's refusals: nothing is deleted then.
-  const LearnResult checked = CheckCommand(store.CfgText, store.CurProtocol, store.CurCommand);
+  const LearnResult checked = CheckCommandToDelete(store.CfgText, store.CurProtocol, store.CurCommand);
   const bool twice = checked.Refused == Refusal::SectionTwice || checked.Refused == Refusal::CommandTwice;
   return twice ? checked : LearnResult();
 }
@@ -279,7 +285,7 @@ LearnResult RenameCommand(CfgStore& store, std::string_view protocol, std::strin
 }
 
 LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::string_view name) {
-  LearnResult result = CheckCommand(store.CfgText, protocol, name);
+  LearnResult result = CheckCommandToDelete(store.CfgText, protocol, name);
   if (!result.Done()) return result;
   const std::optional<LineRange> line = FindCommandLine(store.CfgText, protocol, name);
   const std::optional<LineRange> placeholder = FindPlaceholder(store.CfgText, protocol);

@@ -38,16 +38,12 @@ int SecondGenericKey(std::string_view text, const Section& section) {
   return FindNoCase(inNewLine, upToNext, FindNoCase(inNewLine, upToNext, section.Begin));
 }
 
-/// As FindClosed, for a change: it must be the section that is read, the only one of its name, and no two in
-/// one.
+/// As FindClosed, for a change: it must be the section that is read, and no two in one.
 ProtocolResult FindToChange(std::string_view text, std::string_view protocol, Section& section) {
   const std::optional<Section> found = FindClosed(text, protocol);
   if (!found) return ProtocolRefusal::NoSection;
   section = *found;
   if (FindSection(text, protocol)->Begin != section.Begin) return ProtocolRefusal::SectionTwice;
-  if (const std::optional<Section> twin = FindSection(text, protocol, section.End)) {
-    return {ProtocolRefusal::SectionTwins, LineNumber(text, twin->Begin - 1)};
-  }
   const int second = SecondGenericKey(text, section);
   if (second != kNowhere) return {ProtocolRefusal::HeaderMissing, LineNumber(text, second)};
   return {};
@@ -314,6 +310,10 @@ SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   Section section;
   const ProtocolResult found = FindToChange(text, protocol, section);
   if (!found.Done()) return found;
+  // The other one may be meant, and what is gone is gone.
+  if (const std::optional<Section> twin = FindSection(text, protocol, section.End)) {
+    return ProtocolResult{ProtocolRefusal::SectionTwins, LineNumber(text, twin->Begin - 1)};
+  }
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
   // What stands before either header would be left over, a command in another section.
   const bool leavesText = !Trimmed(BeforeInLine(text, first)).empty();

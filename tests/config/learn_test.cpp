@@ -80,7 +80,7 @@ TEST(Changes, TellWhyTheyAreRefused) {
       "The configuration has two sections with the name NEC, since upper and lower case count alike. "
       "Rename one of them in the file, and try again.",
       Config(Protocol("NEC", {"G0111,LEFT"}) + Protocol("nec", {"G0101,UP"})),
-      {"add|NEC|G0110|DOWN", "rename|NEC|LEFT|OFF", "delete|NEC|UP", "check|NEC|LEFT"});
+      {"delete|NEC|LEFT", "check|NEC|LEFT"});
 }
 
 TEST(Changes, AreRefusedBeforeTheSaveWhereTheTextDoesNotFit) {

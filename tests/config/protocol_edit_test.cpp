@@ -170,7 +170,7 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
           Refusal::HeaderLine);
   refuses(Replaced(Config(mine), "[Template]", "see [Template]"), Refusal::HeaderLine, none, none);
   refuses(mine + Config(mine), none, Refusal::SectionTwice, Refusal::SectionTwice);
-  refuses(Config(mine + Protocol("MINE", {"G1,A"})), none, Refusal::SectionTwins, Refusal::SectionTwins);
+  refuses(Config(mine + Protocol("MINE", {"G1,A"})), none, none, Refusal::SectionTwins);
   refuses(Replaced(Config(mine), "[Template]", "Template]"), Refusal::NoTemplate, Refusal::HeaderMissing,
           Refusal::HeaderMissing);
   const std::string amongKeys = Replaced(Config(mine), "BIT1=", "G1100,UP\r\nBIT1=");
