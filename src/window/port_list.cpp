@@ -57,6 +57,7 @@ void PortList::TakePort() {
   settings_.ComPortNr = port;
   keeper_.Keep("COMPORT", port);
   const ui::WaitNotice notice(window_, "Opening " + entry + ". This takes a second at most.");
+  note_.Listen();
   int attempt = 1;
   while (attempt <= kOpenAttempts && line_.OpenCom(port) != 1) {
     line_.uDelay(kPauseAfterFailure);

@@ -78,6 +78,7 @@ void RecordFlow::Record() {
   const ui::WaitNotice notice(window_,
                               "Recording: press a key of the remote now. Without a signal this ends after " +
                                   std::to_string(kLongestRecordWait.count()) + " seconds at most.");
+  note_.Listen();
   const bool received = ReceiveSignal();
   if (controls_.VexilCheckbox.Checked()) ShowReceivedZone();
   if (!received) {

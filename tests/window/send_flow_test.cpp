@@ -28,6 +28,14 @@ TEST_F(SendFlow, AStoredCommandIsSentBetweenTwoBeepsAndDrawn) {
   form_->DescribeLine = [] { return std::string("It goes nowhere."); };
   form_->SendButton.Click();
   EXPECT_EQ(form_->Note.Text(), "It goes nowhere.");
+  line_.WhileSending = [&] { form_->Note.SetText("No device."); };
+  for (const char* note : {"No device. It goes nowhere.", "It goes nowhere."}) {
+    form_->SendButton.Click();
+    EXPECT_EQ(form_->Note.Text(), note);
+    line_.WhileSending = [] {};
+  }
+  SetUp();
+  form_->SendButton.Click();
   EXPECT_EQ(line_.Calls, (Texts{"DTR 0", "RTS -1", "SpeakBeep 5000 50", "IRSend 54 pulse 560 interface 0",
                                 "SpeakBeep 2000 50"}));
   EXPECT_EQ(line_.Carrier, 38'000);

@@ -24,9 +24,11 @@ class SendingLine : public FakeLine {
     return FakeLine::IRRecord(buffer, delay, limit);
   }
 
+  std::function<void()> WhileSending = [] {};
   std::string Sent;  // bytes of the last transmission
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override {
     Sent = bytes;
+    WhileSending();
     FakeLine::IRSend(bytes, pulse, interfaceType);
   }
 };
