@@ -128,7 +128,7 @@ class Form1 : public ui::Window {
   /// Stretches the trace by a factor; what stands at a place stays there.
   void ZoomWave(double place, double factor);
   /// Slides the trace to the right, in samples.
-  void SlideWave(int samples) { HScroll1.SetValue(HScroll1.Value() + samples); }
+  void SlideWave(int samples);
   /// Shows the whole trace.
   void FitWave();
 

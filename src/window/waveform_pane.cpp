@@ -66,32 +66,47 @@ void WaveformPane::ZoomAt(double place, double factor) {
   if (reading_.Samples() == 0) return;
   const double fitting = static_cast<double>(surface_.Width - 2 * kMargin) / reading_.Samples();
   const double zoom = std::clamp(zoom_ * factor, std::min(fitting, zoom_), std::max(kMostZoom, zoom_));
-  ShowAt(SampleAt(place), place, zoom);
+  // To the right the trace may have to go further than the bar reaches by itself.
+  ShowAt(SampleAt(place), place, zoom, scrollBar_.Max());
 }
 
 void WaveformPane::Fit() {
   if (reading_.Samples() == 0) return;
   const double fitting = (surface_.Width - 2.0 * kMargin - 2) / reading_.Samples();
-  ShowAt(0, kMargin + 1, std::min(fitting, kMostZoom));
+  ShowAt(0, kMargin + 1, std::min(fitting, kMostZoom), LastOffset());
 }
 
-void WaveformPane::ShowAt(double sample, double place, double zoom) {
+void WaveformPane::ShowAt(double sample, double place, double zoom, int last) {
   zoom_ = zoom;
-  offset_ = static_cast<int>(
+  const auto offset = static_cast<int>(
       std::clamp(std::ceil(place / zoom - kSamplesPerByte - sample), -kMostOffset, kMostOffset));
-  // A trace that is squeezed may begin further to the right than the bar reaches by itself.
-  const int first = std::max(kDefaultOffset, offset_);
+  ShowFrom(offset, std::min(last, offset));
+}
+
+/// A trace that is squeezed may begin further to the right than the left end of the bar stands for.
+void WaveformPane::ShowFrom(int offset, int last) {
   const int before = scrollBar_.Value();
-  scrollBar_.Set(first, std::min(scrollBar_.Max(), offset_), offset_);
-  if (scrollBar_.Value() == before) Redraw();
+  scrollBar_.Set(kDefaultOffset, last, offset);
+  const bool isDrawn = scrollBar_.Value() != before && scrollBar_.Value() == offset;
+  offset_ = offset;
+  if (!isDrawn) Redraw();
+}
+
+void WaveformPane::Slide(int samples) {
+  if (reading_.Samples() == 0) return;
+  ShowFrom(std::clamp(offset_ + samples, scrollBar_.Max(), std::max(offset_, kDefaultOffset)),
+           scrollBar_.Max());
+}
+
+int WaveformPane::LastOffset() const {
+  // At the right end of the bar the last sample stands where the first one does at the left end.
+  return kDefaultOffset + 1 - kSamplesPerByte * static_cast<int>(signal_.RawCapture.size());
 }
 
 void WaveformPane::StartTrace() {
   zoom_ = 1;
   offset_ = kDefaultOffset;
-  const int samples = kSamplesPerByte * static_cast<int>(signal_.RawCapture.size());
-  // At the right end of the bar the last sample stands where the first one does at the left end.
-  scrollBar_.Set(kDefaultOffset, kDefaultOffset + 1 - samples, offset_);
+  scrollBar_.Set(kDefaultOffset, LastOffset(), offset_);
   Redraw();
 }
 
@@ -112,11 +127,7 @@ void WaveformPane::ZoomTo(double zoom) {
 }
 
 void WaveformPane::Reset() {
-  if (!CanZoom()) return;
-  zoom_ = 1;
-  offset_ = kDefaultOffset;
-  scrollBar_.SetValue(kDefaultOffset);
-  Redraw();
+  if (CanZoom()) StartTrace();
 }
 
 }  // namespace keplo

@@ -33,13 +33,17 @@ class WaveformPane {
   void ZoomAt(double place, double factor);
   /// Shows the whole trace.
   void Fit();
+  /// Slides the trace to the right, in samples.
+  void Slide(int samples);
 
  private:
   void DrawWave(std::string_view capture, int offset);
   void Redraw();
   bool CanZoom() const;
   void ZoomTo(double zoom);
-  void ShowAt(double sample, double place, double zoom);
+  void ShowAt(double sample, double place, double zoom, int last);
+  void ShowFrom(int offset, int last);
+  int LastOffset() const;
 
   SignalState& signal_;
   WaveReading& reading_;

@@ -72,6 +72,7 @@ TEST_F(Waveform, ZoomAtAPlaceKeepsWhatStandsThereAndFitsTheWholeTrace) {
     EXPECT_NEAR(form_->WaveSample(100), sample, 1) << factor;
   }
   form_->FitWave();
+  EXPECT_EQ(form_->HScroll1.Min(), 15);
   EXPECT_GT(form_->WavePlace(0), 20);
   EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), form_->Surface.Width - 20);
   EXPECT_LT(form_->Surface.Points().size(), 4U * 4 * static_cast<std::size_t>(form_->Surface.Width))
