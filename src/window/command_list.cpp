@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "config/commands.h"
+#include "config/numbers.h"
 #include "config/protocols.h"
 #include "config/raw_lookup.h"
 #include "config/read_settings.h"
+#include "config/send_as_line.h"
 #include "config/values.h"
 #include "window/file_watch.h"
 #include "window/recorded_signal.h"
@@ -53,7 +55,7 @@ void CommandList::RefillCommands() {
   ui::TextBox& sendPulse = controls_.Fields.SendPulse;
   const std::string code = codeStr.Text(), pulse = sendPulse.Text();
   const bool ownCode = code != shownCode_;
-  const bool ownPulse = pulse != std::to_string(mod_.ProtocolParams.SENDPLS);
+  const bool ownPulse = Rounded<std::int32_t>(pulse) != mod_.ProtocolParams.SENDPLS;
   const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
   if (KeepProtocolIndex() && LoadParams() && !controls_.SendCmd.Refill(CommandNames())) {
     controls_.SendCmd.Select(0);
@@ -113,9 +115,15 @@ bool CommandList::LoadParams() {
                           mod_.Signal.Measured.ProtoKind)) {
     return false;
   }
-  if (mod_.Settings.Analysis == Analysis::First) mod_.ProtocolParams.SENDAS.clear();
+  LoadWays();
   controls_.Fields.SendPulse.SetText(std::to_string(mod_.ProtocolParams.SENDPLS));
   return true;
+}
+
+void CommandList::LoadWays() {
+  const auto section = FindSection(mod_.Store.CfgText, mod_.Store.CurProtocol);
+  const bool hasNone = !section || mod_.Settings.Analysis == Analysis::First;
+  mod_.ProtocolParams.SENDAS = hasNone ? std::string() : SendAsOf(mod_.Store.CfgText, *section);
 }
 
 void CommandList::ReloadCommands() {
@@ -205,6 +213,8 @@ void CommandList::ShowSaved(const std::string& name) {
   controls_.Fields.CodeStr.SetBackColour(std::nullopt);
   controls_.Fields.IRCommand.SetText(mod_.Store.CurProtocol + "&" + name);
   controls_.Protocol.SelectText(mod_.Store.CurProtocol);
+  // The protocol may be selected already, and then nothing else of it is to be loaded again.
+  LoadWays();
   ReloadCommands();
   controls_.SendCmd.SelectText(name);
 }
@@ -228,7 +238,12 @@ void CommandList::Delete() {
   }
   TakeInOtherText(store);
   const UndoStep step(undo_);
-  if (dialogue_.Changed([&] { RemoveCommand(store); })) ReloadCommands();
+  bool isDone = false;  // even if there was no such line
+  const bool changed = dialogue_.Changed([&] {
+    RemoveCommand(store);
+    isDone = true;
+  });
+  if (changed || isDone) ReloadCommands();
 }
 
 void CommandList::TakeBack() {

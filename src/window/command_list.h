@@ -57,6 +57,8 @@ class CommandList {
   void ShowRecorded();
   bool KeepProtocolIndex();
   bool LoadParams();
+  /// Loads how the current protocol sends codes that its other keys do not tell all of.
+  void LoadWays();
   void ReloadCommands();
   std::optional<std::string> AskName();
   void ShowSaved(const std::string& name);

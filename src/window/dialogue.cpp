@@ -59,7 +59,8 @@ bool Dialogue::Told(const std::function<void()>& action) {
 
 bool Dialogue::Changed(const std::function<void()>& change) {
   const std::string before = store_.CfgText;
-  return Told(change) || store_.CfgText != before;
+  Told(change);
+  return store_.CfgText != before;
 }
 
 void Dialogue::TellGathered() {

@@ -34,8 +34,8 @@ class Dialogue {
   /// @return true if nothing did
   bool Told(const std::function<void()>& action);
   /// The same for a change of the text.
-  /// @return true if the text is another one now: a failure at the very end of a save leaves the new text in
-  /// place, and the lists have to follow it
+  /// @return true if the text is another one now, which the lists have to follow: a change may refuse, and a
+  /// failure at the very end of a save leaves the new text in place
   bool Changed(const std::function<void()>& change);
 
   /// From here on failures are gathered, each text once.

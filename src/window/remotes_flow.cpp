@@ -45,13 +45,16 @@ void RemotesFlow::Store(const ImportDialog& dialog) {
   TakeInOtherText(store_);
   const UndoStep step(undo_);
   std::string section;
+  bool isStored = false;  // by another program, while the keys were chosen
   const bool changed = dialogue_.Changed([&] {
     ImportPlan plan = dialog.PlanFor(store_.CfgText);
-    if (plan.Sections.empty()) return;
+    isStored = plan.Sections.empty();
+    if (isStored) return;
     section = plan.Sections.front();
     StoreImport(store_, std::move(plan));
   });
   if (changed) commands_.ShowProtocol(section);
+  if (isStored) dialogue_.Tell("All keys that were chosen are stored already.");
 }
 
 void RemotesFlow::Export() {

@@ -71,6 +71,15 @@ TEST_F(CommandList, AnUnknownRemoteIsRecordedStoredSentAndForgotten) {
   EXPECT_EQ(line_.Calls.back(), "CloseCom");
 }
 
+TEST_F(CommandList, WhatIsSavedIsSentAsItCame) {
+  Open(FileWith({kEmpty}));
+  mod_->Settings.Analysis = Analysis::Second;
+  RecordTwice();
+  mod_->Signal.SendAs = "16";
+  Save({"BOTH"});
+  EXPECT_EQ(mod_->ProtocolParams.SENDAS, "16");
+}
+
 TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
   Form1& form = Open(FileWith({"G" + kDigits + "01,LONGER", "G111000,MUTE_ALL"}));
   Record(Frames(SonyRuns("101000100010"), 3));

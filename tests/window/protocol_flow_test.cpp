@@ -239,6 +239,15 @@ TEST_F(ProtocolFlow, ADeletedProtocolTakesItsCommandsAlongAndUndoBringsThemBack)
   form_->UndoMenu.Click();
   EXPECT_EQ(File(), kGeneral + kMine + kTemplate);
   EXPECT_EQ(form_->Protocol.Text() + " " + form_->SendCmd.Text(), "Mine POWER");
+
+  Open(kGeneral + kOther + kMine + Protocol("mine", {"G10,EMPTY"}) + kTemplate);
+  form_->Protocol.SelectText("Mine");
+  form_->ProtoDeleteMenu.Click();
+  EXPECT_EQ(form_->Protocol.Text(), "Mine") << "what is refused selects nothing";
+  Edit("Mine").SendPlsIn.SetText("777");
+  Save(true);
+  form_->UndoMenu.Click();
+  EXPECT_EQ(form_->SendPulse.Text(), "560");
 }
 
 }  // namespace

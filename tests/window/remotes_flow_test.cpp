@@ -45,6 +45,15 @@ TEST_F(RemotesFlow, WhatIsTickedIsImportedInOneStep) {
   imports_ = false;
   form_->ImportMenu.Click();
   EXPECT_EQ(File(), before);
+  imports_ = true;
+  const auto pick = form_->Remotes.Pick;
+  form_->Remotes.Pick = [&](ImportDialog& dialog) {
+    disk_.Put("keplo.cfg", Config(Protocol("Mine", {"G" + Digits(1) + ",PLAY", "G" + Digits(2) + ",UP"})));
+    pick(dialog);
+  };
+  form_->ImportMenu.Click();
+  EXPECT_EQ(form_->Protocol.Text() + " " + boxes_.Shown.back(),
+            "Mine All keys that were chosen are stored already.");
 }
 
 TEST_F(RemotesFlow, TheCurrentProtocolIsExported) {
