@@ -1,5 +1,7 @@
 #include "cli/remote_files.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <iostream>
 #include <iterator>
@@ -7,6 +9,7 @@
 #include "cli/outcome.h"
 #include "cli/write_file.h"
 #include "program/arguments.h"
+#include "program/printable.h"
 
 namespace keplo::cli {
 
@@ -32,6 +35,19 @@ bool TellSkipped(const std::vector<Remote>& remotes) {
     }
   }
   return all;
+}
+
+/// @throws Refused where a terminal would obey what stands in names of a file
+void RequireHarmless(std::string_view text) {
+  if (isatty(STDOUT_FILENO) == 0) return;
+  for (; !text.empty(); text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1)) {
+    std::string line(text.substr(0, text.find('\n')));
+    if (line.ends_with('\r')) line.pop_back();
+    std::replace(line.begin(), line.end(), '\t', ' ');
+    if (Printable(line) == line) continue;
+    throw Refused(
+        "The file holds control characters, which a terminal would obey; write it to a file with --out FILE");
+  }
 }
 
 }  // namespace
@@ -62,6 +78,7 @@ int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remote
   const bool all = TellSkipped(remotes) && !keysLeftOut;
   if (text.empty()) throw Refused("there is nothing to write: none of the keys can be said in this format");
   if (out.empty() || out == kOutput) {
+    RequireHarmless(text);
     std::cout << text;
   } else {
     Write([&] { WriteFile(out, text); });

@@ -2,10 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "program/printable.h"
+
 namespace keplo {
 
 std::string JsonLine(const nlohmann::ordered_json& json) {
-  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return PrintableJson(json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 }  // namespace keplo

@@ -37,21 +37,36 @@ bool MovesTheTerminal(char32_t code) {
   return control || lineEnd || direction;
 }
 
-}  // namespace
-
-std::string Printable(std::string_view text) {
+/// A text with something else in the place of each character that moves the terminal.
+template <typename Replacement>
+std::string Replaced(std::string_view text, Replacement replacement) {
   std::string line;
   line.reserve(text.size());
   while (!text.empty()) {
     const Character next = FirstOf(text);
     if (MovesTheTerminal(next.Code)) {
-      line += ' ';
+      line += replacement(next.Code);
     } else {
       line += text.substr(0, next.Length);
     }
     text.remove_prefix(next.Length);
   }
   return line;
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  return Replaced(text, [](char32_t) { return ' '; });
+}
+
+std::string PrintableJson(std::string_view json) {
+  return Replaced(json, [](char32_t code) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string escape = "\\u";
+    for (const unsigned shift : {12U, 8U, 4U, 0U}) escape += kDigits[code >> shift & 0xFU];
+    return escape;
+  });
 }
 
 std::vector<std::string> PrintableLines(std::string_view text) {

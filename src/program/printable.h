@@ -11,6 +11,10 @@ namespace keplo {
 /// else stays, bytes of older encodings too.
 std::string Printable(std::string_view text);
 
+/// A line of JSON that says the same without these characters: they stand in its strings alone, where an
+/// escape does as well.
+std::string PrintableJson(std::string_view json);
+
 /// The lines of a text of several, each as Printable gives it, without blanks around it.
 std::vector<std::string> PrintableLines(std::string_view text);
 
