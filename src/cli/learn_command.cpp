@@ -104,7 +104,7 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
   const std::string code = "G" + key.Last.Code;
   const LearnResult result =
       AddCommand(store, reference.Protocol, code, reference.Command, key.Last.ReadBy, key.Last.SendAs);
-  if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code));
+  if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code, key.Last.ReadBy));
 }
 
 /// Why the presses cannot be learned as lengths, for a person; empty if they can.

@@ -33,9 +33,10 @@ CommandReference AsStored(std::string_view text, const CommandReference& referen
   return {ProtocolAsStored(text, reference.Protocol), command ? command->Name : reference.Command};
 }
 
-std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code) {
+std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code,
+                          Analysis readBy) {
   if (result.Refused != Refusal::CodeExists) return ReasonedText(result);
-  const auto known = keplo::FindCommand(text, code.substr(1), /*limit=*/0);
+  const auto known = keplo::FindCommand(text, code.substr(1), /*limit=*/0, readBy);
   return RefusalText(result) + (known ? " in the protocol " + known->Protocol : "");
 }
 

@@ -35,6 +35,8 @@ std::string RequireProtocol(std::string_view text, const std::string& word);
 CommandReference AsStored(std::string_view text, const CommandReference& reference);
 
 /// The sentence of the store on a code that was not stored; of a known one it names the protocol as well.
-std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code);
+/// @param readBy with which the store looked for it
+std::string WhyNotLearned(std::string_view text, const LearnResult& result, std::string_view code,
+                          Analysis readBy);
 
 }  // namespace keplo::cli
