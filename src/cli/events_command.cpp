@@ -34,13 +34,6 @@ void CheckText(const std::string& what, const std::string& text) {
   throw WrongUse("The " + what + " holds a line end, a tab or another control character. Leave it out.");
 }
 
-void CheckTexts(const clsKeploEvent& event) {
-  CheckText("EventID", event.EventID);
-  CheckText("name", event.EventName);
-  CheckText("description", event.EventDescription);
-  CheckText("command", event.IRCommand);
-}
-
 /// The learned command that a reference means, as keplo.cfg spells it.
 std::optional<CommandReference> FindInConfig(const EventWords& words, const CommandReference& wanted) try {
   const OpenedConfig config(words.AppPath);
@@ -71,7 +64,10 @@ std::string ReferenceToBind(const EventWords& words) {
   return words.Command;
 }
 
+/// What the words do not bring stays, whatever it holds.
 void TakeWords(const EventWords& words, clsKeploEvent& event) {
+  CheckText("name", words.Name.value_or(""));
+  CheckText("description", words.Description.value_or(""));
   event.EventName = words.Name.value_or(event.EventName);
   event.EventDescription = words.Description.value_or(event.EventDescription);
   event.Zone = words.Zone.value_or(event.Zone);
@@ -122,13 +118,13 @@ std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>&
 }
 
 int AddOne(const EventWords& words) {
+  CheckText("EventID", words.EventID);
   clsKeploEvent event;
   event.EventID = words.EventID;
   event.IRCommand = ReferenceToBind(words);
   event.EventName = event.IRCommand.substr(event.IRCommand.find('&') + 1);
   event.Enabled = true;
   TakeWords(words, event);
-  CheckTexts(event);
   std::optional<OpenedMap> map(std::in_place, words.AppPath);
   if (event.EventID.empty()) {
     event.EventID = AddUnderFreeID(words.AppPath, map, event);
@@ -155,9 +151,9 @@ int AddEach(const EventWords& words) {
   for (const std::string& protocol : ListProtocols(config.Text())) {
     for (const LearnedCommand& command : ListCommands(config.Text(), protocol)) {
       const std::string reference = CommandReference{protocol, command.Name}.Text();
-      if (command.Name == kPlaceholderName || IsBound(*map, reference)) continue;
-      AddUnderFreeID(words.AppPath, map,
-                     {"", command.Name, command.Name + " from " + protocol, reference, true, 0});
+      const std::string name(Trimmed(command.Name));
+      if (name == kPlaceholderName || IsBound(*map, reference)) continue;
+      AddUnderFreeID(words.AppPath, map, {"", name, name + " from " + protocol, reference, true, 0});
       ++added;
     }
   }
@@ -178,7 +174,6 @@ int Modify(const EventWords& words) {
   const auto event = std::make_shared<clsKeploEvent>(*Find(map, words.EventID));
   if (!words.Command.empty()) event->IRCommand = ReferenceToBind(words);
   TakeWords(words, *event);
-  CheckTexts(*event);
   map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
   TellWhoTakesItIn(words.AppPath);
   return kDone;

@@ -13,8 +13,8 @@ namespace keplo::cli {
 struct CommandReference {
   std::string Protocol, Command;
 
-  /// As the event map has it: "NEC&POWER".
-  std::string Text() const { return Protocol + "&" + Command; }
+  /// As a press raises it and the event map has it, without blanks around the names: "NEC&POWER".
+  std::string Text() const { return std::string(Trimmed(Protocol)).append("&").append(Trimmed(Command)); }
 };
 
 /// The reference in a word such as "NEC&POWER"; none without an & between two names.

@@ -88,7 +88,8 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   if (!command || command->Code.size() < 2) return unknown;
   ProtocolParams params;
   std::int16_t kind = kUnknown;
-  if (!LoadProtocolParams(mod.Store.CfgText, protocol, params, kind)) return unknown;
+  const std::string stored = StoredProtocol(mod.Store.CfgText, protocol).value_or(protocol);
+  if (!LoadProtocolParams(mod.Store.CfgText, stored, params, kind)) return unknown;
   if (mod.Settings.Analysis == Analysis::First) params.SENDAS.clear();
   const bool isRaw = AreRawDigits(std::string_view(command->Code).substr(1));
   if (isRaw && FindRawSignal(mod.Store, command->Code) == nullptr) {

@@ -42,6 +42,22 @@ TEST(Events, AreBoundChangedAndDeleted) {
             "\"enabled\":true,\"zone\":0}\n");
 }
 
+TEST(Events, AreBoundToNamesAsAPressHasThemAndStayAsTheyAre) {
+  const Install install;
+  std::string config = install.Config();
+  config.insert(config.find("TV_POWER"), " ");
+  config.insert(config.find("TV_MUTE"), "\xC2\x9B");
+  install.Write("keplo.cfg", config);
+  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 0, {}}});
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(install.File("inputKeplo.mdb").c_str(), &other), SQLITE_OK);
+  sqlite3_exec(other, "update colclsKeploEvents set EventName = 'a' || char(9)", nullptr, nullptr, nullptr);
+  sqlite3_close(other);
+  ExpectTold(install, {{"events disable 1", 0, {}},
+                       {"events list --json", 0, {"a\\t", "\"NEC&TV_POWER\",\"enabled\":false"}},
+                       {"commands NEC --json", 0, {"\\u009bTV_MUTE"}}});
+}
+
 TEST(Events, ThatARenameCouldNotReachAreNamed) {
   const Install install;
   install.Run("events add --each");
