@@ -67,7 +67,7 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
   }
   const bool refused = look.Proven == RobustReading::Proof::Refused;
   ReadPlainly(state, reading);
-  const bool believed = !refused && HasDigitOfEachMark(reading.Digits.size(), state.Measured.ProtoKind, look);
+  const bool believed = !refused && CouldBeDigitsOf(look, reading.Digits, state.Measured.ProtoKind);
   if (reading.ReadBy && !believed) reading.EndAt(Stage::Doubtful);
 }
 

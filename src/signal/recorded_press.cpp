@@ -104,7 +104,7 @@ void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
   const RunSpan runs = state.Runs.Read(state.Samples);
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);
-    const bool believed = HasDigitOfEachMark(reading.Code.size(), reading.ProtoKind, look);
+    const bool believed = CouldBeDigitsOf(look, reading.Code, reading.ProtoKind);
     return believed ? void() : Doubt(reading);
   }
   if (look.Proven == RobustReading::Proof::Refused) {

@@ -130,6 +130,13 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
   }
 }
 
+/// One frame of RC5 with another base time.
+RunVector Rc5Of(int unit, const std::string& digits) {
+  RunVector runs = Rc5Runs(digits, 1);
+  for (int& run : runs) run = (run + 8) / 16 * unit;
+  return runs;
+}
+
 RunVector From(const RunVector& frame, int run) { return {frame.begin() + run, frame.end()}; }
 
 RunVector UpTo(const RunVector& frame, int run) { return {frame.begin(), frame.begin() + run}; }
@@ -158,6 +165,11 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       WithoutMark(DistanceRuns({160, 80}, 10, 10, 30, kNecDigits + "11" + "01011001110010"), 2 + 2 * 33);
   const std::string half = "011001101001100";
   const RunVector halves = WithoutMark(NecRuns(half + "11" + half), 2 + 2 * 16);
+  const auto led = [](int mark, const std::string& digits) {
+    return DistanceRuns({mark, 40}, 10, 10, 30, digits);
+  };
+  const RunVector turn = led(80, "0100101110001011");
+  const RunVector damagedTurn = WithoutMark(led(80, "1011010001110100"), 8, 3);
   struct Case {
     std::string Name;
     RunVector Press;
@@ -184,6 +196,14 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"the front part of a frame", split, no},
       {"the front part of a frame, and a ditto", Then(split, kGap, {160, 40, 10}), no},
       {"the equal halves of a frame", halves, no},
+      {"one of two in turns, the other one damaged", Then(Then(turn, kGap, damagedTurn), kGap, turn), no},
+      {"behind leaders that differ", Then(led(120, half), kGap, led(60, half)), no},
+      {"behind a leader that follows", Then(From(turn, 2), kGap, turn), no},
+      {"behind a mark far ahead", Then({90}, 300, Twice(From(turn, 2))), no},
+      {"a lamp's pulses, as many as those of SONY", Then({24}, 4, Twice(WidthRuns({}, 4, 7, 7, kSonyDigits))),
+       no},
+      {"a lamp's pulses, as many as those of RC5", Rc5Of(11, "10000000000000"), no},
+      {"spaces of no common protocol", DistanceRuns({160, 80}, 10, 10, 20, kNecDigits), no},
   };
   for (const Case& c : cases) {
     const std::string heard = Read(c.Press);
@@ -206,6 +226,8 @@ TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
       {"22 digits", alone, odd},
       {"33 digits", lone(kNecDigits + "1"), kNecDigits + "1"},
       {"pulse width of 13", WidthRuns({45, 10}, 10, 10, 21, "1011001110001"), "1011001110001"},
+      {"one odd digit, twice", Twice(lone("0000000000010000000000")), "0000000000010000000000"},
+      {"two that differ by one digit", Then(alone, kGap, lone("1" + odd.substr(1))), ""},
       {"with dittos", Then(Then(alone, kGap, ditto), 1700, ditto), odd},
       {"two that take turns", Then(alone, kGap, lone(odd.substr(1) + "1")), odd + odd.substr(1) + "1"},
       {"the same, the other one first", Then(lone(odd.substr(1) + "1"), kGap, alone),

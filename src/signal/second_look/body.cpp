@@ -1,6 +1,7 @@
 #include "signal/second_look/body.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace keplo::robust {
 
@@ -9,6 +10,15 @@ namespace {
 constexpr int kLongestUnit = 255;  // samples; a longer run is told apart by no base time
 
 }  // namespace
+
+bool Leader::IsLike(const Leader& other) const {
+  constexpr double kPart = 0.2, kLeast = 4;  // of its length, and samples
+  const auto near = [=](int a, int b) { return std::max(kPart * std::max(a, b), kLeast); };
+  const double longer = Mark - other.Mark, slack = near(Mark, other.Mark);
+  return longer <= slack + (other.BeginsCapture ? kLateCapture : 0) &&
+         -longer <= slack + (BeginsCapture ? kLateCapture : 0) &&
+         std::abs(Space - other.Space) <= near(Space, other.Space);
+}
 
 double BodyReader::RoughUnit(const PressRuns& runs) {
   marks_.Clear();

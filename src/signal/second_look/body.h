@@ -21,6 +21,8 @@ struct Leader {
   bool MarkIsWithin(double excess, double least, double most) const {
     return Mark - excess <= most && Mark - excess + (BeginsCapture ? kLateCapture : 0) >= least;
   }
+  /// Whether the two could lead frames of one remote; what a lamp begins with differs from time to time.
+  bool IsLike(const Leader& other) const;
 };
 
 /// The runs of a piece without those of its leader, and what lengths they fall into.

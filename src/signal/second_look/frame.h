@@ -43,14 +43,16 @@ struct Frame {
   const LineShape* Shape = nullptr;
   const RunAlphabet* Alphabet = nullptr;  // null where each base time of a run is a symbol
   double Unit = 0;                        // base time, samples
-  double Excess = 0;         // by which marks are longer and spaces shorter than whole base times, samples
-  std::string_view Head;     // symbols of the leader; empty without one
+  double StepUnits = 0;   // from the shorter to the longer length of its digits, base times; 0 for equal ones
+  double Excess = 0;      // by which marks are longer and spaces shorter than whole base times, samples
+  std::string_view Head;  // symbols of the leader; empty without one
   std::string_view Symbols;  // between the marks
   std::size_t Digits = 0;
   const int* First = nullptr;  // runs without the leader
   std::size_t Runs = 0;
   bool Clear = false;  // no run is anywhere near the middle between two lengths
   LeaderKind Leads = LeaderKind::Other;
+  Leader Led;        // as it was heard; no length without one
   bool Ends = true;  // the signal ends after it, or rests for longer than lost marks would make it
   int Dittos = 0;    // right after it: NEC's sign that the key is still held
 
@@ -58,7 +60,7 @@ struct Frame {
   bool HasLeader() const { return !Head.empty(); }
   /// Some remotes send the leader with the first frame only.
   bool SameCode(const Frame& other) const {
-    const bool sameHead = Head == other.Head || Head.empty() || other.Head.empty();
+    const bool sameHead = !HasLeader() || !other.HasLeader() || (Head == other.Head && Led.IsLike(other.Led));
     return Shape == other.Shape && Symbols == other.Symbols && sameHead;
   }
 };

@@ -20,14 +20,13 @@ bool IsRepeat(const Piece& one, const Piece& other) {
 
 bool ProvesItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
 
-/// Whether a frame has digits of both kinds, and without a leader enough of them. What a lamp makes of a
-/// receiver's output is pulses of one length, with one or two odd ones.
+/// Whether a frame has digits of both kinds, and without the leader of a common protocol enough of them. What
+/// a lamp makes of a receiver's output is pulses of one length, with one or two odd ones.
 bool IsVaried(const Frame& frame) {
   if (frame.Alphabet == nullptr) return true;
-  const std::ptrdiff_t fewest = frame.HasLeader() || !frame.Shape->BeginsAtLeader ? 1 : 3;
-  const std::string digits = DecodeCode(frame.Symbols, frame.Kind());
-  const auto ones = std::count(digits.begin(), digits.end(), '1');
-  return ones >= fewest && std::ssize(digits) - ones >= fewest;
+  if (frame.Kind() == kRc5) return frame.Shape->ProvesItself(frame);
+  const std::ptrdiff_t fewest = frame.Leads == LeaderKind::Other ? kFewestOfEach : 1;
+  return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), fewest);
 }
 
 /// How many runs at the head of two pieces are the same.
@@ -63,11 +62,41 @@ bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
   return false;
 }
 
+/// Whether each edge of a piece is where the frame has one, from its beginning or back from its end. Marks
+/// and spaces that are lost take edges away, and leave the others in their places.
+/// @param step 1 from the beginning, -1 from the end
+bool HasOnlyEdgesOf(RunSpan piece, RunSpan frame, int step, double unit) {
+  const double near = std::max(3.0, 0.4 * unit);
+  const auto length = [step](RunSpan runs, std::size_t i) {
+    return runs[step > 0 ? i : runs.size() - 1 - i];
+  };
+  int edge = 0, frameEdge = 0;
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < piece.size(); ++i) {
+    edge += length(piece, i);
+    while (next < frame.size() && edge - frameEdge > near) frameEdge += length(frame, next++);
+    if (std::abs(edge - frameEdge) > near) return false;
+  }
+  return true;
+}
+
+/// Whether a piece is what lost marks and spaces have left of a frame.
+bool IsLeftOf(const OtherPiece& piece, const Frame& frame) {
+  constexpr std::size_t kLeader = 2;  // runs
+  const RunSpan whole(frame.First, frame.Runs);
+  const auto fits = [&](std::size_t skipped) {
+    const RunSpan runs(piece.Of.First + skipped, piece.Of.Size - skipped);
+    return HasOnlyEdgesOf(runs, whole, 1, frame.Unit) || HasOnlyEdgesOf(runs, whole, -1, frame.Unit);
+  };
+  return fits(0) || (piece.Of.Size > kLeader && fits(kLeader));
+}
+
 /// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the
 /// command of two frames of which one was damaged. Both are pulse distance.
 bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) {
   constexpr std::size_t kTelling = 9;  // runs; fewer may be anything
-  return frame.Kind() == kNec && piece.IsClean && piece.Of.Size >= kTelling && !IsPartOf(piece, frame);
+  return frame.Kind() == kNec && piece.IsClean && piece.Of.Size >= kTelling && !IsPartOf(piece, frame) &&
+         !IsLeftOf(piece, frame);
 }
 
 bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {
@@ -93,16 +122,23 @@ bool IsLongest(const Frame& frame, const Findings& found) {
                      [&](const Frame& other) { return other.SameCode(frame) || other.Runs < frame.Runs; });
 }
 
-/// Whether a frame that was sent twice is what a longer message begins with.
-bool IsFirstPart(const Frame& frame, const Findings& found) {
+/// Whether a frame that was sent more than once is a part of what was sent: what a longer message begins
+/// with, or one of two in turns. One odd piece beside three equal frames is none of theirs.
+bool IsOnlyPart(const Frame& frame, const Findings& found) {
   const auto isSame = [&](const Frame& other) { return other.SameCode(frame); };
-  const auto goesOn = [&](const OtherPiece& piece) { return piece.IsCut && TellsOfAnother(piece, frame); };
   const auto isLonger = [&](const Frame& other) {
-    return other.Clear && other.HasLeader() && other.Runs > frame.Runs && !other.SameCode(frame);
+    return other.Clear && other.HasLeader() && other.Runs > frame.Runs && !isSame(other);
   };
-  if (std::any_of(found.Frames.begin(), found.Frames.end(), isLonger)) return true;
-  return std::count_if(found.Frames.begin(), found.Frames.end(), isSame) == 2 &&
-         std::any_of(found.Others.begin(), found.Others.end(), goesOn);
+  const auto tells = [&](const OtherPiece& piece) { return TellsOfAnother(piece, frame); };
+  const auto isOther = [&](const Frame& other) {
+    return other.Kind() == kNec && other.Clear && !isSame(other) &&
+           (other.Runs == frame.Runs || tells({{other.First, other.Runs, 0}, false, true}));
+  };
+  const auto& frames = found.Frames;
+  if (std::any_of(frames.begin(), frames.end(), isLonger)) return true;
+  const auto others = std::count_if(frames.begin(), frames.end(), isOther) +
+                      std::count_if(found.Others.begin(), found.Others.end(), tells);
+  return 2 * others >= std::count_if(frames.begin(), frames.end(), isSame);
 }
 
 /// Whether the press has more than its only frame, and that is of another one or spoils what stands beside
@@ -111,6 +147,19 @@ bool IsInDoubt(const Frame& frame, const Findings& found) {
   return found.Stray || !IsLongest(frame, found) ||
          std::any_of(found.Others.begin(), found.Others.end(),
                      [&](const OtherPiece& piece) { return TellsOfAnother(piece, frame); });
+}
+
+/// Whether two frames are more than one that was damaged: a run that is stretched makes another digit of one.
+bool DifferAsTwo(const Frame& one, const Frame& other) {
+  constexpr int kFewest = 2;           // digits
+  constexpr double kSameUnit = 0.025;  // of it; one remote has one clock
+  if (std::abs(one.Unit - other.Unit) > kSameUnit * one.Unit || !one.Led.IsLike(other.Led)) return false;
+  const std::string digits = DecodeCode(one.Symbols, one.Kind());
+  const std::string others = DecodeCode(other.Symbols, other.Kind());
+  if (digits.size() != others.size()) return false;
+  int differ = 0;
+  for (std::size_t i = 0; i < digits.size(); ++i) differ += digits[i] != others[i] ? 1 : 0;
+  return differ >= kFewest;
 }
 
 }  // namespace
@@ -125,29 +174,36 @@ const Frame* ProvenFrame(const Findings& found) {
   }
   if (proven != nullptr) {
     const bool believed = (IsLongest(*proven, found) && IsVaried(*proven)) || ProvesItself(*proven);
-    return believed && !IsFirstPart(*proven, found) ? proven : nullptr;
+    return believed && !IsOnlyPart(*proven, found) ? proven : nullptr;
   }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
   return !frames.front().Shape->ShowsLostRuns && IsInDoubt(frames.front(), found) ? nullptr : &frames.front();
 }
 
-bool IsSingleFrame(const Findings& found) {
-  return found.Frames.size() == 1 && ArePartOf(found, found.Frames) && found.Frames.front().Clear &&
-         found.Frames.front().Ends && found.Frames.front().HasLeader();
+bool IsOnlyFrame(const Findings& found) {
+  const Frame& first = found.Frames.front();
+  const auto isWholeAndSame = [&](const Frame& frame) {
+    return frame.Clear && frame.Ends && frame.SameCode(first);
+  };
+  return (first.HasLeader() || found.Frames.size() > 1) && ArePartOf(found, found.Frames) &&
+         std::all_of(found.Frames.begin(), found.Frames.end(), isWholeAndSame);
 }
 
 bool AreTwoInTurns(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
-  if (frames.size() < 2 || frames[0].SameCode(frames[1]) || !ArePartOf(found, frames)) return false;
+  if (frames.size() < 2 || !DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
   for (std::size_t i = 0; i < frames.size(); ++i) {
     const Frame& frame = frames[i];
-    const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && !frame.Shape->ShowsLostRuns;
-    if (!whole || frame.Shape != frames[0].Shape || frame.Head != frames[0].Head ||
-        frame.Digits != frames[0].Digits)
-      return false;
+    const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && frame.Kind() == kNec;
+    if (!whole || frame.Head != frames[0].Head || frame.Digits != frames[0].Digits) return false;
     if (i >= 2 && !frame.SameCode(frames[i - 2])) return false;
   }
   return true;
+}
+
+bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest) {
+  const auto ones = std::count(digits.begin(), digits.end(), '1');
+  return ones >= fewest && std::ssize(digits) - ones >= fewest;
 }
 
 bool IsOneFrame(const std::vector<Piece>& pieces) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <string_view>
 #include <vector>
 
 #include "signal/second_look/frame_reader.h"
@@ -12,13 +14,20 @@ namespace keplo::robust {
 /// @return null if there is none
 const Frame* ProvenFrame(const Findings& found);
 
-/// Whether the only frame, and its dittos, are all there is of the press. Without a leader it may have lost
-/// its head.
-bool IsSingleFrame(const Findings& found);
+/// Whether one frame, once or again and again, and its dittos are all there is of the press. Without a leader
+/// one that is alone may have lost its head.
+bool IsOnlyFrame(const Findings& found);
 
 /// Whether the frames are two that take turns, both whole and with a leader of the same kind: a command of
 /// two frames. What else is there must be a part of one of them.
 bool AreTwoInTurns(const Findings& found);
+
+/// Digits of either kind in a code that nothing but its repeat proves, at least.
+inline constexpr std::ptrdiff_t kFewestOfEach = 3;
+
+/// Whether there are so many digits of either kind. Pulses of one length make equal digits, and those that
+/// fail now and then one or two odd ones.
+bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest);
 
 /// Whether the pieces are one frame, sent again and again.
 bool IsOneFrame(const std::vector<Piece>& pieces);

@@ -68,13 +68,25 @@ bool IsCutOff(const Piece& piece, const Body& body) {
   return piece.After < 1.25 * longest + 2;
 }
 
+int LongestMark(const Piece& piece, std::size_t first) {
+  int longest = 0;
+  for (std::size_t i = first; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
+  return longest;
+}
+
+/// Whether a mark is one that could lead a piece.
+bool StandsOut(const Piece& mark, const Piece& piece) {
+  return mark.First[0] >= kLeaderOverMarks * LongestMark(piece, 0);
+}
+
 }  // namespace
 
 bool HasLeaderInside(const Piece& piece) {
-  if (piece.Size < 5) return false;
-  int longest = 0;
-  for (std::size_t i = 2; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
-  return piece.First[0] >= kLeaderOverMarks * longest;
+  return piece.Size >= 5 && piece.First[0] >= kLeaderOverMarks * LongestMark(piece, 2);
+}
+
+bool LeadsFrame(const Piece& before, const Piece& piece) {
+  return before.IsSingle() && before.After <= kOffLeader * before.First[0] && StandsOut(before, piece);
 }
 
 const Findings& FrameReader::Read(const PressRuns& runs, double unit) {
@@ -106,7 +118,7 @@ void FrameReader::ReadPieces() {
     afterFrame_ = false;
     const bool fits = piece.Size / 2 + 1 >= kShortestPiece && piece.Size <= kMostRuns;
     std::optional<Frame> frame = fits ? ReadPiece(piece) : std::nullopt;
-    if (!frame) {
+    if (!frame || (!frame->HasLeader() && frame->Shape->BeginsAtLeader && FollowsLongMark())) {
       TakeOther(piece);
       continue;
     }
@@ -136,6 +148,11 @@ std::optional<Leader> FrameReader::SingleLeader() const {
   if (!before.IsSingle() || !leader.MarkIsWithin(0, before.After / kOffLeader, before.First[0]))
     return std::nullopt;
   return leader;
+}
+
+/// A long mark too far ahead to be the leader is none of a remote.
+bool FrameReader::FollowsLongMark() const {
+  return place_ > 0 && pieces_[place_ - 1].IsSingle() && StandsOut(pieces_[place_ - 1], pieces_[place_]);
 }
 
 std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
@@ -188,15 +205,18 @@ void FrameReader::LeaveOutPieces() {
   std::vector<Frame>& frames = found_.Frames;
   const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };
   if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
-  const auto isPiece = [&](const Frame& frame) {
-    return !frame.HasLeader() && frame.Shape->BeginsAtLeader &&
-           std::none_of(frames.begin(), frames.end(),
-                        [&](const Frame& other) { return other.HasLeader() && other.SameCode(frame); });
-  };
+  auto kept = frames.begin();
   for (const Frame& frame : frames) {
-    if (isPiece(frame)) found_.Others.push_back({{frame.First, frame.Runs, 0}, false, true});
+    const bool follows = std::any_of(frames.begin(), kept, [&](const Frame& before) {
+      return before.HasLeader() && before.SameCode(frame);
+    });
+    if (frame.HasLeader() || !frame.Shape->BeginsAtLeader || follows) {
+      *kept++ = frame;
+    } else {
+      found_.Others.push_back({{frame.First, frame.Runs, 0}, false, true});
+    }
   }
-  frames.erase(std::remove_if(frames.begin(), frames.end(), isPiece), frames.end());
+  frames.erase(kept, frames.end());
 }
 
 }  // namespace keplo::robust

@@ -30,6 +30,9 @@ struct Findings {
 /// Whether the first mark of a piece stands well above the others.
 bool HasLeaderInside(const Piece& piece);
 
+/// Whether a piece is a single mark that stands well above those of the next piece, and right in front of it.
+bool LeadsFrame(const Piece& before, const Piece& piece);
+
 /// Reads the frames of captures; keeps its memory from one to the next.
 class FrameReader {
  public:
@@ -43,6 +46,7 @@ class FrameReader {
  private:
   void ReadPieces();
   std::optional<Leader> SingleLeader() const;
+  bool FollowsLongMark() const;
   std::optional<Frame> ReadPiece(const Piece& piece);
   std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader);
   void TakeUnread(const Piece& piece, const Body& body, bool hasLeader);

@@ -29,6 +29,7 @@ std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& lead
     frame->Shape = shape;
     frame->First = body.First;
     frame->Runs = body.Size;
+    if (leader) frame->Led = *leader;
     if (leader) shape->TakeLeader(*frame, *leader, body);
     return frame;
   }

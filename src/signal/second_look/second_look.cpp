@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <functional>
 
 #include "signal/decode.h"
 #include "signal/run_symbols.h"
@@ -71,9 +72,10 @@ void RobustReading::Decode(std::string& digits) const {
   digits += other;
 }
 
-bool HasDigitOfEachMark(std::size_t digits, std::int16_t kind, const RobustReading& look) {
+bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::int16_t kind) {
   const std::size_t closing = kind == kNec ? 1 : 0;
-  return kind != kRc5 && look.UnreadMarks > 0 && digits + closing == look.UnreadMarks;
+  return kind != kRc5 && look.UnreadMarks > 0 && digits.size() + closing == look.UnreadMarks &&
+         robust::HasBothDigits(digits, robust::kFewestOfEach);
 }
 
 /// Takes a clean signal whose short spaces would be taken for interference: it is Unsure then.
@@ -89,16 +91,20 @@ void SecondLook::LookForFineSignal(const SampleWords& samples, const robust::Pre
   }
   if (!robust::IsFineUnit(unit)) return;
   robust::SplitPieces(runs, unit, finePieces_);
-  const auto fine = std::find_if(finePieces_.begin(), finePieces_.end(), [&](const robust::Piece& piece) {
+  const auto isFine = [&](const robust::Piece& piece) {
     return robust::IsFineSignal(bodies.Read(piece, 0), unit);
-  });
+  };
+  const auto fine = std::find_if(finePieces_.begin(), finePieces_.end(), isFine);
   if (fine == finePieces_.end()) return;
   look_.Proven = RobustReading::Proof::Unsure;
   const std::size_t marks = fine->Size / 2 + 1;
   if (robust::HasLeaderInside(*fine))
     look_.UnreadMarks = marks - 1;
-  else if (fine != finePieces_.begin() && (fine - 1)->IsSingle())
+  else if (fine != finePieces_.begin() && robust::LeadsFrame(*(fine - 1), *fine))
     look_.UnreadMarks = marks;
+  finePieces_.erase(std::remove_if(finePieces_.begin(), finePieces_.end(), std::not_fn(isFine)),
+                    finePieces_.end());
+  if (!robust::IsOneFrame(finePieces_)) look_.UnreadMarks = 0;
 }
 
 /// The frames of the shown kind as run symbols that begin at a mark.
@@ -131,7 +137,7 @@ void SecondLook::ReadProof(const robust::Findings& found) {
   WriteSymbols(found, proven);
   if (proven != nullptr || (two && frames.size() > 2)) {
     look_.Proven = RobustReading::Proof::Sure;
-  } else if (two || robust::IsSingleFrame(found)) {
+  } else if (two || robust::IsOnlyFrame(found)) {
     look_.Proven = RobustReading::Proof::Single;
   } else {
     return;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "signal/runs.h"
 #include "signal/second_look/frame_reader.h"
@@ -35,8 +36,8 @@ struct RobustReading {
   /// The same of the other one, where two frames in turns are one command; else empty.
   std::string OtherFrame;
 
-  /// At Unsure the number of marks in a frame, behind its leader; 0 if nothing tells it. What another
-  /// analysis reads must have so many.
+  /// At Unsure the number of marks in a frame that was sent twice, behind its leader; 0 if nothing tells it.
+  /// What another analysis reads must have so many.
   std::size_t UnreadMarks = 0;
 
   bool HasFrames() const { return !Symbols.empty(); }
@@ -45,9 +46,9 @@ struct RobustReading {
   void Decode(std::string& digits) const;
 };
 
-/// Whether digits that another analysis read from an unsure signal are as many as its frame has marks. Marks
-/// that it took for borders, or for two, leave other numbers.
-bool HasDigitOfEachMark(std::size_t digits, std::int16_t kind, const RobustReading& look);
+/// Whether another analysis may have read digits from an unsure signal: a digit for each mark of its frame,
+/// and enough of either kind. Marks that it took for borders, or for two, leave other numbers.
+bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::int16_t kind);
 
 /// Reads captures frame by frame; keeps its memory from one to the next.
 ///

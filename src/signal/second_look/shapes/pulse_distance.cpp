@@ -27,6 +27,7 @@ Frame DistanceFrame(const Body& body, double unit, const RunAlphabet& alphabet) 
   frame.Excess = body.Marks.Short().Mean - unit;
   frame.Digits = body.MarkCount() - 1;
   frame.Clear = IsClear(body.Spaces);
+  if (body.Spaces.Number == 2) frame.StepUnits = Step(body.Spaces) / unit;
   return frame;
 }
 
@@ -105,9 +106,15 @@ bool AreInverse(std::string_view digits, std::size_t first, std::size_t number) 
   return true;
 }
 
+/// The longer space of all common protocols is two base times longer, and the shaper of a line may take a bit
+/// off; runs of any other source need not be.
+bool HasCommonSpaces(const Frame& frame) {
+  return frame.StepUnits == 0 || Within(frame.StepUnits, 1.25, 2.6);
+}
+
 /// Only digits that a protocol has prove anything; marks that are lost, or an end that is, leave any number.
 bool DistancesProveThemselves(const Frame& frame) {
-  if (frame.Leads == LeaderKind::Other || !frame.Ends) return false;
+  if (frame.Leads == LeaderKind::Other || !frame.Ends || !HasCommonSpaces(frame)) return false;
   const std::string digits = DecodeCode(frame.Symbols, kNec);
   if (digits.size() != frame.Digits) return false;
   switch (digits.size()) {

@@ -46,9 +46,10 @@ std::optional<Frame> ReadWidths(const Body& body, const Leader* leader) {
 }
 
 void TakeWidthLeader(Frame& frame, const Leader& leader, const Body& body) {
+  constexpr double kLeastUnit = 7.5;  // samples; SONY's 600 us in those of 75
   const double mark = (leader.Mark - frame.Excess) / frame.Unit;
   const double space = (leader.Space + frame.Excess) / frame.Unit;
-  if (Within(mark, 3.2, 4.8) && space < 2) frame.Leads = LeaderKind::Width;
+  if (Within(mark, 3.2, 4.8) && space < 2 && frame.Unit >= kLeastUnit) frame.Leads = LeaderKind::Width;
   frame.Head = LeaderSpaceIsDistinct(leader, body) ? "Gg" : "G0";
 }
 
