@@ -1,6 +1,7 @@
 #include "component/keplo_object.h"
 
 #include <QApplication>
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -14,6 +15,8 @@
 namespace keplo::component {
 
 namespace {
+
+constexpr std::chrono::milliseconds kLookAgain{400};  // where an operation stood in the way
 
 LineSpec LineSpecOf(const CreationContext& context) {
   LineSpec spec;
@@ -59,6 +62,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       log_(context.Log),
       released_(std::move(released)),
       replayPlayed_(context.ReplayPlayed),
+      changes_(context.ApplicationPath),
       mod_(context.ApplicationPath),
       boxes_(MakeBoxes(mayUseDisplay_, log_)),
       eventDialog_(MakeEventDialog(mayUseDisplay_, log_)),
@@ -66,13 +70,16 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       control_(station_.Control()),
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1, station_.Rest()) {
-  otherPrograms_.callOnTimeout([this] {
-    // An operation that shows a dialog runs an event loop of its own.
-    if (uses_.Depth > 0) return;
-    const Busy busy(*this);
-    control_.TakeInChanges();
-  });
-  otherPrograms_.start(kLookForChanges);
+  otherPrograms_.setSingleShot(true);
+  otherPrograms_.callOnTimeout([this] { LookForChanges(); });
+  otherPrograms_.start(changes_.MayWait());
+  if (const int news = changes_.Descriptor(); news >= 0) {
+    news_ = std::make_unique<QSocketNotifier>(news, QSocketNotifier::Read);
+    QObject::connect(news_.get(), &QSocketNotifier::activated, &otherPrograms_, [this] {
+      changes_.Notice();
+      otherPrograms_.start(changes_.MayWait());
+    });
+  }
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
@@ -97,6 +104,15 @@ void KeploObject::KeepAliveInMenu() {
       click();
     };
   }
+}
+
+void KeploObject::LookForChanges() {
+  // An operation that shows a dialog runs an event loop of its own.
+  if (uses_.Depth == 0 && changes_.Due()) {
+    const Busy busy(*this);
+    control_.TakeInChanges();
+  }
+  otherPrograms_.start(std::max(changes_.MayWait(), kLookAgain));
 }
 
 KeploWindows KeploObject::Windows() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSocketNotifier>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -9,6 +10,7 @@
 #include "host/ivelmora_input_plugin.h"
 #include "keplo_mod.h"
 #include "qt/line_timer.h"
+#include "station/changes_watch.h"
 #include "station/log.h"
 #include "station/station.h"
 
@@ -81,6 +83,7 @@ class KeploObject final : public IComponentObject,
 
   void KeepAliveInMenu();
   void ReleaseLater();
+  void LookForChanges();
   KeploWindows Windows();
   void Tick();
   void TellSignal(const TickReport& tick);
@@ -96,6 +99,7 @@ class KeploObject final : public IComponentObject,
   std::function<void()> listShown_;
 
   ui::SystemClock clock_;
+  ChangesWatch changes_;
   KeploMod mod_;
   std::unique_ptr<ui::Boxes> boxes_;
   std::unique_ptr<EventDialogShower> eventDialog_;
@@ -104,6 +108,7 @@ class KeploObject final : public IComponentObject,
   std::function<void()> controlTick_;
   qt::LineTimer timer_;
   QTimer otherPrograms_;
+  std::unique_ptr<QSocketNotifier> news_;
   EventSinks sinks_;
   KeySinks keySinks_;
   SignalSinks signalSinks_;

@@ -7,8 +7,8 @@ namespace keplo::qt {
 namespace {
 
 /// A port that is opened between two ticks is looked at so soon.
-constexpr std::chrono::milliseconds kLongestRest{400};
-constexpr std::chrono::seconds kCare{1};
+constexpr std::chrono::milliseconds kLongestRest{1000};
+constexpr std::chrono::seconds kCare{2};
 
 }  // namespace
 

@@ -14,18 +14,22 @@ class ChangesWatch {
   /// @param folder of the files that others may change
   explicit ChangesWatch(const std::filesystem::path& folder) : folder_(folder) {}
 
-  /// Becomes readable when Due should be asked.
+  /// Becomes readable when there is something to notice.
   int Descriptor() const { return folder_.Descriptor(); }
   /// How long Due need not be asked otherwise.
   std::chrono::milliseconds MayWait() const {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_ - std::chrono::steady_clock::now());
     return std::max(left, std::chrono::milliseconds::zero());
   }
-  /// Whether a look is due.
-  bool Due() {
-    const auto now = std::chrono::steady_clock::now();
+  /// Lets the descriptor rest; a look may be due sooner after that.
+  void Notice() {
     // A change comes in several steps, and a database is locked until the last of them is over.
-    if (folder_.TakeNews()) next_ = std::min(next_, now + kSettles);
+    if (folder_.TakeNews()) next_ = std::min(next_, std::chrono::steady_clock::now() + kSettles);
+  }
+  /// Notices, and tells whether a look is due.
+  bool Due() {
+    Notice();
+    const auto now = std::chrono::steady_clock::now();
     if (now < next_) return false;
     next_ = now + kUntold;
     return true;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,9 +11,6 @@
 #include "station/rest_between_presses.h"
 
 namespace keplo {
-
-/// How often whoever runs a control lets it look for changes of other programs.
-inline constexpr std::chrono::milliseconds kLookForChanges{400};
 
 /// What has become of the key presses so far.
 struct PressTally {
