@@ -119,7 +119,7 @@ std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at) {
   const bool changed = std::exchange(level_, level) != level;
   if (edges == 0) return edges;
   const bool twice = edges % 2 == 0;  // it is as it was, so it was the other way in between
-  if (twice == changed) lost_ = true;
+  if (twice == changed) ++lost_;
   if (twice) log_.Add({at, !level}, 0);
   log_.Add({twice ? calls_.Now() : at, level}, edges - (twice ? 2 : 1));
   return edges;

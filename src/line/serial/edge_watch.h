@@ -30,7 +30,7 @@ class EdgeWatch {
   /// tells none is found out only later.
   bool Proven() const { return told_; }
   /// Whether the driver does not tell its edges, or so late that those between two looks of its own are lost.
-  bool Mute() const { return told_ ? lost_ && !prompt_ : untold_ >= kEnoughUntold; }
+  bool Mute() const { return told_ ? lost_ >= kEnoughLost && !prompt_ : untold_ >= kEnoughUntold; }
 
   /// While one lives its owner reads the port: that makes a driver tell what it would not have told by
   /// itself.
@@ -54,6 +54,8 @@ class EdgeWatch {
  private:
   /// One may have come in the same moment as the look that found it.
   static constexpr int kEnoughUntold = 2;
+  /// A receiver that is switched on, or a spark, gives edges too close together for any driver.
+  static constexpr int kEnoughLost = 3;
 
   void WaitForEdges();
   void WaitForHangup();
@@ -70,7 +72,7 @@ class EdgeWatch {
   std::atomic<std::chrono::nanoseconds> looked_{std::chrono::nanoseconds::zero()};  // by the owner, last
   std::atomic<bool> told_ = false;    // an edge, by the driver itself
   std::atomic<bool> prompt_ = false;  // two that follow each other as in a signal
-  std::atomic<bool> lost_ = false;    // edges of which the driver has counted one
+  std::atomic<int> lost_ = 0;         // looks that found edges of which the driver had counted one
   std::atomic<int> untold_ = 0;       // looks that found edges
   // Of the thread that waits:
   std::uint32_t counted_ = 0;  // edges, by the driver's counter
