@@ -159,7 +159,7 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
 
 TEST_F(PluginTest, LivesToTheEndOfWhatItIsReleasedIn) {
   app_.AddPowerEvent("[]");
-  Create(true, {});
+  Create(true, {kPower});
   QTimer look;
   look.callOnTimeout([&] {
     QWidget* box = QApplication::activeModalWidget();
@@ -172,7 +172,7 @@ TEST_F(PluginTest, LivesToTheEndOfWhatItIsReleasedIn) {
   plugin_->InputDisplayAboutBox();
   EXPECT_TRUE(IsGone());
 
-  Create(false, {});
+  Create(false, {kPower});
   const ui::SystemClock clock;
   ASSERT_EQ(Data(app_.Path(), clock).ExecuteSQLCommand("update colclsKeploEvents set Zone = 99999"), 1);
   sink_.OnError = [&] { object_.reset(); };
