@@ -3,6 +3,7 @@
 #include <sys/inotify.h>
 
 #include <array>
+#include <cstdint>
 
 namespace keplo {
 

@@ -19,7 +19,7 @@ constexpr std::chrono::milliseconds kNothingToWatch{60'000};
 constexpr std::chrono::seconds kLookAgain{2};  // for the device of a port that has none
 constexpr const char* kNoDevices =
     "There is no receiver and no transmitter: nothing will be heard, and what is sent goes nowhere. Plug one "
-    "in, or play recordings with --replay FILE.";
+    "in, or use --replay FILE.";
 
 }  // namespace
 
