@@ -36,7 +36,7 @@ void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
 
 void Bridge::Tell(const KeyEvent& event) {
   const auto kind = event.Stage == KeyStage::Press ? News::Kind::Press : News::Kind::AfterPress;
-  link_.Tell({{topics_.Event(event.EventID), KeyMessage(event)}, kind});
+  link_.Tell({{topics_.Event(event.EventID), {}}, kind, event});
 }
 
 void Bridge::Tell(const HeardSignal& signal) {

@@ -39,6 +39,8 @@ class Bridge {
 
   /// Whether the broker has let us in and is there still, as far as is known.
   bool IsUp() const { return link_.IsUp(); }
+  /// Key presses that the broker has confirmed, and those that it was not told.
+  std::size_t ToldPresses() const { return link_.ToldPresses(); }
   std::size_t DroppedPresses() const { return link_.DroppedPresses(); }
 
  private:

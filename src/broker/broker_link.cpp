@@ -1,6 +1,7 @@
 #include "broker/broker_link.h"
 
 #include <poll.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <chrono>
@@ -32,6 +33,13 @@ constexpr milliseconds kShortConnection = 10s;
 constexpr int kShortConnectionsOfTwins = 3;
 /// Longer than a goodbye; a name lookup that takes longer is left to itself.
 constexpr milliseconds kLongestEnd = 2s;
+
+/// Woken by a tick, this thread would run in its place on a busy machine; a batch thread waits until the tick
+/// is over.
+void YieldToTicks() {
+  const sched_param none{};
+  pthread_setschedparam(pthread_self(), SCHED_BATCH, &none);
+}
 
 /// Goes from connection to connection until the mailbox is closed.
 class Connector {
@@ -166,6 +174,7 @@ BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identi
   pthread_sigmask(SIG_SETMASK, &all, &before);
   thread_ = std::thread([settings, identity, purpose = std::move(purpose), mailbox = mailbox_,
                          ended = std::move(ended)]() mutable {
+    YieldToTicks();
     Connector(settings, identity, std::move(purpose), mailbox).Run();
     ended.set_value();
   });

@@ -5,10 +5,12 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "broker/messages.h"
 #include "broker/mosquitto_client.h"
 #include "disk/descriptor.h"
 #include "host/component_entry.h"
@@ -21,6 +23,8 @@ struct News {
 
   Publication Message;
   Kind Of = Kind::Press;
+  /// Becomes the payload when it is sent: to write it takes longer than a tick has time for.
+  std::optional<KeyEvent> Key = std::nullopt;
   std::chrono::steady_clock::time_point Made = std::chrono::steady_clock::now();
 };
 

@@ -254,6 +254,7 @@ void Session::SendNow(News news) {
   const std::string topic = news.Message.Topic;
   if (news.Of == News::Kind::Press) pressesUnheard_.erase(topic);
   if (news.Of == News::Kind::AfterPress && pressesUnheard_.count(topic) > 0) return;
+  if (news.Key) news.Message.Payload = KeyMessage(*news.Key);
   news.Message.ExpirySeconds = kNewsExpirySeconds;
   int message = 0;
   const int error = client_.Publish(news.Message, message);

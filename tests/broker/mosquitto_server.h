@@ -91,6 +91,7 @@ class Observer {
   struct Seen {
     std::string Topic, Payload;
     bool Retained = false;  // as it was published
+    std::chrono::steady_clock::time_point At = std::chrono::steady_clock::now();
   };
 
   explicit Observer(int port) {
