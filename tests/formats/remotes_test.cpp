@@ -267,7 +267,7 @@ TEST(Remotes, BearWhatPeopleWrite) {
           "begin codes\r\nA 017 # octal\r\nend codes\r\nend remote\r\n"),
       "A=0111111100001111")
       << "a shorter one, reversed fields, octal, CR LF";
-  EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0x1e41\nscancode sony20:0x10051\n"),
+  EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0xfe41\nscancode sony20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
   std::string dish = "+500 -6250";
   for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})

@@ -80,9 +80,9 @@ std::string TakeScancode(std::string_view protocol, std::uint64_t value, RemoteK
   const std::string name = Lower(protocol);
   for (const ScancodeProtocol& row : kScancodes) {
     if (row.Name != name) continue;
-    if ((value & ~row.Most) != 0) return "the code has bits that " + name + " has not";
     const Family& family = FamilyNamed(row.Family);
-    key.Coded = SignalOf(family, row.Digits(value));
+    // Drivers add bits of their own, which the format's own program does not send.
+    key.Coded = SignalOf(family, row.Digits(value & row.Most));
     key.Carrier = family.Carrier;
     return {};
   }
