@@ -31,7 +31,9 @@ std::string DigitsOf(const keplo::Family& family, Bytes& bytes) {
   std::size_t count = family.Digits > 0 ? static_cast<std::size_t>(family.Digits) : kSony[bytes.Below(3)];
   std::string digits;
   for (; count > 0; --count) digits += bytes.Below(2) == 0 ? '0' : '1';
-  if (family.Name == "RC5") digits[0] = '1', digits[2] = '0';
+  // Of equal digits alone lengths do not tell which they are, and a toggle counts as 0.
+  digits.front() = '1';
+  digits[2] = '0';
   return digits;
 }
 
@@ -43,7 +45,9 @@ keplo::RemoteKey KeyOf(Bytes& bytes) {
     key.Name = std::string(1 + bytes.Below(3), static_cast<char>('"' + bytes.Below(90)));
   key.Carrier = bytes.Below(2) == 0 ? family.Carrier : kCarriers[bytes.Below(kCarriers.size())];
   key.Coded = keplo::SignalOf(family, DigitsOf(family, bytes));
-  if (bytes.Below(3) == 0) key.Coded->Again.Kind = static_cast<keplo::RepeatKind>(bytes.Below(5));
+  constexpr std::array kKinds = {keplo::RepeatKind::Frame, keplo::RepeatKind::None,
+                                 keplo::RepeatKind::Unknown};
+  if (bytes.Below(3) == 1) key.Coded->Again.Kind = kKinds[bytes.Below(kKinds.size())];
   return key;
 }
 

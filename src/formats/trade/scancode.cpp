@@ -113,7 +113,10 @@ std::optional<Scancode> ScancodeOf(const RemoteKey& key) {
       value = HighFirst(d.substr(8)) | HighFirst(d.substr(3, 5)) << 8U | (d[1] == '0' ? 0x40U : 0U);
     if (row.Digits == JvcScancode) value = low(0, 8) << 8U | low(8, 8);
     if (row.Digits == SanyoScancode) value = low(0, 13) << 8U | low(26, 8);
-    if ((value & ~row.Most) == 0 && row.Digits(value) == d) return Scancode{row.Name, value};
+    // A value that fits a shorter form would be read as that.
+    const bool isLonger =
+        (row.Digits != NecXScancode || value > 0xFFFF) && (row.Digits != Nec32Scancode || value > 0xFF'FFFF);
+    if (isLonger && (value & ~row.Most) == 0 && row.Digits(value) == d) return Scancode{row.Name, value};
   }
   return std::nullopt;
 }
