@@ -35,9 +35,9 @@ ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> file
     fates_.push_back(isNew ? std::string(kLeftOut) : FateOf(key));
     rows_.push_back({.Key = key.Key->Name.value_or(""),
                      .Command = key.Reference(),
-                     .Code = key.IsRaw        ? "raw"
-                             : key.Key->Coded ? "G" + key.Digits()
-                                              : "",
+                     .Code = key.IsRaw              ? "raw"
+                             : key.Digits().empty() ? ""
+                                                    : "G" + key.Digits(),
                      .Fate = {},
                      .MayTick = isNew || key.Fate == KeyFate::Shadowed,
                      .Ticked = isNew});
