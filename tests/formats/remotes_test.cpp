@@ -269,6 +269,13 @@ TEST(Remotes, BearWhatPeopleWrite) {
       << "a shorter one, reversed fields, octal, CR LF";
   EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0xfe41\nscancode sony20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
+  EXPECT_EQ(CodesOf("substitutions:\n  where: '0x8'\nx:\n - name: ${where} $\n   then:\n"
+                    "    remote_transmitter.transmit_rc5: {address: $where, command: 1}\n"),
+            "0x8 $=11001000000001");
+  EXPECT_EQ(CodesOf("\x1B[0;36m[D][remote.rc5:1]: Received RC5: address=0x08, command=0x01\x1B[0m\n"),
+            "=11001000000001");
+  EXPECT_EQ(CodesOf("functionname,protocol,device,subdevice,function\nA\tRC5\t8\t-1\t1\n"),
+            "A=11001000000001");
   std::string dish = "+500 -6250";
   for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
     dish += " +500 -" + std::to_string(space);

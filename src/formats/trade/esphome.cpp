@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
+#include <map>
 
 #include "formats/trade/esphome_code.h"
 #include "formats/trade/json_text.h"
@@ -45,9 +47,46 @@ void AddSigned(std::string_view word, LengthList& lengths) {
   lengths.AddWord(word.substr(word.front() == '-' || word.front() == '+' ? 1 : 0));
 }
 
+/// What a configuration lets stand for other texts: "$name" or "${name}".
+class Substitutions {
+ public:
+  explicit Substitutions(const YAML::Node& root) {
+    const YAML::Node rows = root.IsMap() ? root["substitutions"] : YAML::Node();
+    if (!rows.IsDefined() || !rows.IsMap()) return;
+    for (const auto& row : rows) {
+      if (row.first.IsScalar() && row.second.IsScalar()) texts_[row.first.Scalar()] = row.second.Scalar();
+    }
+  }
+
+  /// The text with what stands for its names, which may have no names themselves.
+  std::string In(std::string_view text) const {
+    std::string whole;
+    for (std::size_t place = text.find('$'); place != std::string_view::npos; place = text.find('$')) {
+      whole += text.substr(0, place);
+      text.remove_prefix(place);
+      const bool braced = text.substr(1, 1) == "{";
+      const std::size_t first = braced ? 2 : 1;
+      const std::size_t end = std::min(text.find_first_not_of(kNameCharacters, first), text.size());
+      const auto found = texts_.find(text.substr(first, end - first));
+      const bool closed = !braced || text.substr(end, 1) == "}";
+      const std::size_t taken = found != texts_.end() && closed ? end + (braced ? 1 : 0) : 1;
+      whole += taken > 1 ? std::string_view(found->second) : text.substr(0, 1);
+      text.remove_prefix(taken);
+    }
+    return whole.append(text);
+  }
+
+ private:
+  static constexpr std::string_view kNameCharacters =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
+
+  std::map<std::string, std::string, std::less<>> texts_;
+};
+
 class YamlReader {
  public:
-  YamlReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
+  YamlReader(const YAML::Node& root, const std::string& path, RemoteFile& file)
+      : reading_(path, file), texts_(root) {}
 
   void Walk(const YAML::Node& node, const std::string& name, int depth) {
     if (depth == kDeepestNode || ++nodes_ > kMostNodes || reading_.IsFull()) {
@@ -85,14 +124,14 @@ class YamlReader {
                   const std::string& name) {
     RemoteKey key;
     key.Line = place.Mark().line + 1;
-    if (!name.empty()) key.Name = name;
+    if (!name.empty()) key.Name = texts_.In(name);
     if (protocol == "raw") return ReadRaw(fields, std::move(key));
     EsphomeFields texts;
     if (fields.IsMap()) {
       for (const auto& field : fields) {
         if (!field.first.IsScalar() || !field.second.IsScalar()) continue;
         const bool tagged = field.second.Tag().starts_with('!') && field.second.Tag().size() > 1;
-        texts[field.first.Scalar()] = tagged ? field.second.Tag() : field.second.Scalar();
+        texts[field.first.Scalar()] = tagged ? field.second.Tag() : texts_.In(field.second.Scalar());
       }
     }
     std::string why;
@@ -132,6 +171,7 @@ class YamlReader {
   }
 
   FileReading reading_;
+  Substitutions texts_;
   std::size_t nodes_ = 0;
   bool told_ = false;
 };
@@ -144,11 +184,22 @@ class LogReader {
   void Read(std::string_view text) {
     Lines lines(text);
     std::string_view line;
-    while (lines.Next(line)) ReadLine(line, lines.Number());
+    while (lines.Next(line)) ReadLine(WithoutColours(line), lines.Number());
     EndList();
   }
 
  private:
+  /// A log that was shown on a terminal has words for its colours, "ESC[0;36m".
+  static std::string WithoutColours(std::string_view line) {
+    std::string plain;
+    for (std::size_t place = line.find("\x1B["); place != std::string_view::npos;
+         place = line.find("\x1B[")) {
+      plain += line.substr(0, place);
+      line.remove_prefix(std::min(line.find_first_not_of("0123456789;", place + 2), line.size() - 1) + 1);
+    }
+    return plain.append(line);
+  }
+
   void ReadLine(std::string_view line, int number) {
     const std::size_t place = line.find(kReceived);
     if (place == std::string_view::npos) return GoOn(line);
@@ -247,7 +298,8 @@ void ReadYaml(std::string_view text, const std::string& path, RemoteFile& file) 
   }
   try {
     // A configuration is one document, and some wrong texts have no last one.
-    YamlReader(path, file).Walk(YAML::Load(std::string(text)), "", 0);
+    const YAML::Node root = YAML::Load(std::string(text));
+    YamlReader(root, path, file).Walk(root, "", 0);
   } catch (const YAML::Exception& error) {
     FileReading(path, file).Complain(std::max(error.mark.line, 0) + 1, "no YAML: " + error.msg);
   }

@@ -14,9 +14,10 @@ constexpr std::string_view kHeader = "functionname,protocol,device,subdevice,fun
 constexpr std::size_t kColumns = 5;
 constexpr std::size_t kMostColumns = 20;
 
-/// The fields of a line; quotes within quotes are doubled.
+/// The fields of a line; quotes within quotes are doubled. Without a comma they are parted by tabs.
 std::vector<std::string> FieldsOf(std::string_view line) {
   std::vector<std::string> fields(1);
+  const char part = line.find(',') == std::string_view::npos ? '\t' : ',';
   bool quoted = false;
   for (std::size_t i = 0; i < line.size(); ++i) {
     const char c = line[i];
@@ -25,7 +26,7 @@ std::vector<std::string> FieldsOf(std::string_view line) {
       ++i;
     } else if (c == '"' && (quoted || Trimmed(fields.back()).empty())) {
       quoted = !quoted;
-    } else if (c == ',' && !quoted && fields.size() < kMostColumns) {
+    } else if (c == part && !quoted && fields.size() < kMostColumns) {
       fields.emplace_back();
     } else {
       fields.back() += c;

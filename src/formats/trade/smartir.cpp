@@ -51,7 +51,8 @@ class SmartIrReader {
  public:
   SmartIrReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
 
-  void Read(const Json& root) {
+  /// @param codes of the file
+  void Read(const Json& codes, const Json& root) {
     std::string name = TextOf(root, "manufacturer");
     if (root.contains("supportedModels") && root["supportedModels"].is_array()) {
       for (const Json& model : root["supportedModels"]) {
@@ -62,7 +63,7 @@ class SmartIrReader {
     }
     reading_.BeginRemote(name.empty() ? NameOfPath(reading_.Path()) : name);
     encoding_ = Lower(Trimmed(TextOf(root, "commandsEncoding")));
-    ReadTree(root["commands"], "");
+    ReadTree(codes, "");
   }
 
  private:
@@ -147,6 +148,9 @@ void ReadCodeLines(std::string_view text, FileReading& reading) {
   }
 }
 
+/// Whether a text is Home Assistant's storage of codes.
+bool IsCodeTree(std::string_view text) { return text.find("\"broadlink_remote_") != std::string_view::npos; }
+
 void ReadSmartIr(std::string_view text, const std::string& path, RemoteFile& file) {
   if (!Trimmed(text).starts_with('{')) {
     FileReading reading(path, file);
@@ -154,7 +158,11 @@ void ReadSmartIr(std::string_view text, const std::string& path, RemoteFile& fil
   }
   std::string why;
   const Json root = ParseJson(text, why);
-  if (root.is_object() && root.contains("commands")) return SmartIrReader(path, file).Read(root);
+  if (root.is_object() && root.contains("commands"))
+    return SmartIrReader(path, file).Read(root["commands"], root);
+  // Home Assistant keeps the codes of a device so.
+  if (root.is_object() && root.contains("data") && IsCodeTree(text))
+    return SmartIrReader(path, file).Read(root["data"], root);
   FileReading(path, file)
       .Complain(0, root.is_object() ? R"(found no "commands", expected a tree of codes)"
                                     : "found " + why + ", expected an object with \"commands\"");
@@ -163,7 +171,7 @@ void ReadSmartIr(std::string_view text, const std::string& path, RemoteFile& fil
 bool IsSmartIr(std::string_view text) {
   const std::string_view trimmed = Trimmed(text);
   if (trimmed.starts_with('{')) {
-    return text.find("\"commands\"") != std::string_view::npos ||
+    return IsCodeTree(text) || text.find("\"commands\"") != std::string_view::npos ||
            text.find("\"supportedController\"") != std::string_view::npos;
   }
   Lines lines(text);
