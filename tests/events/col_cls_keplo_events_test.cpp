@@ -90,12 +90,8 @@ TEST(EventCollection, RefusesAnIDThatAKeylessTableTakesTwice) {
 }
 
 TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
-  struct Case {
-    const char* OtherDid;
-    Texts Table;  // afterwards, and in the collection and the list too
-    int Failure;  // of switching event 1 off meanwhile; 0 for none
-  };
-  const std::vector<Case> cases = {
+  // The table afterwards, and the failure of switching event 1 off meanwhile.
+  const std::vector<std::tuple<const char*, Texts, int>> cases = {
       {"update colclsKeploEvents set Zone = 5 where EventID = '1'", {"2|b|||on|0", "1|a|||on|5"}, kRowGone},
       {"delete from colclsKeploEvents where EventID = '1'", {"2|b|||on|0"}, kNoCurrentRow},
       {"insert into colclsKeploEvents values ('3', 'c', '', '', 1, 0)",
@@ -104,19 +100,19 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
   };
   // Between two presses the map takes in what changed, and so does a host that initialises it again.
   for (int run = 0; run < 2 * static_cast<int>(cases.size()); ++run) {
-    const Case& change = cases[static_cast<std::size_t>(run / 2)];
-    SCOPED_TRACE(change.OtherDid);
+    const auto& [otherDid, table, failure] = cases[static_cast<std::size_t>(run / 2)];
+    SCOPED_TRACE(otherDid);
     const EventFolder folder(
         "insert into colclsKeploEvents values ('1', 'a', '', '', 1, 0), ('2', 'b', '', '', 1, 0)");
     EventMap map(folder);
     ASSERT_TRUE(map.Load());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
     EventMap other(folder);
-    ASSERT_EQ(other.Database.ExecuteSQLCommand(change.OtherDid), 1);
+    ASSERT_EQ(other.Database.ExecuteSQLCommand(otherDid), 1);
 
     EXPECT_EQ(map.Events.Update(std::make_shared<clsKeploEvent>(clsKeploEvent{"1", "a", "", "", false, 0})),
-              change.Failure == 0);
-    EXPECT_EQ(ShownAll(map.Errors), change.Failure == 0 ? Texts{} : Texts{Report("Save", change.Failure)});
+              failure == 0);
+    EXPECT_EQ(ShownAll(map.Errors), failure == 0 ? Texts{} : Texts{Report("Save", failure)});
     EXPECT_TRUE(map.Database.ChangedElsewhere());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
     other.Database.ExecuteSQLCommand("begin exclusive");
@@ -124,11 +120,11 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
     other.Database.ExecuteSQLCommand("commit");
     EXPECT_TRUE(map.Database.ChangedElsewhere()) << "a read that met a lock comes again";
     EXPECT_TRUE(run % 2 == 0 ? map.Events.TakeInChanges() : map.Load());
-    EXPECT_EQ(map.Members(), change.Table);
+    EXPECT_EQ(map.Members(), table);
     const Texts stored = StoredEvents(folder);
-    EXPECT_TRUE(std::is_permutation(stored.begin(), stored.end(), change.Table.begin(), change.Table.end()));
-    EXPECT_EQ(map.List.Count(), static_cast<int>(change.Table.size()));
-    if (change.Failure == kRowGone) {
+    EXPECT_TRUE(std::is_permutation(stored.begin(), stored.end(), table.begin(), table.end()));
+    EXPECT_EQ(map.List.Count(), static_cast<int>(table.size()));
+    if (failure == kRowGone) {
       EXPECT_EQ(map.List.Text(1, 4), "5") << "the row keeps its place";
     }
   }
@@ -186,14 +182,8 @@ TEST(EventCollection, IsSilentWhereTheTableCannotBeRead) {
 }
 
 TEST(EventCollection, ReportsWhatItRefusesWhateverTheHostDoesWithTheReport) {
-  struct Case {
-    const char* Name;
-    std::function<bool(EventMap&)> Act;
-    const char* Operation;
-    int Number;
-    const char* Text;
-  };
-  const Case cases[] = {
+  using Act = std::function<bool(EventMap&)>;
+  const std::tuple<std::string, Act, std::string, int, std::string> cases[] = {
       {"a change of an unknown event", [](EventMap& map) { return map.Events.Update(Event("2")); }, "Save",
        kNoCurrentRow, ""},
       {"the end of an unknown event", [](EventMap& map) { return map.Events.Delete("2"); }, "Delete",
@@ -226,8 +216,8 @@ TEST(EventCollection, ReportsWhatItRefusesWhateverTheHostDoesWithTheReport) {
        },
        "Initialise", kNoSuchColumn, ""},
   };
-  for (const Case& refused : cases) {
-    SCOPED_TRACE(refused.Name);
+  for (const auto& [name, act, operation, number, told] : cases) {
+    SCOPED_TRACE(name);
     const EventFolder folder("insert into colclsKeploEvents values ('1', 'a', '', '', 1, 0)");
     EventMap map(folder);
     map.Events.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {
@@ -235,10 +225,10 @@ TEST(EventCollection, ReportsWhatItRefusesWhateverTheHostDoesWithTheReport) {
       throw 7;
     };
     EXPECT_EQ(map.Events.ErrorRecord(), nullptr);
-    EXPECT_FALSE(refused.Act(map));
-    EXPECT_EQ(ShownAll(map.Errors), Texts{Report(refused.Operation, refused.Number)});
+    EXPECT_FALSE(act(map));
+    EXPECT_EQ(ShownAll(map.Errors), Texts{Report(operation, number)});
     ASSERT_NE(map.Events.ErrorRecord(), nullptr);
-    ExpectPart(map.Events.ErrorRecord()->ErrorDescription, refused.Text);
+    ExpectPart(map.Events.ErrorRecord()->ErrorDescription, told);
     EXPECT_EQ(map.Answer("select count(*) as events from colclsKeploEvents order by events"), "1");
   }
 }

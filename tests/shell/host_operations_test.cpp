@@ -92,28 +92,19 @@ TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
   control.ListView1.Select(2);
   AnswerOK("Light");
   HostInputEvent second = WithID("2");
-  struct Case {
-    const char* Name;
-    std::function<std::int32_t()> Do;
-    std::int32_t Result;
-    const char* RowMeanwhile;
-    bool Differs = false;
-  };
-  const Case cases[] = {
-      {"modify", [&] { return control.InputModifyEvent(second); }, 0, "Light||NEC&MUTE|False|3|2|\n"},
-      {"enable", [&] { return control.EnableMenu_Click(), 0; }, 0, "Fan||NEC&MUTE|True|3|2|\n"},
-      {"delete", [&] { return control.InputDeleteEvent(second); }, 1, "", true},
-  };
+  const std::tuple<std::function<int()>, int, std::string> cases[] = {
+      {[&] { return control.InputModifyEvent(second); }, 0, "Light||NEC&MUTE|False|3|2|\n"},
+      {[&] { return control.EnableMenu_Click(), 0; }, 0, "Fan||NEC&MUTE|True|3|2|\n"},
+      {[&] { return control.InputDeleteEvent(second); }, 1, ""}};
   const std::string first = "Lamp|hall|NEC&POWER|True|0|1|\n", before = RowTexts(control.ListView1);
-  for (const Case& locked : cases) {
-    SCOPED_TRACE(locked.Name);
+  for (const auto& [act, result, rowMeanwhile] : cases) {
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open((folder_.Path() / "inputKeplo.mdb").c_str(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-    EXPECT_EQ(locked.Do(), locked.Result);
-    EXPECT_EQ(control.ListDiffersFromMap(), locked.Differs);
+    EXPECT_EQ(act(), result);
+    EXPECT_EQ(control.ListDiffersFromMap(), rowMeanwhile.empty());
     control.TakeInChanges();
-    EXPECT_EQ(RowTexts(control.ListView1), first + locked.RowMeanwhile) << "nobody waits for a lock";
+    EXPECT_EQ(RowTexts(control.ListView1), first + rowMeanwhile) << "nobody waits for a lock";
     sqlite3_close(other);
     control.TakeInChanges();
     EXPECT_EQ(RowTexts(control.ListView1), before);
