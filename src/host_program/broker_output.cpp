@@ -55,22 +55,13 @@ void BrokerOutput::Connect(const broker::BrokerSettings& settings) {
   bridge_ = std::make_unique<broker::Bridge>(settings, broker::IdentityOf(appPath_), Uses());
   stages_ =
       std::make_unique<broker::KeyStages>([this](const broker::KeyEvent& event) { bridge_->Tell(event); });
-  host_.OnKey = [this](PressStage stage, const HeardKey& key) { TellKey(stage, key); };
-  host_.OnRaised = [this](const RaisedEvent& event) {
-    stages_->Raised({{}, event.EventID, event.EventName, event.Command, event.Zone, {}, 1});
-  };
-  host_.OnSignal = [this](const HeardSignal& signal) {
-    bridge_->Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
-                                      signal.Command, signal.Zone, LocalTime()});
-  };
+  host_.AddOutput(*this);
   told_ = host_.EventsRevision();
   TellEvents();
 }
 
 void BrokerOutput::Disconnect() {
-  host_.OnKey = nullptr;
-  host_.OnRaised = nullptr;
-  host_.OnSignal = nullptr;
+  host_.RemoveOutput(*this);
   stages_.reset();
   bridge_.reset();
   settings_.reset();
@@ -89,7 +80,16 @@ broker::Bridge::Uses BrokerOutput::Uses() {
           [this](LogLevel level, const std::string& text) { log_.Write(level, text); }};
 }
 
-void BrokerOutput::TellKey(PressStage stage, const HeardKey& key) {
+void BrokerOutput::EventRaised(const RaisedEvent& event) {
+  stages_->Raised({{}, event.EventID, event.EventName, event.Command, event.Zone, {}, 1});
+}
+
+void BrokerOutput::SignalHeard(const HeardSignal& signal) {
+  bridge_->Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
+                                    signal.Command, signal.Zone, LocalTime()});
+}
+
+void BrokerOutput::KeyChanged(PressStage stage, const HeardKey& key) {
   if (stage == PressStage::Pressed) return stages_->Pressed(key.Place);
   if (stage == PressStage::Held) return stages_->Held(key.Place, key.Count);
   stages_->Released(key.Place, key.Count);

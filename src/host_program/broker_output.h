@@ -18,7 +18,7 @@ namespace keplo::host {
 /// Tells the events of a plug-in to the broker that broker.json names, and has the plug-in send what the
 /// broker asks for. The file may come, change and go while the host runs. Everything but the connection
 /// itself runs on the thread of the event loop.
-class BrokerOutput {
+class BrokerOutput final : private EventOutput {
  public:
   /// A broker that cannot be used is logged, and the host goes on without it.
   BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log);
@@ -35,7 +35,9 @@ class BrokerOutput {
   void Connect(const broker::BrokerSettings& settings);
   void Disconnect();
   broker::Bridge::Uses Uses();
-  void TellKey(PressStage stage, const HeardKey& key);
+  void EventRaised(const RaisedEvent& event) override;
+  void KeyChanged(PressStage stage, const HeardKey& key) override;
+  void SignalHeard(const HeardSignal& signal) override;
   void TellEvents();
   void Send(const broker::SendRequest& request);
 

@@ -58,27 +58,31 @@ HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log
   ShowChosenEvent();
   statusBar();
 
-  host_.OnEvent = [this](const RaisedEvent& event) { AddLogLine(Shown(EventLine(event))); };
-  host_.OnError = [this](const HostErrorRecord& record) {
-    AddLogLine(Shown(record.ErrorDate + "  " + record.ErrorProcedure + ": " + record.ErrorDescription));
-  };
-  host_.OnHeldKey = [this](const HeardKey& key) {
-    const std::string name = key.Command.empty() ? "code " + key.Code : key.Command;
-    AddLogLine(Shown(Printable(LocalTime() + "  " + name + " was held for " + std::to_string(key.HeldMs) +
-                               " ms, " + std::to_string(key.Count) + " signals")));
-  };
-  host_.OnLog = [this](LogLevel level, const std::string& text) {
-    if (level <= LogLevel::Notice) AddLogLine(Shown(Printable(LocalTime() + "  " + text)));
-  };
+  host_.AddOutput(*this);
   host_.OnListShown = [this] { ShowChosenEvent(); };
 }
 
 HostWindow::~HostWindow() {
-  host_.OnEvent = nullptr;
-  host_.OnError = nullptr;
-  host_.OnHeldKey = nullptr;
-  host_.OnLog = nullptr;
+  host_.RemoveOutput(*this);
   host_.OnListShown = nullptr;
+}
+
+void HostWindow::EventRaised(const RaisedEvent& event) { AddLogLine(Shown(EventLine(event))); }
+
+/// A key that was held for more than one signal.
+void HostWindow::KeyChanged(PressStage stage, const HeardKey& key) {
+  if (stage != PressStage::Released || key.Count < 2) return;
+  const std::string name = key.Command.empty() ? "code " + key.Code : key.Command;
+  AddLogLine(Shown(Printable(LocalTime() + "  " + name + " was held for " + std::to_string(key.HeldMs) +
+                             " ms, " + std::to_string(key.Count) + " signals")));
+}
+
+void HostWindow::ErrorTold(const HostErrorRecord& record) {
+  AddLogLine(Shown(record.ErrorDate + "  " + record.ErrorProcedure + ": " + record.ErrorDescription));
+}
+
+void HostWindow::Logged(LogLevel level, const std::string& text) {
+  if (level <= LogLevel::Notice) AddLogLine(Shown(Printable(LocalTime() + "  " + text)));
 }
 
 void HostWindow::FillMenus() {

@@ -12,7 +12,7 @@ namespace keplo::host {
 
 /// The host on screen: the plug-in's view, its menu, the log of events and of presses without one, and the
 /// buttons that change the event map: a new event, or the one that is highlighted in the view.
-class HostWindow : public QMainWindow {
+class HostWindow : public QMainWindow, private EventOutput {
  public:
   static constexpr int kMostLogLines = 1000;
 
@@ -20,6 +20,11 @@ class HostWindow : public QMainWindow {
   ~HostWindow() override;
 
  private:
+  void EventRaised(const RaisedEvent& event) override;
+  void KeyChanged(PressStage stage, const HeardKey& key) override;
+  void ErrorTold(const HostErrorRecord& record) override;
+  void Logged(LogLevel level, const std::string& text) override;
+
   void FillMenus();
   QWidget* EventButtons();
   QPushButton* Button(const QString& caption, const QString& tip, std::function<void()> clicked);

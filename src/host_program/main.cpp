@@ -15,6 +15,7 @@
 
 #include "component_loader/class_file.h"
 #include "failure.h"
+#include "host_program/action_output.h"
 #include "host_program/broker_output.h"
 #include "host_program/event_actions.h"
 #include "host_program/event_book.h"
@@ -22,6 +23,7 @@
 #include "host_program/host_log.h"
 #include "host_program/host_window.h"
 #include "host_program/journal_stream.h"
+#include "host_program/log_output.h"
 #include "host_program/options.h"
 #include "host_program/plugin_host.h"
 #include "host_program/signal_notifier.h"
@@ -116,14 +118,16 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   EventActions actions(log);
   CreationContext& context = options.Control;
   context.MayUseDisplay = !options.Headless;
-  context.Log = [&log](LogLevel level, const std::string& text) { log.Write(level, text); };
   if (options.Once) context.ReplayPlayed = [&application] { application.quit(); };
 
-  PluginHost host(component, context, book, actions, log);
+  LogOutput told(log);
+  ActionOutput done(book, actions, log);
+  PluginHost host(component, context, book, log, {&told, &done});
   host.Start();
+  done.Prepare();
   BrokerOutput broker(options.Control.ApplicationPath, host, log);
-  SignalNotifier signals([&host, &broker] {
-    host.ReadAgain();
+  SignalNotifier signals([&done, &broker] {
+    done.ReadAgain();
     broker.ReadAgain();
   });
   signals.Watch([&application] { application.quit(); });

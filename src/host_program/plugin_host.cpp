@@ -1,6 +1,5 @@
 #include "host_program/plugin_host.h"
 
-#include <array>
 #include <cerrno>
 #include <utility>
 
@@ -10,12 +9,6 @@
 namespace keplo::host {
 
 namespace {
-
-std::string UntilThen(const Failure& failure) {
-  std::string text = failure.what();
-  if (!text.ends_with('.')) text += '.';
-  return text + " Until then each event does what it did.";
-}
 
 template <typename Interface>
 Interface* Required(IComponentObject& object) {
@@ -29,10 +22,10 @@ Interface* Required(IComponentObject& object) {
 }  // namespace
 
 PluginHost::PluginHost(const Component& component, const CreationContext& context, EventBook& book,
-                       EventActions& actions, const HostLog& log)
+                       const HostLog& log, std::vector<EventOutput*> outputs)
     : book_(book),
-      actions_(actions),
       log_(log),
+      outputs_(std::move(outputs)),
       object_(component.Create(kInputKeploClass, WithOwnLog(context))),
       plugin_(Required<IVelmoraInputPLugin>(*object_)),
       events_(Required<IHostEventSource>(*object_)),
@@ -53,10 +46,7 @@ PluginHost::~PluginHost() {
 }
 
 CreationContext PluginHost::WithOwnLog(CreationContext context) {
-  context.Log = [this, write = context.Log](LogLevel level, const std::string& text) {
-    if (write) write(level, text);
-    if (OnLog) OnLog(level, text);
-  };
+  context.Log = [this](LogLevel level, const std::string& text) { Tell(&EventOutput::Logged, level, text); };
   return context;
 }
 
@@ -66,7 +56,6 @@ void PluginHost::Start() {
   if (plugin_->InputInitialise(velmora) != kInputDone) {
     throw Failure(EIO, "The plug-in did not come up.");
   }
-  if (book_.PressesKeys()) actions_.PrepareKeys();
   plugin_->InputStartMonitoring();
 }
 
@@ -74,18 +63,6 @@ void PluginHost::Stop() {
   if (!std::exchange(started_, false)) return;
   plugin_->InputStopMonitoring();
   plugin_->InputTerminate();
-}
-
-void PluginHost::ReadAgain() {
-  try {
-    book_.Read();
-    if (book_.PressesKeys()) actions_.PrepareKeys();
-    log_.Write(LogLevel::Notice,
-               "What each event does was read again; changes of keplo.cfg and of the event map are taken in "
-               "as they come.");
-  } catch (const Failure& failure) {
-    log_.Write(LogLevel::Warning, UntilThen(failure));
-  }
 }
 
 QWidget* PluginHost::CreateView(QWidget* parent) {
@@ -187,57 +164,22 @@ bool PluginHost::ListDiffersFromMap() const {
 void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   RaisedEvent event = Describe(objInputEvent.EventID);
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
-  log_.Event(event);
-  if (OnEvent) OnEvent(event);
-  if (OnRaised) OnRaised(event);
-  ReadBookIfChanged();
-  actions_.Do(presses_[lastKey_ ? lastKey_->Place : 0].DueAt(event, book_.ActionsOf(event.EventID)), event);
-  if (keys_ == nullptr) actions_.ReleaseKeys();
-}
-
-void PluginHost::ReadBookIfChanged() {
-  try {
-    book_.ReadIfChanged();
-  } catch (const Failure& failure) {
-    log_.Write(LogLevel::Warning, UntilThen(failure));
-  }
+  Tell(&EventOutput::EventRaised, event);
 }
 
 void PluginHost::TellKey(PressStage stage, const HeardKey& key) {
   lastKey_ = key;
-  static constexpr std::array<const char*, 3> kNames = {"press", "hold", "release"};
-  log_.Key(kNames.at(static_cast<std::size_t>(stage)), key);
-  if (OnKey) OnKey(stage, key);
+  Tell(&EventOutput::KeyChanged, stage, key);
 }
 
-void PluginHost::KeyPressed(const HeardKey& key) {
-  TellKey(PressStage::Pressed, key);
-  presses_[key.Place].Begin();
-}
+void PluginHost::KeyPressed(const HeardKey& key) { TellKey(PressStage::Pressed, key); }
+void PluginHost::KeyHeld(const HeardKey& key) { TellKey(PressStage::Held, key); }
+void PluginHost::KeyReleased(const HeardKey& key) { TellKey(PressStage::Released, key); }
 
-void PluginHost::KeyHeld(const HeardKey& key) {
-  TellKey(PressStage::Held, key);
-  presses_[key.Place].GoOn(key.HeldMs);
-}
-
-void PluginHost::KeyReleased(const HeardKey& key) {
-  TellKey(PressStage::Released, key);
-  actions_.ReleaseKeys();
-  if (OnHeldKey && key.Count > 1) OnHeldKey(key);
-  for (RaisedEvent& event : presses_[key.Place].End()) {
-    event.Time = LocalTime();
-    actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
-  }
-  presses_.erase(key.Place);
-}
-
-void PluginHost::SignalHeard(const HeardSignal& signal) {
-  if (OnSignal) OnSignal(signal);
-}
+void PluginHost::SignalHeard(const HeardSignal& signal) { Tell(&EventOutput::SignalHeard, signal); }
 
 void PluginHost::TriggerInputErrorCondition(HostErrorRecord& objErr, bool& /*blnStopping*/) {
-  log_.Error(objErr);
-  if (OnError) OnError(objErr);
+  Tell(&EventOutput::ErrorTold, objErr);
 }
 
 }  // namespace keplo::host

@@ -2,30 +2,27 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "component_loader/component_frame.h"
 #include "host/ivelmora_input_plugin.h"
-#include "host_program/event_actions.h"
 #include "host_program/event_book.h"
+#include "host_program/event_output.h"
 #include "host_program/host_log.h"
-#include "host_program/press_actions.h"
 
 namespace keplo::host {
 
-/// What has become of a key.
-enum class PressStage { Pressed, Held, Released };
-
-/// The host's side of one plug-in: creates it, does what its events ask for, and carries the user's changes
-/// of the event map to it. Outlives the views.
+/// The host's side of one plug-in: creates it, tells its outputs what it tells, and carries the user's
+/// changes of the event map to it. Outlives the views.
 class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink {
  public:
   /// @throws Failure if the object cannot be created
-  PluginHost(const Component& component, const CreationContext& context, EventBook& book,
-             EventActions& actions, const HostLog& log);
+  /// @param outputs outlive the host
+  PluginHost(const Component& component, const CreationContext& context, EventBook& book, const HostLog& log,
+             std::vector<EventOutput*> outputs);
   virtual ~PluginHost();
   PluginHost(const PluginHost&) = delete;
   PluginHost& operator=(const PluginHost&) = delete;
@@ -36,8 +33,9 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   /// Stops monitoring and terminates the plug-in; once is enough.
   void Stop();
 
-  /// Reads the book of events again, and tells what became of it. The plug-in looks at its files by itself.
-  void ReadAgain();
+  /// An output that comes later is told before the others, so that it does not wait for their programs.
+  void AddOutput(EventOutput& output) { outputs_.insert(outputs_.begin(), &output); }
+  void RemoveOutput(EventOutput& output) { std::erase(outputs_, &output); }
 
   IVelmoraInputPLugin& Plugin() const { return *plugin_; }
   /// Its view; null if it offers none.
@@ -70,18 +68,6 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   /// The key that was pressed last, as far as it went; none before the first.
   const std::optional<HeardKey>& LastKey() const { return lastKey_; }
 
-  /// For a window's log.
-  std::function<void(const RaisedEvent&)> OnEvent;
-  std::function<void(const HostErrorRecord&)> OnError;
-  // For an output that tells keys and the events that they raise; a held key comes before its events.
-  std::function<void(PressStage, const HeardKey&)> OnKey;
-  std::function<void(const RaisedEvent&)> OnRaised;
-  /// A signal was heard, known or not.
-  std::function<void(const HeardSignal&)> OnSignal;
-  /// A key was let go that was held for more than one signal.
-  std::function<void(const HeardKey&)> OnHeldKey;
-  /// What the plug-in logs besides, such as why a press raised no event.
-  std::function<void(LogLevel, const std::string&)> OnLog;
   /// Runs when the view has shown another list or another highlighted row.
   std::function<void()> OnListShown;
 
@@ -93,12 +79,15 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   void KeyHeld(const HeardKey& key) override;
   void KeyReleased(const HeardKey& key) override;
   void SignalHeard(const HeardSignal& signal) override;
-  void ReadBookIfChanged();
   void TellKey(PressStage stage, const HeardKey& key);
+  template <typename... Parameters, typename... Arguments>
+  void Tell(void (EventOutput::*what)(Parameters...), const Arguments&... arguments) {
+    for (EventOutput* output : outputs_) (output->*what)(arguments...);
+  }
 
   EventBook& book_;
-  EventActions& actions_;
   const HostLog& log_;
+  std::vector<EventOutput*> outputs_;
   ComponentObject object_;
   IVelmoraInputPLugin* plugin_;
   IHostEventSource* events_;
@@ -109,7 +98,6 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   std::uint32_t keyCookie_ = 0;
   ISignalSource* signals_;
   std::uint32_t signalCookie_ = 0;
-  std::map<int, PressActions> presses_;  // by place
   std::optional<HeardKey> lastKey_;
   bool started_ = false;
 };

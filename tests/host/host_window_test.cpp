@@ -14,6 +14,7 @@
 #include "doubles/expect.h"
 #include "events/connection.h"
 #include "host/application_path.h"
+#include "host_program/log_output.h"
 
 namespace keplo::host {
 
@@ -29,7 +30,7 @@ class HostWindowTest : public ::testing::Test {
     context.ReplayFiles = {tests::kPower, tests::kMute};
     context.MayUseDisplay = true;
     context.ReplayPlayed = [this] { played_.quit(); };
-    host_ = std::make_unique<PluginHost>(component_, context, book_, actions_, log_);
+    host_ = std::make_unique<PluginHost>(component_, context, book_, log_, std::vector<EventOutput*>{&told_});
     host_->Start();
     window_ = std::make_unique<HostWindow>(*host_);
     window_->show();
@@ -88,7 +89,7 @@ class HostWindowTest : public ::testing::Test {
   QEventLoop played_;
   EventBook book_{app_.Path() / "host.json"};
   const HostLog log_{false, {}};
-  EventActions actions_{log_};
+  LogOutput told_{log_};
   const Component component_{KEPLO_COMPONENT};
   std::unique_ptr<PluginHost> host_;
   std::unique_ptr<HostWindow> window_;

@@ -1,0 +1,68 @@
+#include "host_program/action_output.h"
+
+#include "failure.h"
+#include "program/local_time.h"
+
+namespace keplo::host {
+
+namespace {
+
+std::string UntilThen(const Failure& failure) {
+  std::string text = failure.what();
+  if (!text.ends_with('.')) text += '.';
+  return text + " Until then each event does what it did.";
+}
+
+}  // namespace
+
+void ActionOutput::Prepare() {
+  if (book_.PressesKeys()) actions_.PrepareKeys();
+}
+
+void ActionOutput::ReadAgain() {
+  try {
+    book_.Read();
+    Prepare();
+    log_.Write(LogLevel::Notice,
+               "What each event does was read again; changes of keplo.cfg and of the event map are taken in "
+               "as they come.");
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning, UntilThen(failure));
+  }
+}
+
+void ActionOutput::ReadBookIfChanged() {
+  try {
+    book_.ReadIfChanged();
+  } catch (const Failure& failure) {
+    log_.Write(LogLevel::Warning, UntilThen(failure));
+  }
+}
+
+void ActionOutput::EventRaised(const RaisedEvent& event) {
+  ReadBookIfChanged();
+  const bool isOfAKey = presses_.count(last_) > 0;
+  actions_.Do(presses_[last_].DueAt(event, book_.ActionsOf(event.EventID)), event);
+  if (isOfAKey) return;
+  // A plug-in that tells no keys makes each event a press of its own, which nobody lets go.
+  presses_.erase(last_);
+  actions_.ReleaseKeys();
+}
+
+void ActionOutput::KeyChanged(PressStage stage, const HeardKey& key) {
+  if (stage == PressStage::Released) return LetGo(key.Place);
+  last_ = key.Place;
+  if (stage == PressStage::Pressed) presses_[key.Place].Begin();
+  if (stage == PressStage::Held) presses_[key.Place].GoOn(key.HeldMs);
+}
+
+void ActionOutput::LetGo(int place) {
+  actions_.ReleaseKeys();
+  for (RaisedEvent& event : presses_[place].End()) {
+    event.Time = LocalTime();
+    actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
+  }
+  presses_.erase(place);
+}
+
+}  // namespace keplo::host
