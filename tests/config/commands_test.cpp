@@ -10,6 +10,7 @@
 #include "config/protocols.h"
 #include "config/send_as_line.h"
 #include "signal/send_as.h"
+#include "signal/timing.h"
 
 namespace keplo::tests {
 namespace {
@@ -94,7 +95,7 @@ TEST(LookupCommand, NamesTheCommandOfACode) {
   for (const std::string row : {"1100|0|NEC&UP", "11|0|NEC&UP", "1110|2|NEC&UP", "1|2|NEC&POWER",
                                 "1110|0|-&-", "10101|0|-&-", "|0|-&-", "777|0|General&BAIT"}) {
     stored.Store.CurProtocol = stored.Store.CurCommand = "-";
-    const bool found = LookupCommand(stored.Store, Parts(row)[0], row[row.find('|') + 1] - '0');
+    const bool found = LookupCommand(stored.Store, Parts(row)[0], Parts(row)[1] == "2" ? kRc5 : kNec);
     EXPECT_EQ(found, Parts(row)[2].substr(0, 3) == "NEC") << row;
     EXPECT_EQ(stored.Store.CurProtocol + "&" + stored.Store.CurCommand, Parts(row)[2]) << row;
   }

@@ -255,7 +255,7 @@ TEST(SaveConfig, KeepsGroupAndRightsWithoutTheOwner) {
        {std::tuple(true, 0664U, 0664U), {false, 0664U, 0644U}, {false, 04660U, 0600U}}) {
     TempFolder folder;
     const fs::path path = folder.Path() / "keplo.cfg";
-    ChildProcess saver([&] {
+    ChildProcess saver([&, isMember = isMember, mode = mode] {
       const gid_t groups[] = {1235};
       if (setgroups(isMember ? 1 : 0, groups) + setgid(1236) + setuid(1234) != 0) _exit(2);
       PosixFileSystem files;

@@ -130,7 +130,7 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
   for (const auto& [kind, code] :
        {std::pair(kNec, kDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
     Bind(code);
-    const auto told = [&](const std::vector<milliseconds>& presses) {
+    const auto told = [&, kind = kind, code = code](const std::vector<milliseconds>& presses) {
       return Monitored(kind, code, presses);
     };
     EXPECT_EQ(told({50ms}), "PeR") << kind;

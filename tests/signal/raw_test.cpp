@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "signal/raw/raw_digits.h"
 #include "signal/raw/raw_index.h"
 #include "signal/raw/raw_lesson.h"
@@ -43,7 +45,7 @@ RunVector Silent(RunVector runs) {
 }
 
 RunVector Scaled(RunVector runs, double scale) {
-  for (int& run : runs) run = static_cast<int>(run * scale + 0.5);
+  for (int& run : runs) run = static_cast<int>(std::lround(run * scale));
   return runs;
 }
 

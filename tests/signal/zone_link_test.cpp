@@ -59,7 +59,7 @@ TEST(SendZone, AcceptsTheCommandWithoutItsHighestBitOnly) {
   wrong.Answers = {1, 2, 3, 4, 63};
   EXPECT_FALSE(SendZone(wrong, 8));
   EXPECT_EQ(wrong.Calls, Calls("127", {"", "", "", ""}));
-  for (const std::int16_t zone : {-1, 0, 9}) {
+  for (const auto zone : std::initializer_list<std::int16_t>{-1, 0, 9}) {
     FakeLine none;
     EXPECT_FALSE(SendZone(none, zone));
     EXPECT_EQ(none.Calls, Calls("", {})) << zone;

@@ -137,7 +137,7 @@ class GirrReader {
       if (form == "ccf" && hasCcf) why = TakeForms(command, "ccf", key);
       if (form == "parameters" && !parameters.Protocol.empty()) {
         why = TakeValues(parameters.Protocol, parameters.Values, key);
-        if (!why.empty()) why = parameters.Protocol + ": " + why;
+        if (!why.empty()) why.insert(0, parameters.Protocol + ": ");
       }
       if (why.empty()) break;
     }

@@ -39,7 +39,7 @@ std::string TextOf(const toml::table& table, std::string_view name) {
 
 /// The kernel's protocol that a section means by a value: the shortest form that it fits.
 std::string ProtocolOf(const std::string& protocol, const std::string& variant, std::uint64_t value) {
-  const std::string family = Lower(protocol), form = Lower(variant);
+  std::string family = Lower(protocol), form = Lower(variant);
   if (family == "nec" || family == "necx" || family == "nec32") {
     return value <= 0xFFFF ? "nec" : value <= 0xFF'FFFF ? "necx" : "nec32";
   }
