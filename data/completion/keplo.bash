@@ -2,31 +2,80 @@
 
 # Runs keplo on the folder that the line names; no words without an install.
 _keplo_ask() {
-  local i folder=()
+  local i path folder=()
   for ((i = 1; i < COMP_CWORD; i++)); do
-    [[ ${COMP_WORDS[i]} == --app-path ]] && folder=(--app-path "${COMP_WORDS[i + 1]}")
+    [[ ${COMP_WORDS[i]} == --app-path ]] || continue
+    [[ ${COMP_WORDS[i + 1]} == = ]] && ((i++))
+    path=$(_keplo_plain "${COMP_WORDS[i + 1]}")
+    folder=(--app-path "${path/#\~\//$HOME/}")
   done
-  keplo "$@" "${folder[@]}" 2>/dev/null
+  keplo "$@" "${folder[@]}" </dev/null 2>/dev/null
+}
+
+# A word of the line without the marks that quote it.
+_keplo_plain() {
+  printf '%s' "${1//[\\\'\"]/}"
+}
+
+_keplo_protocols() { _keplo_ask protocols | cut -f1; }
+_keplo_references() { _keplo_ask commands --json | sed -n 's/.*"reference":"\([^"\\]*\)".*/\1/p'; }
+
+# Offers the lines of its input that the word may become. They come from files, so the shell must not expand them.
+_keplo_offer() {
+  local line
+  while IFS= read -r line; do
+    [[ $line == "$current"* ]] && COMPREPLY+=("$line")
+  done
+  compopt -o filenames # quotes the & of a reference
+}
+
+# Whether an option takes no value.
+_keplo_is_flag() {
+  case $1 in
+    --json | --no-shape | --presses | --once | --real-time | --live | --raw | --dry-run | --shadowed | --one-line) ;;
+    --each | --force | --disabled | --enable | --disable | --yes | --help | -h | --version) ;;
+    *) return 1 ;;
+  esac
 }
 
 _keplo() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local first=1
-  [[ ${COMP_WORDS[1]:-} == --app-path ]] && first=3
-  local command=${COMP_WORDS[first]:-} action=${COMP_WORDS[first + 1]:-}
-  local place=$((COMP_CWORD - first + 1))
+  local current previous=${COMP_WORDS[COMP_CWORD - 1]} i plain=()
+  current=$(_keplo_plain "${COMP_WORDS[COMP_CWORD]}")
+  # --option=VALUE comes as three words.
+  if [[ $current == = ]]; then
+    current=
+  elif [[ $previous == = ]]; then
+    previous=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  # The words ahead without the options and their values.
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    if [[ ${COMP_WORDS[i]} != -* ]]; then
+      plain+=("$(_keplo_plain "${COMP_WORDS[i]}")")
+    elif ! _keplo_is_flag "${COMP_WORDS[i]}"; then
+      [[ ${COMP_WORDS[i + 1]} == = ]] && ((i++))
+      ((i++))
+    fi
+  done
+  local command=${plain[0]:-} action=${plain[1]:-} place=$((${#plain[@]} + 1))
+  COMPREPLY=()
   case $previous in
-    --app-path) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --teach | --replay | --out | --ca | --certificate | --key | --password-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --app-path) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    --teach | --replay | --out | --ca | --certificate | --key | --password-file) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --format | --to) mapfile -t COMPREPLY < <(compgen -W 'flipper lirc girr keymap esphome tasmota ha smartir irdb mode2 one-line pronto' -- "$current"); return ;;
-    --section) mapfile -t COMPREPLY < <(compgen -W "$(_keplo_ask protocols | cut -f1)" -- "$current"); return ;;
+    --section) _keplo_offer < <(_keplo_protocols); return ;;
+    --command) _keplo_offer < <(_keplo_references); return ;;
     --gproto) mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5 Custom' -- "$current"); return ;;
     --analysis) mapfile -t COMPREPLY < <(compgen -W 'first second' -- "$current"); return ;;
     --protocol)
-      [[ $command == synth ]] && local names='NEC SONY RC5' || local names=$(_keplo_ask protocols | cut -f1)
-      mapfile -t COMPREPLY < <(compgen -W "$names" -- "$current"); return ;;
+      if [[ $command == synth ]]; then
+        mapfile -t COMPREPLY < <(compgen -W 'NEC SONY RC5' -- "$current")
+      else
+        _keplo_offer < <(_keplo_protocols)
+      fi
+      return ;;
+    -*) _keplo_is_flag "$previous" || return ;;
   esac
-  local words names=
+  local words
   case $place,$command in
     1,*) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth help --app-path --help --version' ;;
     2,protocol) words='add edit delete --app-path --help' ;;
@@ -43,12 +92,11 @@ _keplo() {
         modify) words='--command --name --description --zone --enable --disable --force --app-path --help' ;;
         *) words='--app-path --help' ;;
       esac
-      [[ $place == 3 && $action != add && $action != list ]] && names=$(_keplo_ask events list | cut -f1)
       ;;
     *,learn) words='--protocol --name --raw --app-path --sample-time --no-shape --hold --help' ;;
     *,settings)
       words='--json --app-path --help'
-      [[ $place == 2 ]] && names='COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS'
+      [[ $place == 2 ]] && words+=' COMPORT PROTOCOL PROCDELAY ITYPE BEEPON VEXIL ANALYSIS'
       ;;
     *,import) words='--format --section --keys --dry-run --shadowed --json --app-path --help' ;;
     *,export) words='--format --section --command --out --app-path --help' ;;
@@ -70,16 +118,21 @@ _keplo() {
     *,synth) words='--protocol --code --mark-excess --jitter --clock-error --gap --repeats --seed --one-line --samples --help' ;;
     *) words='--app-path --help' ;;
   esac
-  case $place,$command in
-    2,protocols | 2,send | 2,forget) names=$(_keplo_ask protocols | cut -f1) ;;
-    2,commands) names="rename $(_keplo_ask protocols | cut -f1)" ;;
-    3,protocol) [[ $action != add ]] && names=$(_keplo_ask protocols | cut -f1) ;;
-    3,send | 3,forget) names=$(_keplo_ask commands "$action" | cut -f2) ;;
+  [[ $place,$command == 2,commands ]] && words+=' rename'
+  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  case $place,$command,$action in
+    2,protocols,* | 3,protocol,edit | 3,protocol,delete) _keplo_offer < <(_keplo_protocols) ;;
+    2,send,* | 2,forget,* | 2,commands,*) _keplo_offer < <(_keplo_protocols; _keplo_references) ;;
+    3,send,* | 3,forget,*) _keplo_offer < <(_keplo_ask commands "$action" | cut -f2) ;;
+    3,commands,rename | 3,events,add) _keplo_offer < <(_keplo_references) ;;
+    3,events,modify | 3,events,delete | 3,events,enable | 3,events,disable) _keplo_offer < <(_keplo_ask events list | cut -f1) ;;
   esac
-  mapfile -t COMPREPLY < <(compgen -W "$words $names" -- "$current")
   case $current,$command in
     -*,*) ;;
-    *,decode | *,monitor | *,record | *,learn | *,calibrate | *,import | *,convert) mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current") ;;
+    *,decode | *,monitor | *,record | *,learn | *,calibrate | *,import | *,convert)
+      compopt -o filenames
+      mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
+      ;;
   esac
 }
-complete -o filenames -F _keplo keplo
+complete -F _keplo keplo
