@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 #include "qt/control_look.h"
 #include "qt/text.h"
@@ -89,12 +90,13 @@ void TraceView::Draw() {
                                           : palette().color(QPalette::Window));
   QPainter painter(&picture_);
   const Grid grid(part_, pixels);
-  const auto& points = form_.Surface.Points();
+  std::vector<ui::DrawingSurface::Point> points = form_.Surface.Points();
+  if (const auto entry = form_.WaveEntry()) points.insert(points.begin(), *entry);
   QRect last;
   for (std::size_t i = 0; i < points.size(); ++i) {
     // A level reaches to the next sample, however far it is.
-    const bool hasNext = i + 1 < points.size() && points[i + 1].X > points[i].X;
-    const QRect dot = grid.Level(points[i], hasNext ? points[i + 1].X : points[i].X + 1);
+    const bool isLast = i + 1 == points.size();
+    const QRect dot = grid.Level(points[i], isLast ? form_.WaveEnd() : points[i + 1].X);
     // A trace that is squeezed puts many samples on one pixel.
     if (dot != last) painter.fillRect(dot, Shown(points[i].Pen));
     last = dot;

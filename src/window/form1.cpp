@@ -108,6 +108,8 @@ std::int32_t Form1::Pulse() const { return Rounded<std::int32_t>(SendPulse.Text(
 
 double Form1::WavePlace(double sample) const { return flows_->Waveform.PlaceOf(sample); }
 double Form1::WaveSample(double place) const { return flows_->Waveform.SampleAt(place); }
+std::optional<ui::DrawingSurface::Point> Form1::WaveEntry() const { return flows_->Waveform.Entry(); }
+double Form1::WaveEnd() const { return flows_->Waveform.End(); }
 void Form1::ZoomWave(double place, double factor) { flows_->Waveform.ZoomAt(place, factor); }
 void Form1::SlideWave(int samples) { flows_->Waveform.Slide(samples); }
 void Form1::FitWave() { flows_->Waveform.Fit(); }

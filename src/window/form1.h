@@ -125,6 +125,9 @@ class Form1 : public ui::Window {
   std::int32_t Pulse() const;
   double WavePlace(double sample) const;
   double WaveSample(double place) const;
+  /// Where the trace comes out of the left margin, see WaveformPane, and where it ends.
+  std::optional<ui::DrawingSurface::Point> WaveEntry() const;
+  double WaveEnd() const;
   /// Stretches the trace by a factor; what stands at a place stays there.
   void ZoomWave(double place, double factor);
   /// Slides the trace to the right, in samples.

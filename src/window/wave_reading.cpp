@@ -51,10 +51,10 @@ void WaveReading::PointAt(std::optional<int> sample) {
   pointer_ = onTrace ? sample : std::nullopt;
 }
 
-const WaveRun* WaveReading::RunAtPointer() const {
-  if (!pointer_) return nullptr;
-  return &*std::prev(std::upper_bound(runs_.begin(), runs_.end(), *pointer_,
-                                      [](int sample, const WaveRun& run) { return sample < run.Start; }));
+const WaveRun* WaveReading::RunAt(int sample) const {
+  if (sample < 0 || sample >= Samples()) return nullptr;
+  return &*std::prev(std::upper_bound(runs_.begin(), runs_.end(), sample,
+                                      [](int wanted, const WaveRun& run) { return wanted < run.Start; }));
 }
 
 void WaveReading::StepPointer(int step) {

@@ -34,7 +34,9 @@ class WaveReading {
   /// Moves the pointer to the beginning of the next run, or of the one before with a step of -1.
   void StepPointer(int step);
   std::optional<int> Pointer() const { return pointer_; }
-  const WaveRun* RunAtPointer() const;
+  const WaveRun* RunAtPointer() const { return pointer_ ? RunAt(*pointer_) : nullptr; }
+  /// The run of a sample; none of one that the trace does not have.
+  const WaveRun* RunAt(int sample) const;
   /// Kind and length of the run at the pointer, in microseconds and units of T; empty without one.
   /// @param pulse T in microseconds; 0 if it is not known
   std::string PointerText(int pulse) const;

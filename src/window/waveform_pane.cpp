@@ -28,9 +28,12 @@ constexpr std::size_t kShortestTrace = 60;  // bytes; with less there is nothing
 
 }  // namespace
 
+double WaveformPane::LevelOf(bool isMark) const {
+  return surface_.Height - kLowerLevel - (isMark ? kLevelHeight : 0);
+}
+
 void WaveformPane::DrawWave(std::string_view capture, int offset) {
-  const double lower = surface_.Height - kLowerLevel;
-  const double upper = lower - kLevelHeight;
+  const double lower = LevelOf(false), upper = LevelOf(true);
   const double right = surface_.Width - kMargin;
   const std::string samples = SamplesToBits(capture);
   surface_.Clear();
@@ -61,6 +64,17 @@ void WaveformPane::Redraw() { DrawWave(signal_.RawCapture, offset_); }
 double WaveformPane::PlaceOf(double sample) const { return (sample + kSamplesPerByte + offset_) * zoom_; }
 
 double WaveformPane::SampleAt(double place) const { return place / zoom_ - kSamplesPerByte - offset_; }
+
+std::optional<ui::DrawingSurface::Point> WaveformPane::Entry() const {
+  const double sample = std::clamp(std::floor(SampleAt(kMargin)), -1.0, 1.0 * reading_.Samples());
+  const WaveRun* run = reading_.RunAt(static_cast<int>(sample));
+  if (run == nullptr) return std::nullopt;
+  return ui::DrawingSurface::Point{kMargin, LevelOf(run->Mark), ui::kGreen};
+}
+
+double WaveformPane::End() const {
+  return std::min(PlaceOf(reading_.Samples()), 1.0 * surface_.Width - kMargin);
+}
 
 void WaveformPane::ZoomAt(double place, double factor) {
   if (reading_.Samples() == 0) return;

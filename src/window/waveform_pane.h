@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "signal/signal_state.h"
@@ -29,6 +30,11 @@ class WaveformPane {
   /// Pixels of the design from the left edge of the surface to a sample.
   double PlaceOf(double sample) const;
   double SampleAt(double place) const;
+  /// Where a trace that begins ahead of the left margin comes out of it, on the level of the sample that
+  /// stands there; none for another trace. At great zoom that sample may be the only one to be seen.
+  std::optional<ui::DrawingSurface::Point> Entry() const;
+  /// Where the last sample ends, or goes into the right margin.
+  double End() const;
   /// Stretches the trace by a factor; what stands at a place stays there.
   void ZoomAt(double place, double factor);
   /// Shows the whole trace.
@@ -37,6 +43,7 @@ class WaveformPane {
   void Slide(int samples);
 
  private:
+  double LevelOf(bool isMark) const;
   void DrawWave(std::string_view capture, int offset);
   void Redraw();
   bool CanZoom() const;

@@ -165,12 +165,20 @@ TEST_F(MainWindowOnScreen, TheTraceIsReadByMouseAndByKeyboard) {
 
 TEST_F(MainWindowOnScreen, TheTraceIsOneLineAtEveryZoom) {
   Record();
-  for (const char* button : {"GReset", "GExt", "Gshr", "Gshr"}) {
-    Click(button);
+  for (const char* button : {"GReset", "GExt", "Gshr", "Gshr", "GReset", "Zoom"}) {
+    if (button == std::string("Zoom")) {
+      form_->ZoomWave(20, 64);
+      form_->SlideWave(-30);  // into samples that begin ahead of the margin
+    } else {
+      Click(button);
+    }
     const QImage box = Find("Signal").grab().toImage();
-    const int end = static_cast<int>(std::min(form_->WavePlace(400), 500.0) * box.width() * kTwipsPerPixel /
-                                     FindControl("Signal")->Bounds.Width);
-    for (int x = box.width() / 10; x < end; ++x) {
+    const Place at = FindControl("Signal")->Bounds;
+    const auto across = [&](double place) {
+      return static_cast<int>((place * kTwipsPerPixel - at.Left) * box.width() / at.Width);
+    };
+    const int end = across(std::min(form_->WavePlace(400), 530.0));
+    for (int x = across(std::max(form_->WavePlace(0), 20.0)) + 1; x < end; ++x) {
       bool lit = false;
       for (int y = 0; y < box.height(); ++y) lit = lit || box.pixelColor(x, y) == QColor(Qt::green);
       EXPECT_TRUE(lit) << button << " " << x;
