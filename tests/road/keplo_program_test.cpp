@@ -31,6 +31,23 @@ TEST(KeploProgram, RaisesAnEventForEverySample) {
   }
 }
 
+TEST(KeploProgram, CompletesNamesInBashWhateverStandsAhead) {
+  const Install install;
+  const std::string bash = "PATH=" + std::filesystem::path(KEPLO_PROGRAM).parent_path().string() +
+                           ":$PATH KEPLO_HOME=" + install.File("").string() +
+                           " bash -c 'compopt() { :; }; . " +
+                           (kSamples.parent_path() / "data/completion/keplo.bash").string() +
+                           "; COMP_WORDS=(keplo \"$@\"); COMP_CWORD=$#; _keplo; echo ${COMPREPLY[*]}' bash ";
+  for (const auto& [words, offered] : {std::pair("events add 'NEC&TV_M'", "NEC&TV_MUTE"),
+                                       {"events modify 1 --command 'SONY&TV_1'", "SONY&TV_1"},
+                                       {"commands --json rename 'RC5&TV_S'", "RC5&TV_STANDBY"},
+                                       {"forget NEC TV_P", "TV_POWER"},
+                                       {"--app-path = /nowhere forget NEC TV_P", ""},
+                                       {"send --count 2 NEC TV_P", "TV_POWER"}}) {
+    EXPECT_EQ(RunShell(bash + words).Out, std::string(offered) + "\n") << words;
+  }
+}
+
 TEST(KeploProgram, ReadsStandardInputInBothForms) {
   const std::string synth = "'" KEPLO_PROGRAM "' synth --protocol SONY --code 101010010000";
   const Ran mode2 = RunShell(synth + " | '" KEPLO_PROGRAM "' decode --json -");
