@@ -1,13 +1,10 @@
 #include "config/send_as_line.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <optional>
 #include <vector>
 
 #include "config/commands.h"
-#include "config/protocols.h"
-#include "signal/protocol_params.h"
 #include "signal/send_as.h"
 
 namespace keplo {
@@ -55,12 +52,6 @@ int EndOfLines(std::string_view text, const Section& section) {
   return lf == kNowhere || lf >= section.End ? kNowhere : lf + 1;
 }
 
-bool HasPatternsOfRc6(std::string_view text, std::string_view protocol) {
-  ProtocolParams params;
-  std::int16_t kind = 0;
-  return LoadProtocolParams(text, protocol, params, kind) && params.BIT0 == "01" && params.BIT1 == "10";
-}
-
 }  // namespace
 
 std::string SendAsOf(std::string_view text, const Section& section) {
@@ -76,7 +67,6 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
                       std::string_view way) {
   const std::optional<Section> section = FindSectionToChange(text, protocol);
   if (!section || code.empty() || FindNoCase("GREPEAT=", text, section->Begin) >= section->End) return text;
-  if (way == kSendAsRc6 && !HasPatternsOfRc6(text, protocol)) return text;
   const std::string_view digits = code.substr(1);
   const std::string value = SendAsOf(text, *section);
   if (WayOf(digits, value) == way) return text;

@@ -20,8 +20,6 @@ std::string SendAsLine(std::string_view value);
 /// without another code that it would change, the section tells the way for all codes to come; else the line
 /// gets a note on this code. It goes behind the commands, so that a search for their names and codes finds
 /// them first.
-///
-/// RC6 is left out where the patterns are not its own, since the section cannot send it anyhow.
 /// @param code with its leading G
 /// @param way empty for the usual one
 std::string WithWayOf(const std::string& text, std::string_view protocol, std::string_view code,

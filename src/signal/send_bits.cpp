@@ -6,6 +6,7 @@
 
 #include "failure.h"
 #include "signal/decode.h"
+#include "signal/pattern_sets.h"
 #include "signal/rc6.h"
 #include "signal/sample_bits.h"
 #include "signal/send_as.h"
@@ -81,6 +82,16 @@ std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
   return slots;
 }
 
+/// RC6 has patterns of its own. A section made for it has them; any other may hold such a code.
+ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
+  const PatternSet& rc6 = *FindPatternSet(kRc6);
+  if (params.BIT0 == rc6.BIT0 && params.BIT1 == rc6.BIT1) return params;
+  params.BITG = rc6.BITG;
+  params.BIT0 = rc6.BIT0;
+  params.BIT1 = rc6.BIT1;
+  return params;
+}
+
 /// What follows the frame, and follows it as often as kRepeats.
 std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
   const bool ownSync = params.GREPEAT > 1;
@@ -95,20 +106,20 @@ std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params,
                           bool& rc5Toggle) {
   const std::string_view way = WayOf(code, params.SENDAS);
-  if (const std::size_t slots = LengthBound(code, way, params); slots > kMostSlots) {
+  const bool isRc6 = (protoKind == kRc6 || way == kSendAsRc6) && IsRc6Code(code);
+  const ProtocolParams sent = isRc6 ? WithPatternsOfRc6(params) : params;
+  if (const std::size_t slots = LengthBound(code, way, sent); slots > kMostSlots) {
     throw Failure(EMSGSIZE, "The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
                                 std::to_string(kMostSlots) +
                                 " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
   }
-  if (protoKind == kRc5) WriteToggle(code, rc5Toggle);
   params.BitTail = BitTailOf(protoKind);
   if (IsSentInTurns(code, way)) return TurnSlots(code, params);
-  const bool isRc6 = (protoKind == kRc6 || way == kSendAsRc6) && IsRc6Code(code);
+  if (protoKind == kRc5 && !isRc6) WriteToggle(code, rc5Toggle);
   if (isRc6) rc5Toggle = !rc5Toggle;
-  const std::string body =
-      isRc6 ? Rc6Halves(code, rc5Toggle, params.BIT1, params.BIT0) : FrameBody(code, params);
-  const std::string repeat = RepeatSlots(body, params);
-  std::string slots = params.BITG + body;
+  const std::string body = isRc6 ? Rc6Halves(code, rc5Toggle, sent.BIT1, sent.BIT0) : FrameBody(code, params);
+  const std::string repeat = RepeatSlots(body, sent);
+  std::string slots = sent.BITG + body;
   slots.reserve(slots.size() + kRepeats * repeat.size());
   for (std::size_t count = 0; count < kRepeats; ++count) slots += repeat;
   return slots;

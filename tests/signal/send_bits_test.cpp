@@ -69,6 +69,9 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
                         "0101010110100101";
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), head + "1100" + tail);
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), head + "0011" + tail);
+  ProtocolParams other = Params(kRc5, 0, 0);
+  other.SENDAS = "7 " + NoteOfWay(code, kSendAsRc6);
+  EXPECT_EQ(BuildSendBits(code, kRc5, other, toggle), head + "1100" + tail) << "in another section";
   code = "101";
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), "11111100100110") << "no RC6 code";
 
