@@ -20,6 +20,7 @@
 #include "signal/raw/raw_digits.h"
 #include "signal/raw/raw_index.h"
 #include "signal/raw/raw_levels.h"
+#include "signal/send_as.h"
 
 namespace keplo {
 
@@ -110,7 +111,7 @@ class Planner {
     planned.IsRaw = false;
     planned.HeardDigits = heard.Digits;
     planned.Reason.clear();
-    if (section_ && section_->Params.SENDAS != heard.Section.Params.SENDAS) {
+    if (section_ && WayOf(heard.Digits, section_->Params.SENDAS) != heard.Section.Params.SENDAS) {
       planned.Reason = "[" + wishes_.Section + "] has no line SENDAS= " + heard.Section.Params.SENDAS;
       return;
     }
