@@ -53,21 +53,20 @@ std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
 
 std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
   frmEvent dialog(mod_.Store, mod_.Settings);
-  const auto stored = m_EventCollection.Item(EventKey(objInputEvent.EventID));
-  if (stored == nullptr) {
+  const std::string key = EventKey(objInputEvent.EventID);
+  const auto event = m_EventCollection.Item(key);
+  if (event == nullptr) {
     throw Failure(kObjectNotSet, "The event map has no event with the EventID " + objInputEvent.EventID);
   }
-  // The collection keeps what the table has until the change is stored.
-  const auto event = std::make_shared<clsKeploEvent>(*stored);
   std::int32_t result = kInputCancelled;
   if (dialog.ShowMe(kEditMode, *event, windows_.EventDialog)) {
     result = m_EventCollection.Save(kEditMode, event) ? kInputDone : kInputFailed;
     if (result == kInputDone) TellHost(objInputEvent, *event);
   }
-  // After a change that met another program's, the collection has the event anew.
-  const auto present = m_EventCollection.Item(EventKey(objInputEvent.EventID));
-  const bool tookInAnother = present != nullptr && present != stored;
-  UpdateEventRow(ListView1, tookInAnother ? *present : *event);
+  // Collection and list go together: both have a change that could not be stored, until TakeInChanges brings
+  // back what the table has. After a change that met another program's, the collection has the event anew.
+  const auto present = m_EventCollection.Item(key);
+  UpdateEventRow(ListView1, present != nullptr ? *present : *event);
   return result;
 } catch (const std::exception& failure) {
   return ReportFailure("InputModifyEvent", failure);
