@@ -39,12 +39,14 @@ WebGate::WebGate(std::vector<std::string> names) : names_(std::move(names)) {}
 void WebGate::incomingConnection(qintptr handle) {
   auto* socket = new QTcpSocket(this);
   ++connections_;
-  connect(socket, &QObject::destroyed, this, [this] { --connections_; });
+  connect(socket, &QObject::destroyed, this, [this, socket] {
+    --connections_;
+    Forget(socket);
+  });
   connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-  connect(socket, &QTcpSocket::disconnected, this, [this, socket] { StopWaiting(socket); });
-  const bool givesWay = connections_ > kMostConnections && !waiting_.empty();
-  if (givesWay) waiting_.front()->abort();
-  if (!socket->setSocketDescriptor(handle) || (connections_ > kMostConnections && !givesWay)) {
+  connect(socket, &QTcpSocket::disconnected, this, [this, socket] { Forget(socket); });
+  const bool isRoom = connections_ <= kMostConnections || LetOneGiveWay();
+  if (!socket->setSocketDescriptor(handle) || !isRoom) {
     socket->abort();
     socket->deleteLater();
     return;
@@ -60,7 +62,7 @@ void WebGate::incomingConnection(qintptr handle) {
     const RequestVerdict verdict = Look(*socket);
     if (verdict.Answer == RequestVerdict::Incomplete) return;
     delete watch;
-    StopWaiting(socket);
+    Forget(socket);
     if (verdict.Answer == RequestVerdict::Refused) {
       Refuse(socket, verdict);
     } else {
@@ -69,7 +71,17 @@ void WebGate::incomingConnection(qintptr handle) {
   });
 }
 
-void WebGate::StopWaiting(const QTcpSocket* socket) { std::erase(waiting_, socket); }
+void WebGate::Forget(const QTcpSocket* socket) {
+  std::erase(waiting_, socket);
+  std::erase(lingering_, socket);
+}
+
+bool WebGate::LetOneGiveWay() {
+  const std::deque<QTcpSocket*>& idle = lingering_.empty() ? waiting_ : lingering_;
+  if (idle.empty()) return false;
+  idle.front()->abort();
+  return true;
+}
 
 RequestVerdict WebGate::Look(QTcpSocket& socket) const {
   const OwnAddress own{Numeric(socket.localAddress()), socket.localPort(), socket.localAddress().isLoopback(),
@@ -101,6 +113,7 @@ void WebGate::Refuse(QTcpSocket* socket, const RequestVerdict& verdict) {
   socket->readAll();
   connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
   EndAfter(socket, kSecondsToLinger);
+  lingering_.push_back(socket);
   socket->write(RefusalText(verdict));
   socket->flush();
   ::shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
