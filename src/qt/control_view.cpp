@@ -11,7 +11,6 @@ namespace {
 // that shows the whole panel and three events.
 constexpr int kUsualWidth = 10300, kUsualHeight = 6000;
 constexpr int kLeastWidth = 4935, kLeastHeight = 3500;
-constexpr int kFrameMargin = 120;
 
 }  // namespace
 
@@ -69,10 +68,9 @@ void ControlView::FitIntoSize() {
   const ui::ListView& list = control_.ListView1;
   const QRect placed(scale_.ToPixels(list.Left), scale_.ToPixels(list.Top), scale_.ToPixels(list.Width),
                      scale_.ToPixels(list.Height));
-  // The list's height reaches past the frame's lower edge, which would hide its last row and its scroll bar.
-  const int lowest = frame_->height() - scale_.ToPixels(kFrameMargin);
-  list_->setGeometry(placed.left(), placed.top(), placed.width(),
-                     std::min(placed.height(), lowest - placed.top()));
+  // The list's height reaches past the frame's lower edge, which hides what lies below it. What is left to be
+  // seen holds the whole list here, so that its last row and its scroll bar are not cut.
+  list_->setGeometry(placed.intersected(frame_->contentsRect()));
 }
 
 }  // namespace keplo::qt
