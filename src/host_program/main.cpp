@@ -35,7 +35,7 @@ namespace keplo::host {
 
 namespace {
 
-constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2;
+constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2, kNotWritten = 3;
 constexpr std::chrono::seconds kTimeForPrograms{5}, kTimeToTerminate{1};
 
 HostLog::JournalStreams JournalStreamsOfThisProgram() {
@@ -53,9 +53,21 @@ std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, bool h
   return std::make_unique<QApplication>(argc, argv);
 }
 
+class NotWritten : public Failure {
+ public:
+  using Failure::Failure;
+};
+
+template <typename Step>
+void Write(Step step) try {
+  step();
+} catch (const Failure& failure) {
+  throw NotWritten(failure.Number(), failure.what());
+}
+
 void Register(const HostOptions& options) {
   const Component component(FindComponentToRegister(options.ComponentFile));
-  component.Register();
+  Write([&] { component.Register(); });
   std::cout << kInputKeploClass << " is " << component.File().string() << ", as "
             << ClassFilePath(kInputKeploClass).string() << " says\n";
 }
@@ -66,7 +78,7 @@ void Unregister(const HostOptions& options) {
   } catch (const Failure& failure) {
     std::cerr << "keplo-host: " << failure.what() << "\nThe class file is removed all the same.\n";
   }
-  RemoveClassFile(kInputKeploClass);
+  Write([] { RemoveClassFile(kInputKeploClass); });
   std::cout << kInputKeploClass << " is no longer registered\n";
 }
 
@@ -144,6 +156,31 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   return StatusOf(host, options, log);
 }
 
+int RunTask(int& argc, char** argv, HostOptions& options) try {
+  if (options.ToDo != Task::Run) {
+    options.ToDo == Task::Register ? Register(options) : Unregister(options);
+    return kDone;
+  }
+  const HostLog log(options.Json, JournalStreamsOfThisProgram(), options.Presses);
+  try {
+    const auto application = MakeApplication(argc, argv, options.Headless);
+    return Run(*application, options, log);
+  } catch (const std::exception& failure) {
+    log.Write(LogLevel::Error, failure.what());
+    return kCannotRun;
+  }
+} catch (const NotWritten& failure) {
+  std::cerr << "keplo-host: " << failure.what() << '\n';
+  return kNotWritten;
+}
+
+/// What was printed may not have arrived, as on a disk that is full.
+int StatusWithOutput(int status) {
+  if (std::cout.flush()) return status;
+  std::cerr << "keplo-host: the output cannot be written; is the disk full, or the reader gone?\n";
+  return kNotWritten;
+}
+
 }  // namespace
 
 }  // namespace keplo::host
@@ -154,18 +191,8 @@ int main(int argc, char** argv) {
   keplo::IgnoreFileSizeSignal();
   try {
     HostOptions options;
-    if (const auto status = ReadOptions(argc, argv, options)) return *status;
-    if (options.ToDo != Task::Run) {
-      options.ToDo == Task::Register ? Register(options) : Unregister(options);
-      return kDone;
-    }
-    const HostLog log(options.Json, JournalStreamsOfThisProgram(), options.Presses);
-    try {
-      const auto application = MakeApplication(argc, argv, options.Headless);
-      return Run(*application, options, log);
-    } catch (const std::exception& failure) {
-      log.Write(keplo::LogLevel::Error, failure.what());
-    }
+    if (const auto status = ReadOptions(argc, argv, options)) return StatusWithOutput(*status);
+    return StatusWithOutput(RunTask(argc, argv, options));
   } catch (const std::exception& failure) {
     std::cerr << "keplo-host: " << failure.what() << '\n';
   }

@@ -143,6 +143,9 @@ TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {
   app_.Write(classFile, "{\"class\": \"Inp");
   EXPECT_EQ(statusOf({"--unregister", "--component", "/gone.so"}), 0);
   EXPECT_EQ(app_.Read(classFile), "");
+  std::filesystem::remove(app_.Home() / ".local/share/velmora/classes");
+  app_.Write("home/.local/share/velmora/classes", "no folder");
+  EXPECT_EQ(statusOf({"--register"}), 3);
 }
 
 TEST_F(HostProgramTest, RefusesWhatItCannotRunWith) {
