@@ -32,14 +32,9 @@ void RequireUsable(const CreationContext& context) {
   }
 }
 
-/// Brings a first install, or what is missing of one.
 void SetUp(const CreationContext& context) {
-  const StartInstall start = CompleteInstall(context.ApplicationPath);
-  const Log log(context.Log);
-  if (start.IsFirst) log.Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
-  for (const std::string& remark : {start.OfConfig, start.OfMap}) {
-    if (!remark.empty()) log.Write(LogLevel::Warning, remark);
-  }
+  if (!CompleteInstall(context.ApplicationPath)) return;
+  Log(context.Log).Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
 }
 
 }  // namespace

@@ -162,7 +162,12 @@ void LoadConfig(CfgStore& store) {
     store.ReadFrom = identity;
     RefreshRaw(store);
   } catch (const Failure& failure) {
-    throw Failure(failure.Number(), std::string("The configuration cannot be read: ") + failure.what());
+    const char* const advice =
+        failure.Number() == ENOENT
+            ? ". Put a backup in its place, or run 'keplo install' for the one of a first install."
+            : "";
+    throw Failure(failure.Number(),
+                  std::string("The configuration cannot be read: ") + failure.what() + advice);
   }
 }
 

@@ -71,12 +71,12 @@ Interface* QueryInterface(IComponentObject& object) {
 /// if windows may be shown, and runs it on the thread that creates the object. Without one no object comes.
 class IComponentClass {
  public:
-  /// Brings a first install to the application path, or what is missing of one, and opens the line.
+  /// Brings a first install to an application path without any, or completes one that was cut short, and
+  /// opens the line.
   /// @param context copied; its functions are called until the object is released
   /// @param failure written with the reason if no object comes, for a person
   /// @return null if there is no object: no QCoreApplication, no QApplication although MayUseDisplay is set,
-  /// no
-  ///         application path, a keplo.cfg or recording that cannot be read
+  ///         no application path, a keplo.cfg that is lost, or one or a recording that cannot be read
   virtual ComponentObject CreateObject(const CreationContext& context, std::string& failure) = 0;
 
  protected:

@@ -1,7 +1,7 @@
 #include "install/first_install.h"
 
-#include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include "disk/posix_file_system.h"
@@ -14,6 +14,10 @@
 namespace keplo {
 
 namespace {
+
+/// Stands beside the files of a first install until all of them are there.
+constexpr const char* kUnfinishedFile = "install.unfinished";
+constexpr std::string_view kUnfinishedText = "A first install was begun here. The next start completes it.\n";
 
 void CreateFolder(const std::filesystem::path& folder) {
   std::error_code error;
@@ -34,6 +38,10 @@ bool IsThere(const std::filesystem::path& path) {
   return type != std::filesystem::file_type::not_found;
 }
 
+bool IsNew(const std::filesystem::path& appPath) {
+  return !IsThere(appPath / ShippedFiles()[0].Name) && !IsThere(appPath / kDatabaseFile);
+}
+
 /// @return false if another first start has made it meanwhile
 bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) try {
   CreateEventTable(database, files);
@@ -47,6 +55,8 @@ bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) tr
 
 std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
+  const std::filesystem::path unfinished = appPath / kUnfinishedFile;
+  if (IsNew(appPath)) CreateFile(files, unfinished, kUnfinishedText);
   std::vector<std::string> brought;
   for (const ShippedFile& shipped : ShippedFiles()) {
     const std::filesystem::path file = appPath / shipped.Name;
@@ -54,29 +64,17 @@ std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath,
   }
   const std::filesystem::path database = appPath / kDatabaseFile;
   if (!IsThere(database) && CreateDatabase(files, database)) brought.emplace_back(kDatabaseFile);
+  if (IsThere(unfinished)) RemoveQuietly(files, unfinished);
   return brought;
 }
 
-StartInstall CompleteInstall(const std::filesystem::path& appPath, FileSystem& files) {
-  const std::filesystem::path config = ShippedFiles()[0].Name;
-  const bool hadConfig = IsThere(appPath / config), hadMap = IsThere(appPath / kDatabaseFile);
-  StartInstall start;
-  start.IsFirst = !hadConfig && !hadMap;
-  const std::vector<std::string> brought = BringFirstInstall(appPath, files);
-  const auto wasBrought = [&](const std::string& name) {
-    return !start.IsFirst && std::find(brought.begin(), brought.end(), name) != brought.end();
-  };
-  const auto remark = [&](const std::string& name, const char* made) {
-    return "There was no " + name + " in " + appPath.string() + ", so " + made +
-           ". If there has been one before, put a backup of it in its place.";
-  };
-  if (wasBrought(config))
-    start.OfConfig = remark(config, "one with the protocols of a first install was made");
-  if (wasBrought(kDatabaseFile)) start.OfMap = remark(kDatabaseFile, "an empty event map was made");
-  return start;
+bool CompleteInstall(const std::filesystem::path& appPath, FileSystem& files) {
+  // In this order: another start that is at it takes the mark away only once all files are there.
+  if (!IsNew(appPath) && !IsThere(appPath / kUnfinishedFile)) return false;
+  return !BringFirstInstall(appPath, files).empty();
 }
 
-StartInstall CompleteInstall(const std::filesystem::path& appPath) {
+bool CompleteInstall(const std::filesystem::path& appPath) {
   PosixFileSystem files;
   return CompleteInstall(appPath, files);
 }

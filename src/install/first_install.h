@@ -14,16 +14,13 @@ namespace keplo {
 /// @throws Failure if a file cannot be written
 std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files);
 
-/// What a start found missing.
-struct StartInstall {
-  bool IsFirst = false;         // there was neither a keplo.cfg nor an event map
-  std::string OfConfig, OfMap;  // where only one of them was missing: what the user should know of it
-};
-
-/// For the start of a program: brings what is missing, be it everything or what a first start was killed at.
+/// For the start of a program: brings a first install where there is neither a keplo.cfg nor an event map,
+/// and completes one that was cut short. Where only one of them is missing it was lost: an empty one in its
+/// place would hide that, so nothing is brought, and whoever needs it says what to do.
+/// @return whether anything was brought
 /// @throws Failure if a file cannot be written
-StartInstall CompleteInstall(const std::filesystem::path& appPath, FileSystem& files);
+bool CompleteInstall(const std::filesystem::path& appPath, FileSystem& files);
 /// The same on the files of this machine.
-StartInstall CompleteInstall(const std::filesystem::path& appPath);
+bool CompleteInstall(const std::filesystem::path& appPath);
 
 }  // namespace keplo

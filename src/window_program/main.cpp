@@ -51,8 +51,7 @@ void AddOptions(Command command, WindowOptions& options) {
 
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
-  const std::string remark = CompleteInstall(appPath).OfConfig;
-  if (!remark.empty()) boxes.Message(remark, kBoxTitle);
+  CompleteInstall(appPath);
   const OneWindow here(appPath);
   if (!here.Ours()) {
     if (here.RaiseOther()) return kDone;

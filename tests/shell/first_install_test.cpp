@@ -33,17 +33,14 @@ void Start(const std::filesystem::path& appPath) {
 }
 
 TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
-  for (const auto& [way, own] : {std::pair(Unpublished::Nameless, std::string()),
-                                 {Unpublished::Named, ""},
-                                 {Unpublished::Named, "a keplo.cfg of the user"}}) {
+  for (const Unpublished way : {Unpublished::Nameless, Unpublished::Named}) {
     int operation = 0;
     for (bool killed = true; killed;) {
-      SCOPED_TRACE(own + ", killed ahead of operation " + std::to_string(++operation));
+      SCOPED_TRACE("killed ahead of operation " + std::to_string(++operation));
       const TempFolder folder;
-      if (!own.empty()) folder.Write("keplo.cfg", own);
       killed = IsKilledAt(operation, folder.Path(), way);
       Start(folder.Path());
-      EXPECT_EQ(folder.Read("keplo.cfg"), own.empty() ? ShippedFiles()[0].Bytes : own);
+      EXPECT_EQ(folder.Read("keplo.cfg"), ShippedFiles()[0].Bytes);
       EXPECT_EQ(folder.Read("inkeplo.ico"), ShippedFiles()[1].Bytes);
       EXPECT_EQ(folder.Files().size(), 3U) << "nothing is left beside the three files";
     }
@@ -51,18 +48,15 @@ TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
   }
 }
 
-TEST(FirstInstall, IsCompletedWithAWordOnWhatTheUserMayHaveABackupOf) {
-  for (const std::string missing : {"keplo.cfg", "inputKeplo.mdb", "inkeplo.ico"}) {
-    SCOPED_TRACE(missing);
+TEST(FirstInstall, BringsNothingInThePlaceOfALostFileUnlessItIsAskedTo) {
+  for (const std::string lost : {"keplo.cfg", "inputKeplo.mdb"}) {
     const TempFolder folder;
-    EXPECT_TRUE(CompleteInstall(folder.Path()).IsFirst);
-    ASSERT_TRUE(std::filesystem::remove(folder.Path() / missing));
-    const StartInstall start = CompleteInstall(folder.Path());
-    EXPECT_FALSE(start.IsFirst);
-    const std::string told = "There was no " + missing + " in ";
-    EXPECT_EQ(start.OfConfig.substr(0, told.size()), missing == "keplo.cfg" ? told : "");
-    EXPECT_EQ(start.OfMap.substr(0, told.size()), missing == "inputKeplo.mdb" ? told : "");
-    EXPECT_TRUE(std::filesystem::exists(folder.Path() / missing));
+    PosixFileSystem files;
+    EXPECT_TRUE(CompleteInstall(folder.Path()));
+    ASSERT_TRUE(std::filesystem::remove(folder.Path() / lost));
+    EXPECT_FALSE(CompleteInstall(folder.Path()));
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / lost));
+    EXPECT_EQ(BringFirstInstall(folder.Path(), files), std::vector<std::string>{lost});
   }
 }
 
