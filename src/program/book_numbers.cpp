@@ -5,8 +5,8 @@
 #include <charconv>
 #include <nlohmann/json.hpp>
 
-#include "failure.h"
 #include "disk/json_file.h"
+#include "failure.h"
 
 namespace keplo {
 

@@ -12,14 +12,15 @@ std::atomic<std::size_t> allocations = 0;  // of this program until now
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Inlined on one side only they look to g++ as if they did not belong together.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace keplo::tests {
 namespace {
