@@ -114,7 +114,7 @@ int Monitor(const MonitorOptions& options) {
   };
   if (options.Broker) {
     broker.emplace(mod, station, log);
-    station.OnCapture = [&](const TickReport& tick) { broker->Tell(tick); };
+    control.OnHeard = [&](const TickReport& tick) { broker->Tell(tick); };
   }
   control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
     Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);

@@ -84,7 +84,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
     const Busy busy(*this);
     sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
-  station_.OnCapture = [this](const TickReport& tick) { TellSignal(tick); };
+  control_.OnHeard = [this](const TickReport& tick) { TellSignal(tick); };
   control_.OnKey = [this](KeyChange change, const KeyPress& press) { TellKey(change, press); };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
     const Busy busy(*this);

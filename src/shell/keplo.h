@@ -143,6 +143,8 @@ class Keplo {
   std::function<void()> OnPortOpened;
   /// Runs after a tick that took a capture, for programs that tell a person what became of it.
   std::function<void(const TickReport&)> OnPress;
+  /// Runs with each signal that a tick has heard, code or none, ahead of the pause behind its first event.
+  std::function<void(const TickReport&)> OnHeard;
 
  private:
   void OpenPort();
@@ -166,6 +168,7 @@ class Keplo {
   void LookAgain();
   void TimeCapture(std::chrono::microseconds begin);
   void LetGoIfOver();
+  void TellHeard();
   void TellReleased(const std::vector<KeyPress>& ended);
   /// The key before the receiver of the last capture.
   HeldKey& Key() { return keys_.Of(onAir_.Place); }

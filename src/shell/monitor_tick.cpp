@@ -88,7 +88,7 @@ void Keplo::ReadAndDispatch() {
   // At a line that is never at rest the other rooms' keys are let go all the same.
   if (onAir_.Place != 0) TellReleased(keys_.LetGo(onAir_.Begin, watchedFrom_, onAir_.Place));
   lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
-  if (lastTick_.Reading.Ended != Stage::Code) return;
+  if (lastTick_.Reading.Ended != Stage::Code) return TellHeard();
   // This beep says only that something was captured, before anything is known about the signal.
   if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
   MonitorReading& reading = lastTick_.Reading;
@@ -101,15 +101,25 @@ void Keplo::ReadAndDispatch() {
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);
   }
-  if (!reading.HasCode()) return Key().HearUnread(onAir_);
+  if (!reading.HasCode()) {
+    Key().HearUnread(onAir_);
+    return TellHeard();
+  }
   if (!repeats) HearCode(reading);
   if (!WasHeldInThePause()) return Dispatch(reading);
   lastTick_.Captured = false;
   TellKey(KeyChange::Held, *Key().Pressed());
+  TellHeard();
+}
+
+void Keplo::TellHeard() {
+  Reporting([this] {
+    if (OnHeard) OnHeard(lastTick_);
+  });
 }
 
 void Keplo::Dispatch(const MonitorReading& reading) {
-  bool told = false;
+  bool told = false, heard = false;
   const auto tell = [&] {
     if (std::exchange(told, true) || !Key().Pressed()) return;
     Key().Name(lastTick_.Dispatched.Reference);
@@ -123,9 +133,12 @@ void Keplo::Dispatch(const MonitorReading& reading) {
       [&](HostInputEvent& raised) {
         tell();
         RaiseInputEvent(raised);
+        // The event comes first, and the pause behind it last.
+        if (!std::exchange(heard, true)) TellHeard();
       },
       lastTick_.Dispatched);
   tell();
+  if (!heard) TellHeard();
 }
 
 }  // namespace keplo

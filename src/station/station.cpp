@@ -38,9 +38,7 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
   if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
   control_.OnPress = [this](const TickReport& tick) {
     // The device went, or the light was over before it could be looked at.
-    if (line_.Device != nullptr && tick.Reading.Ended == Stage::Empty) return;
-    CountPress(tick);
-    if (OnCapture) OnCapture(tick);
+    if (line_.Device == nullptr || tick.Reading.Ended != Stage::Empty) CountPress(tick);
   };
 }
 

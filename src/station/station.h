@@ -43,8 +43,6 @@ class Station {
   /// The EventID of the highlighted row; empty if none is.
   std::string HighlightedEvent() const { return keplo::HighlightedEvent(control_.ListView1); }
   Win32Ser& Line() { return *line_.Line; }
-  /// Runs with each capture, after its events.
-  std::function<void(const TickReport&)> OnCapture;
   /// Why what was sent last did not go out; empty if it did.
   std::string WhyNotSent() const;
   /// What the line is, in a sentence for a person.
