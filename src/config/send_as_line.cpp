@@ -74,8 +74,8 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
   std::vector<std::string> words = WordsOf(value);
   const std::vector<LearnedCommand> commands = ListCommands(text, protocol);
   const bool forAll =
-      words.empty() && std::none_of(commands.begin(), commands.end(), [&](const LearnedCommand& command) {
-        return !command.Code.empty() && !WayOf(std::string_view(command.Code).substr(1), way).empty();
+      words.empty() && std::all_of(commands.begin(), commands.end(), [](const LearnedCommand& command) {
+        return command.Code + "," + command.Name == kPlaceholderLine;
       });
   words.erase(std::remove_if(words.begin(), words.end(),
                              [&](const std::string& word) { return IsNoteOn(digits, word); }),

@@ -16,10 +16,10 @@ std::string SendAsOf(std::string_view text, const Section& section);
 /// The line of the key with its line end; empty for a section that sends as its other keys say.
 std::string SendAsLine(std::string_view value);
 
-/// A text in which a section sends a code in some way, and all its other codes as before. Without SENDAS= and
-/// without another code that it would change, the section tells the way for all codes to come; else the line
-/// gets a note on this code. It goes behind the commands, so that a search for their names and codes finds
-/// them first.
+/// A text in which a section sends a code in some way, and all its other codes as before: a section without
+/// commands and without SENDAS= is made for such codes and tells the way for all of them, any other one gets
+/// a note on this code in the line. It goes behind the commands, so that a search for their names and codes
+/// finds them first.
 /// @param code with its leading G
 /// @param way empty for the usual one
 std::string WithWayOf(const std::string& text, std::string_view protocol, std::string_view code,
