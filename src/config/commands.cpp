@@ -101,7 +101,12 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
 }
 
 std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name) {
-  return ByName(ListProtocols(text), name, [](const std::string& protocol) { return Trimmed(protocol); });
+  const std::vector<std::string> names = ListProtocols(text);
+  const auto meant = ByName(names, name, [](const std::string& protocol) { return Trimmed(protocol); });
+  if (!meant) return std::nullopt;
+  // Of twins only the first is used, and a press has its spelling.
+  return *std::find_if(names.begin(), names.end(),
+                       [&](const std::string& protocol) { return EqualNoCase(protocol, *meant); });
 }
 
 std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_view protocol,

@@ -37,7 +37,7 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
 // Names that a person or another program gives are found in any letter case; where two differ in that alone,
 // the one that is spelled like it.
 
-/// The protocol of a name, as the text spells it.
+/// The protocol of a name, as the text spells it; of several the one that is used.
 std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name);
 std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_view protocol,
                                           std::string_view command);

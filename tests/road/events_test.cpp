@@ -47,8 +47,8 @@ TEST(Events, AreBoundToNamesAsAPressHasThemAndStayAsTheyAre) {
   std::string config = install.Config();
   config.insert(config.find("TV_POWER"), " ");
   config.insert(config.find("TV_MUTE"), "\xC2\x9B");
-  install.Write("keplo.cfg", config);
-  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 0, {}}});
+  install.Write("keplo.cfg", config.insert(config.find("[SONY]"), "[nec]\r\n"));
+  ExpectTold(install, {{"events add 'nec&TV_POWER'", 0, {}}});
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(install.File("inputKeplo.mdb").c_str(), &other), SQLITE_OK);
   sqlite3_exec(other, "update colclsKeploEvents set EventName = 'a' || char(9)", nullptr, nullptr, nullptr);
