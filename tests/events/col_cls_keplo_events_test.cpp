@@ -79,16 +79,6 @@ TEST(EventCollection, TakesAnIDOfAnyCharacters) {
   }
 }
 
-TEST(EventCollection, RefusesAnIDThatAKeylessTableTakesTwice) {
-  const EventFolder folder(kKeylessTable);
-  EventMap map(folder);
-  EXPECT_TRUE(map.Events.Add(Event("2")));
-  EXPECT_FALSE(map.Events.Add(Event("2", "Second")));
-  EXPECT_EQ(map.Errors.back().ErrorNumber, kKeyTaken);
-  EXPECT_TRUE(map.Events.Delete("2"));
-  EXPECT_EQ(StoredEvents(folder), Texts{"2|Second||NEC&POWER|on|3"});
-}
-
 TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
   // The table afterwards, and the failure of switching event 1 off meanwhile.
   const std::vector<std::tuple<const char*, Texts, int>> cases = {

@@ -104,29 +104,26 @@ TEST_F(HostProgramTest, TellsOnePressAndDoesWhatIsDueInIt) {
   }
 }
 
-TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStarted) {
+TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStartedAndReadsWhatLeavesThem) {
+  const std::string fifo = (app_.Path() / "fifo").string();
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   app_.AddPowerEvent(R"([{"kind": "shell", "command": "trap '' TERM; echo deaf; printf last; sleep 1000"},
-                         {"kind": "shell", "command": "sleep 1000 & echo left $$"}])");
+                         {"kind": "shell", "command": "sleep 1000 & echo left $$"},
+                         {"kind": "shell", "command": "setsid -f cat )" +
+                     fifo + R"(; exit 3"}])");
   host_.Start({"--replay", kPower});
   EXPECT_NE(host_.WaitForLog("deaf"), "");
   const std::string group = host_.WaitForLog("left ");
   ASSERT_NE(group, "");
   EXPECT_TRUE(host::IsAlive(std::stoi(group)));
+  EXPECT_NE(host_.WaitForLog("ended with status 3"), "");
+  std::ofstream(fifo) << "late\n";
+  EXPECT_NE(host_.WaitForLog("Event 17: late"), "");
   host_.Signal(SIGTERM);
   host_.Signal(SIGTERM);
   EXPECT_EQ(host_.Wait(), 0);
   EXPECT_FALSE(host::IsAlive(std::stoi(group)));
   ExpectInLog({"/bin/sh does not end; it is killed.", "Event 17: last\n"});
-}
-
-TEST_F(HostProgramTest, ReadsWhatAProgramHasLeftRunning) {
-  const std::string fifo = (app_.Path() / "fifo").string();
-  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  app_.AddPowerEvent(R"([{"kind": "shell", "command": "setsid -f cat )" + fifo + R"(; exit 3"}])");
-  host_.Start({"--replay", kPower});
-  EXPECT_NE(host_.WaitForLog("ended with status 3"), "");
-  std::ofstream(fifo) << "late\n";
-  EXPECT_NE(host_.WaitForLog("Event 17: late"), "");
 }
 
 TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {

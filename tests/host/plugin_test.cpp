@@ -57,6 +57,15 @@ class PluginTest : public ::testing::Test {
     ASSERT_EQ(plugin_->InputInitialise(velmora), kInputDone);
   }
 
+  /// Acts on the next modal window.
+  void OnceShown(const std::function<void(QWidget&)>& act) {
+    look_.callOnTimeout([this, act] {
+      if (QApplication::activeModalWidget() == nullptr) return;
+      look_.stop();
+      act(*QApplication::activeModalWidget());
+    });
+    look_.start(1);
+  }
   bool IsGone() {
     EXPECT_FALSE(component_->CanUnload()) << "at once";
     return QTest::qWaitFor([this] { return component_->CanUnload(); }, 60000);
@@ -65,6 +74,7 @@ class PluginTest : public ::testing::Test {
   ApplicationPath app_;
   Texts log_;
   QEventLoop played_;
+  QTimer look_;
   Sink sink_;
   std::optional<Component> component_{std::in_place, KEPLO_COMPONENT};
   ComponentObject object_;
@@ -139,15 +149,10 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
   app_.AddPowerEvent("[]");
   Create(true, {kPower});
   plugin_->InputStartMonitoring();
-  QTimer look;
-  look.callOnTimeout([&look] {
-    QWidget* window = QApplication::activeModalWidget();
-    if (window == nullptr) return;
-    look.stop();
-    QTest::keyClick(window->findChild<QComboBox*>("ComList"), Qt::Key_Down);
-    window->findChild<QAbstractButton*>("OKButton")->click();
+  OnceShown([](QWidget& window) {
+    QTest::keyClick(window.findChild<QComboBox*>("ComList"), Qt::Key_Down);
+    window.findChild<QAbstractButton*>("OKButton")->click();
   });
-  look.start(1);
   std::int16_t item = 0;
   EXPECT_EQ(plugin_->InputCallMenuItem(item), HostVariant(true));
   EXPECT_NE(app_.Read("app/keplo.cfg").find("COMPORT= 2\r\n"), std::string::npos);
@@ -160,15 +165,10 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
 TEST_F(PluginTest, LivesToTheEndOfWhatItIsReleasedIn) {
   app_.AddPowerEvent("[]");
   Create(true, {kPower});
-  QTimer look;
-  look.callOnTimeout([&] {
-    QWidget* box = QApplication::activeModalWidget();
-    if (box == nullptr) return;
-    look.stop();
+  OnceShown([this](QWidget& box) {
     object_.reset();
-    box->close();
+    box.close();
   });
-  look.start(1);
   plugin_->InputDisplayAboutBox();
   EXPECT_TRUE(IsGone());
 
