@@ -12,6 +12,7 @@
 #include "cli/reference.h"
 #include "cli/sent_pulses.h"
 #include "cli/write_file.h"
+#include "config/beeps.h"
 #include "config/learn.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
@@ -85,13 +86,14 @@ Transmission NextTransmission(KeploMod& mod, const std::string& digits, bool& to
 /// Puts the code out on the line.
 void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options) {
   bool toggle = false;
+  const Beeps beeps(line, mod.Settings);
   PrepareToSend(line);
   for (int sent = 0; sent < options.Count; ++sent) {
     Transmission transmission = NextTransmission(mod, digits, toggle, sent);
     if (options.Pulse) transmission.Slot = *options.Pulse;
-    if (mod.Settings.BeepOn) line.SpeakBeep(5000, 50);
+    beeps.Sound(5000, 50);
     PutOnAir(line, transmission, mod.Settings.InterfaceType);
-    if (mod.Settings.BeepOn) line.SpeakBeep(2000, 50);
+    beeps.Sound(2000, 50);
   }
 }
 

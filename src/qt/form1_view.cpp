@@ -13,11 +13,11 @@
 #include <vector>
 
 #include "qt/control_views.h"
+#include "qt/open_manual.h"
 #include "qt/qt_boxes.h"
-#include "qt/recording_files.h"
-#include "qt/remote_files.h"
+#include "qt/recording_dialogs.h"
+#include "qt/remote_dialogs.h"
 #include "qt/text.h"
-#include "qt/user_programs.h"
 
 namespace keplo::qt {
 

@@ -82,7 +82,7 @@ void RecordFlow::Record() {
   const bool received = ReceiveSignal();
   if (controls_.VexilCheckbox.Checked()) ShowReceivedZone();
   if (!received) {
-    beeper_.Beep(600, 1000);
+    beeps_.Sound(600, 1000);
     fields_.CodeStr.SetBackColour(std::nullopt);
     note_.Show("No signal came.");
     return;
@@ -127,7 +127,7 @@ bool RecordFlow::ReceiveSignal() {
   mod_.Signal.SampleTime = SampleTimeOf(mod_.Settings.ProcDelay);
   place_.clear();
   const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
-  beeper_.Beep(5000, 50);
+  beeps_.Sound(5000, 50);
   std::int32_t received = 0;
   if (mod_.Settings.ReceiverKind == 1) {
     line_.TXD(0);
@@ -191,11 +191,11 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
 
 void RecordFlow::TellVerdict(Verdict verdict) {
   fields_.CodeStr.SetBackColour(BackOf(verdict));
-  if (verdict == Verdict::Known) beeper_.Beep(2000, 50);
+  if (verdict == Verdict::Known) beeps_.Sound(2000, 50);
   if (verdict == Verdict::NotValidated) {
-    beeper_.Beep(2000, 300);
+    beeps_.Sound(2000, 300);
   } else {
-    beeper_.Beep(5000, 50);
+    beeps_.Sound(5000, 50);
   }
 }
 

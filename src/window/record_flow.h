@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "config/beeps.h"
 #include "config/lookup.h"
 #include "keplo_mod.h"
 #include "signal/raw/raw_lesson.h"
@@ -13,7 +14,6 @@
 #include "ui/drop_down_list.h"
 #include "ui/timer.h"
 #include "ui/window.h"
-#include "window/beeper.h"
 #include "window/line_note.h"
 #include "window/reading_fields.h"
 #include "window/recording_files.h"
@@ -38,7 +38,7 @@ class RecordFlow {
              Validation& validation, LineNote& note, const ui::Window& window)
       : mod_(mod),
         line_(line),
-        beeper_(line, mod.Settings),
+        beeps_(line, mod.Settings),
         controls_(controls),
         fields_(controls_.Fields),
         waveform_(waveform),
@@ -71,7 +71,7 @@ class RecordFlow {
 
   KeploMod& mod_;
   Win32Ser& line_;
-  Beeper beeper_;
+  Beeps beeps_;
   Controls controls_;
   const ReadingFields& fields_;
   WaveformPane& waveform_;

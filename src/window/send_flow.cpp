@@ -104,9 +104,9 @@ void SendFlow::SendRaw(const RawSignal& signal) {
 void SendFlow::PutOut(const Transmission& transmission) {
   const ui::WaitNotice notice(window_, "Sending the command.");
   note_.Listen();
-  beeper_.Beep(5000, 50);
+  beeps_.Sound(5000, 50);
   PutOnAir(line_, transmission, mod_.Settings.InterfaceType);
-  beeper_.Beep(2000, 50);
+  beeps_.Sound(2000, 50);
 }
 
 void SendFlow::ShowSent(std::string capture) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "config/beeps.h"
 #include "config/transmission.h"
 #include "keplo_mod.h"
 #include "signal/raw/raw_signal.h"
@@ -14,7 +15,6 @@
 #include "ui/scroll_bar.h"
 #include "ui/timer.h"
 #include "ui/window.h"
-#include "window/beeper.h"
 #include "window/dialogue.h"
 #include "window/line_note.h"
 #include "window/reading_fields.h"
@@ -43,7 +43,7 @@ class SendFlow {
            std::function<bool()> showsTrace, Dialogue& dialogue, LineNote& note, const ui::Window& window)
       : mod_(mod),
         line_(line),
-        beeper_(line, mod.Settings),
+        beeps_(line, mod.Settings),
         controls_(controls),
         fields_(controls_.Fields),
         waveform_(waveform),
@@ -71,7 +71,7 @@ class SendFlow {
 
   KeploMod& mod_;
   Win32Ser& line_;
-  Beeper beeper_;
+  Beeps beeps_;
   Controls controls_;
   const ReadingFields& fields_;
   WaveformPane& waveform_;

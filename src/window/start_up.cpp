@@ -31,10 +31,10 @@ bool Form1::Load() {
   ListAvailableCOM();
   flows_->Options.ShowInterfaceType();
   flows_->Options.ShowBeep();
-  Beeper beeper(line_, mod_.Settings);
-  beeper.Beep(5000, 50);
-  beeper.Beep(2000, 50);
-  beeper.Beep(5000, 50);
+  Beeps beeps(line_, mod_.Settings);
+  beeps.Sound(5000, 50);
+  beeps.Sound(2000, 50);
+  beeps.Sound(5000, 50);
   flows_->Options.ShowZoneHardware();
   if (!IsWhole(mod_.Store.CfgText)) return NotLoaded();
   flows_->Commands.ListProtocols();

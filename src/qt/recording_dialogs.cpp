@@ -1,4 +1,4 @@
-#include "qt/recording_files.h"
+#include "qt/recording_dialogs.h"
 
 #include <QFileDialog>
 #include <QFileInfo>

@@ -7,14 +7,14 @@
 
 namespace keplo {
 
-/// The beeps of the flows, which the user can turn off.
-class Beeper {
+/// The beeps that the user can turn off.
+class Beeps {
  public:
-  Beeper(Win32Ser& line, const Settings& settings) : line_(line), settings_(settings) {}
+  Beeps(Win32Ser& line, const Settings& settings) : line_(line), settings_(settings) {}
 
   /// @param frequency Hz
   /// @param duration milliseconds
-  void Beep(std::int32_t frequency, std::int32_t duration) {
+  void Sound(std::int32_t frequency, std::int32_t duration) const {
     if (settings_.BeepOn) line_.SpeakBeep(frequency, duration);
   }
 

@@ -1,4 +1,4 @@
-#include "qt/user_programs.h"
+#include "qt/open_manual.h"
 
 #include <dlfcn.h>
 

@@ -1,4 +1,4 @@
-#include "qt/remote_files.h"
+#include "qt/remote_dialogs.h"
 
 #include <QFileDialog>
 #include <array>
