@@ -123,6 +123,8 @@ TEST(WalkSections, EndsAtTheClosingHeaderInCapitals) {
   EXPECT_EQ(WalkSections(open).Names, (Texts{"NEC", "this tes", "SONY", "Template", "End"}));
   EXPECT_EQ(WalkSections(open).Ended, WalkEnd::NoMoreHeaders);
   EXPECT_EQ(WalkSections("[NEC]\r\n[END]\r\n").Ended, WalkEnd::NoGeneral);
+  EXPECT_TRUE(IsWhole(kTwo));
+  EXPECT_FALSE(IsWhole(Replaced(kTwo, "[END]", "[END)"))) << "a save would cut behind the bracket before";
 }
 
 TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
