@@ -12,11 +12,10 @@
 #include "doubles/temp_folder.h"
 #include "formats/formats.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using namespace std::string_literals;
-using tests::TempFolder;
 
 std::string ErrorOf(const std::string& path) try {
   LoadRecording(path);
@@ -88,4 +87,4 @@ TEST(Formats, TellThemselvesByTheirBytes) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

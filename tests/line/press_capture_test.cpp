@@ -7,7 +7,7 @@
 #include "signal/sample_bits.h"
 #include "signal/timing.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using namespace std::string_literals;
@@ -37,16 +37,16 @@ TEST(CaptureOfPress, ShapesPulsesUnlessToldNotToAndNoRawBytes) {
   EXPECT_EQ(CaptureOfPress(raw, 5, {}), "\x01\x02\x03\0\0"s);
   EXPECT_EQ(CaptureOfPress(raw, 2, {}), "\x01\x02"s);
   EXPECT_EQ(SignalOfPress(raw, 5, {}), raw.Bytes);
-  const PulseTrain press = tests::Clean(kSony, tests::kSonyBits, 200);
+  const PulseTrain press = Clean(kSony, kSonyBits, 200);
   LineOptions unshaped;
   unshaped.Shape = false;
   EXPECT_EQ(CaptureOfPress(press, 510, unshaped), PulsesToCapture(press, 55, 510));
-  EXPECT_EQ(tests::Heard(press, unshaped), "no-timing");
-  EXPECT_EQ(tests::Heard(press), tests::kSonyBits);
+  EXPECT_EQ(Heard(press, unshaped), "no-timing");
+  EXPECT_EQ(Heard(press), kSonyBits);
 }
 
 TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {
-  const PulseTrain press = tests::Clean(kSony, tests::kSonyBits, 200);
+  const PulseTrain press = Clean(kSony, kSonyBits, 200);
   LineOptions asRecorded;
   asRecorded.HoldMs = 0;
   const std::string capture = CaptureOfPress(press, 1000, asRecorded);
@@ -61,4 +61,4 @@ TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -8,10 +8,9 @@
 #include "press_builder.h"
 #include "signal/decode.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
-using tests::Heard;
 namespace fs = std::filesystem;
 
 /// Recordings of real remotes with an index.json of their true bits; they are no part of the project.
@@ -73,4 +72,4 @@ TEST_F(RealRecordings, AreAllReadByTheSecondLookEvenUnshaped) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

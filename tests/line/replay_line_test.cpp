@@ -7,19 +7,16 @@
 #include "signal/timing.h"
 #include "signal/zone_link.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
-using tests::Clean;
-using tests::TestClock;
 
 constexpr std::int32_t kDelay = 10;
 
 std::vector<Recording> TwoFiles() {
-  return {{"a", {Clean(kSony, tests::kSonyBits)}},
-          {"b", {RawBytes{"\x01\x02\x03"s}, Clean(kNec, tests::kNecBits)}}};
+  return {{"a", {Clean(kSony, kSonyBits)}}, {"b", {RawBytes{"\x01\x02\x03"s}, Clean(kNec, kNecBits)}}};
 }
 
 std::string Monitored(ReplayLine& line, std::size_t bytes = 510) {
@@ -57,7 +54,7 @@ TEST(ReplayLine, RecordsUpToTheLimit) {
   ReplayLine line(TwoFiles(), kStandard);
   std::string buffer(1000, 'x');
   EXPECT_NE(line.IRRecordN(buffer, kDelay, 100), 0) << "either receiver's call takes the press";
-  const std::string expected = SignalOfPress(Clean(kSony, tests::kSonyBits), 100, {});
+  const std::string expected = SignalOfPress(Clean(kSony, kSonyBits), 100, {});
   const std::size_t signal = expected.find_last_not_of('\0') + 1;
   EXPECT_EQ(buffer.substr(0, signal), expected.substr(0, signal));
   EXPECT_EQ(buffer.substr(signal), std::string(1000 - signal, 'x'))
@@ -72,7 +69,7 @@ TEST(ReplayLine, RecordsUpToTheLimit) {
 TEST(ReplayLine, HoldsTheKeyOfTheLastPressDown) {
   const auto owned = std::make_shared<TestClock>();
   TestClock& clock = *owned;
-  ReplayLine line({{"a", {Clean(kNec, tests::kNecBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
+  ReplayLine line({{"a", {Clean(kNec, kNecBits), Clean(kSony, kSonyBits)}}}, kStandard);
   line.PlayAgainst(owned);
   line.HoldLastPress(3);
   std::string buffer(100, 'x');
@@ -86,12 +83,12 @@ TEST(ReplayLine, HoldsTheKeyOfTheLastPressDown) {
 }
 
 TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
-  ReplayLine line({{"a", {Clean(kSony, tests::kSonyBits), Clean(kSony, tests::kSonyBits)}}}, kStandard);
+  ReplayLine line({{"a", {Clean(kSony, kSonyBits), Clean(kSony, kSonyBits)}}}, kStandard);
   std::string buffer(510, '\0');
   line.IRMonitorN(buffer, kDelay + 20);
   LineOptions slower;
   slower.SampleTime = 65;
-  EXPECT_EQ(buffer, CaptureOfPress(Clean(kSony, tests::kSonyBits), 510, slower));
+  EXPECT_EQ(buffer, CaptureOfPress(Clean(kSony, kSonyBits), 510, slower));
   line.IRMonitor(buffer, -1'000'000);
   EXPECT_EQ(buffer.substr(0, 300), std::string(300, '\xFF')) << "no sample takes less than a microsecond";
 }
@@ -161,4 +158,4 @@ TEST(ReplayLine, AnswersForTheZoneHardware) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -6,13 +6,11 @@
 #include "signal/zone_link.h"
 #include "simulated_port.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
-using tests::Clean;
-using tests::SimulatedPort;
 
 constexpr std::int32_t kDelay = 10;  // samples of 55 us
 
@@ -37,7 +35,7 @@ struct SerialLineTest : ::testing::Test {
   std::int16_t Receiver = 0;
   Analysis Reader = Analysis::First;
   std::vector<std::string> Told;
-  SerialLine Line{Port, tests::kSimulatedDevice, Receiver, ReadBy(Reader),
+  SerialLine Line{Port, kSimulatedDevice, Receiver, ReadBy(Reader),
                   [this](const std::string& text) { Told.push_back(text); }};
 
   bool AtRest() { return Line.DCD() == (Receiver == 0 ? 1 : 0); }
@@ -55,7 +53,7 @@ struct SerialLineTest : ::testing::Test {
 
 TEST_F(SerialLineTest, HearsPressesThatBounceHoweverLateItLooksOrWakes) {
   const std::pair<std::int16_t, std::string> presses[] = {
-      {kNec, tests::kNecBits}, {kSony, tests::kSonyBits}, {kRc5, tests::kRc5Bits}};
+      {kNec, kNecBits}, {kSony, kSonyBits}, {kRc5, kRc5Bits}};
   for (const int round : {0, 1, 2, 3}) {
     Receiver = static_cast<std::int16_t>(round % 2);
     Reader = round < 2 ? Analysis::First : Analysis::Second;
@@ -95,7 +93,7 @@ TEST_F(SerialLineTest, RestsBesideALamp) {
   EXPECT_TRUE(AtRest()) << "one capture of a lamp is enough";
   Port.AlwaysLit = false;
   EXPECT_TRUE(AtRest());
-  Port.Play(Clean(kNec, tests::kNecBits));
+  Port.Play(Clean(kNec, kNecBits));
   EXPECT_FALSE(AtRest());
 }
 
@@ -121,7 +119,7 @@ TEST_F(SerialLineTest, TellsOnceThatItsDeviceWentWhateverItDidAndOpensItAgain) {
     Port.GoneAt = std::chrono::nanoseconds::max();
     EXPECT_TRUE(AtRest());
     EXPECT_TRUE(Port.Rts && !Port.Break) << "as after opening";
-    EXPECT_EQ(Told.back(), tests::kSimulatedDevice + " is back.");
+    EXPECT_EQ(Told.back(), kSimulatedDevice + " is back.");
     EXPECT_EQ(Line.WhyNot(), "");
   }
 }
@@ -179,7 +177,7 @@ TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
 TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {
   Port.There = false;
   EXPECT_EQ(Line.OpenCom(1), 0);
-  EXPECT_EQ(Line.WhyNot(), tests::kSimulatedDevice + " is not there. Plug it in, or load its driver.");
+  EXPECT_EQ(Line.WhyNot(), kSimulatedDevice + " is not there. Plug it in, or load its driver.");
   Line.DTR(-1);
   Line.IRSend("\xFF", 560, 0);
   Line.SendChr('P');
@@ -191,4 +189,4 @@ TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

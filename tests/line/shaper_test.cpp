@@ -9,16 +9,8 @@
 #include "press_builder.h"
 #include "signal/timing.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Clean;
-using tests::FramesOf;
-using tests::Heard;
-using tests::kNecBits;
-using tests::kRc5Bits;
-using tests::kSonyBits;
-using tests::StartsOf;
 
 /// One room for all presses, as a line has it: nothing of a press may reach the next one.
 ShapingSpace& Space() {
@@ -169,4 +161,4 @@ TEST(HoldPress, SendsASingleFrameAtThePeriodOfItsProtocol) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -10,24 +10,21 @@
 #include "signal/timing.h"
 #include "synth/sample_presses.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Clean;
-using tests::Heard;
 
 TEST(SynthPress, MakesTheFramesOfEachProtocol) {
   using Frames = std::vector<PulseTrain>;
   using Starts = std::vector<std::int64_t>;
   const PulseTrain nec = Clean(kNec, "10", 0, 1);
-  EXPECT_EQ(tests::FramesOf(nec), (Frames{{9000, 4500, 562, 1688, 562, 563, 562}, {9000, 2250, 562}}));
-  EXPECT_EQ(tests::StartsOf(nec), (Starts{0, 108'000}));
+  EXPECT_EQ(FramesOf(nec), (Frames{{9000, 4500, 562, 1688, 562, 563, 562}, {9000, 2250, 562}}));
+  EXPECT_EQ(StartsOf(nec), (Starts{0, 108'000}));
   const PulseTrain sony = Clean(kSony, "10", 50, 0);
-  EXPECT_EQ(tests::FramesOf(sony).at(1), (PulseTrain{2450, 550, 1250, 550, 650}));
-  EXPECT_EQ(tests::StartsOf(sony), (Starts{0, 45'000, 90'000})) << "SONY never sends fewer frames";
+  EXPECT_EQ(FramesOf(sony).at(1), (PulseTrain{2450, 550, 1250, 550, 650}));
+  EXPECT_EQ(StartsOf(sony), (Starts{0, 45'000, 90'000})) << "SONY never sends fewer frames";
   const PulseTrain rc5 = Clean(kRc5, "1101", 0, 1);
-  EXPECT_EQ(tests::FramesOf(rc5).at(0), (PulseTrain{889, 889, 1778, 1778, 889}));
-  EXPECT_EQ(tests::StartsOf(rc5), (Starts{0, 113'800}));
+  EXPECT_EQ(FramesOf(rc5).at(0), (PulseTrain{889, 889, 1778, 1778, 889}));
+  EXPECT_EQ(StartsOf(rc5), (Starts{0, 113'800}));
 }
 
 TEST(SynthPress, RefusesWhatNoRemoteSends) {
@@ -84,4 +81,4 @@ TEST(SamplePresses, StandInTheSamplesFolderAndAreHeard) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

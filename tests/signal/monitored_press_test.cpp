@@ -4,16 +4,8 @@
 
 #include "signal_builder.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
-
-using tests::Bytes;
-using tests::Capture;
-using tests::NecRuns;
-using tests::Padded;
-using tests::Rc5Runs;
-using tests::SonyRuns;
-using tests::Then;
 
 const std::string kNecDigits = "00000000111111110110100010010111";
 
@@ -25,7 +17,7 @@ TEST(MonitoredPress, EndsWhereItMust) {
     std::string Digits;
   };
   const std::string nec13 = "0000011110010";
-  const std::string nec = Bytes(tests::Runs(NecRuns(kNecDigits)));
+  const std::string nec = Bytes(Runs(NecRuns(kNecDigits)));
   std::vector<int> alike(43, 10);
   alike[0] = alike[1] = 60;
   const std::vector<Case> cases = {
@@ -71,4 +63,4 @@ TEST(TrimCapture, KeepsAHundredSilentBytesAfterTheSignal) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests

@@ -4,19 +4,15 @@
 
 #include "signal_builder.h"
 
-namespace keplo {
+namespace keplo::tests {
 namespace {
 
-using tests::NecRuns;
-using tests::Padded;
-using tests::Rc5Runs;
-using tests::SonyRuns;
 using RunVector = std::vector<int>;
 
 const std::string kNecDigits = "00000000111111110110100010010111";
 
 /// Two frames of one press, the silence between them long enough to end a frame.
-RunVector Twice(const RunVector& first, const RunVector& second) { return tests::Then(first, 400, second); }
+RunVector Twice(const RunVector& first, const RunVector& second) { return Then(first, 400, second); }
 RunVector Twice(const RunVector& frame) { return Twice(frame, frame); }
 
 TEST(RecordedPress, ExplainsAPressOfEachKind) {
@@ -51,7 +47,7 @@ TEST(RecordedPress, ExplainsAPressOfEachKind) {
   SignalState state;
   RecordReading reading;
   for (const Case& c : cases) {
-    ReadRecordedCapture(tests::Capture(c.Press, kRecordCaptureBytes), state, Analysis::First, reading);
+    ReadRecordedCapture(Capture(c.Press, kRecordCaptureBytes), state, Analysis::First, reading);
     EXPECT_EQ(reading.Ended, RecordStage::Code) << c.Name;
     EXPECT_EQ(reading.ProtoKind, c.Kind) << c.Name;
     EXPECT_EQ(reading.Code, c.Code) << c.Name << ": " << reading.Decoded;
@@ -72,7 +68,7 @@ TEST(RecordedPress, EndsWhereItMust) {
   };
   RunVector alike(43, 10);
   alike[0] = alike[1] = 60;
-  const auto press = [](const RunVector& runs) { return tests::Capture(runs, kRecordCaptureBytes); };
+  const auto press = [](const RunVector& runs) { return Capture(runs, kRecordCaptureBytes); };
   const std::vector<Case> cases = {
       {"silence", Padded("", kRecordCaptureBytes), RecordStage::Empty, ""},
       {"no bytes at all", "", RecordStage::Empty, ""},
@@ -80,7 +76,7 @@ TEST(RecordedPress, EndsWhereItMust) {
       {"20 bytes and silence", Padded(std::string(20, '\xFF'), kRecordCaptureBytes), RecordStage::NoTiming,
        ""},
       // Nothing is cut off a full buffer, so its length does not count.
-      {"23 bytes alone", tests::Bytes(tests::Runs(SonyRuns("000100"))), RecordStage::Fragment, "000100"},
+      {"23 bytes alone", Bytes(Runs(SonyRuns("000100"))), RecordStage::Fragment, "000100"},
       {"all runs alike", press(alike), RecordStage::Unknown, ""},
       {"a single frame of six digits", press(SonyRuns("010110")), RecordStage::Fragment, "010110"},
   };
@@ -97,10 +93,10 @@ TEST(RecordedPress, EndsWhereItMust) {
 
 TEST(RecordedPress, ComparesASecondFrameThatTheBufferCuts) {
   const RunVector sony = SonyRuns("101010010000");
-  std::string samples = tests::Runs(Twice(sony, {sony.begin(), sony.end() - 6}));
+  std::string samples = Runs(Twice(sony, {sony.begin(), sony.end() - 6}));
   while (samples.size() % kBitsPerByte != 0) samples += '1';
   SignalState state;
-  const RecordReading reading = ReadRecordedCapture(tests::Bytes(samples), state);
+  const RecordReading reading = ReadRecordedCapture(Bytes(samples), state);
   EXPECT_EQ(reading.Code, "101010010000");
   EXPECT_EQ(reading.SecondFrame, "10101001") << "the mark that ends the samples is no run";
   EXPECT_FALSE(reading.Repeats);
@@ -131,4 +127,4 @@ TEST(TrimRecording, KeepsThirtySilentBytesAfterTheSignal) {
 }
 
 }  // namespace
-}  // namespace keplo
+}  // namespace keplo::tests
