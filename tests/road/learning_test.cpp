@@ -101,16 +101,15 @@ TEST(Learning, TellsWhatTheWindowShows) {
 /// The copies of a frame that is held confirm nothing.
 TEST(Learning, WantsASecondPressWhereTheRemoteSendsOneFrame) {
   const std::string firstFrame = " | head -n 25";  // SONY sends each three times
-  struct Key {
-    std::string Protocol, Press, NextPress;
-  };
-  for (const Key& key : {Key{"SONY", "001000100010", "001000100010"},
-                         Key{"RC5", "11000001001001", "11100001001001"}}) {  // with the next toggle digit
+  for (const auto& [protocol, code, nextCode] :
+       {std::tuple("SONY", "001000100010", "001000100010"),
+        {"RC5", "11000001001001", "11100001001001"}}) {  // with the next toggle digit
     const Install install;
-    const std::string synth = "--repeats 0 --protocol " + key.Protocol + " --code ";
-    const std::string press = install.Press("press.mode2", synth + key.Press + firstFrame);
-    const std::string next = install.Press("next.mode2", synth + key.NextPress + firstFrame);
-    const std::string name = " --name '" + key.Protocol + "&ONCE'", learned = key.Protocol + "&ONCE ";
+    const std::string synth = std::string("--repeats 0 --protocol ") + protocol + " --code ";
+    const std::string press = install.Press("press.mode2", synth + code + firstFrame);
+    const std::string next = install.Press("next.mode2", synth + nextCode + firstFrame);
+    const std::string learned = protocol + std::string("&ONCE "),
+                      name = " --name '" + std::string(protocol) + "&ONCE'";
     ExpectTold(install,
                {{"learn" + press + press + name, 1, {"not yet validated", "two equal presses"}},
                 {"learn" + press + next + name, 0, {learned + "learned: G"}},

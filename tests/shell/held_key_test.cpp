@@ -51,12 +51,7 @@ std::string Told(const std::vector<Signal>& signals) {
 }
 
 TEST(HeldKey, TellsOnePressFromTwo) {
-  struct Case {
-    const char* Name;
-    std::vector<Signal> Signals;
-    const char* Told;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, std::vector<Signal>, const char*> cases[] = {
       {"a repeat in its time", {{"code", 0ms}, {"code", 108ms}, {"code", 216ms}}, "PHH"},
       {"one repeat lost", {{"code", 0ms}, {"code", 216ms}}, "PH"},
       {"two taps", {{"code", 0ms}, {"code", 311ms}}, "PRP"},
@@ -78,7 +73,7 @@ TEST(HeldKey, TellsOnePressFromTwo) {
       {"one signal that cannot be read", {{"code", 0ms}, {"unread", 150ms}, {"code", 300ms}}, "PH"},
       {"a line full of noise", {{"code", 0ms}, {"unread", 150ms}, {"unread", 300ms}, {"code", 470ms}}, "PRP"},
   };
-  for (const Case& row : cases) EXPECT_EQ(Told(row.Signals), row.Told) << row.Name;
+  for (const auto& [name, signals, told] : cases) EXPECT_EQ(Told(signals), told) << name;
 }
 
 /// A control on a line that plays against a clock.

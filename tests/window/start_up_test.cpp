@@ -53,15 +53,9 @@ class StartUp : public WindowTest {
 };
 
 TEST_F(StartUp, FindsThePortsAndEndsOnTheConfiguredOne) {
-  struct Case {
-    std::string General;
-    std::map<std::int32_t, int> Ports;
-    Texts Calls, Shown;
-    std::string Chosen;
-    int Probes;
-  };
+  using Case = std::tuple<std::string, std::map<std::int32_t, int>, Texts, Texts, std::string, int>;
   const Texts end = {"OpenCom 5", "RTS -1", "TXD 0"};
-  for (const Case& c : std::vector<Case>{
+  for (const auto& [general, ports, calls, shown, chosen, probes] : std::vector<Case>{
            {"5 1 28 0 0 0",
             {{2, 1}, {5, 1}},
             {"OpenCom 2", "OpenCom 5", "OpenCom 5", "RTS -1", "RTS -1", "TXD 0", end[0], end[1], end[2]},
@@ -70,13 +64,13 @@ TEST_F(StartUp, FindsThePortsAndEndsOnTheConfiguredOne) {
             28 * 3 + 2 + 2},
            {"9 1 28 0 0 0", {{2, 1}, {5, 1}}, {"OpenCom 2", end[0], end[1], end[2]}, {}, "", 28 * 3 + 2 + 1},
            {"5 1 28 0 0 0", {}, {}, {"There is no COM port available"}, "", 30 * 3}}) {
-    Ports = c.Ports;
-    ASSERT_TRUE(Load(FileOf(c.General)));
-    EXPECT_EQ(line_.Calls, c.Calls);
-    EXPECT_EQ(boxes_.TakeShown(), c.Shown);
-    EXPECT_EQ(form_->ComList.Text(), c.Chosen);
-    EXPECT_EQ(form_->ComList.Count(), static_cast<int>(c.Ports.size()));
-    EXPECT_EQ(Probes, c.Probes);
+    Ports = ports;
+    ASSERT_TRUE(Load(FileOf(general)));
+    EXPECT_EQ(line_.Calls, calls);
+    EXPECT_EQ(boxes_.TakeShown(), shown);
+    EXPECT_EQ(form_->ComList.Text(), chosen);
+    EXPECT_EQ(form_->ComList.Count(), static_cast<int>(ports.size()));
+    EXPECT_EQ(Probes, probes);
     EXPECT_EQ(form_->Protocol.Text() + " " + form_->SendCmd.Text(), "Two EMPTY");
     EXPECT_EQ(form_->ProcDelayparameter.Text(), "28");
   }
@@ -107,32 +101,30 @@ TEST_F(StartUp, TheUsersChoiceIsColouredByItsFirstAttempt) {
 }
 
 TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
-  struct Case {
-    std::string General, InFile;  // before and after
-    Texts Calls;                  // between the ports and the end
-    std::string Shown;            // receiver, output, beep; the zone
-  };
+  // The file before and after, calls between the ports and the end, and receiver, output, beep and zone.
+  using Case = std::tuple<std::string, std::string, Texts, std::string>;
   const Texts beeps = {"SpeakBeep 5000 50", "SpeakBeep 2000 50", "SpeakBeep 5000 50"};
-  for (const Case& c : std::vector<Case>{{"9 0 10 9 0 0", "9 0 10 9 0 0", {"SetMode 1"}, "IRMouse TxD "},
-                                         {"9 0 10 8 1 0", "9 0 10 8 1 0", beeps, "IRMouse Beep "},
-                                         {"9 0 10 0 2 0", "9 0 10 0 2 0", {}, "DCDStd "},
-                                         {"9 0 10 1 1 3",
-                                          "9 0 10 0 1 3",
-                                          {"SetMode 1", beeps[0], beeps[1], beeps[2], "SetMode 2"},
-                                          "DCDStd Beep 3"},
-                                         {"9 0 10 0 0.4 7.5", "9 0 10 0 0.4 8", {"SetMode 2"}, "DCDStd 8"},
-                                         {"9.9 0.9 10 0 0 0", "9.9 0 10 0 0 0", {}, "DCDStd "},
-                                         {"9 77 10 0 0 0", "9 77 10 0 0 0", {}, "DCDStd "}}) {
-    ASSERT_TRUE(Load(FileOf(c.General))) << c.General;
-    EXPECT_EQ(Texts(line_.Calls.begin() + 4, line_.Calls.end()), c.Calls) << c.General;
+  for (const auto& [general, inFile, calls, shown] :
+       std::vector<Case>{{"9 0 10 9 0 0", "9 0 10 9 0 0", {"SetMode 1"}, "IRMouse TxD "},
+                         {"9 0 10 8 1 0", "9 0 10 8 1 0", beeps, "IRMouse Beep "},
+                         {"9 0 10 0 2 0", "9 0 10 0 2 0", {}, "DCDStd "},
+                         {"9 0 10 1 1 3",
+                          "9 0 10 0 1 3",
+                          {"SetMode 1", beeps[0], beeps[1], beeps[2], "SetMode 2"},
+                          "DCDStd Beep 3"},
+                         {"9 0 10 0 0.4 7.5", "9 0 10 0 0.4 8", {"SetMode 2"}, "DCDStd 8"},
+                         {"9.9 0.9 10 0 0 0", "9.9 0 10 0 0 0", {}, "DCDStd "},
+                         {"9 77 10 0 0 0", "9 77 10 0 0 0", {}, "DCDStd "}}) {
+    ASSERT_TRUE(Load(FileOf(general))) << general;
+    EXPECT_EQ(Texts(line_.Calls.begin() + 4, line_.Calls.end()), calls) << general;
     const bool zones = form_->VexilCheckbox.Checked();
     EXPECT_EQ(form_->ReceiverType.Text() + " " + (form_->TxDCheckBox.Checked() ? "TxD " : "") +
                   (form_->BeepCheckbox.Checked() ? "Beep " : "") + (zones ? form_->Zone.Text() : ""),
-              c.Shown)
-        << c.General;
+              shown)
+        << general;
     EXPECT_EQ(form_->TxDCheckBox.Enabled(), !zones);
     form_->Form_Unload();
-    EXPECT_EQ(File(), FileOf(c.InFile)) << c.General;
+    EXPECT_EQ(File(), FileOf(inFile)) << general;
     EXPECT_EQ(line_.Calls.back(), "CloseCom");
   }
 }
