@@ -64,6 +64,7 @@ MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analys
                              SignalState& state) {
   LineOptions readBy = line;
   readBy.ReadBy = &analysis;
+  state.SampleTime = line.SampleTime;
   return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis);
 }
 

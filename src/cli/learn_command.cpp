@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -35,7 +36,7 @@ struct LearnOptions {
 /// The last press of some recordings, and what all of them say of it.
 struct HeardKey {
   RecordReading Last;
-  std::set<std::string> Codes;  // of all presses that have one
+  std::map<std::string, int> Codes;  // of all presses that have one, and of how many
   keplo::Validation Validation;
   bool Known = false;
   RawLesson Raw;
@@ -58,6 +59,7 @@ void HearRaw(const Press& press, LineOptions line, HeardKey& key) {
   SignalState state;
   state.RawCapture = CaptureOfPress(press, kRecordCaptureBytes, line);
   TrimRecording(state.RawCapture);
+  state.SampleTime = line.SampleTime;
   state.Samples.Read(state.RawCapture);
   key.IsClean = key.Raw.Hear(HeardIn(state)) && key.IsClean;
 }
@@ -77,7 +79,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;
-      key.Codes.insert(code);
+      ++key.Codes[code];
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
       Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
     }
@@ -85,13 +87,28 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
   return key;
 }
 
+/// Whether a digit or two turn over from press to press: two codes that hardly differ, each heard twice.
+bool HasTogglingCode(const HeardKey& key) {
+  constexpr int kMostToggles = 2;
+  if (key.Codes.size() != 2) return false;
+  const auto& [code, presses] = *key.Codes.begin();
+  const auto& [other, otherPresses] = *key.Codes.rbegin();
+  if (code.size() != other.size() || presses < 2 || otherPresses < 2) return false;
+  int differ = 0;
+  for (std::size_t i = 0; i < code.size(); ++i) differ += code[i] != other[i] ? 1 : 0;
+  return differ <= kMostToggles;
+}
+
 /// Why the presses cannot be learned as one command, for a person; empty if they can.
 std::string WhyNoCommand(const HeardKey& key) {
   if (const std::string reason = WhyNoCode(key.Last); !reason.empty()) return "no code: " + reason;
   if (key.Codes.size() < 2) return {};
   std::string codes;
-  for (const std::string& code : key.Codes) codes += " G" + code;
-  return "the presses have different codes, and a command has one; give presses of the same key:" + codes;
+  for (const auto& [code, presses] : key.Codes) codes += " G" + code;
+  return "the presses have different codes, and a command has one; give presses of the same key, or four in "
+         "a "
+         "row of a remote that takes turns:" +
+         codes;
 }
 
 void Store(const CommandReference& reference, const HeardKey& key, CfgStore& store) {
@@ -164,7 +181,7 @@ int Learn(const LearnOptions& options) {
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
   const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
-  const bool asRaw = options.Raw || (key.Codes.empty() && key.IsClean);
+  const bool asRaw = options.Raw || (key.IsClean && (key.Codes.empty() || HasTogglingCode(key)));
   if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
   if (options.Raw) {
     throw Refused("Raw commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");

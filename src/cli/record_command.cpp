@@ -18,6 +18,7 @@
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "signal/recorded_press.h"
+#include "signal/sample_time.h"
 #include "station/stage_text.h"
 
 namespace keplo::cli {
@@ -124,9 +125,10 @@ void DescribeRaw(const RawPress& raw, nlohmann::ordered_json& json) {
   json["known_as"] = raw.KnownAs;
 }
 
-PressRow Explain(const std::string& capture, Analysis analysis, OpenedConfig* config,
+PressRow Explain(const std::string& capture, double sampleTime, Analysis analysis, OpenedConfig* config,
                  nlohmann::ordered_json* json) {
   SignalState state;
+  state.SampleTime = sampleTime;
   const RecordReading reading = ReadRecordedCapture(capture, state, analysis);
   const std::string knownAs = KnownAs(config, reading);
   const std::string reason = WhyNoCode(reading);
@@ -146,7 +148,8 @@ int RecordFiles(const RecordOptions& options) {
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
     LineOptions line = options.Line;
     line.ReadBy = &analysis;
-    return Explain(CaptureOfPress(press, kRecordCaptureBytes, line), analysis, config.get(), json);
+    return Explain(CaptureOfPress(press, kRecordCaptureBytes, line), line.SampleTime, analysis, config.get(),
+                   json);
   });
 }
 
@@ -175,7 +178,7 @@ int RecordLive(const RecordOptions& options) {
                                           : live.WhyNot());
     }
     const bool hasCode = PrintPress(live.Name(), number, options.Json, [&](nlohmann::ordered_json* json) {
-      return Explain(capture, analysis, &config, json);
+      return Explain(capture, SampleTimeOf(config.Mod.Settings.ProcDelay), analysis, &config, json);
     });
     if (!hasCode) status = kNoResult;
   }

@@ -18,7 +18,9 @@ bool BelongsToCommand(std::string_view text, const MonitorReading& reading) {
 
 }  // namespace
 
-HeardLengths HeardIn(SignalState& signal) { return HeardIn(signal.Runs.Read(signal.Samples)); }
+HeardLengths HeardIn(SignalState& signal) {
+  return HeardIn(signal.Runs.Read(signal.Samples), signal.SampleTime);
+}
 
 std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal) {
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
@@ -50,7 +52,7 @@ std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawS
     capture.resize(kMonitorCaptureBytes);
     heard.Samples.Read(capture);
     const RawMatch match = store.Raw.Index.Find(HeardIn(heard));
-    if (!match.Digits.empty()) return FindCommand(store.CfgText, match.Digits, 0, Analysis::Second);
+    if (match.IsClose) return FindCommand(store.CfgText, match.Digits, 0, Analysis::Second);
   }
   return std::nullopt;
 }

@@ -140,7 +140,7 @@ class Planner {
       planned.Reason = "its lengths are of no two digit patterns, and no clean signal of a few lengths each";
       return;
     }
-    if (const RawMatch match = raw_.Find({runs, false}); !match.Digits.empty()) {
+    if (const RawMatch match = raw_.Find({runs, false}); match.IsClose) {
       if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
       planned.Fate = KeyFate::Known;
       planned.Reason.clear();

@@ -18,16 +18,16 @@ using std::chrono_literals::operator""ms;
 /// event are.
 constexpr microseconds kBlink = 20ms;
 
-microseconds TimeOfSamples(double samples) {
-  return microseconds(static_cast<std::int64_t>(samples * kNominalSampleTime));
+microseconds TimeOfSamples(double samples, double sampleTime) {
+  return microseconds(static_cast<std::int64_t>(samples * sampleTime));
 }
 
 /// From the beginning of a capture to its last mark.
-microseconds LengthOfSignal(const std::string& capture) {
+microseconds LengthOfSignal(const std::string& capture, double sampleTime) {
   const std::size_t bytes = SignalBytes(capture);
   if (bytes == 0) return 0ms;
   const int silent = std::countr_zero(static_cast<unsigned char>(capture[bytes - 1]));
-  return TimeOfSamples(static_cast<double>(bytes) * 8 - silent);
+  return TimeOfSamples(static_cast<double>(bytes) * 8 - silent, sampleTime);
 }
 
 }  // namespace
@@ -41,7 +41,7 @@ void Keplo::LookAgain() {
 
 void Keplo::TimeCapture(microseconds begin) {
   const std::string& capture = mod_.Signal.RawCapture;
-  const microseconds signal = LengthOfSignal(capture);
+  const microseconds signal = LengthOfSignal(capture, mod_.Signal.SampleTime);
   lookedAt_ = LineTime();
   lookedAway_ = true;
   if (const SignalOrigin* const origin = line_.Origin()) {
@@ -54,7 +54,8 @@ void Keplo::TimeCapture(microseconds begin) {
   const bool behindPause = kept_ || watchedFrom_ > 0ms;
   kept_ = behindPause && 2 * (lookedAt_ - begin) < signal;
   onAir_ = {begin, std::min(begin + signal, lookedAt_),
-            TimeOfSamples(static_cast<double>(capture.size()) * 8) - signal, watchedFrom_};
+            TimeOfSamples(static_cast<double>(capture.size()) * 8, mod_.Signal.SampleTime) - signal,
+            watchedFrom_};
 }
 
 /// Whether a capture without digits says that the key is still held; it reads as the code of the key then.
@@ -72,7 +73,7 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
 
 void Keplo::HearCode(const MonitorReading& reading) {
   SignalState& signal = mod_.Signal;
-  const microseconds period = TimeOfSamples(FramePeriod(signal.Runs.Read(signal.Samples)));
+  const microseconds period = TimeOfSamples(FramePeriod(signal.Runs.Read(signal.Samples)), signal.SampleTime);
   const KeySign sign = {reading.Digits,
                         reading.ReadBy.value_or(Analysis::First),
                         signal.Measured.ProtoKind,

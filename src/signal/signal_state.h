@@ -13,7 +13,7 @@ namespace keplo {
 /// What a capture leaves in the module state, and what reads it, which keeps its memory for the next capture.
 struct SignalState {
   std::string RawCapture;
-  double SampleTime = kNominalSampleTime;  // of a capture that a window shows, microseconds
+  double SampleTime = kNominalSampleTime;  // of the capture, microseconds
   Timing Measured;
 
   SampleWords Samples;

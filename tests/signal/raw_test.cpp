@@ -29,9 +29,9 @@ const std::string kKey = "012021102201", kOtherKey = "012021102200";
 /// Heard samples live in a reader.
 class Ear {
  public:
-  HeardLengths Hear(const RunVector& runs) {
+  HeardLengths Hear(const RunVector& runs, double sampleTime = kNominalSampleTime) {
     samples_.Read(tests::Bytes(tests::Runs(runs)));
-    return HeardIn(runs_.Read(samples_));
+    return HeardIn(runs_.Read(samples_), sampleTime);
   }
 
  private:
@@ -112,6 +112,27 @@ TEST_P(RawCommands, AreFoundByTheirLengthsAlone) {
   EXPECT_EQ(match.Alone ? match.Digits : "", GetParam().Found);
 }
 
+TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
+  RawIndex index;
+  index.Add(Learned("key", Frame(kKey)));
+  index.Add(Learned("other", Frame(kOtherKey)));
+  RawSignal alike = Learned("alike", Frame(kKey));
+  alike.Forms.front()[9] += 150;
+  for (const double sampleTime : {50.0, 100.0}) {
+    Ear ear;
+    const auto heard =
+        ear.Hear(Scaled(Silent(Frame(kOtherKey)), kNominalSampleTime / sampleTime), sampleTime);
+    EXPECT_EQ(index.Find(heard).Digits, "other") << sampleTime;
+    EXPECT_TRUE(index.Find(heard).Alone) << sampleTime;
+  }
+  index.Add(alike);
+  Ear ear;
+  RunVector runs = Silent(Frame(kKey));
+  EXPECT_EQ(index.Find(ear.Hear(runs)).Digits, "key");
+  ++runs[9];
+  EXPECT_FALSE(index.Find(ear.Hear(runs)).Alone) << "in the middle between two";
+}
+
 TEST(RawLevels, AreThoseOfACleanSignalOnly) {
   Ear ear;
   RunVector jittery = Frame(kKey), flicker, noise;
@@ -124,6 +145,10 @@ TEST(RawLevels, AreThoseOfACleanSignalOnly) {
     noise.insert(noise.end(), {3 + i * i % 71, 5 + i * 7 % 64});
   }
   EXPECT_FALSE(FindLevels(ear.Hear(flicker)));
+  EXPECT_TRUE(IsMereTrain(ear.Hear(flicker)));
+  const RunVector equal(17, 20);
+  EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, equal))))) << "as many pulses in each frame";
+  EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, RunVector(19, 20))))));
   EXPECT_FALSE(FindLevels(ear.Hear(noise)));
 }
 

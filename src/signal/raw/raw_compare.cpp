@@ -8,13 +8,12 @@ namespace keplo {
 
 namespace {
 
-/// What a length may differ by, microseconds: three samples. A sample more or less at each end of it is the
-/// raster, and the rest is jitter.
-constexpr float kLengthTolerance = 3 * kNominalSampleTime;
+/// What a length may differ by beside two samples, microseconds: edges stray by up to 25 in both hearings.
+constexpr float kLengthTolerance = 130, kCloseLength = 55;
 /// What is added for the length itself, as a part of it: the scale is measured on the others.
 constexpr float kOwnTolerance = 0.015F;
-/// Mean of all differences, microseconds: the raster gives 22 to 32, and jitter of 25 makes up to 50 of it.
-constexpr float kMeanTolerance = 70;
+/// Mean of all differences, microseconds: what jitter of 25 makes, and beside it the raster, in samples.
+constexpr float kMeanTolerance = 70, kCloseMean = 50, kRasterMean = 0.9F;
 /// Remotes keep their period rather than the space behind a frame, and count it out less carefully.
 constexpr float kGapTolerance = 0.04F;
 /// Two receivers lengthen marks by up to 120 us each.
@@ -32,20 +31,38 @@ struct RawMeasure {
   float Excess = 0;  // of marks, microseconds
 };
 
+/// What the lengths that were compared differ by.
+struct RawDifference {
+  float Squares = 0, Most = 0;  // Most less what its length allows for
+  std::size_t Lengths = 0;
+
+  void Add(float off, float allowed) {
+    Squares += off * off;
+    Most = std::max(Most, std::abs(off) - allowed);
+    ++Lengths;
+  }
+  bool IsWithin(float mean, float raster) const {
+    const float squared = mean * mean + kRasterMean * kRasterMean * raster * raster;
+    return Squares <= squared * static_cast<float>(Lengths);
+  }
+};
+
 /// Lengths of the two that stand beside each other, a mark first.
 struct RawPair {
-  RunSpan Heard;                // samples
+  HeardLengths Heard;
   std::span<const int> Stored;  // microseconds
 
-  std::size_t Size() const { return std::min(Heard.size(), Stored.size()); }
-  float HeardUs(std::size_t i) const { return static_cast<float>(Heard[i] * kNominalSampleTime); }
+  std::size_t Size() const { return std::min(Heard.Runs.size(), Stored.size()); }
+  float Sample() const { return static_cast<float>(Heard.SampleTime); }
+  float HeardUs(std::size_t i) const { return static_cast<float>(Heard.Runs[i]) * Sample(); }
   float StoredUs(std::size_t i) const { return static_cast<float>(Stored[i]); }
+  float Tolerance() const { return kLengthTolerance + 2 * Sample(); }
 };
 
 /// Whether a length could be the same with any scale and excess; most signals end here after a few lengths.
 bool IsNear(const RawPair& pair, std::size_t i) {
   const float stored = pair.StoredUs(i);
-  return std::abs(pair.HeardUs(i) - stored) <= kLengthTolerance + kMostExcess + kMostScale * stored;
+  return std::abs(pair.HeardUs(i) - stored) <= pair.Tolerance() + kMostExcess + kMostScale * stored;
 }
 
 /// The periods, which excess leaves as they are, give the scale; what is left of the marks is the excess.
@@ -72,21 +89,23 @@ std::optional<RawMeasure> Measure(const RawPair& pair) {
 }
 
 /// @param wholeFirst whether the first mark was heard from its beginning
-bool IsSame(const RawPair& pair, const RawMeasure& measure, bool wholeFirst) {
-  float squares = 0;
+/// @return nothing if the lengths are not the same
+std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measure, bool wholeFirst) {
+  RawDifference differ;
   for (std::size_t i = 0; i < pair.Size(); ++i) {
     const float stored = measure.Scale * pair.StoredUs(i);
     const float off = pair.HeardUs(i) - stored - (i % 2 == 0 ? measure.Excess : -measure.Excess);
     const bool gap = i % 2 == 1 && IsGap(pair.Stored[i]);
-    const float tolerance = kLengthTolerance + (gap ? kGapTolerance : kOwnTolerance) * stored;
+    const float allowed = (gap ? kGapTolerance : kOwnTolerance) * stored;
     if (i == 0 && !wholeFirst) {
-      if (off > tolerance) return false;
+      if (off > pair.Tolerance() + allowed) return std::nullopt;
       continue;
     }
-    if (std::abs(off) > tolerance) return false;
-    if (!gap) squares += off * off;
+    if (std::abs(off) > pair.Tolerance() + allowed) return std::nullopt;
+    if (!gap) differ.Add(off, allowed);
   }
-  return squares <= kMeanTolerance * kMeanTolerance * static_cast<float>(pair.Size());
+  if (!differ.IsWithin(kMeanTolerance, pair.Sample())) return std::nullopt;
+  return differ;
 }
 
 /// Whether a press may end ahead of a stored length: where a frame ends.
@@ -94,37 +113,33 @@ bool EndsFrameAt(std::span<const int> stored, std::size_t i) {
   return i >= stored.size() || (i % 2 == 1 && IsGap(stored[i]));
 }
 
-bool IsDitto(RunSpan frame) {
-  return frame.size() <= kLongestDitto && std::none_of(frame.begin(), frame.end(), [](int run) {
-           return run > 2 * kRawGap / kNominalSampleTime;
-         });
+bool IsDitto(const HeardLengths& frame) {
+  return frame.Runs.size() <= kLongestDitto &&
+         std::none_of(frame.Runs.begin(), frame.Runs.end(),
+                      [&](int run) { return run * frame.SampleTime > 2 * kRawGap; });
 }
 
-/// Lengths of the frame that a part of a press begins with.
-std::size_t FrameSize(RunSpan part) { return FirstFrameOf({part, false}); }
-
 /// How many heard lengths a part of the stored ones covers; 0 if they are not the same.
-std::size_t CoveredFrom(RunSpan part, bool cut, std::span<const int> stored, const RawMeasure& measure) {
+std::size_t CoveredFrom(const HeardLengths& part, std::span<const int> stored, const RawMeasure& measure) {
   const RawPair pair{part, stored};
-  const bool ends = part.size() <= stored.size();
-  if (ends && !cut && !EndsFrameAt(stored, part.size())) return 0;
-  return IsSame(pair, measure, true) ? pair.Size() : 0;
+  const bool ends = part.Runs.size() <= stored.size();
+  if (ends && !part.Cut && !EndsFrameAt(stored, part.Runs.size())) return 0;
+  return Differ(pair, measure, true) ? pair.Size() : 0;
 }
 
 /// Whether what was heard behind the stored lengths repeats frames of them.
 bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& measure) {
   while (!rest.Runs.empty()) {
-    std::size_t covered = CoveredFrom(rest.Runs, rest.Cut, stored, measure);
+    std::size_t covered = CoveredFrom(rest, stored, measure);
     for (std::size_t i = 1; covered == 0 && i + 1 < stored.size(); i += 2) {
-      if (IsGap(stored[i])) covered = CoveredFrom(rest.Runs, rest.Cut, stored.subspan(i + 1), measure);
+      if (IsGap(stored[i])) covered = CoveredFrom(rest, stored.subspan(i + 1), measure);
     }
-    if (const std::size_t frame = FrameSize(rest.Runs); covered == 0 && IsDitto(rest.Runs.first(frame))) {
-      covered = frame;
-    }
+    const HeardLengths frame = {rest.Runs.first(FirstFrameOf(rest)), false, rest.SampleTime};
+    if (covered == 0 && IsDitto(frame)) covered = frame.Runs.size();
     if (covered == 0) return false;
     if (covered == rest.Runs.size()) return true;
-    if (!IsGap(rest.Runs[covered] * kNominalSampleTime)) return false;
-    rest.Runs = rest.Runs.subspan(covered + 1);
+    if (!rest.IsGap(covered)) return false;
+    rest = rest.From(covered + 1);
   }
   return true;
 }
@@ -132,19 +147,22 @@ bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& me
 }  // namespace
 
 RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost) {
-  if (lost >= stored.size()) return RawFit::None;
-  const RawPair pair{heard.Runs, stored.subspan(lost)};
+  if (lost >= stored.size()) return {};
+  const RawPair pair{heard, stored.subspan(lost)};
   const std::size_t size = pair.Size();
-  if (size < kFewestRawLengths) return RawFit::None;
+  if (size < kFewestRawLengths) return {};
   const std::optional<RawMeasure> measure = Measure(pair);
-  if (!measure || !IsSame(pair, *measure, false)) return RawFit::None;
+  if (!measure) return {};
+  const std::optional<RawDifference> differ = Differ(pair, *measure, false);
+  if (!differ) return {};
   if (size < heard.Runs.size()) {
-    if (!IsGap(heard.Runs[size] * kNominalSampleTime)) return RawFit::None;
-    if (!GoesOn({heard.Runs.subspan(size + 1), heard.Cut}, stored, *measure)) return RawFit::None;
+    if (!heard.IsGap(size) || !GoesOn(heard.From(size + 1), stored, *measure)) return {};
   } else if (!heard.Cut && !EndsFrameAt(pair.Stored, size)) {
-    return RawFit::None;
+    return {};
   }
-  return std::abs(measure->Scale - 1) <= kSameScale ? RawFit::Exact : RawFit::Scaled;
+  const bool exact = std::abs(measure->Scale - 1) <= kSameScale;
+  return {exact ? RawFit::How::Exact : RawFit::How::Scaled, differ->Squares,
+          differ->Most <= kCloseLength + 2 * pair.Sample() && differ->IsWithin(kCloseMean, pair.Sample())};
 }
 
 }  // namespace keplo

@@ -8,10 +8,16 @@
 namespace keplo {
 
 /// How well stored lengths fit what was heard.
-enum class RawFit : std::uint8_t {
-  None,
-  Scaled,  // all lengths are longer or shorter by the same part, as after a change of PROCDELAY
-  Exact
+struct RawFit {
+  enum class How : std::uint8_t {
+    None,
+    Scaled,  // all lengths are longer or shorter by the same part, as after a change of PROCDELAY
+    Exact
+  };
+
+  How Fits = How::None;
+  float Squares = 0;     // sum of all differences, squared; square microseconds
+  bool IsClose = false;  // as near as two hearings without jitter are
 };
 
 /// Compares what was heard with stored lengths, all frames of the press.

@@ -1,7 +1,10 @@
 #include "signal/raw/raw_index.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
+
+#include "signal/raw/raw_levels.h"
 
 namespace keplo {
 
@@ -10,22 +13,38 @@ namespace {
 /// A space that may be heard as one that parts frames, or as none.
 constexpr int kPerhapsGap = kRawGap - 700, kSurelyGap = kRawGap + 700;
 
+/// By how much the sum of squared differences of the next signal is larger, square microseconds: one length
+/// that is off by 120 us more.
+constexpr float kFarBehind = 120 * 120;
+
 /// Looks at the line are 2 ms apart, in which up to two marks with their spaces may have passed.
 constexpr std::size_t kMostLost = 4;
 
 }  // namespace
 
 struct RawIndex::Search {
-  const HeardLengths& Heard;
-  std::optional<std::size_t> Exact = {}, Scaled = {};  // signals
-  bool TwoExact = false, TwoScaled = false;
+  /// The signal that fits best, and how far the next one is from it.
+  struct Best {
+    std::optional<std::size_t> Signal = {};
+    RawFit Fit = {};
+    float Next = std::numeric_limits<float>::max();  // Squares of the best one of another signal
 
-  void Take(std::size_t signal, RawFit fit) {
-    if (fit == RawFit::None) return;
-    std::optional<std::size_t>& found = fit == RawFit::Exact ? Exact : Scaled;
-    bool& two = fit == RawFit::Exact ? TwoExact : TwoScaled;
-    if (found && *found != signal) two = true;
-    found = signal;
+    void Take(std::size_t signal, const RawFit& fit) {
+      const bool better = !Signal || fit.Squares < Fit.Squares;
+      if (Signal && *Signal != signal) Next = std::min(Next, better ? Fit.Squares : fit.Squares);
+      if (!better) return;
+      Signal = signal;
+      Fit = fit;
+    }
+    bool IsAlone() const { return Next - Fit.Squares >= kFarBehind; }
+  };
+
+  const HeardLengths& Heard;
+  Best Exact = {}, Scaled = {};
+
+  void Take(std::size_t signal, const RawFit& fit) {
+    if (fit.Fits == RawFit::How::None) return;
+    (fit.Fits == RawFit::How::Exact ? Exact : Scaled).Take(signal, fit);
   }
 };
 
@@ -71,10 +90,9 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
       if (longer >= count + lost) Compare(longer, lost, search);
     }
   }
-  const bool exact = search.Exact.has_value();
-  const std::optional<std::size_t>& found = exact ? search.Exact : search.Scaled;
-  if (!found) return {};
-  return {signals_[*found], exact ? !search.TwoExact : !search.TwoScaled};
+  const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
+  if (!best.Signal || IsMereTrain(heard)) return {};
+  return {signals_[*best.Signal], best.IsAlone(), best.Fit.IsClose};
 }
 
 }  // namespace keplo

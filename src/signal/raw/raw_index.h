@@ -12,8 +12,9 @@ namespace keplo {
 
 /// What a search found.
 struct RawMatch {
-  std::string_view Digits;  // of a command that fits; empty if there is none
-  bool Alone = false;       // no other one fits
+  std::string_view Digits;  // of the command that fits best; empty if there is none
+  bool Alone = false;       // no other one fits nearly as well
+  bool IsClose = false;     // it fits as near as two hearings without jitter are
 };
 
 /// The raw commands, found by the number of their lengths.

@@ -25,8 +25,8 @@ std::span<const int> FirstFrame(const RawLengths& lengths) {
 bool SendsFrameTwice(const HeardLengths& heard, const RawLengths& lengths) {
   const std::size_t frame = FirstFrameOf(heard);
   if (heard.Runs.size() < 2 * frame + 1) return false;
-  const HeardLengths second{heard.Runs.subspan(frame + 1, frame), false};
-  return CompareRaw(second, std::span(lengths).first(frame)) == RawFit::Exact;
+  const HeardLengths second{heard.Runs.subspan(frame + 1, frame), false, heard.SampleTime};
+  return CompareRaw(second, std::span(lengths).first(frame)).Fits == RawFit::How::Exact;
 }
 
 bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
@@ -43,7 +43,7 @@ bool RawLesson::Hear(const HeardLengths& heard) {
   std::optional<LeveledSignal> signal = FindLevels(heard);
   if (!signal) return false;
   const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {
-    return CompareRaw(heard, form.Signal.Lengths) == RawFit::Exact;
+    return CompareRaw(heard, form.Signal.Lengths).Fits == RawFit::How::Exact;
   });
   order_.push_back(static_cast<std::size_t>(known - forms_.begin()));
   const bool repeats = SendsFrameTwice(heard, signal->Lengths);

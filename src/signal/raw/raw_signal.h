@@ -29,12 +29,20 @@ inline constexpr std::size_t kFewestRawLengths = 17;
 
 /// What a capture holds of a signal.
 struct HeardLengths {
-  RunSpan Runs;      // from the first mark to the last that was heard whole, samples
-  bool Cut = false;  // the samples ended before the signal did
+  RunSpan Runs;                            // from the first mark to the last that was heard whole, samples
+  bool Cut = false;                        // the samples ended before the signal did
+  double SampleTime = kNominalSampleTime;  // microseconds
+
+  double Us(std::size_t i) const { return Runs[i] * SampleTime; }
+  /// Whether a length is a space that parts two frames.
+  bool IsGap(std::size_t i) const { return i % 2 == 1 && Us(i) >= kRawGap; }
+  /// The same without what stands ahead of a length.
+  HeardLengths From(std::size_t i) const { return {Runs.subspan(i), Cut, SampleTime}; }
 };
 
 /// @param runs as RunReader gives them
-HeardLengths HeardIn(RunSpan runs);
+/// @param sampleTime microseconds
+HeardLengths HeardIn(RunSpan runs, double sampleTime = kNominalSampleTime);
 
 /// How many lengths stand ahead of the first long space.
 std::size_t FirstFrameOf(const HeardLengths& heard);
