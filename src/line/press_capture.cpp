@@ -73,7 +73,7 @@ void PressSampler::Sample(const Press& press, std::size_t bufferBytes, const Lin
     HoldPress(train, options.HoldMs, space_, held_);
     train = held_;
   }
-  if (options.Shape) {
+  if (options.Shape && !options.KeepsFrames()) {
     ShapePress(train, bufferBytes, options, space_, shaped_);
     train = shaped_;
   }

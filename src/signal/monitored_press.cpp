@@ -13,22 +13,9 @@ namespace {
 
 constexpr std::size_t kMonitoredSilenceKept = 100;  // bytes after the last sample of the signal
 
-bool LengthFits(std::size_t digits, std::int16_t kind, Analysis analysis) {
-  switch (kind) {
-    case kNec:
-      return digits >= 13;
-    case kSony:
-      return analysis == Analysis::First ? digits == 12 : digits >= 12;
-    case kRc5:
-      return digits == 14;
-    default:
-      return true;
-  }
-}
-
 /// Whether the digits that were read are a code.
 void Judge(std::int16_t kind, Analysis analysis, MonitorReading& reading) {
-  reading.Ended = LengthFits(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
+  reading.Ended = IsCodeLength(reading.Digits.size(), kind, analysis) ? Stage::Code : Stage::Length;
   reading.ReadBy = analysis;
 }
 
@@ -72,6 +59,19 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
 }
 
 }  // namespace
+
+bool IsCodeLength(std::size_t digits, std::int16_t kind, Analysis analysis) {
+  switch (kind) {
+    case kNec:
+      return digits >= 13;
+    case kSony:
+      return analysis == Analysis::First ? digits == 12 : digits >= 12;
+    case kRc5:
+      return digits == 14;
+    default:
+      return true;
+  }
+}
 
 std::string_view StageName(Stage stage) {
   static constexpr std::array<std::string_view, 10> kNames = {

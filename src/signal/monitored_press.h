@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ enum class Stage {
 /// Name of a stage as the command line prints it: "empty", "short", "doubtful", "no-timing",
 /// "ends-in-mark", "no-frame", "unknown", "length", "code", "raw".
 std::string_view StageName(Stage stage);
+
+/// Whether a line code has codes of so many digits, as the monitor takes them.
+bool IsCodeLength(std::size_t digits, std::int16_t kind, Analysis analysis);
 
 /// What the monitor made of one capture.
 struct MonitorReading {

@@ -6,6 +6,7 @@
 #include "signal/capture_trim.h"
 #include "signal/decode.h"
 #include "signal/decode_frames.h"
+#include "signal/monitored_press.h"
 #include "signal/rc6.h"
 #include "signal/run_symbols.h"
 #include "signal/sample_bits.h"
@@ -119,6 +120,9 @@ void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
   ReadCode(reading, reading.Runs.Symbols);
   if (reading.ProtoKind == kRc6) TakeRc6Toggle(reading, reading.Runs.Symbols);
   if (!look.OtherFrame.empty()) TakeTurns(look, reading);
+  // The monitor would not take it; its lengths can be learned.
+  const bool isCode = IsCodeLength(reading.Code.size(), reading.ProtoKind, Analysis::Second);
+  if (reading.Ended == RecordStage::Code && !isCode) Doubt(reading);
 }
 
 }  // namespace

@@ -323,10 +323,9 @@ RecordReading Record(const RunVector& press, Analysis analysis = Analysis::Secon
 
 TEST(SecondLook, TellsARecordingAsTheFirstAnalysisDoes) {
   const std::vector<RunVector> presses = {
-      NecRuns(kNecDigits),         Then(NecRuns(kNecDigits), kGap, {160, 45, 10}),
-      Twice(NecRuns(kNecDigits)),  Twice(SonyRuns(kSonyDigits.substr(0, 6))),
-      Rc5Runs("11100000010001"),   Rc5Runs(kRc5Digits, 1),
-      Twice(SonyRuns(kSonyDigits))};
+      NecRuns(kNecDigits),        Then(NecRuns(kNecDigits), kGap, {160, 45, 10}),
+      Twice(NecRuns(kNecDigits)), Rc5Runs("11100000010001"),
+      Rc5Runs(kRc5Digits, 1),     Twice(SonyRuns(kSonyDigits))};
   const auto told = [](const RecordReading& reading) {
     return std::tuple(reading.Ended, reading.Code, reading.Repeats, reading.SyncType, reading.Toggle,
                       reading.Values ? reading.Values->Command : -1, reading.Runs.Ones);
@@ -346,6 +345,7 @@ TEST(SecondLook, TellsARecordingAsTheFirstAnalysisDoes) {
   const RunVector nec = NecRuns(kNecDigits);
   const RunVector message = Then(nec, kGap, NecRuns(kNecDigits + kOtherDigits));
   EXPECT_TRUE(Record(message).IsDoubtful) << "the first part of a message is no code";
+  EXPECT_TRUE(Record(Twice(SonyRuns("10110010"))).IsDoubtful) << "the monitor would not take it";
   const RecordReading turns = Record(Then(nec, kGap, NecRuns(kOtherDigits)));
   EXPECT_EQ(std::tuple(turns.Code, turns.Repeats, turns.SendAs),
             std::tuple(kNecDigits + kOtherDigits, false, std::string("32")));
