@@ -92,6 +92,8 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
       {"NEC with dittos", Then(Then(NecRuns(kNecDigits), kGap, {160, 40, 10}), 1700, {161, 41, 10}),
        "NEC " + kNecDigits},
       {"NEC of zeros", NecRuns(zeros), "NEC " + zeros},
+      {"NEC whose head is like that of 42 digits", NecRuns("00000000111111111111100000000111"),
+       "NEC 00000000111111111111100000000111"},
       {"NEC of ones", NecRuns(ones), "NEC " + ones},
       {"SONY of 12", SonyRuns(kSonyDigits), "SONY " + kSonyDigits},
       {"SONY of 15", SonyRuns(kSonyDigits + "110"), "SONY " + kSonyDigits + "110"},

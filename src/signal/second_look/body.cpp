@@ -12,7 +12,7 @@ constexpr int kLongestUnit = 255;  // samples; a longer run is told apart by no 
 }  // namespace
 
 bool Leader::IsLike(const Leader& other) const {
-  constexpr double kPart = 0.2, kLeast = 4;  // of its length, and samples
+  constexpr double kPart = 0.2, kLeast = 6;  // of its length, and samples
   const auto near = [=](int a, int b) { return std::max(kPart * std::max(a, b), kLeast); };
   const double longer = Mark - other.Mark, slack = near(Mark, other.Mark);
   return longer <= slack + (other.BeginsCapture ? kLateCapture : 0) &&

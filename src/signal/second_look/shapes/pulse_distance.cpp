@@ -106,6 +106,11 @@ bool AreInverse(std::string_view digits, std::size_t first, std::size_t number) 
   return true;
 }
 
+/// Whether 32 digits are what 42 begin with, and none of NEC's own.
+bool IsFrontOf42(std::string_view digits) {
+  return AreInverse(digits, 0, 13) && !(AreInverse(digits, 0, 8) && AreInverse(digits, 16, 8));
+}
+
 /// The longer space of all common protocols is two base times longer, and the shaper of a line may take a bit
 /// off; runs of any other source need not be.
 bool HasCommonSpaces(const Frame& frame) {
@@ -122,8 +127,8 @@ bool DistancesProveThemselves(const Frame& frame) {
       return frame.Leads == LeaderKind::Even && AreInverse(digits, 0, 12);
     case 28:
       return frame.Dittos > 0 && EndsInItsSum(frame);
-    case 32:  // and not the front part of 42
-      return frame.Leads != LeaderKind::Short && !AreInverse(digits, 0, 13);
+    case 32:
+      return frame.Leads != LeaderKind::Short && !IsFrontOf42(digits);
     case 42:
       return AreInverse(digits, 0, 13) && AreInverse(digits, 26, 8);
     default:
