@@ -162,6 +162,7 @@ class Keplo {
   void Capture();
   void ReadAndDispatch();
   bool RepeatsHeldKey(MonitorReading& reading);
+  void CompleteTurn(MonitorReading& reading);
   void HearCode(const MonitorReading& reading);
   bool WasHeldInThePause();
   void Dispatch(const MonitorReading& reading);

@@ -71,6 +71,19 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
   return true;
 }
 
+/// A capture of a held key with two frames in turns may hold a single one, which is no code of its own then.
+void Keplo::CompleteTurn(MonitorReading& reading) {
+  if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(onAir_))
+    return;
+  const std::string_view both = Key().Pressed()->Sign.Digits;
+  const std::size_t half = both.size() / 2;
+  if (both.size() % 2 != 0 || reading.Digits.size() != half) return;
+  if (both.substr(0, half) != reading.Digits && both.substr(half) != reading.Digits) return;
+  reading.Ended = Stage::Code;
+  reading.ReadBy = Analysis::Second;
+  reading.Digits = both;
+}
+
 void Keplo::HearCode(const MonitorReading& reading) {
   SignalState& signal = mod_.Signal;
   const microseconds period = TimeOfSamples(FramePeriod(signal.Runs.Read(signal.Samples)), signal.SampleTime);

@@ -95,6 +95,7 @@ void Keplo::ReadAndDispatch() {
   if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
   MonitorReading& reading = lastTick_.Reading;
   ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis, reading);
+  CompleteTurn(reading);
   // A frame that is alone may have lost digits; that the very same ones were learned is the proof it lacks.
   const bool provenByLearning =
       reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);

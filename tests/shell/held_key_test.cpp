@@ -91,6 +91,10 @@ class OnePress : public ShellTest {
       options.Repeats = static_cast<int>(held / (kind == keplo::kSony ? 45ms : 108ms));
       recording.Presses.push_back(SynthPress(kind, bits, options));
     }
+    return Monitored(recording);
+  }
+
+  std::string Monitored(const Recording& recording) {
     const auto clock = std::make_shared<TestClock>();
     const std::int16_t receiver = 0;
     ReplayLine line({recording}, receiver);
@@ -133,6 +137,21 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
     EXPECT_EQ(told({1000ms}), "PeHeR") << kind;
     EXPECT_EQ(told({3000ms}), "PeHeHeHeHeHeR") << kind;
     EXPECT_EQ(told({50ms, 1000ms, 50ms}), "PeRPeHeRPeR") << kind;
+  }
+}
+
+TEST_F(OnePress, IsOnePressOfTwoFramesInTurns) {
+  const std::string first = "00100000110111110001000011101111", second = "00100000110111111001000001101111";
+  Bind(first + second);
+  SynthOptions frame;
+  frame.Repeats = 0;
+  frame.GapUs = 26'000;
+  PulseTrain press;
+  for (int frames = 1; frames < 14; ++frames) {
+    const PulseTrain next = SynthPress(kNec, frames % 2 == 1 ? first : second, frame);
+    press.insert(press.end(), next.begin(), next.end());
+    if (frames < 2) continue;
+    EXPECT_EQ(Monitored({"a", {press}}), frames < 7 ? "PeR" : frames < 13 ? "PeHeR" : "PeHeHeR") << frames;
   }
 }
 
