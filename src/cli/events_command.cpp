@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "cli/commands.h"
 #include "cli/map_users.h"
@@ -153,7 +154,9 @@ int AddEach(const EventWords& words) {
       const std::string reference = CommandReference{protocol, command.Name}.Text();
       const std::string name(Trimmed(command.Name));
       if (name == kPlaceholderName || IsBound(*map, reference)) continue;
-      AddUnderFreeID(words.AppPath, map, {"", name, name + " from " + protocol, reference, true, 0});
+      std::string description = name;
+      description.append(" from ").append(protocol);
+      AddUnderFreeID(words.AppPath, map, {"", name, std::move(description), reference, true, 0});
       ++added;
     }
   }

@@ -22,7 +22,7 @@ class BrokerOutput final : private EventOutput {
  public:
   /// A broker that cannot be used is logged, and the host goes on without it.
   BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log);
-  ~BrokerOutput();
+  ~BrokerOutput() override;
   BrokerOutput(const BrokerOutput&) = delete;
   BrokerOutput& operator=(const BrokerOutput&) = delete;
 

@@ -105,7 +105,8 @@ std::string MistakeInActions(const nlohmann::json& events) {
     for (std::size_t place = 0; place < actions.size(); ++place) {
       const std::string mistake = MistakeIn(actions[place]);
       if (mistake.empty()) continue;
-      return "action " + std::to_string(place + 1) + " of event " + eventID + ": " + mistake;
+      return std::string("action ").append(std::to_string(place + 1)).append(" of event ").append(eventID) +
+             ": " + mistake;
     }
   }
   return {};

@@ -138,7 +138,7 @@ class OutsideScreen {
     int same = 0;
     for (int y = part.Y; y < part.Y + part.Height; ++y) {
       for (int x = part.X; x < part.X + part.Width; ++x) {
-        const std::size_t at = pixels + row * y + 4 * x;
+        const std::size_t at = pixels + row * y + 4 * static_cast<std::size_t>(x);
         if ((byte(at) | byte(at + 1) << 8U | byte(at + 2) << 16U) == colour) ++same;
       }
     }

@@ -22,7 +22,7 @@ inline RemoteKey Key(const std::string& name, const std::string& digits, const c
 
 /// Digits that tell a number, as many as a protocol has.
 inline std::string Digits(unsigned number, int count = 32) {
-  return "1" + DigitText().High(std::uint64_t{number * 2654435761U}, count - 1).Take();
+  return "1" + DigitText().High((number * std::uint64_t{2654435761U}) & 0xFFFF'FFFFU, count - 1).Take();
 }
 
 /// A file with one remote.

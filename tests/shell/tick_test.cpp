@@ -150,7 +150,7 @@ TEST_F(Tick, ReachesItsEndWhateverTheHostDoesInside) {
     raised_.clear();
     errors_.clear();
     line_.Captures = {Press(kDigits), Press(kDigits)};
-    control.TriggerInputEvent = [&](HostInputEvent& event) {
+    control.TriggerInputEvent = [&, inEvent = inEvent](HostInputEvent& event) {
       raised_.push_back(event.EventID);
       EXPECT_FALSE(raised_.size() == 1 && control.Timer1.Enabled());
       inEvent(control);

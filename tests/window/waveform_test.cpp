@@ -75,7 +75,7 @@ TEST_F(Waveform, ZoomAtAPlaceKeepsWhatStandsThereAndFitsTheWholeTrace) {
   EXPECT_EQ(form_->HScroll1.Min(), 15);
   EXPECT_GT(form_->WavePlace(0), 20);
   EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), form_->Surface.Width - 20);
-  EXPECT_LT(form_->Surface.Points().size(), 4U * 4 * static_cast<std::size_t>(form_->Surface.Width))
+  EXPECT_LT(form_->Surface.Points().size(), std::size_t{16} * form_->Surface.Width)
       << "as many as pixels, not samples";
 }
 

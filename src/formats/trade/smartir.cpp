@@ -70,8 +70,8 @@ class SmartIrReader {
   void ReadTree(const Json& node, const std::string& name) {
     if (reading_.IsFull()) return;
     if (node.is_object()) {
-      for (const auto& [child, value] : node.items())
-        ReadTree(value, name.empty() ? child : name + '/' + child);
+      const std::string above = name.empty() ? name : name + '/';
+      for (const auto& [child, value] : node.items()) ReadTree(value, std::string(above).append(child));
     } else if (node.is_array() && encoding_ == "raw" && !node.empty() && node[0].is_number()) {
       AddKey(node.dump(), name);
     } else if (node.is_array()) {
