@@ -1,6 +1,7 @@
 #include "signal/second_look/frame_proof.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -27,6 +28,14 @@ bool IsVaried(const Frame& frame) {
   if (frame.Kind() == kRc5) return frame.Shape->ProvesItself(frame);
   const std::ptrdiff_t fewest = frame.Leads == LeaderKind::Other ? kFewestOfEach : 1;
   return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), fewest);
+}
+
+/// Whether a frame behind the leader of a common protocol is a digit or two shorter than those of such: marks
+/// that are lost between short spaces may leave the same digits twice.
+bool MayLackDigits(const Frame& frame) {
+  constexpr std::array<std::size_t, 7> kShort = {14, 15, 23, 30, 31, 46, 47};
+  return frame.Kind() == kNec && frame.Leads != LeaderKind::Other &&
+         std::find(kShort.begin(), kShort.end(), frame.Digits) != kShort.end();
 }
 
 /// How many runs at the head of two pieces are the same.
@@ -173,7 +182,8 @@ const Frame* ProvenFrame(const Findings& found) {
     if (!proven->SameCode(frame)) return nullptr;
   }
   if (proven != nullptr) {
-    const bool believed = (IsLongest(*proven, found) && IsVaried(*proven)) || ProvesItself(*proven);
+    const bool believed =
+        (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven)) || ProvesItself(*proven);
     return believed && !IsOnlyPart(*proven, found) ? proven : nullptr;
   }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;

@@ -126,7 +126,7 @@ bool DistancesProveThemselves(const Frame& frame) {
     case kRcaDigits:
       return frame.Leads == LeaderKind::Even && AreInverse(digits, 0, 12);
     case 28:
-      return frame.Dittos > 0 && EndsInItsSum(frame);
+      return frame.Dittos > 0 && EndsInItsSum(frame) && !AreInverse(digits, 0, 8);  // as NEC's are
     case 32:
       return frame.Leads != LeaderKind::Short && !IsFrontOf42(digits);
     case 42:
