@@ -3,39 +3,26 @@
 #include <array>
 #include <cstdio>
 #include <functional>
-#include <random>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "family_tables.h"
 #include "line/press_capture.h"
 #include "signal/decode.h"
 #include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
-#include "signal/send_bits.h"
 #include "signal/timing.h"
 #include "synth/synth.h"
+#include "table_dice.h"
 
 namespace {
 
 using namespace keplo;
+using bench::Dice;
 
 constexpr int kCodesPerCell = 1000;
-
-/// Numbers that are the same on every machine, which those of the library's distributions are not.
-class Dice {
- public:
-  explicit Dice(std::uint32_t seed) : generator_(seed) {}
-
-  int From(int least, int most) {
-    return least + static_cast<int>(generator_() % static_cast<unsigned>(most - least + 1));
-  }
-  std::uint32_t Seed() { return static_cast<std::uint32_t>(generator_()); }
-
- private:
-  std::mt19937 generator_;
-};
 
 std::string LowBitFirst(int value, int bits) {
   std::string digits;
@@ -122,13 +109,6 @@ void LikeRealRemotes(Conditions& conditions, Dice& dice) {
   conditions.Remote.Repeats = dice.From(0, 2);
 }
 
-/// Digits without any order, for the codes of user-defined protocols.
-std::string RandomDigits(Dice& dice, int count) {
-  std::string digits;
-  while (count-- > 0) digits += dice.From(0, 1) == 1 ? '1' : '0';
-  return digits;
-}
-
 /// A user-defined protocol: lengths in microseconds, and a number of digits.
 struct OwnProtocol {
   bool ByWidth = false;
@@ -206,11 +186,11 @@ PulseTrain RandomOwnPress(const std::string& code, const SynthOptions& remote, D
 constexpr auto kSignals = std::to_array<Signal>({
     {"NEC", NecCode, KnownPress<kNec>},
     {"SONY 12", SonyCode, KnownPress<kSony>},
-    {"SONY 15", [](Dice& dice) { return RandomDigits(dice, 15); }, KnownPress<kSony>},
-    {"SONY 20", [](Dice& dice) { return RandomDigits(dice, 20); }, KnownPress<kSony>},
+    {"SONY 15", [](Dice& dice) { return dice.Digits(15); }, KnownPress<kSony>},
+    {"SONY 20", [](Dice& dice) { return dice.Digits(20); }, KnownPress<kSony>},
     {"RC5", Rc5Code, KnownPress<kRc5>},
-    {"own distance", [](Dice& dice) { return RandomDigits(dice, dice.From(13, 24)); }, RandomOwnPress<false>},
-    {"own width", [](Dice& dice) { return RandomDigits(dice, dice.From(12, 24)); }, RandomOwnPress<true>},
+    {"own distance", [](Dice& dice) { return dice.Digits(dice.From(13, 24)); }, RandomOwnPress<false>},
+    {"own width", [](Dice& dice) { return dice.Digits(dice.From(12, 24)); }, RandomOwnPress<true>},
 });
 
 /// What is done to a press of a cell, and to its conditions.
@@ -329,7 +309,7 @@ void PrintLoneFrame(const char* press, int digits, const Spoiler& spoil) {
   Dice dice(1);
   std::array<Tally, 2> tallies;
   for (int count = 0; count < kCodesPerCell; ++count) {
-    const std::string code = RandomDigits(dice, digits);
+    const std::string code = dice.Digits(digits);
     Trial trial;
     LikeRealRemotes(trial.With, dice);
     trial.With.Remote.Repeats = 0;
@@ -360,111 +340,6 @@ void PrintLoneFrames() {
   for (const int digits : {24, 32, 36, 40, 48}) {
     PrintLoneFrame("a mark missing", digits, [](Trial& trial, Dice& dice) { LoseMarks(trial, dice, 1); });
   }
-}
-
-/// Samples of something that is no press, at least as many as the monitor captures.
-struct NoiseMaker {
-  const char* Name;
-  std::string (*Samples)(Dice& dice);
-};
-
-constexpr std::size_t kSamples = kMonitorCaptureBytes * 8;
-
-std::string WhiteNoise(Dice& dice) {
-  const int density = dice.From(1, 99);
-  std::string samples;
-  while (samples.size() < kSamples) samples += dice.From(1, 100) <= density ? '1' : '0';
-  return samples;
-}
-
-std::string Flicker(Dice& dice) {
-  const int mark = dice.From(3, 80);
-  const int space = dice.From(3, 160);
-  std::string samples;
-  for (int pairs = dice.From(5, 200); pairs > 0; --pairs) {
-    samples.append(static_cast<std::size_t>(mark + dice.From(-1, 1)), '1');
-    samples.append(static_cast<std::size_t>(space + dice.From(-1, 1)), '0');
-  }
-  return samples;
-}
-
-std::string PulseTrainNoise(Dice& dice) {
-  const int mark = dice.From(3, 20);
-  const int space = dice.From(3, 60);
-  std::string samples;
-  for (int pairs = dice.From(10, 100); pairs > 0; --pairs) {
-    samples.append(static_cast<std::size_t>(mark + dice.From(0, 10)), '1');
-    samples.append(static_cast<std::size_t>(space + dice.From(0, 60)), '0');
-  }
-  return samples;
-}
-
-/// A leader and a train of equal pulses of which one in six fails.
-std::string FailingTrain(Dice& dice) {
-  const auto unit = static_cast<std::size_t>(dice.From(5, 16));
-  std::string samples(unit * static_cast<std::size_t>(dice.From(2, 16)), '1');
-  samples.append(unit * static_cast<std::size_t>(dice.From(1, 8)), '0');
-  for (int pairs = dice.From(10, 50); pairs > 0; --pairs) {
-    samples.append(unit, dice.From(0, 5) > 0 ? '1' : '0').append(unit, dice.From(0, 5) > 0 ? '0' : '1');
-  }
-  return samples;
-}
-
-constexpr std::array kNoises = {NoiseMaker{"white noise", WhiteNoise}, NoiseMaker{"flicker", Flicker},
-                                NoiseMaker{"pulse trains", PulseTrainNoise},
-                                NoiseMaker{"failing pulse trains", FailingTrain}};
-
-std::array<int, 2> CodesIn(const std::string& samples, const std::vector<std::string>& sent) {
-  std::array<int, 2> codes{};
-  for (std::size_t i = 0; i < kBoth.size(); ++i) {
-    SignalState state;
-    const MonitorReading reading = ReadCapture(BitsToChars(samples), state, kBoth.at(i));
-    const bool right = std::find(sent.begin(), sent.end(), reading.Digits) != sent.end();
-    if (reading.Ended == Stage::Code && !right) ++codes.at(i);
-  }
-  return codes;
-}
-
-/// Two presses at once; only a code that neither of them sent counts.
-std::array<int, 2> CodesInCollision(Dice& dice) {
-  std::string samples(kSamples, '0');
-  std::vector<std::string> sent;
-  for (int remote = 0; remote < 2; ++remote) {
-    const Signal& signal = kSignals.at(static_cast<std::size_t>(dice.From(0, 4)));
-    SynthOptions options;
-    options.Seed = dice.Seed();
-    sent.push_back(signal.RandomCode(dice));
-    const PulseTrain press = signal.Press(sent.back(), options, dice);
-    if (std::string_view(signal.Name) == "RC5") sent.back()[kToggleBitOffset] = '0';
-    const std::string bits = SamplesToBits(PulsesToCapture(press, kNominalSampleTime, kMonitorCaptureBytes));
-    const auto late = static_cast<std::size_t>(remote == 0 ? 0 : dice.From(0, 1500));
-    for (std::size_t i = late; i < kSamples; ++i) {
-      if (bits[i - late] == '1') samples[i] = '1';
-    }
-  }
-  return CodesIn(samples, sent);
-}
-
-void PrintNoise() {
-  std::printf("\n### Noise\n\n| captures of | codes, first | codes, second |\n|---|---|---|\n");
-  const auto print = [](const char* name, const std::function<std::array<int, 2>(Dice&)>& codes) {
-    Dice dice(1);
-    std::array<int, 2> sum{};
-    for (int count = 0; count < kCodesPerCell; ++count) {
-      const std::array<int, 2> found = codes(dice);
-      sum[0] += found[0];
-      sum[1] += found[1];
-    }
-    std::printf("| %s | %d | %d |\n", name, sum[0], sum[1]);
-  };
-  for (const NoiseMaker& noise : kNoises) {
-    print(noise.Name, [&](Dice& dice) {
-      std::string samples = noise.Samples(dice);
-      samples.resize(kSamples, '0');
-      return CodesIn(samples, {});
-    });
-  }
-  print("two remotes at once", CodesInCollision);
 }
 
 }  // namespace
@@ -505,6 +380,8 @@ int main() {
                    [](Conditions& conditions, int value) { conditions.Remote.MarkExcessUs = value; });
   PrintWeakSignals();
   PrintLoneFrames();
-  PrintNoise();
+  bench::PrintDamage();
+  bench::PrintNoise();
+  bench::PrintRawKeys();
   return 0;
 }

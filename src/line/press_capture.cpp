@@ -60,33 +60,29 @@ void PressSampler::Sample(const Press& press, std::size_t bufferBytes, const Lin
     signal.assign(raw->Bytes, 0, bufferBytes);
     return;
   }
-  Pulses train = std::get<PulseTrain>(press);
-  if (options.Shape) {
-    if (options.KeepsFrames()) {
-      RemoveGlitches(train, clean_);
-    } else {
-      CleanPress(train, space_, clean_);
-    }
-    train = clean_;
-  }
-  if (!options.KeepsFrames()) {
-    HoldPress(train, options.HoldMs, space_, held_);
-    train = held_;
-  }
+  Clean(std::get<PulseTrain>(press), options);
   if (options.Shape && !options.KeepsFrames()) {
-    ShapePress(train, bufferBytes, options, space_, shaped_);
-    train = shaped_;
+    ShapePress(held_, bufferBytes, options, space_, shaped_);
+    held_.swap(shaped_);
   }
-  PulsesToCapture(train, options.SampleTime, bufferBytes, signal);
+  PulsesToCapture(held_, options.SampleTime, bufferBytes, signal);
+}
+
+PulseTrain PressSampler::OnAir(Pulses press, const LineOptions& options) {
+  Clean(press, options);
+  return held_;
+}
+
+void PressSampler::Clean(Pulses press, const LineOptions& options) {
+  clean_.assign(press.begin(), press.end());
+  if (options.Shape && options.KeepsFrames()) RemoveGlitches(press, clean_);
+  if (options.Shape && !options.KeepsFrames()) CleanPress(press, space_, clean_);
+  held_ = clean_;
+  if (!options.KeepsFrames()) HoldPress(clean_, options.HoldMs, space_, held_);
 }
 
 PulseTrain PressOnAir(Pulses press, const LineOptions& options) {
-  ShapingSpace space;
-  PulseTrain clean(press.begin(), press.end());
-  if (options.Shape) CleanPress(press, space, clean);
-  PulseTrain held;
-  HoldPress(clean, options.HoldMs, space, held);
-  return held;
+  return PressSampler().OnAir(press, options);
 }
 
 std::string SignalOfPress(const Press& press, std::size_t bufferBytes, const LineOptions& options) {

@@ -23,12 +23,17 @@ class PressSampler {
   /// @param signal replaced by bufferBytes bytes for a pulse train, at most that many for raw bytes
   void Sample(const Press& press, std::size_t bufferBytes, const LineOptions& options, std::string& signal);
 
+  /// A press as its key sends it: cleaned and held, but not shaped.
+  PulseTrain OnAir(Pulses press, const LineOptions& options);
+
  private:
+  void Clean(Pulses press, const LineOptions& options);
+
   ShapingSpace space_;
   PulseTrain clean_, held_, shaped_;
 };
 
-/// A press as its key sends it: cleaned and held, but not shaped.
+/// As PressSampler::OnAir.
 PulseTrain PressOnAir(Pulses press, const LineOptions& options);
 
 /// As PressSampler::Sample.

@@ -13,12 +13,15 @@ void AddLineOptions(Command& command, double& sampleTime, bool& shape, int& hold
       command.Number("--sample-time", sampleTime, "Length of one sample, microseconds", {10.0, 1000.0});
   if (sampleTime > 0) time.ShowDefault();
   command.Flag("--no-shape", shape,
-               "Hand the receiver's edges on as they are, with its mark excess and cut frames",
+               "Hand the receiver's edges on as they are, with its mark excess and cut frames; for the "
+               "second look that "
+               "leaves glitches in alone",
                /*whenGiven=*/false);
-  Argument hold = command.Number(
-      "--hold", holdMs,
-      "How long the key of a single-frame recording is held, milliseconds; 0 plays it as recorded",
-      {0, 10000});
+  Argument hold = command.Number("--hold", holdMs,
+                                 "How long the key of a single-frame recording is held for the first "
+                                 "analysis, milliseconds; 0 plays it as "
+                                 "recorded, as the second look wants it",
+                                 {0, 10000});
   if (holdMs >= 0) hold.ShowDefault();
 }
 

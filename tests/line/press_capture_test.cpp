@@ -43,6 +43,14 @@ TEST(CaptureOfPress, ShapesPulsesUnlessToldNotToAndNoRawBytes) {
   EXPECT_EQ(CaptureOfPress(press, 510, unshaped), PulsesToCapture(press, 55, 510));
   EXPECT_EQ(Heard(press, unshaped), "no-timing");
   EXPECT_EQ(Heard(press), kSonyBits);
+  // What is left out or copied cannot contradict, and what is laid on a raster may be another digit.
+  constexpr Analysis kSecond = Analysis::Second;
+  LineOptions kept;
+  kept.ReadBy = &kSecond;
+  PulseTrain damaged = press;
+  damaged[7] += 400;
+  EXPECT_EQ(CaptureOfPress(damaged, 510, kept), PulsesToCapture(damaged, 55, 510));
+  EXPECT_EQ(PressOnAir(damaged, kept), damaged);
 }
 
 TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {

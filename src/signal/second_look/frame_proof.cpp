@@ -91,13 +91,10 @@ bool HasOnlyEdgesOf(RunSpan piece, RunSpan frame, int step, double unit) {
 
 /// Whether a piece is what lost marks and spaces have left of a frame.
 bool IsLeftOf(const OtherPiece& piece, const Frame& frame) {
-  constexpr std::size_t kLeader = 2;  // runs
-  const RunSpan whole(frame.First, frame.Runs);
-  const auto fits = [&](std::size_t skipped) {
-    const RunSpan runs(piece.Of.First + skipped, piece.Of.Size - skipped);
-    return HasOnlyEdgesOf(runs, whole, 1, frame.Unit) || HasOnlyEdgesOf(runs, whole, -1, frame.Unit);
-  };
-  return fits(0) || (piece.Of.Size > kLeader && fits(kLeader));
+  const std::size_t leader = HasLeaderInside(piece.Of) ? 2 : 0;
+  const RunSpan runs(piece.Of.First + leader, piece.Of.Size - leader), whole(frame.First, frame.Runs);
+  return HasOnlyEdgesOf(runs, whole, 1, frame.Unit) ||
+         (!piece.IsCut && HasOnlyEdgesOf(runs, whole, -1, frame.Unit));
 }
 
 /// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the
