@@ -45,8 +45,25 @@ std::set<std::string> DigitsOf(const RawLines& lines, const std::string& protoco
   return digits;
 }
 
+/// The name of a section as that of a file: other characters than letters, digits, - and _ as % and two hex
+/// digits.
+std::string FileNameOf(const std::string& protocol) {
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  std::string name;
+  for (const char character : protocol) {
+    std::string tested(1, character);
+    if (IsValidName(tested) && !tested.empty()) {
+      name += character;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(character);
+    name.append(1, '%').append(1, kHex[byte / 16]).append(1, kHex[byte % 16]);
+  }
+  return name;
+}
+
 std::filesystem::path RawFileOf(const CfgStore& store, const std::string& protocol) {
-  return FolderOf(store.Path) / "raw" / (protocol + ".mode2");
+  return FolderOf(store.Path) / "raw" / (FileNameOf(protocol) + ".mode2");
 }
 
 RawEntries ReadRawFile(CfgStore& store, const std::filesystem::path& path) try {
@@ -57,7 +74,6 @@ RawEntries ReadRawFile(CfgStore& store, const std::filesystem::path& path) try {
 }
 
 void TakeRawFile(CfgStore& store, const std::string& protocol) try {
-  if (std::string name = protocol; !IsValidName(name) || name != protocol) return;
   for (auto& [digits, entry] : ReadRawFile(store, RawFileOf(store, protocol))) {
     if (!entry.Signal.Forms.empty()) store.Raw.Known.insert_or_assign(digits, std::move(entry.Signal));
   }
@@ -115,13 +131,6 @@ RawChange::RawChange(CfgStore& store, std::string_view before, std::string_view 
   for (const std::string& protocol : protocols) {
     const std::set<std::string> wanted = DigitsOf(fresh, protocol);
     if (wanted == DigitsOf(old, protocol)) continue;
-    if (std::string name = protocol; !IsValidName(name) || name != protocol) {
-      if (DigitsOf(old, protocol).size() >= wanted.size()) continue;
-      throw Failure(EINVAL,
-                    "[" + protocol +
-                        "] cannot keep raw commands, whose lengths lie in a file of that name: a name of "
-                        "letters, digits, - and _ can");
-    }
     files_.push_back({protocol, RawFileOf(store, protocol), {wanted.begin(), wanted.end()}});
   }
   if (files_.empty()) return;

@@ -72,6 +72,15 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";
 }
 
+TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionThatNoFileCouldBeNamedAs) {
+  Stored stored{Config(Protocol("../A C", {"G10,EMPTY"}))};
+  ASSERT_TRUE(AddRawCommand(stored.Store, "../A C", kCool, "COOL").Done());
+  EXPECT_EQ(stored.Disk.Files().count("%2E%2E%2FA%20C.mode2"), 1U);
+  CfgStore fresh(stored.Store.Path, stored.Disk);
+  LoadConfig(fresh);
+  EXPECT_EQ(Heard(fresh, kCool), "COOL");
+}
+
 TEST_F(RawStored, LosesTheDamagedCommandAlone) {
   Learn(kCool, "COOL");
   Learn(kHeat, "HEAT");
