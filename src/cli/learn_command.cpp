@@ -2,7 +2,6 @@
 #include <iostream>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -40,8 +39,7 @@ struct HeardKey {
   keplo::Validation Validation;
   bool Known = false;
   RawLesson Raw;
-  std::set<std::string> Places;  // of the presses that Raw has heard; one alone confirms nothing
-  bool IsClean = true;           // all presses are signals that could be stored as lengths
+  bool IsClean = true;  // all presses are signals that could be stored as lengths
 };
 
 /// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
@@ -54,14 +52,14 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
 }
 
 /// The lengths of a press as it was recorded: copies of a held frame tell nothing of the remote.
-void HearRaw(const Press& press, LineOptions line, HeardKey& key) {
+void HearRaw(const Press& press, const std::string& place, LineOptions line, HeardKey& key) {
   line.HoldMs = 0;
   SignalState state;
   state.RawCapture = CaptureOfPress(press, kRecordCaptureBytes, line);
   TrimRecording(state.RawCapture);
   state.SampleTime = line.SampleTime;
   state.Samples.Read(state.RawCapture);
-  key.IsClean = key.Raw.Hear(HeardIn(state)) && key.IsClean;
+  key.IsClean = key.Raw.Hear(HeardIn(state), place) && key.IsClean;
 }
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
@@ -75,7 +73,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
-      if (key.Places.insert(place).second) HearRaw(press, options.Line, key);
+      HearRaw(press, place, options.Line, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;

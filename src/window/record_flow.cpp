@@ -218,7 +218,7 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
   if (HasCode(reading)) return false;
   RawSignal signal;
   const HeardLengths heard = HeardIn(mod_.Signal);
-  if (!rawLesson_.Hear(heard)) return false;
+  if (!rawLesson_.Hear(heard, place_)) return false;
   const Verdict verdict = HearRaw(signal);
   ShowRawSignal(signal, verdict, {});
   return true;

@@ -192,6 +192,12 @@ TEST(RawLesson, WantsEachFormTwice) {
     EXPECT_EQ(lesson.TakesTurns(), row.TakesTurns) << row.Presses;
     EXPECT_EQ(lesson.AreAlike(), row.Alike) << row.Presses;
   }
+  RawLesson lesson;
+  Ear ear;
+  for (const char* place : {"a.mode2 1", "b.mode2 1", "a.mode2 1", "a.mode2 1"})
+    lesson.Hear(ear.Hear(Silent(Frame(*place == 'a' ? kKey : kOtherKey))), place);
+  EXPECT_FALSE(lesson.IsLastConfirmed()) << "a recording that is opened again";
+  EXPECT_EQ(&lesson.Last(), &lesson.Forms().front());
 }
 
 }  // namespace

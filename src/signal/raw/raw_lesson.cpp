@@ -39,16 +39,22 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
 
 }  // namespace
 
-bool RawLesson::Hear(const HeardLengths& heard) {
+bool RawLesson::Hear(const HeardLengths& heard, const std::string& place) {
+  if (const auto again = places_.find(place); again != places_.end()) {
+    last_ = again->second;
+    return true;
+  }
   std::optional<LeveledSignal> signal = FindLevels(heard);
   if (!signal) return false;
   const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {
     return CompareRaw(heard, form.Signal.Lengths).Fits == RawFit::How::Exact;
   });
-  order_.push_back(static_cast<std::size_t>(known - forms_.begin()));
+  last_ = static_cast<std::size_t>(known - forms_.begin());
+  order_.push_back(last_);
+  if (!place.empty()) places_[place] = last_;
   const bool repeats = SendsFrameTwice(heard, signal->Lengths);
   if (known == forms_.end()) forms_.push_back({std::move(*signal)});
-  Form& form = forms_[order_.back()];
+  Form& form = forms_[last_];
   ++form.Presses;
   form.Repeats = form.Repeats || repeats;
   return true;
@@ -56,7 +62,7 @@ bool RawLesson::Hear(const HeardLengths& heard) {
 
 bool RawLesson::IsLastConfirmed() const {
   const std::size_t presses = order_.size();
-  return Last().Repeats || (presses > 1 && order_[presses - 2] == order_.back());
+  return Last().Repeats || (presses > 1 && order_[presses - 2] == order_.back() && last_ == order_.back());
 }
 
 bool RawLesson::TakesTurns() const {

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "signal/raw/raw_levels.h"
@@ -21,28 +22,31 @@ class RawLesson {
     bool IsConfirmed() const { return Presses > 1 || Repeats; }
   };
 
-  /// Takes a press into account.
+  /// Takes a press into account. A recording that is heard again is no second press.
+  /// @param place where its recording was read from; empty for a key press
   /// @return false for one that is no clean signal, which changes nothing
-  bool Hear(const HeardLengths& heard);
+  bool Hear(const HeardLengths& heard, const std::string& place = {});
 
   /// The forms that were heard, in the order of their first press.
   const std::vector<Form>& Forms() const { return forms_; }
   /// The form of the last press; there was one.
-  const Form& Last() const { return forms_[order_.back()]; }
+  const Form& Last() const { return forms_[last_]; }
 
   /// Whether the last press was heard before as well, one right after the other, or repeats in itself.
   bool IsLastConfirmed() const;
   /// Whether the last four presses were two forms in turns.
   bool TakesTurns() const;
   /// These two forms, the one before last first.
-  std::vector<Form> Turns() const { return {forms_[order_[order_.size() - 2]], Last()}; }
+  std::vector<Form> Turns() const { return {forms_[order_[order_.size() - 2]], forms_[order_.back()]}; }
   /// Whether all forms could come from one key: their frames are about as long. Keys of an air conditioner
   /// are alike too, so that only presses that are known to be of one key make it one.
   bool AreAlike() const;
 
  private:
   std::vector<Form> forms_;
-  std::vector<std::size_t> order_;  // forms of the presses
+  std::vector<std::size_t> order_;             // forms of the presses
+  std::size_t last_ = 0;                       // the form that was heard last, be it again
+  std::map<std::string, std::size_t> places_;  // forms of the recordings
 };
 
 }  // namespace keplo
