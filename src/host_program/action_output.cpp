@@ -42,11 +42,11 @@ void ActionOutput::ReadBookIfChanged() {
 void ActionOutput::EventRaised(const RaisedEvent& event) {
   ReadBookIfChanged();
   const bool isOfAKey = presses_.count(last_) > 0;
-  actions_.Do(presses_[last_].DueAt(event, book_.ActionsOf(event.EventID)), event);
+  actions_.Do(presses_[last_].DueAt(event, book_.ActionsOf(event.EventID)), event, last_);
   if (isOfAKey) return;
   // A plug-in that tells no keys makes each event a press of its own, which nobody lets go.
   presses_.erase(last_);
-  actions_.ReleaseKeys();
+  actions_.ReleaseKeys(last_);
 }
 
 void ActionOutput::KeyChanged(PressStage stage, const HeardKey& key) {
@@ -57,10 +57,10 @@ void ActionOutput::KeyChanged(PressStage stage, const HeardKey& key) {
 }
 
 void ActionOutput::LetGo(int place) {
-  actions_.ReleaseKeys();
+  actions_.ReleaseKeys(place);
   for (RaisedEvent& event : presses_[place].End()) {
     event.Time = LocalTime();
-    actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event);
+    actions_.Do(PressActions::AtRelease(book_.ActionsOf(event.EventID)), event, place);
   }
   presses_.erase(place);
 }

@@ -6,15 +6,15 @@
 namespace keplo::host {
 
 EventActions::EventActions(const HostLog& log) : log_(log), keyboard_(log) {
-  kinds_["run"] = [this](const nlohmann::json& action, const RaisedEvent& event) {
+  kinds_["run"] = [this](const nlohmann::json& action, const RaisedEvent& event, int /*place*/) {
     Start({action.at("program").get<std::string>(), action.value("arguments", std::vector<std::string>())},
           event);
   };
-  kinds_["shell"] = [this](const nlohmann::json& action, const RaisedEvent& event) {
+  kinds_["shell"] = [this](const nlohmann::json& action, const RaisedEvent& event, int /*place*/) {
     Start({"/bin/sh", {"-c", action.at("command").get<std::string>()}}, event);
   };
-  kinds_["key"] = [this](const nlohmann::json& action, const RaisedEvent& /*event*/) {
-    if (const auto code = KeyCodeOf(action.at("key").get<std::string>())) keyboard_.Press(*code);
+  kinds_["key"] = [this](const nlohmann::json& action, const RaisedEvent& /*event*/, int place) {
+    if (const auto code = KeyCodeOf(action.at("key").get<std::string>())) keyboard_.Press(*code, place);
   };
 }
 
@@ -31,7 +31,7 @@ void EventActions::Kill() {
   programs_.clear();
 }
 
-void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event) {
+void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event, int place) {
   for (const nlohmann::json& action : actions) {
     try {
       const std::string kind = action.at("kind").get<std::string>();
@@ -41,7 +41,7 @@ void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event) {
                                           "; known are run, shell and key.");
         continue;
       }
-      known->second(action, event);
+      known->second(action, event, place);
     } catch (const nlohmann::json::exception& error) {
       log_.Write(LogLevel::Warning, "Event " + event.EventID + ": the action " + action.dump() +
                                         " is not complete: " + error.what());

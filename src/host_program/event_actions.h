@@ -17,7 +17,7 @@ namespace keplo::host {
 ///
 ///     {"kind": "run", "program": "lamp", "arguments": ["on"]}    starts a program, without a shell
 ///     {"kind": "shell", "command": "lamp on >> log"}             hands a line to /bin/sh
-///     {"kind": "key", "key": "KEY_VOLUMEUP"}                     presses a key until ReleaseKeys
+///     {"kind": "key", "key": "KEY_VOLUMEUP"}                     presses a key until it is released
 ///
 /// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
 /// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
@@ -33,11 +33,13 @@ class EventActions {
   ~EventActions();
 
   /// Does the actions of an event in order; one that cannot be done is logged and the next follows.
-  void Do(const nlohmann::json& actions, const RaisedEvent& event);
+  /// @param place of the key that raised the event, for ReleaseKeys
+  void Do(const nlohmann::json& actions, const RaisedEvent& event, int place);
 
   /// Gets ready for an event that presses a key.
   void PrepareKeys() { keyboard_.PlugIn(); }
-  void ReleaseKeys() { keyboard_.ReleaseAll(); }
+  /// Lets the keys go that events of this place hold and of no other.
+  void ReleaseKeys(int place) { keyboard_.Release(place); }
 
   bool AnyRuns() const { return !programs_.empty(); }
   /// Asks the programs that run to end.
@@ -48,7 +50,7 @@ class EventActions {
   std::function<void()> AllEnded;
 
  private:
-  using Kind = std::function<void(const nlohmann::json& action, const RaisedEvent& event)>;
+  using Kind = std::function<void(const nlohmann::json& action, const RaisedEvent& event, int place)>;
 
   void Start(const ProgramCall& call, const RaisedEvent& event);
   void Drop(ActionProgram* program);

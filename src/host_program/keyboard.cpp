@@ -63,8 +63,6 @@ void Keyboard::Unplug::operator()(libevdev_uinput* device) const { libevdev_uinp
 
 Keyboard::Keyboard(const HostLog& log) : log_(log) {}
 
-Keyboard::~Keyboard() { ReleaseAll(); }
-
 void Keyboard::PlugIn() {
   if (std::exchange(tried_, true)) return;
   const Description description;
@@ -83,13 +81,13 @@ void Keyboard::Write(unsigned code, int value) {
   libevdev_uinput_write_event(device_.get(), EV_SYN, SYN_REPORT, 0);
 }
 
-void Keyboard::Press(unsigned code) {
+void Keyboard::Press(unsigned code, int place) {
   PlugIn();
-  if (device_ != nullptr && down_.insert(code).second) Write(code, 1);
+  if (device_ != nullptr && down_.Press(code, place)) Write(code, 1);
 }
 
-void Keyboard::ReleaseAll() {
-  for (const unsigned code : std::exchange(down_, {})) Write(code, 0);
+void Keyboard::Release(int place) {
+  for (const unsigned code : down_.Release(place)) Write(code, 0);
 }
 
 std::string Keyboard::DeviceNode() const {

@@ -2,10 +2,10 @@
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "host_program/host_log.h"
+#include "host_program/keys_down.h"
 
 struct libevdev_uinput;
 
@@ -19,14 +19,15 @@ std::optional<unsigned> KeyCodeOf(const std::string& name);
 class Keyboard {
  public:
   explicit Keyboard(const HostLog& log);
-  ~Keyboard();
 
   /// Makes the keyboard known to the system, unless that was tried before. Programs need a moment to find it,
   /// so do this before a key is pressed. What does not work is logged with the way out.
   void PlugIn();
   /// A key that is down stays down.
-  void Press(unsigned code);
-  void ReleaseAll();
+  /// @param place of the key of a remote that holds it
+  void Press(unsigned code, int place);
+  /// Lets the keys go that only this place holds.
+  void Release(int place);
   /// Where its events can be read; empty without one.
   std::string DeviceNode() const;
 
@@ -40,7 +41,7 @@ class Keyboard {
   const HostLog& log_;
   std::unique_ptr<libevdev_uinput, Unplug> device_;
   bool tried_ = false;
-  std::set<unsigned> down_;
+  KeysDown down_;
 };
 
 }  // namespace keplo::host

@@ -68,6 +68,15 @@ TEST(PressActions, AreDueWhenTheySay) {
   EXPECT_TRUE(press.End().empty()) << "no event comes twice";
 }
 
+TEST(KeysDown, LeavesDownWhatAnotherPlaceHolds) {
+  using Codes = std::vector<unsigned>;
+  KeysDown keys;
+  EXPECT_TRUE(keys.Press(1, 5) && keys.Press(2, 6) && !keys.Press(1, 6) && !keys.Press(1, 6));
+  EXPECT_EQ(keys.Release(6), Codes{2});
+  EXPECT_EQ(keys.Release(5), Codes{1});
+  EXPECT_TRUE(keys.Press(1, 5)) << "it went up";
+}
+
 TEST(Keyboard, PressesAKeyOfTheKernelUntilItIsReleased) {
   const HostLog log(false, {});
   Keyboard keyboard(log);
@@ -84,11 +93,10 @@ TEST(Keyboard, PressesAKeyOfTheKernelUntilItIsReleased) {
       if (event.type == EV_KEY && event.code == KEY_VOLUMEUP) values.push_back(event.value);
     }
   };
-  keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"));
-  keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"));
+  for (int press = 0; press < 2; ++press) keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"), 0);
   read(2);
   EXPECT_EQ(values, (std::vector<int>{1, 2}));
-  keyboard.ReleaseAll();
+  keyboard.Release(0);
   read(0);
   EXPECT_EQ(values.back(), 0);
   close(device);
