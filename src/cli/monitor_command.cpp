@@ -89,6 +89,7 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
     if (broker != nullptr) broker->Serve();
     station.Control().Timer1.Tick();
     if (changes.Due()) station.Control().TakeInChanges();
+    if (station.Control().WantsAnotherLook()) changes.LookAgain();
   }
 }
 

@@ -47,7 +47,12 @@ class KeploObject::Busy {
  public:
   explicit Busy(KeploObject& object) : object_(object) { ++object_.uses_.Depth; }
   ~Busy() {
-    if (--object_.uses_.Depth == 0 && object_.uses_.ReleasePending) object_.ReleaseLater();
+    if (--object_.uses_.Depth > 0) return;
+    if (object_.uses_.ReleasePending) {
+      object_.ReleaseLater();
+    } else if (object_.control_.WantsAnotherLook()) {
+      object_.LookAgain();
+    }
   }
   Busy(const Busy&) = delete;
   Busy& operator=(const Busy&) = delete;
@@ -113,6 +118,11 @@ void KeploObject::LookForChanges() {
     control_.TakeInChanges();
   }
   otherPrograms_.start(std::max(changes_.MayWait(), kLookAgain));
+}
+
+void KeploObject::LookAgain() {
+  changes_.LookAgain();
+  otherPrograms_.start(changes_.MayWait());
 }
 
 KeploWindows KeploObject::Windows() {

@@ -84,6 +84,7 @@ class KeploObject final : public IComponentObject,
   void KeepAliveInMenu();
   void ReleaseLater();
   void LookForChanges();
+  void LookAgain();
   KeploWindows Windows();
   void Tick();
   void TellSignal(const TickReport& tick);

@@ -78,13 +78,13 @@ bool Connection::FileWasReplaced() const {
   return State() != 0 && now && openedFile_ && *now != *openedFile_;
 }
 
-bool Connection::ChangedElsewhere() try {
+std::optional<bool> Connection::ChangedElsewhere() try {
   sqlite3* database = Database();
   const WithoutWaiting atOnce(database, busyTimeout_);
   const std::int64_t version = DataVersionOf(database);
   return std::exchange(dataVersion_, version) != version;
 } catch (const Failure& failure) {
-  if ((failure.Number() - kSqliteFailures) % 256 == SQLITE_BUSY) return false;
+  if ((failure.Number() - kSqliteFailures) % 256 == SQLITE_BUSY) return std::nullopt;
   throw;
 }
 

@@ -37,9 +37,9 @@ class Connection {
   void Execute(const std::string& sql);
 
   /// Whether another program has changed the database since it was opened or since this was asked last. Does
-  /// not wait for a lock, and says no while there is one.
+  /// not wait for a lock, and says nothing while there is one.
   /// @throws Failure on a closed connection or one whose file cannot be read
-  bool ChangedElsewhere();
+  std::optional<bool> ChangedElsewhere();
   /// Lets the next ChangedElsewhere say yes, once there is no lock.
   void DoubtWhatWasRead() { dataVersion_ = kUnknownVersion; }
   /// Whether another file stands at the path than the one that is open.

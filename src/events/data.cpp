@@ -2,6 +2,7 @@
 
 #include <array>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -73,6 +74,7 @@ std::int32_t Data::Initialise() try {
 }
 
 bool Data::ChangedElsewhere() try {
+  metLock_ = false;
   if (connection_.FileWasReplaced()) {
     connection_.Close();
     inDoubt_ = true;
@@ -83,9 +85,10 @@ bool Data::ChangedElsewhere() try {
     connection_.OpenAtOnce(databasePath_.string());
   }
   if (inDoubt_) connection_.DoubtWhatWasRead();
-  const bool changed = connection_.ChangedElsewhere();
-  if (changed) inDoubt_ = false;
-  return changed;
+  const std::optional<bool> changed = connection_.ChangedElsewhere();
+  metLock_ = !changed;
+  if (changed == true) inDoubt_ = false;
+  return changed == true;
 } catch (...) {
   return false;
 }

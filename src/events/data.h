@@ -40,6 +40,8 @@ class Data {
   /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
   /// A file that was replaced is opened again, at a later look if it cannot be yet.
   bool ChangedElsewhere();
+  /// Whether ChangedElsewhere met a lock, or what is in memory is in doubt: nobody tells when that is over.
+  bool WantsAnotherLook() const { return metLock_ || inDoubt_; }
   /// Lets the next ChangedElsewhere that can read the database say yes: what is in memory is no longer what
   /// the database has.
   void DoubtWhatWasRead() { inDoubt_ = true; }
@@ -50,6 +52,7 @@ class Data {
   /// Keeps the record of the exception that is being handled.
   void Keep(std::string_view procedure, std::string_view detail) noexcept;
 
+  bool metLock_ = false;
   bool inDoubt_ = false;  // whether what was read is what the database has
   std::filesystem::path databasePath_;
   const ui::Clock& clock_;

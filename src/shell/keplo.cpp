@@ -107,6 +107,10 @@ void Keplo::TakeInChanges() {
   TakeInConfiguration();
 }
 
+bool Keplo::WantsAnotherLook() const {
+  return initialised_ && !terminated_ && mod_.modData->WantsAnotherLook();
+}
+
 void Keplo::TakeInConfiguration() try {
   if (!HasFileChanged(mod_.Store)) return;
   const Reload reload = ReloadConfig(mod_.Store);

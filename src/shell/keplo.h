@@ -88,6 +88,8 @@ class Keplo {
   /// follow. For whoever runs the control to call now and then, between two ticks; costs next to nothing
   /// while nothing has changed. Does nothing inside a tick and while the configuration window is open.
   void TakeInChanges();
+  /// Whether a change of the event map could not be taken in yet, as while another program holds a lock.
+  bool WantsAnotherLook() const;
   /// Whether an event was taken off the list whose row could not be deleted; TakeInChanges brings it back.
   bool ListDiffersFromMap() const { return listDiffersFromMap_; }
   /// The highest number that was the EventID of a deleted event; 0 for none.

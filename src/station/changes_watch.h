@@ -26,17 +26,20 @@ class ChangesWatch {
     // A change comes in several steps, and a database is locked until the last of them is over.
     if (folder_.TakeNews()) next_ = std::min(next_, std::chrono::steady_clock::now() + kSettles);
   }
+  /// Lets a look be due soon: of a change that could not be taken in, nobody may tell again.
+  void LookAgain() { next_ = std::min(next_, std::chrono::steady_clock::now() + kAgain); }
   /// Notices, and tells whether a look is due.
   bool Due() {
     Notice();
     const auto now = std::chrono::steady_clock::now();
     if (now < next_) return false;
     next_ = now + kUntold;
+    if (!folder_.TellsOfFolder()) LookAgain();
     return true;
   }
 
  private:
-  static constexpr std::chrono::milliseconds kSettles{200};
+  static constexpr std::chrono::milliseconds kSettles{200}, kAgain{400};
   static constexpr std::chrono::seconds kUntold{5};  // a file of another folder, or of another machine
 
   FolderWatch folder_;

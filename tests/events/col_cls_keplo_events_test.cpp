@@ -127,9 +127,13 @@ TEST(EventCollection, DoesNotWaitForAMapThatIsLockedAsItIsReplaced) {
   std::filesystem::rename(replacement.Database(), folder.Database());
   EventMap other(folder);
   ASSERT_EQ(other.Database.ExecuteSQLCommand("begin exclusive"), 1);
-  EXPECT_FALSE(map.Database.ChangedElsewhere());
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.WantsAnotherLook());
   other.Database.ExecuteSQLCommand("commit");
-  EXPECT_TRUE(map.Database.ChangedElsewhere());
+  EXPECT_TRUE(map.Database.ChangedElsewhere() && !map.Database.WantsAnotherLook());
+  other.Database.ExecuteSQLCommand("begin exclusive");
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.WantsAnotherLook()) << "a lock alone";
+  other.Database.ExecuteSQLCommand("commit");
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && !map.Database.WantsAnotherLook());
 }
 
 TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
