@@ -32,7 +32,7 @@ _keplo_offer() {
 # Whether an option takes no value.
 _keplo_is_flag() {
   case $1 in
-    --json | --no-shape | --presses | --once | --real-time | --live | --raw | --dry-run | --shadowed | --one-line) ;;
+    --json | --no-shape | --presses | --broker | --once | --real-time | --live | --raw | --dry-run | --shadowed | --one-line) ;;
     --each | --force | --disabled | --enable | --disable | --yes | --help | -h | --version) ;;
     *) return 1 ;;
   esac
@@ -84,7 +84,7 @@ _keplo() {
     *,install) words='--app-path --teach --help' ;;
     *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
-    *,monitor) words='--app-path --port --replay --json --presses --once --real-time --sample-time --no-shape --hold --help' ;;
+    *,monitor) words='--app-path --port --replay --json --presses --broker --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events)
       case $action in
         list) words='--json --app-path --help' ;;
@@ -103,7 +103,7 @@ _keplo() {
     *,convert) words='--to --format --out --help' ;;
     *,protocols) words='--json --app-path --help' ;;
     *,protocol) words='--gproto --description --sendpls --repeat --grepeat --bitg --bit0 --bit1 --yes --app-path --help' ;;
-    *,send) words='--out --port --pulse --count --code --protocol --app-path --help' ;;
+    *,send) words='--out --port --zone --pulse --count --code --protocol --app-path --help' ;;
     *,commands) words='--json --app-path --help' ;;
     *,ports) words='--json --watch --app-path --help' ;;
     2,broker) words='set show check forget --help' ;;

@@ -46,6 +46,13 @@ TEST(KeploProgram, CompletesNamesInBashWhateverStandsAhead) {
                                        {"send --count 2 NEC TV_P", "TV_POWER"}}) {
     EXPECT_EQ(RunShell(bash + words).Out, std::string(offered) + "\n") << words;
   }
+  const std::string notOffered =
+      R"(for c in install decode monitor 'events list' 'events add' 'events modify' commands record learn import \
+      export convert protocols 'protocol edit' send calibrate ports zone 'broker set' 'broker show' synth; do
+      offered=" $()" +
+      bash + R"($c --) "; for o in $(')" KEPLO_PROGRAM R"(' $c --help |
+      sed -nE 's/^ +(-h,)?(--[a-z0-9-]+).*/\2/p'); do case $offered in *" $o "*) ;; *) echo $c $o; esac; done; done)";
+  EXPECT_EQ(RunShell(notOffered).Out, "");
 }
 
 TEST(KeploProgram, ReadsStandardInputInBothForms) {
