@@ -162,10 +162,11 @@ void LoadConfig(CfgStore& store) {
     store.ReadFrom = identity;
     RefreshRaw(store);
   } catch (const Failure& failure) {
-    const char* const advice =
-        failure.Number() == ENOENT
-            ? ". Put a backup in its place, or run 'keplo install' for the one of a first install."
-            : "";
+    const std::string advice = failure.Number() == ENOENT
+                                   ? ". Put a backup in its place, or bring the one of a first install with: "
+                                     "keplo install --app-path '" +
+                                         store.Path.parent_path().string() + "'"
+                                   : "";
     throw Failure(failure.Number(),
                   std::string("The configuration cannot be read: ") + failure.what() + advice);
   }

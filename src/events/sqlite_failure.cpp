@@ -90,9 +90,11 @@ Failure FailureOf(sqlite3* database, std::string_view path) {
   if (path.empty()) path = OpenFileName(database);
   if (CouldNotMakeJournal(code, systemError, path)) return JournalFailure(code, path);
   if (IsFileFailure(code) && systemError == ENOENT) {
-    return {
-        SqliteFailureNumber(code),
-        DatabaseText(path, "does not exist", "Put a backup there, or run 'keplo install' for an empty one.")};
+    const std::string folder = std::filesystem::path(path).parent_path();
+    return {SqliteFailureNumber(code),
+            DatabaseText(
+                path, "does not exist",
+                "Put a backup there, or bring an empty one with: keplo install --app-path '" + folder + "'")};
   }
 
   std::string detail = sqlite3_errmsg(database);

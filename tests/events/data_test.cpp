@@ -50,9 +50,11 @@ TEST(Data, KeepsARecordOfEachFailure) {
   Recordset rows;
   EXPECT_EQ(data.ExecuteSQL("select 1", rows), 0);
   EXPECT_EQ(Shown(data.ErrorDetails()), "Data|ExecuteSQL|65550" + date + "select 1");
-  EXPECT_EQ(data.ErrorDetails().ErrorDescription,
-            "The event database " + path +
-                " does not exist. Put a backup there, or run 'keplo install' for an empty one.");
+  EXPECT_EQ(
+      data.ErrorDetails().ErrorDescription,
+      "The event database " + path +
+          " does not exist. Put a backup there, or bring an empty one with: keplo install --app-path '" +
+          folder.Path().string() + "'");
   EXPECT_TRUE(folder.Files().empty());  // looking for a database never makes one
 
   folder.CreateTable();
