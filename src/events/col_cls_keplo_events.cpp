@@ -93,10 +93,13 @@ bool colclsKeploEvents::Initialise(ui::ListView& list) {
   return Reporting(".Initialise", [&] {
     list_ = &list;
     errorRecord_.reset();  // of an operation before
-    if (count() > 0) return ReadAgain();
+    if (count() > 0 && !cutShort_) return ReadAgain();
+    while (!stored_.empty()) Forget(std::string(stored_.begin()->first));  // of a load that was cut short
     Recordset rows;
     if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
+    cutShort_ = true;
     for (; !rows.Eof(); rows.MoveNext()) Load(EventOfRow(rows));
+    cutShort_ = false;
     return true;
   });
 }

@@ -111,6 +111,7 @@ class colclsKeploEvents {
   std::unordered_map<std::string, clsKeploEvent> stored_;  // by key, each as the table had it last
   std::shared_ptr<HostErrorRecord> errorRecord_;
   ui::ListView* list_ = nullptr;
+  bool cutShort_ = false;  // whether a load ended at a row that cannot be used
   std::optional<HostInputEvent> inputEvent_;
 };
 

@@ -152,8 +152,8 @@ TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
                              " ('1', 'n', 'd', 'c', 1, -32768), " +
                              badRow + ", ('3', 'n', 'd', 'c', 1, 0)");
     EventMap map(folder);
-    EXPECT_FALSE(map.Load());
-    ASSERT_EQ(ShownAll(map.Errors), Texts{Report("Initialise", number)});
+    EXPECT_TRUE(!map.Load() && !map.Load()) << "the table is no better the second time";
+    ASSERT_EQ(ShownAll(map.Errors), Texts(2, Report("Initialise", number)));
     ExpectPart(map.Errors[0].ErrorDescription, told);
     EXPECT_EQ(map.Members(), (Texts{"0|n|d|c|on|32767", "1|n|d|c|on|-32768"}));
     EXPECT_EQ(map.List.Count(), 2);
