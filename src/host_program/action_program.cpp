@@ -90,6 +90,8 @@ void ActionProgram::Signal(int number) {
 
 void ActionProgram::TellFailedStart() {
   log_(LogLevel::Warning, Name() + " cannot be started: " + process_.errorString().toStdString());
+  output_->Pipe().CloseWriteEnd();  // or it would wait for its own end
+  output_->Pipe().Drain();
   Finish();
 }
 

@@ -49,12 +49,19 @@ void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event, i
   }
 }
 
-void EventActions::Start(const ProgramCall& call, const RaisedEvent& event) {
+std::string EventActions::InTheWay() {
+  if (programs_.size() >= kMostPrograms) return std::to_string(kMostPrograms) + " programs still run.";
   std::erase_if(leftOpen_, [](const auto& output) { return output->HasEnded(); });
-  if (programs_.size() + leftOpen_.size() >= kMostPrograms) {
-    log_.Write(LogLevel::Warning, "Event " + event.EventID + ": " + call.Program +
-                                      " was not started, since " + std::to_string(kMostPrograms) +
-                                      " programs still run.");
+  if (leftOpen_.size() < kMostLeftOpen) return {};
+  return std::to_string(kMostLeftOpen) +
+         " programs have left others behind that still hold their output, as " + leftOpen_.back()->Program() +
+         " has. Let what is to go on by itself write elsewhere, as by > /dev/null 2>&1.";
+}
+
+void EventActions::Start(const ProgramCall& call, const RaisedEvent& event) {
+  if (const std::string inTheWay = InTheWay(); !inTheWay.empty()) {
+    log_.Write(LogLevel::Warning,
+               "Event " + event.EventID + ": " + call.Program + " was not started, since " + inTheWay);
     return;
   }
   programs_.push_back(std::make_unique<ActionProgram>(call, event, log_));

@@ -24,9 +24,10 @@ namespace keplo::host {
 /// standard error, line by line. None is waited for, and what they leave running on its own is logged too.
 class EventActions {
  public:
-  /// Programs that may run, or have left others behind that hold their output, at the same time; a key that
-  /// is held must not fill the machine with hung ones.
+  /// Programs that may run at the same time; a key that is held must not fill the machine with hung ones.
   static constexpr std::size_t kMostPrograms = 32;
+  /// Programs that may have ended but left others behind that hold their output, as daemons do.
+  static constexpr std::size_t kMostLeftOpen = 256;
 
   explicit EventActions(const HostLog& log);
   /// Ends the programs that still run.
@@ -52,6 +53,8 @@ class EventActions {
  private:
   using Kind = std::function<void(const nlohmann::json& action, const RaisedEvent& event, int place)>;
 
+  /// What is in the way of one more program; empty if nothing is.
+  std::string InTheWay();
   void Start(const ProgramCall& call, const RaisedEvent& event);
   void Drop(ActionProgram* program);
 

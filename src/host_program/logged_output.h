@@ -21,6 +21,7 @@ class LoggedOutput {
   LoggedOutput(const LoggedOutput&) = delete;
   LoggedOutput& operator=(const LoggedOutput&) = delete;
 
+  const std::string& Program() const { return lines_.Program(); }
   OutputPipe& Pipe() { return pipe_; }
   /// Whether nobody writes any more, and all of it is in the log.
   bool HasEnded() const { return ended_; }

@@ -22,6 +22,8 @@ class ProgramOutput {
   ProgramOutput(std::string program, std::function<void(LogLevel, const std::string& line)> write)
       : program_(std::move(program)), write_(std::move(write)) {}
 
+  const std::string& Program() const { return program_; }
+
   /// Logs the lines that the bytes complete.
   void Take(std::string_view bytes);
   /// Logs what is left of a last line without an end, and how much was left out.
