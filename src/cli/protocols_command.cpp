@@ -58,18 +58,24 @@ void PrintRow(std::string_view text, const ProtocolDraft& draft) {
             << LearnedIn(text, draft.Name) << '\t' << Printable(draft.Description) << '\n';
 }
 
+/// A file that was cut or mixed up may have thousands of them, which nobody reads.
+void TellDamaged(const std::vector<std::string>& names) {
+  const std::size_t others = names.size() - 1;
+  Tell("the section [" + names.front() + "] is damaged" +
+       (others == 0 ? "" : ", and so are " + std::to_string(others) + " behind it"));
+}
+
 int List(const ProtocolsOptions& options) {
   const OpenedConfig config(options.AppPath);
   const std::string& text = config.Text();
   std::vector<std::string> names = ListProtocols(text);
   if (!options.Name.empty()) names = {RequireProtocol(text, options.Name)};
   if (names.empty()) throw Refused(config.Mod.Store.Path.string() + " has no protocols");
-  int status = kDone;
+  std::vector<std::string> damaged;
   for (const std::string& name : names) {
     const std::optional<ProtocolDraft> draft = LoadProtocol(text, name);
     if (!draft) {
-      Tell("the section [" + name + "] is damaged");
-      status = kNoResult;
+      damaged.push_back(name);
     } else if (options.Json) {
       std::cout << JsonLine(Describe(text, *draft)) << '\n';
     } else if (!options.Name.empty()) {
@@ -78,7 +84,9 @@ int List(const ProtocolsOptions& options) {
       PrintRow(text, *draft);
     }
   }
-  return status;
+  if (damaged.empty()) return kDone;
+  TellDamaged(damaged);
+  return kNoResult;
 }
 
 }  // namespace
