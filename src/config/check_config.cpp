@@ -82,6 +82,18 @@ Finding Twins(std::string_view text, const SectionWalk& walk) {
   return std::nullopt;
 }
 
+/// A header whose name begins with a blank: lists show the name without it, which finds no section then.
+Finding BlankInHeader(std::string_view text, const SectionWalk& walk) {
+  for (std::size_t index = 0; index < walk.Names.size(); ++index) {
+    const int begin = walk.Places[index].Begin;
+    const int ahead = begin - 3 - static_cast<int>(walk.Names[index].size());
+    if (walk.Names[index].empty() || ahead < 0 || text[static_cast<std::size_t>(ahead)] == '[') continue;
+    return "[" + walk.Names[index] + "] in line " + LineBefore(text, begin) +
+           " has a blank behind its [, so that nobody finds it. Take it out, and start again";
+  }
+  return std::nullopt;
+}
+
 Finding DamagedSection(std::string_view text) {
   const SectionWalk walk = WalkSections(text);
   if (walk.Ended == WalkEnd::NestedHeaders) {
@@ -110,7 +122,9 @@ Finding Damage(const CfgStore& store) {
 
 std::string CheckConfig(const CfgStore& store) {
   Finding finding = Damage(store);
-  if (!finding) finding = Twins(store.CfgText, WalkSections(store.CfgText));
+  const SectionWalk walk = WalkSections(store.CfgText);
+  if (!finding) finding = Twins(store.CfgText, walk);
+  if (!finding) finding = BlankInHeader(store.CfgText, walk);
   return Told(store, finding);
 }
 

@@ -80,6 +80,7 @@ TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
         "BIT0=|BIT=|BIT0= of [NEC] was not found behind line 14", "[Template]|(Template)|",
         "a test|[a] test|GPROTO= of [NEC] was not found behind line 10",
         "[Template]|[nec]|[NEC] in line 9 and [nec] in line 21 have the same name",
+        "[NEC]|[ NEC]|[NEC] in line 9 has a blank behind its [",
         "ITYPE= 0\r|ITYPE= 0|line 5 does not end in CR LF",
         "ITYPE= 0\r\n|ITYPE= 0\r|line 5 does not end in CR LF", "[END]\r\n|[END]\r|does not end in CR LF",
         "[END]\r\n|[END]|"}) {
