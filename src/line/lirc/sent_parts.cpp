@@ -6,21 +6,31 @@ namespace {
 
 constexpr std::size_t kMostMarks = 512;
 constexpr std::chrono::milliseconds kLongestWrite{490};
+/// Up to here the timer that ends a write is as fine as the ticks of the kernel (64 of them, at 250 Hz 256
+/// ms).
+constexpr std::chrono::milliseconds kFineWrite{200};
+constexpr std::chrono::milliseconds kFineLateness{12}, kCoarseLateness{40};
 
 }  // namespace
 
 std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot) {
-  const auto fits = [&](std::size_t end) {
-    const auto slots = static_cast<std::int64_t>(lit[end - 1].End - lit[first].Begin);
-    return end - first <= kMostMarks && slots * slot <= kLongestWrite;
+  const auto length = [&](std::size_t end) {
+    return static_cast<std::int64_t>(lit[end - 1].End - lit[first].Begin) * slot;
   };
-  std::size_t longest = first + 1;
+  const auto fits = [&](std::size_t end) {
+    return end - first <= kMostMarks && length(end) <= kLongestWrite;
+  };
+  // What is left of the space behind a part when its write returns.
+  const auto left = [&](std::size_t end) {
+    const auto space = static_cast<std::int64_t>(lit[end].Begin - lit[end - 1].End) * slot;
+    return space - (length(end) <= kFineWrite ? kFineLateness : kCoarseLateness);
+  };
+  std::size_t best = first + 1;
   std::size_t end = first + 1;
   for (; end < lit.size() && fits(end); ++end) {
-    const auto space = [&](std::size_t next) { return lit[next].Begin - lit[next - 1].End; };
-    if (space(end) >= space(longest)) longest = end;
+    if (left(end) >= left(best)) best = end;
   }
-  return end == lit.size() && fits(end) ? end : longest;
+  return end == lit.size() && fits(end) ? end : best;
 }
 
 std::vector<unsigned> LengthsOf(std::span<const LitSlots> part, std::chrono::microseconds slot) {
