@@ -69,6 +69,7 @@ std::string ParseLine(std::string_view line, MappedPort& port) {
   if (kind == "serial" || kind == "lirc") {
     if (rest.empty() || rest.front() != '/')
       return "expected the path of a device after " + std::string(kind) + ":";
+    if (Words(rest).size() > 1) return "expected one device after " + std::string(kind) + ":";
     port.Type = kind == "serial" ? MappedPort::Kind::Serial : MappedPort::Kind::Lirc;
     port.Device = rest;
     return {};
@@ -149,6 +150,7 @@ PortMap ParsePortMap(const std::string& text, const std::string& path) {
         mistake.empty() && std::any_of(map.Ports.begin(), map.Ports.end(),
                                        [&](const auto& other) { return other.Port == port.Port; });
     if (twice) mistake = "port " + std::to_string(port.Port) + " has a line already; expected another number";
+    for (std::string& file : port.Files) file = (fs::path(path).parent_path() / file).string();
     if (mistake.empty()) {
       map.Ports.push_back(std::move(port));
     } else {

@@ -39,6 +39,7 @@ TEST(PortMap, KeepsTheLinesBesideAMistake) {
        "expected a topic behind send:, with a + for the room only where the first topic has one"},
       {"2 = mqtt:a/+ 9:bath", "expected send:TOPIC, or a room such as 2:kitchen with a number from 1 to 8"},
       {"2 = mqtt:a/+ 1:bath 2:bath", "room bath has a number already; expected another"},
+      {"2 = serial:/dev/ttyS1 /dev/ttyS2", "expected one device after serial:"},
       {"2 = lirc:lirc0", "expected the path of a device after lirc:"},
       {"2 = replay:", "expected the path of a recording after replay:"},
       {"1 = serial:/dev/ttyS1", "port 1 has a line already; expected another number"}};
@@ -64,8 +65,9 @@ TEST(PortMap, NumbersWhatTheMachineHas) {
   for (int number = 1; number <= 30; ++number) tty("ttyUSB" + std::to_string(number), "");
   EXPECT_EQ(FindPorts(folders).Ports.size(), 30U);
   EXPECT_EQ(FindPorts(folders).LeftOut.size(), 4U);
-  folder.Write("ports.conf", "7 = serial:/dev/ttyS1");
-  EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)), "7 serial /dev/ttyS1|");
+  folder.Write("ports.conf", "7 = replay:/a b");
+  EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)),
+            "7 replay /a " + (folder.Path() / "b").string() + " |");
   std::filesystem::remove(folder.Path() / "ports.conf");
   ASSERT_EQ(mkfifo((folder.Path() / "ports.conf").c_str(), 0600), 0);
   EXPECT_EQ(LoadPortMap(folder.Path(), folders).Mistakes.size(), 1U);
