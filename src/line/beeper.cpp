@@ -3,10 +3,12 @@
 #include <alsa/asoundlib.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <memory>
 #include <numbers>
 #include <string>
+#include <utility>
 
 namespace keplo {
 
@@ -45,6 +47,14 @@ int Play(const std::vector<std::int16_t>& tone) {
   return std::min(snd_pcm_drain(opened), 0);
 }
 
+std::string WhySilent(int error) {
+  if (error == -EBUSY) {
+    return "Beeps are silent: another program has the sound device. They sound again when it ends.";
+  }
+  return std::string("Beeps are silent: the sound device cannot be used (") + snd_strerror(error) +
+         "). Connect one, or join the group audio and log in again.";
+}
+
 }  // namespace
 
 std::vector<std::int16_t> MakeTone(std::int32_t frequency, std::int32_t duration, std::int32_t rate) {
@@ -66,14 +76,8 @@ Beeper::Beeper(DeviceCalls& calls, TellUser tell) : calls_(calls), tell_(std::mo
 void Beeper::Sound(std::int32_t frequency, std::int32_t duration) {
   duration = std::clamp(duration, 0, kLongestTone);
   const auto end = calls_.Now() + std::chrono::milliseconds(duration);
-  if (!told_) {
-    const int error = Play(MakeTone(frequency, duration, kRate));
-    told_ = error < 0;
-    if (told_ && tell_) {
-      tell_(std::string("Beeps are silent: the sound device cannot be used (") + snd_strerror(error) +
-            "). Connect one, or join the group audio, and start again.");
-    }
-  }
+  const int error = Play(MakeTone(frequency, duration, kRate));
+  if (error < 0 && tell_ && !std::exchange(told_, true)) tell_(WhySilent(error));
   calls_.SleepUntil(end);
 }
 

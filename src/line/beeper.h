@@ -14,7 +14,8 @@ namespace keplo {
 /// @param rate samples a second
 std::vector<std::int16_t> MakeTone(std::int32_t frequency, std::int32_t duration, std::int32_t rate);
 
-/// Sounds tones on the system's default sound device. Where there is none it is silent, which is told once.
+/// Sounds tones on the system's default sound device. Where there is none it is silent, which is told once,
+/// and tries again with the next tone.
 class Beeper {
  public:
   Beeper(DeviceCalls& calls, TellUser tell);
