@@ -5,6 +5,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <iostream>
 #include <string_view>
 #include <thread>
@@ -42,8 +43,10 @@ std::string LengthsText(const std::string& capture, double sampleTime) {
 std::string LossesText(const LineLosses& before, const LineLosses& now) {
   if (const auto samples = now.Samples - before.Samples; samples > 0) {
     const auto share = [samples](std::uint64_t part) {
-      return std::to_string(static_cast<double>(part) * 100 / static_cast<double>(samples)).substr(0, 4) +
-             " %";
+      char text[16];
+      std::snprintf(text, sizeof text, "%.1f %%",
+                    static_cast<double>(part) * 100 / static_cast<double>(samples));
+      return std::string(text);
     };
     return "samples late " + share(now.LateSamples - before.LateSamples) + ", missed " +
            share(now.FilledSamples - before.FilledSamples);
