@@ -104,7 +104,10 @@ void SerialLine::SetMode(std::int32_t mode) {
   mode_ = mode;
   if (!port_) return;
   const auto speed = mode == 2 ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
-  if (Worked(port_->SetSpeed(speed)) && mode != 2) Forget();
+  if (!Worked(port_->SetSpeed(speed))) return;
+  // With new settings the driver stops telling edges, until a wait begins anew.
+  if (watch_) watch_->Look();
+  if (mode != 2) Forget();
 }
 
 void SerialLine::DTR(std::int32_t state) {
