@@ -4,28 +4,45 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 namespace keplo {
 
 namespace {
 
-/// The group of a device node, which is the one to join.
-std::string GroupOf(const std::string& device) {
-  struct stat node {};
-  if (stat(device.c_str(), &node) != 0) return {};
-  const group* owner = getgrgid(node.st_gid);
-  return owner == nullptr ? std::to_string(node.st_gid) : owner->gr_name;
+std::string NameOfGroup(gid_t number) {
+  const group* found = getgrgid(number);
+  return found == nullptr ? std::to_string(number) : found->gr_name;
 }
 
+/// Whether this program runs as a member of a group.
+bool IsMember(gid_t number) {
+  if (getegid() == number) return true;
+  std::vector<gid_t> groups(static_cast<std::size_t>(std::max(getgroups(0, nullptr), 0)));
+  const int count = getgroups(static_cast<int>(groups.size()), groups.data());
+  return std::find(groups.begin(), groups.begin() + std::max(count, 0), number) !=
+         groups.begin() + std::max(count, 0);
+}
+
+/// The group of the node is the one to join, where it may read and write and that is what is missing.
 std::string WhyForbidden(const std::string& device) {
-  const std::string group = GroupOf(device);
-  if (group.empty() || group == "root") {
-    return device + " may be opened by root only. A udev rule can give it to a group.";
+  constexpr mode_t kGroupMay = S_IRGRP | S_IWGRP;
+  struct stat node {};
+  const bool known = stat(device.c_str(), &node) == 0;
+  if (!known || node.st_gid == 0 || (node.st_mode & kGroupMay) != kGroupMay) {
+    return device + " may be opened by its owner only. A udev rule can give it to a group.";
+  }
+  const std::string group = NameOfGroup(node.st_gid);
+  if (geteuid() == 0 || IsMember(node.st_gid)) {
+    return device +
+           " is kept from this program by the service or the container that it runs in, though not " +
+           "from the group " + group + ". Allow the device there, as with DeviceAllow=.";
   }
   return device + " belongs to the group " + group + ". Join it with: sudo usermod -aG " + group +
          " $USER, then log in again.";
@@ -59,8 +76,11 @@ std::string WhyNoAccess(const std::string& device, int error) {
     case ENODEV:
     case ENXIO:
       return device + " is not there. Plug it in, or load its driver.";
+    case ENOTTY:
+      return device + " is no serial port. Correct ports.conf.";
     default:
-      return device + " cannot be opened: " + std::strerror(error) + ".";
+      return device + " cannot be opened: " + std::strerror(error) +
+             ". Correct ports.conf, or choose another port.";
   }
 }
 
@@ -101,7 +121,13 @@ bool IsUsbPort(const std::string& device, const std::filesystem::path& classes) 
   return place.string().find("/usb") != std::string::npos;
 }
 
-std::string WhyNoModemLines(const std::string& device) {
+std::string WhyUnfit(const std::string& device, bool hasModemLines, const std::filesystem::path& classes) {
+  if (!hasModemLines) {
+    return device +
+           " has no modem lines: it receives nothing and does not send on DTR. Use it for TxD and zone "
+           "hardware, and another port to receive.";
+  }
+  if (!IsUsbPort(device, classes)) return {};
   return device +
          " is a USB adapter: reading its lines takes 1 ms and switching them up to 11 ms, so it serves "
          "zone hardware only. Use a serial port of the board or of a PCIe card, or an infrared "

@@ -27,7 +27,9 @@ std::string KernelName(const std::string& device);
 /// @param classes where the kernel lists its devices by classes
 bool IsUsbPort(const std::string& device, const std::filesystem::path& classes = "/sys/class");
 
-/// Why a USB adapter serves neither receiver nor transmitter.
-std::string WhyNoModemLines(const std::string& device);
+/// What a serial port does not serve for, in a sentence or two; empty for one that serves for everything.
+/// @param hasModemLines as the open port tells
+std::string WhyUnfit(const std::string& device, bool hasModemLines,
+                     const std::filesystem::path& classes = "/sys/class");
 
 }  // namespace keplo

@@ -36,10 +36,12 @@ std::string DriverOf(const fs::path& device) {
 PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& classes) {
   PortCheck check;
   check.Driver = DriverOf(classes / "tty" / KernelName(port.Device) / "device");
-  check.Opens = SerialPort::Open(calls, port.Device, check.Why) != nullptr;
-  const bool usb = IsUsbPort(port.Device, classes);
-  check.Receives = check.Sends = check.Opens && !usb;
-  if (check.Opens && usb) check.Why = WhyNoModemLines(port.Device);
+  const auto opened = SerialPort::Open(calls, port.Device, check.Why);
+  if (!opened) return check;
+  check.Opens = true;
+  check.Sends = !IsUsbPort(port.Device, classes);
+  check.Receives = check.Sends && opened->HasModemLines();
+  check.Why = WhyUnfit(port.Device, opened->HasModemLines(), classes);
   return check;
 }
 

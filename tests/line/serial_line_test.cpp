@@ -91,6 +91,7 @@ TEST_F(SerialLineTest, RestsBesideALamp) {
   EXPECT_FALSE(AtRest());
   EXPECT_EQ(Capture(), std::string(kMonitorCaptureBytes, '\xFF'));
   EXPECT_TRUE(AtRest()) << "one capture of a lamp is enough";
+  EXPECT_EQ(Told.size(), 1U) << "that it may be a receiver of the other kind";
   Port.AlwaysLit = false;
   EXPECT_TRUE(AtRest());
   Port.Play(Clean(kNec, kNecBits));

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <stdlib.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <thread>
@@ -13,17 +12,8 @@
 namespace keplo {
 namespace {
 
-/// A terminal has all of a port but its modem lines.
-struct TerminalCalls : KernelCalls {
-  int Ioctl(int descriptor, unsigned long request, void* argument) override {
-    if (request == TIOCMGET) *static_cast<int*>(argument) = TIOCM_CD;
-    const bool modem = request == TIOCMGET || request == TIOCMBIS || request == TIOCMBIC;
-    return modem ? 0 : KernelCalls::Ioctl(descriptor, request, argument);
-  }
-};
-
 TEST(TerminalLine, SendsMoreThanAPortTakesAtOnceAndAsksZonesBesideIt) {
-  TerminalCalls calls;
+  KernelCalls calls;  // a terminal has all of a port but its modem lines
   const DeviceDescriptor partner(calls, posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_TRUE(grantpt(partner.Get()) == 0 && unlockpt(partner.Get()) == 0);
   std::string arrived;
@@ -44,6 +34,9 @@ TEST(TerminalLine, SendsMoreThanAPortTakesAtOnceAndAsksZonesBesideIt) {
     EXPECT_EQ(line.OpenCom(1), 1) << line.WhyNot();
     line.IRSend(std::string(3, '\xFF'), 20'000, 1);
     EXPECT_TRUE(line.Sent());
+    EXPECT_EQ(line.DCD(), 1) << "at rest, not gone";
+    line.IRSend("\xFF", 560, 0);
+    EXPECT_FALSE(line.Sent()) << "no DTR";
     EXPECT_EQ(QueryZone(line), 3);
     EXPECT_TRUE(SendZone(line, 3));
   }

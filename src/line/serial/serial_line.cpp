@@ -75,9 +75,13 @@ void SerialLine::CloseDevice() {
   port_.reset();
 }
 
-std::string SerialLine::Warning(Use /*use*/) const {
-  return IsUsbPort(Node()) ? WhyNoModemLines(Node()) : "";
+/// Whether the port itself is still there, where no modem line can be asked.
+bool SerialLine::HungUp() {
+  pollfd port = {port_->Descriptor(), 0, 0};
+  return calls_.Poll(&port, 1, 0) > 0 && (port.revents & (POLLHUP | POLLERR)) != 0;
 }
+
+std::string SerialLine::Warning(Use /*use*/) const { return WhyUnfit(Node(), port_->HasModemLines()); }
 
 /// A call on a device that is gone fails; nothing else does.
 bool SerialLine::Worked(bool worked) {
@@ -86,6 +90,7 @@ bool SerialLine::Worked(bool worked) {
 }
 
 void SerialLine::NoticeLoss() {
+  if (!port_->HasModemLines()) Worked(!HungUp());
   if (!watch_) return;
   // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
   const bool mute = watch_->Mute() || log_.Ended();
@@ -94,6 +99,7 @@ void SerialLine::NoticeLoss() {
 
 milliseconds SerialLine::MayRest() {
   if (!IsOpen()) return NodeLine::MayRest();
+  if (!port_->HasModemLines()) return NodeLine::MayRest();
   if (!watch_) return milliseconds::zero();
   log_.Rest();
   const bool news = (HasEdges() && !log_.Edges().empty()) || log_.Ended();
@@ -123,6 +129,7 @@ void SerialLine::TXD(std::int32_t state) {
 }
 
 std::optional<bool> SerialLine::Level() {
+  if (port_ && !port_->HasModemLines()) return RestLevel();
   if (const std::optional<int> lines = ModemLines()) return (*lines & TIOCM_CD) != 0;
   Lose();
   return std::nullopt;
@@ -197,6 +204,14 @@ void SerialLine::WaitForNews(Time until) {
   } while (calls_.Now() < until && !HasEdges() && !inside_ && Level() == RestLevel());
 }
 
+/// After a whole capture of light.
+void SerialLine::NoticeStuck() {
+  stuckAt_ = !RestLevel();
+  if (std::exchange(stuckTold_, true)) return;
+  Tell(Node() + " rests at " + (*stuckAt_ ? "1" : "0") +
+       ", where a receiver of the other kind does; change ITYPE with keplo settings, or look for a lamp.");
+}
+
 bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options) {
   const bool rest = RestLevel();
   std::optional<std::size_t> beginning = FindBeginning(log_.Edges(), rest, inside_);
@@ -220,7 +235,8 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
   }
   const std::span<const Edge> edges = log_.Edges();
   const EdgePress press = ReadPress(edges, *beginning, rest, end);
-  stuckAt_ = press.AllLight ? std::optional(!rest) : std::nullopt;
+  stuckAt_.reset();
+  if (press.AllLight) NoticeStuck();
   inside_ = end == full && !press.AllLight ? std::optional(edges[press.Edges - 1].At) : std::nullopt;
   log_.Drop(press.Edges);
   if (log_.Ended()) {
@@ -251,7 +267,7 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   const bool full = report.Samples == buffer.size() * 8;
   const bool allLight =
       full && std::all_of(samples.begin(), samples.end(), [](char byte) { return byte == '\xFF'; });
-  if (allLight) stuckAt_ = !RestLevel();
+  if (allLight) NoticeStuck();
   inside_ = full && !allLight ? std::optional(calls_.Now()) : std::nullopt;
   // A driver that tells edges would have told one of these, unless a look came in the same moment.
   if (watch_ && !allLight && !watch_->Proven() && ++sampledUntold_ == kEnoughUntold) watch_.reset();
@@ -269,6 +285,7 @@ bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
 
 bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) {
   const bool txd = (interfaceType & kTxdOutput) != 0;
+  if (!txd && !port_->HasModemLines()) return false;  // of which its user was warned
   calls_.SleepUntil(opened_ + kAfterFlash);
   return Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
 }

@@ -42,17 +42,20 @@ class SerialLine : public NodeLine {
   void CloseDevice() override;
   void NoticeLoss() override;
   std::string Warning(Use use) const override;
+  bool Hears() const override { return port_->HasModemLines(); }
   bool SignalWaits() override;
   bool Capture(std::span<char> buffer, std::int32_t delay) override;
   void WaitForNews(Time until) override;
   bool Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) override;
 
  private:
+  bool HungUp();
   bool HasEdges() const;
   std::optional<bool> Level();
   bool EdgesWait(bool level);
   bool LightIsOn(bool level);
   bool IsQuiet();
+  void NoticeStuck();
   bool CaptureEdges(std::span<char> buffer, const LineOptions& options);
   bool CaptureSamples(std::span<char> buffer, const LineOptions& options);
   bool Worked(bool worked);
@@ -64,6 +67,7 @@ class SerialLine : public NodeLine {
   /// The signal that is on may have begun unheard; when the line was seen to change last.
   std::optional<Time> inside_;
   std::optional<bool> stuckAt_;  // level of a line that stayed away from rest for a whole capture
+  bool stuckTold_ = false;
   CarrierNote carrierNote_;
   LineLosses losses_;
   Time opened_{0};

@@ -59,7 +59,7 @@ std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::stri
     const bool exclusive = calls.Ioctl(descriptor, TIOCEXCL, nullptr) == 0;
     if (exclusive && calls.Ioctl(descriptor, TCGETS, &port->found_) == 0) {
       port->configured_ = true;
-      if (port->SetSpeed(Speed::Carrier) && port->Lines()) {
+      if (port->SetSpeed(Speed::Carrier) && port->FindModemLines()) {
         port->SetLine(TIOCM_DTR, false);
         port->lockFile_ = TakeLockFile(device);
         return port;
@@ -83,6 +83,12 @@ SerialPort::~SerialPort() {
   ReleaseLockFile(lockFile_);
 }
 
+/// A terminal without modem lines says so; a name without hardware behind it gives EIO.
+bool SerialPort::FindModemLines() {
+  hasModemLines_ = Lines().has_value();
+  return hasModemLines_ || errno == ENOTTY || errno == EINVAL;
+}
+
 std::optional<int> SerialPort::Lines() const {
   int lines = 0;
   if (calls_.Ioctl(Descriptor(), TIOCMGET, &lines) != 0) return std::nullopt;
@@ -90,6 +96,7 @@ std::optional<int> SerialPort::Lines() const {
 }
 
 bool SerialPort::SetLine(int line, bool on) const {
+  if (!hasModemLines_) return true;
   return calls_.Ioctl(Descriptor(), on ? TIOCMBIS : TIOCMBIC, &line) == 0;
 }
 

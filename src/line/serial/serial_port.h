@@ -33,8 +33,11 @@ class SerialPort {
 
   int Descriptor() const { return descriptor_.Get(); }
 
+  /// Whether there are lines beside those for characters: nothing is received or sent on DTR without.
+  bool HasModemLines() const { return hasModemLines_; }
   /// The modem lines as TIOCM_ bits.
   std::optional<int> Lines() const;
+  /// Does nothing on a port without modem lines.
   /// @param line TIOCM_RTS or TIOCM_DTR
   bool SetLine(int line, bool on) const;
   /// The transmit line as a steady level: on is the level of a break.
@@ -53,6 +56,7 @@ class SerialPort {
 
  private:
   SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile);
+  bool FindModemLines();
 
   DeviceCalls& calls_;
   std::string lockFile_;  // empty: none of ours
@@ -60,6 +64,7 @@ class SerialPort {
   termios found_{};
   termios set_{};
   bool configured_ = false;
+  bool hasModemLines_ = true;
 };
 
 }  // namespace keplo
