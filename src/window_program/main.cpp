@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QSocketNotifier>
 #include <QTimer>
 #include <chrono>
 #include <exception>
@@ -27,6 +28,32 @@ namespace {
 constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
 constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
 constexpr int kDone = 0, kNotStarted = 1;
+
+constexpr std::chrono::milliseconds kCloseAgain{100};  // a box that closes may be followed by another
+
+/// Closes the window by a signal as its user would, so that the port is left as it was found.
+class CloseBySignal {
+ public:
+  CloseBySignal() {
+    again_.callOnTimeout(&QApplication::closeAllWindows);
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] {
+      const int signal = signals_.Take();
+      if (signal != 0 && !(signal == SIGHUP && outlivesTerminal_)) again_.start(kCloseAgain);
+    });
+  }
+
+ private:
+  static bool AreHangupsIgnored() {
+    struct sigaction present {};
+    sigaction(SIGHUP, nullptr, &present);
+    return present.sa_handler == SIG_IGN;
+  }
+
+  const bool outlivesTerminal_ = AreHangupsIgnored();
+  StopSignals signals_{SIGINT, SIGTERM, SIGHUP};
+  QSocketNotifier notifier_{signals_.Descriptor(), QSocketNotifier::Read};
+  QTimer again_;
+};
 
 struct WindowOptions {
   std::string AppPath;
@@ -71,6 +98,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind, [&](const std::string& text) {
     if (window != nullptr) window->Note.SetText(text);
   });
+  const CloseBySignal closing;
   Form1 form(mod, *line.Line, boxes);
   form.DescribeLine = line.Describe;
   window = &form;
