@@ -133,7 +133,7 @@ int Monitor(const MonitorOptions& options) {
   (options.Json ? std::cerr : std::cout)
       << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
       << " presses without an event" << std::endl;
-  return tally.WithoutEvent == 0 ? kDone : kNoResult;
+  return tally.WithoutEvent == 0 && station.WasOpen() ? kDone : kNoResult;
 }
 
 }  // namespace

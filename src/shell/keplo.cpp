@@ -61,9 +61,11 @@ void Keplo::OpenPort() {
   triedPort_ = true;
   Panel.ShowComPort(mod_.Settings.ComPortNr);
   bool open = false;
-  for (int attempt = 1; attempt <= kOpenAttempts && !open; ++attempt) {
+  for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
     open = line_.OpenCom(mod_.Settings.ComPortNr) == 1;
-    if (!open) line_.uDelay(kPauseBetweenAttempts);
+    if (open) break;
+    if (attempt == 1 && windows_.PortRefused) windows_.PortRefused();
+    line_.uDelay(kPauseBetweenAttempts);
   }
   SetRestingLines();
   Panel.ShowPortStatus(open);

@@ -40,6 +40,8 @@ struct KeploWindows {
   /// Shows the configuration window modally; none where there is no window to show.
   std::function<void()> OpenMainWindow = {};
   bool HasDisplay = true;  // without one no window is shown, and nothing can have been configured
+  /// Runs when the port did not open at once, before it is tried again.
+  std::function<void()> PortRefused = {};
 };
 
 /// The control that the host creates: monitors the line, holds the event list, raises the input events.

@@ -16,6 +16,14 @@ LineSpec ReadAsSet(LineSpec spec, const Settings& settings) {
   return spec;
 }
 
+constexpr std::chrono::milliseconds kQuiet{500};  // from one capture to the next
+constexpr int kMostCodeless = 6;                  // captures one after the other, of a key that is not read
+
+KeploWindows With(KeploWindows windows, std::function<void()> portRefused) {
+  windows.PortRefused = std::move(portRefused);
+  return windows;
+}
+
 }  // namespace
 
 Station::Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
@@ -27,7 +35,9 @@ Station::Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& window
 
 Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, const ui::Clock& clock,
                  const Log& log)
-    : log_(log), line_(std::move(line)), control_(mod, *line_.Line, windows, clock) {
+    : log_(log),
+      line_(std::move(line)),
+      control_(mod, *line_.Line, With(windows, [this] { TellWhyNotOpen(); }), clock) {
   if (const std::string damage = CheckConfig(mod.Store); !damage.empty())
     log_.Write(LogLevel::Warning, damage);
   for (const std::string& damage : mod.Store.Raw.Damage) log_.Write(LogLevel::Warning, damage);
@@ -38,17 +48,20 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
   if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
   control_.OnPress = [this](const TickReport& tick) {
     // The device went, or the light was over before it could be looked at.
-    if (line_.Device == nullptr || tick.Reading.Ended != Stage::Empty) CountPress(tick);
+    if (line_.Device == nullptr || (tick.Reading.Ended != Stage::Empty && !IsLamp(tick))) CountPress(tick);
   };
 }
 
 void Station::TellWhyNotOpen() {
-  if (line_.Device == nullptr || line_.Device->WhyNot().empty()) return;
-  log_.Write(LogLevel::Warning, line_.Device->WhyNot());
+  if (line_.Device == nullptr) return;
+  const std::string why = line_.Device->WhyNot();
+  if (why.empty()) opened_ = true;
+  if (std::exchange(toldWhy_, why) != why && !why.empty()) log_.Write(LogLevel::Warning, why);
 }
 
 /// A device that is gone is an error, which the host tells; other words of a line are for the log.
 void Station::TellOfLine(const std::string& text) {
+  if (line_.Device->WhyNot().empty()) opened_ = true;
   if (text != line_.Device->WhyNot()) return log_.Write(LogLevel::Warning, text);
   control_.ReportFailure("DCD", Failure(ENODEV, text));
 }
@@ -62,6 +75,20 @@ std::string Station::WhyNotSent() const {
   if (line_.Device->Sent()) return {};
   const std::string why = line_.Device->WhyNot();
   return why.empty() ? "the line did not send it whole" : why;
+}
+
+/// Light that goes on without a code in it counts for no press until the line has been quiet.
+bool Station::IsLamp(const TickReport& tick) {
+  const bool isSignal = tick.Reading.Ended == Stage::Code || tick.Reading.Ended == Stage::Raw;
+  const std::chrono::microseconds now = control_.LineTime();
+  const bool goesOn = now - std::exchange(lastHeard_, now) < kQuiet;
+  codeless_ = isSignal ? 0 : goesOn ? codeless_ + 1 : 1;
+  if (codeless_ == kMostCodeless + 1) {
+    log_.Write(LogLevel::Warning,
+               "Light without a signal goes on: a lamp? Shade the receiver, or turn it "
+               "away. Until the line is quiet this counts for no press.");
+  }
+  return codeless_ > kMostCodeless;
 }
 
 void Station::CountPress(const TickReport& tick) {

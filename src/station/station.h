@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -49,17 +50,24 @@ class Station {
   std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
   /// Tells how long ticks may be left out; none where every tick counts.
   LineRest* Rest() { return rest_ ? &*rest_ : nullptr; }
+  /// Whether there was ever something to listen to: recordings, or a port that opened.
+  bool WasOpen() const { return line_.Device == nullptr || opened_; }
   /// Whether every recording has been played; a line without recordings has none to wait for.
   bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
 
  private:
   void TellWhyNotOpen();
   void TellOfLine(const std::string& text);
+  bool IsLamp(const TickReport& tick);
   void CountPress(const TickReport& tick);
 
   const Log& log_;
   OpenedLine line_;
   PressTally tally_;
+  std::chrono::microseconds lastHeard_{0};
+  int codeless_ = 0;     // captures one after the other
+  std::string toldWhy_;  // the port did not open, told last
+  bool opened_ = false;
   Keplo control_;
   std::optional<RestBetweenPresses> rest_;  // of a line that may be left alone
 };
