@@ -145,7 +145,7 @@ TEST(RawLevels, AreThoseOfACleanSignalOnly) {
     noise.insert(noise.end(), {3 + i * i % 71, 5 + i * 7 % 64});
   }
   EXPECT_FALSE(FindLevels(ear.Hear(flicker)));
-  EXPECT_TRUE(IsMereTrain(ear.Hear(flicker)));
+  EXPECT_TRUE(IsNoise(ear.Hear(flicker)));
   const RunVector equal(17, 20);
   EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, equal))))) << "as many pulses in each frame";
   EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, RunVector(19, 20))))));

@@ -59,10 +59,12 @@ struct RawPair {
   float Tolerance() const { return kLengthTolerance + 2 * Sample(); }
 };
 
-/// Whether a length could be the same with any scale and excess; most signals end here after a few lengths.
-bool IsNear(const RawPair& pair, std::size_t i) {
-  const float stored = pair.StoredUs(i);
-  return std::abs(pair.HeardUs(i) - stored) <= pair.Tolerance() + kMostExcess + kMostScale * stored;
+/// Whether a space and the mark behind it, whose sum has no excess, could be the same at any scale; most
+/// signals end here after a few lengths.
+bool IsNear(const RawPair& pair, std::size_t space) {
+  const float stored = pair.StoredUs(space) + pair.StoredUs(space + 1);
+  const float heard = pair.HeardUs(space) + pair.HeardUs(space + 1);
+  return std::abs(heard - stored) <= 2 * pair.Tolerance() + kMostScale * stored;
 }
 
 /// The periods, which excess leaves as they are, give the scale; what is left of the marks is the excess.
@@ -73,7 +75,7 @@ std::optional<RawMeasure> Measure(const RawPair& pair) {
   float storedMarks = 0;
   int periods = 0;
   for (std::size_t i = 1; i + 1 < pair.Size(); i += 2) {
-    if (!IsNear(pair, i) || !IsNear(pair, i + 1)) return std::nullopt;
+    if (!IsNear(pair, i)) return std::nullopt;
     if (IsGap(pair.Stored[i])) continue;
     heard += pair.HeardUs(i) + pair.HeardUs(i + 1);
     stored += pair.StoredUs(i) + pair.StoredUs(i + 1);

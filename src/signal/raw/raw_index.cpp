@@ -77,7 +77,7 @@ void RawIndex::Compare(std::size_t count, std::size_t lost, Search& search) cons
 }
 
 RawMatch RawIndex::Find(const HeardLengths& heard) const {
-  if (Empty() || heard.Runs.size() < kFewestRawLengths) return {};
+  if (Empty() || heard.Runs.size() < kFewestRawLengths || IsNoise(heard)) return {};
   Search search{heard};
   const std::size_t count = FirstFrameOf(heard);
   const bool cutInFirst = heard.Cut && count == heard.Runs.size();
@@ -91,7 +91,7 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
     }
   }
   const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
-  if (!best.Signal || IsMereTrain(heard)) return {};
+  if (!best.Signal) return {};
   return {signals_[*best.Signal], best.IsAlone(), best.Fit.IsClose};
 }
 

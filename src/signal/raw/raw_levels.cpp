@@ -88,8 +88,13 @@ bool IsCleanSignal(const HeardLengths& heard, const std::vector<Level>& marks,
 
 }  // namespace
 
-bool IsMereTrain(const HeardLengths& heard) {
-  return LevelsOf(heard, 0).size() < 2 && LevelsOf(heard, 1).size() < 2 && !SendsFramesOfOneSize(heard);
+bool IsNoise(const HeardLengths& heard) {
+  constexpr std::size_t kMostTorn = 2;   // levels that jitter makes of one
+  constexpr std::size_t kTelling = 200;  // lengths that are enough to tell
+  const HeardLengths head = {heard.Runs.first(std::min(heard.Runs.size(), kTelling)), true, heard.SampleTime};
+  const std::size_t marks = LevelsOf(head, 0).size(), spaces = LevelsOf(head, 1).size();
+  if (marks > kMostMarkLevels + kMostTorn || spaces > kMostSpaceLevels + kMostTorn) return true;
+  return marks < 2 && spaces < 2 && !SendsFramesOfOneSize(heard);
 }
 
 std::optional<LeveledSignal> FindLevels(const HeardLengths& heard) {

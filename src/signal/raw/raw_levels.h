@@ -13,8 +13,9 @@ struct LeveledSignal {
   std::vector<int> Levels;  // of each length: its place among the levels of marks or of spaces, from 0
 };
 
-/// Whether pulses are of one length, with one space between them and no frames, as a lamp makes them.
-bool IsMereTrain(const HeardLengths& heard);
+/// Whether pulses are of one length, with one space between them and no frames, as a lamp makes them, or of
+/// more lengths than a remote has.
+bool IsNoise(const HeardLengths& heard);
 
 /// Finds the levels of a signal.
 /// @return empty for one that is no clean signal: too short, of too many lengths, or all of one length, as
