@@ -77,12 +77,12 @@ _keplo() {
   esac
   local words
   case $place,$command in
-    1,*) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth help --app-path --help --version' ;;
+    1,*) words='install decode explain monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth help --app-path --help --version' ;;
     2,protocol) words='add edit delete --app-path --help' ;;
     2,events) words='list add modify delete enable disable --app-path --help' ;;
-    2,help) words='install decode monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth' ;;
+    2,help) words='install decode explain monitor events commands lookup record learn forget import export convert protocols protocol settings send calibrate ports zone broker synth' ;;
     *,install) words='--app-path --teach --help' ;;
-    *,decode) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
+    *,decode | *,explain) words='--json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,record) words='--live --port --count --json --app-path --analysis --sample-time --no-shape --hold --help' ;;
     *,monitor) words='--app-path --port --replay --json --presses --broker --once --real-time --sample-time --no-shape --hold --help' ;;
     *,events)
@@ -129,7 +129,7 @@ _keplo() {
   esac
   case $current,$command in
     -*,*) ;;
-    *,decode | *,monitor | *,record | *,learn | *,calibrate | *,import | *,convert)
+    *,decode | *,explain | *,monitor | *,record | *,learn | *,calibrate | *,import | *,convert)
       compopt -o filenames
       mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -f -- "$current")
       ;;

@@ -7,6 +7,7 @@ namespace keplo::cli {
 
 // Each adds its command to those of the program.
 void AddDecodeCommand(Command& root);
+void AddExplainCommand(Command& root);
 void AddMonitorCommand(Command& root);
 void AddEventsCommand(Command& root);
 void AddCommandsCommand(Command& root);

@@ -89,7 +89,7 @@ int Decode(const PressOptions& options) {
     if (analysis == Analysis::Second) AskRaw(config.get(), state, decoded);
     if (WasMeasured(decoded.Reading.Ended)) decoded.Measured = state.Measured;
     if (json != nullptr) Describe(decoded, *json);
-    return PressRow{decoded.HasCode(), json == nullptr ? ToText(decoded) : "", ""};
+    return PressRow{decoded.HasCode(), json == nullptr ? ToText(decoded) : "", "", {}};
   });
 }
 

@@ -13,11 +13,11 @@ int RunKeplo(int argc, char** argv) {
       "Listens to infrared remotes, decodes their key presses and raises events for them.");
   keplo::Command root = line.Root();
   for (const auto add :
-       {AddDecodeCommand,    AddMonitorCommand,  AddEventsCommand, AddCommandsCommand,  AddLookupCommand,
-        AddRecordCommand,    AddLearnCommand,    AddForgetCommand, AddProtocolsCommand, AddProtocolCommand,
-        AddSendCommand,      AddImportCommand,   AddExportCommand, AddConvertCommand,   AddInstallCommand,
-        AddCalibrateCommand, AddSettingsCommand, AddSynthCommand,  AddPortsCommand,     AddZoneCommand,
-        AddBrokerCommand}) {
+       {AddDecodeCommand,   AddExplainCommand,   AddMonitorCommand,  AddEventsCommand, AddCommandsCommand,
+        AddLookupCommand,   AddRecordCommand,    AddLearnCommand,    AddForgetCommand, AddProtocolsCommand,
+        AddProtocolCommand, AddSendCommand,      AddImportCommand,   AddExportCommand, AddConvertCommand,
+        AddInstallCommand,  AddCalibrateCommand, AddSettingsCommand, AddSynthCommand,  AddPortsCommand,
+        AddZoneCommand,     AddBrokerCommand}) {
     add(root);
   }
   line.AddHelpCommand();

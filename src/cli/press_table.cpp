@@ -62,6 +62,7 @@ bool PrintPress(const std::string& source, int number, bool asJson,
     if (!row.Remark.empty()) Tell(place + row.Remark);
   } else {
     std::cout << Printable(place + row.Text) << std::endl;
+    for (const std::string& line : row.Details) std::cout << "  " << Printable(line) << std::endl;
   }
   return row.HasCode;
 }

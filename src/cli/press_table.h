@@ -31,8 +31,9 @@ Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config);
 /// What there is to tell of one press.
 struct PressRow {
   bool HasCode = false;
-  std::string Text;    // for a person
-  std::string Remark;  // for a person who has JSON printed; may be empty
+  std::string Text;                  // for a person
+  std::string Remark;                // for a person who has JSON printed; may be empty
+  std::vector<std::string> Details;  // lines below the text, for a person
 };
 
 /// Reads one press.

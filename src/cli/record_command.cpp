@@ -136,10 +136,10 @@ PressRow Explain(const std::string& capture, double sampleTime, Analysis analysi
   if (analysis == Analysis::Second && knownAs.empty()) raw = AskRaw(config, state, reason.empty());
   if (json != nullptr) Describe(reading, knownAs, *json);
   if (json != nullptr) DescribeRaw(raw, *json);
-  if (!raw.KnownAs.empty()) return PressRow{true, json == nullptr ? ToText(raw) : "", ""};
+  if (!raw.KnownAs.empty()) return PressRow{true, json == nullptr ? ToText(raw) : "", "", {}};
   const std::string offer(raw.Lengths > 0 ? kRawOffer : "");
-  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs) + offer, ""};
-  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason + offer};
+  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs) + offer, "", {}};
+  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason + offer, {}};
 }
 
 int RecordFiles(const RecordOptions& options) {

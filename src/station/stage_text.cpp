@@ -81,6 +81,33 @@ std::string DescribeStage(Stage stage) {
   return std::string(StageName(stage)) + " (" + std::string(MeaningOf(stage)) + ")";
 }
 
+std::string WhatToDo(Stage stage) {
+  switch (stage) {
+    case Stage::Empty:
+      return "Point the remote at the receiver, and look with keplo ports --watch whether the line changes "
+             "at all.";
+    case Stage::Short:
+      return "Hold the key longer; if that is all that ever comes, it is a lamp and no remote.";
+    case Stage::Doubtful:
+      return "Hold the key longer and move closer. A key that sends a single frame is believed once it is "
+             "learned: "
+             "keplo learn FILE --name SECTION&NAME.";
+    case Stage::EndsInMark:
+      return "Let the key go sooner; if it ends so always, calibrate with keplo calibrate.";
+    case Stage::NoTiming:
+    case Stage::NoFrame:
+    case Stage::Unknown:
+    case Stage::Length:
+      return "Move closer, keep lamps and sunlight off the receiver, and record again; if other keys fail as "
+             "well, "
+             "calibrate with keplo calibrate.";
+    case Stage::Code:
+    case Stage::Raw:
+      break;
+  }
+  return {};
+}
+
 std::string WhyNoEvent(const TickReport& tick) {
   if (!tick.Reading.HasCode()) return DescribeStage(tick.Reading.Ended);
   if (tick.Dispatched.Raised > 0) return {};

@@ -10,6 +10,9 @@ namespace keplo {
 /// What a stage means to a person, for a press that gave no code: "no-timing (…)".
 std::string DescribeStage(Stage stage);
 
+/// What a person can do about a press that ended without a code; empty where nothing helps.
+std::string WhatToDo(Stage stage);
+
 /// Why a press raised no event, for a person; empty if it raised one.
 std::string WhyNoEvent(const TickReport& tick);
 

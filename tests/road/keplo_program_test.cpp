@@ -47,7 +47,7 @@ TEST(KeploProgram, CompletesNamesInBashWhateverStandsAhead) {
     EXPECT_EQ(RunShell(bash + words).Out, std::string(offered) + "\n") << words;
   }
   const std::string notOffered =
-      R"(for c in install decode monitor 'events list' 'events add' 'events modify' commands record learn import \
+      R"(for c in install decode explain monitor 'events list' 'events add' 'events modify' commands record learn import \
       export convert protocols 'protocol edit' send calibrate ports zone 'broker set' 'broker show' synth; do
       offered=" $()" +
       bash + R"($c --) "; for o in $(')" KEPLO_PROGRAM R"(' $c --help |
@@ -83,6 +83,21 @@ TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
   EXPECT_EQ(readBy(install.Option()), first);
   EXPECT_EQ(readBy(install.Option() + " --analysis second"), second);
   EXPECT_EQ(install.Run("decode --analysis third" + press).Status, 2);
+}
+
+TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
+  const Install install;
+  for (const auto& [pulses, part] :
+       {std::pair("+100000", "rests at the other level"),
+        {"+300 -300 +400 -2000 +500", "to do: Move closer"},
+        {"+300 -300 +400 -2000 +500", "  spaces: 1 of 330 us, 1 of 2035 us\n"}}) {
+    const Ran ran = RunShell("echo '" + std::string(pulses) + "' | '" KEPLO_PROGRAM "' explain -");
+    EXPECT_EQ(ran.Status, 1);
+    ExpectPart(ran.Out, part);
+  }
+  const Ran known = install.Run("explain " + Quoted(kSamples / "nec_tv_mute.mode2"));
+  ExpectPart(known.Out, "which is NEC&TV_MUTE\n  heard: 223 ms");
+  EXPECT_EQ(known.Status, 0);
 }
 
 TEST(KeploProgram, JudgesASingleFrameAsItWasRecorded) {
