@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "component_loader/class_file.h"
+#include "disk/json_file.h"
 #include "failure.h"
 #include "host_program/event_book.h"
-#include "disk/json_file.h"
 
 namespace keplo::host {
 namespace {

@@ -59,8 +59,8 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
               R"({"event_type":"press","name":"Lamp","command":"before","zone":3,"time":"now","count":1})");
     EXPECT_FALSE(observer.All("keplo/0123abcd/event/17")[0].Retained);
 
-    // A broker that stops without hanging up reads later what was written to it meanwhile. Its last answer must
-    // not be so young that it counts as a sign of life.
+    // A broker that stops without hanging up reads later what was written to it meanwhile. Its last answer
+    // must not be so young that it counts as a sign of life.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     server.Signal(SIGSTOP);
     program.Press("stopped");
