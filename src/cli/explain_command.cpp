@@ -46,7 +46,7 @@ std::vector<LengthGroup> GroupsOf(const HeardLengths& heard, std::size_t first) 
   return groups;
 }
 
-std::string TextOf(const std::vector<LengthGroup>& groups) {
+std::string GroupsText(const std::vector<LengthGroup>& groups) {
   std::string text;
   for (std::size_t i = 0; i < std::min(groups.size(), kMostGroups); ++i) {
     text += (i == 0 ? "" : ", ") + std::to_string(groups[i].Count) + " of ";
@@ -144,8 +144,8 @@ std::vector<std::string> DetailsOf(const Explanation& press) {
   std::vector<std::string> lines = {
       "heard: " + std::to_string(std::lround(press.Milliseconds)) + " ms" +
           (press.Cut ? ", and the buffer was full before the signal ended" : ""),
-      "marks: " + TextOf(press.Marks),
-      "spaces: " + TextOf(press.Spaces),
+      "marks: " + GroupsText(press.Marks),
+      "spaces: " + GroupsText(press.Spaces),
       "first analysis: " + press.First.Text,
       "second look: " + press.Second.Text,
   };
