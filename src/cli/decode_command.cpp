@@ -7,8 +7,6 @@
 #include "cli/press_table.h"
 #include "cli/raw_words.h"
 #include "config/raw_lookup.h"
-#include "line/press_capture.h"
-#include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
 #include "station/stage_text.h"
 
@@ -58,14 +56,6 @@ std::string ToText(const DecodedPress& press) {
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
   if (alone) text += ", its digits are " + reading.Digits;
   return press.CouldBeRaw ? text.append(kRawOffer) : text;
-}
-
-MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
-                             SignalState& state) {
-  LineOptions readBy = line;
-  readBy.ReadBy = &analysis;
-  state.SampleTime = line.SampleTime;
-  return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis);
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming && ended != Stage::Raw; }

@@ -10,8 +10,6 @@
 #include "cli/press_table.h"
 #include "config/lookup.h"
 #include "config/raw_lookup.h"
-#include "line/press_capture.h"
-#include "signal/monitored_press.h"
 #include "signal/raw/raw_levels.h"
 #include "station/stage_text.h"
 
@@ -87,11 +85,8 @@ std::string Numbers(const SignalState& state, const MonitorReading& reading) {
 }
 
 Attempt Try(const Press& press, const LineOptions& line, Analysis analysis, SignalState& state) {
-  LineOptions readBy = line;
-  readBy.ReadBy = &analysis;
   state = {};
-  state.SampleTime = line.SampleTime;
-  Attempt attempt{ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis), {}};
+  Attempt attempt{ReadAsMonitor(press, line, analysis, state), {}};
   attempt.Text = DescribeStage(attempt.Reading.Ended) + Numbers(state, attempt.Reading);
   return attempt;
 }

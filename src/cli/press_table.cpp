@@ -6,6 +6,7 @@
 
 #include "cli/outcome.h"
 #include "config/read_settings.h"
+#include "line/press_capture.h"
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/line_options.h"
@@ -50,6 +51,15 @@ Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config) {
   }
   return config == nullptr ? Analysis::Second : AnalysisOf(*config);
 }
+
+MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
+                             SignalState& state) {
+  LineOptions readBy = line;
+  readBy.ReadBy = &analysis;
+  state.SampleTime = line.SampleTime;
+  return ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, readBy), state, analysis);
+}
+
 bool PrintPress(const std::string& source, int number, bool asJson,
                 const std::function<PressRow(nlohmann::ordered_json* json)>& read) {
   nlohmann::ordered_json json;

@@ -10,6 +10,8 @@
 #include "line/shaping/shaper.h"
 #include "program/arguments.h"
 #include "signal/analysis.h"
+#include "signal/monitored_press.h"
+#include "signal/signal_state.h"
 
 namespace keplo::cli {
 
@@ -27,6 +29,11 @@ Argument AddPressOptions(Command& command, PressOptions& options);
 /// The analysis that the options ask for.
 /// @param config the one of --app-path; null without that option, or without a file there
 Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config);
+
+/// What the monitor makes of a press by an analysis.
+/// @param state takes the capture
+MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
+                             SignalState& state);
 
 /// What there is to tell of one press.
 struct PressRow {
