@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <csignal>
 
+#include "host_program/key_name.h"
+
 namespace keplo::host {
 
 EventActions::EventActions(const HostLog& log) : log_(log), keyboard_(log) {

@@ -4,19 +4,14 @@
 #include <libevdev/libevdev.h>
 
 #include <cerrno>
-#include <string_view>
 #include <system_error>
 #include <utility>
+
+#include "host_program/key_name.h"
 
 namespace keplo::host {
 
 namespace {
-
-constexpr std::string_view kKeyPrefix = "KEY_";  // BTN_ names are buttons of mice and joysticks
-
-bool IsKeyName(const char* name) {
-  return name != nullptr && std::string_view(name).substr(0, kKeyPrefix.size()) == kKeyPrefix;
-}
 
 std::string WayOut(int error) {
   switch (error) {
@@ -52,12 +47,6 @@ struct Description {
 };
 
 }  // namespace
-
-std::optional<unsigned> KeyCodeOf(const std::string& name) {
-  if (!IsKeyName(name.c_str())) return std::nullopt;
-  const int code = libevdev_event_code_from_name(EV_KEY, name.c_str());
-  return code > 0 && code < KEY_MAX ? std::optional(static_cast<unsigned>(code)) : std::nullopt;
-}
 
 void Keyboard::Unplug::operator()(libevdev_uinput* device) const { libevdev_uinput_destroy(device); }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "host_program/host_log.h"
@@ -10,9 +9,6 @@
 struct libevdev_uinput;
 
 namespace keplo::host {
-
-/// The code of a key by the kernel's name for it, such as KEY_VOLUMEUP; nothing for what is no name of a key.
-std::optional<unsigned> KeyCodeOf(const std::string& name);
 
 /// A keyboard of the kernel's, whose keys remotes press. The kernel repeats a key that is down, and lets it
 /// go however the host ends.

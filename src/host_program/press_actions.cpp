@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "host_program/keyboard.h"
+#include "host_program/key_name.h"
 
 namespace keplo::host {
 

@@ -8,6 +8,7 @@
 
 #include "doubles/expect.h"
 #include "host_program/event_book.h"
+#include "host_program/key_name.h"
 #include "host_program/keyboard.h"
 
 namespace keplo::host {
