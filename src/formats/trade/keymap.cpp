@@ -22,6 +22,7 @@ constexpr void RequireTomlReadable(bool holds) {
 #include "formats/families.h"
 #include "formats/trade/reading.h"
 #include "formats/trade/scancode.h"
+#include "formats/trade/toml_letters.h"
 #include "formats/trade/trade_formats.h"
 #include "formats/train_writer.h"
 
@@ -233,6 +234,10 @@ void ReadKeymap(std::string_view text, const std::string& path, RemoteFile& file
   if (text.size() > kLargestToml) {
     throw FormatError(path + ": larger than the " + std::to_string(kLargestToml) +
                       " bytes that a keymap may have");
+  }
+  if (const int line = LineOfStrayLetter(text); line > 0) {
+    FileReading(path, file).Complain(line, "no TOML: a letter outside ASCII must stand in quotes");
+    return;
   }
   try {
     KeymapReader(path, file).Read(toml::parse(text));
