@@ -1,22 +1,18 @@
 #include "keplo_mod.h"
 
-#include <utility>
-
-#include "disk/posix_file_system.h"
-
 namespace keplo {
+
+namespace {
+
+constexpr const char* kConfigFile = "keplo.cfg";
+
+}  // namespace
 
 const std::string VersionText = KEPLO_VERSION;
 
 KeploMod::KeploMod(const std::filesystem::path& appPath, FileSystem& files)
-    : AppPath(appPath), Store(appPath / "keplo.cfg", files) {}
+    : AppPath(appPath), Store(appPath / kConfigFile, files) {}
 
-KeploMod::KeploMod(const std::filesystem::path& appPath, std::unique_ptr<FileSystem> files)
-    : KeploMod(appPath, *files) {
-  ownFiles_ = std::move(files);
-}
-
-KeploMod::KeploMod(const std::filesystem::path& appPath)
-    : KeploMod(appPath, std::make_unique<PosixFileSystem>()) {}
+KeploMod::KeploMod(const std::filesystem::path& appPath) : AppPath(appPath), Store(appPath / kConfigFile) {}
 
 }  // namespace keplo

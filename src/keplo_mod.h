@@ -34,11 +34,6 @@ struct KeploMod {
   std::int16_t ProtocolFormMode = kNewProtocolMode;  // what the protocol dialog is loaded for
   bool Rc5Toggle = false;                            // toggle digit of the last RC5 transmission
   std::unique_ptr<Data> modData;                     // the one database object; the control creates it
-
- private:
-  KeploMod(const std::filesystem::path& appPath, std::unique_ptr<FileSystem> files);
-
-  std::unique_ptr<FileSystem> ownFiles_;  // that Store is on; null if they are somebody else's
 };
 
 }  // namespace keplo

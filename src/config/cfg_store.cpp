@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <string_view>
+#include <utility>
 
 #include "config/check_config.h"
 #include "config/key_table.h"
 #include "config/merge_changes.h"
+#include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 
@@ -139,6 +141,14 @@ void CfgStore::RequireRoom(std::size_t length) const {
                            " characters; the limit is " + std::to_string(kMostCharacters) +
                            ". Take out commands or protocols that are not needed.");
 }
+
+CfgStore::CfgStore(std::filesystem::path path, std::unique_ptr<FileSystem> files)
+    : CfgStore(std::move(path), *files) {
+  ownFiles_ = std::move(files);
+}
+
+CfgStore::CfgStore(std::filesystem::path path)
+    : CfgStore(std::move(path), std::make_unique<PosixFileSystem>()) {}
 
 void CfgStore::ReplaceText(std::string text) {
   RequireRoom(text.size());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -26,6 +27,8 @@ class ChangedElsewhere : public std::runtime_error {
 struct CfgStore {
   /// @param path of keplo.cfg; nothing is read yet
   CfgStore(std::filesystem::path path, FileSystem& files) : Path(std::move(path)), Files(files) {}
+  /// The same on the files of this machine.
+  explicit CfgStore(std::filesystem::path path);
 
   /// Takes over a changed text, in memory only.
   /// @throws Failure if it has more than kMostCharacters; the text is then as it was
@@ -56,6 +59,11 @@ struct CfgStore {
   std::string CurProtocol, CurCommand;  // what was selected last, anywhere
   std::string NewCmdLine;               // the line or block about to be inserted
   RawStore Raw;                         // follows CfgText as it is read and saved
+
+ private:
+  CfgStore(std::filesystem::path path, std::unique_ptr<FileSystem> files);
+
+  std::unique_ptr<FileSystem> ownFiles_;  // null if they are somebody else's
 };
 
 /// Reads the file into CfgText, byte for byte but for one thing: where a hand-edited key lacks the blank
@@ -80,9 +88,8 @@ enum class Reload {
 /// HasFileChanged says no until the file changes again
 Reload ReloadConfig(CfgStore& store);
 
-/// Cuts CfgText after its last ] and writes it to the
-/// file, with CR LF after it in both. Without a ] text and file stay as they are. A file that holds the text
-/// already is not written.
+/// Cuts CfgText after its last ] and writes it to the file, with CR LF after it in both. Without a ] text and
+/// file stay as they are. A file that holds the text already is not written.
 ///
 /// Where another program has written the file meanwhile, its changes are taken in, see MergeChanges, and
 /// TookInOtherText is set; a text without changes of this program leaves such a file as it is. Changes that
