@@ -6,8 +6,8 @@
 #include "disk/json_file.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
+#include "disk/user_data_folder.h"
 #include "failure.h"
-#include "program/environment.h"
 
 namespace keplo {
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "disk/user_data_folder.h"
 #include "failure.h"
 #include "program/environment.h"
 
