@@ -4,13 +4,11 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <array>
-#include <cstring>
 #include <filesystem>
 #include <utility>
 
-#include "disk/posix_file_system.h"
-#include "disk/replace_file.h"
 #include "formats/formats.h"
+#include "formats/save_text.h"
 #include "line/kept_capture.h"
 #include "qt/text.h"
 
@@ -58,13 +56,8 @@ void Save(QWidget* parent, const TimedCapture& capture) {
   dialog.setDefaultSuffix(QStringLiteral("mode2"));
   const std::string path = TypedText(Picked(dialog, "*.mode2 *.cap"));
   if (path.empty()) return;
-  try {
-    PosixFileSystem files;
-    ReplaceFile(files, path, FormatToWrite(path).Write(std::array{PulsesOfCapture(capture)}))->Flush();
-  } catch (const Failure& failure) {
-    throw Failure(failure.Number(), path + " cannot be written: " + std::strerror(failure.Number()) +
-                                        ". Save the recording under another name or in another folder.");
-  }
+  SaveText(path, FormatToWrite(path).Write(std::array{PulsesOfCapture(capture)}),
+           "Save the recording under another name or in another folder.");
 }
 
 }  // namespace

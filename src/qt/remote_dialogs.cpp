@@ -1,12 +1,9 @@
 #include "qt/remote_dialogs.h"
 
 #include <QFileDialog>
-#include <array>
-#include <cstring>
 
-#include "disk/posix_file_system.h"
-#include "disk/replace_file.h"
 #include "formats/remote.h"
+#include "formats/save_text.h"
 #include "qt/import_view.h"
 #include "qt/text.h"
 
@@ -58,13 +55,7 @@ std::vector<std::string> SaveRemotes(QWidget* parent, const std::vector<Remote>&
   const auto format = static_cast<std::size_t>(dialog.nameFilters().indexOf(dialog.selectedNameFilter()));
   std::vector<Complaint> told;
   const std::string text = WriteRemotes(names.at(format), remotes, told);
-  try {
-    PosixFileSystem files;
-    ReplaceFile(files, path, text)->Flush();
-  } catch (const Failure& failure) {
-    throw Failure(failure.Number(), path + " cannot be written: " + std::strerror(failure.Number()) +
-                                        ". Export under another name or into another folder.");
-  }
+  SaveText(path, text, "Export under another name or into another folder.");
   std::vector<std::string> lost;
   lost.reserve(told.size());
   for (const Complaint& complaint : told) lost.push_back(complaint.Message());
