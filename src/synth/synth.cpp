@@ -5,17 +5,15 @@
 #include <cmath>
 #include <numeric>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "failure.h"
 #include "signal/timing.h"
 
 namespace keplo {
 
 namespace {
-
-constexpr int kWrongArgument = 5;  // number of an invalid argument in error records
 
 using Lengths = std::vector<double>;  // base times; marks and spaces in turn, from mark to mark
 
@@ -97,8 +95,8 @@ std::int64_t Noise(std::mt19937& generator, std::int64_t deviation) {
 void CheckOptions(const SynthOptions& options) {
   const auto check = [](std::string_view name, double value, double least, double most) {
     if (value >= least && value <= most) return;
-    throw Failure(kWrongArgument, std::string(name) + " is out of bounds; expected " + std::to_string(least) +
-                                      " to " + std::to_string(most) + ".");
+    throw std::invalid_argument(std::string(name) + " is out of bounds; expected " + std::to_string(least) +
+                                " to " + std::to_string(most) + ".");
   };
   check("The mark excess in microseconds", options.MarkExcessUs, -10'000, 10'000);
   check("The jitter in microseconds", options.JitterUs, 0, 10'000);
@@ -113,12 +111,12 @@ PulseTrain SynthPress(std::int16_t kind, std::string_view bits, const SynthOptio
   const auto* const protocol =
       std::find_if(kOnAir.begin(), kOnAir.end(), [&](const OnAir& onAir) { return onAir.Kind == kind; });
   if (protocol == kOnAir.end()) {
-    throw Failure(kWrongArgument, "No press can be made of protocol " + std::to_string(kind) +
-                                      "; expected NEC, SONY or RC5.");
+    throw std::invalid_argument("No press can be made of protocol " + std::to_string(kind) +
+                                "; expected NEC, SONY or RC5.");
   }
   if (bits.empty() || bits.find_first_not_of("01") != std::string_view::npos) {
-    throw Failure(kWrongArgument, "No press can be made of the bits \"" + std::string(bits) +
-                                      "\"; expected digits 0 and 1 in the order sent.");
+    throw std::invalid_argument("No press can be made of the bits \"" + std::string(bits) +
+                                "\"; expected digits 0 and 1 in the order sent.");
   }
 
   CheckOptions(options);

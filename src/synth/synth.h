@@ -21,7 +21,8 @@ struct SynthOptions {
 /// One key press as a receiver would record it.
 /// @param kind kNec, kSony or kRc5
 /// @param bits 1 and 0 in the order sent; for RC5 with start bits and toggle bit
-/// @throws Failure for another kind, for bits that are none or not 1 and 0, and for options out of all reason
+/// @throws std::invalid_argument for another kind, for bits that are none or not 1 and 0, and for options out
+/// of all reason
 PulseTrain SynthPress(std::int16_t kind, std::string_view bits, const SynthOptions& options);
 
 }  // namespace keplo

@@ -28,12 +28,12 @@ TEST(SynthPress, MakesTheFramesOfEachProtocol) {
 }
 
 TEST(SynthPress, RefusesWhatNoRemoteSends) {
-  EXPECT_THROW(SynthPress(kCustom, "10", {}), Failure);
-  EXPECT_THROW(SynthPress(kNec, "", {}), Failure);
-  EXPECT_THROW(SynthPress(kNec, "102", {}), Failure);
+  EXPECT_THROW(SynthPress(kCustom, "10", {}), std::invalid_argument);
+  EXPECT_THROW(SynthPress(kNec, "", {}), std::invalid_argument);
+  EXPECT_THROW(SynthPress(kNec, "102", {}), std::invalid_argument);
   SynthOptions wild;
   wild.JitterUs = -1;
-  EXPECT_THROW(SynthPress(kNec, "10", wild), Failure);
+  EXPECT_THROW(SynthPress(kNec, "10", wild), std::invalid_argument);
 }
 
 /// Codes that the analysis can read: their shortest marks and spaces are not outnumbered.
