@@ -73,7 +73,7 @@ class Presser {
     settings.Port = static_cast<std::uint16_t>(port);
     return settings;
   }
-  static void Log(LogLevel /*level*/, const std::string& text) { std::cerr << text << '\n'; }
+  static void Log(const Report& report) { std::cerr << report.Text << '\n'; }
 
   std::vector<Clock::time_point> made_;
   std::vector<double> spent_, cpu_;

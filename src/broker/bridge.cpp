@@ -25,7 +25,9 @@ Bridge::Bridge(BrokerSettings settings, const std::string& identity, Uses uses)
       uses_(std::move(uses)),
       refused_("A request on " + topics_.Send() + " to send a signal",
                "requests on " + topics_.Send() + " to send a signal",
-               [this](const std::string& text) { uses_.Log(LogLevel::Warning, text); }),
+               [this](const std::string& text) {
+                 uses_.Log({/*IsTrouble=*/true, text});
+               }),
       link_(settings_, identity, PurposeOf(settings_, topics_), uses_.Wake) {}
 
 void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
@@ -53,7 +55,7 @@ bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {
 }
 
 void Bridge::Serve() {
-  for (const Report& report : link_.TakeReports()) uses_.Log(report.Level, report.Text);
+  for (const Report& report : link_.TakeReports()) uses_.Log(report);
   for (const Incoming& message : link_.TakeIncoming()) Take(message);
   refused_.Count("more came than can be taken", link_.TakeOverflow());
 }

@@ -20,7 +20,7 @@ class Bridge {
   struct Uses {
     std::function<void()> Wake;                    // from another thread: have Serve called
     std::function<void(const SendRequest&)> Send;  // a learned command, or lengths; throws Failure
-    std::function<void(LogLevel, const std::string&)> Log;
+    std::function<void(const Report&)> Log;
   };
 
   /// At most so many signals a second are told; Home Assistant takes no more.

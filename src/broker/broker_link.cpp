@@ -83,7 +83,7 @@ class Connector {
   void TellUp() {
     // Thrown off again and again, the text would come as often.
     if (told_ == Trouble::TakenOver) return;
-    mailbox_->PutReport({LogLevel::Notice, purpose_.Up});
+    mailbox_->PutReport({/*IsTrouble=*/false, purpose_.Up});
     TellDropped();
   }
 
@@ -91,7 +91,7 @@ class Connector {
     const std::size_t dropped = mailbox_->DroppedPresses() - droppedBefore_;
     if (dropped == 0) return;
     droppedBefore_ += dropped;
-    mailbox_->PutReport({LogLevel::Warning,
+    mailbox_->PutReport({/*IsTrouble=*/true,
                          std::to_string(dropped) + " key presses were not told while the broker was away."});
   }
 
@@ -109,8 +109,8 @@ class Connector {
     const bool known = KnowsOlderProtocol(refusal, upSince.has_value());
     if (!known && told_ != refusal.Kind) {
       told_ = refusal.Kind;
-      mailbox_->PutReport(
-          {LogLevel::Warning, TextOf(refusal, settings_) + " Until it is back, " + purpose_.WhileAway + "."});
+      mailbox_->PutReport({/*IsTrouble=*/true,
+                           TextOf(refusal, settings_) + " Until it is back, " + purpose_.WhileAway + "."});
     }
     const milliseconds longest =
         MayPassByItself(refusal.Kind) ? kLongestWaitForBroker : kLongestWaitAfterRefusal;

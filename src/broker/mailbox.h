@@ -13,7 +13,6 @@
 #include "broker/messages.h"
 #include "broker/mosquitto_client.h"
 #include "disk/descriptor.h"
-#include "host/component_entry.h"
 
 namespace keplo::broker {
 
@@ -37,7 +36,7 @@ struct Incoming {
 
 /// What the connection has to tell its user.
 struct Report {
-  LogLevel Level = LogLevel::Notice;
+  bool IsTrouble = false;  // something that its user may have to mend
   std::string Text;
 };
 

@@ -298,7 +298,7 @@ void Session::TellRefused(const std::string& what, const std::string& topic, con
   if (!toldRefused_.insert(what + topic).second) return;
   std::string detail = what + topic;
   if (!reason.empty()) detail += ": " + reason;
-  mailbox_.PutReport({LogLevel::Warning, TextOf({kind, detail}, settings_)});
+  mailbox_.PutReport({/*IsTrouble=*/true, TextOf({kind, detail}, settings_)});
 }
 
 }  // namespace keplo::broker

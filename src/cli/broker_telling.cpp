@@ -45,7 +45,9 @@ broker::Bridge::Uses BrokerTelling::Uses() {
             static_cast<void>(!write(wakeup_.Number(), &one, sizeof one));
           },
           [this](const broker::SendRequest& request) { Send(request); },
-          [this](LogLevel level, const std::string& text) { log_.Write(level, text); }};
+          [this](const broker::Report& report) {
+            log_.Write(report.IsTrouble ? LogLevel::Warning : LogLevel::Notice, report.Text);
+          }};
 }
 
 void BrokerTelling::Send(const broker::SendRequest& request) {

@@ -77,7 +77,9 @@ broker::Bridge::Uses BrokerOutput::Uses() {
                 Qt::QueuedConnection);
           },
           [this](const broker::SendRequest& request) { Send(request); },
-          [this](LogLevel level, const std::string& text) { log_.Write(level, text); }};
+          [this](const broker::Report& report) {
+            log_.Write(report.IsTrouble ? LogLevel::Warning : LogLevel::Notice, report.Text);
+          }};
 }
 
 void BrokerOutput::EventRaised(const RaisedEvent& event) {

@@ -19,7 +19,7 @@ struct Program {
 
   Bridge::Uses Uses() {
     return {[] {}, [this](const SendRequest& request) { Requests.push_back(request); },
-            [this](LogLevel, const std::string& text) { Log += text + "\n"; }};
+            [this](const Report& report) { Log += report.Text + "\n"; }};
   }
   bool Logs(const std::string& text) {
     return tests::Until([&] {

@@ -56,7 +56,7 @@ class BrokerMessages : public RoomMessages {
     static_cast<void>(!read(wakeup_.Number(), &count, sizeof count));
     News news;
     for (const broker::Report& report : link_.TakeReports()) {
-      whyNot_ = report.Level == LogLevel::Warning && !link_.IsUp() ? report.Text : std::string();
+      whyNot_ = report.IsTrouble && !link_.IsUp() ? report.Text : std::string();
       news.Words.push_back(report.Text);
     }
     for (broker::Incoming& message : link_.TakeIncoming()) {
