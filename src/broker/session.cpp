@@ -67,7 +67,7 @@ std::optional<Refusal> Session::Run() {
 std::chrono::milliseconds Session::UntilNextStep() const {
   const Clock::time_point now = Clock::now();
   Clock::time_point next = now + kKeepAliveLook;
-  if (announceAt_) next = std::min(next, *announceAt_);
+  if (device_.DueAgain) next = std::min(next, *device_.DueAgain);
   if (!waiting_.empty()) next = std::min(next, waiting_.front().Made + kFresh);
   return std::max(std::chrono::ceil<std::chrono::milliseconds>(next - now), 0ms);
 }
@@ -95,9 +95,9 @@ void Session::Step() {
     }
     return;
   }
-  if (announceAt_ && now >= *announceAt_) AnnounceAll();
+  if (device_.DueAgain && now >= *device_.DueAgain) AnnounceAll();
   const std::string device = mailbox_.Device();
-  if (device != announced_) AnnounceDevice(device);
+  if (device != device_.Now) AnnounceDevice(device);
   TakeNews();
   SendNews();
 }
@@ -169,13 +169,13 @@ void Session::OnUnsubscribed(int message) {
 
 void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
   if (purpose_.SpeaksForDevice && topic == topics_.Birth()) {
-    if (payload == "online" && !retained && !announceAt_) announceAt_ = Clock::now() + BirthWait();
+    if (payload == "online" && !retained && !device_.DueAgain) device_.DueAgain = Clock::now() + BirthWait();
     return;
   }
   if (purpose_.SpeaksForDevice && topic == topics_.Device()) {
     if (!retained) return;
-    earlier_ = payload;
-    if (!announced_.empty()) RemoveWhatIsGone();
+    device_.Earlier = payload;
+    if (!device_.Now.empty()) RemoveWhatIsGone();
     return;
   }
   // One byte more than is taken is enough to refuse it by.
@@ -201,7 +201,7 @@ void Session::Publish(const Publication& publication) {
 }
 
 void Session::AnnounceAll() {
-  announceAt_.reset();
+  device_.DueAgain.reset();
   const std::string device = mailbox_.Device();
   AnnounceDevice(device);
   Publish({topics_.Status(), "online", true});
@@ -209,18 +209,18 @@ void Session::AnnounceAll() {
 
 void Session::AnnounceDevice(const std::string& message) {
   if (message.empty()) return;
-  if (!announced_.empty()) earlier_ = announced_;
-  announced_ = message;
-  if (!RemoveWhatIsGone()) Publish({topics_.Device(), announced_, true});
+  if (!device_.Now.empty()) device_.Earlier = device_.Now;
+  device_.Now = message;
+  if (!RemoveWhatIsGone()) Publish({topics_.Device(), device_.Now, true});
 }
 
 /// Takes out of Home Assistant what the broker had of us and is there no more.
 /// @return whether there was such; the device is told then
 bool Session::RemoveWhatIsGone() {
-  const auto removal = RemovalMessage(earlier_, announced_);
+  const auto removal = RemovalMessage(device_.Earlier, device_.Now);
   if (!removal) return false;
   Publish({topics_.Device(), *removal, true});
-  Publish({topics_.Device(), announced_, true});
+  Publish({topics_.Device(), device_.Now, true});
   return true;
 }
 

@@ -51,6 +51,13 @@ class Session : private ClientEvents {
  private:
   using Clock = std::chrono::steady_clock;
 
+  /// The device as the broker has it.
+  struct Announced {
+    std::string Earlier;                        // at first
+    std::string Now;                            // from us
+    std::optional<Clock::time_point> DueAgain;  // when all is told again
+  };
+
   void OnConnectAnswer(int reason, int receiveMaximum) override;
   void OnHangUp(int reason) override;
   void OnPublished(int message, int reason) override;
@@ -86,9 +93,8 @@ class Session : private ClientEvents {
   const int version_;
   std::optional<Refusal> refusal_;
   const Clock::time_point begun_ = Clock::now();
-  std::optional<Clock::time_point> upSince_, lastHeard_, announceAt_;
-  std::string earlier_;                 // the device as the broker had it at first
-  std::string announced_;               // the device as the broker has it from us
+  std::optional<Clock::time_point> upSince_, lastHeard_;
+  Announced device_;
   std::deque<News> waiting_;            // for the broker's sign of life
   std::optional<int> question_;         // that asks for it
   std::map<int, News> unconfirmed_;     // by message

@@ -49,4 +49,17 @@ using EventSinks = Sinks<IHostEventSource, IHostEventSink>;
 using KeySinks = Sinks<IKeySource, IKeySink>;
 using SignalSinks = Sinks<ISignalSource, ISignalSink>;
 
+/// All that a host has subscribed to one object.
+struct HostSinks {
+  void Clear() {
+    Events.Clear();
+    Keys.Clear();
+    Signals.Clear();
+  }
+
+  EventSinks Events;
+  KeySinks Keys;
+  SignalSinks Signals;
+};
+
 }  // namespace keplo::component

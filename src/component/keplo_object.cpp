@@ -87,13 +87,13 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
   }
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     const Busy busy(*this);
-    sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
+    sinks_.Events.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
   control_.OnHeard = [this](const TickReport& tick) { TellSignal(tick); };
   control_.OnKey = [this](KeyChange change, const KeyPress& press) { TellKey(change, press); };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
     const Busy busy(*this);
-    sinks_.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
+    sinks_.Events.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
   };
   KeepAliveInMenu();
 }
@@ -143,10 +143,10 @@ KeploWindows KeploObject::Windows() {
 
 void* KeploObject::QueryInterface(std::string_view name) {
   if (name == IVelmoraInputPLugin::kInterfaceName) return static_cast<IVelmoraInputPLugin*>(this);
-  if (name == IHostEventSource::kInterfaceName) return static_cast<IHostEventSource*>(&sinks_);
-  if (name == ISignalSource::kInterfaceName) return static_cast<ISignalSource*>(&signalSinks_);
+  if (name == IHostEventSource::kInterfaceName) return static_cast<IHostEventSource*>(&sinks_.Events);
+  if (name == ISignalSource::kInterfaceName) return static_cast<ISignalSource*>(&sinks_.Signals);
   if (name == ISignalSender::kInterfaceName) return static_cast<ISignalSender*>(this);
-  if (name == IKeySource::kInterfaceName) return static_cast<IKeySource*>(&keySinks_);
+  if (name == IKeySource::kInterfaceName) return static_cast<IKeySource*>(&sinks_.Keys);
   if (name == IControlView::kInterfaceName) return static_cast<IControlView*>(this);
   if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
   if (name == IUsedUpEventIDs::kInterfaceName) return static_cast<IUsedUpEventIDs*>(this);
@@ -165,8 +165,6 @@ void KeploObject::Release() {
   if (uses_.ReleasePending) {
     // Nothing of a host that has let go is called any more.
     sinks_.Clear();
-    keySinks_.Clear();
-    signalSinks_.Clear();
     replayPlayed_ = nullptr;
     listShown_ = nullptr;
     log_.Silence();
@@ -310,7 +308,7 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
   const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(press.Held);
   const HeardKey key = {press.Command, "G" + press.Sign.Digits, press.Captures,
                         static_cast<int>(held.count()), press.Place};
-  keySinks_.ForEach([&](IKeySink& sink) {
+  sinks_.Keys.ForEach([&](IKeySink& sink) {
     if (change == KeyChange::Pressed) return sink.KeyPressed(key);
     if (change == KeyChange::Held) return sink.KeyHeld(key);
     sink.KeyReleased(key);
@@ -318,11 +316,11 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
 }
 
 void KeploObject::TellSignal(const TickReport& tick) {
-  if (signalSinks_.IsEmpty()) return;
+  if (sinks_.Signals.IsEmpty()) return;
   const Busy busy(*this);
   const HeardSignal heard = HeardOnAir(mod_, station_.Line(), tick);
   if (heard.Timings.empty()) return;
-  signalSinks_.ForEach([&](ISignalSink& sink) { sink.SignalHeard(heard); });
+  sinks_.Signals.ForEach([&](ISignalSink& sink) { sink.SignalHeard(heard); });
 }
 
 std::string KeploObject::SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) {

@@ -110,9 +110,7 @@ class KeploObject final : public IComponentObject,
   qt::LineTimer timer_;
   QTimer otherPrograms_;
   std::unique_ptr<QSocketNotifier> news_;
-  EventSinks sinks_;
-  KeySinks keySinks_;
-  SignalSinks signalSinks_;
+  HostSinks sinks_;
   Uses uses_;
 };
 
