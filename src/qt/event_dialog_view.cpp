@@ -10,6 +10,7 @@
 #include <array>
 
 #include "qt/check_box_view.h"
+#include "qt/dialog_rows.h"
 #include "qt/drop_down_view.h"
 #include "qt/text.h"
 #include "qt/text_box_view.h"
@@ -17,9 +18,6 @@
 namespace keplo::qt {
 
 namespace {
-
-// Letters of room in edit fields and lists: most names fit without scrolling.
-constexpr int kFieldLetters = 36;
 
 /// How one field of the dialog presents itself.
 struct Field {
@@ -36,30 +34,20 @@ class Form : public QGroupBox {
   }
 
   QLabel* AddRow(const Field& field, QWidget* widget) {
-    auto* label = new QLabel(ShownCaption(field.Label, field.AccessKey), this);
-    label->setTextFormat(Qt::PlainText);
-    label->setBuddy(widget);
-    const int row = rows_.rowCount();
-    rows_.addWidget(label, row, 0);
-    rows_.addWidget(widget, row, 1);
-    Present(field, widget);
-    widget->setMinimumWidth(widget->fontMetrics().averageCharWidth() * kFieldLetters);
-    return label;
+    PresentField(field, *widget);
+    return AddLabelledRow(rows_, ShownCaption(field.Label, field.AccessKey), *widget);
   }
 
   void AddUnlabelledRow(const Field& field, QWidget* widget) {
     rows_.addWidget(widget, rows_.rowCount(), 1);
-    Present(field, widget);
+    PresentField(field, *widget);
   }
 
  private:
-  static void Present(const Field& field, QWidget* widget) {
-    widget->setObjectName(QLatin1String(field.Name));
-    QString spoken = ShownText(field.Label);
-    if (spoken.endsWith(QLatin1Char(':'))) spoken.chop(1);
-    widget->setAccessibleName(spoken);
-    widget->setToolTip(ShownText(field.Tip));
-    widget->setAccessibleDescription(ShownText(field.Tip));
+  static void PresentField(const Field& field, QWidget& widget) {
+    std::string_view spoken = field.Label;
+    if (spoken.ends_with(':')) spoken.remove_suffix(1);
+    Present(widget, field.Name, spoken, field.Tip);
   }
 
   QGridLayout rows_;

@@ -1,12 +1,12 @@
 #include "qt/new_protocol_view.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "qt/button_view.h"
+#include "qt/dialog_rows.h"
 #include "qt/drop_down_view.h"
 #include "qt/text.h"
 #include "qt/text_box_view.h"
@@ -15,12 +15,7 @@ namespace keplo::qt {
 
 namespace {
 
-// Letters of room: most patterns fit into a field without scrolling, and buttons are easy to hit.
-constexpr int kNameLetters = 36, kButtonLetters = 12;
-
-int LettersWide(const QWidget& widget, int letters) {
-  return widget.fontMetrics().averageCharWidth() * letters;
-}
+constexpr int kButtonLetters = 12;  // wide enough to be easy to hit
 
 /// Makes the widget of a row.
 struct ViewMaker {
@@ -39,10 +34,7 @@ struct ViewMaker {
 
 QWidget* MakeView(NewProtocol& model, const NewProtocolRow& row, QWidget* parent) {
   QWidget* view = std::visit(ViewMaker{model, row, parent}, row.Model);
-  view->setObjectName(ShownText(row.Name));
-  view->setAccessibleName(ShownText(row.Caption));
-  view->setToolTip(ShownText(row.Tip));
-  view->setAccessibleDescription(ShownText(row.Tip));
+  Present(*view, row.Name, row.Caption, row.Tip);
   return view;
 }
 
@@ -59,7 +51,8 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
   setWindowModality(Qt::ApplicationModal);  // for a host's window, which has to wait for the main one too
   auto* fields = new QGridLayout;
   for (const NewProtocolRow& row : NewProtocolControls()) {
-    if (!IsButton(row)) AddField(*fields, row);
+    if (IsButton(row)) continue;
+    AddLabelledRow(*fields, ShownCaption(row.Caption, row.AccessKey), *MakeView(model_, row, this));
   }
   auto* whole = new QVBoxLayout(this);
   whole->addLayout(fields);
@@ -69,17 +62,6 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
   if (auto* name = findChild<QLineEdit*>(QStringLiteral("CProtIn"))) {
     QTimer::singleShot(0, name, &QLineEdit::selectAll);
   }
-}
-
-void NewProtocolView::AddField(QGridLayout& rows, const NewProtocolRow& row) {
-  QWidget* field = MakeView(model_, row, this);
-  field->setMinimumWidth(LettersWide(*field, kNameLetters));
-  auto* label = new QLabel(ShownCaption(row.Caption, row.AccessKey), this);
-  label->setTextFormat(Qt::PlainText);
-  label->setBuddy(field);
-  const int line = rows.rowCount();
-  rows.addWidget(label, line, 0);
-  rows.addWidget(field, line, 1);
 }
 
 QLayout* NewProtocolView::Buttons() {

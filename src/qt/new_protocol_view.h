@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QGridLayout>
 #include <memory>
 
 #include "qt/model_link.h"
@@ -19,7 +18,6 @@ class NewProtocolView : public QDialog {
   void reject() override;
 
  private:
-  void AddField(QGridLayout& rows, const NewProtocolRow& row);
   QLayout* Buttons();
 
   NewProtocol& model_;
