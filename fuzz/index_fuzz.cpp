@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "cli/index_file.h"
-#include "config/names.h"
+#include "config/valid_names.h"
 #include "failure.h"
 
 /// An index file of any bytes: codes with names that can be stored, or a failure with a text.

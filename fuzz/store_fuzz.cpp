@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "config/cfg_store.h"
+#include "config/change_value.h"
 #include "config/check_config.h"
 #include "config/commands.h"
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "config/protocols.h"
 #include "config/read_settings.h"
-#include "config/values.h"
 #include "failure.h"
 #include "memory_files.h"
 

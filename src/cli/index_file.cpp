@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "config/cfg_text.h"
-#include "config/names.h"
+#include "config/valid_names.h"
 #include "disk/posix_file_system.h"
 #include "failure.h"
 #include "signal/decode.h"

@@ -7,7 +7,7 @@
 
 #include "cli/commands.h"
 #include "cli/open_install.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/setting_keys.h"
 #include "program/app_path.h"
 #include "program/json_line.h"

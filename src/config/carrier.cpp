@@ -1,7 +1,7 @@
 #include "config/carrier.h"
 
 #include "config/cfg_text.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/sections.h"
 #include "signal/protocol_params.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/settings.h"
 #include "signal/protocol_params.h"
 

@@ -4,9 +4,9 @@
 
 #include "config/commands.h"
 #include "config/lookup.h"
-#include "config/names.h"
 #include "config/sections.h"
 #include "config/send_as_line.h"
+#include "config/valid_names.h"
 #include "failure.h"
 
 namespace keplo {

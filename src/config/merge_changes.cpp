@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "config/cfg_text.h"
+#include "config/change_value.h"
 #include "config/commands.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/protocols.h"
-#include "config/values.h"
 
 namespace keplo {
 

@@ -5,17 +5,17 @@
 #include <vector>
 
 #include "config/carrier.h"
+#include "config/change_value.h"
 #include "config/check_config.h"
 #include "config/commands.h"
 #include "config/generic_protocols.h"
 #include "config/key_table.h"
 #include "config/lookup.h"
-#include "config/names.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/protocols.h"
 #include "config/sections.h"
 #include "config/send_as_line.h"
-#include "config/values.h"
+#include "config/valid_names.h"
 
 namespace keplo {
 

@@ -6,9 +6,9 @@
 
 #include "config/cfg_store.h"
 #include "config/commands.h"
-#include "config/names.h"
 #include "config/protocols.h"
 #include "config/raw_file.h"
+#include "config/valid_names.h"
 #include "disk/replace_file.h"
 #include "failure.h"
 #include "signal/raw/raw_digits.h"

@@ -1,6 +1,6 @@
 #include "config/read_settings.h"
 
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/setting_keys.h"
 
 namespace keplo {

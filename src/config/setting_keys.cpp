@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "config/change_value.h"
 #include "config/protocols.h"
 #include "config/sections.h"
-#include "config/values.h"
 
 namespace keplo {
 

@@ -6,11 +6,11 @@
 
 #include "config/cfg_store.h"
 #include "config/cfg_text.h"
+#include "config/change_value.h"
 #include "config/learn.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
 #include "config/sections.h"
-#include "config/values.h"
 #include "failure.h"
 #include "remotes/heard_code.h"
 #include "remotes/key_names.h"

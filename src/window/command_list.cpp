@@ -4,13 +4,13 @@
 #include <utility>
 #include <vector>
 
+#include "config/change_value.h"
 #include "config/commands.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/protocols.h"
 #include "config/raw_lookup.h"
 #include "config/read_settings.h"
 #include "config/send_as_line.h"
-#include "config/values.h"
 #include "window/file_watch.h"
 #include "window/recorded_signal.h"
 

@@ -1,6 +1,6 @@
 #include "window/form1.h"
 
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "keplo_mod.h"
 #include "window/flows.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "config/generic_protocols.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/protocols.h"
 #include "config/sections.h"
 #include "window/file_watch.h"

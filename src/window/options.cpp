@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "config/numbers.h"
+#include "config/parse_number.h"
 
 namespace keplo {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "config/cfg_text.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "signal/pattern_sets.h"
 #include "signal/raw/raw_digits.h"
 #include "signal/raw/raw_send.h"

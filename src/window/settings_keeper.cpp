@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "config/change_value.h"
 #include "config/protocols.h"
-#include "config/values.h"
 
 namespace keplo {
 

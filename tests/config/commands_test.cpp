@@ -6,9 +6,9 @@
 #include "config/fake_disk.h"
 #include "config/learn.h"
 #include "config/lookup.h"
-#include "config/names.h"
 #include "config/protocols.h"
 #include "config/send_as_line.h"
+#include "config/valid_names.h"
 #include "signal/send_as.h"
 #include "signal/timing.h"
 

@@ -5,9 +5,9 @@
 
 #include <functional>
 
+#include "config/change_value.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
-#include "config/values.h"
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "doubles/child_process.h"

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "config/change_value.h"
 #include "config/config_builder.h"
 #include "config/learn.h"
 #include "config/protocol_edit.h"
-#include "config/values.h"
 
 namespace keplo::tests {
 

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "config/change_value.h"
 #include "config/check_config.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
-#include "config/numbers.h"
+#include "config/parse_number.h"
 #include "config/read_settings.h"
-#include "config/values.h"
 
 namespace keplo::tests {
 namespace {

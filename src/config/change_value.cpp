@@ -1,4 +1,4 @@
-#include "config/values.h"
+#include "config/change_value.h"
 
 namespace keplo {
 

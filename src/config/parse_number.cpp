@@ -1,4 +1,4 @@
-#include "config/numbers.h"
+#include "config/parse_number.h"
 
 namespace keplo {
 

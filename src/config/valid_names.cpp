@@ -1,4 +1,4 @@
-#include "config/names.h"
+#include "config/valid_names.h"
 
 #include <algorithm>
 
