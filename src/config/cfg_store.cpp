@@ -18,7 +18,7 @@ namespace {
 
 /// The text that goes to the file: up to the closing header, which ends its line. Empty if there is no
 /// header.
-std::string CutBehindLastHeader(std::string text) {
+std::string CutAfterLastHeader(std::string text) {
   text.erase(text.rfind(']') + 1);
   return text.empty() ? text : text.append("\r\n");
 }
@@ -90,7 +90,7 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
       save.IsDone = !ownChanges;
     }
   }
-  if (now && now == save.Known && CutBehindLastHeader(save.Text) == *now) save.IsDone = true;
+  if (now && now == save.Known && CutAfterLastHeader(save.Text) == *now) save.IsDone = true;
   return save;
 } catch (const Failure& failure) {
   throw NotSaved(store, failure);
@@ -135,7 +135,7 @@ void TakeOver(CfgStore& store, std::string text, const std::optional<std::string
 
 }  // namespace
 
-void CfgStore::RequireRoom(std::size_t length) const {
+void CfgStore::RequireSpace(std::size_t length) const {
   if (length <= kMostCharacters) return;
   throw Failure(EFBIG, Path.string() + " would be of " + std::to_string(length) +
                            " characters; the limit is " + std::to_string(kMostCharacters) +
@@ -151,7 +151,7 @@ CfgStore::CfgStore(std::filesystem::path path)
     : CfgStore(std::move(path), std::make_unique<PosixFileSystem>()) {}
 
 void CfgStore::ReplaceText(std::string text) {
-  RequireRoom(text.size());
+  RequireSpace(text.size());
   CfgText = std::move(text);
 }
 
@@ -214,12 +214,12 @@ void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
 
 void ReplaceAndSave(CfgStore& store, std::string text) {
   Save save = PrepareSave(store, std::move(text));
-  std::string content = CutBehindLastHeader(save.Text);
+  std::string content = CutAfterLastHeader(save.Text);
   if (content.empty()) {
     store.ReplaceText(std::move(save.Text));
     return;
   }
-  store.RequireRoom(content.size());
+  store.RequireSpace(content.size());
   if (save.IsDone) {
     if (save.Known == content) TakeOver(store, std::move(content), save.Other);
     if (save.Other) store.FileText = std::move(save.Known);
@@ -231,7 +231,7 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
   store.FileText = content;
   store.ReadFrom.reset();
   TakeOver(store, std::move(content), save.Other);
-  if (!aside.empty()) store.KeptAside = aside;
+  if (!aside.empty()) store.ConflictCopy = aside;
   try {
     folder->Flush();
   } catch (const Failure& failure) {

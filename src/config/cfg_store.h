@@ -34,7 +34,7 @@ struct CfgStore {
   /// @throws Failure if it has more than kMostCharacters; the text is then as it was
   void ReplaceText(std::string text);
   /// @throws Failure if a text of so many characters would be above kMostCharacters
-  void RequireRoom(std::size_t length) const;
+  void RequireSpace(std::size_t length) const;
 
   std::filesystem::path Path;
   FileSystem& Files;
@@ -51,9 +51,9 @@ struct CfgStore {
   /// other programs have written meanwhile. None at other times, and where the two cannot be told apart.
   std::optional<std::string> WithoutChange;
   /// Whether a save over what another program has written meanwhile is refused with ChangedElsewhere. Else
-  /// the save goes on, and KeptAside tells where the other text was put.
+  /// the save goes on, and ConflictCopy tells where the other text was put.
   bool RefusesOtherText = false;
-  std::filesystem::path KeptAside;
+  std::filesystem::path ConflictCopy;
   std::string CfgText;
   int CfgPos = 0, CfgPos2 = 0;          // scan cursors; any operation may overwrite them
   std::string CurProtocol, CurCommand;  // what was selected last, anywhere

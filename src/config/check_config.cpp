@@ -41,7 +41,7 @@ Finding MissingSetting(const CfgStore& store) {
   Settings settings;
   const SettingsReading reading = ReadSettings(store, settings);
   if (reading.Complete()) return std::nullopt;
-  if (reading.Missing != "[End]") return NotFound(store.CfgText, reading.Missing, reading.Behind);
+  if (reading.Missing != "[End]") return NotFound(store.CfgText, reading.Missing, reading.After);
   return "[END] was not found. Put it back at the end ahead of any change: what stands behind the last ] is "
          "not saved";
 }
@@ -107,7 +107,7 @@ Finding DamagedSection(std::string_view text) {
   return std::nullopt;
 }
 
-std::string Told(const CfgStore& store, const Finding& finding) {
+std::string DescribeFinding(const CfgStore& store, const Finding& finding) {
   return finding ? store.Path.string() + ": " + *finding + "." : std::string();
 }
 
@@ -125,10 +125,10 @@ std::string CheckConfig(const CfgStore& store) {
   const SectionWalk walk = WalkSections(store.CfgText);
   if (!finding) finding = Twins(store.CfgText, walk);
   if (!finding) finding = BlankInHeader(store.CfgText, walk);
-  return Told(store, finding);
+  return DescribeFinding(store, finding);
 }
 
-std::string DamageOf(const CfgStore& store) { return Told(store, Damage(store)); }
+std::string DamageOf(const CfgStore& store) { return DescribeFinding(store, Damage(store)); }
 
 bool HasWholeSections(std::string_view text) { return !DamagedSection(text); }
 

@@ -65,7 +65,7 @@ std::optional<Thing> ByName(const std::vector<Thing>& things, std::string_view n
 }
 
 /// Position just after the GREPEAT of a section; 0 if it has none.
-int BehindLastKey(std::string_view text, const std::optional<Section>& section) {
+int AfterLastKey(std::string_view text, const std::optional<Section>& section) {
   return section ? FindNoCase("GREPEAT", text, section->Begin) : kNowhere;
 }
 
@@ -79,14 +79,14 @@ int CommasUpToHeader(std::string_view text, int position) {
 }  // namespace
 
 int CountCommands(CfgStore& store) {
-  store.CfgPos = BehindLastKey(store.CfgText, FindSection(store.CfgText, store.CurProtocol));
+  store.CfgPos = AfterLastKey(store.CfgText, FindSection(store.CfgText, store.CurProtocol));
   const int count = CommasUpToHeader(store.CfgText, store.CfgPos);
   if (store.CfgPos != kNowhere) store.CfgPos = SeekForward(store.CfgText, store.CfgPos, '[');
   return count;
 }
 
 int CommandsIn(std::string_view text, std::string_view protocol) {
-  return CommasUpToHeader(text, BehindLastKey(text, FindSectionToChange(text, protocol)));
+  return CommasUpToHeader(text, AfterLastKey(text, FindSectionToChange(text, protocol)));
 }
 
 std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view protocol,

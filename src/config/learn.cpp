@@ -244,7 +244,7 @@ bool RemoveCommand(CfgStore& store) {
   }
   const std::string before = store.CfgText;
   const auto [without, place] = RemovalOf(before, store.CurProtocol, *line);
-  store.RequireRoom(WithNeededPlaceholder(without, store.CurProtocol, place).size());
+  store.RequireSpace(WithNeededPlaceholder(without, store.CurProtocol, place).size());
   try {
     ReplaceAndSave(store, without);
   } catch (const Failure&) {

@@ -94,7 +94,7 @@ std::optional<std::int16_t> WholeNumber(std::string_view value) {
 
 struct ReadSection {
   ProtocolDraft Draft;
-  int BehindLastKey = 0;  // the value of GREPEAT= begins here
+  int AfterLastKey = 0;  // the value of GREPEAT= begins here
 };
 
 std::optional<ReadSection> Read(std::string_view text, std::string_view protocol) {
@@ -110,9 +110,9 @@ std::optional<ReadSection> Read(std::string_view text, std::string_view protocol
     last = keys.Take(key.Search);
     TakeParameter(key, last, read.Draft.Params);
   }
-  read.BehindLastKey = keys.Position();
+  read.AfterLastKey = keys.Position();
   const std::optional<std::int16_t> gRepeat = WholeNumber(last);
-  if (read.BehindLastKey == kNowhere || !gRepeat || !IsGenericProtocol(read.Draft.ProtoKind)) {
+  if (read.AfterLastKey == kNowhere || !gRepeat || !IsGenericProtocol(read.Draft.ProtoKind)) {
     return std::nullopt;
   }
   read.Draft.Params.GREPEAT = *gRepeat;
@@ -147,7 +147,7 @@ ProtocolRefusal CheckDescription(std::string_view description) {
 }
 
 /// Why a block cannot go in before a line end, with a header in the line after it.
-ProtocolRefusal CheckHeaderBehind(std::string_view text, int lineEnd, int header) {
+ProtocolRefusal CheckHeaderAfter(std::string_view text, int lineEnd, int header) {
   const std::string_view between =
       text.substr(static_cast<std::size_t>(lineEnd), static_cast<std::size_t>(header - lineEnd - 1));
   if (between.empty() || between.front() != '\n' || between.find('\n', 1) != std::string_view::npos) {
@@ -281,7 +281,7 @@ SectionChange NewSection(std::string_view text, const ProtocolDraft& draft) {
   const int header = next ? SeekBack(text, next->Begin - 1, '[') : kNowhere;
   const int place = SeekBack(text, header, '\r');
   if (place == kNowhere) return ProtocolRefusal::NoTemplate;
-  const ProtocolRefusal refusal = CheckHeaderBehind(text, place, header);
+  const ProtocolRefusal refusal = CheckHeaderAfter(text, place, header);
   if (refusal != ProtocolRefusal::None) return refusal;
   return Splice{place, place - 1,
                 "\r\n[" + draft.Name + "]\r\n" + ParameterLines(draft) + "\r\n\r\n" +
@@ -297,7 +297,7 @@ SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft) {
     return ProtocolRefusal::LineEnds;
   }
   const std::optional<ReadSection> read = Read(text, draft.Name);
-  const int lastEnd = read ? SeekForward(text, read->BehindLastKey, '\r') : kNowhere;
+  const int lastEnd = read ? SeekForward(text, read->AfterLastKey, '\r') : kNowhere;
   if (lastEnd == kNowhere || lastEnd > section.End) return ProtocolRefusal::NoSection;
   if (lastEnd <= headerEnd) return ProtocolRefusal::HeaderLine;
   if (const auto command = CommandLineWithin(text, draft.Name, headerEnd + 1, lastEnd - 1)) {

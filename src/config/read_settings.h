@@ -10,7 +10,7 @@ namespace keplo {
 /// How far the settings could be read.
 struct SettingsReading {
   std::string_view Missing;  // the first text that was not found, such as "ITYPE="
-  int Behind = 1;            // the position from which it was searched
+  int After = 1;             // the position from which it was searched
 
   bool Complete() const { return Missing.empty(); }
 };

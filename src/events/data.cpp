@@ -42,7 +42,7 @@ std::int32_t Data::CheckConnection() try {
   connection_.Open();
   return 1;
 } catch (...) {
-  Keep("CheckConnection", "");
+  KeepRecord("CheckConnection", "");
   return 0;
 }
 
@@ -51,7 +51,7 @@ std::int32_t Data::ExecuteSQLCommand(std::string_view sql) try {
   connection_.Execute(std::string(sql));
   return 1;
 } catch (...) {
-  Keep("ExecuteSQLCommand", sql);
+  KeepRecord("ExecuteSQLCommand", sql);
   return 0;
 }
 
@@ -61,7 +61,7 @@ std::int32_t Data::ExecuteSQL(std::string_view sql, Recordset& rs) try {
   rs.Open(sql, connection_);
   return 1;
 } catch (...) {
-  Keep("ExecuteSQL", sql);
+  KeepRecord("ExecuteSQL", sql);
   return 0;
 }
 
@@ -69,7 +69,7 @@ std::int32_t Data::Initialise() try {
   connection_.Open(databasePath_.string());
   return 1;
 } catch (...) {
-  Keep("Initialise", connection_.ConnectionString());
+  KeepRecord("Initialise", connection_.ConnectionString());
   return 0;
 }
 
@@ -97,11 +97,11 @@ std::int32_t Data::CloseConnection() try {
   if (connection_.State() == 1) connection_.Close();
   return 1;
 } catch (...) {
-  Keep("CloseConnection", "");
+  KeepRecord("CloseConnection", "");
   return 0;
 }
 
-void Data::Keep(std::string_view procedure, std::string_view detail) noexcept {
+void Data::KeepRecord(std::string_view procedure, std::string_view detail) noexcept {
   ReportCurrentFailure([&](const std::exception& failure) {
     HostErrorRecord record =
         ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));

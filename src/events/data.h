@@ -50,7 +50,7 @@ class Data {
 
  private:
   /// Keeps the record of the exception that is being handled.
-  void Keep(std::string_view procedure, std::string_view detail) noexcept;
+  void KeepRecord(std::string_view procedure, std::string_view detail) noexcept;
 
   bool metLock_ = false;
   bool inDoubt_ = false;  // whether what was read is what the database has

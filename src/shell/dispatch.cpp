@@ -12,8 +12,8 @@ namespace keplo {
 
 namespace {
 
-constexpr int kHeadOfFile = 100;                    // a code found so near the head lies among the settings
-constexpr std::int32_t kPauseBehindEvent = 200000;  // microseconds; spaces out the events of a held key
+constexpr int kHeadOfFile = 100;                   // a code found so near the head lies among the settings
+constexpr std::int32_t kPauseAfterEvent = 200000;  // microseconds; spaces out the events of a held key
 
 std::optional<std::string> FindReference(const std::string& code, Analysis readBy,
                                          const std::string& cfgText) {
@@ -60,7 +60,7 @@ void DispatchCode(const std::string& code, Analysis readBy, const std::string& c
     if (settings.BeepOn) line.SpeakBeep(1000, 50);
     ++report.Raised;
     raise(event);
-    line.uDelay(kPauseBehindEvent);
+    line.uDelay(kPauseAfterEvent);
   }
   if (settings.BeepOn && report.Raised == 0) line.SpeakBeep(5000, 50);
 }

@@ -147,7 +147,7 @@ void Keplo::SetTimer() { Timer1.SetEnabled(Monitoring && !terminated_ && !window
 
 void Keplo::SaveConfiguration() try {
   if (IsWhole(mod_.Store.CfgText)) SaveConfig(mod_.Store);
-  if (const auto aside = std::exchange(mod_.Store.KeptAside, {}); !aside.empty()) {
+  if (const auto aside = std::exchange(mod_.Store.ConflictCopy, {}); !aside.empty()) {
     throw Failure(ESTALE, mod_.Store.Path.string() +
                               " had been changed by another program. What it wrote is kept in " +
                               aside.string() + "; take its new commands and settings over from there.");

@@ -69,7 +69,7 @@ bool CalibrationFlow::Calibrate() {
   const bool succeeded = end == CalibrationStep::Succeeded;
   // What a failure leaves is in force too.
   controls_.ProcDelayparameter.SetText(Signed(delay));
-  if (succeeded) keeper_.KeepAndSave("PROCDELAY", delay);
+  if (succeeded) keeper_.StoreAndSave("PROCDELAY", delay);
   dialogue_.Tell(CalibrationText(end, delay));
   if (succeeded) controls_.SendPulse.SetText(Signed(signal_.Measured.BaseT * kNominalSampleTime));
   return end != CalibrationStep::NoSignal;

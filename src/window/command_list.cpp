@@ -106,7 +106,8 @@ bool CommandList::KeepProtocolIndex() {
   if (store.CfgPos != kNowhere) store.CfgPos = FindNoCase("PROTOCOL=", store.CfgText, store.CfgPos);
   if (store.CfgPos == kNowhere) return false;
   // A text that is full cannot take a longer number; the protocol can be used all the same.
-  dialogue_.Told([&] { ReplaceValueAt(store, store.CfgPos, std::to_string(mod_.Settings.ProtocolIndex)); });
+  dialogue_.RunAndReport(
+      [&] { ReplaceValueAt(store, store.CfgPos, std::to_string(mod_.Settings.ProtocolIndex)); });
   return true;
 }
 
@@ -186,7 +187,8 @@ void CommandList::Save() {
     return;
   }
   const UndoStep step(undo_);
-  if (!dialogue_.Changed([&] { StoreCommand(store, store.CurProtocol, code, *name, mod_.Signal.SendAs); }))
+  if (!dialogue_.ChangeAndReport(
+          [&] { StoreCommand(store, store.CurProtocol, code, *name, mod_.Signal.SendAs); }))
     return;
   ShowSaved(*name);
   DropPlaceholder(store);
@@ -239,7 +241,7 @@ void CommandList::Delete() {
   TakeInOtherText(store);
   const UndoStep step(undo_);
   bool isDone = false;  // even if there was no such line
-  const bool changed = dialogue_.Changed([&] {
+  const bool changed = dialogue_.ChangeAndReport([&] {
     RemoveCommand(store);
     isDone = true;
   });

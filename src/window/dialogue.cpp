@@ -42,7 +42,7 @@ std::string Dialogue::Input(std::string_view text, std::string_view title, std::
   return boxes_.Input(text, title, preset);
 }
 
-bool Dialogue::Told(const std::function<void()>& action) {
+bool Dialogue::RunAndReport(const std::function<void()>& action) {
   bool done = true;
   try {
     action();
@@ -50,16 +50,16 @@ bool Dialogue::Told(const std::function<void()>& action) {
     TellFailure(failure.what());
     done = false;
   }
-  if (const auto aside = std::exchange(store_.KeptAside, {}); !aside.empty()) {
+  if (const auto aside = std::exchange(store_.ConflictCopy, {}); !aside.empty()) {
     TellFailure(store_.Path.string() + " had been changed by another program. What it wrote is kept in " +
                 aside.string() + "; take its new commands and settings over from there.");
   }
   return done;
 }
 
-bool Dialogue::Changed(const std::function<void()>& change) {
+bool Dialogue::ChangeAndReport(const std::function<void()>& change) {
   const std::string before = store_.CfgText;
-  Told(change);
+  RunAndReport(change);
   return store_.CfgText != before;
 }
 

@@ -32,11 +32,11 @@ class Dialogue {
 
   /// Runs a change of the configuration and tells the user what failed.
   /// @return true if nothing did
-  bool Told(const std::function<void()>& action);
+  bool RunAndReport(const std::function<void()>& action);
   /// The same for a change of the text.
   /// @return true if the text is another one now, which the lists have to follow: a change may refuse, and a
   /// failure at the very end of a save leaves the new text in place
-  bool Changed(const std::function<void()>& change);
+  bool ChangeAndReport(const std::function<void()>& change);
 
   /// From here on failures are gathered, each text once.
   void GatherFailures() { gathered_.emplace(); }

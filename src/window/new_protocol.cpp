@@ -209,7 +209,7 @@ bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
   // Section and selection in one save: a second one could fail and contradict the first.
   const bool done =
-      dialogue_.Told([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
+      dialogue_.RunAndReport([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
   // With what another program has written the section may be at another place.
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(store.CfgText, draft.Name));
   // A failure at the very end of a save leaves the new text in place.

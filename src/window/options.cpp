@@ -45,7 +45,7 @@ void Options::ShowProcDelay() { controls_.ProcDelayparameter.SetText(std::to_str
 
 void Options::KeepInterfaceType(std::int32_t interfaceType) {
   settings_.InterfaceType = interfaceType;
-  keeper_.Keep("ITYPE", interfaceType);
+  keeper_.StoreSetting("ITYPE", interfaceType);
 }
 
 void Options::ShowReceiver() {
@@ -70,7 +70,7 @@ void Options::TakeOutput() {
 
 void Options::TakeBeep() {
   settings_.BeepOn = controls_.BeepCheckbox.Checked();
-  keeper_.KeepAndSave("BEEPON", settings_.BeepOn ? 1 : 0);
+  keeper_.StoreAndSave("BEEPON", settings_.BeepOn ? 1 : 0);
 }
 
 void Options::TakeZoneHardware() {
@@ -79,12 +79,12 @@ void Options::TakeZoneHardware() {
   controls_.Zone.SetVisible(used);
   if (!used) {
     settings_.VexilMode = 0;
-    keeper_.Keep("VEXIL", 0);
+    keeper_.StoreSetting("VEXIL", 0);
     controls_.TxDCheckBox.SetEnabled(true);
   } else if (settings_.VexilMode == 0) {
     settings_.VexilMode = 1;
     controls_.Zone.Select(0);
-    keeper_.Keep("VEXIL", 1);
+    keeper_.StoreSetting("VEXIL", 1);
     GiveTheLineToZones();
   }
 }
@@ -98,7 +98,7 @@ void Options::GiveTheLineToZones() {
 void Options::TakeZone() {
   if (settings_.VexilMode <= 0) return;
   settings_.VexilMode = static_cast<std::int16_t>(controls_.Zone.ListIndex() + 1);
-  keeper_.Keep("VEXIL", settings_.VexilMode);
+  keeper_.StoreSetting("VEXIL", settings_.VexilMode);
 }
 
 void Options::AskProcDelay() {
@@ -110,7 +110,7 @@ void Options::AskProcDelay() {
     if (!IsProcDelay(answer)) dialogue_.Tell("The value must be between 0 and 100");
   } while (!IsProcDelay(answer));
   settings_.ProcDelay = Rounded<std::int16_t>(answer);
-  keeper_.KeepAndSave("PROCDELAY", settings_.ProcDelay);
+  keeper_.StoreAndSave("PROCDELAY", settings_.ProcDelay);
   ShowProcDelay();
 }
 

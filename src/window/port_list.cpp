@@ -55,7 +55,7 @@ void PortList::TakePort() {
   const std::string entry = list_.Text();
   const std::int32_t port = WithoutFraction<std::int32_t>(entry.substr(entry.size() - kPortDigits));
   settings_.ComPortNr = port;
-  keeper_.Keep("COMPORT", port);
+  keeper_.StoreSetting("COMPORT", port);
   const ui::WaitNotice notice(window_, "Opening " + entry + ". This takes a second at most.");
   note_.Listen();
   int attempt = 1;

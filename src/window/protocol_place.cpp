@@ -66,7 +66,7 @@ void ProtocolPlace::Delete() {
   TakeInOtherText(store);
   const UndoStep step(undo_);
   ProtocolResult result;
-  const bool changed = dialogue_.Changed([&] { result = DeleteProtocol(store, store.CurProtocol); });
+  const bool changed = dialogue_.ChangeAndReport([&] { result = DeleteProtocol(store, store.CurProtocol); });
   if (!result.Done() && result.Refused != ProtocolRefusal::NoSection) dialogue_.Tell(RefusalText(result));
   if (!changed) return;
   SectionWalk walk = WalkSections(store.CfgText);

@@ -8,7 +8,8 @@ namespace keplo {
 
 void RecordingFlow::Open() {
   std::optional<OpenedRecording> recording;
-  if (!files_.Open || !dialogue_.Told([&] { recording = files_.Open(SampleTimeOf(settings_.ProcDelay)); }) ||
+  if (!files_.Open ||
+      !dialogue_.RunAndReport([&] { recording = files_.Open(SampleTimeOf(settings_.ProcDelay)); }) ||
       !recording)
     return;
   const bool shown = record_.Explain(*recording);
@@ -20,7 +21,7 @@ void RecordingFlow::Save() {
     dialogue_.Tell("There is no recording to save. Press Record and a key of the remote first.");
     return;
   }
-  if (files_.Save) dialogue_.Told([&] { files_.Save(signal_.RawCapture, signal_.SampleTime); });
+  if (files_.Save) dialogue_.RunAndReport([&] { files_.Save(signal_.RawCapture, signal_.SampleTime); });
 }
 
 }  // namespace keplo

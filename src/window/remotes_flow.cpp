@@ -29,7 +29,8 @@ void RemotesFlow::TellAll(const std::vector<std::string>& texts, const std::stri
 
 void RemotesFlow::Import() {
   std::optional<OpenedRemotes> opened;
-  if (!files_.Open || !files_.Pick || !dialogue_.Told([&] { opened = files_.Open(); }) || !opened) return;
+  if (!files_.Open || !files_.Pick || !dialogue_.RunAndReport([&] { opened = files_.Open(); }) || !opened)
+    return;
   TellAll(opened->Complaints, "Some of it cannot be read.");
   TakeInOtherText(store_);
   ImportDialog dialog(store_, std::move(opened->Files));
@@ -46,7 +47,7 @@ void RemotesFlow::Store(const ImportDialog& dialog) {
   const UndoStep step(undo_);
   std::string section;
   bool isStored = false;  // by another program, while the keys were chosen
-  const bool changed = dialogue_.Changed([&] {
+  const bool changed = dialogue_.ChangeAndReport([&] {
     ImportPlan plan = dialog.PlanFor(store_.CfgText);
     isStored = plan.Sections.empty();
     if (isStored) return;
@@ -63,7 +64,7 @@ void RemotesFlow::Export() {
     return;
   }
   std::vector<std::string> lost;
-  const bool done = dialogue_.Told([&] {
+  const bool done = dialogue_.RunAndReport([&] {
     const Remote remote = RemoteOfSection(store_.CfgText, store_.CurProtocol, {}, &store_.Raw);
     if (remote.Keys.empty())
       throw Failure(0, "The protocol " + store_.CurProtocol + " has no commands to export.");

@@ -135,7 +135,7 @@ bool SendFlow::SendDigits(const std::string& digits) {
     return false;
   }
   Transmission transmission;
-  if (!dialogue_.Told([&] {
+  if (!dialogue_.RunAndReport([&] {
         transmission =
             TransmissionOfDigits(digits, mod_.Signal.Measured.ProtoKind, mod_.ProtocolParams, mod_.Rc5Toggle);
       })) {

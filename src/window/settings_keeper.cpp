@@ -7,18 +7,18 @@
 
 namespace keplo {
 
-void SettingsKeeper::Keep(const std::string& key, std::int32_t value) {
-  Keep(key, value, [] {});
+void SettingsKeeper::StoreSetting(const std::string& key, std::int32_t value) {
+  StoreSetting(key, value, [] {});
 }
 
-void SettingsKeeper::KeepAndSave(const std::string& key, std::int32_t value) {
-  Keep(key, value, [this] { SaveConfig(store_); });
+void SettingsKeeper::StoreAndSave(const std::string& key, std::int32_t value) {
+  StoreSetting(key, value, [this] { SaveConfig(store_); });
 }
 
-void SettingsKeeper::Keep(const std::string& key, std::int32_t value,
-                          const std::function<void()>& withoutKey) {
+void SettingsKeeper::StoreSetting(const std::string& key, std::int32_t value,
+                                  const std::function<void()>& withoutKey) {
   if (!IsWhole(store_.CfgText)) return;
-  const bool saved = dialogue_.Told([&] {
+  const bool saved = dialogue_.RunAndReport([&] {
     if (!SetGeneralValue(store_, key, std::to_string(value))) withoutKey();
   });
   if (saved) {
@@ -31,7 +31,7 @@ void SettingsKeeper::Keep(const std::string& key, std::int32_t value,
 void SettingsKeeper::TakeUnsaved() {
   for (const auto& [key, value] : std::exchange(unsaved_, {})) {
     // One that does not fit must keep no other from the file.
-    dialogue_.Told([&, &key = key, &value = value] {
+    dialogue_.RunAndReport([&, &key = key, &value = value] {
       const auto changed = WithGeneralValue(store_.CfgText, key, std::to_string(value));
       if (changed) store_.ReplaceText(*changed);
     });

@@ -16,14 +16,14 @@ class SettingsKeeper {
   SettingsKeeper(CfgStore& store, Dialogue& dialogue) : store_(store), dialogue_(dialogue) {}
 
   /// Changes a key of [General] and saves. A text without the key stays as it is.
-  void Keep(const std::string& key, std::int32_t value);
+  void StoreSetting(const std::string& key, std::int32_t value);
   /// The same, but a text without the key is saved all the same.
-  void KeepAndSave(const std::string& key, std::int32_t value);
+  void StoreAndSave(const std::string& key, std::int32_t value);
   /// Puts the settings whose save failed into the text, in memory only.
   void TakeUnsaved();
 
  private:
-  void Keep(const std::string& key, std::int32_t value, const std::function<void()>& withoutKey);
+  void StoreSetting(const std::string& key, std::int32_t value, const std::function<void()>& withoutKey);
 
   CfgStore& store_;
   Dialogue& dialogue_;

@@ -57,7 +57,7 @@ void Form1::Form_Unload() {
   flows_->File.Stop();
   if (!ByShell()) line_.CloseCom();
   flows_->Settings.TakeUnsaved();
-  if (IsWhole(mod_.Store.CfgText)) flows_->Dialogue.Told([this] { SaveConfig(mod_.Store); });
+  if (IsWhole(mod_.Store.CfgText)) flows_->Dialogue.RunAndReport([this] { SaveConfig(mod_.Store); });
 }
 
 void Form1::OKButton_Click() {

@@ -11,7 +11,7 @@ void UndoPlace::End() {
 
 bool UndoPlace::TakeBack() {
   std::string whyNot;
-  const bool changed = dialogue_.Changed([&] { whyNot = undo_.Undo(); });
+  const bool changed = dialogue_.ChangeAndReport([&] { whyNot = undo_.Undo(); });
   entry_.SetEnabled(undo_.CanUndo());
   if (!whyNot.empty()) dialogue_.Tell(whyNot);
   return changed && whyNot.empty();

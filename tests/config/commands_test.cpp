@@ -34,7 +34,7 @@ TEST(Names, AreTrimmedAndChecked) {
   check(IsValidCode, {"", "G1", " G1 ", "G1x0", "G1X0", "G10G11"}, false);
 }
 
-TEST(CountCommands, CountsTheCommasBehindTheLastKey) {
+TEST(CountCommands, CountsTheCommasAfterTheLastKey) {
   const auto count = [](const std::string& text, const std::string& protocol) {
     Stored stored(text, protocol);
     return CountCommands(stored.Store);

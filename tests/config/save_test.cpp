@@ -60,7 +60,7 @@ TEST(LoadAndSave, TellWhatStandsInTheWay) {
   tells([](const char* path) { mkfifo(path, 0600); }, EINVAL, EINVAL, "not a regular file");
 }
 
-TEST(SaveConfig, CutsBehindTheClosingHeader) {
+TEST(SaveConfig, CutsAfterTheClosingHeader) {
   const std::string whole = Config("");
   const Files texts = {
       {whole, whole}, {kOld, whole}, {"[END]", "[END]\r\n"}, {"no header", "no header"}, {"", ""}};
@@ -81,16 +81,16 @@ TEST(SaveConfig, LosesNothingThatAnotherProgramHasWritten) {
   for (const std::string number : {"1", "2"}) {
     stored.Write(kOther + number);
     ASSERT_TRUE(SetGeneralValue(store, "COMPORT", "1" + number));
-    EXPECT_EQ(store.KeptAside, store.Path.string() + ".other-" + number);
+    EXPECT_EQ(store.ConflictCopy, store.Path.string() + ".other-" + number);
     files["keplo.cfg"] = store.CfgText;
     files["keplo.cfg.other-" + number] = kOther + number;
     EXPECT_EQ(stored.Disk.Files(), files);
   }
-  store.KeptAside.clear();
+  store.ConflictCopy.clear();
   SaveConfig(store);
   stored.Disk.Remove(store.Path);
   SaveConfig(store);
-  EXPECT_TRUE(store.KeptAside.empty()) << "its own text, or none, is nobody else's";
+  EXPECT_TRUE(store.ConflictCopy.empty()) << "its own text, or none, is nobody else's";
   EXPECT_EQ(stored.Disk.Files(), files);
 
   store.RefusesOtherText = true;
@@ -111,7 +111,7 @@ class BrokenSave : public ::testing::Test {
     for (const auto& [name, content] : stored_.Disk.Files()) stored_.Disk.Remove(name);
     stored_.Load(kOld);
     stored_.Write(found);
-    stored_.Store.KeptAside.clear();
+    stored_.Store.ConflictCopy.clear();
     stored_.Disk.FailAt(failAt, forGood);
     return FailureOf([&] { SetGeneralValue(stored_.Store, "ITYPE", "9"); }).Number() == 0;
   }
@@ -131,7 +131,7 @@ TEST_F(BrokenSave, LeavesTheOldFileAndNothingElse) {
       const bool saved = failAt == operations;  // the flush of the folder, after the save
       EXPECT_EQ(stored_.Disk.Files(), saved ? after : before) << failAt;
       EXPECT_EQ(stored_.Store.CfgText, saved ? kFresh : kOld) << failAt;
-      EXPECT_EQ(stored_.Store.KeptAside.empty(), !saved || found == kOld) << failAt;
+      EXPECT_EQ(stored_.Store.ConflictCopy.empty(), !saved || found == kOld) << failAt;
     }
   }
 }

@@ -5,7 +5,7 @@
 namespace keplo::tests {
 namespace {
 
-TEST(SplitCommandRef, WantsFourCharactersBehindTheFirstAmpersand) {
+TEST(SplitCommandRef, WantsFourCharactersAfterTheFirstAmpersand) {
   PosixFileSystem files;
   for (const std::string row : {"NEC&POWER|NEC|POWER", "NEC&DOWN|NEC|DOWN", "NEC&UP||", "NEC&OFF||", "NEC||",
                                 "||", "A&B&CDE|A|B&CDE"}) {
