@@ -1,15 +1,25 @@
 #include "config/transmission.h"
 
+#include <cerrno>
+#include <stdexcept>
 #include <utility>
 
+#include "failure.h"
 #include "signal/raw/raw_send.h"
 #include "signal/send_bits.h"
 
 namespace keplo {
 
+std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolParams& params,
+                        bool& toggle) try {
+  return BuildSendBits(digits, protoKind, params, toggle);
+} catch (const std::length_error& tooLong) {
+  throw Failure(EMSGSIZE, tooLong.what());
+}
+
 Transmission TransmissionOfDigits(std::string digits, std::int16_t protoKind, ProtocolParams& params,
                                   bool& toggle) {
-  std::string slots = PadToBytes(BuildSendBits(digits, protoKind, params, toggle));
+  std::string slots = PadToBytes(SlotsToSend(std::move(digits), protoKind, params, toggle));
   return {std::move(slots), params.SENDPLS, params.Carrier};
 }
 

@@ -18,6 +18,10 @@ struct Transmission {
   std::int32_t Carrier = kUsualCarrier;  // Hz, of lines that can set one
 };
 
+/// BuildSendBits for what a user has set up.
+/// @throws Failure with what to shorten if the transmission would be too long; nothing is changed then
+std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolParams& params, bool& toggle);
+
 /// The transmission of the code of a line code.
 /// @param digits, protoKind, params, toggle as BuildSendBits takes them
 /// @throws Failure if it would be too long; nothing is changed then

@@ -5,10 +5,11 @@
 #include <cstdlib>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 #include "config/generic_protocols.h"
+#include "config/transmission.h"
 #include "signal/decode.h"
-#include "signal/send_bits.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -49,7 +50,7 @@ PulseTrain LengthsOf(const std::string& slots, int slot) {
 
 std::string SentSlots(ProtocolParams params, std::int16_t protoKind, std::string digits) {
   bool toggle = true;  // so that the next transmission has a 0
-  return BuildSendBits(digits, protoKind, params, toggle);
+  return SlotsToSend(std::move(digits), protoKind, params, toggle);
 }
 
 bool IsWithin(int length, int wanted, int slot) { return 2 * std::abs(length - wanted) <= slot + 1; }

@@ -1,10 +1,9 @@
 #include "signal/send_bits.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <stdexcept>
 #include <utility>
 
-#include "failure.h"
 #include "signal/decode.h"
 #include "signal/pattern_sets.h"
 #include "signal/rc6.h"
@@ -109,9 +108,9 @@ std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolPar
   const bool isRc6 = (protoKind == kRc6 || way == kSendAsRc6) && IsRc6Code(code);
   const ProtocolParams sent = isRc6 ? WithPatternsOfRc6(params) : params;
   if (const std::size_t slots = LengthBound(code, way, sent); slots > kMostSlots) {
-    throw Failure(EMSGSIZE, "The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
-                                std::to_string(kMostSlots) +
-                                " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
+    throw std::length_error("The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
+                            std::to_string(kMostSlots) +
+                            " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
   }
   params.BitTail = BitTailOf(protoKind);
   if (IsSentInTurns(code, way)) return TurnSlots(code, params);

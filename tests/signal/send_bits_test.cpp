@@ -102,7 +102,7 @@ TEST(BuildSendBits, RefusesWhatIsTooLongAheadOfAnyChange) {
   params.BIT1 = std::string(20'000, '1');
   bool toggle = false;
   std::string code = "11000000001100";
-  EXPECT_THROW(BuildSendBits(code, kRc5, params, toggle), Failure);
+  EXPECT_THROW(BuildSendBits(code, kRc5, params, toggle), std::length_error);
   EXPECT_EQ(code, "11000000001100");
   EXPECT_FALSE(toggle);
   EXPECT_NO_THROW(Sent(kNec, std::string(32, '1'), Params(kNec, 32767, 32767)));
