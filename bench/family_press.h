@@ -22,7 +22,7 @@ struct PressFamily {
 
 std::span<const PressFamily> PressFamilies();
 
-/// Frames with so much silence behind each but the last.
+/// Frames with so much silence after each but the last.
 PulseTrain JoinFrames(std::span<const PulseTrain> frames, int gap);
 
 /// A frame of pulse distance, microseconds.

@@ -49,7 +49,7 @@ Noise Flicker(Dice& dice) {
   return noise;
 }
 
-/// Equal pulses of which some fail, behind a leader, sent again and again.
+/// Equal pulses of which some fail, after a leader, sent again and again.
 Noise Trains(Dice& dice) {
   const int mark = dice.From(4, 18), space = dice.From(4, 45), fails = dice.From(0, 1) * dice.From(1, 30);
   const int pulses = dice.From(8, 60), gap = dice.From(70, 1100);

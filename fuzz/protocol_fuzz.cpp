@@ -36,7 +36,7 @@ std::string TakeLine(std::string_view& text) {
   return line;
 }
 
-/// A protocol and a setting out of the lines ahead of a text.
+/// A protocol and a setting out of the lines before a text.
 struct Wishes {
   ProtocolDraft Draft;
   std::size_t Key = 0;
@@ -106,7 +106,7 @@ void Check(const std::string& text, const std::string& protocol,
 }
 
 /// Whether the settings stand where they belong, each in a line of its own: a key that a start-up finds in a
-/// section or behind another key goes with that line.
+/// section or after another key goes with that line.
 bool HasSettingsInGeneral(std::string_view text) {
   const std::optional<Section> general = FindSection(text, "General");
   return general && std::all_of(SettingKeys().begin(), SettingKeys().end(), [&](const SettingKey& key) {

@@ -281,7 +281,7 @@ void Session::SayGoodbye() {
     for (SendNews(); !refusal_ && !done() && Clock::now() < until; SendNews()) Wait();
   };
   TakeNews();
-  // The last release comes ahead of the word that nobody is there any more.
+  // The last release comes before the word that nobody is there any more.
   serveUntil([&] { return waiting_.empty(); });
   int last = 0;
   if (purpose_.SpeaksForDevice) {

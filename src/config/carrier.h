@@ -6,7 +6,7 @@
 
 namespace keplo {
 
-// A section may hold a line CARRIER= behind its GREPEAT= line, where neither an edit of its parameters nor a
+// A section may hold a line CARRIER= after its GREPEAT= line, where neither an edit of its parameters nor a
 // change of its commands touches it.
 
 /// The carrier that a section is sent with, Hz; kUsualCarrier without a line that tells another.

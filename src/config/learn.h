@@ -57,7 +57,7 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
                   std::string_view sendAs = {});
 
-/// A text with more command lines of a section, each with its line end: they go behind its last command, and
+/// A text with more command lines of a section, each with its line end: they go after its last command, and
 /// the placeholder goes.
 /// @return empty if the section is missing
 std::optional<std::string> WithCommandLines(const std::string& text, std::string_view protocol,

@@ -18,7 +18,7 @@ struct RawEntry {
 using RawEntries = std::map<std::string, RawEntry, std::less<>>;
 
 /// Reads the text of a file of raw commands: mode2 lines, which every player of recordings reads too, with a
-/// comment ahead of each command that holds its digits and a checksum of its lines. An entry whose lines are
+/// comment before each command that holds its digits and a checksum of its lines. An entry whose lines are
 /// not those of its checksum keeps its text and has no forms.
 RawEntries ReadRawText(std::string_view text);
 

@@ -34,8 +34,8 @@ void RefreshRaw(CfgStore& store);
 /// The signal of a code with its leading G; null if it is none of a raw command, or its lengths are lost.
 const RawSignal* FindRawSignal(const CfgStore& store, std::string_view code);
 
-/// A change of the raw commands of a text, in step with its save: ahead of it the new lengths are written and
-/// made to last, and behind it those are removed that no command has any more. So at any instant each code
+/// A change of the raw commands of a text, in step with its save: before it the new lengths are written and
+/// made to last, and after it those are removed that no command has any more. So at any instant each code
 /// line that is on the disk has its lengths there; what a crash may leave is lengths without a line, which
 /// count for nothing and go with the next change.
 class RawChange {

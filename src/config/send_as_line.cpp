@@ -45,7 +45,7 @@ std::optional<LineRange> LineIn(std::string_view text, const Section& section) {
   return LineRange{before + 1, lf};
 }
 
-/// Where a line goes in behind all that the section holds; 0 if its last line runs into the next header.
+/// Where a line goes in after all that the section holds; 0 if its last line runs into the next header.
 int EndOfLines(std::string_view text, const Section& section) {
   const auto last = text.find_last_not_of("\r\n", static_cast<std::size_t>(section.End) - 2);
   const int lf = SeekForward(text, static_cast<int>(last) + 1, '\n');

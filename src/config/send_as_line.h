@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-// A section may have a key SENDAS= behind GREPEAT=, among its commands: nothing that searches the other keys
+// A section may have a key SENDAS= after GREPEAT=, among its commands: nothing that searches the other keys
 // or changes them comes by it. It tells how codes are sent where the other keys cannot, see send_as.h.
 
 /// The value of SENDAS= in a section; empty without one.
@@ -18,7 +18,7 @@ std::string SendAsLine(std::string_view value);
 
 /// A text in which a section sends a code in some way, and all its other codes as before: a section without
 /// commands and without SENDAS= is made for such codes and tells the way for all of them, any other one gets
-/// a note on this code in the line. It goes behind the commands, so that a search for their names and codes
+/// a note on this code in the line. It goes after the commands, so that a search for their names and codes
 /// finds them first.
 /// @param code with its leading G
 /// @param way empty for the usual one

@@ -21,7 +21,7 @@ class StoreUndo {
   /// @param store that outlives this object
   explicit StoreUndo(CfgStore& store) : store_(store) {}
 
-  /// To be called ahead of a change.
+  /// To be called before a change.
   void Begin();
   /// To be called once a change is complete. A change that has left the text as it was is none.
   void End();

@@ -24,7 +24,7 @@ std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolPara
 
 /// The transmission of the code of a line code.
 /// @param digits, protoKind, params, toggle as BuildSendBits takes them
-/// @throws Failure if it would be too long; nothing is changed then
+/// @throws Failure as SlotsToSend
 Transmission TransmissionOfDigits(std::string digits, std::int16_t protoKind, ProtocolParams& params,
                                   bool& toggle);
 
@@ -34,7 +34,7 @@ Transmission TransmissionOfRaw(const RawSignal& signal, std::size_t turn, std::i
 
 /// The transmission of a learned code, raw or not.
 /// @param code with its leading G
-/// @throws Failure as TransmissionOfDigits
+/// @throws Failure as SlotsToSend
 Transmission TransmissionOfCode(const CfgStore& store, std::string_view code, std::int16_t protoKind,
                                 ProtocolParams& params, bool& toggle, std::size_t turn);
 

@@ -97,7 +97,7 @@ int UnitOf(const Coding& coding) {
     int MostParts;
     double MostOff;  // of a unit
   };
-  // Three units of 400 are nearly four of 300: what fits well goes ahead of what is larger.
+  // Three units of 400 are nearly four of 300: what fits well goes before what is larger.
   for (const Try& wish :
        {Try{4, 0.12}, Try{4, 0.2}, Try{kFinestDivision, 0.12}, Try{kFinestDivision, 0.25}}) {
     for (int parts = 2; parts <= wish.MostParts; ++parts) {

@@ -112,7 +112,7 @@ std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int>
 }
 
 void TakeParts(PulseTrain once, const PulseTrain& again, RemoteKey& key) {
-  // A part that ends in a mark has no gap behind it to go on from.
+  // A part that ends in a mark has no gap after it to go on from.
   const bool goesOn = once.size() % 2 == 0 && !again.empty();
   if (goesOn) once.insert(once.end(), again.begin(), again.end());
   key.Lengths = std::move(once);

@@ -29,8 +29,8 @@ struct NamedValues {
 /// The reverse of TakeValues for digits.
 std::optional<NamedValues> ValuesOf(const RemoteKey& key);
 
-/// An RC6 press of mode 0, or another with as many digits behind the toggle.
-/// @param digits behind the toggle
+/// An RC6 press of mode 0, or another with as many digits after the toggle.
+/// @param digits after the toggle
 PulseTrain Rc6Frame(int mode, bool toggle, std::string_view digits);
 
 inline constexpr int kRc6Carrier = 36'000;  // Hz

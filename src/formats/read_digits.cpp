@@ -14,7 +14,7 @@ constexpr double kGapOverPair =
     5.2;  // a leader's space is four pairs of mark and short space; parts of a long message rest for five
 constexpr std::size_t kFewestDigits = 8;        // fewer are no message of a remote
 constexpr std::size_t kBiphaseDigitCount = 14;  // of RC5
-constexpr std::size_t kSplash = 3;              // runs of a disturbance ahead of the signal, at most
+constexpr std::size_t kSplash = 3;              // runs of a disturbance before the signal, at most
 constexpr std::size_t kSyncAndDigit = 5;        // runs of a sync, a digit and a closing mark
 constexpr int kLongGap = 20'000;                // microseconds
 constexpr std::size_t kRc5Toggle = 2;           // digit
@@ -300,7 +300,7 @@ class PressReader {
   CodedSignal signal_;
   std::vector<Runs> unread_;  // that no frame was read from
   bool usedSingleLeader_ = false;
-  Pulse leader_;  // of the frame to come, behind which the line rested for as long as behind a frame
+  Pulse leader_;  // of the frame to come, after which the line rested for as long as after a frame
   int frames_ = 0;
 };
 

@@ -14,7 +14,7 @@ namespace keplo {
 
 /// What tells a one from a zero.
 enum class LineCode : std::uint8_t {
-  Distance,  // the space behind a mark
+  Distance,  // the space after a mark
   Width,     // the mark
   Biphase    // the order of mark and space; a one is the space first
 };
@@ -31,7 +31,7 @@ enum class RepeatKind : std::uint8_t {
 /// "short", "frame", "body", "none" or "unknown".
 std::string_view NameOf(RepeatKind kind);
 
-/// A mark and the space behind it, microseconds.
+/// A mark and the space after it, microseconds.
 struct Pulse {
   int Mark = 0, Space = 0;
 
@@ -42,9 +42,9 @@ struct Pulse {
 struct Coding {
   LineCode Line = LineCode::Distance;
   int Unit = 0;     // of which all lengths are multiples, or nearly so
-  Pulse Sync;       // ahead of the digits; both 0 where there is none
+  Pulse Sync;       // before the digits; both 0 where there is none
   Pulse Zero, One;  // One has the longer space (Distance) or mark (Width); Biphase: the halves of a digit
-  int Tail = 0;     // closing mark behind the last digit; 0 where there is none
+  int Tail = 0;     // closing mark after the last digit; 0 where there is none
 
   bool HasSync() const { return Sync.Mark > 0; }
   bool operator==(const Coding&) const = default;
@@ -137,7 +137,7 @@ int SilenceBehind(const CodedSignal& signal);
 /// One frame in marks and spaces, with a mark at both ends.
 PulseTrain FrameLengths(const CodedSignal& signal);
 
-/// A press as a held key sends it: the frame, and so many repeats behind it. A repeat that the file does not
+/// A press as a held key sends it: the frame, and so many repeats after it. A repeat that the file does not
 /// tell is the frame.
 PulseTrain PressLengths(const CodedSignal& signal, int repeats);
 

@@ -8,7 +8,7 @@
 
 namespace keplo {
 
-/// Marks and spaces in turn, neighbours of one kind added up and a space ahead of the first mark dropped.
+/// Marks and spaces in turn, neighbours of one kind added up and a space before the first mark dropped.
 class TrainWriter {
  public:
   void Mark(int length) { Add(length, 0); }

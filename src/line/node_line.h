@@ -108,7 +108,7 @@ class NodeLine : public DeviceLine {
   Time deafUntil_{0};
 };
 
-/// Copies a signal into a buffer; what lies behind the signal stays as it is.
+/// Copies a signal into a buffer; what lies after the signal stays as it is.
 void CopySignal(const std::string& signal, std::span<char> buffer);
 
 }  // namespace keplo

@@ -40,8 +40,8 @@ struct DeviceFolders {
 };
 
 /// Reads the text of ports.conf: lines "NUMBER = serial:DEVICE", "lirc:DEVICE", "replay:FILE..." or
-/// "mqtt:TOPIC [send:TOPIC] [ROOM:NAME...]", and comments, which begin with # ahead of a line or behind a
-/// blank; any other # is of a topic. A line with a mistake is told and left out.
+/// "mqtt:TOPIC [send:TOPIC] [ROOM:NAME...]". A # that begins a line or follows a blank begins a comment; any
+/// other is of a topic. A line with a mistake is told and left out.
 /// @param path names the file in messages
 PortMap ParsePortMap(const std::string& text, const std::string& path);
 

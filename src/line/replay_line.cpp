@@ -69,7 +69,7 @@ std::int32_t ReplayLine::OpenCom(std::int32_t port) {
   return ports_.empty() || std::find(ports_.begin(), ports_.end(), port) != ports_.end() ? 1 : 0;
 }
 
-/// The first look at the line behind a capture.
+/// The first look at the line after a capture.
 void ReplayLine::LookAgain(std::chrono::microseconds now) {
   if (!std::exchange(lookedAway_, false)) return;
   if (clock_ == nullptr) {
@@ -108,7 +108,7 @@ void ReplayLine::Capture(std::span<char> buffer, std::int32_t delay) {
   if (Done()) return;
   const LineOptions options = AtDelay(options_, delay);
   const std::string signal = SignalOfPress(presses_[next_].Signal, buffer.size(), options);
-  // Bytes behind the signal are the caller's; the silence between two frames of a held key is in it.
+  // Bytes after the signal are the caller's; the silence between two frames of a held key is in it.
   const std::size_t length = Held() ? signal.size() : signal.find_last_not_of('\0') + 1;
   std::copy_n(signal.begin(), length, buffer.begin());
   Advance();

@@ -31,7 +31,7 @@ std::optional<OpenedRemotes> OpenRemotes(QWidget* parent) {
   return opened;
 }
 
-/// The formats as the dialog offers them: the description, and behind it in brackets all files.
+/// The formats as the dialog offers them: the description, and after it in brackets all files.
 std::vector<std::string_view> OfferFormats(QFileDialog& dialog) {
   std::vector<std::string_view> names;
   QStringList filters;

@@ -21,7 +21,7 @@ constexpr int kShortestGapSlots = 16;              // as a section has them
 constexpr std::size_t kMostLengthsOfTurns = 1024;  // of a press; longer ones are of no two short frames
 constexpr int kLeaderUnits = 8;                    // of RC6, mark and space
 
-/// The first frame of a press and the silence behind it.
+/// The first frame of a press and the silence after it.
 struct FirstFrame {
   PulseTrain Lengths;
   int Gap = 0;  // 0 if nothing follows

@@ -223,7 +223,7 @@ class Planner {
     plan_.Text = WithCommandLines(text_, wishes_.Section, lines).value_or(text_);
   }
 
-  /// The new sections go ahead of [Template]; the window goes on to start with the protocol that it had.
+  /// The new sections go before [Template]; the window goes on to start with the protocol that it had.
   void AddBlocks() {
     const SectionChange place = NewSection(plan_.Text, {});
     if (!place.Refused.Done()) throw Failure(0, RefusalText(place.Refused));

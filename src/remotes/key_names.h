@@ -33,7 +33,7 @@ class KeyNames {
 
   std::string words_;
   std::set<std::string> taken_;                // in lower case
-  std::map<std::string, std::size_t> counts_;  // of the numbers behind names that occur again
+  std::map<std::string, std::size_t> counts_;  // of the numbers after names that occur again
 };
 
 /// The order in which names hold: as they are, but for those that lie within an earlier one, which go ahead

@@ -22,7 +22,7 @@ struct KeyGroup {
 std::string CommandLines(const std::string& section, std::string_view words,
                          const std::vector<std::size_t>& places, std::vector<PlannedKey>& keys);
 
-/// A new section with the commands of a group, ahead of whose header stands an empty line.
+/// A new section with the commands of a group, before whose header stands an empty line.
 std::string SectionBlock(const std::string& name, const KeyGroup& group, std::vector<PlannedKey>& keys);
 
 }  // namespace keplo

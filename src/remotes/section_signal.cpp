@@ -167,7 +167,7 @@ std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlo
 }  // namespace
 
 std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
-  // One slot more, which a section without a sync has ahead of its frame.
+  // One slot more, which a section without a sync has before its frame.
   const int silence = SilenceBehind(signal);
   std::optional<SectionSignal> section;
   if (silence > 0) section = SectionAt(signal, silence / (kShortestGap + 1));

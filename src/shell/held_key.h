@@ -45,8 +45,8 @@ struct KeyPress {
 /// Makes of the captures of a line what people mean by a press: one key, pressed, held and let go.
 ///
 /// A key counts as let go when for two periods of its protocol nothing came: a remote that is moved may lose
-/// a repeat. Where nobody watched the line between two captures, as during the pause behind an event, nothing
-/// but the silence right before and right behind is known; neither may be longer than one period then.
+/// a repeat. Where nobody watched the line between two captures, as during the pause after an event, nothing
+/// but the silence right before and right after is known; neither may be longer than one period then.
 class HeldKey {
  public:
   /// The key that is held; none if none is.

@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-/// The keys that are held, one before each receiver: rooms press theirs at the same time.
+/// The keys that are held, one at each receiver: rooms press theirs at the same time.
 class HeldKeys {
  public:
   HeldKey& Of(int place) { return keys_[place]; }

@@ -147,7 +147,7 @@ class Keplo {
   std::function<void()> OnPortOpened;
   /// Runs after a tick that took a capture, for programs that tell a person what became of it.
   std::function<void(const TickReport&)> OnPress;
-  /// Runs with each signal that a tick has heard, code or none, ahead of the pause behind its first event.
+  /// Runs with each signal that a tick has heard, code or none, before the pause after its first event.
   std::function<void(const TickReport&)> OnHeard;
 
  private:
@@ -175,7 +175,7 @@ class Keplo {
   void LetGoIfOver();
   void TellHeard();
   void TellReleased(const std::vector<KeyPress>& ended);
-  /// The key before the receiver of the last capture.
+  /// The key at the receiver of the last capture.
   HeldKey& Key() { return keys_.Of(onAir_.Place); }
   void TellKey(KeyChange change, const KeyPress& key);
   void OpenMainWindow();

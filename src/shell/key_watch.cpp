@@ -97,7 +97,7 @@ void Keplo::HearCode(const MonitorReading& reading) {
   if (const auto ended = Key().Hear(sign, onAir_)) TellReleased({*ended});
 }
 
-/// Whether a capture goes on with a press and was on air during the pause behind its last event, in which no
+/// Whether a capture goes on with a press and was on air during the pause after its last event, in which no
 /// tick can raise one. Its event would come later and later, and long after the key was let go.
 bool Keplo::WasHeldInThePause() {
   return mod_.Settings.Analysis == Analysis::Second && kept_ && Key().Pressed() &&

@@ -136,7 +136,7 @@ void Keplo::Dispatch(const MonitorReading& reading) {
       [&](HostInputEvent& raised) {
         tell();
         RaiseInputEvent(raised);
-        // The event comes first, and the pause behind it last.
+        // The event comes first, and the pause after it last.
         if (!std::exchange(heard, true)) TellHeard();
       },
       lastTick_.Dispatched);

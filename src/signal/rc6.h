@@ -18,7 +18,7 @@ struct Rc6Frame {
   char Toggle = '0';
 };
 
-/// Reads the half bits of a frame behind its leader, 1 and 0 for a base time each.
+/// Reads the half bits of a frame after its leader, 1 and 0 for a base time each.
 /// @param halves without the space at the end, if the last digit closes with one
 /// @return nothing for other frames than those of modes 0 and 6
 std::optional<Rc6Frame> ReadRc6(std::string_view halves);
@@ -26,7 +26,7 @@ std::optional<Rc6Frame> ReadRc6(std::string_view halves);
 /// Whether these digits are those of an RC6 frame, which its sender can put on air.
 bool IsRc6Code(std::string_view code);
 
-/// The half bits of a frame behind its leader.
+/// The half bits of a frame after its leader.
 /// @param code for which IsRc6Code holds
 /// @param one, zero half bits of the digits
 std::string Rc6Halves(std::string_view code, bool toggle, std::string_view one, std::string_view zero);

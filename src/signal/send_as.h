@@ -10,7 +10,7 @@ namespace keplo {
 // say. Its words stand apart by blanks: a way, which holds for all codes that can be sent in it, and notes,
 // each of which tells the way of a single code.
 
-/// RC6: a toggle of double length behind the fourth digit, which each transmission turns over.
+/// RC6: a toggle of double length after the fourth digit, which each transmission turns over.
 inline constexpr std::string_view kSendAsRc6 = "RC6";
 
 /// The way of codes of two frames in turns.

@@ -20,7 +20,7 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @param params BitTail is set. Their SENDAS tells of RC6 and of two frames in turns.
 /// @param rc5Toggle flips with each transmission of RC5, and of RC6; false at start, which makes the first
 /// digit a 1
-/// @throws Failure if the transmission would pass kMostSlots; nothing is changed then
+/// @throws std::length_error if the transmission would pass kMostSlots; nothing is changed then
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params, bool& rc5Toggle);
 
 /// The slots with silent ones after them up to a whole byte.

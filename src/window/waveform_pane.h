@@ -30,7 +30,7 @@ class WaveformPane {
   /// Pixels of the design from the left edge of the surface to a sample.
   double PlaceOf(double sample) const;
   double SampleAt(double place) const;
-  /// Where a trace that begins ahead of the left margin comes out of it, on the level of the sample that
+  /// Where a trace that begins left of the margin comes out of it, on the level of the sample that
   /// stands there; none for another trace. At great zoom that sample may be the only one to be seen.
   std::optional<ui::DrawingSurface::Point> Entry() const;
   /// Where the last sample ends, or goes into the right margin.

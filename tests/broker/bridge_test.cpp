@@ -232,7 +232,7 @@ TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
   raise("a");
   stages.Held(1, 2);
   raise("a");
-  stages.Held(2, 2);  // in the pause behind an event, so that no event is raised
+  stages.Held(2, 2);  // in the pause after an event, so that no event is raised
   stages.Released(1, 2);
   stages.Released(2, 2);
   EXPECT_EQ(told, "presalone1 presa1 presb1 presa1 holda2 holdb2 holda2 relea2 releb2 relea2 ");

@@ -107,7 +107,7 @@ std::string Lost(const RemoteKey& back, const RemoteKey& key, const Way& way) {
   if (way.Format == "lirc") std::replace(name.begin(), name.end(), ' ', '_');
   const bool known = key.Coded && key.Coded->Again.Kind != RepeatKind::Unknown;
   if (Digits(back) != Digits(key)) return Digits(key) + " came back as " + Digits(back);
-  // A tree keeps a name once; the second one gets a number behind it.
+  // A tree keeps a name once; the second one gets a number after it.
   const bool numbered = way.Format == "smartir" && back.Name.value_or("").starts_with(name + " (");
   if (way.Names && key.Name && back.Name != name && !numbered)
     return "the name came back as " + back.Name.value_or("none");

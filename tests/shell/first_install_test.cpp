@@ -11,7 +11,7 @@
 namespace keplo::tests {
 namespace {
 
-/// Runs a first install in a process that is killed ahead of one of its file operations.
+/// Runs a first install in a process that is killed before one of its file operations.
 /// @return false if the install came to its end
 bool IsKilledAt(int operation, const std::filesystem::path& appPath, Unpublished way) {
   ChildProcess child([&] {

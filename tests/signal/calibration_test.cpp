@@ -9,7 +9,7 @@ using Step = CalibrationStep;
 
 struct Story {
   std::vector<std::pair<int, int>> Heard;  // how often which base time; 0 could not be measured
-  Step Next;                               // behind the last of them
+  Step Next;                               // after the last of them
   int Delay;
 };
 

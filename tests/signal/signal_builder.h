@@ -30,7 +30,7 @@ inline std::string Bytes(std::string samples) {
   return bytes;
 }
 
-/// A capture of the given length with the samples at its head and silence behind them.
+/// A capture of the given length with the samples at its head and silence after them.
 inline std::string Padded(const std::string& bytes, std::size_t length = 510) {
   std::string padded(length, '\0');
   std::copy_n(bytes.begin(), std::min(bytes.size(), length), padded.begin());
@@ -75,7 +75,7 @@ inline std::vector<int> SonyRuns(const std::string& digits) {
   return runs;
 }
 
-/// Biphase press: the frame twice with a gap of 1,600 samples, since only a frame behind a gap is read.
+/// Biphase press: the frame twice with a gap of 1,600 samples, since only a frame after a gap is read.
 inline std::vector<int> Rc5Runs(const std::string& digits, int frames = 2) {
   std::string halves;
   for (const char digit : digits) halves += digit == '1' ? "01" : "10";

@@ -168,7 +168,7 @@ TEST_F(MainWindowOnScreen, TheTraceIsOneLineAtEveryZoom) {
   for (const char* button : {"GReset", "GExt", "Gshr", "Gshr", "GReset", "Zoom"}) {
     if (button == std::string("Zoom")) {
       form_->ZoomWave(20, 64);
-      form_->SlideWave(-30);  // into samples that begin ahead of the margin
+      form_->SlideWave(-30);  // into samples that begin left of the margin
     } else {
       Click(button);
     }

@@ -83,7 +83,7 @@ TEST_F(WindowProgram, LearnsAPressByKeysAloneIntoAFirstInstall) {
     Keys("F1");
     return home_.Read("xdg-open.told").ends_with("docs/help/index.html\n");
   }));
-  Keys("Tab");  // to Record, which comes behind Send
+  Keys("Tab");  // to Record, which comes after Send
   EXPECT_TRUE(Until([&] {
     Keys("space");
     return screen_->Share(PartOf("CodeStr"), kGreen) > 0.5;

@@ -15,7 +15,7 @@ class CalibrationFlow : public WindowTest {
   void SetUp() override { Open(Config(Protocol("Mine", {"G101000100010,PLAY"}))); }
 
   /// A key is heard with these base times, one a capture, and then let go. 0 is
-  /// a byte of noise, behind which the buffer is as it was.
+  /// a byte of noise, after which the buffer is as it was.
   void Calibrate(const std::vector<int>& baseTs) {
     for (const int t : baseTs) {
       std::vector<int> runs;

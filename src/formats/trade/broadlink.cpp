@@ -15,7 +15,7 @@ constexpr std::uint8_t kInfrared = 0x26, kRadio433 = 0xB2, kRadio315 = 0xD7;
 constexpr std::size_t kBroadlinkHead = 4;  // kind, repeats and the length of the data
 constexpr double kTick = 8192.0 / 269.0;   // microseconds
 constexpr int kLongestLength = 0xFFFF;     // ticks
-constexpr int kClosingRest = 101'502;      // microseconds, that the device adds behind a press
+constexpr int kClosingRest = 101'502;      // microseconds, that the device adds after a press
 
 bool AllZero(const std::vector<std::uint8_t>& bytes, std::size_t first, std::size_t end) {
   return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(first),

@@ -222,7 +222,7 @@ class LogReader {
     reading_.Skip(std::move(key_), std::move(why));
   }
 
-  /// What a line of the log has behind its head "[time][level][part]:".
+  /// What a line of the log has after its head "[time][level][part]:".
   static std::string_view BehindHead(std::string_view line) {
     const std::size_t head = line.rfind("]:");
     return head == std::string_view::npos ? line : line.substr(head + 2);

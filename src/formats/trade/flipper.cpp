@@ -61,7 +61,7 @@ std::string KaseikyoBytes(std::uint32_t a, std::uint32_t c) {
       .Take();
 }
 
-// The ones that compute part of their digits stand ahead of those that do not.
+// The ones that compute part of their digits stand before those that do not.
 constexpr std::array kProtocols = {
     FlipperProtocol{"NEC", "NEC", NecBytes},
     FlipperProtocol{"NECext", "NEC", NecWords},

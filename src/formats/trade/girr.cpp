@@ -203,7 +203,7 @@ void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) 
     const auto line = 1 + std::count(text.begin(), end, '\n');
     FileReading(path, file).Complain(static_cast<int>(line), std::string("no XML: ") + result.description());
   }
-  // What stands ahead of a fault is read all the same.
+  // What stands before a fault is read all the same.
   GirrReader(text, path, file).Read(document);
 }
 

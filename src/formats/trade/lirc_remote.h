@@ -13,7 +13,7 @@ namespace keplo::trade {
 struct LircCode {
   std::string Name;
   int Line = 0;
-  std::vector<std::uint64_t> Values;  // sent one behind the other
+  std::vector<std::uint64_t> Values;  // sent one after the other
   PulseTrain Lengths;                 // of a raw code
   std::string Fault;                  // why it is none; empty if it is good
 };

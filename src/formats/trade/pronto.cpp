@@ -42,7 +42,7 @@ bool BeginsCode(std::string_view digits) {
   return digits.size() >= 2 * kDigitsPerWord && IsType(digits.substr(0, kDigitsPerWord));
 }
 
-/// Where the words begin that are a code to the end of the line, behind a name or alone; npos without any.
+/// Where the words begin that are a code to the end of the line, after a name or alone; npos without any.
 std::size_t FindCode(std::string_view line) {
   constexpr std::string_view kAheadOfCode = " \t:=>,;|\"";
   for (std::size_t at = 0; at != std::string_view::npos;) {
@@ -65,7 +65,7 @@ std::string_view NameIn(std::string_view text) {
   return wrapped ? Trimmed(text.substr(1, text.size() - 2)) : text;
 }
 
-/// Codes as people paste them: a name ahead of each in its line or above it, or none.
+/// Codes as people paste them: a name before each in its line or above it, or none.
 class ProntoReader {
  public:
   ProntoReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}

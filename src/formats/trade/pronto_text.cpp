@@ -15,7 +15,7 @@ namespace {
 constexpr double kProntoClock = 0.241246;  // microseconds
 constexpr std::uint16_t kTypeLearned = 0x0000, kTypeNotModulated = 0x0100, kTypeRc5 = 0x5000,
                         kTypeRc5x = 0x5001, kTypeRc6 = 0x6000, kTypeNec = 0x900A;
-constexpr std::size_t kProntoHead = 4;  // words ahead of the pairs
+constexpr std::size_t kProntoHead = 4;  // words before the pairs
 constexpr std::size_t kMostWords = kProntoHead + kMostLengths;
 
 std::string HexWord(std::uint16_t word) {

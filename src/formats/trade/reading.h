@@ -29,7 +29,7 @@ bool SameNoCase(std::string_view left, std::string_view right);
 std::string Lower(std::string_view text);
 bool StartsNoCase(std::string_view text, std::string_view start);
 
-/// A whole number, and nothing behind it.
+/// A whole number, and nothing after it.
 std::optional<std::int64_t> NumberOf(std::string_view word, int base = 10);
 /// A whole number as C writes it: 0x ahead for hex, 0 ahead for octal.
 std::optional<std::uint64_t> CNumberOf(std::string_view word);
@@ -96,7 +96,7 @@ int CarrierOf(const RemoteKey& key);
 /// The press of a key as lengths: as the file had it, else from its digits, with the repeat shown once.
 PulseTrain PressOf(const RemoteKey& key);
 
-/// The silence that is due behind the last mark of a press.
+/// The silence that is due after the last mark of a press.
 int ClosingSilence(const RemoteKey& key);
 
 /// A name for a key that has none: "key 1".

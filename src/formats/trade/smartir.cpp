@@ -123,7 +123,7 @@ std::string_view LastWord(std::string_view line) {
   return word;
 }
 
-/// Codes as people paste them: one a line, a name ahead of it or none.
+/// Codes as people paste them: one a line, a name before it or none.
 void ReadCodeLines(std::string_view text, FileReading& reading) {
   Lines lines(text);
   std::string_view line;

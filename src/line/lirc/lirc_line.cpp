@@ -229,8 +229,8 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
     heard_.clear();
     return false;
   }
-  // What is left begins with the space behind the press, or with the next frame where the buffer ended in the
-  // space ahead of it; else the buffer has cut a frame, and what counts next is the one after.
+  // What is left begins with the space after the press, or with the next frame where the buffer ended in the
+  // space before it; else the buffer has cut a frame, and what counts next is the one after.
   const std::vector<int> left(heard_.begin() + static_cast<std::ptrdiff_t>(used), heard_.end());
   if (used > 0) {
     const bool markNext = used % 2 == 0;

@@ -20,7 +20,7 @@ std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chr
   const auto fits = [&](std::size_t end) {
     return end - first <= kMostMarks && length(end) <= kLongestWrite;
   };
-  // What is left of the space behind a part when its write returns.
+  // What is left of the space after a part when its write returns.
   const auto left = [&](std::size_t end) {
     const auto space = static_cast<std::int64_t>(lit[end].Begin - lit[end - 1].End) * slot;
     return space - (length(end) <= kFineWrite ? kFineLateness : kCoarseLateness);

@@ -31,7 +31,7 @@ struct RoomMap {
   std::optional<std::string> SendTopicOf(int number) const;
 };
 
-/// Reads "FILTER [send:TOPIC] [NUMBER:NAME...]", as it stands behind mqtt: in ports.conf.
+/// Reads "FILTER [send:TOPIC] [NUMBER:NAME...]", as it stands after mqtt: in ports.conf.
 /// @return what was expected instead; empty if all is well
 std::string ParseRooms(std::string_view text, RoomMap& rooms);
 

@@ -5,7 +5,7 @@
 namespace keplo {
 
 /// Frees a recorded press of what is plainly no part of its signal: glitches within marks and spaces, a flash
-/// ahead of a leader, a first frame that the recording began in, a last one that it ended in, and frames of a
+/// before a leader, a first frame that the recording began in, a last one that it ended in, and frames of a
 /// plain line code with a run that is no length of that code. A press in which no whole frame would remain
 /// loses its glitches only.
 /// @param clean replaced; another train than the press

@@ -14,7 +14,7 @@ constexpr float kLengthTolerance = 130, kCloseLength = 55;
 constexpr float kOwnTolerance = 0.015F;
 /// Mean of all differences, microseconds: what jitter of 25 makes, and beside it the raster, in samples.
 constexpr float kMeanTolerance = 70, kCloseMean = 50, kRasterMean = 0.9F;
-/// Remotes keep their period rather than the space behind a frame, and count it out less carefully.
+/// Remotes keep their period rather than the space after a frame, and count it out less carefully.
 constexpr float kGapTolerance = 0.04F;
 /// Two receivers lengthen marks by up to 120 us each.
 constexpr float kMostExcess = 260;
@@ -59,7 +59,7 @@ struct RawPair {
   float Tolerance() const { return kLengthTolerance + 2 * Sample(); }
 };
 
-/// Whether a space and the mark behind it, whose sum has no excess, could be the same at any scale; most
+/// Whether a space and the mark after it, whose sum has no excess, could be the same at any scale; most
 /// signals end here after a few lengths.
 bool IsNear(const RawPair& pair, std::size_t space) {
   const float stored = pair.StoredUs(space) + pair.StoredUs(space + 1);
@@ -110,7 +110,7 @@ std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measu
   return differ;
 }
 
-/// Whether a press may end ahead of a stored length: where a frame ends.
+/// Whether a press may end before a stored length: where a frame ends.
 bool EndsFrameAt(std::span<const int> stored, std::size_t i) {
   return i >= stored.size() || (i % 2 == 1 && IsGap(stored[i]));
 }
@@ -129,7 +129,7 @@ std::size_t CoveredFrom(const HeardLengths& part, std::span<const int> stored, c
   return Differ(pair, measure, true) ? pair.Size() : 0;
 }
 
-/// Whether what was heard behind the stored lengths repeats frames of them.
+/// Whether what was heard after the stored lengths repeats frames of them.
 bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& measure) {
   while (!rest.Runs.empty()) {
     std::size_t covered = CoveredFrom(rest, stored, measure);

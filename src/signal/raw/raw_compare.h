@@ -26,7 +26,7 @@ struct RawFit {
 /// heard may have begun before the capture. A press may hold fewer frames than the stored one or repeat them,
 /// with the short frames that some remotes send for a held key, and a capture may end within a frame.
 /// @param stored microseconds
-/// @param lost how many stored lengths stand ahead of the first that was heard; even
+/// @param lost how many stored lengths stand before the first that was heard; even
 RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost = 0);
 
 }  // namespace keplo

@@ -62,7 +62,7 @@ bool IsFarFrom(const Level& level, int run) {
   return std::abs(run - level.Mean()) > kNear;
 }
 
-/// Whether a frame of pulses was sent again and again, as many in each, perhaps behind a mark far ahead: no
+/// Whether a frame of pulses was sent again and again, as many in each, perhaps after a mark far ahead: no
 /// lamp does that.
 bool SendsFramesOfOneSize(const HeardLengths& heard) {
   std::size_t size = 0, frames = 0;

@@ -7,7 +7,7 @@ namespace keplo {
 HeardLengths HeardIn(RunSpan runs, double sampleTime) {
   if (!runs.empty() && runs.front() == 0) runs = runs.subspan(2);
   if (runs.empty()) return {};
-  // A mark at the end of the samples was not heard to its end, and what the space ahead of it parts is
+  // A mark at the end of the samples was not heard to its end, and what the space before it parts is
   // unknown.
   if (EndsInMark(runs)) return {runs.first(runs.size() < 2 ? 0 : runs.size() - 2), true, sampleTime};
   return {runs.first(runs.size() - 1), runs.back() * sampleTime < kRawGap, sampleTime};

@@ -21,7 +21,7 @@ struct RawSignal {
 };
 
 /// Spaces from this length on part the frames of a press, microseconds. Remotes repeat a frame after 7 ms and
-/// more, and the spaces behind their leaders last up to 4.5 ms.
+/// more, and the spaces after their leaders last up to 4.5 ms.
 inline constexpr int kRawGap = 5000;
 
 /// Fewer lengths tell nothing: a leader and 7 digits, of which fewer are a fragment in any line code.
@@ -36,7 +36,7 @@ struct HeardLengths {
   double Us(std::size_t i) const { return Runs[i] * SampleTime; }
   /// Whether a length is a space that parts two frames.
   bool IsGap(std::size_t i) const { return i % 2 == 1 && Us(i) >= kRawGap; }
-  /// The same without what stands ahead of a length.
+  /// The same without what stands before a length.
   HeardLengths From(std::size_t i) const { return {Runs.subspan(i), Cut, SampleTime}; }
 };
 
@@ -44,7 +44,7 @@ struct HeardLengths {
 /// @param sampleTime microseconds
 HeardLengths HeardIn(RunSpan runs, double sampleTime = kNominalSampleTime);
 
-/// How many lengths stand ahead of the first long space.
+/// How many lengths stand before the first long space.
 std::size_t FirstFrameOf(const HeardLengths& heard);
 
 }  // namespace keplo

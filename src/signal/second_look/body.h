@@ -9,7 +9,7 @@ namespace keplo::robust {
 
 inline constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of noise
 
-/// A line that is looked at now and then begins a capture up to 2 ms behind the first edge, samples of 50 us.
+/// A line that is looked at now and then begins a capture up to 2 ms after the first edge, samples of 50 us.
 inline constexpr int kLateCapture = 40;
 
 /// A leader in front of a frame, samples.

@@ -30,7 +30,7 @@ bool IsVaried(const Frame& frame) {
   return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), fewest);
 }
 
-/// Whether a frame behind the leader of a common protocol is a digit or two shorter than those of such: marks
+/// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
 /// that are lost between short spaces may leave the same digits twice.
 bool MayLackDigits(const Frame& frame) {
   constexpr std::array<std::size_t, 7> kShort = {14, 15, 23, 30, 31, 46, 47};
@@ -52,7 +52,7 @@ std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::pt
 }
 
 /// Whether a piece is a frame that was damaged in one place: its runs are those of the frame up to there, and
-/// behind it those up to the frame's end. A piece that is cut has its head alone.
+/// after it those up to the frame's end. A piece that is cut has its head alone.
 bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
   constexpr std::size_t kDamaged = 6, kCut = 1, kLeader = 2;  // runs
   for (const std::size_t skipped : {std::size_t{0}, kLeader}) {

@@ -34,7 +34,7 @@ bool MayBeginInLeader(const Piece& piece) {
   return Within(static_cast<double>(piece.Size), kFewestRuns, kMostRuns);
 }
 
-/// @return behind the symbols written
+/// @return the place after the symbols written
 char* WriteRuns(const RunAlphabet& alphabet, const Body& body, char* end) {
   const auto write = [&end](const RunText& text) {
     std::memcpy(end, text.Symbols.data(), RunText::kMost);
@@ -52,7 +52,7 @@ char* WriteRuns(const RunAlphabet& alphabet, const Body& body, char* end) {
 }
 
 /// Writes a symbol for each base time. A shape that asks for it has made sure that a run has three at most.
-/// @return behind the symbols written
+/// @return the place after the symbols written
 char* WriteHalves(const Frame& frame, const Body& body, char* end) {
   for (std::size_t i = 0; i < body.Size; ++i) {
     const bool mark = i % 2 == 0;
@@ -133,7 +133,7 @@ void FrameReader::ReadPieces() {
 void FrameReader::TakeOther(const Piece& piece) {
   if (piece.Size > kMostRuns) return found_.Others.push_back({piece});
   const Body body = bodies_.Read(piece, HasLeaderInside(piece) ? 2 : 0);
-  // The space behind a leader may be longer than one that parts frames.
+  // The space after a leader may be longer than one that parts frames.
   const double rest = piece.IsSingle() ? kOffLeader * piece.First[0] : kGapUnits * unit_;
   const bool cut = place_ + 1 == pieces_.size() && piece.After <= rest;
   if (cut && SingleLeader()) found_.Others.pop_back();

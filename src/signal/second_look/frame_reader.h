@@ -21,7 +21,7 @@ struct OtherPiece {
 struct Findings {
   std::vector<Frame> Frames;
   std::vector<Piece> Unknown;    // whole and clean, but of none of the line codes
-  std::size_t UnknownMarks = 0;  // in the first of them, behind its leader; 0 without one
+  std::size_t UnknownMarks = 0;  // in the first of them, after its leader; 0 without one
   std::size_t MostUnread = 0;  // runs of the longest piece that is neither read nor cut by the capture's end
   bool Stray = false;  // its runs fall into no lengths, so that those of its neighbours are in doubt too
   std::vector<OtherPiece> Others;  // neither frame nor ditto nor the leader of a frame

@@ -36,7 +36,7 @@ struct RobustReading {
   /// The same of the other one, where two frames in turns are one command; else empty.
   std::string OtherFrame;
 
-  /// At Unsure the number of marks in a frame that was sent twice, behind its leader; 0 if nothing tells it.
+  /// At Unsure the number of marks in a frame that was sent twice, after its leader; 0 if nothing tells it.
   /// What another analysis reads must have so many.
   std::size_t UnreadMarks = 0;
 

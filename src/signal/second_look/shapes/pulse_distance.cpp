@@ -55,7 +55,7 @@ LeaderKind KindOf(const Leader& leader, double unit, double excess) {
   return four && markIs(8) ? LeaderKind::Short : LeaderKind::Other;
 }
 
-/// RCA: spaces of two and four base times to a mark of one, behind a leader of 8 and 8. The shaper of a line,
+/// RCA: spaces of two and four base times to a mark of one, after a leader of 8 and 8. The shaper of a line,
 /// to which the difference of mark and short space is excess, may lay the longer space on 3.5.
 bool IsRca(const Body& body, const Leader& leader) {
   const double unit = body.ShortestPair() / 3;

@@ -9,7 +9,7 @@ namespace keplo::robust {
 
 namespace {
 
-// Half bits of one base time, 10 for a one and 01 for a zero, and a toggle of two base times each half behind
+// Half bits of one base time, 10 for a one and 01 for a zero, and a toggle of two base times each half after
 // the fourth digit: runs of one to three base times.
 //
 //   leader              1     0     0     0     toggle      1
