@@ -1,6 +1,7 @@
 #include "line/node_line.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "line/held_signals.h"
@@ -14,6 +15,7 @@ namespace {
 
 using std::chrono_literals::operator""ms;
 using std::chrono_literals::operator""s;
+using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
@@ -109,7 +111,17 @@ std::int32_t NodeLine::DCD() {
 }
 
 void NodeLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
+  origin_.reset();
   if (IsOpen() && !buffer.empty()) Capture(buffer, delay);
+}
+
+void NodeLine::NoteOrigin(Time begin, Pulses press, microseconds most) {
+  const std::size_t marksEnd = press.size() - (press.size() % 2 == 0 ? 1 : 0);
+  const microseconds length(std::accumulate(press.begin(), press.begin() + marksEnd, std::int64_t{0}));
+  SignalOrigin origin;
+  origin.Begin = std::chrono::duration_cast<microseconds>(begin);
+  origin.End = origin.Begin + std::min(length, most);
+  origin_ = origin;
 }
 
 void NodeLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { IRMonitor(buffer, delay); }

@@ -8,6 +8,7 @@
 #include "line/device_calls.h"
 #include "line/device_line.h"
 #include "line/shaping/shaper.h"
+#include "signal/signal_origin.h"
 
 namespace keplo {
 
@@ -39,6 +40,7 @@ class NodeLine : public DeviceLine {
   std::int32_t DCD() override;
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
+  const SignalOrigin* Origin() const override { return origin_ ? &*origin_ : nullptr; }
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
@@ -64,7 +66,7 @@ class NodeLine : public DeviceLine {
   virtual bool Hears() const { return true; }
   /// Whether a signal waits or is there, on the open device.
   virtual bool SignalWaits() = 0;
-  /// Fills the buffer with the signal that waits.
+  /// Fills the buffer with the signal that waits, and tells its origin if it knows it.
   /// @return false if there is none, or the device went
   virtual bool Capture(std::span<char> buffer, std::int32_t delay) = 0;
   /// Waits a little for news of the open device.
@@ -86,7 +88,12 @@ class NodeLine : public DeviceLine {
   /// The options of the line for captures at a setting of PROCDELAY.
   LineOptions CaptureOptions(std::int32_t delay) const;
 
+  /// Takes the times of the marks of a press for the origin of the capture.
+  /// @param most what the buffer holds
+  void NoteOrigin(Time begin, Pulses press, std::chrono::microseconds most);
+
   DeviceCalls& calls_;
+  std::optional<SignalOrigin> origin_;  // of the last capture
 
  private:
   bool Ready();

@@ -204,9 +204,10 @@ class Keplo {
   HeldKeys keys_;
   AirTime onAir_;                             // of the last capture
   std::chrono::microseconds lookedAt_{0};     // when the line was looked at last
-  std::chrono::microseconds watchedFrom_{0};  // when the line was looked at again after a pause
+  std::chrono::microseconds pausedUntil_{0};  // when the line was looked at again after a pause
+  std::chrono::microseconds watchedFrom_{0};  // the same for a line that has missed what came in the pause
   bool lookedAway_ = false;                   // a capture was taken since
-  bool kept_ = false;  // the line had the last capture ready: it was on air before the tick
+  bool kept_ = false;  // most of the last signal was on air in a pause, for which the line has kept it
 };
 
 }  // namespace keplo

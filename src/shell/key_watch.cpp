@@ -35,7 +35,11 @@ microseconds LengthOfSignal(const std::string& capture, double sampleTime) {
 void Keplo::LookAgain() {
   const microseconds now = LineTime();
   if (std::exchange(lookedAway_, false)) watchedFrom_ = 0ms;
-  if (now - lookedAt_ > kBlink) watchedFrom_ = now;
+  if (now - lookedAt_ > kBlink) {
+    pausedUntil_ = now;
+    // A line that knows when signals were on air has missed none.
+    if (line_.Origin() == nullptr) watchedFrom_ = now;
+  }
   lookedAt_ = now;
 }
 
@@ -45,14 +49,12 @@ void Keplo::TimeCapture(microseconds begin) {
   lookedAt_ = LineTime();
   lookedAway_ = true;
   if (const SignalOrigin* const origin = line_.Origin()) {
-    // Whoever is told of signals misses none, however late they are taken.
-    kept_ = false;
+    const bool mostInPause = pausedUntil_ - origin->Begin > origin->End - pausedUntil_;
+    kept_ = origin->Place == 0 && mostInPause;
     onAir_ = {origin->Begin, origin->End, 0ms, 0ms, origin->Place};
     return;
   }
-  // A line that has kept the signal of a pause hands it out at once, and those after it.
-  const bool behindPause = kept_ || watchedFrom_ > 0ms;
-  kept_ = behindPause && 2 * (lookedAt_ - begin) < signal;
+  kept_ = false;
   onAir_ = {begin, std::min(begin + signal, lookedAt_),
             TimeOfSamples(static_cast<double>(capture.size()) * 8, mod_.Signal.SampleTime) - signal,
             watchedFrom_};
@@ -98,10 +100,11 @@ void Keplo::HearCode(const MonitorReading& reading) {
 }
 
 /// Whether a capture goes on with a press and was on air during the pause after its last event, in which no
-/// tick can raise one. Its event would come later and later, and long after the key was let go.
+/// tick can raise one. Its event would come later and later, and long after the key was let go. The first
+/// analysis raises one for each capture that a line without memory would have met too.
 bool Keplo::WasHeldInThePause() {
-  return mod_.Settings.Analysis == Analysis::Second && kept_ && Key().Pressed() &&
-         Key().Pressed()->Captures > 1;
+  if (!kept_ || !Key().Pressed() || Key().Pressed()->Captures == 1) return false;
+  return mod_.Settings.Analysis == Analysis::Second || onAir_.End < pausedUntil_;
 }
 
 std::optional<microseconds> Keplo::MayHold() const {

@@ -51,7 +51,8 @@ class Win32Ser {
   /// The same for the IRMouse receiver.
   virtual void IRMonitorN(std::span<char> buffer, std::int32_t delay) = 0;
 
-  /// Where the signal of the last capture was on air; none for a line that has heard it itself.
+  /// Where and when the signal of the last capture was on air; none for a line that only knows what it looks
+  /// at.
   virtual const SignalOrigin* Origin() const { return nullptr; }
 
   /// Waits for a signal, up to kLongestRecordWait, then samples as IRMonitor does. For the DCDStandard

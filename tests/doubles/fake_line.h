@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "signal/signal_origin.h"
 #include "signal/win32_ser.h"
 
 namespace keplo::tests {
@@ -23,6 +25,7 @@ class FakeLine : public Win32Ser {
   std::int32_t ReadResult = 1;       // of a character that came
   std::function<std::int16_t(char)> Zones = [](char) -> std::int16_t { return 0; };
   std::int32_t Rest = 1;
+  std::optional<SignalOrigin> Heard;  // when, of a line that knows it
 
   std::int32_t OpenCom(std::int32_t port) override {
     Note("OpenCom", port);
@@ -38,6 +41,7 @@ class FakeLine : public Win32Ser {
     return Captures.empty() ? Rest : 1 - Rest;
   }
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override { Capture("IRMonitor", buffer, delay); }
+  const SignalOrigin* Origin() const override { return Heard ? &*Heard : nullptr; }
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override {
     Capture("IRMonitorN", buffer, delay);
   }

@@ -30,13 +30,17 @@ struct SimulatedDevice : DeviceCalls {
 
   void Add(nanoseconds at, std::uint32_t kind, std::uint32_t value) { Coming.emplace_back(at, kind | value); }
   /// The items of a press that begins now, and the time-out of the device behind it.
+  /// @param whole whether a space is told with what its time-out has told of it, as by older kernels
   /// @return when the last mark is over
-  nanoseconds Play(const PulseTrain& press, std::uint32_t timeout = 125'000) {
+  nanoseconds Play(const PulseTrain& press, std::uint32_t timeout = 125'000, bool whole = false) {
     nanoseconds at = Time;
     for (std::size_t i = 0; i < press.size(); ++i) {
-      const auto length = static_cast<std::uint32_t>(press[i]);
-      if (i % 2 == 1 && length > timeout) Add(at + microseconds(timeout), LIRC_MODE2_TIMEOUT, timeout);
+      auto length = static_cast<std::uint32_t>(press[i]);
       at += microseconds(length);
+      if (i % 2 == 1 && length > timeout) {
+        Add(at + microseconds(timeout) - microseconds(length), LIRC_MODE2_TIMEOUT, timeout);
+        if (!whole) length -= timeout;
+      }
       Add(at, i % 2 == 0 ? LIRC_MODE2_PULSE : LIRC_MODE2_SPACE, length);
     }
     Add(at + microseconds(timeout), LIRC_MODE2_TIMEOUT, timeout);
@@ -118,6 +122,25 @@ TEST_F(LircLineTest, EndsAPressByTheSilenceBehindItsLastMark) {
   const nanoseconds end = Device.Play({9000, 4500, 560, 560, 560});
   Heard();
   EXPECT_LE(Device.Time - end, milliseconds(140));
+}
+
+TEST_F(LircLineTest, KnowsWhenASignalWasOnAirHoweverLateItIsTaken) {
+  PulseTrain press = tests::Clean(kRc5, tests::kRc5Bits);
+  press.pop_back();  // the silence behind it
+  for (const std::uint32_t timeout : {16'000U, 50'000U, 125'000U}) {
+    for (const bool whole : {false, true}) {
+      const auto begin = std::chrono::duration_cast<microseconds>(Device.Time);
+      Device.Play(press, timeout, whole);
+      EXPECT_EQ(Heard(), tests::kRc5Bits) << timeout;
+      EXPECT_NEAR(static_cast<double>((Line.Origin()->Begin - begin).count()), 0, 2000);
+      const nanoseconds paused = Device.Time += milliseconds(200);
+      Heard();
+      EXPECT_EQ(Device.Time, paused) << "the third frame was over long ago";
+      EXPECT_NEAR(static_cast<double>((Line.Origin()->Begin - begin).count()), 2 * 113'792, 2000)
+          << timeout << whole;
+      Device.Time += milliseconds(700);  // which the device does not tell
+    }
+  }
 }
 
 TEST_F(LircLineTest, DropsWhatAnOverflowHasTornUntilTheNextPress) {

@@ -26,6 +26,7 @@ using std::chrono::milliseconds;
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
+constexpr auto kTellingTime = 20ms;  // a driver may tell several items at once
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
 
@@ -108,6 +109,9 @@ bool LircLine::OpenDevice(std::string& why) {
   if (!why.empty()) device_.reset();
   heard_.clear();
   skipping_ = false;
+  silence_ = 0;
+  heardTill_ = Time(0);
+  emptyAt_ = calls_.Now();
   return IsOpen();
 }
 
@@ -126,12 +130,13 @@ milliseconds LircLine::MayRest() {
   return IsOpen() && !heard_.empty() ? milliseconds::zero() : NodeLine::MayRest();
 }
 
-void LircLine::AddLength(bool mark, int length) {
+void LircLine::AddLength(bool mark, int length, Time end) {
   if (skipping_) {
     skipping_ = mark || length < kFrameGapUs;
     return;
   }
   if (heard_.empty() && !mark) return;
+  if (heard_.empty()) heardFrom_ = end - microseconds(length);
   const bool nextIsMark = heard_.size() % 2 == 0;
   if (mark == nextIsMark) {
     if (heard_.size() < kMostHeard) heard_.push_back(length);
@@ -140,19 +145,39 @@ void LircLine::AddLength(bool mark, int length) {
   }
 }
 
+/// After a time-out the kernel tells the silence from there on alone; older ones have told all of it, which
+/// would end in the future then.
+int LircLine::WholeSilence(int length, Time now) {
+  const int before = std::exchange(silence_, 0);
+  const Time end = heardTill_ + microseconds(before) + microseconds(length);
+  return end > now + microseconds(before / 2) ? length : length + before;
+}
+
+/// What is told now was over no sooner than the last look at a device that had nothing to tell; where the sum
+/// of the lengths is far from that, a silence was not told.
+LircLine::Time LircLine::EndOf(int length, Time now) const {
+  const Time end = heardTill_ + microseconds(length);
+  return end + kTellingTime < emptyAt_ ? now : std::clamp<Time>(end, emptyAt_, now);
+}
+
 void LircLine::Take(std::uint32_t item, Time now) {
-  const int length = static_cast<int>(item & LIRC_VALUE_MASK);
+  int length = static_cast<int>(item & LIRC_VALUE_MASK);
   switch (item & LIRC_MODE2_MASK) {
     case LIRC_MODE2_PULSE:
-    case LIRC_MODE2_SPACE:
-      quietSince_ = now;
-      AddLength((item & LIRC_MODE2_MASK) == LIRC_MODE2_PULSE, length);
+    case LIRC_MODE2_SPACE: {
+      const bool mark = (item & LIRC_MODE2_MASK) == LIRC_MODE2_PULSE;
+      if (!mark) length = WholeSilence(length, now);
+      heardTill_ = EndOf(length, now);
+      AddLength(mark, length, heardTill_);
       break;
+    }
     case LIRC_MODE2_TIMEOUT:
-      // It tells of the silence so far, which follows whole as a space when the next mark begins.
-      quietSince_ = std::min<Time>(quietSince_, now - microseconds(length));
+      silence_ = length;
+      heardTill_ = std::min<Time>(heardTill_, now - microseconds(length));
       break;
     case LIRC_MODE2_OVERFLOW:
+      heardTill_ = now;
+      silence_ = 0;
       heard_.clear();
       skipping_ = overflowed_ = true;
       break;
@@ -165,15 +190,18 @@ void LircLine::Take(std::uint32_t item, Time now) {
 void LircLine::ReadItems() {
   if (!device_ || !abilities_.Receives) return;
   std::array<std::uint32_t, 256> items{};
+  Time before{0};
   for (;;) {
+    before = calls_.Now();
     const ssize_t size = calls_.Read(device_->Get(), items.data(), sizeof items);
     if (size < 0 && errno == EINTR) continue;
     if (size < 0 && errno != EAGAIN) Lose();
-    if (size <= 0) return;
+    if (size <= 0) break;
     const Time now = calls_.Now();
     std::for_each_n(items.begin(), static_cast<std::size_t>(size) / sizeof items[0],
                     [&](std::uint32_t item) { Take(item, now); });
   }
+  emptyAt_ = before;
 }
 
 bool LircLine::SignalWaits() {
@@ -195,7 +223,7 @@ void LircLine::WaitForNews(Time until) {
 void LircLine::Forget() {
   ReadItems();
   heard_.clear();
-  skipping_ = calls_.Now() - quietSince_ < kEndSilence;
+  skipping_ = calls_.Now() - heardTill_ < kEndSilence;
 }
 
 /// Collects a press as it comes in.
@@ -211,11 +239,26 @@ std::size_t LircLine::TakePress(PulseTrain& press, double length) {
       press.push_back(heard_[used]);
       time += heard_[used];
     }
-    const Time end = quietSince_ + kEndSilence;
+    const Time end = heardTill_ + kEndSilence;
     if (time >= length || !IsOpen() || calls_.Now() >= end) return used;
     WaitForNews(end);
   }
   return 0;  // the device lost items, and what was heard went with them
+}
+
+/// Keeps what was heard behind a press: it begins with the space behind the press, or with the next frame
+/// where the buffer ended in the space ahead of it; else the buffer has cut a frame, and what counts next is
+/// the one after.
+void LircLine::LeaveOver(std::size_t used, bool cutsFrame) {
+  const auto first = heard_.begin() + static_cast<std::ptrdiff_t>(used);
+  const std::vector<int> left(first, heard_.end());
+  Time end = heardFrom_ + microseconds(std::accumulate(heard_.begin(), first, std::int64_t{0}));
+  skipping_ = cutsFrame;
+  heard_.clear();
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    end += microseconds(left[i]);
+    AddLength((used + i) % 2 == 0, left[i], end);
+  }
 }
 
 bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
@@ -229,15 +272,10 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
     heard_.clear();
     return false;
   }
-  // What is left begins with the space after the press, or with the next frame where the buffer ended in the
-  // space before it; else the buffer has cut a frame, and what counts next is the one after.
-  const std::vector<int> left(heard_.begin() + static_cast<std::ptrdiff_t>(used), heard_.end());
   if (used > 0) {
-    const bool markNext = used % 2 == 0;
+    NoteOrigin(heardFrom_, press, microseconds(static_cast<std::int64_t>(length)));
     const bool full = std::accumulate(press.begin(), press.end(), 0.0) >= length;
-    skipping_ = full && !(markNext && press.back() >= kFrameGapUs);
-    heard_.clear();
-    for (std::size_t i = 0; i < left.size(); ++i) AddLength((i % 2 == 0) == markNext, left[i]);
+    LeaveOver(used, full && !(used % 2 == 0 && press.back() >= kFrameGapUs));
   }
   CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
   return true;

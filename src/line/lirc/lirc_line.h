@@ -66,7 +66,10 @@ class LircLine : public NodeLine {
   void WriteCarrier();
   void ReadItems();
   void Take(std::uint32_t item, Time now);
-  void AddLength(bool mark, int length);
+  void AddLength(bool mark, int length, Time end);
+  int WholeSilence(int length, Time now);
+  Time EndOf(int length, Time now) const;
+  void LeaveOver(std::size_t used, bool cutsFrame);
   std::size_t TakePress(PulseTrain& press, double length);
   bool Write(const std::vector<unsigned>& lengths);
 
@@ -77,7 +80,10 @@ class LircLine : public NodeLine {
   bool skipping_ = false;                 // up to the next silence between frames
   bool overflowed_ = false;
   std::vector<int> heard_;  // microseconds, mark first
-  Time quietSince_{0};
+  Time heardFrom_{0};       // when the first of them began
+  Time heardTill_{0};  // when the last item was over; the device tells lengths alone, and may be read late
+  Time emptyAt_{0};    // when the device had nothing more to tell
+  int silence_ = 0;    // microseconds, told since by its time-out
 };
 
 }  // namespace keplo

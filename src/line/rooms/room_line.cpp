@@ -179,7 +179,7 @@ bool RoomLine::Send(std::string_view bytes, std::chrono::microseconds slot, std:
 void RoomLine::SendChr(char character) {
   answer_.reset();
   if (character == kZoneQuestion) {
-    if (origin_.Zone > 0) answer_ = static_cast<char>('0' + origin_.Zone);
+    if (origin_ && origin_->Zone > 0) answer_ = static_cast<char>('0' + origin_->Zone);
     return;
   }
   const auto answer = static_cast<char>(character - kAnswerOffset);

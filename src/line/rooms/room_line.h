@@ -34,7 +34,6 @@ class RoomLine : public NodeLine {
   void DTR(std::int32_t /*state*/) override {}
   void RTS(std::int32_t /*state*/) override {}
   void TXD(std::int32_t /*state*/) override {}
-  const SignalOrigin* Origin() const override { return &origin_; }
   void SetCarrier(std::int32_t hertz) override { carrier_ = hertz; }
   /// Takes the question of which room the last press came from, and the choice of one to send to.
   void SendChr(char character) override;
@@ -76,7 +75,6 @@ class RoomLine : public NodeLine {
   std::deque<HeardPress> heard_;
   std::map<std::string, int> places_;  // by topic
   int lastPlace_ = 0;
-  SignalOrigin origin_;         // of the last capture
   std::optional<char> answer_;  // of the zone hardware that there is none of
   int sendTo_ = 0;              // number of the room that was chosen last
   std::int32_t carrier_ = kUsualCarrier;

@@ -221,8 +221,8 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
     log_.Put({calls_.Now(), !rest});
     beginning = log_.Edges().size() - 1;
   }
-  const nanoseconds full =
-      log_.Edges()[*beginning].At + static_cast<std::int64_t>(buffer.size() * 8) * SampleTimeOf(options);
+  const nanoseconds begin = log_.Edges()[*beginning].At;
+  const nanoseconds full = begin + static_cast<std::int64_t>(buffer.size() * 8) * SampleTimeOf(options);
   nanoseconds end = full;
   for (;;) {
     const Edge last = log_.Edges().back();
@@ -243,6 +243,7 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
     NoticeLoss();
     return IsOpen();
   }
+  NoteOrigin(begin, press.Train, std::chrono::ceil<std::chrono::microseconds>(full - begin));
   CopySignal(SignalOfPress(Press(press.Train), buffer.size(), options), buffer);
   return true;
 }
