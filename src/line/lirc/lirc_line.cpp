@@ -268,15 +268,12 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
   PulseTrain press;
   const double length = static_cast<double>(buffer.size() * 8) * options.SampleTime;
   const std::size_t used = TakePress(press, length);
-  if (!IsOpen()) {
-    heard_.clear();
-    return false;
-  }
-  if (used > 0) {
-    NoteOrigin(heardFrom_, press, microseconds(static_cast<std::int64_t>(length)));
-    const bool full = std::accumulate(press.begin(), press.end(), 0.0) >= length;
-    LeaveOver(used, full && !(used % 2 == 0 && press.back() >= kFrameGapUs));
-  }
+  if (!IsOpen()) heard_.clear();
+  // What an overflow has torn may read as another, shorter command.
+  if (!IsOpen() || used == 0) return false;
+  NoteOrigin(heardFrom_, press, microseconds(static_cast<std::int64_t>(length)));
+  const bool full = std::accumulate(press.begin(), press.end(), 0.0) >= length;
+  LeaveOver(used, full && !(used % 2 == 0 && press.back() >= kFrameGapUs));
   CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
   return true;
 }
