@@ -121,7 +121,8 @@ std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at) {
   const bool twice = edges % 2 == 0;  // it is as it was, so it was the other way in between
   if (twice == changed) ++lost_;
   if (twice) log_.Add({at, !level}, 0);
-  log_.Add({twice ? calls_.Now() : at, level}, edges - (twice ? 2 : 1));
+  // Of several edges the time of one is known, and not even that for sure.
+  log_.Add({twice ? calls_.Now() : at, level}, edges - 1);
   return edges;
 }
 
