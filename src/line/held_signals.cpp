@@ -10,10 +10,17 @@ namespace {
 
 constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
+bool EndsProgram(int signal) {
+  struct sigaction action {};
+  sigaction(signal, nullptr, &action);
+  return action.sa_handler == SIG_DFL || (action.sa_handler != SIG_IGN && signal != SIGHUP);
+}
+
 }  // namespace
 
-HeldSignals::HeldSignals() {
+HeldSignals::HeldSignals(Kinds kinds) {
   sigemptyset(&held_);
+  if (kinds == Kinds::EndingAndStopping) sigaddset(&held_, SIGTSTP);
   for (const int signal : kEndingSignals) sigaddset(&held_, signal);
   pthread_sigmask(SIG_BLOCK, &held_, &before_);
 }
@@ -24,7 +31,7 @@ bool HeldSignals::Pending() {
   sigset_t pending;
   sigpending(&pending);
   return std::any_of(kEndingSignals.begin(), kEndingSignals.end(),
-                     [&](int signal) { return sigismember(&pending, signal) == 1; });
+                     [&](int signal) { return sigismember(&pending, signal) == 1 && EndsProgram(signal); });
 }
 
 void HeldSignals::Take() const {

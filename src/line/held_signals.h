@@ -4,17 +4,21 @@
 
 namespace keplo {
 
-/// Holds back the signals that end a program as long as one lives, so that no light stays on and every port
-/// is left as it was found: whoever waits or sends looks whether one is pending, and comes to an end in
-/// order. The signal does its work when the last one is gone.
+/// Holds back the signals that end or stop a program as long as one lives, so that no light stays on and
+/// every port is left as it was found: whoever waits or sends looks whether one is pending that ends the
+/// program, and comes to an end in order. The signal does its work when the last one is gone.
 class HeldSignals {
  public:
-  HeldSignals();
+  enum class Kinds { Ending, EndingAndStopping };
+
+  /// @param kinds those that stop a program are held for moments only: a terminal should be obeyed at once
+  explicit HeldSignals(Kinds kinds = Kinds::Ending);
   ~HeldSignals();
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
 
-  /// Whether a signal that is held back, by anyone, has come.
+  /// Whether a signal that is held back, by anyone, has come and will end the program: one that is ignored,
+  /// as under nohup, does not, nor does SIGHUP where the program does something of its own on it.
   static bool Pending();
   /// Takes what has come, so that it ends nothing.
   void Take() const;

@@ -25,7 +25,7 @@ std::vector<LitSlots> LitSlotsOf(std::string_view bytes);
 bool SleepUnlessEnded(DeviceCalls& calls, std::chrono::nanoseconds time);
 
 /// The clock of one signal that is sent: slots begin at absolute times, so that nothing drifts. As long as it
-/// lives the thread is punctual, and signals that end the program wait.
+/// lives the thread is punctual, and signals that end or stop the program wait.
 class SlotClock {
  public:
   /// @param lead time to get ready before the first slot
@@ -40,7 +40,7 @@ class SlotClock {
   bool WaitFor(std::size_t slot) const { return SleepUnlessEnded(calls_, At(slot)); }
 
  private:
-  const HeldSignals signals_;
+  const HeldSignals signals_{HeldSignals::Kinds::EndingAndStopping};
   const Hurry hurry_;
   DeviceCalls& calls_;
   std::chrono::microseconds slot_;
