@@ -93,6 +93,11 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
   }
 }
 
+StopSignals WhateverEnds() {
+  if (AreHangupsIgnored()) return StopSignals({SIGINT, SIGTERM, SIGQUIT});
+  return StopSignals({SIGINT, SIGTERM, SIGQUIT, SIGHUP});
+}
+
 int Monitor(const MonitorOptions& options) {
   const std::filesystem::path appPath = RequireInstall(options.AppPath);
   ChangesWatch changes(appPath);
@@ -101,6 +106,8 @@ int Monitor(const MonitorOptions& options) {
   LoggedBoxes boxes(log);
   CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
+  // Whatever ends the monitor, the port is left as it was found.
+  const StopSignals stop = WhateverEnds();
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
   Keplo& control = station.Control();
   std::optional<BrokerTelling> broker;
@@ -123,7 +130,6 @@ int Monitor(const MonitorOptions& options) {
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
 
   if (broker && !options.Line.ReplayFiles.empty()) broker->WaitUntilUp();
-  const StopSignals stop;
   if (LineRest* const line = station.Rest()) line->Forget();
   control.InputStartMonitoring();
   RunTicks(station, options, stop, changes, broker ? &*broker : nullptr);

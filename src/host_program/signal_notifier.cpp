@@ -20,13 +20,6 @@ void MaskHangup(int how) {
 /// Whether the process belongs to a terminal that is there.
 bool IsInTerminal() { return Descriptor(open("/dev/tty", O_RDONLY | O_NOCTTY | O_CLOEXEC)).IsOpen(); }
 
-/// As nohup leaves it, for a program that is to outlive its terminal.
-bool AreHangupsIgnored() {
-  struct sigaction present {};
-  sigaction(SIGHUP, nullptr, &present);
-  return present.sa_handler == SIG_IGN;
-}
-
 }  // namespace
 
 void HoldHangups() { MaskHangup(SIG_BLOCK); }

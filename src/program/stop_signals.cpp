@@ -62,6 +62,12 @@ int StopSignals::Take() const {
   return read(readEnd_, &number, 1) == 1 ? number : 0;
 }
 
+bool AreHangupsIgnored() {
+  struct sigaction present {};
+  sigaction(SIGHUP, nullptr, &present);
+  return present.sa_handler == SIG_IGN;
+}
+
 void IgnoreFileSizeSignal() {
   // A handler and not SIG_IGN, which programs that are started would inherit.
   struct sigaction action {};

@@ -38,6 +38,9 @@ class StopSignals {
   std::vector<Caught> caught_;
 };
 
+/// Whether the program was started to outlive its terminal, as by nohup.
+bool AreHangupsIgnored();
+
 /// A file that grows beyond a limit of the process gives an error that can be told, not its end.
 void IgnoreFileSizeSignal();
 

@@ -43,12 +43,6 @@ class CloseBySignal {
   }
 
  private:
-  static bool AreHangupsIgnored() {
-    struct sigaction present {};
-    sigaction(SIGHUP, nullptr, &present);
-    return present.sa_handler == SIG_IGN;
-  }
-
   const bool outlivesTerminal_ = AreHangupsIgnored();
   StopSignals signals_{SIGINT, SIGTERM, SIGHUP};
   QSocketNotifier notifier_{signals_.Descriptor(), QSocketNotifier::Read};
