@@ -10,6 +10,8 @@
 #include <string>
 #include <utility>
 
+#include "line/slot_clock.h"
+
 namespace keplo {
 
 namespace {
@@ -32,9 +34,12 @@ using SoundDevice = std::unique_ptr<snd_pcm_t, CloseDevice>;
 /// @return 0 or the library's error number
 int Play(const std::vector<std::int16_t>& tone) {
   snd_pcm_t* opened = nullptr;
-  if (const int error = snd_pcm_open(&opened, "default", SND_PCM_STREAM_PLAYBACK, 0); error < 0) return error;
+  // Otherwise the open would wait until another program that has the device ends.
+  int error = snd_pcm_open(&opened, "default", SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
+  if (error < 0) return error;
   const SoundDevice device(opened);
-  int error =
+  snd_pcm_nonblock(opened, 0);
+  error =
       snd_pcm_set_params(opened, SND_PCM_FORMAT_S16, SND_PCM_ACCESS_RW_INTERLEAVED, 1, kRate, 1, kLatency);
   if (error < 0) return error;
   std::size_t played = 0;
@@ -78,7 +83,7 @@ void Beeper::Sound(std::int32_t frequency, std::int32_t duration) {
   const auto end = calls_.Now() + std::chrono::milliseconds(duration);
   const int error = Play(MakeTone(frequency, duration, kRate));
   if (error < 0 && tell_ && !std::exchange(told_, true)) tell_(WhySilent(error));
-  calls_.SleepUntil(end);
+  SleepUnlessEnded(calls_, end);
 }
 
 }  // namespace keplo
