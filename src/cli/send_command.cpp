@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -34,6 +35,7 @@ namespace {
 constexpr std::size_t kShortestCode = 6;  // characters with the leading G; fewer are no command
 constexpr int kLongestWritten = 100'000;  // microseconds; a slot that a file may have
 constexpr std::string_view kStandardOutput = "-";
+constexpr std::int32_t kPauseBetweenPresses = 200'000;  // microseconds; less is one press to a receiver
 
 struct SendOptions {
   std::string AppPath;
@@ -84,11 +86,14 @@ Transmission NextTransmission(KeploMod& mod, const std::string& digits, bool& to
 }
 
 /// Puts the code out on the line.
-void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options) {
+/// @param goesOn asked after each press; the rest is left out if not
+void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options,
+              const std::function<bool()>& goesOn) {
   bool toggle = false;
   const Beeps beeps(line, mod.Settings);
   PrepareToSend(line);
-  for (int sent = 0; sent < options.Count; ++sent) {
+  for (int sent = 0; sent < options.Count && (sent == 0 || goesOn()); ++sent) {
+    if (sent > 0) line.uDelay(kPauseBetweenPresses);
     Transmission transmission = NextTransmission(mod, digits, toggle, sent);
     if (options.Pulse) transmission.Slot = *options.Pulse;
     beeps.Sound(5000, 50);
@@ -170,8 +175,9 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
     throw Refused("Zone " + std::to_string(*options.Zone) + " cannot be selected at " + live.Name() +
                   ": no zone hardware confirms it, and no room of that number is named in ports.conf.");
   }
-  Transmit(mod, live.Line(), digits, options);
-  if (live.Device().Sent()) return;
+  const auto sent = [&] { return live.Device().Sent(); };
+  Transmit(mod, live.Line(), digits, options, sent);
+  if (sent()) return;
   // Why has been told when it happened.
   throw Refused("The signal did not go out whole at " + live.Name() + ".");
 }
@@ -195,7 +201,7 @@ int Send(const SendOptions& options) {
   const std::string sent = CommandReference{sendable.Protocol, sendable.Name}.Text();
   CheckRaw(mod, sendable, options);
   ReplayLine line({}, mod.Settings.ReceiverKind);
-  Transmit(mod, line, DigitsOf(sendable.Code), options);
+  Transmit(mod, line, DigitsOf(sendable.Code), options, [] { return true; });
   RequireAudible(line.Output());
   if (options.OutFile == kStandardOutput) {
     std::cout << RecordingOf(line.Output(), options.OutFile);
