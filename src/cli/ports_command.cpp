@@ -72,12 +72,15 @@ int ListPorts(const PortsOptions& options) {
       PrintText(port, check);
     }
   }
-  for (const std::string& device : map.LeftOut) {
-    Tell(device + " has no number, since there are only " + std::to_string(kLastPort) +
-         "; give it one in ports.conf");
-  }
-  if (map.Ports.empty()) {
+  for (const std::string& why : map.LeftOut) Tell(why);
+  if (map.Ports.empty() && map.LeftOut.empty()) {
     Tell("this machine has no serial port and no infrared device; --replay FILE plays recordings");
+  }
+  if (!options.Json && map.IsFound && !map.Ports.empty()) {
+    const MappedPort& first = map.Ports.front();
+    std::cout << "The numbers are counted anew when a device comes or goes. A line such as \"" << first.Port
+              << " = " << KindName(first.Type) << ":" << Printable(first.Device) << "\" for each in "
+              << Printable((appPath / "ports.conf").string()) << " keeps them.\n";
   }
   if (!options.Json) std::cout << DescribeRealTime() << '\n' << DescribeMemory() << '\n';
   return map.Mistakes.empty() ? kDone : kWrongUse;

@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -106,6 +107,16 @@ std::string HolderOfDevice(const std::string& device) {
     if (process > 0 && process != getpid() && HasOpen(at->path(), node)) return NameOfProcess(process);
   }
   return {};
+}
+
+bool IsNoTerminal(const std::string& device) {
+  struct stat node {};
+  if (stat(device.c_str(), &node) != 0) return false;
+  if (!S_ISCHR(node.st_mode)) return true;
+  const std::string number = std::to_string(major(node.st_rdev)) + ":" + std::to_string(minor(node.st_rdev));
+  std::error_code error;  // pseudo-terminals are not listed there
+  const auto subsystem = std::filesystem::read_symlink("/sys/dev/char/" + number + "/subsystem", error);
+  return !error && subsystem.filename() != "tty";
 }
 
 std::string KernelName(const std::string& device) {

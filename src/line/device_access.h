@@ -20,6 +20,9 @@ std::string NameOfProcess(int process);
 /// shows none.
 std::string HolderOfDevice(const std::string& device);
 
+/// Whether a node is known to be of another kind than a terminal.
+bool IsNoTerminal(const std::string& device);
+
 /// The name of a device in the kernel's folders; nodes may be links, such as those below /dev/serial/by-id.
 std::string KernelName(const std::string& device);
 

@@ -119,6 +119,11 @@ bool HasHardware(const fs::path& tty) {
   return !fs::exists(type, error) || FirstLineOf(type) != "0";
 }
 
+/// Names of the terminals on which the kernel has its console.
+std::vector<std::string> Consoles(const fs::path& ttys) {
+  return Words(FirstLineOf(ttys / "console/active"));
+}
+
 bool IsSerialHardware(const std::string& name) { return name.rfind("ttyS", 0) == 0; }
 
 }  // namespace
@@ -139,7 +144,8 @@ std::string KindName(MappedPort::Kind kind) {
 
 PortMap ParsePortMap(const std::string& text, const std::string& path) {
   PortMap map;
-  std::istringstream lines(text);
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // some editors put it in front
+  std::istringstream lines(text.substr(text.rfind(kByteOrderMark, 0) == 0 ? kByteOrderMark.size() : 0));
   std::string line;
   for (int number = 1; std::getline(lines, line); ++number) {
     const std::string_view content = Trimmed(WithoutComment(line));
@@ -163,25 +169,35 @@ PortMap ParsePortMap(const std::string& text, const std::string& path) {
 }
 
 PortMap FindPorts(const DeviceFolders& folders) {
+  PortMap map;
+  map.IsFound = true;
   std::vector<MappedPort> found;
   const fs::path ttys = folders.Sys / "tty";
+  const std::vector<std::string> consoles = Consoles(ttys);
   const std::vector<std::string> names = NamesIn(ttys);
   for (const bool hardware : {true, false}) {
     for (const std::string& name : names) {
       if (IsSerialHardware(name) != hardware || !HasHardware(ttys / name)) continue;
-      found.push_back({0, MappedPort::Kind::Serial, (folders.Dev / name).string(), {}, {}});
+      MappedPort port{0, MappedPort::Kind::Serial, (folders.Dev / name).string(), {}, {}};
+      if (std::find(consoles.begin(), consoles.end(), name) == consoles.end()) {
+        found.push_back(std::move(port));
+      } else {
+        map.LeftOut.push_back(port.Device +
+                              " is the console of the system, so it has no number; give it one in " +
+                              "ports.conf if a receiver or a transmitter is wired to it all the same");
+      }
     }
   }
   for (const std::string& name : NamesIn(folders.Sys / "lirc")) {
     found.push_back({0, MappedPort::Kind::Lirc, (folders.Dev / name).string(), {}, {}});
   }
-  PortMap map;
   for (MappedPort& port : found) {
     port.Port = kFirstPort + static_cast<std::int32_t>(map.Ports.size());
     if (port.Port <= kLastPort) {
       map.Ports.push_back(std::move(port));
     } else {
-      map.LeftOut.push_back(port.Device);
+      map.LeftOut.push_back(port.Device + " has no number, since there are only " +
+                            std::to_string(kLastPort) + "; give it one in ports.conf");
     }
   }
   return map;
@@ -195,10 +211,10 @@ PortMap LoadPortMap(const fs::path& appPath, const DeviceFolders& folders) {
   try {
     text = PosixFileSystem().Read(file, kLongestFile + 1);
   } catch (const Failure&) {
-    return {{}, {file.string() + " cannot be read. Make it a readable text file, or remove it."}, {}};
+    return {{}, {file.string() + " cannot be read. Make it a readable text file, or remove it."}, {}, false};
   }
   if (text.size() > kLongestFile) {
-    return {{}, {file.string() + " is longer than 64 KiB. Remove what is no line of a port."}, {}};
+    return {{}, {file.string() + " is longer than 64 KiB. Remove what is no line of a port."}, {}, false};
   }
   return ParsePortMap(text, file.string());
 }

@@ -30,7 +30,8 @@ std::string KindName(MappedPort::Kind kind);
 struct PortMap {
   std::vector<MappedPort> Ports;      // by number
   std::vector<std::string> Mistakes;  // of ports.conf: file, line, what was expected
-  std::vector<std::string> LeftOut;   // devices that got no number, since there are only 30
+  std::vector<std::string> LeftOut;   // why a device got no number
+  bool IsFound = false;               // what the machine has, not what ports.conf says
 };
 
 /// Where the system tells of its devices; other folders in tests.
@@ -46,7 +47,8 @@ struct DeviceFolders {
 PortMap ParsePortMap(const std::string& text, const std::string& path);
 
 /// What the machine has, in an order that a restart does not change: serial hardware by its number, then
-/// other serial devices by name, then infrared devices. Names without hardware are left out.
+/// other serial devices by name, then infrared devices. Names without hardware are left out, and a port on
+/// which the system has its console: what is wired there is no receiver.
 PortMap FindPorts(const DeviceFolders& folders);
 
 /// The map of ports.conf in the application path, or, where there is none, what the machine has.

@@ -22,12 +22,13 @@ std::string Text(const PortMap& map) {
 }
 
 TEST(PortMap, KeepsTheLinesBesideAMistake) {
-  EXPECT_EQ(Text(ParsePortMap("# mine\n9 = lirc:/dev/lirc0\r\n\n 1=serial:/dev/serial/by-id/x # board\n"
-                              "30 = replay:a.mode2 b.mode2\n4 = mqtt:house/# # all\n"
-                              "5=mqtt:$share/k/tele/+/RESULT send:cmnd/+/IRSend 1:bath 1:hall",
-                              "p")),
-            "1 serial /dev/serial/by-id/x|4 mqtt house/#|5 mqtt $share/k/tele/+/RESULT|9 lirc /dev/lirc0|"
-            "30 replay a.mode2 b.mode2 |");
+  EXPECT_EQ(
+      Text(ParsePortMap("\xEF\xBB\xBF# mine\n9 = lirc:/dev/lirc0\r\n\n 1=serial:/dev/serial/by-id/x # board\n"
+                        "30 = replay:a.mode2 b.mode2\n4 = mqtt:house/# # all\n"
+                        "5=mqtt:$share/k/tele/+/RESULT send:cmnd/+/IRSend 1:bath 1:hall",
+                        "p")),
+      "1 serial /dev/serial/by-id/x|4 mqtt house/#|5 mqtt $share/k/tele/+/RESULT|9 lirc /dev/lirc0|"
+      "30 replay a.mode2 b.mode2 |");
   const std::pair<std::string, std::string> mistakes[] = {
       {"COM1 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
       {"31 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
@@ -56,7 +57,9 @@ TEST(PortMap, NumbersWhatTheMachineHas) {
     if (!type.empty()) folder.Write("sys/tty/" + name + "/type", type + "\n");
   };
   fs::create_directories(folder.Path() / "sys/tty/tty1");
-  for (const std::string name : {"ttyS0", "ttyS10", "ttyS9"}) tty(name, name == "ttyS0" ? "0" : "4");
+  for (const std::string name : {"ttyS0", "ttyS10", "ttyS9", "ttyS1"}) tty(name, name == "ttyS0" ? "0" : "4");
+  fs::create_directories(folder.Path() / "sys/tty/console");
+  folder.Write("sys/tty/console/active", "tty0 ttyS1\n");
   tty("ttyUSB0", "");
   fs::create_directories(folder.Path() / "sys/lirc/lirc0");
   const DeviceFolders folders{folder.Path() / "sys", "/dev"};
@@ -64,7 +67,7 @@ TEST(PortMap, NumbersWhatTheMachineHas) {
             "1 serial /dev/ttyS9|2 serial /dev/ttyS10|3 serial /dev/ttyUSB0|4 lirc /dev/lirc0|");
   for (int number = 1; number <= 30; ++number) tty("ttyUSB" + std::to_string(number), "");
   EXPECT_EQ(FindPorts(folders).Ports.size(), 30U);
-  EXPECT_EQ(FindPorts(folders).LeftOut.size(), 4U);
+  EXPECT_EQ(FindPorts(folders).LeftOut.size(), 5U);
   folder.Write("ports.conf", "7 = replay:/a b");
   EXPECT_EQ(Text(LoadPortMap(folder.Path(), folders)),
             "7 replay /a " + (folder.Path() / "b").string() + " |");

@@ -35,6 +35,10 @@ SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
 
 std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
                                              std::string& why) {
+  if (IsNoTerminal(device)) {
+    why = WhyNoAccess(device, ENOTTY);
+    return nullptr;
+  }
   // An open raises DTR, which is light, and succeeds for root whatever the lock: so whoever has the port is
   // looked for before anything touches it.
   std::string holder = HolderOfLockFile(device);
