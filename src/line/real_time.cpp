@@ -5,6 +5,10 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cstdint>
 
 namespace keplo {
 
@@ -18,6 +22,24 @@ bool SetRealTime(int policy, int priority) {
   return pthread_setschedparam(pthread_self(), policy, &parameters) == 0;
 }
 
+/// As the kernel has it; the C library does not know it.
+struct SchedulingAttributes {
+  std::uint32_t Size, Policy;
+  std::uint64_t Flags;
+  std::int32_t Nice;
+  std::uint32_t Priority;
+  std::uint64_t Runtime, Deadline, Period;  // nanoseconds
+};
+
+/// The thread waits for others no longer than it asks to run. Kernels before 6.12 do nothing.
+void AskForShortSlices() {
+  constexpr std::uint64_t kShortest = 100'000;
+  SchedulingAttributes attributes{};
+  if (syscall(SYS_sched_getattr, 0, &attributes, sizeof attributes, 0) != 0) return;
+  attributes.Runtime = kShortest;
+  syscall(SYS_sched_setattr, 0, &attributes, 0);
+}
+
 /// With a limit, locking what comes later would make allocations fail.
 bool MayLock() {
   rlimit limit{};
@@ -28,7 +50,7 @@ bool MayLock() {
 
 void HurryThread() {
   prctl(PR_SET_TIMERSLACK, kNoSlack, 0, 0, 0);
-  SetRealTime(SCHED_FIFO, kPriority);
+  if (!SetRealTime(SCHED_FIFO, kPriority)) AskForShortSlices();
 }
 
 Hurry::Hurry() : policy_(SCHED_OTHER), priority_(0), slack_(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0)) {

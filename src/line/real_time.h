@@ -4,8 +4,9 @@
 
 namespace keplo {
 
-/// Asks for what makes a thread punctual: real-time priority and no timer slack. Where the system allows
-/// none, the thread goes on as it is.
+/// Asks for what makes a thread punctual: real-time priority and no timer slack. Where the system allows no
+/// priority, it asks for slices so short that the thread runs at once when it wakes, ahead of others in
+/// mid-slice.
 void HurryThread();
 
 /// The same for the calling thread as long as one lives.
