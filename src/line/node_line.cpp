@@ -176,8 +176,9 @@ void NodeLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {
   beeper_.Sound(frequency, duration);
 }
 
-void CopySignal(const std::string& signal, std::span<char> buffer) {
-  std::copy_n(signal.begin(), signal.find_last_not_of('\0') + 1, buffer.begin());
+void CopySignal(const std::string& signal, std::size_t samples, std::span<char> buffer) {
+  const std::size_t taken = std::max(samples / 8, signal.find_last_not_of('\0') + 1);
+  std::copy_n(signal.begin(), std::min(taken, signal.size()), buffer.begin());
 }
 
 }  // namespace keplo

@@ -115,7 +115,9 @@ class NodeLine : public DeviceLine {
   Time deafUntil_{0};
 };
 
-/// Copies a signal into a buffer; what lies after the signal stays as it is.
-void CopySignal(const std::string& signal, std::span<char> buffer);
+/// Copies a signal and the silence that was heard behind it into a buffer; the rest of the buffer stays as it
+/// is.
+/// @param samples that were taken in all
+void CopySignal(const std::string& signal, std::size_t samples, std::span<char> buffer);
 
 }  // namespace keplo

@@ -83,6 +83,11 @@ TEST_F(SerialLineTest, FillsWhatItMissedSoThatNothingIsStretched) {
   const std::string samples = SamplesToBits(Capture());
   const auto end = static_cast<double>(samples.find_last_of('1') + 1) * 55;
   EXPECT_NEAR(end, 80'000, 3'000 + 55);
+  std::string used(kMonitorCaptureBytes, '\xAA');
+  Port.Play({50'000, 20'000, 10'000});
+  Line.IRMonitor(used, kDelay);
+  EXPECT_NEAR(static_cast<double>(used.find('\xAA')), 216e3 / 55 / 8, 8)
+      << "the silence is heard, the rest is left";
 }
 
 TEST_F(SerialLineTest, RestsBesideALamp) {

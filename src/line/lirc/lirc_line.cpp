@@ -272,9 +272,12 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
   // What an overflow has torn may read as another, shorter command.
   if (!IsOpen() || used == 0) return false;
   NoteOrigin(heardFrom_, press, microseconds(static_cast<std::int64_t>(length)));
-  const bool full = std::accumulate(press.begin(), press.end(), 0.0) >= length;
+  const double heard = std::accumulate(press.begin(), press.end(), 0.0);
+  const bool full = heard >= length;
   LeaveOver(used, full && !(used % 2 == 0 && press.back() >= kFrameGapUs));
-  CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
+  const double silence = used % 2 == 0 ? 0.0 : microseconds(kEndSilence).count();
+  CopySignal(SignalOfPress(Press(press), buffer.size(), options),
+             static_cast<std::size_t>((heard + silence) / options.SampleTime), buffer);
   return true;
 }
 

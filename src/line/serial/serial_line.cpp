@@ -244,7 +244,8 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
     return IsOpen();
   }
   NoteOrigin(begin, press.Train, std::chrono::ceil<std::chrono::microseconds>(full - begin));
-  CopySignal(SignalOfPress(Press(press.Train), buffer.size(), options), buffer);
+  CopySignal(SignalOfPress(Press(press.Train), buffer.size(), options),
+             static_cast<std::size_t>((end - begin) / SampleTimeOf(options)), buffer);
   return true;
 }
 
@@ -275,7 +276,7 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   log_.Clear();
   // Only lengths can be freed of what the receiver did to them.
   const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
-  CopySignal(SignalOfPress(Press(press), buffer.size(), options), buffer);
+  CopySignal(SignalOfPress(Press(press), buffer.size(), options), report.Samples, buffer);
   return true;
 }
 
