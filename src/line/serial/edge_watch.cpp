@@ -103,8 +103,9 @@ void EdgeWatch::Judge(nanoseconds at, bool woken) {
 }
 
 /// Writes down what has changed since the last look.
+/// @param timed whether the first edge was told as it came
 /// @return how many edges there were; none if the driver does not answer
-std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at) {
+std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at, bool timed) {
   std::uint32_t count = 0;
   std::uint32_t again = 0;
   bool level = false;
@@ -122,7 +123,7 @@ std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at) {
   if (twice == changed) ++lost_;
   if (twice) log_.Add({at, !level}, 0);
   // Of several edges the time of one is known, and not even that for sure.
-  log_.Add({twice ? calls_.Now() : at, level}, edges - 1);
+  log_.Add({twice ? calls_.Now() : at, level}, edges - (timed ? 1 : 0));
   return edges;
 }
 
@@ -137,7 +138,7 @@ void EdgeWatch::WaitForEdges() {
     do {
       const nanoseconds at = calls_.Now();
       const bool first = !edges;
-      edges = TakeUp(at);
+      edges = TakeUp(at, woken || !first || !told_);
       if (first && edges.value_or(0) > 0) Judge(at, woken);
     } while (edges.value_or(0) > 0 && !stopping_);
     telling = edges.has_value();

@@ -60,7 +60,7 @@ class EdgeWatch {
   void WaitForEdges();
   void WaitForHangup();
   void Judge(std::chrono::nanoseconds at, bool woken);
-  std::optional<std::uint32_t> TakeUp(std::chrono::nanoseconds at);
+  std::optional<std::uint32_t> TakeUp(std::chrono::nanoseconds at, bool timed);
 
   DeviceCalls& calls_;
   const int descriptor_;
