@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <ctime>
 
 namespace keplo {
@@ -13,6 +14,38 @@ namespace {
 
 using std::chrono::nanoseconds;
 using std::chrono::seconds;
+
+timespec TimespecOf(nanoseconds time) {
+  const auto whole = std::chrono::floor<seconds>(time);
+  return {static_cast<time_t>(whole.count()), static_cast<long>((time - whole).count())};
+}
+
+/// Interrupts at a time what the calling thread waits for in the kernel.
+class Interruption {
+ public:
+  explicit Interruption(nanoseconds time) {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    sigaction(kSignal, &action, nullptr);
+    sigevent event{};
+    event.sigev_notify = SIGEV_THREAD_ID;
+    event.sigev_signo = kSignal;
+    event._sigev_un._tid = gettid();
+    made_ = timer_create(CLOCK_MONOTONIC, &event, &timer_) == 0;
+    const itimerspec at = {{}, TimespecOf(time)};
+    if (made_) timer_settime(timer_, TIMER_ABSTIME, &at, nullptr);
+  }
+  ~Interruption() {
+    if (made_) timer_delete(timer_);
+  }
+  Interruption(const Interruption&) = delete;
+  Interruption& operator=(const Interruption&) = delete;
+
+ private:
+  const int kSignal = SIGRTMIN + 4;
+  timer_t timer_{};
+  bool made_ = false;
+};
 
 }  // namespace
 
@@ -32,6 +65,11 @@ ssize_t KernelCalls::Write(int descriptor, const void* data, std::size_t size) {
   return write(descriptor, data, size);
 }
 
+ssize_t KernelCalls::WriteUntil(int descriptor, const void* data, std::size_t size, nanoseconds time) {
+  const Interruption interruption(time);
+  return Write(descriptor, data, size);
+}
+
 int KernelCalls::Poll(pollfd* descriptors, nfds_t count, int timeout) {
   return poll(descriptors, count, timeout);
 }
@@ -43,8 +81,7 @@ nanoseconds KernelCalls::Now() {
 }
 
 void KernelCalls::SleepUntil(nanoseconds time) {
-  const auto whole = std::chrono::floor<seconds>(time);
-  const timespec until = {static_cast<time_t>(whole.count()), static_cast<long>((time - whole).count())};
+  const timespec until = TimespecOf(time);
   while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
   }
 }

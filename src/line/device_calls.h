@@ -20,6 +20,10 @@ class DeviceCalls {
   virtual int Ioctl(int descriptor, unsigned long request, void* argument) = 0;
   virtual ssize_t Read(int descriptor, void* data, std::size_t size) = 0;
   virtual ssize_t Write(int descriptor, const void* data, std::size_t size) = 0;
+  /// As Write, but waits no longer than until a time for what a device does with the data: EINTR from then on
+  /// may mean that it has them.
+  virtual ssize_t WriteUntil(int descriptor, const void* data, std::size_t size,
+                             std::chrono::nanoseconds time) = 0;
   /// @param timeout milliseconds; negative waits without an end
   virtual int Poll(pollfd* descriptors, nfds_t count, int timeout) = 0;
   /// Time of the monotonic clock.
@@ -36,6 +40,8 @@ class KernelCalls : public DeviceCalls {
   int Ioctl(int descriptor, unsigned long request, void* argument) override;
   ssize_t Read(int descriptor, void* data, std::size_t size) override;
   ssize_t Write(int descriptor, const void* data, std::size_t size) override;
+  ssize_t WriteUntil(int descriptor, const void* data, std::size_t size,
+                     std::chrono::nanoseconds time) override;
   int Poll(pollfd* descriptors, nfds_t count, int timeout) override;
   std::chrono::nanoseconds Now() override;
   void SleepUntil(std::chrono::nanoseconds time) override;

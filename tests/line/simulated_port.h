@@ -83,6 +83,9 @@ class SimulatedPort : public DeviceCalls {
     }
     return static_cast<ssize_t>(size);
   }
+  ssize_t WriteUntil(int descriptor, const void* data, std::size_t size, std::chrono::nanoseconds) override {
+    return Write(descriptor, data, size);
+  }
   int Poll(pollfd* descriptors, nfds_t /*count*/, int timeout) override {
     const auto until = now_ + std::chrono::milliseconds(timeout);
     if (until >= GoneAt || !There) {

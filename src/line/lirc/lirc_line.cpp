@@ -26,6 +26,7 @@ using std::chrono::milliseconds;
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
+constexpr auto kGetReady = 2ms;      // ahead of a signal, to work out its lengths
 constexpr auto kTellingTime = 20ms;  // a driver may tell several items at once
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
@@ -281,11 +282,16 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
   return true;
 }
 
-bool LircLine::Write(const std::vector<unsigned>& lengths) {
+/// The kernel holds the write for the length of the signal, but counts in ticks of its own: it returns up to
+/// 32 ms late, when the next part may be due.
+/// @param over when the signal is over
+bool LircLine::Write(const std::vector<unsigned>& lengths, Time over) {
   const auto size = static_cast<ssize_t>(lengths.size() * sizeof lengths[0]);
   for (;;) {
-    if (calls_.Write(device_->Get(), lengths.data(), static_cast<std::size_t>(size)) == size) return true;
+    const ssize_t written =
+        calls_.WriteUntil(device_->Get(), lengths.data(), static_cast<std::size_t>(size), over);
     const int error = errno;
+    if (written == size || (error == EINTR && calls_.Now() >= over)) return true;
     if (error == EINTR || error == EAGAIN) {
       if (HeldSignals::Pending()) return false;
       continue;
@@ -298,11 +304,11 @@ bool LircLine::Write(const std::vector<unsigned>& lengths) {
 bool LircLine::Send(std::string_view bytes, microseconds slot, std::int32_t /*interfaceType*/) {
   if (!abilities_.Sends) return false;
   const std::vector<LitSlots> lit = LitSlotsOf(bytes);
-  const SlotClock clock(calls_, slot, 0ms);
+  const SlotClock clock(calls_, slot, kGetReady);
   for (std::size_t first = 0; first < lit.size();) {
     const std::size_t end = EndOfPart(lit, first, slot);
-    if (!clock.WaitFor(lit[first].Begin)) return false;
-    if (!Write(LengthsOf(std::span(lit).subspan(first, end - first), slot))) return false;
+    const std::vector<unsigned> lengths = LengthsOf(std::span(lit).subspan(first, end - first), slot);
+    if (!clock.WaitFor(lit[first].Begin) || !Write(lengths, clock.At(lit[end - 1].End))) return false;
     first = end;
   }
   return clock.WaitFor(bytes.size() * 8);

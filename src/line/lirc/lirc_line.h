@@ -71,7 +71,7 @@ class LircLine : public NodeLine {
   Time EndOf(int length, Time now) const;
   void LeaveOver(std::size_t used, bool cutsFrame);
   std::size_t TakePress(PulseTrain& press, double length);
-  bool Write(const std::vector<unsigned>& lengths);
+  bool Write(const std::vector<unsigned>& lengths, Time over);
 
   std::optional<DeviceDescriptor> device_;
   LircAbilities abilities_;

@@ -10,8 +10,7 @@
 namespace keplo {
 
 /// Where the part of a signal ends that the kernel takes in one write: an odd count of at most 1,023 lengths,
-/// less than 500 ms in all. The rest begins after the space that is longest beyond the time by which the
-/// write may return late: some ticks of the kernel, and eight times as many after a long part.
+/// less than 500 ms in all. The rest begins after the longest space, which may take the most unnoticed.
 /// @param first the stretch of light with which the part begins
 /// @return the stretch of light with which the next part begins; their number if there is none
 std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot);
