@@ -56,7 +56,7 @@ class Presser {
     made_.push_back(now);
   }
   bool WaitUntilUp() {
-    return Eventually([&] {
+    return tests::Until([&] {
       bridge_.Serve();
       return bridge_.IsUp();
     });
@@ -184,7 +184,7 @@ bool Memory(int presses) {
     settings.Host = "127.0.0.1";
     settings.Port = static_cast<std::uint16_t>(server.Port());
     Bridge bridge(settings, kIdentity, {[] {}, [](const auto&) {}, [](auto, const auto&) {}});
-    if (paced) Eventually([&] { return bridge.IsUp(); });
+    if (paced) tests::Until([&] { return bridge.IsUp(); });
     long settled = 0, most = 0;
     for (int i = 0; i < presses; ++i) {
       bridge.Tell(KeyEvent{KeyStage::Press, "1", "Lamp", "NEC&A", 0, "now", 1});
@@ -196,7 +196,7 @@ bool Memory(int presses) {
       if (i <= presses / 4) settled = std::max(settled, ResidentKiB());
       most = std::max(most, ResidentKiB());
     }
-    Eventually(
+    tests::Until(
         [&] { return bridge.ToldPresses() + bridge.DroppedPresses() == static_cast<std::size_t>(presses); });
     std::cout << presses << " presses, broker " << what << ": " << bridge.ToldPresses() << " told, "
               << bridge.DroppedPresses() << " dropped, memory grew by " << most - settled << " KiB of "
