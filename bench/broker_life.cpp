@@ -48,11 +48,11 @@ class Presser {
   }
 
   void Press() {
-    const Clock::time_point now = Clock::now();
     const double cpu = OwnCpuTime();
+    const Clock::time_point now = Clock::now();
     bridge_.Tell(KeyEvent{KeyStage::Press, "1", "Lamp", std::to_string(made_.size()), 0, "now", 1});
-    cpu_.push_back(OwnCpuTime() - cpu);
     spent_.push_back(Microseconds(Clock::now() - now));
+    cpu_.push_back(OwnCpuTime() - cpu);
     made_.push_back(now);
   }
   bool WaitUntilUp() {

@@ -36,14 +36,14 @@ void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
   link_.SetDevice(DeviceMessage(topics_, settings_, events_));
 }
 
-void Bridge::Tell(const KeyEvent& event) {
+void Bridge::Tell(KeyEvent event) {
   const auto kind = event.Stage == KeyStage::Press ? News::Kind::Press : News::Kind::AfterPress;
-  link_.Tell({{topics_.Event(event.EventID), {}}, kind, event});
+  link_.Tell({std::move(event), kind});
 }
 
-void Bridge::Tell(const HeardSignal& signal) {
+void Bridge::Tell(HeardSignal signal) {
   if (!settings_.Signals || signal.Timings.empty() || !Fits(signals_, kMostSignalsPerSecond)) return;
-  link_.Tell({{topics_.Signal(), SignalMessage(signal)}, News::Kind::Signal});
+  link_.Tell({std::move(signal), News::Kind::Signal});
 }
 
 bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {

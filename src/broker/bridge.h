@@ -32,8 +32,8 @@ class Bridge {
 
   /// The activated events of the map; nothing happens if they are the ones told before.
   void SetEvents(std::vector<AnnouncedEvent> events);
-  void Tell(const KeyEvent& event);
-  void Tell(const HeardSignal& signal);
+  void Tell(KeyEvent event);
+  void Tell(HeardSignal signal);
   /// Logs what the connection reports, and does what the broker asks for.
   void Serve();
 

@@ -143,7 +143,7 @@ class Connector {
       poll(&watched, 1, static_cast<int>(left.count()));
       mailbox_->Calm();
       for (const News& news : mailbox_->TakeNews()) {
-        if (news.Of == News::Kind::Press) pressesUnheard_.insert(news.Message.Topic);
+        if (news.Of == News::Kind::Press) pressesUnheard_.insert(SubjectOf(news));
         mailbox_->CountDropped(news);
       }
     }

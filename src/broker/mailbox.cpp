@@ -8,6 +8,13 @@
 
 namespace keplo::broker {
 
+const std::string& SubjectOf(const News& news) {
+  if (const auto* key = std::get_if<KeyEvent>(&news.Content)) return key->EventID;
+  static const std::string none;
+  const auto* message = std::get_if<Publication>(&news.Content);
+  return message == nullptr ? none : message->Topic;
+}
+
 Mailbox::Mailbox(std::function<void()> wake, std::size_t mostIncoming)
     : wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), wake_(std::move(wake)), mostIncoming_(mostIncoming) {}
 
@@ -15,16 +22,16 @@ void Mailbox::Put(News news) {
   {
     const std::lock_guard lock(mutex_);
     if (closed_) return;
-    const std::string& topic = news.Message.Topic;
-    if (news.Of == News::Kind::AfterPress && overflown_.count(topic) > 0) return;
+    const std::string& subject = SubjectOf(news);
+    if (news.Of == News::Kind::AfterPress && overflown_.count(subject) > 0) return;
     const bool isPress = news.Of == News::Kind::Press;
     if (news_.size() >= kMostNews) {
       if (!isPress) return;
       ++dropped_;
-      overflown_.insert(topic);
+      overflown_.insert(subject);
       return;
     }
-    if (isPress) overflown_.erase(topic);
+    if (isPress) overflown_.erase(subject);
     news_.push_back(std::move(news));
   }
   WakeConnection();

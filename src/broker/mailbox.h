@@ -5,9 +5,9 @@
 #include <deque>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "broker/messages.h"
@@ -16,16 +16,19 @@
 
 namespace keplo::broker {
 
-/// What is news for a moment only: a stage of a key, or a signal.
+/// What is news for a moment only: a stage of a key, a signal, or a message as it stands.
 struct News {
   enum class Kind { Press, AfterPress, Signal };
 
-  Publication Message;
+  /// A key or a signal becomes its message when it is sent: to write it takes longer than a tick has time
+  /// for.
+  std::variant<Publication, KeyEvent, HeardSignal> Content;
   Kind Of = Kind::Press;
-  /// Becomes the payload when it is sent: to write it takes longer than a tick has time for.
-  std::optional<KeyEvent> Key = std::nullopt;
   std::chrono::steady_clock::time_point Made = std::chrono::steady_clock::now();
 };
+
+/// What a press and all that follows it are of: an event, else a topic.
+const std::string& SubjectOf(const News& news);
 
 /// A message from the broker.
 struct Incoming {
@@ -93,7 +96,7 @@ class Mailbox {
   std::string device_;
   std::vector<Incoming> incoming_;
   std::vector<Report> reports_;
-  std::set<std::string> overflown_;  // topics whose last press did not fit, so that its release goes with it
+  std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
   const std::size_t mostIncoming_;
   std::size_t told_ = 0, dropped_ = 0, overflow_ = 0;
   bool closed_ = false, up_ = false;

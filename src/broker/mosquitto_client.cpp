@@ -1,7 +1,10 @@
 #include "broker/mosquitto_client.h"
 
+#include <linux/sockios.h>
 #include <mosquitto.h>
 #include <mqtt_protocol.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 
 #include <cerrno>
 #include <new>
@@ -165,6 +168,17 @@ int MosquittoClient::Unsubscribe(const std::string& topic, int& message) {
 
 int MosquittoClient::Socket() const { return mosquitto_socket(client_.get()); }
 bool MosquittoClient::WantsWrite() const { return mosquitto_want_write(client_.get()); }
+
+bool MosquittoClient::HasUntaken() const {
+  int bytes = 0;
+  return ioctl(Socket(), SIOCOUTQ, &bytes) == 0 && bytes > 0;
+}
+
+void MosquittoClient::DropUntaken() {
+  const linger none{1, 0};
+  setsockopt(Socket(), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+}
+
 std::string MosquittoClient::TakeLog() { return std::exchange(log_, {}); }
 
 }  // namespace keplo::broker

@@ -71,6 +71,10 @@ class MosquittoClient {
 
   int Socket() const;  // -1 without a connection
   bool WantsWrite() const;
+  /// Whether something was written that the machine of the broker has not taken.
+  bool HasUntaken() const;
+  /// At its end the connection is cut, so that the system does not go on to send what it has still to send.
+  void DropUntaken();
   /// What the library has logged as errors since the last call, and the system's number beside an error.
   std::string TakeLog();
   int SystemError() const { return systemError_; }

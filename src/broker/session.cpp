@@ -20,8 +20,6 @@ using namespace std::chrono_literals;
 
 /// A broker that accepts a connection and says nothing for so long will not.
 constexpr std::chrono::seconds kLongestHandshake{10};
-/// After a sign of life so young nothing is asked; a round trip in a house takes less.
-constexpr std::chrono::milliseconds kStillAlive{20};
 constexpr std::chrono::seconds kKeepAliveLook{1};
 constexpr std::chrono::seconds kLongestGoodbye{1};
 /// Messages on their way; brokers take at least 20 of most clients.
@@ -34,6 +32,19 @@ std::chrono::milliseconds BirthWait() {
   std::random_device random;
   return std::chrono::milliseconds(
       std::uniform_int_distribution<int>(kLeastBirthWaitMs, kMostBirthWaitMs)(random));
+}
+
+Publication MessageOf(const News& news, const Topics& topics) {
+  Publication message;
+  if (const auto* key = std::get_if<KeyEvent>(&news.Content)) {
+    message = {topics.Event(key->EventID), KeyMessage(*key)};
+  } else if (const auto* signal = std::get_if<HeardSignal>(&news.Content)) {
+    message = {topics.Signal(), SignalMessage(*signal)};
+  } else {
+    message = std::get<Publication>(news.Content);
+  }
+  message.ExpirySeconds = kNewsExpirySeconds;
+  return message;
 }
 
 }  // namespace
@@ -60,7 +71,8 @@ std::optional<Refusal> Session::Run() {
   if (!refusal_ && IsUp()) SayGoodbye();
   for (const News& news : waiting_) Drop(news);
   // Whether these have arrived nobody knows; to tell them again would make two of one.
-  for (const auto& [message, news] : unconfirmed_) mailbox_.CountDropped(news);
+  for (const auto& [message, sent] : unconfirmed_) mailbox_.CountDropped(sent.Told);
+  if (refusal_) client_.DropUntaken();
   return mailbox_.IsClosed() ? std::nullopt : refusal_;
 }
 
@@ -69,6 +81,10 @@ std::chrono::milliseconds Session::UntilNextStep() const {
   Clock::time_point next = now + kKeepAliveLook;
   if (device_.DueAgain) next = std::min(next, *device_.DueAgain);
   if (!waiting_.empty()) next = std::min(next, waiting_.front().Made + kFresh);
+  for (const auto& [message, sent] : unconfirmed_) {
+    const Clock::time_point tooLate = sent.Told.Made + kFresh;
+    if (tooLate > now) next = std::min(next, tooLate);
+  }
   return std::max(std::chrono::ceil<std::chrono::milliseconds>(next - now), 0ms);
 }
 
@@ -100,6 +116,7 @@ void Session::Step() {
   if (device != device_.Now) AnnounceDevice(device);
   TakeNews();
   SendNews();
+  AbandonWhatHangs();
 }
 
 void Session::Check(int error) {
@@ -112,7 +129,7 @@ void Session::OnConnectAnswer(int reason, int receiveMaximum) {
     refusal_ = RefusalOfConnectAnswer(reason, version_);
     return;
   }
-  upSince_ = lastHeard_ = Clock::now();
+  upSince_ = Clock::now();
   // What is more the library keeps to itself, and sends when nobody wants it any more.
   mostUnconfirmed_ = std::min(kMostUnconfirmed, static_cast<std::size_t>(receiveMaximum));
   mailbox_.SetUp(true);
@@ -139,14 +156,13 @@ void Session::OnHangUp(int reason) {
 }
 
 void Session::OnPublished(int message, int reason) {
-  lastHeard_ = Clock::now();
   std::string topic;
-  if (const auto news = unconfirmed_.extract(message); !news.empty()) {
-    topic = news.mapped().Message.Topic;
+  if (const auto sent = unconfirmed_.extract(message); !sent.empty()) {
+    topic = sent.mapped().Topic;
     if (reason >= MQTT_RC_UNSPECIFIED) {
-      mailbox_.CountDropped(news.mapped());
+      mailbox_.CountDropped(sent.mapped().Told);
     } else {
-      mailbox_.CountTold(news.mapped());
+      mailbox_.CountTold(sent.mapped().Told);
     }
   } else if (const auto other = topicOf_.extract(message); !other.empty()) {
     topic = other.mapped();
@@ -155,15 +171,14 @@ void Session::OnPublished(int message, int reason) {
 }
 
 void Session::OnSubscribed(int message, bool granted) {
-  lastHeard_ = Clock::now();
   const auto topic = topicOf_.extract(message);
   if (!granted && !topic.empty()) TellRefused("subscribe to ", topic.mapped(), "");
 }
 
 void Session::OnUnsubscribed(int message) {
-  lastHeard_ = Clock::now();
   if (question_ != message) return;
   question_.reset();
+  alive_ = asked_;
   if (WhenAnswering) WhenAnswering();
 }
 
@@ -235,43 +250,51 @@ void Session::SendNews() {
     waiting_.pop_front();
   }
   if (waiting_.empty() || refusal_) return;
-  if (now - *lastHeard_ > kStillAlive) {
-    if (question_) return;
-    // The answer to this changes nothing and every broker gives it to everybody.
-    int message = 0;
-    Check(client_.Unsubscribe(topics_.Check(), message));
-    question_ = message;
-    return;
-  }
-  while (!waiting_.empty() && unconfirmed_.size() + topicOf_.size() < mostUnconfirmed_) {
+  while (!waiting_.empty() && waiting_.front().Made <= alive_ &&
+         unconfirmed_.size() + topicOf_.size() < mostUnconfirmed_) {
     News news = std::move(waiting_.front());
     waiting_.pop_front();
     SendNow(std::move(news));
   }
+  if (!waiting_.empty() && waiting_.back().Made > alive_ && !question_) Ask();
+}
+
+void Session::Ask() {
+  int message = 0;
+  asked_ = Clock::now();
+  // The answer to this changes nothing and every broker gives it to everybody.
+  Check(client_.Unsubscribe(topics_.Check(), message));
+  question_ = message;
+}
+
+/// What the machine of the broker has not taken by now would come there late, when the way is free again.
+void Session::AbandonWhatHangs() {
+  const Clock::time_point latest = Clock::now() - kFresh;
+  const bool hangs = std::any_of(unconfirmed_.begin(), unconfirmed_.end(),
+                                 [&](const auto& sent) { return sent.second.Told.Made < latest; });
+  if (hangs && client_.HasUntaken()) refusal_ = Refusal{Trouble::Lost, "nothing gets there any more"};
 }
 
 void Session::SendNow(News news) {
-  const std::string topic = news.Message.Topic;
-  if (news.Of == News::Kind::Press) pressesUnheard_.erase(topic);
-  if (news.Of == News::Kind::AfterPress && pressesUnheard_.count(topic) > 0) return;
-  if (news.Key) news.Message.Payload = KeyMessage(*news.Key);
-  news.Message.ExpirySeconds = kNewsExpirySeconds;
+  if (news.Of == News::Kind::Press) pressesUnheard_.erase(SubjectOf(news));
+  if (news.Of == News::Kind::AfterPress && pressesUnheard_.count(SubjectOf(news)) > 0) return;
+  Publication publication = MessageOf(news, topics_);
   int message = 0;
-  const int error = client_.Publish(news.Message, message);
+  const int error = client_.Publish(publication, message);
   if (error == MOSQ_ERR_SUCCESS) {
-    unconfirmed_.emplace(message, std::move(news));
+    unconfirmed_.emplace(message, Sent{std::move(news), std::move(publication.Topic)});
     return;
   }
   Drop(news);
   if (error == MOSQ_ERR_OVERSIZE_PACKET) {
-    TellRefused("take the message for ", topic, "it is too large", Trouble::TooLarge);
+    TellRefused("take the message for ", publication.Topic, "it is too large", Trouble::TooLarge);
   } else {
     Check(error);
   }
 }
 
 void Session::Drop(const News& news) {
-  if (news.Of == News::Kind::Press) pressesUnheard_.insert(news.Message.Topic);
+  if (news.Of == News::Kind::Press) pressesUnheard_.insert(SubjectOf(news));
   mailbox_.CountDropped(news);
 }
 

@@ -20,15 +20,16 @@ namespace keplo::broker {
 /// and what comes in.
 ///
 /// News are told now or never. A broker that has stopped without hanging up would read later what was written
-/// to it meanwhile, so each time, unless it has just been heard, it has to answer first; what waits longer
-/// for that than kFresh is dropped.
+/// to it meanwhile, so it has to answer a question that was put after they were made; what waits longer for
+/// that than kFresh is dropped. What then hangs on the way to it, as in a cable that is out, goes with the
+/// connection.
 class Session : private ClientEvents {
  public:
   static constexpr std::chrono::milliseconds kFresh{1500};
 
   /// @param purpose what else to take in, and whether this is the connection that speaks for the device
-  /// @param pressesUnheard topics whose last press was dropped, so that what follows it is dropped too; kept
-  /// from session to session
+  /// @param pressesUnheard subjects whose last press was dropped, so that what follows it is dropped too;
+  /// kept from session to session
   Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
           const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard);
   virtual ~Session();
@@ -50,6 +51,10 @@ class Session : private ClientEvents {
 
  private:
   using Clock = std::chrono::steady_clock;
+  struct Sent {
+    News Told;
+    std::string Topic;
+  };
 
   /// The device as the broker has it.
   struct Announced {
@@ -77,7 +82,9 @@ class Session : private ClientEvents {
   void Publish(const Publication& publication);
   void TakeNews();
   void SendNews();
+  void Ask();
   void SendNow(News news);
+  void AbandonWhatHangs();
   void Drop(const News& news);
   void SayGoodbye();
   void Check(int error);
@@ -93,11 +100,12 @@ class Session : private ClientEvents {
   const int version_;
   std::optional<Refusal> refusal_;
   const Clock::time_point begun_ = Clock::now();
-  std::optional<Clock::time_point> upSince_, lastHeard_;
+  std::optional<Clock::time_point> upSince_;
   Announced device_;
   std::deque<News> waiting_;            // for the broker's sign of life
   std::optional<int> question_;         // that asks for it
-  std::map<int, News> unconfirmed_;     // by message
+  Clock::time_point asked_, alive_;     // when it was put, and when the last one that was answered
+  std::map<int, Sent> unconfirmed_;     // by message
   std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
   std::size_t mostUnconfirmed_;
   std::set<std::string> toldRefused_;

@@ -78,7 +78,7 @@ class BrokerMessages : public RoomMessages {
     }
     if (!link_.IsUp()) return false;
     const std::size_t told = link_.ToldPresses(), dropped = link_.DroppedPresses();
-    link_.Tell({{topic, payload}, broker::News::Kind::Press});
+    link_.Tell({broker::Publication{topic, payload}, broker::News::Kind::Press});
     while (link_.ToldPresses() == told && link_.DroppedPresses() == dropped &&
            std::chrono::steady_clock::now() < until) {
       std::this_thread::sleep_for(kLookForAnswer);
