@@ -37,7 +37,8 @@ Topics::Topics(const BrokerSettings& settings, const std::string& identity)
       send_(base_ + "/send"),
       device_(settings.DiscoveryPrefix + "/device/" + node_ + "/config"),
       birth_(settings.DiscoveryPrefix + "/status"),
-      check_(base_ + "/check") {}
+      check_(base_ + "/check"),
+      deviceCheck_(settings.DiscoveryPrefix + "/device/" + node_ + "-check/config") {}
 
 std::string Topics::Event(std::string_view eventID) const {
   return base_ + "/event/" + SafeForTopic(eventID);

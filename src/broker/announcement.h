@@ -26,11 +26,13 @@ class Topics {
   const std::string& Birth() const { return birth_; }
   /// Where a check of rights may leave a message that nobody takes for anything.
   const std::string& Check() const { return check_; }
+  /// Beside the device's, for a message of nothing by which the right to tell Home Assistant is seen.
+  const std::string& DeviceCheck() const { return deviceCheck_; }
   /// "keplo-IDENTITY", the name of the device.
   const std::string& Node() const { return node_; }
 
  private:
-  std::string node_, base_, status_, signal_, send_, device_, birth_, check_;
+  std::string node_, base_, status_, signal_, send_, device_, birth_, check_, deviceCheck_;
 };
 
 /// An activated event of the map.

@@ -25,8 +25,10 @@ namespace keplo::broker {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds kLongestStep{10};
+constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{3};
 constexpr const char* kProbe = "probe";
+/// All that read signals take this for none.
+constexpr const char* kNoSignal = "null";
 
 struct FreeAddresses {
   void operator()(addrinfo* list) const { freeaddrinfo(list); }
@@ -84,7 +86,7 @@ class Conversation final : private ClientEvents {
   void Subscribe(const std::string& topic) {
     int message = 0;
     // Our own message is to come back where a broker drops what is not allowed in silence.
-    Check(client_.Subscribe(topic, false, message));
+    Check(client_.Subscribe(topic, MosquittoClient::Scope::Everybody, message));
     Await([&] { return answered_ == message; });
     if (!granted_) throw Refusal{Trouble::NotAuthorized, "subscribe to " + topic};
   }
@@ -99,18 +101,24 @@ class Conversation final : private ClientEvents {
     }
   }
 
-  /// Publishes to a topic that was subscribed to. A 3.1.1 broker says yes and drops the message, which does
-  /// not come back then; one of MQTT 5 says no.
-  void PublishAndSee(const Publication& publication) {
+  /// Publishes to a topic that was subscribed to, and looks whether it comes back: a broker may grant a
+  /// subscription and deliver nothing of what may not be read.
+  bool ComesBack(const Publication& publication) {
     came_.erase(publication.Topic);
     Publish(publication);
-    if (version_ >= 5) return;
-    try {
-      Await([&] { return came_.count(publication.Topic) > 0; });
-    } catch (const Refusal&) {
-      throw Refusal{Trouble::NotAuthorized, "publish to " + publication.Topic + ", or subscribe to it"};
-    }
+    return IsThereWithin(kLongestDelivery, [&] { return came_.count(publication.Topic) > 0; });
   }
+
+  /// The same, where it need not come back. A 3.1.1 broker says yes and drops the message, which does not
+  /// come back then; one of MQTT 5 says no.
+  /// @return whether it has come back
+  bool PublishAndSee(const Publication& publication) {
+    const bool came = ComesBack(publication);
+    if (came || version_ >= 5) return came;
+    throw Refusal{Trouble::NotAuthorized, "publish to " + publication.Topic + ", or read it"};
+  }
+
+  int Version() const { return version_; }
 
   /// What the broker has kept for a topic that was subscribed to; empty for nothing.
   std::string Kept(const std::string& topic) const {
@@ -160,9 +168,14 @@ class Conversation final : private ClientEvents {
 
   template <typename Condition>
   void Await(Condition isThere) {
-    const auto until = Clock::now() + kLongestStep;
+    if (!IsThereWithin(kLongestStep, isThere)) throw Refusal{Trouble::Unreachable, "it says nothing"};
+  }
+
+  template <typename Condition>
+  bool IsThereWithin(std::chrono::seconds longest, Condition isThere) {
+    const auto until = Clock::now() + longest;
     while (!refusal_ && !isThere()) {
-      if (Clock::now() > until) throw Refusal{Trouble::Unreachable, "it says nothing"};
+      if (Clock::now() > until) return false;
       pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN),
                      0};
       poll(&watched, 1, 100);
@@ -170,6 +183,7 @@ class Conversation final : private ClientEvents {
       if (!refusal_ && (watched.revents & ~POLLOUT) != 0) Check(client_.Read());
     }
     if (refusal_) throw *refusal_;
+    return true;
   }
 
   const BrokerSettings& settings_;
@@ -201,10 +215,41 @@ std::string StepOf(const Refusal& refusal, const std::string& step) {
   return step;
 }
 
+using TellStep = std::function<void(const std::string& step, const std::string& result)>;
+
+void TryToTellHomeAssistant(Conversation& conversation, const Topics& topics, const TellStep& tell) {
+  const std::string step = "right to tell Home Assistant";
+  const std::string kept = conversation.Kept(topics.Device());
+  // What is there already changes nothing. Where nothing is seen there may be something all the same, which
+  // nothing would remove.
+  if (kept.empty()) conversation.Subscribe(topics.DeviceCheck());
+  const bool seen = kept.empty() ? conversation.PublishAndSee({topics.DeviceCheck(), ""})
+                                 : conversation.PublishAndSee({topics.Device(), kept, true});
+  tell(step, seen ? "yes"
+                  : "yes, but not to read it back, so that events which are deleted while no host runs stay "
+                    "there. Let this user read " +
+                        topics.Device() + ".");
+}
+
+/// @throws Refusal for a topic of which nothing is delivered
+void TryToHear(Conversation& conversation, const std::string& topic, const TellStep& tell) {
+  const std::string step = "right to hear " + topic;
+  const std::string unseen = "not seen, as this user may not publish there to try it";
+  try {
+    if (conversation.ComesBack({topic, kNoSignal})) return tell(step, "yes");
+  } catch (const Refusal& refusal) {
+    if (refusal.Kind != Trouble::NotAuthorized) throw;
+    return tell(step, unseen);
+  }
+  // A broker of 3.1.1 does not say whether it was to publish or to read that is forbidden.
+  if (conversation.Version() < 5) return tell(step, unseen + ", or may not read it");
+  throw Refusal{Trouble::NotAuthorized, "read " + topic + ", though it may subscribe"};
+}
+
 }  // namespace
 
 bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
-                 std::span<const std::string> filters,
+                 std::span<const CheckedReceivers> receivers,
                  const std::function<void(const std::string&, const std::string&)>& tell) {
   const Topics topics(settings, identity);
   std::string step = "name";
@@ -224,15 +269,19 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
       conversation->Subscribe(topic);
     }
     if (settings.Send) conversation->Subscribe(topics.Send());
-    for (const std::string& filter : filters) conversation->Subscribe(filter);
+    for (const CheckedReceivers& line : receivers) conversation->Subscribe(line.Filter);
     tell(step, "yes");
     step = "right to publish";
     conversation->PublishAndSee({topics.Check(), kProbe});
     tell(step, "yes");
     step = "right to tell Home Assistant";
-    // What is there already, or nothing where nothing is, changes nothing.
-    conversation->PublishAndSee({topics.Device(), conversation->Kept(topics.Device()), true});
-    tell(step, "yes");
+    TryToTellHomeAssistant(*conversation, topics, tell);
+    for (const CheckedReceivers& line : receivers) {
+      for (const std::string& topic : line.Topics) {
+        step = "right to hear " + topic;
+        TryToHear(*conversation, topic, tell);
+      }
+    }
     return true;
   } catch (const Refusal& refusal) {
     tell(StepOf(refusal, step), TextOf(refusal, settings));

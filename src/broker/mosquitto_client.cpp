@@ -155,10 +155,11 @@ int MosquittoClient::Publish(const Publication& publication, int& message) {
                               publication.Retain, properties.get());
 }
 
-int MosquittoClient::Subscribe(const std::string& topic, bool asPublished, int& message) {
+int MosquittoClient::Subscribe(const std::string& topic, Scope scope, int& message) {
   int options = 0;
-  if (version_ >= 5 && asPublished) options = MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
-  if (version_ >= 5 && !topic.starts_with("$share/")) options |= MQTT_SUB_OPT_NO_LOCAL;
+  if (version_ >= 5 && scope == Scope::OthersAsPublished) options = MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
+  const bool mayChoose = version_ >= 5 && !topic.starts_with("$share/");
+  if (mayChoose && scope != Scope::Everybody) options |= MQTT_SUB_OPT_NO_LOCAL;
   return mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr);
 }
 

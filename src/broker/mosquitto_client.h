@@ -63,10 +63,15 @@ class MosquittoClient {
   int Disconnect();
   /// @param message written with the number by which OnPublished tells it
   int Publish(const Publication& publication, int& message);
-  /// At QoS 1; with MQTT 5 without what we publish ourselves, unless the topic is shared.
-  /// @param asPublished whether a message that somebody has published as one to keep counts as retained also
-  /// when it comes at once, which MQTT 5 alone can tell
-  int Subscribe(const std::string& topic, bool asPublished, int& message);
+  /// Whose messages to take, and how; MQTT 5 alone gives a choice, and none for a topic that is shared.
+  enum class Scope {
+    Everybody,  // also what we publish ourselves
+    Others,
+    OthersAsPublished,  // what was published as a message to keep counts as retained also when it comes at
+                        // once
+  };
+  /// At QoS 1.
+  int Subscribe(const std::string& topic, Scope scope, int& message);
   int Unsubscribe(const std::string& topic, int& message);
 
   int Socket() const;  // -1 without a connection

@@ -129,16 +129,17 @@ void Session::OnConnectAnswer(int reason, int receiveMaximum) {
     refusal_ = RefusalOfConnectAnswer(reason, version_);
     return;
   }
+  using Scope = MosquittoClient::Scope;
   upSince_ = Clock::now();
   // What is more the library keeps to itself, and sends when nobody wants it any more.
   mostUnconfirmed_ = std::min(kMostUnconfirmed, static_cast<std::size_t>(receiveMaximum));
   mailbox_.SetUp(true);
   if (WhenUp) WhenUp();
-  for (const std::string& topic : purpose_.Topics) Subscribe(topic, /*asPublished=*/true);
+  for (const std::string& topic : purpose_.Topics) Subscribe(topic, Scope::OthersAsPublished);
   if (!purpose_.SpeaksForDevice) return;
-  Subscribe(topics_.Birth(), /*asPublished=*/false);
+  Subscribe(topics_.Birth(), Scope::Others);
   // What an earlier run has announced, for what of it is gone.
-  Subscribe(topics_.Device(), /*asPublished=*/false);
+  Subscribe(topics_.Device(), Scope::Others);
   AnnounceAll();
 }
 
@@ -197,9 +198,9 @@ void Session::OnMessage(std::string_view topic, std::string_view payload, bool r
   mailbox_.PutIncoming({std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
 }
 
-void Session::Subscribe(const std::string& topic, bool asPublished) {
+void Session::Subscribe(const std::string& topic, MosquittoClient::Scope scope) {
   int message = 0;
-  Check(client_.Subscribe(topic, asPublished, message));
+  Check(client_.Subscribe(topic, scope, message));
   topicOf_[message] = topic;
 }
 

@@ -75,7 +75,7 @@ class Session : private ClientEvents {
   void Wait();
   std::chrono::milliseconds UntilNextStep() const;
   void Step();
-  void Subscribe(const std::string& topic, bool asPublished);
+  void Subscribe(const std::string& topic, MosquittoClient::Scope scope);
   void AnnounceAll();
   void AnnounceDevice(const std::string& message);
   bool RemoveWhatIsGone();

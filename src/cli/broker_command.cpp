@@ -86,11 +86,12 @@ int Show(const BrokerOptions& options) {
 int Check(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
   const BrokerSettings settings = RequireBroker(appPath);
-  std::vector<std::string> filters;
+  std::vector<broker::CheckedReceivers> receivers;
   for (const MappedPort& port : LoadPortMap(appPath).Ports) {
-    if (port.Type == MappedPort::Kind::Mqtt) filters.push_back(port.Rooms.Filter);
+    if (port.Type == MappedPort::Kind::Mqtt)
+      receivers.push_back({port.Rooms.Filter, port.Rooms.WholeTopics()});
   }
-  const bool all = broker::CheckBroker(settings, broker::IdentityOf(appPath), filters,
+  const bool all = broker::CheckBroker(settings, broker::IdentityOf(appPath), receivers,
                                        [](const std::string& step, const std::string& result) {
                                          std::cout << Printable(step + ": " + result) << std::endl;
                                        });

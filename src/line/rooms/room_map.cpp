@@ -96,6 +96,17 @@ const Room* RoomMap::Find(int number) const {
   return room == Rooms.end() ? nullptr : &*room;
 }
 
+std::vector<std::string> RoomMap::WholeTopics() const {
+  if (Filter.starts_with(kShared)) return {};
+  const std::size_t wild = Filter.find_first_of("+#");
+  if (wild == std::string::npos) return {Filter};
+  std::vector<std::string> topics;
+  for (const Room& room : Rooms) {
+    topics.push_back(HasName(Filter) ? std::string(Filter).replace(wild, 1, room.Name) : room.Name);
+  }
+  return topics;
+}
+
 std::optional<std::string> RoomMap::SendTopicOf(int number) const {
   const std::size_t place = SendTopic.find('+');
   if (place == std::string::npos) return SendTopic;

@@ -26,6 +26,8 @@ struct RoomMap {
   /// The first room of a number; the one that is alone for 0.
   /// @return null if there is none
   const Room* Find(int number) const;
+  /// The topics that are known by their whole names; none where other programs share the receivers.
+  std::vector<std::string> WholeTopics() const;
   /// Where to send for a room.
   /// @return none where it takes a room's name and there is no such room
   std::optional<std::string> SendTopicOf(int number) const;
