@@ -147,7 +147,8 @@ nlohmann::json ParseObject(std::string_view text, const std::filesystem::path& f
     }
     Refuse(file, line,
            "the file " + std::string(failure.what()) +
-               "; expected is one object { } of settings. Mend it, or write it anew by keplo broker set.");
+               "; expected is one object { } of settings. Mend it, or remove it and write it anew by keplo "
+               "broker set.");
   }
 }
 
@@ -196,6 +197,13 @@ BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem:
   if (settings.Certificate.empty() != settings.Key.empty()) {
     Refuse(file, LineOfKey(text, settings.Key.empty() ? "certificate" : "key"),
            "a client's certificate and its key come together; expected are \"certificate\" and \"key\".");
+  }
+  const std::string ofTls = !settings.Ca.empty() ? "ca" : !settings.Certificate.empty() ? "certificate" : "";
+  if (!settings.Tls && !ofTls.empty()) {
+    Refuse(file, LineOfKey(text, ofTls),
+           "\"" + ofTls +
+               "\" does nothing without a secure connection; expected is \"tls\": true beside it (keplo "
+               "broker set --tls yes), or none.");
   }
   if (!object.contains("port") && settings.Tls) settings.Port = kTlsPort;
   const std::filesystem::path folder = file.parent_path();

@@ -1,8 +1,12 @@
+#include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -45,17 +49,35 @@ constexpr SetOption kSetOptions[] = {
     {"--send", "send", "yes to send what the broker asks for"},
 };
 
+constexpr std::string_view kFileKeys[] = {"ca", "certificate", "key", "password_file"};
+
 struct BrokerOptions {
   std::string AppPath;
   bool Json = false;
   std::vector<std::optional<std::string>> Values{std::size(kSetOptions)};
 };
 
+/// In the file a name counts from its folder, on the command line from where it is typed.
+/// @throws Refused for a file that is not there
+std::string WholeName(const std::string& name) {
+  if (name.empty()) return name;
+  const std::filesystem::path whole = std::filesystem::absolute(name);
+  std::error_code error;
+  // One that may not be looked at is there for the user of the host, perhaps.
+  if (!std::filesystem::exists(whole, error) && !error) {
+    throw Refused("There is no file " + whole.string() + ". Name one that is there.");
+  }
+  return whole.string();
+}
+
 int Set(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
   std::vector<std::pair<std::string, std::string>> changes;
   for (std::size_t i = 0; i < options.Values.size(); ++i) {
-    if (options.Values[i]) changes.emplace_back(kSetOptions[i].Key, *options.Values[i]);
+    if (!options.Values[i]) continue;
+    const char* const key = kSetOptions[i].Key;
+    const bool isFile = std::find(std::begin(kFileKeys), std::end(kFileKeys), key) != std::end(kFileKeys);
+    changes.emplace_back(key, isFile ? WholeName(*options.Values[i]) : *options.Values[i]);
   }
   // Nothing half-typed gets into the file: a value that does not fit is refused as a whole.
   try {
