@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <future>
 #include <memory>
@@ -35,6 +36,11 @@ class BrokerLink {
   std::vector<Report> TakeReports() { return mailbox_->TakeReports(); }
   /// How many messages came faster than they were taken, and were dropped, since this was asked last.
   std::size_t TakeOverflow() { return mailbox_->TakeOverflow(); }
+  /// Begins to end the connection; nothing more is told. Who waits for HasEnded is not held up by the end.
+  void End() { mailbox_->Close(); }
+  bool HasEnded() const { return ended_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
+  /// Has the device taken off the broker when the connection ends.
+  void ForgetAtEnd() { mailbox_->ForgetAtEnd(); }
   bool IsUp() const { return mailbox_->IsUp(); }
   /// Key presses that the broker has confirmed, and those that it was not told.
   std::size_t ToldPresses() const { return mailbox_->ToldPresses(); }

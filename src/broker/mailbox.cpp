@@ -45,6 +45,11 @@ void Mailbox::SetDevice(std::string message) {
   WakeConnection();
 }
 
+void Mailbox::ForgetAtEnd() {
+  const std::lock_guard lock(mutex_);
+  forgets_ = true;
+}
+
 void Mailbox::Close() {
   {
     const std::lock_guard lock(mutex_);
@@ -87,6 +92,11 @@ std::string Mailbox::Device() const {
 bool Mailbox::IsClosed() const {
   const std::lock_guard lock(mutex_);
   return closed_;
+}
+
+bool Mailbox::ForgetsAtEnd() const {
+  const std::lock_guard lock(mutex_);
+  return forgets_;
 }
 
 void Mailbox::PutIncoming(Incoming message) {

@@ -57,6 +57,8 @@ class Mailbox {
   // The program's side.
   void Put(News news);
   void SetDevice(std::string message);
+  /// The device is to be taken off the broker when the connection ends.
+  void ForgetAtEnd();
   /// Nothing more is told, and the connection is to end.
   void Close();
   std::vector<Incoming> TakeIncoming();
@@ -70,6 +72,7 @@ class Mailbox {
   std::deque<News> TakeNews();
   std::string Device() const;
   bool IsClosed() const;
+  bool ForgetsAtEnd() const;
   void PutIncoming(Incoming message);
   void PutReport(Report report);
   void SetUp(bool up);
@@ -99,7 +102,7 @@ class Mailbox {
   std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
   const std::size_t mostIncoming_;
   std::size_t told_ = 0, dropped_ = 0, overflow_ = 0;
-  bool closed_ = false, up_ = false;
+  bool closed_ = false, up_ = false, forgets_ = false;
 };
 
 }  // namespace keplo::broker

@@ -309,6 +309,7 @@ void Session::SayGoodbye() {
   serveUntil([&] { return waiting_.empty(); });
   int last = 0;
   if (purpose_.SpeaksForDevice) {
+    if (mailbox_.ForgetsAtEnd()) Publish({topics_.Device(), "", true});
     Check(client_.Publish({topics_.Status(), "offline", true}, last));
     topicOf_[last] = topics_.Status();
   }

@@ -15,6 +15,12 @@ namespace {
 /// Changes of the event map are to be seen within a second; the plug-in itself looks every 400 ms.
 constexpr std::chrono::milliseconds kLookForChanges{400};
 
+/// Whether Home Assistant would have the device twice. On a broker of another name, which may be the same
+/// one, it stays, and with it its history.
+bool MovesTheDevice(const broker::BrokerSettings& from, const broker::BrokerSettings& to) {
+  return from.Host == to.Host && from.Port == to.Port && from.DiscoveryPrefix != to.DiscoveryPrefix;
+}
+
 }  // namespace
 
 BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
@@ -41,6 +47,7 @@ void BrokerOutput::ReadAgain() {
   try {
     auto settings = broker::ReadBrokerSettings(appPath_);
     if (settings == settings_) return;
+    if (settings && settings_ && MovesTheDevice(*settings_, *settings)) bridge_->ForgetAtEnd();
     Disconnect();
     settings_ = std::move(settings);
     if (settings_) Connect(*settings_);
