@@ -95,7 +95,11 @@ struct MosquittoClient::Callbacks {
 void MosquittoClient::Destroy::operator()(mosquitto* client) const { mosquitto_destroy(client); }
 
 MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events)
-    : host_(settings.Host), port_(settings.Port), version_(login.ProtocolVersion), events_(events) {
+    : host_(settings.Host),
+      port_(settings.Port),
+      version_(login.ProtocolVersion),
+      tls_(settings.Tls),
+      events_(events) {
   SetUpLibrary();
   client_.reset(mosquitto_new(login.ClientId.c_str(), /*clean_session=*/true, this));
   if (!client_) throw std::bad_alloc();
@@ -135,13 +139,40 @@ int MosquittoClient::Noted(int error) {
 
 int MosquittoClient::Connect() {
   errno = 0;
-  return Noted(mosquitto_connect_bind_async(client_.get(), host_.c_str(), port_, kKeepAliveSeconds, nullptr));
+  const int error =
+      Noted(mosquitto_connect_bind_async(client_.get(), host_.c_str(), port_, kKeepAliveSeconds, nullptr));
+  if (error != MOSQ_ERR_SUCCESS || tls_) return error;
+  wire_.emplace(mosquitto_socket(client_.get()), version_);
+  return Write();
 }
 
-int MosquittoClient::Read() { return Noted(mosquitto_loop_read(client_.get(), 1)); }
-int MosquittoClient::Write() { return Noted(mosquitto_loop_write(client_.get(), 1)); }
-int MosquittoClient::KeepAlive() { return Noted(mosquitto_loop_misc(client_.get())); }
-int MosquittoClient::Disconnect() { return mosquitto_disconnect(client_.get()); }
+/// Gives the broker what a call of the library has written.
+int MosquittoClient::WithOutput(int error) {
+  const int fault = wire_ ? wire_->Out() : 0;
+  if (error != MOSQ_ERR_SUCCESS || fault == 0) return error;
+  systemError_ = fault;
+  return MOSQ_ERR_ERRNO;
+}
+
+int MosquittoClient::ReadChecked() {
+  const int fault = wire_->In();
+  if (fault == CheckedWire::kNotMqtt) {
+    log_ = kNotMqtt;
+    return MOSQ_ERR_MALFORMED_PACKET;
+  }
+  if (fault != 0) {
+    systemError_ = fault;
+    return MOSQ_ERR_ERRNO;
+  }
+  int error = MOSQ_ERR_SUCCESS;
+  while (error == MOSQ_ERR_SUCCESS && wire_->HandOn()) error = Noted(mosquitto_loop_read(client_.get(), 1));
+  return WithOutput(error);
+}
+
+int MosquittoClient::Read() { return wire_ ? ReadChecked() : Noted(mosquitto_loop_read(client_.get(), 1)); }
+int MosquittoClient::Write() { return WithOutput(Noted(mosquitto_loop_write(client_.get(), 1))); }
+int MosquittoClient::KeepAlive() { return WithOutput(Noted(mosquitto_loop_misc(client_.get()))); }
+int MosquittoClient::Disconnect() { return WithOutput(mosquitto_disconnect(client_.get())); }
 
 int MosquittoClient::Publish(const Publication& publication, int& message) {
   mosquitto_property* list = nullptr;
@@ -150,9 +181,9 @@ int MosquittoClient::Publish(const Publication& publication, int& message) {
                                  static_cast<std::uint32_t>(publication.ExpirySeconds));
   }
   const std::unique_ptr<mosquitto_property, FreeProperties> properties(list);
-  return mosquitto_publish_v5(client_.get(), &message, publication.Topic.c_str(),
-                              static_cast<int>(publication.Payload.size()), publication.Payload.data(), 1,
-                              publication.Retain, properties.get());
+  return WithOutput(mosquitto_publish_v5(
+      client_.get(), &message, publication.Topic.c_str(), static_cast<int>(publication.Payload.size()),
+      publication.Payload.data(), 1, publication.Retain, properties.get()));
 }
 
 int MosquittoClient::Subscribe(const std::string& topic, Scope scope, int& message) {
@@ -160,19 +191,21 @@ int MosquittoClient::Subscribe(const std::string& topic, Scope scope, int& messa
   if (version_ >= 5 && scope == Scope::OthersAsPublished) options = MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
   const bool mayChoose = version_ >= 5 && !topic.starts_with("$share/");
   if (mayChoose && scope != Scope::Everybody) options |= MQTT_SUB_OPT_NO_LOCAL;
-  return mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr);
+  return WithOutput(mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr));
 }
 
 int MosquittoClient::Unsubscribe(const std::string& topic, int& message) {
-  return mosquitto_unsubscribe(client_.get(), &message, topic.c_str());
+  return WithOutput(mosquitto_unsubscribe(client_.get(), &message, topic.c_str()));
 }
 
-int MosquittoClient::Socket() const { return mosquitto_socket(client_.get()); }
-bool MosquittoClient::WantsWrite() const { return mosquitto_want_write(client_.get()); }
+int MosquittoClient::Socket() const { return wire_ ? wire_->Socket() : mosquitto_socket(client_.get()); }
+bool MosquittoClient::WantsWrite() const {
+  return mosquitto_want_write(client_.get()) || (wire_ && wire_->WantsWrite());
+}
 
 bool MosquittoClient::HasUntaken() const {
   int bytes = 0;
-  return ioctl(Socket(), SIOCOUTQ, &bytes) == 0 && bytes > 0;
+  return (wire_ && wire_->WantsWrite()) || (ioctl(Socket(), SIOCOUTQ, &bytes) == 0 && bytes > 0);
 }
 
 void MosquittoClient::DropUntaken() {

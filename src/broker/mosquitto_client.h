@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "broker/broker_settings.h"
+#include "broker/checked_wire.h"
 
 struct mosquitto;
 
@@ -92,14 +94,18 @@ class MosquittoClient {
 
   void SetUpTls(const BrokerSettings& settings);
   int Noted(int error);
+  int WithOutput(int error);
+  int ReadChecked();
 
   const std::string host_;
   const std::uint16_t port_;
   const int version_;
+  const bool tls_;
   ClientEvents& events_;
   std::string log_;
   int systemError_ = 0;
   std::unique_ptr<mosquitto, Destroy> client_;
+  std::optional<CheckedWire> wire_;  // without TLS, by which a broker has proved who it is
 };
 
 }  // namespace keplo::broker

@@ -87,7 +87,8 @@ std::string TextOf(const Refusal& refusal, const BrokerSettings& settings) {
     case Trouble::Tls:
       return "No secure connection to " + NameOf(settings) + ": " + AboutTls(refusal.Detail, settings);
     case Trouble::OtherProtocol:
-      return broker + " speaks neither MQTT 5 nor MQTT 3.1.1" + because + ".";
+      return broker + " speaks neither MQTT 5 nor MQTT 3.1.1" + because +
+             ". Is the port right? A TLS port needs \"tls\": true, and a port for websockets cannot be used.";
     case Trouble::BadLogin:
       return broker + " refuses user and password" + because +
              ". Set \"user\" and \"password_file\" to what it knows.";
@@ -154,6 +155,9 @@ Refusal RefusalOfConnectAnswer(int reason, int protocolVersion) {
 Refusal RefusalOfLoss(int error, int systemError, std::string_view logged, bool tls, bool wasUp) {
   if (error == MOSQ_ERR_EAI || error == MOSQ_ERR_LOOKUP) return {Trouble::NoName, std::string(logged)};
   if (error == MOSQ_ERR_OVERSIZE_PACKET) return {Trouble::TooLarge, ""};
+  if (Says(logged, kNotMqtt)) {
+    return {wasUp ? Trouble::Lost : Trouble::OtherProtocol, std::string(kNotMqtt)};
+  }
   if (wasUp) {
     const bool said = error == MOSQ_ERR_ERRNO && systemError != 0;
     return {Trouble::Lost, said ? std::strerror(systemError) : ""};

@@ -32,6 +32,9 @@ struct Refusal {
 /// Detail of a broker that ends a connection before it has said a word.
 inline constexpr std::string_view kHangsUp = "it hangs up";
 
+/// Detail of a stream that is none of MQTT.
+inline constexpr std::string_view kNotMqtt = "what it sends is no MQTT";
+
 /// Detail of a client key that cannot be read without a password.
 inline constexpr std::string_view kKeyIsEncrypted = "the key is encrypted";
 

@@ -1,0 +1,89 @@
+#include "broker/checked_wire.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+
+#include "failure.h"
+
+namespace keplo::broker {
+
+namespace {
+
+using Piece = std::array<char, 16'384>;
+
+/// More than this is left where it is until the broker takes it.
+constexpr std::size_t kMostOut = 65'536;
+
+bool IsNothingYet(int error) {
+  return error == EAGAIN || error == EWOULDBLOCK || error == EINTR || error == ENOTCONN;
+}
+
+[[noreturn]] void Fail() {
+  throw Failure(errno, "No connection within this program: " + std::string(std::strerror(errno)) + ".");
+}
+
+int Copy(int socket) {
+  const int copy = fcntl(socket, F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) Fail();
+  return copy;
+}
+
+}  // namespace
+
+std::array<int, 2> CheckedWire::Pair() {
+  std::array<int, 2> ends{};
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends.data()) != 0) Fail();
+  return ends;
+}
+
+CheckedWire::CheckedWire(int socket, int version, std::array<int, 2> ends)
+    : broker_(Copy(socket)), library_(ends[0]), socket_(socket), check_(version) {
+  const Descriptor end(ends[1]);
+  if (dup3(end.Number(), socket, O_CLOEXEC) < 0) Fail();
+}
+
+int CheckedWire::In() {
+  Piece piece;
+  const ssize_t count = recv(broker_.Number(), piece.data(), piece.size(), MSG_DONTWAIT);
+  if (count < 0 && IsNothingYet(errno)) return 0;
+  if (count < 0 && errno != ECONNRESET) return errno;
+  ended_ = ended_ || count <= 0;
+  if (ended_) return 0;
+  return check_.Take({piece.data(), static_cast<std::size_t>(count)}) ? 0 : kNotMqtt;
+}
+
+bool CheckedWire::HandOn() {
+  std::string& whole = check_.Whole();
+  const ssize_t given = send(library_.Number(), whole.data(), whole.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+  if (given > 0) whole.erase(0, static_cast<std::size_t>(given));
+  if (ended_ && whole.empty()) {
+    shutdown(library_.Number(), SHUT_WR);
+    return true;
+  }
+  int waiting = 0;
+  return ioctl(socket_, FIONREAD, &waiting) == 0 && waiting > 0;
+}
+
+int CheckedWire::Out() {
+  for (Piece piece;;) {
+    const ssize_t count =
+        out_.size() < kMostOut ? recv(library_.Number(), piece.data(), piece.size(), MSG_DONTWAIT) : 0;
+    if (count > 0) out_.append(piece.data(), static_cast<std::size_t>(count));
+    if (out_.empty()) return 0;
+    const ssize_t sent = send(broker_.Number(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (sent < 0 && errno == EPIPE) {
+      // What the broker has said before it hung up is still to be read.
+      out_.clear();
+      return 0;
+    }
+    if (sent < 0) return IsNothingYet(errno) ? 0 : errno;
+    out_.erase(0, static_cast<std::size_t>(sent));
+  }
+}
+
+}  // namespace keplo::broker
