@@ -27,6 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{3};
 constexpr const char* kProbe = "probe";
+constexpr const char* kTlsStep = "secure connection";
 /// All that read signals take this for none.
 constexpr const char* kNoSignal = "null";
 
@@ -209,10 +210,10 @@ std::unique_ptr<Conversation> LogIn(const BrokerSettings& settings, const Topics
   }
 }
 
-/// Where the steps stand, for the name of the one that fails.
-std::string StepOf(const Refusal& refusal, const std::string& step) {
-  if (refusal.Kind == Trouble::Tls) return "secure connection";
-  return step;
+/// Whether the broker has said it, which it does over a secure connection that stands.
+bool IsAnswerToLogin(Trouble kind) {
+  return kind == Trouble::BadLogin || kind == Trouble::ClientId || kind == Trouble::Busy ||
+         kind == Trouble::TooLarge;
 }
 
 using TellStep = std::function<void(const std::string& step, const std::string& result)>;
@@ -227,8 +228,8 @@ void TryToTellHomeAssistant(Conversation& conversation, const Topics& topics, co
                                  : conversation.PublishAndSee({topics.Device(), kept, true});
   tell(step, seen ? "yes"
                   : "yes, but not to read it back, so that events which are deleted while no host runs stay "
-                    "there. Let this user read " +
-                        topics.Device() + ".");
+                    "there, and that it starts again may not be heard. Let this user read " +
+                        topics.Device() + " and " + topics.Birth() + ".");
 }
 
 /// @throws Refusal for a topic of which nothing is delivered
@@ -260,9 +261,13 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
     TryToConnect(addresses.get());
     tell(step, "yes");
     step = "login";
+    static_cast<void>(ReadPassword(settings));
+    if (!settings.Tls) tell(kTlsStep, "not asked for");
+    step = settings.Tls ? kTlsStep : "login";
     int version = 5;
     const auto conversation = LogIn(settings, topics, version);
-    tell("secure connection", settings.Tls ? "yes" : "not asked for");
+    if (settings.Tls) tell(kTlsStep, "yes");
+    step = "login";
     tell(step, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
     step = "right to subscribe";
     for (const std::string& topic : {topics.Check(), topics.Device(), topics.Birth()}) {
@@ -272,8 +277,12 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
     for (const CheckedReceivers& line : receivers) conversation->Subscribe(line.Filter);
     tell(step, "yes");
     step = "right to publish";
-    conversation->PublishAndSee({topics.Check(), kProbe});
+    const bool mayRead = conversation->PublishAndSee({topics.Check(), kProbe});
     tell(step, "yes");
+    if (settings.Send && !mayRead) {
+      step = "right to read";
+      throw Refusal{Trouble::NotAuthorized, "read " + topics.Send() + ", though it may subscribe"};
+    }
     step = "right to tell Home Assistant";
     TryToTellHomeAssistant(*conversation, topics, tell);
     for (const CheckedReceivers& line : receivers) {
@@ -284,7 +293,11 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
     }
     return true;
   } catch (const Refusal& refusal) {
-    tell(StepOf(refusal, step), TextOf(refusal, settings));
+    if (step == kTlsStep && IsAnswerToLogin(refusal.Kind)) {
+      tell(step, "yes");
+      step = "login";
+    }
+    tell(step, TextOf(refusal, settings));
   } catch (const Failure& failure) {
     tell(step, failure.what());
   }
