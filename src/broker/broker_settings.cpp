@@ -78,9 +78,11 @@ const std::vector<SettingRow>& Rows() {
   const auto some = [](const std::string& text) { return !text.empty(); };
   constexpr std::string_view prefix = "words with / between, without +, #, $ and blanks";
   static const std::vector<SettingRow> rows = {
-      TextRow("host", &BrokerSettings::Host, "the name or address of the broker",
+      TextRow("host", &BrokerSettings::Host, "the name or address of the broker, without its port",
               [](const std::string& text) {
-                return !text.empty() && text.find_first_of("/ ") == std::string::npos;
+                // An address of IPv6 has several colons.
+                return !text.empty() && text.find_first_of("/ ") == std::string::npos &&
+                       std::count(text.begin(), text.end(), ':') != 1;
               }),
       PortRow(),
       SwitchRow("tls", &BrokerSettings::Tls),
@@ -197,6 +199,10 @@ BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem:
   if (settings.Certificate.empty() != settings.Key.empty()) {
     Refuse(file, LineOfKey(text, settings.Key.empty() ? "certificate" : "key"),
            "a client's certificate and its key come together; expected are \"certificate\" and \"key\".");
+  }
+  if (settings.User.empty() && !settings.PasswordFile.empty()) {
+    Refuse(file, LineOfKey(text, "password_file"),
+           "a password belongs to a user; expected is \"user\" beside \"password_file\".");
   }
   const std::string ofTls = !settings.Ca.empty() ? "ca" : !settings.Certificate.empty() ? "certificate" : "";
   if (!settings.Tls && !ofTls.empty()) {
