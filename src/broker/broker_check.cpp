@@ -25,7 +25,7 @@ namespace keplo::broker {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{3};
+constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{2};
 constexpr const char* kProbe = "probe";
 constexpr const char* kTlsStep = "secure connection";
 /// All that read signals take this for none.

@@ -36,12 +36,11 @@ std::string AboutTls(const std::string& detail, const BrokerSettings& settings) 
     return "the broker does not know who signed our certificate; set \"certificate\" to one that it knows.";
   }
   if (Says(detail, "certificate verify failed")) {
-    return settings.Ca.empty()
-               ? "none of the system's authorities vouches for it; set \"ca\" to the certificate of the "
-                 "authority that signed the broker's."
-               : "the authority in " + settings.Ca +
-                     " does not vouch for it; set \"ca\" to the certificate of the authority that signed "
-                     "the broker's, and look whether that has expired.";
+    return (settings.Ca.empty() ? "none of the system's authorities vouches for it"
+                                : "the authority in " + settings.Ca + " does not vouch for it") +
+           "; set \"ca\" to the certificate of the authority that signed the broker's, and look whether one "
+           "of "
+           "the two has expired and whether the clock of this machine is right.";
   }
   if (Says(detail, "wrong version number") || Says(detail, "packet length too long")) {
     return "what answers there does not speak TLS; set \"port\" to the broker's TLS port, or \"tls\" to "

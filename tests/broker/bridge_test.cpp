@@ -1,5 +1,6 @@
 #include "broker/bridge.h"
 
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "broker/broker_check.h"
@@ -216,6 +217,27 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
     EXPECT_TRUE(program.Logs(refusal.Said)) << refusal.Name << ": " << program.Log;
   }
   EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, {}, [](const auto&, const auto&) {}));
+}
+
+TEST_F(BrokerBridge, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
+  folder_.Write("access",
+                "topic readwrite #\n\nuser deaf\ntopic readwrite keplo/#\ntopic write homeassistant/#\n"
+                "topic write rooms/#\n");
+  const MosquittoServer server(folder_, "allow_anonymous true\nacl_file " + (folder_ / "access") + "\n");
+  Observer observer(server.Port());
+  const std::string config = "homeassistant/device/keplo-0123abcd/config";
+  observer.Publish(config, "{}", /*retain=*/true);
+  ASSERT_TRUE(observer.Sees(config, 1));
+  BrokerSettings settings = Settings(server.Port());
+  const CheckedReceivers rooms[] = {{"rooms/+/ir", {"rooms/kitchen/ir"}}};
+  EXPECT_TRUE(CheckBroker(settings, kIdentity, rooms, [](const auto&, const auto&) {}));
+  settings.User = "deaf";
+  std::map<std::string, std::string> said;
+  EXPECT_FALSE(CheckBroker(settings, kIdentity, rooms,
+                           [&](const std::string& step, const std::string& result) { said[step] = result; }));
+  EXPECT_NE(said["right to tell Home Assistant"].find("not to read it back"), std::string::npos);
+  EXPECT_NE(said["right to hear rooms/kitchen/ir"].find("access list"), std::string::npos);
+  for (const auto& told : observer.All(config)) EXPECT_EQ(told.Payload, "{}") << "it takes the device out";
 }
 
 TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
