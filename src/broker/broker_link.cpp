@@ -54,24 +54,41 @@ class Connector {
   void Run() {
     while (!mailbox_->IsClosed()) {
       std::optional<Clock::time_point> upSince;
-      const std::optional<Refusal> refusal = RunSession(upSince);
+      const std::optional<Refusal> refusal = RunSession(purpose_, upSince);
       if (!refusal) return;
       Pause(After(*refusal, upSince));
+      if (takenOver_ && purpose_.SpeaksForDevice) GiveWay();
     }
   }
 
  private:
-  std::optional<Refusal> RunSession(std::optional<Clock::time_point>& upSince) {
+  /// Stays away from a host of the same identity until that one has gone.
+  void GiveWay() {
+    LinkPurpose watch;
+    watch.ClientId = purpose_.ClientId + "-watch-" + std::to_string(random_());
+    watch.SpeaksForDevice = false;
+    watch.Topics = {topics_.Status()};
+    watch.WatchFor = "offline";
+    std::optional<Clock::time_point> upSince;
+    const std::optional<Refusal> end = RunSession(watch, upSince);
+    if (!end || end->Detail != watch.WatchFor) return;
+    told_.clear();
+    tries_ = 0;
+  }
+
+  std::optional<Refusal> RunSession(const LinkPurpose& purpose, std::optional<Clock::time_point>& upSince) {
     try {
       MosquittoClient::Login login;
-      login.ClientId = purpose_.ClientId;
+      login.ClientId = purpose.ClientId;
       login.User = settings_.User;
       login.Password = ReadPassword(settings_);
-      if (purpose_.SpeaksForDevice) login.LastWill = {topics_.Status(), "offline", true};
+      if (purpose.SpeaksForDevice) login.LastWill = {topics_.Status(), "offline", true};
       login.ProtocolVersion = version_;
-      Session session(settings_, topics_, purpose_, login, *mailbox_, pressesUnheard_);
-      session.WhenUp = [this] { TellUp(); };
-      session.WhenAnswering = [this] { TellDropped(); };
+      Session session(settings_, topics_, purpose, login, *mailbox_, pressesUnheard_);
+      if (purpose.WatchFor.empty()) {
+        session.WhenUp = [this] { TellUp(); };
+        session.WhenAnswering = [this] { TellDropped(); };
+      }
       auto refusal = session.Run();
       upSince = session.UpSince();
       return refusal;
@@ -82,7 +99,7 @@ class Connector {
 
   void TellUp() {
     // Thrown off again and again, the text would come as often.
-    if (told_ == Trouble::TakenOver) return;
+    if (told_.count(Trouble::TakenOver) > 0) return;
     mailbox_->PutReport({/*IsTrouble=*/false, purpose_.Up});
     TellDropped();
   }
@@ -99,16 +116,18 @@ class Connector {
   /// @return how long to wait
   milliseconds After(Refusal refusal, std::optional<Clock::time_point> upSince) {
     const bool wasShort = upSince && Clock::now() - *upSince < kShortConnection;
-    shortOnes_ = wasShort && refusal.Kind == Trouble::Lost ? shortOnes_ + 1 : 0;
-    if (shortOnes_ >= kShortConnectionsOfTwins) {
+    if (upSince) shortOnes_ = wasShort && refusal.Kind == Trouble::Lost ? shortOnes_ + 1 : 0;
+    if (wasShort && shortOnes_ >= kShortConnectionsOfTwins) {
       refusal = {Trouble::TakenOver, ""};
       shortOnes_ = kShortConnectionsOfTwins;
     }
-    if (upSince && !wasShort) tries_ = 0;
-    if (upSince && refusal.Kind != Trouble::TakenOver) told_.reset();
+    takenOver_ = refusal.Kind == Trouble::TakenOver;
+    if (upSince && !wasShort) {
+      tries_ = 0;
+      told_.clear();
+    }
     const bool known = KnowsOlderProtocol(refusal, upSince.has_value());
-    if (!known && told_ != refusal.Kind) {
-      told_ = refusal.Kind;
+    if (!known && told_.insert(refusal.Kind).second) {
       mailbox_->PutReport({/*IsTrouble=*/true,
                            TextOf(refusal, settings_) + " Until it is back, " + purpose_.WhileAway + "."});
     }
@@ -158,7 +177,8 @@ class Connector {
   int version_ = 5;
   int tries_ = 0, shortOnes_ = 0;
   std::size_t droppedBefore_ = 0;
-  std::optional<Trouble> told_;
+  bool takenOver_ = false;  // by another host of the same identity
+  std::set<Trouble> told_;  // since a connection lasted
 };
 
 }  // namespace

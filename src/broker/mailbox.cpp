@@ -99,14 +99,15 @@ bool Mailbox::ForgetsAtEnd() const {
   return forgets_;
 }
 
-void Mailbox::PutIncoming(Incoming message) {
+bool Mailbox::PutIncoming(Incoming message) {
   std::unique_lock lock(mutex_);
   if (incoming_.size() >= mostIncoming_) {
     ++overflow_;
-    return;
+    return false;
   }
   incoming_.push_back(std::move(message));
   WakeProgram(lock);
+  return true;
 }
 
 void Mailbox::PutReport(Report report) {

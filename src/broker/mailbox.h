@@ -73,7 +73,8 @@ class Mailbox {
   std::string Device() const;
   bool IsClosed() const;
   bool ForgetsAtEnd() const;
-  void PutIncoming(Incoming message);
+  /// @return whether it fits
+  bool PutIncoming(Incoming message);
   void PutReport(Report report);
   void SetUp(bool up);
   /// Counts news that the broker has confirmed.

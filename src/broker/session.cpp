@@ -21,6 +21,8 @@ using namespace std::chrono_literals;
 /// A broker that accepts a connection and says nothing for so long will not.
 constexpr std::chrono::seconds kLongestHandshake{10};
 constexpr std::chrono::seconds kKeepAliveLook{1};
+/// From a broker that sends more than is taken nothing is read for so long, or it would have the processor.
+constexpr std::chrono::milliseconds kRest{20};
 constexpr std::chrono::seconds kLongestGoodbye{1};
 /// Messages on their way; brokers take at least 20 of most clients.
 constexpr std::size_t kMostUnconfirmed = 16;
@@ -68,7 +70,7 @@ std::optional<Refusal> Session::Run() {
     Wait();
     if (!refusal_) Step();
   }
-  if (!refusal_ && IsUp()) SayGoodbye();
+  if (!refusal_ && IsUp() && purpose_.WatchFor.empty()) SayGoodbye();
   for (const News& news : waiting_) Drop(news);
   // Whether these have arrived nobody knows; to tell them again would make two of one.
   for (const auto& [message, sent] : unconfirmed_) mailbox_.CountDropped(sent.Told);
@@ -80,6 +82,7 @@ std::chrono::milliseconds Session::UntilNextStep() const {
   const Clock::time_point now = Clock::now();
   Clock::time_point next = now + kKeepAliveLook;
   if (device_.DueAgain) next = std::min(next, *device_.DueAgain);
+  if (now < restsUntil_) next = std::min(next, restsUntil_);
   if (!waiting_.empty()) next = std::min(next, waiting_.front().Made + kFresh);
   for (const auto& [message, sent] : unconfirmed_) {
     const Clock::time_point tooLate = sent.Told.Made + kFresh;
@@ -90,7 +93,8 @@ std::chrono::milliseconds Session::UntilNextStep() const {
 
 void Session::Wait() {
   const int socket = client_.Socket();
-  const auto wanted = static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN);
+  const bool rests = Clock::now() < restsUntil_;
+  const auto wanted = static_cast<short>((rests ? 0 : POLLIN) | (client_.WantsWrite() ? POLLOUT : 0));
   std::array<pollfd, 2> watched{{{socket, wanted, 0}, {mailbox_.WakeDescriptor(), POLLIN, 0}}};
   poll(watched.data(), watched.size(), static_cast<int>(UntilNextStep().count()));
   if (watched[1].revents != 0) mailbox_.Calm();
@@ -104,19 +108,21 @@ void Session::Step() {
     lastKeepAlive_ = now;
     Check(client_.KeepAlive());
   }
-  if (!IsUp()) {
-    for (const News& news : mailbox_.TakeNews()) Drop(news);
-    if (!refusal_ && now - begun_ > kLongestHandshake) {
-      refusal_ = Refusal{Trouble::Unreachable, "it accepts connections and then says nothing"};
-    }
-    return;
-  }
+  if (!IsUp() || !purpose_.WatchFor.empty()) return StepAside();
   if (device_.DueAgain && now >= *device_.DueAgain) AnnounceAll();
   const std::string device = mailbox_.Device();
   if (device != device_.Now) AnnounceDevice(device);
   TakeNews();
   SendNews();
   AbandonWhatHangs();
+}
+
+/// Nothing can be told now.
+void Session::StepAside() {
+  for (const News& news : mailbox_.TakeNews()) Drop(news);
+  if (refusal_ || seesOther_ || Clock::now() - begun_ < kLongestHandshake) return;
+  refusal_ = IsUp() ? Refusal{Trouble::Lost, "nobody is seen"}
+                    : Refusal{Trouble::Unreachable, "it accepts connections and then says nothing"};
 }
 
 void Session::Check(int error) {
@@ -130,17 +136,22 @@ void Session::OnConnectAnswer(int reason, int receiveMaximum) {
     return;
   }
   using Scope = MosquittoClient::Scope;
-  upSince_ = Clock::now();
   // What is more the library keeps to itself, and sends when nobody wants it any more.
   mostUnconfirmed_ = std::min(kMostUnconfirmed, static_cast<std::size_t>(receiveMaximum));
-  mailbox_.SetUp(true);
-  if (WhenUp) WhenUp();
   for (const std::string& topic : purpose_.Topics) Subscribe(topic, Scope::OthersAsPublished);
   if (!purpose_.SpeaksForDevice) return;
   Subscribe(topics_.Birth(), Scope::Others);
   // What an earlier run has announced, for what of it is gone.
   Subscribe(topics_.Device(), Scope::Others);
   AnnounceAll();
+}
+
+/// A broker that says no more than yes is none yet.
+void Session::NoteAnswer() {
+  if (IsUp()) return;
+  upSince_ = Clock::now();
+  mailbox_.SetUp(purpose_.WatchFor.empty());
+  if (WhenUp) WhenUp();
 }
 
 void Session::OnHangUp(int reason) {
@@ -157,6 +168,7 @@ void Session::OnHangUp(int reason) {
 }
 
 void Session::OnPublished(int message, int reason) {
+  NoteAnswer();
   std::string topic;
   if (const auto sent = unconfirmed_.extract(message); !sent.empty()) {
     topic = sent.mapped().Topic;
@@ -172,11 +184,13 @@ void Session::OnPublished(int message, int reason) {
 }
 
 void Session::OnSubscribed(int message, bool granted) {
+  NoteAnswer();
   const auto topic = topicOf_.extract(message);
   if (!granted && !topic.empty()) TellRefused("subscribe to ", topic.mapped(), "");
 }
 
 void Session::OnUnsubscribed(int message) {
+  NoteAnswer();
   if (question_ != message) return;
   question_.reset();
   alive_ = asked_;
@@ -184,6 +198,11 @@ void Session::OnUnsubscribed(int message) {
 }
 
 void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
+  if (!purpose_.WatchFor.empty()) {
+    seesOther_ = true;
+    if (payload == purpose_.WatchFor) refusal_ = Refusal{Trouble::Lost, purpose_.WatchFor};
+    return;
+  }
   if (purpose_.SpeaksForDevice && topic == topics_.Birth()) {
     if (payload == "online" && !retained && !device_.DueAgain) device_.DueAgain = Clock::now() + BirthWait();
     return;
@@ -195,7 +214,9 @@ void Session::OnMessage(std::string_view topic, std::string_view payload, bool r
     return;
   }
   // One byte more than is taken is enough to refuse it by.
-  mailbox_.PutIncoming({std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
+  const bool fits = mailbox_.PutIncoming(
+      {std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
+  if (!fits) restsUntil_ = Clock::now() + kRest;
 }
 
 void Session::Subscribe(const std::string& topic, MosquittoClient::Scope scope) {

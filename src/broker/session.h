@@ -36,7 +36,7 @@ class Session : private ClientEvents {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs when the broker has let us in.
+  /// Runs when the broker has let us in and answers.
   std::function<void()> WhenUp;
 
   /// Runs when the broker answers again after a question.
@@ -46,7 +46,7 @@ class Session : private ClientEvents {
   /// @return why it ended; none if the mailbox was closed
   std::optional<Refusal> Run();
 
-  /// Whether the broker has let us in, and since when.
+  /// Whether the broker has let us in and answers, and since when.
   std::optional<std::chrono::steady_clock::time_point> UpSince() const { return upSince_; }
 
  private:
@@ -75,6 +75,8 @@ class Session : private ClientEvents {
   void Wait();
   std::chrono::milliseconds UntilNextStep() const;
   void Step();
+  void StepAside();
+  void NoteAnswer();
   void Subscribe(const std::string& topic, MosquittoClient::Scope scope);
   void AnnounceAll();
   void AnnounceDevice(const std::string& message);
@@ -107,9 +109,10 @@ class Session : private ClientEvents {
   Clock::time_point asked_, alive_;     // when it was put, and when the last one that was answered
   std::map<int, Sent> unconfirmed_;     // by message
   std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
+  bool seesOther_ = false;              // while it watches for the end of another
   std::size_t mostUnconfirmed_;
   std::set<std::string> toldRefused_;
-  Clock::time_point lastKeepAlive_ = begun_;
+  Clock::time_point lastKeepAlive_ = begun_, restsUntil_ = begun_;
 };
 
 }  // namespace keplo::broker
