@@ -191,9 +191,9 @@ void Session::OnSubscribed(int message, bool granted) {
 
 void Session::OnUnsubscribed(int message) {
   NoteAnswer();
-  if (question_ != message) return;
-  question_.reset();
-  alive_ = asked_;
+  if (life_.Question != message) return;
+  life_.Question.reset();
+  life_.Alive = life_.Asked;
   if (WhenAnswering) WhenAnswering();
 }
 
@@ -272,21 +272,21 @@ void Session::SendNews() {
     waiting_.pop_front();
   }
   if (waiting_.empty() || refusal_) return;
-  while (!waiting_.empty() && waiting_.front().Made <= alive_ &&
+  while (!waiting_.empty() && waiting_.front().Made <= life_.Alive &&
          unconfirmed_.size() + topicOf_.size() < mostUnconfirmed_) {
     News news = std::move(waiting_.front());
     waiting_.pop_front();
     SendNow(std::move(news));
   }
-  if (!waiting_.empty() && waiting_.back().Made > alive_ && !question_) Ask();
+  if (!waiting_.empty() && waiting_.back().Made > life_.Alive && !life_.Question) Ask();
 }
 
 void Session::Ask() {
   int message = 0;
-  asked_ = Clock::now();
+  life_.Asked = Clock::now();
   // The answer to this changes nothing and every broker gives it to everybody.
   Check(client_.Unsubscribe(topics_.Check(), message));
-  question_ = message;
+  life_.Question = message;
 }
 
 /// What the machine of the broker has not taken by now would come there late, when the way is free again.

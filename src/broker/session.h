@@ -51,6 +51,11 @@ class Session : private ClientEvents {
 
  private:
   using Clock = std::chrono::steady_clock;
+  /// What shows that the broker has not stopped.
+  struct SignOfLife {
+    std::optional<int> Question;     // on its way
+    Clock::time_point Asked, Alive;  // when it was put, and when the last one that was answered
+  };
   struct Sent {
     News Told;
     std::string Topic;
@@ -104,9 +109,8 @@ class Session : private ClientEvents {
   const Clock::time_point begun_ = Clock::now();
   std::optional<Clock::time_point> upSince_;
   Announced device_;
-  std::deque<News> waiting_;            // for the broker's sign of life
-  std::optional<int> question_;         // that asks for it
-  Clock::time_point asked_, alive_;     // when it was put, and when the last one that was answered
+  std::deque<News> waiting_;            // to be told
+  SignOfLife life_;                     // which they wait for
   std::map<int, Sent> unconfirmed_;     // by message
   std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
   bool seesOther_ = false;              // while it watches for the end of another
