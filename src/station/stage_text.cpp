@@ -46,7 +46,9 @@ std::string WhyNotDispatched(const DispatchReport& dispatched, const std::string
     case DispatchEnd::NotStored:
       return "code G" + digits + " belongs to no learned command";
     case DispatchEnd::NoZoneAnswer:
-      return dispatched.Reference + ": the zone hardware gave no answer";
+      return dispatched.Reference +
+             ": nobody tells its zone; the zone hardware gave no answer, or its room has no number in "
+             "ports.conf";
     case DispatchEnd::NotReached:
       return "the press could not be handled";
     case DispatchEnd::OtherZone:
