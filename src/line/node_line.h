@@ -41,6 +41,7 @@ class NodeLine : public DeviceLine {
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
   const SignalOrigin* Origin() const override { return origin_ ? &*origin_ : nullptr; }
+  std::span<const int> ToldLengths() const override { return toldLengths_; }
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;
@@ -94,6 +95,7 @@ class NodeLine : public DeviceLine {
 
   DeviceCalls& calls_;
   std::optional<SignalOrigin> origin_;  // of the last capture
+  PulseTrain toldLengths_;  // of the last capture; empty where it was sampled
 
  private:
   bool Ready();

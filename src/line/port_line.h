@@ -51,6 +51,9 @@ class PortLine : public DeviceLine {
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
   const SignalOrigin* Origin() const override { return line_ ? line_->Origin() : nullptr; }
+  std::span<const int> ToldLengths() const override {
+    return line_ ? line_->ToldLengths() : std::span<const int>();
+  }
   std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   std::int32_t IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override;
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override;

@@ -55,6 +55,10 @@ class Win32Ser {
   /// at.
   virtual const SignalOrigin* Origin() const { return nullptr; }
 
+  /// The lengths of the last capture as the line was told them, microseconds, a mark first; empty for a line
+  /// that knows samples alone.
+  virtual std::span<const int> ToldLengths() const { return {}; }
+
   /// Waits for a signal, up to kLongestRecordWait, then samples as IRMonitor does. For the DCDStandard
   /// receiver, and for calibration with either receiver.
   /// @param limit largest number of bytes to fill

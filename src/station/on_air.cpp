@@ -36,6 +36,30 @@ std::string Send(const Settings& settings, Win32Ser& line, const Transmission& t
   return {};
 }
 
+std::vector<std::int32_t> TimingsOf(const KeploMod& mod, std::span<const int> told) {
+  std::vector<std::int32_t> timings;
+  const auto add = [&](std::size_t place, std::int32_t length) {
+    timings.push_back(place % 2 == 0 ? length : -length);
+  };
+  // The silence at the end is not of the signal.
+  const std::size_t marks = told.empty() ? 0 : (told.size() - 1) / 2 * 2 + 1;
+  for (std::size_t place = 0; place < marks; ++place) add(place, told[place]);
+  if (marks > 0) return timings;
+  SampleWords samples;
+  samples.Read(mod.Signal.RawCapture);
+  RunReader reader;
+  const RunSpan runs = reader.Read(samples);
+  const double sample = SampleTimeOf(mod.Settings.ProcDelay);
+  // A capture that began within a space has a first mark of no length.
+  const std::size_t first = !runs.empty() && runs.front() == 0 ? 2 : 0;
+  const std::size_t end =
+      EndsInMark(runs) ? runs.size() : runs.size() - std::min<std::size_t>(runs.size(), 1);
+  for (std::size_t place = first; place < end; ++place) {
+    add(place, static_cast<std::int32_t>(std::lround(runs[place] * sample)));
+  }
+  return timings;
+}
+
 }  // namespace
 
 HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickReport& tick) {
@@ -44,20 +68,7 @@ HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickRepo
     if (origin->IsPublic) return heard;
     heard.Zone = origin->Zone;
   }
-  SampleWords samples;
-  samples.Read(mod.Signal.RawCapture);
-  RunReader reader;
-  const RunSpan runs = reader.Read(samples);
-  const double sample = SampleTimeOf(mod.Settings.ProcDelay);
-  // A capture that began within a space has a first mark of no length.
-  std::size_t first = !runs.empty() && runs.front() == 0 ? 2 : 0;
-  // The silence at the end is not of the signal.
-  const std::size_t end =
-      EndsInMark(runs) ? runs.size() : runs.size() - std::min<std::size_t>(runs.size(), 1);
-  for (; first < end; ++first) {
-    const auto length = static_cast<std::int32_t>(std::lround(runs[first] * sample));
-    heard.Timings.push_back(first % 2 == 0 ? length : -length);
-  }
+  heard.Timings = TimingsOf(mod, line.ToldLengths());
   if (!tick.Reading.HasCode()) return heard;
   const bool isRaw = tick.Reading.Ended == Stage::Raw;
   heard.Protocol = isRaw ? "RAW" : ProtoKindName(mod.Signal.Measured.ProtoKind);

@@ -106,6 +106,8 @@ TEST_F(RoomLineTest, TellsEachPressAtOnceAndFromWhichRoom) {
   const int bath = line_->Origin()->Place;
   EXPECT_NE(Capture(), first);
   EXPECT_EQ(QueryZone(*line_), 5);
+  EXPECT_EQ(PulseTrain(line_->ToldLengths().begin(), line_->ToldLengths().end()),
+            (PulseTrain{2400, 600, 1200}));
   EXPECT_NE(line_->Origin()->Place, bath);
   EXPECT_EQ(Capture(), first);
   EXPECT_EQ(QueryZone(*line_), kNoZone) << "a room without a number";

@@ -279,6 +279,7 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
   const double silence = used % 2 == 0 ? 0.0 : microseconds(kEndSilence).count();
   CopySignal(SignalOfPress(Press(press), buffer.size(), options),
              static_cast<std::size_t>((heard + silence) / options.SampleTime), buffer);
+  toldLengths_ = std::move(press);
   return true;
 }
 

@@ -121,6 +121,7 @@ bool RoomLine::Capture(std::span<char> buffer, std::int32_t delay) {
   HeardPress press = std::move(heard_.front());
   heard_.pop_front();
   origin_ = press.Origin;
+  toldLengths_ = press.Train;
   CopySignal(SignalOfPress(Press(std::move(press.Train)), buffer.size(), options), 0, buffer);
   return true;
 }

@@ -243,6 +243,7 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
     NoticeLoss();
     return IsOpen();
   }
+  toldLengths_ = press.Train;
   NoteOrigin(begin, press.Train, std::chrono::ceil<std::chrono::microseconds>(full - begin));
   CopySignal(SignalOfPress(Press(press.Train), buffer.size(), options),
              static_cast<std::size_t>((end - begin) / SampleTimeOf(options)), buffer);
@@ -276,6 +277,7 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   log_.Clear();
   // Only lengths can be freed of what the receiver did to them.
   const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
+  toldLengths_.clear();
   CopySignal(SignalOfPress(Press(press), buffer.size(), options), report.Samples, buffer);
   return true;
 }
