@@ -26,6 +26,7 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/raw/raw_digits.h"
+#include "signal/send_as.h"
 #include "signal/zone_link.h"
 
 namespace keplo::cli {
@@ -74,7 +75,7 @@ void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
   if (!LoadProtocolParams(mod.Store.CfgText, protocol, mod.ProtocolParams, mod.Signal.Measured.ProtoKind)) {
     throw Refused(RefusalText({Refusal::NoSection, protocol}));
   }
-  if (analysis == Analysis::First) mod.ProtocolParams.SENDAS.clear();
+  if (analysis == Analysis::First) mod.ProtocolParams.SENDAS = WithoutWays(mod.ProtocolParams.SENDAS);
 }
 
 /// @param sent transmissions so far: each has its own toggle digit or its own form

@@ -212,6 +212,15 @@ class Planner {
     if (group == groups_.end()) group = groups_.insert(group, KeyGroup{SectionGroup(section), {}});
     group->Group.Add(*key.Coded, key.Carrier);
     group->Keys.push_back(place);
+    if (const int silence = group->Group.LengthenedSilence(*key.Coded); silence > 0) {
+      AddReason(plan_.Keys[place], "its repeats follow after " + std::to_string(silence) +
+                                       " us, since no section has the file's " +
+                                       std::to_string(SilenceBehind(*key.Coded)));
+    }
+  }
+
+  static void AddReason(PlannedKey& planned, const std::string& reason) {
+    planned.Reason += (planned.Reason.empty() ? "" : "; ") + reason;
   }
 
   void AddToSection() {

@@ -4,21 +4,21 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <numeric>
 #include <utility>
 
 #include "config/generic_protocols.h"
 #include "config/transmission.h"
 #include "signal/decode.h"
+#include "signal/send_as.h"
 #include "signal/timing.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr int kUsualGap = 40'000;      // microseconds, where a file tells none
-constexpr int kShortestGap = 16;       // slots that a section may have between two frames
-constexpr int kGapTolerance = 10'000;  // microseconds that receivers do not mind
+constexpr int kUsualGap = 40'000;  // microseconds, where a file tells none
+constexpr int kShortestGap = 16;   // slots that a section may have between two frames
+constexpr int kCloseParts = 20;    // one of so many parts is 5 %, by which a silence may be off
 constexpr std::size_t kRc5Digits = 14;
 constexpr std::size_t kMostDigits = 512;  // of a code; longer signals are no key presses
 constexpr Pulse kShortSync = {16, 4};     // slots, of the only short repeat that a section sends
@@ -147,6 +147,10 @@ Repeat RepeatOf(const SectionSignal& section, const CodedSignal& signal) {
   if (isShort) again.ShortSync = InSlots(kShortSync, params.SENDPLS);
   const PulseTrain frame = SentFrame(section, signal.Digits), press = SentPress(section, signal.Digits);
   if (press.size() > frame.size()) again.Gap = press[frame.size()];
+  if (PeriodOf(params.SENDAS) > 0 && again.Gap > 0) {
+    again.Gap += FrameTime(signal);
+    again.FromStart = true;
+  }
   return again;
 }
 
@@ -231,34 +235,62 @@ void SectionGroup::TakeCarrier(const std::optional<int>& carrier) {
 bool SectionGroup::Takes(const CodedSignal& signal, const std::optional<int>& carrier) const {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   const bool sameKind = kind == kind_ || kind == RepeatKind::Unknown || kind_ == RepeatKind::Unknown;
-  return !isFixed_ && sameKind && HasCarrier(carrier) && HasGap(signal) && SendsFrame(section_, signal);
+  return !isFixed_ && sameKind && HasCarrier(carrier) && SendsFrame(section_, signal) &&
+         HasGap(signal, kind_ == RepeatKind::Unknown ? kind : kind_);
 }
 
-bool SectionGroup::HasGap(const CodedSignal& signal) const {
-  if (gaps_.empty() || SilenceBehind(signal) <= 0) return true;
-  const int slot = section_.Params.SENDPLS;
-  return std::abs(GapSlots(section_, signal, kind_) - MeanGap()) * slot <= kGapTolerance;
+void SectionGroup::Span::Take(int length) {
+  Least = Count == 0 ? length : std::min(Least, length);
+  Most = Count == 0 ? length : std::max(Most, length);
+  Sum += length;
+  ++Count;
 }
 
-int SectionGroup::MeanGap() const {
-  const std::int64_t sum = std::accumulate(gaps_.begin(), gaps_.end(), std::int64_t{0});
-  return static_cast<int>(sum / static_cast<std::int64_t>(gaps_.size()));
+int SectionGroup::Span::Farthest() const { return std::max(Mean() - Least, Most - Mean()); }
+
+bool SectionGroup::Rhythm::IsClose(const Span& lengths) const {
+  return kCloseParts * lengths.Farthest() <= std::max(Silences.Least, kCloseParts);
+}
+
+SectionGroup::Rhythm SectionGroup::RhythmWith(const CodedSignal& signal, RepeatKind kind) const {
+  Rhythm rhythm = rhythm_;
+  if (SilenceBehind(signal) <= 0) return rhythm;
+  const int silence = GapSlots(section_, signal, kind);
+  const auto frame = SentSlots(section_.Params, section_.ProtoKind, signal.Digits).size();
+  rhythm.Silences.Take(silence);
+  rhythm.Periods.Take(silence + static_cast<int>(frame));
+  return rhythm;
+}
+
+bool SectionGroup::HasGap(const CodedSignal& signal, RepeatKind kind) const {
+  if (rhythm_.IsEmpty() || SilenceBehind(signal) <= 0) return true;
+  const Rhythm rhythm = RhythmWith(signal, kind);
+  const bool isLengthened = rhythm.Silences.Least < kShortestGap;
+  if (isLengthened && rhythm_.Silences.Least >= kShortestGap) return false;
+  return isLengthened || rhythm.HasOneSilence() || rhythm.HasOnePeriod();
 }
 
 void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carrier) {
   const RepeatKind kind = KindInSlots(signal.Again, section_.Params.SENDPLS);
   if (kind_ == RepeatKind::Unknown) kind_ = kind;
   TakeCarrier(carrier);
-  if (SilenceBehind(signal) <= 0) return;
-  gaps_.push_back(GapSlots(section_, signal, kind_));
+  rhythm_ = RhythmWith(signal, kind_);
+}
+
+int SectionGroup::LengthenedSilence(const CodedSignal& signal) const {
+  const bool isShort = SilenceBehind(signal) > 0 && GapSlots(section_, signal, kind_) < kShortestGap;
+  return isShort && kind_ != RepeatKind::None ? kShortestGap * section_.Params.SENDPLS : 0;
 }
 
 SectionSignal SectionGroup::Section() const {
   SectionSignal section = section_;
   section.Params.Carrier = carrier_.value_or(kUsualCarrier);
-  if (!section.Params.SENDAS.empty()) return section;
-  const int slots = gaps_.empty() ? kUsualGap / section.Params.SENDPLS : MeanGap();
+  if (isFixed_ && !section.Params.SENDAS.empty()) return section;
+  const int slots = rhythm_.IsEmpty() ? kUsualGap / section.Params.SENDPLS : rhythm_.Silences.Mean();
   const auto gap = static_cast<std::int16_t>(std::clamp(slots, kShortestGap, kLongestNumber));
+  const bool hasPeriod = kind_ != RepeatKind::None && !rhythm_.IsEmpty() && !rhythm_.HasOneSilence() &&
+                         rhythm_.HasOnePeriod() && rhythm_.Periods.Mean() <= kLongestNumber;
+  if (hasPeriod) section.Params.SENDAS = SendEvery(rhythm_.Periods.Mean());
   switch (kind_) {
     case RepeatKind::None:
       section.Params.GREPEAT = 1;

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "formats/remote.h"
 #include "signal/protocol_params.h"
@@ -46,23 +45,46 @@ class SectionGroup {
   bool HasCarrier(const std::optional<int>& carrier) const;
   /// Sets the carrier of a group that has none yet.
   void TakeCarrier(const std::optional<int>& carrier);
-  /// Whether the section sends this signal too, with the same way to repeat it, a carrier within 1 %, and a
-  /// gap that is not far from the others. What a file does not say of it agrees with everything.
+  /// Whether the section sends this signal too, with the same way to repeat it, a carrier within 1 %, and the
+  /// silence behind it within 5 %. What a file does not say of it agrees with everything.
   bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
   void Add(const CodedSignal& signal, const std::optional<int>& carrier);
-  /// With REPEAT, GREPEAT and the carrier for all of them. Gaps that differ, as those of codes of one period
-  /// do, are sent as their mean.
+  /// The silence that is sent in the place of a shorter one, which no section has, microseconds; 0 if none
+  /// is.
+  int LengthenedSilence(const CodedSignal& signal) const;
+  /// With REPEAT, GREPEAT and the carrier for all of them. Silences that differ, as those of codes of one
+  /// period do, have their mean there, and the period in SENDAS.
   SectionSignal Section() const;
 
  private:
-  bool HasGap(const CodedSignal& signal) const;
-  int MeanGap() const;  // slots
+  /// Lengths that one is sent for.
+  struct Span {
+    int Least = 0, Most = 0;
+    std::int64_t Sum = 0, Count = 0;
+
+    void Take(int length);
+    int Mean() const { return static_cast<int>((Sum + Count / 2) / Count); }
+    int Farthest() const;  // from the mean
+  };
+
+  /// Silences and periods, slots.
+  struct Rhythm {
+    Span Silences, Periods;
+
+    bool IsEmpty() const { return Silences.Count == 0; }
+    bool HasOneSilence() const { return IsClose(Silences); }
+    bool HasOnePeriod() const { return IsClose(Periods); }
+    bool IsClose(const Span& lengths) const;
+  };
+
+  Rhythm RhythmWith(const CodedSignal& signal, RepeatKind kind) const;
+  bool HasGap(const CodedSignal& signal, RepeatKind kind) const;
 
   SectionSignal section_;
   RepeatKind kind_ = RepeatKind::Unknown;
   std::optional<int> carrier_;
-  bool isFixed_ = false;   // no signals of digits are added
-  std::vector<int> gaps_;  // slots
+  bool isFixed_ = false;  // no signals of digits are added
+  Rhythm rhythm_;
 };
 
 /// A stored code as a signal, for what is exported: digits where the patterns are of a line code, else the

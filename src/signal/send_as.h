@@ -7,8 +7,8 @@
 namespace keplo {
 
 // The value of SENDAS=, for codes that are sent in another way than sync, digits and repeats of a section
-// say. Its words stand apart by blanks: a way, which holds for all codes that can be sent in it, and notes,
-// each of which tells the way of a single code.
+// say. Its words stand apart by blanks: a way, which holds for all codes that can be sent in it, notes, each
+// of which tells the way of a single code, and the period of frames.
 
 /// RC6: a toggle of double length after the fourth digit, which each transmission turns over.
 inline constexpr std::string_view kSendAsRc6 = "RC6";
@@ -21,6 +21,16 @@ inline std::string SendInTurns(std::size_t digits) { return std::to_string(digit
 inline bool IsSentInTurns(std::string_view code, std::string_view way) {
   return !code.empty() && code.size() % 2 == 0 && way == SendInTurns(code.size() / 2);
 }
+
+/// The word for frames that follow each other at one period, however long they are.
+/// @param slots from the first slot of a frame to the first of the next
+std::string SendEvery(int slots);
+
+/// The period of frames, slots; 0 where the silence between them is what REPEAT and GREPEAT say.
+int PeriodOf(std::string_view sendAs);
+
+/// The value without ways and notes, which the first analysis does not receive.
+std::string WithoutWays(std::string_view sendAs);
 
 /// The way in which a code is sent, by a note or by what holds for all; empty for the usual one.
 /// @param code digits without the leading G; of RC5 with 0 for the toggle digit

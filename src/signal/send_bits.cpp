@@ -39,17 +39,20 @@ std::size_t TurnGap(const ProtocolParams& params) {
   return Slots(std::max({params.REPEAT, params.GREPEAT, kLeastTurnGap}));
 }
 
+constexpr int kShortestSilence = 16;  // slots, that a period leaves behind a longer frame
+
 /// A little more than the transmission will be long.
 std::size_t LengthBound(std::string_view code, std::string_view way, const ProtocolParams& params) {
+  const auto period = static_cast<std::size_t>(PeriodOf(params.SENDAS)) + kShortestSilence;
   if (IsSentInTurns(code, way)) {
     return kTurns * (FrameLength(code, params) + params.BITG.size() + 2 * (TurnGap(params) + 1));
   }
   const std::size_t frame = FrameLength(code, params);
   std::size_t repeat = 0;
   if (params.REPEAT != 0) {
-    repeat = Slots(params.REPEAT) + frame;
+    repeat = std::max(Slots(params.REPEAT), period) + frame;
   } else if (params.GREPEAT > 1) {
-    repeat = Slots(params.GREPEAT) + ShortRepeat().size();
+    repeat = std::max(Slots(params.GREPEAT), period) + ShortRepeat().size();
   }
   return frame + kRepeats * repeat;
 }
@@ -91,13 +94,29 @@ ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
   return params;
 }
 
-/// What follows the frame, and follows it as often as kRepeats.
+/// What follows the frame behind a silence, and follows it as often as kRepeats.
 std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
   const bool ownSync = params.GREPEAT > 1;
-  if (params.REPEAT == 0) {
-    return ownSync ? std::string(Slots(params.GREPEAT), '0') + ShortRepeat() : std::string();
+  if (params.REPEAT == 0) return ownSync ? ShortRepeat() : std::string();
+  return (ownSync ? params.BITG : "") + body;
+}
+
+/// Silence behind a frame or repeat, slots.
+std::size_t SilenceBehind(const std::string& frame, const ProtocolParams& params) {
+  if (const int period = PeriodOf(params.SENDAS); period > 0) {
+    return static_cast<std::size_t>(std::max(period - static_cast<int>(frame.size()), kShortestSilence));
   }
-  return std::string(Slots(params.REPEAT), '0') + (ownSync ? params.BITG : "") + body;
+  return Slots(params.REPEAT != 0 ? params.REPEAT : params.GREPEAT);
+}
+
+/// A frame and its repeats.
+std::string WithRepeats(std::string frame, const std::string& repeat, const ProtocolParams& params) {
+  if (repeat.empty()) return frame;
+  const std::string silence(SilenceBehind(frame, params), '0');
+  const std::string next = repeat + std::string(SilenceBehind(repeat, params), '0');
+  frame += silence;
+  for (std::size_t count = 1; count < kRepeats; ++count) frame += next;
+  return frame + repeat;
 }
 
 }  // namespace
@@ -117,11 +136,7 @@ std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolPar
   if (protoKind == kRc5 && !isRc6) WriteToggle(code, rc5Toggle);
   if (isRc6) rc5Toggle = !rc5Toggle;
   const std::string body = isRc6 ? Rc6Halves(code, rc5Toggle, sent.BIT1, sent.BIT0) : FrameBody(code, params);
-  const std::string repeat = RepeatSlots(body, sent);
-  std::string slots = sent.BITG + body;
-  slots.reserve(slots.size() + kRepeats * repeat.size());
-  for (std::size_t count = 0; count < kRepeats; ++count) slots += repeat;
-  return slots;
+  return WithRepeats(sent.BITG + body, RepeatSlots(body, sent), sent);
 }
 
 std::string PadToBytes(std::string slots) {

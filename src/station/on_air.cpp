@@ -14,6 +14,7 @@
 #include "signal/runs.h"
 #include "signal/sample_time.h"
 #include "signal/sample_words.h"
+#include "signal/send_as.h"
 #include "signal/send_bits.h"
 #include "signal/timing.h"
 #include "signal/zone_link.h"
@@ -101,7 +102,7 @@ std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view referenc
   std::int16_t kind = kUnknown;
   const std::string stored = StoredProtocol(mod.Store.CfgText, protocol).value_or(protocol);
   if (!LoadProtocolParams(mod.Store.CfgText, stored, params, kind)) return unknown;
-  if (mod.Settings.Analysis == Analysis::First) params.SENDAS.clear();
+  if (mod.Settings.Analysis == Analysis::First) params.SENDAS = WithoutWays(params.SENDAS);
   const bool isRaw = AreRawDigits(std::string_view(command->Code).substr(1));
   if (isRaw && FindRawSignal(mod.Store, command->Code) == nullptr) {
     return "the lengths of " + std::string(reference) + " are missing or damaged";

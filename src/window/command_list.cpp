@@ -11,6 +11,7 @@
 #include "config/raw_lookup.h"
 #include "config/read_settings.h"
 #include "config/send_as_line.h"
+#include "signal/send_as.h"
 #include "window/file_watch.h"
 #include "window/recorded_signal.h"
 
@@ -123,8 +124,8 @@ bool CommandList::LoadParams() {
 
 void CommandList::LoadWays() {
   const auto section = FindSection(mod_.Store.CfgText, mod_.Store.CurProtocol);
-  const bool hasNone = !section || mod_.Settings.Analysis == Analysis::First;
-  mod_.ProtocolParams.SENDAS = hasNone ? std::string() : SendAsOf(mod_.Store.CfgText, *section);
+  const std::string value = section ? SendAsOf(mod_.Store.CfgText, *section) : std::string();
+  mod_.ProtocolParams.SENDAS = mod_.Settings.Analysis == Analysis::First ? WithoutWays(value) : value;
 }
 
 void CommandList::ReloadCommands() {

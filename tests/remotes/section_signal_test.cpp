@@ -74,6 +74,34 @@ TEST(SectionSignal, SendsWhatTheFileSays) {
   CodedSignal tooQuick = *Key("A", Digits(7)).Coded;
   tooQuick.Again = quick.Again;
   EXPECT_EQ(SectionFor(tooQuick, {}).Params.REPEAT, 16);
+  SectionGroup group(*SectionOf(tooQuick));
+  group.Add(tooQuick, {});
+  EXPECT_EQ(group.LengthenedSilence(tooQuick), 16 * group.Section().Params.SENDPLS);
+  EXPECT_EQ(group.LengthenedSilence(*Key("A", Digits(7)).Coded), 0);
+}
+
+TEST(SectionSignal, SendsCodesOfOnePeriodInOneSection) {
+  std::vector<RemoteKey> keys;
+  for (const int digits : {12, 15, 20}) {
+    for (unsigned number = 1; number <= 5; ++number) keys.push_back(Key("A", Digits(number, digits), "SONY"));
+  }
+  SectionGroup group(*SectionOf(*keys.front().Coded));
+  for (const RemoteKey& key : keys) {
+    ASSERT_TRUE(group.Takes(*key.Coded, key.Carrier));
+    group.Add(*key.Coded, key.Carrier);
+  }
+  for (const RemoteKey& key : keys) {
+    ExpectSends(group.Section(), *key.Coded);
+    const CodedSignal again = *KeyOfCode(group.Section(), key.Coded->Digits).Coded;
+    EXPECT_TRUE(again.Again.FromStart) << "in an export too";
+    EXPECT_NEAR(again.Again.Gap, 45'000, 600);
+  }
+  // Another period makes another section, and so does a gap that is shorter than the slots have it.
+  for (const int period : {40'000, 40'600 - 20'000}) {
+    CodedSignal other = *keys.front().Coded;
+    other.Again.Gap = period;
+    EXPECT_FALSE(group.Takes(other, {})) << period;
+  }
 }
 
 TEST(SectionSignal, IsHeardAgainAsTheSameDigits) {

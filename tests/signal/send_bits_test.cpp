@@ -85,6 +85,22 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle).substr(0, first.size()), first) << "a single frame";
 }
 
+TEST(BuildSendBits, SendsFramesOfAnyLengthAtOnePeriod) {
+  const std::string frame = "111101101", ditto = std::string(16, '1') + "00001";
+  ProtocolParams params = Params(kSony, 50, 50);
+  params.SENDAS = "6 PERIOD30 " + NoteOfWay("1", "");
+  EXPECT_EQ(Sent(kSony, "10", params), frame + FourTimes(Silence(21) + frame));
+  EXPECT_EQ(Sent(kSony, "", params), "1111" + FourTimes(Silence(26) + "1111"));
+  params.GREPEAT = 1;
+  const std::string body = "01101";
+  EXPECT_EQ(Sent(kSony, "10", params),
+            frame + Silence(21) + body + Silence(25) + body + Silence(25) + body + Silence(25) + body);
+  params = Params(kNec, 0, 50);
+  params.SENDAS = SendEvery(40);
+  EXPECT_EQ(Sent(kNec, "10", params).substr(24), "1000101" + Silence(16) + ditto + Silence(19) + ditto +
+                                                     Silence(19) + ditto + Silence(19) + ditto);
+}
+
 TEST(BuildSendBits, FlipsTheToggleDigitAndSetsTheClosingSlot) {
   ProtocolParams params = Params(kRc5, 0, 0);
   bool toggle = false;
