@@ -6,10 +6,12 @@
 #include <span>
 
 #include "config/generic_protocols.h"
+#include "signal/monitored_press.h"
 #include "signal/raw/raw_send.h"
 #include "signal/raw/raw_signal.h"
 #include "signal/rc6.h"
 #include "signal/recorded_press.h"
+#include "signal/sample_bits.h"
 #include "signal/send_as.h"
 
 namespace keplo {
@@ -109,6 +111,14 @@ std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths) {
   section->Params.SENDAS = heard.SendAs;
   if (Hear(SentPress(*section, heard.Code)).Code != heard.Code) return std::nullopt;
   return HeardCode{*std::move(section), heard.Code};
+}
+
+bool IsHeard(const SectionSignal& section, const std::string& digits) {
+  const std::string capture = CaptureOfLengths(SentPress(section, digits));
+  SignalState state;
+  const MonitorReading heard =
+      ReadCapture(std::string_view(capture).substr(0, kMonitorCaptureBytes), state, Analysis::Second);
+  return (heard.HasCode() || heard.Ended == Stage::Doubtful) && heard.Digits == digits;
 }
 
 }  // namespace keplo

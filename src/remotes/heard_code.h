@@ -19,4 +19,7 @@ struct HeardCode {
 /// @return none for what is read otherwise or not at all
 std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths);
 
+/// Whether the monitor reads the digits of a command that was learned from what its section sends.
+bool IsHeard(const SectionSignal& section, const std::string& digits);
+
 }  // namespace keplo

@@ -12,6 +12,7 @@
 #include "config/protocols.h"
 #include "config/sections.h"
 #include "failure.h"
+#include "formats/families.h"
 #include "remotes/heard_code.h"
 #include "remotes/key_names.h"
 #include "remotes/new_commands.h"
@@ -50,6 +51,7 @@ class Planner {
     const std::string name =
         remote.Name.empty() ? std::filesystem::path(file.Path).stem().string() : remote.Name;
     for (const KeyGroup& group : groups_) {
+      TellUnheard(group);
       plan_.Sections.push_back(names_.Next(name));
       blocks_ += SectionBlock(plan_.Sections.back(), group, plan_.Keys);
     }
@@ -216,6 +218,18 @@ class Planner {
       AddReason(plan_.Keys[place], "its repeats follow after " + std::to_string(silence) +
                                        " us, since no section has the file's " +
                                        std::to_string(SilenceBehind(*key.Coded)));
+    }
+  }
+
+  /// The receiver was made for the common protocols; it knows lengths of others where they are like those.
+  void TellUnheard(const KeyGroup& group) {
+    const SectionSignal section = group.Group.Section();
+    for (const std::size_t place : group.Keys) {
+      PlannedKey& planned = plan_.Keys[place];
+      const std::optional<CodedSignal>& signal = planned.Key->Coded;
+      if (!signal || planned.IsRaw || FamilyOf(*signal, planned.Key->Carrier) != nullptr) continue;
+      if (IsHeard(section, signal->Digits)) continue;
+      AddReason(planned, "it can be sent, but the monitor does not hear it");
     }
   }
 
