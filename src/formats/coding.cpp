@@ -70,7 +70,9 @@ SlotPatterns PatternsAt(const Coding& code, int slot) {
     patterns.One = Slots(code.One.Space, slot, '0') + Slots(code.One.Mark, slot, '1');
   }
   if (code.Line == LineCode::Width) {
+    // The sync's space is that of the first digit, and what it has more.
     patterns.Sync = Slots(code.Sync.Mark, slot, '1');
+    if (code.HasSync()) patterns.Sync += Slots(code.Sync.Space - code.Zero.Space, slot, '0');
     patterns.Zero = Slots(code.Zero.Space, slot, '0') + Slots(code.Zero.Mark, slot, '1');
     patterns.One = Slots(code.One.Space, slot, '0') + Slots(code.One.Mark, slot, '1');
   }

@@ -217,7 +217,8 @@ ProtocolValues GuessValues(const NamedProtocol& row, std::string_view d) {
 }  // namespace
 
 std::string TakeValues(std::string_view protocol, const ProtocolValues& values, RemoteKey& key) {
-  const std::string name = LowerCase(protocol == "Tivo unit=0" ? "Tivo" : protocol);
+  std::string name = LowerCase(protocol);
+  if (name == "tivo unit=0") name = "tivo";
   if (const NamedProtocol* const row = FindNamed(name)) return TakeNamed(*row, values, key);
   return TakeOther(name, values, key);
 }

@@ -63,8 +63,7 @@ void TakeEsphomeNec(FieldNumbers& numbers, RemoteKey& key) {
 
 void TakeEsphomePioneer(FieldNumbers& numbers, RemoteKey& key) {
   const auto digitsOf = [](std::uint64_t code) {
-    const std::uint64_t command = (code & 0xFU) << 4U | (code >> 4U & 0xFU);
-    return DigitText().High(code >> 8U, 8).High(~code >> 8U, 8).High(command, 8).High(~command, 8).Take();
+    return DigitText().High(code >> 8U, 8).High(~code >> 8U, 8).Low(code, 8).Low(~code, 8).Take();
   };
   const std::uint64_t first = numbers.Of("rc_code_1", 0xFFFF), second = numbers.Of("rc_code_2", 0xFFFF, 0);
   TakeDigits("PIONEER", digitsOf(first), key);

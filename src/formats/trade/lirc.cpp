@@ -189,7 +189,7 @@ class LircReader {
     } else if (SameNoCase(word, "driver")) {
       remote_.Driver = TakeWord(rest);
     } else if (SameNoCase(word, "flags")) {
-      ReadFlags(rest);
+      ReadFlags(TakeWord(rest));
     } else if (const PairField* const pair = Find(kPairs, word)) {
       Pulse& pulse = remote_.*pair->Field;
       pulse.Mark = ReadNumber(TakeWord(rest), kLongestPulse);
@@ -211,6 +211,7 @@ class LircReader {
     return 0;
   }
 
+  /// Behind a blank the format's own program reads no flag.
   void ReadFlags(std::string_view rest) {
     while (!rest.empty()) {
       const std::size_t end = rest.find('|');
@@ -325,6 +326,8 @@ bool IsLirc(std::string_view text) {
   while (lines.Next(line)) {
     const std::string_view first = TakeWord(line);
     if (SameNoCase(first, "begin") && SameNoCase(TakeWord(line), "remote")) return true;
+    const std::string_view file = Trimmed(line);
+    if (SameNoCase(first, "include") && (file.starts_with('"') || file.starts_with('<'))) return true;
   }
   return false;
 }

@@ -18,11 +18,12 @@ constexpr std::size_t kRc5Digits = 14;   // the first of which is the lead
 constexpr int kUsualLircGap = 40'000;    // microseconds
 constexpr std::size_t kLengthsPerLine = 8;
 
-/// Words may have no blanks in them.
+/// Words may have no blanks in them, and be none of those that begin and end a list.
 std::string Word(std::string_view name) {
   std::string word(name.empty() ? "_" : name);
   std::replace_if(
       word.begin(), word.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }, '_');
+  if (SameNoCase(word, "begin") || SameNoCase(word, "end")) word.insert(0, 1, '_');
   return word;
 }
 

@@ -42,12 +42,26 @@ bool BeginsCode(std::string_view digits) {
   return digits.size() >= 2 * kDigitsPerWord && IsType(digits.substr(0, kDigitsPerWord));
 }
 
+/// The place of two hex words that stand right before a place, which are the type and the frequency of a
+/// code of a foreign type, or the place itself.
+std::size_t WithForeignType(std::string_view line, std::size_t at) {
+  const std::string_view ahead = Trimmed(line.substr(0, at));
+  constexpr std::size_t kTwoWords = 2 * kDigitsPerWord + 1;
+  if (ahead.size() < kTwoWords) return at;
+  const std::size_t first = ahead.size() - kTwoWords;
+  const bool isAlone = first == 0 || !std::isxdigit(static_cast<unsigned char>(ahead[first - 1]));
+  std::string_view words = ahead.substr(first);
+  const bool isHex = IsHexDigits(TakeWord(words)) && IsHexDigits(Trimmed(words));
+  return isAlone && isHex ? static_cast<std::size_t>(ahead.data() + first - line.data()) : at;
+}
+
 /// Where the words begin that are a code to the end of the line, after a name or alone; npos without any.
 std::size_t FindCode(std::string_view line) {
   constexpr std::string_view kAheadOfCode = " \t:=>,;|\"";
   for (std::size_t at = 0; at != std::string_view::npos;) {
     const std::string_view rest = line.substr(at);
-    if (IsType(rest.substr(0, kDigitsPerWord)) && IsHexLine(rest) && BeginsCode(Joined(rest))) return at;
+    if (IsType(rest.substr(0, kDigitsPerWord)) && IsHexLine(rest) && BeginsCode(Joined(rest)))
+      return WithForeignType(line, at);
     at = line.find_first_of(kAheadOfCode, at);
     if (at != std::string_view::npos) at = line.find_first_not_of(kAheadOfCode, at);
   }

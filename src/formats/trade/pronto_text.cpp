@@ -1,6 +1,7 @@
 #include "formats/trade/pronto_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 
@@ -15,6 +16,7 @@ namespace {
 constexpr double kProntoClock = 0.241246;  // microseconds
 constexpr std::uint16_t kTypeLearned = 0x0000, kTypeNotModulated = 0x0100, kTypeRc5 = 0x5000,
                         kTypeRc5x = 0x5001, kTypeRc6 = 0x6000, kTypeNec = 0x900A;
+constexpr std::array kTypes = {kTypeLearned, kTypeNotModulated, kTypeRc5, kTypeRc5x, kTypeRc6, kTypeNec};
 constexpr std::size_t kProntoHead = 4;  // words before the pairs
 constexpr std::size_t kMostWords = kProntoHead + kMostLengths;
 
@@ -70,6 +72,8 @@ void WritePairs(const PulseTrain& train, int silence, double unit, std::string& 
 std::string TakePronto(std::span<const std::uint16_t> words, RemoteKey& key) {
   if (words.size() < kProntoHead)
     return "found " + std::to_string(words.size()) + " words, expected four and pairs";
+  if (std::find(kTypes.begin(), kTypes.end(), words[0]) == kTypes.end())
+    return "the type " + HexWord(words[0]) + " is not known";
   const std::size_t pairs = std::size_t{words[2]} + words[3];
   const std::size_t found = words.size() - kProntoHead;
   if (words[1] == 0) return "found a frequency of 0000, expected another";
@@ -90,11 +94,9 @@ std::string TakePronto(std::span<const std::uint16_t> words, RemoteKey& key) {
     case kTypeRc6:
       key.Protocol = "RC6";
       return TakeShortForm(words, key);
-    case kTypeNec:
+    default:
       key.Protocol = "NEC1";
       return TakeShortForm(words, key);
-    default:
-      return "the type " + HexWord(words[0]) + " is not known";
   }
 }
 
