@@ -186,6 +186,8 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
   const std::string lirc = "begin remote\nname r\nbits 8\none 5 9\nzero 5 5\n";
   std::string ones;
   for (int i = 0; i < 500; ++i) ones += " 1";
+  std::string parts = "a";
+  for (int i = 0; i < 200'000; ++i) parts += ".a";
   const Bad rows[] = {
       {"no known format", "", "hello\n", "tried were flipper, lirc"},
       {"a byte of value 0", "", "name: A\n\0"s, "x, line 2: found a byte of value 0"},
@@ -212,6 +214,8 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
        "3: no TOML: a letter outside ASCII"},
       {"the same behind a joined line", "keymap", "[[protocols]]\nname = \"\"\"a\\\n \xC3\xA4\"\"\"\n",
        "a letter outside"},
+      {"a key that is too deep to be taken down", "keymap", "[[protocols]]\n[protocols." + parts + "]\n",
+       "more than 64 parts"},
       {"brackets in YAML", "esphome", "a: " + std::string(1'000'000, '['), "brackets in a row"},
       {"a text in which YAML finds no last document", "esphome", ", a\n", "there is no key"},
       {"more of it than is read", "esphome", std::string(2'000'000, 'a'), "larger than"},
@@ -222,7 +226,10 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
        "expected the 4 that it counts"},
       {"a NEC short form with a wrong inverse", "", "900A 006C 0000 0001 817E 6B95\n", "inverse"},
       {"a type that is not known", "pronto", "7000 006C 0000 0001 817E 6B95\n", "7000"},
-      {"a wrong sign", "one-line", "+5 -5 -5\n", "line 1: found \"-5\", expected a mark"},
+      {"a type that is not known behind a name", "pronto", "A: 7001 0073 0000 0001 0004 000C\n", "7001"},
+      {"a wrong sign in Girr", "girr",
+       "<remotes><command><raw><intro>-9000 +4500</intro></raw></command></remotes>", "expected a mark"},
+      {"a wrong sign", "one-line", "+5 -5 -5\n", "found \"-5\", expected a mark"},
       {"a device out of range", "", "functionname,protocol,device,subdevice,function\nA,NEC1,256,-1,1\n",
        "expected 0 to 255"},
       {"a state of an air conditioner", "tasmota", "{\"IRHVAC\":{\"Vendor\":\"X\"}}\n",
@@ -281,6 +288,18 @@ TEST(Remotes, BearWhatPeopleWrite) {
             "=11001000000001");
   EXPECT_EQ(CodesOf("functionname,protocol,device,subdevice,function\nA\tRC5\t8\t-1\t1\n"),
             "A=11001000000001");
+  EXPECT_EQ(
+      CodesOf("x:\n - name: A\n   then:\n    remote_transmitter.transmit_pioneer: {rc_code_1: 0xA50A}\n"),
+      "A=10100101010110100101000010101111");
+  const auto frame = [](std::string_view digits) {
+    std::string lengths = " 9000 4500";
+    for (const char digit : digits) lengths += digit == '1' ? " 560 1690" : " 560 560";
+    return lengths + " 560 40000";
+  };
+  EXPECT_EQ(CodesOf("<remotes><command name=\"A\"><raw><intro>" + frame("01010000") + "</intro><ending>" +
+                    frame("11110000") + "</ending></raw></command></remotes>"),
+            "A=")
+      << "half of a press";
   std::string dish = "+500 -6250";
   for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
     dish += " +500 -" + std::to_string(space);

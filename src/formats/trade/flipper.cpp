@@ -276,6 +276,7 @@ bool WriteRaw(const RemoteKey& key, std::string& text, std::vector<Complaint>& t
                  std::to_string(kMostFlipperLengths));
     return false;
   }
+  TellRepeat(told, key);
   const int carrier = CarrierOf(key);
   if (carrier == 0) TellOnce(told, "the format has no signal without a carrier; 38000 Hz is written");
   text += "type: raw\nfrequency: " + std::to_string(carrier == 0 ? kUsualCarrier : carrier) +

@@ -6,6 +6,7 @@
 
 #include "formats/families.h"
 #include "formats/irp.h"
+#include "formats/trade/json_text.h"
 #include "formats/trade/pronto_text.h"
 #include "formats/trade/reading.h"
 #include "formats/trade/trade_formats.h"
@@ -43,6 +44,9 @@ void ReadDurations(const pugi::xml_node& part, LengthList& lengths) {
   const auto add = [&](std::string_view word) {
     const std::optional<std::int64_t> length = RoundedNumber(word);
     if (!length) return lengths.Refuse("found " + Quoted(word) + ", expected a length in microseconds");
+    const bool mark = lengths.Size() % 2 == 0;
+    if (word.front() == (mark ? '-' : '+'))
+      return lengths.Refuse("found " + Quoted(word) + ", expected a " + (mark ? "mark, +" : "space, -"));
     lengths.Add(*length);
   };
   for (const pugi::xml_node& child : part.children()) {
@@ -167,20 +171,30 @@ class GirrReader {
   }
 
   static std::string TakeGirrRaw(const pugi::xml_node& raw, RemoteKey& key) {
-    LengthList intro, repeat;
-    for (const pugi::xml_node& part : raw.children()) {
-      if (LocalName(part) == "intro") ReadDurations(part, intro);
-      if (LocalName(part) == "repeat") ReadDurations(part, repeat);
+    constexpr std::array<std::string_view, 3> kParts = {"intro", "repeat", "ending"};
+    std::array<PulseTrain, kParts.size()> parts;
+    for (std::size_t i = 0; i < kParts.size(); ++i) {
+      LengthList lengths;
+      for (const pugi::xml_node& part : raw.children()) {
+        if (LocalName(part) == kParts[i]) ReadDurations(part, lengths);
+      }
+      if (!lengths.Fault().empty()) return lengths.Fault();
+      parts[i] = lengths.Take();
     }
-    if (!intro.Fault().empty()) return intro.Fault();
-    if (!repeat.Fault().empty()) return repeat.Fault();
     if (const auto frequency = raw.attribute("frequency")) {
       const std::optional<std::int64_t> carrier = RoundedNumber(frequency.value());
       if (!carrier || *carrier > kMostCarrier)
         return "found the frequency " + Quoted(frequency.value()) + ", expected a carrier in Hz";
       key.Carrier = static_cast<int>(*carrier);
     }
-    TakeParts(intro.Take(), repeat.Take(), key);
+    auto& [intro, repeat, ending] = parts;
+    if (ending.empty()) {
+      TakeParts(std::move(intro), repeat, key);
+    } else {
+      // What is sent when a key is let go belongs to the press.
+      for (const PulseTrain& part : {repeat, ending}) intro.insert(intro.end(), part.begin(), part.end());
+      TakeParts(std::move(intro), {}, key);
+    }
     if (key.Lengths.empty()) return "there are no lengths";
     return {};
   }
@@ -216,7 +230,7 @@ bool IsGirr(std::string_view text) {
 
 std::string Escaped(std::string_view text) {
   std::string escaped;
-  for (const char c : text) {
+  for (const char c : Utf8Text(text)) {
     switch (c) {
       case '&':
         escaped += "&amp;";
@@ -240,7 +254,8 @@ std::string Escaped(std::string_view text) {
         escaped += "&#9;";
         break;
       default:
-        escaped += c;
+        // Others of these no XML can have.
+        escaped += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
     }
   }
   return escaped;

@@ -75,6 +75,7 @@ std::string WritePayloads(const std::vector<Remote>& remotes, std::vector<Compla
       const PulseTrain press = PressOf(key);
       if (press.empty()) continue;
       if (key.Name) TellOnce(told, "the format keeps no names");
+      TellRepeat(told, key);
       text += "{\"timings\":[";
       for (std::size_t i = 0; i < press.size(); ++i) {
         text += (i == 0 ? "" : i % 2 == 0 ? "," : ",-") + std::to_string(press[i]);

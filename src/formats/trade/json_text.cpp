@@ -32,7 +32,7 @@ bool IsTooDeep(std::string_view text) {
 
 Json ParseJson(std::string_view text, std::string& why) {
   if (IsTooDeep(text)) {
-    why = "found more than " + std::to_string(kDeepest) + " brackets within each other, expected fewer";
+    why = "more than " + std::to_string(kDeepest) + " brackets within each other";
     return Json(nlohmann::detail::value_t::discarded);
   }
   try {
@@ -50,5 +50,7 @@ Json ParseJson(std::string_view text, std::string& why) {
 std::string JsonText(std::string_view text) {
   return Json(std::string(text)).dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
 }
+
+std::string Utf8Text(std::string_view text) { return Json::parse(JsonText(text)).get<std::string>(); }
 
 }  // namespace keplo::trade

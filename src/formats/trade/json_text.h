@@ -16,4 +16,7 @@ Json ParseJson(std::string_view text, std::string& why);
 /// As JSON writes a text.
 std::string JsonText(std::string_view text);
 
+/// A text whose bytes that are no UTF-8 are replaced.
+std::string Utf8Text(std::string_view text);
+
 }  // namespace keplo::trade

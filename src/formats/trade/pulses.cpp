@@ -21,7 +21,7 @@ std::string_view WithoutComment(std::string_view line) {
 /// Lines of marks and spaces, and lines of signed lengths that are a key each.
 class PulseReader {
  public:
-  PulseReader(const std::string& path, RemoteFile& file) : reading_(path, file) {}
+  PulseReader(const std::string& path, RemoteFile& file) : reading_(path, file), file_(file) {}
 
   void Read(std::string_view text) {
     Lines lines(text);
@@ -31,6 +31,7 @@ class PulseReader {
       ReadLine(WithoutComment(line));
     }
     EndKey();
+    if (carriers_ == 1) SetCarrierOfAll();
   }
 
  private:
@@ -69,13 +70,14 @@ class PulseReader {
   int LengthOf(std::string_view word) {
     const std::optional<std::int64_t> length = NumberOf(word);
     if (length && *length > 0 && *length <= kLongestPulse) return static_cast<int>(*length);
-    Fault("line " + std::to_string(line_) + ": found " + Quoted(word) + ", expected a length from 1 to " +
-          std::to_string(kLongestPulse) + " microseconds");
+    Fault("found " + Quoted(word) + ", expected a length from 1 to " + std::to_string(kLongestPulse) +
+          " microseconds");
     return 0;
   }
 
-  void Fault(std::string fault) {
-    if (fault_.empty()) fault_ = std::move(fault);
+  void Fault(const std::string& fault) {
+    if (!fault_.empty()) return;
+    fault_ = (line_ == key_.Line ? std::string() : "line " + std::to_string(line_) + ": ") + fault;
   }
 
   void ReadLength(std::string_view kind, std::string_view word) {
@@ -93,14 +95,26 @@ class PulseReader {
     if (kind == "timeout") EndKey();
   }
 
+  /// A receiver measures the carrier, and tells it behind the press.
   void ReadCarrier(std::string_view word) {
-    EndKey();
+    if (begun_ && key_.Carrier) EndKey();
     const std::optional<std::int64_t> carrier = NumberOf(word);
     if (!carrier || *carrier < 0 || *carrier > kMostCarrier) {
       reading_.Complain(line_, "found " + Quoted(word) + ", expected a carrier in Hz");
       return;
     }
     carrier_ = static_cast<int>(*carrier);
+    ++carriers_;
+    if (begun_) key_.Carrier = carrier_;
+  }
+
+  /// The only line of a carrier holds for the whole file.
+  void SetCarrierOfAll() {
+    for (Remote& remote : file_.Remotes) {
+      for (RemoteKey& key : remote.Keys) {
+        if (!key.Lengths.empty() && !key.Protocol) key.Carrier = carrier_;
+      }
+    }
   }
 
   void ReadScancode(std::string_view word) {
@@ -125,8 +139,7 @@ class PulseReader {
     for (std::string_view word = TakeWord(rest); !word.empty(); word = TakeWord(rest), mark = !mark) {
       const bool isSigned = word.front() == '+' || word.front() == '-';
       if (isSigned && (word.front() == '+') != mark) {
-        Fault("line " + std::to_string(line_) + ": found " + Quoted(word) + ", expected a " +
-              (mark ? "mark, +" : "space, -"));
+        Fault("found " + Quoted(word) + ", expected a " + (mark ? "mark, +" : "space, -"));
       }
       const int length = LengthOf(isSigned ? word.substr(1) : word);
       if (mark) {
@@ -139,10 +152,12 @@ class PulseReader {
   }
 
   FileReading reading_;
+  RemoteFile& file_;
   RemoteKey key_;
   TrainWriter train_;
   std::string fault_;
   std::optional<int> carrier_;
+  int carriers_ = 0;  // lines that name one
   int line_ = 0;
   bool begun_ = false;
   bool rested_ = false;
@@ -186,10 +201,11 @@ std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>
       if (!key.Coded && key.Lengths.empty()) continue;
       if (key.Name) TellOnce(told, "the format keeps no names; they stand in comments");
       if (key.Name) text += "# " + OnOneLine(*key.Name) + '\n';
-      if (key.Carrier && *key.Carrier != carrier) {
-        carrier = *key.Carrier;
+      if (CarrierOf(key) != carrier) {
+        carrier = CarrierOf(key);
         text += "carrier " + std::to_string(carrier) + '\n';
       }
+      TellRepeat(told, key);
       write(key, text);
     }
   }

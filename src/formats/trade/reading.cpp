@@ -201,4 +201,9 @@ void TellOnce(std::vector<Complaint>& told, std::string_view text) {
   if (!known) told.push_back({{}, 0, {}, std::string(text)});
 }
 
+void TellRepeat(std::vector<Complaint>& told, const RemoteKey& key) {
+  if (!key.Coded || key.Coded->Again.Kind == RepeatKind::Unknown) return;
+  TellOnce(told, "the format does not say how a held key is repeated");
+}
+
 }  // namespace keplo::trade

@@ -108,4 +108,7 @@ void LeaveOut(std::vector<Complaint>& told, const RemoteKey& key, std::string wh
 /// Something that a format cannot say; told once.
 void TellOnce(std::vector<Complaint>& told, std::string_view text);
 
+/// TellOnce for a format of presses, in which one repeat at most shows how a held key goes on.
+void TellRepeat(std::vector<Complaint>& told, const RemoteKey& key);
+
 }  // namespace keplo::trade

@@ -123,6 +123,16 @@ std::string_view LastWord(std::string_view line) {
   return word;
 }
 
+/// A line of bytes with blanks between them as one word; empty if it is none.
+std::string JoinedBytes(std::string_view line) {
+  std::string joined;
+  for (std::string_view word = TakeWord(line); !word.empty(); word = TakeWord(line)) {
+    if (word.size() != 2) return {};
+    joined += word;
+  }
+  return LooksBroadlink(joined) ? joined : std::string();
+}
+
 /// Codes as people paste them: one a line, a name before it or none.
 void ReadCodeLines(std::string_view text, FileReading& reading) {
   Lines lines(text);
@@ -130,6 +140,8 @@ void ReadCodeLines(std::string_view text, FileReading& reading) {
   while (lines.Next(line)) {
     line = Trimmed(line);
     if (line.empty() || line.front() == '#') continue;
+    const std::string bytes = JoinedBytes(line);
+    if (!bytes.empty()) line = bytes;
     const std::string_view word = LastWord(line);
     RemoteKey key;
     key.Line = lines.Number();
@@ -179,7 +191,7 @@ bool IsSmartIr(std::string_view text) {
   while (lines.Next(line)) {
     line = Trimmed(line);
     if (line.empty() || line.front() == '#') continue;
-    return LooksBroadlink(LastWord(line));
+    return LooksBroadlink(LastWord(line)) || !JoinedBytes(line).empty();
   }
   return false;
 }
@@ -215,6 +227,7 @@ std::string WriteSmartIr(const std::vector<Remote>& remotes, std::vector<Complai
       if (!key.Coded && key.Lengths.empty()) continue;
       if (key.Carrier && *key.Carrier != kUsualCarrier)
         TellOnce(told, "the format keeps no carrier; the device sends 38000 Hz");
+      TellRepeat(told, key);
       std::string code = BroadlinkText(key);
       if (code.empty()) {
         LeaveOut(told, key, "it has more lengths than the format takes");

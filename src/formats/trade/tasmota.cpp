@@ -119,16 +119,29 @@ std::string TakeCode(const std::string& name, int bits, std::uint64_t data, Remo
   return {};
 }
 
-void TakeObject(const Json& object, int line, FileReading& reading) {
-  if (!object.is_object())
+/// An object whose names are written as the device tells them; it reads them in any case.
+Json WithKnownNames(const Json& object) {
+  constexpr std::array<std::string_view, 8> kNames = {"IrReceived", "IRSend", "IRHVAC",  "Vendor",
+                                                      "Protocol",   "Bits",   "RawData", "Data"};
+  Json named = Json::object();
+  for (const auto& [name, value] : object.items()) {
+    const auto* const known = std::find_if(kNames.begin(), kNames.end(),
+                                           [&](std::string_view other) { return SameNoCase(other, name); });
+    named[known == kNames.end() ? name : std::string(*known)] = value;
+  }
+  return named;
+}
+
+void TakeObject(const Json& given, int line, FileReading& reading) {
+  if (!given.is_object())
     return reading.Complain(line, "found no object, expected one with \"Protocol\" or \"RawData\"");
-  for (const char* name : {"IrReceived", "IRSend", "IRsend", "IrSend"}) {
+  const Json object = WithKnownNames(given);
+  for (const char* name : {"IrReceived", "IRSend"}) {
     if (object.contains(name)) return TakeObject(object[name], line, reading);
   }
   RemoteKey key;
   key.Line = line;
-  if (object.contains("IrHVAC") || object.contains("IRHVAC") ||
-      (object.contains("Vendor") && !object.contains("Data"))) {
+  if (object.contains("IRHVAC") || (object.contains("Vendor") && !object.contains("Data"))) {
     return reading.Skip(std::move(key), "it is the state of an air conditioner, not a code");
   }
   const std::string protocol = object.contains("Protocol") && object["Protocol"].is_string()
@@ -236,12 +249,10 @@ bool IsTasmota(std::string_view text) {
   while (lines.Next(line)) {
     if (Trimmed(line).empty()) continue;
     if (StartsNoCase(Trimmed(line), "irsend")) return true;
-    const bool object = line.find('{') != std::string_view::npos;
-    const bool code = line.find("\"Protocol\"") != std::string_view::npos &&
-                      line.find("\"Data\"") != std::string_view::npos;
-    if (object && (code || line.find("\"RawData\"") != std::string_view::npos ||
-                   BehindCommand(line) != std::string_view::npos))
-      return true;
+    if (line.find('{') == std::string_view::npos) continue;
+    const std::string lower = Lower(line);
+    const auto has = [&](const char* name) { return lower.find(name) != std::string::npos; };
+    if ((has("\"protocol\"") && has("\"data\"")) || has("\"rawdata\"") || has("irsend")) return true;
   }
   return false;
 }
@@ -277,8 +288,12 @@ std::string WriteTasmota(const std::vector<Remote>& remotes, std::vector<Complai
       if (!key.Coded && key.Lengths.empty()) continue;
       if (key.Name) TellOnce(told, "the format keeps no names");
       std::string code = CodeText(key);
+      const Family* const family = key.Coded ? FamilyOf(*key.Coded, key.Carrier) : nullptr;
+      if (!code.empty() && HasOwnCarrier(key, *family))
+        TellOnce(told, "the format keeps no carrier; a protocol is sent on its own");
       if (code.empty()) {
         TellOnce(told, "the format keeps no carrier with lengths; it is written for 38000 Hz");
+        TellRepeat(told, key);
         code = R"("Protocol":"UNKNOWN","Bits":0,"Data":"0x0","RawData":")" + CompactText(PressOf(key)) + '"';
       }
       text += "{\"IrReceived\":{" + code + ",\"Repeat\":0}}\n";
