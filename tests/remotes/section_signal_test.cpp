@@ -9,6 +9,7 @@
 #include "config/config_builder.h"
 #include "line/press_capture.h"
 #include "remote_builder.h"
+#include "remotes/heard_code.h"
 #include "remotes/stored_remote.h"
 #include "signal/monitored_press.h"
 
@@ -34,6 +35,13 @@ std::string CodeOf(const FamilyRow& row, unsigned number) {
     for (std::size_t i = 0; i < 12; ++i) digits[i + 12] = digits[i] == '1' ? '0' : '1';
   }
   return digits;
+}
+
+/// Frames behind a mark as short as theirs and a rest.
+CodedSignal Dish(unsigned number, int gap) {
+  Coding code{LineCode::Distance, 0, {400, 6100}, {400, 1700}, {400, 2800}, 400};
+  code.Unit = UnitOf(code);
+  return {code, {RepeatKind::Frame, gap, false, {}}, Digits(number, 16), {}};
 }
 
 SectionSignal SectionFor(const CodedSignal& signal, std::optional<int> carrier) {
@@ -67,10 +75,11 @@ TEST(SectionSignal, SendsWhatTheFileSays) {
     ExpectSends(section, *key.Coded);
   }
   // A gap has 16 slots at least, so that a short one needs shorter slots where the closing mark allows them.
-  Coding dish{LineCode::Distance, 0, {400, 6100}, {400, 1700}, {400, 2800}, 400};
-  dish.Unit = UnitOf(dish);
-  const CodedSignal quick{dish, {RepeatKind::Frame, 6200, false, {}}, Digits(7, 16), {}};
+  const CodedSignal quick = Dish(7, 6200);
   ExpectSends(SectionFor(quick, {}), quick);
+  const Coding width{LineCode::Width, 400, {3200, 1600}, {400, 400}, {1200, 400}, 0};
+  const CodedSignal wide{width, quick.Again, Digits(7, 16), {}};
+  ExpectSends(SectionFor(wide, {}), wide);
   CodedSignal tooQuick = *Key("A", Digits(7)).Coded;
   tooQuick.Again = quick.Again;
   EXPECT_EQ(SectionFor(tooQuick, {}).Params.REPEAT, 16);
@@ -105,17 +114,23 @@ TEST(SectionSignal, SendsCodesOfOnePeriodInOneSection) {
 }
 
 TEST(SectionSignal, IsHeardAgainAsTheSameDigits) {
-  for (const FamilyRow& row : kRows) {
-    for (unsigned number = 1; number <= 20; ++number) {
-      const RemoteKey key = Key("A", CodeOf(row, number), row.Family);
-      PulseTrain press = SentPress(SectionFor(*key.Coded, key.Carrier), key.Coded->Digits);
-      // A receiver lengthens marks.
-      for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? 60 : -60;
-      SignalState state;
-      const MonitorReading heard = ReadCapture(CaptureOfPress(press, 510, {}), state, Analysis::Second);
-      EXPECT_EQ(heard.Digits, key.Coded->Digits) << row.Family;
-    }
+  std::vector<CodedSignal> signals;
+  for (unsigned number = 1; number <= 20; ++number) {
+    for (const FamilyRow& row : kRows) signals.push_back(*Key("A", CodeOf(row, number), row.Family).Coded);
+    for (const int gap : {6200, 40'000}) signals.push_back(Dish(number, gap));
   }
+  for (const CodedSignal& signal : signals) {
+    const SectionSignal section = SectionFor(signal, {});
+    EXPECT_TRUE(IsHeard(section, signal.Digits));
+    PulseTrain press = SentPress(section, signal.Digits);
+    // A receiver lengthens marks.
+    for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? 60 : -60;
+    SignalState state;
+    const MonitorReading heard = ReadCapture(CaptureOfPress(press, 510, {}), state, Analysis::Second);
+    EXPECT_EQ(heard.Digits, signal.Digits) << signal.Code.Unit;
+  }
+  const CodedSignal few = {Key("A", "").Coded->Code, {}, "101010101010", {}};
+  EXPECT_FALSE(IsHeard(SectionFor(few, {}), few.Digits)) << "of pulse distance it takes no 12 digits";
 }
 
 TEST(SectionSignal, SaysNothingThatTwoPatternsCannot) {

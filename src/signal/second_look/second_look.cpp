@@ -53,6 +53,32 @@ bool IsTooDense(const SampleWords& samples) {
 /// Whether the first frame goes untold: nothing shows where it began.
 bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) && frames.size() == 1; }
 
+/// Whether a press begins with a mark as short as those of digits, and a rest behind it that parts frames
+/// too.
+bool MayBeginInRest(const PressRuns& runs) {
+  constexpr int kLongestMark = 15;                    // samples
+  constexpr int kLeastRest = 80, kLongestRest = 220;  // samples; 4.4 and 12 ms
+  constexpr std::size_t kFewestRuns = 60;             // of two frames
+  const RunSpan lengths = runs.Lengths;
+  return lengths.size() >= kFewestRuns && lengths[0] <= kLongestMark &&
+         Within(lengths[1], kLeastRest, kLongestRest);
+}
+
+/// Whether nothing but equal frames was found, each behind a mark and a rest. Such a rest is as long as the
+/// pieces leave that lost marks part a frame into, so that one frame more is asked for where nothing else
+/// ends them.
+bool AreFramesBehindRests(const Findings& found) {
+  const std::vector<Frame>& frames = found.Frames;
+  if (frames.empty()) return false;
+  const std::size_t fewest = frames.front().Ends ? 2 : 3;
+  const auto isSame = [&](const Frame& frame) {
+    return frame.Clear && !frame.HasLeader() && frame.Kind() == kNec && frame.SameCode(frames.front());
+  };
+  const auto isLeaderOrCut = [](const OtherPiece& piece) { return piece.IsCut || piece.Of.IsSingle(); };
+  return frames.size() >= fewest && std::all_of(frames.begin(), frames.end(), isSame) &&
+         std::all_of(found.Others.begin(), found.Others.end(), isLeaderOrCut);
+}
+
 /// A leader space that reads as a digit belongs to the frame.
 void WriteFrame(const Frame& frame, std::string& symbols) {
   const std::size_t digits = std::min(frame.Head.find_first_not_of(kMarks), frame.Head.size());
@@ -146,6 +172,19 @@ void SecondLook::ReadProof(const robust::Findings& found) {
   if (two) robust::WriteFrame(frames[1], look_.OtherFrame);
 }
 
+/// Reads frames that each begin with a short mark and a rest; they are taken if their code was learned.
+void SecondLook::ReadBehindRests(const robust::PressRuns& runs) {
+  constexpr double kOfRest = 0.85;
+  const robust::Findings& found = frames_.Read(runs, kOfRest * runs.Lengths[1] / robust::kGapUnits);
+  if (!robust::AreFramesBehindRests(found)) return;
+  const robust::Frame& frame = found.Frames.front();
+  look_.BaseT = static_cast<std::int16_t>(std::lround(frame.Unit));
+  look_.ProtoKind = frame.Kind();
+  WriteSymbols(found, &frame);
+  robust::WriteFrame(frame, look_.Frame);
+  look_.Proven = RobustReading::Proof::Single;
+}
+
 const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.Proven = RobustReading::Proof::Refused;
   look_.BaseT = 0;
@@ -162,14 +201,13 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   LookForFineSignal(samples, runs, unit, joined);
   if (look_.Proven == RobustReading::Proof::Unsure) return look_;
   const robust::Findings& found = frames_.Read(runs, unit);
-  if (found.Frames.empty()) {
-    if (robust::IsOneFrame(found.Unknown)) {
-      look_.Proven = RobustReading::Proof::Unsure;
-      look_.UnreadMarks = found.UnknownMarks;
-    }
-    return look_;
+  if (!found.Frames.empty()) {
+    ReadProof(found);
+  } else if (robust::IsOneFrame(found.Unknown)) {
+    look_.Proven = RobustReading::Proof::Unsure;
+    look_.UnreadMarks = found.UnknownMarks;
   }
-  ReadProof(found);
+  if (look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs)) ReadBehindRests(runs);
   return look_;
 }
 
