@@ -49,6 +49,24 @@ bool IsWanted(const ExportOptions& options, const std::string& section, std::str
          });
 }
 
+/// Commands that were asked for and are not there.
+int TellMissing(const ExportOptions& options, const std::vector<Remote>& remotes) {
+  int status = kDone;
+  for (const std::string& word : options.Commands) {
+    ExportOptions one;
+    one.Commands = {word};
+    const bool found = std::any_of(remotes.begin(), remotes.end(), [&](const Remote& remote) {
+      return std::any_of(remote.Keys.begin(), remote.Keys.end(), [&](const RemoteKey& key) {
+        return IsWanted(one, remote.Name, key.Name.value_or(""));
+      });
+    });
+    if (found) continue;
+    Tell("there is no command " + word + " in these sections; keplo commands lists them");
+    status = kNoResult;
+  }
+  return status;
+}
+
 int Export(const ExportOptions& options) {
   const OpenedConfig config(options.AppPath);
   const std::string& text = config.Text();
@@ -64,7 +82,8 @@ int Export(const ExportOptions& options) {
     if (!remote.Keys.empty()) remotes.push_back(std::move(remote));
   }
   if (remotes.empty()) throw Refused("there is no such command in these sections; keplo commands lists them");
-  return WriteRemoteFile(options.Format, remotes, options.OutFile);
+  const int status = WriteRemoteFile(options.Format, remotes, options.OutFile);
+  return std::max(status, TellMissing(options, remotes));
 }
 
 int Convert(const ConvertOptions& options) {

@@ -26,8 +26,8 @@ struct ImportOptions {
 };
 
 std::string_view KindOf(const PlannedKey& key) {
-  if (key.IsRaw) return "raw";
-  return key.Fate == KeyFate::Skipped ? "skipped" : "code";
+  if (key.Fate == KeyFate::Skipped) return "skipped";
+  return key.IsRaw ? "raw" : "code";
 }
 
 template <typename Value>
@@ -112,6 +112,19 @@ void Store(CfgStore& store, const ImportPlan& plan) {
   if (plan.Count(KeyFate::Stored) > 0) StoreImport(store, plan);
 }
 
+/// A name that is mistyped would leave its key out without a word.
+void TellUnusedNames(const std::string& list, const ImportPlan& plan) {
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    const std::string name = list.substr(begin, end - begin);
+    const auto wants = KeysNamed(name);
+    if (std::none_of(plan.Keys.begin(), plan.Keys.end(),
+                     [&](const PlannedKey& key) { return wants(*key.Key); }))
+      Tell("no key has a name of --keys " + name);
+    begin = end + 1;
+  }
+}
+
 int Import(const ImportOptions& options) {
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
@@ -132,6 +145,7 @@ int Import(const ImportOptions& options) {
       PrintKey(key);
     }
   }
+  TellUnusedNames(options.Keys, plan);
   if (plan.NeedsSecondLook() && AnalysisOf(config) == Analysis::First) {
     Tell(
         "some of these commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");

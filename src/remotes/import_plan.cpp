@@ -1,6 +1,7 @@
 #include "remotes/import_plan.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
@@ -100,7 +101,12 @@ class Planner {
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(key.Coded->Digits, place);
+    if (key.Coded->Toggle && key.Coded->Code.Line != LineCode::Biphase) {
+      AddReason(planned, "the remote turns digit " + std::to_string(*key.Coded->Toggle + 1) +
+                             " over with each press, and one of both codes is stored");
+    }
     if (section_) {
+      TellOtherSending(planned);
       own_.push_back(place);
     } else {
       AddToGroup(*section, key, place);
@@ -162,6 +168,7 @@ class Planner {
     raw_.Add(signal);
     plan_.Raw.push_back(std::move(signal));
     if (section_) {
+      TellOtherSending(planned);
       own_.push_back(place);
     } else {
       AddRawToGroup(*planned.Key, place);
@@ -231,6 +238,21 @@ class Planner {
       if (IsHeard(section, signal->Digits)) continue;
       AddReason(planned, "it can be sent, but the monitor does not hear it");
     }
+  }
+
+  /// What an existing section sends in another way than the file says.
+  void TellOtherSending(PlannedKey& planned) const {
+    const RemoteKey& key = *planned.Key;
+    const int carrier = section_->Params.Carrier;
+    if (key.Carrier && 100 * std::abs(*key.Carrier - carrier) > carrier) {
+      AddReason(planned, "[" + wishes_.Section + "] sends it on " + std::to_string(carrier) +
+                             " Hz, and the file says " + std::to_string(*key.Carrier));
+    }
+    if (planned.IsRaw || !key.Coded || key.Coded->Again.Kind == RepeatKind::Unknown) return;
+    const std::optional<CodedSignal> sent = KeyOfCode(*section_, key.Coded->Digits).Coded;
+    if (!sent || sent->Again.Kind == key.Coded->Again.Kind) return;
+    AddReason(planned, "[" + wishes_.Section + "] repeats it by \"" + std::string(NameOf(sent->Again.Kind)) +
+                           "\", and the file says \"" + std::string(NameOf(key.Coded->Again.Kind)) + '"');
   }
 
   static void AddReason(PlannedKey& planned, const std::string& reason) {

@@ -152,6 +152,14 @@ TEST(ImportPlan, PutsKeysIntoASectionThatSendsThem) {
       PlanImport(Config(mine), files, {.Section = "Mine", .Shadowed = false, .Raw = nullptr, .Wants = {}});
   EXPECT_EQ(Commands(plan.Text, "Mine"), "KEY_1 KEY_test") << "test is a word of the description";
   EXPECT_EQ(plan.Keys[2].Reason, "the patterns of [Mine] do not send it");
+  auto other = File("Other", {Key("Quiet", Digits(3), "NEC2")});
+  other.front().Remotes.front().Keys.front().Carrier = 56'000;
+  EXPECT_EQ(
+      PlanImport(Config(mine), other, {.Section = "Mine", .Shadowed = false, .Raw = nullptr, .Wants = {}})
+          .Keys.front()
+          .Reason,
+      "[Mine] sends it on 38000 Hz, and the file says 56000; [Mine] repeats it by \"short\", and the file "
+      "says \"frame\"");
   ExpectHolds(plan);
   for (const char* section : {"Template", "Recorded", "Nobody"}) {
     EXPECT_THROW(
