@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "formats/remote.h"
@@ -28,15 +29,23 @@ void GoRound(const keplo::RemoteFile& file) {
 
 }  // namespace
 
-/// Arbitrary text as remotes of a format that its first byte chooses, or as the text itself tells.
+/// The format that all texts are of, by its name in the environment; else none.
+std::string_view WantedFormat() {
+  const char* const name = std::getenv("KEPLO_FORMAT");
+  return name == nullptr ? std::string_view() : keplo::RemoteFormatNamed(name).Name;
+}
+
+/// Arbitrary text as remotes of the wanted format, or of the one that its first byte chooses, or as the text
+/// itself tells.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
   const auto formats = keplo::RemoteFormats();
+  static const std::string_view wanted = WantedFormat();
   const std::size_t choice = data[0] % (formats.size() + 1);
+  const std::string_view chosen = choice < formats.size() ? formats[choice].Name : std::string_view();
   try {
-    GoRound(keplo::ReadRemotes(text, "fuzz",
-                               choice < formats.size() ? formats[choice].Name : std::string_view()));
+    GoRound(keplo::ReadRemotes(text, "fuzz", wanted.empty() ? chosen : wanted));
   } catch (const keplo::FormatError&) {
     // Refused with a message.
   }

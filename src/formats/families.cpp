@@ -89,6 +89,11 @@ bool HasOwnCarrier(const RemoteKey& key, const Family& family) {
   return key.Carrier && std::abs(*key.Carrier - family.Carrier) * 100 > family.Carrier;
 }
 
+bool HasOwnRepeat(const RemoteKey& key, const Family& family) {
+  return key.Coded && key.Coded->Again.Kind != RepeatKind::Unknown &&
+         key.Coded->Again.Kind != family.Again.Kind;
+}
+
 std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier) {
   std::optional<CodedSignal> signal = ReadDigits(press);
   if (!signal) return std::nullopt;

@@ -31,6 +31,9 @@ const Family* FamilyOf(const CodedSignal& signal, std::optional<int> carrier);
 /// Whether a key is sent on another carrier than its family, by more than 1 %.
 bool HasOwnCarrier(const RemoteKey& key, const Family& family);
 
+/// Whether a file says that a key is repeated in another way than its family's.
+bool HasOwnRepeat(const RemoteKey& key, const Family& family);
+
 /// ReadDigits, and what the family of the signal says where the press does not show it.
 /// @param carrier of the press, Hz
 std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int> carrier);

@@ -233,7 +233,7 @@ std::optional<NamedValues> ValuesOf(const RemoteKey& key) {
     if (!same || row.Name == "Tivo" || row.Name == "Apple") continue;
     ProtocolValues values = GuessValues(row, key.Coded->Digits);
     if (row.Digits(values) == key.Coded->Digits)
-      return NamedValues{row.Name, values, HasOwnCarrier(key, *family)};
+      return NamedValues{row.Name, values, HasOwnCarrier(key, *family), HasOwnRepeat(key, *family)};
   }
   return std::nullopt;
 }

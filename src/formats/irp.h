@@ -23,7 +23,7 @@ std::string TakeValues(std::string_view protocol, const ProtocolValues& values, 
 struct NamedValues {
   std::string_view Protocol;
   ProtocolValues Values;
-  bool OwnCarrier = false;  // which the name does not say
+  bool OwnCarrier = false, OwnRepeat = false;  // which the name does not say
 };
 
 /// The reverse of TakeValues for digits.

@@ -260,6 +260,8 @@ bool WriteParsed(const RemoteKey& key, std::string& text, std::vector<Complaint>
     const FlipperFields fields = GuessFields(protocol, key.Coded->Digits);
     if (protocol.Digits(fields.Address, fields.Command) != key.Coded->Digits) continue;
     if (asNec) TellOnce(told, "the format repeats NEC by its short repeat, not by the frame");
+    if (!asNec && HasOwnRepeat(key, *family))
+      TellOnce(told, "the format keeps no way to repeat but that of the protocol");
     text += "type: parsed\nprotocol: " + std::string(protocol.Name) + '\n';
     WriteBytes(text, "address", fields.Address);
     WriteBytes(text, "command", fields.Command);

@@ -310,7 +310,7 @@ std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>
       if (!key.Coded && key.Lengths.empty()) continue;
       const std::optional<NamedValues> named = ValuesOf(key);
       text += "   <command name=\"" + Escaped(NameFor(key, number)) + "\" master=\"" +
-              (named && !named->OwnCarrier ? "parameters" : "raw") + "\">\n";
+              (named && !named->OwnCarrier && !named->OwnRepeat ? "parameters" : "raw") + "\">\n";
       if (named) WriteValues(*named, text);
       const bool both = !key.Toggled.empty();
       WriteGirrRaw(key, PressOf(key), both ? " T=\"0\"" : "", text);

@@ -150,6 +150,7 @@ std::string WriteIrdb(const std::vector<Remote>& remotes, std::vector<Complaint>
         continue;
       }
       if (named->OwnCarrier) TellOnce(told, "the format keeps no carrier but that of the protocol");
+      if (named->OwnRepeat) TellOnce(told, "the format keeps no way to repeat but that of the protocol");
       const ProtocolValues& values = named->Values;
       text += CsvField(NameFor(key, number)) + ',' + std::string(named->Protocol) + ',' +
               std::to_string(values.D) + ',' + std::to_string(values.S) + ',' + std::to_string(values.F) +

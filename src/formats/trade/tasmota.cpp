@@ -291,6 +291,7 @@ std::string WriteTasmota(const std::vector<Remote>& remotes, std::vector<Complai
       const Family* const family = key.Coded ? FamilyOf(*key.Coded, key.Carrier) : nullptr;
       if (!code.empty() && HasOwnCarrier(key, *family))
         TellOnce(told, "the format keeps no carrier; a protocol is sent on its own");
+      if (!code.empty() && HasOwnRepeat(key, *family)) TellRepeat(told, key);
       if (code.empty()) {
         TellOnce(told, "the format keeps no carrier with lengths; it is written for 38000 Hz");
         TellRepeat(told, key);
