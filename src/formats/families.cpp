@@ -118,7 +118,7 @@ std::optional<CodedSignal> ReadPress(const PulseTrain& press, std::optional<int>
 
 void TakeParts(PulseTrain once, const PulseTrain& again, RemoteKey& key) {
   // A part that ends in a mark has no gap after it to go on from.
-  const bool goesOn = once.size() % 2 == 0 && !again.empty();
+  const bool goesOn = once.size() % 2 == 0 && !again.empty(), hasBoth = !once.empty();
   if (goesOn) once.insert(once.end(), again.begin(), again.end());
   key.Lengths = std::move(once);
   if (!goesOn || again.size() % 2 != 0) return;
@@ -126,6 +126,9 @@ void TakeParts(PulseTrain once, const PulseTrain& again, RemoteKey& key) {
   PulseTrain held = key.Lengths;
   held.insert(held.end(), again.begin(), again.end());
   key.Coded = ReadPress(held, key.Carrier);
+  // Of a part that stands alone nothing tells whether it is all that a held key sends.
+  const std::optional<CodedSignal> heard = hasBoth ? ReadDigits(held) : std::nullopt;
+  if (key.Coded && heard && heard->Again.Kind == RepeatKind::Frame) key.Coded->Again = heard->Again;
 }
 
 CodedSignal SignalOf(const Family& family, std::string digits) {

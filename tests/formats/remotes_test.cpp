@@ -300,6 +300,9 @@ TEST(Remotes, BearWhatPeopleWrite) {
                     frame("11110000") + "</ending></raw></command></remotes>"),
             "A=")
       << "half of a press";
+  const RemoteFile held = ReadRemotes(
+      "<remotes><command><raw><repeat>" + frame(nec) + "</repeat></raw></command></remotes>", "x");
+  EXPECT_EQ(RepeatOf(KeysOf(held).front()), "frame") << "a repeat that the file tells is no usual one";
   std::string dish = "+500 -6250";
   for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
     dish += " +500 -" + std::to_string(space);

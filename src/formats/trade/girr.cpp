@@ -188,6 +188,7 @@ class GirrReader {
       key.Carrier = static_cast<int>(*carrier);
     }
     auto& [intro, repeat, ending] = parts;
+    if (intro.empty()) intro = repeat;
     if (ending.empty()) {
       TakeParts(std::move(intro), repeat, key);
     } else {
