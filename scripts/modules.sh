@@ -13,7 +13,7 @@ keplo_mod line install remotes
 formats config events component_loader broker
 program
 disk ui signal host
-failure links'
+failure links typed_command'
 
 # Prints "FROM TO" for every module that includes a file of another.
 arrows() {

@@ -8,7 +8,7 @@
 #include "cli/raw_words.h"
 #include "config/raw_lookup.h"
 #include "signal/sample_bits.h"
-#include "station/stage_text.h"
+#include "signal/stage_text.h"
 
 namespace keplo::cli {
 
@@ -54,14 +54,15 @@ std::string ToText(const DecodedPress& press) {
   }
   text += "no code: " + DescribeStage(reading.Ended);
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
-  if (alone) text += ", its digits are " + reading.Digits;
+  if (alone) return text + ", its digits are " + reading.Digits + std::string(kCodeOffer);
   return press.CouldBeRaw ? text.append(kRawOffer) : text;
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming && ended != Stage::Raw; }
 
-/// Asks the raw commands, and without one that fits whether the signal could become one.
-void AskRaw(const OpenedConfig* config, SignalState& state, DecodedPress& press) {
+/// Asks the learned commands, and without one that fits whether the signal could become a raw one.
+void AskCommands(const OpenedConfig* config, SignalState& state, DecodedPress& press) {
+  if (config != nullptr) ProveByLearning(config->Mod.Store, press.Reading);
   if (config != nullptr) AskRawCommands(config->Mod.Store, state, press.Reading);
   if (press.Reading.HasCode()) return;
   press.CouldBeRaw = FindLevels(HeardIn(state)).has_value();
@@ -76,7 +77,7 @@ int Decode(const PressOptions& options) {
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
     SignalState state;
     DecodedPress decoded{ReadAsMonitor(press, options.Line, analysis, state), {}};
-    if (analysis == Analysis::Second) AskRaw(config.get(), state, decoded);
+    if (analysis == Analysis::Second) AskCommands(config.get(), state, decoded);
     if (WasMeasured(decoded.Reading.Ended)) decoded.Measured = state.Measured;
     if (json != nullptr) Describe(decoded, *json);
     return PressRow{decoded.HasCode(), json == nullptr ? ToText(decoded) : "", "", {}};

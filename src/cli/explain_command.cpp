@@ -11,7 +11,9 @@
 #include "config/lookup.h"
 #include "config/raw_lookup.h"
 #include "signal/raw/raw_levels.h"
-#include "station/stage_text.h"
+#include "signal/stage_text.h"
+#include "station/press_words.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -67,16 +69,26 @@ struct Explanation {
   Attempt First, Second;
   std::vector<LengthGroup> Marks, Spaces;
   double Milliseconds = 0;
-  bool AllLight = false, Cut = false, CouldBeRaw = false;
+  bool AllLight = false, Cut = false;
+  std::string Raw;  // what the raw commands make of it; empty without any
   std::string Reading, KnownAs, Advice;
   bool HasCode = false;
 };
 
+std::string UsText(double samples, const SignalState& state) {
+  return std::to_string(std::lround(samples * state.SampleTime)) + " us";
+}
+
+/// What the reading measured before it ended.
 std::string Numbers(const SignalState& state, const MonitorReading& reading) {
   std::string text;
-  if (reading.Ended > Stage::NoTiming && reading.Ended != Stage::Raw) {
+  if (reading.Ended == Stage::NoTiming) {
+    const CommonLengths common = CommonLengthsOf(state.Measured);
+    const auto length = [&](int samples) { return samples == 0 ? "missing" : UsText(samples, state); };
+    text = "; the commonest mark is " + length(common.Mark) + ", the commonest space " + length(common.Space);
+  } else if (reading.Ended > Stage::NoTiming && reading.Ended != Stage::Raw) {
     text = "; " + std::string(ProtoKindName(state.Measured.ProtoKind)) + ", base time " +
-           std::to_string(std::lround(state.Measured.BaseT * state.SampleTime)) + " us";
+           UsText(state.Measured.BaseT, state);
   }
   if (!reading.Digits.empty()) {
     text += ", " + std::to_string(reading.Digits.size()) + " digits " + reading.Digits;
@@ -84,10 +96,44 @@ std::string Numbers(const SignalState& state, const MonitorReading& reading) {
   return text;
 }
 
+std::string Counted(int count, std::string_view what) {
+  return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
+}
+
+/// The rule by which the second look ended without a code that is sure.
+std::string_view RuleOf(const FramesHeard& heard) {
+  if (heard.Proven == RobustReading::Proof::Sure) return "";
+  if (heard.TooFine) return "so short a base time is left to the first analysis";
+  if (heard.Frames == 0) return "no line code fits";
+  if (heard.Frames == 1 && heard.Others == 0) return "one frame alone proves too little";
+  if (heard.Proven == RobustReading::Proof::Single) return "the frames prove too little";
+  if (heard.Alike < heard.Frames) return "the frames differ";
+  return heard.Others > 0 ? "the other pieces tell of more than these frames"
+                          : "the digits are of one kind, or fewer than such a protocol has";
+}
+
+/// What the second look went by, with its numbers.
+std::string FramesText(const SignalState& state) {
+  const FramesHeard heard = state.Second.Heard();
+  std::string text;
+  const auto add = [&](const std::string& part) {
+    if (!part.empty()) text += (text.empty() ? "; " : ", ") + part;
+  };
+  if (!heard.TooFine) add(Counted(heard.Frames, "whole frame"));
+  if (heard.Frames > 0) add(std::string(ProtoKindName(heard.ProtoKind)));
+  if (heard.BaseT > 0) add("base time " + UsText(heard.BaseT, state));
+  if (heard.Frames > 1) add(std::to_string(heard.Alike) + " of them alike");
+  if (heard.Others > 0) add(Counted(heard.Others, "other piece"));
+  add(std::string(RuleOf(heard)));
+  return text;
+}
+
 Attempt Try(const Press& press, const LineOptions& line, Analysis analysis, SignalState& state) {
   state = {};
   Attempt attempt{ReadAsMonitor(press, line, analysis, state), {}};
   attempt.Text = DescribeStage(attempt.Reading.Ended) + Numbers(state, attempt.Reading);
+  const bool wasRead = attempt.Reading.Ended > Stage::Short;
+  if (analysis == Analysis::Second && wasRead) attempt.Text += FramesText(state);
   return attempt;
 }
 
@@ -98,40 +144,66 @@ std::string NameOf(const OpenedConfig* config, const MonitorReading& reading) {
   return found ? found->Protocol + "&" + found->Command : "";
 }
 
-std::string AdviceOn(const Explanation& press, Stage ended) {
-  if (press.AllLight) {
-    return "The line is lit from beginning to end. If nothing lights it, the receiver rests at the other "
-           "level: "
-           "swap the receiver kind with keplo settings ITYPE.";
-  }
-  if (ended == Stage::Code || ended == Stage::Raw) {
-    return press.KnownAs.empty() ? "Learn it: keplo learn FILE --name SECTION&NAME." : "";
-  }
-  if (press.CouldBeRaw) {
-    return "The lengths are clean: keplo learn FILE --name SECTION&NAME stores them as a raw command.";
-  }
-  return WhatToDo(ended);
+/// Whether the signal was on from the first sample to the last.
+bool IsAllLight(SignalState& state) {
+  const RunSpan runs = state.Runs.Read(state.Samples);
+  return runs.size() == 1 && EndsInMark(runs) && runs.front() * state.SampleTime / 1000 >= kLongestMark;
 }
 
-Explanation Explain(const Press& press, const LineOptions& line, Analysis analysis,
+std::string RawText(const OpenedConfig& config, SignalState& state) {
+  const RawIndex& index = config.Mod.Store.Raw.Index;
+  if (index.Empty()) return {};
+  const RawMatch match = index.Find(HeardIn(state));
+  if (match.Digits.empty()) return "none of " + std::to_string(index.Size()) + " fits";
+  const auto found = FindCommand(config.Text(), match.Digits, /*limit=*/0, Analysis::Second);
+  const std::string name = found ? found->Protocol + "&" + found->Command : "G" + std::string(match.Digits);
+  return match.Alone ? name + " fits" : name + " fits, and another one nearly as well: none is taken";
+}
+
+std::string AdviceOn(const Explanation& press, const MonitorReading& reading, Analysis analysis, bool isClean,
+                     const std::string& appPath) {
+  const std::string learn = TypedCommand("learn FILE --name 'SECTION&NAME'", appPath);
+  if (press.AllLight) {
+    return "The line is lit from beginning to end. If nothing lights it, the receiver rests at the other "
+           "level: swap the receiver kind with " +
+           TypedCommand("settings ITYPE NUMBER", appPath);
+  }
+  if (reading.HasCode()) return press.KnownAs.empty() ? "Learn it: " + learn : "";
+  const bool isAlone = !reading.Digits.empty() && reading.Ended == Stage::Doubtful;
+  if (isClean && !isAlone && analysis == Analysis::Second) {
+    return "The lengths are clean and can be stored as a raw command: " + learn;
+  }
+  if (analysis == Analysis::First && (isClean || press.Second.Reading.HasCode())) {
+    return "The second look can " +
+           std::string(press.Second.Reading.HasCode() ? "read it" : "learn its lengths") + ": " +
+           TypedCommand("settings ANALYSIS 1", appPath);
+  }
+  return WhatToDo(reading.Ended, appPath);
+}
+
+Explanation Explain(const Press& press, const PressOptions& options, Analysis analysis,
                     const OpenedConfig* config) {
   Explanation told;
   SignalState state;
-  told.First = Try(press, line, Analysis::First, state);
-  told.Second = Try(press, line, Analysis::Second, state);
-  const HeardLengths heard = HeardIn(state);
+  told.First = Try(press, options.Line, Analysis::First, state);
+  told.Second = Try(press, options.Line, Analysis::Second, state);
+  HeardLengths heard = HeardIn(state);
+  told.AllLight = IsAllLight(state);
+  if (told.AllLight) heard.Runs = state.Runs.Read(state.Samples);
   told.Marks = GroupsOf(heard, 0);
   told.Spaces = GroupsOf(heard, 1);
   told.Cut = heard.Cut;
   for (std::size_t i = 0; i < heard.Runs.size(); ++i) told.Milliseconds += heard.Us(i) / 1000;
-  told.AllLight = heard.Runs.size() == 1 && told.Milliseconds >= kLongestMark;
   MonitorReading reading = analysis == Analysis::First ? told.First.Reading : told.Second.Reading;
-  if (analysis == Analysis::Second && config != nullptr) AskRawCommands(config->Mod.Store, state, reading);
-  told.CouldBeRaw = !reading.HasCode() && FindLevels(heard).has_value();
+  if (config != nullptr) ProveByLearning(config->Mod.Store, reading);
+  if (analysis == Analysis::Second && config != nullptr) {
+    AskRawCommands(config->Mod.Store, state, reading);
+    told.Raw = RawText(*config, state);
+  }
   told.HasCode = reading.HasCode();
   told.KnownAs = NameOf(config, reading);
   told.Reading = told.HasCode ? "code G" + reading.Digits : "no code: " + DescribeStage(reading.Ended);
-  told.Advice = AdviceOn(told, reading.Ended);
+  told.Advice = AdviceOn(told, reading, analysis, FindLevels(heard).has_value(), options.AppPath);
   return told;
 }
 
@@ -144,6 +216,7 @@ std::vector<std::string> DetailsOf(const Explanation& press) {
       "first analysis: " + press.First.Text,
       "second look: " + press.Second.Text,
   };
+  if (!press.Raw.empty()) lines.push_back("raw commands: " + press.Raw);
   if (!press.Advice.empty()) lines.push_back("to do: " + press.Advice);
   return lines;
 }
@@ -175,7 +248,7 @@ int ExplainAll(const PressOptions& options) {
       !options.AppPath.empty() || HasInstall() ? LearnedCommands(options.AppPath) : nullptr;
   const Analysis analysis = AnalysisFor(options, config.get());
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
-    const Explanation told = Explain(press, options.Line, analysis, config.get());
+    const Explanation told = Explain(press, options, analysis, config.get());
     if (json != nullptr) Describe(told, *json);
     const std::string name = told.KnownAs.empty() ? "" : ", which is " + told.KnownAs;
     return PressRow{told.HasCode, told.Reading + name, "", DetailsOf(told)};

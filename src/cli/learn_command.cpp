@@ -18,8 +18,9 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/recorded_press.h"
+#include "signal/stage_text.h"
 #include "signal/validation.h"
-#include "station/stage_text.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -182,7 +183,8 @@ int Learn(const LearnOptions& options) {
   const bool asRaw = options.Raw || (key.IsClean && (key.Codes.empty() || HasTogglingCode(key)));
   if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
   if (options.Raw) {
-    throw Refused("Raw commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");
+    throw Refused("Raw commands are heard with the second look alone; " +
+                  TypedCommand("settings ANALYSIS 1", options.AppPath) + " turns it on");
   }
   if (const std::string reason = WhyNoCommand(key); !reason.empty()) throw Refused(reason);
   config.Change([&](CfgStore& store) {

@@ -18,6 +18,7 @@
 #include "program/printable.h"
 #include "program/raised_event.h"
 #include "program/stop_signals.h"
+#include "signal/stage_text.h"
 #include "station/changes_watch.h"
 #include "station/silent_boxes.h"
 #include "station/station.h"
@@ -98,6 +99,17 @@ StopSignals WhateverEnds() {
   return StopSignals({SIGINT, SIGTERM, SIGQUIT, SIGHUP});
 }
 
+/// What became of the presses, and how far their reading came.
+void PrintTally(const PressTally& tally, std::ostream& out) {
+  out << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
+      << " presses without an event\n";
+  for (std::size_t i = 0; i < tally.AtStage.size(); ++i) {
+    if (tally.AtStage[i] == 0) continue;
+    out << "  " << DescribeStage(static_cast<Stage>(i)) << ": " << tally.AtStage[i] << '\n';
+  }
+  out.flush();
+}
+
 int Monitor(const MonitorOptions& options) {
   const std::filesystem::path appPath = RequireInstall(options.AppPath);
   ChangesWatch changes(appPath);
@@ -136,9 +148,7 @@ int Monitor(const MonitorOptions& options) {
   control.InputStopMonitoring();
   control.InputTerminate();
   const PressTally& tally = station.Tally();
-  (options.Json ? std::cerr : std::cout)
-      << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
-      << " presses without an event" << std::endl;
+  PrintTally(tally, options.Json ? std::cerr : std::cout);
   return tally.WithoutEvent == 0 && station.WasOpen() ? kDone : kNoResult;
 }
 

@@ -19,7 +19,8 @@
 #include "program/line_options.h"
 #include "signal/recorded_press.h"
 #include "signal/sample_time.h"
-#include "station/stage_text.h"
+#include "signal/stage_text.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -174,8 +175,10 @@ int RecordLive(const RecordOptions& options) {
   for (int number = 1; number <= options.Count; ++number) {
     const std::string capture = Receive(live, config.Mod.Settings);
     if (capture.empty()) {
-      throw Refused(live.WhyNot().empty() ? "No signal came. keplo ports --watch shows the line itself."
-                                          : live.WhyNot());
+      throw Refused(live.WhyNot().empty()
+                        ? "No signal came. " + TypedCommand("ports --watch", options.AppPath) +
+                              " shows the line itself."
+                        : live.WhyNot());
     }
     const bool hasCode = PrintPress(live.Name(), number, options.Json, [&](nlohmann::ordered_json* json) {
       return Explain(capture, SampleTimeOf(config.Mod.Settings.ProcDelay), analysis, &config, json);

@@ -9,6 +9,7 @@
 #include "qt/form1_view.h"
 #include "qt/qt_boxes.h"
 #include "qt/qt_event_dialog.h"
+#include "signal/stage_text.h"
 #include "station/on_air.h"
 #include "station/silent_boxes.h"
 
@@ -151,6 +152,7 @@ void* KeploObject::QueryInterface(std::string_view name) {
   if (name == IEventCatalogue::kInterfaceName) return static_cast<IEventCatalogue*>(this);
   if (name == IUsedUpEventIDs::kInterfaceName) return static_cast<IUsedUpEventIDs*>(this);
   if (name == IPressTally::kInterfaceName) return static_cast<IPressTally*>(this);
+  if (name == IStageTally::kInterfaceName) return static_cast<IStageTally*>(this);
   return nullptr;
 }
 
@@ -301,6 +303,17 @@ std::string KeploObject::HighestUsedUp() {
 IPressTally::Tally KeploObject::Presses() {
   const PressTally& tally = station_.Tally();
   return {tally.Presses, tally.Events, tally.WithoutEvent};
+}
+
+std::vector<IStageTally::Stage> KeploObject::Stages() {
+  std::vector<IStageTally::Stage> stages;
+  const auto& tally = station_.Tally().AtStage;
+  for (std::size_t i = 0; i < tally.size(); ++i) {
+    const auto stage = static_cast<keplo::Stage>(i);
+    if (tally[i] > 0)
+      stages.push_back({std::string(StageName(stage)), std::string(MeaningOf(stage)), tally[i]});
+  }
+  return stages;
 }
 
 void KeploObject::TellKey(KeyChange change, const KeyPress& press) {

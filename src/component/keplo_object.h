@@ -24,6 +24,7 @@ class KeploObject final : public IComponentObject,
                           public IEventCatalogue,
                           public IUsedUpEventIDs,
                           public IPressTally,
+                          public IStageTally,
                           public ISignalSender {
  public:
   /// @param released runs when the host has let the object go, after its end
@@ -67,6 +68,7 @@ class KeploObject final : public IComponentObject,
   std::uint64_t Revision() override { return control_.ListView1.Changes(); }
   std::string HighestUsedUp() override;
   Tally Presses() override;
+  std::vector<IStageTally::Stage> Stages() override;
   std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) override;
   std::string SendCommand(const std::string& command) override;
 

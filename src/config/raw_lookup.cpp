@@ -27,6 +27,11 @@ std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& s
   return match.Alone ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
+void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
+  if (reading.Ended != Stage::Doubtful || reading.Digits.empty()) return;
+  if (FindCommand(store.CfgText, reading.Digits, 0, Analysis::Second)) reading.Ended = Stage::Code;
+}
+
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
   if (store.Raw.Index.Empty() || BelongsToCommand(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));

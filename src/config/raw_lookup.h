@@ -19,6 +19,9 @@ HeardLengths HeardIn(SignalState& signal);
 /// The raw command that fits the capture that was read last, and no other one; none if there is no such.
 std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal);
 
+/// A frame that proves too little by itself is a code if the very same was learned.
+void ProveByLearning(const CfgStore& store, MonitorReading& reading);
+
 /// Asks the raw commands about a monitored capture that belongs to no other command, once it has been read
 /// with the second look. A reading that fits one ends at Stage::Raw with the digits of that command; any
 /// other reading stays as it is.

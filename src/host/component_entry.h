@@ -157,6 +157,23 @@ class IPressTally {
   ~IPressTally() = default;
 };
 
+/// Optional: how far the reading of the key presses came.
+class IStageTally {
+ public:
+  static constexpr std::string_view kInterfaceName = "IStageTally";
+
+  struct Stage {
+    std::string Name;     // "no-frame"
+    std::string Meaning;  // for a person
+    int Presses = 0;      // whose reading ended there
+  };
+  /// @return the stages at which a press has ended so far
+  virtual std::vector<Stage> Stages() = 0;
+
+ protected:
+  ~IStageTally() = default;
+};
+
 /// A key of a remote, from its press on.
 struct HeardKey {
   std::string Command;  // "protocol&command"; empty for a code that was not learned
@@ -260,6 +277,9 @@ using DllGetClassObjectEntry = std::int32_t(const char* className, std::uint32_t
                                             IComponentClass** componentClass);
 /// @return 0 if no object is alive, else 1
 using DllCanUnloadNowEntry = std::int32_t();
+/// Optional, as "DllGetWriteFailure": whether the last CreateObject gave no object because a first install
+/// could not be written. @return 0 if not, else the system's error number
+using DllGetWriteFailureEntry = std::int32_t();
 }
 
 inline constexpr std::int32_t kUnknownClass = 1;

@@ -82,6 +82,11 @@ std::optional<IPressTally::Tally> PluginHost::Presses() const {
   return tally == nullptr ? std::nullopt : std::optional(tally->Presses());
 }
 
+std::vector<IStageTally::Stage> PluginHost::Stages() const {
+  auto* tally = QueryInterface<IStageTally>(*object_);
+  return tally == nullptr ? std::vector<IStageTally::Stage>() : tally->Stages();
+}
+
 std::vector<std::string> PluginHost::EventIDs() const {
   std::vector<std::string> eventIDs;
   plugin_->InputHouseKeepingGetEventIDs(eventIDs);

@@ -44,6 +44,8 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   std::string HighlightedEvent() const;
   /// What became of the presses; empty if the plug-in does not tell.
   std::optional<IPressTally::Tally> Presses() const;
+  /// How far the reading of them came; empty if the plug-in does not tell.
+  std::vector<IStageTally::Stage> Stages() const;
   /// Identifiers of the events in the map.
   std::vector<std::string> EventIDs() const;
   RaisedEvent Describe(const std::string& eventID) const;

@@ -37,10 +37,6 @@ DispatchEnd TestZone(const ui::ListView& list, int row, const Settings& settings
 
 }  // namespace
 
-bool IsLearned(const std::string& code, const std::string& cfgText) {
-  return !code.empty() && FindReference(code, Analysis::Second, cfgText).has_value();
-}
-
 void DispatchCode(const std::string& code, Analysis readBy, const std::string& cfgText,
                   const Settings& settings, const ui::ListView& list, Win32Ser& line, HostInputEvent& event,
                   const std::function<void(HostInputEvent&)>& raise, DispatchReport& report) {

@@ -28,10 +28,6 @@ struct DispatchReport {
   int Raised = 0;         // input events
 };
 
-/// Whether a command with exactly this code, and not only one that begins with it, was learned.
-/// @param code digits without the leading G; none are no code
-bool IsLearned(const std::string& code, const std::string& cfgText);
-
 /// Finds a code among the learned commands and raises an input event for each activated row of the event
 /// list that is bound to it. A zone that does not match ends the walk: rows further down are not looked at.
 /// @param code digits without the leading G

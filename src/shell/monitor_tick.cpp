@@ -97,9 +97,7 @@ void Keplo::ReadAndDispatch() {
   ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis, reading);
   CompleteTurn(reading);
   // A frame that is alone may have lost digits; that the very same ones were learned is the proof it lacks.
-  const bool provenByLearning =
-      reading.Ended == Stage::Doubtful && IsLearned(reading.Digits, mod_.Store.CfgText);
-  if (provenByLearning) reading.Ended = Stage::Code;
+  ProveByLearning(mod_.Store, reading);
   const bool repeats = reading.Ended != Stage::Code && RepeatsHeldKey(reading);
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);

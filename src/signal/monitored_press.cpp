@@ -44,6 +44,15 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   reading.Dittos = look.Dittos;
 }
 
+/// Of two that read nothing the one that has come further tells why.
+void EndWithSecondLook(const RobustReading& look, Timing& measured, MonitorReading& reading) {
+  if (look.Proven == RobustReading::Proof::Refused) return reading.EndAt(Stage::Doubtful);
+  if (reading.Ended != Stage::NoTiming) return;
+  measured.BaseT = look.BaseT;
+  measured.ProtoKind = kUnknown;
+  reading.EndAt(Stage::Unknown);
+}
+
 void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
   const RobustReading& look = state.Second.Read(state.Samples);
   if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured, reading);
@@ -55,7 +64,8 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
   const bool refused = look.Proven == RobustReading::Proof::Refused;
   ReadPlainly(state, reading);
   const bool believed = !refused && CouldBeDigitsOf(look, reading.Digits, state.Measured.ProtoKind);
-  if (reading.ReadBy && !believed) reading.EndAt(Stage::Doubtful);
+  if (reading.ReadBy && !believed) return reading.EndAt(Stage::Doubtful);
+  if (!reading.ReadBy && look.BaseT > 0) EndWithSecondLook(look, state.Measured, reading);
 }
 
 }  // namespace
@@ -74,7 +84,7 @@ bool IsCodeLength(std::size_t digits, std::int16_t kind, Analysis analysis) {
 }
 
 std::string_view StageName(Stage stage) {
-  static constexpr std::array<std::string_view, 10> kNames = {
+  static constexpr std::array<std::string_view, kStages> kNames = {
       "empty",    "short",   "doubtful", "no-timing", "ends-in-mark",
       "no-frame", "unknown", "length",   "code",      "raw"};
   return kNames.at(static_cast<std::size_t>(stage));

@@ -26,6 +26,8 @@ enum class Stage {
   Raw  // no analysis reads a code, but the lengths are those of a raw command, see AskRawCommands
 };
 
+inline constexpr std::size_t kStages = 10;
+
 /// Name of a stage as the command line prints it: "empty", "short", "doubtful", "no-timing",
 /// "ends-in-mark", "no-frame", "unknown", "length", "code", "raw".
 std::string_view StageName(Stage stage);

@@ -100,17 +100,29 @@ void Doubt(RecordReading& reading) {
   reading.IsDoubtful = true;
 }
 
+/// Of two that read nothing the one that has come further tells why.
+void EndWithSecondLook(const RobustReading& look, Timing& measured, RecordReading& reading) {
+  if (reading.Ended >= RecordStage::Fragment || look.BaseT == 0) return;
+  const bool hasFrames = look.Proven == RobustReading::Proof::Refused;
+  if (!hasFrames && reading.Ended != RecordStage::NoTiming) return;
+  measured.BaseT = look.BaseT;
+  measured.ProtoKind = kUnknown;
+  TakeTiming(reading, Analysis::Second, look.BaseT, kUnknown);
+  reading.IsDoubtful = hasFrames;
+}
+
 void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
   const RobustReading& look = state.Second.Read(state.Samples);
   const RunSpan runs = state.Runs.Read(state.Samples);
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);
-    const bool believed = CouldBeDigitsOf(look, reading.Code, reading.ProtoKind);
-    return believed ? void() : Doubt(reading);
+    if (!CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
+    return EndWithSecondLook(look, state.Measured, reading);
   }
   if (look.Proven == RobustReading::Proof::Refused) {
     ReadPlainly(state, runs, reading);
-    return Doubt(reading);
+    Doubt(reading);
+    return EndWithSecondLook(look, state.Measured, reading);
   }
   state.Measured.BaseT = look.BaseT;
   state.Measured.ProtoKind = look.ProtoKind;
@@ -122,7 +134,9 @@ void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
   if (!look.OtherFrame.empty()) TakeTurns(look, reading);
   // The monitor would not take it; its lengths can be learned.
   const bool isCode = IsCodeLength(reading.Code.size(), reading.ProtoKind, Analysis::Second);
-  if (reading.Ended == RecordStage::Code && !isCode) Doubt(reading);
+  if (reading.Ended != RecordStage::Code || isCode) return;
+  Doubt(reading);
+  reading.HasOddLength = true;
 }
 
 }  // namespace
@@ -137,6 +151,7 @@ void RecordReading::EndAt(RecordStage stage) {
   Runs.Ones.clear();
   Runs.Zeros.clear();
   IsDoubtful = false;
+  HasOddLength = false;
   Repeats = false;
   SyncType.reset();
   Toggle.reset();

@@ -57,7 +57,8 @@ struct RecordReading {
   Analysis ReadBy = Analysis::First;
   std::int16_t BaseT = 0;  // samples
   std::int16_t ProtoKind = kUnknown;
-  bool IsDoubtful = false;  // there are frames, but they differ, or are none that can be believed
+  bool IsDoubtful = false;    // there are frames, but they differ, or are none that can be believed
+  bool HasOddLength = false;  // ... or are whole, and of a number of digits that no code has
   int PulseUs() const { return BaseT * kNominalSampleTime; }  // base time, microseconds
 
   // From Fragment on.

@@ -90,4 +90,8 @@ bool AnalyseTiming(RunSpan runs, Timing& timing) {
   return true;
 }
 
+CommonLengths CommonLengthsOf(const Timing& timing) {
+  return {static_cast<int>(PeakOf(timing.RunHist1)), static_cast<int>(PeakOf(timing.RunHist0))};
+}
+
 }  // namespace keplo

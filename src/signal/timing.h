@@ -41,6 +41,13 @@ struct Timing {
 /// @return true if a base time was found
 bool AnalyseTiming(RunSpan runs, Timing& timing);
 
+/// The lengths that the base time was looked for in, samples; 0 where no mark or no space is of such a
+/// length.
+struct CommonLengths {
+  int Mark = 0, Space = 0;
+};
+CommonLengths CommonLengthsOf(const Timing& timing);
+
 /// Units of a run that is too long for a digit, which the walks turn into a mark.
 inline constexpr int kBorderUnits = 9;
 

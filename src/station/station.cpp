@@ -5,7 +5,7 @@
 
 #include "config/check_config.h"
 #include "failure.h"
-#include "station/stage_text.h"
+#include "station/press_words.h"
 
 namespace keplo {
 
@@ -93,6 +93,7 @@ bool Station::IsLamp(const TickReport& tick) {
 
 void Station::CountPress(const TickReport& tick) {
   ++tally_.Presses;
+  ++tally_.AtStage.at(static_cast<std::size_t>(tick.Reading.Ended));
   tally_.Events += tick.Dispatched.Raised;
   const std::string reason = WhyNoEvent(tick);
   if (reason.empty()) return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "line/open_line.h"
 #include "shell/event_details.h"
 #include "shell/keplo.h"
+#include "signal/monitored_press.h"
 #include "station/log.h"
 #include "station/rest_between_presses.h"
 
@@ -15,9 +17,10 @@ namespace keplo {
 
 /// What has become of the key presses so far.
 struct PressTally {
-  int Presses = 0;       // heard
-  int Events = 0;        // raised
-  int WithoutEvent = 0;  // presses that raised none
+  int Presses = 0;                     // heard
+  int Events = 0;                      // raised
+  int WithoutEvent = 0;                // presses that raised none
+  std::array<int, kStages> AtStage{};  // where their reading ended, in the order of Stage
 };
 
 /// A control on a line, told to someone: what the plug-in and the command line have in common.

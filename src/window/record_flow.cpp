@@ -13,6 +13,7 @@
 #include "signal/sample_time.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
+#include "window/record_words.h"
 #include "window/while_disabled.h"
 
 namespace keplo {
@@ -87,29 +88,36 @@ void RecordFlow::Record() {
     note_.Show("No signal came.");
     return;
   }
-  note_.Show();
-  if (TrimRecording(mod_.Signal.RawCapture) != RecordStage::Code) return;
-  waveform_.StartTrace();
-  ReadCapture();
+  told_.clear();
+  const RecordStage trimmed = TrimRecording(mod_.Signal.RawCapture);
+  if (trimmed == RecordStage::Code) {
+    waveform_.StartTrace();
+    ReadCapture();
+  } else {
+    told_ = WhyNotLearnable(RecordReading(trimmed));
+  }
+  note_.Show(told_);
 }
 
-bool RecordFlow::Explain(const OpenedRecording& recording) {
+std::string RecordFlow::Explain(const OpenedRecording& recording) {
   controls_.SendLoop.SetEnabled(false);
   ClearReading();
   fields_.CodeStr.SetBackColour(std::nullopt);
   place_ = recording.Place;
   mod_.Signal.RawCapture = recording.Capture;
   mod_.Signal.SampleTime = recording.SampleTime;
-  const bool tells = TrimRecording(mod_.Signal.RawCapture) == RecordStage::Code;
+  const RecordStage trimmed = TrimRecording(mod_.Signal.RawCapture);
   waveform_.StartTrace();
-  if (tells) ReadCapture();
-  return tells;
+  told_ = WhyNotLearnable(RecordReading(trimmed));
+  if (trimmed == RecordStage::Code) ReadCapture();
+  return told_;
 }
 
 void RecordFlow::ReadCapture() {
   RecordReading reading;
   ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
   mod_.Signal.SendAs = reading.SendAs;
+  told_ = WhyNotLearnable(reading);
   if (!ShowRaw(reading)) ShowReading(reading);
 }
 
@@ -255,8 +263,9 @@ void RecordFlow::ShowRawSignal(const RawSignal& signal, Verdict verdict, const F
   fields_.Rpt.SetText("N");
   fields_.IRCommand.SetText(verdict == Verdict::Known ? known.Protocol + "&&" + known.Command : "?");
   fields_.CodeStr.SetText("G" + signal.Digits);
+  told_.clear();
   if (signal.Forms.size() > 1 && verdict == Verdict::Validated) {
-    note_.Show("The remote sends two signals in turn; both are stored with the command.");
+    told_ = "The remote sends two signals in turn; both are stored with the command.";
   }
   TellVerdict(verdict);
 }

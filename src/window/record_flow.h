@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "config/beeps.h"
 #include "config/lookup.h"
@@ -51,8 +52,8 @@ class RecordFlow {
   /// Waits for a key press and shows what it is.
   void Record();
   /// Shows what a recording is that was made before.
-  /// @return false if it is too short to tell anything
-  bool Explain(const OpenedRecording& recording);
+  /// @return what there is to say of it, for a person; may be empty
+  std::string Explain(const OpenedRecording& recording);
 
  private:
   void ClearReading();
@@ -78,6 +79,7 @@ class RecordFlow {
   Validation& validation_;
   LineNote& note_;
   const ui::Window& window_;
+  std::string told_;     // what there is to say of the last signal
   std::string place_;    // of the recording that is shown; empty for a key press
   RawLesson rawLesson_;  // the presses that no analysis could read
 };

@@ -12,8 +12,8 @@ void RecordingFlow::Open() {
       !dialogue_.RunAndReport([&] { recording = files_.Open(SampleTimeOf(settings_.ProcDelay)); }) ||
       !recording)
     return;
-  const bool shown = record_.Explain(*recording);
-  note_.SetText("Recording " + recording->Name + (shown ? "" : ": the signal is too short for a command."));
+  const std::string told = record_.Explain(*recording);
+  note_.SetText("Recording " + recording->Name + (told.empty() ? "" : ": " + told));
 }
 
 void RecordingFlow::Save() {

@@ -67,6 +67,15 @@ TEST_F(WebTest, SendsThePagesByteForByte) {
   EXPECT_NE(Ask("GET /").find("href=\"/InputKeplo\""), std::string::npos);
 }
 
+TEST_F(WebTest, TellsHowFarTheReadingOfThePressesCame) {
+  host_.Start({"--replay", kMute});
+  EXPECT_NE(host_.WaitForLog("heard, but no event"), "");
+  port_ = host_.Port();
+  const std::string index = Ask("GET /");
+  ExpectPart(index, "Presses heard: 1, events raised: 0, presses without an event: 1");
+  ExpectPart(index, "<li>code (a code): 1</li>");
+}
+
 TEST_F(WebTest, RefusesAndGoesOn) {
   host_.Start({"--http-address", "0.0.0.0"});
   EXPECT_NE(host_.WaitForLog("http://127.0.0.1:").find("--http-name"), std::string::npos);

@@ -88,8 +88,9 @@ TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
 TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
   const Install install;
   for (const auto& [pulses, part] :
-       {std::pair("+100000", "rests at the other level"),
+       {std::pair("+300000", "rests at the other level"),
         {"+300 -300 +400 -2000 +500", "to do: Move closer"},
+        {"+300 -300 +400 -2000 +500", "us; 0 whole frames, 2 other pieces, no line code fits\n"},
         {"+300 -300 +400 -2000 +500", "  spaces: 1 of 330 us, 1 of 2035 us\n"}}) {
     const Ran ran = RunShell("echo '" + std::string(pulses) + "' | '" KEPLO_PROGRAM "' explain -");
     EXPECT_EQ(ran.Status, 1);
@@ -98,6 +99,8 @@ TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
   const Ran known = install.Run("explain " + Quoted(kSamples / "nec_tv_mute.mode2"));
   ExpectPart(known.Out, "which is NEC&TV_MUTE\n  heard: 223 ms");
   EXPECT_EQ(known.Status, 0);
+  const Ran monitor = install.Run("monitor --once --replay" + Quoted(kSamples / "sony_tv_1.mode2"));
+  ExpectPart(monitor.Out, "1 presses without an event\n  code (a code): 1\n");
 }
 
 TEST(KeploProgram, JudgesASingleFrameAsItWasRecorded) {

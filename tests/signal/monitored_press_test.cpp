@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "signal/recorded_press.h"
 #include "signal_builder.h"
 
 namespace keplo::tests {
@@ -50,6 +51,25 @@ TEST(MonitoredPress, EndsWhereItMust) {
     ReadCapture(c.Capture, state, Analysis::First, reading);
     EXPECT_EQ(StageName(reading.Ended), StageName(c.Ended)) << c.Name;
     EXPECT_EQ(reading.Digits, c.Digits) << c.Name;
+  }
+}
+
+/// Of two analyses that read nothing, the one that has come further tells why.
+TEST(MonitoredPress, NamesTheRuleThatEndedIt) {
+  const std::string ones(20, '1'), zeros = "0011";
+  const std::vector<int> differ = Then(NecRuns(ones + zeros), 700, NecRuns(ones + "0001"));
+  std::vector<int> tenths = {60, 30};  // spaces of three lengths, the shortest of which is rare
+  for (int i = 0; i < 24; ++i) tenths.insert(tenths.end(), {8, i % 12 == 0 ? 8 : i % 2 == 0 ? 20 : 32});
+  tenths.push_back(8);
+  const std::tuple<std::vector<int>, Stage, bool> cases[] = {
+      {differ, Stage::Doubtful, true}, {Then(tenths, 900, tenths), Stage::Unknown, false}};
+  for (const auto& [runs, ended, isDoubtful] : cases) {
+    SignalState state;
+    EXPECT_EQ(StageName(ReadCapture(Capture(runs), state).Ended), "no-timing");
+    EXPECT_EQ(StageName(ReadCapture(Capture(runs), state, Analysis::Second).Ended), StageName(ended));
+    const RecordReading recorded = ReadRecordedCapture(Capture(runs), state, Analysis::Second);
+    EXPECT_TRUE(recorded.Ended == RecordStage::Unknown && recorded.BaseT > 0);
+    EXPECT_EQ(recorded.IsDoubtful, isDoubtful);
   }
 }
 

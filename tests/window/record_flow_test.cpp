@@ -130,12 +130,13 @@ TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
 }
 
 TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
-  for (const auto& [press, told] :  // none for silence; pulse, digits, repeats, line code, code
-       std::vector<std::pair<std::vector<int>, std::string>>{
-           {{}, "560|||NEC|"},
-           {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||"},
-           {std::vector<int>(60, 10), "495|||UNK|"},
-           {{4, 4}, "560|||NEC|"}}) {
+  for (const auto& [press, told, note] :  // none for silence; pulse, digits, repeats, line code, code
+       std::vector<std::tuple<std::vector<int>, std::string, std::string>>{
+           {{}, "560|||NEC|", "No signal came."},
+           {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||",
+            "No code: a single frame of 6 bits is a fragment. Hold the key longer."},
+           {std::vector<int>(60, 10), "495|||UNK|", "if other keys fail as well, choose AutoCalibrate."},
+           {{4, 4}, "560|||NEC|", "No code: the signal is too short. Hold the key longer."}}) {
     SetUp();
     form_->DescribeLine = [] { return std::string("It is a fake."); };
     Record(NecRuns("10001010"));
@@ -147,7 +148,7 @@ TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
                   form_->GProt.Text() + "|" + form_->CodeStr.Text(),
               told);
     EXPECT_EQ(CodeColour(), press.size() == 2 ? "red" : "plain");
-    EXPECT_EQ(form_->Note.Text(), press.empty() ? "No signal came. It is a fake." : "It is a fake.");
+    ExpectPart(form_->Note.Text(), note + " It is a fake.");
     EXPECT_EQ(line_.Calls.back() == "SpeakBeep 600 1000", press.empty());
     EXPECT_TRUE(form_->RecButton.Enabled());
   }
@@ -196,7 +197,7 @@ TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
   EXPECT_EQ(mod_->Signal.SampleTime, 60);
   EXPECT_FALSE(form_->Timer1.Enabled()) << "a loop would send over it";
   open({"x.cap", "b 1", Padded("\x10", 1000)});
-  EXPECT_EQ(form_->Note.Text(), "Recording x.cap: the signal is too short for a command.");
+  EXPECT_EQ(form_->Note.Text(), "Recording x.cap: No code: the signal is too short. Hold the key longer.");
   EXPECT_EQ(form_->Surface.Lines().size(), 2U) << "the one mark that it has";
   form_->Recordings.Open = [](double) -> std::optional<OpenedRecording> { throw Failure(2, "no such file"); };
   form_->OpenRecordingMenu.Click();

@@ -111,6 +111,22 @@ QByteArray WebPages::LastKey() const {
          QByteArray::number(key->HeldMs) + " ms, signals: " + QByteArray::number(key->Count) + "</p>\n";
 }
 
+/// What became of the presses; nothing ahead of the first.
+QByteArray WebPages::Presses() const {
+  const auto tally = host_.Presses();
+  if (!tally || tally->Presses == 0) return {};
+  QByteArray page = "<p>Presses heard: " + QByteArray::number(tally->Presses) +
+                    ", events raised: " + QByteArray::number(tally->Events) +
+                    ", presses without an event: " + QByteArray::number(tally->WithoutEvent) + "</p>\n";
+  QByteArray rows;
+  for (const IStageTally::Stage& stage : host_.Stages()) {
+    const std::string text = stage.Name + " (" + stage.Meaning + "): ";
+    rows += "<li>" + QString::fromStdString(text).toHtmlEscaped().toUtf8() +
+            QByteArray::number(stage.Presses) + "</li>\n";
+  }
+  return rows.isEmpty() ? page : page + "<ul>\n" + rows + "</ul>\n";
+}
+
 QByteArray WebPages::Index() const {
   std::string version;
   host_.Plugin().InputGetPluginVersion(version);
@@ -123,7 +139,7 @@ QByteArray WebPages::Index() const {
 </head><body><h1>Plug-ins</h1>
 <ul><li><a href=")" +
          QByteArray(kPluginPath) + "\">InputKeplo</a> " + about.toHtmlEscaped().toUtf8() + "</li></ul>\n" +
-         LastKey() + "</body></html>\n";
+         LastKey() + Presses() + "</body></html>\n";
 }
 
 QByteArray WebPages::PluginPage(const QHttpServerRequest& request) const {

@@ -29,6 +29,7 @@ class WebPages {
  private:
   QByteArray Index() const;
   QByteArray LastKey() const;
+  QByteArray Presses() const;
   QByteArray PluginPage(const QHttpServerRequest& request) const;
 
   PluginHost& host_;

@@ -22,6 +22,7 @@ class RawIndex {
  public:
   void Clear();
   void Add(const RawSignal& signal);
+  std::size_t Size() const { return signals_.size(); }
   bool Empty() const { return signals_.empty(); }
 
   /// The command that fits what was heard. Those that fit without a change of scale go first.

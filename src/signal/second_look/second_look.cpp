@@ -123,6 +123,7 @@ void SecondLook::LookForFineSignal(const SampleWords& samples, const robust::Pre
   const auto fine = std::find_if(finePieces_.begin(), finePieces_.end(), isFine);
   if (fine == finePieces_.end()) return;
   look_.Proven = RobustReading::Proof::Unsure;
+  look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
   const std::size_t marks = fine->Size / 2 + 1;
   if (robust::HasLeaderInside(*fine))
     look_.UnreadMarks = marks - 1;
@@ -194,6 +195,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.Frame.clear();
   look_.OtherFrame.clear();
   look_.UnreadMarks = 0;
+  found_ = nullptr;
 
   const bool joined = robust::SmoothSamples(samples, smooth_);
   const robust::PressRuns runs = robust::FromFirstMark(smoothRuns_.Read(smooth_));
@@ -201,14 +203,31 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   LookForFineSignal(samples, runs, unit, joined);
   if (look_.Proven == RobustReading::Proof::Unsure) return look_;
   const robust::Findings& found = frames_.Read(runs, unit);
+  found_ = &found;
   if (!found.Frames.empty()) {
     ReadProof(found);
   } else if (robust::IsOneFrame(found.Unknown)) {
     look_.Proven = RobustReading::Proof::Unsure;
+    look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
     look_.UnreadMarks = found.UnknownMarks;
   }
   if (look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs)) ReadBehindRests(runs);
   return look_;
+}
+
+FramesHeard SecondLook::Heard() const {
+  FramesHeard heard{look_.BaseT, look_.ProtoKind};
+  heard.Proven = look_.Proven;
+  heard.TooFine = found_ == nullptr && look_.Proven == RobustReading::Proof::Unsure;
+  if (found_ == nullptr) return heard;
+  heard.Frames = static_cast<int>(found_->Frames.size());
+  heard.Others = static_cast<int>(found_->Others.size());
+  for (const robust::Frame& frame : found_->Frames) {
+    const auto alike = std::count_if(found_->Frames.begin(), found_->Frames.end(),
+                                     [&](const robust::Frame& other) { return frame.SameCode(other); });
+    heard.Alike = std::max(heard.Alike, static_cast<int>(alike));
+  }
+  return heard;
 }
 
 }  // namespace keplo

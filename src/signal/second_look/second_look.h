@@ -22,7 +22,7 @@ struct RobustReading {
   };
 
   Proof Proven = Proof::Refused;
-  std::int16_t BaseT = 0;  // base time T, samples; rounded
+  std::int16_t BaseT = 0;  // base time T, samples; rounded. Of a clean signal too, and 0 without one
   std::int16_t ProtoKind = kUnknown;
   bool Dittos = false;  // a frame was repeated by signs without digits
 
@@ -46,6 +46,17 @@ struct RobustReading {
   void Decode(std::string& digits) const;
 };
 
+/// What a reading goes by, for those who tell a person why it ended as it did.
+struct FramesHeard {
+  std::int16_t BaseT = 0;  // as RobustReading has them
+  std::int16_t ProtoKind = kUnknown;
+  int Frames = 0;        // whole ones of a line code
+  int Alike = 0;         // the most of them that have the same digits
+  int Others = 0;        // pieces that are none, such as half a frame
+  bool TooFine = false;  // the base time is too short for receivers to keep its spaces
+  RobustReading::Proof Proven = RobustReading::Proof::Refused;
+};
+
 /// Whether another analysis may have read digits from an unsure signal: a digit for each mark of its frame,
 /// and enough of either kind. Marks that it took for borders, or for two, leave other numbers.
 bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::int16_t kind);
@@ -63,6 +74,9 @@ class SecondLook {
   /// @return valid until the next call
   const RobustReading& Read(const SampleWords& samples);
 
+  /// What the last reading went by.
+  FramesHeard Heard() const;
+
  private:
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
                          bool joined);
@@ -73,6 +87,7 @@ class SecondLook {
   SampleWords smooth_;
   RunReader smoothRuns_, allRuns_;
   robust::FrameReader frames_;
+  const robust::Findings* found_ = nullptr;  // by the last reading; null where it went for no frames
   std::vector<robust::Piece> finePieces_;
   RobustReading look_;
 };

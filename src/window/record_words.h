@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "signal/recorded_press.h"
+
+namespace keplo {
+
+/// Why a recording has no code that could be learned, and what to do about it in the window; empty if it has
+/// one.
+std::string WhyNotLearnable(const RecordReading& reading);
+
+}  // namespace keplo
