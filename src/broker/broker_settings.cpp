@@ -14,6 +14,7 @@
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
+#include "typed_command.h"
 
 namespace keplo::broker {
 
@@ -149,8 +150,8 @@ nlohmann::json ParseObject(std::string_view text, const std::filesystem::path& f
     }
     Refuse(file, line,
            "the file " + std::string(failure.what()) +
-               "; expected is one object { } of settings. Mend it, or remove it and write it anew by keplo "
-               "broker set.");
+               "; expected is one object { } of settings. Mend it, or remove it and write it anew with: " +
+               TypedCommand("broker set", FolderOf(file).string()));
   }
 }
 
@@ -231,7 +232,8 @@ std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& ap
 
 BrokerSettings RequireBrokerSettings(const std::filesystem::path& appPath) {
   if (auto settings = ReadBrokerSettings(appPath)) return *std::move(settings);
-  throw Failure(ENOENT, "No broker is named; keplo broker set --host NAME does it.");
+  throw Failure(
+      ENOENT, "No broker is named; do it with: " + TypedCommand("broker set --host NAME", appPath.string()));
 }
 
 void ChangeBrokerSettings(const std::filesystem::path& appPath,

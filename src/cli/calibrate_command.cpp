@@ -14,6 +14,7 @@
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/calibration.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -61,8 +62,10 @@ Outcome Calibrate(Win32Ser& line) {
 }
 
 /// Why the key was let go without a result, for a person; empty at any other end.
-std::string WhyNoHelp(const Outcome& outcome) {
-  if (outcome.Signals == 0) return "no signal was heard; keplo ports --watch shows the line itself";
+std::string WhyNoHelp(const Outcome& outcome, const std::string& appPathOption) {
+  if (outcome.Signals == 0) {
+    return "no signal was heard; " + TypedCommand("ports --watch", appPathOption) + " shows the line itself";
+  }
   if (outcome.End != CalibrationStep::NoSignal) return {};
   const std::string signals = std::to_string(outcome.Signals) + " signals";
   if (outcome.Measured == 0) {
@@ -102,7 +105,7 @@ int Calibrate(const CalibrateOptions& options) {
       options.Line.ReplayFiles.empty() ? CalibrateLive(options) : CalibrateReplayed(options);
   std::vector<std::string> lines = PrintableLines(CalibrationText(outcome.End, outcome.Delay));
   if (outcome.End != CalibrationStep::Succeeded) {
-    if (const std::string why = WhyNoHelp(outcome); !why.empty()) lines.push_back(why);
+    if (const std::string why = WhyNoHelp(outcome, options.AppPath); !why.empty()) lines.push_back(why);
     throw Refused(lines.front(), {lines.begin() + 1, lines.end()});
   }
   for (const std::string& told : lines) std::cout << told << '\n';

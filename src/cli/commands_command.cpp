@@ -17,6 +17,7 @@
 #include "program/json_line.h"
 #include "program/printable.h"
 #include "signal/decode.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -59,12 +60,12 @@ int List(const ListOptions& options) {
     if (protocols.empty()) throw Refused(config.Mod.Store.Path.string() + " has no protocols");
     PrintProtocols(text, protocols, options.Json);
   } else if (const auto reference = SplitReference(options.Only)) {
-    const std::string protocol = RequireProtocol(text, reference->Protocol);
+    const std::string protocol = RequireProtocol(text, reference->Protocol, options.AppPath);
     const auto command = FindLearned(text, reference->Protocol, reference->Command);
     if (!command) throw Refused(RefusalText({Refusal::NoSuchCommand, reference->Command}));
     Print(protocol, *command, options.Json);
   } else {
-    PrintProtocols(text, {RequireProtocol(text, options.Only)}, options.Json);
+    PrintProtocols(text, {RequireProtocol(text, options.Only, options.AppPath)}, options.Json);
   }
   return kDone;
 }
@@ -87,7 +88,7 @@ std::string Named(const std::vector<clsKeploEvent>& events) {
 /// Binds the events of a command to its new name.
 /// @throws NotWritten that tells which ones still have the old one, and how to mend them
 void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const CommandReference& from,
-                  const CommandReference& to) {
+                  const CommandReference& to, const std::string& appPathOption) {
   std::optional<NotConfirmedWritten> unsure;
   while (!events.empty()) {
     clsKeploEvent event = events.front();
@@ -100,9 +101,8 @@ void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const Comma
       throw NotWritten(
           failure.Number(),
           std::string(failure.what()) + " The command has its new name, and the " + Named(events) +
-              " still the old one, " + from.Text() +
-              ", at which nothing fires. Bind each anew with: keplo events modify ID --command '" +
-              to.Text() + "'");
+              " still the old one, " + from.Text() + ", at which nothing fires. Bind each anew with: " +
+              TypedCommand("events modify ID --command " + ShellQuoted(to.Text()), appPathOption));
     }
     events.erase(events.begin());
   }
@@ -122,7 +122,7 @@ int Rename(const RenameOptions& options) {
   });
   std::cout << Printable(from.Text()) << " is " << Printable(to.Text()) << " now\n";
   const std::vector<clsKeploEvent> bound = EventsOf(map, from);
-  RebindEvents(map, bound, from, to);
+  RebindEvents(map, bound, from, to, options.AppPath);
   if (!bound.empty())
     std::cout << bound.size() << (bound.size() == 1 ? " event goes" : " events go") << " with it\n";
   TellWhoTakesItIn(options.AppPath);

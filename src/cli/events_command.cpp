@@ -16,6 +16,7 @@
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/printable.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -165,16 +166,16 @@ int AddEach(const EventWords& words) {
   return kDone;
 }
 
-std::shared_ptr<clsKeploEvent> Find(const OpenedMap& map, const std::string& id) {
-  auto event = map.Find(id);
+std::shared_ptr<clsKeploEvent> Find(const OpenedMap& map, const EventWords& words) {
+  auto event = map.Find(words.EventID);
   if (event != nullptr) return event;
-  throw Refused("There is no event with the EventID " + id +
-                ". keplo events list shows those that are there.");
+  throw Refused("There is no event with the EventID " + words.EventID + ". " +
+                TypedCommand("events list", words.AppPath) + " shows those that are there.");
 }
 
 int Modify(const EventWords& words) {
   OpenedMap map(words.AppPath);
-  const auto event = std::make_shared<clsKeploEvent>(*Find(map, words.EventID));
+  const auto event = std::make_shared<clsKeploEvent>(*Find(map, words));
   if (!words.Command.empty()) event->IRCommand = ReferenceToBind(words);
   TakeWords(words, *event);
   map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
@@ -184,7 +185,7 @@ int Modify(const EventWords& words) {
 
 int Delete(const EventWords& words) {
   OpenedMap map(words.AppPath);
-  Find(map, words.EventID);
+  Find(map, words);
   map.Change([&](colclsKeploEvents& events) { return events.Delete(words.EventID); });
   TellWhoTakesItIn(words.AppPath);
   return kDone;

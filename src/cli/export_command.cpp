@@ -30,7 +30,8 @@ struct ConvertOptions {
 /// The sections that are asked for; without any all that hold commands of a user.
 std::vector<std::string> SectionsOf(const std::string& text, const ExportOptions& options) {
   std::vector<std::string> sections;
-  for (const std::string& word : options.Sections) sections.push_back(RequireProtocol(text, word));
+  for (const std::string& word : options.Sections)
+    sections.push_back(RequireProtocol(text, word, options.AppPath));
   if (!sections.empty()) return sections;
   for (const std::string& name : ListProtocols(text)) {
     if (!IsTemplate(name)) sections.push_back(name);

@@ -14,6 +14,7 @@
 #include "program/json_line.h"
 #include "program/printable.h"
 #include "remotes/import_plan.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -89,7 +90,8 @@ void PrintSummary(const ImportPlan& plan, bool dryRun) {
 ImportPlan Planned(const CfgStore& store, const std::vector<ImportedFile>& files,
                    const ImportOptions& options) try {
   ImportWishes wishes;
-  if (!options.Section.empty()) wishes.Section = RequireProtocol(store.CfgText, options.Section);
+  if (!options.Section.empty())
+    wishes.Section = RequireProtocol(store.CfgText, options.Section, options.AppPath);
   wishes.Shadowed = options.Shadowed;
   wishes.Raw = &store.Raw;
   if (!options.Keys.empty()) wishes.Wants = KeysNamed(options.Keys);
@@ -147,8 +149,8 @@ int Import(const ImportOptions& options) {
   }
   TellUnusedNames(options.Keys, plan);
   if (plan.NeedsSecondLook() && AnalysisOf(config) == Analysis::First) {
-    Tell(
-        "some of these commands are heard with the second look alone; keplo settings ANALYSIS 1 turns it on");
+    Tell("some of these commands are heard with the second look alone; " +
+         TypedCommand("settings ANALYSIS 1", options.AppPath) + " turns it on");
   }
   if (!options.Json && !loaded.Files.empty()) PrintSummary(plan, options.DryRun);
   const bool all = plan.Count(KeyFate::Skipped) + plan.Count(KeyFate::Shadowed) == 0 && !plan.Keys.empty();

@@ -80,7 +80,7 @@ class LineWatch {
     if (level_ == RestLevel() || told_ || std::chrono::steady_clock::now() - since_ < kStuck) return;
     told_ = true;
     Tell("the line rests at " + std::to_string(level_) +
-         ", where a receiver of the other kind does; change ITYPE with keplo settings, or look for a lamp");
+         ", where a receiver of the other kind does; change the setting ITYPE, or look for a lamp");
   }
 
  private:

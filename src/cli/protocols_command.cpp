@@ -69,7 +69,7 @@ int List(const ProtocolsOptions& options) {
   const OpenedConfig config(options.AppPath);
   const std::string& text = config.Text();
   std::vector<std::string> names = ListProtocols(text);
-  if (!options.Name.empty()) names = {RequireProtocol(text, options.Name)};
+  if (!options.Name.empty()) names = {RequireProtocol(text, options.Name, options.AppPath)};
   if (names.empty()) throw Refused(config.Mod.Store.Path.string() + " has no protocols");
   std::vector<std::string> damaged;
   for (const std::string& name : names) {

@@ -4,6 +4,7 @@
 #include "config/lookup.h"
 #include "config/protocols.h"
 #include "program/arguments.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -23,9 +24,11 @@ std::string ProtocolAsStored(std::string_view text, const std::string& word) {
   return StoredProtocol(text, word).value_or(word);
 }
 
-std::string RequireProtocol(std::string_view text, const std::string& word) {
+std::string RequireProtocol(std::string_view text, const std::string& word,
+                            const std::string& appPathOption) {
   if (auto name = StoredProtocol(text, word)) return *std::move(name);
-  throw Refused("no protocol \"" + word + "\" in keplo.cfg; keplo protocols lists those that are there");
+  throw Refused("no protocol \"" + word + "\" in keplo.cfg; " + TypedCommand("protocols", appPathOption) +
+                " lists those that are there");
 }
 
 CommandReference AsStored(std::string_view text, const CommandReference& reference) {

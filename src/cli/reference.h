@@ -30,7 +30,7 @@ CommandReference ReferenceOf(const std::string& protocol, const std::string& com
 /// refuses.
 std::string ProtocolAsStored(std::string_view text, const std::string& word);
 /// @throws Refused if there is no such protocol
-std::string RequireProtocol(std::string_view text, const std::string& word);
+std::string RequireProtocol(std::string_view text, const std::string& word, const std::string& appPathOption);
 /// The reference as keplo.cfg spells it, as far as it has those names.
 CommandReference AsStored(std::string_view text, const CommandReference& reference);
 

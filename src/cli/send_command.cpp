@@ -28,6 +28,7 @@
 #include "signal/raw/raw_digits.h"
 #include "signal/send_as.h"
 #include "signal/zone_link.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -145,28 +146,27 @@ Sendable SendableOf(std::string_view text, const SendOptions& options) {
 }
 
 /// @throws Refused where nothing that is sent to a port leaves it
-void RequireSender(const KeploMod& mod, std::int32_t number) {
-  constexpr std::string_view kAdvice =
-      "--out FILE keeps what would be sent, and keplo ports lists the ports that have a device";
+void RequireSender(const KeploMod& mod, std::int32_t number, const std::string& appPathOption) {
+  const std::string advice = "--out FILE keeps what would be sent, and " +
+                             TypedCommand("ports", appPathOption) + " lists the ports that have a device";
   const auto port = PortOf(mod, number);
   if (!port) {
     throw Refused("COM " + std::to_string(number) +
-                  " has no device on this machine, so nothing goes on air; " + std::string(kAdvice));
+                  " has no device on this machine, so nothing goes on air; " + advice);
   }
   // What stands at a serial port is not known. It gets the signal.
   if (port->Type == MappedPort::Kind::Serial) return;
   KernelCalls calls;
   const PortCheck check = CheckPort(calls, *port);
   if (!check.Opens || check.Sends) return;
-  throw Refused("Nothing goes on air by COM " + std::to_string(number) + ". " + check.Why + " " +
-                std::string(kAdvice));
+  throw Refused("Nothing goes on air by COM " + std::to_string(number) + ". " + check.Why + " " + advice);
 }
 
 /// Puts the code out on the port.
 void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& options) {
   ReadSettings(mod.Store, mod.Settings);
   const std::int32_t port = options.Port.value_or(mod.Settings.ComPortNr);
-  RequireSender(mod, port);
+  RequireSender(mod, port, options.AppPath);
   if (const std::int32_t pulse = options.Pulse.value_or(mod.ProtocolParams.SENDPLS); pulse > kLongestSlot) {
     throw Refused("A pulse of " + std::to_string(pulse) + " us is not sent. Use 1 to " +
                   std::to_string(kLongestSlot) + " us.");

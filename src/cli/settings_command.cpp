@@ -12,6 +12,7 @@
 #include "program/app_path.h"
 #include "program/json_line.h"
 #include "program/printable.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -39,9 +40,11 @@ std::int64_t RequireFit(std::string_view text, const SettingKey& key, const std:
 }
 
 /// A change and what comes with it: zone hardware and software carrier both need TxD.
-std::vector<SettingChange> ChangesFor(std::string_view text, const SettingKey& key, std::int64_t number) {
+std::vector<SettingChange> ChangesFor(std::string_view text, const SettingKey& key, std::int64_t number,
+                                      const std::string& appPathOption) {
   if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(text, "VEXIL") > 0) {
-    throw Refused("The zone hardware needs TxD for itself; keplo settings VEXIL 0 gives it up.");
+    throw Refused("The zone hardware needs TxD for itself; " +
+                  TypedCommand("settings VEXIL 0", appPathOption) + " gives it up.");
   }
   std::vector<SettingChange> changes = {{key, number}};
   const std::int64_t interfaceType = NumberOf(text, "ITYPE");
@@ -51,10 +54,10 @@ std::vector<SettingChange> ChangesFor(std::string_view text, const SettingKey& k
   return changes;
 }
 
-int Change(OpenedConfig& config, const SettingKey& key, const std::string& value) {
+int Change(OpenedConfig& config, const SettingKey& key, const SettingsOptions& options) {
   std::vector<SettingChange> changes;
   config.Change([&](CfgStore& store) {
-    changes = ChangesFor(store.CfgText, key, RequireFit(store.CfgText, key, value));
+    changes = ChangesFor(store.CfgText, key, RequireFit(store.CfgText, key, options.Value), options.AppPath);
     if (!ChangeSettings(store, changes)) {
       throw Refused(store.Path.string() + " has no line for " + std::string(key.Name) +
                     "=; put one into [General].");
@@ -83,8 +86,11 @@ int Run(const SettingsOptions& options) {
     return kDone;
   }
   const SettingKey* key = FindSettingKey(options.Key);
-  if (key == nullptr) throw Refused("There is no setting " + options.Key + "; keplo settings lists them.");
-  if (!options.Value.empty()) return Change(config, *key, options.Value);
+  if (key == nullptr) {
+    throw Refused("There is no setting " + options.Key + "; " + TypedCommand("settings", options.AppPath) +
+                  " lists them.");
+  }
+  if (!options.Value.empty()) return Change(config, *key, options);
   Print(config.Text(), *key, options);
   return kDone;
 }

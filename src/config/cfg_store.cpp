@@ -11,6 +11,7 @@
 #include "disk/posix_file_system.h"
 #include "disk/replace_file.h"
 #include "failure.h"
+#include "typed_command.h"
 
 namespace keplo {
 
@@ -172,11 +173,11 @@ void LoadConfig(CfgStore& store) {
     store.ReadFrom = identity;
     RefreshRaw(store);
   } catch (const Failure& failure) {
-    const std::string advice = failure.Number() == ENOENT
-                                   ? ". Put a backup in its place, or bring the one of a first install with: "
-                                     "keplo install --app-path '" +
-                                         store.Path.parent_path().string() + "'"
-                                   : "";
+    const std::string advice =
+        failure.Number() == ENOENT
+            ? ". Put a backup in its place, or bring the one of a first install with: " +
+                  TypedCommand("install", FolderOf(store.Path).string())
+            : "";
     throw Failure(failure.Number(),
                   std::string("The configuration cannot be read: ") + failure.what() + advice);
   }

@@ -20,8 +20,9 @@ using namespace std::string_view_literals;
 // How a file of the desktop database begins that earlier releases kept the event map in.
 constexpr std::array kOldFormatHeaders = {"\0\1\0\0Standard Jet DB"sv, "\0\1\0\0Standard ACE DB"sv};
 
-constexpr std::string_view kOldFormatAdvice =
-    "Move it away, run 'keplo install' for an empty event map and add the events again.";
+std::string OldFormatAdvice(std::string_view path) {
+  return "Move it away, bring an empty one with " + BringMapCommand(path) + " and add the events again.";
+}
 
 bool IsOldFormat(const std::string& path) {
   std::array<char, kOldFormatHeaders[0].size()> head{};
@@ -33,7 +34,7 @@ bool IsOldFormat(const std::string& path) {
 void CheckKind(sqlite3* database, const std::string& path) {
   if (FirstNumber(database, "pragma application_id") == kApplicationID) return;
   throw Failure(SqliteFailureNumber(SQLITE_NOTADB),
-                DatabaseText(path, "is not an event database", kReplaceAdvice));
+                DatabaseText(path, "is not an event database", ReplaceAdvice(path)));
 }
 
 void CheckVersion(sqlite3* database, const std::string& path) {
@@ -41,8 +42,9 @@ void CheckVersion(sqlite3* database, const std::string& path) {
   if (version == kFormatVersion) return;
   const std::string reason = "has the format " + std::to_string(version) +
                              ", and this program reads format " + std::to_string(kFormatVersion);
-  const std::string_view advice =
-      version > kFormatVersion ? "A newer release wrote it: install that release again." : kReplaceAdvice;
+  const std::string advice = version > kFormatVersion
+                                 ? "A newer release wrote it: install that release again."
+                                 : ReplaceAdvice(path);
   throw Failure(SqliteFailureNumber(SQLITE_MISMATCH), DatabaseText(path, reason, advice));
 }
 
@@ -51,9 +53,9 @@ void CheckHasNoView(sqlite3* database, const std::string& path) {
                         "select name from sqlite_schema where type = 'view' and"
                         " name = 'colclsKeploEvents' collate nocase");
   if (!views.Step()) return;
-  throw Failure(
-      SqliteFailureNumber(SQLITE_NOTADB),
-      DatabaseText(path, "holds a view in place of the event table, which takes no changes", kReplaceAdvice));
+  throw Failure(SqliteFailureNumber(SQLITE_NOTADB),
+                DatabaseText(path, "holds a view in place of the event table, which takes no changes",
+                             ReplaceAdvice(path)));
 }
 
 /// SQLite reads the end of a page that the file lacks as zeros, and the events that stood there with it.
@@ -69,14 +71,14 @@ void CheckHasItsSize(sqlite3* database, const std::string& path) {
                 DatabaseText(path,
                              "is damaged (it holds " + std::to_string(size) + " of its " +
                                  std::to_string(expected) + " bytes)",
-                             kReplaceAdvice));
+                             ReplaceAdvice(path)));
 }
 
 void CheckIsSound(sqlite3* database, const std::string& path) {
   const std::string found = FirstText(database, "pragma quick_check(1)");
   if (found == "ok") return;
   throw Failure(SqliteFailureNumber(SQLITE_CORRUPT),
-                DatabaseText(path, "is damaged (" + found + ")", kReplaceAdvice));
+                DatabaseText(path, "is damaged (" + found + ")", ReplaceAdvice(path)));
 }
 
 }  // namespace
@@ -91,7 +93,7 @@ void CheckIsEventDatabase(sqlite3* database, const std::string& path) {
       throw Failure(
           SqliteFailureNumber(SQLITE_NOTADB),
           DatabaseText(path, "is in the old desktop-database format, which this program cannot read",
-                       kOldFormatAdvice));
+                       OldFormatAdvice(path)));
     }
     throw;
   }

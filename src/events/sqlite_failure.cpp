@@ -10,6 +10,7 @@
 #include "disk/file_system.h"
 #include "disk/new_file_check.h"
 #include "events/failure_numbers.h"
+#include "typed_command.h"
 
 namespace keplo {
 
@@ -18,7 +19,7 @@ namespace {
 struct Explanation {
   int Code;
   std::string_view Reason;
-  std::string_view Advice;
+  std::string_view Advice;  // empty where the file has to be replaced
 };
 
 // Extended codes stand before the primary code that they belong to.
@@ -37,8 +38,8 @@ constexpr Explanation kExplanations[] = {
      "Check that it is a file and that this user may read and write it and its folder."},
     {SQLITE_FULL, "cannot be changed, because the disk is full", "Free some space, then try again."},
     {SQLITE_IOERR, "cannot be read or written", "Check the disk that it lies on."},
-    {SQLITE_CORRUPT, "is damaged", kReplaceAdvice},
-    {SQLITE_NOTADB, "is not an event database", kReplaceAdvice},
+    {SQLITE_CORRUPT, "is damaged", ""},
+    {SQLITE_NOTADB, "is not an event database", ""},
 };
 
 constexpr Explanation kRefused = {SQLITE_ERROR, "refused the statement",
@@ -73,6 +74,14 @@ Failure JournalFailure(int code, std::string_view path) {
 
 }  // namespace
 
+std::string BringMapCommand(std::string_view path) {
+  return TypedCommand("install", FolderOf(path).string());
+}
+
+std::string ReplaceAdvice(std::string_view path) {
+  return "Put a backup in its place, or move it away and bring an empty one with: " + BringMapCommand(path);
+}
+
 std::string_view OpenFileName(sqlite3* database) {
   const char* name = sqlite3_db_filename(database, "main");
   return name == nullptr ? "" : name;
@@ -90,18 +99,18 @@ Failure FailureOf(sqlite3* database, std::string_view path) {
   if (path.empty()) path = OpenFileName(database);
   if (CouldNotMakeJournal(code, systemError, path)) return JournalFailure(code, path);
   if (IsFileFailure(code) && systemError == ENOENT) {
-    const std::string folder = std::filesystem::path(path).parent_path();
     return {SqliteFailureNumber(code),
-            DatabaseText(
-                path, "does not exist",
-                "Put a backup there, or bring an empty one with: keplo install --app-path '" + folder + "'")};
+            DatabaseText(path, "does not exist",
+                         "Put a backup there, or bring an empty one with: " + BringMapCommand(path))};
   }
 
   std::string detail = sqlite3_errmsg(database);
   if (IsFileFailure(code) && systemError != 0) detail += ": " + std::generic_category().message(systemError);
   const Explanation& explanation = Explain(code);
+  const std::string advice =
+      explanation.Advice.empty() ? ReplaceAdvice(path) : std::string(explanation.Advice);
   return {SqliteFailureNumber(code),
-          DatabaseText(path, std::string(explanation.Reason) + " (" + detail + ")", explanation.Advice)};
+          DatabaseText(path, std::string(explanation.Reason) + " (" + detail + ")", advice)};
 }
 
 }  // namespace keplo

@@ -10,8 +10,9 @@ struct sqlite3;
 namespace keplo {
 
 /// What to do about a database that cannot be used.
-inline constexpr std::string_view kReplaceAdvice =
-    "Put a backup in its place, or move it away and run 'keplo install' for an empty event map.";
+std::string ReplaceAdvice(std::string_view path);
+/// The command that brings an empty one to where there is none.
+std::string BringMapCommand(std::string_view path);
 
 /// "The event database PATH REASON. ADVICE"
 std::string DatabaseText(std::string_view path, std::string_view reason, std::string_view advice);

@@ -6,6 +6,7 @@
 #include "disk/user_data_folder.h"
 #include "failure.h"
 #include "program/environment.h"
+#include "typed_command.h"
 
 namespace keplo {
 
@@ -34,10 +35,8 @@ std::filesystem::path RequireInstall(const std::string& option) {
   if (std::filesystem::symlink_status(config, error).type() == std::filesystem::file_type::not_found &&
       std::filesystem::symlink_status(appPath.parent_path(), error).type() !=
           std::filesystem::file_type::regular) {
-    throw Failure(ENOENT, config.string() +
-                              ": No such file or directory. Bring a first install with: keplo install "
-                              "--app-path '" +
-                              appPath.string() + "'");
+    throw Failure(ENOENT, config.string() + ": No such file or directory. Bring a first install with: " +
+                              TypedCommand("install", appPath.string()));
   }
   return appPath;
 }

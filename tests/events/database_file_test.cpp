@@ -49,8 +49,8 @@ TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   scratched.replace(4096, 100, std::string(100, '\xAB'));  // the second page begins there
   const std::tuple<std::string, int, std::string> cases[] = {
       {"\0\1\0\0Standard Jet DB\0\1"s + std::string(4096, 'x'), SQLITE_NOTADB,
-       "is in the old desktop-database format, which this program cannot read. Move it away, run 'keplo "
-       "install'"},
+       "is in the old desktop-database format, which this program cannot read. Move it away, bring "
+       "an empty one with keplo install --app-path '"},
       {"\0\1\0\0Standard ACE DB\0\2"s, SQLITE_NOTADB, "is in the old desktop-database format"},
       {"PROTOCOL=1\r\n", SQLITE_NOTADB, "is not an event database"},
       {"", SQLITE_NOTADB, "is not an event database. Put a backup in its place"},

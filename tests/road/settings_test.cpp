@@ -22,7 +22,7 @@ TEST(Settings, AreShownAndChangedInTheFile) {
   ExpectTold(install, {{"settings comport 012", 0, {"COMPORT 12\n"}},
                        {"settings ITYPE 9", 0, {"ITYPE 9\n"}},
                        {"settings VEXIL 3", 0, {"VEXIL 3\nITYPE 8\n"}},  // both need TxD
-                       {"settings ITYPE 9", 1, {"keplo settings VEXIL 0 gives it up"}},
+                       {"settings ITYPE 9", 1, {"keplo settings VEXIL 0 --app-path '"}},
                        {"settings ANALYSIS 0", 0, {"ANALYSIS 0\n"}}});
   EXPECT_EQ(install.Config(),
             "[General]\r\nCOMPORT= 12\r\nPROTOCOL= 0\r\nPROCDELAY= 10\r\nITYPE= 8\r\nBEEPON= 1\r\n"

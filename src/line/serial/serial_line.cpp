@@ -209,7 +209,7 @@ void SerialLine::NoticeStuck() {
   stuckAt_ = !RestLevel();
   if (std::exchange(stuckTold_, true)) return;
   Tell(Node() + " rests at " + (*stuckAt_ ? "1" : "0") +
-       ", where a receiver of the other kind does; change ITYPE with keplo settings, or look for a lamp.");
+       ", where a receiver of the other kind does; change the setting ITYPE, or look for a lamp.");
 }
 
 bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options) {
