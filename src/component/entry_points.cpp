@@ -59,4 +59,6 @@ extern "C" {
 
 [[gnu::visibility("default")]] std::int32_t DllCanUnloadNow() { return TheClass().AnyAlive() ? 1 : 0; }
 
+[[gnu::visibility("default")]] std::int32_t DllGetWriteFailure() { return TheClass().WriteFailure(); }
+
 }  // extern "C"

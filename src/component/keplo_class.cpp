@@ -32,14 +32,18 @@ void RequireUsable(const CreationContext& context) {
   }
 }
 
-void SetUp(const CreationContext& context) {
-  if (!CompleteInstall(context.ApplicationPath)) return;
-  Log(context.Log).Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
-}
-
 }  // namespace
 
+void KeploClass::SetUp(const CreationContext& context) try {
+  if (!CompleteInstall(context.ApplicationPath)) return;
+  Log(context.Log).Write(LogLevel::Info, "Brought a first install to " + context.ApplicationPath);
+} catch (const Failure& failure) {
+  writeFailure_ = failure.Number() == 0 ? EIO : failure.Number();
+  throw;
+}
+
 ComponentObject KeploClass::CreateObject(const CreationContext& context, std::string& failure) try {
+  writeFailure_ = 0;
   RequireUsable(context);
   SetUp(context);
   CreationContext settled = context;  // a host that changes its folder later still means the same files

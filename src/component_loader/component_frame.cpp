@@ -39,6 +39,7 @@ Component::Component(const std::filesystem::path& file) : file_(std::filesystem:
   unregister_ = EntryPoint<DllUnregisterServerEntry>("DllUnregisterServer");
   getClass_ = EntryPoint<DllGetClassObjectEntry>("DllGetClassObject");
   canUnload_ = EntryPoint<DllCanUnloadNowEntry>("DllCanUnloadNow");
+  writeFailure_ = reinterpret_cast<DllGetWriteFailureEntry*>(dlsym(library_, "DllGetWriteFailure"));
 }
 
 Component::~Component() {
@@ -59,8 +60,12 @@ ComponentObject Component::Create(const std::string& className, const CreationCo
   }
   std::string failure;
   ComponentObject object = componentClass->CreateObject(context, failure);
-  if (object == nullptr) throw Failure(EIO, className + " cannot be created: " + failure);
-  return object;
+  if (object != nullptr) return object;
+  const std::string text = className + " cannot be created: " + failure;
+  if (const int number = writeFailure_ == nullptr ? 0 : writeFailure_(); number != 0) {
+    throw ObjectNotWritten(number, text);
+  }
+  throw Failure(EIO, text);
 }
 
 void Component::Register() const {

@@ -3,9 +3,16 @@
 #include <filesystem>
 #include <string>
 
+#include "failure.h"
 #include "host/component_entry.h"
 
 namespace keplo {
+
+/// An object was not created because what it keeps could not be written.
+class ObjectNotWritten : public Failure {
+ public:
+  using Failure::Failure;
+};
 
 /// A component loaded into this process. It is unloaded at the end of its life, unless an object of it is
 /// still alive.
@@ -20,7 +27,8 @@ class Component {
   const std::filesystem::path& File() const { return file_; }
 
   /// Creates an object of a class.
-  /// @throws Failure if the component does not offer the class, or with the object's own reason
+  /// @throws Failure if the component does not offer the class, or with the object's own reason;
+  /// ObjectNotWritten where that is a first install that could not be written
   ComponentObject Create(const std::string& className, const CreationContext& context) const;
 
   /// Makes the component's classes known to hosts of this user, or unknown again.
@@ -40,6 +48,7 @@ class Component {
   DllUnregisterServerEntry* unregister_ = nullptr;
   DllGetClassObjectEntry* getClass_ = nullptr;
   DllCanUnloadNowEntry* canUnload_ = nullptr;
+  DllGetWriteFailureEntry* writeFailure_ = nullptr;  // null where the component has none
 };
 
 }  // namespace keplo

@@ -165,6 +165,9 @@ int RunTask(int& argc, char** argv, HostOptions& options) try {
   try {
     const auto application = MakeApplication(argc, argv, options.Headless);
     return Run(*application, options, log);
+  } catch (const ObjectNotWritten& failure) {
+    log.Write(LogLevel::Error, failure.what());
+    return kNotWritten;
   } catch (const std::exception& failure) {
     log.Write(LogLevel::Error, failure.what());
     return kCannotRun;

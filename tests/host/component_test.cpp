@@ -75,6 +75,8 @@ TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
   std::filesystem::remove(folder_.Path() / "app/keplo.cfg");
   std::filesystem::create_symlink("nowhere", folder_.Path() / "app/keplo.cfg");
   ExpectFailure("app/keplo.cfg", "No such file", create);
+  context.ApplicationPath += "/inkeplo.ico/app";
+  EXPECT_THROW(create(), ObjectNotWritten) << "no folder can be made there";
 }
 
 TEST(EntryPoints, RefuseAHostOfAnotherVersionAndPointersToNothing) {
