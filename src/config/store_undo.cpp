@@ -1,5 +1,6 @@
 #include "config/store_undo.h"
 
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -17,22 +18,33 @@ void StoreUndo::End() {
 
 std::string StoreUndo::Undo() {
   if (changes_.empty()) return "There is no change to take back.";
-  const Change& change = changes_.back();
   ReloadConfig(store_);
-  const std::optional<std::string> text = MergeChanges(change.After, change.Before, store_.CfgText);
-  if (!text) {
-    return "The change cannot be taken back, since the same lines of " + store_.Path.string() +
-           " were changed again after it. Nothing was changed.";
+  for (auto change = changes_.rbegin(); change != changes_.rend(); ++change) {
+    if (const auto text = MergeChanges(change->After, change->Before, store_.CfgText)) {
+      TakeBack(std::prev(change.base()), *text);
+      return {};
+    }
+    if (!std::exchange(change->IsTold, true)) return WhyNot(std::next(change) != changes_.rend());
   }
+  return WhyNot(false);
+}
+
+/// A step in whose way another program's change stands does not keep those ahead of it from the user.
+std::string StoreUndo::WhyNot(bool hasEarlier) const {
+  return "The change cannot be taken back, since the same lines of " + store_.Path.string() +
+         " were changed again after it. Nothing was changed." +
+         (hasEarlier ? " Undo once more takes back the change before it." : "");
+}
+
+void StoreUndo::TakeBack(std::vector<Change>::iterator change, const std::string& text) {
   const std::string current = store_.CfgText;
   try {
-    ReplaceAndSave(store_, *text);
+    ReplaceAndSave(store_, text);
   } catch (const Failure&) {
-    if (store_.CfgText != current) changes_.pop_back();
+    if (store_.CfgText != current) changes_.erase(change);
     throw;
   }
-  changes_.pop_back();
-  return {};
+  changes_.erase(change);
 }
 
 }  // namespace keplo

@@ -129,12 +129,18 @@ TEST_F(OtherProgram, IsNotUndone) {
   ExpectBoth(After("G0011,MUTE", start, "G0101,NIGHT"));
   EXPECT_FALSE(undo_.CanUndo());
 
+  Change({"add|SONY|G1101|LOUD"});
   Change({"delete|NEC|UP"});
-  const std::string sameLines = After("G1010,POWER", stored_.File(), "G0001,NEW");
+  const std::string sound = stored_.File(), sameLines = After("G1010,POWER", sound, "G0001,NEW");
   stored_.Write(sameLines);
   EXPECT_NE(undo_.Undo(), "");
   EXPECT_EQ(stored_.File(), sameLines);
-  EXPECT_TRUE(undo_.CanUndo());
+  EXPECT_EQ(undo_.Undo(), "") << "the one before it";
+  EXPECT_EQ(stored_.File(), Replaced(sameLines, "G1101,LOUD\r\n", ""));
+  EXPECT_NE(undo_.Undo(), "");
+  stored_.Write(Replaced(sound, "G1101,LOUD\r\n", ""));
+  EXPECT_EQ(undo_.Undo(), "") << "nothing stands in its way any more";
+  ExpectBoth(After("G0011,MUTE", start, "G0101,NIGHT"));
 }
 
 TEST_F(OtherProgram, IsNotMetByAnUndoOfTheWindowsOwnChanges) {
