@@ -49,8 +49,13 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
   if (!spec.ReplayFiles.empty() || !spec.Ports.empty()) return OpenReplay(spec, receiverKind);
   std::vector<std::string> mistakes = LoadPortMap(appPath).Mistakes;
   auto line = std::make_unique<PortLine>(
-      std::make_unique<KernelCalls>(), [appPath] { return LoadPortMap(appPath); }, receiverKind, spec.Options,
-      std::move(tell), BrokerMessagesOf(appPath));
+      std::make_unique<KernelCalls>(),
+      [appPath] {
+        PortMap map = LoadPortMap(appPath);
+        map.AppPath = appPath.string();
+        return map;
+      },
+      receiverKind, spec.Options, std::move(tell), BrokerMessagesOf(appPath));
   if (spec.Port) line->PutInPlace(*spec.Port, spec.PortOfSettings);
   PortLine* const device = line.get();
   const std::string remarks = Joined(mistakes);

@@ -10,6 +10,7 @@
 #include "line/serial/serial_line.h"
 #include "line/slot_clock.h"
 #include "line/zone_answer.h"
+#include "typed_command.h"
 
 namespace keplo {
 
@@ -95,8 +96,8 @@ std::int32_t PortLine::DoWithout(std::int32_t asked, std::int32_t port) {
   missing_ = asked;
   nextLook_ = calls_->Now() + kLookAgain;
   if (!map_.Ports.empty() || !map_.Mistakes.empty()) {
-    whyNot_ =
-        "COM " + std::to_string(port) + " has no device on this machine. keplo ports lists those that have.";
+    whyNot_ = "COM " + std::to_string(port) + " has no device on this machine. " +
+              TypedCommand("ports", map_.AppPath) + " lists those that have.";
     return 0;
   }
   whyNot_ = kNoDevices;

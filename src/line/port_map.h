@@ -32,6 +32,7 @@ struct PortMap {
   std::vector<std::string> Mistakes;  // of ports.conf: file, line, what was expected
   std::vector<std::string> LeftOut;   // why a device got no number
   bool IsFound = false;               // what the machine has, not what ports.conf says
+  std::string AppPath = {};           // that it was read for, as commands in messages name it; may be empty
 };
 
 /// Where the system tells of its devices; other folders in tests.

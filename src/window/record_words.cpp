@@ -1,39 +1,37 @@
 #include "window/record_words.h"
 
-#include <string_view>
-
 #include "signal/stage_text.h"
 
 namespace keplo {
 
 namespace {
 
-std::string_view WayOut(const RecordReading& reading) {
+constexpr const char* kComeCloser =
+    "Move closer, shade the receiver from lamps; if other keys fail as well, choose AutoCalibrate.";
+
+/// The line has no room for the whole of the longer reasons.
+std::string InShort(const RecordReading& reading) {
   switch (reading.Ended) {
     case RecordStage::Empty:
-      return "Point the remote at the receiver.";
     case RecordStage::Short:
     case RecordStage::Fragment:
-      return "Hold the key longer.";
+      return WhyNoCode(reading) + ". Hold the key longer.";
     case RecordStage::NoTiming:
+      return std::string("cannot find the pulse unit. ") + kComeCloser;
     case RecordStage::Unknown:
-      // The reason says it already where the frames differ.
-      if (reading.IsDoubtful && !reading.HasOddLength) return {};
-      return "Move closer and keep lamps and sunlight off the receiver; if other keys fail as well, choose "
-             "AutoCalibrate.";
+      if (reading.HasOddLength) return WhyNoCode(reading) + ". Try another key of this remote.";
+      if (reading.IsDoubtful) return WhyNoCode(reading) + ".";
+      return std::string("it fits no line code. ") + kComeCloser;
     case RecordStage::Code:
       break;
   }
-  return "Move closer and record again.";
+  return WhyNoCode(reading) + ". Move closer and record again.";
 }
 
 }  // namespace
 
 std::string WhyNotLearnable(const RecordReading& reading) {
-  const std::string why = WhyNoCode(reading);
-  if (why.empty()) return {};
-  const std::string_view wayOut = WayOut(reading);
-  return std::string("No code: ").append(why).append(wayOut.empty() ? "." : ". ").append(wayOut);
+  return WhyNoCode(reading).empty() ? std::string() : "No code: " + InShort(reading);
 }
 
 }  // namespace keplo

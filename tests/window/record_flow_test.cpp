@@ -135,7 +135,10 @@ TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
            {{}, "560|||NEC|", "No signal came."},
            {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||",
             "No code: a single frame of 6 bits is a fragment. Hold the key longer."},
-           {std::vector<int>(60, 10), "495|||UNK|", "if other keys fail as well, choose AutoCalibrate."},
+           {std::vector<int>(60, 10), "495|||UNK|",
+            "No code: it fits no line code. Move closer, shade the receiver from lamps; if other keys fail "
+            "as "
+            "well, choose AutoCalibrate."},
            {{4, 4}, "560|||NEC|", "No code: the signal is too short. Hold the key longer."}}) {
     SetUp();
     form_->DescribeLine = [] { return std::string("It is a fake."); };
