@@ -131,7 +131,7 @@ KeploWindows KeploObject::Windows() {
           [this] {
             if (mayUseDisplay_) {
               qt::ShowMainWindow(
-                  mod_, station_.Line(), [this] { return station_.DescribeLine(); },
+                  mod_, station_.Line(), [this] { return station_.DescribeLine(); }, station_.OnLineTold,
                   QApplication::activeWindow());
               // What the window left unheard is no key press of now.
               if (LineRest* const line = station_.Rest()) line->Forget();

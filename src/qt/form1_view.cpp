@@ -180,7 +180,7 @@ bool ShowUntilHidden(Form1& form) {
 }
 
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
-                    QWidget* parent) {
+                    std::function<void(const std::string&)>& onLineTold, QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
   form.DescribeLine = describeLine;
@@ -191,6 +191,9 @@ void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::stri
     view.winId();  // makes the window handle
     view.windowHandle()->setTransientParent(parent->window()->windowHandle());
   }
+  onLineTold = [&form](const std::string& text) { form.Note.SetText(text); };
+  const auto forget = [](auto* told) { *told = nullptr; };
+  const std::unique_ptr<std::function<void(const std::string&)>, decltype(forget)> whileOpen(&onLineTold);
   ShowUntilHidden(form, view);
 }
 

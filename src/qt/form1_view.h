@@ -61,8 +61,9 @@ bool ShowUntilHidden(Form1& form);
 
 /// Shows the main window of a host modally until the user leaves it.
 /// @param describeLine what the line is, for a person
+/// @param onLineTold shows what the line tells while the window is open
 /// @param parent it stands over; may be null
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
-                    QWidget* parent);
+                    std::function<void(const std::string&)>& onLineTold, QWidget* parent);
 
 }  // namespace keplo::qt

@@ -62,6 +62,7 @@ void Station::TellWhyNotOpen() {
 /// A device that is gone is an error, which the host tells; other words of a line are for the log.
 void Station::TellOfLine(const std::string& text) {
   if (line_.Device->WhyNot().empty()) opened_ = true;
+  if (OnLineTold) OnLineTold(text);
   if (text != line_.Device->WhyNot()) return log_.Write(LogLevel::Warning, text);
   control_.ReportFailure("DCD", Failure(ENODEV, text));
 }

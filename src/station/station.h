@@ -51,6 +51,8 @@ class Station {
   std::string WhyNotSent() const;
   /// What the line is, in a sentence for a person.
   std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
+  /// Shows what the line tells in the line of text of a window; none while no window is open.
+  std::function<void(const std::string&)> OnLineTold;
   /// Tells how long ticks may be left out; none where every tick counts.
   LineRest* Rest() { return rest_ ? &*rest_ : nullptr; }
   /// Whether there was ever something to listen to: recordings, or a port that opened.
