@@ -22,7 +22,7 @@ class BrokerLink {
   /// @param wake runs in the other thread when there are reports or messages to take; it only posts
   BrokerLink(const BrokerSettings& settings, const std::string& identity, LinkPurpose purpose,
              std::function<void()> wake);
-  /// Tells the broker that this host is offline, for a second at the most, and ends the connection.
+  /// Tells the broker that this host is offline, for a second at most, and ends the connection.
   ~BrokerLink();
   BrokerLink(const BrokerLink&) = delete;
   BrokerLink& operator=(const BrokerLink&) = delete;

@@ -45,7 +45,7 @@ struct CfgStore {
   /// The file that FileText was read from; none after a save, until somebody looks again.
   std::optional<FileIdentity> ReadFrom;
   /// Set when a reload or a save has taken in what another program had written. Positions and lists that were
-  /// taken from CfgText before are then out of date; whoever shows them takes them anew and clears this.
+  /// taken from CfgText before are then out of date; whoever shows them takes them again and clears this.
   bool TookInOtherText = false;
   /// While a change is made that the user can take back: what CfgText would be without it, with all that
   /// other programs have written meanwhile. None at other times, and where the two cannot be told apart.

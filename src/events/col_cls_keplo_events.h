@@ -54,7 +54,7 @@ class colclsKeploEvents {
   auto begin() const { return NewEnum().begin(); }
   auto end() const { return NewEnum().end(); }
 
-  /// Raises TriggerInputEvent once for each event, with the present time and nothing else filled in.
+  /// Raises TriggerInputEvent once for each event, with the current time and nothing else filled in.
   /// @return false for an empty collection
   bool TriggerEvent();
 

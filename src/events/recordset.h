@@ -29,12 +29,12 @@ class Recordset {
 
   /// @return true after the last row and for an empty set
   bool Eof() const;
-  /// Goes to the next row; changes of the present one that Update has not written are dropped.
+  /// Goes to the next row; changes of the current one that Update has not written are dropped.
   void MoveNext();
   /// Forgets the rows. Does nothing on a closed set.
   void Close() { *this = Recordset(); }
 
-  /// A column of the present row. Column names are compared as the database does, without regard to case.
+  /// A column of the current row. Column names are compared as the database does, without regard to case.
   /// @throws Failure after the last row, or if the set has no such column
   const SqlValue& FieldValue(std::string_view column) const;
   /// The same as a text, a boolean or a number.
@@ -43,16 +43,16 @@ class Recordset {
   bool FieldBoolean(std::string_view column) const;
   std::int16_t FieldInteger(std::string_view column) const;
 
-  /// Sets a column of the present row, to be written by Update.
+  /// Sets a column of the current row, to be written by Update.
   /// @throws Failure on a snapshot, after the last row, or if the set has no such column
   void SetFieldValue(std::string_view column, SqlValue value);
   /// Starts a new row at the end of the set, all null, and stands on it.
   void AddNew();
-  /// Writes the present row to the table.
+  /// Writes the current row to the table.
   /// @throws Failure if another program changed or deleted the row since it was read, or if the table cannot
   ///         be written or already holds the EventID; NotConfirmed once it is written
   void Update();
-  /// Deletes the present row from the table; the set stands on the next one.
+  /// Deletes the current row from the table; the set stands on the next one.
   /// @throws Failure if another program deleted the row since it was read, or if the table cannot be written;
   ///         NotConfirmed once it is deleted
   void Delete();
@@ -80,7 +80,7 @@ class Recordset {
   mutable std::optional<SqliteStatement> unread_;  // gives the rows that nobody has asked for yet
   mutable std::vector<Row> rows_;
   std::size_t position_ = 0;
-  std::optional<std::vector<SqlValue>> edited_;  // the present row's values for Update to write
+  std::optional<std::vector<SqlValue>> edited_;  // the current row's values for Update to write
 };
 
 }  // namespace keplo

@@ -136,7 +136,7 @@ std::string TakeNamed(const NamedProtocol& row, ProtocolValues v, RemoteKey& key
   return {};
 }
 
-/// Two frames that differ, as Denon and Sharp send them in turns.
+/// Two frames that differ, as Denon and Sharp send them alternately.
 void TakeTwoFrames(const ProtocolValues& v, int first, int second, RemoteKey& key) {
   constexpr int kUnit = 264, kGap = 165 * kUnit;  // microseconds
   const Coding code = {LineCode::Distance, kUnit, {}, {kUnit, 3 * kUnit}, {kUnit, 7 * kUnit}, kUnit};

@@ -254,7 +254,7 @@ class ISignalSender {
   static constexpr std::string_view kInterfaceName = "ISignalSender";
 
   // Each gives why nothing was sent, to follow a colon; empty if it was. Not from within an event: post it.
-  /// @param timings microseconds, marks positive, spaces negative, in turns from a mark on
+  /// @param timings microseconds, marks positive, spaces negative, alternating from a mark on
   /// @param carrier Hz; lines that cannot set it keep their own
   virtual std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) = 0;
   /// @param command "protocol&command"

@@ -75,8 +75,8 @@ class IVelmoraInputPLugin {
   /// could not save is told by TriggerInputErrorCondition.
   /// @return 1
   virtual std::int32_t InputConfigurePlugin() = 0;
-  /// Loads the event map. A second call reads it anew: what came, changed or went since then is taken in, no
-  /// event comes twice, monitoring goes on, and InputErrorDetails begins anew.
+  /// Loads the event map. A second call reads it again: what came, changed or went since then is taken in, no
+  /// event comes twice, monitoring goes on, and InputErrorDetails begins again.
   /// @param Velmora the host; may be empty
   /// @return 1, or 0 if the event map cannot be loaded: missing, of another kind, or held locked by another
   ///         program. CreationContext::Log gets the reason; TriggerInputErrorCondition tells only of single

@@ -26,7 +26,7 @@ class BrokerOutput final : private EventOutput {
   BrokerOutput(const BrokerOutput&) = delete;
   BrokerOutput& operator=(const BrokerOutput&) = delete;
 
-  /// Reads the settings again, and connects anew if they are others. Settings that cannot be used leave the
+  /// Reads the settings again, and connects again if they are others. Settings that cannot be used leave the
   /// broker as it is.
   void ReadAgain();
 

@@ -20,7 +20,7 @@ class ControlView : public QWidget {
  public:
   ControlView(Keplo& control, QWidget* parent);
 
-  /// @param shown runs whenever the list has been drawn anew, after a change of its rows or of the
+  /// @param shown runs whenever the list has been drawn again, after a change of its rows or of the
   /// highlighted
   ///        one, as long as the control lives
   void WhenListIsShown(std::function<void()> shown) { list_->OnShown = std::move(shown); }

@@ -52,7 +52,7 @@ RecordReading Hear(const PulseTrain& press) {
   return ReadRecordedCapture(CaptureOfLengths(press), state, Analysis::Second);
 }
 
-/// A press with enough frames for a code of two in turns to be sure.
+/// A press with enough frames for a code of two that alternate to be sure.
 PulseTrain Held(PulseTrain press, int gap) {
   constexpr int kRepeats = 3;
   if (press.size() % 2 != 0) press.push_back(gap);

@@ -8,7 +8,7 @@
 
 namespace keplo {
 
-/// A code that the receiver reads though no two digit patterns alone send it: RC6, or two frames in turns.
+/// A code that the receiver reads though no two digit patterns alone send it: RC6, or two alternating frames.
 struct HeardCode {
   SectionSignal Section;  // with SENDAS and its repeats
   std::string Digits;

@@ -32,7 +32,7 @@ struct DispatchReport {
 /// list that is bound to it. A zone that does not match ends the walk: rows further down are not looked at.
 /// @param code digits without the leading G
 /// @param readBy the analysis that the code comes from; what the second look read is compared whole
-/// @param event filled and handed out anew for each row
+/// @param event filled and handed out again for each row
 /// @param raise runs the host's handler
 /// @param report filled in as the dispatch goes
 void DispatchCode(const std::string& code, Analysis readBy, const std::string& cfgText,

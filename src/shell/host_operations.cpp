@@ -64,7 +64,8 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
     if (result == kInputDone) TellHost(objInputEvent, *event);
   }
   // Collection and list go together: both have a change that could not be stored, until TakeInChanges brings
-  // back what the table has. After a change that met another program's, the collection has the event anew.
+  // back what the table has. After a change that met another program's, the collection has the event as that
+  // program left it.
   const auto present = m_EventCollection.Item(key);
   UpdateEventRow(ListView1, present != nullptr ? *present : *event);
   return result;

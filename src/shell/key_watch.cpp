@@ -73,7 +73,7 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
   return true;
 }
 
-/// A capture of a held key with two frames in turns may hold a single one, which is no code of its own then.
+/// A capture of a held key with two alternating frames may hold a single one, which is no code then.
 void Keplo::CompleteTurn(MonitorReading& reading) {
   if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(onAir_))
     return;

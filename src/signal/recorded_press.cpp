@@ -65,7 +65,7 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
   if (!piece) ExplainCode(reading);
 }
 
-/// Two frames in turns are one command, and seeing the first of them again is its repeat.
+/// Two alternating frames are one command, and seeing the first of them again is its repeat.
 void TakeTurns(const RobustReading& look, RecordReading& reading) {
   look.Decode(reading.Code);
   reading.SendAs = SendInTurns(reading.Code.size() / 2);

@@ -13,11 +13,11 @@ namespace keplo {
 /// RC6: a toggle of double length after the fourth digit, which each transmission turns over.
 inline constexpr std::string_view kSendAsRc6 = "RC6";
 
-/// The way of codes of two frames in turns.
+/// The way of codes of two alternating frames.
 /// @param digits of one frame
 inline std::string SendInTurns(std::size_t digits) { return std::to_string(digits); }
 
-/// Whether a code is two frames in turns, by its way.
+/// Whether a code is two alternating frames, by its way.
 inline bool IsSentInTurns(std::string_view code, std::string_view way) {
   return !code.empty() && code.size() % 2 == 0 && way == SendInTurns(code.size() / 2);
 }

@@ -71,7 +71,7 @@ std::string FrameBody(std::string_view code, const ProtocolParams& params) {
   return body + params.BitTail;
 }
 
-/// Two frames in turns, each with its sync.
+/// Two alternating frames, each with its sync.
 std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
   const std::string gap(TurnGap(params), '0');
   const std::string first = params.BITG + FrameBody(code.substr(0, code.size() / 2), params);

@@ -17,7 +17,7 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @param code digits without the leading G; RC5 gets the toggle digit of this transmission at position 3, so
 ///        pass a copy. Other characters than 0 and 1 add nothing.
 /// @param protoKind generic protocol of the code
-/// @param params BitTail is set. Their SENDAS tells of RC6 and of two frames in turns.
+/// @param params BitTail is set. Their SENDAS tells of RC6 and of two alternating frames.
 /// @param rc5Toggle flips with each transmission of RC5, and of RC6; false at start, which makes the first
 /// digit a 1
 /// @throws std::length_error if the transmission would pass kMostSlots; nothing is changed then

@@ -18,7 +18,7 @@ namespace keplo {
 HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickReport& tick);
 
 // Both send between two ticks, and tell why nothing was sent; empty if it was.
-/// @param timings microseconds, marks positive, spaces negative, in turns from a mark on
+/// @param timings microseconds, marks positive, spaces negative, alternating from a mark on
 /// @param carrier Hz, of lines that can set one
 std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std::int32_t> timings,
                         std::int32_t carrier);

@@ -14,7 +14,7 @@ struct SynthOptions {
   int JitterUs = 15;       // standard deviation of each edge; 1 to 23
   double ClockError = 0;   // 0.02: everything 2 % longer; -0.055 to 0.04
   int GapUs = 90'000;      // silence after the press; 0 writes none
-  int Repeats = 2;         // frames, for NEC dittos, after the first; SONY has three frames at the least
+  int Repeats = 2;         // frames, for NEC dittos, after the first; SONY has at least three frames
   std::uint32_t Seed = 1;  // one seed gives one press, on every machine
 };
 

@@ -11,7 +11,7 @@ class Boxes {
   virtual ~Boxes() = default;
   /// Shows a text with only an OK button and waits for it.
   virtual void Message(std::string_view text, std::string_view title) = 0;
-  /// The same with what stands behind it.
+  /// The same with a reason.
   /// @param reason shown below the text; may be empty
   virtual void Explain(std::string_view text, std::string_view title, std::string_view reason) {
     Message(reason.empty() ? std::string(text) : std::string(text).append("\r\n").append(reason), title);

@@ -29,12 +29,11 @@ class CommandList {
 
   /// Fills the list of protocols; none is selected then.
   void ListProtocols();
-  /// Fills both lists anew. What is selected and what has been typed or recorded stays, as far as it is still
-  /// there.
+  /// Fills both lists again. What is selected and what has been typed or recorded stays if it is still there.
   void Refill();
   void TakeProtocol();
   void TakeCommand();
-  /// Fills the list of protocols anew and selects one of them.
+  /// Fills the list of protocols again and selects one of them.
   void ShowProtocol(const std::string& name);
   /// Selects a protocol and takes it even if it is selected already.
   void MakeProtocolCurrent(int index);

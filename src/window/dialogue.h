@@ -18,7 +18,7 @@ class Dialogue {
  public:
   Dialogue(ui::Boxes& boxes, CfgStore& store) : boxes_(boxes), store_(store) {}
 
-  /// @param reason what stands behind it, shown below the text; may be empty
+  /// @param reason shown below the text; may be empty
   void Tell(std::string_view text, std::string_view reason = {}, std::string_view title = kBoxTitle);
   /// Tells what ends the window.
   void TellError(std::string_view text, std::string_view reason);

@@ -23,7 +23,7 @@ constexpr char kZoneQuestion = 'P';
 constexpr char kAnswerOffset = 64;  // the answer is the command without its highest bit
 /// What we send ourselves comes back from the receiver of that room as soon as this.
 constexpr auto kSlowestEcho = 500ms;
-/// Topics that are told apart; a flood of others begins anew.
+/// Topics that are told apart; a flood of others begins again.
 constexpr std::size_t kMostPlaces = 1000;
 
 std::string NameOfLine(const RoomMap& rooms) { return "mqtt:" + rooms.Filter; }

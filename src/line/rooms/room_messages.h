@@ -34,7 +34,7 @@ class RoomMessages {
   virtual bool IsUp() const = 0;
   /// Why nothing can come, in one sentence; empty while it can.
   virtual std::string WhyNot() const = 0;
-  /// Waits until the message has arrived, for three seconds at the most.
+  /// Waits until the message has arrived, for three seconds at most.
   /// @return whether it has; it is not sent later
   virtual bool Publish(const std::string& topic, const std::string& payload) = 0;
   /// Whether somebody tells everybody on that topic of the signals that he hears, as we may do too.

@@ -19,7 +19,7 @@ using std::chrono::nanoseconds;
 constexpr std::chrono::milliseconds kStopAgain{5};
 /// So long after a look of the owner, what is told may come of that look.
 constexpr std::chrono::microseconds kOwnLook{500};
-/// Marks of remotes are shorter; a driver without an interrupt looks every 4 ms at the most often.
+/// Marks of remotes are shorter; a driver without an interrupt looks every 4 ms at most.
 constexpr std::chrono::microseconds kPrompt{2500};
 
 /// A signal that does nothing but end a wait of the kernel.

@@ -111,7 +111,7 @@ void SerialLine::SetMode(std::int32_t mode) {
   if (!port_) return;
   const auto speed = mode == 2 ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
   if (!Worked(port_->SetSpeed(speed))) return;
-  // With new settings the driver stops telling edges, until a wait begins anew.
+  // With new settings the driver stops telling edges, until a wait begins again.
   if (watch_) watch_->Look();
   if (mode != 2) Forget();
 }

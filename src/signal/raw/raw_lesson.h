@@ -34,7 +34,7 @@ class RawLesson {
 
   /// Whether the last press was heard before as well, one right after the other, or repeats in itself.
   bool IsLastConfirmed() const;
-  /// Whether the last four presses were two forms in turns.
+  /// Whether the last four presses were two alternating forms.
   bool TakesTurns() const;
   /// These two forms, the one before last first.
   std::vector<Form> Turns() const { return {forms_[order_[order_.size() - 2]], forms_[order_.back()]}; }

@@ -129,7 +129,7 @@ bool IsLongest(const Frame& frame, const Findings& found) {
 }
 
 /// Whether a frame that was sent more than once is a part of what was sent: what a longer message begins
-/// with, or one of two in turns. One odd piece beside three equal frames is none of theirs.
+/// with, or one of two that alternate. One odd piece beside three equal frames is none of theirs.
 bool IsOnlyPart(const Frame& frame, const Findings& found) {
   const auto isSame = [&](const Frame& other) { return other.SameCode(frame); };
   const auto isLonger = [&](const Frame& other) {
