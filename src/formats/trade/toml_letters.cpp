@@ -33,7 +33,7 @@ int LineOfStrayLetter(std::string_view text) {
       const std::size_t next = within.size() == 3 ? rest.find_first_not_of(kBlank, 1) : 1;
       stray = next < rest.size() && next > 1 && BeyondAscii(rest[next]);
       ++at;
-    } else if (within.size() != 0 && within != "#" && rest.starts_with(within)) {
+    } else if (!within.empty() && within != "#" && rest.starts_with(within)) {
       at += within.size() - 1;
       within = {};
     }
