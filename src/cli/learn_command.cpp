@@ -52,7 +52,9 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
   return recorded.Repeats && recorded.Code == code;
 }
 
-/// The lengths of a press as it was recorded: copies of a held frame tell nothing of the remote.
+/// The lengths of a press as it was recorded and as the monitor will hear it: copies of a held frame tell
+/// nothing of the remote.
+/// @param line with what reads its captures, which are shaped otherwise
 void HearRaw(const Press& press, const std::string& place, LineOptions line, HeardKey& key) {
   line.HoldMs = 0;
   SignalState state;
@@ -74,7 +76,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
-      HearRaw(press, place, options.Line, key);
+      HearRaw(press, place, line, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;

@@ -29,31 +29,36 @@ TEST(Learning, HearsEveryCommandThatItSends) {
   EXPECT_GE(walked, 15);
 }
 
-/// A press of three lengths of space, which no analysis reads.
-std::string RawPress(const std::string& spaces, int excess) {
-  std::string text = "pulse 3300\nspace 1650\n";
-  for (const char space : spaces) {
-    text += "pulse " + std::to_string(430 + excess) + "\nspace " +
-            std::to_string(430 + 660 * (space - '0') - excess) + "\n";
+/// A press of two parts, of which each could be a frame, as an air conditioner's; no analysis reads it.
+/// @param excess of marks, microseconds
+std::string RawPress(const std::string& digits, int excess) {
+  std::string text;
+  for (const std::string& part : {digits, std::string("01101001110")}) {
+    text += (text.empty() ? "" : "space 10000\n") + std::string("pulse 3500\nspace 1700\n");
+    for (const char digit : part) {
+      text += "pulse " + std::to_string(440 + excess) + "\nspace " +
+              std::to_string(440 + 850 * (digit - '0') - excess) + "\n";
+    }
+    text += "pulse 440\n";
   }
-  return text + "pulse 430\n";
+  return text;
 }
 
 TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
   const Install install;
   install.Run("settings ANALYSIS 1");
-  const std::string cool = "01202110220120110212", heat = "01202110220120110211";
+  const std::string cool = "0110111011011011010101101110110110110101", heat = cool.substr(1) + "1";
   const auto press = [&](const std::string& name, const std::string& text) {
     return Quoted(install.Write(name, text));
   };
-  const std::string a = press("a.mode2", RawPress(cool, 0)), b = press("b.mode2", RawPress(cool, 90));
-  const std::string c = press("c.mode2", RawPress(heat, 0)), d = press("d.mode2", RawPress(heat, 90)),
+  const std::string a = press("a.mode2", RawPress(cool, 50)), b = press("b.mode2", RawPress(cool, 90));
+  const std::string c = press("c.mode2", RawPress(heat, 50)), d = press("d.mode2", RawPress(heat, 90)),
                     named = " --name 'NEC&COOL'";
   const std::string sent = Quoted(install.File("sent.mode2"));
   ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
                        {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
                        {"learn" + a + c + named, 1, {"give two of each"}},
-                       {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "43 lengths"}},
+                       {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths"}},
                        {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
                        {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},
                        {"learn" + c + d + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
