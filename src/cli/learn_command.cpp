@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <iostream>
-#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -36,7 +36,7 @@ struct LearnOptions {
 /// The last press of some recordings, and what all of them say of it.
 struct HeardKey {
   RecordReading Last;
-  std::map<std::string, int> Codes;  // of all presses that have one, and of how many
+  std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
   bool Known = false;
   RawLesson Raw;
@@ -80,7 +80,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;
-      ++key.Codes[code];
+      key.Codes.insert(code);
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
       Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
     }
@@ -88,13 +88,13 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
   return key;
 }
 
-/// Whether a digit or two turn over from press to press: two codes that hardly differ, each heard twice.
+/// Whether a digit or two turn over from press to press: two codes that hardly differ, heard in turns. Two
+/// keys of a remote may be no less alike, but nobody presses them that way.
 bool HasTogglingCode(const HeardKey& key) {
   constexpr int kMostToggles = 2;
-  if (key.Codes.size() != 2) return false;
-  const auto& [code, presses] = *key.Codes.begin();
-  const auto& [other, otherPresses] = *key.Codes.rbegin();
-  if (code.size() != other.size() || presses < 2 || otherPresses < 2) return false;
+  if (key.Codes.size() != 2 || key.Raw.Forms().size() != 2 || !key.Raw.AreTurns()) return false;
+  const std::string &code = *key.Codes.begin(), &other = *key.Codes.rbegin();
+  if (code.size() != other.size()) return false;
   int differ = 0;
   for (std::size_t i = 0; i < code.size(); ++i) differ += code[i] != other[i] ? 1 : 0;
   return differ <= kMostToggles;
@@ -105,7 +105,7 @@ std::string WhyNoCommand(const HeardKey& key) {
   if (const std::string reason = WhyNoCode(key.Last); !reason.empty()) return "no code: " + reason;
   if (key.Codes.size() < 2) return {};
   std::string codes;
-  for (const auto& [code, presses] : key.Codes) codes += " G" + code;
+  for (const std::string& code : key.Codes) codes += " G" + code;
   return "the presses have different codes, and a command has one; give presses of the same key, or four in "
          "a "
          "row of a remote that takes turns:" +
@@ -142,11 +142,11 @@ void StoreRaw(const CommandReference& reference, const HeardKey& key, CfgStore& 
   const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
   signal = DrawRawSignal(store.CfgText, forms);
   const bool isNew = !FindLikeRawCommand(store, signal);
-  if (isNew &&
-      !std::all_of(forms.begin(), forms.end(), [](const auto& form) { return form.IsConfirmed(); })) {
+  const bool single = forms.size() == 1;
+  if (isNew && !(single ? forms.front().IsConfirmed() : key.Raw.AreTurns())) {
     throw Refused(RefusalText({Refusal::NotValidated, {}}),
-                  {forms.size() == 1 ? "give recordings of two presses"
-                                     : "the presses differ; give two of each, if all are of the same key"});
+                  {single ? "give recordings of two presses"
+                          : "the presses differ; give two of each in turns, if all are of the same key"});
   }
   const LearnResult result = AddRawCommand(store, reference.Protocol, signal, reference.Command);
   if (result.Refused == Refusal::CodeExists) throw Refused(RefusalText(result), {result.Reason});

@@ -57,7 +57,7 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
   const std::string sent = Quoted(install.File("sent.mode2"));
   ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
                        {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
-                       {"learn" + a + c + named, 1, {"give two of each"}},
+                       {"learn" + a + c + named, 1, {"give two of each in turns"}},
                        {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths"}},
                        {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
                        {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},

@@ -170,16 +170,17 @@ TEST(RawSlots, PutEdgesOnTheNearestBorder) {
 TEST(RawLesson, WantsEachFormTwice) {
   struct Row {
     std::string Presses;
-    bool Confirmed, TakesTurns, Alike;
+    bool Confirmed, TakesTurns, AreTurns;
   };
-  for (const Row& row : {Row{"a", false, false, true},
+  for (const Row& row : {Row{"a", false, false, false},
                          {"aa", true, false, true},
-                         {"A", true, false, true},
-                         {"ab", false, false, true},
-                         {"aba", false, false, true},
+                         {"A", true, false, false},
+                         {"ab", false, false, false},
+                         {"aba", false, false, false},
                          {"abab", false, true, true},
+                         {"aabab", false, true, false},
                          {"acac", false, false, false},
-                         {"abb", true, false, true}}) {
+                         {"aabb", true, false, false}}) {
     RawLesson lesson;
     for (const char press : row.Presses) {
       Ear ear;
@@ -190,7 +191,7 @@ TEST(RawLesson, WantsEachFormTwice) {
     }
     EXPECT_EQ(lesson.IsLastConfirmed(), row.Confirmed) << row.Presses;
     EXPECT_EQ(lesson.TakesTurns(), row.TakesTurns) << row.Presses;
-    EXPECT_EQ(lesson.AreAlike(), row.Alike) << row.Presses;
+    EXPECT_EQ(lesson.AreTurns(), row.AreTurns) << row.Presses;
   }
   RawLesson lesson;
   Ear ear;

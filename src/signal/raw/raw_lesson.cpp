@@ -78,4 +78,11 @@ bool RawLesson::AreAlike() const {
   });
 }
 
+bool RawLesson::AreTurns() const {
+  for (std::size_t i = 0; i < order_.size(); ++i) {
+    if (order_[i] != i % forms_.size()) return false;
+  }
+  return order_.size() >= 2 * forms_.size() && AreAlike();
+}
+
 }  // namespace keplo

@@ -41,6 +41,8 @@ class RawLesson {
   /// Whether all forms could come from one key: their frames are about as long. Keys of an air conditioner
   /// are alike too, so that only presses that are known to be of one key make it one.
   bool AreAlike() const;
+  /// Whether all presses were these forms one after the other, again and again.
+  bool AreTurns() const;
 
  private:
   std::vector<Form> forms_;
