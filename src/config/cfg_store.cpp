@@ -113,8 +113,9 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::option
   throw NotSaved(store, failure);
 }
 
-RawChange PrepareRaw(CfgStore& store, const std::string& content) try {
-  return {store, store.SavedText, content};
+RawChange PrepareRaw(CfgStore& store, const Save& save, const std::string& content) try {
+  // What another program has brought has its lengths there.
+  return {store, save.Other.value_or(store.SavedText), content};
 } catch (const Failure& failure) {
   throw NotSaved(store, failure);
 }
@@ -184,12 +185,13 @@ void LoadConfig(CfgStore& store) {
 }
 
 bool HasFileChanged(const CfgStore& store) {
-  return !store.ReadFrom || store.Files.Identity(store.Path) != store.ReadFrom;
+  return !store.ReadFrom || store.Files.Identity(store.Path) != store.ReadFrom || HaveRawFilesChanged(store);
 }
 
 Reload ReloadConfig(CfgStore& store) {
   CfgStore read(store.Path, store.Files);
   store.ReadFrom = store.Files.Identity(store.Path);
+  RefreshRaw(store);  // lengths may have changed alone
   LoadConfig(read);
   if (read.FileText == store.FileText) return Reload::NothingNew;
   if (const std::string damage = DamageOf(read); !damage.empty()) {
@@ -227,7 +229,7 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
     return;
   }
   std::filesystem::path aside;
-  RawChange raw = PrepareRaw(store, content);
+  RawChange raw = PrepareRaw(store, save, content);
   const std::unique_ptr<LockedFolder> folder = WriteFile(store, save.Known, content, aside);
   store.FileText = content;
   store.ReadFrom.reset();

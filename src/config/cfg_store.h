@@ -71,8 +71,9 @@ struct CfgStore {
 /// @throws Failure if it cannot be read or has more than kMostCharacters; CfgText is then as it was
 void LoadConfig(CfgStore& store);
 
-/// Whether another file may stand at the path than the one that was read, by one system call. After a save of
-/// this program it says yes once, until ReloadConfig has looked.
+/// Whether another file may stand at the path than the one that was read, or in the place of a file of raw
+/// commands, by one system call each. After a save of this program it says yes once, until ReloadConfig has
+/// looked.
 bool HasFileChanged(const CfgStore& store);
 
 /// What became of another program's text.
@@ -83,7 +84,7 @@ enum class Reload {
 };
 
 /// Takes in what another program has written to the file. What this program has changed and not saved yet is
-/// kept, by MergeChanges.
+/// kept, by MergeChanges. Lengths of raw commands are taken in too, and are no news.
 /// @throws Failure if the file cannot be read, is too long, or is not whole; CfgText is then as it was, and
 /// HasFileChanged says no until the file changes again
 Reload ReloadConfig(CfgStore& store);

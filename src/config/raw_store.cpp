@@ -19,12 +19,6 @@ namespace {
 
 constexpr std::size_t kLargestRawFile = std::size_t{64} * 1024 * 1024;  // bytes; 500 commands have 2 MB
 
-/// A raw command as the text has it.
-struct RawLine {
-  std::string Digits, Name;
-};
-using RawLines = std::map<std::string, std::vector<RawLine>>;  // by section
-
 RawLines RawLinesIn(std::string_view text) {
   RawLines lines;
   if (text.find(kRawHead) == std::string_view::npos) return lines;
@@ -73,15 +67,30 @@ RawEntries ReadRawFile(CfgStore& store, const std::filesystem::path& path) try {
   throw;
 }
 
-void TakeRawFile(CfgStore& store, const std::string& protocol) try {
-  for (auto& [digits, entry] : ReadRawFile(store, RawFileOf(store, protocol))) {
-    if (!entry.Signal.Forms.empty()) store.Raw.Known.insert_or_assign(digits, std::move(entry.Signal));
-  }
+RawEntries ReadRawFileToChange(CfgStore& store, const std::filesystem::path& path) try {
+  return ReadRawFile(store, path);
 } catch (const Failure& failure) {
-  store.Raw.Damage.push_back(std::string("The lengths of raw commands cannot be read: ") + failure.what());
+  throw Failure(failure.Number(),
+                failure.what() + std::string(". Bring an old copy of the file, or move away "
+                                             "what is in its place, and try again."));
 }
 
-void TellLost(CfgStore& store, const std::string& protocol, const std::vector<std::string>& names) {
+/// Takes the lengths of digits from a file. Others in it may be left of a command that is gone, and could
+/// stand in the way of what was recorded meanwhile.
+/// @return false if the file cannot be read, which is told
+bool TakeRawFile(CfgStore& store, const std::string& protocol, const std::set<std::string>& wanted) try {
+  for (auto& [digits, entry] : ReadRawFile(store, RawFileOf(store, protocol))) {
+    if (entry.Signal.Forms.empty() || wanted.count(digits) == 0) continue;
+    store.Raw.Known.insert_or_assign(digits, std::move(entry.Signal));
+  }
+  return true;
+} catch (const Failure& failure) {
+  store.Raw.Damage.push_back(std::string("The lengths of raw commands cannot be read: ") + failure.what());
+  return false;
+}
+
+void TellLost(CfgStore& store, const std::string& protocol, const std::vector<std::string>& names,
+              bool isReadable) {
   std::string text =
       RawFileOf(store, protocol).string() + ": the lengths of " + protocol + "&" + names.front();
   for (std::size_t i = 1; i < names.size(); ++i) {
@@ -90,8 +99,41 @@ void TellLost(CfgStore& store, const std::string& protocol, const std::vector<st
   const bool one = names.size() == 1;
   store.Raw.Damage.push_back(
       text + " are missing or damaged, so that " + (one ? "it is" : "they are") +
-      " neither heard nor sent. Bring an old copy of the file, or delete " +
+      " neither heard nor sent. Bring an old copy of the file, or " +
+      (isReadable ? "" : "move away what is in its place, ") + "delete " +
       (one ? "the command and learn it again." : "the commands and learn them again."));
+}
+
+/// Brings the commands of a section into the index.
+void RefreshSection(CfgStore& store, const std::string& protocol, const std::vector<RawLine>& lines,
+                    RawStore::Reading& last) {
+  RawStore& raw = store.Raw;
+  RawStore::Reading reading{store.Files.Identity(RawFileOf(store, protocol)), {}};
+  for (const RawLine& line : lines) reading.Digits.insert(line.Digits);
+  const auto isKnown = [&](const std::string& digits) { return raw.Known.count(digits) > 0; };
+  const bool allKnown = std::all_of(reading.Digits.begin(), reading.Digits.end(), isKnown);
+  const bool isReadable = (allKnown && reading == last) || TakeRawFile(store, protocol, reading.Digits);
+  last = std::move(reading);
+  std::vector<std::string> lost;
+  for (const RawLine& line : lines) {
+    if (isKnown(line.Digits)) {
+      raw.Index.Add(raw.Known.at(line.Digits));
+    } else {
+      lost.push_back(line.Name);
+    }
+  }
+  if (!lost.empty()) TellLost(store, protocol, lost, isReadable);
+}
+
+/// The raw commands of all texts that were put aside.
+RawLines RawLinesAside(const CfgStore& store) {
+  RawLines all;
+  for (const std::filesystem::path& copy : ConflictCopiesOf(store.Files, store.Files.Resolve(store.Path))) {
+    for (auto& [protocol, lines] : RawLinesIn(store.Files.Read(copy, kLargestRawFile))) {
+      all[protocol].insert(all[protocol].end(), lines.begin(), lines.end());
+    }
+  }
+  return all;
 }
 
 }  // namespace
@@ -100,19 +142,18 @@ void RefreshRaw(CfgStore& store) {
   RawStore& raw = store.Raw;
   raw.Index.Clear();
   raw.Damage.clear();
+  std::map<std::string, RawStore::Reading> readings;
   for (const auto& [protocol, lines] : RawLinesIn(store.CfgText)) {
-    const auto isKnown = [&](const RawLine& line) { return raw.Known.count(line.Digits) > 0; };
-    if (!std::all_of(lines.begin(), lines.end(), isKnown)) TakeRawFile(store, protocol);
-    std::vector<std::string> lost;
-    for (const RawLine& line : lines) {
-      if (isKnown(line)) {
-        raw.Index.Add(raw.Known.at(line.Digits));
-      } else {
-        lost.push_back(line.Name);
-      }
-    }
-    if (!lost.empty()) TellLost(store, protocol, lost);
+    RawStore::Reading& reading = readings[protocol] = std::move(raw.Readings[protocol]);
+    RefreshSection(store, protocol, lines, reading);
   }
+  raw.Readings = std::move(readings);
+}
+
+bool HaveRawFilesChanged(const CfgStore& store) {
+  return std::any_of(store.Raw.Readings.begin(), store.Raw.Readings.end(), [&](const auto& reading) {
+    return store.Files.Identity(RawFileOf(store, reading.first)) != reading.second.From;
+  });
 }
 
 const RawSignal* FindRawSignal(const CfgStore& store, std::string_view code) {
@@ -129,9 +170,8 @@ RawChange::RawChange(CfgStore& store, std::string_view before, std::string_view 
     for (const auto& [protocol, commands] : *lines) protocols.insert(protocol);
   }
   for (const std::string& protocol : protocols) {
-    const std::set<std::string> wanted = DigitsOf(fresh, protocol);
-    if (wanted == DigitsOf(old, protocol)) continue;
-    files_.push_back({protocol, RawFileOf(store, protocol), {wanted.begin(), wanted.end()}});
+    File file{protocol, RawFileOf(store, protocol), DigitsOf(old, protocol), DigitsOf(fresh, protocol)};
+    if (file.Wanted != file.Had) files_.push_back(std::move(file));
   }
   if (files_.empty()) return;
   const std::filesystem::path folder = FolderOf(files_.front().Path);
@@ -141,45 +181,51 @@ RawChange::RawChange(CfgStore& store, std::string_view before, std::string_view 
 }
 
 void RawChange::AddNew(const File& file) {
-  RawEntries entries = ReadRawFile(store_, file.Path);
+  const auto known = [&](const std::string& digits) { return store_.Raw.Known.find(digits); };
+  const bool isNew = std::any_of(file.Wanted.begin(), file.Wanted.end(), [&](const std::string& digits) {
+    return file.Had.count(digits) == 0 && known(digits) != store_.Raw.Known.end();
+  });
+  if (!isNew) return;  // a file that cannot be read then stands in nobody's way
+  RawEntries entries = ReadRawFileToChange(store_, file.Path);
   const bool isFirst = entries.empty();
-  bool isNew = false;
   for (const std::string& digits : file.Wanted) {
     const auto entry = entries.find(digits);
-    if (entry != entries.end() && !entry->second.Signal.Forms.empty()) continue;
-    const auto known = store_.Raw.Known.find(digits);
-    if (known == store_.Raw.Known.end()) continue;
-    entries.insert_or_assign(digits, MakeRawEntry(known->second));
-    isNew = true;
+    const bool isWhole = entry != entries.end() && !entry->second.Signal.Forms.empty();
+    if (isWhole && file.Had.count(digits) > 0) continue;
+    if (known(digits) == store_.Raw.Known.end()) continue;
+    entries.insert_or_assign(digits, MakeRawEntry(known(digits)->second));
   }
-  if (!isNew) return;
   ReplaceInLockedFolder(store_.Files, file.Path, WriteRawText(file.Protocol, entries));
   folder_->Flush();
   // The folder itself may be new, be it from a change that went no further.
   if (isFirst) store_.Files.Lock(FolderOf(store_.Path))->Flush();
 }
 
-void RawChange::DropLost(const File& file) {
+void RawChange::DropLost(const File& file, const RawLines& aside) {
   RawEntries entries = ReadRawFile(store_, file.Path);
+  const std::set<std::string> wantedAside = DigitsOf(aside, file.Protocol);
   const std::size_t all = entries.size();
-  for (auto entry = entries.begin(); entry != entries.end();) {
-    const bool wanted = std::binary_search(file.Wanted.begin(), file.Wanted.end(), entry->first);
-    entry = wanted ? std::next(entry) : entries.erase(entry);
-  }
+  std::erase_if(entries, [&](const auto& entry) {
+    return file.Wanted.count(entry.first) == 0 && wantedAside.count(entry.first) == 0;
+  });
   if (entries.size() == all) return;
   if (entries.empty()) return store_.Files.Remove(file.Path);
   ReplaceInLockedFolder(store_.Files, file.Path, WriteRawText(file.Protocol, entries));
 }
 
-void RawChange::DropLost() noexcept {
+void RawChange::DropLost() noexcept try {
+  if (files_.empty()) return;
+  const RawLines aside = RawLinesAside(store_);
   for (const File& file : files_) {
     try {
-      DropLost(file);
-    } catch (const std::exception&) {
-      // Lengths without a command count for nothing; the next change of the section tries again.
-      continue;
+      DropLost(file, aside);
+    } catch (const Failure&) {
+      continue;  // the other sections may fare better
     }
   }
+} catch (const std::exception&) {
+  // Lengths without a command count for nothing; the next change of the section tries again.
+  return;
 }
 
 }  // namespace keplo

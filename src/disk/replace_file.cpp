@@ -17,6 +17,10 @@ std::filesystem::path TemporaryName(const std::filesystem::path& target) {
   return target.parent_path() / ("." + target.filename().string() + ".new");
 }
 
+std::filesystem::path NumberedCopy(const std::filesystem::path& file, int number) {
+  return file.string() + ".other-" + std::to_string(number);
+}
+
 void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
                      const std::optional<FileAttributes>& old, std::string_view content) {
   const std::unique_ptr<NewFile> file = files.Create(path, old ? kOwnerOnly : kForAll);
@@ -91,10 +95,22 @@ std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem:
   std::filesystem::path aside;
   WriteBeside(files, temporary, files.Attributes(file), content, [&] {
     int number = 0;
-    do aside = file.string() + ".other-" + std::to_string(++number);
+    do aside = NumberedCopy(file, ++number);
     while (!files.RenameToFree(temporary, aside));
   });
   return aside;
+}
+
+std::vector<std::filesystem::path> ConflictCopiesOf(FileSystem& files, const std::filesystem::path& file) {
+  constexpr int kMostMissing = 50;  // numbers in a row that somebody has taken away
+  std::vector<std::filesystem::path> copies;
+  for (int number = 1, missing = 0; missing < kMostMissing; ++number) {
+    std::filesystem::path copy = NumberedCopy(file, number);
+    const bool isThere = files.Identity(copy).has_value();
+    missing = isThere ? 0 : missing + 1;
+    if (isThere) copies.push_back(std::move(copy));
+  }
+  return copies;
 }
 
 bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "disk/file_system.h"
 #include "failure.h"
@@ -45,6 +46,9 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path);
 /// @throws Failure if it cannot be written
 std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem::path& file,
                                        std::string_view content);
+
+/// What SaveConflictCopy has put beside a file, as far as nobody has taken it away.
+std::vector<std::filesystem::path> ConflictCopiesOf(FileSystem& files, const std::filesystem::path& file);
 
 /// Brings a file that is not there yet, whole at the instant when its name is seen, and returns once it would
 /// survive a power cut. It has the permissions that new files of the process have.

@@ -72,6 +72,36 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";
 }
 
+TEST_F(RawStored, TakesNewLengthsOfOldDigits) {
+  Learn(kCool, "COOL");
+  const std::string old = stored_.Disk.Files()[kFile];
+  const auto running = Reread();
+  DeleteCommand(store_, "AC", "COOL");
+  stored_.Disk.Put(kFile, old);  // as after a kill
+  RawSignal better = kCool;
+  better.Forms[0][0] += 500;
+  Learn(better, "COOL");
+  ASSERT_TRUE(HasFileChanged(*running));
+  EXPECT_EQ(ReloadConfig(*running), Reload::NothingNew) << "the code line is the one that it was";
+  EXPECT_FALSE(HasFileChanged(*running));
+  const auto fresh = Reread();
+  for (const CfgStore* store : {fresh.get(), running.get()}) {
+    EXPECT_EQ(FindRawSignal(*store, "G" + kCool.Digits)->Forms, better.Forms);
+  }
+}
+
+TEST_F(RawStored, KeepsLengthsOfATextThatWasPutAside) {
+  Learn(kCool, "COOL");
+  ASSERT_TRUE(AddRawCommand(*Reread(), "AC", kHeat, "HEAT").Done());
+  AddCommand(store_, "AC", "G1100", "DRY");
+  ASSERT_NE(store_.ConflictCopy, "") << "two lines in one place";
+  DeleteCommand(store_, "AC", "COOL");
+  EXPECT_NE(stored_.Disk.Files()[kFile].find(kHeat.Digits), std::string::npos);
+  stored_.Disk.Remove(store_.ConflictCopy);
+  Learn(kCool, "COOL");
+  EXPECT_EQ(stored_.Disk.Files()[kFile].find(kHeat.Digits), std::string::npos);
+}
+
 TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionThatNoFileCouldBeNamedAs) {
   Stored stored{Config(Protocol("../A C", {"G10,EMPTY"}))};
   ASSERT_TRUE(AddRawCommand(stored.Store, "../A C", kCool, "COOL").Done());

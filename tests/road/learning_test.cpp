@@ -70,6 +70,9 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
                        {"record" + sent, 0, {"known as NEC&COOL"}}});
   std::filesystem::remove(install.File("raw/NEC.mode2"));
   ExpectTold(install, {{"send 'NEC&COOL'", 1, {"COOL and HEAT", "missing or damaged", "learn them again"}}});
+  std::filesystem::create_directory(install.File("raw/NEC.mode2"));
+  ExpectTold(install, {{"forget 'NEC&COOL'", 0, {"HEAT", "move away"}},
+                       {"learn" + a + b + named, 3, {"NEC.mode2: Is a directory", "move away"}}});
 }
 
 TEST(Learning, SendsANewToggleDigitWithEachPress) {
