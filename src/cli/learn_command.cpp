@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -40,7 +41,8 @@ struct HeardKey {
   keplo::Validation Validation;
   bool Known = false;
   RawLesson Raw;
-  bool IsClean = true;  // all presses are signals that could be stored as lengths
+  std::optional<FoundCommand> LikeRaw;  // a raw command that a press fits
+  bool IsClean = true;                  // all presses are signals that could be stored as lengths
 };
 
 /// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
@@ -55,7 +57,8 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
 /// The lengths of a press as it was recorded and as the monitor will hear it: copies of a held frame tell
 /// nothing of the remote.
 /// @param line with what reads its captures, which are shaped otherwise
-void HearRaw(const Press& press, const std::string& place, LineOptions line, HeardKey& key) {
+void HearRaw(const Press& press, const std::string& place, LineOptions line, const CfgStore& store,
+             HeardKey& key) {
   line.HoldMs = 0;
   SignalState state;
   state.RawCapture = CaptureOfPress(press, kRecordCaptureBytes, line);
@@ -63,6 +66,7 @@ void HearRaw(const Press& press, const std::string& place, LineOptions line, Hea
   state.SampleTime = line.SampleTime;
   state.Samples.Read(state.RawCapture);
   key.IsClean = key.Raw.Hear(HeardIn(state), place) && key.IsClean;
+  if (line.KeepsFrames() && !key.LikeRaw) key.LikeRaw = FindRawCommand(store, state);
 }
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
@@ -76,7 +80,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
-      HearRaw(press, place, line, key);
+      HearRaw(press, place, line, store, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;
       const std::string& code = key.Last.Code;
@@ -114,6 +118,11 @@ std::string WhyNoCommand(const HeardKey& key) {
 
 void Store(const CommandReference& reference, const HeardKey& key, CfgStore& store) {
   Require(CheckProtocol(reference.Protocol));
+  if (key.LikeRaw && !key.Known) {
+    throw Refused(RefusalText({Refusal::CodeExists, key.LikeRaw->Command}),
+                  {"It is a raw command of the protocol " + key.LikeRaw->Protocol +
+                   ", which would be heard no more. Delete that one first to store the code."});
+  }
   // A known code needs no second press; the checks name the command that has it.
   if (!key.Validation.CmdValidated && !key.Known) {
     throw Refused(RefusalText({Refusal::NotValidated, {}}),

@@ -9,11 +9,29 @@ namespace keplo {
 
 namespace {
 
-bool BelongsToCommand(std::string_view text, const MonitorReading& reading) {
-  if (reading.Digits.empty()) return false;
+/// The command that a reading is of without the raw ones.
+std::optional<FoundCommand> CommandOf(std::string_view text, const MonitorReading& reading) {
+  if (reading.Digits.empty()) return std::nullopt;
   const bool whole = reading.Ended == Stage::Doubtful;  // where learning is the proof, the very code counts
-  if (reading.Ended != Stage::Code && !whole) return false;
-  return FindCommand(text, reading.Digits, 0, whole ? Analysis::Second : *reading.ReadBy).has_value();
+  if (reading.Ended != Stage::Code && !whole) return std::nullopt;
+  return FindCommand(text, reading.Digits, 0, whole ? Analysis::Second : *reading.ReadBy);
+}
+
+/// What the monitor captures of lengths.
+std::string MonitorCaptureOf(const RawLengths& lengths) {
+  std::string capture = CaptureOfLengths(lengths);
+  capture.resize(kMonitorCaptureBytes);
+  return capture;
+}
+
+/// A command whose code the monitor reads of a form of the signal, so that it would never ask the raw ones.
+std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const RawSignal& signal) {
+  SignalState heard;
+  for (const RawLengths& form : signal.Forms) {
+    auto found = CommandOf(text, ReadCapture(MonitorCaptureOf(form), heard, Analysis::Second));
+    if (found) return found;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -33,7 +51,7 @@ void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
 }
 
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
-  if (store.Raw.Index.Empty() || BelongsToCommand(store.CfgText, reading)) return;
+  if (store.Raw.Index.Empty() || CommandOf(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
   if (!match.Alone) return;
   reading.Ended = Stage::Raw;
@@ -53,9 +71,7 @@ RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form
 std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal) {
   for (const RawLengths& form : signal.Forms) {
     SignalState heard;
-    std::string capture = CaptureOfLengths(form);
-    capture.resize(kMonitorCaptureBytes);
-    heard.Samples.Read(capture);
+    heard.Samples.Read(MonitorCaptureOf(form));
     const RawMatch match = store.Raw.Index.Find(HeardIn(heard));
     if (match.IsClose) return FindCommand(store.CfgText, match.Digits, 0, Analysis::Second);
   }
@@ -69,7 +85,8 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
     return {Refusal::InvalidCode, std::string(code),
             "These are the digits of a raw command without lengths."};
   }
-  const auto like = FindLikeRawCommand(store, *signal);
+  auto like = FindLikeRawCommand(store, *signal);
+  if (!like) like = FindCommandReadOf(store.CfgText, *signal);
   if (!like) return {};
   return {Refusal::CodeExists, like->Command, "It is a command of the protocol " + like->Protocol + "."};
 }

@@ -34,8 +34,8 @@ RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form
 /// capture holds of the two.
 std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal);
 
-/// The check of a new code as far as it concerns raw commands: one of theirs needs lengths, and no command of
-/// the text may be like it.
+/// The check of a new code as far as it concerns raw commands: one of theirs needs lengths, no command of
+/// the text may be like it, and of none may the monitor read the code in it.
 LearnResult CheckRawCode(const CfgStore& store, std::string_view code);
 
 /// Stores a raw command: its lengths and its code line. The checks are those of any other command, and a

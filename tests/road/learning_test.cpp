@@ -54,6 +54,8 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
   const std::string a = press("a.mode2", RawPress(cool, 50)), b = press("b.mode2", RawPress(cool, 90));
   const std::string c = press("c.mode2", RawPress(heat, 50)), d = press("d.mode2", RawPress(heat, 90)),
                     named = " --name 'NEC&COOL'";
+  const std::string code = install.Press("code.mode2", "--protocol SONY --code 101010010000");
+  const std::string next = install.Press("next.mode2", "--protocol SONY --code 101010010001");
   const std::string sent = Quoted(install.File("sent.mode2"));
   ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
                        {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
@@ -67,9 +69,13 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
                        {"events add 'NEC&COOL' --name Colder", 0, {}},
                        {"monitor --once --replay" + b + c, 1, {"Colder", "is bound to NEC&HEAT"}},
                        {"send 'NEC&COOL' --out" + sent, 0, {"NEC&COOL written"}},
-                       {"record" + sent, 0, {"known as NEC&COOL"}}});
+                       {"record" + sent, 0, {"known as NEC&COOL"}},
+                       {"learn --raw" + code + " --name 'NEC&ONCE'", 1, {"This command exist as TV_POWER"}},
+                       {"learn --raw" + next + " --name 'NEC&RAWNEXT'", 0, {"learned as raw"}},
+                       {"learn" + next + " --name 'SONY&NEXT'", 1, {"exist as RAWNEXT", "heard no more"}}});
   std::filesystem::remove(install.File("raw/NEC.mode2"));
-  ExpectTold(install, {{"send 'NEC&COOL'", 1, {"COOL and HEAT", "missing or damaged", "learn them again"}}});
+  ExpectTold(install,
+             {{"send 'NEC&COOL'", 1, {"COOL, HEAT and RAWNEXT", "missing or damaged", "learn them again"}}});
   std::filesystem::create_directory(install.File("raw/NEC.mode2"));
   ExpectTold(install, {{"forget 'NEC&COOL'", 0, {"HEAT", "move away"}},
                        {"learn" + a + b + named, 3, {"NEC.mode2: Is a directory", "move away"}}});
