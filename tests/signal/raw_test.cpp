@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 
 #include "signal/raw/raw_digits.h"
 #include "signal/raw/raw_index.h"
@@ -199,6 +200,31 @@ TEST(RawLesson, WantsEachFormTwice) {
     lesson.Hear(ear.Hear(Silent(Frame(*place == 'a' ? kKey : kOtherKey))), place);
   EXPECT_FALSE(lesson.IsLastConfirmed()) << "a recording that is opened again";
   EXPECT_EQ(&lesson.Last(), &lesson.Forms().front());
+}
+
+/// Frames are letters, and a piece of a frame is a small one.
+TEST(RawLesson, KeepsFewOfTheFramesOfAHeldKey) {
+  const std::map<char, RunVector> frames = {{'A', Frame(kKey)},
+                                            {'a', First(Frame(kKey), 11)},
+                                            {'B', Frame(kOtherKey)},
+                                            {'b', First(Frame("2"), 5)}};
+  for (const auto& [held, kept] : {std::pair("AAAAAAa", "AAA"),
+                                   {"AAAAAA", "AAA"},
+                                   {"BAAAAAa", "BAAA"},
+                                   {"ABABABABAa", "ABABAB"},
+                                   {"ABABa", "ABAB"},
+                                   {"AAb", "AAb"},
+                                   {"Bb", "Bb"},
+                                   {"A", "A"}}) {
+    RunVector runs, wanted;
+    for (const char* frame = held; *frame != 0; ++frame)
+      runs = runs.empty() ? frames.at(*frame) : Then(runs, kFrameGap, frames.at(*frame));
+    for (const char* frame = kept; *frame != 0; ++frame)
+      wanted = wanted.empty() ? frames.at(*frame) : Then(wanted, kFrameGap, frames.at(*frame));
+    RawLesson lesson;
+    ASSERT_TRUE(lesson.Hear({runs, true}));
+    EXPECT_EQ(lesson.Last().Signal.Lengths.size(), wanted.size()) << held;
+  }
 }
 
 }  // namespace

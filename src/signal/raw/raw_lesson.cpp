@@ -29,6 +29,70 @@ bool SendsFrameTwice(const HeardLengths& heard, const RawLengths& lengths) {
   return CompareRaw(second, std::span(lengths).first(frame)).Fits == RawFit::How::Exact;
 }
 
+/// What a held key repeats is worth three times at most: some devices want to hear as many.
+constexpr std::size_t kMostRounds = 3;
+/// Frames of a message, or of a key that sends two in turns, that may make a round.
+constexpr std::size_t kMostInRound = 4;
+
+bool BeginsWith(RunSpan frame, RunSpan piece, double sampleTime) {
+  constexpr double kMostApart = 130;  // microseconds, and two samples: what edges stray by in both
+  return piece.size() <= frame.size() &&
+         std::equal(piece.begin(), piece.end(), frame.begin(), [&](int left, int right) {
+           return std::abs(left - right) * sampleTime <= kMostApart + 2 * sampleTime;
+         });
+}
+
+/// The frames of a signal, and how many of them tell something of it.
+struct HeardFrames {
+  explicit HeardFrames(const HeardLengths& heard) : Heard(heard) {
+    for (std::size_t begin = 0; begin < heard.Runs.size(); begin = Ends.back() + 1) {
+      Ends.push_back(begin + FirstFrameOf(heard.From(begin)));
+    }
+  }
+
+  RunSpan Frame(std::size_t i) const {
+    const std::size_t begin = i == 0 ? 0 : Ends[i - 1] + 1;
+    return Heard.Runs.subspan(begin, Ends[i] - begin);
+  }
+  /// Whether all frames are those of the first round again.
+  bool Repeats(std::size_t first, std::size_t round) const {
+    for (std::size_t i = first + round; i < Ends.size(); ++i) {
+      const RunSpan before = Frame(i - round);
+      if (before.size() != Frame(i).size() || !BeginsWith(before, Frame(i), Heard.SampleTime)) return false;
+    }
+    return true;
+  }
+  /// Whether the last frame is a piece of another one, which the end of the recording has cut off.
+  bool EndsInPiece() const {
+    const std::size_t last = Ends.size() - 1;
+    for (std::size_t i = 0; i < last; ++i) {
+      if (BeginsWith(Frame(i), Frame(last), Heard.SampleTime)) return Heard.Cut;
+    }
+    return false;
+  }
+
+  const HeardLengths& Heard;
+  std::vector<std::size_t> Ends;  // in lengths
+};
+
+/// What of a press is worth storing: without the piece that the end of the recording has cut off, and with
+/// few of the frames that a held key repeats, behind one that may be its own.
+HeardLengths TellingPart(const HeardLengths& heard) {
+  if (heard.Runs.empty()) return heard;
+  HeardFrames frames(heard);
+  const bool endsInPiece = frames.EndsInPiece();
+  if (endsInPiece) frames.Ends.pop_back();
+  std::size_t kept = frames.Ends.size();
+  for (const std::size_t first : {0, 1}) {
+    for (std::size_t round = 1; round <= kMostInRound; ++round) {
+      const std::size_t rounds = first + kMostRounds * round;
+      if (rounds < kept && frames.Repeats(first, round)) kept = rounds;
+    }
+  }
+  const bool whole = endsInPiece || kept < frames.Ends.size();
+  return {heard.Runs.first(frames.Ends[kept - 1]), heard.Cut && !whole, heard.SampleTime};
+}
+
 bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
   const std::span<const int> left = FirstFrame(a), right = FirstFrame(b);
   const double leftTime = std::accumulate(left.begin(), left.end(), 0.0);
@@ -39,11 +103,12 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
 
 }  // namespace
 
-bool RawLesson::Hear(const HeardLengths& heard, const std::string& place) {
+bool RawLesson::Hear(const HeardLengths& press, const std::string& place) {
   if (const auto again = places_.find(place); again != places_.end()) {
     last_ = again->second;
     return true;
   }
+  const HeardLengths heard = TellingPart(press);
   std::optional<LeveledSignal> signal = FindLevels(heard);
   if (!signal) return false;
   const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {

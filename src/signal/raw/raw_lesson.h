@@ -22,10 +22,11 @@ class RawLesson {
     bool IsConfirmed() const { return Presses > 1 || Repeats; }
   };
 
-  /// Takes a press into account. A recording that is heard again is no second press.
+  /// Takes a press into account. A recording that is heard again is no second press. What a held key repeats
+  /// is kept a few times, and no piece of it that the recording has cut off.
   /// @param place where its recording was read from; empty for a key press
   /// @return false for one that is no clean signal, which changes nothing
-  bool Hear(const HeardLengths& heard, const std::string& place = {});
+  bool Hear(const HeardLengths& press, const std::string& place = {});
 
   /// The forms that were heard, in the order of their first press.
   const std::vector<Form>& Forms() const { return forms_; }
