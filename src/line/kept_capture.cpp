@@ -44,11 +44,12 @@ PulseTrain PulsesOfCapture(const TimedCapture& capture) {
   return pulses;
 }
 
-TimedCapture CaptureToShow(const Press& press, double usual) {
+TimedCapture CaptureToShow(const Press& press, double usual, Analysis readBy) {
   LineOptions options;
   options.HoldMs = 0;
   options.SampleTime = kNominalSampleTime;
   options.Shape = true;
+  options.ReadBy = &readBy;
   for (const double sampleTime : {usual, double{kNominalSampleTime}}) {
     if (!options.Shape || !IsOfWholeSamples(press, sampleTime)) continue;
     options.SampleTime = sampleTime;

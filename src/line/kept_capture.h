@@ -3,6 +3,7 @@
 #include <string>
 
 #include "formats/recording.h"
+#include "signal/analysis.h"
 
 namespace keplo {
 
@@ -20,6 +21,7 @@ PulseTrain PulsesOfCapture(const TimedCapture& capture);
 /// was; its lengths, which are whole samples, tell. Any other press is as a line would fill the buffer of a
 /// recording.
 /// @param usual sample time of captures of this machine, microseconds
-TimedCapture CaptureToShow(const Press& press, double usual);
+/// @param readBy what the capture is to be read by
+TimedCapture CaptureToShow(const Press& press, double usual, Analysis readBy);
 
 }  // namespace keplo

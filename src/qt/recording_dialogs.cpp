@@ -34,7 +34,7 @@ std::optional<std::size_t> PickPress(QWidget* parent, std::size_t presses) {
   return chosen ? std::optional(static_cast<std::size_t>(number) - 1) : std::nullopt;
 }
 
-std::optional<OpenedRecording> Open(QWidget* parent, double sampleTime) {
+std::optional<OpenedRecording> Open(QWidget* parent, double sampleTime, Analysis readBy) {
   QFileDialog dialog(parent, QStringLiteral("Open recording"));
   dialog.setFileMode(QFileDialog::ExistingFile);
   const QString path =
@@ -45,7 +45,7 @@ std::optional<OpenedRecording> Open(QWidget* parent, double sampleTime) {
   if (!press) return std::nullopt;
   std::string name = std::filesystem::path(recording.Path).filename().string();
   if (recording.Presses.size() > 1) name += ", press " + std::to_string(*press + 1);
-  TimedCapture capture = CaptureToShow(recording.Presses[*press], sampleTime);
+  TimedCapture capture = CaptureToShow(recording.Presses[*press], sampleTime, readBy);
   std::string place = QFileInfo(path).canonicalFilePath().toStdString() + " " + std::to_string(*press);
   return OpenedRecording{name, std::move(place), std::move(capture.Bytes), capture.SampleTime};
 }
@@ -63,7 +63,7 @@ void Save(QWidget* parent, const TimedCapture& capture) {
 }  // namespace
 
 RecordingFiles PickRecordings(QWidget* parent) {
-  return {[parent](double sampleTime) { return Open(parent, sampleTime); },
+  return {[parent](double sampleTime, Analysis readBy) { return Open(parent, sampleTime, readBy); },
           [parent](const std::string& capture, double sampleTime) {
             Save(parent, {capture, sampleTime});
           }};

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "signal/analysis.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -19,9 +20,10 @@ struct OpenedRecording {
 /// How a view asks the user for a file and reads or writes it; none where nothing can be asked.
 struct RecordingFiles {
   /// @param sampleTime of the captures of this machine, microseconds
+  /// @param readBy what the capture is to be read by
   /// @return none if the user picks no file
   /// @throws Failure for a file that cannot be read
-  std::function<std::optional<OpenedRecording>(double sampleTime)> Open;
+  std::function<std::optional<OpenedRecording>(double sampleTime, Analysis readBy)> Open;
   /// @param sampleTime of the capture, microseconds
   /// @throws Failure for a file that cannot be written
   std::function<void(const std::string& capture, double sampleTime)> Save;

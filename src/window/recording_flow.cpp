@@ -8,8 +8,9 @@ namespace keplo {
 
 void RecordingFlow::Open() {
   std::optional<OpenedRecording> recording;
-  if (!files_.Open ||
-      !dialogue_.RunAndReport([&] { recording = files_.Open(SampleTimeOf(settings_.ProcDelay)); }) ||
+  if (!files_.Open || !dialogue_.RunAndReport([&] {
+        recording = files_.Open(SampleTimeOf(settings_.ProcDelay), settings_.Analysis);
+      }) ||
       !recording)
     return;
   const std::string told = record_.Explain(*recording);

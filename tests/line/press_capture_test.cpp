@@ -61,10 +61,11 @@ TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {
   for (const double sampleTime : {55.0, 60.0, 52.5, 50.5}) {
     const PulseTrain kept = PulsesOfCapture({capture, sampleTime});
     EXPECT_EQ(kept.front(), static_cast<int>(SamplesToBits(capture).find('0') * sampleTime));
-    const TimedCapture shown = CaptureToShow(kept, sampleTime);
+    const TimedCapture shown = CaptureToShow(kept, sampleTime, Analysis::First);
     EXPECT_EQ(shown.Bytes, capture);
     EXPECT_EQ(shown.SampleTime, sampleTime);
-    EXPECT_EQ(CaptureToShow(press, sampleTime).Bytes, capture);
+    EXPECT_EQ(CaptureToShow(press, sampleTime, Analysis::First).Bytes, capture);
+    EXPECT_EQ(CaptureToShow(press, sampleTime, Analysis::Second).Bytes, PulsesToCapture(press, 55, 1000));
   }
 }
 

@@ -191,7 +191,7 @@ TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
   SetUp();
   form_->TestCheck.SetChecked(true);
   const auto open = [&](const OpenedRecording& recording) {
-    form_->Recordings.Open = [&](double) { return recording; };
+    form_->Recordings.Open = [&](double, Analysis) { return recording; };
     form_->OpenRecordingMenu.Click();
   };
   open({"play.mode2", "a 1", kept.first, kept.second});
@@ -202,7 +202,9 @@ TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
   open({"x.cap", "b 1", Padded("\x10", 1000)});
   EXPECT_EQ(form_->Note.Text(), "Recording x.cap: No code: the signal is too short. Hold the key longer.");
   EXPECT_EQ(form_->Surface.Lines().size(), 2U) << "the one mark that it has";
-  form_->Recordings.Open = [](double) -> std::optional<OpenedRecording> { throw Failure(2, "no such file"); };
+  form_->Recordings.Open = [](double, Analysis) -> std::optional<OpenedRecording> {
+    throw Failure(2, "no such file");
+  };
   form_->OpenRecordingMenu.Click();
   EXPECT_EQ(boxes_.TakeShown(), Texts{"no such file"});
 
