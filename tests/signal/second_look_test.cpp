@@ -193,7 +193,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"SONY of 15 that faded after 11 digits", UpTo(SonyRuns(kSonyDigits + "110"), 23), no},
       {"two that differ", Then(sony, 200, other), "doubtful"},
       {"three, of which two agree", Then(Then(other, 200, sony), 200, sony), "SONY " + kSonyDigits},
-      {"toggles differ in one press", Then(rc5, 1600, Rc5Runs("11100000010001", 1)), no},
+      {"two taps", Then(rc5, 1600, Rc5Runs("11100000010001", 1)), "RC5 " + kRc5Digits},
       {"two remotes", Then(sony, 200, rc5), no},
       {"the front part of a frame", split, no},
       {"the front part of a frame, and a ditto", Then(split, kGap, {160, 40, 10}), no},

@@ -58,11 +58,8 @@ struct Frame {
 
   std::int16_t Kind() const;
   bool HasLeader() const { return !Head.empty(); }
-  /// Some remotes send the leader with the first frame only.
-  bool SameCode(const Frame& other) const {
-    const bool sameHead = !HasLeader() || !other.HasLeader() || (Head == other.Head && Led.IsLike(other.Led));
-    return Shape == other.Shape && Symbols == other.Symbols && sameHead;
-  }
+  /// Whether both have one code. Some remotes send the leader with the first frame only.
+  bool SameCode(const Frame& other) const;
 };
 
 /// A line code, as the second look tells it from others and believes it.
@@ -73,6 +70,7 @@ struct LineShape {
   bool ShowsLostRuns;    // a stray or a lost run spoils the frame; else it may read as another one
   bool HalvesLookWhole;  // a lost mark may part a frame into two equal ones
   bool TellsLeader;      // Read takes no mark of a digit for a leader, however short that is
+  bool HasToggle;        // a digit that is no part of the code flips from press to press
 
   /// The frame of a body whose lengths are those of the line code, but for its leader.
   /// @param leader the one in front of the body; null without one

@@ -60,6 +60,7 @@ const LineShape kBiphaseShape = {
     .ShowsLostRuns = true,
     .HalvesLookWhole = false,
     .TellsLeader = false,
+    .HasToggle = true,
     .Read = ReadHalves,
     .TakeLeader = TakeNoLeader,
     .ProvesItself = HalvesProveThemselves,

@@ -145,6 +145,7 @@ const LineShape kPulseDistanceShape = {
     .ShowsLostRuns = false,
     .HalvesLookWhole = true,
     .TellsLeader = false,
+    .HasToggle = false,
     .Read = ReadDistances,
     .TakeLeader = TakeDistanceLeader,
     .ProvesItself = DistancesProveThemselves,

@@ -67,6 +67,7 @@ const LineShape kPulseWidthShape = {
     .ShowsLostRuns = false,
     .HalvesLookWhole = false,
     .TellsLeader = false,
+    .HasToggle = false,
     .Read = ReadWidths,
     .TakeLeader = TakeWidthLeader,
     .ProvesItself = WidthsProveThemselves,

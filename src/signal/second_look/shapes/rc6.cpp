@@ -62,6 +62,7 @@ const LineShape kRc6Shape = {
     .ShowsLostRuns = true,
     .HalvesLookWhole = false,
     .TellsLeader = true,
+    .HasToggle = true,
     .Read = ReadRc6Halves,
     .TakeLeader = TakeRc6Leader,
     .ProvesItself = Rc6ProvesItself,

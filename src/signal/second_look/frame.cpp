@@ -1,0 +1,15 @@
+#include "signal/second_look/frame.h"
+
+#include "signal/decode.h"
+
+namespace keplo::robust {
+
+bool Frame::SameCode(const Frame& other) const {
+  if (Shape != other.Shape) return false;
+  if (HasLeader() && other.HasLeader() && (Head != other.Head || !Led.IsLike(other.Led))) return false;
+  if (Symbols == other.Symbols) return true;
+  // Of two taps in one capture.
+  return Shape->HasToggle && DecodeCode(Symbols, Kind()) == DecodeCode(other.Symbols, Kind());
+}
+
+}  // namespace keplo::robust
