@@ -54,6 +54,7 @@ struct Frame {
   LeaderKind Leads = LeaderKind::Other;
   Leader Led;        // as it was heard; no length without one
   bool Ends = true;  // the signal ends after it, or rests for longer than lost marks would make it
+  int After = 0;     // the space after, samples
   int Dittos = 0;    // right after it: NEC's sign that the key is still held
 
   std::int16_t Kind() const;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "signal/decode.h"
+#include "signal/second_look/frame_parts.h"
 #include "signal/timing.h"
 
 namespace keplo::robust {
@@ -38,73 +39,6 @@ bool MayLackDigits(const Frame& frame) {
          std::find(kShort.begin(), kShort.end(), frame.Digits) != kShort.end();
 }
 
-/// How many runs at the head of two pieces are the same.
-std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step, double unit) {
-  const double near = std::max(3.0, unit / 2);
-  std::size_t same = 0;
-  while (same < most && std::abs(*one - *other) <= near) {
-    ++same;
-    if (same == most) break;
-    one += step;
-    other += step;
-  }
-  return same;
-}
-
-/// Whether a piece is a frame that was damaged in one place: its runs are those of the frame up to there, and
-/// after it those up to the frame's end. A piece that is cut has its head alone.
-bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
-  constexpr std::size_t kDamaged = 6, kCut = 1, kLeader = 2;  // runs
-  for (const std::size_t skipped : {std::size_t{0}, kLeader}) {
-    if (piece.Of.Size <= skipped) return true;
-    const int* const first = piece.Of.First + skipped;
-    const std::size_t size = piece.Of.Size - skipped;
-    const std::size_t most = std::min(size, frame.Runs);
-    std::size_t same = SameRuns(first, frame.First, most, 1, frame.Unit);
-    if (piece.IsCut) {
-      if (same + kCut >= size) return true;
-      continue;
-    }
-    same += SameRuns(first + size - 1, frame.First + frame.Runs - 1, most, -1, frame.Unit);
-    if (same + kDamaged >= size) return true;
-  }
-  return false;
-}
-
-/// Whether each edge of a piece is where the frame has one, from its beginning or back from its end. Marks
-/// and spaces that are lost take edges away, and leave the others in their places.
-/// @param step 1 from the beginning, -1 from the end
-bool HasOnlyEdgesOf(RunSpan piece, RunSpan frame, int step, double unit) {
-  const double near = std::max(3.0, 0.4 * unit);
-  const auto length = [step](RunSpan runs, std::size_t i) {
-    return runs[step > 0 ? i : runs.size() - 1 - i];
-  };
-  int edge = 0, frameEdge = 0;
-  std::size_t next = 0;
-  for (std::size_t i = 0; i < piece.size(); ++i) {
-    edge += length(piece, i);
-    while (next < frame.size() && edge - frameEdge > near) frameEdge += length(frame, next++);
-    if (std::abs(edge - frameEdge) > near) return false;
-  }
-  return true;
-}
-
-/// Whether a piece is what lost marks and spaces have left of a frame.
-bool IsLeftOf(const OtherPiece& piece, const Frame& frame) {
-  const std::size_t leader = HasLeaderInside(piece.Of) ? 2 : 0;
-  const RunSpan runs(piece.Of.First + leader, piece.Of.Size - leader), whole(frame.First, frame.Runs);
-  return HasOnlyEdgesOf(runs, whole, 1, frame.Unit) ||
-         (!piece.IsCut && HasOnlyEdgesOf(runs, whole, -1, frame.Unit));
-}
-
-/// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the
-/// command of two frames of which one was damaged. Both are pulse distance.
-bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) {
-  constexpr std::size_t kTelling = 9;  // runs; fewer may be anything
-  return frame.Kind() == kNec && piece.IsClean && piece.Of.Size >= kTelling && !IsPartOf(piece, frame) &&
-         !IsLeftOf(piece, frame);
-}
-
 bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {
   return std::all_of(found.Others.begin(), found.Others.end(), [&](const OtherPiece& piece) {
     return std::any_of(frames.begin(), frames.end(),
@@ -135,16 +69,9 @@ bool IsOnlyPart(const Frame& frame, const Findings& found) {
   const auto isLonger = [&](const Frame& other) {
     return other.Clear && other.HasLeader() && other.Runs > frame.Runs && !isSame(other);
   };
-  const auto tells = [&](const OtherPiece& piece) { return TellsOfAnother(piece, frame); };
-  const auto isOther = [&](const Frame& other) {
-    return other.Kind() == kNec && other.Clear && !isSame(other) &&
-           (other.Runs == frame.Runs || tells({{other.First, other.Runs, 0}, false, true}));
-  };
   const auto& frames = found.Frames;
   if (std::any_of(frames.begin(), frames.end(), isLonger)) return true;
-  const auto others = std::count_if(frames.begin(), frames.end(), isOther) +
-                      std::count_if(found.Others.begin(), found.Others.end(), tells);
-  return 2 * others >= std::count_if(frames.begin(), frames.end(), isSame);
+  return 2 * CountTelling(found, frame) >= std::count_if(frames.begin(), frames.end(), isSame);
 }
 
 /// Whether the press has more than its only frame, and that is of another one or spoils what stands beside

@@ -125,6 +125,7 @@ void FrameReader::ReadPieces() {
     if (frame->HasLeader() && SingleLeader()) found_.Others.pop_back();
     const bool last = place_ + 1 == pieces_.size();
     frame->Ends = last || piece.After >= frame->Shape->RestUnits * frame->Unit;
+    frame->After = piece.After;
     afterFrame_ = true;
     found_.Frames.push_back(*frame);
   }
