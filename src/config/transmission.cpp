@@ -19,8 +19,8 @@ std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolPara
 
 Transmission TransmissionOfDigits(std::string digits, std::int16_t protoKind, ProtocolParams& params,
                                   bool& toggle) {
-  std::string slots = PadToBytes(SlotsToSend(std::move(digits), protoKind, params, toggle));
-  return {std::move(slots), params.SENDPLS, params.Carrier};
+  const std::int16_t slot = SlotOf(digits, protoKind, params);
+  return {PadToBytes(SlotsToSend(std::move(digits), protoKind, params, toggle)), slot, params.Carrier};
 }
 
 Transmission TransmissionOfRaw(const RawSignal& signal, std::size_t turn, std::int32_t carrier) {

@@ -84,13 +84,28 @@ std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
   return slots;
 }
 
-/// RC6 has patterns of its own. A section made for it has them; any other may hold such a code.
-ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
+constexpr std::int16_t kRc6Slot = 444;  // microseconds
+
+bool IsSentAsRc6(std::string_view code, std::int16_t protoKind, const ProtocolParams& params) {
+  return (protoKind == kRc6 || WayOf(code, params.SENDAS) == kSendAsRc6) && IsRc6Code(code);
+}
+
+/// A section that was made for RC6 has its patterns; any other may hold such a code, and counts in slots of
+/// its own.
+bool HasPatternsOfRc6(const ProtocolParams& params) {
   const PatternSet& rc6 = *FindPatternSet(kRc6);
-  if (params.BIT0 == rc6.BIT0 && params.BIT1 == rc6.BIT1) return params;
+  return params.BIT0 == rc6.BIT0 && params.BIT1 == rc6.BIT1;
+}
+
+ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
+  if (HasPatternsOfRc6(params)) return params;
+  const PatternSet& rc6 = *FindPatternSet(kRc6);
   params.BITG = rc6.BITG;
   params.BIT0 = rc6.BIT0;
   params.BIT1 = rc6.BIT1;
+  const std::size_t slots = Slots(params.REPEAT) * Slots(params.SENDPLS) / kRc6Slot;
+  params.REPEAT = static_cast<std::int16_t>(std::min<std::size_t>(slots, INT16_MAX));
+  params.GREPEAT = params.REPEAT;  // each repeat has its leader
   return params;
 }
 
@@ -121,10 +136,14 @@ std::string WithRepeats(std::string frame, const std::string& repeat, const Prot
 
 }  // namespace
 
+std::int16_t SlotOf(std::string_view code, std::int16_t protoKind, const ProtocolParams& params) {
+  return IsSentAsRc6(code, protoKind, params) && !HasPatternsOfRc6(params) ? kRc6Slot : params.SENDPLS;
+}
+
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params,
                           bool& rc5Toggle) {
   const std::string_view way = WayOf(code, params.SENDAS);
-  const bool isRc6 = (protoKind == kRc6 || way == kSendAsRc6) && IsRc6Code(code);
+  const bool isRc6 = IsSentAsRc6(code, protoKind, params);
   const ProtocolParams sent = isRc6 ? WithPatternsOfRc6(params) : params;
   if (const std::size_t slots = LengthBound(code, way, sent); slots > kMostSlots) {
     throw std::length_error("The code would be sent as up to " + std::to_string(slots) + " slots, of which " +

@@ -23,6 +23,10 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @throws std::length_error if the transmission would pass kMostSlots; nothing is changed then
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params, bool& rc5Toggle);
 
+/// Length of a slot of what BuildSendBits gives, microseconds: SENDPLS, but for RC6 in a section of another
+/// protocol, whose slots are as long as there.
+std::int16_t SlotOf(std::string_view code, std::int16_t protoKind, const ProtocolParams& params);
+
 /// The slots with silent ones after them up to a whole byte.
 std::string PadToBytes(std::string slots);
 

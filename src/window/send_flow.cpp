@@ -141,7 +141,8 @@ bool SendFlow::SendDigits(const std::string& digits) {
       })) {
     return false;
   }
-  transmission.Slot = Rounded<std::int32_t>(fields_.SendPulse.Text());
+  const auto pulse = Rounded<std::int32_t>(fields_.SendPulse.Text());
+  if (pulse != mod_.ProtocolParams.SENDPLS) transmission.Slot = pulse;
   PutOut(transmission);
   ShowSent(CaptureOfSlots(transmission.Slots, transmission.Slot));
   return true;

@@ -72,6 +72,7 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   ProtocolParams other = Params(kRc5, 0, 0);
   other.SENDAS = "7 " + NoteOfWay(code, kSendAsRc6);
   EXPECT_EQ(BuildSendBits(code, kRc5, other, toggle), head + "1100" + tail) << "in another section";
+  EXPECT_EQ(SlotOf(code, kRc5, other), 444);
   code = "101";
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), "11111100100110") << "no RC6 code";
 
