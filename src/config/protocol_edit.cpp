@@ -314,6 +314,8 @@ SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   if (const std::optional<Section> twin = FindSection(text, protocol, section.End)) {
     return ProtocolResult{ProtocolRefusal::SectionTwins, LineNumber(text, twin->Begin - 1)};
   }
+  // A stray bracket makes a second section of all that follows it, up to the end of the real one.
+  if (protocol.find('[') != std::string_view::npos) return ProtocolRefusal::HeaderLine;
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
   // What stands before either header would be left over, a command in another section.
   const bool leavesText = !Trimmed(BeforeInLine(text, first)).empty();

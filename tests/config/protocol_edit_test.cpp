@@ -169,6 +169,8 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
   refuses(Replaced(Config(mine), "[Mine]", "[Mine] see [old]"), none, Refusal::NoSection,
           Refusal::HeaderLine);
   refuses(Replaced(Config(mine), "[Template]", "see [Template]"), Refusal::HeaderLine, none, none);
+  EXPECT_EQ(WithoutSection(Replaced(Config(mine), "[Mine]", "[\r\n[Mine]"), "\r\n[Mine").Refused,
+            Refusal::HeaderLine);
   refuses(mine + Config(mine), none, Refusal::SectionTwice, Refusal::SectionTwice);
   refuses(Config(mine + Protocol("MINE", {"G1,A"})), none, none, Refusal::SectionTwins);
   refuses(Replaced(Config(mine), "[Template]", "Template]"), Refusal::NoTemplate, Refusal::HeaderMissing,
