@@ -209,8 +209,8 @@ BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem:
   if (!settings.Tls && !ofTls.empty()) {
     Refuse(file, LineOfKey(text, ofTls),
            "\"" + ofTls +
-               "\" does nothing without a secure connection; expected is \"tls\": true beside it (keplo "
-               "broker set --tls yes), or none.");
+               "\" does nothing without a secure connection; expected is \"tls\": true beside it, or none. " +
+               TypedCommand("broker set --tls yes", FolderOf(file).string()) + " turns it on.");
   }
   if (!object.contains("port") && settings.Tls) settings.Port = kTlsPort;
   const std::filesystem::path folder = file.parent_path();
@@ -274,7 +274,8 @@ std::string ReadPassword(const BrokerSettings& settings) {
   struct stat status {};
   if (stat(settings.PasswordFile.c_str(), &status) == 0 && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
     throw Failure(EACCES, "The password file " + settings.PasswordFile +
-                              " may be read by others. Mend it: chmod 600 '" + settings.PasswordFile + "'");
+                              " may be read by others. Mend it: chmod 600 " +
+                              ShellQuoted(settings.PasswordFile));
   }
   std::string text;
   try {

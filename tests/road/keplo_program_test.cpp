@@ -130,6 +130,7 @@ TEST(KeploProgram, TellsWhatIsWrongAndWhatToDo) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"'" KEPLO_PROGRAM "' monitor --once " + elsewhere, "keplo.cfg: No such file or directory. Bring"},
       {"'" KEPLO_PROGRAM "' " + elsewhere + " events list", "keplo install"},
+      {"KEPLO_HOME=\"/no/it's\" '" KEPLO_PROGRAM "' commands", "keplo install --app-path '/no/it'\\''s'"},
       {"'" KEPLO_PROGRAM "' help sing", "sing"},
       {"env -u HOME -u KEPLO_HOME XDG_DATA_HOME=data '" KEPLO_PROGRAM "' install", "There is no HOME"}};
   for (const auto& [command, told] : cases) {
