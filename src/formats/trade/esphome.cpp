@@ -325,8 +325,10 @@ std::string WriteEsphome(const std::vector<Remote>& remotes, std::vector<Complai
     for (const RemoteKey& key : remote.Keys) {
       ++number;
       if (!key.Coded && key.Lengths.empty()) continue;
+      const std::string action = EsphomeAction(key, "      ");
+      if (action.find("transmit_raw") != std::string::npos) TellRepeat(told, key);
       text += "  - platform: template\n    name: " + JsonText(NameFor(key, number)) + "\n    on_press:\n" +
-              EsphomeAction(key, "      ");
+              action;
     }
   }
   if (remotes.size() > 1) TellOnce(told, "the format keeps no remotes; all keys are written as one");
