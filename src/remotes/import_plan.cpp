@@ -236,7 +236,7 @@ class Planner {
       const std::optional<CodedSignal>& signal = planned.Key->Coded;
       if (!signal || planned.IsRaw || FamilyOf(*signal, planned.Key->Carrier) != nullptr) continue;
       if (IsHeard(section, signal->Digits)) continue;
-      AddReason(planned, "it can be sent, but the monitor does not hear it");
+      AddReason(planned, "it can be sent; to have it heard as well, learn it from the remote");
     }
   }
 
