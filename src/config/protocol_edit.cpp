@@ -344,13 +344,21 @@ ProtocolResult AddProtocol(CfgStore& store, ProtocolDraft draft) {
   return ProtocolRefusal::None;
 }
 
+std::string WithEdit(const std::string& text, const ProtocolDraft& draft, const Splice& edit) {
+  const std::optional<ProtocolDraft> before = LoadProtocol(text, draft.Name);
+  const ProtocolParams& after = draft.Params;
+  const bool sameSilence = before && before->Params.SENDPLS == after.SENDPLS &&
+                           before->Params.REPEAT == after.REPEAT && before->Params.GREPEAT == after.GREPEAT;
+  return sameSilence ? edit.In(text) : WithoutPeriod(edit.In(text), draft.Name);
+}
+
 ProtocolResult EditProtocol(CfgStore& store, ProtocolDraft draft) {
   ProtocolRefusal refusal = CheckProtocolEdit(draft.Name);
   if (refusal == ProtocolRefusal::None) refusal = CheckProtocolDraft(draft);
   if (refusal != ProtocolRefusal::None) return refusal;
   const SectionChange planned = EditedSection(store.CfgText, draft);
   if (!planned.Refused.Done()) return planned.Refused;
-  ReplaceAndSave(store, planned.Change.In(store.CfgText));
+  ReplaceAndSave(store, WithEdit(store.CfgText, draft, planned.Change));
   return ProtocolRefusal::None;
 }
 

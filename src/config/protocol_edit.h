@@ -113,6 +113,9 @@ SectionChange NewSection(std::string_view text, const ProtocolDraft& draft);
 /// comments, while a command among them is a refusal.
 SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft);
 
+/// The text with that edit. Other slots or silences than before end the period that frames were sent at.
+std::string WithEdit(const std::string& text, const ProtocolDraft& draft, const Splice& edit);
+
 /// A section goes, from its header through the line before the next header.
 SectionChange WithoutSection(std::string_view text, std::string_view protocol);
 

@@ -52,6 +52,18 @@ int EndOfLines(std::string_view text, const Section& section) {
   return lf == kNowhere || lf >= section.End ? kNowhere : lf + 1;
 }
 
+template <typename IsStale>
+std::string WithoutWords(const std::string& text, std::string_view protocol, IsStale isStale) {
+  const std::optional<Section> section = FindSectionToChange(text, protocol);
+  const auto line = section ? LineIn(text, *section) : std::nullopt;
+  if (!line) return text;
+  std::vector<std::string> words = WordsOf(SendAsOf(text, *section));
+  const auto stale = std::remove_if(words.begin(), words.end(), isStale);
+  if (stale == words.end()) return text;
+  words.erase(stale, words.end());
+  return InsertText(RemoveText(text, line->First, line->Last), LineOf(words), line->First);
+}
+
 }  // namespace
 
 std::string SendAsOf(std::string_view text, const Section& section) {
@@ -88,21 +100,17 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
 }
 
 std::string WithoutStaleWays(const std::string& text, std::string_view protocol) {
-  const std::optional<Section> section = FindSectionToChange(text, protocol);
-  const auto line = section ? LineIn(text, *section) : std::nullopt;
-  if (!line) return text;
   const std::vector<LearnedCommand> commands = ListCommands(text, protocol);
-  std::vector<std::string> words = WordsOf(SendAsOf(text, *section));
-  const auto isStale = [&](const std::string& word) {
+  return WithoutWords(text, protocol, [&](const std::string& word) {
     return IsNoteOfWay(word) &&
            std::none_of(commands.begin(), commands.end(), [&](const LearnedCommand& command) {
              return !command.Code.empty() && IsNoteOn(std::string_view(command.Code).substr(1), word);
            });
-  };
-  const auto stale = std::remove_if(words.begin(), words.end(), isStale);
-  if (stale == words.end()) return text;
-  words.erase(stale, words.end());
-  return InsertText(RemoveText(text, line->First, line->Last), LineOf(words), line->First);
+  });
+}
+
+std::string WithoutPeriod(const std::string& text, std::string_view protocol) {
+  return WithoutWords(text, protocol, [](const std::string& word) { return PeriodOf(word) > 0; });
 }
 
 }  // namespace keplo

@@ -28,4 +28,7 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
 /// A text in which the line of a section has no notes on codes that the section does not hold any more.
 std::string WithoutStaleWays(const std::string& text, std::string_view protocol);
 
+/// A text in which a section has no period of frames, so that REPEAT and GREPEAT tell the silence again.
+std::string WithoutPeriod(const std::string& text, std::string_view protocol);
+
 }  // namespace keplo

@@ -205,7 +205,7 @@ bool NewProtocol::IsOpen() const { return place_.Dialog() == this; }
 bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
   CfgStore& store = mod_.Store;
   const std::string before = store.CfgText;
-  const std::string text = change.In(before);
+  const std::string text = IsNew() ? change.In(before) : WithEdit(before, draft, change);
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
   // Section and selection in one save: a second one could fail and contradict the first.
   const bool done =

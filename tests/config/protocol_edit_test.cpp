@@ -60,6 +60,19 @@ TEST(ProtocolEdit, AddsChangesAndDeletesASectionByteForByte) {
   EXPECT_EQ(stored.File(), kGeneral + end);
 }
 
+TEST(ProtocolEdit, EndsThePeriodThatOtherSilencesContradict) {
+  const std::string mine = Replaced(Protocol("Mine", {"G1010,POWER"}), "GREPEAT= 72\r\n",
+                                    "GREPEAT= 72\r\nSENDAS= PERIOD192 16\r\n");
+  Stored stored(Config(mine));
+  ProtocolDraft draft = *LoadProtocol(stored.File(), "Mine");
+  draft.Params.BIT1 = "100000";
+  EXPECT_EQ(RefusalText(EditProtocol(stored.Store, draft)), "");
+  ExpectPart(stored.File(), Lines({"GREPEAT= 72", "SENDAS= PERIOD192 16", ""}));
+  draft.Params.GREPEAT = 80;
+  EXPECT_EQ(RefusalText(EditProtocol(stored.Store, draft)), "");
+  ExpectPart(stored.File(), Lines({"GREPEAT= 80", "SENDAS= 16", ""}));
+}
+
 TEST(ProtocolEdit, LeavesTheCarrierOfASectionAlone) {
   const std::string mine =
       Replaced(Protocol("Mine", {"G1010,POWER"}), "GREPEAT= 72\r\n", "GREPEAT= 72\r\nCARRIER= 36000\r\n");
