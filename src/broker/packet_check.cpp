@@ -153,6 +153,14 @@ bool HasSoundProperties(char first, std::string_view body) {
   return reader.IsSound();
 }
 
+/// Whether a packet of MQTT 3.1.1 is as long as its kind may be behind its length.
+bool HasUsualLength(char first, std::size_t body) {
+  const unsigned type = TypeOf(first);
+  if (type == kPublish) return body >= 2;
+  if (type == kSubscribeAnswer) return body >= 3;
+  return body == (type == kPingAnswer ? 0 : 2);
+}
+
 /// Bytes of the packet that a text begins with and of its head.
 struct PacketSize {
   std::size_t Head = 0, Whole = 0;
@@ -183,7 +191,7 @@ bool PacketCheck::Take(std::string_view bytes) {
     if (size && size->Whole > kLongestPacket) return false;
     if (!size || size->Whole > left.size()) break;
     const std::string_view body = left.substr(size->Head, size->Whole - size->Head);
-    if (version_ >= 5 && !HasSoundProperties(first, body)) return false;
+    if (version_ >= 5 ? !HasSoundProperties(first, body) : !HasUsualLength(first, body.size())) return false;
     answered_ = true;
     whole_ += left.substr(0, size->Whole);
     left.remove_prefix(size->Whole);

@@ -33,6 +33,7 @@ TEST(BrokerPacketCheck, LetsNothingButSoundPacketsThrough) {
       {5, "HTTP/1.1 400 Bad Request\r\n"s},
       {5, "\x15\x03\x03\0\x02\x02\x28"s},  // of TLS
       {4, "\x20\x02\0\0\xe0\0"s},          // 3.1.1 has no farewell of a broker
+      {4, "\x20\x06\0\0\x03\x7f\0\x01"s},
       {5, "\x20\xff\xff\xff\xff\x01"s},    // a length of no end
       {5, up + "\x30\xff\xff\xff\x7f"s},   // one of 256 MB
       {5, "\x20\x06\0\0\x03\x7f\0\x01"s},  // an unknown property
