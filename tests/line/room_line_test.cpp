@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "broker/mosquitto_server.h"
+#include "line/rooms/broker_messages.h"
 #include "line/rooms/room_press.h"
 #include "signal/zone_link.h"
 #include "simulated_port.h"
@@ -140,6 +142,26 @@ TEST_F(RoomLineTest, SendsToTheRoomThatWasChosen) {
   EXPECT_EQ(script_.Published.back(),
             std::pair(std::string("ir/b"),
                       std::string(R"({"timings":[2000,-2000,1000],"modulation":38000,"repeat_count":0})")));
+}
+
+TEST(BrokerMessages, ComeFromTheBrokerThatTheSettingsName) {
+  const broker::TestFolder folder;
+  const broker::MosquittoServer first(folder), second(folder);
+  const auto name = [&](const broker::MosquittoServer& server) {
+    folder.Write("broker.json", R"({"host":"127.0.0.1","port":)" + std::to_string(server.Port()) + "}");
+  };
+  name(first);
+  const auto messages = BrokerMessagesOf(folder.Path())("ir/+");
+  ASSERT_TRUE(tests::Until([&] {
+    messages->Take();
+    return messages->IsUp();
+  }));
+  name(second);
+  broker::Observer receiver(second.Port());
+  EXPECT_TRUE(tests::Until([&] {
+    receiver.Publish("ir/bath", "[9000,-4500,560]");
+    return !messages->Take().Messages.empty();
+  }));
 }
 
 }  // namespace
