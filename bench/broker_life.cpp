@@ -129,9 +129,9 @@ bool Outages(int outages) {
     pressFor(3s, true);
     switch (outage % 3) {
       case 0:
-        server.Signal(SIGSTOP);
+        server.Stop();
         pressFor(5s, false);
-        server.Signal(SIGCONT);
+        server.GoOn();
         break;
       case 1:
         server.Kill();
@@ -139,7 +139,7 @@ bool Outages(int outages) {
         server.Start();
         break;
       default:
-        server.Signal(SIGTERM);
+        server.End();
         pressFor(5s, false);
         server.Kill();
         server.Start();
@@ -183,7 +183,7 @@ bool Memory(int presses) {
     BrokerSettings settings;
     settings.Host = "127.0.0.1";
     settings.Port = static_cast<std::uint16_t>(server.Port());
-    Bridge bridge(settings, kIdentity, {[] {}, [](const auto&) {}, [](auto, const auto&) {}});
+    Bridge bridge(settings, kIdentity, {[] {}, [](const auto&) {}, [](const auto&) {}});
     if (paced) tests::Until([&] { return bridge.IsUp(); });
     long settled = 0, most = 0;
     for (int i = 0; i < presses; ++i) {

@@ -6,6 +6,7 @@
 #include "broker/broker_check.h"
 #include "broker/identity.h"
 #include "broker/key_stages.h"
+#include "disk/descriptor.h"
 #include "failure.h"
 #include "mosquitto_server.h"
 
@@ -60,13 +61,11 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
               R"({"event_type":"press","name":"Lamp","command":"before","zone":3,"time":"now","count":1})");
     EXPECT_FALSE(observer.All("keplo/0123abcd/event/17")[0].Retained);
 
-    // A broker that stops without hanging up reads later what was written to it meanwhile. Its last answer
-    // must not be so young that it counts as a sign of life.
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    server.Signal(SIGSTOP);
+    // A broker that stops without hanging up reads later what was written to it meanwhile.
+    server.Stop();
     program.Press("stopped");
     ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() > 0; }));
-    server.Signal(SIGCONT);
+    server.GoOn();
     ASSERT_TRUE(tests::Until([&] {
       program.Press("after");
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
@@ -104,6 +103,16 @@ TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
     observer.Publish("homeassistant/status", "online");
     ASSERT_TRUE(observer.Sees(status, 2)) << "after a birth";
   }
+  {
+    BrokerSettings elsewhere = Settings(server.Port());
+    elsewhere.DiscoveryPrefix = "ha2";
+    Program moved(elsewhere);
+    moved.Link.SetEvents({});
+    ASSERT_TRUE(observer.Sees("ha2/device/keplo-0123abcd/config", 1));
+    moved.Link.ForgetAtEnd();
+  }
+  ASSERT_TRUE(observer.Sees("ha2/device/keplo-0123abcd/config", 2));
+  EXPECT_EQ(observer.All("ha2/device/keplo-0123abcd/config")[1].Payload, "");
   ASSERT_TRUE(observer.Sees(status, 3));
   EXPECT_EQ(observer.All(status)[2].Payload, "offline") << "at a clean end";
   Program later(Settings(server.Port()));
@@ -140,6 +149,27 @@ TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
         R"({"timings":[1],"modulation":"x"})", R"({"command":""})", R"({"timings":"x","command":"NEC&A"})"}) {
     EXPECT_THROW(ParseSendRequest(payload), Failure) << payload;
   }
+}
+
+TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
+  const Descriptor listener(socket(AF_INET, SOCK_STREAM, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  ASSERT_EQ(bind(listener.Number(), reinterpret_cast<sockaddr*>(&address), size), 0);
+  ASSERT_EQ(listen(listener.Number(), 9), 0);
+  getsockname(listener.Number(), reinterpret_cast<sockaddr*>(&address), &size);
+  std::thread other([&] {
+    for (int peer = 0; (peer = accept(listener.Number(), nullptr, nullptr)) >= 0; close(peer)) {
+      const std::string unknownProperty("\x20\x06\0\0\x03\x7f\0\x01", 8);
+      send(peer, unknownProperty.data(), unknownProperty.size(), MSG_NOSIGNAL);
+      for (char byte = 0; recv(peer, &byte, 1, 0) > 0;) continue;
+    }
+  });
+  EXPECT_TRUE(Program(Settings(ntohs(address.sin_port))).Logs("no MQTT"));
+  shutdown(listener.Number(), SHUT_RDWR);
+  other.join();
 }
 
 TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
@@ -237,7 +267,8 @@ TEST_F(BrokerBridge, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
                            [&](const std::string& step, const std::string& result) { said[step] = result; }));
   EXPECT_NE(said["right to tell Home Assistant"].find("not to read it back"), std::string::npos);
   EXPECT_NE(said["right to hear rooms/kitchen/ir"].find("access list"), std::string::npos);
-  for (const auto& told : observer.All(config)) EXPECT_EQ(told.Payload, "{}") << "it takes the device out";
+  for (const auto& told : observer.All(config))
+    EXPECT_EQ(told.Payload, "{}") << "the check must not take the device out";
 }
 
 TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {

@@ -59,7 +59,13 @@ class MosquittoServer {
     }
     ASSERT_TRUE(tests::Until([&] { return Listens(); })) << "is mosquitto installed?";
   }
-  void Signal(int number) const { kill(process_, number); }
+  /// As long as it has stopped it answers nothing, and hangs up on nobody.
+  void Stop() const {
+    kill(process_, SIGSTOP);
+    waitpid(process_, nullptr, WUNTRACED);
+  }
+  void GoOn() const { kill(process_, SIGCONT); }
+  void End() const { kill(process_, SIGTERM); }
   void Kill() {
     if (process_ <= 0) return;
     kill(process_, SIGKILL);
