@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -24,6 +25,7 @@ using std::filesystem::path;
 constexpr int kMostLinks = 40;  // as many as the kernel follows
 constexpr mode_t kPermissions = 07777;
 constexpr char kOwnDescriptors[] = "/proc/self/fd/";
+constexpr std::size_t kReadBlock = 65536;  // bytes
 constexpr std::chrono::milliseconds kBetweenLockTries{1};
 
 [[noreturn]] void Fail(int error, const path& name) {
@@ -147,16 +149,16 @@ std::uintmax_t PosixFileSystem::Size(const path& path) {
 
 std::string PosixFileSystem::Read(const path& path, std::size_t most) {
   const Descriptor file = OpenToRead(path);
-  std::string content(most, '\0');
-  std::size_t length = 0;
-  while (length < most) {
-    const ssize_t got = read(file.Number(), content.data() + length, most - length);
+  std::string content;
+  while (content.size() < most) {
+    const std::size_t length = content.size();
+    content.resize(length + std::min(kReadBlock, most - length));
+    const ssize_t got = read(file.Number(), content.data() + length, content.size() - length);
+    content.resize(length + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
     if (got < 0 && errno == EINTR) continue;
     Require(got >= 0, path);
     if (got == 0) break;
-    length += static_cast<std::size_t>(got);
   }
-  content.resize(length);
   return content;
 }
 
