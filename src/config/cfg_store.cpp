@@ -74,7 +74,12 @@ struct Save {
   std::optional<std::string> Known;
   std::optional<std::string> Other = {};  // the text of another program that Text takes in
   bool IsDone = false;                    // there is nothing to write
+  std::optional<std::string> Found = {};  // the bytes of the file as the save was prepared
 };
+
+/// Another program has saved since a save was prepared, which has to be prepared anew: which lengths of raw
+/// commands it has to write depends on the text that it replaces.
+struct Overtaken {};
 
 /// A text with the changes of another program taken in as far as they do not contradict it.
 Save PrepareSave(const CfgStore& store, std::string text) try {
@@ -92,6 +97,7 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
     }
   }
   if (now && now == save.Known && CutAfterLastHeader(save.Text) == *now) save.IsDone = true;
+  save.Found = now;
   return save;
 } catch (const Failure& failure) {
   throw NotSaved(store, failure);
@@ -99,12 +105,14 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
 
 /// Writes the file.
 /// @param aside takes the place where another program's text is kept, which would else be lost
-std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::optional<std::string>& known,
-                                        const std::string& content, std::filesystem::path& aside) try {
+/// @throws Overtaken, with nothing changed, unless this is the last try
+std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const Save& save, const std::string& content,
+                                        bool lastTry, std::filesystem::path& aside) try {
   return ReplaceFile(store.Files, store.Path, content,
                      [&](const std::filesystem::path& target, const std::string& found) {
-                       if (!known || found == *known) return;
+                       if (!save.Known || found == *save.Known) return;
                        if (store.RefusesOtherText) throw ChangedElsewhere(target);
+                       if (found != save.Found && !lastTry) throw Overtaken();
                        aside = SaveConflictCopy(store.Files, target, found);
                      });
 } catch (const Failure& failure) {
@@ -114,8 +122,8 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const std::option
 }
 
 RawChange PrepareRaw(CfgStore& store, const Save& save, const std::string& content) try {
-  // What another program has brought has its lengths there.
-  return {store, save.Other.value_or(store.SavedText), content};
+  // What another program has brought has its lengths there, and what it has deleted has none.
+  return {store, save.Found.value_or(store.SavedText), content};
 } catch (const Failure& failure) {
   throw NotSaved(store, failure);
 }
@@ -133,6 +141,37 @@ void TakeOver(CfgStore& store, std::string text, const std::optional<std::string
   store.SavedText = text;
   store.CfgText = std::move(text);
   RefreshRaw(store);
+}
+
+void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
+  Save save = PrepareSave(store, std::move(text));
+  std::string content = CutAfterLastHeader(save.Text);
+  if (content.empty()) {
+    store.ReplaceText(std::move(save.Text));
+    return;
+  }
+  store.RequireSpace(content.size());
+  if (save.IsDone) {
+    if (save.Known == content) TakeOver(store, std::move(content), save.Other);
+    if (save.Other) store.FileText = std::move(save.Known);
+    return;
+  }
+  std::filesystem::path aside;
+  RawChange raw = PrepareRaw(store, save, content);
+  const std::unique_ptr<LockedFolder> folder = WriteFile(store, save, content, lastTry, aside);
+  store.FileText = content;
+  store.ReadFrom.reset();
+  TakeOver(store, std::move(content), save.Other);
+  if (!aside.empty()) store.ConflictCopy = aside;
+  try {
+    folder->Flush();
+  } catch (const Failure& failure) {
+    throw Failure(
+        failure.Number(),
+        store.Path.string() + " is saved, but a power cut may bring the old file back: " + failure.what());
+  }
+  // A text that was put aside may have commands of its own, which somebody still wants to take over.
+  if (aside.empty()) raw.DropLost();
 }
 
 }  // namespace
@@ -216,34 +255,15 @@ Reload ReloadConfig(CfgStore& store) {
 void SaveConfig(CfgStore& store) { ReplaceAndSave(store, store.CfgText); }
 
 void ReplaceAndSave(CfgStore& store, std::string text) {
-  Save save = PrepareSave(store, std::move(text));
-  std::string content = CutAfterLastHeader(save.Text);
-  if (content.empty()) {
-    store.ReplaceText(std::move(save.Text));
-    return;
+  constexpr int kTries = 20;
+  for (int tries = 1; tries < kTries; ++tries) {
+    try {
+      return SaveOnce(store, text, false);
+    } catch (const Overtaken&) {
+      continue;
+    }
   }
-  store.RequireSpace(content.size());
-  if (save.IsDone) {
-    if (save.Known == content) TakeOver(store, std::move(content), save.Other);
-    if (save.Other) store.FileText = std::move(save.Known);
-    return;
-  }
-  std::filesystem::path aside;
-  RawChange raw = PrepareRaw(store, save, content);
-  const std::unique_ptr<LockedFolder> folder = WriteFile(store, save.Known, content, aside);
-  store.FileText = content;
-  store.ReadFrom.reset();
-  TakeOver(store, std::move(content), save.Other);
-  if (!aside.empty()) store.ConflictCopy = aside;
-  try {
-    folder->Flush();
-  } catch (const Failure& failure) {
-    throw Failure(
-        failure.Number(),
-        store.Path.string() + " is saved, but a power cut may bring the old file back: " + failure.what());
-  }
-  // A text that was put aside may have commands of its own, which somebody still wants to take over.
-  if (aside.empty()) raw.DropLost();
+  SaveOnce(store, std::move(text), true);
 }
 
 }  // namespace keplo
