@@ -247,61 +247,99 @@ void TryToHear(Conversation& conversation, const std::string& topic, const TellS
   throw Refusal{Trouble::NotAuthorized, "read " + topic + ", though it may subscribe"};
 }
 
+/// The way to the broker; the step that is under way is told where it fails.
+class StepByStep {
+ public:
+  StepByStep(const BrokerSettings& settings, const std::string& identity, const TellStep& tell)
+      : settings_(settings), topics_(settings, identity), tell_(tell) {}
+
+  /// @return whether all steps were done
+  bool Go(std::span<const CheckedReceivers> receivers) {
+    try {
+      Connect();
+      const auto conversation = Login();
+      Subscribe(*conversation, receivers);
+      Publish(*conversation);
+      step_ = "right to tell Home Assistant";
+      TryToTellHomeAssistant(*conversation, topics_, tell_);
+      Hear(*conversation, receivers);
+      return true;
+    } catch (const Refusal& refusal) {
+      if (step_ == kTlsStep && IsAnswerToLogin(refusal.Kind)) {
+        tell_(step_, "yes");
+        step_ = "login";
+      }
+      tell_(step_, TextOf(refusal, settings_));
+    } catch (const Failure& failure) {
+      tell_(step_, failure.what());
+    }
+    return false;
+  }
+
+ private:
+  void Connect() {
+    step_ = "name";
+    const Addresses addresses = LookUp(settings_);
+    tell_(step_, "yes");
+    step_ = "connection";
+    TryToConnect(addresses.get());
+    tell_(step_, "yes");
+  }
+
+  std::unique_ptr<Conversation> Login() {
+    step_ = "login";
+    static_cast<void>(ReadPassword(settings_));
+    if (!settings_.Tls) tell_(kTlsStep, "not asked for");
+    step_ = settings_.Tls ? kTlsStep : "login";
+    int version = 5;
+    auto conversation = LogIn(settings_, topics_, version);
+    if (settings_.Tls) tell_(kTlsStep, "yes");
+    step_ = "login";
+    tell_(step_, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
+    return conversation;
+  }
+
+  void Subscribe(Conversation& conversation, std::span<const CheckedReceivers> receivers) {
+    step_ = "right to subscribe";
+    for (const std::string& topic : {topics_.Check(), topics_.Device(), topics_.Birth()}) {
+      conversation.Subscribe(topic);
+    }
+    if (settings_.Send) conversation.Subscribe(topics_.Send());
+    for (const CheckedReceivers& line : receivers) conversation.Subscribe(line.Filter);
+    tell_(step_, "yes");
+  }
+
+  void Publish(Conversation& conversation) {
+    step_ = "right to publish";
+    const bool mayRead = conversation.PublishAndSee({topics_.Check(), kProbe});
+    tell_(step_, "yes");
+    if (settings_.Send && !mayRead) {
+      step_ = "right to read";
+      throw Refusal{Trouble::NotAuthorized, "read " + topics_.Send() + ", though it may subscribe"};
+    }
+  }
+
+  void Hear(Conversation& conversation, std::span<const CheckedReceivers> receivers) {
+    for (const CheckedReceivers& line : receivers) {
+      for (const std::string& topic : line.Topics) {
+        step_ = "right to hear " + topic;
+        TryToHear(conversation, topic, tell_);
+      }
+    }
+  }
+
+  const BrokerSettings& settings_;
+  const Topics topics_;
+  const TellStep& tell_;
+  std::string step_;
+};
+
 }  // namespace
 
 bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
                  std::span<const CheckedReceivers> receivers,
                  const std::function<void(const std::string&, const std::string&)>& tell) {
-  const Topics topics(settings, identity);
-  std::string step = "name";
-  try {
-    const Addresses addresses = LookUp(settings);
-    tell(step, "yes");
-    step = "connection";
-    TryToConnect(addresses.get());
-    tell(step, "yes");
-    step = "login";
-    static_cast<void>(ReadPassword(settings));
-    if (!settings.Tls) tell(kTlsStep, "not asked for");
-    step = settings.Tls ? kTlsStep : "login";
-    int version = 5;
-    const auto conversation = LogIn(settings, topics, version);
-    if (settings.Tls) tell(kTlsStep, "yes");
-    step = "login";
-    tell(step, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
-    step = "right to subscribe";
-    for (const std::string& topic : {topics.Check(), topics.Device(), topics.Birth()}) {
-      conversation->Subscribe(topic);
-    }
-    if (settings.Send) conversation->Subscribe(topics.Send());
-    for (const CheckedReceivers& line : receivers) conversation->Subscribe(line.Filter);
-    tell(step, "yes");
-    step = "right to publish";
-    const bool mayRead = conversation->PublishAndSee({topics.Check(), kProbe});
-    tell(step, "yes");
-    if (settings.Send && !mayRead) {
-      step = "right to read";
-      throw Refusal{Trouble::NotAuthorized, "read " + topics.Send() + ", though it may subscribe"};
-    }
-    step = "right to tell Home Assistant";
-    TryToTellHomeAssistant(*conversation, topics, tell);
-    for (const CheckedReceivers& line : receivers) {
-      for (const std::string& topic : line.Topics) {
-        step = "right to hear " + topic;
-        TryToHear(*conversation, topic, tell);
-      }
-    }
-    return true;
-  } catch (const Refusal& refusal) {
-    if (step == kTlsStep && IsAnswerToLogin(refusal.Kind)) {
-      tell(step, "yes");
-      step = "login";
-    }
-    tell(step, TextOf(refusal, settings));
-  } catch (const Failure& failure) {
-    tell(step, failure.what());
-  }
-  return false;
+  return StepByStep(settings, identity, tell).Go(receivers);
 }
 
 void ForgetDevice(const BrokerSettings& settings, const std::string& identity) {
