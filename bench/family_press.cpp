@@ -13,7 +13,7 @@ namespace keplo::bench {
 
 namespace {
 
-constexpr int kSilenceBehind = 90'000;  // microseconds
+constexpr int kSilenceAfter = 90'000;  // microseconds
 
 std::string Inverse(std::string digits) {
   for (char& digit : digits) digit = digit == '1' ? '0' : '1';
@@ -131,7 +131,7 @@ PulseTrain Received(const PulseTrain& onAir, int excess, int jitter, int clock, 
     train.push_back(std::max(static_cast<int>(sent) + Noise(dice, jitter) + late - recorded, 1));
     recorded += train.back();
   }
-  train.push_back(kSilenceBehind);
+  train.push_back(kSilenceAfter);
   return train;
 }
 

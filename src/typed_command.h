@@ -13,7 +13,7 @@ inline std::string ShellQuoted(std::string_view word) {
 }
 
 /// A command of the command line, as a person has to type it for an application path.
-/// @param words behind the program's name: "settings ANALYSIS 1"
+/// @param words after the program's name: "settings ANALYSIS 1"
 /// @param appPath empty where the program finds it by itself
 inline std::string TypedCommand(std::string_view words, std::string_view appPath) {
   std::string command = "keplo " + std::string(words);

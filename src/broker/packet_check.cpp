@@ -130,11 +130,11 @@ bool IsOfABroker(char first, int version) {
   }
 }
 
-/// A packet of MQTT 5 behind its length, as far as its properties; the library reads the rest with care.
+/// A packet of MQTT 5 after its length, as far as its properties; the library reads the rest with care.
 bool HasSoundProperties(char first, std::string_view body) {
   PacketReader reader(body);
   const unsigned type = TypeOf(first);
-  std::size_t before = 2;  // bytes ahead of the properties
+  std::size_t before = 2;  // bytes before the properties
   if (type == kPublish) {
     constexpr unsigned kQos = 6;
     reader.Text();

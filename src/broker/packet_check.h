@@ -18,7 +18,7 @@ class PacketCheck {
   explicit PacketCheck(int version) : version_(version) {}
 
   /// Takes the next bytes of the stream, wherever they end.
-  /// @return false for what is no MQTT; nothing behind it can be taken
+  /// @return false for what is no MQTT; nothing after it can be taken
   bool Take(std::string_view bytes);
   /// The whole packets that came and are not taken out.
   std::string& Whole() { return whole_; }

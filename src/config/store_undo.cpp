@@ -29,7 +29,7 @@ std::string StoreUndo::Undo() {
   return WhyNot(false);
 }
 
-/// A step in whose way another program's change stands does not keep those ahead of it from the user.
+/// A step in whose way another program's change stands does not keep those before it from the user.
 std::string StoreUndo::WhyNot(bool hasEarlier) const {
   return "The change cannot be taken back, since the same lines of " + store_.Path.string() +
          " were changed again after it. Nothing was changed." +

@@ -134,7 +134,7 @@ PulseTrain FrameLengths(const CodedSignal& signal) {
 
 int FrameTime(const CodedSignal& signal) { return TimeOf(FrameLengths(signal)); }
 
-int SilenceBehind(const CodedSignal& signal) {
+int SilenceAfter(const CodedSignal& signal) {
   const Repeat& again = signal.Again;
   return again.FromStart ? std::max(again.Gap - FrameTime(signal), 0) : again.Gap;
 }
@@ -148,7 +148,7 @@ PulseTrain PressLengths(const CodedSignal& signal, int repeats) {
   const PulseTrain repeat = again.Kind == RepeatKind::Short  ? ShortRepeat(signal)
                             : again.Kind == RepeatKind::Body ? BodyLengths(signal)
                                                              : frame;
-  int silence = SilenceBehind(signal);
+  int silence = SilenceAfter(signal);
   for (int i = 0; i < repeats; ++i) {
     press.push_back(silence > 0 ? silence : kUsualGap);
     press.insert(press.end(), repeat.begin(), repeat.end());

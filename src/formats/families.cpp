@@ -25,7 +25,7 @@ constexpr Repeat kNecShort = {RepeatKind::Short, kNecPeriod, true, {9000, 2250}}
 constexpr Repeat kNecFrame = {RepeatKind::Frame, kNecPeriod, true, {}};
 
 constexpr Repeat FrameEvery(int period) { return {RepeatKind::Frame, period, true, {}}; }
-constexpr Repeat FrameBehind(int gap) { return {RepeatKind::Frame, gap, false, {}}; }
+constexpr Repeat FrameAfter(int gap) { return {RepeatKind::Frame, gap, false, {}}; }
 
 // Units, repeats and carriers as the protocols' definitions have them. Ahead stands what a signal of those
 // lengths most probably is.
@@ -37,11 +37,11 @@ constexpr std::array kFamilies = {
     Family{"SAMSUNG", 32, Distance(560, 8, 8), FrameEvery(kNecPeriod), 38'000},
     Family{"SONY", 0, kSonyCode, FrameEvery(45'000), 40'000},
     Family{"RC5", 14, kRc5Code, FrameEvery(113'778), 36'000},
-    Family{"KASEIKYO", 48, Distance(432, 8, 4), FrameBehind(173 * 432), 37'000},
+    Family{"KASEIKYO", 48, Distance(432, 8, 4), FrameAfter(173 * 432), 37'000},
     Family{"JVC", 16, Distance(527, 16, 8), {RepeatKind::Body, 45 * 527, false, {}}, 38'000},
     Family{"AIWA", 42, Distance(550, 16, 8), {RepeatKind::Short, kNecPeriod, true, {8800, 2200}}, 38'000},
-    Family{"RCA", 24, Distance(460, 8, 8, 2, 4), FrameBehind(8000), 58'000},
-    Family{"MITSUBISHI", 16, Distance(300, 0, 0, 3, 7), FrameBehind(80 * 300), 32'600},
+    Family{"RCA", 24, Distance(460, 8, 8, 2, 4), FrameAfter(8000), 58'000},
+    Family{"MITSUBISHI", 16, Distance(300, 0, 0, 3, 7), FrameAfter(80 * 300), 32'600},
 };
 
 bool IsNear(int length, int wanted, int unit) {

@@ -132,7 +132,7 @@ int UnitOf(const Coding& coding);
 int FrameTime(const CodedSignal& signal);
 
 /// Silence between the last mark of a frame and the next frame, microseconds; 0 if the signal does not say.
-int SilenceBehind(const CodedSignal& signal);
+int SilenceAfter(const CodedSignal& signal);
 
 /// One frame in marks and spaces, with a mark at both ends.
 PulseTrain FrameLengths(const CodedSignal& signal);

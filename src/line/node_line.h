@@ -95,7 +95,7 @@ class NodeLine : public DeviceLine {
 
   DeviceCalls& calls_;
   std::optional<SignalOrigin> origin_;  // of the last capture
-  PulseTrain toldLengths_;  // of the last capture; empty where it was sampled
+  PulseTrain toldLengths_;              // of the last capture; empty where it was sampled
 
  private:
   bool Ready();
@@ -117,7 +117,7 @@ class NodeLine : public DeviceLine {
   Time deafUntil_{0};
 };
 
-/// Copies a signal and the silence that was heard behind it into a buffer; the rest of the buffer stays as it
+/// Copies a signal and the silence that was heard after it into a buffer; the rest of the buffer stays as it
 /// is.
 /// @param samples that were taken in all
 void CopySignal(const std::string& signal, std::size_t samples, std::span<char> buffer);

@@ -5,7 +5,7 @@
 namespace keplo {
 
 /// Asks for what makes a thread punctual: real-time priority and no timer slack. Where the system allows no
-/// priority, it asks for slices so short that the thread runs at once when it wakes, ahead of others in
+/// priority, it asks for slices so short that the thread runs at once when it wakes, before others in
 /// mid-slice.
 void HurryThread();
 

@@ -224,7 +224,7 @@ class Planner {
     if (const int silence = group->Group.LengthenedSilence(*key.Coded); silence > 0) {
       AddReason(plan_.Keys[place], "its repeats follow after " + std::to_string(silence) +
                                        " us, since no section has the file's " +
-                                       std::to_string(SilenceBehind(*key.Coded)));
+                                       std::to_string(SilenceAfter(*key.Coded)));
     }
   }
 

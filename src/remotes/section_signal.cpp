@@ -67,9 +67,11 @@ bool Agree(const std::optional<int>& carrier, const std::optional<int>& other) {
   return !carrier || !other || 100 * std::abs(*carrier - *other) <= std::max(*carrier, *other);
 }
 
-int ZerosAhead(const std::string& slots) { return static_cast<int>(std::min(slots.find('1'), slots.size())); }
+int ZerosBefore(const std::string& slots) {
+  return static_cast<int>(std::min(slots.find('1'), slots.size()));
+}
 
-int ZerosBehind(const std::string& slots) {
+int ZerosAfter(const std::string& slots) {
   return static_cast<int>(slots.size() - (slots.find_last_of('1') + 1));
 }
 
@@ -80,9 +82,9 @@ int GapSlots(const SectionSignal& section, const CodedSignal& signal, RepeatKind
   const std::string frame = SentSlots(params, section.ProtoKind, signal.Digits);
   if (kind == RepeatKind::Body) params.BITG.clear();
   const int ahead =
-      kind == RepeatKind::Short ? 0 : ZerosAhead(SentSlots(params, section.ProtoKind, signal.Digits));
-  const double slots = static_cast<double>(SilenceBehind(signal)) / params.SENDPLS;
-  return static_cast<int>(std::lround(std::min(slots, double{kLongestNumber}))) - ahead - ZerosBehind(frame);
+      kind == RepeatKind::Short ? 0 : ZerosBefore(SentSlots(params, section.ProtoKind, signal.Digits));
+  const double slots = static_cast<double>(SilenceAfter(signal)) / params.SENDPLS;
+  return static_cast<int>(std::lround(std::min(slots, double{kLongestNumber}))) - ahead - ZerosAfter(frame);
 }
 
 /// A run of a pattern from a place on.
@@ -172,7 +174,7 @@ std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlo
 
 std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
   // One slot more, which a section without a sync has before its frame.
-  const int silence = SilenceBehind(signal);
+  const int silence = SilenceAfter(signal);
   std::optional<SectionSignal> section;
   if (silence > 0) section = SectionAt(signal, silence / (kShortestGap + 1));
   return section ? section : SectionAt(signal, kLongestPulse);
@@ -254,7 +256,7 @@ bool SectionGroup::Rhythm::IsClose(const Span& lengths) const {
 
 SectionGroup::Rhythm SectionGroup::RhythmWith(const CodedSignal& signal, RepeatKind kind) const {
   Rhythm rhythm = rhythm_;
-  if (SilenceBehind(signal) <= 0) return rhythm;
+  if (SilenceAfter(signal) <= 0) return rhythm;
   const int silence = GapSlots(section_, signal, kind);
   const auto frame = SentSlots(section_.Params, section_.ProtoKind, signal.Digits).size();
   rhythm.Silences.Take(silence);
@@ -263,7 +265,7 @@ SectionGroup::Rhythm SectionGroup::RhythmWith(const CodedSignal& signal, RepeatK
 }
 
 bool SectionGroup::HasGap(const CodedSignal& signal, RepeatKind kind) const {
-  if (rhythm_.IsEmpty() || SilenceBehind(signal) <= 0) return true;
+  if (rhythm_.IsEmpty() || SilenceAfter(signal) <= 0) return true;
   const Rhythm rhythm = RhythmWith(signal, kind);
   const bool isLengthened = rhythm.Silences.Least < kShortestGap;
   if (isLengthened && rhythm_.Silences.Least >= kShortestGap) return false;
@@ -278,7 +280,7 @@ void SectionGroup::Add(const CodedSignal& signal, const std::optional<int>& carr
 }
 
 int SectionGroup::LengthenedSilence(const CodedSignal& signal) const {
-  const bool isShort = SilenceBehind(signal) > 0 && GapSlots(section_, signal, kind_) < kShortestGap;
+  const bool isShort = SilenceAfter(signal) > 0 && GapSlots(section_, signal, kind_) < kShortestGap;
   return isShort && kind_ != RepeatKind::None ? kShortestGap * section_.Params.SENDPLS : 0;
 }
 

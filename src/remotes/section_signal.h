@@ -46,7 +46,7 @@ class SectionGroup {
   /// Sets the carrier of a group that has none yet.
   void TakeCarrier(const std::optional<int>& carrier);
   /// Whether the section sends this signal too, with the same way to repeat it, a carrier within 1 %, and the
-  /// silence behind it within 5 %. What a file does not say of it agrees with everything.
+  /// silence after it within 5 %. What a file does not say of it agrees with everything.
   bool Takes(const CodedSignal& signal, const std::optional<int>& carrier) const;
   void Add(const CodedSignal& signal, const std::optional<int>& carrier);
   /// The silence that is sent in the place of a shorter one, which no section has, microseconds; 0 if none

@@ -166,7 +166,7 @@ FramePair CutFrames(std::string_view decoded) {
   FramePair frames;
   frames.First = TakeFrame(decoded);
   frames.FirstEnded = !frames.First.empty() && !decoded.empty();
-  frames.DoubleMarkBehind = decoded.substr(0, 2) == "GG";
+  frames.DoubleMarkAfter = decoded.substr(0, 2) == "GG";
   frames.Second = TakeFrame(decoded);
   return frames;
 }

@@ -20,7 +20,7 @@ void DecodeFrames(std::string_view symbols, std::int16_t kind, std::string& deco
 struct FramePair {
   std::string_view First, Second;  // parts of the decoded recording
   bool FirstEnded = false;         // a G stands after the first frame
-  bool DoubleMarkBehind = false;   // two G stand after the first frame: what follows has a sync of its own
+  bool DoubleMarkAfter = false;    // two G stand after the first frame: what follows has a sync of its own
 };
 
 /// Cuts the first two frames out of what DecodeFrames gave.

@@ -31,7 +31,7 @@ void CutToFirstMark(std::string& symbols, std::int16_t kind) {
 void ReadFrames(RecordReading& reading, std::string_view symbols) {
   DecodeFrames(symbols, reading.ProtoKind, reading.Decoded);
   const FramePair frames = CutFrames(reading.Decoded);
-  if (reading.ProtoKind == kNec && frames.FirstEnded) reading.SyncType = frames.DoubleMarkBehind ? 2 : 1;
+  if (reading.ProtoKind == kNec && frames.FirstEnded) reading.SyncType = frames.DoubleMarkAfter ? 2 : 1;
   reading.FirstFrame = frames.First;
   reading.SecondFrame = frames.Second;
   reading.Repeats = frames.First == frames.Second;

@@ -11,7 +11,7 @@ namespace keplo {
 
 namespace {
 
-constexpr std::string_view kEvery = "PERIOD";  // ahead of the slots
+constexpr std::string_view kEvery = "PERIOD";  // before the slots
 constexpr char kNoteMark = ':';                // between the way and the checksum
 constexpr std::string_view kSigns = "!$%()*+./;<>?@^~";
 constexpr int kBitsPerSign = 4;

@@ -109,15 +109,15 @@ ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
   return params;
 }
 
-/// What follows the frame behind a silence, and follows it as often as kRepeats.
+/// What follows the frame after a silence, and follows it as often as kRepeats.
 std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
   const bool ownSync = params.GREPEAT > 1;
   if (params.REPEAT == 0) return ownSync ? ShortRepeat() : std::string();
   return (ownSync ? params.BITG : "") + body;
 }
 
-/// Silence behind a frame or repeat, slots.
-std::size_t SilenceBehind(const std::string& frame, const ProtocolParams& params) {
+/// Silence after a frame or repeat, slots.
+std::size_t SilenceAfter(const std::string& frame, const ProtocolParams& params) {
   if (const int period = PeriodOf(params.SENDAS); period > 0) {
     return static_cast<std::size_t>(std::max(period - static_cast<int>(frame.size()), kShortestSilence));
   }
@@ -127,8 +127,8 @@ std::size_t SilenceBehind(const std::string& frame, const ProtocolParams& params
 /// A frame and its repeats.
 std::string WithRepeats(std::string frame, const std::string& repeat, const ProtocolParams& params) {
   if (repeat.empty()) return frame;
-  const std::string silence(SilenceBehind(frame, params), '0');
-  const std::string next = repeat + std::string(SilenceBehind(repeat, params), '0');
+  const std::string silence(SilenceAfter(frame, params), '0');
+  const std::string next = repeat + std::string(SilenceAfter(repeat, params), '0');
   frame += silence;
   for (std::size_t count = 1; count < kRepeats; ++count) frame += next;
   return frame + repeat;

@@ -130,7 +130,7 @@ TEST_F(LircLineTest, EndsAPressByTheSilenceBehindItsLastMark) {
 
 TEST_F(LircLineTest, KnowsWhenASignalWasOnAirHoweverLateItIsTaken) {
   PulseTrain press = tests::Clean(kRc5, tests::kRc5Bits);
-  press.pop_back();  // the silence behind it
+  press.pop_back();  // the silence after it
   for (const std::uint32_t timeout : {16'000U, 50'000U, 125'000U}) {
     for (const bool whole : {false, true}) {
       const auto begin = std::chrono::duration_cast<microseconds>(Device.Time);

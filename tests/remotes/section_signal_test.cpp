@@ -37,7 +37,7 @@ std::string CodeOf(const FamilyRow& row, unsigned number) {
   return digits;
 }
 
-/// Frames behind a mark as short as theirs and a rest.
+/// Frames after a mark as short as theirs and a rest.
 CodedSignal Dish(unsigned number, int gap) {
   Coding code{LineCode::Distance, 0, {400, 6100}, {400, 1700}, {400, 2800}, 400};
   code.Unit = UnitOf(code);
@@ -155,7 +155,7 @@ TEST(SectionSignal, ComesBackFromTheStore) {
     EXPECT_EQ(key.Coded->Digits, from.Coded->Digits);
     EXPECT_EQ(NameOf(key.Coded->Again.Kind), NameOf(from.Coded->Again.Kind));
     EXPECT_EQ(key.Carrier, from.Carrier);
-    EXPECT_NEAR(key.Coded->Again.Gap, SilenceBehind(*from.Coded), 0.05 * SilenceBehind(*from.Coded));
+    EXPECT_NEAR(key.Coded->Again.Gap, SilenceAfter(*from.Coded), 0.05 * SilenceAfter(*from.Coded));
     // What was exported goes in again as what it was.
     const std::string again = PlanImport(Config(""), {{"b", {remote}}}, {}).Text;
     EXPECT_EQ(RemoteOfSection(again, "Mine", {}).Keys.front().Coded, key.Coded);

@@ -107,7 +107,7 @@ TEST(CutFrames, TakesTheFirstTwo) {
   for (const auto& [decoded, cut] : cases) {
     const FramePair frames = CutFrames(decoded);
     const std::string ended = frames.FirstEnded ? " ended" : "";
-    const std::string mark = frames.DoubleMarkBehind ? ", double mark" : "";
+    const std::string mark = frames.DoubleMarkAfter ? ", double mark" : "";
     EXPECT_EQ(std::string(frames.First) + " " + std::string(frames.Second) + ended + mark, cut) << decoded;
   }
 }

@@ -223,14 +223,14 @@ class LogReader {
   }
 
   /// What a line of the log has after its head "[time][level][part]:".
-  static std::string_view BehindHead(std::string_view line) {
+  static std::string_view AfterHead(std::string_view line) {
     const std::size_t head = line.rfind("]:");
     return head == std::string_view::npos ? line : line.substr(head + 2);
   }
 
   void GoOn(std::string_view line) {
     if (list_.empty()) return;
-    const std::string_view rest = BehindHead(line);
+    const std::string_view rest = AfterHead(line);
     const bool goesOn = rest.starts_with("  ") || rest.starts_with('\t') ||
                         (list_ == "pronto" && !Trimmed(rest).empty() &&
                          rest.find_first_not_of("0123456789ABCDEFabcdef \t") == std::string_view::npos);

@@ -71,7 +71,7 @@ void TakeEsphomePioneer(FieldNumbers& numbers, RemoteKey& key) {
   const CodedSignal one = *key.Coded;
   key.Coded.reset();
   key.Lengths = FrameLengths(one);
-  key.Lengths.push_back(SilenceBehind(one));
+  key.Lengths.push_back(SilenceAfter(one));
   const PulseTrain other = FrameLengths(SignalOf(FamilyNamed("PIONEER"), digitsOf(second)));
   key.Lengths.insert(key.Lengths.end(), other.begin(), other.end());
 }

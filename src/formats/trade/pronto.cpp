@@ -57,13 +57,13 @@ std::size_t WithForeignType(std::string_view line, std::size_t at) {
 
 /// Where the words begin that are a code to the end of the line, after a name or alone; npos without any.
 std::size_t FindCode(std::string_view line) {
-  constexpr std::string_view kAheadOfCode = " \t:=>,;|\"";
+  constexpr std::string_view kBeforeCode = " \t:=>,;|\"";
   for (std::size_t at = 0; at != std::string_view::npos;) {
     const std::string_view rest = line.substr(at);
     if (IsType(rest.substr(0, kDigitsPerWord)) && IsHexLine(rest) && BeginsCode(Joined(rest)))
       return WithForeignType(line, at);
-    at = line.find_first_of(kAheadOfCode, at);
-    if (at != std::string_view::npos) at = line.find_first_not_of(kAheadOfCode, at);
+    at = line.find_first_of(kBeforeCode, at);
+    if (at != std::string_view::npos) at = line.find_first_not_of(kBeforeCode, at);
   }
   return std::string_view::npos;
 }

@@ -95,7 +95,7 @@ class PulseReader {
     if (kind == "timeout") EndKey();
   }
 
-  /// A receiver measures the carrier, and tells it behind the press.
+  /// A receiver measures the carrier, and tells it after the press.
   void ReadCarrier(std::string_view word) {
     if (begun_ && key_.Carrier) EndKey();
     const std::optional<std::int64_t> carrier = NumberOf(word);

@@ -183,7 +183,7 @@ PulseTrain PressOf(const RemoteKey& key) {
 }
 
 int ClosingSilence(const RemoteKey& key) {
-  const int silence = key.Coded ? SilenceBehind(*key.Coded) : 0;
+  const int silence = key.Coded ? SilenceAfter(*key.Coded) : 0;
   return silence > 0 ? silence : kUsualSilence;
 }
 

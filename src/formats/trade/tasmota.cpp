@@ -85,7 +85,7 @@ std::string TakeTwoPioneer(std::string_view digits, RemoteKey& key) {
   }
   const CodedSignal one = SignalOf(family, first);
   key.Lengths = FrameLengths(one);
-  key.Lengths.push_back(SilenceBehind(one));
+  key.Lengths.push_back(SilenceAfter(one));
   const PulseTrain other = FrameLengths(SignalOf(family, second));
   key.Lengths.insert(key.Lengths.end(), other.begin(), other.end());
   return {};
@@ -198,7 +198,7 @@ void TakeCommand(std::string_view rest, int line, FileReading& reading) {
 }
 
 /// Where the word IRSend ends in a line; npos without it.
-std::size_t BehindCommand(std::string_view line) {
+std::size_t AfterCommand(std::string_view line) {
   const std::string lower = Lower(line);
   const std::size_t place = lower.find("irsend");
   return place == std::string::npos ? place : place + 6;
@@ -207,8 +207,8 @@ std::size_t BehindCommand(std::string_view line) {
 void ReadTasmotaLine(std::string_view line, int number, FileReading& reading) {
   const std::size_t brace = line.find('{');
   if (brace == std::string_view::npos) {
-    const std::size_t behind = BehindCommand(line);
-    if (behind != std::string_view::npos) return TakeCommand(Trimmed(line.substr(behind)), number, reading);
+    const std::size_t after = AfterCommand(line);
+    if (after != std::string_view::npos) return TakeCommand(Trimmed(line.substr(after)), number, reading);
     return reading.Complain(number, "found " + Quoted(line) + ", expected an object or a line of IRSend");
   }
   std::string why;

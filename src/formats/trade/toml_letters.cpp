@@ -17,7 +17,7 @@ std::string_view OpeningQuotes(std::string_view text) {
 
 int LineOfStrayLetter(std::string_view text) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF", kBlank = " \t\r\n";
-  std::string_view within;  // the quotes, or # of the comment, that the place is behind
+  std::string_view within;  // the quotes, or # of the comment, that the place is after
   for (std::size_t at = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0; at < text.size();
        ++at) {
     const std::string_view rest = text.substr(at);

@@ -111,7 +111,7 @@ QByteArray WebPages::LastKey() const {
          QByteArray::number(key->HeldMs) + " ms, signals: " + QByteArray::number(key->Count) + "</p>\n";
 }
 
-/// What became of the presses; nothing ahead of the first.
+/// What became of the presses; nothing before the first.
 QByteArray WebPages::Presses() const {
   const auto tally = host_.Presses();
   if (!tally || tally->Presses == 0) return {};

@@ -26,7 +26,7 @@ using std::chrono::milliseconds;
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
-constexpr auto kGetReady = 2ms;      // ahead of a signal, to work out its lengths
+constexpr auto kGetReady = 2ms;      // before a signal, to work out its lengths
 constexpr auto kTellingTime = 20ms;  // a driver may tell several items at once
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
@@ -247,8 +247,8 @@ std::size_t LircLine::TakePress(PulseTrain& press, double length) {
   return 0;  // the device lost items, and what was heard went with them
 }
 
-/// Keeps what was heard behind a press: it begins with the space behind the press, or with the next frame
-/// where the buffer ended in the space ahead of it; else the buffer has cut a frame, and what counts next is
+/// Keeps what was heard after a press: it begins with the space after the press, or with the next frame
+/// where the buffer ended in the space before it; else the buffer has cut a frame, and what counts next is
 /// the one after.
 void LircLine::LeaveOver(std::size_t used, bool cutsFrame) {
   const auto first = heard_.begin() + static_cast<std::ptrdiff_t>(used);

@@ -76,7 +76,7 @@ struct HeardFrames {
 };
 
 /// What of a press is worth storing: without the piece that the end of the recording has cut off, and with
-/// few of the frames that a held key repeats, behind one that may be its own.
+/// few of the frames that a held key repeats, after one that may be its own.
 HeardLengths TellingPart(const HeardLengths& heard) {
   if (heard.Runs.empty()) return heard;
   HeardFrames frames(heard);

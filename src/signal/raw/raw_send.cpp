@@ -9,12 +9,12 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kSilenceBehind = 800;  // samples
+constexpr std::size_t kSilenceAfter = 800;  // samples
 
 }  // namespace
 
 std::string CaptureOfLengths(std::span<const int> lengths) {
-  return BitsToChars(SlotsOfLengths(lengths, kNominalSampleTime) + std::string(kSilenceBehind, '0'));
+  return BitsToChars(SlotsOfLengths(lengths, kNominalSampleTime) + std::string(kSilenceAfter, '0'));
 }
 
 std::string SlotsOfLengths(std::span<const int> lengths, std::int32_t slot) {

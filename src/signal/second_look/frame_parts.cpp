@@ -104,7 +104,7 @@ double LongestOf(const Frame& frame) {
   return static_cast<double>(frame.Runs) / 2 * digit + frame.Led.Mark + frame.Led.Space + frame.Unit;
 }
 
-/// Joins a piece with those behind it that fit into one frame with it.
+/// Joins a piece with those after it that fit into one frame with it.
 SplitPiece JoinedFrom(const std::vector<OtherPiece>& pieces, std::size_t place, double longest) {
   SplitPiece joined = {pieces[place]};
   Piece& whole = joined.Whole.Of;

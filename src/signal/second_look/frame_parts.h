@@ -8,7 +8,7 @@
 namespace keplo::robust {
 
 /// Whether a piece is a frame that was damaged in one place: its runs are those of the frame up to there, and
-/// behind it those up to the frame's end. A piece that is cut has its head alone.
+/// after it those up to the frame's end. A piece that is cut has its head alone.
 bool IsPartOf(const OtherPiece& piece, const Frame& frame);
 
 /// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the

@@ -53,7 +53,7 @@ bool IsTooDense(const SampleWords& samples) {
 /// Whether the first frame goes untold: nothing shows where it began.
 bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) && frames.size() == 1; }
 
-/// Whether a press begins with a mark as short as those of digits, and a rest behind it that parts frames
+/// Whether a press begins with a mark as short as those of digits, and a rest after it that parts frames
 /// too.
 bool MayBeginInRest(const PressRuns& runs) {
   constexpr int kLongestMark = 15;                    // samples
@@ -64,10 +64,10 @@ bool MayBeginInRest(const PressRuns& runs) {
          Within(lengths[1], kLeastRest, kLongestRest);
 }
 
-/// Whether nothing but equal frames was found, each behind a mark and a rest. Such a rest is as long as the
+/// Whether nothing but equal frames was found, each after a mark and a rest. Such a rest is as long as the
 /// pieces leave that lost marks part a frame into, so that one frame more is asked for where nothing else
 /// ends them.
-bool AreFramesBehindRests(const Findings& found) {
+bool AreFramesAfterRests(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
   if (frames.empty()) return false;
   const std::size_t fewest = frames.front().Ends ? 2 : 3;
@@ -174,10 +174,10 @@ void SecondLook::ReadProof(const robust::Findings& found) {
 }
 
 /// Reads frames that each begin with a short mark and a rest; they are taken if their code was learned.
-void SecondLook::ReadBehindRests(const robust::PressRuns& runs) {
+void SecondLook::ReadAfterRests(const robust::PressRuns& runs) {
   constexpr double kOfRest = 0.85;
   const robust::Findings& found = frames_.Read(runs, kOfRest * runs.Lengths[1] / robust::kGapUnits);
-  if (!robust::AreFramesBehindRests(found)) return;
+  if (!robust::AreFramesAfterRests(found)) return;
   const robust::Frame& frame = found.Frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(frame.Unit));
   look_.ProtoKind = frame.Kind();
@@ -211,7 +211,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
     look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
     look_.UnreadMarks = found.UnknownMarks;
   }
-  if (look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs)) ReadBehindRests(runs);
+  if (look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs)) ReadAfterRests(runs);
   return look_;
 }
 

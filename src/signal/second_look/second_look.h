@@ -33,7 +33,7 @@ struct RobustReading {
 
   /// Run symbols of the frame that is proven or alone, as DecodeCode takes them.
   std::string Frame;
-  /// The same of the other one, where two frames in turns are one command; else empty.
+  /// The same of the other one, where two alternating frames are one command; else empty.
   std::string OtherFrame;
 
   /// At Unsure the number of marks in a frame that was sent twice, after its leader; 0 if nothing tells it.
@@ -41,7 +41,7 @@ struct RobustReading {
   std::size_t UnreadMarks = 0;
 
   bool HasFrames() const { return !Symbols.empty(); }
-  /// Writes the digits of the frame that is proven or alone. Those of two frames in turns stand in an order
+  /// Writes the digits of the frame that is proven or alone; those of two alternating frames in an order
   /// that does not depend on which of them was heard first.
   void Decode(std::string& digits) const;
 };
@@ -81,7 +81,7 @@ class SecondLook {
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
                          bool joined);
   void ReadProof(const robust::Findings& found);
-  void ReadBehindRests(const robust::PressRuns& runs);
+  void ReadAfterRests(const robust::PressRuns& runs);
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;
