@@ -116,8 +116,8 @@ void NodeLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
 }
 
 void NodeLine::NoteOrigin(Time begin, Pulses press, microseconds most) {
-  const std::size_t marksEnd = press.size() - (press.size() % 2 == 0 ? 1 : 0);
-  const microseconds length(std::accumulate(press.begin(), press.begin() + marksEnd, std::int64_t{0}));
+  const Pulses toLastMark = press.first(press.size() - (press.size() % 2 == 0 ? 1 : 0));
+  const microseconds length(std::accumulate(toLastMark.begin(), toLastMark.end(), std::int64_t{0}));
   SignalOrigin origin;
   origin.Begin = std::chrono::duration_cast<microseconds>(begin);
   origin.End = origin.Begin + std::min(length, most);

@@ -125,8 +125,9 @@ Json WithKnownNames(const Json& object) {
                                                       "Protocol",   "Bits",   "RawData", "Data"};
   Json named = Json::object();
   for (const auto& [name, value] : object.items()) {
-    const auto* const known = std::find_if(kNames.begin(), kNames.end(),
-                                           [&](std::string_view other) { return SameNoCase(other, name); });
+    const auto* const known =
+        std::find_if(kNames.begin(), kNames.end(),
+                     [&given = name](std::string_view other) { return SameNoCase(other, given); });
     named[known == kNames.end() ? name : std::string(*known)] = value;
   }
   return named;
