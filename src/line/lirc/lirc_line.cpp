@@ -20,13 +20,16 @@ namespace keplo {
 namespace {
 
 using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
-constexpr auto kGetReady = 2ms;      // before a signal, to work out its lengths
+constexpr auto kGetReady = 2ms;    // before a signal, to work out its lengths
+constexpr auto kLongestWait = 2s;  // for a device that is busy for itself
+constexpr auto kTryAgain = 1ms;
 constexpr auto kTellingTime = 20ms;  // a driver may tell several items at once
 
 bool Is(std::uint32_t features, std::uint32_t ability) { return (features & ability) != 0; }
@@ -70,7 +73,8 @@ LircLine::LircLine(DeviceCalls& calls, std::string device, const std::int16_t& r
 void LircLine::Ask(std::string& why) {
   std::uint32_t features = 0;
   if (calls_.Ioctl(device_->Get(), LIRC_GET_FEATURES, &features) != 0) {
-    why = Node() + " is no infrared device. Correct ports.conf.";
+    why =
+        IsGone(errno) ? WhyNoAccess(Node(), ENODEV) : Node() + " is no infrared device. Correct ports.conf.";
     return;
   }
   abilities_ = AbilitiesOf(features);
@@ -286,30 +290,46 @@ bool LircLine::Capture(std::span<char> buffer, std::int32_t delay) {
 /// The kernel holds the write for the length of the signal, but counts in ticks of its own: it returns up to
 /// 32 ms late, when the next part may be due.
 /// @param over when the signal is over
-bool LircLine::Write(const std::vector<unsigned>& lengths, Time over) {
-  const auto size = static_cast<ssize_t>(lengths.size() * sizeof lengths[0]);
+/// @return 0, or why the device did not take it
+int LircLine::Write(const std::vector<unsigned>& lengths, Time over) {
+  const std::size_t size = lengths.size() * sizeof lengths[0];
   for (;;) {
-    const ssize_t written =
-        calls_.WriteUntil(device_->Get(), lengths.data(), static_cast<std::size_t>(size), over);
+    errno = 0;
+    const ssize_t written = calls_.WriteUntil(device_->Get(), lengths.data(), size, over);
     const int error = errno;
-    if (written == size || (error == EINTR && calls_.Now() >= over)) return true;
-    if (error == EINTR || error == EAGAIN) {
-      if (HeldSignals::Pending()) return false;
-      continue;
-    }
-    IsGone(error) ? Lose() : Tell(WhyNotSent(Node(), error));
-    return false;
+    const Time now = calls_.Now();
+    if (written == static_cast<ssize_t>(size) || (error == EINTR && now >= over)) return 0;
+    const bool mayPass = error == EINTR || error == EAGAIN;
+    if (!mayPass || HeldSignals::Pending() || now >= over + kLongestWait) return error == 0 ? EIO : error;
+    calls_.SleepUntil(now + kTryAgain);
   }
+}
+
+bool LircLine::Refuse(int error) {
+  if (IsGone(error)) {
+    Lose();
+  } else if (!HeldSignals::Pending()) {
+    Tell(WhyNotSent(Node(), error));
+  }
+  return false;
 }
 
 bool LircLine::Send(std::string_view bytes, microseconds slot, std::int32_t /*interfaceType*/) {
   if (!abilities_.Sends) return false;
   const std::vector<LitSlots> lit = LitSlotsOf(bytes);
   const SlotClock clock(calls_, slot, kGetReady);
+  std::size_t most = kMostMarks;
   for (std::size_t first = 0; first < lit.size();) {
-    const std::size_t end = EndOfPart(lit, first, slot);
+    const std::size_t end = EndOfPart(lit, first, slot, most);
     const std::vector<unsigned> lengths = LengthsOf(std::span(lit).subspan(first, end - first), slot);
-    if (!clock.WaitFor(lit[first].Begin) || !Write(lengths, clock.At(lit[end - 1].End))) return false;
+    if (!clock.WaitFor(lit[first].Begin)) return false;
+    const int error = Write(lengths, clock.At(lit[end - 1].End));
+    const bool mayBeTooLong = error == EINVAL || error == ENOSPC || error == E2BIG;
+    if (mayBeTooLong && end - first > 1) {
+      most = (end - first) / 2;
+      continue;
+    }
+    if (error != 0) return Refuse(error);
     first = end;
   }
   return clock.WaitFor(bytes.size() * 8);

@@ -71,7 +71,8 @@ class LircLine : public NodeLine {
   Time EndOf(int length, Time now) const;
   void LeaveOver(std::size_t used, bool cutsFrame);
   std::size_t TakePress(PulseTrain& press, double length);
-  bool Write(const std::vector<unsigned>& lengths, Time over);
+  int Write(const std::vector<unsigned>& lengths, Time over);
+  bool Refuse(int error);
 
   std::optional<DeviceDescriptor> device_;
   LircAbilities abilities_;

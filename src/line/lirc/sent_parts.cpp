@@ -4,15 +4,15 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kMostMarks = 512;
 constexpr std::chrono::milliseconds kLongestWrite{490};
 
 }  // namespace
 
-std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot) {
+std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chrono::microseconds slot,
+                      std::size_t most) {
   const auto fits = [&](std::size_t end) {
     const auto length = static_cast<std::int64_t>(lit[end - 1].End - lit[first].Begin) * slot;
-    return end - first <= kMostMarks && length <= kLongestWrite;
+    return end - first <= most && length <= kLongestWrite;
   };
   const auto space = [&](std::size_t end) { return lit[end].Begin - lit[end - 1].End; };
   std::size_t best = first + 1;
