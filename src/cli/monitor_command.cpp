@@ -94,11 +94,6 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
   }
 }
 
-StopSignals WhateverEnds() {
-  if (AreHangupsIgnored()) return StopSignals({SIGINT, SIGTERM, SIGQUIT});
-  return StopSignals({SIGINT, SIGTERM, SIGQUIT, SIGHUP});
-}
-
 /// What became of the presses, and how far their reading came.
 void PrintTally(const PressTally& tally, std::ostream& out) {
   out << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
@@ -119,7 +114,7 @@ int Monitor(const MonitorOptions& options) {
   CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
   // Whatever ends the monitor, the port is left as it was found.
-  const StopSignals stop = WhateverEnds();
+  const StopSignals stop(EndingSignals());
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
   Keplo& control = station.Control();
   std::optional<BrokerTelling> broker;

@@ -17,6 +17,13 @@ void MaskHangup(int how) {
   sigprocmask(how, &hangup, nullptr);
 }
 
+/// A hangup asks for the files where it ends nothing.
+std::vector<int> SignalsOfHost() {
+  std::vector<int> numbers = EndingSignals();
+  if (IsIgnored(SIGHUP)) numbers.push_back(SIGHUP);
+  return numbers;
+}
+
 /// Whether the process belongs to a terminal that is there.
 bool IsInTerminal() { return Descriptor(open("/dev/tty", O_RDONLY | O_NOCTTY | O_CLOEXEC)).IsOpen(); }
 
@@ -25,8 +32,9 @@ bool IsInTerminal() { return Descriptor(open("/dev/tty", O_RDONLY | O_NOCTTY | O
 void HoldHangups() { MaskHangup(SIG_BLOCK); }
 
 SignalNotifier::SignalNotifier(std::function<void()> reload)
-    : endsWithTerminal_(IsInTerminal() && !AreHangupsIgnored()),
+    : endsWithTerminal_(IsInTerminal() && !IsIgnored(SIGHUP)),
       reload_(std::move(reload)),
+      signals_(SignalsOfHost()),
       notifier_(signals_.Descriptor(), QSocketNotifier::Read) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { Act(signals_.Take()); });
   MaskHangup(SIG_UNBLOCK);

@@ -27,7 +27,7 @@ class SignalNotifier {
 
   const bool endsWithTerminal_;
   std::function<void()> reload_, stop_;
-  StopSignals signals_{SIGINT, SIGTERM, SIGHUP};
+  StopSignals signals_;
   QSocketNotifier notifier_;
 };
 

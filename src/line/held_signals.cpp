@@ -8,7 +8,7 @@ namespace keplo {
 
 namespace {
 
-constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
 bool EndsProgram(int signal) {
   struct sigaction action {};

@@ -133,6 +133,8 @@ std::int32_t NodeLine::IRRecord(std::span<char> buffer, std::int32_t delay, std:
   if (IsOpen()) WarnOnce(Use::Listen);
   if (IsOpen() && !Hears()) return 0;
   Forget();
+  // Else a handler would take the signal, and the wait go on.
+  const HeldSignals ending;
   const nanoseconds until = calls_.Now() + kLongestRecordWait;
   while (calls_.Now() < until && !HeldSignals::Pending()) {
     const nanoseconds next = std::min<nanoseconds>(until, calls_.Now() + kNewsWait);

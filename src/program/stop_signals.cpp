@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -15,10 +16,17 @@ namespace {
 
 /// Where the handler writes; it runs without an object.
 std::atomic<int> writeEnd{-1};
-static_assert(std::atomic<int>::is_always_lock_free);
+/// The thread that waits. What holds signals back for a while does so there.
+std::atomic<pthread_t> owner{};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pthread_t>::is_always_lock_free);
 
 void Write(int signal) {
   const int before = errno;
+  if (pthread_equal(pthread_self(), owner) == 0) {
+    pthread_kill(owner, signal);
+    errno = before;
+    return;
+  }
   const auto number = static_cast<unsigned char>(signal);
   // A full pipe holds signals enough.
   if (write(writeEnd, &number, 1) < 0) errno = before;
@@ -29,11 +37,12 @@ void Ignore(int /*signal*/) {}
 
 }  // namespace
 
-StopSignals::StopSignals(std::initializer_list<int> numbers) {
+StopSignals::StopSignals(const std::vector<int>& numbers) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure(errno, "No pipe can be made for signals.");
   readEnd_ = ends[0];
   writeEnd = ends[1];
+  owner = pthread_self();
   struct sigaction action {};
   action.sa_handler = Write;
   action.sa_flags = SA_RESTART;
@@ -62,10 +71,18 @@ int StopSignals::Take() const {
   return read(readEnd_, &number, 1) == 1 ? number : 0;
 }
 
-bool AreHangupsIgnored() {
+bool IsIgnored(int number) {
   struct sigaction present {};
-  sigaction(SIGHUP, nullptr, &present);
+  sigaction(number, nullptr, &present);
   return present.sa_handler == SIG_IGN;
+}
+
+std::vector<int> EndingSignals() {
+  std::vector<int> numbers = {SIGINT, SIGTERM, SIGQUIT};
+  for (const int number : {SIGHUP, SIGPIPE}) {
+    if (!IsIgnored(number)) numbers.push_back(number);
+  }
+  return numbers;
 }
 
 void IgnoreFileSizeSignal() {

@@ -2,17 +2,17 @@
 
 #include <array>
 #include <csignal>
-#include <initializer_list>
 #include <vector>
 
 namespace keplo {
 
 /// Signals as something to wait for, so that work stops between two of its steps. As long as the object lives
-/// they end nothing by themselves; one object at a time. Make it once everything has been read: until then a
-/// signal ends the program at once, whatever it waits for.
+/// they end nothing by themselves; one object at a time, for the thread that makes it: while that one holds a
+/// signal back, it counts as not come, whichever thread the system gave it to. Make it once everything has
+/// been read: until then a signal ends the program at once, whatever it waits for.
 class StopSignals {
  public:
-  explicit StopSignals(std::initializer_list<int> numbers = {SIGINT, SIGTERM});
+  explicit StopSignals(const std::vector<int>& numbers);
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
@@ -38,8 +38,12 @@ class StopSignals {
   std::vector<Caught> caught_;
 };
 
-/// Whether the program was started to outlive its terminal, as by nohup.
-bool AreHangupsIgnored();
+/// Whether whoever started the program wants it to go on after a signal, as nohup does for SIGHUP.
+bool IsIgnored(int number);
+
+/// The signals that end this program: those that ask it to, and a terminal or a reader of its output that
+/// goes, unless it was started to outlive them.
+std::vector<int> EndingSignals();
 
 /// A file that grows beyond a limit of the process gives an error that can be told, not its end.
 void IgnoreFileSizeSignal();

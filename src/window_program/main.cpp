@@ -37,14 +37,12 @@ class CloseBySignal {
   CloseBySignal() {
     again_.callOnTimeout(&QApplication::closeAllWindows);
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] {
-      const int signal = signals_.Take();
-      if (signal != 0 && !(signal == SIGHUP && outlivesTerminal_)) again_.start(kCloseAgain);
+      if (signals_.Take() != 0) again_.start(kCloseAgain);
     });
   }
 
  private:
-  const bool outlivesTerminal_ = AreHangupsIgnored();
-  StopSignals signals_{SIGINT, SIGTERM, SIGHUP};
+  StopSignals signals_{EndingSignals()};
   QSocketNotifier notifier_{signals_.Descriptor(), QSocketNotifier::Read};
   QTimer again_;
 };

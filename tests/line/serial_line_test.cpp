@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "press_builder.h"
 #include "signal/zone_link.h"
 #include "simulated_port.h"
@@ -164,6 +166,28 @@ TEST_F(SerialLineTest, RefusesPulsesThatWouldLeaveALightOn) {
   }
   EXPECT_TRUE(Port.Dtr.empty() && Port.Written.empty());
   EXPECT_EQ(Told.size(), 1U);
+}
+
+volatile std::sig_atomic_t ended = 0;
+
+TEST(SerialLine, LeavesAWaitForASignalToWhoeverEndsTheProgram) {
+  struct : SimulatedPort {
+    bool Ends = false;
+    void SleepUntil(std::chrono::nanoseconds time) override {
+      SimulatedPort::SleepUntil(time);
+      if (std::exchange(Ends, false)) raise(SIGTERM);
+    }
+  } port;
+  const std::int16_t receiver = 0;
+  SerialLine line(port, kSimulatedDevice, receiver, {}, {});
+  ASSERT_EQ(line.OpenCom(1), 1);
+  const auto before = std::signal(SIGTERM, [](int) { ended = 1; });
+  const std::chrono::nanoseconds begin = port.Now();
+  port.Ends = true;
+  std::string buffer(1'000, '\0');
+  EXPECT_EQ(line.IRRecord(buffer, kDelay, 1'000), 0);
+  EXPECT_TRUE(ended == 1 && port.Now() - begin < std::chrono::seconds(1)) << (port.Now() - begin).count();
+  std::signal(SIGTERM, before);
 }
 
 TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
