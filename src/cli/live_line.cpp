@@ -18,8 +18,7 @@ LiveLine::LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOp
   spec.Options.ReadBy = &settings.Analysis;
   line_ = OpenLine(spec, mod.AppPath, settings.ReceiverKind, [](const std::string& text) { Tell(text); });
   for (const std::string& remark : line_.Remarks) Tell(remark);
-  // A stand-in for a device opens, and says why it is none.
-  if (Line().OpenCom(number) != 1 || !WhyNot().empty()) throw Refused(WhyNot());
+  if (Line().OpenCom(number) != 1) throw Refused(WhyNot());
   Line().RTS(-1);
   Line().TXD(0);
 }

@@ -73,9 +73,7 @@ int ListPorts(const PortsOptions& options) {
     }
   }
   for (const std::string& why : map.LeftOut) Tell(why);
-  if (map.Ports.empty() && map.LeftOut.empty()) {
-    Tell("this machine has no serial port and no infrared device; --replay FILE plays recordings");
-  }
+  if (!map.WhyEmpty.empty()) Tell(map.WhyEmpty);
   if (!options.Json && map.IsFound && !map.Ports.empty()) {
     const MappedPort& first = map.Ports.front();
     std::cout << "The numbers are counted anew when a device comes or goes. A line such as \"" << first.Port

@@ -56,8 +56,7 @@ struct OpenedLine {
 };
 
 /// The only place that knows the kinds of lines. Where recordings are to be played, or ports without hardware
-/// are named, it is a line that plays; else the devices of this machine. As long as there is none, a line
-/// without receiver and transmitter stands in, so that all else can be used.
+/// are named, it is a line that plays; else the devices of this machine.
 /// @param appPath its ports.conf names the devices behind the COM numbers
 /// @param receiverKind 0 DCDStandard, 1 IRMouse; the settings own it, and a change there counts at once
 /// @param tell is called from calls of the line

@@ -18,9 +18,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kNothingToWatch{60'000};
 constexpr std::chrono::seconds kLookAgain{2};  // for the device of a port that has none
-constexpr const char* kNoDevices =
-    "There is no receiver and no transmitter: nothing will be heard, and what is sent goes nowhere. Plug one "
-    "in, or use --replay FILE.";
 
 }  // namespace
 
@@ -90,19 +87,13 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
 }
 
 /// @param asked the number that the device will be opened for when it comes
-/// @return as OpenCom; where there is no device at all, a line that hears nothing stands in, so that all that
-/// needs none can be used
 std::int32_t PortLine::DoWithout(std::int32_t asked, std::int32_t port) {
   missing_ = asked;
   nextLook_ = calls_->Now() + kLookAgain;
-  if (!map_.Ports.empty() || !map_.Mistakes.empty()) {
-    whyNot_ = "COM " + std::to_string(port) + " has no device on this machine. " +
-              TypedCommand("ports", map_.AppPath) + " lists those that have.";
-    return 0;
-  }
-  whyNot_ = kNoDevices;
-  line_ = std::make_unique<ReplayLine>(std::vector<Recording>(), *receiverKind_, options_);
-  return 1;
+  whyNot_ = !map_.WhyEmpty.empty() ? map_.WhyEmpty
+                                   : "COM " + std::to_string(port) + " has no device on this machine. " +
+                                         TypedCommand("ports", map_.AppPath) + " lists those that have.";
+  return 0;
 }
 
 void PortLine::LookAfterDevice() {

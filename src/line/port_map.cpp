@@ -19,6 +19,9 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kExpectedLine = "expected a line such as \"1 = serial:/dev/ttyS0\"";
+constexpr const char* kNoDevices =
+    "There is no receiver and no transmitter: nothing will be heard, and what is sent goes nowhere. Plug one "
+    "in, or use --replay FILE.";
 constexpr std::size_t kLongestFile = std::size_t{64} * 1024;
 
 std::string_view Trimmed(std::string_view text) {
@@ -163,6 +166,11 @@ PortMap ParsePortMap(const std::string& text, const std::string& path) {
       map.Mistakes.push_back(mistake.insert(0, path + ":" + std::to_string(number) + ": "));
     }
   }
+  if (map.Ports.empty() && map.Mistakes.empty()) {
+    map.WhyEmpty = path +
+                   " names no port: nothing will be heard, and what is sent goes nowhere. Add a line such as "
+                   "\"1 = serial:/dev/ttyS0\", or remove the file to use what the machine has.";
+  }
   std::sort(map.Ports.begin(), map.Ports.end(),
             [](const MappedPort& left, const MappedPort& right) { return left.Port < right.Port; });
   return map;
@@ -200,6 +208,7 @@ PortMap FindPorts(const DeviceFolders& folders) {
                             std::to_string(kLastPort) + "; give it one in ports.conf");
     }
   }
+  if (map.Ports.empty()) map.WhyEmpty = kNoDevices;
   return map;
 }
 
@@ -211,10 +220,11 @@ PortMap LoadPortMap(const fs::path& appPath, const DeviceFolders& folders) {
   try {
     text = PosixFileSystem().Read(file, kLongestFile + 1);
   } catch (const Failure&) {
-    return {{}, {file.string() + " cannot be read. Make it a readable text file, or remove it."}, {}, false};
+    return {
+        {}, {file.string() + " cannot be read. Make it a readable text file, or remove it."}, {}, {}, false};
   }
   if (text.size() > kLongestFile) {
-    return {{}, {file.string() + " is longer than 64 KiB. Remove what is no line of a port."}, {}, false};
+    return {{}, {file.string() + " is longer than 64 KiB. Remove what is no line of a port."}, {}, {}, false};
   }
   return ParsePortMap(text, file.string());
 }

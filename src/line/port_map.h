@@ -31,6 +31,7 @@ struct PortMap {
   std::vector<MappedPort> Ports;      // by number
   std::vector<std::string> Mistakes;  // of ports.conf: file, line, what was expected
   std::vector<std::string> LeftOut;   // why a device got no number
+  std::string WhyEmpty;               // and what to do; empty where there is a port, or a mistake
   bool IsFound = false;               // what the machine has, not what ports.conf says
   std::string AppPath = {};           // that it was read for, as commands in messages name it; may be empty
 };

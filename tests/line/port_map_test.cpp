@@ -18,6 +18,7 @@ std::string Text(const PortMap& map) {
     text += "|";
   }
   for (const std::string& mistake : map.Mistakes) text += mistake + "|";
+  EXPECT_EQ(text.empty(), !map.WhyEmpty.empty()) << map.WhyEmpty;
   return text;
 }
 
@@ -29,6 +30,7 @@ TEST(PortMap, KeepsTheLinesBesideAMistake) {
                         "p")),
       "1 serial /dev/serial/by-id/x|4 mqtt house/#|5 mqtt $share/k/tele/+/RESULT|9 lirc /dev/lirc0|"
       "30 replay a.mode2 b.mode2 |");
+  EXPECT_EQ(Text(ParsePortMap("# 1 = serial:/dev/ttyS0\n", "p")), "");
   const std::pair<std::string, std::string> mistakes[] = {
       {"COM1 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
       {"31 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
