@@ -162,6 +162,17 @@ void RequireSender(const KeploMod& mod, std::int32_t number, const std::string& 
   throw Refused("Nothing goes on air by COM " + std::to_string(number) + ". " + check.Why + " " + advice);
 }
 
+/// @param ofSettings the zone that VEXIL names, where none is asked for; 0 for none
+/// @throws Refused if it does not answer: the signal would go to another one
+void SelectZone(LiveLine& live, std::optional<std::int16_t> asked, std::int16_t ofSettings) {
+  const std::int16_t zone = asked.value_or(ofSettings);
+  if (zone <= 0 || SendZone(live.Line(), zone)) return;
+  throw Refused("Zone " + std::to_string(zone) + (asked ? "" : ", which is chosen for sending (VEXIL),") +
+                " cannot be selected at " + live.Name() +
+                ": no zone hardware confirms it, and no room of that number is named in ports.conf." +
+                (asked ? "" : " Set VEXIL to 0 if there is none."));
+}
+
 /// Puts the code out on the port.
 void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& options) {
   ReadSettings(mod.Store, mod.Settings);
@@ -172,10 +183,7 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
                   std::to_string(kLongestSlot) + " us.");
   }
   LiveLine live(mod, port);
-  if (options.Zone && !SendZone(live.Line(), *options.Zone)) {
-    throw Refused("Zone " + std::to_string(*options.Zone) + " cannot be selected at " + live.Name() +
-                  ": no zone hardware confirms it, and no room of that number is named in ports.conf.");
-  }
+  SelectZone(live, options.Zone, mod.Settings.VexilMode);
   const auto sent = [&] { return live.Device().Sent(); };
   Transmit(mod, live.Line(), digits, options, sent);
   if (sent()) return;
