@@ -1,6 +1,8 @@
 #include "line/real_time.h"
 
+#include <linux/capability.h>
 #include <pthread.h>
+#include <pwd.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -40,8 +42,24 @@ void AskForShortSlices() {
   syscall(SYS_sched_setattr, 0, &attributes, 0);
 }
 
+/// Whether the limit of locked memory does not count, as for root.
+bool LocksWithoutLimit() {
+  __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+  __user_cap_data_struct data[_LINUX_CAPABILITY_U32S_3] = {};
+  if (syscall(SYS_capget, &header, &data) != 0) return false;
+  return (data[CAP_TO_INDEX(CAP_IPC_LOCK)].effective & CAP_TO_MASK(CAP_IPC_LOCK)) != 0;
+}
+
+/// The line that lifts a limit, in words. The group of the device may be any, the user is known.
+std::string LineThatAllows(const std::string& what) {
+  const passwd* user = getpwuid(geteuid());
+  return "with a line \"" + std::string(user == nullptr ? "*" : user->pw_name) + " - " + what +
+         "\" in /etc/security/limits.d/keplo.conf, and log in again";
+}
+
 /// With a limit, locking what comes later would make allocations fail.
 bool MayLock() {
+  if (LocksWithoutLimit()) return true;
   rlimit limit{};
   return getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
 }
@@ -75,15 +93,15 @@ std::string DescribeRealTime() {
   sched_param parameters{};
   pthread_getschedparam(pthread_self(), &policy, &parameters);
   if (policy == SCHED_FIFO) return "captures run with real-time priority";
-  return "captures run without real-time priority: on a busy machine some samples are late. Allow it with a "
-         "line \"@dialout - rtprio 20\" in /etc/security/limits.d/keplo.conf";
+  return "captures run without real-time priority: on a busy machine some samples are late. Allow it " +
+         LineThatAllows("rtprio 20");
 }
 
 std::string DescribeMemory() {
   if (MayLock()) return "captures run in locked memory";
   return "captures run in memory that may be swapped out: on a machine short of it a capture may wait. Allow "
-         "locking "
-         "with a line \"@dialout - memlock unlimited\" in /etc/security/limits.d/keplo.conf";
+         "locking " +
+         LineThatAllows("memlock unlimited");
 }
 
 }  // namespace keplo
