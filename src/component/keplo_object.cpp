@@ -17,6 +17,7 @@ namespace keplo::component {
 
 namespace {
 
+constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
 constexpr std::chrono::milliseconds kLookAgain{400};  // where an operation stood in the way
 
 LineSpec LineSpecOf(const CreationContext& context) {
@@ -130,16 +131,25 @@ KeploWindows KeploObject::Windows() {
   return {*boxes_, *eventDialog_,
           [this] {
             if (mayUseDisplay_) {
-              qt::ShowMainWindow(
-                  mod_, station_.Line(), [this] { return station_.DescribeLine(); }, station_.OnLineTold,
-                  QApplication::activeWindow());
-              // What the window left unheard is no key press of now.
-              if (LineRest* const line = station_.Rest()) line->Forget();
+              ShowWindow();
             } else {
               log_.Write(LogLevel::Warning, "The configuration window needs a display; it counts as closed.");
             }
           },
           mayUseDisplay_};
+}
+
+/// While the window is shown nobody ticks, so the device is looked after as in a window of its own.
+void KeploObject::ShowWindow() {
+  LineRest* const line = station_.Rest();
+  QTimer care;
+  care.callOnTimeout([line] { line->LookAfterDevice(); });
+  if (line != nullptr) care.start(kCare);
+  qt::ShowMainWindow(
+      mod_, station_.Line(), [this] { return station_.DescribeLine(); }, station_.OnLineTold,
+      QApplication::activeWindow());
+  // What the window left unheard is no key press of now.
+  if (line != nullptr) line->Forget();
 }
 
 void* KeploObject::QueryInterface(std::string_view name) {

@@ -88,6 +88,7 @@ class KeploObject final : public IComponentObject,
   void LookForChanges();
   void LookAgain();
   KeploWindows Windows();
+  void ShowWindow();
   void Tick();
   void TellSignal(const TickReport& tick);
   std::string Sent(const std::function<std::string()>& send);
