@@ -28,10 +28,11 @@ constexpr auto kLongestMark = 20ms;  // of any remote; light that lasts longer m
 constexpr auto kLamp = 100ms;        // light without a change for so long is no signal that began unheard
 /// An open port has flashed, which a receiver should take for no part of a signal.
 constexpr auto kAfterFlash = 20ms;
-constexpr int kEnoughUntold = 2;        // sampled signals
-constexpr auto kLook = 50us;            // between two looks at a line without edges
-constexpr int kAnswerLook = 50;         // milliseconds between two looks whether the program is to end
-constexpr std::int32_t kTxdOutput = 1;  // bit of the interface type
+constexpr int kEnoughUntold = 2;             // sampled signals
+constexpr auto kLook = 50us;                 // between two looks at a line without edges
+constexpr int kAnswerLook = 50;              // milliseconds between two looks whether the program is to end
+constexpr std::int32_t kTxdOutput = 1;       // bit of the interface type
+constexpr std::int32_t kZoneCharacters = 2;  // of SetMode
 
 nanoseconds SampleTimeOf(const LineOptions& options) {
   return nanoseconds(static_cast<std::int64_t>(options.SampleTime * 1000));
@@ -66,7 +67,7 @@ bool SerialLine::OpenDevice(std::string& why) {
   LockMemory();
   inside_.reset();
   stuckAt_.reset();
-  if (mode_ == 2) SetMode(mode_);
+  if (mode_ == kZoneCharacters) SetMode(mode_);
   return true;
 }
 
@@ -109,11 +110,11 @@ milliseconds SerialLine::MayRest() {
 void SerialLine::SetMode(std::int32_t mode) {
   mode_ = mode;
   if (!port_) return;
-  const auto speed = mode == 2 ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
+  const auto speed = mode == kZoneCharacters ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
   if (!Worked(port_->SetSpeed(speed))) return;
   // With new settings the driver stops telling edges, until a wait begins again.
   if (watch_) watch_->Look();
-  if (mode != 2) Forget();
+  if (mode != kZoneCharacters) Forget();
 }
 
 void SerialLine::DTR(std::int32_t state) {
@@ -291,7 +292,14 @@ bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, st
   const bool txd = (interfaceType & kTxdOutput) != 0;
   if (!txd && !port_->HasModemLines()) return false;  // of which its user was warned
   calls_.SleepUntil(opened_ + kAfterFlash);
-  return Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
+  // Characters for zone hardware are too slow to be a carrier.
+  const std::int32_t before = mode_;
+  if (txd && before == kZoneCharacters) SetMode(1);
+  if (!port_) return false;
+  const bool worked =
+      Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
+  if (mode_ != before) SetMode(before);
+  return worked;
 }
 
 void SerialLine::SetCarrier(std::int32_t hertz) {
