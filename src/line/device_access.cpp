@@ -43,7 +43,9 @@ std::string WhyForbidden(const std::string& device) {
   if (geteuid() == 0 || IsMember(node.st_gid)) {
     return device +
            " is kept from this program by the service or the container that it runs in, though not " +
-           "from the group " + group + ". Allow the device there, as with DeviceAllow=.";
+           "from the group " + group +
+           ". Allow the device there, as with DeviceAllow=, and start the service anew: it may know only the "
+           "kinds of devices that were there when it began.";
   }
   return device + " belongs to the group " + group + ". Join it with: sudo usermod -aG " + group +
          " $USER, then log in again.";
