@@ -58,10 +58,12 @@ int ProcessNumber(const std::filesystem::path& folder) {
   return error == std::errc() && end == name.data() + name.size() ? number : 0;
 }
 
-bool HasOpen(const std::filesystem::path& process, const std::filesystem::path& node) {
+/// @return none where the system does not show it
+std::optional<bool> HasOpen(const std::filesystem::path& process, const std::filesystem::path& node) {
   std::error_code error;
-  for (std::filesystem::directory_iterator at(process / "fd", error), end; !error && at != end;
-       at.increment(error)) {
+  std::filesystem::directory_iterator at(process / "fd", error);
+  if (error) return std::nullopt;
+  for (const std::filesystem::directory_iterator end; !error && at != end; at.increment(error)) {
     std::error_code unread;
     if (std::filesystem::read_symlink(at->path(), unread) == node) return true;
   }
@@ -106,9 +108,18 @@ std::string HolderOfDevice(const std::string& device) {
   for (std::filesystem::directory_iterator at("/proc", error), end; !error && at != end;
        at.increment(error)) {
     const int process = ProcessNumber(at->path());
-    if (process > 0 && process != getpid() && HasOpen(at->path(), node)) return NameOfProcess(process);
+    if (process > 0 && process != getpid() && HasOpen(at->path(), node).value_or(false)) {
+      return NameOfProcess(process);
+    }
   }
   return {};
+}
+
+std::optional<bool> HasDeviceOpen(int process, const std::string& device) {
+  std::error_code error;
+  const std::filesystem::path node = std::filesystem::canonical(device, error);
+  if (error) return std::nullopt;
+  return HasOpen("/proc/" + std::to_string(process), node);
 }
 
 bool IsNoTerminal(const std::string& device) {

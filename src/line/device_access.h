@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace keplo {
@@ -19,6 +20,10 @@ std::string NameOfProcess(int process);
 /// The program, other than this one, that has a device open, as NameOfProcess tells it; empty if the system
 /// shows none.
 std::string HolderOfDevice(const std::string& device);
+
+/// Whether a process has a device open.
+/// @return none if the system does not show that to this program
+std::optional<bool> HasDeviceOpen(int process, const std::string& device);
 
 /// Whether a node is known to be of another kind than a terminal.
 bool IsNoTerminal(const std::string& device);

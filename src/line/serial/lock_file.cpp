@@ -41,18 +41,27 @@ std::optional<int> ProcessOf(const std::string& lockFile) {
 
 bool Runs(int process) { return kill(process, 0) == 0 || errno == EPERM; }
 
+/// Whether a lock file is left from a process that is gone; its number may be that of another one by now.
+bool IsStale(int process, const std::string& device) {
+  return process == getpid() || !Runs(process) || !HasDeviceOpen(process, device).value_or(true);
+}
+
 }  // namespace
 
 std::string HolderOfLockFile(const std::string& device) {
-  const int process = ProcessOf(LockFileOf(device)).value_or(0);
-  return process > 0 && process != getpid() && Runs(process) ? NameOfProcess(process) : std::string();
+  const std::string path = LockFileOf(device);
+  const int process = ProcessOf(path).value_or(0);
+  if (process <= 0 || IsStale(process, device)) return {};
+  const std::string holder = NameOfProcess(process);
+  if (HasDeviceOpen(process, device).has_value()) return holder;
+  return holder + ", as " + path + " says (if that is wrong, delete the file)";
 }
 
 std::string TakeLockFile(const std::string& device) {
   std::string path = LockFileOf(device);
   // One that cannot be understood may be of a program that runs.
   const int process = ProcessOf(path).value_or(0);
-  if (process > 0 && (process == getpid() || !Runs(process))) unlink(path.c_str());
+  if (process > 0 && IsStale(process, device)) unlink(path.c_str());
   const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (descriptor < 0) return {};
   char text[16];
