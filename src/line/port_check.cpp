@@ -1,5 +1,9 @@
 #include "line/port_check.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
@@ -33,14 +37,27 @@ std::string DriverOf(const fs::path& device) {
   return {};
 }
 
-PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& classes) {
+/// What hangs on an adapter is not known, and an open pulses its lines: boards reset, modems wake. So it is
+/// told without one.
+PortCheck CheckUsbPort(const std::string& device, const fs::path& classes) {
   PortCheck check;
+  check.Why = SerialPort::WhyUntouchable(device);
+  if (!check.Why.empty()) return check;
+  check.Opens = faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) == 0;
+  check.Why = check.Opens ? WhyUnfit(device, true, classes) : WhyNoAccess(device, errno);
+  return check;
+}
+
+PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path& classes) {
+  const bool isUsb = IsUsbPort(port.Device, classes);
+  PortCheck check = isUsb ? CheckUsbPort(port.Device, classes) : PortCheck();
   check.Driver = DriverOf(classes / "tty" / KernelName(port.Device) / "device");
+  if (isUsb) return check;
   const auto opened = SerialPort::Open(calls, port.Device, check.Why);
   if (!opened) return check;
   check.Opens = true;
-  check.Sends = !IsUsbPort(port.Device, classes);
-  check.Receives = check.Sends && opened->HasModemLines();
+  check.Sends = true;
+  check.Receives = opened->HasModemLines();
   check.Why = WhyUnfit(port.Device, opened->HasModemLines(), classes);
   return check;
 }

@@ -17,7 +17,8 @@ struct PortCheck {
   std::string Why;  // what stands in the way and what to do, in one sentence; empty if nothing does
 };
 
-/// Opens a port for a moment and asks its device. One that another program uses is left alone.
+/// Opens a port for a moment and asks its device. One that another program uses, or that is on USB, is left
+/// alone.
 /// @param rooms opens the messages of receivers on a broker
 PortCheck CheckPort(DeviceCalls& calls, const MappedPort& port, const DeviceFolders& folders = {},
                     const OpenRoomMessages& rooms = {});

@@ -6,6 +6,9 @@
 
 #include <thread>
 
+#include "doubles/temp_folder.h"
+#include "line/device_access.h"
+#include "line/port_check.h"
 #include "line/serial/serial_line.h"
 #include "signal/zone_link.h"
 
@@ -42,6 +45,26 @@ TEST(TerminalLine, SendsMoreThanAPortTakesAtOnceAndAsksZonesBesideIt) {
   }
   listening.join();
   EXPECT_EQ(arrived.substr(0, 6'146), std::string(6'144, '\x5B') + "PP") << "a mark of 480 ms";
+}
+
+TEST(PortCheck, PulsesNoLineOnUsb) {
+  KernelCalls kernel;
+  const DeviceDescriptor partner(kernel, posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+  ASSERT_TRUE(grantpt(partner.Get()) == 0 && unlockpt(partner.Get()) == 0);
+  const MappedPort port{1, MappedPort::Kind::Serial, ptsname(partner.Get()), {}, {}};
+  const tests::TempFolder folder;
+  const auto tty = folder.Path() / "tty" / KernelName(port.Device);
+  for (const auto& made : {tty, folder.Path() / "usb1/1-1"}) std::filesystem::create_directories(made);
+  std::filesystem::create_directory_symlink(folder.Path() / "usb1/1-1", tty / "device");
+  struct : KernelCalls {
+    int Open(const std::string& path, int /*flags*/) override {
+      ADD_FAILURE() << path;
+      return -1;
+    }
+  } calls;
+  const PortCheck check = CheckPort(calls, port, {folder.Path(), "/dev"});
+  EXPECT_TRUE(check.Opens && !check.Receives && !check.Sends) << check.Why;
+  EXPECT_NE(check.Why.find("USB adapter"), std::string::npos) << check.Why;
 }
 
 }  // namespace

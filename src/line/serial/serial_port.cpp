@@ -33,20 +33,19 @@ std::string WhyNotOpened(const std::string& device, int error) {
 SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
     : calls_(calls), lockFile_(std::move(lockFile)), descriptor_(calls, descriptor) {}
 
-std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
-                                             std::string& why) {
-  if (IsNoTerminal(device)) {
-    why = WhyNoAccess(device, ENOTTY);
-    return nullptr;
-  }
-  // An open raises DTR, which is light, and succeeds for root whatever the lock: so whoever has the port is
-  // looked for before anything touches it.
+std::string SerialPort::WhyUntouchable(const std::string& device) {
+  if (IsNoTerminal(device)) return WhyNoAccess(device, ENOTTY);
   std::string holder = HolderOfLockFile(device);
   if (holder.empty()) holder = HolderOfDevice(device);
-  if (!holder.empty()) {
-    why = WhyBusy(device, holder);
-    return nullptr;
-  }
+  return holder.empty() ? std::string() : WhyBusy(device, holder);
+}
+
+std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
+                                             std::string& why) {
+  // An open raises DTR, which is light, and succeeds for root whatever the lock: so whoever has the port is
+  // looked for before anything touches it.
+  why = WhyUntouchable(device);
+  if (!why.empty()) return nullptr;
   int error = 0;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
     // Without O_NONBLOCK an open waits for a carrier, which a receiver that rests at 0 never shows.
