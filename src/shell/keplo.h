@@ -147,6 +147,8 @@ class Keplo {
   std::function<void()> OnPortOpened;
   /// Runs after a tick that took a capture, for programs that tell a person what became of it.
   std::function<void(const TickReport&)> OnPress;
+  /// Whether a capture may be told by its beep, beside what the user has chosen; empty: each may.
+  std::function<bool()> MayBeep;
   /// Runs with each signal that a tick has heard, code or none, before the pause after its first event.
   std::function<void(const TickReport&)> OnHeard;
 

@@ -92,7 +92,7 @@ void Keplo::ReadAndDispatch() {
   lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
   if (lastTick_.Reading.Ended != Stage::Code) return TellHeard();
   // This beep says only that something was captured, before anything is known about the signal.
-  if (mod_.Settings.BeepOn) line_.SpeakBeep(5000, 50);
+  if (mod_.Settings.BeepOn && (!MayBeep || MayBeep())) line_.SpeakBeep(5000, 50);
   MonitorReading& reading = lastTick_.Reading;
   ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis, reading);
   CompleteTurn(reading);

@@ -17,6 +17,7 @@ LineSpec ReadAsSet(LineSpec spec, const Settings& settings) {
 }
 
 constexpr std::chrono::milliseconds kQuiet{500};  // from one capture to the next
+constexpr std::uint64_t kFewLosses = 50;          // one sample of so many may be filled in
 constexpr int kMostCodeless = 6;                  // captures one after the other, of a key that is not read
 
 KeploWindows With(KeploWindows windows, std::function<void()> portRefused) {
@@ -46,7 +47,9 @@ Station::Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, co
   control_.OnPortOpened = [this] { TellWhyNotOpen(); };
   if (line_.Device != nullptr) rest_.emplace(*line_.Device, control_);
   if (PressSource* const presses = line_.Presses) control_.LineTime = [presses] { return presses->Now(); };
+  control_.MayBeep = [this] { return codeless_ <= kMostCodeless || !LightGoesOn(); };
   control_.OnPress = [this](const TickReport& tick) {
+    if (line_.Device != nullptr) TellLosses(tick);
     // The device went, or the light was over before it could be looked at.
     if (line_.Device == nullptr || (tick.Reading.Ended != Stage::Empty && !IsLamp(tick))) CountPress(tick);
   };
@@ -78,11 +81,14 @@ std::string Station::WhyNotSent() const {
   return why.empty() ? "the line did not send it whole" : why;
 }
 
+/// Whether what is heard now goes on with the capture before.
+bool Station::LightGoesOn() const { return control_.LineTime() - lastHeard_ < kQuiet; }
+
 /// Light that goes on without a code in it counts for no press until the line has been quiet.
 bool Station::IsLamp(const TickReport& tick) {
   const bool isSignal = tick.Reading.Ended == Stage::Code || tick.Reading.Ended == Stage::Raw;
-  const std::chrono::microseconds now = control_.LineTime();
-  const bool goesOn = now - std::exchange(lastHeard_, now) < kQuiet;
+  const bool goesOn = LightGoesOn();
+  lastHeard_ = control_.LineTime();
   codeless_ = isSignal ? 0 : goesOn ? codeless_ + 1 : 1;
   if (codeless_ == kMostCodeless + 1) {
     log_.Write(LogLevel::Warning,
@@ -90,6 +96,20 @@ bool Station::IsLamp(const TickReport& tick) {
                "away. Until the line is quiet this counts for no press.");
   }
   return codeless_ > kMostCodeless;
+}
+
+/// That a press was not read for the machine's sake is not seen by what was read.
+void Station::TellLosses(const TickReport& tick) {
+  LineLosses before = std::exchange(losses_, line_.Device->Losses());
+  if (losses_.Samples < before.Samples || losses_.MissedEdges < before.MissedEdges) before = {};
+  const auto filled = losses_.FilledSamples - before.FilledSamples;
+  const bool few =
+      losses_.MissedEdges == before.MissedEdges && filled * kFewLosses <= losses_.Samples - before.Samples;
+  if (few || tick.Reading.HasCode() || std::exchange(lossesTold_, true)) return;
+  log_.Write(
+      LogLevel::Warning,
+      "A press was not taken whole: some of it was missed, as on a busy machine. keplo ports tells how "
+      "to give captures priority.");
 }
 
 void Station::CountPress(const TickReport& tick) {

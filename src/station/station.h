@@ -63,14 +63,18 @@ class Station {
  private:
   void TellWhyNotOpen();
   void TellOfLine(const std::string& text);
+  bool LightGoesOn() const;
   bool IsLamp(const TickReport& tick);
+  void TellLosses(const TickReport& tick);
   void CountPress(const TickReport& tick);
 
   const Log& log_;
   OpenedLine line_;
   PressTally tally_;
   std::chrono::microseconds lastHeard_{0};
-  int codeless_ = 0;     // captures one after the other
+  int codeless_ = 0;   // captures one after the other
+  LineLosses losses_;  // when they were looked at last
+  bool lossesTold_ = false;
   std::string toldWhy_;  // the port did not open, told last
   bool opened_ = false;
   Keplo control_;
