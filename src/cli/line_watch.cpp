@@ -21,7 +21,6 @@ namespace keplo::cli {
 namespace {
 
 constexpr std::chrono::milliseconds kLook{2};  // between two looks at the line
-constexpr std::chrono::seconds kStuck{2};
 
 /// Lengths of the runs of a capture, microseconds, the first of them a mark.
 std::string LengthsText(const std::string& capture, double sampleTime) {
@@ -62,25 +61,17 @@ struct ModemLine {
 constexpr std::array kOtherInputs = {ModemLine{TIOCM_CTS, "CTS"}, ModemLine{TIOCM_DSR, "DSR"},
                                      ModemLine{TIOCM_RI, "RI"}};
 
-/// Watches one line, and tells what it sees once.
+/// Watches one line, and shows what changes.
 class LineWatch {
  public:
   LineWatch(LiveLine& live, const Settings& settings) : live_(live), settings_(settings) {}
 
   void Look() {
-    // A line that stays away from rest is no signal to DCD, which tells a monitor; the port itself tells the
+    // A line that stays away from rest is no signal to DCD, and tells that by itself; the port tells the
     // level.
     const bool signal = live_.Line().DCD() != RestLevel();
-    if (const std::optional<int> lines = live_.Device().ModemLines()) {
-      Show(*lines);
-    } else {
-      ShowLevel(signal ? 1 - RestLevel() : RestLevel());
-    }
+    if (const std::optional<int> lines = live_.Device().ModemLines()) Show(*lines);
     if (signal) Capture();
-    if (level_ == RestLevel() || told_ || std::chrono::steady_clock::now() - since_ < kStuck) return;
-    told_ = true;
-    Tell("the line rests at " + std::to_string(level_) +
-         ", where a receiver of the other kind does; change the setting ITYPE, or look for a lamp");
   }
 
  private:
@@ -89,7 +80,6 @@ class LineWatch {
   void ShowLevel(std::int32_t level) {
     if (level == level_) return;
     level_ = level;
-    since_ = std::chrono::steady_clock::now();
     std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
   }
 
@@ -119,9 +109,7 @@ class LineWatch {
   LiveLine& live_;
   const Settings& settings_;
   std::int32_t level_ = -1;
-  std::chrono::steady_clock::time_point since_;
   int lines_ = 0;
-  bool told_ = false;  // that the line rests the other way
 };
 
 }  // namespace
