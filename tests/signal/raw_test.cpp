@@ -18,14 +18,16 @@ using RunVector = std::vector<int>;
 constexpr int kFrameGap = 600, kSilence = 800;
 
 /// A frame of a leader and digits of three lengths of space, which no analysis reads.
-RunVector Frame(const std::string& digits) {
+RunVector Frame(const std::string& digits, int least = 8, int step = 12) {
   RunVector runs = {60, 30};
-  for (const char digit : digits) runs.insert(runs.end(), {8, 8 + 12 * (digit - '0')});
+  for (const char digit : digits) runs.insert(runs.end(), {8, least + step * (digit - '0')});
   runs.push_back(8);
   return runs;
 }
 
 const std::string kKey = "012021102201", kOtherKey = "012021102200";
+
+RunVector LongSpaced() { return Frame(kKey, 90, 45); }
 
 /// Heard samples live in a reader.
 class Ear {
@@ -99,6 +101,7 @@ INSTANTIATE_TEST_SUITE_P(
         HeardCase{"SignalEndsInFrame", Silent(First(Frame(kKey), 25)), ""},
         HeardCase{"FirstPartOfTwoMessages", Silent(Frame("111000111000")), ""},
         HeardCase{"WholeMessage", Silent(Then(Frame("111000111000"), kFrameGap, Frame("222"))), "first"},
+        HeardCase{"LongSpaces", Silent(Then(LongSpaced(), kFrameGap, LongSpaced())), "long"},
         HeardCase{"TooFewLengths", Silent(Frame("01202")), ""}),
     [](const auto& row) { return row.param.Name; });
 
@@ -106,6 +109,7 @@ TEST_P(RawCommands, AreFoundByTheirLengthsAlone) {
   RawIndex index;
   index.Add(Learned("key", Frame(kKey)));
   index.Add(Learned("other", Frame(kOtherKey)));
+  index.Add(Learned("long", LongSpaced()));
   index.Add(Learned("first", Then(Frame("111000111000"), kFrameGap, Frame("222"))));
   index.Add(Learned("second", Then(Frame("111000111000"), kFrameGap, Frame("221"))));
   Ear ear;
@@ -136,17 +140,21 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
 
 TEST(RawLevels, AreThoseOfACleanSignalOnly) {
   Ear ear;
-  RunVector jittery = Frame(kKey), flicker, noise;
+  RunVector jittery = Frame(kKey), flicker, straying, noise;
   for (std::size_t i = 4; i < jittery.size(); i += 4) ++jittery[i];
   const auto signal = FindLevels(ear.Hear(Silent(jittery)));
   ASSERT_TRUE(signal);
   EXPECT_EQ(signal->Lengths[2], signal->Lengths[4]) << "the mean of their level";
   for (int i = 0; i < 30; ++i) {
+    const int stray = i % 3 + i / 3 % 3 + i / 9 % 3;
     flicker.insert(flicker.end(), {20, 30});
+    straying.insert(straying.end(), {14 + stray, 20 - stray});
     noise.insert(noise.end(), {3 + i * i % 71, 5 + i * 7 % 64});
   }
-  EXPECT_FALSE(FindLevels(ear.Hear(flicker)));
-  EXPECT_TRUE(IsNoise(ear.Hear(flicker)));
+  for (const RunVector& lamp : {flicker, straying}) {
+    EXPECT_FALSE(FindLevels(ear.Hear(lamp)));
+    EXPECT_TRUE(IsNoise(ear.Hear(lamp)));
+  }
   const RunVector equal(17, 20);
   EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, equal))))) << "as many pulses in each frame";
   EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, RunVector(19, 20))))));

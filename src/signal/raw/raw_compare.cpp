@@ -23,8 +23,6 @@ constexpr float kMostScale = 0.13F, kSameScale = 0.035F;
 /// A frame of a held key without digits: a leader, a space and a mark, or little more.
 constexpr std::size_t kLongestDitto = 5;
 
-bool IsGap(int length) { return length >= kRawGap; }
-
 /// How the heard lengths relate to the stored ones.
 struct RawMeasure {
   float Scale = 1;
@@ -56,6 +54,7 @@ struct RawPair {
   float Sample() const { return static_cast<float>(Heard.SampleTime); }
   float HeardUs(std::size_t i) const { return static_cast<float>(Heard.Runs[i]) * Sample(); }
   float StoredUs(std::size_t i) const { return static_cast<float>(Stored[i]); }
+  bool IsGap(std::size_t i) const { return i % 2 == 1 && Stored[i] >= Heard.Gap; }
   float Tolerance() const { return kLengthTolerance + 2 * Sample(); }
 };
 
@@ -76,7 +75,7 @@ std::optional<RawMeasure> Measure(const RawPair& pair) {
   int periods = 0;
   for (std::size_t i = 1; i + 1 < pair.Size(); i += 2) {
     if (!IsNear(pair, i)) return std::nullopt;
-    if (IsGap(pair.Stored[i])) continue;
+    if (pair.IsGap(i)) continue;
     heard += pair.HeardUs(i) + pair.HeardUs(i + 1);
     stored += pair.StoredUs(i) + pair.StoredUs(i + 1);
     heardMarks += pair.HeardUs(i + 1);
@@ -97,7 +96,7 @@ std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measu
   for (std::size_t i = 0; i < pair.Size(); ++i) {
     const float stored = measure.Scale * pair.StoredUs(i);
     const float off = pair.HeardUs(i) - stored - (i % 2 == 0 ? measure.Excess : -measure.Excess);
-    const bool gap = i % 2 == 1 && IsGap(pair.Stored[i]);
+    const bool gap = pair.IsGap(i);
     const float allowed = (gap ? kGapTolerance : kOwnTolerance) * stored;
     if (i == 0 && !wholeFirst) {
       if (off > pair.Tolerance() + allowed) return std::nullopt;
@@ -111,9 +110,7 @@ std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measu
 }
 
 /// Whether a press may end before a stored length: where a frame ends.
-bool EndsFrameAt(std::span<const int> stored, std::size_t i) {
-  return i >= stored.size() || (i % 2 == 1 && IsGap(stored[i]));
-}
+bool EndsFrameAt(const RawPair& pair, std::size_t i) { return i >= pair.Stored.size() || pair.IsGap(i); }
 
 bool IsDitto(const HeardLengths& frame) {
   return frame.Runs.size() <= kLongestDitto &&
@@ -125,7 +122,7 @@ bool IsDitto(const HeardLengths& frame) {
 std::size_t CoveredFrom(const HeardLengths& part, std::span<const int> stored, const RawMeasure& measure) {
   const RawPair pair{part, stored};
   const bool ends = part.Runs.size() <= stored.size();
-  if (ends && !part.Cut && !EndsFrameAt(stored, part.Runs.size())) return 0;
+  if (ends && !part.Cut && !EndsFrameAt(pair, part.Runs.size())) return 0;
   return Differ(pair, measure, true) ? pair.Size() : 0;
 }
 
@@ -134,9 +131,9 @@ bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& me
   while (!rest.Runs.empty()) {
     std::size_t covered = CoveredFrom(rest, stored, measure);
     for (std::size_t i = 1; covered == 0 && i + 1 < stored.size(); i += 2) {
-      if (IsGap(stored[i])) covered = CoveredFrom(rest, stored.subspan(i + 1), measure);
+      if (stored[i] >= rest.Gap) covered = CoveredFrom(rest, stored.subspan(i + 1), measure);
     }
-    const HeardLengths frame = {rest.Runs.first(FirstFrameOf(rest)), false, rest.SampleTime};
+    const HeardLengths frame = rest.Part(0, FirstFrameOf(rest));
     if (covered == 0 && IsDitto(frame)) covered = frame.Runs.size();
     if (covered == 0) return false;
     if (covered == rest.Runs.size()) return true;
@@ -159,7 +156,7 @@ RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::s
   if (!differ) return {};
   if (size < heard.Runs.size()) {
     if (!heard.IsGap(size) || !GoesOn(heard.From(size + 1), stored, *measure)) return {};
-  } else if (!heard.Cut && !EndsFrameAt(pair.Stored, size)) {
+  } else if (!heard.Cut && !EndsFrameAt(pair, size)) {
     return {};
   }
   const bool exact = std::abs(measure->Scale - 1) <= kSameScale;

@@ -10,8 +10,8 @@ namespace keplo {
 
 namespace {
 
-/// A space that may be heard as one that parts frames, or as none.
-constexpr int kPerhapsGap = kRawGap - 700, kSurelyGap = kRawGap + 700;
+/// A space that is so much longer or shorter than one that parts frames may be heard as none, or as one.
+constexpr int kPerhapsGap = 700;
 
 /// By how much the sum of squared differences of the next signal is larger, square microseconds: one length
 /// that is off by 120 us more.
@@ -59,9 +59,10 @@ void RawIndex::Add(const RawSignal& signal) {
   for (const RawLengths& form : signal.Forms) {
     const std::size_t number = forms_.size();
     forms_.push_back({signals_.size() - 1, form});
+    const int gap = RawGapOf(form);
     std::size_t i = 1;
-    for (; i < form.size() && form[i] < kSurelyGap; i += 2) {
-      if (form[i] >= kPerhapsGap) byCount_[i].push_back(number);
+    for (; i < form.size() && form[i] < gap + kPerhapsGap; i += 2) {
+      if (form[i] >= gap - kPerhapsGap) byCount_[i].push_back(number);
     }
     byCount_[std::min(i, form.size())].push_back(number);
   }

@@ -17,15 +17,16 @@ constexpr double kAlikeLength = 0.12;
 constexpr int kAlikeCount = 4;
 
 std::span<const int> FirstFrame(const RawLengths& lengths) {
+  const int gap = RawGapOf(lengths);
   std::size_t end = 1;
-  while (end < lengths.size() && lengths[end] < kRawGap) end += 2;
+  while (end < lengths.size() && lengths[end] < gap) end += 2;
   return std::span(lengths).first(std::min(end, lengths.size()));
 }
 
 bool SendsFrameTwice(const HeardLengths& heard, const RawLengths& lengths) {
   const std::size_t frame = FirstFrameOf(heard);
   if (heard.Runs.size() < 2 * frame + 1) return false;
-  const HeardLengths second{heard.Runs.subspan(frame + 1, frame), false, heard.SampleTime};
+  const HeardLengths second = heard.Part(frame + 1, frame);
   return CompareRaw(second, std::span(lengths).first(frame)).Fits == RawFit::How::Exact;
 }
 

@@ -17,11 +17,12 @@ constexpr std::size_t kLengthsPerLevel = 3;
 
 struct Level {
   int Least, Most;  // samples
-  double Sum = 0;
+  double Sum = 0, Squares = 0;
   int Count = 0;
 
   /// Runs of levels that touch cannot be told apart one by one, and keep their own lengths.
   bool StandsAlone = true;
+  bool Touches = false;  // the level below
   double Mean() const { return Sum / Count; }
 };
 
@@ -48,17 +49,40 @@ std::vector<Level> LevelsOf(const HeardLengths& heard, std::size_t first) {
       if (!apart) levels.back().StandsAlone = false;
       levels.push_back({run, run});
       levels.back().StandsAlone = apart;
+      levels.back().Touches = !apart;
     }
     levels.back().Most = run;
     levels.back().Sum += run;
+    levels.back().Squares += 1.0 * run * run;
     ++levels.back().Count;
   }
   return levels;
 }
 
+/// Whether two levels that touch are one length that strays more than usual, as a lamp's does: most of its
+/// runs lie about the middle, where two lengths have few.
+bool IsTorn(const Level& lower, const Level& upper) {
+  constexpr double kOfTwo = 15;  // width of two lengths squared, in variances; of one that is normal 25 to 36
+  const double count = lower.Count + upper.Count, mean = (lower.Sum + upper.Sum) / count;
+  const double variance = (lower.Squares + upper.Squares) / count - mean * mean;
+  const double width = upper.Most - lower.Least + 1;
+  return width * width > kOfTwo * variance;
+}
+
+/// How many lengths the levels are.
+std::size_t LengthsIn(const std::vector<Level>& levels) {
+  std::size_t lengths = levels.size();
+  for (std::size_t i = 1; i < levels.size(); ++i) {
+    if (!levels[i].Touches || !IsTorn(levels[i - 1], levels[i])) continue;
+    --lengths;
+    ++i;
+  }
+  return lengths;
+}
+
 /// Whether the mean of a level would say something else than the run: the signal has to fit itself.
 bool IsFarFrom(const Level& level, int run) {
-  constexpr double kNear = 1.5;  // samples; what jitter and raster make of a length
+  constexpr double kNear = 1.1;  // samples; what jitter and raster make of a length
   return std::abs(run - level.Mean()) > kNear;
 }
 
@@ -82,8 +106,9 @@ bool IsCleanSignal(const HeardLengths& heard, const std::vector<Level>& marks,
                    const std::vector<Level>& spaces) {
   if (marks.empty() || spaces.empty() || marks.front().Least < kShortestRawMark) return false;
   const std::size_t levels = marks.size() + spaces.size();
-  return (levels > 2 || SendsFramesOfOneSize(heard)) && marks.size() <= kMostMarkLevels &&
-         spaces.size() <= kMostSpaceLevels && levels * kLengthsPerLevel <= heard.Runs.size();
+  return (LengthsIn(marks) + LengthsIn(spaces) > 2 || SendsFramesOfOneSize(heard)) &&
+         marks.size() <= kMostMarkLevels && spaces.size() <= kMostSpaceLevels &&
+         levels * kLengthsPerLevel <= heard.Runs.size();
 }
 
 }  // namespace
@@ -91,10 +116,11 @@ bool IsCleanSignal(const HeardLengths& heard, const std::vector<Level>& marks,
 bool IsNoise(const HeardLengths& heard) {
   constexpr std::size_t kMostTorn = 2;   // levels that jitter makes of one
   constexpr std::size_t kTelling = 200;  // lengths that are enough to tell
-  const HeardLengths head = {heard.Runs.first(std::min(heard.Runs.size(), kTelling)), true, heard.SampleTime};
-  const std::size_t marks = LevelsOf(head, 0).size(), spaces = LevelsOf(head, 1).size();
-  if (marks > kMostMarkLevels + kMostTorn || spaces > kMostSpaceLevels + kMostTorn) return true;
-  return marks < 2 && spaces < 2 && !SendsFramesOfOneSize(heard);
+  HeardLengths head = heard.Part(0, std::min(heard.Runs.size(), kTelling));
+  head.Cut = true;
+  const std::vector<Level> marks = LevelsOf(head, 0), spaces = LevelsOf(head, 1);
+  if (marks.size() > kMostMarkLevels + kMostTorn || spaces.size() > kMostSpaceLevels + kMostTorn) return true;
+  return LengthsIn(marks) < 2 && LengthsIn(spaces) < 2 && !SendsFramesOfOneSize(heard);
 }
 
 std::optional<LeveledSignal> FindLevels(const HeardLengths& heard) {

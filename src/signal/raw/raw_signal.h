@@ -24,6 +24,10 @@ struct RawSignal {
 /// more, and the spaces after their leaders last up to 4.5 ms.
 inline constexpr int kRawGap = 5000;
 
+/// The same in a signal, microseconds: more where the spaces of its digits are nearly as long as kRawGap.
+/// @param unit of the lengths, microseconds
+int RawGapOf(RunSpan lengths, double unit = 1);
+
 /// Fewer lengths tell nothing: a leader and 7 digits, of which fewer are a fragment in any line code.
 inline constexpr std::size_t kFewestRawLengths = 17;
 
@@ -32,12 +36,17 @@ struct HeardLengths {
   RunSpan Runs;                            // from the first mark to the last that was heard whole, samples
   bool Cut = false;                        // the samples ended before the signal did
   double SampleTime = kNominalSampleTime;  // microseconds
+  int Gap = kRawGap;                       // of the whole signal, see RawGapOf
 
   double Us(std::size_t i) const { return Runs[i] * SampleTime; }
   /// Whether a length is a space that parts two frames.
-  bool IsGap(std::size_t i) const { return i % 2 == 1 && Us(i) >= kRawGap; }
+  bool IsGap(std::size_t i) const { return i % 2 == 1 && Us(i) >= Gap; }
   /// The same without what stands before a length.
-  HeardLengths From(std::size_t i) const { return {Runs.subspan(i), Cut, SampleTime}; }
+  HeardLengths From(std::size_t i) const { return {Runs.subspan(i), Cut, SampleTime, Gap}; }
+  /// So many lengths, of which the last is heard whole.
+  HeardLengths Part(std::size_t first, std::size_t number) const {
+    return {Runs.subspan(first, number), false, SampleTime, Gap};
+  }
 };
 
 /// @param runs as RunReader gives them
