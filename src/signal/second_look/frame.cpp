@@ -1,5 +1,7 @@
 #include "signal/second_look/frame.h"
 
+#include <algorithm>
+
 #include "signal/decode.h"
 
 namespace keplo::robust {
@@ -10,6 +12,11 @@ bool Frame::SameCode(const Frame& other) const {
   if (Symbols == other.Symbols) return true;
   // Of two taps in one capture.
   return Shape->HasToggle && DecodeCode(Symbols, Kind()) == DecodeCode(other.Symbols, Kind());
+}
+
+bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest) {
+  const auto ones = std::count(digits.begin(), digits.end(), '1');
+  return ones >= fewest && std::ssize(digits) - ones >= fewest;
 }
 
 }  // namespace keplo::robust

@@ -85,4 +85,11 @@ struct LineShape {
 
 inline std::int16_t Frame::Kind() const { return Shape->Kind; }
 
+/// Digits of either kind in a code that nothing but its repeat proves, at least.
+inline constexpr std::ptrdiff_t kFewestOfEach = 3;
+
+/// Whether there are so many digits of either kind. Pulses of one length make equal digits, and those that
+/// fail now and then one or two odd ones.
+bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest);
+
 }  // namespace keplo::robust

@@ -75,11 +75,13 @@ bool IsOnlyPart(const Frame& frame, const Findings& found) {
 }
 
 /// Whether the press has more than its only frame, and that is of another one or spoils what stands beside
-/// it.
+/// it. Of equal pulses, as a lamp sends, any number may make a frame.
 bool IsInDoubt(const Frame& frame, const Findings& found) {
+  const bool equal = frame.StepUnits == 0;
   return found.Stray || !IsLongest(frame, found) ||
-         std::any_of(found.Others.begin(), found.Others.end(),
-                     [&](const OtherPiece& piece) { return TellsOfAnother(piece, frame); });
+         std::any_of(found.Others.begin(), found.Others.end(), [&](const OtherPiece& piece) {
+           return TellsOfAnother(piece, frame) || (equal && !piece.IsCut);
+         });
 }
 
 /// Whether two frames are more than one that was damaged: a run that is stretched makes another digit of one.
@@ -133,11 +135,6 @@ bool AreTwoInTurns(const Findings& found) {
     if (i >= 2 && !frame.SameCode(frames[i - 2])) return false;
   }
   return true;
-}
-
-bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest) {
-  const auto ones = std::count(digits.begin(), digits.end(), '1');
-  return ones >= fewest && std::ssize(digits) - ones >= fewest;
 }
 
 bool IsOneFrame(const std::vector<Piece>& pieces) {

@@ -22,13 +22,6 @@ bool IsOnlyFrame(const Findings& found);
 /// two frames. What else is there must be a part of one of them.
 bool AreTwoInTurns(const Findings& found);
 
-/// Digits of either kind in a code that nothing but its repeat proves, at least.
-inline constexpr std::ptrdiff_t kFewestOfEach = 3;
-
-/// Whether there are so many digits of either kind. Pulses of one length make equal digits, and those that
-/// fail now and then one or two odd ones.
-bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest);
-
 /// Whether the pieces are one frame, sent again and again.
 bool IsOneFrame(const std::vector<Piece>& pieces);
 

@@ -40,6 +40,13 @@ int UnitsOf(int run, double excess, double unit) {
   return static_cast<int>(std::lround((run - excess) / unit));
 }
 
+bool HasUsualExcess(const Frame& frame) { return Within(frame.Excess / frame.Unit, -0.3, 0.8); }
+
+bool HasUsualUnit(const Frame& frame) {
+  constexpr double kMostUnit = 16;  // samples; 640 us in those of 40
+  return frame.Unit <= kMostUnit && HasUsualExcess(frame);
+}
+
 bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body) {
   const Length& longest = body.Spaces.Longest();
   return leader.Space >= 1.25 * longest.Mean && leader.Space >= longest.Most + 3;

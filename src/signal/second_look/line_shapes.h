@@ -25,6 +25,11 @@ std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& lead
 /// @param excess by which the run is longer than whole base times, samples
 int UnitsOf(int run, double excess, double unit);
 
+/// Whether the excess is such as receivers make, and with it the base time such as the common protocols of
+/// pulse distance and width have. A lamp's pulses are of any length.
+bool HasUsualExcess(const Frame& frame);
+bool HasUsualUnit(const Frame& frame);
+
 /// Whether the leader space is longer than any space of the frame. If not, nothing tells it from a digit's.
 bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body);
 

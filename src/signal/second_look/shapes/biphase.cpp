@@ -35,6 +35,7 @@ std::optional<Frame> ReadHalves(const Body& body, const Leader* leader) {
   Frame frame;
   frame.Alphabet = &kBiphaseAlphabet;
   frame.Unit = unit;
+  frame.Excess = body.Marks.Short().Mean - unit;
   frame.Clear = IsClear(body.Marks) && IsClear(body.Spaces);
   frame.Digits = kBiphaseDigits;
   return frame;
@@ -48,7 +49,7 @@ bool HalvesProveThemselves(const Frame& frame) {
   constexpr double kLeastUnit = 10.5, kLeastOfEqual = 12.8;  // samples; 580 and 700 us
   constexpr std::size_t kFewestDoubles = 3;
   const std::size_t doubles = frame.Symbols.size() - frame.Runs;
-  return frame.Unit > (doubles < kFewestDoubles ? kLeastOfEqual : kLeastUnit);
+  return HasUsualExcess(frame) && frame.Unit > (doubles < kFewestDoubles ? kLeastOfEqual : kLeastUnit);
 }
 
 }  // namespace

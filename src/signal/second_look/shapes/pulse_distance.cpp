@@ -81,7 +81,7 @@ std::string_view DistanceHead(const Leader& leader, const Frame& frame, bool spa
 }
 
 void TakeDistanceLeader(Frame& frame, const Leader& leader, const Body& body) {
-  if (std::abs(frame.Excess) < 0.8 * frame.Unit) frame.Leads = KindOf(leader, frame.Unit, frame.Excess);
+  if (HasUsualUnit(frame)) frame.Leads = KindOf(leader, frame.Unit, frame.Excess);
   frame.Head = DistanceHead(leader, frame, LeaderSpaceIsDistinct(leader, body));
   if (frame.Head != "Gg") ++frame.Digits;
 }
@@ -128,11 +128,12 @@ bool DistancesProveThemselves(const Frame& frame) {
     case 28:
       return frame.Dittos > 0 && EndsInItsSum(frame) && !AreInverse(digits, 0, 8);  // as NEC's are
     case 32:
-      return frame.Leads != LeaderKind::Short && !IsFrontOf42(digits);
+      return frame.Leads == LeaderKind::Long ? !IsFrontOf42(digits)
+                                             : frame.Leads == LeaderKind::Even && HasBothDigits(digits, 1);
     case 42:
       return AreInverse(digits, 0, 13) && AreInverse(digits, 26, 8);
     default:
-      return digits.size() == 48 && digits.find(digits.front() == '0' ? '1' : '0') != std::string::npos;
+      return digits.size() == 48 && HasBothDigits(digits, 1);
   }
 }
 

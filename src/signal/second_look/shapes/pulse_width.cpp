@@ -21,6 +21,7 @@ Frame WidthFrame(const Body& body, double unit, const RunAlphabet& alphabet) {
   frame.Excess = unit - body.Spaces.Short().Mean;
   frame.Digits = body.MarkCount();
   frame.Clear = IsClear(body.Marks);
+  if (body.Marks.Number == 2) frame.StepUnits = Step(body.Marks) / unit;
   return frame;
 }
 
@@ -49,7 +50,8 @@ void TakeWidthLeader(Frame& frame, const Leader& leader, const Body& body) {
   constexpr double kLeastUnit = 7.5;  // samples; SONY's 600 us in those of 75
   const double mark = (leader.Mark - frame.Excess) / frame.Unit;
   const double space = (leader.Space + frame.Excess) / frame.Unit;
-  if (Within(mark, 3.2, 4.8) && space < 2 && frame.Unit >= kLeastUnit) frame.Leads = LeaderKind::Width;
+  const bool usual = frame.Unit >= kLeastUnit && HasUsualUnit(frame);
+  if (Within(mark, 3.2, 4.8) && space < 2 && usual) frame.Leads = LeaderKind::Width;
   frame.Head = LeaderSpaceIsDistinct(leader, body) ? "Gg" : "G0";
 }
 
