@@ -108,7 +108,8 @@ std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths) {
   std::optional<SectionSignal> section =
       heard.SendAs == kSendAsRc6 ? Rc6Section(first) : TurnsSection(first, heard.Code);
   if (!section) return std::nullopt;
-  section->Params.SENDAS = heard.SendAs;
+  // Whichever frame of a turn goes first, the keys of a remote stay in one section.
+  section->Params.SENDAS = heard.SendAs == kSendAsRc6 ? heard.SendAs : SendInTurns(heard.Code.size() / 2);
   if (Hear(SentPress(*section, heard.Code)).Code != heard.Code) return std::nullopt;
   return HeardCode{*std::move(section), heard.Code};
 }

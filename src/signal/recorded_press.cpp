@@ -68,7 +68,8 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
 /// Two alternating frames are one command, and seeing the first of them again is its repeat.
 void TakeTurns(const RobustReading& look, RecordReading& reading) {
   look.Decode(reading.Code);
-  reading.SendAs = SendInTurns(reading.Code.size() / 2);
+  const bool fromSecond = !reading.Code.starts_with(DecodeCode(look.Frame, look.ProtoKind));
+  reading.SendAs = SendInTurns(reading.Code.size() / 2, fromSecond);
   reading.Repeats = look.Proven == RobustReading::Proof::Sure;
   reading.Values.reset();
 }

@@ -12,6 +12,7 @@ namespace keplo {
 namespace {
 
 constexpr std::string_view kEvery = "PERIOD";  // before the slots
+constexpr char kFromSecond = '<';              // after the digits
 constexpr char kNoteMark = ':';                // between the way and the checksum
 constexpr std::string_view kSigns = "!$%()*+./;<>?@^~";
 constexpr int kBitsPerSign = 4;
@@ -58,6 +59,17 @@ std::string WithoutWays(std::string_view sendAs) {
   const int period = PeriodOf(sendAs);
   return period > 0 ? SendEvery(period) : std::string();
 }
+
+std::string SendInTurns(std::size_t digits, bool fromSecond) {
+  return std::to_string(digits) + (fromSecond ? std::string(1, kFromSecond) : "");
+}
+
+bool IsSentInTurns(std::string_view code, std::string_view way) {
+  const std::string_view number = way.substr(0, way.find(kFromSecond));
+  return !code.empty() && code.size() % 2 == 0 && number == SendInTurns(code.size() / 2);
+}
+
+bool IsSentFromSecond(std::string_view way) { return way.ends_with(kFromSecond); }
 
 std::string_view WayOf(std::string_view code, std::string_view sendAs) {
   std::string_view way;

@@ -15,12 +15,13 @@ inline constexpr std::string_view kSendAsRc6 = "RC6";
 
 /// The way of codes of two alternating frames.
 /// @param digits of one frame
-inline std::string SendInTurns(std::size_t digits) { return std::to_string(digits); }
+/// @param fromSecond whether the second half of the code was heard first, and goes out first: the two
+/// parts of a message look alternating, but have an order
+std::string SendInTurns(std::size_t digits, bool fromSecond = false);
 
-/// Whether a code is two alternating frames, by its way.
-inline bool IsSentInTurns(std::string_view code, std::string_view way) {
-  return !code.empty() && code.size() % 2 == 0 && way == SendInTurns(code.size() / 2);
-}
+/// Whether a code is two alternating frames, by its way; and if so, whether the second half goes out first.
+bool IsSentInTurns(std::string_view code, std::string_view way);
+bool IsSentFromSecond(std::string_view way);
 
 /// The word for frames that follow each other at one period, however long they are.
 /// @param slots from the first slot of a frame to the first of the next

@@ -72,10 +72,11 @@ std::string FrameBody(std::string_view code, const ProtocolParams& params) {
 }
 
 /// Two alternating frames, each with its sync.
-std::string TurnSlots(std::string_view code, const ProtocolParams& params) {
+std::string TurnSlots(std::string_view code, std::string_view way, const ProtocolParams& params) {
   const std::string gap(TurnGap(params), '0');
-  const std::string first = params.BITG + FrameBody(code.substr(0, code.size() / 2), params);
-  const std::string second = params.BITG + FrameBody(code.substr(code.size() / 2), params);
+  std::string first = params.BITG + FrameBody(code.substr(0, code.size() / 2), params);
+  std::string second = params.BITG + FrameBody(code.substr(code.size() / 2), params);
+  if (IsSentFromSecond(way)) first.swap(second);
   std::string slots;
   for (int turn = 0; turn < kTurns; ++turn) {
     if (turn > 0) slots += gap;
@@ -151,7 +152,7 @@ std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolPar
                             " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
   }
   params.BitTail = BitTailOf(protoKind);
-  if (IsSentInTurns(code, way)) return TurnSlots(code, params);
+  if (IsSentInTurns(code, way)) return TurnSlots(code, way, params);
   if (protoKind == kRc5 && !isRc6) WriteToggle(code, rc5Toggle);
   if (isRc6) rc5Toggle = !rc5Toggle;
   const std::string body = isRc6 ? Rc6Halves(code, rc5Toggle, sent.BIT1, sent.BIT0) : FrameBody(code, params);

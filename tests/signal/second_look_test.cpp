@@ -354,6 +354,7 @@ TEST(SecondLook, TellsARecordingAsTheFirstAnalysisDoes) {
   const RecordReading turns = Record(Then(nec, kGap, NecRuns(kOtherDigits)));
   EXPECT_EQ(std::tuple(turns.Code, turns.Repeats, turns.SendAs),
             std::tuple(kNecDigits + kOtherDigits, false, std::string("32")));
+  EXPECT_EQ(Record(Then(NecRuns(kOtherDigits), kGap, nec)).SendAs, "32<") << "in the order that was heard";
   const RecordReading rc6 = Record(Rc6Runs("10000000010100001100", true));
   EXPECT_EQ(rc6.Values, (CodeValues{5, 12}));
   EXPECT_EQ(std::tuple(rc6.Toggle, rc6.SendAs), std::tuple('1', std::string("RC6")));

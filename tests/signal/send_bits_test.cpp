@@ -82,6 +82,9 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   const std::string first = params.BITG + "1000101", second = params.BITG + "1010001", gap = Silence(50);
   const std::string turn = first + gap + second;
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle), turn + gap + turn + gap + turn);
+  ProtocolParams reversed = params;
+  reversed.SENDAS = SendInTurns(2, true);
+  EXPECT_TRUE(BuildSendBits(code, kNec, reversed, toggle).starts_with(second + gap + first)) << "as heard";
   code = "10";
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle).substr(0, first.size()), first) << "a single frame";
 }
