@@ -191,6 +191,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"RC5 alone, end cut", UpTo(rc5, 15), no},
       {"SONY of 20 that lost two marks after its twelfth",
        WithoutMark(SonyRuns("10101010101011010101"), 26, 2), no},
+      {"the same, and more marks", WithoutMark(SonyRuns("10101010101011010101"), 26, 5), no},
       {"SONY of 15 that faded after 11 digits", UpTo(SonyRuns(kSonyDigits + "110"), 23), no},
       {"two that differ", Then(sony, 200, other), "doubtful"},
       {"three, of which two agree", Then(Then(other, 200, sony), 200, sony), "SONY " + kSonyDigits},

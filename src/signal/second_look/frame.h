@@ -52,10 +52,11 @@ struct Frame {
   std::size_t Runs = 0;
   bool Clear = false;  // no run is anywhere near the middle between two lengths
   LeaderKind Leads = LeaderKind::Other;
-  Leader Led;        // as it was heard; no length without one
-  bool Ends = true;  // the signal ends after it, or rests for longer than lost marks would make it
-  int After = 0;     // the space after, samples
-  int Dittos = 0;    // right after it: NEC's sign that the key is still held
+  Leader Led;              // as it was heard; no length without one
+  bool Ends = true;        // the signal ends after it, or rests for longer than lost marks would make it
+  int After = 0;           // the space after, samples
+  bool ThenLeader = true;  // what comes after it begins with one, if anything comes
+  int Dittos = 0;          // right after it: NEC's sign that the key is still held
 
   std::int16_t Kind() const;
   bool HasLeader() const { return !Head.empty(); }

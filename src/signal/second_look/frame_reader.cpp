@@ -126,6 +126,7 @@ void FrameReader::ReadPieces() {
     const bool last = place_ + 1 == pieces_.size();
     frame->Ends = last || piece.After >= frame->Shape->RestUnits * frame->Unit;
     frame->After = piece.After;
+    frame->ThenLeader = last || pieces_[place_ + 1].IsSingle() || HasLeaderInside(pieces_[place_ + 1]);
     afterFrame_ = true;
     found_.Frames.push_back(*frame);
   }
