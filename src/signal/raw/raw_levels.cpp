@@ -82,7 +82,7 @@ std::size_t LengthsIn(const std::vector<Level>& levels) {
 
 /// Whether the mean of a level would say something else than the run: the signal has to fit itself.
 bool IsFarFrom(const Level& level, int run) {
-  constexpr double kNear = 1.1;  // samples; what jitter and raster make of a length
+  constexpr double kNear = 1.3;  // samples; what jitter and raster make of a length
   return std::abs(run - level.Mean()) > kNear;
 }
 
