@@ -104,8 +104,14 @@ ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
   params.BITG = rc6.BITG;
   params.BIT0 = rc6.BIT0;
   params.BIT1 = rc6.BIT1;
-  const std::size_t slots = Slots(params.REPEAT) * Slots(params.SENDPLS) / kRc6Slot;
-  params.REPEAT = static_cast<std::int16_t>(std::min<std::size_t>(slots, INT16_MAX));
+  const auto inSlots = [&](std::size_t ownSlots) {
+    return static_cast<std::int16_t>(
+        std::min<std::size_t>(ownSlots * Slots(params.SENDPLS) / kRc6Slot, INT16_MAX));
+  };
+  params.REPEAT = inSlots(Slots(params.REPEAT));
+  if (const int period = PeriodOf(params.SENDAS); period > 0) {
+    params.SENDAS = SendEvery(inSlots(static_cast<std::size_t>(period)));
+  }
   params.GREPEAT = params.REPEAT;  // each repeat has its leader
   return params;
 }

@@ -91,7 +91,7 @@ HeardLengths TellingPart(const HeardLengths& heard) {
     }
   }
   const bool whole = endsInPiece || kept < frames.Ends.size();
-  return {heard.Runs.first(frames.Ends[kept - 1]), heard.Cut && !whole, heard.SampleTime};
+  return {heard.Runs.first(frames.Ends[kept - 1]), heard.Cut && !whole, heard.SampleTime, heard.Gap};
 }
 
 bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
