@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "config/learn.h"
@@ -100,6 +102,28 @@ TEST_F(RawStored, KeepsLengthsOfATextThatWasPutAside) {
   stored_.Disk.Remove(store_.ConflictCopy);
   Learn(kCool, "COOL");
   EXPECT_EQ(stored_.Disk.Files()[kFile].find(kHeat.Digits), std::string::npos);
+}
+
+/// Something happens ahead of an operation on the files.
+struct MeddledFiles : SteppedFiles {
+  using SteppedFiles::SteppedFiles;
+  void Step() override {
+    if (--Ahead == 0) Meddle();
+  }
+  int Ahead = 0;
+  std::function<void()> Meddle;
+};
+
+TEST_F(RawStored, BringsLengthsBackWithALineThatAnotherProgramHasDeletedMeanwhile) {
+  Learn(kCool, "COOL");
+  MeddledFiles files(stored_.Disk);
+  CfgStore writer(store_.Path, files);
+  LoadConfig(writer);
+  files.Ahead = 2;  // after the look at what is to be replaced
+  files.Meddle = [&] { DeleteCommand(store_, "AC", "COOL"); };
+  EXPECT_TRUE(AddCommand(writer, "AC", "G1100", "DRY").Done());
+  EXPECT_NE(writer.ConflictCopy, "") << "two lines in one place";
+  EXPECT_EQ(Heard(*Reread(), kCool), "COOL");
 }
 
 TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionThatNoFileCouldBeNamedAs) {
