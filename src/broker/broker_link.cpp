@@ -56,14 +56,17 @@ class Connector {
       std::optional<Clock::time_point> upSince;
       const std::optional<Refusal> refusal = RunSession(purpose_, upSince);
       if (!refusal) return;
+      const int version = version_;
       Pause(After(*refusal, upSince));
-      if (takenOver_ && purpose_.SpeaksForDevice) GiveWay();
+      if (takenOver_ && purpose_.SpeaksForDevice) GiveWay(version);
     }
   }
 
  private:
   /// Stays away from a host of the same identity until that one has gone.
-  void GiveWay() {
+  /// @param version that the broker is known to speak
+  void GiveWay(int version) {
+    version_ = version;
     LinkPurpose watch;
     watch.ClientId = purpose_.ClientId + "-watch-" + std::to_string(random_());
     watch.SpeaksForDevice = false;

@@ -74,7 +74,7 @@ std::optional<Refusal> Session::Run() {
   for (const News& news : waiting_) Drop(news);
   // Whether these have arrived nobody knows; to tell them again would make two of one.
   for (const auto& [message, sent] : unconfirmed_) mailbox_.CountDropped(sent.Told);
-  if (refusal_) client_.DropUntaken();
+  if (refusal_ || !unconfirmed_.empty()) client_.DropUntaken();
   return mailbox_.IsClosed() ? std::nullopt : refusal_;
 }
 

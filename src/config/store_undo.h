@@ -30,8 +30,8 @@ class StoreUndo {
 
   /// Takes the last change back and saves; the next call takes back the one before it. Where the change has
   /// selected another protocol in PROTOCOL=, the one before it is selected again. Lists are to be filled
-  /// again. A change whose lines were changed again by another program is told once and left out from then on,
-  /// as long as they are so.
+  /// again. A change whose lines were changed again by another program is told once and left out from then
+  /// on, as long as they are so.
   /// @return why nothing was taken back, for a person; empty if it was
   /// @throws Failure if the save fails; as long as the text is as it was, the change can be taken back again
   std::string Undo();

@@ -52,6 +52,7 @@ void BrokerOutput::ReadAgain() {
     settings_ = std::move(settings);
     if (settings_) Connect(*settings_);
   } catch (const Failure& failure) {
+    if (!bridge_) settings_.reset();
     log_.Write(LogLevel::Warning,
                std::string(failure.what()) + (bridge_ ? " Until then the broker stays as it was."
                                                       : " Until then no broker is told of events."));

@@ -112,10 +112,12 @@ std::int32_t NodeLine::DCD() {
 
 void NodeLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
   origin_.reset();
+  toldLengths_.clear();
   if (IsOpen() && !buffer.empty()) Capture(buffer, delay);
 }
 
 void NodeLine::NoteOrigin(Time begin, Pulses press, microseconds most) {
+  if (press.empty()) return;
   const Pulses toLastMark = press.first(press.size() - (press.size() % 2 == 0 ? 1 : 0));
   const microseconds length(std::accumulate(toLastMark.begin(), toLastMark.end(), std::int64_t{0}));
   SignalOrigin origin;

@@ -267,8 +267,9 @@ SectionGroup::Rhythm SectionGroup::RhythmWith(const CodedSignal& signal, RepeatK
 bool SectionGroup::HasGap(const CodedSignal& signal, RepeatKind kind) const {
   if (rhythm_.IsEmpty() || SilenceAfter(signal) <= 0) return true;
   const Rhythm rhythm = RhythmWith(signal, kind);
-  const bool isLengthened = rhythm.Silences.Least < kShortestGap;
-  if (isLengthened && rhythm_.Silences.Least >= kShortestGap) return false;
+  // Those that are too short to be sent are all lengthened to the same.
+  const bool isLengthened = GapSlots(section_, signal, kind) < kShortestGap;
+  if (isLengthened != (rhythm_.Silences.Least < kShortestGap)) return false;
   return isLengthened || rhythm.HasOneSilence() || rhythm.HasOnePeriod();
 }
 

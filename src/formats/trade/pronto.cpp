@@ -42,6 +42,15 @@ bool BeginsCode(std::string_view digits) {
   return digits.size() >= 2 * kDigitsPerWord && IsType(digits.substr(0, kDigitsPerWord));
 }
 
+/// Whether a code has the words that it counts.
+bool IsWhole(std::string_view digits) {
+  if (digits.size() < kHeadDigits) return false;
+  const auto count = [&](std::size_t word) {
+    return *NumberOf(digits.substr(word * kDigitsPerWord, kDigitsPerWord), 16);
+  };
+  return digits.size() >= kHeadDigits + static_cast<std::size_t>(count(2) + count(3)) * 2 * kDigitsPerWord;
+}
+
 /// The place of two hex words that stand right before a place, which are the type and the frequency of a
 /// code of a foreign type, or the place itself.
 std::size_t WithForeignType(std::string_view line, std::size_t at) {
@@ -61,7 +70,7 @@ std::size_t FindCode(std::string_view line) {
   for (std::size_t at = 0; at != std::string_view::npos;) {
     const std::string_view rest = line.substr(at);
     if (IsType(rest.substr(0, kDigitsPerWord)) && IsHexLine(rest) && BeginsCode(Joined(rest)))
-      return WithForeignType(line, at);
+      return IsWhole(Joined(rest)) ? at : WithForeignType(line, at);
     at = line.find_first_of(kBeforeCode, at);
     if (at != std::string_view::npos) at = line.find_first_not_of(kBeforeCode, at);
   }
@@ -97,7 +106,7 @@ class ProntoReader {
     if (line.empty()) return;
     const bool hex = IsHexLine(line);
     // Behind a whole code a word such as FACE is the next one's name.
-    const bool goesOn = !digits_.empty() && (line.size() > kDigitsPerWord || !IsWhole());
+    const bool goesOn = !digits_.empty() && (line.size() > kDigitsPerWord || !IsWhole(digits_));
     const std::size_t code = FindCode(line);
     // A name may be of hex digits itself, but is one word.
     const bool foreign = hex && line.find_first_of(" \t") < std::min(code, line.size()) - 1;
@@ -124,18 +133,9 @@ class ProntoReader {
 
   void TakeHex(std::string_view line, int number) {
     const std::string digits = Joined(line);
-    if (!digits_.empty() && IsWhole() && BeginsCode(digits)) EndCode();
+    if (!digits_.empty() && IsWhole(digits_) && BeginsCode(digits)) EndCode();
     if (digits_.empty()) line_ = number;
     if (digits_.size() <= kDigitsPerWord * (kMostLengths + 8)) digits_ += digits;
-  }
-
-  /// Whether the code has the words that it counts.
-  bool IsWhole() const {
-    if (digits_.size() < kHeadDigits) return false;
-    const auto count = [&](std::size_t word) {
-      return *NumberOf(std::string_view(digits_).substr(word * kDigitsPerWord, kDigitsPerWord), 16);
-    };
-    return digits_.size() >= kHeadDigits + static_cast<std::size_t>(count(2) + count(3)) * 2 * kDigitsPerWord;
   }
 
   RemoteKey NewKey(int number) {

@@ -34,7 +34,9 @@ int LineOfStrayLetter(std::string_view text) {
       stray = next < rest.size() && next > 1 && BeyondAscii(rest[next]);
       ++at;
     } else if (!within.empty() && within != "#" && rest.starts_with(within)) {
-      at += within.size() - 1;
+      // Three quotes close a string of many lines, of up to five that follow one another.
+      const std::size_t most = within.size() == 3 ? 5 : 1;
+      at += std::min(rest.find_first_not_of(within[0]), most) - 1;
       within = {};
     }
     if (stray)

@@ -51,7 +51,7 @@ class BrokerMessages : public RoomMessages {
         stamp_(StampOf(broker::BrokerFile(appPath_))),
         settings_(broker::RequireBrokerSettings(appPath_)),
         wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    Connect();
+    Connect(broker::IdentityOf(appPath_));
   }
 
   int WakeDescriptor() const override { return wakeup_.Number(); }
@@ -98,8 +98,7 @@ class BrokerMessages : public RoomMessages {
   bool IsOwn(const std::string& topic) const override { return topic == own_; }
 
  private:
-  void Connect() {
-    const std::string identity = broker::IdentityOf(appPath_);
+  void Connect(const std::string& identity) {
     const broker::Topics topics(settings_, identity);
     own_ = topics.Signal();
     link_ = std::make_unique<broker::BrokerLink>(settings_, identity, PurposeOf(settings_, topics, filter_),
@@ -115,9 +114,11 @@ class BrokerMessages : public RoomMessages {
     const FileStamp stamp = StampOf(broker::BrokerFile(appPath_));
     if (stamp == stamp_) return;
     stamp_ = stamp;
+    std::string identity;
     try {
       auto settings = broker::RequireBrokerSettings(appPath_);
       if (settings == settings_) return;
+      identity = broker::IdentityOf(appPath_);
       settings_ = std::move(settings);
     } catch (const Failure& failure) {
       news.Words.push_back(std::string(failure.what()) + " Until then " + filter_ +
@@ -126,7 +127,8 @@ class BrokerMessages : public RoomMessages {
     }
     leaving_ = std::move(link_);
     leaving_->End();
-    Connect();
+    whyNot_.clear();
+    Connect(identity);
   }
 
   void Wake() const {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -41,9 +42,17 @@ std::optional<int> ProcessOf(const std::string& lockFile) {
 
 bool Runs(int process) { return kill(process, 0) == 0 || errno == EPERM; }
 
+/// Whether whoever made a lock file had the time to open the port since.
+bool IsSettled(const std::string& lockFile) {
+  std::error_code error;
+  const auto made = std::filesystem::last_write_time(lockFile, error);
+  return !error && std::filesystem::file_time_type::clock::now() - made > std::chrono::seconds(10);
+}
+
 /// Whether a lock file is left from a process that is gone; its number may be that of another one by now.
-bool IsStale(int process, const std::string& device) {
-  return process == getpid() || !Runs(process) || !HasDeviceOpen(process, device).value_or(true);
+bool IsStale(const std::string& lockFile, int process, const std::string& device) {
+  const bool isGone = process == getpid() || !Runs(process);
+  return isGone || (IsSettled(lockFile) && !HasDeviceOpen(process, device).value_or(true));
 }
 
 }  // namespace
@@ -51,7 +60,7 @@ bool IsStale(int process, const std::string& device) {
 std::string HolderOfLockFile(const std::string& device) {
   const std::string path = LockFileOf(device);
   const int process = ProcessOf(path).value_or(0);
-  if (process <= 0 || IsStale(process, device)) return {};
+  if (process <= 0 || IsStale(path, process, device)) return {};
   const std::string holder = NameOfProcess(process);
   if (HasDeviceOpen(process, device).has_value()) return holder;
   return holder + ", as " + path + " says (if that is wrong, delete the file)";
@@ -61,7 +70,7 @@ std::string TakeLockFile(const std::string& device) {
   std::string path = LockFileOf(device);
   // One that cannot be understood may be of a program that runs.
   const int process = ProcessOf(path).value_or(0);
-  if (process > 0 && IsStale(process, device)) unlink(path.c_str());
+  if (process > 0 && IsStale(path, process, device)) unlink(path.c_str());
   const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (descriptor < 0) return {};
   char text[16];

@@ -278,7 +278,6 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   log_.Clear();
   // Only lengths can be freed of what the receiver did to them.
   const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
-  toldLengths_.clear();
   CopySignal(SignalOfPress(Press(press), buffer.size(), options), report.Samples, buffer);
   return true;
 }
@@ -295,9 +294,8 @@ bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, st
   // Characters for zone hardware are too slow to be a carrier.
   const std::int32_t before = mode_;
   if (txd && before == kZoneCharacters) SetMode(1);
-  if (!port_) return false;
   const bool worked =
-      Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
+      port_ && Worked(PlayLight(calls_, *port_, txd ? LightOutput::Txd : LightOutput::Dtr, bytes, slot));
   if (mode_ != before) SetMode(before);
   return worked;
 }
