@@ -28,7 +28,7 @@ constexpr int kFrameGapUs = microseconds(kFrameGap).count();
 constexpr int kPressGap = 150'000;  // microseconds; a longer space parts two presses
 constexpr std::size_t kMostHeard = 4096;
 constexpr auto kGetReady = 2ms;    // before a signal, to work out its lengths
-constexpr auto kLongestWait = 2s;  // for a device that is busy for itself
+constexpr auto kLongestBusy = 2s;  // for a device that is busy for itself
 constexpr auto kTryAgain = 1ms;
 constexpr auto kTellingTime = 20ms;  // a driver may tell several items at once
 
@@ -300,7 +300,7 @@ int LircLine::Write(const std::vector<unsigned>& lengths, Time over) {
     const Time now = calls_.Now();
     if (written == static_cast<ssize_t>(size) || (error == EINTR && now >= over)) return 0;
     const bool mayPass = error == EINTR || error == EAGAIN;
-    if (!mayPass || HeldSignals::Pending() || now >= over + kLongestWait) return error == 0 ? EIO : error;
+    if (!mayPass || HeldSignals::Pending() || now >= over + kLongestBusy) return error == 0 ? EIO : error;
     calls_.SleepUntil(now + kTryAgain);
   }
 }

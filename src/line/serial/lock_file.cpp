@@ -61,7 +61,7 @@ std::string HolderOfLockFile(const std::string& device) {
   const std::string path = LockFileOf(device);
   const int process = ProcessOf(path).value_or(0);
   if (process <= 0 || IsStale(path, process, device)) return {};
-  const std::string holder = NameOfProcess(process);
+  std::string holder = NameOfProcess(process);
   if (HasDeviceOpen(process, device).has_value()) return holder;
   return holder + ", as " + path + " says (if that is wrong, delete the file)";
 }
