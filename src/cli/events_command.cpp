@@ -56,13 +56,11 @@ std::string ReferenceToBind(const EventWords& words) {
   CheckText("command", words.Command);
   if (const auto known = FindInConfig(words, *wanted)) return known->Text();
   if (!words.Force) {
-    throw Refused(
-        words.Command +
-        " is no learned command; keplo commands lists those that are. --force takes it all the same");
+    throw Refused(words.Command + " is no learned command; " + TypedCommand("commands", words.AppPath) +
+                  " lists those that are. --force takes it all the same");
   }
-  Tell(words.Command +
-       " is no learned command yet; the event fires only once it is. "
-       "keplo commands lists those that are");
+  Tell(words.Command + " is no learned command yet; the event fires only once it is. " +
+       TypedCommand("commands", words.AppPath) + " lists those that are");
   return words.Command;
 }
 

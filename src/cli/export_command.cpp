@@ -12,6 +12,7 @@
 #include "config/sections.h"
 #include "program/app_path.h"
 #include "remotes/stored_remote.h"
+#include "typed_command.h"
 
 namespace keplo::cli {
 
@@ -62,7 +63,8 @@ int TellMissing(const ExportOptions& options, const std::vector<Remote>& remotes
       });
     });
     if (found) continue;
-    Tell("there is no command " + word + " in these sections; keplo commands lists them");
+    Tell("there is no command " + word + " in these sections; " + TypedCommand("commands", options.AppPath) +
+         " lists them");
     status = kNoResult;
   }
   return status;
@@ -82,7 +84,9 @@ int Export(const ExportOptions& options) {
     }
     if (!remote.Keys.empty()) remotes.push_back(std::move(remote));
   }
-  if (remotes.empty()) throw Refused("there is no such command in these sections; keplo commands lists them");
+  if (remotes.empty())
+    throw Refused("there is no such command in these sections; " + TypedCommand("commands", options.AppPath) +
+                  " lists them");
   const int status = WriteRemoteFile(options.Format, remotes, options.OutFile);
   return std::max(status, TellMissing(options, remotes));
 }

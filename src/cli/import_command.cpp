@@ -120,9 +120,9 @@ void TellUnusedNames(const std::string& list, const ImportPlan& plan) {
     const std::size_t end = std::min(list.find(',', begin), list.size());
     const std::string name = list.substr(begin, end - begin);
     const auto wants = KeysNamed(name);
-    if (std::none_of(plan.Keys.begin(), plan.Keys.end(),
-                     [&](const PlannedKey& key) { return wants(*key.Key); }))
-      Tell("no key has a name of --keys " + name);
+    if (!Trimmed(name).empty() && std::none_of(plan.Keys.begin(), plan.Keys.end(),
+                                               [&](const PlannedKey& key) { return wants(*key.Key); }))
+      Tell("no key has a name of --keys " + std::string(Trimmed(name)));
     begin = end + 1;
   }
 }

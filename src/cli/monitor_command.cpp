@@ -100,7 +100,9 @@ void PrintTally(const PressTally& tally, std::ostream& out) {
       << " presses without an event\n";
   for (std::size_t i = 0; i < tally.AtStage.size(); ++i) {
     if (tally.AtStage[i] == 0) continue;
-    out << "  " << DescribeStage(static_cast<Stage>(i)) << ": " << tally.AtStage[i] << '\n';
+    const auto stage = static_cast<Stage>(i);
+    out << "  " << (stage == Stage::Code ? std::string(StageName(stage)) : DescribeStage(stage)) << ": "
+        << tally.AtStage[i] << '\n';
   }
   out.flush();
 }
@@ -113,8 +115,10 @@ int Monitor(const MonitorOptions& options) {
   LoggedBoxes boxes(log);
   CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
-  // Whatever ends the monitor, the port is left as it was found.
-  const StopSignals stop(EndingSignals());
+  // Whatever ends the monitor, the port is left as it was found. While recordings are read, a signal ends it
+  // at once.
+  std::optional<StopSignals> stop;
+  if (options.Line.ReplayFiles.empty()) stop.emplace(EndingSignals());
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
   Keplo& control = station.Control();
   std::optional<BrokerTelling> broker;
@@ -138,8 +142,9 @@ int Monitor(const MonitorOptions& options) {
 
   if (broker && !options.Line.ReplayFiles.empty()) broker->WaitUntilUp();
   if (LineRest* const line = station.Rest()) line->Forget();
+  if (!stop) stop.emplace(EndingSignals());
   control.InputStartMonitoring();
-  RunTicks(station, options, stop, changes, broker ? &*broker : nullptr);
+  RunTicks(station, options, *stop, changes, broker ? &*broker : nullptr);
   control.InputStopMonitoring();
   control.InputTerminate();
   const PressTally& tally = station.Tally();

@@ -30,6 +30,12 @@ namespace {
 
 constexpr std::size_t kFewestDigits = 5;  // of a code that is sent
 
+/// Whether a section sends a code in the way in which it was heard, whichever of two frames goes first.
+bool SendsInWayOf(const ProtocolParams& section, const HeardCode& heard) {
+  const std::string_view way = WayOf(heard.Digits, section.SENDAS), wanted = heard.Section.Params.SENDAS;
+  return way == wanted || (IsSentInTurns(heard.Digits, way) && IsSentInTurns(heard.Digits, wanted));
+}
+
 std::vector<int> RunsOf(const PulseTrain& lengths) {
   std::vector<int> runs;
   for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
@@ -119,7 +125,7 @@ class Planner {
     planned.IsRaw = false;
     planned.HeardDigits = heard.Digits;
     planned.Reason.clear();
-    if (section_ && WayOf(heard.Digits, section_->Params.SENDAS) != heard.Section.Params.SENDAS) {
+    if (section_ && !SendsInWayOf(section_->Params, heard)) {
       planned.Reason = "[" + wishes_.Section + "] has no line SENDAS= " + heard.Section.Params.SENDAS;
       return;
     }

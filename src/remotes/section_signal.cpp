@@ -10,6 +10,7 @@
 #include "config/transmission.h"
 #include "signal/decode.h"
 #include "signal/send_as.h"
+#include "signal/send_bits.h"
 #include "signal/timing.h"
 
 namespace keplo {
@@ -183,11 +184,12 @@ std::optional<SectionSignal> SectionOf(const CodedSignal& signal) {
 PulseTrain SentFrame(const SectionSignal& section, const std::string& digits) {
   ProtocolParams once = section.Params;
   once.REPEAT = once.GREPEAT = 0;
-  return LengthsOf(SentSlots(once, section.ProtoKind, digits), once.SENDPLS);
+  return LengthsOf(SentSlots(once, section.ProtoKind, digits), SlotOf(digits, section.ProtoKind, once));
 }
 
 PulseTrain SentPress(const SectionSignal& section, const std::string& digits) {
-  return LengthsOf(SentSlots(section.Params, section.ProtoKind, digits), section.Params.SENDPLS);
+  return LengthsOf(SentSlots(section.Params, section.ProtoKind, digits),
+                   SlotOf(digits, section.ProtoKind, section.Params));
 }
 
 bool SendsFrame(const SectionSignal& section, const CodedSignal& signal) {

@@ -65,7 +65,7 @@ std::string SendInTurns(std::size_t digits, bool fromSecond) {
 }
 
 bool IsSentInTurns(std::string_view code, std::string_view way) {
-  const std::string_view number = way.substr(0, way.find(kFromSecond));
+  const std::string_view number = way.substr(0, way.size() - (IsSentFromSecond(way) ? 1 : 0));
   return !code.empty() && code.size() % 2 == 0 && number == SendInTurns(code.size() / 2);
 }
 

@@ -108,7 +108,9 @@ ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
     return static_cast<std::int16_t>(
         std::min<std::size_t>(ownSlots * Slots(params.SENDPLS) / kRc6Slot, INT16_MAX));
   };
-  params.REPEAT = inSlots(Slots(params.REPEAT));
+  // A section that repeats in a short form has the silence in GREPEAT.
+  const int silence = params.REPEAT == 0 && params.GREPEAT > 1 ? params.GREPEAT : params.REPEAT;
+  params.REPEAT = silence > 0 ? std::max<std::int16_t>(inSlots(Slots(silence)), kShortestSilence) : 0;
   if (const int period = PeriodOf(params.SENDAS); period > 0) {
     params.SENDAS = SendEvery(inSlots(static_cast<std::size_t>(period)));
   }

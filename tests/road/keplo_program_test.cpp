@@ -100,7 +100,7 @@ TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
   ExpectPart(known.Out, "which is NEC&TV_MUTE\n  heard: 223 ms");
   EXPECT_EQ(known.Status, 0);
   const Ran monitor = install.Run("monitor --once --replay" + Quoted(kSamples / "sony_tv_1.mode2"));
-  ExpectPart(monitor.Out, "1 presses without an event\n  code (a code): 1\n");
+  ExpectPart(monitor.Out, "1 presses without an event\n  code: 1\n");
 }
 
 TEST(KeploProgram, JudgesASingleFrameAsItWasRecorded) {

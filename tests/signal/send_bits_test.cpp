@@ -73,6 +73,12 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   other.SENDAS = "7 " + NoteOfWay(code, kSendAsRc6);
   EXPECT_EQ(BuildSendBits(code, kRc5, other, toggle), head + "1100" + tail) << "in another section";
   EXPECT_EQ(SlotOf(code, kRc5, other), 444);
+  other = Params(kNec, 0, 72);
+  other.SENDPLS = 888;
+  other.SENDAS = kSendAsRc6;
+  EXPECT_TRUE(BuildSendBits(code, kNec, other, toggle)
+                  .starts_with(head + "0011" + tail + Silence(144) + head + "0011" + tail))
+      << "whose silence stands in GREPEAT";
   code = "101";
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), "11111100100110") << "no RC6 code";
 
@@ -85,6 +91,7 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   ProtocolParams reversed = params;
   reversed.SENDAS = SendInTurns(2, true);
   EXPECT_TRUE(BuildSendBits(code, kNec, reversed, toggle).starts_with(second + gap + first)) << "as heard";
+  EXPECT_EQ(WayOf(code, NoteOfWay("0110", reversed.SENDAS)), "") << "a note on another code";
   code = "10";
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle).substr(0, first.size()), first) << "a single frame";
 }

@@ -174,16 +174,18 @@ void SecondLook::ReadProof(const robust::Findings& found) {
 }
 
 /// Reads frames that each begin with a short mark and a rest; they are taken if their code was learned.
-void SecondLook::ReadAfterRests(const robust::PressRuns& runs) {
+/// @return false if there are no such frames
+bool SecondLook::ReadAfterRests(const robust::PressRuns& runs) {
   constexpr double kOfRest = 0.85;
   const robust::Findings& found = frames_.Read(runs, kOfRest * runs.Lengths[1] / robust::kGapUnits);
-  if (!robust::AreFramesAfterRests(found)) return;
+  if (!robust::AreFramesAfterRests(found)) return false;
   const robust::Frame& frame = found.Frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(frame.Unit));
   look_.ProtoKind = frame.Kind();
   WriteSymbols(found, &frame);
   robust::WriteFrame(frame, look_.Frame);
   look_.Proven = RobustReading::Proof::Single;
+  return true;
 }
 
 const RobustReading& SecondLook::Read(const SampleWords& samples) {
@@ -211,7 +213,9 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
     look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
     look_.UnreadMarks = found.UnknownMarks;
   }
-  if (look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs)) ReadAfterRests(runs);
+  const bool mayRest = look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs);
+  // What was found is told, see Heard.
+  if (mayRest && !ReadAfterRests(runs)) frames_.Read(runs, unit);
   return look_;
 }
 

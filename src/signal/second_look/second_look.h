@@ -81,7 +81,7 @@ class SecondLook {
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
                          bool joined);
   void ReadProof(const robust::Findings& found);
-  void ReadAfterRests(const robust::PressRuns& runs);
+  bool ReadAfterRests(const robust::PressRuns& runs);
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;
