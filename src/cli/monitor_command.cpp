@@ -100,9 +100,7 @@ void PrintTally(const PressTally& tally, std::ostream& out) {
       << " presses without an event\n";
   for (std::size_t i = 0; i < tally.AtStage.size(); ++i) {
     if (tally.AtStage[i] == 0) continue;
-    const auto stage = static_cast<Stage>(i);
-    out << "  " << (stage == Stage::Code ? std::string(StageName(stage)) : DescribeStage(stage)) << ": "
-        << tally.AtStage[i] << '\n';
+    out << "  " << DescribeStage(static_cast<Stage>(i)) << ": " << tally.AtStage[i] << '\n';
   }
   out.flush();
 }

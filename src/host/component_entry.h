@@ -164,7 +164,7 @@ class IStageTally {
 
   struct Stage {
     std::string Name;     // "no-frame"
-    std::string Meaning;  // for a person
+    std::string Meaning;  // for a person; empty where the name says it
     int Presses = 0;      // whose reading ended there
   };
   /// @return the stages at which a press has ended so far

@@ -59,11 +59,15 @@ std::string_view MeaningOf(Stage stage) {
     case Stage::Code:
       break;
   }
-  return "a code";
+  return {};
 }
 
 std::string DescribeStage(Stage stage) {
-  return std::string(StageName(stage)) + " (" + std::string(MeaningOf(stage)) + ")";
+  std::string text(StageName(stage));
+  if (const std::string_view meaning = MeaningOf(stage); !meaning.empty()) {
+    text.append(" (").append(meaning).append(")");
+  }
+  return text;
 }
 
 std::string WhyNoCode(const RecordReading& reading) {

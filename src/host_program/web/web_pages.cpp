@@ -120,7 +120,7 @@ QByteArray WebPages::Presses() const {
                     ", presses without an event: " + QByteArray::number(tally->WithoutEvent) + "</p>\n";
   QByteArray rows;
   for (const IStageTally::Stage& stage : host_.Stages()) {
-    const std::string text = stage.Name + " (" + stage.Meaning + "): ";
+    const std::string text = stage.Name + (stage.Meaning.empty() ? "" : " (" + stage.Meaning + ")") + ": ";
     rows += "<li>" + QString::fromStdString(text).toHtmlEscaped().toUtf8() +
             QByteArray::number(stage.Presses) + "</li>\n";
   }
