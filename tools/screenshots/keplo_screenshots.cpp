@@ -102,7 +102,7 @@ bool SaveWithoutReceiver(const QDir& folder) {
   LineSpec nothing;
   nothing.Ports = {1};
   const OpenedLine line = OpenLine(nothing, {}, kStandardReceiver);
-  tests::WindowScene scene;
+  tests::WindowScene scene(false);
   scene.Form().DescribeLine = line.Describe;
   scene.Click("RecButton");
   bool saved = Save(scene.View(), folder.filePath(QStringLiteral("window_no_receiver.png")));

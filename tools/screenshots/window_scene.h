@@ -35,6 +35,9 @@ class SceneBoxes : public qt::QtBoxes {
  public:
   bool Agrees = false;
 
+  void Message(std::string_view text, std::string_view title) override {
+    if (!Agrees) QtBoxes::Message(text, title);
+  }
   void Explain(std::string_view text, std::string_view title, std::string_view reason) override {
     if (!Agrees) QtBoxes::Explain(text, title, reason);
   }
@@ -46,9 +49,12 @@ class SceneBoxes : public qt::QtBoxes {
 /// The main window with a remote that its configuration does not know.
 class WindowScene {
  public:
-  WindowScene() {
+  explicit WindowScene(bool hasPorts = true) {
     folder_.Write("keplo.cfg", Config(Protocol("Television", {"G10,POWER", "G11,MUTE"})));
+    line_.Opens = [hasPorts](std::int32_t /*port*/) { return hasPorts; };
+    boxes_.Agrees = true;
     form_.Form_Load();
+    boxes_.Agrees = false;
     Redraw();
   }
 
