@@ -24,17 +24,25 @@ std::string MonitorCaptureOf(const RawLengths& lengths) {
   return capture;
 }
 
-/// A command whose code the monitor reads of a form of the signal, so that it would never ask the raw ones.
-std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const RawSignal& signal) {
+}  // namespace
+
+std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms) {
   SignalState heard;
-  for (const RawLengths& form : signal.Forms) {
+  for (const RawLengths& form : forms) {
     auto found = CommandOf(text, ReadCapture(MonitorCaptureOf(form), heard, Analysis::Second));
     if (found) return found;
   }
   return std::nullopt;
 }
 
-}  // namespace
+RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms) {
+  for (const RawLengths& form : forms) {
+    SignalState heard;
+    heard.Samples.Read(MonitorCaptureOf(form));
+    if (const RawMatch match = index.Find(HeardIn(heard)); match.IsClose) return match;
+  }
+  return {};
+}
 
 HeardLengths HeardIn(SignalState& signal) {
   return HeardIn(signal.Runs.Read(signal.Samples), signal.SampleTime);
@@ -69,13 +77,8 @@ RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form
 }
 
 std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal) {
-  for (const RawLengths& form : signal.Forms) {
-    SignalState heard;
-    heard.Samples.Read(MonitorCaptureOf(form));
-    const RawMatch match = store.Raw.Index.Find(HeardIn(heard));
-    if (match.IsClose) return FindCommand(store.CfgText, match.Digits, 0, Analysis::Second);
-  }
-  return std::nullopt;
+  const RawMatch match = FindLikeRaw(store.Raw.Index, signal.Forms);
+  return match.IsClose ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
 LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
@@ -86,7 +89,7 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
             "These are the digits of a raw command without lengths."};
   }
   auto like = FindLikeRawCommand(store, *signal);
-  if (!like) like = FindCommandReadOf(store.CfgText, *signal);
+  if (!like) like = FindCommandReadOf(store.CfgText, signal->Forms);
   if (!like) return {};
   return {Refusal::CodeExists, like->Command, "It is a command of the protocol " + like->Protocol + "."};
 }

@@ -30,6 +30,14 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 /// The signal of forms that were heard, with digits that no command of the text has.
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);
 
+/// A command whose code the monitor reads of one of the forms of a signal, so that it never asks the raw
+/// ones.
+std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms);
+
+/// The raw command of an index that could be taken for a signal of these forms, or the signal for it, by what
+/// a monitored capture holds of the two; not close if there is none.
+RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms);
+
 /// A raw command of the text that could be taken for a signal, or the signal for it, by what a monitored
 /// capture holds of the two.
 std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal);

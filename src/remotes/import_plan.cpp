@@ -11,6 +11,7 @@
 #include "config/learn.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
+#include "config/raw_lookup.h"
 #include "config/sections.h"
 #include "failure.h"
 #include "formats/families.h"
@@ -104,6 +105,7 @@ class Planner {
       if (planned.IsRaw) TakeRaw(PressLengths(*key.Coded, 1), place);
       return;
     }
+    if (IsKnownAsRaw({SentPress(section_ ? *section_ : *section, key.Coded->Digits)}, place)) return;
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(key.Coded->Digits, place);
@@ -129,6 +131,7 @@ class Planner {
       planned.Reason = "[" + wishes_.Section + "] has no line SENDAS= " + heard.Section.Params.SENDAS;
       return;
     }
+    if (IsKnownAsRaw({SentPress(heard.Section, heard.Digits)}, place)) return;
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(heard.Digits, place);
@@ -143,6 +146,17 @@ class Planner {
     group->Keys.push_back(place);
   }
 
+  /// Whether a raw command could be taken for a signal, so that it would be heard in its place or silence it.
+  bool IsKnownAsRaw(const std::vector<RawLengths>& forms, std::size_t place) {
+    if (raw_.Empty()) return false;
+    const RawMatch match = FindLikeRaw(raw_, forms);
+    if (!match.IsClose) return false;
+    if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
+    plan_.Keys[place].Fate = KeyFate::Known;
+    plan_.Keys[place].Reason.clear();
+    return true;
+  }
+
   /// A command that keeps its lengths, in both forms if there are two.
   void TakeRaw(PulseTrain lengths, std::size_t place) {
     if (const std::optional<HeardCode> heard = HeardCodeOf(lengths)) return TakeHeard(*heard, place);
@@ -154,22 +168,23 @@ class Planner {
       planned.Reason = "its lengths are of no two digit patterns, and no clean signal of a few lengths each";
       return;
     }
-    if (const RawMatch match = raw_.Find({runs, false}); match.IsClose) {
-      if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
+    std::vector<RawLengths> forms = {std::move(lengths)};
+    if (const PulseTrain& toggled = planned.Key->Toggled; planned.Key->IsRaw() && !toggled.empty()) {
+      forms.emplace_back(toggled.begin(), toggled.end() - (toggled.size() % 2 == 0 ? 1 : 0));
+    }
+    if (IsKnownAsRaw(forms, place)) return;
+    if (const auto read = FindCommandReadOf(text_, forms)) {
       planned.Fate = KeyFate::Known;
-      planned.Reason.clear();
+      planned.Reason = "known: it is heard as " + read->Protocol + "&" + read->Command;
       return;
     }
     RawSignal signal{
         DrawRawDigits(levels->Levels,
                       [&](std::string_view digits) { return codes_.Meets(std::string(digits)).has_value(); }),
-        {std::move(lengths)}};
+        std::move(forms)};
     planned.Fate = KeyFate::Stored;
     planned.Reason.clear();
     planned.RawDigits = signal.Digits;
-    if (const PulseTrain& toggled = planned.Key->Toggled; planned.Key->IsRaw() && !toggled.empty()) {
-      signal.Forms.emplace_back(toggled.begin(), toggled.end() - (toggled.size() % 2 == 0 ? 1 : 0));
-    }
     codes_.Add(signal.Digits, place);
     raw_.Add(signal);
     plan_.Raw.push_back(std::move(signal));
