@@ -38,7 +38,7 @@ Topics::Topics(const BrokerSettings& settings, const std::string& identity)
       device_(settings.DiscoveryPrefix + "/device/" + node_ + "/config"),
       birth_(settings.DiscoveryPrefix + "/status"),
       check_(base_ + "/check"),
-      deviceCheck_(settings.DiscoveryPrefix + "/device/" + node_ + "-check/config") {}
+      deviceCheck_(settings.DiscoveryPrefix + "/device/" + node_ + "/check") {}
 
 std::string Topics::Event(std::string_view eventID) const {
   return base_ + "/event/" + SafeForTopic(eventID);

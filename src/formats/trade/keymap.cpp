@@ -21,7 +21,7 @@ constexpr void RequireTomlReadable(bool holds) {
 #include "formats/trade/keymap_writer.h"
 #include "formats/trade/reading.h"
 #include "formats/trade/scancode.h"
-#include "formats/trade/toml_letters.h"
+#include "formats/trade/toml_traps.h"
 #include "formats/trade/trade_formats.h"
 #include "formats/train_writer.h"
 
@@ -31,20 +31,6 @@ namespace {
 
 constexpr std::size_t kLargestToml =
     std::size_t{2} * 1024 * 1024;  // bytes; its tree takes many times as much
-
-/// Whether a dotted key has so many parts that the tree of them would take the stack up. Inside of quotes it
-/// counts as well, where nothing of the kind stands.
-bool HasDeepKey(std::string_view text) {
-  constexpr int kDeepest = 64;
-  int parts = 0;
-  char before = '.';
-  for (const char c : text) {
-    if (c == '.' && before != '.' && ++parts > kDeepest) return true;
-    if (c == '\n' || c == '=' || c == ',' || c == '[' || c == '{') parts = 0;
-    if (c != ' ' && c != '\t') before = c;
-  }
-  return false;
-}
 
 std::string TextOf(const toml::table& table, std::string_view name) {
   return table[name].value_or(std::string());
@@ -247,12 +233,9 @@ void ReadKeymap(std::string_view text, const std::string& path, RemoteFile& file
     throw FormatError(path + ": larger than the " + std::to_string(kLargestToml) +
                       " bytes that a keymap may have");
   }
-  if (const int line = LineOfStrayLetter(text); line > 0) {
-    FileReading(path, file).Complain(line, "no TOML: a letter outside ASCII must stand in quotes");
-    return;
+  if (const auto trap = FindTomlTrap(text)) {
+    return FileReading(path, file).Complain(trap->Line, std::string(trap->Why));
   }
-  if (HasDeepKey(text))
-    return FileReading(path, file).Complain(0, "found a key of more than 64 parts, expected fewer");
   try {
     KeymapReader(path, file).Read(toml::parse(text));
   } catch (const toml::parse_error& error) {

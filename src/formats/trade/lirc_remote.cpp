@@ -113,7 +113,9 @@ Repeat RepeatOf(const LircRemote& remote) {
   again.FromStart = remote.ConstLength;
   again.Kind = remote.NoHeadRepeat ? RepeatKind::Body : RepeatKind::Frame;
   if (remote.Repeat.Mark > 0 && remote.Repeat.Space > 0) {
-    again.Kind = RepeatKind::Short;
+    // With a header ahead it is none of the forms that a section can send.
+    const bool hasHeader = remote.RepeatHeader && remote.Header.Mark > 0;
+    again.Kind = hasHeader ? RepeatKind::None : RepeatKind::Short;
     again.ShortSync = remote.Repeat;
   }
   return again;

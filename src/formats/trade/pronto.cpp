@@ -133,7 +133,8 @@ class ProntoReader {
 
   void TakeHex(std::string_view line, int number) {
     const std::string digits = Joined(line);
-    if (!digits_.empty() && IsWhole(digits_) && BeginsCode(digits)) EndCode();
+    const bool isNext = BeginsCode(digits) || IsWhole(digits);
+    if (!digits_.empty() && IsWhole(digits_) && isNext) EndCode();
     if (digits_.empty()) line_ = number;
     if (digits_.size() <= kDigitsPerWord * (kMostLengths + 8)) digits_ += digits;
   }

@@ -67,6 +67,14 @@ void WritePairs(const PulseTrain& train, int silence, double unit, std::string& 
   count = whole.size() / 2;
 }
 
+/// Whether the frame alone would be taken for one that a short form repeats, as NEC's is.
+bool AloneRepeatsShort(const RemoteKey& key) {
+  CodedSignal alone = *key.Coded;
+  alone.Again.Kind = RepeatKind::Unknown;
+  const Family* const family = FamilyOf(alone, key.Carrier);
+  return family != nullptr && family->Again.Kind == RepeatKind::Short;
+}
+
 }  // namespace
 
 std::string TakePronto(std::span<const std::uint16_t> words, RemoteKey& key) {
@@ -131,7 +139,7 @@ std::string ProntoText(const RemoteKey& key) {
     once = FrameLengths(*key.Coded);
     const PulseTrain press = PressLengths(*key.Coded, 1);
     repeat.assign(press.begin() + static_cast<std::ptrdiff_t>(once.size()) + 1, press.end());
-    if (key.Coded->Again.Kind == RepeatKind::Frame) once.clear();
+    if (key.Coded->Again.Kind == RepeatKind::Frame && !AloneRepeatsShort(key)) once.clear();
   }
   if (once.size() + repeat.size() + 2 > kMostLengths) return {};
   std::string pairs;
