@@ -153,6 +153,7 @@ struct RemoteFormat {
   void (*Read)(std::string_view text, const std::string& path, RemoteFile& file);
   /// @param told gets what of the keys the format cannot say
   std::string (*Write)(const std::vector<Remote>& remotes, std::vector<Complaint>& told);
+  bool KeepsBothForms = false;  // of a key whose every second press differs
 };
 
 /// All formats, in the order in which a text is asked whether it is of one.

@@ -105,7 +105,18 @@ RemoteFile LoadRemotes(const std::string& path, std::string_view format) {
 
 std::string WriteRemotes(std::string_view format, const std::vector<Remote>& remotes,
                          std::vector<Complaint>& told) {
-  return RemoteFormatNamed(format).Write(remotes, told);
+  const RemoteFormat& chosen = RemoteFormatNamed(format);
+  for (const Remote& remote : remotes) {
+    for (const RemoteKey& key : remote.Keys) {
+      if (key.Toggled.empty() || key.Coded || key.Protocol || chosen.KeepsBothForms) continue;
+      told.push_back(
+          {.File = {},
+           .Line = 0,
+           .Key = key.Name.value_or(""),
+           .Text = "only the first of its two forms is kept, so that every second press of it is not known"});
+    }
+  }
+  return chosen.Write(remotes, told);
 }
 
 }  // namespace keplo

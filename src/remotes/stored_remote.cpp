@@ -20,7 +20,7 @@ RemoteKey KeyOfLengths(const SectionSignal& section, const RawStore* raw, const 
   RemoteKey key;
   key.Carrier = section.Params.Carrier;
   key.Lengths = forms.front();
-  if (forms.size() == 2) key.Toggled = forms.back();
+  if (forms.size() > 1) key.Toggled = forms[1];
   return key;
 }
 

@@ -32,11 +32,12 @@ std::size_t FrameLength(std::string_view code, const ProtocolParams& params) {
 }
 
 constexpr int kTurns = 3;  // of two frames: enough for a receiver that waits for three frames
-constexpr std::int16_t kLeastTurnGap = 45;  // slots, where the parameters name no silence
+constexpr std::int16_t kUsualTurnGap = 45;  // slots, where the parameters name no silence
 
 /// Silence between two frames that take turns, slots.
 std::size_t TurnGap(const ProtocolParams& params) {
-  return Slots(std::max({params.REPEAT, params.GREPEAT, kLeastTurnGap}));
+  const std::int16_t named = std::max(params.REPEAT, params.GREPEAT);
+  return Slots(named > 1 ? named : kUsualTurnGap);
 }
 
 constexpr int kShortestSilence = 16;  // slots, that a period leaves behind a longer frame

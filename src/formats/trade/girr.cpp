@@ -325,6 +325,6 @@ std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>
 
 }  // namespace
 
-const RemoteFormat kGirrFormat = {"girr", "Girr XML", IsGirr, ReadGirr, WriteGirr};
+const RemoteFormat kGirrFormat = {"girr", "Girr XML", IsGirr, ReadGirr, WriteGirr, true};
 
 }  // namespace keplo::trade
