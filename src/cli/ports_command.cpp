@@ -73,7 +73,7 @@ int ListPorts(const PortsOptions& options) {
     }
   }
   for (const std::string& why : map.LeftOut) Tell(why);
-  if (!map.WhyEmpty.empty()) Tell(map.WhyEmpty);
+  if (map.LeftOut.empty() && !map.WhyEmpty.empty()) Tell(map.WhyEmpty);
   if (!options.Json && map.IsFound && !map.Ports.empty()) {
     const MappedPort& first = map.Ports.front();
     std::cout << "The numbers are counted anew when a device comes or goes. A line such as \"" << first.Port

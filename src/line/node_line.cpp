@@ -143,7 +143,9 @@ std::int32_t NodeLine::IRRecord(std::span<char> buffer, std::int32_t delay, std:
     if (!Ready()) {
       calls_.SleepUntil(next);
     } else if (SignalWaits()) {
-      return Capture(buffer.first(most), delay) ? 1 : 0;
+      // What comes after a torn press may be whole.
+      if (Capture(buffer.first(most), delay)) return 1;
+      calls_.SleepUntil(calls_.Now() + 1ms);
     } else if (IsOpen()) {
       WaitForNews(next);
     }

@@ -56,7 +56,7 @@ OpenedLine OpenLine(const LineSpec& spec, const std::filesystem::path& appPath,
         return map;
       },
       receiverKind, spec.Options, std::move(tell), BrokerMessagesOf(appPath));
-  if (spec.Port) line->PutInPlace(*spec.Port, spec.PortOfSettings);
+  line->FollowSettings(spec.PortOfSettings, spec.Port);
   PortLine* const device = line.get();
   const std::string remarks = Joined(mistakes);
   return {std::move(line), nullptr, device, std::move(mistakes),

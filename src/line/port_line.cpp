@@ -57,9 +57,9 @@ std::unique_ptr<Win32Ser> PortLine::MakeLine(const MappedPort& port) {
   return line;
 }
 
-void PortLine::PutInPlace(std::int32_t port, const std::int32_t* ofSettings) {
-  inPlace_ = port;
+void PortLine::FollowSettings(const std::int32_t* ofSettings, std::optional<std::int32_t> inPlace) {
   ofSettings_ = ofSettings;
+  inPlace_ = inPlace;
 }
 
 std::int32_t PortLine::InPlaceOf(std::int32_t asked) {
@@ -73,7 +73,8 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
   CloseCom();
   const auto mapped = std::find_if(map_.Ports.begin(), map_.Ports.end(),
                                    [port](const MappedPort& candidate) { return candidate.Port == port; });
-  if (mapped == map_.Ports.end()) return DoWithout(asked, port);
+  // Whoever looks which ports there are waits for that of the settings all the same.
+  if (mapped == map_.Ports.end()) return DoWithout(ofSettings_ ? *ofSettings_ : asked);
   try {
     line_ = MakeLine(*mapped);
   } catch (const Failure& failure) {
@@ -87,7 +88,8 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
 }
 
 /// @param asked the number that the device will be opened for when it comes
-std::int32_t PortLine::DoWithout(std::int32_t asked, std::int32_t port) {
+std::int32_t PortLine::DoWithout(std::int32_t asked) {
+  const std::int32_t port = InPlaceOf(asked);
   missing_ = asked;
   nextLook_ = calls_->Now() + kLookAgain;
   whyNot_ = !map_.WhyEmpty.empty() ? map_.WhyEmpty

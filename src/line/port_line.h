@@ -23,10 +23,10 @@ class PortLine : public DeviceLine {
   PortLine(std::unique_ptr<DeviceCalls> calls, std::function<PortMap()> map, const std::int16_t& receiverKind,
            LineOptions options, TellUser tell, OpenRoomMessages rooms = {});
 
-  /// The port that is opened where that of the settings is asked for.
-  /// @param ofSettings as the settings tell it when a port is opened first; none: the port that is asked for
-  /// first
-  void PutInPlace(std::int32_t port, const std::int32_t* ofSettings);
+  /// @param ofSettings the port of the settings, which is waited for while it has no device; none: the port
+  /// that is asked for first
+  /// @param inPlace the port that is opened where that of the settings is asked for
+  void FollowSettings(const std::int32_t* ofSettings, std::optional<std::int32_t> inPlace);
 
   std::string WhyNot() const override { return device_ ? device_->WhyNot() : whyNot_; }
   /// The open port and its device, or why there is none, in a sentence for a person.
@@ -67,7 +67,7 @@ class PortLine : public DeviceLine {
  private:
   std::int32_t InPlaceOf(std::int32_t asked);
   std::unique_ptr<Win32Ser> MakeLine(const MappedPort& port);
-  std::int32_t DoWithout(std::int32_t asked, std::int32_t port);
+  std::int32_t DoWithout(std::int32_t asked);
 
   std::unique_ptr<DeviceCalls> calls_;
   DeviceDescriptor wakes_;  // an epoll instance, which stays while devices come and go

@@ -208,7 +208,7 @@ PortMap FindPorts(const DeviceFolders& folders) {
                             std::to_string(kLastPort) + "; give it one in ports.conf");
     }
   }
-  if (map.Ports.empty()) map.WhyEmpty = kNoDevices;
+  if (map.Ports.empty()) map.WhyEmpty = map.LeftOut.empty() ? kNoDevices : map.LeftOut.front() + ".";
   return map;
 }
 

@@ -13,6 +13,7 @@ namespace {
 
 LineSpec ReadAsSet(LineSpec spec, const Settings& settings) {
   spec.Options.ReadBy = &settings.Analysis;
+  spec.PortOfSettings = &settings.ComPortNr;
   return spec;
 }
 

@@ -298,7 +298,7 @@ int LircLine::Write(const std::vector<unsigned>& lengths, Time over) {
     const ssize_t written = calls_.WriteUntil(device_->Get(), lengths.data(), size, over);
     const int error = errno;
     const Time now = calls_.Now();
-    if (written == static_cast<ssize_t>(size) || (error == EINTR && now >= over)) return 0;
+    if (written == static_cast<ssize_t>(size)) return 0;
     const bool mayPass = error == EINTR || error == EAGAIN;
     if (!mayPass || HeldSignals::Pending() || now >= over + kLongestBusy) return error == 0 ? EIO : error;
     calls_.SleepUntil(now + kTryAgain);

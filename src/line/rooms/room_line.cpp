@@ -122,7 +122,7 @@ bool RoomLine::Capture(std::span<char> buffer, std::int32_t delay) {
   heard_.pop_front();
   origin_ = press.Origin;
   toldLengths_ = press.Train;
-  CopySignal(SignalOfPress(Press(std::move(press.Train)), buffer.size(), options), 0, buffer);
+  CopySignal(SignalOfPress(Press(std::move(press.Train)), buffer.size(), options), buffer.size() * 8, buffer);
   return true;
 }
 
