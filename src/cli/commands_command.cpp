@@ -9,6 +9,7 @@
 #include "cli/map_users.h"
 #include "cli/open_install.h"
 #include "cli/outcome.h"
+#include "cli/press_table.h"
 #include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
@@ -134,14 +135,19 @@ int Lookup(const ListOptions& options) {
   CfgStore& store = config.Mod.Store;
   const bool hasHead = options.Only[0] == 'G' || options.Only[0] == 'g';
   const std::string code = options.Only.substr(hasHead ? 1 : 0);
+  if (code.empty() || code.find_first_not_of("01") != std::string::npos) {
+    throw WrongUse("CODE is of digits 0 and 1, as keplo decode tells them; " +
+                   TypedCommand("commands", options.AppPath) + " shows the code of a command");
+  }
   // A code of 14 digits may be RC5 as it was on air, with its toggle digit.
   const auto isFound = [&](Analysis readBy) {
     return LookupCommand(store, code, kNec, readBy) ||
            (code.size() == 14 && LookupCommand(store, code, kRc5, readBy));
   };
-  // The very code, or the first that begins with it.
-  const bool found = !code.empty() && (isFound(Analysis::Second) || isFound(Analysis::First));
-  if (!found) throw Refused("the code G" + code + " belongs to no learned command");
+  // The first analysis takes the first that begins with the code, as the monitor does; the very one goes
+  // ahead.
+  if (!isFound(Analysis::Second) && (AnalysisOf(config) == Analysis::Second || !isFound(Analysis::First)))
+    throw Refused("the code G" + code + " belongs to no learned command");
   std::cout << Printable(CommandReference{store.CurProtocol, store.CurCommand}.Text()) << '\n';
   return kDone;
 }

@@ -147,12 +147,17 @@ bool IsBound(const OpenedMap& map, const std::string& reference) {
 int AddEach(const EventWords& words) {
   const OpenedConfig config(words.AppPath);
   std::optional<OpenedMap> map(std::in_place, words.AppPath);
-  int added = 0;
+  int added = 0, status = kDone;
   for (const std::string& protocol : ListProtocols(config.Text())) {
     for (const LearnedCommand& command : ListCommands(config.Text(), protocol)) {
       const std::string reference = CommandReference{protocol, command.Name}.Text();
       const std::string name(Trimmed(command.Name));
       if (name == kPlaceholderName || IsBound(*map, reference)) continue;
+      if (Printable(reference) != reference) {
+        Tell(reference + " holds control characters, so that it gets no event; give it another name");
+        status = kNoResult;
+        continue;
+      }
       std::string description = name;
       description.append(" from ").append(protocol);
       AddUnderFreeID(words.AppPath, map, {"", name, std::move(description), reference, true, 0});
@@ -161,7 +166,7 @@ int AddEach(const EventWords& words) {
   }
   std::cout << added << " events added\n";
   if (added > 0) TellWhoTakesItIn(words.AppPath);
-  return kDone;
+  return status;
 }
 
 std::shared_ptr<clsKeploEvent> Find(const OpenedMap& map, const EventWords& words) {

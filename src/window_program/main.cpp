@@ -27,7 +27,7 @@ namespace {
 
 constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
 constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
-constexpr int kDone = 0, kNotStarted = 1;
+constexpr int kDone = 0, kNotStarted = 1, kNotWritten = 3;
 
 constexpr std::chrono::milliseconds kCloseAgain{100};  // a box that closes may be followed by another
 
@@ -112,7 +112,11 @@ int RunProgram(int argc, char** argv) {
                    "Records, explains, stores and sends the commands of infrared remotes.");
   WindowOptions options;
   AddOptions(line.Root(), options);
-  if (const auto status = line.Parse(argc, argv)) return *status;
+  if (const auto status = line.Parse(argc, argv)) {
+    if (std::cout.flush()) return *status;
+    std::cerr << "keplo-window: the output cannot be written; is the disk full, or the reader gone?\n";
+    return kNotWritten;
+  }
   if (!HasDisplay()) {
     std::cerr << "keplo-window: there is no display to show a window on; set DISPLAY, or use keplo\n";
     return kNotStarted;
