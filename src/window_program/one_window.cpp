@@ -29,7 +29,9 @@ void BringToFront() {
 
 OneWindow::OneWindow(const std::filesystem::path& appPath)
     : lockPath_((appPath / "keplo-window.lock").string()),
-      socketPath_(QString::fromStdString((appPath / "keplo-window.socket").string())),
+      // A relative name would be one in the folder for temporary files.
+      socketPath_(
+          QString::fromStdString((std::filesystem::absolute(appPath) / "keplo-window.socket").string())),
       lock_(QString::fromStdString(lockPath_)) {
   lock_.setStaleLockTime(0);  // a window may be open for weeks
   ours_ = lock_.tryLock(0) || lock_.error() != QLockFile::LockFailedError;
