@@ -117,6 +117,19 @@ std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>&
   }
 }
 
+/// The walk over the events of a command ends at the first whose zone is another one.
+void TellOtherZone(const OpenedMap& map, const clsKeploEvent& event) {
+  const auto other = std::find_if(map.Events.begin(), map.Events.end(), [&](const auto& each) {
+    return each->EventID != event.EventID && each->IRCommand == event.IRCommand && each->Zone != 0 &&
+           each->Zone != event.Zone;
+  });
+  if (other == map.Events.end()) return;
+  Tell("event " + (*other)->EventID + " has the same command with zone " + std::to_string((*other)->Zone) +
+       ": with zones on, whichever of both comes first in the map ends a press of the other's zone. Learn a "
+       "command of "
+       "its own for each zone, or let one program look at the zone of an event with zone 0");
+}
+
 int AddOne(const EventWords& words) {
   CheckText("EventID", words.EventID);
   clsKeploEvent event;
@@ -134,6 +147,7 @@ int AddOne(const EventWords& words) {
     Add(*map, event);
   }
   std::cout << event.EventID << '\n';
+  TellOtherZone(*map, event);
   TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
