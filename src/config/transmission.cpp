@@ -13,8 +13,8 @@ namespace keplo {
 std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolParams& params,
                         bool& toggle) try {
   return BuildSendBits(digits, protoKind, params, toggle);
-} catch (const std::length_error& tooLong) {
-  throw Failure(EMSGSIZE, tooLong.what());
+} catch (const std::logic_error& unsendable) {
+  throw Failure(EMSGSIZE, unsendable.what());
 }
 
 Transmission TransmissionOfDigits(std::string digits, std::int16_t protoKind, ProtocolParams& params,

@@ -19,7 +19,8 @@ struct Transmission {
 };
 
 /// BuildSendBits for what a user has set up.
-/// @throws Failure with what to shorten if the transmission would be too long; nothing is changed then
+/// @throws Failure with what to do if the transmission would be too long, or the section cannot send the
+/// code; nothing is changed then
 std::string SlotsToSend(std::string digits, std::int16_t protoKind, ProtocolParams& params, bool& toggle);
 
 /// The transmission of the code of a line code.

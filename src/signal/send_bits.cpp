@@ -72,6 +72,16 @@ std::string FrameBody(std::string_view code, const ProtocolParams& params) {
   return body + params.BitTail;
 }
 
+/// Whether digits are marks of one length and spaces of two.
+bool HasPulseDistances(const ProtocolParams& params) {
+  const auto markOf = [](const std::string& bit) { return std::min(bit.find('0'), bit.size()); };
+  const auto isPulse = [&](const std::string& bit) {
+    return markOf(bit) > 0 && bit.find('1', markOf(bit)) == std::string::npos;
+  };
+  return isPulse(params.BIT0) && isPulse(params.BIT1) && markOf(params.BIT0) == markOf(params.BIT1) &&
+         params.BIT0.size() != params.BIT1.size();
+}
+
 /// Two alternating frames, each with its sync.
 std::string TurnSlots(std::string_view code, std::string_view way, const ProtocolParams& params) {
   const std::string gap(TurnGap(params), '0');
@@ -159,6 +169,11 @@ std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolPar
     throw std::length_error("The code would be sent as up to " + std::to_string(slots) + " slots, of which " +
                             std::to_string(kMostSlots) +
                             " can be sent. Shorten the code, or BITG, BIT0 and BIT1 of its protocol.");
+  }
+  if (IsSentInTurns(code, way) && !HasPulseDistances(params)) {
+    throw std::invalid_argument(
+        "The two frames of this code are of pulse distances, which BIT0 and BIT1 of its "
+        "protocol do not send. Learn it in a protocol such as NEC.");
   }
   params.BitTail = BitTailOf(protoKind);
   if (IsSentInTurns(code, way)) return TurnSlots(code, way, params);

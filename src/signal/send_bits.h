@@ -20,7 +20,8 @@ inline constexpr std::size_t kMostSlots = 500'000;
 /// @param params BitTail is set. Their SENDAS tells of RC6 and of two alternating frames.
 /// @param rc5Toggle flips with each transmission of RC5, and of RC6; false at start, which makes the first
 /// digit a 1
-/// @throws std::length_error if the transmission would pass kMostSlots; nothing is changed then
+/// @throws std::length_error if the transmission would pass kMostSlots, std::invalid_argument if the code is
+/// two alternating frames and the digits of the section are none of theirs; nothing is changed then
 std::string BuildSendBits(std::string& code, std::int16_t protoKind, ProtocolParams& params, bool& rc5Toggle);
 
 /// Length of a slot of what BuildSendBits gives, microseconds: SENDPLS, but for RC6 in a section of another

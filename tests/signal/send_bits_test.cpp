@@ -92,6 +92,8 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   reversed.SENDAS = SendInTurns(2, true);
   EXPECT_TRUE(BuildSendBits(code, kNec, reversed, toggle).starts_with(second + gap + first)) << "as heard";
   EXPECT_EQ(WayOf(code, NoteOfWay("0110", reversed.SENDAS)), "") << "a note on another code";
+  reversed.BIT1 = "11";
+  EXPECT_THROW(BuildSendBits(code, kNec, reversed, toggle), std::invalid_argument) << "no pulse distances";
   code = "10";
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle).substr(0, first.size()), first) << "a single frame";
 }
