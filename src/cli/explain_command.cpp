@@ -79,6 +79,11 @@ std::string UsText(double samples, const SignalState& state) {
   return std::to_string(std::lround(samples * state.SampleTime)) + " us";
 }
 
+/// Whether the numbers of a reading tell its kind and base time.
+bool TellsTiming(const MonitorReading& reading) {
+  return reading.Ended > Stage::NoTiming && reading.Ended != Stage::Raw;
+}
+
 /// What the reading measured before it ended.
 std::string Numbers(const SignalState& state, const MonitorReading& reading) {
   std::string text;
@@ -86,7 +91,7 @@ std::string Numbers(const SignalState& state, const MonitorReading& reading) {
     const CommonLengths common = CommonLengthsOf(state.Measured);
     const auto length = [&](int samples) { return samples == 0 ? "missing" : UsText(samples, state); };
     text = "; the commonest mark is " + length(common.Mark) + ", the commonest space " + length(common.Space);
-  } else if (reading.Ended > Stage::NoTiming && reading.Ended != Stage::Raw) {
+  } else if (TellsTiming(reading)) {
     text = "; " + std::string(ProtoKindName(state.Measured.ProtoKind)) + ", base time " +
            UsText(state.Measured.BaseT, state);
   }
@@ -112,16 +117,16 @@ std::string_view RuleOf(const FramesHeard& heard) {
                           : "the digits are of one kind, or fewer than such a protocol has";
 }
 
-/// What the second look went by, with its numbers.
-std::string FramesText(const SignalState& state) {
+/// What the second look went by, with those of its numbers that the reading has not told.
+std::string FramesText(const SignalState& state, const MonitorReading& reading) {
   const FramesHeard heard = state.Second.Heard();
   std::string text;
   const auto add = [&](const std::string& part) {
     if (!part.empty()) text += (text.empty() ? "; " : ", ") + part;
   };
   if (!heard.TooFine) add(Counted(heard.Frames, "whole frame"));
-  if (heard.Frames > 0) add(std::string(ProtoKindName(heard.ProtoKind)));
-  if (heard.BaseT > 0) add("base time " + UsText(heard.BaseT, state));
+  if (heard.Frames > 0 && !TellsTiming(reading)) add(std::string(ProtoKindName(heard.ProtoKind)));
+  if (heard.BaseT > 0 && !TellsTiming(reading)) add("base time " + UsText(heard.BaseT, state));
   if (heard.Frames > 1) add(std::to_string(heard.Alike) + " of them alike");
   if (heard.Others > 0) add(Counted(heard.Others, "other piece"));
   add(std::string(RuleOf(heard)));
@@ -133,7 +138,7 @@ Attempt Try(const Press& press, const LineOptions& line, Analysis analysis, Sign
   Attempt attempt{ReadAsMonitor(press, line, analysis, state), {}};
   attempt.Text = DescribeStage(attempt.Reading.Ended) + Numbers(state, attempt.Reading);
   const bool wasRead = attempt.Reading.Ended > Stage::Short;
-  if (analysis == Analysis::Second && wasRead) attempt.Text += FramesText(state);
+  if (analysis == Analysis::Second && wasRead) attempt.Text += FramesText(state, attempt.Reading);
   return attempt;
 }
 
