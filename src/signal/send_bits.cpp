@@ -40,7 +40,7 @@ std::size_t TurnGap(const ProtocolParams& params) {
   return Slots(named > 1 ? named : kUsualTurnGap);
 }
 
-constexpr int kShortestSilence = 16;  // slots, that a period leaves behind a longer frame
+constexpr std::int16_t kShortestSilence = 16;  // slots, that a period leaves behind a longer frame
 
 /// A little more than the transmission will be long.
 std::size_t LengthBound(std::string_view code, std::string_view way, const ProtocolParams& params) {
@@ -120,8 +120,9 @@ ProtocolParams WithPatternsOfRc6(ProtocolParams params) {
         std::min<std::size_t>(ownSlots * Slots(params.SENDPLS) / kRc6Slot, INT16_MAX));
   };
   // A section that repeats in a short form has the silence in GREPEAT.
-  const int silence = params.REPEAT == 0 && params.GREPEAT > 1 ? params.GREPEAT : params.REPEAT;
-  params.REPEAT = silence > 0 ? std::max<std::int16_t>(inSlots(Slots(silence)), kShortestSilence) : 0;
+  const std::int16_t silence = params.REPEAT == 0 && params.GREPEAT > 1 ? params.GREPEAT : params.REPEAT;
+  params.REPEAT = 0;
+  if (silence > 0) params.REPEAT = std::max<std::int16_t>(inSlots(Slots(silence)), kShortestSilence);
   if (const int period = PeriodOf(params.SENDAS); period > 0) {
     params.SENDAS = SendEvery(inSlots(static_cast<std::size_t>(period)));
   }
@@ -139,7 +140,7 @@ std::string RepeatSlots(const std::string& body, const ProtocolParams& params) {
 /// Silence after a frame or repeat, slots.
 std::size_t SilenceAfter(const std::string& frame, const ProtocolParams& params) {
   if (const int period = PeriodOf(params.SENDAS); period > 0) {
-    return static_cast<std::size_t>(std::max(period - static_cast<int>(frame.size()), kShortestSilence));
+    return static_cast<std::size_t>(std::max<int>(period - static_cast<int>(frame.size()), kShortestSilence));
   }
   return Slots(params.REPEAT != 0 ? params.REPEAT : params.GREPEAT);
 }
