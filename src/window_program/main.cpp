@@ -27,7 +27,7 @@ namespace {
 
 constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
 constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
-constexpr int kDone = 0, kNotStarted = 1, kNotWritten = 3;
+constexpr int kDone = 0, kNoResult = 1, kUnusable = 2, kNotWritten = 3;  // as of all programs
 
 constexpr std::chrono::milliseconds kCloseAgain{100};  // a box that closes may be followed by another
 
@@ -70,7 +70,12 @@ void AddOptions(Command command, WindowOptions& options) {
 
 int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
-  CompleteInstall(appPath);
+  try {
+    CompleteInstall(appPath);
+  } catch (const std::exception& failure) {
+    boxes.Error(failure.what(), kBoxTitle, {});
+    return kNotWritten;
+  }
   const OneWindow here(appPath);
   if (!here.Ours()) {
     if (here.RaiseOther()) return kDone;
@@ -78,7 +83,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
                       " is open already. Use that one, or close it first. If there is none, delete " +
                       here.LockPath() + ".",
                   kBoxTitle);
-    return kNotStarted;
+    return kNoResult;
   }
   QApplication::setWindowIcon(QIcon(QString::fromStdString((appPath / "inkeplo.ico").string())));
   KeploMod mod(appPath);
@@ -103,7 +108,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   window = nullptr;
   if (shown) return kDone;
   std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
-  return kNotStarted;
+  return kUnusable;
 }
 
 int RunProgram(int argc, char** argv) {
@@ -119,7 +124,7 @@ int RunProgram(int argc, char** argv) {
   }
   if (!HasDisplay()) {
     std::cerr << "keplo-window: there is no display to show a window on; set DISPLAY, or use keplo\n";
-    return kNotStarted;
+    return kUnusable;
   }
   const QApplication application(argc, argv);
   QApplication::setDesktopFileName(QStringLiteral("keplo-window"));
@@ -128,7 +133,7 @@ int RunProgram(int argc, char** argv) {
     return RunWindow(options, boxes);
   } catch (const std::exception& error) {
     boxes.Error(error.what(), kBoxTitle, {});
-    return kNotStarted;
+    return kUnusable;
   }
 }
 
