@@ -33,9 +33,12 @@ std::int64_t NumberOf(std::string_view text, std::string_view key) {
 }
 
 std::int64_t RequireFit(std::string_view text, const SettingKey& key, const std::string& value) {
+  const std::string_view digits = std::string_view(value).substr(value.starts_with('+') ? 1 : 0);
   std::int64_t number = 0;
-  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-  if (error == std::errc() && end == value.data() + value.size() && key.Fits(text, number)) return number;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  const bool isNumber =
+      error == std::errc() && end == digits.data() + digits.size() && !value.starts_with("+-");
+  if (isNumber && key.Fits(text, number)) return number;
   throw Refused(std::string(key.Name) + " cannot be " + value + ": it takes " + std::string(key.Takes) + ".");
 }
 
