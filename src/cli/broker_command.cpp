@@ -129,7 +129,8 @@ int Forget(const BrokerOptions& options) {
   } catch (const Failure& failure) {
     throw Refused(failure.what());
   }
-  std::cout << "The device is taken out of Home Assistant. A host that runs brings it back; remove "
+  std::cout << "The device is taken out of Home Assistant. A host that runs brings it back when it connects "
+               "again, or when Home Assistant starts; remove "
             << broker::BrokerFile(appPath).string() << " to end that.\n";
   return kDone;
 }
