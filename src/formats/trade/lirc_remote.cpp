@@ -49,9 +49,10 @@ class LircSender {
  public:
   explicit LircSender(const LircRemote& remote) : remote_(remote) {}
 
-  std::string DigitsOf(std::uint64_t value) const {
+  /// @param reversed whether the value itself is turned; its own program turns the first of a key alone
+  std::string DigitsOf(std::uint64_t value, bool reversed) const {
     return FieldDigits(remote_.PreData, remote_.PreBits, remote_.Reverse) +
-           FieldDigits(value, remote_.Bits, remote_.Reverse) +
+           FieldDigits(value, remote_.Bits, reversed) +
            FieldDigits(remote_.PostData, remote_.PostBits, remote_.Reverse);
   }
 
@@ -200,7 +201,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
     return {};
   }
   const LircSender sender(remote);
-  const std::string digits = sender.DigitsOf(code.Values.front());
+  const std::string digits = sender.DigitsOf(code.Values.front(), remote.Reverse);
   const std::string turned = sender.RepeatMarks();
   const bool single = code.Values.size() == 1 && turned.find('1') == std::string::npos;
   const PulseTrain frame = sender.Frame(digits, false);
@@ -212,13 +213,15 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   // Its own program begins with a toggle of 1, whatever the code has there.
   const std::string toggles = sender.ToggleMarks();
   const bool turns = toggles.find('1') != std::string::npos;
-  const auto frameOf = [&](std::uint64_t value) {
-    return sender.Frame(WithToggle(sender.DigitsOf(value), toggles, '1'), false);
+  const auto frameOf = [&](std::uint64_t value, bool isFirst) {
+    const std::string own = sender.DigitsOf(value, isFirst && remote.Reverse);
+    // The further values of a key are sent as repeats.
+    return sender.Frame(WithToggle(own, toggles, '1'), !isFirst);
   };
   PulseTrain::size_type start = 0;
   for (const std::uint64_t value : code.Values) {
     if (key.Lengths.size() > kMostLengths) break;
-    Append(key.Lengths, remote.Gap, remote.ConstLength, frameOf(value), start);
+    Append(key.Lengths, remote.Gap, remote.ConstLength, frameOf(value, key.Lengths.empty()), start);
   }
   if (turned.find('1') != std::string::npos) {
     Append(key.Lengths, remote.Gap, remote.ConstLength, sender.Frame(Flipped(digits, turned), true), start);
