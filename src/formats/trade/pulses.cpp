@@ -31,7 +31,8 @@ class PulseReader {
       ReadLine(WithoutComment(line));
     }
     EndKey();
-    if (carriers_ == 1) SetCarrierOfAll();
+    // Programs that receive write it after the press that it is of.
+    if (carrier_ && !carriersDiffer_) SetCarrierOfAll();
   }
 
  private:
@@ -103,8 +104,8 @@ class PulseReader {
       reading_.Complain(line_, "found " + Quoted(word) + ", expected a carrier in Hz");
       return;
     }
+    carriersDiffer_ = carriersDiffer_ || (carrier_ && *carrier_ != *carrier);
     carrier_ = static_cast<int>(*carrier);
-    ++carriers_;
     if (begun_) key_.Carrier = carrier_;
   }
 
@@ -157,7 +158,7 @@ class PulseReader {
   TrainWriter train_;
   std::string fault_;
   std::optional<int> carrier_;
-  int carriers_ = 0;  // lines that name one
+  bool carriersDiffer_ = false;  // from line to line
   int line_ = 0;
   bool begun_ = false;
   bool rested_ = false;
