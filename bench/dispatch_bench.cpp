@@ -12,14 +12,15 @@ const std::string kDigits = "00000000111111110110100010010111";
 
 /// A text of about 32,000 characters with the command that the press means as its last one.
 std::string LargeConfig() {
-  std::string commands;
-  for (unsigned number = 0; commands.size() < 31300; ++number) {
+  tests::Texts commands;
+  for (unsigned number = 0; commands.size() * 42 < 31300; ++number) {
     std::string code;
     for (int bit = 31; bit >= 0; --bit)
       code += (number * 2654435761U >> static_cast<unsigned>(bit)) % 2 == 1 ? '1' : '0';
-    if (code != kDigits) commands += "G" + code + ",KEY" + std::to_string(number) + "\r\n";
+    if (code != kDigits) commands.push_back("G" + code + ",KEY" + std::to_string(number));
   }
-  return tests::Config({}, tests::ProtocolSection("NEC", commands + "G" + kDigits + ",POWER\r\n"));
+  commands.push_back("G" + kDigits + ",POWER");
+  return tests::Config(tests::Protocol("NEC", commands));
 }
 
 void FindNoCaseAbsent(benchmark::State& state) {

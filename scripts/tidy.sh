@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over all sources, a module at a time, and over all tests.
+# Runs clang-tidy over all sources, a module at a time, and over all tests and benchmarks.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-need "${build_packages[@]}" libgtest-dev clang-tidy-14
+need "${build_packages[@]}" "${bench_packages[@]}" clang-tidy-14
 configure tidy
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
@@ -24,12 +24,12 @@ files() {
     awk -v root="$root/" -v tests="$for_tests" '{
       file = substr($0, length(root) + 1)
       if (file ~ /foreign|^build\/tidy\/tools/) next
-      if (file ~ /^tests/) print 2, tests, file
+      if (file ~ /^(tests|bench)/) print 2, tests, file
       else print (file ~ /_(qt|line|host_program)\.dir|keplo\.dir/ ? 0 : 1), "-bugprone-suspicious-include", file
     }' | sort -s -n -k 1,1 | cut -d ' ' -f 2-
 }
 
-say "Looking through sources and tests with clang-tidy"
+say "Looking through sources, tests and benchmarks with clang-tidy"
 if ! files | xargs -n 2 -P "$(nproc)" sh -c 'clang-tidy-14 --quiet -p build/tidy \
     --extra-arg=-Wno-unknown-warning-option "--checks=$0" "$1" 2>/dev/null' >"$log"; then
   grep -E '(error|warning): ' "$log" | sort -u >&2 || cat "$log" >&2
