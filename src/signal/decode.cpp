@@ -1,5 +1,7 @@
 #include "signal/decode.h"
 
+#include <bit>
+#include <cstdint>
 #include <optional>
 
 #include "signal/rc6.h"
@@ -10,17 +12,26 @@ namespace keplo {
 
 namespace {
 
+/// The places of a symbol in a text of up to 64 characters, the first in the lowest bit.
+std::uint64_t PlacesOf(char symbol, std::string_view text) {
+  std::uint64_t places = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) places |= std::uint64_t{text[i] == symbol} << i;
+  return places;
+}
+
 /// A digit for each run of a symbol: 1 for a run of several, 0 for a single one.
 void DecodeLengths(std::string_view frame, char symbol, std::string& code) {
-  code.resize(frame.size() + 1);
+  constexpr std::size_t kAtOnce = 64;
+  code.resize(frame.size());
   char* end = code.data();
-  bool inRun = false;
-  for (std::size_t i = 0; i < frame.size(); ++i) {
-    const bool fits = frame[i] == symbol;
-    // What is written within a run or beside one is written over by the next digit.
-    *end = i + 1 < frame.size() && frame[i + 1] == symbol ? '1' : '0';
-    end += fits && !inRun ? 1 : 0;
-    inRun = fits;
+  std::uint64_t before = 0;
+  for (std::size_t first = 0; first < frame.size(); first += kAtOnce) {
+    const std::uint64_t places = PlacesOf(symbol, frame.substr(first, kAtOnce));
+    const std::uint64_t next = first + kAtOnce < frame.size() && frame[first + kAtOnce] == symbol ? 1 : 0;
+    const std::uint64_t several = places >> 1U | next << (kAtOnce - 1);
+    for (std::uint64_t begins = places & ~(places << 1U | before); begins != 0; begins &= begins - 1)
+      *end++ = (several >> std::countr_zero(begins) & 1U) != 0 ? '1' : '0';
+    before = places >> (kAtOnce - 1);
   }
   code.resize(static_cast<std::size_t>(end - code.data()));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 
 namespace keplo::robust {
 
@@ -21,22 +22,25 @@ bool Leader::IsLike(const Leader& other) const {
 }
 
 double BodyReader::RoughUnit(const PressRuns& runs) {
+  CountRuns(runs.Lengths, kLongestUnit);
+  return UnitOf(runs.Lengths.size());
+}
+
+void BodyReader::CountRuns(RunSpan runs, int longest) {
   marks_.Clear();
   spaces_.Clear();
-  const RunSpan lengths = runs.Lengths;
-  for (std::size_t i = 0; i < lengths.size(); ++i) {
-    (i % 2 == 0 ? marks_ : spaces_).Count(std::min(lengths[i], kLongestUnit));
+  for (std::size_t i = 1; i < runs.size(); i += 2) {
+    marks_.Count(std::min(runs[i - 1], longest));
+    spaces_.Count(std::min(runs[i], longest));
   }
-  return UnitOf(lengths.size());
+  if (runs.size() % 2 != 0) marks_.Count(std::min(runs.back(), longest));
 }
 
 Body BodyReader::Read(const Piece& piece, std::size_t skipped) {
   Body body;
   body.First = piece.First + skipped;
   body.Size = piece.Size - skipped;
-  marks_.Clear();
-  spaces_.Clear();
-  for (std::size_t i = 0; i < body.Size; ++i) (i % 2 == 0 ? marks_ : spaces_).Count(body.First[i]);
+  CountRuns({body.First, body.Size}, std::numeric_limits<int>::max());
   body.Unit = UnitOf(body.Size);
   body.Marks = marks_.Groups(body.Unit);
   body.Spaces = spaces_.Groups(body.Unit);

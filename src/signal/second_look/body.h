@@ -51,6 +51,8 @@ class BodyReader {
   Body Read(const Piece& piece, std::size_t skipped);
 
  private:
+  /// Counts marks and spaces, which take turns; a run longer than that counts as one so long.
+  void CountRuns(RunSpan runs, int longest);
   double UnitOf(std::size_t runs) const;
 
   LengthCounts marks_, spaces_;

@@ -109,7 +109,7 @@ const Frame* ProvenFrame(const Findings& found) {
   }
   if (proven != nullptr) {
     const bool believed =
-        (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven)) || ProvesItself(*proven);
+        ProvesItself(*proven) || (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven));
     return believed && !IsOnlyPart(*proven, found) ? proven : nullptr;
   }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
@@ -127,7 +127,8 @@ bool IsOnlyFrame(const Findings& found) {
 
 bool AreTwoInTurns(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
-  if (frames.size() < 2 || !DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
+  if (frames.size() < 2 || frames[0].SameCode(frames[1])) return false;
+  if (!DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
   for (std::size_t i = 0; i < frames.size(); ++i) {
     const Frame& frame = frames[i];
     const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && frame.Kind() == kNec;

@@ -21,21 +21,22 @@ bool SmoothSamples(const SampleWords& samples, SampleWords& smooth) {
   smooth.Words.resize(count);
   std::uint64_t joined = 0;
   std::uint64_t level = 0;  // of the sample before
+  const auto marksOf = [&](std::size_t word) { return word < count ? samples.Words[word] : 0; };
+  const auto validOf = [&](std::size_t word) { return word < count ? samples.ValidBits(word) : 0; };
+  std::uint64_t marks = marksOf(0), valid = validOf(0);
   for (std::size_t i = 0; i < count; ++i) {
-    const bool last = i + 1 == count;
-    const std::uint64_t marks = samples.Words[i];
-    const std::uint64_t nextMarks = last ? 0 : samples.Words[i + 1];
-    const std::uint64_t spaces = ~marks & samples.ValidBits(i);
-    const std::uint64_t nextSpaces = last ? 0 : ~nextMarks & samples.ValidBits(i + 1);
+    const std::uint64_t nextMarks = marksOf(i + 1), nextValid = validOf(i + 1);
     // A long mark raises the level and a long space lowers it; in between it stays. That is how a carry runs
     // through an addition, so that one takes all samples of a word.
     const std::uint64_t rise = LongRuns(marks, nextMarks);
-    const std::uint64_t stay = ~LongRuns(spaces, nextSpaces);
+    const std::uint64_t stay = ~LongRuns(~marks & valid, ~nextMarks & nextValid);
     const std::uint64_t carries = (stay + rise + level) ^ stay ^ rise;
-    const std::uint64_t smoothed = (rise | (stay & carries)) & samples.ValidBits(i);
+    const std::uint64_t smoothed = (rise | (stay & carries)) & valid;
     level = smoothed >> (kBitsPerWord - 1);
     joined |= smoothed ^ marks;
     smooth.Words[i] = smoothed;
+    marks = nextMarks;
+    valid = nextValid;
   }
   return joined != 0;
 }
