@@ -96,6 +96,7 @@ TEST_F(OtherProgram, KeepsItsTextBesideAChangeOrNone) {
   stored_.Write(kMore);
   Do(store_, "save");
   ExpectBoth(kMore);
+  EXPECT_TRUE(store_.TookInOtherText);
   const std::string most = After("G0111,DOWN", kMore, "G0001,LOW");
   stored_.Write(most);
   for (const std::string step : {"remove|NEC|POWER", "remove|NEC|UP"}) ASSERT_EQ(Do(store_, step), "");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -307,6 +308,17 @@ TEST(Remotes, BearWhatPeopleWrite) {
   for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
     dish += " +500 -" + std::to_string(space);
   EXPECT_EQ(CodesOf(dish + ' ' + dish + '\n'), "=10101110") << "a leader that is no digit of three lengths";
+  EXPECT_EQ(CodesOf("[[protocols]]\nname = \"" + std::string(100, 'a') +
+                    "\"\nprotocol = \"nec\"\n[protocols.scancodes]\n0x4080 = \"A.B\"\n"),
+            "A.B=" + nec);
+  std::vector<Complaint> told;
+  const RemoteFile unnamed = ReadRemotes("scancode nec:0x4080\nscancode necx:0x402080\n", "x");
+  EXPECT_NE(WriteRemotes("keymap", unnamed.Remotes, told).find("0x402080"), std::string::npos);
+  EXPECT_NE(WriteRemotes("irdb", unnamed.Remotes, told).find("key 2,NEC1,64,32,128"), std::string::npos);
+  const PulseTrain turns =
+      KeysOf(ReadRemotes("functionname,protocol,device,subdevice,function\nA,Denon,3,-1,7\n", "x"))[0]
+          .Lengths;
+  EXPECT_EQ(std::count(turns.begin(), turns.end(), 43'560), 2) << "two frames, each with its gap";
   EXPECT_EQ(CodesOf("IRSend {\"Protocol\":\"PANASONIC\",\"Bits\":16388,\"Data\":\"0x538BC81\"}\n"),
             "=010000000000010000000101001110001011110010000001");
 }

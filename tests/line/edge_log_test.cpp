@@ -32,5 +32,18 @@ TEST(EdgeLog, BeginsASignalAtAFrameWhereItsBeginningWasNotHeard) {
   EXPECT_EQ(FindBeginning(edges, true, milliseconds(90)), 0U);
 }
 
+TEST(EdgeLog, ReadsAPressAcrossEdgesThatWereMissed) {
+  const auto edge = [](int at, bool level) { return Edge{milliseconds(at), level}; };
+  const std::vector<Edge> edges = {edge(1, true),  edge(10, false), edge(14, true),
+                                   edge(15, true), edge(20, false), edge(40, true)};
+  const EdgePress press = ReadPress(edges, 1, true, milliseconds(40));
+  EXPECT_EQ(press.Train, (PulseTrain{4000, 6000, 20'000}));
+  EXPECT_EQ(press.Edges, 5U);
+  EXPECT_FALSE(press.AllLight);
+  const EdgePress lit = ReadPress(edges, 4, true, milliseconds(30));
+  EXPECT_EQ(lit.Train, PulseTrain{10'000});
+  EXPECT_TRUE(lit.AllLight);
+}
+
 }  // namespace
 }  // namespace keplo

@@ -61,6 +61,9 @@ TEST(KeploProgram, ReadsStandardInputInBothForms) {
   const Ran oneLine = RunShell(synth + " --one-line | '" KEPLO_PROGRAM "' decode --json -");
   EXPECT_EQ(json::parse(mode2.Out).at("code"), "101010010000");
   EXPECT_EQ(oneLine.Out, mode2.Out);
+  const Ran unknown =
+      RunShell("echo '+300 -300 +400 -2000 +500 -3000 +700 -900 +1200 -1500' | '" KEPLO_PROGRAM "' record -");
+  ExpectPart(unknown.Out, "UNK, base time 5 samples (275 us), no code: ");
 }
 
 TEST(KeploProgram, ReadsWithTheAnalysisThatIsAskedFor) {
@@ -89,6 +92,7 @@ TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
   const Install install;
   for (const auto& [pulses, part] :
        {std::pair("+300000", "rests at the other level"),
+        {"+9000 -4500 +9000", "; the commonest mark is missing, the commonest space 4400 us"},
         {"+300 -300 +400 -2000 +500", "to do: Move closer"},
         {"+300 -300 +400 -2000 +500", "us; 0 whole frames, 2 other pieces, no line code fits\n"},
         {"+300 -300 +400 -2000 +500", "  spaces: 1 of 330 us, 1 of 2035 us\n"}}) {
@@ -175,13 +179,17 @@ TEST(KeploProgram, StopsOnSignals) {
   ASSERT_EQ(install.Run("events add --each").Status, 0);
   const auto pid = Quoted(install.File("pid")), pipe = Quoted(install.File("pipe"));
   ASSERT_EQ(RunShell("mkfifo" + pipe).Status, 0);
+  install.Write("ports.conf", "30 = replay:" + (kSamples / "sony_tv_1.mode2").string() + "\n");
   for (const std::string signal : {"INT", "TERM"}) {
-    // The event of the recording tells that the monitor waits for signals.
-    const Ran monitor =
-        RunShell("sh -c 'echo $$ >\"$0\"; exec \"$@\"'" + pid + " '" KEPLO_PROGRAM "' monitor" +
-                 install.Option() + " --replay" + Quoted(kSamples / "sony_tv_1.mode2") +
-                 " | while read -r line; do echo \"$line\"; kill -s " + signal + " $(cat" + pid + "); done");
-    ExpectPart(monitor.Out, "\n1 presses heard");
+    // What is told of the recording tells that the program waits for signals.
+    const auto untilItTells = [&](const std::string& words) {
+      return RunShell("sh -c 'echo $$ >\"$0\"; exec \"$@\"'" + pid + " '" KEPLO_PROGRAM "' " + words +
+                      install.Option() + " | while read -r line; do echo \"$line\"; kill -s " + signal +
+                      " $(cat" + pid + "); done");
+    };
+    ExpectPart(untilItTells("monitor --replay" + Quoted(kSamples / "sony_tv_1.mode2")).Out,
+               "\n1 presses heard");
+    ExpectPart(untilItTells("ports --watch 30").Out, " 660 us; edges missed 0\n");
     const Ran decode = RunShell("timeout -k 60 -s " + signal + " 1 '" KEPLO_PROGRAM "' decode" + pipe);
     EXPECT_EQ(decode.Status, 124) << "a pipe that nobody writes to";
   }
