@@ -11,8 +11,9 @@ namespace {
 
 using std::chrono::microseconds;
 
-/// Longer than any space inside a frame, shorter than any between two, microseconds.
-constexpr int kGapBetweenFrames = 6'000;
+/// Longer than any space inside a frame, shorter than any between two, of which Dish has the shortest with
+/// 6 ms less what receivers lengthen its marks by; microseconds.
+constexpr int kGapBetweenFrames = 5'200;
 
 }  // namespace
 

@@ -28,6 +28,7 @@ struct KeySign {
   std::optional<bool> Toggle;           // flips on each new press
   bool Dittos = false;                  // the frame was repeated by dittos, so a held key sends no frame
   std::chrono::microseconds Period{0};  // from frame to frame; 0 if only one was heard
+  int Leader = 0;                       // mark of its leader, samples; 0 where it is not known
 };
 
 /// What became of a key.

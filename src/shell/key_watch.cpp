@@ -65,7 +65,8 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
   if (mod_.Settings.Analysis != Analysis::Second || !Key().FollowsOn(onAir_)) return false;
   const KeySign& sign = Key().Pressed()->Sign;
   SignalState& signal = mod_.Signal;
-  if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT)) return false;
+  if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT, sign.Leader))
+    return false;
   Key().HearDitto(onAir_);
   reading.Ended = Stage::Code;
   reading.ReadBy = sign.ReadBy;
@@ -95,7 +96,8 @@ void Keplo::HearCode(const MonitorReading& reading) {
                         signal.Measured.BaseT,
                         reading.Toggle,
                         reading.Dittos,
-                        period};
+                        period,
+                        reading.Leader};
   if (const auto ended = Key().Hear(sign, onAir_)) TellReleased({*ended});
 }
 

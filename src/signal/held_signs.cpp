@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 
 namespace keplo {
 
 namespace {
 
-/// 6 ms: longer than any space inside a frame, shorter than any between two.
-constexpr int kBetweenFrames = 110;
+/// 5.2 ms: longer than any space inside a frame, shorter than any between two, of which Dish has 5.9 ms.
+constexpr int kBetweenFrames = 95;
 
 /// What stands between two long spaces, silence at either end left out.
 template <typename Take>
@@ -33,12 +34,21 @@ bool IsAbout(int run, double units, int baseT) {
   return off >= -slack && off <= slack;
 }
 
-bool IsWholeDitto(RunSpan piece, int baseT) {
-  return piece.size() == 3 && IsAbout(piece[0], 16, baseT) && IsAbout(piece[1], 4, baseT) &&
-         IsAbout(piece[2], 1, baseT);
+bool IsWholeDitto(RunSpan piece, int baseT, int leader) {
+  if (piece.size() != 3) return false;
+  const bool ofNec =
+      IsAbout(piece[0], 16, baseT) && IsAbout(piece[1], 4, baseT) && IsAbout(piece[2], 1, baseT);
+  return ofNec || IsHeldSign(piece[0], piece[1], piece[2], leader);
 }
 
 }  // namespace
+
+bool IsHeldSign(int leader, int space, int mark, int usual) {
+  constexpr double kLeastSpace = 0.18, kMostSpace = 1.1;  // of the leader
+  const double slack = std::max(3.0, 0.1 * usual);        // samples
+  return usual > 0 && std::abs(leader - usual) <= slack && leader >= 4 * mark &&
+         space >= kLeastSpace * usual && space <= kMostSpace * usual;
+}
 
 int FramePeriod(RunSpan runs) {
   int period = 0, before = 0;
@@ -49,12 +59,12 @@ int FramePeriod(RunSpan runs) {
   return period;
 }
 
-bool AreDittos(RunSpan runs, int baseT) {
+bool AreDittos(RunSpan runs, int baseT, int leader) {
   int pieces = 0, whole = 0;
   bool sound = true, lastIsWhole = true;
   ForEachPiece(runs, [&](RunSpan piece, int /*start*/) {
     const bool insideIsBroken = pieces > 1 && !lastIsWhole;
-    lastIsWhole = IsWholeDitto(piece, baseT);
+    lastIsWhole = IsWholeDitto(piece, baseT, leader);
     sound = sound && !insideIsBroken && piece.size() <= 3;
     whole += lastIsWhole ? 1 : 0;
     ++pieces;

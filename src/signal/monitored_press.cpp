@@ -42,6 +42,7 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   Judge(look.ProtoKind, Analysis::Second, reading);
   reading.Toggle = ToggleOf(look.Frame, look.ProtoKind);
   reading.Dittos = look.Dittos;
+  reading.Leader = look.Leader;
 }
 
 /// Of two that read nothing the one that has come further tells why.

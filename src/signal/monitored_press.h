@@ -47,6 +47,7 @@ struct MonitorReading {
   std::string Digits;
   std::optional<bool> Toggle;  // of a code that has a digit which flips on each new press
   bool Dittos = false;         // the frame was repeated by signs without digits, as NEC does
+  int Leader = 0;              // mark of its leader, samples; 0 without one, or where it was not measured
 
   bool HasCode() const { return Ended >= Stage::Code; }
 
@@ -57,6 +58,7 @@ struct MonitorReading {
     Digits.clear();
     Toggle.reset();
     Dittos = false;
+    Leader = 0;
   }
 };
 

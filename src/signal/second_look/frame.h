@@ -57,6 +57,7 @@ struct Frame {
   int After = 0;           // the space after, samples
   bool ThenLeader = true;  // what comes after it begins with one, if anything comes
   int Dittos = 0;          // right after it: NEC's sign that the key is still held
+  bool HeldOn = false;     // right after it: NEC's sign or that of another remote
 
   std::int16_t Kind() const;
   bool HasLeader() const { return !Head.empty(); }

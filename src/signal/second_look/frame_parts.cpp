@@ -10,11 +10,15 @@ namespace keplo::robust {
 
 namespace {
 
-/// How many runs at the head of two pieces are the same.
-std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step, double unit) {
-  const double near = std::max(3.0, unit / 2);
+/// How many runs from the first mark of two pieces on, or back from the last, are the same as those of a
+/// frame.
+std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step,
+                     const Frame& frame) {
+  const double near = std::max(3.0, frame.Unit / 2);
+  // A mark of pulse distance is of one length, so that one that strays is no other digit.
+  const double nearMark = frame.Kind() == kNec ? std::max(near, 0.75 * frame.Unit) : near;
   std::size_t same = 0;
-  while (same < most && std::abs(*one - *other) <= near) {
+  while (same < most && std::abs(*one - *other) <= (same % 2 == 0 ? nearMark : near)) {
     ++same;
     if (same == most) break;
     one += step;
@@ -31,12 +35,12 @@ bool BeginAndEndAlike(const OtherPiece& piece, const Frame& frame, std::size_t d
     const int* const first = piece.Of.First + skipped;
     const std::size_t size = piece.Of.Size - skipped;
     const std::size_t most = std::min(size, frame.Runs);
-    std::size_t same = SameRuns(first, frame.First, most, 1, frame.Unit);
+    std::size_t same = SameRuns(first, frame.First, most, 1, frame);
     if (piece.IsCut) {
       if (same + kCut >= size) return true;
       continue;
     }
-    same += SameRuns(first + size - 1, frame.First + frame.Runs - 1, most, -1, frame.Unit);
+    same += SameRuns(first + size - 1, frame.First + frame.Runs - 1, most, -1, frame);
     if (same + damaged >= size) return true;
   }
   return false;

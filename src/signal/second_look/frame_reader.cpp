@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "signal/held_signs.h"
 #include "signal/second_look/line_shapes.h"
 #include "signal/timing.h"
 
@@ -112,7 +113,14 @@ void FrameReader::ReadPieces() {
   for (place_ = 0; place_ < pieces_.size(); ++place_) {
     const Piece& piece = pieces_[place_];
     if (IsDitto(piece)) {
-      if (afterFrame_) ++found_.Frames.back().Dittos;
+      if (!afterFrame_) continue;
+      ++found_.Frames.back().Dittos;
+      found_.Frames.back().HeldOn = true;
+      continue;
+    }
+    if (const std::size_t pieces = afterFrame_ ? PiecesOfHeldSign() : 0; pieces > 0) {
+      found_.Frames.back().HeldOn = true;
+      place_ += pieces - 1;
       continue;
     }
     afterFrame_ = false;
@@ -130,6 +138,17 @@ void FrameReader::ReadPieces() {
     afterFrame_ = true;
     found_.Frames.push_back(*frame);
   }
+}
+
+/// Of how many pieces such a sign of the last frame is made here: its space may be as long as one that parts
+/// frames.
+std::size_t FrameReader::PiecesOfHeldSign() const {
+  const Piece& piece = pieces_[place_];
+  const int* const runs = piece.First;
+  const int usual = found_.Frames.back().Led.Mark;
+  if (piece.Size == 3) return IsHeldSign(runs[0], runs[1], runs[2], usual) ? 1 : 0;
+  if (!piece.IsSingle() || place_ + 1 == pieces_.size() || !pieces_[place_ + 1].IsSingle()) return 0;
+  return IsHeldSign(runs[0], piece.After, pieces_[place_ + 1].First[0], usual) ? 2 : 0;
 }
 
 void FrameReader::TakeOther(const Piece& piece) {

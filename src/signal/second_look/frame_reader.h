@@ -50,6 +50,7 @@ class FrameReader {
   std::optional<Frame> ReadPiece(const Piece& piece);
   std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader);
   void TakeUnread(const Piece& piece, const Body& body, bool hasLeader);
+  std::size_t PiecesOfHeldSign() const;
   void TakeOther(const Piece& piece);
   void WriteSymbols(Frame& frame, const Body& body);
   void LeaveOutPieces();

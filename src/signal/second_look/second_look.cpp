@@ -17,6 +17,7 @@ namespace robust {
 namespace {
 
 constexpr double kLeastUnit = 5;     // samples; of a shorter base time receivers leave spaces of one or two
+constexpr double kOfRest = 0.85;     // of a rest, that others are at least as long as
 constexpr double kFinestUnit = 3.5;  // samples; of shorter ones the first analysis reads wrong codes
 
 /// Whether the runs of every length are within three samples, and none is a mere sample: noise has such.
@@ -53,15 +54,22 @@ bool IsTooDense(const SampleWords& samples) {
 /// Whether the first frame goes untold: nothing shows where it began.
 bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) && frames.size() == 1; }
 
-/// Whether a press begins with a mark as short as those of digits, and a rest after it that parts frames
-/// too.
-bool MayBeginInRest(const PressRuns& runs) {
+/// The rest ahead of frames that each begin with a mark as short as those of digits and a rest, which parts
+/// them too; samples. A key that is held may have sent that mark long ago, and shows more of the rests.
+/// @return none where the press is no such one
+std::optional<int> RestOfFrames(const PressRuns& runs) {
   constexpr int kLongestMark = 15;                    // samples
   constexpr int kLeastRest = 80, kLongestRest = 220;  // samples; 4.4 and 12 ms
   constexpr std::size_t kFewestRuns = 60;             // of two frames
+  constexpr int kFewestRests = 3;
   const RunSpan lengths = runs.Lengths;
-  return lengths.size() >= kFewestRuns && lengths[0] <= kLongestMark &&
-         Within(lengths[1], kLeastRest, kLongestRest);
+  if (lengths.size() < kFewestRuns) return std::nullopt;
+  if (lengths[0] <= kLongestMark && Within(lengths[1], kLeastRest, kLongestRest)) return lengths[1];
+  const int longest = *std::max_element(lengths.begin(), lengths.end());
+  const auto rests =
+      std::count_if(lengths.begin(), lengths.end(), [&](int length) { return length >= kOfRest * longest; });
+  return rests >= kFewestRests && Within(longest, kLeastRest, kLongestRest) ? std::optional(longest)
+                                                                            : std::nullopt;
 }
 
 /// Whether nothing but equal frames was found, each after a mark and a rest. Such a rest is as long as the
@@ -159,8 +167,8 @@ void SecondLook::ReadProof(const robust::Findings& found) {
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
-  look_.Dittos =
-      std::any_of(frames.begin(), frames.end(), [](const auto& frame) { return frame.Dittos > 0; });
+  look_.Dittos = std::any_of(frames.begin(), frames.end(), [](const auto& frame) { return frame.HeldOn; });
+  look_.Leader = shown.Led.Mark;
   WriteSymbols(found, proven);
   if (proven != nullptr || (two && frames.size() > 2)) {
     look_.Proven = RobustReading::Proof::Sure;
@@ -175,9 +183,8 @@ void SecondLook::ReadProof(const robust::Findings& found) {
 
 /// Reads frames that each begin with a short mark and a rest; they are taken if their code was learned.
 /// @return false if there are no such frames
-bool SecondLook::ReadAfterRests(const robust::PressRuns& runs) {
-  constexpr double kOfRest = 0.85;
-  const robust::Findings& found = frames_.Read(runs, kOfRest * runs.Lengths[1] / robust::kGapUnits);
+bool SecondLook::ReadAfterRests(const robust::PressRuns& runs, int rest) {
+  const robust::Findings& found = frames_.Read(runs, robust::kOfRest * rest / robust::kGapUnits);
   if (!robust::AreFramesAfterRests(found)) return false;
   const robust::Frame& frame = found.Frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(frame.Unit));
@@ -193,6 +200,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.BaseT = 0;
   look_.ProtoKind = kUnknown;
   look_.Dittos = false;
+  look_.Leader = 0;
   look_.Symbols.clear();
   look_.Frame.clear();
   look_.OtherFrame.clear();
@@ -213,9 +221,10 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
     look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
     look_.UnreadMarks = found.UnknownMarks;
   }
-  const bool mayRest = look_.Proven == RobustReading::Proof::Refused && robust::MayBeginInRest(runs);
+  if (look_.Proven != RobustReading::Proof::Refused) return look_;
   // What was found is told, see Heard.
-  if (mayRest && !ReadAfterRests(runs)) frames_.Read(runs, unit);
+  if (const auto rest = robust::RestOfFrames(runs); rest && !ReadAfterRests(runs, *rest))
+    frames_.Read(runs, unit);
   return look_;
 }
 

@@ -25,6 +25,7 @@ struct RobustReading {
   std::int16_t BaseT = 0;  // base time T, samples; rounded. Of a clean signal too, and 0 without one
   std::int16_t ProtoKind = kUnknown;
   bool Dittos = false;  // a frame was repeated by signs without digits
+  int Leader = 0;       // mark of the leader of Frame, samples; 0 without one
 
   /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
   /// those of the code alone, if one frame is proven. Empty if there is none, or only one without a leader
@@ -81,7 +82,7 @@ class SecondLook {
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
                          bool joined);
   void ReadProof(const robust::Findings& found);
-  bool ReadAfterRests(const robust::PressRuns& runs);
+  bool ReadAfterRests(const robust::PressRuns& runs, int rest);
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;

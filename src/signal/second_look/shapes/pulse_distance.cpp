@@ -82,7 +82,8 @@ std::string_view DistanceHead(const Leader& leader, const Frame& frame, bool spa
 
 void TakeDistanceLeader(Frame& frame, const Leader& leader, const Body& body) {
   if (HasUsualUnit(frame)) frame.Leads = KindOf(leader, frame.Unit, frame.Excess);
-  frame.Head = DistanceHead(leader, frame, LeaderSpaceIsDistinct(leader, body));
+  const bool isCommon = frame.Leads != LeaderKind::Other;
+  frame.Head = DistanceHead(leader, frame, isCommon || LeaderSpaceIsDistinct(leader, body));
   if (frame.Head != "Gg") ++frame.Digits;
 }
 
