@@ -17,10 +17,10 @@ void MaskHangup(int how) {
   sigprocmask(how, &hangup, nullptr);
 }
 
-/// A hangup asks for the files where it ends nothing.
-std::vector<int> SignalsOfHost() {
+/// A hangup is first of all a question for the files, which must not cut short what is being sent.
+std::vector<int> EndingSignalsOfHost() {
   std::vector<int> numbers = EndingSignals();
-  if (IsIgnored(SIGHUP)) numbers.push_back(SIGHUP);
+  std::erase(numbers, SIGHUP);
   return numbers;
 }
 
@@ -34,7 +34,7 @@ void HoldHangups() { MaskHangup(SIG_BLOCK); }
 SignalNotifier::SignalNotifier(std::function<void()> reload)
     : endsWithTerminal_(IsInTerminal() && !IsIgnored(SIGHUP)),
       reload_(std::move(reload)),
-      signals_(SignalsOfHost()),
+      signals_(EndingSignalsOfHost(), {SIGHUP}),
       notifier_(signals_.Descriptor(), QSocketNotifier::Read) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { Act(signals_.Take()); });
   MaskHangup(SIG_UNBLOCK);

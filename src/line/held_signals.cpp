@@ -4,17 +4,13 @@
 #include <array>
 #include <ctime>
 
+#include "program/stop_signals.h"
+
 namespace keplo {
 
 namespace {
 
 constexpr std::array kEndingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
-
-bool EndsProgram(int signal) {
-  struct sigaction action {};
-  sigaction(signal, nullptr, &action);
-  return action.sa_handler == SIG_DFL || (action.sa_handler != SIG_IGN && signal != SIGHUP);
-}
 
 }  // namespace
 

@@ -18,7 +18,7 @@ class HeldSignals {
   HeldSignals& operator=(const HeldSignals&) = delete;
 
   /// Whether a signal that is held back, by anyone, has come and will end the program: one that is ignored,
-  /// as under nohup, does not, nor does SIGHUP where the program does something of its own on it.
+  /// as under nohup, does not, nor does SIGHUP where it asks a host to read its files again.
   static bool Pending();
   /// Takes what has come, so that it ends nothing.
   void Take() const;

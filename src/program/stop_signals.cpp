@@ -14,6 +14,10 @@ namespace keplo {
 
 namespace {
 
+/// Marks signals that end nothing. The system keeps the mark, so that a plug-in, which has a copy of this
+/// file, finds what its host has set; to a handler that only writes into a pipe it makes no difference.
+constexpr int kEndsNothing = SA_NODEFER;
+
 /// Where the handler writes; it runs without an object.
 std::atomic<int> writeEnd{-1};
 /// The thread that waits. What holds signals back for a while does so there.
@@ -37,15 +41,20 @@ void Ignore(int /*signal*/) {}
 
 }  // namespace
 
-StopSignals::StopSignals(const std::vector<int>& numbers) {
+StopSignals::StopSignals(const std::vector<int>& ending, const std::vector<int>& asking) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure(errno, "No pipe can be made for signals.");
   readEnd_ = ends[0];
   writeEnd = ends[1];
   owner = pthread_self();
+  Catch(ending, SA_RESTART);
+  Catch(asking, SA_RESTART | kEndsNothing);
+}
+
+void StopSignals::Catch(const std::vector<int>& numbers, int flags) {
   struct sigaction action {};
   action.sa_handler = Write;
-  action.sa_flags = SA_RESTART;
+  action.sa_flags = flags;
   for (const int number : numbers) {
     caught_.push_back({number, {}});
     sigaction(number, &action, &caught_.back().Before);
@@ -75,6 +84,12 @@ bool IsIgnored(int number) {
   struct sigaction present {};
   sigaction(number, nullptr, &present);
   return present.sa_handler == SIG_IGN;
+}
+
+bool EndsProgram(int number) {
+  struct sigaction present {};
+  sigaction(number, nullptr, &present);
+  return present.sa_handler != SIG_IGN && (present.sa_flags & kEndsNothing) == 0;
 }
 
 std::vector<int> EndingSignals() {

@@ -12,7 +12,9 @@ namespace keplo {
 /// been read: until then a signal ends the program at once, whatever it waits for.
 class StopSignals {
  public:
-  explicit StopSignals(const std::vector<int>& numbers);
+  /// @param ending those that end the program, once it has taken them
+  /// @param asking those that ask for something and end nothing; EndsProgram tells them apart
+  explicit StopSignals(const std::vector<int>& ending, const std::vector<int>& asking = {});
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
@@ -29,6 +31,8 @@ class StopSignals {
   int Take() const;
 
  private:
+  void Catch(const std::vector<int>& numbers, int flags);
+
   struct Caught {
     int Number;
     struct sigaction Before;
@@ -40,6 +44,10 @@ class StopSignals {
 
 /// Whether whoever started the program wants it to go on after a signal, as nohup does for SIGHUP.
 bool IsIgnored(int number);
+
+/// Whether a signal will end this program, as it is taken now: one that is ignored does not, nor does one
+/// that a StopSignals of any part of the program takes for a question.
+bool EndsProgram(int number);
 
 /// The signals that end this program: those that ask it to, and a terminal or a reader of its output that
 /// goes, unless it was started to outlive them.

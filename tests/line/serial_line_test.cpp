@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "press_builder.h"
+#include "program/stop_signals.h"
 #include "signal/zone_link.h"
 #include "simulated_port.h"
 
@@ -168,26 +169,31 @@ TEST_F(SerialLineTest, RefusesPulsesThatWouldLeaveALightOn) {
   EXPECT_EQ(Told.size(), 1U);
 }
 
-volatile std::sig_atomic_t ended = 0;
-
 TEST(SerialLine, LeavesAWaitForASignalToWhoeverEndsTheProgram) {
   struct : SimulatedPort {
-    bool Ends = false;
+    int Comes = 0;
     void SleepUntil(std::chrono::nanoseconds time) override {
       SimulatedPort::SleepUntil(time);
-      if (std::exchange(Ends, false)) raise(SIGTERM);
+      if (const int number = std::exchange(Comes, 0); number != 0) raise(number);
     }
   } port;
   const std::int16_t receiver = 0;
   SerialLine line(port, kSimulatedDevice, receiver, {}, {});
   ASSERT_EQ(line.OpenCom(1), 1);
-  const auto before = std::signal(SIGTERM, [](int) { ended = 1; });
-  const std::chrono::nanoseconds begin = port.Now();
-  port.Ends = true;
-  std::string buffer(1'000, '\0');
-  EXPECT_EQ(line.IRRecord(buffer, kDelay, 1'000), 0);
-  EXPECT_TRUE(ended == 1 && port.Now() - begin < std::chrono::seconds(1)) << (port.Now() - begin).count();
-  std::signal(SIGTERM, before);
+  struct Case {
+    int Number;
+    std::vector<int> Asking;
+    bool Ends;
+  };
+  for (const Case& c : {Case{SIGTERM, {}, true}, Case{SIGHUP, {}, true}, Case{SIGHUP, {SIGHUP}, false}}) {
+    const StopSignals signals(c.Asking.empty() ? std::vector{c.Number} : std::vector<int>(), c.Asking);
+    const std::chrono::nanoseconds begin = port.Now();
+    port.Comes = c.Number;
+    std::string buffer(1'000, '\0');
+    EXPECT_EQ(line.IRRecord(buffer, kDelay, 1'000), 0);
+    EXPECT_EQ(port.Now() - begin < std::chrono::seconds(1), c.Ends) << c.Number;
+    EXPECT_EQ(signals.Take(), c.Number);
+  }
 }
 
 TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
