@@ -118,6 +118,8 @@ int Monitor(const MonitorOptions& options) {
   std::optional<StopSignals> stop;
   if (options.Line.ReplayFiles.empty()) stop.emplace(EndingSignals());
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
+  // Which was told. A device that is away may come, but a second program would wait for what nobody gives up.
+  if (station.IsPortInUse()) return kNoResult;
   Keplo& control = station.Control();
   std::optional<BrokerTelling> broker;
   control.TriggerInputEvent = [&](HostInputEvent& event) {

@@ -89,9 +89,10 @@ std::string WhyNoAccess(const std::string& device, int error) {
   }
 }
 
-std::string WhyBusy(const std::string& device, const std::string& holder) {
-  return device + " is in use by " + (holder.empty() ? "another program" : holder) +
-         ". End that program, or choose another port.";
+Refusal WhyBusy(const std::string& device, const std::string& holder) {
+  return {device + " is in use by " + (holder.empty() ? "another program" : holder) +
+              ". End that program, or choose another port.",
+          true};
 }
 
 std::string NameOfProcess(int process) {

@@ -6,13 +6,19 @@
 
 namespace keplo {
 
+/// Why a device did not open.
+struct Refusal {
+  std::string Why;     // in one sentence that says what to do; empty if nothing stands in the way
+  bool InUse = false;  // another program has it
+};
+
 /// Why a device cannot be opened, in one sentence that says what to do.
 /// @param error the errno of the open
 std::string WhyNoAccess(const std::string& device, int error);
 
 /// Why a device that another program uses cannot be opened.
 /// @param holder the program, if it is known
-std::string WhyBusy(const std::string& device, const std::string& holder);
+Refusal WhyBusy(const std::string& device, const std::string& holder);
 
 /// A running process as "NAME (process N)".
 std::string NameOfProcess(int process);

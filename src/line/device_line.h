@@ -26,6 +26,8 @@ class DeviceLine : public Win32Ser, public LineRest {
  public:
   /// @return why the device did not open, or does not work any more, in one sentence; empty while it does
   virtual std::string WhyNot() const = 0;
+  /// Whether the device did not open since another program has it.
+  virtual bool IsInUse() const = 0;
   virtual LineLosses Losses() const = 0;
   /// Whether the last signal went out; what stood in its way has been told.
   virtual bool Sent() const = 0;

@@ -40,8 +40,8 @@ std::int32_t NodeLine::OpenCom(std::int32_t /*port*/) {
   CloseCom();
   wanted_ = true;
   nextOpening_ = calls_.Now() + kOpenAgain;
-  if (!OpenDevice(whyNot_)) return 0;
-  whyNot_.clear();
+  if (!OpenDevice(closed_)) return 0;
+  closed_ = {};
   return 1;
 }
 
@@ -55,20 +55,20 @@ void NodeLine::Lose() {
   CloseDevice();
   lost_ = true;
   nextOpening_ = calls_.Now() + kOpenAgain;
-  whyNot_ = node_ + " is gone. Plug it in again; it is opened by itself.";
-  Tell(whyNot_);
+  closed_ = {node_ + " is gone. Plug it in again; it is opened by itself."};
+  Tell(closed_.Why);
 }
 
 void NodeLine::LookAfterDevice() {
   if (IsOpen()) NoticeLoss();
   if (IsOpen() || !wanted_ || calls_.Now() < nextOpening_) return;
   nextOpening_ = calls_.Now() + kOpenAgain;
-  std::string why;
-  if (!OpenDevice(why)) {
-    if (!lost_) whyNot_ = why;
+  Refusal refusal;
+  if (!OpenDevice(refusal)) {
+    if (!lost_) closed_ = refusal;
     return;
   }
-  whyNot_.clear();
+  closed_ = {};
   RTS(-1);
   TXD(0);
   Tell(node_ + (std::exchange(lost_, false) ? " is back." : " is there now."));

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "line/beeper.h"
+#include "line/device_access.h"
 #include "line/device_calls.h"
 #include "line/device_line.h"
 #include "line/shaping/shaper.h"
@@ -29,7 +30,8 @@ class NodeLine : public DeviceLine {
   NodeLine(DeviceCalls& calls, std::string node, const std::int16_t& receiverKind, LineOptions options,
            TellUser tell);
 
-  std::string WhyNot() const override { return whyNot_; }
+  std::string WhyNot() const override { return closed_.Why; }
+  bool IsInUse() const override { return closed_.InUse; }
   bool Sent() const override { return sent_; }
   std::chrono::milliseconds MayRest() override;
   void LookAfterDevice() override;
@@ -55,8 +57,8 @@ class NodeLine : public DeviceLine {
   using Time = std::chrono::nanoseconds;
 
   virtual bool IsOpen() const = 0;
-  /// @param why written with one sentence that says what to do if the device does not open
-  virtual bool OpenDevice(std::string& why) = 0;
+  /// @param refusal written if the device does not open
+  virtual bool OpenDevice(Refusal& refusal) = 0;
   virtual void CloseDevice() = 0;
   /// Calls Lose if the open device went.
   virtual void NoticeLoss() = 0;
@@ -106,7 +108,7 @@ class NodeLine : public DeviceLine {
   TellUser tell_;
   Beeper beeper_;
 
-  std::string whyNot_;
+  Refusal closed_;       // why it is, while the device does not work
   bool wanted_ = false;  // was asked for, so it is opened when it is there
   bool lost_ = false;    // and was open before
   bool sent_ = false;

@@ -41,7 +41,7 @@ std::string DriverOf(const fs::path& device) {
 /// told without one.
 PortCheck CheckUsbPort(const std::string& device, const fs::path& classes) {
   PortCheck check;
-  check.Why = SerialPort::WhyUntouchable(device);
+  check.Why = SerialPort::WhyUntouchable(device).Why;
   if (!check.Why.empty()) return check;
   check.Opens = faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) == 0;
   check.Why = check.Opens ? WhyUnfit(device, true, classes) : WhyNoAccess(device, errno);
@@ -53,7 +53,9 @@ PortCheck CheckSerial(DeviceCalls& calls, const MappedPort& port, const fs::path
   PortCheck check = isUsb ? CheckUsbPort(port.Device, classes) : PortCheck();
   check.Driver = DriverOf(classes / "tty" / KernelName(port.Device) / "device");
   if (isUsb) return check;
-  const auto opened = SerialPort::Open(calls, port.Device, check.Why);
+  Refusal refusal;
+  const auto opened = SerialPort::Open(calls, port.Device, refusal);
+  check.Why = refusal.Why;
   if (!opened) return check;
   check.Opens = true;
   check.Sends = true;

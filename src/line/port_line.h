@@ -29,6 +29,7 @@ class PortLine : public DeviceLine {
   void FollowSettings(const std::int32_t* ofSettings, std::optional<std::int32_t> inPlace);
 
   std::string WhyNot() const override { return device_ ? device_->WhyNot() : whyNot_; }
+  bool IsInUse() const override { return device_ && device_->IsInUse(); }
   /// The open port and its device, or why there is none, in a sentence for a person.
   std::string What() const;
   LineLosses Losses() const override { return device_ ? device_->Losses() : LineLosses{}; }

@@ -57,6 +57,8 @@ class Station {
   LineRest* Rest() { return rest_ ? &*rest_ : nullptr; }
   /// Whether there was ever something to listen to: recordings, or a port that opened.
   bool WasOpen() const { return line_.Device == nullptr || opened_; }
+  /// Whether the port did not open since another program has it.
+  bool IsPortInUse() const { return line_.Device != nullptr && line_.Device->IsInUse(); }
   /// Whether every recording has been played; a line without recordings has none to wait for.
   bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
 

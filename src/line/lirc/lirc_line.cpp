@@ -101,17 +101,17 @@ void LircLine::SetCarrier(std::int32_t hertz) {
   }
 }
 
-bool LircLine::OpenDevice(std::string& why) {
+bool LircLine::OpenDevice(Refusal& refusal) {
   const int descriptor = calls_.Open(Node(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) {
     const int error = errno;
-    why = error == EBUSY ? WhyBusy(Node(), HolderOfDevice(Node())) : WhyNoAccess(Node(), error);
+    refusal = error == EBUSY ? WhyBusy(Node(), HolderOfDevice(Node())) : Refusal{WhyNoAccess(Node(), error)};
     return false;
   }
   device_.emplace(calls_, descriptor);
-  why.clear();
-  Ask(why);
-  if (!why.empty()) device_.reset();
+  refusal = {};
+  Ask(refusal.Why);
+  if (!refusal.Why.empty()) device_.reset();
   heard_.clear();
   skipping_ = false;
   silence_ = 0;

@@ -51,7 +51,7 @@ class LircLine : public NodeLine {
 
  protected:
   bool IsOpen() const override { return device_.has_value(); }
-  bool OpenDevice(std::string& why) override;
+  bool OpenDevice(Refusal& refusal) override;
   void CloseDevice() override { device_.reset(); }
   void NoticeLoss() override;
   std::string Warning(Use use) const override;

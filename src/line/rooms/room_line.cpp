@@ -41,13 +41,13 @@ RoomLine::RoomLine(DeviceCalls& calls, RoomMap rooms, OpenRoomMessages open, con
 
 std::string RoomLine::WhyNot() const { return messages_ ? messages_->WhyNot() : NodeLine::WhyNot(); }
 
-bool RoomLine::OpenDevice(std::string& why) {
+bool RoomLine::OpenDevice(Refusal& refusal) {
   try {
     if (!open_) throw Failure(ENOTSUP, "There is no way to a broker here.");
     messages_ = open_(rooms_.Filter);
     return true;
   } catch (const Failure& failure) {
-    why = failure.what();
+    refusal = {failure.what()};
     return false;
   }
 }

@@ -47,7 +47,7 @@ class RoomLine : public NodeLine {
 
  protected:
   bool IsOpen() const override { return messages_ != nullptr; }
-  bool OpenDevice(std::string& why) override;
+  bool OpenDevice(Refusal& refusal) override;
   void CloseDevice() override;
   void NoticeLoss() override { TakeMessages(); }
   std::string Warning(Use use) const override;

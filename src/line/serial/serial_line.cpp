@@ -56,8 +56,8 @@ LineLosses SerialLine::Losses() const {
   return losses;
 }
 
-bool SerialLine::OpenDevice(std::string& why) {
-  port_ = SerialPort::Open(calls_, Node(), why);
+bool SerialLine::OpenDevice(Refusal& refusal) {
+  port_ = SerialPort::Open(calls_, Node(), refusal);
   if (!port_) return false;
   losses_ = {};
   sampledUntold_ = 0;

@@ -38,7 +38,7 @@ class SerialLine : public NodeLine {
 
  protected:
   bool IsOpen() const override { return port_ != nullptr; }
-  bool OpenDevice(std::string& why) override;
+  bool OpenDevice(Refusal& refusal) override;
   void CloseDevice() override;
   void NoticeLoss() override;
   std::string Warning(Use use) const override;

@@ -20,12 +20,12 @@ constexpr int kOpenAttempts = 2;
 constexpr std::chrono::seconds kLongestWait{2};
 constexpr int kStopLook = 50;  // milliseconds between two looks whether the program is to end
 
-std::string WhyNotOpened(const std::string& device, int error) {
+Refusal WhyNotOpened(const std::string& device, int error) {
   if (error == EBUSY || error == EWOULDBLOCK) return WhyBusy(device, HolderOfDevice(device));
   if (error == EIO)
-    return device +
-           " has no serial hardware behind it, or it is gone. Plug it in again, or choose another port.";
-  return WhyNoAccess(device, error);
+    return {device +
+            " has no serial hardware behind it, or it is gone. Plug it in again, or choose another port."};
+  return {WhyNoAccess(device, error)};
 }
 
 }  // namespace
@@ -33,30 +33,30 @@ std::string WhyNotOpened(const std::string& device, int error) {
 SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
     : calls_(calls), lockFile_(std::move(lockFile)), descriptor_(calls, descriptor) {}
 
-std::string SerialPort::WhyUntouchable(const std::string& device) {
-  if (IsNoTerminal(device)) return WhyNoAccess(device, ENOTTY);
+Refusal SerialPort::WhyUntouchable(const std::string& device) {
+  if (IsNoTerminal(device)) return {WhyNoAccess(device, ENOTTY)};
   std::string holder = HolderOfLockFile(device);
   if (holder.empty()) holder = HolderOfDevice(device);
-  return holder.empty() ? std::string() : WhyBusy(device, holder);
+  return holder.empty() ? Refusal() : WhyBusy(device, holder);
 }
 
 std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,
-                                             std::string& why) {
+                                             Refusal& refusal) {
   // An open raises DTR, which is light, and succeeds for root whatever the lock: so whoever has the port is
   // looked for before anything touches it.
-  why = WhyUntouchable(device);
-  if (!why.empty()) return nullptr;
+  refusal = WhyUntouchable(device);
+  if (!refusal.Why.empty()) return nullptr;
   int error = 0;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
     // Without O_NONBLOCK an open waits for a carrier, which a receiver that rests at 0 never shows.
     const int descriptor = calls.Open(device, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) {
-      why = WhyNotOpened(device, errno);
+      refusal = WhyNotOpened(device, errno);
       return nullptr;
     }
     std::unique_ptr<SerialPort> port(new SerialPort(calls, descriptor, {}));
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-      why = WhyNotOpened(device, EWOULDBLOCK);
+      refusal = WhyNotOpened(device, EWOULDBLOCK);
       return nullptr;
     }
     const bool exclusive = calls.Ioctl(descriptor, TIOCEXCL, nullptr) == 0;
@@ -71,7 +71,7 @@ std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::stri
     // The settings of the last user hold until ours do: a key pressed in between hangs the port up, once.
     error = errno;
   }
-  why = WhyNotOpened(device, error);
+  refusal = WhyNotOpened(device, error);
   return nullptr;
 }
 

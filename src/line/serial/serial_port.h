@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "line/device_access.h"
 #include "line/device_calls.h"
 
 namespace keplo {
@@ -23,12 +24,12 @@ class SerialPort {
     Characters  // 9,600 baud, 8 bits: the zone hardware
   };
 
-  /// Why a port must not even be opened, such as a program that has it, in one sentence that says what to do;
-  /// empty if nothing stands in the way.
-  static std::string WhyUntouchable(const std::string& device);
+  /// Why a port must not even be opened, such as a program that has it.
+  static Refusal WhyUntouchable(const std::string& device);
   /// Opens a port that has hardware; clears DTR, which the driver raises when a port is opened.
-  /// @param why written with one sentence that says what to do if the port does not open
-  static std::unique_ptr<SerialPort> Open(DeviceCalls& calls, const std::string& device, std::string& why);
+  /// @param refusal written
+  /// @return none if the port does not open
+  static std::unique_ptr<SerialPort> Open(DeviceCalls& calls, const std::string& device, Refusal& refusal);
 
   ~SerialPort();
   SerialPort(const SerialPort&) = delete;
