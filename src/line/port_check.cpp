@@ -1,9 +1,5 @@
 #include "line/port_check.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
@@ -41,10 +37,9 @@ std::string DriverOf(const fs::path& device) {
 /// told without one.
 PortCheck CheckUsbPort(const std::string& device, const fs::path& classes) {
   PortCheck check;
-  check.Why = SerialPort::WhyUntouchable(device).Why;
-  if (!check.Why.empty()) return check;
-  check.Opens = faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) == 0;
-  check.Why = check.Opens ? WhyUnfit(device, true, classes) : WhyNoAccess(device, errno);
+  check.Why = SerialPort::Foresee(device).Why;
+  check.Opens = check.Why.empty();
+  if (check.Opens) check.Why = WhyUnfit(device, true, classes);
   return check;
 }
 

@@ -3,6 +3,7 @@
 #include <sys/epoll.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "formats/recording.h"
 #include "line/lirc/lirc_line.h"
@@ -68,6 +69,10 @@ std::int32_t PortLine::InPlaceOf(std::int32_t asked) {
   return asked == *replaced_ ? *inPlace_ : asked;
 }
 
+bool PortLine::IsOfSettings(std::int32_t asked) const {
+  return ofSettings_ == nullptr || asked == *ofSettings_ || asked == replaced_;
+}
+
 std::int32_t PortLine::OpenCom(std::int32_t asked) {
   const std::int32_t port = InPlaceOf(asked);
   CloseCom();
@@ -75,16 +80,31 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
                                    [port](const MappedPort& candidate) { return candidate.Port == port; });
   // Whoever looks which ports there are waits for that of the settings all the same.
   if (mapped == map_.Ports.end()) return DoWithout(ofSettings_ ? *ofSettings_ : asked);
+  whyNot_.clear();
+  // Whoever asks for all numbers would make each board on an adapter start anew, as an open pulses its lines.
+  if (!mapped->IsFoundOnUsb || IsOfSettings(asked)) return Open(*mapped);
+  whyNot_ = SerialPort::Foresee(mapped->Device).Why;
+  if (whyNot_.empty()) unused_ = *mapped;
+  return unused_ ? 1 : 0;
+}
+
+std::int32_t PortLine::Open(const MappedPort& port) {
   try {
-    line_ = MakeLine(*mapped);
+    line_ = MakeLine(port);
   } catch (const Failure& failure) {
     whyNot_ = failure.what();
     return 0;
   }
-  whyNot_.clear();
-  open_ = "COM " + std::to_string(port) + " is " + (device_ ? mapped->Device : "recorded key presses") + ".";
+  open_ =
+      "COM " + std::to_string(port.Port) + " is " + (device_ ? port.Device : "recorded key presses") + ".";
   // A device that does not open stays, since it opens by itself when it is there.
-  return line_->OpenCom(port);
+  return line_->OpenCom(port.Port);
+}
+
+/// The line, opened at last where a number was taken without an open; none while no port is open.
+Win32Ser* PortLine::Used() {
+  if (const auto port = std::exchange(unused_, std::nullopt)) Open(*port);
+  return line_.get();
 }
 
 /// @param asked the number that the device will be opened for when it comes
@@ -121,6 +141,7 @@ void PortLine::CloseCom() {
   device_ = nullptr;
   line_.reset();
   missing_.reset();
+  unused_.reset();
 }
 
 int PortLine::WakeDescriptor() {
@@ -137,23 +158,23 @@ int PortLine::WakeDescriptor() {
 std::chrono::milliseconds PortLine::MayRest() {
   if (device_) return device_->MayRest();
   if (missing_) return kLookAgain;
-  return line_ ? std::chrono::milliseconds::zero() : kNothingToWatch;
+  return line_ || unused_ ? std::chrono::milliseconds::zero() : kNothingToWatch;
 }
 
 void PortLine::SetMode(std::int32_t mode) {
-  if (line_) line_->SetMode(mode);
+  if (Win32Ser* const line = Used()) line->SetMode(mode);
 }
 
 void PortLine::DTR(std::int32_t state) {
-  if (line_) line_->DTR(state);
+  if (Win32Ser* const line = Used()) line->DTR(state);
 }
 
 void PortLine::RTS(std::int32_t state) {
-  if (line_) line_->RTS(state);
+  if (Win32Ser* const line = Used()) line->RTS(state);
 }
 
 void PortLine::TXD(std::int32_t state) {
-  if (line_) line_->TXD(state);
+  if (Win32Ser* const line = Used()) line->TXD(state);
 }
 
 std::int32_t PortLine::DCD() {
@@ -163,34 +184,39 @@ std::int32_t PortLine::DCD() {
 }
 
 void PortLine::IRMonitor(std::span<char> buffer, std::int32_t delay) {
-  if (line_) line_->IRMonitor(buffer, delay);
+  if (Win32Ser* const line = Used()) line->IRMonitor(buffer, delay);
 }
 
 void PortLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) {
-  if (line_) line_->IRMonitorN(buffer, delay);
+  if (Win32Ser* const line = Used()) line->IRMonitorN(buffer, delay);
 }
 
 std::int32_t PortLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  return line_ ? line_->IRRecord(buffer, delay, limit) : 0;
+  Win32Ser* const line = Used();
+  return line != nullptr ? line->IRRecord(buffer, delay, limit) : 0;
 }
 
 std::int32_t PortLine::IRRecordN(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
-  return line_ ? line_->IRRecordN(buffer, delay, limit) : 0;
+  Win32Ser* const line = Used();
+  return line != nullptr ? line->IRRecordN(buffer, delay, limit) : 0;
 }
 
 void PortLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) {
-  if (line_) line_->IRSend(bytes, pulse, interfaceType);
+  if (Win32Ser* const line = Used()) line->IRSend(bytes, pulse, interfaceType);
 }
 
 void PortLine::SetCarrier(std::int32_t hertz) {
-  if (line_) line_->SetCarrier(hertz);
+  if (Win32Ser* const line = Used()) line->SetCarrier(hertz);
 }
 
 void PortLine::SendChr(char character) {
-  if (line_) line_->SendChr(character);
+  if (Win32Ser* const line = Used()) line->SendChr(character);
 }
 
-std::int32_t PortLine::ReadChr(char& character) { return line_ ? line_->ReadChr(character) : 0; }
+std::int32_t PortLine::ReadChr(char& character) {
+  Win32Ser* const line = Used();
+  return line != nullptr ? line->ReadChr(character) : 0;
+}
 
 std::int16_t PortLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
 

@@ -67,6 +67,9 @@ class PortLine : public DeviceLine {
 
  private:
   std::int32_t InPlaceOf(std::int32_t asked);
+  bool IsOfSettings(std::int32_t asked) const;
+  std::int32_t Open(const MappedPort& port);
+  Win32Ser* Used();
   std::unique_ptr<Win32Ser> MakeLine(const MappedPort& port);
   std::int32_t DoWithout(std::int32_t asked);
 
@@ -80,9 +83,10 @@ class PortLine : public DeviceLine {
   TellUser tell_;
   OpenRoomMessages rooms_;
   Beeper beeper_;
-  std::unique_ptr<Win32Ser> line_;  // none while no port is open
-  DeviceLine* device_ = nullptr;    // the same, where it is a device
-  std::string open_;                // port and device, for a person; empty while none is open
+  std::unique_ptr<Win32Ser> line_;    // none while no port is open
+  DeviceLine* device_ = nullptr;      // the same, where it is a device
+  std::optional<MappedPort> unused_;  // taken without an open, which comes with its first use
+  std::string open_;                  // port and device, for a person; empty while none is open
   std::string whyNot_;
 
   std::optional<std::int32_t> inPlace_, replaced_;  // port of this run, and the one that it stands in for

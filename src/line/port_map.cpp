@@ -10,6 +10,7 @@
 
 #include "disk/posix_file_system.h"
 #include "failure.h"
+#include "line/device_access.h"
 
 namespace keplo {
 
@@ -187,6 +188,7 @@ PortMap FindPorts(const DeviceFolders& folders) {
     for (const std::string& name : names) {
       if (IsSerialHardware(name) != hardware || !HasHardware(ttys / name)) continue;
       MappedPort port{0, MappedPort::Kind::Serial, (folders.Dev / name).string(), {}, {}};
+      port.IsFoundOnUsb = IsUsbPort(port.Device, folders.Sys);
       if (std::find(consoles.begin(), consoles.end(), name) == consoles.end()) {
         found.push_back(std::move(port));
       } else {

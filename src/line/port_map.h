@@ -21,6 +21,7 @@ struct MappedPort {
   std::string Device;              // node of a serial or infrared device, or topic of receivers on a broker
   std::vector<std::string> Files;  // recordings of a replay line
   RoomMap Rooms;                   // of receivers on a broker
+  bool IsFoundOnUsb = false;       // an adapter that ports.conf does not name: what hangs on it is not known
 };
 
 /// The kind's name, as in ports.conf.

@@ -9,6 +9,7 @@
 #include "doubles/temp_folder.h"
 #include "line/device_access.h"
 #include "line/port_check.h"
+#include "line/port_line.h"
 #include "line/serial/serial_line.h"
 #include "signal/zone_link.h"
 
@@ -47,24 +48,41 @@ TEST(TerminalLine, SendsMoreThanAPortTakesAtOnceAndAsksZonesBesideIt) {
   EXPECT_EQ(arrived.substr(0, 6'146), std::string(6'144, '\x5B') + "PP") << "a mark of 480 ms";
 }
 
-TEST(PortCheck, PulsesNoLineOnUsb) {
+TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
   KernelCalls kernel;
   const DeviceDescriptor partner(kernel, posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_TRUE(grantpt(partner.Get()) == 0 && unlockpt(partner.Get()) == 0);
-  const MappedPort port{1, MappedPort::Kind::Serial, ptsname(partner.Get()), {}, {}};
   const tests::TempFolder folder;
-  const auto tty = folder.Path() / "tty" / KernelName(port.Device);
+  const auto tty = folder.Path() / "tty" / KernelName(ptsname(partner.Get()));
   for (const auto& made : {tty, folder.Path() / "usb1/1-1"}) std::filesystem::create_directories(made);
   std::filesystem::create_directory_symlink(folder.Path() / "usb1/1-1", tty / "device");
-  struct : KernelCalls {
-    int Open(const std::string& path, int /*flags*/) override {
-      ADD_FAILURE() << path;
-      return -1;
+  const DeviceFolders folders = {folder.Path(), "/dev/pts"};
+  const PortMap map = FindPorts(folders);
+  int opened = 0;
+  struct CountedCalls : KernelCalls {
+    explicit CountedCalls(int& opened) : opened_(opened) {}
+    int Open(const std::string& path, int flags) override {
+      return ++opened_, KernelCalls::Open(path, flags);
     }
-  } calls;
-  const PortCheck check = CheckPort(calls, port, {folder.Path(), "/dev"});
+    int& opened_;
+  };
+  CountedCalls calls(opened);
+  const PortCheck check = CheckPort(calls, map.Ports.at(0), folders);
   EXPECT_TRUE(check.Opens && !check.Receives && !check.Sends) << check.Why;
   EXPECT_NE(check.Why.find("USB adapter"), std::string::npos) << check.Why;
+
+  const std::int16_t receiver = 0;
+  std::int32_t ofSettings = 2;
+  PortLine line(std::make_unique<CountedCalls>(opened), [&] { return map; }, receiver, {}, {});
+  line.FollowSettings(&ofSettings, {});
+  EXPECT_EQ(line.OpenCom(1), 1) << line.WhyNot();
+  EXPECT_EQ(opened, 0) << "an open would pulse the lines of what hangs there";
+  for (const int times : {1, 2}) {
+    line.TXD(0);
+    EXPECT_EQ(opened, times);
+    ofSettings = 1;
+    EXPECT_EQ(line.OpenCom(1), 1) << line.WhyNot();
+  }
 }
 
 }  // namespace

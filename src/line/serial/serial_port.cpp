@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
@@ -28,16 +29,24 @@ Refusal WhyNotOpened(const std::string& device, int error) {
   return {WhyNoAccess(device, error)};
 }
 
+/// Why a port must not even be opened, such as a program that has it.
+Refusal WhyUntouchable(const std::string& device) {
+  if (IsNoTerminal(device)) return {WhyNoAccess(device, ENOTTY)};
+  std::string holder = HolderOfLockFile(device);
+  if (holder.empty()) holder = HolderOfDevice(device);
+  return holder.empty() ? Refusal() : WhyBusy(device, holder);
+}
+
 }  // namespace
 
 SerialPort::SerialPort(DeviceCalls& calls, int descriptor, std::string lockFile)
     : calls_(calls), lockFile_(std::move(lockFile)), descriptor_(calls, descriptor) {}
 
-Refusal SerialPort::WhyUntouchable(const std::string& device) {
-  if (IsNoTerminal(device)) return {WhyNoAccess(device, ENOTTY)};
-  std::string holder = HolderOfLockFile(device);
-  if (holder.empty()) holder = HolderOfDevice(device);
-  return holder.empty() ? Refusal() : WhyBusy(device, holder);
+Refusal SerialPort::Foresee(const std::string& device) {
+  Refusal refusal = WhyUntouchable(device);
+  if (!refusal.Why.empty() || faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) == 0)
+    return refusal;
+  return {WhyNoAccess(device, errno)};
 }
 
 std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::string& device,

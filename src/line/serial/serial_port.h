@@ -24,8 +24,8 @@ class SerialPort {
     Characters  // 9,600 baud, 8 bits: the zone hardware
   };
 
-  /// Why a port must not even be opened, such as a program that has it.
-  static Refusal WhyUntouchable(const std::string& device);
+  /// What an open would meet, as far as it is known without one.
+  static Refusal Foresee(const std::string& device);
   /// Opens a port that has hardware; clears DTR, which the driver raises when a port is opened.
   /// @param refusal written
   /// @return none if the port does not open
