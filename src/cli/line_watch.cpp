@@ -9,6 +9,7 @@
 #include <iostream>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "cli/live_line.h"
 #include "cli/open_install.h"
@@ -70,6 +71,7 @@ class LineWatch {
     // A line that stays away from rest is no signal to DCD, and tells that by itself; the port tells the
     // level.
     const bool signal = live_.Line().DCD() != RestLevel();
+    ShowOverflows(live_.Losses().Overflows);
     if (const std::optional<int> lines = live_.Device().ModemLines()) Show(*lines);
     if (signal) Capture();
   }
@@ -81,6 +83,13 @@ class LineWatch {
     if (level == level_) return;
     level_ = level;
     std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
+  }
+
+  /// A press of which the device lost a part is not shown.
+  void ShowOverflows(std::uint64_t overflows) {
+    if (std::exchange(overflows_, overflows) < overflows) {
+      std::cout << "press lost: the device could not keep it (" << overflows << " so far)" << std::endl;
+    }
   }
 
   void Show(int lines) {
@@ -110,6 +119,7 @@ class LineWatch {
   const Settings& settings_;
   std::int32_t level_ = -1;
   int lines_ = 0;
+  std::uint64_t overflows_ = 0;
 };
 
 }  // namespace

@@ -18,7 +18,8 @@ struct LineLosses {
   std::uint64_t Samples = 0;        // taken in all, by sampling
   std::uint64_t FilledSamples = 0;  // missed by a late wake-up
   std::uint64_t LateSamples = 0;    // later than half a sample
-  std::uint64_t MissedEdges = 0;    // of those that the driver counted
+  std::uint64_t MissedEdges = 0;    // of those that the driver counted while it was listened to
+  std::uint64_t Overflows = 0;      // of the device, each of which lost a press or a part of one
 };
 
 /// The line of one device.

@@ -152,6 +152,7 @@ TEST_F(LircLineTest, DropsWhatAnOverflowHasTornUntilTheNextPress) {
   const nanoseconds end = Device.Play(tests::Clean(kNec, tests::kNecBits));
   Device.Coming[20].second = LIRC_MODE2_OVERFLOW;
   EXPECT_EQ(Heard(), StageName(Stage::Empty)) << "no part of it";
+  EXPECT_TRUE(Line.Losses().Overflows == 1 && Told.size() == 1) << "nor is it lost in silence";
   Device.Time = end + milliseconds(400);
   Line.Forget();
   Device.Add(Device.Time, LIRC_MODE2_SPACE, 400'000);
@@ -214,10 +215,11 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
     bool Gone;
   };
   const std::uint32_t both = LIRC_CAN_REC_MODE2 | LIRC_CAN_SEND_PULSE;
-  for (const Case& c : {Case{"receives only", LIRC_CAN_REC_MODE2, 0, "receives only", false},
-                        Case{"refuses", both, EINVAL, "does not take a signal of these lengths", false},
-                        Case{"busy", both, EBUSY, "sending for another program", false},
-                        Case{"gone", both, ENODEV, "is gone", true}}) {
+  for (const Case& c :
+       {Case{"receives only", LIRC_CAN_REC_MODE2, 0, "receives only", false},
+        Case{"refuses", both, EINVAL, "does not take a signal of these lengths", false},
+        Case{"busy", both, EBUSY, "sending for another program", false},
+        Case{"fails", both, EIO, "did not send: ", false}, Case{"gone", both, ENODEV, "is gone", true}}) {
     Device.Features = c.Features;
     Device.WriteError = c.WriteError;
     Told.clear();

@@ -41,7 +41,8 @@ std::string WhyNotSent(const std::string& device, int error) {
   return device + " did not send: " + std::strerror(error) + ". Try again, or use another device.";
 }
 
-bool IsGone(int error) { return error == ENODEV || error == ENXIO || error == EIO || error == ESHUTDOWN; }
+/// An error of a transfer, EIO, comes of devices that are there too.
+bool IsGone(int error) { return error == ENODEV || error == ENXIO || error == ESHUTDOWN; }
 
 }  // namespace
 
@@ -113,6 +114,7 @@ bool LircLine::OpenDevice(Refusal& refusal) {
   Ask(refusal.Why);
   if (!refusal.Why.empty()) device_.reset();
   heard_.clear();
+  losses_ = {};
   skipping_ = false;
   silence_ = 0;
   heardTill_ = Time(0);
@@ -181,15 +183,24 @@ void LircLine::Take(std::uint32_t item, Time now) {
       heardTill_ = std::min<Time>(heardTill_, now - microseconds(length));
       break;
     case LIRC_MODE2_OVERFLOW:
-      heardTill_ = now;
-      silence_ = 0;
-      heard_.clear();
-      skipping_ = overflowed_ = true;
+      TakeOverflow(now);
       break;
     default:
       // The carrier is no length.
       break;
   }
+}
+
+/// What is left of a press would read as another, shorter command.
+void LircLine::TakeOverflow(Time now) {
+  heardTill_ = now;
+  silence_ = 0;
+  heard_.clear();
+  skipping_ = overflowed_ = true;
+  if (losses_.Overflows++ > 0) return;
+  Tell(Node() +
+       " could not keep all that it heard, as on a busy machine: a press was lost. keplo ports tells how to "
+       "give captures priority.");
 }
 
 void LircLine::ReadItems() {

@@ -35,7 +35,7 @@ class LircLine : public NodeLine {
   /// What the device that was opened last can do.
   const LircAbilities& Abilities() const { return abilities_; }
 
-  LineLosses Losses() const override { return {}; }
+  LineLosses Losses() const override { return losses_; }
   std::optional<int> ModemLines() override { return std::nullopt; }
   int WakeDescriptor() override { return device_ ? device_->Get() : -1; }
   std::chrono::milliseconds MayRest() override;
@@ -72,6 +72,7 @@ class LircLine : public NodeLine {
   void LeaveOver(std::size_t used, bool cutsFrame);
   std::size_t TakePress(PulseTrain& press, double length);
   int Write(const std::vector<unsigned>& lengths, Time over);
+  void TakeOverflow(Time now);
   bool Refuse(int error);
 
   std::optional<DeviceDescriptor> device_;
@@ -80,6 +81,7 @@ class LircLine : public NodeLine {
   std::int32_t carrier_ = kUsualCarrier;  // Hz, of what is sent
   bool skipping_ = false;                 // up to the next silence between frames
   bool overflowed_ = false;
+  LineLosses losses_;
   std::vector<int> heard_;  // microseconds, mark first
   Time heardFrom_{0};       // when the first of them began
   Time heardTill_{0};  // when the last item was over; the device tells lengths alone, and may be read late
