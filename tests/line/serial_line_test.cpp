@@ -1,9 +1,12 @@
 #include "line/serial/serial_line.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
 #include <csignal>
 
+#include "doubles/temp_folder.h"
 #include "press_builder.h"
 #include "program/stop_signals.h"
 #include "signal/zone_link.h"
@@ -208,6 +211,22 @@ TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
     Port.Answers = c.Answers;
     EXPECT_EQ(QueryZone(Line), c.Zone) << c.Answers.size();
   }
+}
+
+TEST(SerialLine, LeavesNoLightOnAPortThatAnotherProgramHas) {
+  struct : SimulatedPort {
+    const TempFolder Folder;
+    int Open(const std::string& /*path*/, int /*flags*/) override {
+      return open((Folder.Path() / "port").c_str(), O_RDWR | O_CREAT, 0600);
+    }
+    void Close(int descriptor) override { close(descriptor); }
+  } port;
+  const DeviceDescriptor other(port, port.Open({}, 0));
+  ASSERT_EQ(flock(other.Get(), LOCK_EX), 0);
+  const std::int16_t receiver = 0;
+  SerialLine line(port, kSimulatedDevice, receiver, {}, {});
+  EXPECT_EQ(line.OpenCom(1), 0);
+  EXPECT_TRUE(line.IsInUse() && port.Dtr.size() == 1 && !port.Dtr[0].second) << "an open raises it";
 }
 
 TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {

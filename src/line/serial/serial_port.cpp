@@ -65,6 +65,10 @@ std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::stri
     }
     std::unique_ptr<SerialPort> port(new SerialPort(calls, descriptor, {}));
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+      // The open has raised DTR although the port is another's. Who locks a port unseen is most likely a host
+      // of another user, whose transmitter would be lit without end; a program that wants DTR up, as for a
+      // modem, can connect again.
+      port->SetLine(TIOCM_DTR, false);
       refusal = WhyNotOpened(device, EWOULDBLOCK);
       return nullptr;
     }
