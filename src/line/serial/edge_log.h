@@ -46,7 +46,6 @@ class EdgeLog {
   void Put(Edge edge);
   /// Forgets the oldest edges.
   void Drop(std::size_t count);
-  void Clear() { Drop(Edges().size()); }
   std::uint64_t Missed() const { return missed_; }
 
   /// Waits until something was added since the last wait, or the log ends, or the time comes.

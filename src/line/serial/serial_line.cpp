@@ -50,16 +50,17 @@ std::optional<int> SerialLine::ModemLines() {
   return port_->Lines();
 }
 
-LineLosses SerialLine::Losses() const {
-  LineLosses losses = losses_;
-  losses.MissedEdges = log_.Missed();
-  return losses;
+/// What nobody listens to, such as what we send ourselves, is no loss either.
+void SerialLine::Drop(std::size_t edges) {
+  log_.Drop(edges);
+  missed_ = log_.Missed();
 }
 
 bool SerialLine::OpenDevice(Refusal& refusal) {
   port_ = SerialPort::Open(calls_, Node(), refusal);
   if (!port_) return false;
   losses_ = {};
+  missed_ = 0;
   sampledUntold_ = 0;
   opened_ = calls_.Now();
   log_.Begin();
@@ -157,13 +158,13 @@ bool SerialLine::EdgesWait(bool level) {
   if (FindBeginning(edges, RestLevel(), inside_)) return true;
   if (!inside_) {
     // Light that has ended says nothing; light that the driver told no edge of is a signal all the same.
-    log_.Drop(edges.size());
+    Drop(edges.size());
     return level != RestLevel() && !stuckAt_;
   }
   const nanoseconds still = calls_.Now() - (edges.empty() ? *inside_ : edges.back().At);
   if (still < (level == RestLevel() ? nanoseconds(kFrameGap) : nanoseconds(kLamp))) return false;
   inside_.reset();
-  log_.Drop(edges.size());
+  Drop(edges.size());
   return EdgesWait(level);
 }
 
@@ -194,7 +195,7 @@ void SerialLine::Forget() {
   } else if (!HasEdges() || Level() != RestLevel()) {
     inside_ = calls_.Now();
   }
-  log_.Drop(edges.size());
+  Drop(edges.size());
 }
 
 void SerialLine::WaitForNews(Time until) {
@@ -239,7 +240,8 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
   stuckAt_.reset();
   if (press.AllLight) NoticeStuck();
   inside_ = end == full && !press.AllLight ? std::optional(edges[press.Edges - 1].At) : std::nullopt;
-  log_.Drop(press.Edges);
+  losses_.MissedEdges += log_.Missed() - missed_;
+  Drop(press.Edges);
   if (log_.Ended()) {
     NoticeLoss();
     return IsOpen();
@@ -275,7 +277,7 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   inside_ = full && !allLight ? std::optional(calls_.Now()) : std::nullopt;
   // A driver that tells edges would have told one of these, unless a look came in the same moment.
   if (watch_ && !allLight && !watch_->Proven() && ++sampledUntold_ == kEnoughUntold) watch_.reset();
-  log_.Clear();
+  Drop(log_.Edges().size());
   // Only lengths can be freed of what the receiver did to them.
   const PulseTrain press = PulsesOfCapture({std::move(samples), options.SampleTime});
   CopySignal(SignalOfPress(Press(press), buffer.size(), options), report.Samples, buffer);

@@ -22,7 +22,7 @@ class SerialLine : public NodeLine {
   SerialLine(DeviceCalls& calls, std::string device, const std::int16_t& receiverKind, LineOptions options,
              TellUser tell);
 
-  LineLosses Losses() const override;
+  LineLosses Losses() const override { return losses_; }
   std::optional<int> ModemLines() override;
   int WakeDescriptor() override { return watch_ ? log_.Descriptor() : -1; }
   std::chrono::milliseconds MayRest() override;
@@ -59,6 +59,7 @@ class SerialLine : public NodeLine {
   bool CaptureEdges(std::span<char> buffer, const LineOptions& options);
   bool CaptureSamples(std::span<char> buffer, const LineOptions& options);
   bool Worked(bool worked);
+  void Drop(std::size_t edges);
 
   EdgeLog log_;
   std::unique_ptr<SerialPort> port_;
@@ -70,6 +71,7 @@ class SerialLine : public NodeLine {
   bool stuckTold_ = false;
   CarrierNote carrierNote_;
   LineLosses losses_;
+  std::uint64_t missed_ = 0;  // edges so far, when some were dropped or captured last
   Time opened_{0};
   int sampledUntold_ = 0;  // signals that had to be sampled, since no edge of theirs was told
 };
