@@ -14,6 +14,7 @@ namespace keplo {
 namespace {
 
 using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""us;
 using std::chrono_literals::operator""s;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
@@ -174,8 +175,13 @@ void NodeLine::IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t i
 
 std::int16_t NodeLine::CheckZone(char& character) { return ZoneOfAnswer(character); }
 
+/// Pauses while the device is closed are those between attempts to open it. Only a program that has it may
+/// end meanwhile; any other device is opened by itself when it comes.
 void NodeLine::uDelay(std::int32_t microseconds) {
-  SleepUnlessEnded(calls_, calls_.Now() + std::chrono::microseconds(microseconds));
+  constexpr std::chrono::microseconds kPauseInUse = 100ms;
+  std::chrono::microseconds pause(microseconds);
+  if (!IsOpen()) pause = IsInUse() ? std::min(pause, kPauseInUse) : 0us;
+  SleepUnlessEnded(calls_, calls_.Now() + pause);
 }
 
 void NodeLine::SpeakBeep(std::int32_t frequency, std::int32_t duration) {

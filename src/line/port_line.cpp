@@ -179,7 +179,7 @@ void PortLine::TXD(std::int32_t state) {
 
 std::int32_t PortLine::DCD() {
   if (missing_) LookAfterDevice();
-  if (line_) return line_->DCD();
+  if (Win32Ser* const line = Used()) return line->DCD();
   return *receiverKind_ == 0 ? 1 : 0;
 }
 
@@ -222,6 +222,7 @@ std::int16_t PortLine::CheckZone(char& character) { return ZoneOfAnswer(characte
 
 void PortLine::uDelay(std::int32_t microseconds) {
   if (device_) return device_->uDelay(microseconds);
+  if (missing_) return;  // the device will be found whenever it comes
   SleepUnlessEnded(*calls_, calls_->Now() + std::chrono::microseconds(microseconds));
 }
 
