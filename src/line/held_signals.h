@@ -1,12 +1,14 @@
 #pragma once
 
 #include <csignal>
+#include <optional>
 
 namespace keplo {
 
 /// Holds back the signals that end or stop a program as long as one lives, so that no light stays on and
 /// every port is left as it was found: whoever waits or sends looks whether one is pending that ends the
-/// program, and comes to an end in order. The signal does its work when the last one is gone.
+/// program, and comes to an end in order. The signal does its work when the last one is gone. One thread at a
+/// time holds back what stops the program, for all of them.
 class HeldSignals {
  public:
   enum class Kinds { Ending, EndingAndStopping };
@@ -26,6 +28,7 @@ class HeldSignals {
  private:
   sigset_t held_{};
   sigset_t before_{};
+  std::optional<struct sigaction> stop_;  // what was done on a stop, where it is held back
 };
 
 }  // namespace keplo

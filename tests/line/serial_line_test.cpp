@@ -3,8 +3,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
 
 #include <csignal>
+#include <thread>
 
 #include "doubles/temp_folder.h"
 #include "press_builder.h"
@@ -211,6 +214,39 @@ TEST_F(SerialLineTest, TakesNoLateAnswerForTheNextOne) {
     Port.Answers = c.Answers;
     EXPECT_EQ(QueryZone(Line), c.Zone) << c.Answers.size();
   }
+}
+
+TEST(SerialLine, IsDarkWhileItsProgramIsStopped) {
+  void* const shared = mmap(nullptr, sizeof(bool), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  struct : SimulatedPort {
+    bool* Lit = nullptr;
+    bool Stops = true;
+    void SleepUntil(std::chrono::nanoseconds time) override {
+      SimulatedPort::SleepUntil(time);
+      *Lit = !Dtr.empty() && Dtr.back().second;
+      if (!*Lit || !std::exchange(Stops, false)) return;
+      kill(getpid(), SIGTSTP);  // the system gives it to a thread that does not hold it back
+      std::this_thread::sleep_for(milliseconds(100));
+    }
+  } port;
+  port.Lit = static_cast<bool*>(shared);
+  const pid_t child = fork();
+  if (child == 0) {
+    setpgid(0, 0);  // else there is nobody who could let it go on, and it is not stopped
+    std::thread([] { pause(); }).detach();
+    const std::int16_t receiver = 0;
+    SerialLine line(port, kSimulatedDevice, receiver, {}, {});
+    line.OpenCom(1);
+    line.IRSend("\xF0\xF0", 560, 0);
+    _exit(line.Sent() ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
+  EXPECT_TRUE(WIFSTOPPED(status) && !*port.Lit) << status;
+  kill(child, SIGCONT);
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0) << "it went on";
+  munmap(shared, sizeof(bool));
 }
 
 TEST(SerialLine, LeavesNoLightOnAPortThatAnotherProgramHas) {
