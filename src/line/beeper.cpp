@@ -16,10 +16,13 @@ namespace keplo {
 
 namespace {
 
-constexpr std::int32_t kRate = 48'000;         // samples a second, which every sound device knows
-constexpr unsigned kLatency = 40'000;          // microseconds
-constexpr double kVolume = 0.3;                // of full scale
-constexpr double kSoftEdge = 0.003;            // seconds
+constexpr std::int32_t kRate = 48'000;            // samples a second, which every sound device knows
+constexpr unsigned kLatency = 40'000;             // microseconds
+constexpr double kVolume = 0.3;                   // of full scale
+constexpr double kSoftEdge = 0.003;               // seconds
+constexpr std::chrono::milliseconds kSlack{300};  // that a device may take beyond the length of a tone
+constexpr std::chrono::milliseconds kLookAtSound{2};
+constexpr int kRoomWait = 20;                  // milliseconds between two looks whether to end
 constexpr std::int32_t kLongestTone = 10'000;  // milliseconds
 
 /// The library would print lines of its own.
@@ -31,25 +34,42 @@ struct CloseDevice {
 };
 using SoundDevice = std::unique_ptr<snd_pcm_t, CloseDevice>;
 
+/// @return whether what was given to a device is still to be heard
+bool StillSounds(snd_pcm_t* device) {
+  snd_pcm_sframes_t left = 0;
+  return snd_pcm_delay(device, &left) == 0 && left > 0;
+}
+
+/// A device that hangs, or fails again and again, must not hold up its program.
 /// @return 0 or the library's error number
-int Play(const std::vector<std::int16_t>& tone) {
+int Play(DeviceCalls& calls, const std::vector<std::int16_t>& tone, std::chrono::nanoseconds until) {
+  const auto goesOn = [&] { return calls.Now() < until && !HeldSignals::Pending(); };
   snd_pcm_t* opened = nullptr;
-  // Otherwise the open would wait until another program that has the device ends.
+  // Otherwise the open would wait until another program that has the device ends, and a write or a drain as
+  // long as the device likes.
   int error = snd_pcm_open(&opened, "default", SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
   if (error < 0) return error;
   const SoundDevice device(opened);
-  snd_pcm_nonblock(opened, 0);
   error =
       snd_pcm_set_params(opened, SND_PCM_FORMAT_S16, SND_PCM_ACCESS_RW_INTERLEAVED, 1, kRate, 1, kLatency);
   if (error < 0) return error;
   std::size_t played = 0;
-  while (played < tone.size()) {
+  while (played < tone.size() && goesOn()) {
     const snd_pcm_sframes_t count = snd_pcm_writei(opened, tone.data() + played, tone.size() - played);
+    if (count == -EAGAIN) {
+      snd_pcm_wait(opened, kRoomWait);
+      continue;
+    }
     error = count < 0 ? snd_pcm_recover(opened, static_cast<int>(count), 1) : 0;
     if (error < 0) return error;
     if (count > 0) played += static_cast<std::size_t>(count);
   }
-  return std::min(snd_pcm_drain(opened), 0);
+  error = snd_pcm_drain(opened);
+  if (error != -EAGAIN) return std::min(error, 0);
+  // Some devices have not even begun by then.
+  if (snd_pcm_state(opened) == SND_PCM_STATE_PREPARED) snd_pcm_start(opened);
+  while (goesOn() && StillSounds(opened)) calls.SleepUntil(calls.Now() + kLookAtSound);
+  return 0;
 }
 
 std::string WhySilent(int error) {
@@ -81,7 +101,7 @@ Beeper::Beeper(DeviceCalls& calls, TellUser tell) : calls_(calls), tell_(std::mo
 void Beeper::Sound(std::int32_t frequency, std::int32_t duration) {
   duration = std::clamp(duration, 0, kLongestTone);
   const auto end = calls_.Now() + std::chrono::milliseconds(duration);
-  const int error = Play(MakeTone(frequency, duration, kRate));
+  const int error = Play(calls_, MakeTone(frequency, duration, kRate), end + kSlack);
   if (error < 0 && tell_ && !std::exchange(told_, true)) tell_(WhySilent(error));
   SleepUnlessEnded(calls_, end);
 }
