@@ -1,5 +1,6 @@
 #include "cli/line_watch.h"
 
+#include <poll.h>
 #include <sys/ioctl.h>
 
 #include <array>
@@ -8,7 +9,6 @@
 #include <cstdio>
 #include <iostream>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 #include "cli/live_line.h"
@@ -22,6 +22,8 @@ namespace keplo::cli {
 namespace {
 
 constexpr std::chrono::milliseconds kLook{2};  // between two looks at the line
+/// The same while a line rests that tells when it leaves rest: other inputs are shown as they change.
+constexpr std::chrono::milliseconds kRestingLook{50};
 
 /// Lengths of the runs of a capture, microseconds, the first of them a mark.
 std::string LengthsText(const std::string& capture, double sampleTime) {
@@ -131,7 +133,10 @@ int WatchLine(const std::string& appPathOption, std::int32_t port) {
   LineWatch watch(live, config.Mod.Settings);
   do {
     watch.Look();
-    std::this_thread::sleep_for(kLook);
+    // A line that is read all the time cannot tell an edge of its own from one that the reading brought up.
+    const bool rests = live.Device().MayRest() > kLook;
+    pollfd wake = {live.Device().WakeDescriptor(), POLLIN, 0};
+    poll(&wake, 1, static_cast<int>((rests ? kRestingLook : kLook).count()));
   } while (!live.TakeStop());
   return kDone;
 }

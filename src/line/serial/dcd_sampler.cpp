@@ -15,15 +15,22 @@ void Mark(std::span<char> buffer, std::size_t begin, std::size_t end) {
 
 }  // namespace
 
-SamplingReport SampleSignal(DeviceCalls& calls, const std::function<std::optional<bool>()>& present,
-                            std::span<char> buffer, std::chrono::nanoseconds sampleTime,
-                            std::chrono::nanoseconds endSilence) {
+SamplingReport SampleSignal(DeviceCalls& calls, const KnownBeginning& known,
+                            const std::function<std::optional<bool>()>& present, std::span<char> buffer,
+                            std::chrono::nanoseconds sampleTime, std::chrono::nanoseconds endSilence) {
   SamplingReport report;
-  const auto start = calls.Now();
+  const auto start = known.From;
   const std::size_t most = buffer.size() * 8;
   const auto endSamples = static_cast<std::size_t>(endSilence / sampleTime);
   std::size_t done = 0;
   std::size_t silentFrom = 0;
+  auto end = std::chrono::nanoseconds::zero();  // of a known length
+  for (std::size_t i = 0; i < known.Lengths.size(); ++i) {
+    end += std::chrono::microseconds(known.Lengths[i]);
+    const std::size_t upTo = std::min<std::size_t>(static_cast<std::size_t>(end / sampleTime), most);
+    if (i % 2 == 0) Mark(buffer, done, silentFrom = upTo);
+    done = upTo;
+  }
   while (done < most && done - silentFrom < endSamples) {
     const auto due = start + static_cast<std::int64_t>(done) * sampleTime;
     calls.SleepUntil(due);

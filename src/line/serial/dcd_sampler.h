@@ -7,6 +7,7 @@
 #include <span>
 
 #include "line/device_calls.h"
+#include "line/shaping/frames.h"
 
 namespace keplo {
 
@@ -17,13 +18,20 @@ struct SamplingReport {
   std::uint64_t Late = 0;    // read more than half a sample after their time
 };
 
+/// The beginning of a signal that is known by its lengths.
+struct KnownBeginning {
+  std::chrono::nanoseconds From;  // when it began
+  Pulses Lengths;                 // microseconds, mark first, up to where the samples take over
+};
+
 /// Samples a line against absolute deadlines until it has been silent for long enough or the buffer is full:
 /// a late wake-up fills what it missed, so that the signal is never stretched.
+/// @param known is filled in ahead of the samples
 /// @param present whether the signal is there now; none if the device is gone, which ends the capture
 /// @param buffer eight samples a byte, the earliest in the most significant bit; bytes after the signal stay
 /// as they are
-SamplingReport SampleSignal(DeviceCalls& calls, const std::function<std::optional<bool>()>& present,
-                            std::span<char> buffer, std::chrono::nanoseconds sampleTime,
-                            std::chrono::nanoseconds endSilence);
+SamplingReport SampleSignal(DeviceCalls& calls, const KnownBeginning& known,
+                            const std::function<std::optional<bool>()>& present, std::span<char> buffer,
+                            std::chrono::nanoseconds sampleTime, std::chrono::nanoseconds endSilence);
 
 }  // namespace keplo

@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "line/device_access.h"
@@ -20,6 +21,7 @@ namespace {
 
 using std::chrono_literals::operator""us;
 using std::chrono_literals::operator""ms;
+using std::chrono::microseconds;
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
@@ -253,13 +255,27 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
   return true;
 }
 
+/// The lengths of a signal that has begun since the last look, up to now: what the driver has told of it,
+/// though not believed yet to tell all, is closer than samples that begin only now.
+PulseTrain SerialLine::JustTold(Time now) {
+  const std::span<const Edge> edges = log_.Edges();
+  const auto begin = std::find_if(edges.begin(), edges.end(), [&](const Edge& edge) {
+    return edge.Level != RestLevel() && now - edge.At < kFrameGap;
+  });
+  if (begin == edges.end()) return {};
+  return ReadPress(edges, static_cast<std::size_t>(begin - edges.begin()), RestLevel(), now).Train;
+}
+
 bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& options) {
   std::string samples(buffer.size(), '\0');
   SamplingReport report;
   {
     const Hurry hurry;
+    const Time now = calls_.Now();
+    const PulseTrain told = JustTold(now);
+    const microseconds length(std::accumulate(told.begin(), told.end(), std::int64_t{0}));
     report = SampleSignal(
-        calls_,
+        calls_, {now - length, told},
         [this]() -> std::optional<bool> {
           const std::optional<bool> level = Level();
           return level ? std::optional(*level != RestLevel()) : std::nullopt;

@@ -57,6 +57,7 @@ class SerialLine : public NodeLine {
   bool IsQuiet();
   void NoticeStuck();
   bool CaptureEdges(std::span<char> buffer, const LineOptions& options);
+  PulseTrain JustTold(Time now);
   bool CaptureSamples(std::span<char> buffer, const LineOptions& options);
   bool Worked(bool worked);
   void Drop(std::size_t edges);
