@@ -1,7 +1,6 @@
 #include "host_program/broker_output.h"
 
 #include <QMetaObject>
-#include <chrono>
 #include <utility>
 
 #include "broker/identity.h"
@@ -12,9 +11,6 @@ namespace keplo::host {
 
 namespace {
 
-/// Changes of the event map are to be seen within a second; the plug-in itself looks every 400 ms.
-constexpr std::chrono::milliseconds kLookForChanges{400};
-
 /// Whether Home Assistant would have the device twice. On a broker of another name, which may be the same
 /// one, it stays, and with it its history.
 bool MovesTheDevice(const broker::BrokerSettings& from, const broker::BrokerSettings& to) {
@@ -24,16 +20,16 @@ bool MovesTheDevice(const broker::BrokerSettings& from, const broker::BrokerSett
 }  // namespace
 
 BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
-    : appPath_(std::move(appPath)), host_(host), log_(log) {
+    : appPath_(std::move(appPath)), host_(host), log_(log), watch_(appPath_) {
   ReadAgain();
   look_.callOnTimeout([this] { Look(); });
-  look_.start(kLookForChanges);
+  look_.start(broker::SettingsWatch::kLook);
 }
 
 BrokerOutput::~BrokerOutput() { Disconnect(); }
 
 void BrokerOutput::Look() {
-  if (StampOf(broker::BrokerFile(appPath_)) != stamp_) ReadAgain();
+  if (watch_.TakeChange()) ReadAgain();
   if (!bridge_) return;
   // A plug-in that does not tell of changes is asked for all its events.
   const auto revision = host_.EventsRevision();
@@ -43,7 +39,7 @@ void BrokerOutput::Look() {
 }
 
 void BrokerOutput::ReadAgain() {
-  stamp_ = StampOf(broker::BrokerFile(appPath_));
+  static_cast<void>(watch_.TakeChange());
   try {
     auto settings = broker::ReadBrokerSettings(appPath_);
     if (settings == settings_) return;

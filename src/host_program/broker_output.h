@@ -9,7 +9,7 @@
 
 #include "broker/bridge.h"
 #include "broker/key_stages.h"
-#include "disk/file_stamp.h"
+#include "broker/settings_watch.h"
 #include "host_program/host_log.h"
 #include "host_program/plugin_host.h"
 
@@ -45,7 +45,7 @@ class BrokerOutput final : private EventOutput {
   PluginHost& host_;
   const HostLog& log_;
   QObject context_;  // of what the connection posts; what comes after its end is dropped
-  FileStamp stamp_;
+  broker::SettingsWatch watch_;
   std::optional<broker::BrokerSettings> settings_;
   std::optional<std::uint64_t> told_;       // revision of the events that the broker has been told
   std::unique_ptr<broker::Bridge> bridge_;  // none without a broker

@@ -14,8 +14,8 @@
 #include "broker/broker_link.h"
 #include "broker/broker_settings.h"
 #include "broker/identity.h"
+#include "broker/settings_watch.h"
 #include "disk/descriptor.h"
-#include "disk/file_stamp.h"
 #include "failure.h"
 
 namespace keplo {
@@ -26,7 +26,7 @@ using std::chrono_literals::operator""ms;
 
 /// Five seconds of ten rooms.
 constexpr std::size_t kMostMessages = 500;
-constexpr std::chrono::milliseconds kLongestPublish{3000}, kLookForAnswer{2}, kLookForChanges{400};
+constexpr std::chrono::milliseconds kLongestPublish{3000}, kLookForAnswer{2};
 
 broker::LinkPurpose PurposeOf(const broker::BrokerSettings& settings, const broker::Topics& topics,
                               const std::string& filter) {
@@ -48,7 +48,7 @@ class BrokerMessages : public RoomMessages {
   BrokerMessages(std::filesystem::path appPath, const std::string& filter)
       : appPath_(std::move(appPath)),
         filter_(filter),
-        stamp_(StampOf(broker::BrokerFile(appPath_))),
+        watch_(appPath_),
         settings_(broker::RequireBrokerSettings(appPath_)),
         wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     Connect(broker::IdentityOf(appPath_));
@@ -109,11 +109,9 @@ class BrokerMessages : public RoomMessages {
   void FollowSettings(News& news) {
     if (leaving_ && leaving_->HasEnded()) leaving_.reset();
     const auto now = std::chrono::steady_clock::now();
-    if (leaving_ || now - looked_ < kLookForChanges) return;
+    if (leaving_ || now - looked_ < broker::SettingsWatch::kLook) return;
     looked_ = now;
-    const FileStamp stamp = StampOf(broker::BrokerFile(appPath_));
-    if (stamp == stamp_) return;
-    stamp_ = stamp;
+    if (!watch_.TakeChange()) return;
     std::string identity;
     try {
       auto settings = broker::RequireBrokerSettings(appPath_);
@@ -138,7 +136,7 @@ class BrokerMessages : public RoomMessages {
 
   const std::filesystem::path appPath_;
   const std::string filter_;
-  FileStamp stamp_;
+  broker::SettingsWatch watch_;
   broker::BrokerSettings settings_;
   std::string own_, whyNot_;
   std::chrono::steady_clock::time_point looked_ = std::chrono::steady_clock::now();
