@@ -70,8 +70,8 @@ std::string WhyNoHelp(const Outcome& outcome, const std::string& appPathOption) 
   const std::string signals = std::to_string(outcome.Signals) + " signals";
   if (outcome.Measured == 0) {
     return "none of " + signals +
-           " had a base time; use a SONY remote, or a recording of one with a sample time near 55 "
-           "microseconds";
+           " had a base time; hold the key 1 of a SONY remote, or use a recording of it with a sample time "
+           "near 55 microseconds";
   }
   return "the key was let go after " + signals + " at delay " + std::to_string(outcome.Delay) +
          ", where no signal took the search on";
@@ -94,7 +94,7 @@ Outcome CalibrateReplayed(const CalibrateOptions& options) {
 Outcome CalibrateLive(const CalibrateOptions& options) {
   OpenedConfig config(options.AppPath);
   LiveLine live(config.Mod, options.Port, options.Line.Options);
-  Tell("hold down a key of a SONY remote at " + live.Name() + ", and let it go when the result is told");
+  Tell("hold down the key 1 of a SONY remote at " + live.Name() + ", and let it go when the result is told");
   return Calibrate(live.Line());
 }
 

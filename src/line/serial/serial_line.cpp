@@ -201,11 +201,12 @@ void SerialLine::Forget() {
 }
 
 void SerialLine::WaitForNews(Time until) {
-  if (HasEdges()) return log_.WaitUntil(until);
+  // Also before it has told one: a line that is looked at all the time could never show that it tells them.
+  if (watch_) return log_.WaitUntil(until);
   const Hurry hurry;
   do {
     calls_.SleepUntil(calls_.Now() + kLook);
-  } while (calls_.Now() < until && !HasEdges() && !inside_ && Level() == RestLevel());
+  } while (calls_.Now() < until && !inside_ && Level() == RestLevel());
 }
 
 /// After a whole capture of light.
