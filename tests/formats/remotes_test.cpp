@@ -319,6 +319,17 @@ TEST(Remotes, BearWhatPeopleWrite) {
       KeysOf(ReadRemotes("functionname,protocol,device,subdevice,function\nA,Denon,3,-1,7\n", "x"))[0]
           .Lengths;
   EXPECT_EQ(std::count(turns.begin(), turns.end(), 43'560), 2) << "two frames, each with its gap";
+  EXPECT_EQ(CodesOf(R"({"IrReceived":{"Protocol":"SONY","Bits":12,"DataLSB":"0x5081"}})"), "=101010000001");
+  const std::string shortForm = "900A 006C 0000 0001 4000 807F\n";
+  EXPECT_EQ(CodesOf("A: " + shortForm + "CAFE BABE " + shortForm + "7000 006C 0000 0001 0000 0000\n"),
+            "A=00000010000000000000000111111110 CAFE BABE=00000010000000000000000111111110 =")
+      << "a name that looks like two words of Pronto, and a code of a foreign type";
+  std::string presses;
+  for (const char* carrier : {"36000", "40000"})
+    presses += "pulse 900\nspace 900\npulse 900\ntimeout 99999\ncarrier " + std::string(carrier) + '\n';
+  const std::vector<RemoteKey> heardKeys = KeysOf(ReadRemotes(presses, "x"));
+  EXPECT_EQ(heardKeys[0].Carrier, 36000);
+  EXPECT_EQ(heardKeys[1].Carrier, 40000);
   EXPECT_EQ(CodesOf("IRSend {\"Protocol\":\"PANASONIC\",\"Bits\":16388,\"Data\":\"0x538BC81\"}\n"),
             "=010000000000010000000101001110001011110010000001");
 }

@@ -42,13 +42,19 @@ bool BeginsCode(std::string_view digits) {
   return digits.size() >= 2 * kDigitsPerWord && IsType(digits.substr(0, kDigitsPerWord));
 }
 
-/// Whether a code has the words that it counts.
-bool IsWhole(std::string_view digits) {
-  if (digits.size() < kHeadDigits) return false;
+/// The digits of all words that a code counts; none without its head.
+std::optional<std::size_t> DigitsCounted(std::string_view digits) {
+  if (digits.size() < kHeadDigits) return std::nullopt;
   const auto count = [&](std::size_t word) {
     return *NumberOf(digits.substr(word * kDigitsPerWord, kDigitsPerWord), 16);
   };
-  return digits.size() >= kHeadDigits + static_cast<std::size_t>(count(2) + count(3)) * 2 * kDigitsPerWord;
+  return kHeadDigits + static_cast<std::size_t>(count(2) + count(3)) * 2 * kDigitsPerWord;
+}
+
+/// Whether a code has the words that it counts.
+bool IsWhole(std::string_view digits) {
+  const std::optional<std::size_t> counted = DigitsCounted(digits);
+  return counted && *counted <= digits.size();
 }
 
 /// The place of two hex words that stand right before a place, which are the type and the frequency of a
@@ -75,6 +81,13 @@ std::size_t FindCode(std::string_view line) {
     if (at != std::string_view::npos) at = line.find_first_not_of(kBeforeCode, at);
   }
   return std::string_view::npos;
+}
+
+/// Whether a line of hex words is a name, such as FACE, and a code.
+bool HasHexName(std::string_view line, std::size_t code) {
+  if (code == 0 || code == std::string_view::npos) return false;
+  const auto isAll = [](const std::string& digits) { return DigitsCounted(digits) == digits.size(); };
+  return isAll(Joined(line.substr(code))) && !isAll(Joined(line));
 }
 
 /// A name without what parts it from its code.
@@ -108,9 +121,9 @@ class ProntoReader {
     // Behind a whole code a word such as FACE is the next one's name.
     const bool goesOn = !digits_.empty() && (line.size() > kDigitsPerWord || !IsWhole(digits_));
     const std::size_t code = FindCode(line);
-    // A name may be of hex digits itself, but is one word.
-    const bool foreign = hex && line.find_first_of(" \t") < std::min(code, line.size()) - 1;
-    if (hex && (goesOn || code == 0 || foreign)) return TakeHex(line, number);
+    const bool foreign = line.find_first_of(" \t") < std::min(code, line.size()) - 1;
+    const bool named = (digits_.empty() || IsWhole(digits_)) && HasHexName(line, code);
+    if (hex && !named && (goesOn || code == 0 || foreign)) return TakeHex(line, number);
     if (code != std::string_view::npos) {
       TakeName(NameIn(line.substr(0, code)), number);
       return TakeHex(line.substr(code), number);

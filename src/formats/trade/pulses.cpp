@@ -52,7 +52,7 @@ class PulseReader {
     begun_ = true;
     key_ = {};
     key_.Line = line_;
-    key_.Carrier = carrier_;
+    if (!carriersFollow_) key_.Carrier = carrier_;
   }
 
   void EndKey() {
@@ -63,8 +63,8 @@ class PulseReader {
     train_ = {};
     if (!fault_.empty()) lengths.Refuse(fault_);
     fault_.clear();
-    if (lengths.Size() > 0 || !lengths.Fault().empty())
-      AddLengths(reading_, std::move(key_), std::move(lengths));
+    lastEnded_ = lengths.Size() > 0 || !lengths.Fault().empty();
+    if (lastEnded_) AddLengths(reading_, std::move(key_), std::move(lengths));
   }
 
   /// @return 0 for a wrong length, which the key then tells
@@ -104,9 +104,14 @@ class PulseReader {
       reading_.Complain(line_, "found " + Quoted(word) + ", expected a carrier in Hz");
       return;
     }
+    if (!carrier_) carriersFollow_ = begun_ || lastEnded_;
     carriersDiffer_ = carriersDiffer_ || (carrier_ && *carrier_ != *carrier);
     carrier_ = static_cast<int>(*carrier);
-    if (begun_) key_.Carrier = carrier_;
+    if (begun_) {
+      key_.Carrier = carrier_;
+    } else if (carriersFollow_ && lastEnded_ && !file_.Remotes.back().Keys.back().Carrier) {
+      file_.Remotes.back().Keys.back().Carrier = carrier_;
+    }
   }
 
   /// The only line of a carrier holds for the whole file.
@@ -120,6 +125,7 @@ class PulseReader {
 
   void ReadScancode(std::string_view word) {
     EndKey();
+    lastEnded_ = false;
     RemoteKey key;
     key.Line = line_;
     const std::size_t colon = word.find(':');
@@ -160,7 +166,9 @@ class PulseReader {
   std::optional<int> carrier_;
   bool carriersDiffer_ = false;  // from line to line
   int line_ = 0;
+  bool carriersFollow_ = false;  // the presses that they are of
   bool begun_ = false;
+  bool lastEnded_ = false;  // the last key is a press that has ended
   bool rested_ = false;
 };
 

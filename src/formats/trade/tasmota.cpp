@@ -40,6 +40,16 @@ std::optional<std::uint64_t> ValueOf(const Json& value) {
   return number && *number >= 0 ? std::optional(static_cast<std::uint64_t>(*number)) : std::nullopt;
 }
 
+/// The code of an object; without "Data" that of "DataLSB", in which the bits of each byte are turned.
+std::optional<std::uint64_t> DataOf(const Json& object) {
+  if (object.contains("Data")) return ValueOf(object["Data"]);
+  const std::optional<std::uint64_t> turned = ValueOf(object["DataLSB"]);
+  if (!turned) return std::nullopt;
+  std::uint64_t data = 0;
+  for (unsigned bit = 0; bit < 64; ++bit) data |= (*turned >> bit & 1U) << (bit ^ 7U);
+  return data;
+}
+
 void TakeRaw(const Json& raw, LengthList& lengths) {
   if (raw.is_string()) return ReadCompact(raw.get_ref<const std::string&>(), lengths);
   for (const Json& part : raw) {
@@ -121,8 +131,8 @@ std::string TakeCode(const std::string& name, int bits, std::uint64_t data, Remo
 
 /// An object whose names are written as the device tells them; it reads them in any case.
 Json WithKnownNames(const Json& object) {
-  constexpr std::array<std::string_view, 8> kNames = {"IrReceived", "IRSend", "IRHVAC",  "Vendor",
-                                                      "Protocol",   "Bits",   "RawData", "Data"};
+  constexpr std::array<std::string_view, 9> kNames = {"IrReceived", "IRSend",  "IRHVAC", "Vendor", "Protocol",
+                                                      "Bits",       "RawData", "Data",   "DataLSB"};
   Json named = Json::object();
   for (const auto& [name, value] : object.items()) {
     const auto* const known =
@@ -142,7 +152,8 @@ void TakeObject(const Json& given, int line, FileReading& reading) {
   }
   RemoteKey key;
   key.Line = line;
-  if (object.contains("IRHVAC") || (object.contains("Vendor") && !object.contains("Data"))) {
+  if (object.contains("IRHVAC") ||
+      (object.contains("Vendor") && !object.contains("Data") && !object.contains("DataLSB"))) {
     return reading.Skip(std::move(key), "it is the state of an air conditioner, not a code");
   }
   const std::string protocol = object.contains("Protocol") && object["Protocol"].is_string()
@@ -152,13 +163,14 @@ void TakeObject(const Json& given, int line, FileReading& reading) {
   std::string why = R"(found neither "Data" nor "RawData")";
   if (SameNoCase(protocol, "UNKNOWN")) {
     why = "the protocol is UNKNOWN, and there are no lengths";
-  } else if (object.contains("Data")) {
-    const std::optional<std::uint64_t> data = ValueOf(object["Data"]);
+  } else if (object.contains("Data") || object.contains("DataLSB")) {
+    const std::optional<std::uint64_t> data = DataOf(object);
     const Json bits = object.value("Bits", Json());
     const std::optional<std::uint64_t> count = ValueOf(bits);
-    why = data && count && *count <= 0xFFFF ? TakeCode(protocol, static_cast<int>(*count), *data, key)
-                                            : "found " + Quoted(object["Data"].dump()) +
-                                                  R"(, expected "Data" of up to 64 bits, and "Bits")";
+    why = data && count && *count <= 0xFFFF
+              ? TakeCode(protocol, static_cast<int>(*count), *data, key)
+              : "found " + Quoted(object.value("Data", object.value("DataLSB", Json())).dump()) +
+                    R"(, expected "Data" of up to 64 bits, and "Bits")";
   }
   if (!object.contains("RawData")) {
     return why.empty() ? reading.Add(std::move(key)) : reading.Skip(std::move(key), std::move(why));
