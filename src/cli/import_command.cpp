@@ -14,6 +14,7 @@
 #include "program/json_line.h"
 #include "program/printable.h"
 #include "remotes/import_plan.h"
+#include "remotes/keys_named.h"
 #include "typed_command.h"
 
 namespace keplo::cli {

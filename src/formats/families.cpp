@@ -155,6 +155,12 @@ std::uint64_t LowFirst(std::string_view digits) {
   return HighFirst(std::string(digits.rbegin(), digits.rend()));
 }
 
+std::optional<std::size_t> FirstDifference(std::string_view left, std::string_view right) {
+  if (left.size() != right.size() || left == right) return std::nullopt;
+  const auto place = std::mismatch(left.begin(), left.end(), right.begin()).first;
+  return static_cast<std::size_t>(place - left.begin());
+}
+
 bool AreInverse(std::string_view left, std::string_view right) {
   return left.size() == right.size() &&
          std::equal(left.begin(), left.end(), right.begin(), [](char a, char b) { return a != b; });

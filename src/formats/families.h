@@ -62,6 +62,9 @@ std::uint64_t LowFirst(std::string_view digits);
 /// The value of digits whose first is the highest.
 std::uint64_t HighFirst(std::string_view digits);
 
+/// Of two codes of equal length the first digit in which they differ; none if there is none.
+std::optional<std::size_t> FirstDifference(std::string_view left, std::string_view right);
+
 /// Whether two runs of digits are of equal length and differ everywhere.
 bool AreInverse(std::string_view left, std::string_view right);
 

@@ -133,6 +133,10 @@ std::string TakeNamed(const NamedProtocol& row, ProtocolValues v, RemoteKey& key
   const Family& family = FamilyNamed(row.Family);
   key.Coded = SignalOf(family, row.Digits(v));
   key.Carrier = family.Carrier;
+  if (row.Name == "NECx1") {
+    key.Coded->Again.Kind = RepeatKind::None;
+    key.Lost = "the short repeat of NECx1, a sync and one digit, is not kept";
+  }
   return {};
 }
 

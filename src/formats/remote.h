@@ -80,6 +80,7 @@ struct RemoteKey {
   PulseTrain Lengths;   // the whole press as the file has it, mark first
   PulseTrain Toggled;   // every second press, where the file has it and it differs
   std::string Skipped;  // why there is neither
+  std::string Lost;     // what the file says of it that neither keeps; empty if nothing
 
   bool IsRaw() const { return !Coded && !Lengths.empty(); }
 };

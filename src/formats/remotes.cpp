@@ -54,6 +54,22 @@ const RemoteFormat& DetectFormat(std::string_view text, const std::string& path)
   return *found;
 }
 
+/// Gives a key of lengths the digits of its first form, and the digit that its second one turns over.
+void TakeLengths(RemoteKey& key) {
+  key.Coded = ReadPress(key.Lengths, key.Carrier);
+  if (!key.Coded || key.Toggled.empty()) return;
+  const std::optional<CodedSignal> other = ReadPress(key.Toggled, key.Carrier);
+  const std::string& digits = key.Coded->Digits;
+  if (!other || other->Digits.size() != digits.size()) {
+    key.Lost = "every second press is another signal, which is not kept";
+    return;
+  }
+  key.Coded->Toggle = FirstDifference(digits, other->Digits);
+  if (key.Coded->Toggle &&
+      digits.substr(*key.Coded->Toggle + 1) != other->Digits.substr(*key.Coded->Toggle + 1))
+    key.Lost = "more than one digit is another with every second press";
+}
+
 }  // namespace
 
 std::string Complaint::Message() const {
@@ -82,7 +98,7 @@ RemoteFile ReadRemotes(std::string_view text, const std::string& path, std::stri
   chosen.Read(text, path, file);
   for (Remote& remote : file.Remotes) {
     for (RemoteKey& key : remote.Keys) {
-      if (!key.Coded && !key.Lengths.empty()) key.Coded = ReadPress(key.Lengths, key.Carrier);
+      if (!key.Coded && !key.Lengths.empty()) TakeLengths(key);
     }
   }
   std::erase_if(file.Remotes, [](const Remote& remote) { return remote.Keys.empty(); });
@@ -108,6 +124,7 @@ std::string WriteRemotes(std::string_view format, const std::vector<Remote>& rem
   const RemoteFormat& chosen = RemoteFormatNamed(format);
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
+      if (!key.Lost.empty()) trade::TellOnce(told, key.Lost);
       if (key.Toggled.empty() || key.Coded || key.Protocol || chosen.KeepsBothForms) continue;
       told.push_back(
           {.File = {},

@@ -109,10 +109,8 @@ class Planner {
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(key.Coded->Digits, place);
-    if (key.Coded->Toggle && key.Coded->Code.Line != LineCode::Biphase) {
-      AddReason(planned, "the remote turns digit " + std::to_string(*key.Coded->Toggle + 1) +
-                             " over with each press, and one of both codes is stored");
-    }
+    if (key.Coded->Code.Line != LineCode::Biphase) TellToggle(planned, key.Coded->Toggle);
+    AddReason(planned, key.Lost);
     if (section_) {
       TellOtherSending(planned);
       own_.push_back(place);
@@ -135,6 +133,9 @@ class Planner {
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(heard.Digits, place);
+    if (const auto other = HeardCodeOf(planned.Key->Toggled); other && planned.Key->IsRaw()) {
+      TellToggle(planned, FirstDifference(heard.Digits, other->Digits));
+    }
     if (section_) return own_.push_back(place);
     const std::optional<int>& carrier = planned.Key->Carrier;
     auto group = std::find_if(groups_.begin(), groups_.end(), [&](const KeyGroup& candidate) {
@@ -247,6 +248,8 @@ class Planner {
                                        " us, since no section has the file's " +
                                        std::to_string(SilenceAfter(*key.Coded)));
     }
+    if (group->Group.LosesShortRepeat(*key.Coded))
+      AddReason(plan_.Keys[place], "its short repeat is of lengths that no section has, and is not kept");
   }
 
   /// The receiver was made for the common protocols; it knows lengths of others where they are like those.
@@ -276,8 +279,14 @@ class Planner {
                            "\", and the file says \"" + std::string(NameOf(key.Coded->Again.Kind)) + '"');
   }
 
+  static void TellToggle(PlannedKey& planned, std::optional<std::size_t> digit) {
+    if (!digit) return;
+    AddReason(planned, "the remote turns digit " + std::to_string(*digit + 1) +
+                           " over with each press, and one of both codes is stored");
+  }
+
   static void AddReason(PlannedKey& planned, const std::string& reason) {
-    planned.Reason += (planned.Reason.empty() ? "" : "; ") + reason;
+    planned.Reason += (planned.Reason.empty() || reason.empty() ? "" : "; ") + reason;
   }
 
   void AddToSection() {
@@ -333,26 +342,6 @@ class Planner {
   std::vector<std::pair<std::size_t, StoredCodes::Met>> meetings_;
 };
 
-/// Whether a name fits a pattern with * and ?, both in lower case.
-bool Matches(std::string_view pattern, std::string_view name) {
-  std::size_t at = 0, star = std::string_view::npos, retry = 0;
-  for (std::size_t place = 0; place < name.size();) {
-    if (at < pattern.size() && pattern[at] == '*') {
-      star = at++;
-      retry = place;
-    } else if (at < pattern.size() && (pattern[at] == '?' || pattern[at] == name[place])) {
-      ++at;
-      ++place;
-    } else if (star != std::string_view::npos) {
-      at = star + 1;
-      place = ++retry;
-    } else {
-      return false;
-    }
-  }
-  return pattern.find_first_not_of('*', at) == std::string_view::npos;
-}
-
 }  // namespace
 
 std::size_t ImportPlan::Count(KeyFate fate) const {
@@ -378,21 +367,6 @@ ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& 
 void StoreImport(CfgStore& store, ImportPlan plan) {
   for (RawSignal& signal : plan.Raw) store.Raw.Known.insert_or_assign(signal.Digits, std::move(signal));
   ReplaceAndSave(store, std::move(plan.Text));
-}
-
-std::function<bool(const RemoteKey& key)> KeysNamed(const std::string& list) {
-  std::vector<std::string> patterns;
-  for (std::size_t begin = 0; begin <= list.size();) {
-    const std::size_t end = std::min(list.find(',', begin), list.size());
-    patterns.push_back(InLowerCase(Trimmed(std::string_view(list).substr(begin, end - begin))));
-    begin = end + 1;
-  }
-  return [patterns](const RemoteKey& key) {
-    const std::string name = InLowerCase(Trimmed(key.Name.value_or("")));
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
-      return !pattern.empty() && Matches(pattern, name);
-    });
-  };
 }
 
 }  // namespace keplo

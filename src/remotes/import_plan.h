@@ -76,9 +76,4 @@ ImportPlan PlanImport(const std::string& text, const std::vector<ImportedFile>& 
 /// @throws Failure as ReplaceAndSave
 void StoreImport(CfgStore& store, ImportPlan plan);
 
-/// A test for names of keys.
-/// @param list of names with commas between them, in which * stands for any characters and ? for one; letter
-/// case does not count
-std::function<bool(const RemoteKey& key)> KeysNamed(const std::string& list);
-
 }  // namespace keplo

@@ -287,6 +287,11 @@ int SectionGroup::LengthenedSilence(const CodedSignal& signal) const {
   return isShort && kind_ != RepeatKind::None ? kShortestGap * section_.Params.SENDPLS : 0;
 }
 
+bool SectionGroup::LosesShortRepeat(const CodedSignal& signal) const {
+  return signal.Again.Kind == RepeatKind::Short &&
+         KindInSlots(signal.Again, section_.Params.SENDPLS) == RepeatKind::None;
+}
+
 SectionSignal SectionGroup::Section() const {
   SectionSignal section = section_;
   section.Params.Carrier = carrier_.value_or(kUsualCarrier);

@@ -52,6 +52,8 @@ class SectionGroup {
   /// The silence that is sent in the place of a shorter one, which no section has, microseconds; 0 if none
   /// is.
   int LengthenedSilence(const CodedSignal& signal) const;
+  /// Whether a signal has a short repeat of other lengths than a section sends.
+  bool LosesShortRepeat(const CodedSignal& signal) const;
   /// With REPEAT, GREPEAT and the carrier for all of them. Silences that differ, as those of codes of one
   /// period do, have their mean there, and the period in SENDAS.
   SectionSignal Section() const;

@@ -257,6 +257,23 @@ std::string CodesOf(const std::string& text, std::string_view format = {}) {
   return codes;
 }
 
+/// What is told when a csv row or a text of lirc is written as another format.
+TEST(Remotes, TellWhatAFormatDoesNotKeep) {
+  struct Row {
+    const char *Text, *To, *Tells;
+  };
+  const std::string head = "functionname,protocol,device,subdevice,function\n";
+  for (const Row& row : {Row{"A,NECx1,1,2,3\n", "ha", "short repeat of NECx1"},
+                         Row{"VOL UP,NEC1,1,2,3\nVOL_UP,NEC1,1,2,4\nend,NEC1,1,2,5\n", "lirc",
+                             "\"VOL_UP-2\", one word\nthe name \"end\" is written as \"_end\""}}) {
+    std::vector<Complaint> told;
+    WriteRemotes(row.To, ReadRemotes(head + row.Text, "x").Remotes, told);
+    std::string all;
+    for (const Complaint& complaint : told) all += complaint.Message() + '\n';
+    EXPECT_NE(all.find(row.Tells), std::string::npos) << all;
+  }
+}
+
 TEST(Remotes, BearWhatPeopleWrite) {
   const std::string nec = "00000010111111010000000111111110";
   EXPECT_EQ(

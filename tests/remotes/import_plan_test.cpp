@@ -12,6 +12,7 @@
 #include "failure.h"
 #include "formats/irp.h"
 #include "remote_builder.h"
+#include "remotes/keys_named.h"
 #include "remotes/stored_remote.h"
 
 namespace keplo::tests {
@@ -216,11 +217,29 @@ TEST(ImportPlan, TakesAsOneCodeWhatTheReceiverDoes) {
     key.Name = "ON";
     const Imported imported(kEmpty, File("Mine", {key, key}));
     const ImportPlan& plan = imported.Plan;
-    EXPECT_EQ(plan.Keys[0].Digits(), row.Code) << row.Protocol;
+    EXPECT_EQ(plan.Keys[0].Digits() + plan.Keys[0].Reason, row.Code) << row.Protocol;
     EXPECT_NE(plan.Text.find(row.SendAs), std::string::npos) << plan.Text;
     EXPECT_EQ(plan.Keys[1].Reason, "known: the code is that of Mine&ON");
     EXPECT_TRUE(plan.NeedsSecondLook());
   }
+}
+
+TEST(ImportPlan, TellsWhatACodeDoesNotKeep) {
+  const std::string head =
+      "begin remote\nbits 16\nheader 9000 4500\none 560 1690\nzero 560 560\nptrail 560\n";
+  const auto remote = [&](const std::string& rest, const std::string& codes) {
+    return head + rest + "\nbegin codes\n" + codes + "\nend codes\nend remote\n";
+  };
+  const std::string text = remote("name T\ngap 40000\ntoggle_bit_mask 4", "KEY_A 0xA5\nKEY_B 0xB1 0xC2") +
+                           remote("name H\ngap 40000\nrepeat 9000 2250\nflags REPEAT_HEADER", "KEY_C 0x3A7") +
+                           remote("name S\ngap 40000\nrepeat 4500 2250", "KEY_D 0x15B");
+  const std::vector<ImportedFile> files = {{"x", ReadRemotes(text, "x").Remotes}};
+  const std::string toggle =
+      " the remote turns digit 14 over with each press, and one of both codes is stored\n";
+  EXPECT_EQ(Told(PlanImport(kEmpty, files, {})),
+            "KEY_A -> T-1&KEY_A" + toggle + "KEY_B -> T-2&KEY_B" + toggle +
+                "KEY_C -> H-1&KEY_C a short repeat that has a header is not kept\n"
+                "KEY_D -> S-1&KEY_D its short repeat is of lengths that no section has, and is not kept\n");
 }
 
 TEST(ImportPlan, KeepsTheProtocolThatTheWindowStartsWith) {

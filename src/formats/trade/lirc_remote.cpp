@@ -108,15 +108,20 @@ class LircSender {
   const LircRemote& remote_;
 };
 
+bool HasShortRepeat(const LircRemote& remote) { return remote.Repeat.Mark > 0 && remote.Repeat.Space > 0; }
+
+/// With a header ahead a short repeat is none of the forms that a section can send.
+bool HasHeadedRepeat(const LircRemote& remote) {
+  return HasShortRepeat(remote) && remote.RepeatHeader && remote.Header.Mark > 0;
+}
+
 Repeat RepeatOf(const LircRemote& remote) {
   Repeat again;
   again.Gap = remote.Gap;
   again.FromStart = remote.ConstLength;
   again.Kind = remote.NoHeadRepeat ? RepeatKind::Body : RepeatKind::Frame;
-  if (remote.Repeat.Mark > 0 && remote.Repeat.Space > 0) {
-    // With a header ahead it is none of the forms that a section can send.
-    const bool hasHeader = remote.RepeatHeader && remote.Header.Mark > 0;
-    again.Kind = hasHeader ? RepeatKind::None : RepeatKind::Short;
+  if (HasShortRepeat(remote)) {
+    again.Kind = HasHeadedRepeat(remote) ? RepeatKind::None : RepeatKind::Short;
     again.ShortSync = remote.Repeat;
   }
   return again;
@@ -204,29 +209,31 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   const std::string digits = sender.DigitsOf(code.Values.front(), remote.Reverse);
   const std::string turned = sender.RepeatMarks();
   const bool single = code.Values.size() == 1 && turned.find('1') == std::string::npos;
-  const PulseTrain frame = sender.Frame(digits, false);
   if (single) {
     key.Coded = PlainSignal(remote, digits);
-    if (!key.Coded) key.Coded = Rc5Signal(remote, frame);
+    if (!key.Coded) key.Coded = Rc5Signal(remote, sender.Frame(digits, false));
+    if (key.Coded && HasHeadedRepeat(remote)) key.Lost = "a short repeat that has a header is not kept";
     if (key.Coded) return {};
   }
-  // Its own program begins with a toggle of 1, whatever the code has there.
   const std::string toggles = sender.ToggleMarks();
-  const bool turns = toggles.find('1') != std::string::npos;
-  const auto frameOf = [&](std::uint64_t value, bool isFirst) {
-    const std::string own = sender.DigitsOf(value, isFirst && remote.Reverse);
-    // The further values of a key are sent as repeats.
-    return sender.Frame(WithToggle(own, toggles, '1'), !isFirst);
+  const auto press = [&](char toggle) {
+    PulseTrain lengths;
+    PulseTrain::size_type start = 0;
+    const auto append = [&](const std::string& own, bool isFirst) {
+      // The further values of a key are sent as repeats.
+      Append(lengths, remote.Gap, remote.ConstLength,
+             sender.Frame(WithToggle(own, toggles, toggle), !isFirst), start);
+    };
+    for (const std::uint64_t value : code.Values) {
+      if (lengths.size() > kMostLengths) break;
+      append(sender.DigitsOf(value, lengths.empty() && remote.Reverse), lengths.empty());
+    }
+    if (turned.find('1') != std::string::npos) append(Flipped(digits, turned), false);
+    return lengths;
   };
-  PulseTrain::size_type start = 0;
-  for (const std::uint64_t value : code.Values) {
-    if (key.Lengths.size() > kMostLengths) break;
-    Append(key.Lengths, remote.Gap, remote.ConstLength, frameOf(value, key.Lengths.empty()), start);
-  }
-  if (turned.find('1') != std::string::npos) {
-    Append(key.Lengths, remote.Gap, remote.ConstLength, sender.Frame(Flipped(digits, turned), true), start);
-  }
-  if (single && turns) key.Toggled = sender.Frame(WithToggle(digits, toggles, '0'), false);
+  // Its own program begins with a toggle of 1, whatever the code has there.
+  key.Lengths = press('1');
+  if (toggles.find('1') != std::string::npos) key.Toggled = press('0');
   return key.Lengths.empty() ? "it has no mark" : "";
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <map>
 #include <set>
@@ -22,7 +23,7 @@ constexpr std::size_t kLengthsPerLine = 8;
 std::string Word(std::string_view name) {
   std::string word(name.empty() ? "_" : name);
   std::replace_if(
-      word.begin(), word.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }, '_');
+      word.begin(), word.end(), [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }, '_');
   if (SameNoCase(word, "begin") || SameNoCase(word, "end")) word.insert(0, 1, '_');
   return word;
 }
@@ -57,8 +58,8 @@ class LircWriter {
   std::string Write(const std::vector<Remote>& remotes) {
     for (const Remote& remote : remotes) {
       std::vector<const RemoteKey*> left;
+      TakeNames(remote);
       for (const RemoteKey& key : remote.Keys) {
-        names_.emplace(&key, Word(NameFor(key, names_.size() + 1)));
         if (key.Coded || !key.Lengths.empty()) left.push_back(&key);
       }
       while (!left.empty()) {
@@ -73,16 +74,40 @@ class LircWriter {
   }
 
  private:
-  std::string FreeName(std::string_view name) {
-    const std::string wanted = Word(name.empty() ? "remote" : name);
+  using Words = std::set<std::string>;
+
+  static std::string FreeWord(const std::string& wanted, Words& taken) {
     std::string free = wanted;
-    for (int number = 2; !taken_.insert(free).second; ++number) free = wanted + '-' + std::to_string(number);
+    for (int number = 2; !taken.insert(free).second; ++number) free = wanted + '-' + std::to_string(number);
     return free;
   }
 
-  void WriteRemote(std::string_view name, const std::vector<const RemoteKey*>& keys) {
+  void TellName(std::string_view name, std::string_view word) {
+    if (name != word)
+      TellOnce(told_, "the name " + Quoted(name) + " is written as " + Quoted(word) + ", one word");
+  }
+
+  /// Names that are words keep theirs; equal names of the file stay equal, and no others become so.
+  void TakeNames(const Remote& remote) {
+    std::map<std::string, std::string> words;
+    Words taken;
+    for (const RemoteKey& key : remote.Keys) {
+      if (key.Name && Word(*key.Name) == *key.Name) taken.insert(*key.Name);
+    }
+    for (const RemoteKey& key : remote.Keys) {
+      const std::string name = NameFor(key, names_.size() + 1);
+      std::string& word = words[name];
+      if (word.empty()) word = key.Name && Word(name) == name ? name : FreeWord(Word(name), taken);
+      names_.emplace(&key, word);
+      if (key.Name) TellName(name, word);
+    }
+  }
+
+  void WriteRemote(const std::string& name, const std::vector<const RemoteKey*>& keys) {
     const RemoteKey& first = *keys.front();
-    text_ += "begin remote\n\n  name " + FreeName(name) + '\n';
+    const std::string word = FreeWord(Word(name.empty() ? "remote" : name), taken_);
+    if (!name.empty()) TellName(name, word);
+    text_ += "begin remote\n\n  name " + word + '\n';
     if (AsDigits(first)) {
       WriteHead(*first.Coded);
     } else {
@@ -144,7 +169,7 @@ class LircWriter {
 
   std::vector<Complaint>& told_;
   std::map<const RemoteKey*, std::string> names_;
-  std::set<std::string> taken_;
+  Words taken_;  // by remotes
   std::string text_;
 };
 
