@@ -50,7 +50,7 @@ nlohmann::ordered_json Describe(const PlannedKey& planned) {
           {"name", TextOrNull(planned.Name)},
           {"section", TextOrNull(planned.Section)},
           {"kind", KindOf(planned)},
-          {"code", TextOrNull(planned.Digits())},
+          {"code", TextOrNull(planned.IsRaw ? std::string() : planned.Digits())},
           {"protocol", OrNull(key.Protocol)},
           {"carrier", OrNull(key.Carrier)},
           {"repeat", NameOf(key.Coded ? key.Coded->Again.Kind : RepeatKind::Unknown)},

@@ -206,8 +206,8 @@ class PressReader {
       if (!IsSpoiltFrame(runs)) return std::nullopt;
     }
     // Without a leader a single frame may have lost its head, unless its protocol has none.
-    const bool proven = frames_ > 1 || signal_.Code.HasSync() || signal_.Code.Line == LineCode::Biphase ||
-                        FamilyOf(signal_, {}) != nullptr;
+    const bool proven = signal_.Code.HasSync() || signal_.Code.Line == LineCode::Biphase ||
+                        FamilyOf(signal_, {}) != nullptr || (frames_ > 1 && !BeginsAsLeaderWould());
     if (frames_ == 0 || !proven) return std::nullopt;
     if (frames_ > 1 && signal_.Again.Kind == RepeatKind::Unknown) signal_.Again.Kind = RepeatKind::Frame;
     return signal_;
@@ -236,6 +236,13 @@ class PressReader {
     if (last && frames_ > 0 && IsBegun(runs)) return true;
     unread_.push_back(runs);
     return true;
+  }
+
+  /// Whether the first digit alone is a one, as a leader before equal digits seems to be. Codes have digits
+  /// in fours.
+  bool BeginsAsLeaderWould() const {
+    return signal_.Code.Line == LineCode::Distance && signal_.Digits.rfind('1') == 0 &&
+           signal_.Digits.size() % 4 != 0;
   }
 
   bool IsDitto(Runs runs) const {

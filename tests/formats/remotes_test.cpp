@@ -297,7 +297,7 @@ TEST(Remotes, BearWhatPeopleWrite) {
           "begin codes\r\nA 017 # octal\r\nend codes\r\nend remote\r\n"),
       "A=0111111100001111")
       << "a shorter one, reversed fields, octal, CR LF";
-  EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode rc5:0xfe41\nscancode sony20:0x10051\n"),
+  EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode RC-5:0xfe41\nscancode sony-20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
   EXPECT_EQ(CodesOf("substitutions:\n  where: '0x8'\nx:\n - name: ${where} $\n   then:\n"
                     "    remote_transmitter.transmit_rc5: {address: $where, command: 1}\n"),
@@ -321,10 +321,13 @@ TEST(Remotes, BearWhatPeopleWrite) {
   const RemoteFile held = ReadRemotes(
       "<remotes><command><raw><repeat>" + frame(nec) + "</repeat></raw></command></remotes>", "x");
   EXPECT_EQ(RepeatOf(KeysOf(held).front()), "frame") << "a repeat that the file tells is no usual one";
-  std::string dish = "+500 -6250";
-  for (const int space : {2600, 1560, 2600, 1560, 2600, 2600, 2600, 1560, 40000})
-    dish += " +500 -" + std::to_string(space);
-  EXPECT_EQ(CodesOf(dish + ' ' + dish + '\n'), "=10101110") << "a leader that is no digit of three lengths";
+  const auto dish = [](std::string_view digits) {
+    std::string frame = "+500 -6250";
+    for (const char digit : digits) frame += digit == '1' ? " +500 -2600" : " +500 -1560";
+    return CodesOf(frame + " +500 -40000 " + frame + " +500\n");
+  };
+  EXPECT_EQ(dish("10101110"), "=10101110") << "a leader that is no digit of three lengths";
+  EXPECT_EQ(dish("11111111"), "=11111111") << "a leader that is no digit of two lengths";
   EXPECT_EQ(CodesOf("[[protocols]]\nname = \"" + std::string(100, 'a') +
                     "\"\nprotocol = \"nec\"\n[protocols.scancodes]\n0x4080 = \"A.B\"\n"),
             "A.B=" + nec);

@@ -38,20 +38,19 @@ std::string TextOf(const toml::table& table, std::string_view name) {
 
 /// The kernel's protocol that a section means by a value: the shortest form that it fits.
 std::string ProtocolOf(const std::string& protocol, const std::string& variant, std::uint64_t value) {
-  std::string family = Lower(protocol), form = Lower(variant);
+  const std::string family = PlainProtocol(protocol);
   if (family == "nec" || family == "necx" || family == "nec32") {
     return value <= 0xFFFF ? "nec" : value <= 0xFF'FFFF ? "necx" : "nec32";
   }
-  if (family == "rc5" || family == "rc-5") return form.empty() || form == "rc-5" ? "rc5" : form;
-  if (!form.empty()) return form;
+  if (!variant.empty()) return variant;
   if (family == "sony") return (value & 0xFF00U) != 0 ? "sony20" : value > 0x1F'FFFF ? "sony15" : "sony12";
-  if (family == "rc6" || family == "rc-6") {
+  if (family == "rc6") {
     if (value <= 0xFFFF) return "rc6_0";
     if (value <= 0xF'FFFF) return "rc6_6a_20";
     if (value <= 0xFF'FFFF) return "rc6_6a_24";
     return value >> 16U == 0x800F ? "rc6_mce" : "rc6_6a_32";
   }
-  return family;
+  return protocol;
 }
 
 /// Digits as the section itself describes them.

@@ -56,11 +56,10 @@ std::string TakeRc6Scancode(std::string_view name, std::uint64_t value, RemoteKe
     std::string_view Name;
     int Mode, Digits;
   };
-  constexpr std::array kForms = {Rc6Form{"rc6_0", 0, 16}, Rc6Form{"rc6_6a_20", 6, 20},
-                                 Rc6Form{"rc6_6a_24", 6, 24}, Rc6Form{"rc6_6a_32", 6, 32},
-                                 Rc6Form{"rc6_mce", 6, 32}};
+  constexpr std::array kForms = {Rc6Form{"rc60", 0, 16}, Rc6Form{"rc66a20", 6, 20}, Rc6Form{"rc66a24", 6, 24},
+                                 Rc6Form{"rc66a32", 6, 32}, Rc6Form{"rc6mce", 6, 32}};
   for (const Rc6Form& form : kForms) {
-    if (form.Name != name) continue;
+    if (form.Name != PlainProtocol(name)) continue;
     if (value >> static_cast<unsigned>(form.Digits) != 0)
       return "the code has too many bits for " + std::string(name);
     TakeRc6(form.Mode, DigitText().High(value, form.Digits).Take(), key);
@@ -68,7 +67,8 @@ std::string TakeRc6Scancode(std::string_view name, std::uint64_t value, RemoteKe
     // Mode 6 has its toggle, if any, among its digits.
     constexpr std::uint64_t kMceToggle = 0x8000;
     key.Toggled.clear();
-    if (name == "rc6_mce") key.Toggled = Rc6Frame(6, false, DigitText().High(value ^ kMceToggle, 32).Take());
+    if (form.Name == "rc6mce")
+      key.Toggled = Rc6Frame(6, false, DigitText().High(value ^ kMceToggle, 32).Take());
     return {};
   }
   return "the protocol " + Quoted(name) + " is not known";
@@ -76,8 +76,14 @@ std::string TakeRc6Scancode(std::string_view name, std::uint64_t value, RemoteKe
 
 }  // namespace
 
+std::string PlainProtocol(std::string_view name) {
+  std::string plain = Lower(name);
+  std::erase_if(plain, [](char c) { return c == '-' || c == '_'; });
+  return plain;
+}
+
 std::string TakeScancode(std::string_view protocol, std::uint64_t value, RemoteKey& key) {
-  const std::string name = Lower(protocol);
+  const std::string name = PlainProtocol(protocol);
   for (const ScancodeProtocol& row : kScancodes) {
     if (row.Name != name) continue;
     const Family& family = FamilyNamed(row.Family);
@@ -89,7 +95,7 @@ std::string TakeScancode(std::string_view protocol, std::uint64_t value, RemoteK
   if (name == "sharp") {
     return TakeValues(name, {static_cast<long>(value >> 8U), -1, static_cast<long>(value & 0xFFU)}, key);
   }
-  return TakeRc6Scancode(name, value, key);
+  return TakeRc6Scancode(protocol, value, key);
 }
 
 std::optional<Scancode> ScancodeOf(const RemoteKey& key) {

@@ -9,6 +9,9 @@
 
 namespace keplo::trade {
 
+/// A name of the kernel's protocols as they are compared: neither letter case nor '-' and '_' count.
+std::string PlainProtocol(std::string_view name);
+
 /// Gives the key what the kernel's protocol of that name makes of a scancode.
 /// @return empty, or why there is nothing
 std::string TakeScancode(std::string_view protocol, std::uint64_t value, RemoteKey& key);
