@@ -63,15 +63,14 @@ class KeymapWriter {
                      "protocol = \"" + family + "\"\nvariant = \"" + protocol + "\"\n[protocols.scancodes]\n",
                      code->Value);
     }
-    constexpr std::size_t kMostBits = 64;
+    constexpr std::size_t kMostBits = 32;  // which ir-ctl sends; of longer codes it mixes the halves up
     if (key.Coded && key.Coded->Code.Line == LineCode::Distance && key.Coded->Code.HasSync() &&
         key.Coded->Digits.size() <= kMostBits) {
       TellRepeat(told_, key);
-      TellCarrier(key);
-      return PutCode(key, name, DistanceHead(*key.Coded), HighFirst(key.Coded->Digits));
+      return PutCode(key, name, DistanceHead(*key.Coded) + CarrierLine(key) + "[protocols.scancodes]\n",
+                     HighFirst(key.Coded->Digits));
     }
     TellRepeat(told_, key);
-    TellCarrier(key);
     PutRaw(key, name);
   }
 
@@ -83,9 +82,8 @@ class KeymapWriter {
       TellOnce(told_, "the format keeps no carrier; a scancode is sent on that of its protocol");
   }
 
-  void TellCarrier(const RemoteKey& key) {
-    if (key.Carrier && *key.Carrier != kUsualCarrier)
-      TellOnce(told_, "the format keeps no carrier for such lengths");
+  static std::string CarrierLine(const RemoteKey& key) {
+    return CarrierOf(key) == kUsualCarrier ? "" : "carrier = " + std::to_string(CarrierOf(key)) + '\n';
   }
 
   static std::string DistanceHead(const CodedSignal& signal) {
@@ -97,8 +95,7 @@ class KeymapWriter {
     return "protocol = \"pulse_distance\"\n" + line("bits", signal.Digits.size()) +
            line("header_pulse", us(code.Sync.Mark)) + line("header_space", us(code.Sync.Space)) +
            line("bit_pulse", us(code.Zero.Mark)) + line("bit_0_space", us(code.Zero.Space)) +
-           line("bit_1_space", us(code.One.Space)) + line("trailer_pulse", us(code.Tail)) +
-           "[protocols.scancodes]\n";
+           line("bit_1_space", us(code.One.Space)) + line("trailer_pulse", us(code.Tail));
   }
 
   KeymapSection& SectionOf(const std::string& head) {
@@ -133,7 +130,7 @@ class KeymapWriter {
     }
     std::string lengths = OneLineText(press);
     lengths.pop_back();
-    SectionOf("protocol = \"raw\"\n").Rows +=
+    SectionOf("protocol = \"raw\"\n" + CarrierLine(key)).Rows +=
         "[[protocols.raw]]\nkeycode = " + TomlText(name) + "\nraw = \"" + lengths + "\"\n";
   }
 
