@@ -77,8 +77,10 @@ struct RemoteKey {
   std::optional<std::string> Protocol;  // as the format calls it; none for lengths alone
   std::optional<int> Carrier;           // Hz, 0 for a signal without; none if the file does not say
   std::optional<CodedSignal> Coded;
-  PulseTrain Lengths;   // the whole press as the file has it, mark first
-  PulseTrain Toggled;   // every second press, where the file has it and it differs
+  PulseTrain Lengths;  // the whole press as the file has it, mark first
+  PulseTrain Toggled;  // every second press, where the file has it and it differs
+  // Set where the lengths are not heard but made of what the file says of all presses: how they are repeated.
+  std::optional<Repeat> Described;
   std::string Skipped;  // why there is neither
   std::string Lost;     // what the file says of it that neither keeps; empty if nothing
 

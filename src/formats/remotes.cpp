@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <system_error>
 
 #include "disk/read_input.h"
@@ -54,9 +55,21 @@ const RemoteFormat& DetectFormat(std::string_view text, const std::string& path)
   return *found;
 }
 
+/// Whether a signal gives each length of the first frame of a press within half a unit.
+bool GivesEach(const CodedSignal& signal, const PulseTrain& press) {
+  const PulseTrain frame = FrameLengths(signal);
+  return frame.size() <= press.size() &&
+         std::equal(frame.begin(), frame.end(), press.begin(),
+                    [&](int a, int b) { return 2 * std::abs(a - b) <= signal.Code.Unit; });
+}
+
 /// Gives a key of lengths the digits of its first form, and the digit that its second one turns over.
 void TakeLengths(RemoteKey& key) {
   key.Coded = ReadPress(key.Lengths, key.Carrier);
+  // A length that strays where none was heard is one of its own.
+  if (key.Coded && key.Described && !GivesEach(*key.Coded, key.Lengths)) key.Coded.reset();
+  if (key.Coded && key.Described && key.Described->Kind != RepeatKind::Unknown)
+    key.Coded->Again = *key.Described;
   if (!key.Coded || key.Toggled.empty()) return;
   const std::optional<CodedSignal> other = ReadPress(key.Toggled, key.Carrier);
   const std::string& digits = key.Coded->Digits;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <numeric>
 #include <string_view>
 
 #include "config/cfg_store.h"
@@ -41,6 +42,15 @@ std::vector<int> RunsOf(const PulseTrain& lengths) {
   std::vector<int> runs;
   for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
   return runs;
+}
+
+/// A press with the silence after it, where that is described.
+PulseTrain WithSilence(PulseTrain press, const std::optional<Repeat>& described) {
+  if (!described || described->Gap == 0 || press.size() % 2 == 0) return press;
+  const std::int64_t time =
+      described->FromStart ? std::accumulate(press.begin(), press.end(), std::int64_t{0}) : 0;
+  if (time < described->Gap) press.push_back(described->Gap - static_cast<int>(time));
+  return press;
 }
 
 /// Puts an import together, one remote after the other.
@@ -160,7 +170,9 @@ class Planner {
 
   /// A command that keeps its lengths, in both forms if there are two.
   void TakeRaw(PulseTrain lengths, std::size_t place) {
-    if (const std::optional<HeardCode> heard = HeardCodeOf(lengths)) return TakeHeard(*heard, place);
+    if (const std::optional<HeardCode> heard =
+            HeardCodeOf(WithSilence(lengths, plan_.Keys[place].Key->Described)))
+      return TakeHeard(*heard, place);
     PlannedKey& planned = plan_.Keys[place];
     if (!lengths.empty() && lengths.size() % 2 == 0) lengths.pop_back();
     const std::vector<int> runs = RunsOf(lengths);

@@ -298,6 +298,17 @@ TEST(Remotes, BearWhatPeopleWrite) {
           "begin codes\r\nA 017 # octal\r\nend codes\r\nend remote\r\n"),
       "A=0111111100001111")
       << "a shorter one, reversed fields, octal, CR LF";
+  const auto described = [](const std::string& rest) {
+    return KeysOf(ReadRemotes(
+                      "begin remote\nbits 12\none 560 1680\nzero 560 560\nptrail 560\ngap 90000 40000\n" +
+                          rest + "\nbegin codes\nA 0xA5F\nend codes\nend remote\n",
+                      "x"))
+        .front();
+  };
+  const std::optional<CodedSignal> led = described("plead 560").Coded;
+  ASSERT_TRUE(led);
+  EXPECT_EQ(led->Again.Gap, 40000) << "the shorter of two gaps, of a frame that is read from its lengths";
+  EXPECT_FALSE(described("header 9000 4500\nfoot 560 2240").Coded) << "a space that is neither digit's";
   EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode RC-5:0xfe41\nscancode sony-20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
   EXPECT_EQ(CodesOf("substitutions:\n  where: '0x8'\nx:\n - name: ${where} $\n   then:\n"

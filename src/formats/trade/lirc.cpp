@@ -196,12 +196,19 @@ class LircReader {
       pulse.Space = ReadNumber(TakeWord(rest), kLongestPulse);
     } else if (const NumberField* const number = Find(kNumbers, word)) {
       remote_.*number->Field = ReadNumber(TakeWord(rest), number->Most);
+      if (number->Field == &LircRemote::Gap) ReadSecondGap(TakeWord(rest));
     } else if (const DataField* const data = Find(kData, word)) {
       const std::string_view value = TakeWord(rest);
       const std::optional<std::uint64_t> field = CNumberOf(value);
       if (!field) return Refuse(value, "a number");
       remote_.*data->Field = *field;
     }
+  }
+
+  /// Of two gaps its own program sends the shorter one.
+  void ReadSecondGap(std::string_view word) {
+    if (word.empty() || word.front() == '#') return;
+    if (const int gap = ReadNumber(word, kLongestPulse); gap > 0) remote_.Gap = std::min(remote_.Gap, gap);
   }
 
   int ReadNumber(std::string_view word, int most) {

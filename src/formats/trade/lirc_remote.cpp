@@ -110,9 +110,9 @@ class LircSender {
 
 bool HasShortRepeat(const LircRemote& remote) { return remote.Repeat.Mark > 0 && remote.Repeat.Space > 0; }
 
-/// With a header ahead a short repeat is none of the forms that a section can send.
+/// With a header or a lead ahead a short repeat is none of the forms that a section can send.
 bool HasHeadedRepeat(const LircRemote& remote) {
-  return HasShortRepeat(remote) && remote.RepeatHeader && remote.Header.Mark > 0;
+  return HasShortRepeat(remote) && ((remote.RepeatHeader && remote.Header.Mark > 0) || remote.Lead > 0);
 }
 
 Repeat RepeatOf(const LircRemote& remote) {
@@ -212,7 +212,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   if (single) {
     key.Coded = PlainSignal(remote, digits);
     if (!key.Coded) key.Coded = Rc5Signal(remote, sender.Frame(digits, false));
-    if (key.Coded && HasHeadedRepeat(remote)) key.Lost = "a short repeat that has a header is not kept";
+    if (HasHeadedRepeat(remote)) key.Lost = "a short repeat that has a header is not kept";
     if (key.Coded) return {};
   }
   const std::string toggles = sender.ToggleMarks();
@@ -231,6 +231,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
     if (turned.find('1') != std::string::npos) append(Flipped(digits, turned), false);
     return lengths;
   };
+  key.Described = single ? RepeatOf(remote) : Repeat{};
   // Its own program begins with a toggle of 1, whatever the code has there.
   key.Lengths = press('1');
   if (toggles.find('1') != std::string::npos) key.Toggled = press('0');

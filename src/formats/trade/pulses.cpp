@@ -14,6 +14,8 @@ namespace {
 constexpr std::string_view kExpected =
     "\"pulse\", \"space\", \"timeout\", \"carrier\", \"scancode\" or a length such as +560";
 
+constexpr std::string_view kCarrierComment = "# carrier ";  // in a line of its own
+
 std::string_view WithoutComment(std::string_view line) {
   return line.substr(0, std::min(line.find('#'), line.find("//")));
 }
@@ -28,7 +30,11 @@ class PulseReader {
     std::string_view line;
     while (lines.Next(line)) {
       line_ = lines.Number();
-      ReadLine(WithoutComment(line));
+      if (line.starts_with(kCarrierComment) && NumberOf(line.substr(kCarrierComment.size()))) {
+        ReadCarrier(line.substr(kCarrierComment.size()));
+      } else {
+        ReadLine(WithoutComment(line));
+      }
     }
     EndKey();
     // Programs that receive write it after the press that it is of.
@@ -201,8 +207,10 @@ bool IsSigned(std::string_view text) {
 }
 
 /// The text of all keys, with a line of the carrier where it changes.
+/// @param carrierLine what stands before its value
 template <typename WriteKey>
-std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>& told, WriteKey write) {
+std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>& told,
+                      std::string_view carrierLine, WriteKey write) {
   std::string text;
   int carrier = -1;
   for (const Remote& remote : remotes) {
@@ -212,7 +220,7 @@ std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>
       if (key.Name) text += "# " + OnOneLine(*key.Name) + '\n';
       if (CarrierOf(key) != carrier) {
         carrier = CarrierOf(key);
-        text += "carrier " + std::to_string(carrier) + '\n';
+        text += std::string(carrierLine) + std::to_string(carrier) + '\n';
       }
       TellRepeat(told, key);
       write(key, text);
@@ -222,7 +230,7 @@ std::string WriteKeys(const std::vector<Remote>& remotes, std::vector<Complaint>
 }
 
 std::string WriteMode2(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
-  return WriteKeys(remotes, told, [](const RemoteKey& key, std::string& text) {
+  return WriteKeys(remotes, told, "carrier ", [](const RemoteKey& key, std::string& text) {
     PulseTrain press = PressOf(key);
     if (press.size() % 2 == 0) press.pop_back();
     text += Mode2Text(press) + "timeout " + std::to_string(kPressSilence) + '\n';
@@ -230,7 +238,8 @@ std::string WriteMode2(const std::vector<Remote>& remotes, std::vector<Complaint
 }
 
 std::string WriteSigned(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
-  return WriteKeys(remotes, told,
+  // Beside such a line ir-ctl takes no other.
+  return WriteKeys(remotes, told, kCarrierComment,
                    [](const RemoteKey& key, std::string& text) { text += OneLineText(PressOf(key)); });
 }
 
