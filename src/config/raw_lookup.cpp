@@ -19,7 +19,11 @@ std::optional<FoundCommand> CommandOf(std::string_view text, const MonitorReadin
 
 /// What the monitor captures of lengths.
 std::string MonitorCaptureOf(const RawLengths& lengths) {
-  std::string capture = CaptureOfLengths(lengths);
+  constexpr auto kCaptureTime =
+      static_cast<std::int64_t>(kMonitorCaptureBytes * kBitsPerByte) * kNominalSampleTime;
+  std::size_t count = 0;
+  for (std::int64_t time = 0; count < lengths.size() && time <= kCaptureTime; ++count) time += lengths[count];
+  std::string capture = CaptureOfLengths(std::span(lengths).first(count));
   capture.resize(kMonitorCaptureBytes);
   return capture;
 }

@@ -193,9 +193,8 @@ std::string PadToBytes(std::string slots) {
 std::string BitsToChars(std::string_view bits) {
   std::string chars((bits.size() + kBitsPerByte - 1) / kBitsPerByte, '\0');
   for (std::size_t i = 0; i < bits.size(); ++i) {
-    if (bits[i] != '1') continue;
-    const unsigned byte = static_cast<unsigned char>(chars[i / kBitsPerByte]) | (0x80U >> i % kBitsPerByte);
-    chars[i / kBitsPerByte] = static_cast<char>(byte);
+    const unsigned bit = (bits[i] == '1' ? 0x80U : 0U) >> i % kBitsPerByte;
+    chars[i / kBitsPerByte] = static_cast<char>(static_cast<unsigned char>(chars[i / kBitsPerByte]) | bit);
   }
   return chars;
 }

@@ -4,12 +4,14 @@
 #include <cmath>
 #include <optional>
 
+#include "signal/raw/raw_periods.h"
+
 namespace keplo {
 
 namespace {
 
-/// What a length may differ by beside two samples, microseconds: edges stray by up to 25 in both hearings.
-constexpr float kLengthTolerance = 130, kCloseLength = 55;
+/// What a length may differ by beside two samples where two hearings are close, microseconds.
+constexpr float kCloseLength = 55;
 /// What is added for the length itself, as a part of it: the scale is measured on the others.
 constexpr float kOwnTolerance = 0.015F;
 /// Mean of all differences, microseconds: what jitter of 25 makes, and beside it the raster, in samples.
@@ -18,8 +20,7 @@ constexpr float kMeanTolerance = 70, kCloseMean = 50, kRasterMean = 0.9F;
 constexpr float kGapTolerance = 0.04F;
 /// Two receivers lengthen marks by up to 120 us each.
 constexpr float kMostExcess = 260;
-/// Sample times of 50 to 60 us, and a remote that is a little off.
-constexpr float kMostScale = 0.13F, kSameScale = 0.035F;
+constexpr float kSameScale = 0.035F;
 /// A frame of a held key without digits: a leader, a space and a mark, or little more.
 constexpr std::size_t kLongestDitto = 5;
 
@@ -55,15 +56,13 @@ struct RawPair {
   float HeardUs(std::size_t i) const { return static_cast<float>(Heard.Runs[i]) * Sample(); }
   float StoredUs(std::size_t i) const { return static_cast<float>(Stored[i]); }
   bool IsGap(std::size_t i) const { return i % 2 == 1 && Stored[i] >= Heard.Gap; }
-  float Tolerance() const { return kLengthTolerance + 2 * Sample(); }
+  float Tolerance() const { return RawTolerance(Heard.SampleTime); }
 };
 
-/// Whether a space and the mark after it, whose sum has no excess, could be the same at any scale; most
-/// signals end here after a few lengths.
+/// Most signals end here after a few lengths.
 bool IsNear(const RawPair& pair, std::size_t space) {
-  const float stored = pair.StoredUs(space) + pair.StoredUs(space + 1);
-  const float heard = pair.HeardUs(space) + pair.HeardUs(space + 1);
-  return std::abs(heard - stored) <= 2 * pair.Tolerance() + kMostScale * stored;
+  return IsNearPeriod(pair.HeardUs(space) + pair.HeardUs(space + 1),
+                      pair.StoredUs(space) + pair.StoredUs(space + 1), pair.Heard.SampleTime);
 }
 
 /// The periods, which excess leaves as they are, give the scale; what is left of the marks is the excess.
@@ -85,7 +84,8 @@ std::optional<RawMeasure> Measure(const RawPair& pair) {
   if (periods == 0) return std::nullopt;
   const RawMeasure measure{heard / stored,
                            (heardMarks - heard / stored * storedMarks) / static_cast<float>(periods)};
-  if (std::abs(measure.Scale - 1) > kMostScale || std::abs(measure.Excess) > kMostExcess) return std::nullopt;
+  if (std::abs(measure.Scale - 1) > kMostRawScale || std::abs(measure.Excess) > kMostExcess)
+    return std::nullopt;
   return measure;
 }
 

@@ -40,6 +40,7 @@ struct RawIndex::Search {
   };
 
   const HeardLengths& Heard;
+  const RawPeriods::Heard Periods{Heard};
   Best Exact = {}, Scaled = {};
 
   void Take(std::size_t signal, const RawFit& fit) {
@@ -57,22 +58,23 @@ void RawIndex::Clear() {
 void RawIndex::Add(const RawSignal& signal) {
   signals_.push_back(signal.Digits);
   for (const RawLengths& form : signal.Forms) {
-    const std::size_t number = forms_.size();
+    const Entry entry{RawPeriods(form), forms_.size()};
     forms_.push_back({signals_.size() - 1, form});
     const int gap = RawGapOf(form);
     std::size_t i = 1;
     for (; i < form.size() && form[i] < gap + kPerhapsGap; i += 2) {
-      if (form[i] >= gap - kPerhapsGap) byCount_[i].push_back(number);
+      if (form[i] >= gap - kPerhapsGap) byCount_[i].push_back(entry);
     }
-    byCount_[std::min(i, form.size())].push_back(number);
+    byCount_[std::min(i, form.size())].push_back(entry);
   }
 }
 
 void RawIndex::Compare(std::size_t count, std::size_t lost, Search& search) const {
   const auto forms = byCount_.find(count);
   if (forms == byCount_.end()) return;
-  for (const std::size_t number : forms->second) {
-    const Form& form = forms_[number];
+  for (const Entry& entry : forms->second) {
+    if (!entry.Periods.MayBe(search.Periods, lost)) continue;
+    const Form& form = forms_[entry.Form];
     search.Take(form.Signal, CompareRaw(search.Heard, form.Lengths, lost));
   }
 }

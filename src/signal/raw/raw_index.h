@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "signal/raw/raw_compare.h"
+#include "signal/raw/raw_periods.h"
 
 namespace keplo {
 
@@ -33,13 +34,18 @@ class RawIndex {
     std::size_t Signal;
     RawLengths Lengths;
   };
+  /// A form among those of so many lengths, by what is looked at first.
+  struct Entry {
+    RawPeriods Periods;
+    std::size_t Form;
+  };
   struct Search;
 
   void Compare(std::size_t count, std::size_t lost, Search& search) const;
 
   std::vector<std::string> signals_;  // digits
   std::vector<Form> forms_;
-  std::unordered_map<std::size_t, std::vector<std::size_t>> byCount_;  // forms by lengths of the first frame
+  std::unordered_map<std::size_t, std::vector<Entry>> byCount_;  // forms by lengths of the first frame
 };
 
 }  // namespace keplo
