@@ -39,6 +39,10 @@ std::filesystem::path BrokerFile(const std::filesystem::path& appPath);
 /// @throws Failure "FILE, line N: what is wrong and what was expected"
 BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem::path& file);
 
+/// The text of a broker.json; none if there is no such file.
+/// @throws Failure for a file that cannot be read
+std::optional<std::string> ReadBrokerFile(const std::filesystem::path& file);
+
 /// The settings of an application path; none without a broker.json.
 /// @throws Failure as ParseBrokerSettings; for a file that cannot be read
 std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& appPath);
@@ -46,13 +50,6 @@ std::optional<BrokerSettings> ReadBrokerSettings(const std::filesystem::path& ap
 /// The same.
 /// @throws Failure with ENOENT without a broker.json
 BrokerSettings RequireBrokerSettings(const std::filesystem::path& appPath);
-
-/// A value of broker.json as a person types it: names, paths and prefixes as they stand, a port as a number,
-/// switches as yes or no.
-/// @param key in the file; nothing else changes, and what the file has besides stays
-/// @throws Failure for a value that does not fit, or a file that cannot be read or written
-void ChangeBrokerSettings(const std::filesystem::path& appPath,
-                          const std::vector<std::pair<std::string, std::string>>& changes);
 
 /// "HOST port PORT", for a person.
 std::string NameOf(const BrokerSettings& settings);

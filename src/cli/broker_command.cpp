@@ -12,6 +12,7 @@
 
 #include "broker/broker_check.h"
 #include "broker/broker_settings.h"
+#include "broker/change_settings.h"
 #include "broker/identity.h"
 #include "cli/broker_telling.h"
 #include "cli/commands.h"

@@ -30,7 +30,8 @@ nlohmann::json ParseJsonObject(std::string_view text) {
     throw Failure(EINVAL, "is nested deeper than " + std::to_string(kMostJsonLevels) + " levels");
   };
   nlohmann::json object = nlohmann::json::parse(text, bounded, /*allow_exceptions=*/false);
-  if (!object.is_object()) throw Failure(EINVAL, "is not whole JSON");
+  if (object.is_discarded()) throw Failure(EINVAL, "is not whole JSON");
+  if (!object.is_object()) throw Failure(EINVAL, "is JSON, but no object");
   return object;
 }
 

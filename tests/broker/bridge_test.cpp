@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "broker/broker_check.h"
+#include "broker/change_settings.h"
 #include "broker/identity.h"
 #include "broker/key_stages.h"
 #include "disk/descriptor.h"
@@ -303,6 +304,7 @@ TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {
       {"{\n\"port\": 1\n}", "no \"host\""},
       {"{\"host\": \"h\", \"key\": \"k\"}", "come together"},
       {"{\n\n\"host\": oops}", "line 3: the file is not whole JSON"},
+      {"[]", "line 1: the file is JSON, but no object;"},
   };
   for (const auto& file : files) {
     try {
@@ -316,6 +318,36 @@ TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {
       ParseBrokerSettings(R"({"host":"h","tls":true,"ca":"ca.pem"})", "/home/broker.json");
   EXPECT_EQ(tls.Port, 8883);
   EXPECT_EQ(tls.Ca, "/home/ca.pem");
+}
+
+TEST(BrokerSettingsFile, IsNotChangedByHalfOfWhatIsNeeded) {
+  const TestFolder folder;
+  const auto refusal = [&](const TypedSettings& typed) {
+    try {
+      ChangeBrokerSettings(folder.Path(), typed);
+    } catch (const Failure& failure) {
+      return std::string(failure.what());
+    }
+    return std::string();
+  };
+  const struct {
+    std::string Before;
+    TypedSettings Typed;
+    const char* Said;
+  } changes[] = {
+      {R"({"host":"h"})", {{"ca", "F"}, {"port", "3"}}, "broker set --ca 'F' --port '3' --tls yes"},
+      {R"({"host":"h","tls":true,"ca":"F"})", {{"tls", "no"}}, "broker set --tls 'no' --ca ''"},
+      {R"({"host":"h"})", {{"tls", "no"}, {"ca", "F"}}, "broker set --tls 'no' --ca ''"},
+      {R"({"host":"h"})", {{"password_file", "p"}}, "--user NAME"},
+      {R"({"host":"h"})", {{"user", "\xff"}}, "takes a name"},
+      {"{\"host\":\"h\",\n\"prot\":1}", {{"port", "3"}}, "line 2: \"prot\""},
+  };
+  for (const auto& change : changes) {
+    folder.Write("broker.json", change.Before);
+    const std::string said = refusal(change.Typed);
+    EXPECT_NE(said.find(change.Said), std::string::npos) << said;
+    EXPECT_EQ(folder.Read("broker.json"), change.Before);
+  }
 }
 
 TEST(BrokerIdentity, IsMadeOnceAndIsSafeInTopics) {
