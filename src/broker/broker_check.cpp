@@ -342,16 +342,29 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
   return StepByStep(settings, identity, tell).Go(receivers);
 }
 
-void ForgetDevice(const BrokerSettings& settings, const std::string& identity) {
-  const Topics topics(settings, identity);
+namespace {
+
+/// @throws Failure
+void Empty(std::initializer_list<std::string> topics, const BrokerSettings& settings, const Topics& all) {
   try {
     int version = 5;
-    const auto conversation = LogIn(settings, topics, version);
-    conversation->Publish({topics.Device(), "", true});
-    conversation->Publish({topics.Status(), "", true});
+    const auto conversation = LogIn(settings, all, version);
+    for (const std::string& topic : topics) conversation->Publish({topic, "", true});
   } catch (const Refusal& refusal) {
     throw Failure(EIO, TextOf(refusal, settings));
   }
+}
+
+}  // namespace
+
+void RemoveDevice(const BrokerSettings& settings, const std::string& identity) {
+  const Topics topics(settings, identity);
+  Empty({topics.Device()}, settings, topics);
+}
+
+void ForgetDevice(const BrokerSettings& settings, const std::string& identity) {
+  const Topics topics(settings, identity);
+  Empty({topics.Device(), topics.Status()}, settings, topics);
 }
 
 }  // namespace keplo::broker

@@ -24,6 +24,10 @@ bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
                  std::span<const CheckedReceivers> receivers,
                  const std::function<void(const std::string& step, const std::string& result)>& tell);
 
+/// Takes the device out of Home Assistant; what the broker has of a host that may run stays.
+/// @throws Failure if the broker cannot be reached or does not let us
+void RemoveDevice(const BrokerSettings& settings, const std::string& identity);
+
 /// Takes the device out of Home Assistant and what is kept of it off the broker.
 /// @throws Failure if the broker cannot be reached or does not let us
 void ForgetDevice(const BrokerSettings& settings, const std::string& identity);

@@ -4,16 +4,17 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 #include "broker/broker_check.h"
 #include "broker/broker_settings.h"
 #include "broker/change_settings.h"
 #include "broker/identity.h"
+#include "broker/moved_device.h"
 #include "cli/broker_telling.h"
 #include "cli/commands.h"
 #include "line/port_map.h"
@@ -50,6 +51,9 @@ constexpr SetOption kSetOptions[] = {
     {"--send", "send", "yes to send what the broker asks for"},
 };
 
+/// Those of `broker forget`: where the device is that is to be taken out.
+constexpr std::string_view kPlaceKeys[] = {"host", "port", "discovery_prefix"};
+
 constexpr std::string_view kFileKeys[] = {"ca", "certificate", "key", "password_file"};
 
 struct BrokerOptions {
@@ -71,23 +75,36 @@ std::string WholeName(const std::string& name) {
   return whole.string();
 }
 
-int Set(const BrokerOptions& options) {
-  const auto appPath = RequireInstall(options.AppPath);
-  std::vector<std::pair<std::string, std::string>> changes;
+bool IsOneOf(std::span<const std::string_view> keys, std::string_view key) {
+  return std::find(keys.begin(), keys.end(), key) != keys.end();
+}
+
+broker::TypedSettings TypedOf(const BrokerOptions& options) {
+  broker::TypedSettings typed;
   for (std::size_t i = 0; i < options.Values.size(); ++i) {
     if (!options.Values[i]) continue;
     const char* const key = kSetOptions[i].Key;
-    const bool isFile = std::find(std::begin(kFileKeys), std::end(kFileKeys), key) != std::end(kFileKeys);
-    changes.emplace_back(key, isFile ? WholeName(*options.Values[i]) : *options.Values[i]);
+    typed.emplace_back(key, IsOneOf(kFileKeys, key) ? WholeName(*options.Values[i]) : *options.Values[i]);
   }
+  return typed;
+}
+
+int Set(const BrokerOptions& options) {
+  const auto appPath = RequireInstall(options.AppPath);
+  const broker::TypedSettings changes = TypedOf(options);
+  broker::ChangedSettings changed;
   // Nothing half-typed gets into the file: a value that does not fit is refused as a whole.
   try {
-    broker::ChangeBrokerSettings(appPath, changes);
+    changed = broker::ChangeBrokerSettings(appPath, changes);
   } catch (const Failure& failure) {
     if (failure.Number() == EINVAL) throw Refused(failure.what());
     throw NotWritten(failure.Number(), failure.what());
   }
-  std::cout << broker::BrokerFile(appPath).string() << " written; a host that runs takes it in by itself.\n";
+  std::cout << broker::BrokerFile(appPath).string() << " written; a host that runs takes it in by itself."
+            << std::endl;
+  if (!changed.Before) return kDone;
+  const std::string left = broker::TakeOutOfOldPlace(*changed.Before, changed.Now, appPath);
+  if (!left.empty()) Tell(left);
   return kDone;
 }
 
@@ -121,18 +138,33 @@ int Check(const BrokerOptions& options) {
   return all ? kDone : kNoResult;
 }
 
+/// The settings, with another place where one is named; broker.json may be gone then.
+BrokerSettings SettingsOfPlace(const std::filesystem::path& appPath, const broker::TypedSettings& place) {
+  const bool namesHost =
+      std::any_of(place.begin(), place.end(), [](const auto& one) { return one.first == "host"; });
+  BrokerSettings settings =
+      namesHost ? broker::ReadBrokerSettings(appPath).value_or(BrokerSettings()) : RequireBroker(appPath);
+  broker::TakeTyped(place, settings);
+  return settings;
+}
+
 int Forget(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
+  const broker::TypedSettings place = TypedOf(options);
   try {
-    broker::ForgetDevice(RequireBroker(appPath), broker::IdentityOf(appPath));
+    broker::ForgetDevice(SettingsOfPlace(appPath, place), broker::IdentityOf(appPath));
   } catch (const Refused&) {
     throw;
   } catch (const Failure& failure) {
     throw Refused(failure.what());
   }
-  std::cout << "The device is taken out of Home Assistant. A host that runs brings it back when it connects "
-               "again, or when Home Assistant starts; remove "
-            << broker::BrokerFile(appPath).string() << " to end that.\n";
+  std::cout << "The device is taken out of Home Assistant.";
+  if (place.empty()) {
+    std::cout << " A host that runs brings it back when it connects again, or when Home Assistant starts; "
+                 "remove "
+              << broker::BrokerFile(appPath).string() << " to end that.";
+  }
+  std::cout << '\n';
   return kDone;
 }
 
@@ -165,8 +197,13 @@ void AddBrokerCommand(Command& root) {
   check.Runs([options] { return Check(*options); });
 
   Command forget = command.Sub("forget", "Take the device out of Home Assistant");
+  for (std::size_t i = 0; i < std::size(kSetOptions); ++i) {
+    if (!IsOneOf(kPlaceKeys, kSetOptions[i].Key)) continue;
+    forget.Text(kSetOptions[i].Name, options->Values[i],
+                "Where the device is, if broker.json says something else");
+  }
   AddAppPathOption(forget, options->AppPath);
-  forget.Examples({"keplo broker forget"});
+  forget.Examples({"keplo broker forget", "keplo broker forget --discovery-prefix hass"});
   forget.Runs([options] { return Forget(*options); });
 }
 

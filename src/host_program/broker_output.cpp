@@ -4,20 +4,11 @@
 #include <utility>
 
 #include "broker/identity.h"
+#include "broker/moved_device.h"
 #include "failure.h"
 #include "program/local_time.h"
 
 namespace keplo::host {
-
-namespace {
-
-/// Whether Home Assistant would have the device twice. On a broker of another name, which may be the same
-/// one, it stays, and with it its history.
-bool MovesTheDevice(const broker::BrokerSettings& from, const broker::BrokerSettings& to) {
-  return from.Host == to.Host && from.Port == to.Port && from.DiscoveryPrefix != to.DiscoveryPrefix;
-}
-
-}  // namespace
 
 BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
     : appPath_(std::move(appPath)), host_(host), log_(log), watch_(appPath_) {
@@ -43,7 +34,7 @@ void BrokerOutput::ReadAgain() {
   try {
     auto settings = broker::ReadBrokerSettings(appPath_);
     if (settings == settings_) return;
-    if (settings && settings_ && MovesTheDevice(*settings_, *settings)) bridge_->ForgetAtEnd();
+    if (settings && settings_ && broker::MovesTheDevice(*settings_, *settings)) ForgetDevice(*settings);
     Disconnect();
     settings_ = std::move(settings);
     if (settings_) Connect(*settings_);
@@ -53,6 +44,14 @@ void BrokerOutput::ReadAgain() {
                std::string(failure.what()) + (bridge_ ? " Until then the broker stays as it was."
                                                       : " Until then no broker is told of events."));
   }
+}
+
+void BrokerOutput::ForgetDevice(const broker::BrokerSettings& now) {
+  if (bridge_->IsUp()) return bridge_->ForgetAtEnd();
+  log_.Write(LogLevel::Warning, "The device stays in Home Assistant under the topics of " +
+                                    settings_->DiscoveryPrefix +
+                                    ", as its broker is away. When it is back, take it out with: " +
+                                    broker::ForgetCommand(*settings_, now, appPath_));
 }
 
 void BrokerOutput::Connect(const broker::BrokerSettings& settings) {

@@ -32,6 +32,8 @@ class BrokerOutput final : private EventOutput {
 
  private:
   void Look();
+  /// Has the device taken off the broker that it is told to, or says how to.
+  void ForgetDevice(const broker::BrokerSettings& now);
   void Connect(const broker::BrokerSettings& settings);
   void Disconnect();
   broker::Bridge::Uses Uses();

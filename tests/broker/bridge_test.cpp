@@ -7,6 +7,7 @@
 #include "broker/change_settings.h"
 #include "broker/identity.h"
 #include "broker/key_stages.h"
+#include "broker/moved_device.h"
 #include "disk/descriptor.h"
 #include "failure.h"
 #include "mosquitto_server.h"
@@ -348,6 +349,29 @@ TEST(BrokerSettingsFile, IsNotChangedByHalfOfWhatIsNeeded) {
     EXPECT_NE(said.find(change.Said), std::string::npos) << said;
     EXPECT_EQ(folder.Read("broker.json"), change.Before);
   }
+}
+
+TEST_F(BrokerBridge, LeavesNoDeviceWhereItWasToldBefore) {
+  MosquittoServer server(folder_);
+  const std::string config = "homeassistant/device/keplo-0123abcd/config";
+  const BrokerSettings before = Settings(server.Port());
+  BrokerSettings now = before;
+  now.DiscoveryPrefix = "ha2";
+  now.Port = 1;
+  EXPECT_EQ(TakeOutOfOldPlace(before, now, folder_.Path()), "") << "where no host has ever run";
+  folder_.Write("broker.id", std::string(kIdentity) + "\n");
+  {
+    Observer observer(server.Port());
+    EXPECT_EQ(TakeOutOfOldPlace(before, now, folder_.Path()), "");
+    ASSERT_TRUE(observer.Sees(config, 1));
+    EXPECT_EQ(observer.All(config)[0].Payload, "");
+  }
+  server.Kill();
+  const std::string left = TakeOutOfOldPlace(before, now, folder_.Path());
+  EXPECT_NE(left.find("broker forget --port " + std::to_string(server.Port()) +
+                      " --discovery-prefix 'homeassistant'"),
+            std::string::npos)
+      << left;
 }
 
 TEST(BrokerIdentity, IsMadeOnceAndIsSafeInTopics) {
