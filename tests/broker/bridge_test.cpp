@@ -153,6 +153,47 @@ TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
   }
 }
 
+TEST_F(BrokerBridge, LetsNoFloodThrough) {
+  MosquittoServer server(folder_);
+  Program program(Settings(server.Port()));
+  Observer observer(server.Port());
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1));
+  HeardSignal signal;
+  signal.Timings = {9000, -4500, 560};
+  for (int i = 0; i < 30; ++i) program.Link.Tell(signal);
+  program.Press("behind them");
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
+  EXPECT_LE(observer.All("keplo/0123abcd/signal").size(), 10U);
+  for (int i = 0; i < 30; ++i) observer.Publish("keplo/0123abcd/send", R"({"command":"NEC&A"})");
+  EXPECT_TRUE(program.Logs("more than two came in a second"));
+  EXPECT_EQ(program.Requests.size(), 2U);
+}
+
+TEST_F(BrokerBridge, GivesWayToAnotherOfItsIdentity) {
+  MosquittoServer server(folder_, "allow_anonymous true\nlog_dest topic\nlog_type notice\n");
+  Program program(Settings(server.Port()));
+  std::optional<Observer> twin;
+  for (int times = 0; times < 3; ++times) {
+    ASSERT_TRUE(tests::Until([&] { return program.Link.IsUp(); }));
+    twin.emplace(server.Port(), "keplo-0123abcd");
+    ASSERT_TRUE(tests::Until([&] { return !program.Link.IsUp(); }));
+  }
+  twin->Publish("keplo/0123abcd/status", "online", /*retain=*/true);
+  ASSERT_TRUE(program.Logs("Another program throws this one off"));
+  EXPECT_TRUE(tests::Until([&] {
+    const auto logged = twin->All("$SYS/broker/log/N");
+    return std::any_of(logged.begin(), logged.end(), [](const auto& line) {
+      return line.Payload.find(" keplo-0123abcd-watch-") != std::string::npos;
+    });
+  })) << "it fights";
+  program.Log.clear();
+  Observer observer(server.Port());
+  twin->Publish("keplo/0123abcd/status", "offline", /*retain=*/true);
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 2));
+  twin.reset();
+  EXPECT_TRUE(program.Logs("Connected"));
+}
+
 TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
   const Descriptor listener(socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in address{};

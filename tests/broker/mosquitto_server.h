@@ -100,12 +100,14 @@ class Observer {
     std::chrono::steady_clock::time_point At = std::chrono::steady_clock::now();
   };
 
-  explicit Observer(int port) {
+  /// @param clientId one that another client has is taken over from it
+  explicit Observer(int port, const char* clientId = nullptr) {
     mosquitto_lib_init();
-    client_ = mosquitto_new(nullptr, true, this);
+    client_ = mosquitto_new(clientId, true, this);
     mosquitto_int_option(client_, MOSQ_OPT_PROTOCOL_VERSION, 5);
     mosquitto_connect_callback_set(client_, [](mosquitto* client, void*, int) {
       constexpr int kRetainAsPublished = 8;
+      mosquitto_subscribe_v5(client, nullptr, "$SYS/broker/log/#", 1, 0, nullptr);
       mosquitto_subscribe_v5(client, nullptr, "#", 1, kRetainAsPublished, nullptr);
     });
     mosquitto_subscribe_callback_set(client_, [](mosquitto*, void* self, int, int, const int*) {
