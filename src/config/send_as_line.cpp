@@ -92,7 +92,8 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
   words.erase(std::remove_if(words.begin(), words.end(),
                              [&](const std::string& word) { return IsNoteOn(digits, word); }),
               words.end());
-  words.push_back(forAll ? std::string(way) : NoteOfWay(digits, way));
+  if (forAll) words.emplace_back(WayOfAll(way));
+  if (!forAll || IsSentFromSecond(way)) words.push_back(NoteOfWay(digits, way));
   std::string changed = text;
   if (const auto line = LineIn(text, *section)) changed = RemoveText(text, line->First, line->Last);
   const int place = EndOfLines(changed, *FindSectionToChange(changed, protocol));

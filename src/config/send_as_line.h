@@ -18,8 +18,8 @@ std::string SendAsLine(std::string_view value);
 
 /// A text in which a section sends a code in some way, and all its other codes as before: a section without
 /// commands and without SENDAS= is made for such codes and tells the way for all of them, any other one gets
-/// a note on this code in the line. It goes after the commands, so that a search for their names and codes
-/// finds them first.
+/// a note on this code in the line, as does a code that goes out with its second half first. It goes after
+/// the commands, so that a search for their names and codes finds them first.
 /// @param code with its leading G
 /// @param way empty for the usual one
 std::string WithWayOf(const std::string& text, std::string_view protocol, std::string_view code,

@@ -109,9 +109,9 @@ std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths) {
       heard.SendAs == kSendAsRc6 ? Rc6Section(first) : TurnsSection(first, heard.Code);
   if (!section) return std::nullopt;
   // Whichever frame of a turn goes first, the keys of a remote stay in one section.
-  section->Params.SENDAS = heard.SendAs == kSendAsRc6 ? heard.SendAs : SendInTurns(heard.Code.size() / 2);
+  section->Params.SENDAS = WayOfAll(heard.SendAs);
   if (Hear(SentPress(*section, heard.Code)).Code != heard.Code) return std::nullopt;
-  return HeardCode{*std::move(section), heard.Code};
+  return HeardCode{*std::move(section), heard.Code, heard.SendAs};
 }
 
 bool IsHeard(const SectionSignal& section, const std::string& digits) {

@@ -10,8 +10,9 @@ namespace keplo {
 
 /// A code that the receiver reads though no two digit patterns alone send it: RC6, or two alternating frames.
 struct HeardCode {
-  SectionSignal Section;  // with SENDAS and its repeats
+  SectionSignal Section;  // with its repeats, and with SENDAS as it holds for all codes of its kind
   std::string Digits;
+  std::string SendAs;  // the way of this one, of which a section may need a note
 };
 
 /// What the receiver makes of the lengths of a held key.

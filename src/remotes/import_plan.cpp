@@ -14,6 +14,7 @@
 #include "config/protocols.h"
 #include "config/raw_lookup.h"
 #include "config/sections.h"
+#include "config/send_as_line.h"
 #include "failure.h"
 #include "formats/families.h"
 #include "remotes/heard_code.h"
@@ -34,8 +35,7 @@ constexpr std::size_t kFewestDigits = 5;  // of a code that is sent
 
 /// Whether a section sends a code in the way in which it was heard, whichever of two frames goes first.
 bool SendsInWayOf(const ProtocolParams& section, const HeardCode& heard) {
-  const std::string_view way = WayOf(heard.Digits, section.SENDAS), wanted = heard.Section.Params.SENDAS;
-  return way == wanted || (IsSentInTurns(heard.Digits, way) && IsSentInTurns(heard.Digits, wanted));
+  return WayOfAll(WayOf(heard.Digits, section.SENDAS)) == heard.Section.Params.SENDAS;
 }
 
 std::vector<int> RunsOf(const PulseTrain& lengths) {
@@ -134,6 +134,7 @@ class Planner {
     PlannedKey& planned = plan_.Keys[place];
     planned.IsRaw = false;
     planned.HeardDigits = heard.Digits;
+    planned.SendAs = heard.SendAs;
     planned.Reason.clear();
     if (section_ && !SendsInWayOf(section_->Params, heard)) {
       planned.Reason = "[" + wishes_.Section + "] has no line SENDAS= " + heard.Section.Params.SENDAS;
@@ -308,6 +309,11 @@ class Planner {
                                        static_cast<std::size_t>(section->End - section->Begin));
     const std::string lines = CommandLines(wishes_.Section, words, own_, plan_.Keys);
     plan_.Text = WithCommandLines(text_, wishes_.Section, lines).value_or(text_);
+    for (const std::size_t place : own_) {
+      const PlannedKey& key = plan_.Keys[place];
+      if (key.SendAs.empty()) continue;
+      plan_.Text = WithWayOf(plan_.Text, wishes_.Section, "G" + key.HeardDigits, key.SendAs);
+    }
   }
 
   /// The new sections go before [Template]; the window goes on to start with the protocol that it had.

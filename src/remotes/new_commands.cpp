@@ -8,6 +8,7 @@
 #include "config/protocols.h"
 #include "config/send_as_line.h"
 #include "remotes/key_names.h"
+#include "signal/send_as.h"
 
 namespace keplo {
 
@@ -43,6 +44,17 @@ std::string Description(std::string_view remote, const std::vector<std::size_t>&
   return isFree && words.find("gproto=") == std::string::npos ? std::string(Trimmed(text)) : std::string();
 }
 
+/// The value of SENDAS=, with notes on the codes that are sent otherwise than it holds for all.
+std::string WaysOf(const SectionSignal& section, const std::vector<std::size_t>& places,
+                   const std::vector<PlannedKey>& keys) {
+  std::string ways = section.Params.SENDAS;
+  for (const std::size_t place : places) {
+    const PlannedKey& key = keys[place];
+    if (IsSentFromSecond(key.SendAs)) ways += " " + NoteOfWay(key.HeardDigits, key.SendAs);
+  }
+  return ways;
+}
+
 }  // namespace
 
 std::string CommandLines(const std::string& section, std::string_view words,
@@ -73,7 +85,7 @@ std::string SectionBlock(const std::string& name, const KeyGroup& group, std::ve
   draft.Description = Description(keys[group.Keys.front()].Remote, group.Keys, keys);
   draft.ProtoKind = section.ProtoKind;
   draft.Params = section.Params;
-  const std::string head = ParameterLines(draft) + "\r\n" + SendAsLine(section.Params.SENDAS) +
+  const std::string head = ParameterLines(draft) + "\r\n" + SendAsLine(WaysOf(section, group.Keys, keys)) +
                            CarrierLine(section.Params.Carrier) + "\r\n";
   return "\r\n[" + name + "]\r\n" + head + CommandLines(name, head, group.Keys, keys);
 }

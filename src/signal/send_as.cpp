@@ -65,11 +65,14 @@ std::string SendInTurns(std::size_t digits, bool fromSecond) {
 }
 
 bool IsSentInTurns(std::string_view code, std::string_view way) {
-  const std::string_view number = way.substr(0, way.size() - (IsSentFromSecond(way) ? 1 : 0));
-  return !code.empty() && code.size() % 2 == 0 && number == SendInTurns(code.size() / 2);
+  return !code.empty() && code.size() % 2 == 0 && WayOfAll(way) == SendInTurns(code.size() / 2);
 }
 
 bool IsSentFromSecond(std::string_view way) { return way.ends_with(kFromSecond); }
+
+std::string_view WayOfAll(std::string_view way) {
+  return way.substr(0, way.size() - (IsSentFromSecond(way) ? 1 : 0));
+}
 
 std::string_view WayOf(std::string_view code, std::string_view sendAs) {
   std::string_view way;

@@ -23,6 +23,9 @@ std::string SendInTurns(std::size_t digits, bool fromSecond = false);
 bool IsSentInTurns(std::string_view code, std::string_view way);
 bool IsSentFromSecond(std::string_view way);
 
+/// A way as it holds for all codes of a section: which frame goes out first is a matter of each of them.
+std::string_view WayOfAll(std::string_view way);
+
 /// The word for frames that follow each other at one period, however long they are.
 /// @param slots from the first slot of a frame to the first of the next
 std::string SendEvery(int slots);

@@ -160,8 +160,8 @@ TEST(WithWayOf, ChangesNoOtherCodeOfTheSection) {
       ways.append(*each == '/' ? "/" : "").append(WayOf(each + (*each == '/'), line));
     EXPECT_EQ(ways, Parts(row)[2]) << row << " in " << line;
   }
-  const std::string all = WithWayOf(stored.Store.CfgText, "New", "G1111", "2");
-  EXPECT_NE(all.find("G10,EMPTY\r\nSENDAS= 2\r\n"), std::string::npos) << all;
+  const std::string all = WithWayOf(stored.Store.CfgText, "New", "G1111", "2<");
+  EXPECT_NE(all.find("G10,EMPTY\r\nSENDAS= 2 2<:"), std::string::npos) << all;
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+
 #include "config/check_config.h"
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
@@ -240,6 +243,36 @@ TEST(ImportPlan, TellsWhatACodeDoesNotKeep) {
             "KEY_A -> T-1&KEY_A" + toggle + "KEY_B -> T-2&KEY_B" + toggle +
                 "KEY_C -> H-1&KEY_C a short repeat that has a header is not kept\n"
                 "KEY_D -> S-1&KEY_D its short repeat is of lengths that no section has, and is not kept\n");
+}
+
+/// The digits of the first of two frames.
+std::string FirstOf(const RemoteKey& key) {
+  return ReadDigits({key.Lengths.begin(), std::find_if(key.Lengths.begin(), key.Lengths.end(),
+                                                       [](int length) { return length > 20'000; })})
+      ->Digits;
+}
+
+TEST(ImportPlan, SendsFirstWhatTheFileHasFirst) {
+  std::string text = kEmpty;
+  std::map<std::string, std::string> first;
+  unsigned number = 0;
+  for (const std::string section : {"", "Mine"}) {
+    std::vector<RemoteKey> keys;
+    for (const char* name : {"ON", "OFF", "UP", "VOL"}) {  // whose digits are in either order
+      RemoteKey& key = keys.emplace_back(Key(name + section, Digits(++number)));
+      key.Lengths = FrameLengths(*key.Coded);
+      key.Lengths.push_back(25'000);
+      const PulseTrain second = FrameLengths(*Key(name, Digits(number + 100)).Coded);
+      key.Lengths.insert(key.Lengths.end(), second.begin(), second.end());
+      key.Coded.reset();
+      first[*key.Name] = FirstOf(key);
+    }
+    const auto files = File("Mine", keys);
+    text = PlanImport(text, files, {.Section = section, .Shadowed = false, .Raw = nullptr, .Wants = {}}).Text;
+    const Remote remote = RemoteOfSection(text, "Mine", {});
+    ASSERT_EQ(remote.Keys.size(), number);
+    for (const RemoteKey& sent : remote.Keys) EXPECT_EQ(FirstOf(sent), first[*sent.Name]) << *sent.Name;
+  }
 }
 
 TEST(ImportPlan, KeepsTheProtocolThatTheWindowStartsWith) {

@@ -82,10 +82,10 @@ TEST(BuildSendBits, SendsWhatTheParametersAloneDoNotTell) {
   code = "101";
   EXPECT_EQ(BuildSendBits(code, kCustom, params, toggle), "11111100100110") << "no RC6 code";
 
-  params = Params(kNec, 0, 50);
+  params = Params(kNec, 0, 30);
   params.SENDAS = SendInTurns(2);
   code = "1001";
-  const std::string first = params.BITG + "1000101", second = params.BITG + "1010001", gap = Silence(50);
+  const std::string first = params.BITG + "1000101", second = params.BITG + "1010001", gap = Silence(30);
   const std::string turn = first + gap + second;
   EXPECT_EQ(BuildSendBits(code, kNec, params, toggle), turn + gap + turn + gap + turn);
   ProtocolParams reversed = params;
