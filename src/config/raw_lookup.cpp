@@ -1,5 +1,7 @@
 #include "config/raw_lookup.h"
 
+#include <algorithm>
+
 #include "config/lookup.h"
 #include "signal/raw/raw_digits.h"
 #include "signal/raw/raw_send.h"
@@ -28,24 +30,39 @@ std::string MonitorCaptureOf(const RawLengths& lengths) {
   return capture;
 }
 
+/// What is found of lengths that the monitor captures.
+RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
+  SignalState heard;
+  heard.Samples.Read(MonitorCaptureOf(lengths));
+  return index.Find(HeardIn(heard));
+}
+
 }  // namespace
 
-std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms) {
+MonitorReading MonitorReadingOf(const RawLengths& lengths) {
   SignalState heard;
+  return ReadCapture(MonitorCaptureOf(lengths), heard, Analysis::Second);
+}
+
+std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms) {
   for (const RawLengths& form : forms) {
-    auto found = CommandOf(text, ReadCapture(MonitorCaptureOf(form), heard, Analysis::Second));
-    if (found) return found;
+    if (auto found = CommandOf(text, MonitorReadingOf(form))) return found;
   }
   return std::nullopt;
 }
 
 RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms) {
   for (const RawLengths& form : forms) {
-    SignalState heard;
-    heard.Samples.Read(MonitorCaptureOf(form));
-    if (const RawMatch match = index.Find(HeardIn(heard)); match.IsClose) return match;
+    if (const RawMatch match = MatchOf(index, form); match.IsClose) return match;
   }
   return {};
+}
+
+bool IsHeardAsRaw(const RawIndex& index, const RawSignal& signal) {
+  return std::all_of(signal.Forms.begin(), signal.Forms.end(), [&](const RawLengths& form) {
+    const RawMatch match = MatchOf(index, form);
+    return match.Alone && match.Digits == signal.Digits;
+  });
 }
 
 HeardLengths HeardIn(SignalState& signal) {

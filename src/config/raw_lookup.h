@@ -30,6 +30,9 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 /// The signal of forms that were heard, with digits that no command of the text has.
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);
 
+/// What the monitor reads of lengths, before it asks the raw commands.
+MonitorReading MonitorReadingOf(const RawLengths& lengths);
+
 /// A command whose code the monitor reads of one of the forms of a signal, so that it never asks the raw
 /// ones.
 std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms);
@@ -37,6 +40,13 @@ std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::
 /// The raw command of an index that could be taken for a signal of these forms, or the signal for it, by what
 /// a monitored capture holds of the two; not close if there is none.
 RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms);
+
+/// Whether the monitor takes each form of a raw command of an index for that command. What hardly has a
+/// length of its own, or silence where its frames go on, can be sent and is never heard.
+bool IsHeardAsRaw(const RawIndex& index, const RawSignal& signal);
+/// What to tell of one that is not.
+inline constexpr std::string_view kNotHeardAsRaw =
+    "it can be sent, but not heard: the receiver takes it for noise or for pieces";
 
 /// A raw command of the text that could be taken for a signal, or the signal for it, by what a monitored
 /// capture holds of the two.

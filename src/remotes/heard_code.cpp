@@ -6,7 +6,7 @@
 #include <span>
 
 #include "config/generic_protocols.h"
-#include "signal/monitored_press.h"
+#include "config/raw_lookup.h"
 #include "signal/raw/raw_send.h"
 #include "signal/raw/raw_signal.h"
 #include "signal/rc6.h"
@@ -115,10 +115,7 @@ std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths) {
 }
 
 bool IsHeard(const SectionSignal& section, const std::string& digits) {
-  const std::string capture = CaptureOfLengths(SentPress(section, digits));
-  SignalState state;
-  const MonitorReading heard =
-      ReadCapture(std::string_view(capture).substr(0, kMonitorCaptureBytes), state, Analysis::Second);
+  const MonitorReading heard = MonitorReadingOf(SentPress(section, digits));
   return (heard.HasCode() || heard.Ended == Stage::Doubtful) && heard.Digits == digits;
 }
 

@@ -38,6 +38,13 @@ bool SendsInWayOf(const ProtocolParams& section, const HeardCode& heard) {
   return WayOfAll(WayOf(heard.Digits, section.SENDAS)) == heard.Section.Params.SENDAS;
 }
 
+/// Whether a key is of a protocol that the receiver was made for. Digits of one kind may be a lamp's.
+bool IsSurelyHeard(const RemoteKey& key) {
+  if (!key.Coded || FamilyOf(*key.Coded, key.Carrier) == nullptr) return false;
+  const std::string& digits = key.Coded->Digits;
+  return digits.find(digits.front() == '0' ? '1' : '0') != std::string::npos;
+}
+
 std::vector<int> RunsOf(const PulseTrain& lengths) {
   std::vector<int> runs;
   for (const int length : lengths) runs.push_back((length + kNominalSampleTime / 2) / kNominalSampleTime);
@@ -69,7 +76,7 @@ class Planner {
     const std::string name =
         remote.Name.empty() ? std::filesystem::path(file.Path).stem().string() : remote.Name;
     for (const KeyGroup& group : groups_) {
-      TellUnheard(group);
+      TellUnheard(group.Group.Section(), group.Keys);
       plan_.Sections.push_back(names_.Next(name));
       blocks_ += SectionBlock(plan_.Sections.back(), group, plan_.Keys);
     }
@@ -169,6 +176,24 @@ class Planner {
     return true;
   }
 
+  /// Whether the monitor reads the code of a command of a signal, so that it never asks the raw ones.
+  bool IsReadAsCode(const std::vector<RawLengths>& forms, std::size_t place) {
+    for (const RawLengths& form : forms) {
+      const MonitorReading read = MonitorReadingOf(form);
+      if (!read.HasCode() && read.Ended != Stage::Doubtful) continue;
+      const auto met = codes_.Meets(read.Digits);
+      // A code that the first analysis has read is that of the command whose code begins with it.
+      using enum StoredCodes::Meeting;
+      if (!met || (met->How != Equal && (met->How != BeginsOther || read.ReadBy != Analysis::First)))
+        continue;
+      meetings_.emplace_back(place, StoredCodes::Met{Equal, met->With});
+      plan_.Keys[place].Fate = KeyFate::Known;
+      plan_.Keys[place].Reason.clear();
+      return true;
+    }
+    return false;
+  }
+
   /// A command that keeps its lengths, in both forms if there are two.
   void TakeRaw(PulseTrain lengths, std::size_t place) {
     if (const std::optional<HeardCode> heard =
@@ -186,12 +211,7 @@ class Planner {
     if (const PulseTrain& toggled = planned.Key->Toggled; planned.Key->IsRaw() && !toggled.empty()) {
       forms.emplace_back(toggled.begin(), toggled.end() - (toggled.size() % 2 == 0 ? 1 : 0));
     }
-    if (IsKnownAsRaw(forms, place)) return;
-    if (const auto read = FindCommandReadOf(text_, forms)) {
-      planned.Fate = KeyFate::Known;
-      planned.Reason = "known: it is heard as " + read->Protocol + "&" + read->Command;
-      return;
-    }
+    if (IsKnownAsRaw(forms, place) || IsReadAsCode(forms, place)) return;
     RawSignal signal{
         DrawRawDigits(levels->Levels,
                       [&](std::string_view digits) { return codes_.Meets(std::string(digits)).has_value(); }),
@@ -201,6 +221,9 @@ class Planner {
     planned.RawDigits = signal.Digits;
     codes_.Add(signal.Digits, place);
     raw_.Add(signal);
+    if (!IsHeardAsRaw(raw_, signal)) {
+      planned.Reason = kNotHeardAsRaw;
+    }
     plan_.Raw.push_back(std::move(signal));
     if (section_) {
       TellOtherSending(planned);
@@ -266,13 +289,10 @@ class Planner {
   }
 
   /// The receiver was made for the common protocols; it knows lengths of others where they are like those.
-  void TellUnheard(const KeyGroup& group) {
-    const SectionSignal section = group.Group.Section();
-    for (const std::size_t place : group.Keys) {
+  void TellUnheard(const SectionSignal& section, const std::vector<std::size_t>& places) {
+    for (const std::size_t place : places) {
       PlannedKey& planned = plan_.Keys[place];
-      const std::optional<CodedSignal>& signal = planned.Key->Coded;
-      if (!signal || planned.IsRaw || FamilyOf(*signal, planned.Key->Carrier) != nullptr) continue;
-      if (IsHeard(section, signal->Digits)) continue;
+      if (planned.IsRaw || IsSurelyHeard(*planned.Key) || IsHeard(section, planned.Digits())) continue;
       AddReason(planned, "it can be sent; to have it heard as well, learn it from the remote");
     }
   }
@@ -307,6 +327,7 @@ class Planner {
     const std::string_view words =
         std::string_view(text_).substr(static_cast<std::size_t>(section->Begin - 1),
                                        static_cast<std::size_t>(section->End - section->Begin));
+    TellUnheard(*section_, own_);
     const std::string lines = CommandLines(wishes_.Section, words, own_, plan_.Keys);
     plan_.Text = WithCommandLines(text_, wishes_.Section, lines).value_or(text_);
     for (const std::size_t place : own_) {

@@ -204,6 +204,32 @@ TEST(ImportPlan, KeepsTheLengthsOfWhatNoDigitsSay) {
             "known: the code is that of Mine&Cool");
 }
 
+TEST(ImportPlan, TellsWhatIsNotHeardUnderItsName) {
+  const auto raw = [](const char* name, PulseTrain lengths) {
+    RemoteKey key;
+    key.Name = name;
+    key.Lengths = std::move(lengths);
+    return key;
+  };
+  PulseTrain noise;
+  for (int i = 0; i < 40; ++i) noise.insert(noise.end(), {i % 3 == 0 ? 1216 : i % 3 == 1 ? 1064 : 957, 1188});
+  const Imported imported(
+      kEmpty, File("Mine", {Key("ON", Digits(1)), raw("OFF", FrameLengths(*Key("", Digits(1)).Coded)),
+                            raw("VOL", FrameLengths(*Key("", Digits(2)).Coded)), Key("UP", Digits(2)),
+                            raw("LAMP", noise), Key("SOME", std::string(16, '1'), "JVC")}));
+  EXPECT_EQ(Told(imported.Plan),
+            "ON -> Mine&ON\n"
+            "OFF -> Mine&ON known: the code is that of Mine&ON\n"
+            "VOL -> Mine&VOL\n"
+            "UP -> Mine&VOL known: the code is that of Mine&VOL\n"
+            "LAMP -> Mine&LAMP it can be sent, but not heard: the receiver takes it for noise or for pieces\n"
+            "SOME -> Mine-2&SOME it can be sent; to have it heard as well, learn it from the remote\n");
+  const auto more = File("Other", {Key("MORE", std::string(16, '0'), "JVC")});
+  EXPECT_EQ(Told(PlanImport(imported.Plan.Text, more,
+                            {.Section = "Mine-2", .Shadowed = false, .Raw = nullptr, .Wants = {}})),
+            "MORE -> Mine-2&MORE it can be sent; to have it heard as well, learn it from the remote\n");
+}
+
 /// Codes and line SENDAS= of what a remote becomes that names its keys by protocols.
 TEST(ImportPlan, TakesAsOneCodeWhatTheReceiverDoes) {
   struct Row {
