@@ -39,6 +39,7 @@ struct HeardKey {
   RecordReading Last;
   std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
+  bool IsConfirmed = false;  // the code, by any of the presses
   bool Known = false;
   RawLesson Raw;
   std::optional<FoundCommand> LikeRaw;  // a raw command that a press fits
@@ -87,6 +88,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       key.Codes.insert(code);
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
       Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
+      key.IsConfirmed = key.IsConfirmed || key.Validation.CmdValidated;
     }
   }
   return key;
@@ -124,9 +126,9 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
                    ", which would be heard no more. Delete that one first to store the code."});
   }
   // A known code needs no second press; the checks name the command that has it.
-  if (!key.Validation.CmdValidated && !key.Known) {
+  if (!key.IsConfirmed && !key.Known) {
     throw Refused(RefusalText({Refusal::NotValidated, {}}),
-                  {"the last press has a single frame; give recordings of two equal presses"});
+                  {"the press has a single frame; give recordings of two equal presses"});
   }
   const std::string code = "G" + key.Last.Code;
   const LearnResult result =
@@ -182,6 +184,7 @@ int LearnRaw(CommandReference reference, const HeardKey& key, OpenedConfig& conf
   if (signal.Forms.size() > 1) {
     std::cout << "; the remote sends " << signal.Forms.size() << " forms in turn, which are all stored";
   }
+  if (!IsHeardAsRaw(config.Mod.Store.Raw.Index, signal)) std::cout << "; " << kNotHeardAsRaw;
   std::cout << '\n';
   return kDone;
 }

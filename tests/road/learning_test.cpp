@@ -122,12 +122,15 @@ TEST(Learning, WantsASecondPressWhereTheRemoteSendsOneFrame) {
     const std::string synth = std::string("--repeats 0 --protocol ") + protocol + " --code ";
     const std::string press = install.Press("press.mode2", synth + code + firstFrame);
     const std::string next = install.Press("next.mode2", synth + nextCode + firstFrame);
+    const std::string held =
+        install.Press("held.mode2", std::string("--protocol ") + protocol + " --code " + code);
     const std::string learned = protocol + std::string("&ONCE "),
                       name = " --name '" + std::string(protocol) + "&ONCE'";
     ExpectTold(install,
                {{"learn" + press + press + name, 1, {"not yet validated", "two equal presses"}},
                 {"learn" + press + next + name, 0, {learned + "learned: G"}},
-                {"forget '" + learned.substr(0, learned.size() - 1) + "'", 0, {learned + "forgotten"}}});
+                {"forget '" + learned.substr(0, learned.size() - 1) + "'", 0, {learned + "forgotten"}},
+                {"learn" + held + press + name, 0, {learned + "learned: G"}}});
   }
 }
 
