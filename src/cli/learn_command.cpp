@@ -13,12 +13,14 @@
 #include "config/learn.h"
 #include "config/lookup.h"
 #include "config/raw_lookup.h"
+#include "config/read_settings.h"
 #include "formats/recording.h"
 #include "line/press_capture.h"
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "program/printable.h"
 #include "signal/recorded_press.h"
+#include "signal/sample_time.h"
 #include "signal/stage_text.h"
 #include "signal/validation.h"
 #include "typed_command.h"
@@ -40,6 +42,7 @@ struct HeardKey {
   std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
   bool IsConfirmed = false;  // the code, by any of the presses
+  bool IsShort = false;      // the code, so that the monitor captures all of it
   bool Known = false;
   RawLesson Raw;
   std::optional<FoundCommand> LikeRaw;  // a raw command that a press fits
@@ -70,6 +73,15 @@ void HearRaw(const Press& press, const std::string& place, LineOptions line, con
   if (line.KeepsFrames() && !key.LikeRaw) key.LikeRaw = FindRawCommand(store, state);
 }
 
+bool IsHeardByMonitor(const Press& press, LineOptions line, const CfgStore& store,
+                      const RecordReading& read) {
+  if (read.ReadBy == Analysis::First) return true;
+  Settings settings;
+  ReadSettings(store, settings);
+  line.SampleTime = SampleTimeOf(settings.ProcDelay);
+  return FitsMonitorCapture(CaptureOfPress(press, kRecordCaptureBytes, line), read.Code);
+}
+
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
   HeardKey key;
   LineOptions line = options.Line;
@@ -89,6 +101,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
       Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
       key.IsConfirmed = key.IsConfirmed || key.Validation.CmdValidated;
+      key.IsShort = key.IsShort || IsHeardByMonitor(press, line, store, key.Last);
     }
   }
   return key;
@@ -184,6 +197,7 @@ int LearnRaw(CommandReference reference, const HeardKey& key, OpenedConfig& conf
   if (signal.Forms.size() > 1) {
     std::cout << "; the remote sends " << signal.Forms.size() << " forms in turn, which are all stored";
   }
+  if (!key.Codes.empty() && !key.IsShort) std::cout << "; its code is longer than what the monitor captures";
   if (!IsHeardAsRaw(config.Mod.Store.Raw.Index, signal)) std::cout << "; " << kNotHeardAsRaw;
   std::cout << '\n';
   return kDone;
@@ -194,7 +208,7 @@ int Learn(const LearnOptions& options) {
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
   const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
-  const bool asRaw = options.Raw || (key.IsClean && (key.Codes.empty() || HasTogglingCode(key)));
+  const bool asRaw = options.Raw || (key.IsClean && (!key.IsShort || HasTogglingCode(key)));
   if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
   if (options.Raw) {
     throw Refused("Raw commands are heard with the second look alone; " +

@@ -5,6 +5,7 @@
 
 #include "signal/capture_trim.h"
 #include "signal/decode.h"
+#include "signal/raw/raw_signal.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -120,6 +121,13 @@ MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysi
   MonitorReading reading;
   ReadCapture(capture, state, analysis, reading);
   return reading;
+}
+
+bool FitsMonitorCapture(std::string_view recording, std::string_view code) {
+  SignalState state;
+  const MonitorReading reading =
+      ReadCapture(recording.substr(0, kMonitorCaptureBytes), state, Analysis::Second);
+  return reading.Digits == code || !HeardIn(state.Runs.Read(state.Samples)).Cut;
 }
 
 }  // namespace keplo

@@ -77,4 +77,9 @@ void ReadTrimmedCapture(SignalState& state, Analysis analysis, MonitorReading& r
 void ReadCapture(std::string_view capture, SignalState& state, Analysis analysis, MonitorReading& reading);
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis = Analysis::First);
 
+/// Whether the second look reads the code of a recording in what the monitor captures of it, too: a frame of
+/// some air conditioners outlasts such a capture, which is shorter.
+/// @param recording samples from the first mark on
+bool FitsMonitorCapture(std::string_view recording, std::string_view code);
+
 }  // namespace keplo

@@ -223,7 +223,9 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
     SelectCurrent();
     return true;
   }
-  if (HasCode(reading)) return false;
+  if (HasCode(reading) &&
+      (reading.ReadBy == Analysis::First || FitsMonitorCapture(mod_.Signal.RawCapture, reading.Code)))
+    return false;
   RawSignal signal;
   const HeardLengths heard = HeardIn(mod_.Signal);
   if (!rawLesson_.Hear(heard, place_)) return false;

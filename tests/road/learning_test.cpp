@@ -57,22 +57,30 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
   const std::string code = install.Press("code.mode2", "--protocol SONY --code 101010010000");
   const std::string next = install.Press("next.mode2", "--protocol SONY --code 101010010001");
   const std::string sent = Quoted(install.File("sent.mode2"));
-  ExpectTold(install, {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
-                       {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
-                       {"learn" + a + c + named, 1, {"give two of each in turns"}},
-                       {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths"}},
-                       {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
-                       {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},
-                       {"learn" + c + d + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
-                       {"decode --json" + b, 0, {R"("stage":"raw","protocol":"RAW")"}},
-                       {"record" + c, 0, {", known as NEC&HEAT"}},
-                       {"events add 'NEC&COOL' --name Colder", 0, {}},
-                       {"monitor --once --replay" + b + c, 1, {"Colder", "is bound to NEC&HEAT"}},
-                       {"send 'NEC&COOL' --out" + sent, 0, {"NEC&COOL written"}},
-                       {"record" + sent, 0, {"known as NEC&COOL"}},
-                       {"learn --raw" + code + " --name 'NEC&ONCE'", 1, {"This command exist as TV_POWER"}},
-                       {"learn --raw" + next + " --name 'NEC&RAWNEXT'", 0, {"learned as raw"}},
-                       {"learn" + next + " --name 'SONY&NEXT'", 1, {"exist as RAWNEXT", "heard no more"}}});
+  const std::string frame =
+      "--protocol NEC --repeats 0 --code " + std::string(100, '0') + std::string(60, '1');
+  const std::string longer =
+      install.Press("long.mode2", frame) + install.Press("again.mode2", frame + " --seed 2");
+  ExpectTold(
+      install,
+      {{"record" + a, 1, {"keplo learn can store it as a raw command"}},
+       {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
+       {"learn" + a + c + named, 1, {"give two of each in turns"}},
+       {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths"}},
+       {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
+       {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},
+       {"learn" + c + d + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
+       {"decode --json" + b, 0, {R"("stage":"raw","protocol":"RAW")"}},
+       {"record" + c, 0, {", known as NEC&HEAT"}},
+       {"events add 'NEC&COOL' --name Colder", 0, {}},
+       {"monitor --once --replay" + b + c, 1, {"Colder", "is bound to NEC&HEAT"}},
+       {"send 'NEC&COOL' --out" + sent, 0, {"NEC&COOL written"}},
+       {"record" + sent, 0, {"known as NEC&COOL"}},
+       {"learn --raw" + code + " --name 'NEC&ONCE'", 1, {"This command exist as TV_POWER"}},
+       {"learn --raw" + next + " --name 'NEC&RAWNEXT'", 0, {"learned as raw"}},
+       {"learn" + next + " --name 'SONY&NEXT'", 1, {"exist as RAWNEXT", "heard no more"}},
+       {"learn" + longer + " --name 'SONY&LONG'", 0, {"as raw", "longer than what the monitor captures"}},
+       {"forget 'SONY&LONG'", 0, {}}});
   std::filesystem::remove(install.File("raw/NEC.mode2"));
   ExpectTold(install,
              {{"send 'NEC&COOL'", 1, {"COOL, HEAT and RAWNEXT", "missing or damaged", "learn them again"}}});

@@ -76,6 +76,10 @@ TEST_F(RecordFlow, WhatNoAnalysisReadsIsLearnedAndSentAsLengths) {
   EXPECT_EQ(CodeColour() + form_->Note.Text().substr(0, 28), "greenThe remote sends two signals");
   form_->DeleteCmdButton.Click();
   EXPECT_EQ(disk_.Files().count("Mine.mode2"), 0U) << "lengths go with the command";
+  for (const int digits : {100, 200}) {
+    Record(NecRuns(std::string(static_cast<std::size_t>(digits - 50), '0') + std::string(50, '1')));
+    EXPECT_EQ(form_->GProt.Text(), digits == 100 ? "NEC" : "RAW") << "the monitor captures 224 ms";
+  }
 }
 
 TEST_F(RecordFlow, AKnownCommandIsNamedAndSelected) {
