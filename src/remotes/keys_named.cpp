@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/sections.h"
+#include "config/cfg_text.h"
 #include "remotes/key_names.h"
 
 namespace keplo {
