@@ -5,7 +5,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
 build_packages=(g++ cmake libasound2-dev libevdev-dev ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
-  libtomlplusplus-dev libpugixml-dev libyaml-cpp-dev libmosquitto-dev pkg-config ca-certificates
+  libtomlplusplus-dev libpugixml-dev libyaml-cpp-dev libmosquitto-dev libssl-dev pkg-config ca-certificates
   qt6-base-dev qt6-httpserver-dev qt6-websockets-dev)
 test_packages=(libgtest-dev mosquitto openssl sqlite3 chromium fonts-dejavu-core xvfb xdotool)
 # A machine for the check on real drivers.

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "failure.h"
 
@@ -41,10 +42,11 @@ std::array<int, 2> CheckedWire::Pair() {
   return ends;
 }
 
-CheckedWire::CheckedWire(int socket, int version, std::array<int, 2> ends)
+CheckedWire::CheckedWire(int socket, int version, const BrokerSettings& settings, std::array<int, 2> ends)
     : broker_(Copy(socket)), library_(ends[0]), socket_(socket), check_(version) {
   const Descriptor end(ends[1]);
   if (dup3(end.Number(), socket, O_CLOEXEC) < 0) Fail();
+  if (settings.Tls) tls_.emplace(settings);
 }
 
 int CheckedWire::In() {
@@ -54,7 +56,15 @@ int CheckedWire::In() {
   if (count < 0 && errno != ECONNRESET) return errno;
   ended_ = ended_ || count <= 0;
   if (ended_) return 0;
-  return check_.Take({piece.data(), static_cast<std::size_t>(count)}) ? 0 : kNotMqtt;
+  return TakeSaid({piece.data(), static_cast<std::size_t>(count)});
+}
+
+int CheckedWire::TakeSaid(std::string_view bytes) {
+  if (!tls_) return check_.Take(bytes) ? 0 : kNotMqtt;
+  const bool isSecure = tls_->Take(bytes);
+  const std::string opened = std::exchange(tls_->Opened(), {});
+  if (!check_.Take(opened)) return kNotMqtt;
+  return isSecure ? 0 : kNotSecure;
 }
 
 bool CheckedWire::HandOn() {
@@ -69,11 +79,25 @@ bool CheckedWire::HandOn() {
   return ioctl(socket_, FIONREAD, &waiting) == 0 && waiting > 0;
 }
 
+/// @return false if there is no secure connection to take it to
+bool CheckedWire::TakeFromLibrary() {
+  if (tls_ && !tls_->Fault().empty()) return false;
+  Piece piece;
+  const bool fits = out_.size() < kMostOut && (!tls_ || tls_->IsUp());
+  const ssize_t count = fits ? recv(library_.Number(), piece.data(), piece.size(), MSG_DONTWAIT) : 0;
+  const std::string_view said(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+  if (!tls_) {
+    out_ += said;
+    return true;
+  }
+  const bool isSecure = said.empty() || tls_->Say(said);
+  out_ += std::exchange(tls_->Sealed(), {});
+  return isSecure;
+}
+
 int CheckedWire::Out() {
-  for (Piece piece;;) {
-    const ssize_t count =
-        out_.size() < kMostOut ? recv(library_.Number(), piece.data(), piece.size(), MSG_DONTWAIT) : 0;
-    if (count > 0) out_.append(piece.data(), static_cast<std::size_t>(count));
+  for (;;) {
+    if (!TakeFromLibrary()) return kNotSecure;
     if (out_.empty()) return 0;
     const ssize_t sent = send(broker_.Number(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent < 0 && errno == EPIPE) {

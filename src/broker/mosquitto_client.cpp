@@ -37,8 +37,6 @@ struct FreeProperties {
 };
 
 constexpr int kRefusedSubscription = 128;
-/// Where Debian's ca-certificates puts them.
-constexpr const char* kSystemAuthorities = "/etc/ssl/certs";
 
 }  // namespace
 
@@ -84,22 +82,12 @@ struct MosquittoClient::Callbacks {
       log += (log.empty() ? "" : "; ") + std::string(text);
     });
   }
-
-  /// Without this the library asks on the terminal, which a host in the background never answers.
-  static int GiveNoPassword(char* /*password*/, int /*size*/, int /*writing*/, void* client) {
-    Of(mosquitto_userdata(static_cast<mosquitto*>(client))).log_ = kKeyIsEncrypted;
-    return 0;
-  }
 };
 
 void MosquittoClient::Destroy::operator()(mosquitto* client) const { mosquitto_destroy(client); }
 
 MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events)
-    : host_(settings.Host),
-      port_(settings.Port),
-      version_(login.ProtocolVersion),
-      tls_(settings.Tls),
-      events_(events) {
+    : settings_(settings), version_(login.ProtocolVersion), events_(events) {
   SetUpLibrary();
   client_.reset(mosquitto_new(login.ClientId.c_str(), /*clean_session=*/true, this));
   if (!client_) throw std::bad_alloc();
@@ -114,23 +102,9 @@ MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& lo
                                1, login.LastWill.Retain),
             "The topic " + login.LastWill.Topic + " cannot be used");
   }
-  if (settings.Tls) SetUpTls(settings);
 }
 
 MosquittoClient::~MosquittoClient() = default;
-
-void MosquittoClient::SetUpTls(const BrokerSettings& settings) {
-  const int error = mosquitto_tls_set(
-      client_.get(), NameOrNull(settings.Ca), settings.Ca.empty() ? kSystemAuthorities : nullptr,
-      NameOrNull(settings.Certificate), NameOrNull(settings.Key), Callbacks::GiveNoPassword);
-  if (error == MOSQ_ERR_SUCCESS) return;
-  std::string names;
-  for (const auto* name : {&settings.Ca, &settings.Certificate, &settings.Key}) {
-    if (!name->empty()) names += (names.empty() ? "" : ", ") + *name;
-  }
-  throw Failure(EINVAL, "The files for a secure connection cannot be read: " + names +
-                            ". Look at \"ca\", \"certificate\" and \"key\", and who may read them.");
-}
 
 int MosquittoClient::Noted(int error) {
   if (error == MOSQ_ERR_ERRNO) systemError_ = errno;
@@ -139,37 +113,47 @@ int MosquittoClient::Noted(int error) {
 
 int MosquittoClient::Connect() {
   errno = 0;
-  const int error =
-      Noted(mosquitto_connect_bind_async(client_.get(), host_.c_str(), port_, kKeepAliveSeconds, nullptr));
-  if (error != MOSQ_ERR_SUCCESS || tls_) return error;
-  wire_.emplace(mosquitto_socket(client_.get()), version_);
+  // A library that believes in a thread of its own says nothing to the broker before the wire is there.
+  mosquitto_threaded_set(client_.get(), true);
+  const int error = Noted(mosquitto_connect_bind_async(client_.get(), settings_.Host.c_str(), settings_.Port,
+                                                       kKeepAliveSeconds, nullptr));
+  mosquitto_threaded_set(client_.get(), false);
+  if (error != MOSQ_ERR_SUCCESS) return error;
+  wire_.emplace(mosquitto_socket(client_.get()), version_, settings_);
   return Write();
+}
+
+/// The error of the library that is like a fault of the wire.
+int MosquittoClient::ErrorOf(int fault) {
+  switch (fault) {
+    case 0:
+      return MOSQ_ERR_SUCCESS;
+    case CheckedWire::kNotMqtt:
+      log_ = kNotMqtt;
+      return MOSQ_ERR_MALFORMED_PACKET;
+    case CheckedWire::kNotSecure:
+      log_ = wire_->WhyNotSecure();
+      return MOSQ_ERR_TLS;
+    default:
+      systemError_ = fault;
+      return MOSQ_ERR_ERRNO;
+  }
 }
 
 /// Gives the broker what a call of the library has written.
 int MosquittoClient::WithOutput(int error) {
   const int fault = wire_ ? wire_->Out() : 0;
-  if (error != MOSQ_ERR_SUCCESS || fault == 0) return error;
-  systemError_ = fault;
-  return MOSQ_ERR_ERRNO;
+  return error == MOSQ_ERR_SUCCESS ? ErrorOf(fault) : error;
 }
 
-int MosquittoClient::ReadChecked() {
-  const int fault = wire_->In();
-  if (fault == CheckedWire::kNotMqtt) {
-    log_ = kNotMqtt;
-    return MOSQ_ERR_MALFORMED_PACKET;
-  }
-  if (fault != 0) {
-    systemError_ = fault;
-    return MOSQ_ERR_ERRNO;
-  }
+int MosquittoClient::Read() {
+  if (!wire_) return MOSQ_ERR_NO_CONN;
+  if (const int fault = wire_->In(); fault != 0) return ErrorOf(fault);
   int error = MOSQ_ERR_SUCCESS;
   while (error == MOSQ_ERR_SUCCESS && wire_->HandOn()) error = Noted(mosquitto_loop_read(client_.get(), 1));
   return WithOutput(error);
 }
 
-int MosquittoClient::Read() { return wire_ ? ReadChecked() : Noted(mosquitto_loop_read(client_.get(), 1)); }
 int MosquittoClient::Write() { return WithOutput(Noted(mosquitto_loop_write(client_.get(), 1))); }
 int MosquittoClient::KeepAlive() { return WithOutput(Noted(mosquitto_loop_misc(client_.get()))); }
 int MosquittoClient::Disconnect() { return WithOutput(mosquitto_disconnect(client_.get())); }

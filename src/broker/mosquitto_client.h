@@ -50,7 +50,8 @@ class MosquittoClient {
   /// it looks, as mosquitto does each six seconds.
   static constexpr int kKeepAliveSeconds = 5;
 
-  /// @throws Failure for files or names that the library does not take
+  /// @param settings, events outlive it
+  /// @throws Failure for names that the library does not take
   MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events);
   ~MosquittoClient();
   MosquittoClient(const MosquittoClient&) = delete;
@@ -58,6 +59,7 @@ class MosquittoClient {
 
   // Each gives an error of the library, 0 for none.
   /// Looks up the name, which may take its time, and begins to connect.
+  /// @throws Failure for files of TLS that cannot be used
   int Connect();
   int Read();
   int Write();
@@ -92,20 +94,17 @@ class MosquittoClient {
     void operator()(mosquitto* client) const;
   };
 
-  void SetUpTls(const BrokerSettings& settings);
   int Noted(int error);
+  int ErrorOf(int fault);
   int WithOutput(int error);
-  int ReadChecked();
 
-  const std::string host_;
-  const std::uint16_t port_;
+  const BrokerSettings& settings_;
   const int version_;
-  const bool tls_;
   ClientEvents& events_;
   std::string log_;
   int systemError_ = 0;
   std::unique_ptr<mosquitto, Destroy> client_;
-  std::optional<CheckedWire> wire_;  // without TLS, by which a broker has proved who it is
+  std::optional<CheckedWire> wire_;
 };
 
 }  // namespace keplo::broker

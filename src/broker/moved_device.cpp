@@ -28,7 +28,7 @@ std::string TakeOutOfOldPlace(const BrokerSettings& before, const BrokerSettings
   if (!MovesTheDevice(before, now)) {
     if (before.Host == now.Host && before.Port == now.Port) return {};
     return "if " + NameOf(now) + " is another broker than " + NameOf(before) +
-           ", the device stays there, offline; take it out with: " + command;
+           ", the device stays on that one, offline; take it out with: " + command;
   }
   try {
     RemoveDevice(before, IdentityOf(appPath));
