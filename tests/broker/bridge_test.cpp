@@ -1,5 +1,8 @@
 #include "broker/bridge.h"
 
+#include <openssl/ssl.h>
+
+#include <atomic>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -195,6 +198,14 @@ TEST_F(BrokerBridge, GivesWayToAnotherOfItsIdentity) {
 }
 
 TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
+  const std::string key = folder_ / "key.pem", certificate = folder_ / "cert.pem";
+  ASSERT_EQ(std::system(("openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -days 1 -keyout " +
+                         key + " -out " + certificate + " 2>/dev/null")
+                            .c_str()),
+            0);
+  const std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+  SSL_CTX_use_certificate_file(context.get(), certificate.c_str(), SSL_FILETYPE_PEM);
+  SSL_CTX_use_PrivateKey_file(context.get(), key.c_str(), SSL_FILETYPE_PEM);
   const Descriptor listener(socket(AF_INET, SOCK_STREAM, 0));
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -203,14 +214,29 @@ TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
   ASSERT_EQ(bind(listener.Number(), reinterpret_cast<sockaddr*>(&address), size), 0);
   ASSERT_EQ(listen(listener.Number(), 9), 0);
   getsockname(listener.Number(), reinterpret_cast<sockaddr*>(&address), &size);
+  BrokerSettings settings = Settings(ntohs(address.sin_port));
+  const std::string unknownProperty("\x20\x06\0\0\x03\x7f\0\x01", 8);
+  const auto serve = [&](int peer, bool tls) {
+    const std::unique_ptr<SSL, void (*)(SSL*)> secure(SSL_new(context.get()), SSL_free);
+    SSL_set_fd(secure.get(), peer);
+    if (tls && SSL_accept(secure.get()) == 1) {
+      SSL_write(secure.get(), unknownProperty.data(), static_cast<int>(unknownProperty.size()));
+    } else {
+      send(peer, unknownProperty.data(), unknownProperty.size(), MSG_NOSIGNAL);
+    }
+    for (char byte = 0; recv(peer, &byte, 1, 0) > 0;) continue;
+  };
+  std::atomic<bool> tls = false;
   std::thread other([&] {
     for (int peer = 0; (peer = accept(listener.Number(), nullptr, nullptr)) >= 0; close(peer)) {
-      const std::string unknownProperty("\x20\x06\0\0\x03\x7f\0\x01", 8);
-      send(peer, unknownProperty.data(), unknownProperty.size(), MSG_NOSIGNAL);
-      for (char byte = 0; recv(peer, &byte, 1, 0) > 0;) continue;
+      serve(peer, tls);
     }
   });
-  EXPECT_TRUE(Program(Settings(ntohs(address.sin_port))).Logs("no MQTT"));
+  EXPECT_TRUE(Program(settings).Logs("no MQTT"));
+  tls = settings.Tls = true;
+  settings.Ca = certificate;
+  // It has proved who it is.
+  EXPECT_TRUE(Program(settings).Logs("no MQTT"));
   shutdown(listener.Number(), SHUT_RDWR);
   other.join();
 }
