@@ -152,7 +152,7 @@ PulseTrain PressLengths(const CodedSignal& signal, int repeats) {
   for (int i = 0; i < repeats; ++i) {
     press.push_back(silence > 0 ? silence : kUsualGap);
     press.insert(press.end(), repeat.begin(), repeat.end());
-    if (again.FromStart) silence = std::max(again.Gap - TimeOf(repeat), 0);
+    if (again.FromStart && again.Kind != RepeatKind::Body) silence = std::max(again.Gap - TimeOf(repeat), 0);
   }
   return press;
 }

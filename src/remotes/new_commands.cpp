@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "config/carrier.h"
+#include "config/cfg_store.h"
 #include "config/cfg_text.h"
 #include "config/protocol_edit.h"
 #include "config/protocols.h"
@@ -61,7 +62,8 @@ std::string CommandLines(const std::string& section, std::string_view words,
                          const std::vector<std::size_t>& places, std::vector<PlannedKey>& keys) {
   std::string all(words);
   for (const std::size_t place : places) all.append("\n").append(CodeOf(keys[place]));
-  KeyNames names(all);
+  // More than keplo.cfg holds need not be looked through: such a section is not stored.
+  KeyNames names(std::string_view(all).substr(0, kMostCharacters));
   std::vector<std::string> given;
   for (const std::size_t place : places) {
     PlannedKey& key = keys[place];

@@ -199,6 +199,10 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
       {"a protocol that is not known", "", flipper + "parsed\nprotocol: Q\naddress: 1\ncommand: 1\n",
        "expected up to four bytes"},
       {"a type that is none", "", flipper + "cooked\n", "found the type \"cooked\""},
+      {"an address that a protocol has no room for", "",
+       flipper + "parsed\nprotocol: SIRC\naddress: 3F\ncommand: 00\n", "expected 0 to 1F"},
+      {"a flag that is not known", "", lirc + "flags RC-5\nbegin codes\nA 1\nend codes\nend remote\n",
+       "the flag RC-5"},
       {"an include that leads out", "lirc", "include \"/etc/passwd\"\n",
        "expected a file in the same folder"},
       {"a code that is none", "", lirc + "begin codes\nA 0xZ\nend codes\nend remote\n", "found \"0xZ\""},
@@ -308,6 +312,7 @@ TEST(Remotes, BearWhatPeopleWrite) {
   const std::optional<CodedSignal> led = described("plead 560").Coded;
   ASSERT_TRUE(led);
   EXPECT_EQ(led->Again.Gap, 40000) << "the shorter of two gaps, of a frame that is read from its lengths";
+  EXPECT_EQ(described("header 9000 4500\nflags NO_HEAD_REP|CONST_LENGTH").Coded->Again.Gap, 53500);
   EXPECT_FALSE(described("header 9000 4500\nfoot 560 2240").Coded) << "a space that is neither digit's";
   EXPECT_EQ(CodesOf("scancode nec:0x4080\nscancode RC-5:0xfe41\nscancode sony-20:0x10051\n"),
             "=" + nec + " =10011110000001 =10001011000000000000");
@@ -316,7 +321,7 @@ TEST(Remotes, BearWhatPeopleWrite) {
             "0x8 $=11001000000001");
   EXPECT_EQ(CodesOf("\x1B[0;36m[D][remote.rc5:1]: Received RC5: address=0x08, command=0x01\x1B[0m\n"),
             "=11001000000001");
-  EXPECT_EQ(CodesOf("functionname,protocol,device,subdevice,function\nA\tRC5\t8\t-1\t1\n"),
+  EXPECT_EQ(CodesOf("functionname, protocol, device, subdevice, function\nA\tRC5\t8\t-1\t1\n"),
             "A=11001000000001");
   EXPECT_EQ(
       CodesOf("x:\n - name: A\n   then:\n    remote_transmitter.transmit_pioneer: {rc_code_1: 0xA50A}\n"),
@@ -330,8 +335,8 @@ TEST(Remotes, BearWhatPeopleWrite) {
                     frame("11110000") + "</ending></raw></command></remotes>"),
             "A=")
       << "half of a press";
-  const RemoteFile held = ReadRemotes(
-      "<remotes><command><raw><repeat>" + frame(nec) + "</repeat></raw></command></remotes>", "x");
+  const RemoteFile held =
+      ReadRemotes("<command><raw><repeat>" + frame(nec) + "</repeat></raw></command>", "x");
   EXPECT_EQ(RepeatOf(KeysOf(held).front()), "frame") << "a repeat that the file tells is no usual one";
   const auto dish = [](std::string_view digits) {
     std::string frame = "+500 -6250";

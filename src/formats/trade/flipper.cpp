@@ -1,5 +1,6 @@
 #include <array>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -19,6 +20,7 @@ struct FlipperProtocol {
   std::string_view Name;
   std::string_view Family;
   std::string (*Digits)(std::uint32_t address, std::uint32_t command);
+  unsigned AddressBits, CommandBits;
 };
 
 std::string NecBytes(std::uint32_t a, std::uint32_t c) {
@@ -63,19 +65,19 @@ std::string KaseikyoBytes(std::uint32_t a, std::uint32_t c) {
 
 // The ones that compute part of their digits stand before those that do not.
 constexpr std::array kProtocols = {
-    FlipperProtocol{"NEC", "NEC", NecBytes},
-    FlipperProtocol{"NECext", "NEC", NecWords},
-    FlipperProtocol{"NEC42", "NEC42", Nec42},
-    FlipperProtocol{"NEC42ext", "NEC42", Nec42Words},
-    FlipperProtocol{"Pioneer", "PIONEER", NecBytes},
-    FlipperProtocol{"Samsung32", "SAMSUNG", SamsungBytes},
-    FlipperProtocol{"SIRC", "SONY", Sirc12},
-    FlipperProtocol{"SIRC15", "SONY", Sirc15},
-    FlipperProtocol{"SIRC20", "SONY", Sirc20},
-    FlipperProtocol{"RC5", "RC5", Rc5},
-    FlipperProtocol{"RC5X", "RC5", Rc5x},
-    FlipperProtocol{"RCA", "RCA", RcaNibbles},
-    FlipperProtocol{"Kaseikyo", "KASEIKYO", KaseikyoBytes},
+    FlipperProtocol{"NEC", "NEC", NecBytes, 8, 8},
+    FlipperProtocol{"NECext", "NEC", NecWords, 16, 16},
+    FlipperProtocol{"NEC42", "NEC42", Nec42, 13, 8},
+    FlipperProtocol{"NEC42ext", "NEC42", Nec42Words, 26, 16},
+    FlipperProtocol{"Pioneer", "PIONEER", NecBytes, 8, 8},
+    FlipperProtocol{"Samsung32", "SAMSUNG", SamsungBytes, 8, 8},
+    FlipperProtocol{"SIRC", "SONY", Sirc12, 5, 7},
+    FlipperProtocol{"SIRC15", "SONY", Sirc15, 8, 7},
+    FlipperProtocol{"SIRC20", "SONY", Sirc20, 13, 7},
+    FlipperProtocol{"RC5", "RC5", Rc5, 5, 6},
+    FlipperProtocol{"RC5X", "RC5", Rc5x, 5, 7},
+    FlipperProtocol{"RCA", "RCA", RcaNibbles, 4, 8},
+    FlipperProtocol{"Kaseikyo", "KASEIKYO", KaseikyoBytes, 26, 10},
 };
 
 /// The lines of a key.
@@ -95,6 +97,15 @@ std::optional<std::uint32_t> LittleEndian(std::string_view text) {
   }
   if (bytes == 0) return std::nullopt;
   return value;
+}
+
+/// The format's own program refuses what a protocol has no room for.
+std::string WhyTooLarge(std::string_view field, std::uint32_t value, unsigned bits) {
+  if (value >> bits == 0) return {};
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), " %X (lowest byte first in the file), expected 0 to %X", value,
+                (1U << bits) - 1);
+  return "found " + std::string(field) + text.data();
 }
 
 class FlipperReader {
@@ -167,6 +178,12 @@ class FlipperReader {
     AddLengths(reading_, std::move(key.Key), std::move(lengths));
   }
 
+  static std::string WhyOutside(std::uint32_t address, unsigned addressBits, std::uint32_t command,
+                                unsigned commandBits) {
+    std::string why = WhyTooLarge("the address", address, addressBits);
+    return why.empty() ? WhyTooLarge("the command", command, commandBits) : why;
+  }
+
   void AddParsed(FlipperKey key) {
     key.Key.Protocol = key.Protocol;
     const std::optional<std::uint32_t> address = LittleEndian(key.Address);
@@ -176,20 +193,21 @@ class FlipperReader {
                                             ", expected up to four bytes in hex such as \"07 00 00 00\"");
       return;
     }
-    if (key.Protocol == "RC6") {
-      TakeRc6(0, DigitText().High(*address, 8).High(*command, 8).Take(), key.Key);
-      reading_.Add(std::move(key.Key));
-      return;
+    std::string why = "the protocol " + Quoted(key.Protocol) + " is not known";
+    if (SameNoCase(key.Protocol, "RC6")) {
+      why = WhyOutside(*address, 8, *command, 8);
+      if (why.empty()) TakeRc6(0, DigitText().High(*address, 8).High(*command, 8).Take(), key.Key);
     }
     for (const FlipperProtocol& protocol : kProtocols) {
       if (!SameNoCase(protocol.Name, key.Protocol)) continue;
+      why = WhyOutside(*address, protocol.AddressBits, *command, protocol.CommandBits);
+      if (!why.empty()) break;
       const Family& family = FamilyNamed(protocol.Family);
       key.Key.Coded = SignalOf(family, protocol.Digits(*address, *command));
       key.Key.Carrier = family.Carrier;
-      reading_.Add(std::move(key.Key));
-      return;
     }
-    reading_.Skip(std::move(key.Key), "the protocol " + Quoted(key.Protocol) + " is not known");
+    if (why.empty()) return reading_.Add(std::move(key.Key));
+    reading_.Skip(std::move(key.Key), std::move(why));
   }
 
   FileReading reading_;

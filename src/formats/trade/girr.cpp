@@ -211,7 +211,7 @@ void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) 
   }
   pugi::xml_document document;
   const pugi::xml_parse_result result =
-      document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+      document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_auto);
   if (!result) {
     const auto end =
         text.begin() + std::min<std::ptrdiff_t>(result.offset, static_cast<std::ptrdiff_t>(text.size()));
@@ -224,9 +224,10 @@ void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) 
 
 bool IsGirr(std::string_view text) {
   if (!Trimmed(text).starts_with('<')) return false;
-  return text.find("remote") != std::string_view::npos &&
-         (text.find("<command") != std::string_view::npos ||
-          text.find(":command") != std::string_view::npos || text.find("irr") != std::string_view::npos);
+  const auto has = [&](std::string_view word) { return text.find(word) != std::string_view::npos; };
+  const bool hasCommands = has("<command") || has(":command");
+  const bool hasSignals = has("raw") || has("ccf") || has("parameters");
+  return (has("remote") && (hasCommands || has("irr"))) || (hasCommands && hasSignals);
 }
 
 std::string Escaped(std::string_view text) {

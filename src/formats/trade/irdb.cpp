@@ -121,8 +121,11 @@ bool IsIrdb(std::string_view text) {
   std::string_view line;
   while (lines.Next(line)) {
     if (Trimmed(line).empty()) continue;
-    if (StartsNoCase(Trimmed(line), "functionname,protocol")) return true;
     std::vector<std::string> fields = FieldsOf(line);
+    if (fields.size() > 1 && SameNoCase(Trimmed(fields[0]), "functionname") &&
+        SameNoCase(Trimmed(fields[1]), "protocol")) {
+      return true;
+    }
     JoinName(fields, kColumns);
     return fields.size() == kColumns && !Trimmed(fields[1]).empty() && !NumberOf(Trimmed(fields[1])) &&
            NumberOf(Trimmed(fields[2])) && NumberOf(Trimmed(fields[3])) && NumberOf(Trimmed(fields[4]));

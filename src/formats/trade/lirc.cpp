@@ -38,9 +38,6 @@ constexpr std::array kFlags = {
     LircFlag{"REPEAT_HEADER", &LircRemote::RepeatHeader},
 };
 
-// Codings that are not two patterns.
-constexpr std::array<std::string_view, 6> kForeign = {"RCMM", "GRUNDIG", "BO", "SERIAL", "XMP", "GOLDSTAR"};
-
 struct PairField {
   std::string_view Name;
   Pulse LircRemote::*Field;
@@ -224,10 +221,11 @@ class LircReader {
       const std::size_t end = rest.find('|');
       const std::string_view name = Trimmed(rest.substr(0, end));
       rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-      if (const LircFlag* const flag = Find(kFlags, name)) remote_.*flag->Flag = true;
-      const bool foreign = std::any_of(kForeign.begin(), kForeign.end(),
-                                       [&](std::string_view other) { return SameNoCase(other, name); });
-      if (foreign) remote_.Foreign = name;
+      if (const LircFlag* const flag = Find(kFlags, name)) {
+        remote_.*flag->Flag = true;
+      } else if (!name.empty() && !SameNoCase(name, "SPACE_ENC")) {
+        remote_.Foreign = name;
+      }
     }
   }
 

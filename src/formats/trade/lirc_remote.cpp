@@ -115,9 +115,14 @@ bool HasHeadedRepeat(const LircRemote& remote) {
   return HasShortRepeat(remote) && ((remote.RepeatHeader && remote.Header.Mark > 0) || remote.Lead > 0);
 }
 
+/// What the time of a frame leaves out: a header that repeats have not.
+int UncountedTime(const LircRemote& remote) {
+  return remote.ConstLength && remote.NoHeadRepeat ? remote.Header.Mark + remote.Header.Space : 0;
+}
+
 Repeat RepeatOf(const LircRemote& remote) {
   Repeat again;
-  again.Gap = remote.Gap;
+  again.Gap = remote.Gap + UncountedTime(remote);
   again.FromStart = remote.ConstLength;
   again.Kind = remote.NoHeadRepeat ? RepeatKind::Body : RepeatKind::Frame;
   if (HasShortRepeat(remote)) {
@@ -174,9 +179,11 @@ std::string WhyNone(const LircRemote& remote, const LircCode& code) {
   if (!remote.Driver.empty())
     return "its codes are those of the device " + remote.Driver + ", without lengths";
   if (remote.Raw) return code.Lengths.empty() ? "there are no lengths" : "";
-  if (!remote.Foreign.empty()) return "the coding " + remote.Foreign + " is not known";
+  if (!remote.Foreign.empty()) return "the flag " + remote.Foreign + " is not known";
   if (remote.One.Mark == 0 && remote.Zero.Mark == 0)
     return "the remote has no \"one\" and \"zero\", so no lengths";
+  if (!remote.Rc5 && !remote.Rc6 && remote.One == remote.Zero)
+    return R"("one" and "zero" are the same, and no flag tells them apart)";
   if (remote.Bits < 1 || remote.Bits > kMostLircBits || remote.PreBits > kMostLircBits ||
       remote.PostBits > kMostLircBits) {
     return "found " + std::to_string(remote.Bits) + " bits, expected 1 to " + std::to_string(kMostLircBits);
@@ -221,8 +228,9 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
     PulseTrain::size_type start = 0;
     const auto append = [&](const std::string& own, bool isFirst) {
       // The further values of a key are sent as repeats.
-      Append(lengths, remote.Gap, remote.ConstLength,
-             sender.Frame(WithToggle(own, toggles, toggle), !isFirst), start);
+      const int gap = remote.Gap + (start == 0 ? UncountedTime(remote) : 0);
+      Append(lengths, gap, remote.ConstLength, sender.Frame(WithToggle(own, toggles, toggle), !isFirst),
+             start);
     };
     for (const std::uint64_t value : code.Values) {
       if (lengths.size() > kMostLengths) break;

@@ -23,7 +23,7 @@ struct LircRemote {
   std::string Name, Driver;
   bool Rc5 = false, Rc6 = false, SpaceFirst = false, Raw = false, Reverse = false;
   bool NoHeadRepeat = false, NoFootRepeat = false, ConstLength = false, RepeatHeader = false;
-  std::string Foreign;  // a flag for a coding that two patterns do not hold
+  std::string Foreign;  // a flag that is not known, or of a coding that two patterns do not hold
 
   Pulse Header, One, Zero, Foot, Repeat, Pre, Post;
   int Lead = 0, Trail = 0;

@@ -141,7 +141,10 @@ class LircWriter {
     if (biphase) text_ += NumberLine("plead", code.One.Mark);
     if (code.Tail > 0) text_ += NumberLine("ptrail", code.Tail);
     if (again.Kind == RepeatKind::Short) text_ += PairLine("repeat", again.ShortSync);
-    text_ += NumberLine("gap", again.Gap > 0 ? again.Gap : kUsualLircGap);
+    // A header that repeats have not does not count.
+    const bool uncounted = again.Kind == RepeatKind::Body && again.FromStart;
+    const int gap = again.Gap - (uncounted ? code.Sync.Mark + code.Sync.Space : 0);
+    text_ += NumberLine("gap", gap > 0 ? gap : kUsualLircGap);
     if (biphase) text_ += "  toggle_bit_mask 0x800\n";
     if (signal.Toggle && !biphase) text_ += NumberLine("toggle_bit", static_cast<int>(*signal.Toggle) + 1);
     if (again.Kind == RepeatKind::None || again.Kind == RepeatKind::Unknown) {

@@ -198,6 +198,11 @@ bool IsPronto(std::string_view text) {
   return false;
 }
 
+/// A name that would be read without what stands around it gets more of it.
+std::string ProntoName(const std::string& name) {
+  return NameIn(name + ':') == name ? name : '<' + name + '>';
+}
+
 std::string WritePronto(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
   std::string text;
   std::size_t number = 0;
@@ -210,7 +215,8 @@ std::string WritePronto(const std::vector<Remote>& remotes, std::vector<Complain
         LeaveOut(told, key, "it has more lengths than the format takes");
         continue;
       }
-      text += (key.Name ? OnOneLine(*key.Name) + ": " : std::string()) + code + '\n';
+      if (key.Name) text += ProntoName(OnOneLine(*key.Name)) + ": ";
+      text += code + '\n';
     }
   }
   return text;

@@ -193,11 +193,19 @@ std::string_view FirstLine(std::string_view text) {
   return {};
 }
 
+/// Some programs tell first, in words, what they listen to.
 bool IsPulses(std::string_view text) {
-  std::string_view rest = FirstLine(text);
-  const std::string_view word = TakeWord(rest);
+  constexpr int kLinesAhead = 5;
   constexpr std::array<std::string_view, 5> kWords = {"pulse", "space", "timeout", "carrier", "scancode"};
-  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+  Lines lines(text);
+  std::string_view line;
+  for (int ahead = 0; ahead <= kLinesAhead && lines.Next(line);) {
+    line = Trimmed(WithoutComment(line));
+    const std::string_view word = TakeWord(line);
+    if (std::find(kWords.begin(), kWords.end(), word) != kWords.end()) return true;
+    if (!word.empty()) ++ahead;
+  }
+  return false;
 }
 
 bool IsSigned(std::string_view text) {

@@ -197,7 +197,8 @@ bool IsSmartIr(std::string_view text) {
 }
 
 /// Names with a slash become a tree again.
-void PutCode(Json& tree, std::string_view name, std::string code) {
+/// @return the name that the code got
+std::string PutCode(Json& tree, std::string_view name, std::string code) {
   Json* node = &tree;
   constexpr std::size_t kDeepestTree = 20;
   for (std::size_t depth = 0; depth < kDeepestTree; ++depth) {
@@ -212,6 +213,7 @@ void PutCode(Json& tree, std::string_view name, std::string code) {
   for (int number = 2; node->contains(free); ++number)
     free = std::string(name) + " (" + std::to_string(number) + ')';
   (*node)[free] = std::move(code);
+  return free;
 }
 
 std::string WriteSmartIr(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
@@ -233,7 +235,10 @@ std::string WriteSmartIr(const std::vector<Remote>& remotes, std::vector<Complai
         LeaveOut(told, key, "it has more lengths than the format takes");
         continue;
       }
-      PutCode(root["commands"], NameFor(key, number), std::move(code));
+      const std::string name = NameFor(key, number);
+      const std::string put = PutCode(root["commands"], name, std::move(code));
+      if (!name.ends_with(put))
+        TellOnce(told, "a second key of the name " + Quoted(name) + " is written as " + Quoted(put));
     }
   }
   if (remotes.size() > 1) TellOnce(told, "the format keeps one remote a file; all keys are written as one");
