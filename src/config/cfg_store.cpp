@@ -170,8 +170,7 @@ void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
         failure.Number(),
         store.Path.string() + " is saved, but a power cut may bring the old file back: " + failure.what());
   }
-  // A text that was put aside may have commands of its own, which somebody still wants to take over.
-  if (aside.empty()) raw.DropLost();
+  raw.DropLost();
 }
 
 }  // namespace

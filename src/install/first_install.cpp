@@ -42,6 +42,15 @@ bool IsNew(const std::filesystem::path& appPath) {
   return !IsThere(appPath / ShippedFiles()[0].Name) && !IsThere(appPath / kDatabaseFile);
 }
 
+/// CreateFile, whose failures tell of a file that nobody knows.
+bool BringFile(FileSystem& files, const std::filesystem::path& file, std::string_view bytes) try {
+  return CreateFile(files, file, bytes);
+} catch (const Failure& failure) {
+  if (failure.Number() == EWOULDBLOCK) throw;
+  const Failure told = CannotBeWritten(file, failure);
+  throw Failure(told.Number(), std::string(told.what()) + ". Check the folder and the room on its disk.");
+}
+
 /// @return false if another first start has made it meanwhile
 bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) try {
   CreateEventTable(database, files);
@@ -56,11 +65,11 @@ bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) tr
 std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
   const std::filesystem::path unfinished = appPath / kUnfinishedFile;
-  if (IsNew(appPath)) CreateFile(files, unfinished, kUnfinishedText);
+  if (IsNew(appPath)) BringFile(files, unfinished, kUnfinishedText);
   std::vector<std::string> brought;
   for (const ShippedFile& shipped : ShippedFiles()) {
     const std::filesystem::path file = appPath / shipped.Name;
-    if (!IsThere(file) && CreateFile(files, file, shipped.Bytes)) brought.emplace_back(shipped.Name);
+    if (!IsThere(file) && BringFile(files, file, shipped.Bytes)) brought.emplace_back(shipped.Name);
   }
   const std::filesystem::path database = appPath / kDatabaseFile;
   if (!IsThere(database) && CreateDatabase(files, database)) brought.emplace_back(kDatabaseFile);

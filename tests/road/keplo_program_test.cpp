@@ -157,6 +157,10 @@ TEST(KeploProgram, TellsWhatCouldNotBeWritten) {
   }
   const Ran limited = RunShell("ulimit -f 1; '" KEPLO_PROGRAM "' settings COMPORT 3" + install.Option());
   EXPECT_EQ(limited.Status, 3) << limited.Err;
+  ExpectPart(
+      RunShell("ulimit -f 4; '" KEPLO_PROGRAM "' install --app-path '" + install.File("new").string() + "'")
+          .Err,
+      "new/inkeplo.ico cannot be written: File too large. Check the folder");
   EXPECT_EQ(install.Config(), full);
 }
 
