@@ -164,6 +164,21 @@ TEST(Remotes, ComeBackFromEachFormat) {
   }
 }
 
+TEST(Remotes, SendFurtherValuesOfALircKeyAsRepeatsThatAreNotTurned) {
+  const RemoteFile file = ReadRemotes(
+      "begin remote\nname r\nbits 2\nflags SPACE_ENC|REVERSE|NO_HEAD_REP\none 500 1500\nzero 500 400\n"
+      "ptrail 500\nheader 9000 4000\ngap 40000\nbegin codes\nA 1 1\nend codes\nend remote\n",
+      "x");
+  RemoteKey key = KeysOf(file).front();
+  EXPECT_EQ(key.Lengths, (PulseTrain{9000, 4000, 500, 1500, 500, 400, 500, 40000, 500, 400, 500, 1500, 500}));
+  key.Toggled = key.Lengths;
+  for (const auto& [format, complaints] : {std::pair("pronto", 1U), {"girr", 0U}}) {
+    std::vector<Complaint> told;
+    WriteRemotes(format, {{"r", {key}}}, told);
+    EXPECT_EQ(told.size(), complaints) << format << " keeps one form of two";
+  }
+}
+
 std::string Told(const RemoteFile& file) {
   std::string text;
   for (const Complaint& complaint : file.Complaints) text += complaint.Message() + '\n';
