@@ -21,6 +21,7 @@ struct DecodedPress {
 
   /// Whether it is a clean signal that no code was read of.
   bool CouldBeRaw = false;
+  std::string Alike = {};  // of two raw commands that it could be, a sentence; mostly empty
 
   bool HasCode() const { return Reading.HasCode(); }
   bool HasDigits() const { return HasCode() || Reading.Ended == Stage::Length; }
@@ -55,6 +56,7 @@ std::string ToText(const DecodedPress& press) {
   text += "no code: " + DescribeStage(reading.Ended);
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
   if (alone) return text + ", its digits are " + reading.Digits + std::string(kCodeOffer);
+  if (!press.Alike.empty()) return text + "; " + press.Alike;
   return press.CouldBeRaw ? text.append(kRawOffer) : text;
 }
 
@@ -65,6 +67,7 @@ void AskCommands(const OpenedConfig* config, SignalState& state, DecodedPress& p
   if (config != nullptr) ProveByLearning(config->Mod.Store, press.Reading);
   if (config != nullptr) AskRawCommands(config->Mod.Store, state, press.Reading);
   if (press.Reading.HasCode()) return;
+  if (config != nullptr) press.Alike = AlikeRawText(config->Mod.Store, state);
   press.CouldBeRaw = FindLevels(HeardIn(state)).has_value();
 }
 

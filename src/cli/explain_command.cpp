@@ -70,7 +70,8 @@ struct Explanation {
   std::vector<LengthGroup> Marks, Spaces;
   double Milliseconds = 0;
   bool AllLight = false, Cut = false;
-  std::string Raw;  // what the raw commands make of it; empty without any
+  std::string Raw;    // what the raw commands make of it; empty without any
+  std::string Alike;  // of two of them that it could be, a sentence; mostly empty
   std::string Reading, KnownAs, Advice;
   bool HasCode = false;
 };
@@ -160,9 +161,12 @@ std::string RawText(const OpenedConfig& config, SignalState& state) {
   if (index.Empty()) return {};
   const RawMatch match = index.Find(HeardIn(state));
   if (match.Digits.empty()) return "none of " + std::to_string(index.Size()) + " fits";
-  const auto found = FindCommand(config.Text(), match.Digits, /*limit=*/0, Analysis::Second);
-  const std::string name = found ? found->Protocol + "&" + found->Command : "G" + std::string(match.Digits);
-  return match.Alone ? name + " fits" : name + " fits, and another one nearly as well: none is taken";
+  const auto nameOf = [&](std::string_view digits) {
+    const auto found = FindCommand(config.Text(), digits, /*limit=*/0, Analysis::Second);
+    return found ? found->Protocol + "&" + found->Command : "G" + std::string(digits);
+  };
+  const std::string fits = nameOf(match.Digits) + " fits";
+  return match.Alone ? fits : fits + ", and " + nameOf(match.Other) + " nearly as well: none is taken";
 }
 
 std::string AdviceOn(const Explanation& press, const MonitorReading& reading, Analysis analysis, bool isClean,
@@ -174,6 +178,7 @@ std::string AdviceOn(const Explanation& press, const MonitorReading& reading, An
            TypedCommand("settings ITYPE NUMBER", appPath);
   }
   if (reading.HasCode()) return press.KnownAs.empty() ? "Learn it: " + learn : "";
+  if (!press.Alike.empty()) return press.Alike + ": " + TypedCommand("forget 'SECTION&NAME'", appPath);
   const bool isAlone = !reading.Digits.empty() && reading.Ended == Stage::Doubtful;
   if (isClean && !isAlone && analysis == Analysis::Second) {
     return "The lengths are clean and can be stored as a raw command: " + learn;
@@ -204,6 +209,7 @@ Explanation Explain(const Press& press, const PressOptions& options, Analysis an
   if (analysis == Analysis::Second && config != nullptr) {
     AskRawCommands(config->Mod.Store, state, reading);
     told.Raw = RawText(*config, state);
+    told.Alike = AlikeRawText(config->Mod.Store, state);
   }
   told.HasCode = reading.HasCode();
   told.KnownAs = NameOf(config, reading);

@@ -36,18 +36,26 @@ struct RecordOptions : PressOptions {
 struct RawPress {
   std::size_t Lengths = 0;  // of a clean signal; 0 without one, or with a code
   std::string KnownAs, Digits;
+  std::string Offer;  // what can be done with one that is not known, behind the reason; mostly empty
 };
 
 RawPress AskRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
   RawPress press;
   const HeardLengths heard = HeardIn(state);
-  if (!isRead && FindLevels(heard)) press.Lengths = heard.Runs.size();
+  if (!isRead && FindLevels(heard)) {
+    press.Lengths = heard.Runs.size();
+    press.Offer = kRawOffer;
+  }
   if (config == nullptr) return press;
   const RawMatch match = config->Mod.Store.Raw.Index.Find(heard);
   const auto found = match.Alone
                          ? keplo::FindCommand(config->Text(), match.Digits, /*limit=*/0, Analysis::Second)
                          : std::nullopt;
-  if (found) press = {heard.Runs.size(), found->Protocol + "&" + found->Command, std::string(match.Digits)};
+  if (found) {
+    press = {heard.Runs.size(), found->Protocol + "&" + found->Command, std::string(match.Digits), {}};
+  } else if (const std::string alike = AlikeRawText(config->Mod.Store, state); !isRead && !alike.empty()) {
+    press.Offer = "; " + alike;
+  }
   return press;
 }
 
@@ -138,9 +146,8 @@ PressRow Explain(const std::string& capture, double sampleTime, Analysis analysi
   if (json != nullptr) Describe(reading, knownAs, *json);
   if (json != nullptr) DescribeRaw(raw, *json);
   if (!raw.KnownAs.empty()) return PressRow{true, json == nullptr ? ToText(raw) : "", "", {}};
-  const std::string offer(raw.Lengths > 0 ? kRawOffer : "");
-  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs) + offer, "", {}};
-  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason + offer, {}};
+  if (json == nullptr) return PressRow{reason.empty(), ToText(reading, knownAs) + raw.Offer, "", {}};
+  return PressRow{reason.empty(), "", reason.empty() ? "" : "no code: " + reason + raw.Offer, {}};
 }
 
 int RecordFiles(const RecordOptions& options) {

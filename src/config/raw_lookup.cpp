@@ -74,6 +74,17 @@ std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& s
   return match.Alone ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
+std::string AlikeRawText(const CfgStore& store, SignalState& signal) {
+  const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
+  if (!match.IsClose || match.Alone) return {};
+  const auto nameOf = [&](std::string_view digits) {
+    const auto found = FindCommand(store.CfgText, digits, 0, Analysis::Second);
+    return found ? found->Protocol + "&" + found->Command : "G" + std::string(digits);
+  };
+  return "it fits " + nameOf(match.Digits) + " and " + nameOf(match.Other) +
+         " alike, so that it is neither: press again, and if it stays so, delete one of the two";
+}
+
 void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
   if (reading.Ended != Stage::Doubtful || reading.Digits.empty()) return;
   if (FindCommand(store.CfgText, reading.Digits, 0, Analysis::Second)) reading.Ended = Stage::Code;

@@ -19,6 +19,10 @@ HeardLengths HeardIn(SignalState& signal);
 /// The raw command that fits the capture that was read last, and no other one; none if there is no such.
 std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal);
 
+/// What to tell of the capture that was read last if two raw commands fit it alike, so that it is neither and
+/// cannot be learned: which they are, and what to do. Empty for any other.
+std::string AlikeRawText(const CfgStore& store, SignalState& signal);
+
 /// A frame that proves too little by itself is a code if the very same was learned.
 void ProveByLearning(const CfgStore& store, MonitorReading& reading);
 

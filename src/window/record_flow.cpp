@@ -226,6 +226,10 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
   if (HasCode(reading) &&
       (reading.ReadBy == Analysis::First || FitsMonitorCapture(mod_.Signal.RawCapture, reading.Code)))
     return false;
+  if (const std::string alike = AlikeRawText(store, mod_.Signal); !alike.empty()) {
+    told_ = "No code: " + alike + ".";
+    return false;
+  }
   RawSignal signal;
   const HeardLengths heard = HeardIn(mod_.Signal);
   if (!rawLesson_.Hear(heard, place_)) return false;

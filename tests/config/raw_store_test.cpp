@@ -74,6 +74,24 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";
 }
 
+TEST_F(RawStored, TellsOfTwoThatAreTooMuchAlike) {
+  RawSignal other = kCool, between = kCool;
+  other.Digits = kHeat.Digits;
+  for (const auto& [place, longer] : {std::pair(7U, 220), {11, -220}, {15, 220}, {19, -220}}) {
+    other.Forms[0][place] += longer;
+    between.Forms[0][place] += longer / 2;
+  }
+  Learn(kCool, "COOL");
+  Learn(other, "ICE");
+  for (const auto& [signal, alike] : {std::pair(kCool, false), {other, false}, {between, true}}) {
+    SignalState state;
+    state.Samples.Read(CaptureOfLengths(signal.Forms.front()));
+    const std::string told = AlikeRawText(store_, state);
+    EXPECT_EQ(told.find("AC&COOL") != told.find("AC&ICE"), alike) << told;
+    EXPECT_EQ(Heard(store_, signal).empty(), alike);
+  }
+}
+
 TEST_F(RawStored, TakesNewLengthsOfOldDigits) {
   Learn(kCool, "COOL");
   const std::string old = stored_.Disk.Files()[kFile];

@@ -27,11 +27,15 @@ struct RawIndex::Search {
   struct Best {
     std::optional<std::size_t> Signal = {};
     RawFit Fit = {};
+    std::size_t Other = 0;                           // the signal that Next is of
     float Next = std::numeric_limits<float>::max();  // Squares of the best one of another signal
 
     void Take(std::size_t signal, const RawFit& fit) {
       const bool better = !Signal || fit.Squares < Fit.Squares;
-      if (Signal && *Signal != signal) Next = std::min(Next, better ? Fit.Squares : fit.Squares);
+      if (Signal && *Signal != signal && (better || fit.Squares < Next)) {
+        Other = better ? *Signal : signal;
+        Next = better ? Fit.Squares : fit.Squares;
+      }
       if (!better) return;
       Signal = signal;
       Fit = fit;
@@ -95,7 +99,9 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
   }
   const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
   if (!best.Signal) return {};
-  return {signals_[*best.Signal], best.IsAlone(), best.Fit.IsClose};
+  RawMatch match{signals_[*best.Signal], {}, best.IsAlone(), best.Fit.IsClose};
+  if (!match.Alone) match.Other = signals_[best.Other];
+  return match;
 }
 
 }  // namespace keplo

@@ -14,7 +14,8 @@ namespace keplo {
 /// What a search found.
 struct RawMatch {
   std::string_view Digits;  // of the command that fits best; empty if there is none
-  bool Alone = false;       // no other one fits nearly as well
+  std::string_view Other;   // of one that fits nearly as well; empty if there is none
+  bool Alone = false;       // there is a command that fits, and no other one nearly as well
   bool IsClose = false;     // it fits as near as two hearings without jitter are
 };
 
