@@ -12,6 +12,7 @@
 #include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
+#include "config/protocol_edit.h"
 #include "config/raw_lookup.h"
 #include "config/read_settings.h"
 #include "formats/recording.h"
@@ -19,6 +20,7 @@
 #include "program/app_path.h"
 #include "program/line_options.h"
 #include "program/printable.h"
+#include "remotes/heard_code.h"
 #include "signal/recorded_press.h"
 #include "signal/sample_time.h"
 #include "signal/stage_text.h"
@@ -42,7 +44,7 @@ struct HeardKey {
   std::set<std::string> Codes;  // of all presses that have one
   keplo::Validation Validation;
   bool IsConfirmed = false;  // the code, by any of the presses
-  bool IsShort = false;      // the code, so that the monitor captures all of it
+  bool IsReadAgain = false;  // the code, by the monitor
   bool Known = false;
   RawLesson Raw;
   std::optional<FoundCommand> LikeRaw;  // a raw command that a press fits
@@ -75,11 +77,11 @@ void HearRaw(const Press& press, const std::string& place, LineOptions line, con
 
 bool IsHeardByMonitor(const Press& press, LineOptions line, const CfgStore& store,
                       const RecordReading& read) {
-  if (read.ReadBy == Analysis::First) return true;
   Settings settings;
   ReadSettings(store, settings);
+  if (settings.Analysis == Analysis::First) return true;
   line.SampleTime = SampleTimeOf(settings.ProcDelay);
-  return FitsMonitorCapture(CaptureOfPress(press, kRecordCaptureBytes, line), read.Code);
+  return IsReadByMonitor(CaptureOfPress(press, kRecordCaptureBytes, line), read.Code);
 }
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
@@ -101,7 +103,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
       key.Known = LookupCommand(store, code, key.Last.ProtoKind, key.Last.ReadBy);
       Validate(key.Validation, {code, place}, SentTwice(press, line, code, analysis), key.Known);
       key.IsConfirmed = key.IsConfirmed || key.Validation.CmdValidated;
-      key.IsShort = key.IsShort || IsHeardByMonitor(press, line, store, key.Last);
+      key.IsReadAgain = key.IsReadAgain || IsHeardByMonitor(press, line, store, key.Last);
     }
   }
   return key;
@@ -149,6 +151,17 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
   if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code, key.Last.ReadBy));
 }
 
+/// Any section takes a code that is to be heard; not each can send it.
+void TellOtherSending(std::string_view text, const std::string& protocol, const RecordReading& read) try {
+  const std::optional<ProtocolDraft> draft = LoadProtocol(text, protocol);
+  if (read.ReadBy == Analysis::First || !draft) return;
+  if (KindHeard({draft->ProtoKind, draft->Params}, read.Code) == read.ProtoKind) return;
+  Tell("what [" + protocol +
+       "] sends for it is not heard as this code; to send it, learn it in a protocol of its own kind");
+} catch (const Failure& unsendable) {
+  Tell(unsendable.what());
+}
+
 /// Why the presses cannot be learned as lengths, for a person; empty if they can.
 std::string WhyNoRawCommand(const HeardKey& key) {
   constexpr std::size_t kMostForms = 4;  // a digit or two that change from press to press
@@ -161,16 +174,39 @@ std::string WhyNoRawCommand(const HeardKey& key) {
   return {};
 }
 
+/// Whether the presses were heard often enough for a raw command.
+bool IsRawConfirmed(const RawLesson& lesson) {
+  const std::vector<RawLesson::Form>& forms = lesson.Forms();
+  return forms.size() == 1 ? forms.front().IsConfirmed() : lesson.AreTurns();
+}
+
+/// Whether the lengths are stored without --raw: where no press has a code that would be heard, or where they
+/// prove each other and a code does not.
+bool IsOfLengths(const HeardKey& key) {
+  if (!key.IsClean) return false;
+  if (!key.IsReadAgain || HasTogglingCode(key)) return true;
+  const bool isUnproven = !WhyNoCode(key.Last).empty() || (!key.IsConfirmed && !key.Known);
+  return key.Codes.size() < 2 && isUnproven && WhyNoRawCommand(key).empty() && IsRawConfirmed(key.Raw);
+}
+
+/// What to do about presses that make no command of a code.
+std::vector<std::string> AdviceOn(const HeardKey& key, Analysis analysis, const std::string& appPath) {
+  if (!key.IsClean || !WhyNoRawCommand(key).empty()) return {};
+  if (analysis == Analysis::Second) return {"With --raw the lengths of such presses are stored."};
+  return {"The second look can read it or learn its lengths: " +
+          TypedCommand("settings ANALYSIS 1", appPath)};
+}
+
 void StoreRaw(const CommandReference& reference, const HeardKey& key, CfgStore& store, RawSignal& signal) {
   Require(CheckProtocol(reference.Protocol));
   const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
   signal = DrawRawSignal(store.CfgText, forms);
   const bool isNew = !FindLikeRawCommand(store, signal);
-  const bool single = forms.size() == 1;
-  if (isNew && !(single ? forms.front().IsConfirmed() : key.Raw.AreTurns())) {
-    throw Refused(RefusalText({Refusal::NotValidated, {}}),
-                  {single ? "give recordings of two presses"
-                          : "the presses differ; give two of each in turns, if all are of the same key"});
+  if (isNew && !IsRawConfirmed(key.Raw)) {
+    throw Refused(
+        RefusalText({Refusal::NotValidated, {}}),
+        {forms.size() == 1 ? "give recordings of two presses"
+                           : "the presses differ; give two of each in turns, if all are of the same key"});
   }
   const LearnResult result = AddRawCommand(store, reference.Protocol, signal, reference.Command);
   if (result.Refused == Refusal::CodeExists) throw Refused(RefusalText(result), {result.Reason});
@@ -197,7 +233,7 @@ int LearnRaw(CommandReference reference, const HeardKey& key, OpenedConfig& conf
   if (signal.Forms.size() > 1) {
     std::cout << "; the remote sends " << signal.Forms.size() << " forms in turn, which are all stored";
   }
-  if (!key.Codes.empty() && !key.IsShort) std::cout << "; its code is longer than what the monitor captures";
+  if (!key.Codes.empty() && !key.IsReadAgain) std::cout << "; the monitor does not read its code";
   if (!IsHeardAsRaw(config.Mod.Store.Raw.Index, signal)) std::cout << "; " << kNotHeardAsRaw;
   std::cout << '\n';
   return kDone;
@@ -208,19 +244,21 @@ int Learn(const LearnOptions& options) {
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
   const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
-  const bool asRaw = options.Raw || (key.IsClean && (!key.IsShort || HasTogglingCode(key)));
+  const bool asRaw = options.Raw || IsOfLengths(key);
   if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
   if (options.Raw) {
     throw Refused("Raw commands are heard with the second look alone; " +
                   TypedCommand("settings ANALYSIS 1", options.AppPath) + " turns it on");
   }
-  if (const std::string reason = WhyNoCommand(key); !reason.empty()) throw Refused(reason);
+  if (const std::string reason = WhyNoCommand(key); !reason.empty())
+    throw Refused(reason, AdviceOn(key, AnalysisOf(config), options.AppPath));
   config.Change([&](CfgStore& store) {
     reference.Protocol = ProtocolAsStored(store.CfgText, reference.Protocol);
     Store(reference, key, store);
     reference = AsStored(store.CfgText, reference);
   });
   std::cout << Printable(reference.Text()) << " learned: G" << key.Last.Code << '\n';
+  TellOtherSending(config.Text(), reference.Protocol, key.Last);
   return kDone;
 }
 

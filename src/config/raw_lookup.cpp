@@ -39,14 +39,14 @@ RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
 
 }  // namespace
 
-MonitorReading MonitorReadingOf(const RawLengths& lengths) {
-  SignalState heard;
+MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard) {
   return ReadCapture(MonitorCaptureOf(lengths), heard, Analysis::Second);
 }
 
 std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms) {
+  SignalState heard;
   for (const RawLengths& form : forms) {
-    if (auto found = CommandOf(text, MonitorReadingOf(form))) return found;
+    if (auto found = CommandOf(text, MonitorReadingOf(form, heard))) return found;
   }
   return std::nullopt;
 }

@@ -35,7 +35,8 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);
 
 /// What the monitor reads of lengths, before it asks the raw commands.
-MonitorReading MonitorReadingOf(const RawLengths& lengths);
+/// @param heard takes how it was measured
+MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard);
 
 /// A command whose code the monitor reads of one of the forms of a signal, so that it never asks the raw
 /// ones.

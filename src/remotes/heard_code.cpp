@@ -114,9 +114,11 @@ std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths) {
   return HeardCode{*std::move(section), heard.Code, heard.SendAs};
 }
 
-bool IsHeard(const SectionSignal& section, const std::string& digits) {
-  const MonitorReading heard = MonitorReadingOf(SentPress(section, digits));
-  return (heard.HasCode() || heard.Ended == Stage::Doubtful) && heard.Digits == digits;
+std::optional<std::int16_t> KindHeard(const SectionSignal& section, const std::string& digits) {
+  SignalState state;
+  const MonitorReading heard = MonitorReadingOf(SentPress(section, digits), state);
+  const bool isRead = (heard.HasCode() || heard.Ended == Stage::Doubtful) && heard.Digits == digits;
+  return isRead ? std::optional(state.Measured.ProtoKind) : std::nullopt;
 }
 
 }  // namespace keplo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -20,7 +21,12 @@ struct HeardCode {
 /// @return none for what is read otherwise or not at all
 std::optional<HeardCode> HeardCodeOf(const PulseTrain& lengths);
 
-/// Whether the monitor reads the digits of a command that was learned from what its section sends.
-bool IsHeard(const SectionSignal& section, const std::string& digits);
+/// The line code in which the monitor reads the digits of a command that was learned from what its section
+/// sends; none if it reads others.
+std::optional<std::int16_t> KindHeard(const SectionSignal& section, const std::string& digits);
+
+inline bool IsHeard(const SectionSignal& section, const std::string& digits) {
+  return KindHeard(section, digits).has_value();
+}
 
 }  // namespace keplo

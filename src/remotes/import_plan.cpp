@@ -178,8 +178,9 @@ class Planner {
 
   /// Whether the monitor reads the code of a command of a signal, so that it never asks the raw ones.
   bool IsReadAsCode(const std::vector<RawLengths>& forms, std::size_t place) {
+    SignalState heard;
     for (const RawLengths& form : forms) {
-      const MonitorReading read = MonitorReadingOf(form);
+      const MonitorReading read = MonitorReadingOf(form, heard);
       if (!read.HasCode() && read.Ended != Stage::Doubtful) continue;
       const auto met = codes_.Meets(read.Digits);
       // A code that the first analysis has read is that of the command whose code begins with it.

@@ -5,7 +5,6 @@
 
 #include "signal/capture_trim.h"
 #include "signal/decode.h"
-#include "signal/raw/raw_signal.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {
@@ -123,11 +122,11 @@ MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysi
   return reading;
 }
 
-bool FitsMonitorCapture(std::string_view recording, std::string_view code) {
+bool IsReadByMonitor(std::string_view recording, std::string_view code) {
   SignalState state;
   const MonitorReading reading =
       ReadCapture(recording.substr(0, kMonitorCaptureBytes), state, Analysis::Second);
-  return reading.Digits == code || !HeardIn(state.Runs.Read(state.Samples)).Cut;
+  return reading.Digits == code && (reading.Ended != Stage::Length || reading.ReadBy == Analysis::Second);
 }
 
 }  // namespace keplo

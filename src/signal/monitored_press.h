@@ -78,8 +78,9 @@ void ReadCapture(std::string_view capture, SignalState& state, Analysis analysis
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis = Analysis::First);
 
 /// Whether the second look reads the code of a recording in what the monitor captures of it, too: a frame of
-/// some air conditioners outlasts such a capture, which is shorter.
+/// some air conditioners outlasts such a capture, which is shorter, and not each number of digits is a code
+/// to the monitor.
 /// @param recording samples from the first mark on
-bool FitsMonitorCapture(std::string_view recording, std::string_view code);
+bool IsReadByMonitor(std::string_view recording, std::string_view code);
 
 }  // namespace keplo

@@ -223,9 +223,7 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
     SelectCurrent();
     return true;
   }
-  if (HasCode(reading) &&
-      (reading.ReadBy == Analysis::First || FitsMonitorCapture(mod_.Signal.RawCapture, reading.Code)))
-    return false;
+  if (HasCode(reading) && IsReadByMonitor(mod_.Signal.RawCapture, reading.Code)) return false;
   if (const std::string alike = AlikeRawText(store, mod_.Signal); !alike.empty()) {
     told_ = "No code: " + alike + ".";
     return false;
