@@ -16,6 +16,8 @@ constexpr int kPerhapsGap = 700;
 /// By how much the sum of squared differences of the next signal is larger, square microseconds: one length
 /// that is off by 120 us more.
 constexpr float kFarBehind = 120 * 120;
+/// The same, in mean squares of what the lengths are off by: jitter alone makes so much once in 30,000 times.
+constexpr float kFarInMeans = 16;
 
 /// Looks at the line are 2 ms apart, in which up to two marks with their spaces may have passed.
 constexpr std::size_t kMostLost = 4;
@@ -40,7 +42,11 @@ struct RawIndex::Search {
       Signal = signal;
       Fit = fit;
     }
-    bool IsAlone() const { return Next - Fit.Squares >= kFarBehind; }
+    /// @param lengths that were compared
+    bool IsAlone(std::size_t lengths) const {
+      return Next - Fit.Squares >=
+             std::max(kFarBehind, kFarInMeans * Fit.Squares / static_cast<float>(lengths));
+    }
   };
 
   const HeardLengths& Heard;
@@ -99,7 +105,7 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
   }
   const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
   if (!best.Signal) return {};
-  RawMatch match{signals_[*best.Signal], {}, best.IsAlone(), best.Fit.IsClose};
+  RawMatch match{signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose};
   if (!match.Alone) match.Other = signals_[best.Other];
   return match;
 }

@@ -104,6 +104,15 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
 
 }  // namespace
 
+void RawLesson::TakeMean(Form& form, const RawLengths& press) {
+  RawLengths& mean = form.Signal.Lengths;
+  for (std::size_t i = 0; i < std::min(mean.size(), press.size()); ++i) {
+    const double sum = static_cast<double>(mean[i]) * form.Presses + press[i];
+    // The first mark may have begun ahead of a recording.
+    mean[i] = i == 0 ? std::max(mean[0], press[0]) : static_cast<int>(std::lround(sum / (form.Presses + 1)));
+  }
+}
+
 bool RawLesson::Hear(const HeardLengths& press, const std::string& place) {
   if (const auto again = places_.find(place); again != places_.end()) {
     last_ = again->second;
@@ -119,7 +128,11 @@ bool RawLesson::Hear(const HeardLengths& press, const std::string& place) {
   order_.push_back(last_);
   if (!place.empty()) places_[place] = last_;
   const bool repeats = SendsFrameTwice(heard, signal->Lengths);
-  if (known == forms_.end()) forms_.push_back({std::move(*signal)});
+  if (known == forms_.end()) {
+    forms_.push_back({std::move(*signal)});
+  } else {
+    TakeMean(*known, signal->Lengths);
+  }
   Form& form = forms_[last_];
   ++form.Presses;
   form.Repeats = form.Repeats || repeats;

@@ -46,6 +46,10 @@ class RawLesson {
   bool AreTurns() const;
 
  private:
+  /// Takes the lengths of a further press into those of its form: jitter that stayed in them would tell keys
+  /// apart that are the same, and hide what does.
+  static void TakeMean(Form& form, const RawLengths& press);
+
   std::vector<Form> forms_;
   std::vector<std::size_t> order_;             // forms of the presses
   std::size_t last_ = 0;                       // the form that was heard last, be it again
