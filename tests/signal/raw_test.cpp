@@ -134,8 +134,10 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
   Ear ear;
   RunVector runs = Silent(Frame(kKey));
   EXPECT_EQ(index.Find(ear.Hear(runs)).Digits, "key");
-  ++runs[9];
-  EXPECT_FALSE(index.Find(ear.Hear(runs)).Alone) << "in the middle between two";
+  RunVector jittered = runs;
+  for (std::size_t i = 10; i + 1 < runs.size(); ++i) jittered[i] += i % 4 < 2 ? 1 : -1;
+  EXPECT_TRUE(index.Find(ear.Hear(runs)).Alone && !index.Find(ear.Hear(jittered)).Alone)
+      << "by 150 us in one";
 }
 
 TEST(RawLevels, AreThoseOfACleanSignalOnly) {
@@ -208,6 +210,13 @@ TEST(RawLesson, WantsEachFormTwice) {
     lesson.Hear(ear.Hear(Silent(Frame(*place == 'a' ? kKey : kOtherKey))), place);
   EXPECT_FALSE(lesson.IsLastConfirmed()) << "a recording that is opened again";
   EXPECT_EQ(&lesson.Last(), &lesson.Forms().front());
+  RunVector late = Frame(kKey);
+  late[0] -= 20;
+  late[9] += 2;
+  lesson.Hear(ear.Hear(Silent(late)));
+  const RawLengths& mean = lesson.Last().Signal.Lengths;
+  EXPECT_EQ(mean[0], 60 * kNominalSampleTime) << "a recording may begin late";
+  EXPECT_EQ(mean[9], (Frame(kKey)[9] + 1) * kNominalSampleTime) << "of both presses";
 }
 
 /// Frames are letters, and a piece of a frame is a small one.
