@@ -56,7 +56,7 @@ std::string ToText(const DecodedPress& press) {
   text += "no code: " + DescribeStage(reading.Ended);
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
   if (alone) return text + ", its digits are " + reading.Digits + std::string(kCodeOffer);
-  if (!press.Alike.empty()) return text + "; " + press.Alike;
+  if (!press.Alike.empty()) return text + "; it " + press.Alike;
   return press.CouldBeRaw ? text.append(kRawOffer) : text;
 }
 

@@ -178,7 +178,8 @@ std::string AdviceOn(const Explanation& press, const MonitorReading& reading, An
            TypedCommand("settings ITYPE NUMBER", appPath);
   }
   if (reading.HasCode()) return press.KnownAs.empty() ? "Learn it: " + learn : "";
-  if (!press.Alike.empty()) return press.Alike + ": " + TypedCommand("forget 'SECTION&NAME'", appPath);
+  if (!press.Alike.empty())
+    return "It " + press.Alike + ": " + TypedCommand("forget 'SECTION&NAME'", appPath);
   const bool isAlone = !reading.Digits.empty() && reading.Ended == Stage::Doubtful;
   if (isClean && !isAlone && analysis == Analysis::Second) {
     return "The lengths are clean and can be stored as a raw command: " + learn;

@@ -54,7 +54,7 @@ RawPress AskRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
   if (found) {
     press = {heard.Runs.size(), found->Protocol + "&" + found->Command, std::string(match.Digits), {}};
   } else if (const std::string alike = AlikeRawText(config->Mod.Store, state); !isRead && !alike.empty()) {
-    press.Offer = "; " + alike;
+    press.Offer = "; it " + alike;
   }
   return press;
 }

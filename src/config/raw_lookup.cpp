@@ -81,7 +81,7 @@ std::string AlikeRawText(const CfgStore& store, SignalState& signal) {
     const auto found = FindCommand(store.CfgText, digits, 0, Analysis::Second);
     return found ? found->Protocol + "&" + found->Command : "G" + std::string(digits);
   };
-  return "it fits " + nameOf(match.Digits) + " and " + nameOf(match.Other) +
+  return "fits " + nameOf(match.Digits) + " and " + nameOf(match.Other) +
          " alike, so that it is neither: press again, and if it stays so, delete one of the two";
 }
 

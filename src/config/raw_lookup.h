@@ -20,7 +20,7 @@ HeardLengths HeardIn(SignalState& signal);
 std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& signal);
 
 /// What to tell of the capture that was read last if two raw commands fit it alike, so that it is neither and
-/// cannot be learned: which they are, and what to do. Empty for any other.
+/// cannot be learned: which they are, and what to do, behind "it". Empty for any other.
 std::string AlikeRawText(const CfgStore& store, SignalState& signal);
 
 /// A frame that proves too little by itself is a code if the very same was learned.

@@ -225,7 +225,7 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
   }
   if (HasCode(reading) && IsReadByMonitor(mod_.Signal.RawCapture, reading.Code)) return false;
   if (const std::string alike = AlikeRawText(store, mod_.Signal); !alike.empty()) {
-    told_ = "No code: " + alike + ".";
+    told_ = "No code: it " + alike + ".";
     return false;
   }
   RawSignal signal;
