@@ -38,8 +38,9 @@ TEST(MergeChanges, TakesBothUnlessTheyMeet) {
   merges("nothing of theirs", kMore, kBase, kMore);
   merges("the same", kMore, kMore, kMore);
   merges("two settings", port, zone, Replaced(port, "VEXIL= 0", "VEXIL= 2"));
-  merges("one of theirs between two of mine", Replaced(port, "G1100,UP\r\n", ""), zone,
-         Replaced(Replaced(port, "VEXIL= 0", "VEXIL= 2"), "G1100,UP\r\n", ""));
+  merges("one of theirs between two of mine", Replaced(port, "VEXIL= 0", "VEXIL= 2"),
+         Replaced(kBase, "DELAY= 10", "DELAY= 12"),
+         Replaced(Replaced(port, "VEXIL= 0", "VEXIL= 2"), "DELAY= 10", "DELAY= 12"));
   merges("one setting", port, Replaced(kBase, "COMPORT= 1", "COMPORT= 8"), "conflict");
   merges("neighbours", port, Selecting(kBase, "1"), "conflict");
   merges("two sections", noUp, kMore, Replaced(kMore, "G1100,UP\r\n", ""));

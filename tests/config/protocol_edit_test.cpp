@@ -91,7 +91,7 @@ TEST(ProtocolEdit, LeavesTheCarrierOfASectionAlone) {
   ExpectPart(stored.File(), Lines({"GREPEAT= 0", "CARRIER= 36000", "", "G1111,PLAY", ""}));
   EXPECT_EQ(carrier(stored.File(), "mine"), 36'000);
   for (const auto& [value, hertz] :
-       std::map<std::string, int>{{"= 0", 0}, {"=455000", 455'000}, {"= x", 38'000}}) {
+       std::map<std::string, int>{{"= 0", 0}, {"= 90000", 90'000}, {"=455000", 455'000}, {"= x", 38'000}}) {
     EXPECT_EQ(carrier(Replaced(stored.File(), "= 36000", value), "Mine"), hertz) << value;
   }
 }

@@ -175,6 +175,9 @@ TEST_F(RawStored, LosesTheDamagedCommandAlone) {
     for (const std::string& damage : fresh->Raw.Damage) told += damage;
     EXPECT_EQ(told.find("COOL") == std::string::npos, !row.Cool.empty()) << row.Name << told;
     EXPECT_EQ(told.find("HEAT") == std::string::npos, !row.Heat.empty()) << row.Name << told;
+    stored_.Disk.Put(kFile, whole);
+    ReloadConfig(*fresh);
+    EXPECT_TRUE(fresh->Raw.Damage.empty()) << row.Name << ", and mended";
   }
 }
 
