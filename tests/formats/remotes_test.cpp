@@ -207,6 +207,7 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
   for (int i = 0; i < 200'000; ++i) parts += ".a";
   const Bad rows[] = {
       {"no known format", "", "hello\n", "tried were flipper, lirc"},
+      {"nothing but remarks", "", "# no code\n", "tried were flipper, lirc"},
       {"a byte of value 0", "", "name: A\n\0"s, "x, line 2: found a byte of value 0"},
       {"17 MiB", "", std::string(std::size_t{17} << 20U, ' '), "larger than the 16777216 bytes"},
       {"a length of 0", "", flipper + "raw\ndata: 5 0 5\n", "found a length of 0"},
@@ -334,10 +335,19 @@ TEST(Remotes, BearWhatPeopleWrite) {
   EXPECT_EQ(CodesOf("substitutions:\n  where: '0x8'\nx:\n - name: ${where} $\n   then:\n"
                     "    remote_transmitter.transmit_rc5: {address: $where, command: 1}\n"),
             "0x8 $=11001000000001");
+  EXPECT_EQ(CodesOf("MUTE: 2600040020202020\n2600040020202020\n"), "MUTE= =") << "a name ahead, or none";
+  EXPECT_EQ(CodesOf("[[protocols]]\nname = \"a\"\nprotocol = \"pulse_distance\"\nbits = 5\n"
+                    "[protocols.scancodes]\n0x12 = \"A\"\n"),
+            "A=10010")
+      << "digits that are too few to be read from lengths";
   EXPECT_EQ(CodesOf("\x1B[0;36m[D][remote.rc5:1]: Received RC5: address=0x08, command=0x01\x1B[0m\n"),
             "=11001000000001");
-  EXPECT_EQ(CodesOf("functionname, protocol, device, subdevice, function\nA\tRC5\t8\t-1\t1\n"),
-            "A=11001000000001");
+  const std::string rc5 = "functionname, protocol, device, subdevice, function\nA\tRC5\t8\t-1\t1\n";
+  EXPECT_EQ(CodesOf(rc5), "A=11001000000001");
+  for (const auto& [path, name] :
+       {std::pair("Maker/TV_LX/8,-1.csv", "Maker TV_LX"), {"Maker/TV_LX/TV.csv", "TV"}})
+    EXPECT_EQ(ReadRemotes(rc5, path).Remotes.at(0).Name, name)
+        << "a folder stands for the numbers of a device";
   EXPECT_EQ(
       CodesOf("x:\n - name: A\n   then:\n    remote_transmitter.transmit_pioneer: {rc_code_1: 0xA50A}\n"),
       "A=10100101010110100101000010101111");
