@@ -98,6 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
         HeardCase{"MuchSlower", Silent(Scaled(Frame(kKey), 1.25)), ""},
         HeardCase{"SamplesEndInRepeat", First(Then(Frame(kKey), kFrameGap, Frame(kKey)), 40), "key"},
         HeardCase{"SamplesEndInFrame", First(Frame(kKey), 21), ""},
+        HeardCase{"SamplesEndInFrameOfOneKey", First(LongSpaced(), 21), "long"},
         HeardCase{"SignalEndsInFrame", Silent(First(Frame(kKey), 25)), ""},
         HeardCase{"FirstPartOfTwoMessages", Silent(Frame("111000111000")), ""},
         HeardCase{"WholeMessage", Silent(Then(Frame("111000111000"), kFrameGap, Frame("222"))), "first"},

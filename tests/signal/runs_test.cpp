@@ -5,6 +5,7 @@
 #include <random>
 
 #include "signal/capture_trim.h"
+#include "signal/held_signs.h"
 #include "signal/sample_bits.h"
 #include "signal/second_look/smooth_samples.h"
 #include "signal_builder.h"
@@ -78,6 +79,12 @@ TEST(Runs, AreThoseOfTheSamples) {
     EXPECT_EQ(RunsOf(smooth), RunsByHand(SmoothedByHand(bits))) << bits;
     EXPECT_EQ(joined, SmoothedByHand(bits) != bits) << bits;
   }
+}
+
+TEST(HeldSigns, AreDittosHoweverSoonTheSamplesEndBehindThem) {
+  for (const RunVector& runs :
+       {RunVector{160, 40, 10}, {160, 40, 10, 30}, {160, 40, 10, 1700}, {160, 40, 10, 1700, 160, 40, 10, 30}})
+    EXPECT_TRUE(AreDittos(runs, 10, 0)) << ::testing::PrintToString(runs);
 }
 
 TEST(SignalBytes, EndWithTheLastSampleOfAMark) {
