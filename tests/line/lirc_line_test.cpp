@@ -7,6 +7,7 @@
 #include <deque>
 #include <numeric>
 
+#include "line/port_check.h"
 #include "line/slot_clock.h"
 #include "press_builder.h"
 
@@ -231,6 +232,16 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
     EXPECT_NE(Told[0].find(c.Says), std::string::npos) << Told[0];
     EXPECT_EQ(line.WhyNot().empty(), !c.Gone) << c.Name;
     EXPECT_FALSE(line.Sent());
+  }
+}
+
+TEST_F(LircLineTest, IsCheckedByWhatItsDeviceDoes) {
+  for (const bool there : {true, false}) {
+    Device.There = there;
+    const MappedPort port = {1, MappedPort::Kind::Lirc, "/dev/lirc0", {}, {}};
+    const PortCheck check = CheckPort(Device, port, {"/nowhere", "/nowhere"});
+    EXPECT_EQ(check.Opens && check.Receives && check.Sends, there) << check.Why;
+    EXPECT_EQ(check.Why.find("is not there") != std::string::npos, !there) << check.Why;
   }
 }
 

@@ -118,6 +118,17 @@ TEST(ReplayLine, PlaysAgainstAClock) {
   EXPECT_EQ(clock.Time, 1s + 200ms + 8ms);
 }
 
+TEST(ReplayLine, PausesBehindAPressThatIsLongerThanACapture) {
+  const auto clock = std::make_shared<TestClock>();
+  ReplayLine line({{"a", {Clean(kNec, kNecBits, 0, 10), Clean(kSony, kSonyBits)}}}, kStandard);
+  line.PlayAgainst(clock);
+  while (!line.Done()) {
+    clock->Time += 2ms;
+    if (line.DCD() == 0) Monitored(line);
+  }
+  EXPECT_GE(clock->Time, 2 * ReplayLine::kPressPause + 10 * 108ms + 100ms);
+}
+
 TEST(ReplayLine, WritesDownWhatIsSent) {
   ReplayLine line({}, kStandard);
   EXPECT_EQ(line.OpenCom(31), 1);

@@ -265,6 +265,14 @@ TEST(SerialLine, LeavesNoLightOnAPortThatAnotherProgramHas) {
   EXPECT_TRUE(line.IsInUse() && port.Dtr.size() == 1 && !port.Dtr[0].second) << "an open raises it";
 }
 
+TEST_F(SerialLineTest, LeavesAPortAsItFoundIt) {
+  Port.Settings.c_cflag = B1200 | CS7;
+  ASSERT_EQ(Line.OpenCom(1), 1);
+  EXPECT_TRUE(Port.Exclusive && Port.Settings.c_cflag != (B1200 | CS7));
+  Line.CloseCom();
+  EXPECT_TRUE(!Port.Exclusive && Port.Settings.c_cflag == (B1200 | CS7));
+}
+
 TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {
   Port.There = false;
   EXPECT_EQ(Line.OpenCom(1), 0);

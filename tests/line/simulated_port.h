@@ -36,7 +36,8 @@ class SimulatedPort : public DeviceCalls {
   std::vector<std::pair<std::chrono::nanoseconds, bool>> Dtr;  // changes
   std::vector<std::pair<std::chrono::nanoseconds, std::string>> Written;
   std::deque<std::pair<std::chrono::milliseconds, char>> Answers;  // after the question before, and what
-  bool Break = false, Rts = false;
+  bool Break = false, Rts = false, Exclusive = false;
+  termios Settings{};
 
   /// Light from now on.
   void Play(const PulseTrain& press) {
@@ -65,6 +66,9 @@ class SimulatedPort : public DeviceCalls {
     }
     if (request == TIOCSBRK || request == TIOCCBRK) Break = request == TIOCSBRK;
     if (request == TCFLSH) arrived_.clear();
+    if (request == TCGETS) *static_cast<termios*>(argument) = Settings;
+    if (request == TCSETS) Settings = *static_cast<termios*>(argument);
+    if (request == TIOCEXCL || request == TIOCNXCL) Exclusive = request == TIOCEXCL;
     return 0;
   }
   ssize_t Read(int /*descriptor*/, void* data, std::size_t /*size*/) override {

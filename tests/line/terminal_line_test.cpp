@@ -2,14 +2,18 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <fstream>
 #include <thread>
 
 #include "doubles/temp_folder.h"
 #include "line/device_access.h"
 #include "line/port_check.h"
 #include "line/port_line.h"
+#include "line/serial/lock_file.h"
 #include "line/serial/serial_line.h"
 #include "signal/zone_link.h"
 
@@ -46,6 +50,26 @@ TEST(TerminalLine, SendsMoreThanAPortTakesAtOnceAndAsksZonesBesideIt) {
   }
   listening.join();
   EXPECT_EQ(arrived.substr(0, 6'146), std::string(6'144, '\x5B') + "PP") << "a mark of 480 ms";
+}
+
+TEST(DeviceAccess, TellsAnotherProgramThatHasADevice) {
+  const tests::TempFolder folder;
+  const std::string name = "ttyTold" + std::to_string(getpid());
+  const std::string device = folder.Write(name, "").string(), lockFile = "/var/lock/LCK.." + name;
+  KernelCalls calls;
+  const DeviceDescriptor own(calls, calls.Open(device, O_RDONLY | O_CLOEXEC));
+  EXPECT_EQ(HolderOfDevice(device), "") << "nobody but this one";
+  const pid_t child = fork();
+  while (child == 0) pause();
+  EXPECT_EQ(HolderOfDevice(device), NameOfProcess(child));
+  const bool locks = static_cast<bool>(std::ofstream(lockFile) << child << std::flush);
+  EXPECT_EQ(HolderOfLockFile(device), locks ? NameOfProcess(child) : "");
+  EXPECT_EQ(TakeLockFile(device), "") << "it runs";
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  EXPECT_EQ(HolderOfLockFile(device), "");
+  EXPECT_EQ(TakeLockFile(device), locks ? lockFile : "");
+  ReleaseLockFile(lockFile);
 }
 
 TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
