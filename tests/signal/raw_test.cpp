@@ -29,6 +29,25 @@ const std::string kKey = "012021102201", kOtherKey = "012021102200";
 
 RunVector LongSpaced() { return Frame(kKey, 90, 45); }
 
+/// A press with a frame ahead of the key's and behind them that all keys of the remote have. Frames are
+/// letters: s is that one, k and o are of two keys.
+RunVector Enclosed(const std::string& frames) {
+  constexpr int kPause = 1500;
+  const std::map<char, RunVector> known = {
+      {'s', Frame("2222222220")}, {'k', Frame("1201021011")}, {'o', Frame("1201021012")}};
+  RunVector runs = known.at(frames.front());
+  for (std::size_t i = 1; i < frames.size(); ++i)
+    runs = Then(runs, i == 1 ? kFrameGap : kPause, known.at(frames[i]));
+  return runs;
+}
+
+/// A message of parts that are told apart by one digit.
+RunVector Parts(const std::string& parts) {
+  RunVector runs = Frame("20110120" + parts.substr(0, 1));
+  for (const char part : parts.substr(1)) runs = Then(runs, kFrameGap, Frame(std::string("20110120") + part));
+  return runs;
+}
+
 /// Heard samples live in a reader.
 class Ear {
  public:
@@ -103,6 +122,17 @@ INSTANTIATE_TEST_SUITE_P(
         HeardCase{"FirstPartOfTwoMessages", Silent(Frame("111000111000")), ""},
         HeardCase{"WholeMessage", Silent(Then(Frame("111000111000"), kFrameGap, Frame("222"))), "first"},
         HeardCase{"LongSpaces", Silent(Then(LongSpaced(), kFrameGap, LongSpaced())), "long"},
+        HeardCase{"EnclosedTap", Silent(Enclosed("sks")), "enclosed"},
+        HeardCase{"EnclosedHold", Silent(Enclosed("skkks")), "enclosed"},
+        HeardCase{"EnclosedToCaptureEnd", Silent(Enclosed("skk")), "enclosed"},
+        HeardCase{"EnclosedHoldBegunLate", Silent(From(Enclosed("skks"), 2, 3)), "enclosed"},
+        HeardCase{"EnclosedOtherKey", Silent(Enclosed("soos")), ""},
+        HeardCase{"EnclosedTwoKeys", Silent(Enclosed("skos")), ""},
+        HeardCase{"EnclosingFrame", Silent(Enclosed("s")), ""},
+        HeardCase{"EnclosingFramesAlone", Silent(Enclosed("ss")), ""},
+        HeardCase{"SecondPartForTheThird", Silent(Parts("011")), ""},
+        HeardCase{"TwoPartsOfThree", Silent(Parts("01")), ""},
+        HeardCase{"ThreeParts", Silent(Parts("012")), "parts"},
         HeardCase{"TooFewLengths", Silent(Frame("01202")), ""}),
     [](const auto& row) { return row.param.Name; });
 
@@ -112,6 +142,8 @@ TEST_P(RawCommands, AreFoundByTheirLengthsAlone) {
   index.Add(Learned("other", Frame(kOtherKey)));
   index.Add(Learned("long", LongSpaced()));
   index.Add(Learned("first", Then(Frame("111000111000"), kFrameGap, Frame("222"))));
+  index.Add(Learned("parts", Parts("012")));
+  index.Add(Learned("enclosed", Enclosed("sks")));
   index.Add(Learned("second", Then(Frame("111000111000"), kFrameGap, Frame("221"))));
   Ear ear;
   const RawMatch match = index.Find(ear.Hear(GetParam().Runs));
@@ -178,7 +210,8 @@ TEST(RawSlots, PutEdgesOnTheNearestBorder) {
   EXPECT_EQ(SlotsOfLengths(std::vector<int>{24, 14, 32}, 10), "1100111");
 }
 
-/// Presses are letters: a and b are forms alike, c is of another remote, A holds its frame twice.
+/// Presses are letters: a and b are forms alike, c is of another remote, A holds its frame twice, and
+/// s and S are a tap and a hold of a key whose frames are enclosed by others.
 TEST(RawLesson, WantsEachFormTwice) {
   struct Row {
     std::string Presses;
@@ -191,6 +224,8 @@ TEST(RawLesson, WantsEachFormTwice) {
                          {"aba", false, false, false},
                          {"abab", false, true, true},
                          {"aabab", false, true, false},
+                         {"sS", true, false, true},
+                         {"Ss", true, false, true},
                          {"acac", false, false, false},
                          {"aabb", true, false, false}}) {
     RawLesson lesson;
@@ -198,6 +233,7 @@ TEST(RawLesson, WantsEachFormTwice) {
       Ear ear;
       RunVector runs = Frame(press == 'b' ? kOtherKey : kKey);
       if (press == 'c') runs = Frame(kKey + kKey);
+      if (press == 's' || press == 'S') runs = Enclosed(press == 's' ? "sks" : "skkks");
       if (press == 'A') runs = Then(runs, kFrameGap, runs);
       EXPECT_TRUE(lesson.Hear(ear.Hear(Silent(runs))));
     }

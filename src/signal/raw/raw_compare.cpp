@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
+#include "signal/raw/raw_frames.h"
 #include "signal/raw/raw_periods.h"
 
 namespace keplo {
@@ -21,8 +23,6 @@ constexpr float kGapTolerance = 0.04F;
 /// Two receivers lengthen marks by up to 120 us each.
 constexpr float kMostExcess = 260;
 constexpr float kSameScale = 0.035F;
-/// A frame of a held key without digits: a leader, a space and a mark, or little more.
-constexpr std::size_t kLongestDitto = 5;
 
 /// How the heard lengths relate to the stored ones.
 struct RawMeasure {
@@ -39,6 +39,11 @@ struct RawDifference {
     Squares += off * off;
     Most = std::max(Most, std::abs(off) - allowed);
     ++Lengths;
+  }
+  void Add(const RawDifference& other) {
+    Squares += other.Squares;
+    Most = std::max(Most, other.Most);
+    Lengths += other.Lengths;
   }
   bool IsWithin(float mean, float raster) const {
     const float squared = mean * mean + kRasterMean * kRasterMean * raster * raster;
@@ -143,25 +148,103 @@ bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& me
   return true;
 }
 
-}  // namespace
+RawFit FitOf(const RawMeasure& measure, const RawDifference& differ, double sampleTime) {
+  const bool exact = std::abs(measure.Scale - 1) <= kSameScale;
+  const auto sample = static_cast<float>(sampleTime);
+  return {exact ? RawFit::How::Exact : RawFit::How::Scaled, differ.Squares,
+          differ.Most <= kCloseLength + 2 * sample && differ.IsWithin(kCloseMean, sample)};
+}
 
-RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost) {
-  if (lost >= stored.size()) return {};
-  const RawPair pair{heard, stored.subspan(lost)};
+/// Whether nothing is missing that the capture would hold.
+bool MayEndWith(const HeardLengths& heard, const RawFrames& frames, std::size_t step) {
+  const double time = heard.SampleTime * std::accumulate(heard.Runs.begin(), heard.Runs.end(), 0.0);
+  return heard.Cut || frames.MayEndWith(step, time);
+}
+
+/// Compares place by place, as far as the shorter of the two goes.
+/// @param stored all lengths, of which the pair's are the end
+RawFit CompareInPlace(const RawPair& pair, std::span<const int> stored) {
+  const HeardLengths& heard = pair.Heard;
   const std::size_t size = pair.Size();
-  if (size < kFewestRawLengths) return {};
   const std::optional<RawMeasure> measure = Measure(pair);
   if (!measure) return {};
   const std::optional<RawDifference> differ = Differ(pair, *measure, false);
   if (!differ) return {};
   if (size < heard.Runs.size()) {
     if (!heard.IsGap(size) || !GoesOn(heard.From(size + 1), stored, *measure)) return {};
-  } else if (!heard.Cut && !EndsFrameAt(pair, size)) {
-    return {};
+  } else if (size < pair.Stored.size() && !heard.Cut) {
+    if (!pair.IsGap(size)) return {};
+    const RawFrames frames(stored, heard.Gap);
+    if (!MayEndWith(heard, frames, frames.StepUpTo(stored.size() - pair.Stored.size() + size))) return {};
   }
-  const bool exact = std::abs(measure->Scale - 1) <= kSameScale;
-  return {exact ? RawFit::How::Exact : RawFit::How::Scaled, differ->Squares,
-          differ->Most <= kCloseLength + 2 * pair.Sample() && differ->IsWithin(kCloseMean, pair.Sample())};
+  return FitOf(*measure, *differ, heard.SampleTime);
+}
+
+/// The way of a press through the frames of a stored one, some of which a held key repeats.
+struct RawWay {
+  const RawFrames& Frames;
+  const RawMeasure& Measure;
+  RawDifference Differ;
+  std::size_t Step;
+  std::size_t Furthest = Step;
+
+  /// @param pause ahead of the frame, microseconds
+  /// @return false if no stored frame that may follow is as this one
+  bool Take(const HeardLengths& frame, double pause) {
+    for (const RawFrames::Frame& known : Frames.All()) {
+      if (!Frames.MayFollow(Step, known.Step)) continue;
+      if (known.Step == Step + 1 && !IsAsLong(pause, Frames.GapAhead(known.Step), frame)) continue;
+      const RawPair pair{frame, Frames.Lengths(known)};
+      if (frame.Cut ? frame.Runs.size() > pair.Stored.size() : frame.Runs.size() != pair.Stored.size())
+        continue;
+      const auto differ = keplo::Differ(pair, Measure, true);
+      if (!differ) continue;
+      Differ.Add(*differ);
+      Step = known.Step;
+      Furthest = std::max(Furthest, Step);
+      return true;
+    }
+    return IsDitto(frame);
+  }
+  bool IsAsLong(double pause, int stored, const HeardLengths& frame) const {
+    const double wanted = Measure.Scale * static_cast<float>(stored);
+    return std::abs(pause - wanted) <=
+           RawPair{frame, {}}.Tolerance() + std::abs(Measure.Excess) + kGapTolerance * wanted;
+  }
+};
+
+/// Compares frame by frame where both have several, but for the lengths in place.
+RawFit CompareByFrames(const RawPair& pair, std::span<const int> stored) {
+  const HeardLengths& heard = pair.Heard;
+  std::size_t taken = LengthsInPlace(heard);
+  if (taken >= pair.Size() || !pair.IsGap(taken)) return {};
+  const RawPair head{heard.Part(0, taken), pair.Stored};
+  const std::optional<RawMeasure> measure = Measure(head);
+  if (!measure) return {};
+  const std::optional<RawDifference> differ = Differ(head, *measure, false);
+  if (!differ) return {};
+  const RawFrames frames(stored, heard.Gap);
+  RawWay way{frames, *measure, *differ, frames.StepUpTo(stored.size() - pair.Stored.size() + taken)};
+  while (taken < heard.Runs.size()) {
+    const HeardLengths rest = heard.From(taken + 1);
+    const std::size_t size = FirstFrameOf(rest);
+    HeardLengths frame = rest.Part(0, size);
+    frame.Cut = rest.Cut && size == rest.Runs.size();
+    if (!way.Take(frame, heard.Us(taken))) return {};
+    taken += 1 + size;
+  }
+  if (way.Furthest == 0 || !MayEndWith(heard, frames, way.Furthest)) return {};
+  return FitOf(*measure, way.Differ, heard.SampleTime);
+}
+
+}  // namespace
+
+RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost) {
+  if (lost >= stored.size()) return {};
+  const RawPair pair{heard, stored.subspan(lost)};
+  if (pair.Size() < kFewestRawLengths) return {};
+  const RawFit fit = CompareInPlace(pair, stored);
+  return fit.Fits != RawFit::How::None ? fit : CompareByFrames(pair, stored);
 }
 
 }  // namespace keplo
