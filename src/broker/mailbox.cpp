@@ -69,10 +69,7 @@ std::vector<Report> Mailbox::TakeReports() {
   return std::exchange(reports_, {});
 }
 
-std::size_t Mailbox::TakeOverflow() {
-  const std::lock_guard lock(mutex_);
-  return std::exchange(overflow_, 0);
-}
+std::size_t Mailbox::TakeOverflow() { return overflow_.exchange(0); }
 
 bool Mailbox::IsUp() const {
   const std::lock_guard lock(mutex_);
@@ -105,8 +102,10 @@ bool Mailbox::PutIncoming(Incoming message) {
     ++overflow_;
     return false;
   }
+  // Who was woken for the first takes all. Each further call would be one more to wait for by turns.
+  const bool isFirst = incoming_.empty();
   incoming_.push_back(std::move(message));
-  WakeProgram(lock);
+  if (isFirst) WakeProgram(lock);
   return true;
 }
 

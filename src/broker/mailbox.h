@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <deque>
@@ -73,8 +74,10 @@ class Mailbox {
   std::string Device() const;
   bool IsClosed() const;
   bool ForgetsAtEnd() const;
-  /// @return whether it fits
+  /// @return whether it fits; counted if it does not
   bool PutIncoming(Incoming message);
+  /// Counts a message that is not even tried.
+  void CountOverflow() { ++overflow_; }
   void PutReport(Report report);
   void SetUp(bool up);
   /// Counts news that the broker has confirmed.
@@ -102,7 +105,8 @@ class Mailbox {
   std::vector<Report> reports_;
   std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
   const std::size_t mostIncoming_;
-  std::size_t told_ = 0, dropped_ = 0, overflow_ = 0;
+  std::size_t told_ = 0, dropped_ = 0;
+  std::atomic<std::size_t> overflow_ = 0;
   bool closed_ = false, up_ = false, forgets_ = false;
 };
 

@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 constexpr std::chrono::seconds kLongestHandshake{10};
 constexpr std::chrono::seconds kKeepAliveLook{1};
 /// From a broker that sends more than is taken nothing is read for so long, or it would have the processor.
-constexpr std::chrono::milliseconds kRest{20};
+constexpr std::chrono::milliseconds kRest{100};
 constexpr std::chrono::seconds kLongestGoodbye{1};
 /// Messages on their way; brokers take at least 20 of most clients.
 constexpr std::size_t kMostUnconfirmed = 16;
@@ -213,6 +213,8 @@ void Session::OnMessage(std::string_view topic, std::string_view payload, bool r
     if (!device_.Now.empty()) RemoveWhatIsGone();
     return;
   }
+  // A flood that took the mailbox's lock for each of its messages would hold up the ticks.
+  if (Clock::now() < restsUntil_) return mailbox_.CountOverflow();
   // One byte more than is taken is enough to refuse it by.
   const bool fits = mailbox_.PutIncoming(
       {std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
