@@ -134,7 +134,8 @@ nlohmann::ordered_json AsJson(const BrokerSettings& settings) {
 std::string ReadPassword(const BrokerSettings& settings) {
   if (settings.PasswordFile.empty()) return {};
   struct stat status {};
-  if (stat(settings.PasswordFile.c_str(), &status) == 0 && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+  const bool isThere = stat(settings.PasswordFile.c_str(), &status) == 0;
+  if (isThere && S_ISREG(status.st_mode) && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
     throw Failure(EACCES, "The password file " + settings.PasswordFile +
                               " may be read by others. Mend it: chmod 600 " +
                               ShellQuoted(settings.PasswordFile));
@@ -146,6 +147,10 @@ std::string ReadPassword(const BrokerSettings& settings) {
     throw Failure(failure.Number(), "The password file " + std::string(failure.what()) + ".");
   }
   text.resize(std::min(text.find_first_of("\r\n"), text.size()));
+  if (text.empty()) {
+    throw Failure(EINVAL, "The first line of the password file " + settings.PasswordFile +
+                              " is empty. Write the password there.");
+  }
   return text;
 }
 

@@ -26,6 +26,10 @@ std::string OptionOf(std::string key) {
 /// Takes a value into the settings.
 /// @return the value as it stands in the file
 nlohmann::json TakeValue(const std::string& key, const std::string& text, BrokerSettings& settings) {
+  if (text.size() > kMostSettingBytes) {
+    throw Failure(EINVAL, "The setting " + key + " cannot have " + std::to_string(text.size()) +
+                              " bytes: it takes " + std::to_string(kMostSettingBytes) + " at most.");
+  }
   const SettingRow& row = *FindSettingRow(key);
   nlohmann::json value = text;
   const nlohmann::json kind = row.Give(settings);

@@ -8,9 +8,6 @@ namespace keplo::broker {
 
 namespace {
 
-/// The longest texts that a topic or a name may be made of; a topic may have 65,535 bytes.
-constexpr std::size_t kMostText = 1024;
-
 bool IsUtf8(const std::string& text) {
   try {
     static_cast<void>(nlohmann::json(text).dump());
@@ -21,7 +18,8 @@ bool IsUtf8(const std::string& text) {
 }
 
 bool IsUsableText(const std::string& text) {
-  return text.size() <= kMostText && IsUtf8(text) && std::none_of(text.begin(), text.end(), [](char letter) {
+  return text.size() <= kMostSettingBytes && IsUtf8(text) &&
+         std::none_of(text.begin(), text.end(), [](char letter) {
            return static_cast<unsigned char>(letter) < ' ' || letter == '\x7f';
          });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <string_view>
@@ -16,6 +17,9 @@ struct SettingRow {
       Take;  // false if it does not fit
   std::function<nlohmann::json(const BrokerSettings& settings)> Give;
 };
+
+/// The longest texts that a topic or a name may be made of; a topic may have 65,535 bytes.
+inline constexpr std::size_t kMostSettingBytes = 1024;
 
 /// All keys, in the order of the manual.
 const std::vector<SettingRow>& SettingRows();

@@ -30,6 +30,12 @@ bool IsAddress(const std::string& host) {
   return inet_pton(AF_INET, host.c_str(), &address) == 1 || inet_pton(AF_INET6, host.c_str(), &address) == 1;
 }
 
+bool SaysOtherKey(unsigned long error) {
+  const int reason = ERR_GET_REASON(error);
+  return (ERR_GET_LIB(error) == ERR_LIB_X509 && reason == X509_R_KEY_VALUES_MISMATCH) ||
+         (ERR_GET_LIB(error) == ERR_LIB_SSL && reason == SSL_R_NO_CERTIFICATE_ASSIGNED);
+}
+
 [[noreturn]] void RefuseFiles(const BrokerSettings& settings) {
   std::string names;
   for (const auto* name : {&settings.Ca, &settings.Certificate, &settings.Key}) {
@@ -64,10 +70,15 @@ void TlsChannel::UseOwnCertificate(const BrokerSettings& settings) {
   SSL_CTX_set_default_passwd_cb_userdata(context_.get(), &askedForPassword);
   const bool usable =
       SSL_CTX_use_certificate_chain_file(context_.get(), settings.Certificate.c_str()) == 1 &&
-      SSL_CTX_use_PrivateKey_file(context_.get(), settings.Key.c_str(), SSL_FILETYPE_PEM) == 1;
+      SSL_CTX_use_PrivateKey_file(context_.get(), settings.Key.c_str(), SSL_FILETYPE_PEM) == 1 &&
+      SSL_CTX_check_private_key(context_.get()) == 1;
   if (askedForPassword) {
     ERR_clear_error();
     fault_ = kKeyIsEncrypted;
+  } else if (!usable && SaysOtherKey(ERR_peek_last_error())) {
+    ERR_clear_error();
+    throw Failure(EINVAL, "The key in " + settings.Key + " does not belong to the certificate in " +
+                              settings.Certificate + ". Set \"key\" to the one that it was made with.");
   } else if (!usable) {
     RefuseFiles(settings);
   }

@@ -63,7 +63,7 @@ struct BrokerOptions {
 };
 
 /// In the file a name counts from its folder, on the command line from where it is typed.
-/// @throws Refused for a file that is not there
+/// @throws Refused for a file that is not there, or is a folder
 std::string WholeName(const std::string& name) {
   if (name.empty()) return name;
   const std::filesystem::path whole = std::filesystem::absolute(name);
@@ -71,6 +71,9 @@ std::string WholeName(const std::string& name) {
   // One that may not be looked at is there for the user of the host, perhaps.
   if (!std::filesystem::exists(whole, error) && !error) {
     throw Refused("There is no file " + whole.string() + ". Name one that is there.");
+  }
+  if (std::filesystem::is_directory(whole, error)) {
+    throw Refused(whole.string() + " is a folder. Name a file.");
   }
   return whole.string();
 }

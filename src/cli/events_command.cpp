@@ -126,8 +126,7 @@ void TellOtherZone(const OpenedMap& map, const clsKeploEvent& event) {
   if (other == map.Events.end()) return;
   Tell("event " + (*other)->EventID + " has the same command with zone " + std::to_string((*other)->Zone) +
        ": with zones on, whichever of both comes first in the map ends a press of the other's zone. Learn a "
-       "command of "
-       "its own for each zone, or let one program look at the zone of an event with zone 0");
+       "command of its own for each zone, or take one event with zone 0 for all");
 }
 
 int AddOne(const EventWords& words) {

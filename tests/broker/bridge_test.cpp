@@ -7,9 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "broker/broker_check.h"
-#include "broker/change_settings.h"
-#include "broker/identity.h"
-#include "broker/key_stages.h"
 #include "broker/moved_device.h"
 #include "disk/descriptor.h"
 #include "failure.h"
@@ -250,7 +247,7 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
                 "rsa:2048 "
                 "-nodes -keyout key.pem -out cert.pem -subj /CN=elsewhere -days 1 && chmod 644 key.pem && "
                 "openssl pkey "
-                "-aes256 -passout pass:x -in key.pem -out secret.pem"),
+                "-aes256 -passout pass:x -in key.pem -out secret.pem && openssl genrsa -out other.pem 2048"),
             0);
   folder_.Write(
       "access",
@@ -261,6 +258,8 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
                           (folder_ / "key.pem") + "\n";
   folder_.Write("right", "secret\n");
   folder_.Write("wrong", "terces\n");
+  folder_.Write("empty", "\nsecret\n");
+  chmod((folder_ / "empty").c_str(), 0600);
   chmod((folder_ / "right").c_str(), 0600);
   chmod((folder_ / "wrong").c_str(), 0600);
   const MosquittoServer password(folder_, secured), encrypted(folder_, tls), open(folder_);
@@ -280,6 +279,9 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
       {"open password file", password.Port(),
        [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "access"; }, "login",
        "chmod 600"},
+      {"empty password", password.Port(),
+       [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "empty"; }, "login",
+       "first line"},
       {"access list", password.Port(),
        [&](BrokerSettings& s) { s.User = "keplo", s.PasswordFile = folder_ / "right"; }, "right to publish",
        "access list"},
@@ -296,6 +298,11 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
          s.Tls = true, s.Ca = s.Certificate = folder_ / "cert.pem", s.Key = folder_ / "secret.pem";
        },
        "secure connection", "openssl pkey"},
+      {"other key", encrypted.Port(),
+       [&](BrokerSettings& s) {
+         s.Tls = true, s.Ca = s.Certificate = folder_ / "cert.pem", s.Key = folder_ / "other.pem";
+       },
+       "secure connection", "does not belong"},
       {"plain to TLS", encrypted.Port(), [](BrokerSettings&) {}, "login", "\"tls\": true"},
       {"TLS to plain", open.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection", "\"tls\""},
   };
@@ -340,84 +347,6 @@ TEST_F(BrokerBridge, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
     EXPECT_EQ(told.Payload, "{}") << "the check must not take the device out";
 }
 
-TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
-  std::string told;
-  KeyStages stages([&](const KeyEvent& event) {
-    told += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Count) + " ";
-  });
-  const auto raise = [&](const char* eventID) { stages.Raised({{}, eventID, "", "", 0, "", 1}); };
-  raise("alone");
-  stages.Pressed(1);
-  raise("a");
-  raise("b");
-  stages.Pressed(2);
-  raise("a");
-  stages.Held(1, 2);
-  raise("a");
-  stages.Held(2, 2);  // in the pause after an event, so that no event is raised
-  stages.Released(1, 2);
-  stages.Released(2, 2);
-  EXPECT_EQ(told, "presalone1 presa1 presb1 presa1 holda2 holdb2 holda2 relea2 releb2 relea2 ");
-}
-
-TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {
-  const struct {
-    const char* Text;
-    const char* Said;
-  } files[] = {
-      {"{\n\"host\": \"h\",\n\"prot\": 1}", "line 3: \"prot\" is no setting"},
-      {"{\n\"host\": \"port\", \"port\":\n0}", "line 2: \"port\" takes a number from 1"},
-      {"{\"host\": \"h\",\n\n\"prefix\": \"a/#\"}", "line 3: \"prefix\""},
-      {"{\"host\": \"h\", \"discovery_prefix\": \"+\"}", "line 1: \"discovery_prefix\""},
-      {"{\n\"port\": 1\n}", "no \"host\""},
-      {"{\"host\": \"h\", \"key\": \"k\"}", "come together"},
-      {"{\n\n\"host\": oops}", "line 3: the file is not whole JSON"},
-      {"[]", "line 1: the file is JSON, but no object;"},
-  };
-  for (const auto& file : files) {
-    try {
-      ParseBrokerSettings(file.Text, "broker.json");
-      ADD_FAILURE() << file.Text;
-    } catch (const Failure& failure) {
-      EXPECT_NE(std::string(failure.what()).find(file.Said), std::string::npos) << failure.what();
-    }
-  }
-  const BrokerSettings tls =
-      ParseBrokerSettings(R"({"host":"h","tls":true,"ca":"ca.pem"})", "/home/broker.json");
-  EXPECT_EQ(tls.Port, 8883);
-  EXPECT_EQ(tls.Ca, "/home/ca.pem");
-}
-
-TEST(BrokerSettingsFile, IsNotChangedByHalfOfWhatIsNeeded) {
-  const TestFolder folder;
-  const auto refusal = [&](const TypedSettings& typed) {
-    try {
-      ChangeBrokerSettings(folder.Path(), typed);
-    } catch (const Failure& failure) {
-      return std::string(failure.what());
-    }
-    return std::string();
-  };
-  const struct {
-    std::string Before;
-    TypedSettings Typed;
-    const char* Said;
-  } changes[] = {
-      {R"({"host":"h"})", {{"ca", "F"}, {"port", "3"}}, "broker set --ca 'F' --port '3' --tls yes"},
-      {R"({"host":"h","tls":true,"ca":"F"})", {{"tls", "no"}}, "broker set --tls 'no' --ca ''"},
-      {R"({"host":"h"})", {{"tls", "no"}, {"ca", "F"}}, "broker set --tls 'no' --ca ''"},
-      {R"({"host":"h"})", {{"password_file", "p"}}, "--user NAME"},
-      {R"({"host":"h"})", {{"user", "\xff"}}, "takes a name"},
-      {"{\"host\":\"h\",\n\"prot\":1}", {{"port", "3"}}, "line 2: \"prot\""},
-  };
-  for (const auto& change : changes) {
-    folder.Write("broker.json", change.Before);
-    const std::string said = refusal(change.Typed);
-    EXPECT_NE(said.find(change.Said), std::string::npos) << said;
-    EXPECT_EQ(folder.Read("broker.json"), change.Before);
-  }
-}
-
 TEST_F(BrokerBridge, LeavesNoDeviceWhereItWasToldBefore) {
   MosquittoServer server(folder_);
   const std::string config = "homeassistant/device/keplo-0123abcd/config";
@@ -439,19 +368,6 @@ TEST_F(BrokerBridge, LeavesNoDeviceWhereItWasToldBefore) {
                       " --discovery-prefix 'homeassistant'"),
             std::string::npos)
       << left;
-}
-
-TEST(BrokerIdentity, IsMadeOnceAndIsSafeInTopics) {
-  const TestFolder folder;
-  const std::string identity = IdentityOf(folder.Path());
-  EXPECT_EQ(identity.size(), 8U);
-  EXPECT_EQ(IdentityOf(folder.Path()), identity);
-  folder.Write("broker.id", "damaged");
-  EXPECT_THROW(IdentityOf(folder.Path()), Failure)
-      << "another one would leave Home Assistant's history behind";
-  EXPECT_EQ(SafeForTopic("Az9-"), "Az9-");
-  EXPECT_EQ(SafeForTopic("a/+#_\xc3"), "a_2f_2b_23_5f_c3");
-  EXPECT_NE(SafeForTopic(""), SafeForTopic("_"));
 }
 
 }  // namespace
