@@ -69,6 +69,16 @@ class GirrReader {
 
   void Read(const pugi::xml_document& document) { ReadSet(document, {}, 0); }
 
+  /// A command that the text breaks off in is left out.
+  void ReadCut(const pugi::xml_document& document, std::string_view text) {
+    for (pugi::xml_node last = document.last_child(); last; last = last.last_child()) {
+      if (LocalName(last) == "command") cut_ = last;
+    }
+    const auto begin = static_cast<std::size_t>(std::max<std::ptrdiff_t>(cut_.offset_debug(), 0));
+    if (text.find("command>", begin) != std::string_view::npos) cut_ = {};
+    Read(document);
+  }
+
  private:
   int LineOf(const pugi::xml_node& node) const {
     const auto place = static_cast<std::size_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
@@ -132,6 +142,7 @@ class GirrReader {
     if (const auto function = command.attribute("F")) SetValue(parameters.Values, "F", function.value());
     if (!parameters.Protocol.empty()) key.Protocol = parameters.Protocol;
     const std::string_view master = command.attribute("master").value();
+    if (cut_ && command == cut_) return reading_.Skip(std::move(key), "the file breaks off in it");
     std::string why = "found neither parameters nor lengths";
     // The true form first; the others stand in for it.
     std::array<std::string_view, 4> order = {master.empty() ? "raw" : master, "raw", "ccf", "parameters"};
@@ -201,6 +212,7 @@ class GirrReader {
   }
 
   FileReading reading_;
+  pugi::xml_node cut_;
   std::vector<std::size_t> lineEnds_;
 };
 
@@ -217,6 +229,7 @@ void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) 
         text.begin() + std::min<std::ptrdiff_t>(result.offset, static_cast<std::ptrdiff_t>(text.size()));
     const auto line = 1 + std::count(text.begin(), end, '\n');
     FileReading(path, file).Complain(static_cast<int>(line), std::string("no XML: ") + result.description());
+    return GirrReader(text, path, file).ReadCut(document, text);
   }
   // What stands before a fault is read all the same.
   GirrReader(text, path, file).Read(document);

@@ -59,6 +59,7 @@ class BitCoding {
   BitCoding(const toml::table& section, bool distance) : section_(section), distance_(distance) {}
 
   std::string Take(std::uint64_t value, RemoteKey& key) const {
+    if (std::string why = WhyNone(); !why.empty()) return why;
     const auto bits = section_["bits"].value_or(std::int64_t{4});
     if (bits < 1 || bits > 64) return "found " + std::to_string(bits) + " bits, expected 1 to 64";
     if (bits < 64 && value >> static_cast<unsigned>(bits) != 0)
@@ -79,9 +80,22 @@ class BitCoding {
   }
 
  private:
+  /// Which of its numbers is none; empty if all are good.
+  std::string WhyNone() const {
+    for (const std::string_view name :
+         {"bits", "carrier", "header_pulse", "header_space", "bit_pulse", "bit_space", "bit_0_pulse",
+          "bit_1_pulse", "bit_0_space", "bit_1_space", "trailer_pulse"}) {
+      if (!section_.contains(name)) continue;
+      const std::optional<std::int64_t> number = section_[name].value_exact<std::int64_t>();
+      if (!number || *number < 0 || *number > kLongestPulse)
+        return "found a wrong " + std::string(name) + ", expected a number from 0 to " +
+               std::to_string(kLongestPulse);
+    }
+    return {};
+  }
+
   int Length(std::string_view name, int usual) const {
-    const auto length = section_[name].value_or(std::int64_t{usual});
-    return length >= 0 && length <= kLongestPulse ? static_cast<int>(length) : 0;
+    return static_cast<int>(section_[name].value_or(std::int64_t{usual}));
   }
 
   Pulse Header() const { return {Length("header_pulse", 2125), Length("header_space", 1875)}; }

@@ -107,6 +107,10 @@ class LircReader {
     }
     if (place_ != Place::Outside) {
       reading_.Complain(line_, "found the end of the file, expected \"end remote\"");
+      // A code that the file breaks off in is none.
+      const bool breaksOff = place_ == Place::RawCodes || (place_ == Place::Codes && !text.ends_with('\n'));
+      if (breaksOff && !remote_.Codes.empty())
+        remote_.Codes.back().Fault = "the file ends before the code does";
       EndRemote();
     }
   }
@@ -197,7 +201,7 @@ class LircReader {
     } else if (const DataField* const data = Find(kData, word)) {
       const std::string_view value = TakeWord(rest);
       const std::optional<std::uint64_t> field = CNumberOf(value);
-      if (!field) return Refuse(value, "a number");
+      if (!field) return RefuseParameter(value, "a number");
       remote_.*data->Field = *field;
     }
   }
@@ -211,8 +215,14 @@ class LircReader {
   int ReadNumber(std::string_view word, int most) {
     const std::optional<std::uint64_t> number = CNumberOf(word);
     if (number && *number <= static_cast<std::uint64_t>(most)) return static_cast<int>(*number);
-    Refuse(word, "a number from 0 to " + std::to_string(most));
+    RefuseParameter(word, "a number from 0 to " + std::to_string(most));
     return 0;
+  }
+
+  /// Without one of its parameters no code of a remote is what it was.
+  void RefuseParameter(std::string_view found, const std::string& expected) {
+    Refuse(found, expected);
+    remote_.Fault = "line " + std::to_string(line_) + " of its remote cannot be read";
   }
 
   /// Behind a blank the format's own program reads no flag.

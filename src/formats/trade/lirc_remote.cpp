@@ -176,6 +176,7 @@ std::optional<CodedSignal> Rc5Signal(const LircRemote& remote, const PulseTrain&
 
 std::string WhyNone(const LircRemote& remote, const LircCode& code) {
   if (!code.Fault.empty()) return code.Fault;
+  if (!remote.Fault.empty() && !remote.Raw) return remote.Fault;
   if (!remote.Driver.empty())
     return "its codes are those of the device " + remote.Driver + ", without lengths";
   if (remote.Raw) return code.Lengths.empty() ? "there are no lengths" : "";

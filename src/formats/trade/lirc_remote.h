@@ -23,6 +23,7 @@ struct LircRemote {
   std::string Name, Driver;
   bool Rc5 = false, Rc6 = false, SpaceFirst = false, Raw = false, Reverse = false;
   bool NoHeadRepeat = false, NoFootRepeat = false, ConstLength = false, RepeatHeader = false;
+  std::string Fault;    // why it has no codes; empty if it is good
   std::string Foreign;  // a flag that is not known, or of a coding that two patterns do not hold
 
   Pulse Header, One, Zero, Foot, Repeat, Pre, Post;
