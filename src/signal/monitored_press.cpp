@@ -55,7 +55,7 @@ void EndWithSecondLook(const RobustReading& look, Timing& measured, MonitorReadi
 }
 
 void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
-  const RobustReading& look = state.Second.Read(state.Samples);
+  const RobustReading& look = state.Second.Read(state.Samples, state.SampleTime);
   if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured, reading);
   if (look.Proven == RobustReading::Proof::Single) {
     ReadFrameOf(look, state.Measured, reading);

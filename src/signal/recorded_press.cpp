@@ -113,7 +113,7 @@ void EndWithSecondLook(const RobustReading& look, Timing& measured, RecordReadin
 }
 
 void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
-  const RobustReading& look = state.Second.Read(state.Samples);
+  const RobustReading& look = state.Second.Read(state.Samples, state.SampleTime);
   const RunSpan runs = state.Runs.Read(state.Samples);
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);

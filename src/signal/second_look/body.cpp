@@ -16,8 +16,7 @@ bool Leader::IsLike(const Leader& other) const {
   constexpr double kPart = 0.2, kLeast = 6;  // of its length, and samples
   const auto near = [=](int a, int b) { return std::max(kPart * std::max(a, b), kLeast); };
   const double longer = Mark - other.Mark, slack = near(Mark, other.Mark);
-  return longer <= slack + (other.BeginsCapture ? kLateCapture : 0) &&
-         -longer <= slack + (BeginsCapture ? kLateCapture : 0) &&
+  return longer <= slack + other.MayLack && -longer <= slack + MayLack &&
          std::abs(Space - other.Space) <= near(Space, other.Space);
 }
 
@@ -40,6 +39,7 @@ Body BodyReader::Read(const Piece& piece, std::size_t skipped) {
   Body body;
   body.First = piece.First + skipped;
   body.Size = piece.Size - skipped;
+  body.SampleTime = sampleTime_;
   CountRuns({body.First, body.Size}, std::numeric_limits<int>::max());
   body.Unit = UnitOf(body.Size);
   body.Marks = marks_.Groups(body.Unit);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "signal/sample_bits.h"
 #include "signal/second_look/length_groups.h"
 #include "signal/second_look/press_runs.h"
 
@@ -9,17 +10,14 @@ namespace keplo::robust {
 
 inline constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of noise
 
-/// A line that is looked at now and then begins a capture up to 2 ms after the first edge, samples of 50 us.
-inline constexpr int kLateCapture = 40;
-
 /// A leader in front of a frame, samples.
 struct Leader {
   int Mark = 0, Space = 0;
-  bool BeginsCapture = false;  // its mark may have begun earlier
+  int MayLack = 0;  // of the mark, where the capture may have begun within it
 
   /// Whether the mark, with what the capture may have missed of it, lies between two lengths.
   bool MarkIsWithin(double excess, double least, double most) const {
-    return Mark - excess <= most && Mark - excess + (BeginsCapture ? kLateCapture : 0) >= least;
+    return Mark - excess <= most && Mark - excess + MayLack >= least;
   }
   /// Whether the two could lead frames of one remote; what a lamp begins with differs from time to time.
   bool IsLike(const Leader& other) const;
@@ -30,6 +28,7 @@ struct Body {
   const int* First = nullptr;
   std::size_t Size = 0;
   double Unit = 0;  // about one base time, samples
+  double SampleTime = kNominalSampleTime;  // microseconds
   Lengths Marks, Spaces;
 
   std::size_t MarkCount() const { return Size / 2 + 1; }
@@ -44,6 +43,10 @@ struct Body {
 /// Measures the runs of a press and of its pieces; keeps its memory from one to the next.
 class BodyReader {
  public:
+  /// @param us length of a sample of the captures to come, microseconds
+  void SetSampleTime(double us) { sampleTime_ = us; }
+  double SampleTime() const { return sampleTime_; }
+
   /// About one base time, samples; up to two where the longer runs are the commoner by far.
   double RoughUnit(const PressRuns& runs);
 
@@ -56,6 +59,7 @@ class BodyReader {
   double UnitOf(std::size_t runs) const;
 
   LengthCounts marks_, spaces_;
+  double sampleTime_ = kNominalSampleTime;
 };
 
 }  // namespace keplo::robust

@@ -43,6 +43,7 @@ struct Frame {
   const LineShape* Shape = nullptr;
   const RunAlphabet* Alphabet = nullptr;  // null where each base time of a run is a symbol
   double Unit = 0;                        // base time, samples
+  double UnitUs = 0;                      // ... and microseconds
   double StepUnits = 0;   // from the shorter to the longer length of its digits, base times; 0 for equal ones
   double Excess = 0;      // by which marks are longer and spaces shorter than whole base times, samples
   std::string_view Head;  // symbols of the leader; empty without one

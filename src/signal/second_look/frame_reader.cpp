@@ -161,11 +161,18 @@ void FrameReader::TakeOther(const Piece& piece) {
   found_.Others.push_back({piece, cut, body.LengthsAreDistinct()});
 }
 
+/// A line that is looked at now and then begins a capture up to 2 ms after the first edge.
+Leader FrameReader::LeaderOf(const Piece& piece, int space) const {
+  constexpr double kLateCapture = 2200;  // microseconds
+  const bool first = piece.First == pieces_.front().First;
+  return {piece.First[0], space, first ? static_cast<int>(kLateCapture / bodies_.SampleTime()) : 0};
+}
+
 /// A single mark stands right in front of its frame, not further off than it is long.
 std::optional<Leader> FrameReader::SingleLeader() const {
   if (place_ == 0) return std::nullopt;
   const Piece& before = pieces_[place_ - 1];
-  const Leader leader = {before.First[0], before.After, place_ == 1};
+  const Leader leader = LeaderOf(before, before.After);
   if (!before.IsSingle() || !leader.MarkIsWithin(0, before.After / kOffLeader, before.First[0]))
     return std::nullopt;
   return leader;
@@ -182,13 +189,13 @@ std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
   if (!single && HasLeaderInside(piece)) {
     inside = bodies_.Read(piece, 2);
     const bool cut = IsCutOff(piece, *inside);
-    auto frame = cut ? std::nullopt : ReadBody(*inside, Leader{piece.First[0], piece.First[1], place_ == 0});
+    auto frame = cut ? std::nullopt : ReadBody(*inside, LeaderOf(piece, piece.First[1]));
     if (frame) return frame;
   }
   if (place_ == 0 && !inside && MayBeginInLeader(piece)) {
     const Body late = bodies_.Read(piece, 2);
     if (auto frame = IsCutOff(piece, late) ? std::nullopt
-                                           : ReadBody(late, Leader{piece.First[0], piece.First[1], true}))
+                                           : ReadBody(late, LeaderOf(piece, piece.First[1])))
       return frame;
   }
   const Body body = bodies_.Read(piece, 0);

@@ -45,6 +45,8 @@ class FrameReader {
 
  private:
   void ReadPieces();
+  /// @param piece that begins with the leader
+  Leader LeaderOf(const Piece& piece, int space) const;
   std::optional<Leader> SingleLeader() const;
   bool FollowsLongMark() const;
   std::optional<Frame> ReadPiece(const Piece& piece);

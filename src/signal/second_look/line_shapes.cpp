@@ -27,6 +27,7 @@ std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& lead
     if (!frame) continue;
     if (leader && !shape->TellsLeader && !IsLeaderOf(*leader, *frame)) return std::nullopt;
     frame->Shape = shape;
+    frame->UnitUs = frame->Unit * body.SampleTime;
     frame->First = body.First;
     frame->Runs = body.Size;
     if (leader) frame->Led = *leader;
@@ -43,8 +44,8 @@ int UnitsOf(int run, double excess, double unit) {
 bool HasUsualExcess(const Frame& frame) { return Within(frame.Excess / frame.Unit, -0.3, 0.8); }
 
 bool HasUsualUnit(const Frame& frame) {
-  constexpr double kMostUnit = 16;  // samples; 640 us in those of 40
-  return frame.Unit <= kMostUnit && HasUsualExcess(frame);
+  constexpr double kMostUnit = 880;  // microseconds; all of them have less than 700
+  return frame.UnitUs <= kMostUnit && HasUsualExcess(frame);
 }
 
 bool LeaderSpaceIsDistinct(const Leader& leader, const Body& body) {

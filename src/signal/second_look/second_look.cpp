@@ -195,7 +195,7 @@ bool SecondLook::ReadAfterRests(const robust::PressRuns& runs, int rest) {
   return true;
 }
 
-const RobustReading& SecondLook::Read(const SampleWords& samples) {
+const RobustReading& SecondLook::Read(const SampleWords& samples, double sampleTime) {
   look_.Proven = RobustReading::Proof::Refused;
   look_.BaseT = 0;
   look_.ProtoKind = kUnknown;
@@ -206,6 +206,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples) {
   look_.OtherFrame.clear();
   look_.UnreadMarks = 0;
   found_ = nullptr;
+  frames_.Bodies().SetSampleTime(sampleTime);
 
   const bool joined = robust::SmoothSamples(samples, smooth_);
   const robust::PressRuns runs = robust::FromFirstMark(smoothRuns_.Read(smooth_));

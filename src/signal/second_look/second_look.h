@@ -72,8 +72,9 @@ bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::in
 /// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
 class SecondLook {
  public:
+  /// @param sampleTime microseconds
   /// @return valid until the next call
-  const RobustReading& Read(const SampleWords& samples);
+  const RobustReading& Read(const SampleWords& samples, double sampleTime = kNominalSampleTime);
 
   /// What the last reading went by.
   FramesHeard Heard() const;

@@ -46,10 +46,11 @@ void TakeNoLeader(Frame& /*frame*/, const Leader& /*leader*/, const Body& /*body
 /// Exact in its length and all its pairs, between two silences. RC6, whose base time is half as long, may end
 /// in as many pairs, and a lamp's pulses of one length may be as many.
 bool HalvesProveThemselves(const Frame& frame) {
-  constexpr double kLeastUnit = 10.5, kLeastOfEqual = 12.8;  // samples; 580 and 700 us
+  constexpr double kLeastUnit = 580, kLeastOfEqual = 700, kMostUnit = 1100;  // microseconds; RC5 has 889
   constexpr std::size_t kFewestDoubles = 3;
   const std::size_t doubles = frame.Symbols.size() - frame.Runs;
-  return HasUsualExcess(frame) && frame.Unit > (doubles < kFewestDoubles ? kLeastOfEqual : kLeastUnit);
+  return HasUsualExcess(frame) &&
+         Within(frame.UnitUs, doubles < kFewestDoubles ? kLeastOfEqual : kLeastUnit, kMostUnit);
 }
 
 }  // namespace

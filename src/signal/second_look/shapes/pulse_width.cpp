@@ -49,10 +49,10 @@ std::optional<Frame> ReadWidths(const Body& body, const Leader* leader) {
 }
 
 void TakeWidthLeader(Frame& frame, const Leader& leader, const Body& body) {
-  constexpr double kLeastUnit = 7.5;  // samples; SONY's 600 us in those of 75
+  constexpr double kLeastUnit = 412;  // microseconds; SONY has 600
   const double mark = (leader.Mark - frame.Excess) / frame.Unit;
   const double space = (leader.Space + frame.Excess) / frame.Unit;
-  const bool usual = frame.Unit >= kLeastUnit && HasUsualUnit(frame);
+  const bool usual = frame.UnitUs >= kLeastUnit && HasUsualUnit(frame);
   if (Within(mark, 3.2, 4.8) && space < 2 && usual) frame.Leads = LeaderKind::Width;
   frame.Head = LeaderSpaceIsDistinct(leader, body) ? "Gg" : "G0";
 }
