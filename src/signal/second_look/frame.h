@@ -75,6 +75,7 @@ struct LineShape {
   bool HalvesLookWhole;  // a lost mark may part a frame into two equal ones
   bool TellsLeader;      // Read takes no mark of a digit for a leader, however short that is
   bool HasToggle;        // a digit that is no part of the code flips from press to press
+  bool HasWholeUnits;    // each run of a frame is some base times, and two lengths are one apart
 
   /// The frame of a body whose lengths are those of the line code, but for its leader.
   /// @param leader the one in front of the body; null without one

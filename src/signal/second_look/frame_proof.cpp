@@ -7,6 +7,7 @@
 
 #include "signal/decode.h"
 #include "signal/second_look/frame_parts.h"
+#include "signal/second_look/length_fit.h"
 #include "signal/timing.h"
 
 namespace keplo::robust {
@@ -20,7 +21,10 @@ bool IsRepeat(const Piece& one, const Piece& other) {
                                               [](int a, int b) { return std::abs(a - b) <= kSameRun; });
 }
 
-bool ProvesItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
+bool ProvesItself(const Frame& frame) {
+  return frame.Clear && frame.Shape->ProvesItself(frame) &&
+         (!frame.Shape->HasWholeUnits || LiesInItsLengths(frame));
+}
 
 /// Whether a frame has digits of both kinds, and without the leader of a common protocol enough of them. What
 /// a lamp makes of a receiver's output is pulses of one length, with one or two odd ones.

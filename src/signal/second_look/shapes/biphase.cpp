@@ -63,6 +63,7 @@ const LineShape kBiphaseShape = {
     .HalvesLookWhole = false,
     .TellsLeader = false,
     .HasToggle = true,
+    .HasWholeUnits = true,
     .Read = ReadHalves,
     .TakeLeader = TakeNoLeader,
     .ProvesItself = HalvesProveThemselves,

@@ -148,6 +148,7 @@ const LineShape kPulseDistanceShape = {
     .HalvesLookWhole = true,
     .TellsLeader = false,
     .HasToggle = false,
+    .HasWholeUnits = false,
     .Read = ReadDistances,
     .TakeLeader = TakeDistanceLeader,
     .ProvesItself = DistancesProveThemselves,

@@ -80,6 +80,7 @@ const LineShape kPulseWidthShape = {
     .HalvesLookWhole = false,
     .TellsLeader = false,
     .HasToggle = false,
+    .HasWholeUnits = true,
     .Read = ReadWidths,
     .TakeLeader = TakeWidthLeader,
     .ProvesItself = WidthsProveThemselves,

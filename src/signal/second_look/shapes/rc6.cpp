@@ -49,8 +49,9 @@ std::optional<Frame> ReadRc6Halves(const Body& body, const Leader* leader) {
 
 void TakeRc6Leader(Frame& frame, const Leader& /*leader*/, const Body& /*body*/) { frame.Head = "Gg"; }
 
-bool Rc6ProvesItself(const Frame& /*frame*/) {
-  return true;  // a leader of its own, exact in its length and all its pairs
+/// A leader of its own, exact in its length and all its pairs.
+bool Rc6ProvesItself(const Frame& frame) {
+  return Within(frame.UnitUs, 380, 520);  // 444 where clocks are right
 }
 
 }  // namespace
@@ -63,6 +64,7 @@ const LineShape kRc6Shape = {
     .HalvesLookWhole = false,
     .TellsLeader = true,
     .HasToggle = true,
+    .HasWholeUnits = true,
     .Read = ReadRc6Halves,
     .TakeLeader = TakeRc6Leader,
     .ProvesItself = Rc6ProvesItself,
