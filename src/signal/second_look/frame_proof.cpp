@@ -36,11 +36,18 @@ bool IsVaried(const Frame& frame) {
 }
 
 /// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
-/// that are lost between short spaces may leave the same digits twice.
+/// that are lost at its ends or between short spaces may leave the same digits twice. A first digit that is
+/// lost becomes a part of the leader's space, so that its mark alone tells.
 bool MayLackDigits(const Frame& frame) {
   constexpr std::array<std::size_t, 7> kShort = {14, 15, 23, 30, 31, 46, 47};
-  return frame.Kind() == kNec && frame.Leads != LeaderKind::Other &&
-         std::find(kShort.begin(), kShort.end(), frame.Digits) != kShort.end();
+  constexpr std::array<std::size_t, 4> kShortWidths = {13, 14, 18, 19};
+  const auto isOneOf = [&](const auto& digits) {
+    return std::find(digits.begin(), digits.end(), frame.Digits) != digits.end();
+  };
+  const double leader = (frame.Led.Mark - frame.Excess) / frame.Unit;
+  if (frame.Kind() == kSony) return Within(leader, 3.2, 4.8) && isOneOf(kShortWidths);
+  const bool common = Within(leader, 7, 9.2) || Within(leader, 14, 18.4);
+  return frame.Kind() == kNec && (common || frame.Leads != LeaderKind::Other) && isOneOf(kShort);
 }
 
 bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {

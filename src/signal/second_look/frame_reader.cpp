@@ -126,7 +126,7 @@ void FrameReader::ReadPieces() {
     afterFrame_ = false;
     const bool fits = piece.Size / 2 + 1 >= kShortestPiece && piece.Size <= kMostRuns;
     std::optional<Frame> frame = fits ? ReadPiece(piece) : std::nullopt;
-    if (!frame || (!frame->HasLeader() && frame->Shape->BeginsAtLeader && FollowsLongMark())) {
+    if (!frame || (!frame->HasLeader() && MayLackFront(*frame))) {
       TakeOther(piece);
       continue;
     }
@@ -178,9 +178,20 @@ std::optional<Leader> FrameReader::SingleLeader() const {
   return leader;
 }
 
-/// A long mark too far ahead to be the leader is none of a remote.
-bool FrameReader::FollowsLongMark() const {
-  return place_ > 0 && pieces_[place_ - 1].IsSingle() && StandsOut(pieces_[place_ - 1], pieces_[place_]);
+/// Whether a frame without a leader is what lost marks have left of one: it follows the front of it. Nor is
+/// a long mark too far ahead to be its leader one of a remote.
+bool FrameReader::MayLackFront(const Frame& frame) const {
+  if (place_ == 0 || !frame.Shape->BeginsAtLeader) return false;
+  const Piece& piece = pieces_[place_];
+  if (pieces_[place_ - 1].IsSingle() && StandsOut(pieces_[place_ - 1], piece)) return true;
+  if (!frame.Shape->HalvesLookWhole) return false;
+  for (std::size_t place = place_; place > 0; --place) {
+    const Piece& before = pieces_[place - 1];
+    if (before.After >= frame.Shape->RestUnits * frame.Unit) return false;
+    if (StandsOut(before, piece)) return true;
+    if (before.Size / 2 + 1 >= kShortestPiece) return false;
+  }
+  return false;
 }
 
 std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
@@ -194,8 +205,7 @@ std::optional<Frame> FrameReader::ReadPiece(const Piece& piece) {
   }
   if (place_ == 0 && !inside && MayBeginInLeader(piece)) {
     const Body late = bodies_.Read(piece, 2);
-    if (auto frame = IsCutOff(piece, late) ? std::nullopt
-                                           : ReadBody(late, LeaderOf(piece, piece.First[1])))
+    if (auto frame = IsCutOff(piece, late) ? std::nullopt : ReadBody(late, LeaderOf(piece, piece.First[1])))
       return frame;
   }
   const Body body = bodies_.Read(piece, 0);

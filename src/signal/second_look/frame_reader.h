@@ -48,7 +48,7 @@ class FrameReader {
   /// @param piece that begins with the leader
   Leader LeaderOf(const Piece& piece, int space) const;
   std::optional<Leader> SingleLeader() const;
-  bool FollowsLongMark() const;
+  bool MayLackFront(const Frame& frame) const;
   std::optional<Frame> ReadPiece(const Piece& piece);
   std::optional<Frame> ReadBody(const Body& body, const std::optional<Leader>& leader);
   void TakeUnread(const Piece& piece, const Body& body, bool hasLeader);
