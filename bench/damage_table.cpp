@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include "family_press.h"
 #include "family_tables.h"
@@ -71,6 +72,41 @@ void Spike(PulseTrain& press, Dice& dice) {
   press.insert(press.begin() + place + 1, {width, run - width - ahead});
 }
 
+/// Longer or shorter by up to a millisecond, which is enough to make any digit another; half of them at the
+/// cost of what follows.
+void Shift(PulseTrain& press, Dice& dice) {
+  constexpr int kLeast = 60, kGap = 6000;  // microseconds
+  int place = dice.From(1, static_cast<int>(press.size()) - 3);
+  while (press[static_cast<std::size_t>(place)] > kGap) --place;
+  int& length = press[static_cast<std::size_t>(place)];
+  int& next = press[static_cast<std::size_t>(place) + 1];
+  int by = dice.From(100, 1000);
+  if (dice.Percent(50) && length - by >= kLeast) by = -by;
+  length += by;
+  if (dice.Percent(50) && next - by >= kLeast) next -= by;
+}
+
+/// Some milliseconds of edges that are none of the remote's.
+void Burst(PulseTrain& press, Dice& dice) {
+  int total = 0;
+  for (std::size_t i = 0; i + 1 < press.size(); ++i) total += press[i];
+  const int begin = dice.From(1, total - 1), end = begin + dice.From(1000, 12'000);
+  std::vector<int> edges = {0}, after;
+  int time = 0;
+  for (std::size_t i = 0; i + 1 < press.size(); ++i) {
+    time += press[i];
+    if (time < begin) edges.push_back(time);
+    if (time > end) after.push_back(time);
+  }
+  for (int edge = begin; edge < end; edge += dice.From(50, 700)) edges.push_back(edge);
+  if ((edges.size() + after.size()) % 2 != 0) edges.pop_back();
+  edges.insert(edges.end(), after.begin(), after.end());
+  const int silence = press.back();
+  press.clear();
+  for (std::size_t i = 1; i < edges.size(); ++i) press.push_back(edges[i] - edges[i - 1]);
+  press.push_back(silence);
+}
+
 constexpr std::array kDamages = {Damage{"whole", [](PulseTrain&, Dice&) {}},
                                  Damage{"a mark missing", LoseMark},
                                  Damage{"2 to 4 missing", LoseMarks},
@@ -78,7 +114,9 @@ constexpr std::array kDamages = {Damage{"whole", [](PulseTrain&, Dice&) {}},
                                  Damage{"front cut", CutFront},
                                  Damage{"back cut", CutBack},
                                  Damage{"one length stretched", Stretch},
-                                 Damage{"a spike or hole", Spike}};
+                                 Damage{"one length off by up to 1 ms", Shift},
+                                 Damage{"a spike or hole", Spike},
+                                 Damage{"a burst", Burst}};
 
 class TableClock : public LineClock {
  public:
@@ -109,6 +147,7 @@ bool HearsWrongCode(const PulseTrain& press, const std::string& sent, int sample
       std::string capture(kMonitorCaptureBytes, '\0');
       line.IRMonitor(capture, kUsualDelay);
       SignalState state;
+      state.SampleTime = sampleTime;
       const MonitorReading reading = ReadCapture(capture, state, kAnalysis);
       wrong = wrong || (reading.Ended == Stage::Code && reading.Digits != sent);
     }
@@ -126,6 +165,7 @@ void PrintCell(const PressFamily& family, const Damage& damage) {
     damage.Do(press, dice);
     const int sampleTime = 50 + 5 * dice.From(0, 2);
     SignalState state;
+    state.SampleTime = sampleTime;
     const MonitorReading reading =
         ReadCapture(SignalOfPress(press, kMonitorCaptureBytes, LineOf(sampleTime)), state, kAnalysis);
     if (reading.Ended == Stage::Code) ++(reading.Digits == sent.Code ? right : wrong);

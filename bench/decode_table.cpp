@@ -68,6 +68,7 @@ void PrintCell(const Protocol& protocol, bool shape, const Setter& set) {
     set(conditions, dice);
 
     SignalState state;
+    state.SampleTime = conditions.Line.SampleTime;
     const PulseTrain press = SynthPress(protocol.Kind, bits, conditions.Remote);
     const MonitorReading reading =
         ReadCapture(CaptureOfPress(press, kMonitorCaptureBytes, conditions.Line), state);
@@ -229,6 +230,7 @@ void PrintBoth(const Signal& signal, const Setter& set, const Spoiler& spoil) {
     const std::string capture = CaptureOfPress(trial.Press, trial.Bytes, trial.With.Line);
     for (std::size_t i = 0; i < kBoth.size(); ++i) {
       SignalState state;
+      state.SampleTime = trial.With.Line.SampleTime;
       tallies.at(i).Count(ReadCapture(capture, state, kBoth.at(i)), sent);
     }
   }
@@ -321,6 +323,7 @@ void PrintLoneFrame(const char* press, int digits, const Spoiler& spoil) {
     const std::string capture = CaptureOfPress(trial.Press, trial.Bytes, trial.With.Line);
     for (std::size_t i = 0; i < kBoth.size(); ++i) {
       SignalState state;
+      state.SampleTime = trial.With.Line.SampleTime;
       tallies.at(i).Count(ReadCapture(capture, state, kBoth.at(i)), code);
     }
   }

@@ -45,7 +45,20 @@ PressOnAir Samsung(Dice& dice, int frames) {
   const std::string device = dice.Digits(8);
   return OfFamily("SAMSUNG", device + device + WithInverse(dice, 8), frames);
 }
-PressOnAir Kaseikyo(Dice& dice, int frames) { return OfFamily("KASEIKYO", dice.Digits(48), frames); }
+/// The digits that make an even number of ones with the digits ahead of them, so many places apart.
+std::string EvenColumns(const std::string& digits, std::size_t columns) {
+  std::string sums(columns, '0');
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (digits[i] == '1') sums[i % columns] = sums[i % columns] == '0' ? '1' : '0';
+  }
+  return sums;
+}
+
+PressOnAir Kaseikyo(Dice& dice, int frames) {
+  const std::string vendor = dice.Digits(16);
+  const std::string rest = EvenColumns(vendor, 4) + dice.Digits(20);
+  return OfFamily("KASEIKYO", vendor + rest + EvenColumns(rest, 8), frames);
+}
 PressOnAir Jvc(Dice& dice, int frames) { return OfFamily("JVC", dice.Digits(16), frames); }
 PressOnAir Rca(Dice& dice, int frames) { return OfFamily("RCA", WithInverse(dice, 12), frames); }
 

@@ -104,7 +104,7 @@ void Doubt(RecordReading& reading) {
 /// Of two that read nothing the one that has come further tells why.
 void EndWithSecondLook(const RobustReading& look, Timing& measured, RecordReading& reading) {
   if (reading.Ended >= RecordStage::Fragment || look.BaseT == 0) return;
-  const bool hasFrames = look.Proven == RobustReading::Proof::Refused;
+  const bool hasFrames = look.Proven != RobustReading::Proof::Unsure;
   if (!hasFrames && reading.Ended != RecordStage::NoTiming) return;
   measured.BaseT = look.BaseT;
   measured.ProtoKind = kUnknown;
@@ -120,7 +120,7 @@ void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
     if (!CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
     return EndWithSecondLook(look, state.Measured, reading);
   }
-  if (look.Proven == RobustReading::Proof::Refused) {
+  if (look.Proven == RobustReading::Proof::Refused || !look.HasFrames()) {
     ReadPlainly(state, runs, reading);
     Doubt(reading);
     return EndWithSecondLook(look, state.Measured, reading);

@@ -2,20 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <random>
 
 #include "signal/monitored_press.h"
-#include "signal/rc6.h"
 #include "signal/recorded_press.h"
 #include "signal_builder.h"
 
 namespace keplo {
 namespace {
 
+using tests::DistanceRuns;
 using tests::NecRuns;
 using tests::Rc5Runs;
+using tests::Rc6Runs;
 using tests::SonyRuns;
 using tests::Then;
+using tests::WidthRuns;
+using tests::WithExcess;
 using RunVector = std::vector<int>;
 
 const std::string kNecDigits = "00000000111111110110100010010111";
@@ -24,29 +28,10 @@ const std::string kRc5Digits = "11000000010001";
 const std::string kOtherDigits = "00000000111111111010100001010111";
 const std::string kRcaDigits = "111100101010000011010101";
 const std::string kInverse42 = "101100111000101001100011101001101001100101";
+const std::string kSummed = "100010000000000000000011";
 constexpr int kGap = 700;
 
 RunVector Twice(const RunVector& frame) { return Then(frame, kGap, frame); }
-
-/// As a receiver hands a press on that makes every mark longer, and every space shorter.
-RunVector WithExcess(RunVector press, int excess) {
-  for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? excess : -excess;
-  return press;
-}
-
-RunVector DistanceRuns(const RunVector& leader, int mark, int zero, int one, const std::string& digits) {
-  RunVector runs = leader;
-  for (const char digit : digits) runs.insert(runs.end(), {mark, digit == '1' ? one : zero});
-  runs.push_back(mark);
-  return runs;
-}
-
-RunVector WidthRuns(const RunVector& leader, int space, int zero, int one, const std::string& digits) {
-  RunVector runs = leader;
-  for (const char digit : digits) runs.insert(runs.end(), {digit == '1' ? one : zero, space});
-  runs.pop_back();
-  return runs;
-}
 
 /// As a line that was looked at too late begins a capture.
 RunVector LateBy(int samples, RunVector press) {
@@ -54,20 +39,11 @@ RunVector LateBy(int samples, RunVector press) {
   return press;
 }
 
-/// RC6 with base times of eight samples.
-RunVector Rc6Runs(const std::string& code, bool toggle) {
-  const std::string halves = std::string(kRc6Leader) + Rc6Halves(code, toggle, "10", "01");
-  RunVector runs;
-  for (std::size_t i = 0; i <= halves.rfind('1'); ++i) {
-    if (i == 0 || halves[i] != halves[i - 1]) runs.push_back(0);
-    runs.back() += 8;
-  }
-  return runs;
-}
-
 /// Kind and digits that the monitor reads, or the stage at which it gives up.
-std::string ReadBits(const std::string& samples, Analysis analysis = Analysis::Second) {
+std::string ReadBits(const std::string& samples, Analysis analysis = Analysis::Second,
+                     double sampleTime = kNominalSampleTime) {
   SignalState state;
+  state.SampleTime = sampleTime;
   const MonitorReading reading = ReadCapture(tests::Padded(tests::Bytes(samples)), state, analysis);
   if (reading.Ended != Stage::Code) return std::string(StageName(reading.Ended));
   return std::string(ProtoKindName(state.Measured.ProtoKind)) + " " + reading.Digits;
@@ -75,6 +51,11 @@ std::string ReadBits(const std::string& samples, Analysis analysis = Analysis::S
 
 std::string Read(const RunVector& press, Analysis analysis = Analysis::Second) {
   return ReadBits(tests::Runs(press), analysis);
+}
+
+RunVector Changed(RunVector press, std::size_t run, int by) {
+  press[run] += by;
+  return press;
 }
 
 TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
@@ -115,6 +96,8 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
        "NEC " + kNecDigits + "1100110000110101"},
       {"RCA", DistanceRuns({64, 64}, 8, 16, 32, kRcaDigits), "NEC " + kRcaDigits},
       {"42 digits", NecRuns(kInverse42), "NEC " + kInverse42},
+      {"28 digits that end in their sum, and a ditto", Then(NecRuns(kSummed + "0011"), kGap, {160, 40, 10}),
+       "NEC " + kSummed + "0011"},
       {"NEC whose leader began 2 ms ahead", LateBy(36, NecRuns(kNecDigits)), "NEC " + kNecDigits},
       {"RC6", Rc6Runs("10000000000000001100", false), "RC6 10000000000000001100"},
       {"RC6, the other toggle, late", LateBy(36, Rc6Runs("10000000000000001100", true)),
@@ -132,6 +115,10 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
     for (const int excess : {-1, 0, 1, 2, 3}) {
       EXPECT_EQ(Read(WithExcess(c.Press, excess)), c.Code) << c.Name << ", excess " << excess;
     }
+    if (std::accumulate(c.Press.begin(), c.Press.end(), 0) > 2000) continue;
+    RunVector fine = c.Press;
+    for (int& run : fine) run *= 2;
+    EXPECT_EQ(ReadBits(tests::Runs(fine), Analysis::Second, kNominalSampleTime / 2.0), c.Code) << c.Name;
   }
 }
 
@@ -175,6 +162,14 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
   };
   const RunVector turn = led(80, "0100101110001011");
   const RunVector otherTurn = led(80, "1011010001110100");
+  const RunVector longer = Changed(WidthRuns({40, 10}, 10, 10, 20, kSonyDigits), 4, 7);
+  RunVector spikedSony = sony;
+  spikedSony[6] -= 5;
+  spikedSony.insert(spikedSony.begin() + 7, {2, 3});
+  const std::string offKaseikyo = "010000000000010000001101000000001000010010001011";
+  const RunVector rca = DistanceRuns({64, 64}, 8, 16, 32, kRcaDigits);
+  const RunVector offRca = DistanceRuns({64, 64}, 8, 16, 32, "111100101010000011100110");
+  const RunVector parted = WithoutMark(NecRuns("1111" + kNecDigits.substr(4)), 8);
   const RunVector splitTurn = WithoutMark(led(80, "0100101100110101"), 18, 6);
   struct Case {
     std::string Name;
@@ -212,7 +207,21 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"a lamp's pulses, as many as those of SONY", Then({24}, 4, Twice(WidthRuns({}, 4, 7, 7, kSonyDigits))),
        no},
       {"a lamp's pulses, as many as those of RC5", Rc5Of(11, "10000000000000"), no},
+      {"28 digits that end in another sum", Then(NecRuns(kSummed + "0010"), kGap, {160, 40, 10}), no},
       {"spaces of no common protocol", DistanceRuns({160, 80}, 10, 10, 20, kNecDigits), no},
+      {"SONY alone, a mark made almost as long as the others", longer, no},
+      {"the same with another frame", Then(longer, 200, sony), no},
+      {"RC5 alone, its last space but one made double", Changed(Rc5Runs("11000000010000", 1), 21, 12), no},
+      {"SONY alone, spiked", spikedSony, no},
+      {"RC6 of another base time, alone", Rc6Runs("10000000000000001100", false, 12), no},
+      {"the same, twice", Twice(Rc6Runs("10000000000000001100", false, 12)), "RC6 10000000000000001100"},
+      {"NEC alone, a digit of its inverse byte made another", Changed(nec, 53, 19), no},
+      {"NEC alone, one of its address another", NecRuns("1" + kNecDigits.substr(1)),
+       "NEC 1" + kNecDigits.substr(1)},
+      {"48 digits alone, one of them another", DistanceRuns({64, 32}, 8, 8, 24, offKaseikyo), no},
+      {"first digits that leaders swallowed", Twice(WithoutMark(SonyRuns(kSonyDigits + "11010111"), 2)), no},
+      {"first digits that were parted from their frames", Twice(parted), no},
+      {"a damaged frame between two that prove themselves", Then(Then(rca, kGap, offRca), kGap, rca), no},
   };
   for (const Case& c : cases) {
     const std::string heard = Read(c.Press);
@@ -254,7 +263,10 @@ TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
       {"40 digits behind the leader of NEC", DistanceRuns({160, 80}, 10, 10, 30, kNecDigits + "10110100"),
        kNecDigits + "10110100"},
       {"another piece after it", Then(alone, kGap, {10, 30, 10, 10, 10}), ""},
-      {"without a leader, which may have been cut off", DistanceRuns({}, 10, 10, 30, odd), ""},
+      {"a digit made almost another", Changed(WidthRuns({40, 10}, 10, 10, 20, kSonyDigits), 4, 7), ""},
+      {"without a leader", DistanceRuns({}, 10, 10, 30, odd), odd},
+      {"the same behind another piece, which may be its head",
+       Then({10, 10, 10}, 60, DistanceRuns({}, 10, 10, 30, odd)), ""},
       {"12 digits of pulse distance", lone(odd.substr(0, 12)), odd.substr(0, 12)},
   };
   for (const Case& c : cases) {

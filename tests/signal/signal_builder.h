@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "signal/rc6.h"
+
 namespace keplo::tests {
 
 /// Sample string of runs that alternate, ones first.
@@ -89,6 +91,41 @@ inline std::vector<int> Rc5Runs(const std::string& digits, int frames = 2) {
   if (frame.size() % 2 == 0) frame.pop_back();  // a closing space runs into the gap
   std::vector<int> runs = frame;
   while (--frames > 0) runs = Then(runs, 1600, frame);
+  return runs;
+}
+
+/// As a receiver hands a press on that makes every mark longer, and every space shorter.
+inline std::vector<int> WithExcess(std::vector<int> press, int excess) {
+  for (std::size_t i = 0; i < press.size(); ++i) press[i] += i % 2 == 0 ? excess : -excess;
+  return press;
+}
+
+/// Pulse distance press of any leader and lengths.
+inline std::vector<int> DistanceRuns(const std::vector<int>& leader, int mark, int zero, int one,
+                                     const std::string& digits) {
+  std::vector<int> runs = leader;
+  for (const char digit : digits) runs.insert(runs.end(), {mark, digit == '1' ? one : zero});
+  runs.push_back(mark);
+  return runs;
+}
+
+/// Pulse width press of any leader and lengths.
+inline std::vector<int> WidthRuns(const std::vector<int>& leader, int space, int zero, int one,
+                                  const std::string& digits) {
+  std::vector<int> runs = leader;
+  for (const char digit : digits) runs.insert(runs.end(), {digit == '1' ? one : zero, space});
+  runs.pop_back();
+  return runs;
+}
+
+/// RC6; its base time is eight samples.
+inline std::vector<int> Rc6Runs(const std::string& code, bool toggle, int unit = 8) {
+  const std::string halves = std::string(kRc6Leader) + Rc6Halves(code, toggle, "10", "01");
+  std::vector<int> runs;
+  for (std::size_t i = 0; i <= halves.rfind('1'); ++i) {
+    if (i == 0 || halves[i] != halves[i - 1]) runs.push_back(0);
+    runs.back() += unit;
+  }
   return runs;
 }
 

@@ -27,7 +27,7 @@ struct Leader {
 struct Body {
   const int* First = nullptr;
   std::size_t Size = 0;
-  double Unit = 0;  // about one base time, samples
+  double Unit = 0;                         // about one base time, samples
   double SampleTime = kNominalSampleTime;  // microseconds
   Lengths Marks, Spaces;
 

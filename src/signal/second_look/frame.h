@@ -49,6 +49,7 @@ struct Frame {
   std::string_view Head;  // symbols of the leader; empty without one
   std::string_view Symbols;  // between the marks
   std::size_t Digits = 0;
+  Lengths Marks, Spaces;       // of its runs
   const int* First = nullptr;  // runs without the leader
   std::size_t Runs = 0;
   bool Clear = false;  // no run is anywhere near the middle between two lengths

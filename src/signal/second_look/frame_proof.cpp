@@ -6,6 +6,7 @@
 #include <string>
 
 #include "signal/decode.h"
+#include "signal/second_look/digit_checks.h"
 #include "signal/second_look/frame_parts.h"
 #include "signal/second_look/length_fit.h"
 #include "signal/timing.h"
@@ -21,9 +22,23 @@ bool IsRepeat(const Piece& one, const Piece& other) {
                                               [](int a, int b) { return std::abs(a - b) <= kSameRun; });
 }
 
+bool MayProveItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
+
+/// Whether a code that lacks one digit to be what its protocol sends was received as such: one of the digits
+/// that make it so is longer or shorter than usual, or no remote sends such codes.
+bool IsOneDigitOff(const Frame& frame, const LengthFit& fit) {
+  if (frame.Kind() != kNec) return false;
+  const SuspectDigits suspects = SuspectsOf(DecodeCode(frame.Symbols, kNec));
+  return suspects.Number > 0 &&
+         (suspects.SpoilCode ||
+          !std::all_of(suspects.Places.begin(), suspects.Places.begin() + suspects.Number,
+                       [&](std::size_t place) { return fit.IsUsual(2 * place + 1); }));
+}
+
 bool ProvesItself(const Frame& frame) {
-  return frame.Clear && frame.Shape->ProvesItself(frame) &&
-         (!frame.Shape->HasWholeUnits || LiesInItsLengths(frame));
+  if (!MayProveItself(frame)) return false;
+  const LengthFit fit(frame);
+  return fit.IsClose() && !IsOneDigitOff(frame, fit);
 }
 
 /// Whether a frame has digits of both kinds, and without the leader of a common protocol enough of them. What
@@ -37,17 +52,20 @@ bool IsVaried(const Frame& frame) {
 
 /// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
 /// that are lost at its ends or between short spaces may leave the same digits twice. A first digit that is
-/// lost becomes a part of the leader's space, so that its mark alone tells.
+/// lost becomes a part of the leader's space.
 bool MayLackDigits(const Frame& frame) {
-  constexpr std::array<std::size_t, 7> kShort = {14, 15, 23, 30, 31, 46, 47};
+  constexpr std::array<std::size_t, 12> kShort = {14, 15, 19, 23, 27, 30, 31, 35, 41, 46, 47, 55};
   constexpr std::array<std::size_t, 4> kShortWidths = {13, 14, 18, 19};
   const auto isOneOf = [&](const auto& digits) {
     return std::find(digits.begin(), digits.end(), frame.Digits) != digits.end();
   };
   const double leader = (frame.Led.Mark - frame.Excess) / frame.Unit;
   if (frame.Kind() == kSony) return Within(leader, 3.2, 4.8) && isOneOf(kShortWidths);
+  const double space = (frame.Led.Space + frame.Excess) / frame.Unit;
   const bool common = Within(leader, 7, 9.2) || Within(leader, 14, 18.4);
-  return frame.Kind() == kNec && (common || frame.Leads != LeaderKind::Other) && isOneOf(kShort);
+  const bool swallowed = Within(space, 9.3, 13) || (Within(space, 5.3, 6.7) && frame.Digits > 40);
+  return frame.Kind() == kNec && (frame.Leads != LeaderKind::Other || (common && swallowed)) &&
+         isOneOf(kShort);
 }
 
 bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {
@@ -97,8 +115,8 @@ bool IsInDoubt(const Frame& frame, const Findings& found) {
 
 /// Whether two frames are more than one that was damaged: a run that is stretched makes another digit of one.
 bool DifferAsTwo(const Frame& one, const Frame& other) {
-  constexpr int kFewest = 2;           // digits
-  constexpr double kSameUnit = 0.025;  // of it; one remote has one clock
+  constexpr int kFewest = 2;          // digits
+  constexpr double kSameUnit = 0.05;  // of it; one remote has one clock, and short runs stray
   if (std::abs(one.Unit - other.Unit) > kSameUnit * one.Unit || !one.Led.IsLike(other.Led)) return false;
   const std::string digits = DecodeCode(one.Symbols, one.Kind());
   const std::string others = DecodeCode(other.Symbols, other.Kind());
@@ -132,7 +150,10 @@ bool IsOnlyFrame(const Findings& found) {
   const auto isWholeAndSame = [&](const Frame& frame) {
     return frame.Clear && frame.Ends && frame.SameCode(first);
   };
-  return (first.HasLeader() || found.Frames.size() > 1) && ArePartOf(found, found.Frames) &&
+  const bool mayLackHead = !first.HasLeader() && found.Frames.size() == 1 && !found.Others.empty();
+  // What a stretched run makes of a key's code may be that of another key.
+  const bool sound = found.Frames.size() > 1 || LengthFit(first).IsClose();
+  return sound && !mayLackHead && ArePartOf(found, found.Frames) &&
          std::all_of(found.Frames.begin(), found.Frames.end(), isWholeAndSame);
 }
 
@@ -140,10 +161,14 @@ bool AreTwoInTurns(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
   if (frames.size() < 2 || frames[0].SameCode(frames[1])) return false;
   if (!DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
+  // Of two of one remote neither or both do; one that does not was damaged.
+  if (MayProveItself(frames[0]) != MayProveItself(frames[1])) return false;
   for (std::size_t i = 0; i < frames.size(); ++i) {
     const Frame& frame = frames[i];
     const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && frame.Kind() == kNec;
-    if (!whole || frame.Head != frames[0].Head || frame.Digits != frames[0].Digits) return false;
+    if (!whole || !LengthFit(frame).IsClose() || frame.Head != frames[0].Head ||
+        frame.Digits != frames[0].Digits)
+      return false;
     if (i >= 2 && !frame.SameCode(frames[i - 2])) return false;
   }
   return true;
@@ -153,6 +178,14 @@ bool IsOneFrame(const std::vector<Piece>& pieces) {
   return pieces.size() > 1 && std::all_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
            return IsRepeat(piece, pieces.front());
          });
+}
+
+bool HasOtherAsLong(const Findings& found) {
+  constexpr std::size_t kLeader = 2;  // runs
+  const Piece& frame = found.Unknown.front();
+  return std::any_of(found.Others.begin(), found.Others.end(), [&](const OtherPiece& other) {
+    return !other.IsCut && other.Of.Size + kLeader >= frame.Size && !IsRepeat(other.Of, frame);
+  });
 }
 
 bool TakeTurns(const std::vector<Frame>& frames) {

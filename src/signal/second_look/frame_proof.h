@@ -15,7 +15,7 @@ namespace keplo::robust {
 const Frame* ProvenFrame(const Findings& found);
 
 /// Whether one frame, once or again and again, and its dittos are all there is of the press. Without a leader
-/// one that is alone may have lost its head.
+/// one that is alone beside other pieces may have lost its head.
 bool IsOnlyFrame(const Findings& found);
 
 /// Whether the frames are two that take turns, both whole and with a leader of the same kind: a command of
@@ -24,6 +24,10 @@ bool AreTwoInTurns(const Findings& found);
 
 /// Whether the pieces are one frame, sent again and again.
 bool IsOneFrame(const std::vector<Piece>& pieces);
+
+/// Whether a whole piece is about as long as the frames of no line code, and none of them.
+/// @param found at least one unknown piece
+bool HasOtherAsLong(const Findings& found);
 
 /// Frames that take turns, as some remotes send a frame and its complement.
 bool TakeTurns(const std::vector<Frame>& frames);

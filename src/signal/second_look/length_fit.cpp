@@ -16,43 +16,61 @@ int UnitsOfRun(const Frame& frame, std::size_t run) {
   return UnitsOf(frame.First[run], SignOf(run) * frame.Excess, frame.Unit);
 }
 
-/// Base time and excess that leave the least squares; a run that strays moves them less than a mean of few.
-struct FittedLengths {
-  double Unit = 0, Excess = 0;  // samples
-};
-
-FittedLengths FitOf(const Frame& frame) {
-  double units = 0, squares = 0, lengths = 0, products = 0;
-  for (std::size_t i = 0; i < frame.Runs; ++i) {
-    const double number = UnitsOfRun(frame, i), length = frame.First[i];
-    units += SignOf(i) * number;
-    squares += number * number;
-    lengths += SignOf(i) * length;
-    products += number * length;
-  }
-  const auto runs = static_cast<double>(frame.Runs);
-  const double scale = runs * squares - units * units;
-  if (scale == 0) return {frame.Unit, frame.Excess};
-  return {(runs * products - units * lengths) / scale, (squares * lengths - units * products) / scale};
+/// The mean of the group that a run belongs to.
+double MeanOf(const Lengths& lengths, int run) {
+  return lengths.IsLong(run) ? lengths.Long().Mean : lengths.Short().Mean;
 }
 
 }  // namespace
 
-bool LiesInItsLengths(const Frame& frame) {
-  // What the grid of samples and one odd edge leave, and how much further than usual the worst of some 30
-  // edges is: with 25 us of jitter, as the worst remotes have, none of 400,000 made frames is refused.
-  constexpr double kLeastSlack = 1.5, kLeastSlackUs = 80, kSpreads = 3.2;
-  const FittedLengths fit = FitOf(frame);
-  double worst = 0, squares = 0;
+/// Base time and excess are those of the least squares, which one run moves less than it does the mean of its
+/// few equals. Where lengths are no whole base times, their means are all there is.
+LengthFit::LengthFit(const Frame& frame)
+    : frame_(frame),
+      whole_(frame.Shape->HasWholeUnits && (frame.StepUnits == 0 || Within(frame.StepUnits, 0.8, 1.2))),
+      unit_(frame.Unit),
+      excess_(frame.Excess) {
+  const auto runs = static_cast<double>(frame.Runs);
+  if (whole_) {
+    double units = 0, unitSquares = 0, lengths = 0, products = 0;
+    for (std::size_t i = 0; i < frame.Runs; ++i) {
+      const double number = UnitsOfRun(frame, i), length = frame.First[i];
+      units += SignOf(i) * number;
+      unitSquares += number * number;
+      lengths += SignOf(i) * length;
+      products += number * length;
+    }
+    const double scale = runs * unitSquares - units * units;
+    if (scale > 0) {
+      unit_ = (runs * products - units * lengths) / scale;
+      excess_ = (unitSquares * lengths - units * products) / scale;
+    }
+  }
+  double squares = 0;
   for (std::size_t i = 0; i < frame.Runs; ++i) {
-    const double off = frame.First[i] - UnitsOfRun(frame, i) * fit.Unit - SignOf(i) * fit.Excess;
-    worst = std::max(worst, std::abs(off));
+    const double off = Off(i);
+    worst_ = std::max(worst_, off);
     squares += off * off;
   }
   constexpr double kKnown = 3;  // base time, excess, and the run that is asked about
-  const double others = std::max(squares - worst * worst, 0.0) / (static_cast<double>(frame.Runs) - kKnown);
+  spread_ = std::sqrt(std::max(squares - worst_ * worst_, 0.0) / std::max(runs - kKnown, 1.0));
+  // What the grid of samples and one odd edge leave, and how much further than usual the worst of some 30 or
+  // 100 edges is. The most is what 25 us of jitter leave, which the worst remotes have.
+  constexpr double kLeastSlack = 1.5, kLeastSlackUs = 80, kSpreads = 3.2, kMostSlackUs = 225;
   const double samples = frame.Unit / frame.UnitUs;  // in a microsecond
-  return worst <= std::max(kLeastSlack, kLeastSlackUs * samples) + kSpreads * std::sqrt(others);
+  const double least = std::max(kLeastSlack, kLeastSlackUs * samples);
+  slack_ = std::min(least + kSpreads * spread_, std::max(2 * least, kMostSlackUs * samples));
+}
+
+double LengthFit::Off(std::size_t run) const {
+  const int length = frame_.First[run];
+  if (!whole_) return std::abs(length - MeanOf(run % 2 == 0 ? frame_.Marks : frame_.Spaces, length));
+  return std::abs(length - UnitsOfRun(frame_, run) * unit_ - SignOf(run) * excess_);
+}
+
+bool LengthFit::IsUsual(std::size_t run) const {
+  constexpr double kSpreads = 2, kGrid = 1;  // of the others, and samples
+  return Off(run) <= std::max(kSpreads * spread_, kGrid);
 }
 
 }  // namespace keplo::robust

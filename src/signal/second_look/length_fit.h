@@ -1,11 +1,30 @@
 #pragma once
 
+#include <cstddef>
+
 #include "signal/second_look/frame.h"
 
 namespace keplo::robust {
 
-/// Whether no run of a frame is further from whole base times than the others let expect. A run that
-/// something stretched to the length of another digit mostly is. The frame's runs must be of whole base times.
-bool LiesInItsLengths(const Frame& frame);
+/// How far the runs of a frame are from the lengths that all of them tell. A run that something stretched or
+/// shortened to the length of another digit is mostly further off than the others.
+class LengthFit {
+ public:
+  explicit LengthFit(const Frame& frame);
+
+  /// Whether no run is further off than the others let expect.
+  bool IsClose() const { return worst_ <= slack_; }
+  /// Whether a run is no further off than most.
+  bool IsUsual(std::size_t run) const;
+
+ private:
+  double Off(std::size_t run) const;
+
+  const Frame& frame_;
+  bool whole_;            // all lengths are whole base times
+  double unit_, excess_;  // samples
+  double spread_ = 0;     // usual distance of a run, the worst left out
+  double worst_ = 0, slack_ = 0;
+};
 
 }  // namespace keplo::robust

@@ -28,6 +28,8 @@ std::optional<Frame> FrameOf(const Body& body, const std::optional<Leader>& lead
     if (leader && !shape->TellsLeader && !IsLeaderOf(*leader, *frame)) return std::nullopt;
     frame->Shape = shape;
     frame->UnitUs = frame->Unit * body.SampleTime;
+    frame->Marks = body.Marks;
+    frame->Spaces = body.Spaces;
     frame->First = body.First;
     frame->Runs = body.Size;
     if (leader) frame->Led = *leader;

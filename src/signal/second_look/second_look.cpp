@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <functional>
+#include <numeric>
 
 #include "signal/decode.h"
 #include "signal/run_symbols.h"
@@ -159,11 +160,26 @@ void SecondLook::WriteSymbols(const robust::Findings& found, const robust::Frame
   if (std::string_view(symbols).substr(0, 2) == "gG") symbols.erase(0, 1);
 }
 
-void SecondLook::ReadProof(const robust::Findings& found) {
+/// Whether runs of interference were joined within a frame.
+bool SecondLook::HasInterference(const robust::Frame& frame, const SampleWords& samples) const {
+  const int begin = std::accumulate(firstRun_, frame.First, 0);
+  const int end = std::accumulate(frame.First, frame.First + frame.Runs, begin);
+  for (int sample = begin; sample < end; ++sample) {
+    const auto place = static_cast<std::size_t>(sample);
+    const std::uint64_t joined = samples.Words[place / kBitsPerWord] ^ smooth_.Words[place / kBitsPerWord];
+    if ((joined >> place % kBitsPerWord & 1U) != 0) return true;
+  }
+  return false;
+}
+
+void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* samples) {
   const std::vector<robust::Frame>& frames = found.Frames;
   const bool two = robust::AreTwoInTurns(found);
   const bool turns = robust::LackLeaders(frames) && robust::TakeTurns(frames);
   const robust::Frame* proven = two || turns ? nullptr : robust::ProvenFrame(found);
+  // What spoils a run of whole base times may have made it another one; of RC5 the pairs tell it.
+  const bool alone = proven != nullptr && frames.size() == 1 && proven->Shape->HasWholeUnits;
+  if (alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples)) proven = nullptr;
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
@@ -209,18 +225,21 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, double sampleT
   frames_.Bodies().SetSampleTime(sampleTime);
 
   const bool joined = robust::SmoothSamples(samples, smooth_);
-  const robust::PressRuns runs = robust::FromFirstMark(smoothRuns_.Read(smooth_));
+  const RunSpan smoothRuns = smoothRuns_.Read(smooth_);
+  firstRun_ = smoothRuns.data();
+  const robust::PressRuns runs = robust::FromFirstMark(smoothRuns);
   const double unit = frames_.Bodies().RoughUnit(runs);
   LookForFineSignal(samples, runs, unit, joined);
   if (look_.Proven == RobustReading::Proof::Unsure) return look_;
   const robust::Findings& found = frames_.Read(runs, unit);
   found_ = &found;
   if (!found.Frames.empty()) {
-    ReadProof(found);
+    ReadProof(found, joined ? &samples : nullptr);
   } else if (robust::IsOneFrame(found.Unknown)) {
     look_.Proven = RobustReading::Proof::Unsure;
     look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
-    look_.UnreadMarks = found.UnknownMarks;
+    // Another analysis might read that one.
+    look_.UnreadMarks = robust::HasOtherAsLong(found) ? 0 : found.UnknownMarks;
   }
   if (look_.Proven != RobustReading::Proof::Refused) return look_;
   // What was found is told, see Heard.

@@ -82,12 +82,15 @@ class SecondLook {
  private:
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
                          bool joined);
-  void ReadProof(const robust::Findings& found);
+  /// @param samples whose interference was joined; null without any
+  void ReadProof(const robust::Findings& found, const SampleWords* samples);
+  bool HasInterference(const robust::Frame& frame, const SampleWords& samples) const;
   bool ReadAfterRests(const robust::PressRuns& runs, int rest);
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;
   RunReader smoothRuns_, allRuns_;
+  const int* firstRun_ = nullptr;  // of the smooth samples
   robust::FrameReader frames_;
   const robust::Findings* found_ = nullptr;  // by the last reading; null where it went for no frames
   std::vector<robust::Piece> finePieces_;

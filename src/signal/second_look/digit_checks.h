@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace keplo::robust {
+
+/// Digits of a code that is all but one digit what its protocol sends: any of these may be the one that is
+/// wrong.
+struct SuspectDigits {
+  static constexpr std::size_t kMost = 6;
+  std::array<std::size_t, kMost> Places{};
+  std::size_t Number = 0;
+  /// Whether hardly any protocol sends such codes. Else some remotes do, whose digits are no inverse ones.
+  bool SpoilCode = false;
+
+  void Add(std::size_t place) { Places.at(Number++) = place; }
+};
+
+/// The suspects among 32 or 48 digits of pulse distance; none where their inverse bytes or sums hold, or
+/// there are none of these.
+SuspectDigits SuspectsOf(std::string_view digits);
+
+}  // namespace keplo::robust
