@@ -88,11 +88,7 @@ bool TellsTiming(const MonitorReading& reading) {
 /// What the reading measured before it ended.
 std::string Numbers(const SignalState& state, const MonitorReading& reading) {
   std::string text;
-  if (reading.Ended == Stage::NoTiming) {
-    const CommonLengths common = CommonLengthsOf(state.Measured);
-    const auto length = [&](int samples) { return samples == 0 ? "missing" : UsText(samples, state); };
-    text = "; the commonest mark is " + length(common.Mark) + ", the commonest space " + length(common.Space);
-  } else if (TellsTiming(reading)) {
+  if (TellsTiming(reading)) {
     text = "; " + std::string(ProtoKindName(state.Measured.ProtoKind)) + ", base time " +
            UsText(state.Measured.BaseT, state);
   }
@@ -102,24 +98,61 @@ std::string Numbers(const SignalState& state, const MonitorReading& reading) {
   return text;
 }
 
+/// Why there is no base time: the one reason of those that the stage has.
+std::string WhyNoTiming(const SignalState& state) {
+  const CommonLengths common = CommonLengthsOf(state.Measured);
+  std::string why;
+  if (common.Mark == 0 || common.Space == 0) {
+    why = std::string(common.Mark == 0 ? "no mark" : "no space") + " is between " + UsText(4, state) +
+          " and " + UsText(91, state) + " long";
+  } else {
+    why = "the commonest mark is " + UsText(common.Mark, state) + ", the commonest space " +
+          UsText(common.Space, state) + ": more than " + UsText(5, state) + " apart, so that one of them is" +
+          " the longer length of its digits";
+  }
+  return std::string(StageName(Stage::NoTiming)) + " (" + why + ")";
+}
+
 std::string Counted(int count, std::string_view what) {
   return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
 }
 
+/// Where digits differ, as text.
+std::string PlacesText(const std::vector<std::size_t>& places) {
+  constexpr std::size_t kMost = 6;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(places.size(), kMost); ++i) {
+    text += (i == 0 ? (places.size() == 1 ? "digit " : "digits ") : ", ") + std::to_string(places[i]);
+  }
+  if (places.size() > kMost) text += " and " + std::to_string(places.size() - kMost) + " more";
+  return text;
+}
+
+std::string LengthsText(std::size_t number, std::string_view what) {
+  if (number == 0) return "some " + std::string(what) + "s stand between two lengths";
+  return "its " + std::string(what) + "s have " + Counted(static_cast<int>(number), "length");
+}
+
 /// The rule by which the second look ended without a code that is sure.
-std::string_view RuleOf(const FramesHeard& heard) {
+std::string RuleOf(const FramesHeard& heard) {
   if (heard.Proven == RobustReading::Proof::Sure) return "";
   if (heard.TooFine) return "so short a base time is left to the first analysis";
-  if (heard.Frames == 0) return "no line code fits";
+  if (heard.Frames == 0 && heard.Others == 0) return "no line code fits";
+  if (heard.Frames == 0) {
+    return "no line code fits the longest piece: " + LengthsText(heard.MarkLengths, "mark") + ", " +
+           LengthsText(heard.SpaceLengths, "space");
+  }
   if (heard.Frames == 1 && heard.Others == 0) return "one frame alone proves too little";
   if (heard.Proven == RobustReading::Proof::Single) return "the frames prove too little";
-  if (heard.Alike < heard.Frames) return "the frames differ";
+  if (heard.Alike < heard.Frames) {
+    return "the frames differ in " + (heard.Differ.empty() ? "their lengths" : PlacesText(heard.Differ));
+  }
   return heard.Others > 0 ? "the other pieces tell of more than these frames"
                           : "the digits are of one kind, or fewer than such a protocol has";
 }
 
 /// What the second look went by, with those of its numbers that the reading has not told.
-std::string FramesText(const SignalState& state, const MonitorReading& reading) {
+std::string FramesText(SignalState& state, const MonitorReading& reading) {
   const FramesHeard heard = state.Second.Heard();
   std::string text;
   const auto add = [&](const std::string& part) {
@@ -130,14 +163,16 @@ std::string FramesText(const SignalState& state, const MonitorReading& reading) 
   if (heard.BaseT > 0 && !TellsTiming(reading)) add("base time " + UsText(heard.BaseT, state));
   if (heard.Frames > 1) add(std::to_string(heard.Alike) + " of them alike");
   if (heard.Others > 0) add(Counted(heard.Others, "other piece"));
-  add(std::string(RuleOf(heard)));
+  add(RuleOf(heard));
   return text;
 }
 
 Attempt Try(const Press& press, const LineOptions& line, Analysis analysis, SignalState& state) {
   state = {};
   Attempt attempt{ReadAsMonitor(press, line, analysis, state), {}};
-  attempt.Text = DescribeStage(attempt.Reading.Ended) + Numbers(state, attempt.Reading);
+  const bool noTiming = attempt.Reading.Ended == Stage::NoTiming;
+  attempt.Text = (noTiming ? WhyNoTiming(state) : DescribeStage(attempt.Reading.Ended)) +
+                 Numbers(state, attempt.Reading);
   const bool wasRead = attempt.Reading.Ended > Stage::Short;
   if (analysis == Analysis::Second && wasRead) attempt.Text += FramesText(state, attempt.Reading);
   return attempt;

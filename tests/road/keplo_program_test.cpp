@@ -92,9 +92,9 @@ TEST(KeploProgram, ExplainsWhatWasHeardAndWhatToDo) {
   const Install install;
   for (const auto& [pulses, part] :
        {std::pair("+300000", "rests at the other level"),
-        {"+9000 -4500 +9000", "; the commonest mark is missing, the commonest space 4400 us"},
+        {"+9000 -4500 +9000", "no-timing (no mark is between 220 us and 5005 us long)"},
         {"+300 -300 +400 -2000 +500", "to do: Move closer"},
-        {"+300 -300 +400 -2000 +500", "us; 0 whole frames, 2 other pieces, no line code fits\n"},
+        {"+300 -300 +400 -2000 +500", "no line code fits the longest piece: its marks have 1 length"},
         {"+300 -300 +400 -2000 +500", "  spaces: 1 of 330 us, 1 of 2035 us\n"}}) {
     const Ran ran = RunShell("echo '" + std::string(pulses) + "' | '" KEPLO_PROGRAM "' explain -");
     EXPECT_EQ(ran.Status, 1);

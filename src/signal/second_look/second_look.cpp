@@ -88,6 +88,23 @@ bool AreFramesAfterRests(const Findings& found) {
          std::all_of(found.Others.begin(), found.Others.end(), isLeaderOrCut);
 }
 
+/// Places, from 1, of the digits in which the first frame differs from the next other one with as many.
+std::vector<std::size_t> PlacesThatDiffer(const std::vector<Frame>& frames) {
+  std::vector<std::size_t> places;
+  for (const Frame& frame : frames) {
+    const Frame& first = frames.front();
+    if (frame.SameCode(first) || frame.Kind() != first.Kind()) continue;
+    const std::string digits = DecodeCode(first.Symbols, first.Kind());
+    const std::string others = DecodeCode(frame.Symbols, frame.Kind());
+    if (digits.size() != others.size()) continue;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+      if (digits[i] != others[i]) places.push_back(i + 1);
+    }
+    break;
+  }
+  return places;
+}
+
 /// A leader space that reads as a digit belongs to the frame.
 void WriteFrame(const Frame& frame, std::string& symbols) {
   const std::size_t digits = std::min(frame.Head.find_first_not_of(kMarks), frame.Head.size());
@@ -179,7 +196,8 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   const robust::Frame* proven = two || turns ? nullptr : robust::ProvenFrame(found);
   // What spoils a run of whole base times may have made it another one; of RC5 the pairs tell it.
   const bool alone = proven != nullptr && frames.size() == 1 && proven->Shape->HasWholeUnits;
-  if (alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples)) proven = nullptr;
+  if (alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples))
+    proven = nullptr;
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
@@ -248,8 +266,10 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, double sampleT
   return look_;
 }
 
-FramesHeard SecondLook::Heard() const {
-  FramesHeard heard{look_.BaseT, look_.ProtoKind};
+FramesHeard SecondLook::Heard() {
+  FramesHeard heard;
+  heard.BaseT = look_.BaseT;
+  heard.ProtoKind = look_.ProtoKind;
   heard.Proven = look_.Proven;
   heard.TooFine = found_ == nullptr && look_.Proven == RobustReading::Proof::Unsure;
   if (found_ == nullptr) return heard;
@@ -259,6 +279,16 @@ FramesHeard SecondLook::Heard() const {
     const auto alike = std::count_if(found_->Frames.begin(), found_->Frames.end(),
                                      [&](const robust::Frame& other) { return frame.SameCode(other); });
     heard.Alike = std::max(heard.Alike, static_cast<int>(alike));
+  }
+  heard.Differ = robust::PlacesThatDiffer(found_->Frames);
+  if (heard.Frames == 0 && heard.Others > 0) {
+    const auto longest = std::max_element(
+        found_->Others.begin(), found_->Others.end(),
+        [](const robust::OtherPiece& a, const robust::OtherPiece& b) { return a.Of.Size < b.Of.Size; });
+    const robust::Piece& piece = longest->Of;
+    const robust::Body body = frames_.Bodies().Read(piece, robust::HasLeaderInside(piece) ? 2 : 0);
+    heard.MarkLengths = body.Marks.Number;
+    heard.SpaceLengths = body.Spaces.Number;
   }
   return heard;
 }

@@ -55,6 +55,12 @@ struct FramesHeard {
   int Alike = 0;         // the most of them that have the same digits
   int Others = 0;        // pieces that are none, such as half a frame
   bool TooFine = false;  // the base time is too short for receivers to keep its spaces
+  /// Places, from 1, of the digits in which the first frame differs from the next one with as many; empty
+  /// without such a one.
+  std::vector<std::size_t> Differ;
+  /// Where no frame is one of a line code: into how many lengths the runs of the longest piece fall; 0 where
+  /// some stand between two lengths.
+  std::size_t MarkLengths = 0, SpaceLengths = 0;
   RobustReading::Proof Proven = RobustReading::Proof::Refused;
 };
 
@@ -77,7 +83,7 @@ class SecondLook {
   const RobustReading& Read(const SampleWords& samples, double sampleTime = kNominalSampleTime);
 
   /// What the last reading went by.
-  FramesHeard Heard() const;
+  FramesHeard Heard();
 
  private:
   void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
