@@ -238,6 +238,9 @@ TEST(RawLesson, WantsEachFormTwice) {
       EXPECT_TRUE(lesson.Hear(ear.Hear(Silent(runs))));
     }
     EXPECT_EQ(lesson.IsLastConfirmed(), row.Confirmed) << row.Presses;
+    if (row.Presses == std::string("Ss")) {
+      EXPECT_EQ(lesson.Last().Signal.Lengths, Learned("", Enclosed("skkks")).Forms.front());
+    }
     EXPECT_EQ(lesson.TakesTurns(), row.TakesTurns) << row.Presses;
     EXPECT_EQ(lesson.AreTurns(), row.AreTurns) << row.Presses;
   }

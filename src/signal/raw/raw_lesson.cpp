@@ -94,6 +94,13 @@ HeardLengths TellingPart(const HeardLengths& heard) {
   return {heard.Runs.first(frames.Ends[kept - 1]), heard.Cut && !whole, heard.SampleTime, heard.Gap};
 }
 
+/// Whether what two presses have at a place, microseconds, may be one length: jitter and raster of both, or a
+/// space between frames that is counted out less carefully.
+bool IsSameLength(int stored, int press) {
+  constexpr int kMostApart = 240;
+  return std::abs(stored - press) <= kMostApart + stored / 25;
+}
+
 bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
   const std::span<const int> left = FirstFrame(a), right = FirstFrame(b);
   const double leftTime = std::accumulate(left.begin(), left.end(), 0.0);
@@ -107,6 +114,8 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
 void RawLesson::TakeMean(Form& form, const RawLengths& press) {
   RawLengths& mean = form.Signal.Lengths;
   for (std::size_t i = 0; i < std::min(mean.size(), press.size()); ++i) {
+    // A tap and a hold stand side by side as far as they have as many frames.
+    if (i > 0 && !IsSameLength(mean[i], press[i])) return;
     const double sum = static_cast<double>(mean[i]) * form.Presses + press[i];
     // The first mark may have begun ahead of a recording.
     mean[i] = i == 0 ? std::max(mean[0], press[0]) : static_cast<int>(std::lround(sum / (form.Presses + 1)));
