@@ -170,6 +170,8 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
   const RunVector rca = DistanceRuns({64, 64}, 8, 16, 32, kRcaDigits);
   const RunVector offRca = DistanceRuns({64, 64}, 8, 16, 32, "111100101010000011100110");
   const RunVector parted = WithoutMark(NecRuns("1111" + kNecDigits.substr(4)), 8);
+  RunVector beheaded = LateBy(2, From(turn, 2));
+  beheaded[1] = 30;
   const RunVector splitTurn = WithoutMark(led(80, "0100101100110101"), 18, 6);
   struct Case {
     std::string Name;
@@ -198,6 +200,8 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"the front part of a frame", split, no},
       {"the front part of a frame, and a ditto", Then(split, kGap, {160, 40, 10}), no},
       {"the equal halves of a frame", halves, no},
+      {"two that agree, behind one without a leader and with a wrong space",
+       Then(Then(beheaded, kGap, turn), kGap, turn), "NEC 0100101110001011"},
       {"one of two in turns, the other one damaged",
        Then(Then(turn, kGap, WithoutMark(otherTurn, 8, 3)), kGap, turn), no},
       {"the same, split behind digits that are alike", Then(Then(turn, kGap, splitTurn), kGap, turn), no},
