@@ -67,7 +67,7 @@ TEST(Learning, KeepsTheLengthsOfWhatNoAnalysisReads) {
               {"record" + a, 1, {"keplo learn can store it as a raw command"}},
               {"learn" + a + named, 1, {"not yet validated", "give recordings of two presses"}},
               {"learn" + a + c + named, 1, {"give two of each in turns"}},
-              {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths"}},
+              {"learn" + a + b + named, 0, {"NEC&COOL learned as raw: G", "109 lengths\n"}},
               {"learn" + b + a + " --name 'NEC&COLD'", 1, {"This command exist as COOL"}},
               {"learn" + c + c + " --name 'NEC&HEAT'", 1, {"give recordings of two presses"}},
               {"learn" + c + d + " --name 'NEC&HEAT'", 0, {"learned as raw"}},
