@@ -61,6 +61,7 @@ TEST(DeviceAccess, TellsAnotherProgramThatHasADevice) {
   EXPECT_EQ(HolderOfDevice(device), "") << "nobody but this one";
   const pid_t child = fork();
   while (child == 0) pause();
+  ASSERT_GT(child, 0);
   EXPECT_EQ(HolderOfDevice(device), NameOfProcess(child));
   const bool locks = static_cast<bool>(std::ofstream(lockFile) << child << std::flush);
   EXPECT_EQ(HolderOfLockFile(device), locks ? NameOfProcess(child) : "");
