@@ -238,7 +238,9 @@ TEST(SerialLine, IsDarkWhileItsProgramIsStopped) {
     SerialLine line(port, kSimulatedDevice, receiver, {}, {});
     line.OpenCom(1);
     line.IRSend("\xF0\xF0", 560, 0);
-    _exit(line.Sent() ? 0 : 1);
+    const bool sent = line.Sent();
+    line.CloseCom();  // else its lock file stays
+    _exit(sent ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, WUNTRACED), child);
