@@ -43,6 +43,7 @@ inline std::vector<std::int64_t> StartsOf(const PulseTrain& press) {
 inline std::string Heard(const PulseTrain& press, const LineOptions& options = {},
                          Analysis analysis = Analysis::First) {
   SignalState state;
+  state.SampleTime = options.SampleTime;
   const MonitorReading reading =
       ReadCapture(CaptureOfPress(press, kMonitorCaptureBytes, options), state, analysis);
   return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
