@@ -39,7 +39,8 @@ RawPeriods::RawPeriods(std::span<const int> stored) {
 
 RawPeriods::Heard::Heard(const HeardLengths& heard) {
   const float off = 2 * RawTolerance(heard.SampleTime) + kRounding;
-  for (std::size_t i = 0; i < PeriodsOf(LengthsInPlace(heard)); ++i) {
+  const std::size_t periods = PeriodsOf(LengthsInPlace(heard));
+  for (std::size_t i = 0; i < periods; ++i) {
     const auto period = static_cast<float>(heard.Us(2 * i + 1) + heard.Us(2 * i + 2));
     for (std::size_t border = 0; border < kBorders.size(); ++border) {
       // What is not near the border itself is near nothing beyond it.
