@@ -55,13 +55,15 @@ int CheckedWire::In() {
   if (count < 0 && IsNothingYet(errno)) return 0;
   if (count < 0 && errno != ECONNRESET) return errno;
   ended_ = ended_ || count <= 0;
-  if (ended_) return 0;
+  // Who hangs up before it has proved who it is may not speak TLS at all.
+  if (ended_) return tls_ && !tls_->IsUp() ? kNotSecure : 0;
   return TakeSaid({piece.data(), static_cast<std::size_t>(count)});
 }
 
 int CheckedWire::TakeSaid(std::string_view bytes) {
   if (!tls_) return check_.Take(bytes) ? 0 : kNotMqtt;
   const bool isSecure = tls_->Take(bytes);
+  ended_ = ended_ || tls_->HasEnded();
   const std::string opened = std::exchange(tls_->Opened(), {});
   if (!check_.Take(opened)) return kNotMqtt;
   return isSecure ? 0 : kNotSecure;
@@ -81,6 +83,8 @@ bool CheckedWire::HandOn() {
 
 /// @return false if there is no secure connection to take it to
 bool CheckedWire::TakeFromLibrary() {
+  // Also why there is none, for the one who looks after the broker.
+  if (tls_) out_ += std::exchange(tls_->Sealed(), {});
   if (tls_ && !tls_->Fault().empty()) return false;
   Piece piece;
   const bool fits = out_.size() < kMostOut && (!tls_ || tls_->IsUp());
@@ -97,8 +101,8 @@ bool CheckedWire::TakeFromLibrary() {
 
 int CheckedWire::Out() {
   for (;;) {
-    if (!TakeFromLibrary()) return kNotSecure;
-    if (out_.empty()) return 0;
+    const bool isSecure = TakeFromLibrary();
+    if (out_.empty()) return isSecure ? 0 : kNotSecure;
     const ssize_t sent = send(broker_.Number(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent < 0 && errno == EPIPE) {
       // What the broker has said before it hung up is still to be read.

@@ -148,7 +148,10 @@ int MosquittoClient::WithOutput(int error) {
 
 int MosquittoClient::Read() {
   if (!wire_) return MOSQ_ERR_NO_CONN;
-  if (const int fault = wire_->In(); fault != 0) return ErrorOf(fault);
+  if (const int fault = wire_->In(); fault != 0) {
+    wire_->Out();
+    return ErrorOf(fault);
+  }
   int error = MOSQ_ERR_SUCCESS;
   while (error == MOSQ_ERR_SUCCESS && wire_->HandOn()) error = Noted(mosquitto_loop_read(client_.get(), 1));
   return WithOutput(error);

@@ -35,6 +35,11 @@ std::string AboutTls(const std::string& detail, const BrokerSettings& settings) 
   if (Says(detail, "unknown ca")) {
     return "the broker does not know who signed our certificate; set \"certificate\" to one that it knows.";
   }
+  const bool isOfUnknown = Says(detail, "self-signed") || Says(detail, "unable to get");
+  if (Says(detail, "certificate verify failed: ") && !isOfUnknown && !Says(detail, "not yet valid")) {
+    return "its certificate cannot be accepted (" + detail.substr(detail.rfind(": ") + 2) +
+           "); have it made anew for a server of today.";
+  }
   if (Says(detail, "certificate verify failed")) {
     return (settings.Ca.empty() ? "none of the system's authorities vouches for it"
                                 : "the authority in " + settings.Ca + " does not vouch for it") +

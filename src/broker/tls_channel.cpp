@@ -132,7 +132,8 @@ void TlsChannel::Open() {
     opened_.append(piece.data(), static_cast<std::size_t>(count));
   }
   const int error = SSL_get_error(connection_.get(), count);
-  if (error != SSL_ERROR_WANT_READ && error != SSL_ERROR_ZERO_RETURN) NoteFault();
+  ended_ = error == SSL_ERROR_ZERO_RETURN;
+  if (error != SSL_ERROR_WANT_READ && !ended_) NoteFault();
   // A broker may ask for new keys.
   TakeWritten();
 }

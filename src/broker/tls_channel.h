@@ -27,6 +27,8 @@ class TlsChannel {
   std::string& Opened() { return opened_; }
   /// Bytes to send to the broker, for the caller to take out.
   std::string& Sealed() { return sealed_; }
+  /// Whether the broker has said that it will say no more. Its connection may stay open all the same.
+  bool HasEnded() const { return ended_; }
   /// Whether the broker has proved who it is. Before that nothing can be said to it.
   bool IsUp() const { return up_; }
   /// Says something to the broker.
@@ -53,7 +55,7 @@ class TlsChannel {
   std::unique_ptr<ssl_ctx_st, Free> context_;
   std::unique_ptr<ssl_st, Free> connection_;
   std::string opened_, sealed_, fault_;
-  bool up_ = false;
+  bool up_ = false, ended_ = false;
 };
 
 }  // namespace keplo::broker

@@ -213,20 +213,24 @@ TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
   getsockname(listener.Number(), reinterpret_cast<sockaddr*>(&address), &size);
   BrokerSettings settings = Settings(ntohs(address.sin_port));
   const std::string unknownProperty("\x20\x06\0\0\x03\x7f\0\x01", 8);
-  const auto serve = [&](int peer, bool tls) {
+  std::atomic<bool> tls = false, ends = false;
+  const auto serve = [&](int peer) {
     const std::unique_ptr<SSL, void (*)(SSL*)> secure(SSL_new(context.get()), SSL_free);
     SSL_set_fd(secure.get(), peer);
     if (tls && SSL_accept(secure.get()) == 1) {
-      SSL_write(secure.get(), unknownProperty.data(), static_cast<int>(unknownProperty.size()));
+      if (ends) {
+        SSL_shutdown(secure.get());
+      } else {
+        SSL_write(secure.get(), unknownProperty.data(), static_cast<int>(unknownProperty.size()));
+      }
     } else {
       send(peer, unknownProperty.data(), unknownProperty.size(), MSG_NOSIGNAL);
     }
     for (char byte = 0; recv(peer, &byte, 1, 0) > 0;) continue;
   };
-  std::atomic<bool> tls = false;
   std::thread other([&] {
     for (int peer = 0; (peer = accept(listener.Number(), nullptr, nullptr)) >= 0; close(peer)) {
-      serve(peer, tls);
+      serve(peer);
     }
   });
   EXPECT_TRUE(Program(settings).Logs("no MQTT"));
@@ -234,6 +238,8 @@ TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
   settings.Ca = certificate;
   // It has proved who it is.
   EXPECT_TRUE(Program(settings).Logs("no MQTT"));
+  ends = true;
+  EXPECT_TRUE(Program(settings).Logs("hangs up")) << "though its connection stays open";
   shutdown(listener.Number(), SHUT_RDWR);
   other.join();
 }
@@ -304,7 +310,8 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
        },
        "secure connection", "does not belong"},
       {"plain to TLS", encrypted.Port(), [](BrokerSettings&) {}, "login", "\"tls\": true"},
-      {"TLS to plain", open.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection", "\"tls\""},
+      {"TLS to plain", open.Port(), [](BrokerSettings& s) { s.Tls = true; }, "secure connection",
+       "belong together"},
   };
   for (const auto& refusal : refusals) {
     BrokerSettings settings = Settings(refusal.Port);
