@@ -227,6 +227,9 @@ TEST(Remotes, TellWhatIsWrongAndGoOn) {
        "found a wrong bits"},
       {"a command that the file breaks off in", "", "<remotes><command name='A'><raw><intro>9000 4500 560 5",
        "the file breaks off in it"},
+      {"a command with the fault in it", "",
+       "<remotes><command name='A'><raw><intro>9000 4500 560 5 <& </intro></raw></command></remotes>",
+       "the file breaks off in it"},
       {"an include that leads out", "lirc", "include \"/etc/passwd\"\n",
        "expected a file in the same folder"},
       {"a code that is none", "", lirc + "begin codes\nA 0xZ\nend codes\nend remote\n", "found \"0xZ\""},
@@ -394,12 +397,20 @@ TEST(Remotes, BearWhatPeopleWrite) {
   EXPECT_EQ(CodesOf("A: " + shortForm + "CAFE BABE " + shortForm + "7000 006C 0000 0001 0000 0000\n"),
             "A=00000010000000000000000111111110 CAFE BABE=00000010000000000000000111111110 =")
       << "a name that looks like two words of Pronto, and a code of a foreign type";
-  std::string presses;
-  for (const char* carrier : {"36000", "40000"})
-    presses += "pulse 900\nspace 900\npulse 900\ntimeout 99999\ncarrier " + std::string(carrier) + '\n';
-  const std::vector<RemoteKey> heardKeys = KeysOf(ReadRemotes(presses, "x"));
-  EXPECT_EQ(heardKeys[0].Carrier, 36000);
-  EXPECT_EQ(heardKeys[1].Carrier, 40000);
+  const std::string press = "pulse 900\nspace 900\npulse 900\ntimeout 99999\n", low = "carrier 36000\n",
+                    high = "carrier 40000\n";
+  for (const auto& [text, carriers] : {std::pair(press + low + press + high, "36000 40000 "),
+                                       {press + low + press + high + press, "0 36000 40000 "},
+                                       {low + press + high + press, "36000 40000 "}}) {
+    std::string heard;
+    for (const RemoteKey& key : KeysOf(ReadRemotes(text, "x")))
+      heard += std::to_string(key.Carrier.value_or(0)) + ' ';
+    EXPECT_EQ(heard, carriers);
+  }
+  const std::string necCommand =
+      "<parameters protocol='NEC1'><parameter name='D' value='64'/></parameters><command name='B' F='128'/>";
+  EXPECT_EQ(CodesOf("<remotes><commandSet>" + necCommand + "</commandSet></oops>"), "B=" + nec)
+      << "whole ahead of the fault";
   EXPECT_EQ(CodesOf("IRSend {\"Protocol\":\"PANASONIC\",\"Bits\":16388,\"Data\":\"0x538BC81\"}\n"),
             "=010000000000010000000101001110001011110010000001");
 }

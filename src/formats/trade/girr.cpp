@@ -70,12 +70,17 @@ class GirrReader {
   void Read(const pugi::xml_document& document) { ReadSet(document, {}, 0); }
 
   /// A command that the text breaks off in is left out.
-  void ReadCut(const pugi::xml_document& document, std::string_view text) {
+  /// @param sound what stands ahead of the fault
+  void ReadCut(const pugi::xml_document& document, std::string_view sound) {
     for (pugi::xml_node last = document.last_child(); last; last = last.last_child()) {
       if (LocalName(last) == "command") cut_ = last;
     }
     const auto begin = static_cast<std::size_t>(std::max<std::ptrdiff_t>(cut_.offset_debug(), 0));
-    if (text.find("command>", begin) != std::string_view::npos) cut_ = {};
+    const std::string_view command =
+        sound.substr(std::min(begin + std::string_view(cut_.name()).size(), sound.size()));
+    const std::size_t tagEnd = command.find('>');
+    const bool closesItself = tagEnd != std::string_view::npos && command.substr(0, tagEnd).ends_with('/');
+    if (closesItself || command.find("command>") != std::string_view::npos) cut_ = {};
     Read(document);
   }
 
@@ -225,11 +230,11 @@ void ReadGirr(std::string_view text, const std::string& path, RemoteFile& file) 
   const pugi::xml_parse_result result =
       document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_auto);
   if (!result) {
-    const auto end =
-        text.begin() + std::min<std::ptrdiff_t>(result.offset, static_cast<std::ptrdiff_t>(text.size()));
-    const auto line = 1 + std::count(text.begin(), end, '\n');
+    const std::string_view sound =
+        text.substr(0, static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)));
+    const auto line = 1 + std::count(sound.begin(), sound.end(), '\n');
     FileReading(path, file).Complain(static_cast<int>(line), std::string("no XML: ") + result.description());
-    return GirrReader(text, path, file).ReadCut(document, text);
+    return GirrReader(text, path, file).ReadCut(document, sound);
   }
   // What stands before a fault is read all the same.
   GirrReader(text, path, file).Read(document);

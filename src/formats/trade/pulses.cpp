@@ -39,6 +39,8 @@ class PulseReader {
     EndKey();
     // Programs that receive write it after the press that it is of.
     if (carrier_ && !carriersDiffer_) SetCarrierOfAll();
+    // None behind the last press: they stood ahead of theirs, but for the first one that had none.
+    if (carriersDiffer_ && carriersFollow_ && !lastHasOwn_) SetCarriersAhead();
   }
 
  private:
@@ -58,6 +60,7 @@ class PulseReader {
     begun_ = true;
     key_ = {};
     key_.Line = line_;
+    ahead_ = carrier_;
     if (!carriersFollow_) key_.Carrier = carrier_;
   }
 
@@ -70,7 +73,10 @@ class PulseReader {
     if (!fault_.empty()) lengths.Refuse(fault_);
     fault_.clear();
     lastEnded_ = lengths.Size() > 0 || !lengths.Fault().empty();
-    if (lastEnded_) AddLengths(reading_, std::move(key_), std::move(lengths));
+    if (!lastEnded_) return;
+    lastHasOwn_ = key_.Carrier.has_value();
+    AddLengths(reading_, std::move(key_), std::move(lengths));
+    carriersAhead_.emplace_back(file_.Remotes.back().Keys.size() - 1, ahead_);
   }
 
   /// @return 0 for a wrong length, which the key then tells
@@ -117,7 +123,12 @@ class PulseReader {
       key_.Carrier = carrier_;
     } else if (carriersFollow_ && lastEnded_ && !file_.Remotes.back().Keys.back().Carrier) {
       file_.Remotes.back().Keys.back().Carrier = carrier_;
+      lastHasOwn_ = true;
     }
+  }
+
+  void SetCarriersAhead() {
+    for (const auto& [key, carrier] : carriersAhead_) file_.Remotes.back().Keys[key].Carrier = carrier;
   }
 
   /// The only line of a carrier holds for the whole file.
@@ -170,6 +181,9 @@ class PulseReader {
   TrainWriter train_;
   std::string fault_;
   std::optional<int> carrier_;
+  std::optional<int> ahead_;                                               // told last ahead of the press
+  std::vector<std::pair<std::size_t, std::optional<int>>> carriersAhead_;  // of which key
+  bool lastHasOwn_ = false;      // carrier, in the press or behind it
   bool carriersDiffer_ = false;  // from line to line
   int line_ = 0;
   bool carriersFollow_ = false;  // the presses that they are of
