@@ -1,7 +1,6 @@
 #include "remotes/import_plan.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <numeric>
 #include <string_view>
@@ -18,6 +17,7 @@
 #include "failure.h"
 #include "formats/families.h"
 #include "remotes/heard_code.h"
+#include "remotes/import_reasons.h"
 #include "remotes/key_names.h"
 #include "remotes/new_commands.h"
 #include "remotes/section_signal.h"
@@ -87,7 +87,10 @@ class Planner {
     plan_.Text = text_;
     if (!own_.empty()) AddToSection();
     if (!blocks_.empty()) AddBlocks();
-    for (const auto& [place, with] : meetings_) TellMeeting(plan_.Keys[place], with);
+    for (const auto& [place, met] : meetings_) {
+      const std::string with = met.With.New ? plan_.Keys[*met.With.New].Reference() : met.With.Reference;
+      TellMeeting(met.How, with, plan_.Keys[place]);
+    }
     plan_.Free = kMostCharacters - std::min(text_.size(), kMostCharacters);
     plan_.Needed = plan_.Text.size() - text_.size();
     return std::move(plan_);
@@ -126,10 +129,10 @@ class Planner {
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(key.Coded->Digits, place);
-    if (key.Coded->Code.Line != LineCode::Biphase) TellToggle(planned, key.Coded->Toggle);
+    if (key.Coded->Code.Line != LineCode::Biphase) TellToggle(key.Coded->Toggle, planned);
     AddReason(planned, key.Lost);
     if (section_) {
-      TellOtherSending(planned);
+      TellOtherSending(wishes_.Section, *section_, planned);
       own_.push_back(place);
     } else {
       AddToGroup(*section, key, place);
@@ -152,7 +155,7 @@ class Planner {
     planned.Fate = KeyFate::Stored;
     codes_.Add(heard.Digits, place);
     if (const auto other = HeardCodeOf(planned.Key->Toggled); other && planned.Key->IsRaw()) {
-      TellToggle(planned, FirstDifference(heard.Digits, other->Digits));
+      TellToggle(FirstDifference(heard.Digits, other->Digits), planned);
     }
     if (section_) return own_.push_back(place);
     const std::optional<int>& carrier = planned.Key->Carrier;
@@ -227,7 +230,7 @@ class Planner {
     }
     plan_.Raw.push_back(std::move(signal));
     if (section_) {
-      TellOtherSending(planned);
+      TellOtherSending(wishes_.Section, *section_, planned);
       own_.push_back(place);
     } else {
       AddRawToGroup(*planned.Key, place);
@@ -298,31 +301,6 @@ class Planner {
     }
   }
 
-  /// What an existing section sends in another way than the file says.
-  void TellOtherSending(PlannedKey& planned) const {
-    const RemoteKey& key = *planned.Key;
-    const int carrier = section_->Params.Carrier;
-    if (key.Carrier && 100 * std::abs(*key.Carrier - carrier) > carrier) {
-      AddReason(planned, "[" + wishes_.Section + "] sends it on " + std::to_string(carrier) +
-                             " Hz, and the file says " + std::to_string(*key.Carrier));
-    }
-    if (planned.IsRaw || !key.Coded || key.Coded->Again.Kind == RepeatKind::Unknown) return;
-    const std::optional<CodedSignal> sent = KeyOfCode(*section_, key.Coded->Digits).Coded;
-    if (!sent || sent->Again.Kind == key.Coded->Again.Kind) return;
-    AddReason(planned, "[" + wishes_.Section + "] repeats it by \"" + std::string(NameOf(sent->Again.Kind)) +
-                           "\", and the file says \"" + std::string(NameOf(key.Coded->Again.Kind)) + '"');
-  }
-
-  static void TellToggle(PlannedKey& planned, std::optional<std::size_t> digit) {
-    if (!digit) return;
-    AddReason(planned, "the remote turns digit " + std::to_string(*digit + 1) +
-                           " over with each press, and one of both codes is stored");
-  }
-
-  static void AddReason(PlannedKey& planned, const std::string& reason) {
-    planned.Reason += (planned.Reason.empty() || reason.empty() ? "" : "; ") + reason;
-  }
-
   void AddToSection() {
     const std::optional<Section> section = FindSectionToChange(text_, wishes_.Section);
     const std::string_view words =
@@ -349,24 +327,6 @@ class Planner {
         !before.empty() && GetLineAt(text_, position) == std::to_string(before.size() - 1);
     if (!startsWithTemplate) return;
     plan_.Text = WithCurrentProtocol(plan_.Text, static_cast<int>(before.size() + plan_.Sections.size()) - 1);
-  }
-
-  void TellMeeting(PlannedKey& planned, const StoredCodes::Met& met) const {
-    const std::string with = met.With.New ? plan_.Keys[*met.With.New].Reference() : met.With.Reference;
-    std::string reason;
-    switch (met.How) {
-      case StoredCodes::Meeting::Equal:
-        reason = "known: the code is that of " + with;
-        planned.Section = with.substr(0, with.find('&'));
-        planned.Name = with.substr(with.find('&') + 1);
-        break;
-      case StoredCodes::Meeting::BeginsOther:
-        reason = "shadowed: the code is the beginning of that of " + with;
-        break;
-      case StoredCodes::Meeting::BeginsWithOther:
-        reason = "shadowed: the code begins with that of " + with;
-    }
-    planned.Reason = reason + (planned.Reason.empty() ? "" : "; ") + planned.Reason;
   }
 
   const std::string& text_;
