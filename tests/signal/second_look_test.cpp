@@ -160,6 +160,8 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
   const auto led = [](int mark, const std::string& digits) {
     return DistanceRuns({mark, 40}, 10, 10, 30, digits);
   };
+  const std::string inverses = "101100100100110100010110111010011100000000111111";
+  const RunVector fifteen = DistanceRuns({160, 80}, 10, 10, 30, half);
   const RunVector turn = led(80, "0100101110001011");
   const RunVector otherTurn = led(80, "1011010001110100");
   const RunVector longer = Changed(WidthRuns({40, 10}, 10, 10, 20, kSonyDigits), 4, 7);
@@ -179,6 +181,10 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
     std::string Heard;
   };
   const std::vector<Case> cases = {
+      {"NEC with a closing mark that is long", Changed(nec, nec.size() - 1, 4), "NEC " + kNecDigits},
+      {"each byte and its inverse", DistanceRuns({64, 32}, 8, 8, 24, inverses), "NEC " + inverses},
+      {"15 digits of three frames", Then(Twice(fifteen), kGap, fifteen), "NEC " + half},
+      {"15 digits of two frames", Twice(fifteen), no},
       {"NEC, head cut, then whole", Then(From(nec, 20), kGap, nec), "NEC " + kNecDigits},
       {"SONY, head cut, then whole", Then(From(sony, 4), 200, sony), "SONY " + kSonyDigits},
       {"RC5, head cut, then whole", Then(From(rc5, 4), 1600, rc5), "RC5 " + kRc5Digits},

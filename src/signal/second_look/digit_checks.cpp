@@ -53,6 +53,12 @@ bool AreEven(std::string_view digits, std::initializer_list<std::size_t> places)
 /// three ahead of it.
 SuspectDigits SuspectsOf48(std::string_view digits) {
   constexpr std::size_t kFirst = 2 * kByte;
+  // Air conditioners send each byte and its inverse instead.
+  const CheckedColumns inverse = Check(3 * kByte, [&](std::size_t column) {
+    const std::size_t place = column / kByte * kFirst + column % kByte;
+    return digits[place] != digits[place + kByte];
+  });
+  if (inverse.Failed == 0) return {};
   const CheckedColumns vendor = Check(kNibble, [&](std::size_t place) {
     return AreEven(digits,
                    {place, place + kNibble, place + 2 * kNibble, place + 3 * kNibble, place + kFirst});

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "signal/second_look/line_shapes.h"
+#include "signal/timing.h"
 
 namespace keplo::robust {
 
@@ -46,8 +47,10 @@ LengthFit::LengthFit(const Frame& frame)
       excess_ = (unitSquares * lengths - units * products) / scale;
     }
   }
+  // The closing mark of pulse distance is no part of a digit.
+  const std::size_t telling = frame.Kind() == kNec ? frame.Runs - 1 : frame.Runs;
   double squares = 0;
-  for (std::size_t i = 0; i < frame.Runs; ++i) {
+  for (std::size_t i = 0; i < telling; ++i) {
     const double off = Off(i);
     worst_ = std::max(worst_, off);
     squares += off * off;
