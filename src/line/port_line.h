@@ -51,6 +51,9 @@ class PortLine : public DeviceLine {
   std::int32_t DCD() override;
   void IRMonitor(std::span<char> buffer, std::int32_t delay) override;
   void IRMonitorN(std::span<char> buffer, std::int32_t delay) override;
+  double SampleTime(std::int32_t delay) const override {
+    return line_ ? line_->SampleTime(delay) : SampleTimeOf(delay);
+  }
   const SignalOrigin* Origin() const override { return line_ ? line_->Origin() : nullptr; }
   std::span<const int> ToldLengths() const override {
     return line_ ? line_->ToldLengths() : std::span<const int>();

@@ -151,6 +151,8 @@ void ReplayLine::IRMonitor(std::span<char> buffer, std::int32_t delay) { Monitor
 
 void ReplayLine::IRMonitorN(std::span<char> buffer, std::int32_t delay) { Monitor(buffer, delay); }
 
+double ReplayLine::SampleTime(std::int32_t delay) const { return AtDelay(options_, delay).SampleTime; }
+
 std::int32_t ReplayLine::IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) {
   if (Done() || limit <= 0) return 0;
   if (clock_ != nullptr) clock_->WaitUntil(nextStart_);

@@ -5,7 +5,6 @@
 #include "config/raw_lookup.h"
 #include "shell/keplo.h"
 #include "signal/sample_bits.h"
-#include "signal/sample_time.h"
 
 namespace keplo {
 
@@ -73,7 +72,7 @@ bool Keplo::LineIsAtRest() {
 void Keplo::Capture() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kMonitorCaptureBytes, '\0');
-  mod_.Signal.SampleTime = SampleTimeOf(mod_.Settings.ProcDelay);
+  mod_.Signal.SampleTime = line_.SampleTime(mod_.Settings.ProcDelay);
   const std::chrono::microseconds begin = LineTime();
   if (mod_.Settings.ReceiverKind == 0) {
     line_.RTS(-1);

@@ -5,6 +5,7 @@
 #include <span>
 #include <string_view>
 
+#include "signal/sample_time.h"
 #include "signal/signal_origin.h"
 
 namespace keplo {
@@ -50,6 +51,11 @@ class Win32Ser {
   virtual void IRMonitor(std::span<char> buffer, std::int32_t delay) = 0;
   /// The same for the IRMouse receiver.
   virtual void IRMonitorN(std::span<char> buffer, std::int32_t delay) = 0;
+
+  /// Length of one sample of what is captured, microseconds; another than the usual one where a line was told
+  /// how its samples are to be made.
+  /// @param delay as for IRMonitor
+  virtual double SampleTime(std::int32_t delay) const { return SampleTimeOf(delay); }
 
   /// Where and when the signal of the last capture was on air; none for a line that only knows what it looks
   /// at.

@@ -12,7 +12,6 @@
 #include "failure.h"
 #include "signal/raw/raw_digits.h"
 #include "signal/runs.h"
-#include "signal/sample_time.h"
 #include "signal/sample_words.h"
 #include "signal/send_as.h"
 #include "signal/send_bits.h"
@@ -50,13 +49,12 @@ std::vector<std::int32_t> TimingsOf(const KeploMod& mod, std::span<const int> to
   samples.Read(mod.Signal.RawCapture);
   RunReader reader;
   const RunSpan runs = reader.Read(samples);
-  const double sample = SampleTimeOf(mod.Settings.ProcDelay);
   // A capture that began within a space has a first mark of no length.
   const std::size_t first = !runs.empty() && runs.front() == 0 ? 2 : 0;
   const std::size_t end =
       EndsInMark(runs) ? runs.size() : runs.size() - std::min<std::size_t>(runs.size(), 1);
   for (std::size_t place = first; place < end; ++place) {
-    add(place, static_cast<std::int32_t>(std::lround(runs[place] * sample)));
+    add(place, static_cast<std::int32_t>(std::lround(runs[place] * mod.Signal.SampleTime)));
   }
   return timings;
 }

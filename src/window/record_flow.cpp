@@ -10,7 +10,6 @@
 #include "config/lookup.h"
 #include "config/raw_lookup.h"
 #include "signal/sample_bits.h"
-#include "signal/sample_time.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
 #include "window/record_words.h"
@@ -132,7 +131,7 @@ void RecordFlow::ClearReading() {
 bool RecordFlow::ReceiveSignal() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kRecordCaptureBytes, '\0');
-  mod_.Signal.SampleTime = SampleTimeOf(mod_.Settings.ProcDelay);
+  mod_.Signal.SampleTime = line_.SampleTime(mod_.Settings.ProcDelay);
   place_.clear();
   const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
   beeps_.Sound(5000, 50);
