@@ -13,9 +13,9 @@ void KeyStages::Tell(KeyEvent& event, KeyStage stage, int count) const {
   tell_(event);
 }
 
-void KeyStages::Pressed(int place) {
+void KeyStages::Pressed(int place, int zone) {
   last_ = place;
-  presses_[place] = {};
+  presses_[place] = {zone, 1, {}};
 }
 
 void KeyStages::Held(int place, int count) {
@@ -34,6 +34,7 @@ void KeyStages::Released(int place, int count) {
 void KeyStages::Raised(KeyEvent event) {
   const auto press = presses_.find(last_);
   if (press == presses_.end()) return Tell(event, KeyStage::Press, 1);
+  if (event.Zone == 0) event.Zone = press->second.Zone;
   const auto [place, isNew] = press->second.Events.try_emplace(event.EventID, event);
   if (isNew) Tell(place->second, KeyStage::Press, press->second.Count);
 }

@@ -16,7 +16,8 @@ class KeyStages {
   explicit KeyStages(std::function<void(const KeyEvent&)> tell) : tell_(std::move(tell)) {}
 
   // A key at a place; the events that it raises follow.
-  void Pressed(int place);
+  /// @param zone of the place, which events of every zone tell; 0 if it has none
+  void Pressed(int place, int zone);
   /// @param count signals of the press so far
   void Held(int place, int count);
   void Released(int place, int count);
@@ -26,6 +27,7 @@ class KeyStages {
 
  private:
   struct Press {
+    int Zone = 0;
     int Count = 1;
     std::map<std::string, KeyEvent> Events;  // by EventID
   };

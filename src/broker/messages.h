@@ -15,7 +15,7 @@ enum class KeyStage { Press, Hold, Release };
 struct KeyEvent {
   KeyStage Stage = KeyStage::Press;
   std::string EventID, Name, Command;
-  int Zone = 0;
+  int Zone = 0;      // of the event, or of the receiver for an event of every zone
   std::string Time;  // local time, ISO 8601
   int Count = 1;     // captures of this press so far
 };

@@ -88,7 +88,7 @@ void BrokerTelling::WaitUntilUp() {
 }
 
 void BrokerTelling::Tell(KeyChange change, const KeyPress& key) {
-  if (change == KeyChange::Pressed) return stages_.Pressed(key.Place);
+  if (change == KeyChange::Pressed) return stages_.Pressed(key.Place, key.Zone);
   if (change == KeyChange::Held) return stages_.Held(key.Place, key.Captures);
   stages_.Released(key.Place, key.Captures);
 }

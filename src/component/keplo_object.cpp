@@ -329,8 +329,9 @@ std::vector<IStageTally::Stage> KeploObject::Stages() {
 void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
   const Busy busy(*this);
   const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(press.Held);
-  const HeardKey key = {press.Command, "G" + press.Sign.Digits, press.Captures,
-                        static_cast<int>(held.count()), press.Place};
+  const HeardKey key = {press.Command,  "G" + press.Sign.Digits,
+                        press.Captures, static_cast<int>(held.count()),
+                        press.Place,    press.Zone};
   sinks_.Keys.ForEach([&](IKeySink& sink) {
     if (change == KeyChange::Pressed) return sink.KeyPressed(key);
     if (change == KeyChange::Held) return sink.KeyHeld(key);

@@ -18,7 +18,7 @@ inline constexpr const char* kInputKeploClass = "InputKeplo.Keplo";
 /// name. Host and component are built by the same
 /// kind of compiler and share the C++ runtime, so that strings and vectors pass between them. The headers of
 /// this folder need C++17 and nothing else of the plug-in.
-inline constexpr std::uint32_t kComponentInterfaceVersion = 3;
+inline constexpr std::uint32_t kComponentInterfaceVersion = 4;
 
 /// Levels of log lines, numbered as the system's journal does.
 enum class LogLevel { Error = 3, Warning = 4, Notice = 5, Info = 6 };
@@ -181,6 +181,7 @@ struct HeardKey {
   int Count = 0;        // signals of this press that were heard so far, from 1
   int HeldMs = 0;       // from the first mark of the press to the last one heard so far
   int Place = 0;        // of the receiver; keys at several places are held at the same time
+  int Zone = 0;         // of the receiver, 1 to 8; 0 if it has none
 };
 
 /// What a host does with the keys of remotes. An input event comes with every signal of a key; this tells

@@ -95,7 +95,7 @@ void BrokerOutput::SignalHeard(const HeardSignal& signal) {
 }
 
 void BrokerOutput::KeyChanged(PressStage stage, const HeardKey& key) {
-  if (stage == PressStage::Pressed) return stages_->Pressed(key.Place);
+  if (stage == PressStage::Pressed) return stages_->Pressed(key.Place, key.Zone);
   if (stage == PressStage::Held) return stages_->Held(key.Place, key.Count);
   stages_->Released(key.Place, key.Count);
 }

@@ -47,6 +47,7 @@ std::optional<KeyPress> HeldKey::Hear(const KeySign& sign, const AirTime& air) {
     press_ = KeyPress{};
     press_->Sign = sign;
     press_->Place = air.Place;
+    press_->Zone = air.Zone;
     begin_ = air.Begin;
   }
   press_->Sign.Dittos = press_->Sign.Dittos || sign.Dittos;

@@ -17,6 +17,7 @@ struct AirTime {
   std::chrono::microseconds SilenceAfter{0};  // known to have followed
   std::chrono::microseconds WatchedFrom{0};   // from then to Begin nobody looked away from the line
   int Place = 0;                              // of the receiver
+  int Zone = 0;                               // of that place; 0 if it has none
 };
 
 /// What a capture tells of the key that sent it.
@@ -41,6 +42,7 @@ struct KeyPress {
   int Captures = 0;                   // that were taken of it
   std::chrono::microseconds Held{0};  // from its first mark to the last one so far
   int Place = 0;                      // of the receiver
+  int Zone = 0;                       // of that place; 0 if it has none
 };
 
 /// Makes of the captures of a line what people mean by a press: one key, pressed, held and let go.

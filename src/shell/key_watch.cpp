@@ -51,7 +51,7 @@ void Keplo::TimeCapture(microseconds begin) {
   if (const SignalOrigin* const origin = line_.Origin()) {
     const bool mostInPause = pausedUntil_ - origin->Begin > origin->End - pausedUntil_;
     kept_ = origin->Place == 0 && mostInPause;
-    onAir_ = {origin->Begin, origin->End, 0ms, 0ms, origin->Place};
+    onAir_ = {origin->Begin, origin->End, 0ms, 0ms, origin->Place, origin->Zone};
     return;
   }
   kept_ = false;

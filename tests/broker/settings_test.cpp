@@ -11,21 +11,24 @@ namespace {
 TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
   std::string told;
   KeyStages stages([&](const KeyEvent& event) {
-    told += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Count) + " ";
+    told += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Zone) +
+            std::to_string(event.Count) + " ";
   });
-  const auto raise = [&](const char* eventID) { stages.Raised({{}, eventID, "", "", 0, "", 1}); };
+  const auto raise = [&](const char* eventID, int zone = 0) {
+    stages.Raised({{}, eventID, "", "", zone, "", 1});
+  };
   raise("alone");
-  stages.Pressed(1);
+  stages.Pressed(1, 7);
   raise("a");
-  raise("b");
-  stages.Pressed(2);
+  raise("b", 5);
+  stages.Pressed(2, 0);
   raise("a");
   stages.Held(1, 2);
   raise("a");
   stages.Held(2, 2);  // in the pause after an event, so that no event is raised
   stages.Released(1, 2);
   stages.Released(2, 2);
-  EXPECT_EQ(told, "presalone1 presa1 presb1 presa1 holda2 holdb2 holda2 relea2 releb2 relea2 ");
+  EXPECT_EQ(told, "presalone01 presa71 presb51 presa01 holda72 holdb52 holda02 relea72 releb52 relea02 ");
 }
 
 TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {

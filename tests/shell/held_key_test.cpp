@@ -161,12 +161,13 @@ TEST_F(OnePress, RaisesNoEventOfWhatALineKeptInThePause) {
   Keplo& control = Start();
   std::chrono::microseconds time = 1s;
   control.LineTime = [&] { return time; };
+  control.OnKey = [](KeyChange, const KeyPress& key) { EXPECT_EQ(key.Zone, 6); };
   SynthOptions fills;
   fills.Repeats = 4;
   const std::string capture = CaptureOfPress(SynthPress(keplo::kSony, kSony, fills), 510, {});
   const auto tick = [&](std::chrono::microseconds begin, std::chrono::microseconds end) {
     line_.Captures = {capture};
-    line_.Heard = SignalOrigin{0, 0, begin, end};
+    line_.Heard = SignalOrigin{0, 6, begin, end};
     control.Timer1.Tick();
   };
   const struct {
