@@ -269,7 +269,7 @@ class StepByStep {
         tell_(step_, "yes");
         step_ = "login";
       }
-      tell_(step_, TextOf(refusal, settings_));
+      tell_(step_, TextOf(refusal, settings_) + (refusal.Kind == Trouble::Lost ? AdviceOnLoss() : ""));
     } catch (const Failure& failure) {
       tell_(step_, failure.what());
     }
@@ -277,6 +277,12 @@ class StepByStep {
   }
 
  private:
+  std::string AdviceOnLoss() const {
+    return " Look into the broker's log for why it hung up on " + topics_.Node() +
+           "-check: it may have stopped, or refuse what this user asks for, or another check may run; then "
+           "check again.";
+  }
+
   void Connect() {
     step_ = "name";
     const Addresses addresses = LookUp(settings_);

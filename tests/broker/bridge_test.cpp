@@ -228,12 +228,23 @@ TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
     }
     for (char byte = 0; recv(peer, &byte, 1, 0) > 0;) continue;
   };
+  const std::string welcome("\x20\x03\0\0\0", 5);
+  std::atomic<bool> hangsUp = false;
   std::thread other([&] {
     for (int peer = 0; (peer = accept(listener.Number(), nullptr, nullptr)) >= 0; close(peer)) {
-      serve(peer);
+      if (!hangsUp) {
+        serve(peer);
+      } else if (char login[512]; recv(peer, login, sizeof login, 0) > 0) {
+        send(peer, welcome.data(), welcome.size(), MSG_NOSIGNAL);
+      }
     }
   });
   EXPECT_TRUE(Program(settings).Logs("no MQTT"));
+  hangsUp = true;
+  std::string said;
+  EXPECT_FALSE(CheckBroker(settings, kIdentity, {}, [&](const auto&, const auto& result) { said = result; }));
+  EXPECT_NE(said.find("broker's log"), std::string::npos) << said;
+  hangsUp = false;
   tls = settings.Tls = true;
   settings.Ca = certificate;
   // It has proved who it is.
