@@ -34,8 +34,8 @@ class Bridge {
   void SetEvents(std::vector<AnnouncedEvent> events);
   void Tell(KeyEvent event);
   void Tell(HeardSignal signal);
-  /// Has the device taken off the broker when this ends, as it comes back under another name.
-  void ForgetAtEnd() { link_.ForgetAtEnd(); }
+  /// As the topics are other ones from then on.
+  void ForgetAtEnd(Forgotten what) { link_.ForgetAtEnd(what); }
   /// Logs what the connection reports, and does what the broker asks for.
   void Serve();
 

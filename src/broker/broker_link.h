@@ -39,8 +39,8 @@ class BrokerLink {
   /// Begins to end the connection; nothing more is told. Who waits for HasEnded is not held up by the end.
   void End() { mailbox_->Close(); }
   bool HasEnded() const { return ended_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
-  /// Has the device taken off the broker when the connection ends.
-  void ForgetAtEnd() { mailbox_->ForgetAtEnd(); }
+  /// As the topics are other ones from then on.
+  void ForgetAtEnd(Forgotten what) { mailbox_->ForgetAtEnd(what); }
   bool IsUp() const { return mailbox_->IsUp(); }
   /// Key presses that the broker has confirmed, and those that it was not told.
   std::size_t ToldPresses() const { return mailbox_->ToldPresses(); }

@@ -45,9 +45,9 @@ void Mailbox::SetDevice(std::string message) {
   WakeConnection();
 }
 
-void Mailbox::ForgetAtEnd() {
+void Mailbox::ForgetAtEnd(Forgotten what) {
   const std::lock_guard lock(mutex_);
-  forgets_ = true;
+  forgets_ = what;
 }
 
 void Mailbox::Close() {
@@ -91,7 +91,7 @@ bool Mailbox::IsClosed() const {
   return closed_;
 }
 
-bool Mailbox::ForgetsAtEnd() const {
+Forgotten Mailbox::ForgetsAtEnd() const {
   const std::lock_guard lock(mutex_);
   return forgets_;
 }

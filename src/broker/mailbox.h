@@ -38,6 +38,11 @@ struct Incoming {
   std::chrono::steady_clock::time_point Came = std::chrono::steady_clock::now();
 };
 
+/// What is taken off the broker when the connection ends.
+struct Forgotten {
+  bool Device = false, Status = false;
+};
+
 /// What the connection has to tell its user.
 struct Report {
   bool IsTrouble = false;  // something that its user may have to mend
@@ -58,8 +63,8 @@ class Mailbox {
   // The program's side.
   void Put(News news);
   void SetDevice(std::string message);
-  /// The device is to be taken off the broker when the connection ends.
-  void ForgetAtEnd();
+  /// As the topics are other ones from then on.
+  void ForgetAtEnd(Forgotten what);
   /// Nothing more is told, and the connection is to end.
   void Close();
   std::vector<Incoming> TakeIncoming();
@@ -73,7 +78,7 @@ class Mailbox {
   std::deque<News> TakeNews();
   std::string Device() const;
   bool IsClosed() const;
-  bool ForgetsAtEnd() const;
+  Forgotten ForgetsAtEnd() const;
   /// @return whether it fits; counted if it does not
   bool PutIncoming(Incoming message);
   /// Counts a message that is not even tried.
@@ -106,8 +111,10 @@ class Mailbox {
   std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
   const std::size_t mostIncoming_;
   std::size_t told_ = 0, dropped_ = 0;
+  std::size_t untold_ = 0;  // of the dropped ones, not yet reported
   std::atomic<std::size_t> overflow_ = 0;
-  bool closed_ = false, up_ = false, forgets_ = false;
+  bool closed_ = false, up_ = false;
+  Forgotten forgets_;
 };
 
 }  // namespace keplo::broker

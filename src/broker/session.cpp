@@ -332,8 +332,9 @@ void Session::SayGoodbye() {
   serveUntil([&] { return waiting_.empty(); });
   int last = 0;
   if (purpose_.SpeaksForDevice) {
-    if (mailbox_.ForgetsAtEnd()) Publish({topics_.Device(), "", true});
-    Check(client_.Publish({topics_.Status(), "offline", true}, last));
+    const Forgotten forgets = mailbox_.ForgetsAtEnd();
+    if (forgets.Device) Publish({topics_.Device(), "", true});
+    Check(client_.Publish({topics_.Status(), forgets.Status ? "" : "offline", true}, last));
     topicOf_[last] = topics_.Status();
   }
   serveUntil([&] { return topicOf_.count(last) == 0 && unconfirmed_.empty(); });

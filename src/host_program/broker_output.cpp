@@ -34,7 +34,7 @@ void BrokerOutput::ReadAgain() {
   try {
     auto settings = broker::ReadBrokerSettings(appPath_);
     if (settings == settings_) return;
-    if (settings && settings_ && broker::MovesTheDevice(*settings_, *settings)) ForgetDevice(*settings);
+    if (settings && settings_) Forget(*settings);
     Disconnect();
     settings_ = std::move(settings);
     if (settings_) Connect(*settings_);
@@ -46,8 +46,10 @@ void BrokerOutput::ReadAgain() {
   }
 }
 
-void BrokerOutput::ForgetDevice(const broker::BrokerSettings& now) {
-  if (bridge_->IsUp()) return bridge_->ForgetAtEnd();
+void BrokerOutput::Forget(const broker::BrokerSettings& now) {
+  const bool moves = broker::MovesTheDevice(*settings_, now);
+  if (bridge_->IsUp()) return bridge_->ForgetAtEnd({moves, settings_->Prefix != now.Prefix});
+  if (!moves) return;
   log_.Write(LogLevel::Warning, "The device stays in Home Assistant under the topics of " +
                                     settings_->DiscoveryPrefix +
                                     ", as its broker is away. When it is back, take it out with: " +

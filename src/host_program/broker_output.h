@@ -32,8 +32,8 @@ class BrokerOutput final : private EventOutput {
 
  private:
   void Look();
-  /// Has the device taken off the broker that it is told to, or says how to.
-  void ForgetDevice(const broker::BrokerSettings& now);
+  /// Has the broker forget what stands under topics that are no more, or says how to.
+  void Forget(const broker::BrokerSettings& now);
   void Connect(const broker::BrokerSettings& settings);
   void Disconnect();
   broker::Bridge::Uses Uses();

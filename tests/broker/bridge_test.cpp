@@ -108,13 +108,16 @@ TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
   {
     BrokerSettings elsewhere = Settings(server.Port());
     elsewhere.DiscoveryPrefix = "ha2";
+    elsewhere.Prefix = "kk";
     Program moved(elsewhere);
     moved.Link.SetEvents({});
     ASSERT_TRUE(observer.Sees("ha2/device/keplo-0123abcd/config", 1));
-    moved.Link.ForgetAtEnd();
+    moved.Link.ForgetAtEnd({true, true});
   }
   ASSERT_TRUE(observer.Sees("ha2/device/keplo-0123abcd/config", 2));
   EXPECT_EQ(observer.All("ha2/device/keplo-0123abcd/config")[1].Payload, "");
+  ASSERT_TRUE(observer.Sees("kk/0123abcd/status", 2));
+  EXPECT_EQ(observer.All("kk/0123abcd/status")[1].Payload, "") << "no topic is left behind";
   ASSERT_TRUE(observer.Sees(status, 3));
   EXPECT_EQ(observer.All(status)[2].Payload, "offline") << "at a clean end";
   Program later(Settings(server.Port()));
