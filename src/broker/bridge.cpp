@@ -30,6 +30,15 @@ Bridge::Bridge(BrokerSettings settings, const std::string& identity, Uses uses)
                }),
       link_(settings_, identity, PurposeOf(settings_, topics_), uses_.Wake) {}
 
+Bridge::~Bridge() {
+  link_.Finish();
+  LogReports();
+}
+
+void Bridge::LogReports() {
+  for (const Report& report : link_.TakeReports()) uses_.Log(report);
+}
+
 void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
   if (std::exchange(announced_, true) && events == events_) return;
   events_ = std::move(events);
@@ -55,7 +64,7 @@ bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {
 }
 
 void Bridge::Serve() {
-  for (const Report& report : link_.TakeReports()) uses_.Log(report);
+  LogReports();
   for (const Incoming& message : link_.TakeIncoming()) Take(message);
   refused_.Count("more came than can be taken", link_.TakeOverflow());
 }

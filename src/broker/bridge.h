@@ -29,6 +29,10 @@ class Bridge {
   static constexpr std::size_t kMostRequestsPerSecond = 2;
 
   Bridge(BrokerSettings settings, const std::string& identity, Uses uses);
+  /// Logs what was never told.
+  ~Bridge();
+  Bridge(const Bridge&) = delete;
+  Bridge& operator=(const Bridge&) = delete;
 
   /// The activated events of the map; nothing happens if they are the ones told before.
   void SetEvents(std::vector<AnnouncedEvent> events);
@@ -50,6 +54,7 @@ class Bridge {
 
   /// Whether one more within a second is few enough; counts it then.
   static bool Fits(std::deque<Clock::time_point>& lately, std::size_t most);
+  void LogReports();
   void Take(const Incoming& message);
 
   const BrokerSettings settings_;

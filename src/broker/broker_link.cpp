@@ -90,7 +90,7 @@ class Connector {
       Session session(settings_, topics_, purpose, login, *mailbox_, pressesUnheard_);
       if (purpose.WatchFor.empty()) {
         session.WhenUp = [this] { TellUp(); };
-        session.WhenAnswering = [this] { TellDropped(); };
+        session.WhenAnswering = [this] { mailbox_->ReportUntold(); };
       }
       auto refusal = session.Run();
       upSince = session.UpSince();
@@ -104,15 +104,7 @@ class Connector {
     // Thrown off again and again, the text would come as often.
     if (told_.count(Trouble::TakenOver) > 0) return;
     mailbox_->PutReport({/*IsTrouble=*/false, purpose_.Up});
-    TellDropped();
-  }
-
-  void TellDropped() {
-    const std::size_t dropped = mailbox_->DroppedPresses() - droppedBefore_;
-    if (dropped == 0) return;
-    droppedBefore_ += dropped;
-    mailbox_->PutReport({/*IsTrouble=*/true,
-                         std::to_string(dropped) + " key presses were not told while the broker was away."});
+    mailbox_->ReportUntold();
   }
 
   /// Tells what has happened, unless it was told already.
@@ -179,7 +171,6 @@ class Connector {
   std::minstd_rand random_{std::random_device{}()};
   int version_ = 5;
   int tries_ = 0, shortOnes_ = 0;
-  std::size_t droppedBefore_ = 0;
   bool takenOver_ = false;  // by another host of the same identity
   std::set<Trouble> told_;  // since a connection lasted
 };
@@ -204,13 +195,17 @@ BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identi
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-BrokerLink::~BrokerLink() {
+BrokerLink::~BrokerLink() { Finish(); }
+
+void BrokerLink::Finish() {
+  if (!thread_.joinable()) return;
   mailbox_->Close();
   if (ended_.wait_for(kLongestEnd) == std::future_status::ready) {
     thread_.join();
   } else {
     thread_.detach();
   }
+  mailbox_->ReportUntold();
 }
 
 }  // namespace keplo::broker

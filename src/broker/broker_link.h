@@ -22,7 +22,6 @@ class BrokerLink {
   /// @param wake runs in the other thread when there are reports or messages to take; it only posts
   BrokerLink(const BrokerSettings& settings, const std::string& identity, LinkPurpose purpose,
              std::function<void()> wake);
-  /// Tells the broker that this host is offline, for a second at most, and ends the connection.
   ~BrokerLink();
   BrokerLink(const BrokerLink&) = delete;
   BrokerLink& operator=(const BrokerLink&) = delete;
@@ -36,6 +35,9 @@ class BrokerLink {
   std::vector<Report> TakeReports() { return mailbox_->TakeReports(); }
   /// How many messages came faster than they were taken, and were dropped, since this was asked last.
   std::size_t TakeOverflow() { return mailbox_->TakeOverflow(); }
+  /// Tells the broker that this host is offline, for a second at most, and ends the connection, as the end of
+  /// this does. The last reports can be taken then.
+  void Finish();
   /// Begins to end the connection; nothing more is told. Who waits for HasEnded is not held up by the end.
   void End() { mailbox_->Close(); }
   bool HasEnded() const { return ended_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }

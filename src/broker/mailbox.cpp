@@ -28,6 +28,7 @@ void Mailbox::Put(News news) {
     if (news_.size() >= kMostNews) {
       if (!isPress) return;
       ++dropped_;
+      ++untold_;
       overflown_.insert(subject);
       return;
     }
@@ -131,6 +132,27 @@ void Mailbox::CountDropped(const News& news) {
   if (news.Of != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
   ++dropped_;
+  ++untold_;
+}
+
+void Mailbox::CountRefused(const News& news) {
+  if (news.Of != News::Kind::Press) return;
+  const std::lock_guard lock(mutex_);
+  ++dropped_;
+}
+
+void Mailbox::ReportUntold() {
+  std::size_t untold = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    untold = std::exchange(untold_, 0);
+    if (closed_) {
+      for (const News& news : std::exchange(news_, {})) untold += news.Of == News::Kind::Press ? 1 : 0;
+    }
+  }
+  if (untold == 0) return;
+  const std::string presses = untold == 1 ? "1 key press was" : std::to_string(untold) + " key presses were";
+  PutReport({/*IsTrouble=*/true, presses + " not told while the broker was away."});
 }
 
 std::size_t Mailbox::ToldPresses() const {

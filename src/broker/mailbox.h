@@ -87,8 +87,13 @@ class Mailbox {
   void SetUp(bool up);
   /// Counts news that the broker has confirmed.
   void CountTold(const News& news);
-  /// Counts news that were not told.
+  /// Counts news that were not told, as the broker was away.
   void CountDropped(const News& news);
+  /// Counts news that the broker did not take; that is told where it is seen, and no absence.
+  void CountRefused(const News& news);
+  /// Reports how many key presses were not told since it did so last; those still in here too once it is
+  /// closed.
+  void ReportUntold();
   /// Readable when there is something for the connection, until Calm.
   int WakeDescriptor() const { return wakeup_.Number(); }
   void Calm() const;

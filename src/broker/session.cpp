@@ -173,7 +173,7 @@ void Session::OnPublished(int message, int reason) {
   if (const auto sent = unconfirmed_.extract(message); !sent.empty()) {
     topic = sent.mapped().Topic;
     if (reason >= MQTT_RC_UNSPECIFIED) {
-      mailbox_.CountDropped(sent.mapped().Told);
+      mailbox_.CountRefused(sent.mapped().Told);
     } else {
       mailbox_.CountTold(sent.mapped().Told);
     }

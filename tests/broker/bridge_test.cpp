@@ -33,7 +33,8 @@ struct Program {
   }
   void Press(const std::string& command) { Link.Tell({KeyStage::Press, "17", "Lamp", command, 3, "now", 1}); }
 
-  std::string Log;
+  const std::shared_ptr<std::string> Kept = std::make_shared<std::string>();
+  std::string& Log = *Kept;
   std::vector<SendRequest> Requests;
   Bridge Link;
 };
@@ -90,6 +91,13 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
   EXPECT_NE(observer.All("keplo/0123abcd/event/17")[0].Payload.find("back"), std::string::npos)
       << "a release without its press is none";
+  std::shared_ptr<std::string> log;
+  {
+    Program nobodyHears(Settings(FreePort()));
+    log = nobodyHears.Kept;
+    for (int i = 0; i < 2; ++i) nobodyHears.Press("away");
+  }
+  EXPECT_NE(log->find("2 key presses were not told"), std::string::npos) << *log;
 }
 
 TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
@@ -344,6 +352,18 @@ TEST_F(BrokerBridge, SaysWhatToDoAboutARefusal) {
     EXPECT_TRUE(program.Logs(refusal.Said)) << refusal.Name << ": " << program.Log;
   }
   EXPECT_TRUE(CheckBroker(Settings(open.Port()), kIdentity, {}, [](const auto&, const auto&) {}));
+  std::shared_ptr<std::string> log;
+  {
+    BrokerSettings settings = Settings(password.Port());
+    settings.User = "keplo";
+    settings.PasswordFile = folder_ / "right";
+    Program refused(settings);
+    log = refused.Kept;
+    ASSERT_TRUE(refused.Logs("Connected"));
+    refused.Press("refused");
+    EXPECT_TRUE(refused.Logs("publish to keplo/0123abcd/event/17"));
+  }
+  EXPECT_EQ(log->find("away"), std::string::npos) << *log;
 }
 
 TEST_F(BrokerBridge, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
