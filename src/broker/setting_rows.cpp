@@ -69,10 +69,11 @@ const std::vector<SettingRow>& SettingRows() {
   const auto some = [](const std::string& text) { return !text.empty(); };
   constexpr std::string_view prefix = "words with / between, without +, #, $ and blanks";
   static const std::vector<SettingRow> rows = {
-      TextRow("host", &BrokerSettings::Host, "the name or address of the broker, without its port",
+      TextRow("host", &BrokerSettings::Host,
+              "the name or address of the broker, without its port and without brackets",
               [](const std::string& text) {
                 // An address of IPv6 has several colons.
-                return !text.empty() && text.find_first_of("/ ") == std::string::npos &&
+                return !text.empty() && text.find_first_of("/ []") == std::string::npos &&
                        std::count(text.begin(), text.end(), ':') != 1;
               }),
       PortRow(),

@@ -41,6 +41,7 @@ TEST(BrokerSettingsFile, TellsTheLineOfWhatIsWrong) {
       {"{\"host\": \"h\",\n\n\"prefix\": \"a/#\"}", "line 3: \"prefix\""},
       {"{\"host\": \"h\", \"discovery_prefix\": \"+\"}", "line 1: \"discovery_prefix\""},
       {"{\n\"port\": 1\n}", "no \"host\""},
+      {"{\"host\": \"[::1]\"}", "without brackets"},
       {"{\"host\": \"h\", \"key\": \"k\"}", "come together"},
       {"{\n\n\"host\": oops}", "line 3: the file is not whole JSON"},
       {"[]", "line 1: the file is JSON, but no object;"},
