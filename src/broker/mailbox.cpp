@@ -8,6 +8,14 @@
 
 namespace keplo::broker {
 
+namespace {
+
+std::string NotTold(std::size_t presses) {
+  return presses == 1 ? "1 key press was not told" : std::to_string(presses) + " key presses were not told";
+}
+
+}  // namespace
+
 const std::string& SubjectOf(const News& news) {
   if (const auto* key = std::get_if<KeyEvent>(&news.Content)) return key->EventID;
   static const std::string none;
@@ -27,8 +35,7 @@ void Mailbox::Put(News news) {
     const bool isPress = news.Of == News::Kind::Press;
     if (news_.size() >= kMostNews) {
       if (!isPress) return;
-      ++dropped_;
-      ++untold_;
+      NoteDrop();
       overflown_.insert(subject);
       return;
     }
@@ -131,8 +138,13 @@ void Mailbox::CountTold(const News& news) {
 void Mailbox::CountDropped(const News& news) {
   if (news.Of != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
+  NoteDrop();
+}
+
+/// Under the lock.
+void Mailbox::NoteDrop() {
   ++dropped_;
-  ++untold_;
+  ++(up_ ? late_ : away_);
 }
 
 void Mailbox::CountRefused(const News& news) {
@@ -142,17 +154,17 @@ void Mailbox::CountRefused(const News& news) {
 }
 
 void Mailbox::ReportUntold() {
-  std::size_t untold = 0;
+  std::size_t away = 0, late = 0;
   {
     const std::lock_guard lock(mutex_);
-    untold = std::exchange(untold_, 0);
+    away = std::exchange(away_, 0);
+    late = std::exchange(late_, 0);
     if (closed_) {
-      for (const News& news : std::exchange(news_, {})) untold += news.Of == News::Kind::Press ? 1 : 0;
+      for (const News& news : std::exchange(news_, {})) away += news.Of == News::Kind::Press ? 1 : 0;
     }
   }
-  if (untold == 0) return;
-  const std::string presses = untold == 1 ? "1 key press was" : std::to_string(untold) + " key presses were";
-  PutReport({/*IsTrouble=*/true, presses + " not told while the broker was away."});
+  if (away > 0) PutReport({/*IsTrouble=*/true, NotTold(away) + " while the broker was away."});
+  if (late > 0) PutReport({/*IsTrouble=*/true, NotTold(late) + ", as the broker took no more in time."});
 }
 
 std::size_t Mailbox::ToldPresses() const {

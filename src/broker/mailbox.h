@@ -87,7 +87,7 @@ class Mailbox {
   void SetUp(bool up);
   /// Counts news that the broker has confirmed.
   void CountTold(const News& news);
-  /// Counts news that were not told, as the broker was away.
+  /// Counts news that were not told, as the broker was away or slower than they came.
   void CountDropped(const News& news);
   /// Counts news that the broker did not take; that is told where it is seen, and no absence.
   void CountRefused(const News& news);
@@ -103,6 +103,7 @@ class Mailbox {
   std::size_t DroppedPresses() const;
 
  private:
+  void NoteDrop();
   void WakeConnection() const;
   void WakeProgram(std::unique_lock<std::mutex>& lock) const;
 
@@ -116,7 +117,7 @@ class Mailbox {
   std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
   const std::size_t mostIncoming_;
   std::size_t told_ = 0, dropped_ = 0;
-  std::size_t untold_ = 0;  // of the dropped ones, not yet reported
+  std::size_t away_ = 0, late_ = 0;  // of the dropped ones: not yet reported, by what the broker was
   std::atomic<std::size_t> overflow_ = 0;
   bool closed_ = false, up_ = false;
   Forgotten forgets_;
