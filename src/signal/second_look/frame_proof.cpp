@@ -178,6 +178,13 @@ bool AreTwoInTurns(const Findings& found) {
   return true;
 }
 
+FrameDoubt DoubtOf(const Frame& frame, int equal) {
+  if (equal > 1) return MayLackDigits(frame) ? FrameDoubt::FewDigits : FrameDoubt::None;
+  const LengthFit fit(frame);
+  if (!fit.IsClose()) return FrameDoubt::OddLength;
+  return IsOneDigitOff(frame, fit) ? FrameDoubt::OneDigit : FrameDoubt::None;
+}
+
 bool IsOneFrame(const std::vector<Piece>& pieces) {
   return pieces.size() > 1 && std::all_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
            return IsRepeat(piece, pieces.front());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +14,18 @@ namespace keplo::robust {
 /// @param found at least one frame
 /// @return null if there is none
 const Frame* ProvenFrame(const Findings& found);
+
+/// Why frames that do not contradict each other are no proof of their digits.
+enum class FrameDoubt : std::uint8_t {
+  None,
+  OddLength,  // one run is further off than the others let expect
+  OneDigit,   // one digit keeps the others from proving each other
+  FewDigits   // a digit or two less than common protocols have, in two frames
+};
+
+/// Why a frame was not believed.
+/// @param equal how often it was sent
+FrameDoubt DoubtOf(const Frame& frame, int equal);
 
 /// Whether one frame, once or again and again, and its dittos are all there is of the press. Without a leader
 /// one that is alone beside other pieces may have lost its head.

@@ -281,6 +281,8 @@ FramesHeard SecondLook::Heard() {
     heard.Alike = std::max(heard.Alike, static_cast<int>(alike));
   }
   heard.Differ = robust::PlacesThatDiffer(found_->Frames);
+  if (heard.Frames > 0 && heard.Alike == heard.Frames)
+    heard.Doubt = robust::DoubtOf(found_->Frames.front(), heard.Frames);
   if (heard.Frames == 0 && heard.Others > 0) {
     const auto longest = std::max_element(
         found_->Others.begin(), found_->Others.end(),

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "signal/runs.h"
+#include "signal/second_look/frame_proof.h"
 #include "signal/second_look/frame_reader.h"
 #include "signal/timing.h"
 
@@ -62,6 +63,7 @@ struct FramesHeard {
   /// some stand between two lengths.
   std::size_t MarkLengths = 0, SpaceLengths = 0;
   RobustReading::Proof Proven = RobustReading::Proof::Refused;
+  robust::FrameDoubt Doubt = robust::FrameDoubt::None;
 };
 
 /// Whether another analysis may have read digits from an unsure signal: a digit for each mark of its frame,
