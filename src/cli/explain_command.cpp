@@ -145,8 +145,8 @@ std::string RuleOf(const FramesHeard& heard) {
   if (heard.Doubt == robust::FrameDoubt::OddLength)
     return "one of its lengths is further off than the others";
   if (heard.Doubt == robust::FrameDoubt::OneDigit) return "it is one digit off what its protocol sends";
-  if (heard.Doubt == robust::FrameDoubt::FewDigits && heard.Alike == 2 && heard.Others == 0)
-    return "two frames of a digit or two less than common protocols have prove too little; three would do";
+  if (heard.Doubt == robust::FrameDoubt::FewDigits && heard.Others == 0)
+    return "it has a digit or two less than common protocols have, so that the code must be learned";
   if (heard.Frames == 1 && heard.Others == 0) return "one frame alone proves too little";
   if (heard.Proven == RobustReading::Proof::Single) return "the frames prove too little";
   if (heard.Alike < heard.Frames) {

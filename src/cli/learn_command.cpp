@@ -55,6 +55,7 @@ struct HeardKey {
 bool SentTwice(const Press& press, LineOptions line, const std::string& code, Analysis analysis) {
   line.HoldMs = 0;
   SignalState state;
+  state.SampleTime = line.SampleTime;
   const RecordReading recorded =
       ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
   return recorded.Repeats && recorded.Code == code;
@@ -81,7 +82,7 @@ bool IsHeardByMonitor(const Press& press, LineOptions line, const CfgStore& stor
   ReadSettings(store, settings);
   if (settings.Analysis == Analysis::First) return true;
   line.SampleTime = SampleTimeOf(settings.ProcDelay);
-  return IsReadByMonitor(CaptureOfPress(press, kRecordCaptureBytes, line), read.Code);
+  return IsReadByMonitor(CaptureOfPress(press, kRecordCaptureBytes, line), read.Code, line.SampleTime);
 }
 
 HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis analysis) {
@@ -95,6 +96,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     for (const Press& press : LoadRecording(file).Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
+      state.SampleTime = line.SampleTime;
       HearRaw(press, place, line, store, key);
       key.Last = ReadRecordedCapture(CaptureOfPress(press, kRecordCaptureBytes, line), state, analysis);
       if (!WhyNoCode(key.Last).empty()) continue;

@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <vector>
 
 namespace keplo {
@@ -112,6 +114,25 @@ std::string HolderOfDevice(const std::string& device) {
     if (process > 0 && process != getpid() && HasOpen(at->path(), node).value_or(false)) {
       return NameOfProcess(process);
     }
+  }
+  return {};
+}
+
+std::string HolderOfLock(const std::string& device) {
+  struct stat node {};
+  if (stat(device.c_str(), &node) != 0) return {};
+  std::ifstream locks("/proc/locks");
+  std::string line;
+  while (std::getline(locks, line)) {
+    std::istringstream words(line);
+    std::string number, kind, advisory, access, file;
+    int process = 0;
+    if (!(words >> number >> kind >> advisory >> access >> process >> file) || kind != "FLOCK") continue;
+    unsigned majorNumber = 0, minorNumber = 0;
+    unsigned long inode = 0;
+    if (std::sscanf(file.c_str(), "%x:%x:%lu", &majorNumber, &minorNumber, &inode) != 3) continue;
+    if (makedev(majorNumber, minorNumber) == node.st_dev && inode == node.st_ino && process != getpid())
+      return NameOfProcess(process);
   }
   return {};
 }

@@ -27,6 +27,10 @@ std::string NameOfProcess(int process);
 /// shows none.
 std::string HolderOfDevice(const std::string& device);
 
+/// The program, other than this one, that has a device locked by flock, which the system shows of programs of
+/// all users; empty if none has.
+std::string HolderOfLock(const std::string& device);
+
 /// Whether a process has a device open.
 /// @return none if the system does not show that to this program
 std::optional<bool> HasDeviceOpen(int process, const std::string& device);

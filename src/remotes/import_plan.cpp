@@ -154,6 +154,7 @@ class Planner {
     if (!MayGoIn(planned, place)) return;
     planned.Fate = KeyFate::Stored;
     codes_.Add(heard.Digits, place);
+    AddReason(planned, planned.Key->Lost);
     if (const auto other = HeardCodeOf(planned.Key->Toggled); other && planned.Key->IsRaw()) {
       TellToggle(FirstDifference(heard.Digits, other->Digits), planned);
     }
@@ -225,9 +226,8 @@ class Planner {
     planned.RawDigits = signal.Digits;
     codes_.Add(signal.Digits, place);
     raw_.Add(signal);
-    if (!IsHeardAsRaw(raw_, signal)) {
-      planned.Reason = kNotHeardAsRaw;
-    }
+    if (!IsHeardAsRaw(raw_, signal)) AddReason(planned, kNotHeardAsRaw);
+    AddReason(planned, planned.Key->Lost);
     plan_.Raw.push_back(std::move(signal));
     if (section_) {
       TellOtherSending(wishes_.Section, *section_, planned);

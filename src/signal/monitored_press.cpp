@@ -122,8 +122,9 @@ MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysi
   return reading;
 }
 
-bool IsReadByMonitor(std::string_view recording, std::string_view code) {
+bool IsReadByMonitor(std::string_view recording, std::string_view code, double sampleTime) {
   SignalState state;
+  state.SampleTime = sampleTime;
   const MonitorReading reading =
       ReadCapture(recording.substr(0, kMonitorCaptureBytes), state, Analysis::Second);
   return reading.Digits == code && (reading.Ended != Stage::Length || reading.ReadBy == Analysis::Second);

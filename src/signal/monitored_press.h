@@ -81,6 +81,7 @@ MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysi
 /// some air conditioners outlasts such a capture, which is shorter, and not each number of digits is a code
 /// to the monitor.
 /// @param recording samples from the first mark on
-bool IsReadByMonitor(std::string_view recording, std::string_view code);
+/// @param sampleTime microseconds
+bool IsReadByMonitor(std::string_view recording, std::string_view code, double sampleTime);
 
 }  // namespace keplo

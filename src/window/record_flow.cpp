@@ -222,7 +222,8 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
     SelectCurrent();
     return true;
   }
-  if (HasCode(reading) && IsReadByMonitor(mod_.Signal.RawCapture, reading.Code)) return false;
+  if (HasCode(reading) && IsReadByMonitor(mod_.Signal.RawCapture, reading.Code, mod_.Signal.SampleTime))
+    return false;
   if (const std::string alike = AlikeRawText(store, mod_.Signal); !alike.empty()) {
     told_ = "No code: it " + alike + ".";
     return false;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <thread>
 
 #include "doubles/temp_folder.h"
+#include "doubles/until.h"
 #include "line/device_access.h"
 #include "line/port_check.h"
 #include "line/port_line.h"
@@ -59,9 +61,12 @@ TEST(DeviceAccess, TellsAnotherProgramThatHasADevice) {
   KernelCalls calls;
   const DeviceDescriptor own(calls, calls.Open(device, O_RDONLY | O_CLOEXEC));
   EXPECT_EQ(HolderOfDevice(device), "") << "nobody but this one";
+  EXPECT_EQ(HolderOfLock(device), "");
   const pid_t child = fork();
+  if (child == 0 && flock(open(device.c_str(), O_RDONLY | O_CLOEXEC), LOCK_EX) != 0) _exit(1);
   while (child == 0) pause();
   ASSERT_GT(child, 0);
+  EXPECT_TRUE(tests::Until([&] { return HolderOfLock(device) == NameOfProcess(child); }));
   EXPECT_EQ(HolderOfDevice(device), NameOfProcess(child));
   const bool locks = static_cast<bool>(std::ofstream(lockFile) << child << std::flush);
   EXPECT_EQ(HolderOfLockFile(device), locks ? NameOfProcess(child) : "");

@@ -267,7 +267,7 @@ TEST(ImportPlan, TellsWhatACodeDoesNotKeep) {
       " the remote turns digit 14 over with each press, and one of both codes is stored\n";
   EXPECT_EQ(Told(PlanImport(kEmpty, files, {})),
             "KEY_A -> T-1&KEY_A" + toggle + "KEY_B -> T-2&KEY_B" + toggle +
-                "KEY_C -> H-1&KEY_C a short repeat that has a header is not kept\n"
+                "KEY_C -> H-1&KEY_C a short repeat with a header or a lead ahead is not kept\n"
                 "KEY_D -> S-1&KEY_D its short repeat is of lengths that no section has, and is not kept\n");
 }
 

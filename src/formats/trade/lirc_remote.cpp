@@ -220,7 +220,7 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   if (single) {
     key.Coded = PlainSignal(remote, digits);
     if (!key.Coded) key.Coded = Rc5Signal(remote, sender.Frame(digits, false));
-    if (HasHeadedRepeat(remote)) key.Lost = "a short repeat that has a header is not kept";
+    if (HasHeadedRepeat(remote)) key.Lost = "a short repeat with a header or a lead ahead is not kept";
     if (key.Coded) return {};
   }
   const std::string toggles = sender.ToggleMarks();

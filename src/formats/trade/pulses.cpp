@@ -14,6 +14,8 @@ namespace {
 constexpr std::string_view kExpected =
     "\"pulse\", \"space\", \"timeout\", \"carrier\", \"scancode\" or a length such as +560";
 
+constexpr std::array<std::string_view, 5> kWords = {"pulse", "space", "timeout", "carrier", "scancode"};
+
 constexpr std::string_view kCarrierComment = "# carrier ";  // in a line of its own
 
 std::string_view WithoutComment(std::string_view line) {
@@ -48,11 +50,14 @@ class PulseReader {
     std::string_view words = rest;
     const std::string_view word = TakeWord(rest);
     if (word.empty()) return;
+    const bool isLength = NumberOf(word.substr(word.starts_with('+') ? 1 : 0)).has_value();
+    hasBegun_ = hasBegun_ || isLength || std::find(kWords.begin(), kWords.end(), word) != kWords.end();
     if (word == "pulse" || word == "space" || word == "timeout") return ReadLength(word, TakeWord(rest));
     if (word == "carrier") return ReadCarrier(TakeWord(rest));
     if (word == "scancode") return ReadScancode(TakeWord(rest));
-    if (NumberOf(word.substr(word.starts_with('+') ? 1 : 0))) return ReadSigned(words);
-    reading_.Complain(line_, "found " + Quoted(word) + ", expected " + std::string(kExpected));
+    if (isLength) return ReadSigned(words);
+    // Programs that receive tell first, in words, what they listen to.
+    if (hasBegun_) reading_.Complain(line_, "found " + Quoted(word) + ", expected " + std::string(kExpected));
   }
 
   void Begin() {
@@ -187,8 +192,9 @@ class PulseReader {
   bool carriersDiffer_ = false;  // from line to line
   int line_ = 0;
   bool carriersFollow_ = false;  // the presses that they are of
-  bool begun_ = false;
-  bool lastEnded_ = false;  // the last key is a press that has ended
+  bool hasBegun_ = false;        // some line was understood
+  bool begun_ = false;           // a key
+  bool lastEnded_ = false;       // the last key is a press that has ended
   bool rested_ = false;
 };
 
@@ -210,7 +216,6 @@ std::string_view FirstLine(std::string_view text) {
 /// Some programs tell first, in words, what they listen to.
 bool IsPulses(std::string_view text) {
   constexpr int kLinesAhead = 5;
-  constexpr std::array<std::string_view, 5> kWords = {"pulse", "space", "timeout", "carrier", "scancode"};
   Lines lines(text);
   std::string_view line;
   for (int ahead = 0; ahead <= kLinesAhead && lines.Next(line);) {

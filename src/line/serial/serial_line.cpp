@@ -201,12 +201,12 @@ void SerialLine::Forget() {
 }
 
 void SerialLine::WaitForNews(Time until) {
-  // Also before it has told one: a line that is looked at all the time could never show that it tells them.
-  if (watch_) return log_.WaitUntil(until);
+  // A driver that counts edges may tell none of them.
+  if (HasEdges()) return log_.WaitUntil(until);
   const Hurry hurry;
   do {
     calls_.SleepUntil(calls_.Now() + kLook);
-  } while (calls_.Now() < until && !inside_ && Level() == RestLevel());
+  } while (calls_.Now() < until && !HasEdges() && !inside_ && Level() == RestLevel());
 }
 
 /// After a whole capture of light.
@@ -261,7 +261,7 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
 PulseTrain SerialLine::JustTold(Time now) {
   const std::span<const Edge> edges = log_.Edges();
   const auto begin = std::find_if(edges.begin(), edges.end(), [&](const Edge& edge) {
-    return edge.Level != RestLevel() && now - edge.At < kFrameGap;
+    return edge.Level != RestLevel() && edge.At < now && now - edge.At < kFrameGap;
   });
   if (begin == edges.end()) return {};
   return ReadPress(edges, static_cast<std::size_t>(begin - edges.begin()), RestLevel(), now).Train;

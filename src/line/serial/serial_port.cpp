@@ -34,6 +34,7 @@ Refusal WhyUntouchable(const std::string& device) {
   if (IsNoTerminal(device)) return {WhyNoAccess(device, ENOTTY)};
   std::string holder = HolderOfLockFile(device);
   if (holder.empty()) holder = HolderOfDevice(device);
+  if (holder.empty()) holder = HolderOfLock(device);
   return holder.empty() ? Refusal() : WhyBusy(device, holder);
 }
 
@@ -65,9 +66,9 @@ std::unique_ptr<SerialPort> SerialPort::Open(DeviceCalls& calls, const std::stri
     }
     std::unique_ptr<SerialPort> port(new SerialPort(calls, descriptor, {}));
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-      // The open has raised DTR although the port is another's. Who locks a port unseen is most likely a host
-      // of another user, whose transmitter would be lit without end; a program that wants DTR up, as for a
-      // modem, can connect again.
+      // The open has raised DTR although the port has just become another's, most likely a host's of another
+      // user, whose transmitter would be lit without end; a program that wants DTR up, as for a modem, can
+      // connect again.
       port->SetLine(TIOCM_DTR, false);
       refusal = WhyNotOpened(device, EWOULDBLOCK);
       return nullptr;

@@ -137,12 +137,8 @@ const Frame* ProvenFrame(const Findings& found) {
     if (!proven->SameCode(frame)) return nullptr;
   }
   if (proven != nullptr) {
-    // What damages two frames alike does not so a third time.
-    constexpr std::ptrdiff_t kMany = 3;
-    const auto equal = std::count_if(frames.begin(), frames.end(),
-                                     [&](const Frame& frame) { return frame.SameCode(*proven); });
-    const bool believed = ProvesItself(*proven) || (IsLongest(*proven, found) && IsVaried(*proven) &&
-                                                    (equal >= kMany || !MayLackDigits(*proven)));
+    const bool believed =
+        ProvesItself(*proven) || (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven));
     return believed && !IsOnlyPart(*proven, found) ? proven : nullptr;
   }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;

@@ -20,7 +20,7 @@ enum class FrameDoubt : std::uint8_t {
   None,
   OddLength,  // one run is further off than the others let expect
   OneDigit,   // one digit keeps the others from proving each other
-  FewDigits   // a digit or two less than common protocols have, in two frames
+  FewDigits   // a digit or two less than common protocols have
 };
 
 /// Why a frame was not believed.
