@@ -46,8 +46,8 @@ bool ProvesItself(const Frame& frame) {
 bool IsVaried(const Frame& frame) {
   if (frame.Alphabet == nullptr) return true;
   if (frame.Kind() == kRc5) return frame.Shape->ProvesItself(frame);
-  const std::ptrdiff_t fewest = frame.Leads == LeaderKind::Other ? kFewestOfEach : 1;
-  return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), fewest);
+  if (frame.Leads != LeaderKind::Other) return frame.StepUnits > 0;
+  return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), kFewestOfEach);
 }
 
 /// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
@@ -138,7 +138,7 @@ const Frame* ProvenFrame(const Findings& found) {
   }
   if (proven != nullptr) {
     const bool believed =
-        ProvesItself(*proven) || (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven));
+        (IsLongest(*proven, found) && IsVaried(*proven) && !MayLackDigits(*proven)) || ProvesItself(*proven);
     return believed && !IsOnlyPart(*proven, found) ? proven : nullptr;
   }
   if (frames.size() > 1 || !ProvesItself(frames.front())) return nullptr;
