@@ -21,7 +21,7 @@ constexpr const char* kSystemAuthorities = "/etc/ssl/certs";
 
 /// Without this the terminal is asked, which a host in the background never answers.
 int GiveNoPassword(char* /*password*/, int /*size*/, int /*writing*/, void* wasAsked) {
-  *static_cast<bool*>(wasAsked) = true;
+  if (wasAsked != nullptr) *static_cast<bool*>(wasAsked) = true;
   return 0;
 }
 
@@ -72,6 +72,7 @@ void TlsChannel::UseOwnCertificate(const BrokerSettings& settings) {
       SSL_CTX_use_certificate_chain_file(context_.get(), settings.Certificate.c_str()) == 1 &&
       SSL_CTX_use_PrivateKey_file(context_.get(), settings.Key.c_str(), SSL_FILETYPE_PEM) == 1 &&
       SSL_CTX_check_private_key(context_.get()) == 1;
+  SSL_CTX_set_default_passwd_cb_userdata(context_.get(), nullptr);
   if (askedForPassword) {
     ERR_clear_error();
     fault_ = kKeyIsEncrypted;

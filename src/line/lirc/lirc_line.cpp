@@ -197,7 +197,8 @@ void LircLine::TakeOverflow(Time now) {
   silence_ = 0;
   heard_.clear();
   skipping_ = overflowed_ = true;
-  if (losses_.Overflows++ > 0) return;
+  // What it did not keep of our own sending is no press.
+  if (IsDeaf() || losses_.Overflows++ > 0) return;
   Tell(Node() +
        " could not keep all that it heard, as on a busy machine: a press was lost. keplo ports tells how to "
        "give captures priority.");

@@ -3,7 +3,6 @@
 #include <sys/ioctl.h>
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include "line/device_access.h"
@@ -256,15 +255,16 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
   return true;
 }
 
-/// The lengths of a signal that has begun since the last look, up to now: what the driver has told of it,
-/// though not believed yet to tell all, is closer than samples that begin only now.
-PulseTrain SerialLine::JustTold(Time now) {
+/// A signal that has begun since the last look, up to now: what the driver has told of it, though not
+/// believed yet to tell all, is closer than samples that begin only now.
+KnownBeginning SerialLine::JustTold(Time now) {
   const std::span<const Edge> edges = log_.Edges();
   const auto begin = std::find_if(edges.begin(), edges.end(), [&](const Edge& edge) {
     return edge.Level != RestLevel() && edge.At < now && now - edge.At < kFrameGap;
   });
-  if (begin == edges.end()) return {};
-  return ReadPress(edges, static_cast<std::size_t>(begin - edges.begin()), RestLevel(), now).Train;
+  if (begin == edges.end()) return {now, {}};
+  return {begin->At,
+          ReadPress(edges, static_cast<std::size_t>(begin - edges.begin()), RestLevel(), now).Train};
 }
 
 bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& options) {
@@ -272,11 +272,8 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
   SamplingReport report;
   {
     const Hurry hurry;
-    const Time now = calls_.Now();
-    const PulseTrain told = JustTold(now);
-    const microseconds length(std::accumulate(told.begin(), told.end(), std::int64_t{0}));
     report = SampleSignal(
-        calls_, {now - length, told},
+        calls_, JustTold(calls_.Now()),
         [this]() -> std::optional<bool> {
           const std::optional<bool> level = Level();
           return level ? std::optional(*level != RestLevel()) : std::nullopt;

@@ -12,6 +12,8 @@
 
 namespace keplo {
 
+struct KnownBeginning;
+
 /// A receiver on the carrier-detect line of a serial port, and a transmitter on its DTR or TxD line.
 ///
 /// A driver that tells edges is waited for: a capture begins with its first edge, however late anybody asks,
@@ -57,7 +59,7 @@ class SerialLine : public NodeLine {
   bool IsQuiet();
   void NoticeStuck();
   bool CaptureEdges(std::span<char> buffer, const LineOptions& options);
-  PulseTrain JustTold(Time now);
+  KnownBeginning JustTold(Time now);
   bool CaptureSamples(std::span<char> buffer, const LineOptions& options);
   bool Worked(bool worked);
   void Drop(std::size_t edges);
