@@ -160,7 +160,7 @@ void Register() {
   Dice dice;
   benchmark::RegisterBenchmark("BytesToRaw/raw", BytesToRaw, Capture(RawRuns(dice)));
   for (const auto& [by, analysis] : analyses) {
-    const auto named = [&](const std::string& road, const char* signal) {
+    const auto named = [by = by](const std::string& road, const char* signal) {
       return road + "/" + signal + "/" + by;
     };
     for (const auto& [name, capture, press] : captures)
