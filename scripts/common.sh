@@ -7,7 +7,7 @@ cd "$root"
 build_packages=(g++ cmake libasound2-dev libevdev-dev ninja-build libsqlite3-dev libcli11-dev nlohmann-json3-dev
   libtomlplusplus-dev libpugixml-dev libyaml-cpp-dev libmosquitto-dev libssl-dev pkg-config ca-certificates
   qt6-base-dev qt6-httpserver-dev qt6-websockets-dev)
-test_packages=(libgtest-dev mosquitto openssl sqlite3 chromium fonts-dejavu-core xvfb xdotool)
+test_packages=(libgtest-dev mosquitto openssl python3-cram sqlite3 chromium fonts-dejavu-core xvfb xdotool)
 # A machine for the check on real drivers.
 machine_packages=(qemu-system-x86 busybox-static cpio kmod xz-utils linux-headers-amd64 v4l-utils)
 bench_packages=(libgtest-dev libbenchmark-dev)
