@@ -49,6 +49,16 @@ class Interruption {
 
 }  // namespace
 
+int InterruptingSignal() {
+  static const int number = [] {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGRTMIN + 3, &action, nullptr);
+    return SIGRTMIN + 3;
+  }();
+  return number;
+}
+
 int KernelCalls::Open(const std::string& path, int flags) { return open(path.c_str(), flags); }
 
 void KernelCalls::Close(int descriptor) { close(descriptor); }
@@ -85,5 +95,7 @@ void KernelCalls::SleepUntil(nanoseconds time) {
   while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) {
   }
 }
+
+void KernelCalls::Interrupt(pthread_t thread) { pthread_kill(thread, InterruptingSignal()); }
 
 }  // namespace keplo

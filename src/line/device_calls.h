@@ -1,6 +1,7 @@
 #pragma once
 
 #include <poll.h>
+#include <pthread.h>
 #include <sys/types.h>
 
 #include <chrono>
@@ -30,7 +31,12 @@ class DeviceCalls {
   virtual std::chrono::nanoseconds Now() = 0;
   /// Returns at once if the time has passed.
   virtual void SleepUntil(std::chrono::nanoseconds time) = 0;
+  /// Ends with EINTR what another thread waits for in the kernel. A wait that begins later goes on.
+  virtual void Interrupt(pthread_t thread) = 0;
 };
+
+/// The signal behind Interrupt, which does nothing else; a thread that blocks it is not interrupted.
+int InterruptingSignal();
 
 /// The calls of the kernel.
 class KernelCalls : public DeviceCalls {
@@ -45,6 +51,7 @@ class KernelCalls : public DeviceCalls {
   int Poll(pollfd* descriptors, nfds_t count, int timeout) override;
   std::chrono::nanoseconds Now() override;
   void SleepUntil(std::chrono::nanoseconds time) override;
+  void Interrupt(pthread_t thread) override;
 };
 
 /// A descriptor that is closed with its owner.

@@ -88,6 +88,7 @@ struct SimulatedDevice : DeviceCalls {
   }
   nanoseconds Now() override { return Time; }
   void SleepUntil(nanoseconds time) override { Time = std::max(Time, time); }
+  void Interrupt(pthread_t /*thread*/) override {}
 };
 
 struct LircLineTest : ::testing::Test {

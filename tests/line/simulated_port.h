@@ -106,8 +106,9 @@ class SimulatedPort : public DeviceCalls {
     now_ = std::max(now_, time);
     if (LateEvery > 0 && ++sleeps_ % LateEvery == 0) now_ += Late;
   }
+  void Interrupt(pthread_t /*thread*/) override {}
 
- private:
+ protected:
   bool IsThere() const { return There && now_ < GoneAt; }
   bool Lit() const {
     if (AlwaysLit) return true;

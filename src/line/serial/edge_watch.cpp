@@ -22,25 +22,14 @@ constexpr std::chrono::microseconds kOwnLook{500};
 /// Marks of remotes are shorter; a driver without an interrupt looks every 4 ms at most.
 constexpr std::chrono::microseconds kPrompt{2500};
 
-/// A signal that does nothing but end a wait of the kernel.
-int WakingSignal() {
-  static const int number = [] {
-    struct sigaction action {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGRTMIN + 3, &action, nullptr);
-    return SIGRTMIN + 3;
-  }();
-  return number;
-}
-
-/// A new thread takes over the signal mask; all signals but the waking one stay with the program's own
-/// threads.
+/// A new thread takes over the signal mask; all signals but that of an interruption stay with the program's
+/// own threads.
 class SignalsBlocked {
  public:
   SignalsBlocked() {
     sigset_t blocked;
     sigfillset(&blocked);
-    sigdelset(&blocked, WakingSignal());
+    sigdelset(&blocked, InterruptingSignal());
     pthread_sigmask(SIG_SETMASK, &blocked, &before_);
   }
   ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
@@ -80,7 +69,7 @@ EdgeWatch::~EdgeWatch() {
   calls_.Write(stop_.Get(), &one, sizeof one);
   // Nothing but an edge or a signal ends the wait, and the signal may come just before the wait begins.
   while (!edgesEnded_) {
-    pthread_kill(edges_.native_handle(), WakingSignal());
+    calls_.Interrupt(edges_.native_handle());
     std::this_thread::sleep_for(kStopAgain);
   }
   edges_.join();
@@ -88,7 +77,7 @@ EdgeWatch::~EdgeWatch() {
 }
 
 void EdgeWatch::Look() {
-  if (!edgesEnded_) pthread_kill(edges_.native_handle(), WakingSignal());
+  if (!edgesEnded_) calls_.Interrupt(edges_.native_handle());
 }
 
 /// What a change tells of the driver.
