@@ -99,19 +99,6 @@ TEST_F(SerialLineTest, FillsWhatItMissedSoThatNothingIsStretched) {
       << "the silence is heard, the rest is left";
 }
 
-TEST_F(SerialLineTest, RestsBesideALamp) {
-  ASSERT_EQ(Line.OpenCom(1), 1);
-  Port.AlwaysLit = true;
-  EXPECT_FALSE(AtRest());
-  EXPECT_EQ(Capture(), std::string(kMonitorCaptureBytes, '\xFF'));
-  EXPECT_TRUE(AtRest()) << "one capture of a lamp is enough";
-  EXPECT_EQ(Told.size(), 1U) << "that it may be a receiver of the other kind";
-  Port.AlwaysLit = false;
-  EXPECT_TRUE(AtRest());
-  Port.Play(Clean(kNec, kNecBits));
-  EXPECT_FALSE(AtRest());
-}
-
 TEST_F(SerialLineTest, TellsOnceThatItsDeviceWentWhateverItDidAndOpensItAgain) {
   const std::string slots(60, '\x0F');
   const std::vector<std::function<void()>> uses = {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <span>
 
+#include "formats/pulse_text.h"
 #include "line/device_calls.h"
-#include "line/shaping/frames.h"
 
 namespace keplo {
 
@@ -21,7 +21,7 @@ struct SamplingReport {
 /// The beginning of a signal that is known by its lengths.
 struct KnownBeginning {
   std::chrono::nanoseconds From;  // when it began
-  Pulses Lengths;                 // microseconds, mark first, up to where the samples take over
+  PulseTrain Lengths;             // microseconds, mark first, up to where the samples take over
 };
 
 /// Samples a line against absolute deadlines until it has been silent for long enough or the buffer is full:

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "line/device_line.h"
+#include "signal/sample_bits.h"
+
+namespace keplo::tests {
+
+inline std::string Joined(std::span<const int> lengths) {
+  std::string text;
+  for (const int length : lengths) text += (text.empty() ? "" : " ") + std::to_string(length);
+  return text;
+}
+
+/// What a buffer got: the lengths that the line tells, those of the samples, and how many bytes.
+inline std::string Written(const Win32Ser& line, const std::string& buffer, std::chrono::nanoseconds start) {
+  const std::size_t bytes = buffer.find_last_not_of('\xAA') + 1;
+  const std::string samples = SamplesToBits(buffer.substr(0, bytes));
+  std::vector<int> runs;
+  for (std::size_t at = 0; at < samples.size(); at += static_cast<std::size_t>(runs.back())) {
+    const std::size_t end = std::min(samples.find_first_not_of(samples[at], at), samples.size());
+    runs.push_back(static_cast<int>(end - at));
+  }
+  std::string text = "[" + Joined(line.ToldLengths()) + "] " + Joined(runs) + "/" + std::to_string(bytes);
+  const SignalOrigin* const origin = line.Origin();
+  const auto since = [&](std::chrono::microseconds time) {
+    return std::to_string((time - std::chrono::duration_cast<std::chrono::microseconds>(start)).count());
+  };
+  return origin == nullptr ? text : text + " " + since(origin->Begin) + ".." + since(origin->End);
+}
+
+/// Takes the steps of a script, and writes down what came of each, and last what was told:
+/// pLENGTHS a press begins, wMICROSECONDS a wait, d the level, mBYTES and rBYTES a capture of the monitor and
+/// a recording, with the time when it is done, f forgets, q milliseconds without ticks, x whether it sent, l
+/// losses.
+template <typename Device, typename Play>
+std::string Script(Device& device, DeviceLine& line, const std::string& script, const Play& play) {
+  const auto start = device.Now();
+  std::istringstream words(script);
+  std::string text;
+  for (std::string word; words >> word;) {
+    const std::string rest = word.substr(1);
+    const auto now = [&] {
+      return " @" +
+             std::to_string(std::chrono::round<std::chrono::microseconds>(device.Now() - start).count());
+    };
+    std::string buffer(word[0] == 'm' || word[0] == 'r' ? std::stoul(rest) : 0, '\xAA');
+    if (word[0] == 'p') play(rest);
+    if (word[0] == 'w') device.SleepUntil(device.Now() + std::chrono::microseconds(std::stoi(rest)));
+    if (word[0] == 'd') text += std::to_string(line.DCD()) + " ";
+    if (word[0] == 'q') text += "rest " + std::to_string(line.MayRest().count()) + " ";
+    if (word[0] == 'f') line.Forget();
+    if (word[0] == 'g')
+      device.GoneAt = rest.empty() ? std::chrono::nanoseconds::max()
+                                   : device.Now() + std::chrono::microseconds(std::stoi(rest));
+    if (word[0] == 's') {
+      line.IRSend(std::string(1, '\xF0'), std::stoi(rest), 0);
+      text += line.Sent() ? "sent " : "not sent ";
+    }
+    if (word[0] == 'm') line.IRMonitor(buffer, 10);
+    if (word[0] == 'r')
+      text += std::to_string(line.IRRecord(buffer, 10, static_cast<int>(buffer.size()))) + " ";
+    if (!buffer.empty()) text += Written(line, buffer, start) + now() + "; ";
+    if (word[0] != 'l') continue;
+    const LineLosses losses = line.Losses();
+    for (const auto count :
+         {losses.Samples, losses.FilledSamples, losses.LateSamples, losses.MissedEdges, losses.Overflows})
+      text += std::to_string(count) + " ";
+  }
+  return text;
+}
+
+}  // namespace keplo::tests
