@@ -23,19 +23,12 @@ std::string Heard(const std::string& script, std::int16_t receiver = 0) {
   options.ReadBy = &reader;
   std::string told;
   SerialLine line(port, kSimulatedDevice, receiver, options,
-                  [&](const std::string& text) { told += text.substr(kSimulatedDevice.size()) + ";"; });
+                  [&](const std::string& text) { told += text.substr(text.find(' ')) + ";"; });
   EXPECT_EQ(line.OpenCom(1), 1);
   port.SleepUntil(port.Now() + std::chrono::milliseconds(100));
   const std::string text = Script(port, line, script, [&](const std::string& lengths) {
-    PulseTrain press;
-    std::string telling;
-    std::istringstream words(lengths);
-    for (std::string word; std::getline(words, word, ',');) {
-      const bool isMarked = std::isdigit(static_cast<unsigned char>(word[0])) == 0;
-      telling += isMarked ? word[0] : ' ';
-      if (word.size() > 1 || !isMarked) press.push_back(std::stoi(word.substr(isMarked ? 1 : 0)));
-    }
-    Play(port, press, telling);
+    const Played played = ReadPlayed(lengths);
+    Play(port, played.Lengths, played.Marks);
   });
   return text + told;
 }
@@ -133,7 +126,7 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
       {"its own light", kTells, "p900,500,900,30000,500,500,40000,. s560 w20000 d w12000 d m50 l",
        "sent 1 0 [500 500 21000] 9 9 382/50 32320..54320 @54486; 0 0 0 0 0 "},
       {"a pulse too long", kTells, "p900,500,900,. s20001 s20000 d m50 l",
-       "not sent sent 1 [] /0 @161004; 0 0 0 0 0  not sent. Use 1 to 20000 us.;"},
+       "not sent sent 1 [] /0 @161004; 0 0 0 0 0  pulse of 20001 us is not sent. Use 1 to 20000 us.;"},
       {"sampled", kSampled, "p900,500,700,. w100 d m400 d l w1000000 q",
        "0 [] 15 9 13 2467/313 @138044; 1 2509 0 0 0 0 rest 0 "},
       {"sampled on", kSampled, "p900,500,700,30000,600,400,600,. w100 d m40 d w8600 d m50 d l",

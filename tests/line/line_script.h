@@ -3,6 +3,7 @@
 #include <sstream>
 #include <string>
 
+#include "formats/pulse_text.h"
 #include "line/device_line.h"
 #include "signal/sample_bits.h"
 
@@ -12,6 +13,24 @@ inline std::string Joined(std::span<const int> lengths) {
   std::string text;
   for (const int length : lengths) text += (text.empty() ? "" : " ") + std::to_string(length);
   return text;
+}
+
+/// What is played: lengths, and a character for each, that which stands in front of it or a blank. One alone
+/// may stand at the end.
+struct Played {
+  PulseTrain Lengths;
+  std::string Marks;
+};
+
+inline Played ReadPlayed(const std::string& text) {
+  Played played;
+  std::istringstream words(text);
+  for (std::string word; std::getline(words, word, ',');) {
+    const bool isMarked = std::isdigit(static_cast<unsigned char>(word[0])) == 0;
+    played.Marks += isMarked ? word[0] : ' ';
+    if (word.size() > 1 || !isMarked) played.Lengths.push_back(std::stoi(word.substr(isMarked ? 1 : 0)));
+  }
+  return played;
 }
 
 /// What a buffer got: the lengths that the line tells, those of the samples, and how many bytes.

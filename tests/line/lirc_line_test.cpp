@@ -9,6 +9,7 @@
 
 #include "line/port_check.h"
 #include "line/slot_clock.h"
+#include "line_script.h"
 #include "press_builder.h"
 
 namespace keplo {
@@ -23,7 +24,7 @@ using Items = std::deque<std::pair<nanoseconds, std::uint32_t>>;  // when they a
 /// An infrared device on a clock that moves only when somebody waits.
 struct SimulatedDevice : DeviceCalls {
   std::uint32_t Features = LIRC_CAN_REC_MODE2 | LIRC_CAN_SEND_PULSE;
-  bool There = true;
+  nanoseconds GoneAt = nanoseconds::max();
   int WriteError = 0;
   std::size_t MostItems = 1023;
   Items Coming;
@@ -49,16 +50,17 @@ struct SimulatedDevice : DeviceCalls {
     return at;
   }
 
+  bool IsThere() const { return Time < GoneAt; }
   int Open(const std::string& /*path*/, int /*flags*/) override {
-    return There ? 1'000'000 : (errno = ENOENT, -1);
+    return IsThere() ? 1'000'000 : (errno = ENOENT, -1);
   }
   void Close(int /*descriptor*/) override {}
   int Ioctl(int /*descriptor*/, unsigned long request, void* argument) override {
     if (request == LIRC_GET_FEATURES) *static_cast<std::uint32_t*>(argument) = Features;
-    return There ? 0 : (errno = ENODEV, -1);
+    return IsThere() ? 0 : (errno = ENODEV, -1);
   }
   ssize_t Read(int /*descriptor*/, void* data, std::size_t size) override {
-    if (!There) return errno = ENODEV, -1;
+    if (!IsThere()) return errno = ENODEV, -1;
     std::size_t count = 0;
     for (; !Coming.empty() && Coming.front().first <= Time && count < size / 4; ++count) {
       static_cast<std::uint32_t*>(data)[count] = Coming.front().second;
@@ -80,8 +82,12 @@ struct SimulatedDevice : DeviceCalls {
   }
   int Poll(pollfd* waits, nfds_t /*count*/, int timeout) override {
     const nanoseconds until = Time + milliseconds(timeout);
-    waits->revents = There ? 0 : POLLHUP | POLLERR;
-    if (!There) return 1;
+    if (until >= GoneAt) {
+      Time = std::max(Time, std::min(GoneAt, until));
+      waits->revents = POLLHUP | POLLERR;
+      return 1;
+    }
+    waits->revents = 0;
     const bool comes = !Coming.empty() && Coming.front().first <= until;
     Time = comes ? std::max(Time, Coming.front().first) : until;
     return comes ? 1 : 0;
@@ -125,51 +131,100 @@ TEST_F(LircLineTest, HearsPressesWhateverTheDeviceTellsAmongTheirLengths) {
   }
 }
 
-TEST_F(LircLineTest, EndsAPressByTheSilenceBehindItsLastMark) {
-  const nanoseconds end = Device.Play({9000, 4500, 560, 560, 560});
-  Heard();
-  EXPECT_LE(Device.Time - end, milliseconds(140));
-}
-
-TEST_F(LircLineTest, KnowsWhenASignalWasOnAirHoweverLateItIsTaken) {
-  PulseTrain press = tests::Clean(kRc5, tests::kRc5Bits);
-  press.pop_back();  // the silence after it
-  for (const std::uint32_t timeout : {16'000U, 50'000U, 125'000U}) {
-    for (const bool whole : {false, true}) {
-      const auto begin = std::chrono::duration_cast<microseconds>(Device.Time);
-      Device.Play(press, timeout, whole);
-      EXPECT_EQ(Heard(), tests::kRc5Bits) << timeout;
-      EXPECT_NEAR(static_cast<double>((Line.Origin()->Begin - begin).count()), 0, 2000);
-      const nanoseconds paused = Device.Time += milliseconds(200);
-      Heard();
-      EXPECT_EQ(Device.Time, paused) << "the third frame was over long ago";
-      EXPECT_NEAR(static_cast<double>((Line.Origin()->Begin - begin).count()), 2 * 113'792, 2000)
-          << timeout << whole;
-      Device.Time += milliseconds(700);  // which the device does not tell
+/// What a line makes of a script. In a play stand o for an overflow and c for a carrier in place of lengths,
+/// and ahead of it, with a colon, may stand the time-out of the device in milliseconds, and w if it is told
+/// whole.
+std::string Heard(const std::string& script) {
+  SimulatedDevice device;
+  const std::int16_t receiver = 0;
+  const Analysis reader = Analysis::Second;
+  LineOptions options;
+  options.ReadBy = &reader;
+  std::string told;
+  LircLine line(device, "/dev/lirc0", receiver, options,
+                [&](const std::string& text) { told += text + ";"; });
+  EXPECT_EQ(line.OpenCom(1), 1);
+  device.Time += milliseconds(1000);
+  const std::string text = tests::Script(device, line, script, [&](const std::string& lengths) {
+    const std::size_t colon = lengths.find(':');
+    const std::uint32_t timeout =
+        colon == std::string::npos ? 125'000 : static_cast<std::uint32_t>(1000 * std::stoi(lengths));
+    const tests::Played played = tests::ReadPlayed(lengths.substr(colon + 1));
+    const std::size_t first = device.Coming.size();
+    device.Play(played.Lengths, timeout, colon != std::string::npos && lengths[colon - 1] == 'w');
+    for (std::size_t i = played.Marks.size(); i-- > 0;) {
+      if (played.Marks[i] == ' ') continue;
+      const auto at = device.Coming.begin() + static_cast<std::ptrdiff_t>(first + i);
+      const std::uint32_t item = played.Marks[i] == 'o' ? LIRC_MODE2_OVERFLOW : LIRC_MODE2_FREQUENCY | 38'000;
+      device.Coming.insert(at, {at[-1].first, item});
     }
-  }
+  });
+  return text + told;
 }
 
-TEST_F(LircLineTest, DropsWhatAnOverflowHasTornUntilTheNextPress) {
-  const nanoseconds end = Device.Play(tests::Clean(kNec, tests::kNecBits));
-  Device.Coming[20].second = LIRC_MODE2_OVERFLOW;
-  EXPECT_EQ(Heard(), StageName(Stage::Empty)) << "no part of it";
-  EXPECT_TRUE(Line.Losses().Overflows == 1 && Told.size() == 1) << "nor is it lost in silence";
-  Device.Time = end + milliseconds(400);
-  Line.Forget();
-  Device.Add(Device.Time, LIRC_MODE2_SPACE, 400'000);
-  Device.Play(tests::Clean(kSony, tests::kSonyBits));
-  EXPECT_EQ(Heard(), tests::kSonyBits);
-}
+const std::string kLost =
+    "/dev/lirc0 could not keep all that it heard, as on a busy machine: a press was lost. keplo ports tells "
+    "how to give captures priority.;";
+const std::string kGone = "/dev/lirc0 is gone. Plug it in again; it is opened by itself.;";
 
-TEST_F(LircLineTest, HearsTheFrameBehindTheSpaceInWhichTheBufferEnded) {
-  PulseTrain held(358, 560);
-  held.back() = 60'000;  // in which the buffer of 224 ms ends
-  const PulseTrain next = tests::Clean(kSony, tests::kSonyBits);
-  held.insert(held.end(), next.begin(), next.end());
-  Device.Play(held);
-  Heard();
-  EXPECT_EQ(Heard(), tests::kSonyBits);
+TEST(LircLine, HearsWhatItsDeviceTells) {
+  struct Row {
+    const char *Name, *Script;
+    std::string Text;
+  };
+  const Row rows[] = {
+      {"a press", "p900,500,700 d w1000 q d m400 d l q w1000000 q",
+       "1 rest 1000 0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 1 0 0 0 0 0 rest 0 rest 1000 "},
+      {"a short time-out", "p16:900,500,700,30000,600,400,600 w1000 d m400 w200000 d",
+       "0 [900 500 700 30000 600 400 600] 16 9 13 546 11 7 11 2467/385 100..33800 @169700; 1 "},
+      {"a short one, whole", "p16w:900,500,700,30000,600,400,600 w1000 d m400",
+       "0 [900 500 700 30000 600 400 600] 16 9 13 546 11 7 11 2467/385 100..33800 @169700; "},
+      {"a long one", "p500:900,500,700,30000,600,400,600 w1000 d m400",
+       "0 [900 500 700 30000 600 400 600] 16 9 13 546 11 7 11 2467/385 100..33800 @169700; "},
+      {"a late look", "p900,500,700,160000,600,30000,600 w1000 d m400 w400000 d m400",
+       "0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 0 [600 30000 600] 11 545 11 2473/380 "
+       "162100..193300 @538100; "},
+      {"late, a short time-out", "p16:900,500,700,160000,600,30000,600 w1000 d m400 w400000 d m400",
+       "0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 0 [600 30000 600] 11 545 11 2473/380 "
+       "162100..193300 @538100; "},
+      {"a space not told", "p16:900,500,700 w1000 d m400 w700000 p16:900,600 w2000 d m400",
+       "0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 0 [900 600] 16 8/3 839200..840100 @975600; "},
+      {"a space of one press", "p900,500,700,149999,600,400,600 w400000 d m510",
+       "0 [900 500 700 149999 600 400 600] 16 9 13 2727 11 8 11 1285/510 399100..552799 @411000; "},
+      {"a space of two", "p900,500,700,150000,600,400,600 w400000 d m510 d m510",
+       "0 [900 500 700] 16 9 13 2466/313 399100..401200 @400000; 0 [600 400 600] 11 7 11 2467/312 "
+       "551200..552800 @411000; "},
+      {"a carrier within", "p900,500,c700 w5000 d m400",
+       "0 [900 500 700] 16 9 13 2466/313 4100..6200 @138100; "},
+      {"nothing between two spaces", "p900,500,0,200,700 w5000 d m400",
+       "0 [900 500 0 200 700] 16 13 13 2470/314 4100..6400 @138300; "},
+      {"an overflow", "p900,500,700,o500,600,400,600,7000,800,400,900 w5000 d m400 w5000 d m400 l",
+       "1 [] /0 @5000; 1 [] /0 @10000; 0 0 0 0 1 " + kLost},
+      {"an overflow within a capture",
+       "p900,5000,700,500,o600,5999,800,6000,900 w1000 d m400 d w14500 d m400 l",
+       "0 [] /0 @7100; 1 0 [900] 16 2472/311 20499..21399 @157399; 0 0 0 0 1 " + kLost},
+      {"our own overflow", "p900,500,700,o600,400,600,7000,800 s560 d m400 l",
+       "sent 1 [] /0 @6480; 0 0 0 0 0 "},
+      {"full in a frame", "p900,500,700,3000,600,3000,600,5999,700,6000,800 w40000 d m8 d m400 d",
+       "0 [900 500 700 3000] 16 9 13 26/8 39100..41200 @40000; 0 [800] 15 2465/310 61099..61899 @158799; 1 "},
+      {"full in a gap", "p900,500,700,30000,600,400,700 w60000 d m40 d m400 d",
+       "0 [900 500 700 30000] 16 9 13 282/40 59100..61200 @60000; 0 [600 400 700] 11 7 13 2465/312 "
+       "91200..92900 @169800; 1 "},
+      {"full in a space", "p900,500,700,3000,600,5999,700 w60000 d m20 d m400",
+       "0 [900 500 700 3000 600 5999] 16 9 13 55 11 56/20 59100..64800 @60000; 1 [] /0 @60000; "},
+      {"forgotten within a frame", "p900,500,700,5000,600,6000,700 w3000 d f w6000 d w8000 d m400",
+       "0 1 0 [700] 13 2467/310 14600..15300 @150400; "},
+      {"forgotten in silence", "p900,500,700 w1000 d m400 f p900,500,600 w3000 d m400",
+       "0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 0 [900 500 600] 16 9 11 2468/313 140200..142200 "
+       "@276100; "},
+      {"a recording", "p900,500,700,30000,600,400,600 w1000 r50 r10",
+       "1 [600 400 600] 11 7 11 371/50 32100..33700 @169700; 0 [600 400 600] /0 32100..33700 @10169700; "},
+      {"gone and back", "p900,500,700,30000,600,400,600 w1000 d g2000 m400 d q w2000000 g d q",
+       "0 [] /0 @3000; 1 rest 2000 0 rest 0 " + kGone + "/dev/lirc0 is back.;"},
+      {"gone in a recording", "w1000 g1000 r400", "0 [] /0 @10001000; " + kGone},
+      {"its own light", "s560 p900 w29000 d p900 w1001 d s20001 w1000000 q d q",
+       "sent 1 1 not sent rest 1000 1 rest 1000 A pulse of 20001 us is not sent. Use 1 to 20000 us.;"}};
+  for (const Row& row : rows) EXPECT_EQ(Heard(row.Script), row.Text) << row.Name;
 }
 
 TEST_F(LircLineTest, SendsLongSignalsInPartsThatBeginOnTime) {
@@ -238,31 +293,11 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
 
 TEST_F(LircLineTest, IsCheckedByWhatItsDeviceDoes) {
   for (const bool there : {true, false}) {
-    Device.There = there;
+    Device.GoneAt = there ? nanoseconds::max() : Device.Time;
     const MappedPort port = {1, MappedPort::Kind::Lirc, "/dev/lirc0", {}, {}};
     const PortCheck check = CheckPort(Device, port, {"/nowhere", "/nowhere"});
     EXPECT_EQ(check.Opens && check.Receives && check.Sends, there) << check.Why;
     EXPECT_EQ(check.Why.find("is not there") != std::string::npos, !there) << check.Why;
-  }
-}
-
-TEST_F(LircLineTest, GivesUpWhatItHeardWhenItsDeviceGoes) {
-  for (const std::uint32_t features : {LIRC_CAN_REC_MODE2, LIRC_CAN_SEND_PULSE}) {
-    Device.There = true;
-    Device.Features = features;
-    ASSERT_EQ(Line.OpenCom(1), 1);
-    Told.clear();
-    Device.There = false;
-    std::string capture(100, '\0');
-    EXPECT_EQ(Line.IRRecord(capture, 10, 100), 0);
-    Device.Time += std::chrono::seconds(5);
-    Line.DCD();
-    EXPECT_GT(Line.MayRest(), milliseconds(100)) << "no busy loop";
-    Device.There = true;
-    Device.Time += std::chrono::seconds(5);
-    Line.LookAfterDevice();
-    ASSERT_EQ(Told.size(), 2U);
-    EXPECT_EQ(Told[1], "/dev/lirc0 is back.");
   }
 }
 
