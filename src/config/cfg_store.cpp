@@ -173,6 +173,14 @@ void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
   raw.DropLost();
 }
 
+/// What to do about a file that cannot be read.
+std::string AdviceOnRead(const CfgStore& store, int error) {
+  if (error == EFBIG) return ". Take out commands or protocols that are not needed.";
+  if (error != ENOENT) return ". Make it a file that this program may read, or put a backup in its place.";
+  return ". Put a backup in its place, or bring the one of a first install with: " +
+         TypedCommand("install", FolderOf(store.Path).string());
+}
+
 }  // namespace
 
 void CfgStore::RequireSpace(std::size_t length) const {
@@ -212,11 +220,7 @@ void LoadConfig(CfgStore& store) {
     store.ReadFrom = identity;
     RefreshRaw(store);
   } catch (const Failure& failure) {
-    const std::string advice =
-        failure.Number() == ENOENT
-            ? ". Put a backup in its place, or bring the one of a first install with: " +
-                  TypedCommand("install", FolderOf(store.Path).string())
-            : "";
+    const std::string advice = AdviceOnRead(store, failure.Number());
     throw Failure(failure.Number(),
                   std::string("The configuration cannot be read: ") + failure.what() + advice);
   }
