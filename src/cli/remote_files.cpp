@@ -73,8 +73,9 @@ int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remote
   std::vector<Complaint> told;
   const std::string text = WriteRemotes(format, remotes, told);
   for (const Complaint& complaint : told) Tell(complaint.Message());
-  const bool keysLeftOut = std::any_of(told.begin(), told.end(),
-                                       [](const Complaint& complaint) { return !complaint.Key.empty(); });
+  const bool keysLeftOut = std::any_of(told.begin(), told.end(), [](const Complaint& complaint) {
+    return !complaint.Key.empty() || complaint.Line > 0;
+  });
   const bool all = TellSkipped(remotes) && !keysLeftOut;
   if (text.empty()) throw Refused("there is nothing to write: none of the keys can be said in this format");
   if (out.empty() || out == kOutput) {

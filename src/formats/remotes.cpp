@@ -63,14 +63,17 @@ bool GivesEach(const CodedSignal& signal, const PulseTrain& press) {
                     [&](int a, int b) { return 2 * std::abs(a - b) <= signal.Code.Unit; });
 }
 
-/// Gives a key of lengths the digits of its first form, and the digit that its second one turns over.
+/// Gives a key of lengths the digits of its first form.
 void TakeLengths(RemoteKey& key) {
   key.Coded = ReadPress(key.Lengths, key.Carrier);
   // A length that strays where none was heard is one of its own.
   if (key.Coded && key.Described && !GivesEach(*key.Coded, key.Lengths)) key.Coded.reset();
   if (key.Coded && key.Described && key.Described->Kind != RepeatKind::Unknown)
     key.Coded->Again = *key.Described;
-  if (!key.Coded || key.Toggled.empty()) return;
+}
+
+/// Gives a key the digit that its second form turns over.
+void TakeToggled(RemoteKey& key) {
   const std::optional<CodedSignal> other = ReadPress(key.Toggled, key.Carrier);
   const std::string& digits = key.Coded->Digits;
   if (!other || other->Digits.size() != digits.size()) {
@@ -112,6 +115,7 @@ RemoteFile ReadRemotes(std::string_view text, const std::string& path, std::stri
   for (Remote& remote : file.Remotes) {
     for (RemoteKey& key : remote.Keys) {
       if (!key.Coded && !key.Lengths.empty()) TakeLengths(key);
+      if (key.Coded && !key.Toggled.empty()) TakeToggled(key);
     }
   }
   std::erase_if(file.Remotes, [](const Remote& remote) { return remote.Keys.empty(); });

@@ -290,9 +290,9 @@ bool WriteParsed(const RemoteKey& key, std::string& text, std::vector<Complaint>
 
 bool WriteRaw(const RemoteKey& key, std::string& text, std::vector<Complaint>& told) {
   const PulseTrain press = PressOf(key);
-  if (press.empty() || press.size() > kMostFlipperLengths) {
+  if (press.size() > kMostFlipperLengths) {
     LeaveOut(told, key,
-             "it has " + std::to_string(press.size()) + " lengths, of which the format takes 1 to " +
+             "it has " + std::to_string(press.size()) + " lengths, of which the format takes up to " +
                  std::to_string(kMostFlipperLengths));
     return false;
   }
@@ -312,7 +312,9 @@ std::string WriteFlipper(const std::vector<Remote>& remotes, std::vector<Complai
   for (const Remote& remote : remotes) {
     if (!remote.Name.empty()) text += "#\n# " + OnOneLine(remote.Name) + '\n';
     for (const RemoteKey& key : remote.Keys) {
-      std::string lines = "#\nname: " + OnOneLine(NameFor(key, ++number)) + '\n';
+      ++number;
+      if (!key.Coded && key.Lengths.empty()) continue;
+      std::string lines = "#\nname: " + OnOneLine(NameFor(key, number)) + '\n';
       if (WriteParsed(key, lines, told) || WriteRaw(key, lines, told)) text += lines;
     }
   }

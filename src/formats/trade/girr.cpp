@@ -291,8 +291,8 @@ void WritePart(std::string_view name, PulseTrain part, int silence, std::string&
   text += "</" + std::string(name) + '>';
 }
 
-void WriteGirrRaw(const RemoteKey& key, const PulseTrain& press, std::string_view toggle, std::string& text) {
-  PulseTrain intro = press, repeat;
+void WriteGirrRaw(const RemoteKey& key, std::string_view toggle, std::string& text) {
+  PulseTrain intro = PressOf(key), repeat;
   if (key.Coded && key.Coded->Again.Kind != RepeatKind::Unknown &&
       key.Coded->Again.Kind != RepeatKind::None) {
     const PulseTrain whole = PressLengths(*key.Coded, 1);
@@ -318,6 +318,18 @@ void WriteValues(const NamedValues& named, std::string& text) {
   text += "    </parameters>\n";
 }
 
+/// What every second press of a key sends, if that differs.
+std::optional<RemoteKey> OtherForm(const RemoteKey& key) {
+  if (key.Toggled.empty() && !(key.Coded && key.Coded->Toggle)) return std::nullopt;
+  RemoteKey other = key;
+  other.Lengths = key.Toggled;
+  if (key.Coded && key.Coded->Toggle) {
+    char& digit = other.Coded->Digits[*key.Coded->Toggle];
+    digit = digit == '0' ? '1' : '0';
+  }
+  return other;
+}
+
 std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>& /*told*/) {
   std::string text =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -332,9 +344,9 @@ std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>
       text += "   <command name=\"" + Escaped(NameFor(key, number)) + "\" master=\"" +
               (named && !named->OwnCarrier && !named->OwnRepeat ? "parameters" : "raw") + "\">\n";
       if (named) WriteValues(*named, text);
-      const bool both = !key.Toggled.empty();
-      WriteGirrRaw(key, PressOf(key), both ? " T=\"0\"" : "", text);
-      if (both) WriteGirrRaw(key, key.Toggled, " T=\"1\"", text);
+      const std::optional<RemoteKey> other = OtherForm(key);
+      WriteGirrRaw(key, other ? " T=\"0\"" : "", text);
+      if (other) WriteGirrRaw(*other, " T=\"1\"", text);
       text += "   </command>\n";
     }
     text += "  </commandSet>\n </remote>\n";

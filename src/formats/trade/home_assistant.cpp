@@ -18,7 +18,7 @@ void TakePayload(const Json& payload, int line, FileReading& reading) {
   LengthList lengths;
   for (const Json& timing : payload["timings"]) {
     if (!timing.is_number_integer()) {
-      lengths.Refuse("found " + Quoted(timing.dump()) + ", expected a whole number of microseconds");
+      lengths.Refuse("found " + Shown(timing) + ", expected a whole number of microseconds");
       break;
     }
     const bool mark = lengths.Size() % 2 == 0;
@@ -34,7 +34,7 @@ void TakePayload(const Json& payload, int line, FileReading& reading) {
   if (modulation.is_number_integer() && modulation >= 0 && modulation <= kMostCarrier) {
     key.Carrier = modulation.get<int>();
   } else if (!modulation.is_null()) {
-    lengths.Refuse("found the modulation " + Quoted(modulation.dump()) + ", expected a carrier in Hz");
+    lengths.Refuse("found the modulation " + Shown(modulation) + ", expected a carrier in Hz");
   }
   AddLengths(reading, std::move(key), std::move(lengths));
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "formats/trade/reading.h"
+
 namespace keplo::trade {
 
 namespace {
@@ -49,6 +51,10 @@ Json ParseJson(std::string_view text, std::string& why) {
 
 std::string JsonText(std::string_view text) {
   return Json(std::string(text)).dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
+}
+
+std::string Shown(const Json& value) {
+  return Quoted(value.is_string() ? value.get_ref<const std::string&>() : value.dump());
 }
 
 std::string Utf8Text(std::string_view text) { return Json::parse(JsonText(text)).get<std::string>(); }

@@ -16,6 +16,9 @@ Json ParseJson(std::string_view text, std::string& why);
 /// As JSON writes a text.
 std::string JsonText(std::string_view text);
 
+/// A value as an error text repeats it: short, and between quotes.
+std::string Shown(const Json& value);
+
 /// A text whose bytes that are no UTF-8 are replaced.
 std::string Utf8Text(std::string_view text);
 

@@ -240,6 +240,9 @@ class LircReader {
   }
 
   void ReadCode(std::string_view name, std::string_view rest) {
+    // A key may be called # itself, and people indent comments.
+    std::string_view after = rest;
+    if (name.front() == '#' && !CNumberOf(TakeWord(after))) return;
     LircCode code;
     code.Name = name;
     code.Line = line_;
@@ -308,17 +311,17 @@ class LircReader {
 
   void IncludeFile(const std::string& path) try {
     if (depth_ == kDeepestInclude || ++includes_ > kMostIncludes) {
-      reading_.Complain(line_, "includes are too many or too deep; " + Quoted(path) + " is left out");
+      reading_.Complain(line_, "includes are too many or too deep; " + path + " is left out");
       return;
     }
     const std::string text = ReadInput(path, kLargestRecording);
     if (text.size() > kLargestRecording || text.find('\0') != std::string::npos) {
-      reading_.Complain(line_, "the included " + Quoted(path) + " is too large or no text; left out");
+      reading_.Complain(line_, "the included " + path + " is too large or no text; left out");
       return;
     }
     LircReader(path, file_, depth_ + 1, includes_).Read(text);
   } catch (const std::system_error& error) {
-    reading_.Complain(line_, "the included " + Quoted(path) + " cannot be read: " + error.code().message());
+    reading_.Complain(line_, "the included " + path + " cannot be read: " + error.code().message());
   }
 
   FileReading reading_;

@@ -62,11 +62,12 @@ class LircWriter {
       for (const RemoteKey& key : remote.Keys) {
         if (key.Coded || !key.Lengths.empty()) left.push_back(&key);
       }
-      while (!left.empty()) {
+      for (bool again = false; !left.empty(); again = true) {
+        if (again) TellOnce(told_, "a remote is written as several, one for each way of sending");
         const RemoteKey& first = *left.front();
         const auto rest = std::stable_partition(left.begin(), left.end(),
                                                 [&](const RemoteKey* key) { return SameHead(*key, first); });
-        WriteRemote(remote.Name, {left.begin(), rest});
+        WriteRemote(remote.Name, {left.begin(), rest}, again);
         left.erase(left.begin(), rest);
       }
     }
@@ -103,10 +104,10 @@ class LircWriter {
     }
   }
 
-  void WriteRemote(const std::string& name, const std::vector<const RemoteKey*>& keys) {
+  void WriteRemote(const std::string& name, const std::vector<const RemoteKey*>& keys, bool again) {
     const RemoteKey& first = *keys.front();
     const std::string word = FreeWord(Word(name.empty() ? "remote" : name), taken_);
-    if (!name.empty()) TellName(name, word);
+    if (!name.empty() && !again) TellName(name, word);
     text_ += "begin remote\n\n  name " + word + '\n';
     if (AsDigits(first)) {
       WriteHead(*first.Coded);

@@ -99,16 +99,16 @@ class PulseReader {
   }
 
   void ReadLength(std::string_view kind, std::string_view word) {
-    if (rested_ && kind == "pulse") EndKey();
+    if (rest_ >= kPressSilence && kind == "pulse") EndKey();
     if (kind == "pulse") Begin();
     if (!begun_) return;
     const int length = LengthOf(word);
     if (kind == "pulse") {
       train_.Mark(length);
-      rested_ = false;
+      rest_ = 0;
     } else {
       train_.Space(length);
-      rested_ = length >= kPressSilence;
+      rest_ = std::min(rest_ + length, kPressSilence);
     }
     if (kind == "timeout") EndKey();
   }
@@ -195,7 +195,7 @@ class PulseReader {
   bool hasBegun_ = false;        // some line was understood
   bool begun_ = false;           // a key
   bool lastEnded_ = false;       // the last key is a press that has ended
-  bool rested_ = false;
+  int rest_ = 0;                 // microseconds since the last mark, as far as they count
 };
 
 void ReadPulses(std::string_view text, const std::string& path, RemoteFile& file) {

@@ -192,7 +192,7 @@ std::string NameFor(const RemoteKey& key, std::size_t number) {
 }
 
 void LeaveOut(std::vector<Complaint>& told, const RemoteKey& key, std::string why) {
-  told.push_back({{}, 0, key.Name.value_or(""), std::move(why)});
+  told.push_back({{}, key.Name ? 0 : key.Line, key.Name.value_or(""), std::move(why)});
 }
 
 void TellOnce(std::vector<Complaint>& told, std::string_view text) {

@@ -83,7 +83,7 @@ class SmartIrReader {
     } else {
       RemoteKey key;
       key.Name = name;
-      reading_.Skip(std::move(key), "found " + Quoted(node.dump()) + ", expected a code");
+      reading_.Skip(std::move(key), "found " + Shown(node) + ", expected a code");
     }
   }
 

@@ -58,7 +58,7 @@ void TakeRaw(const Json& raw, LengthList& lengths) {
     } else if (part.is_number_integer()) {
       lengths.Add(part.get<std::int64_t>());
     } else {
-      lengths.Refuse("found " + Quoted(part.dump()) + ", expected lengths in numbers or letters");
+      lengths.Refuse("found " + Shown(part) + ", expected lengths in numbers or letters");
     }
   }
 }
@@ -169,8 +169,8 @@ void TakeObject(const Json& given, int line, FileReading& reading) {
     const std::optional<std::uint64_t> count = ValueOf(bits);
     why = data && count && *count <= 0xFFFF
               ? TakeCode(protocol, static_cast<int>(*count), *data, key)
-              : "found " + Quoted(object.value("Data", object.value("DataLSB", Json())).dump()) +
-                    R"(, expected "Data" of up to 64 bits, and "Bits")";
+              : "found the Data " + Shown(object.value("Data", object.value("DataLSB", Json()))) +
+                    " and the Bits " + Shown(bits) + ", expected a code of up to 64 bits, and how many";
   }
   if (!object.contains("RawData")) {
     return why.empty() ? reading.Add(std::move(key)) : reading.Skip(std::move(key), std::move(why));
@@ -234,13 +234,17 @@ void ReadTasmotaLine(std::string_view line, int number, FileReading& reading) {
   TakeObject(object, number, reading);
 }
 
+/// Whether a text begins with an object or a list that may go on over further lines.
+bool BeginsTree(std::string_view text) {
+  return text.starts_with('[') || (text.starts_with('{') && Trimmed(text.substr(0, text.find('\n'))) == "{");
+}
+
 /// An object a line, as a log has them; or one over several lines, or a list of them.
 void ReadTasmota(std::string_view text, const std::string& path, RemoteFile& file) {
   FileReading reading(path, file);
   std::string why;
   const std::string_view whole = Trimmed(text);
-  if (whole.starts_with('[') ||
-      (whole.starts_with('{') && Trimmed(whole.substr(0, whole.find('\n'))) == "{")) {
+  if (BeginsTree(whole)) {
     const Json json = ParseJson(whole, why);
     if (json.is_object()) return TakeObject(json, 1, reading);
     if (json.is_array()) {
@@ -255,17 +259,21 @@ void ReadTasmota(std::string_view text, const std::string& path, RemoteFile& fil
   }
 }
 
+/// Whether a text has the fields of an object.
+bool HasFields(std::string_view text) {
+  const std::string lower = Lower(text);
+  const auto has = [&](const char* name) { return lower.find(name) != std::string::npos; };
+  return (has("\"protocol\"") && has("\"data\"")) || has("\"rawdata\"") || has("irsend");
+}
+
 bool IsTasmota(std::string_view text) {
   if (text.find("\"IrReceived\"") != std::string_view::npos) return true;
+  if (BeginsTree(Trimmed(text))) return HasFields(text);
   Lines lines(text);
   std::string_view line;
   while (lines.Next(line)) {
-    if (Trimmed(line).empty()) continue;
     if (StartsNoCase(Trimmed(line), "irsend")) return true;
-    if (line.find('{') == std::string_view::npos) continue;
-    const std::string lower = Lower(line);
-    const auto has = [&](const char* name) { return lower.find(name) != std::string::npos; };
-    if ((has("\"protocol\"") && has("\"data\"")) || has("\"rawdata\"") || has("irsend")) return true;
+    if (line.find('{') != std::string_view::npos && HasFields(line)) return true;
   }
   return false;
 }
