@@ -33,11 +33,6 @@ bool IsAscii(std::string_view text) {
                      [](char byte) { return static_cast<unsigned char>(byte) < 0x80U; });
 }
 
-/// Letters of an alphabet of which a name can have none leave nothing to tell keys apart by.
-bool SaysNothing(std::string_view name, const std::string& clean) {
-  return clean.empty() || (!IsAscii(name) && std::none_of(clean.begin(), clean.end(), IsLetterOrDigit));
-}
-
 std::string Numbered(const std::string& name, char mark, std::size_t number) {
   return name + mark + std::to_string(number);
 }
@@ -61,6 +56,11 @@ std::string InLowerCase(std::string_view text) {
   return lower;
 }
 
+bool SaysNothing(std::string_view name) {
+  const std::string clean = CleanName(name);
+  return clean.empty() || (!IsAscii(name) && std::none_of(clean.begin(), clean.end(), IsLetterOrDigit));
+}
+
 std::string CleanName(std::string_view name) {
   std::string clean;
   char before = 'A';
@@ -78,7 +78,7 @@ bool KeyNames::Stands(const std::string& name) const {
 
 std::string KeyNames::Next(const std::optional<std::string>& wanted, std::size_t number) {
   std::string name = CleanName(wanted.value_or(""));
-  if (SaysNothing(wanted.value_or(""), name)) name = std::string(kKeyPrefix) + std::to_string(number);
+  if (SaysNothing(wanted.value_or(""))) name = std::string(kKeyPrefix) + std::to_string(number);
   std::string holding = Stands(name) ? std::string(kKeyPrefix) + name : name;
   if (Stands(holding) || IsTaken(holding)) {
     const std::string base = holding;

@@ -16,6 +16,10 @@ std::string InLowerCase(std::string_view text);
 /// A name with _ for each character that a name in keplo.cfg cannot have, without blanks around it.
 std::string CleanName(std::string_view name);
 
+/// Whether a clean name is left with nothing to tell keys apart by: letters of an alphabet of which a name
+/// can have none are all alike in it.
+bool SaysNothing(std::string_view name);
+
 /// Gives the keys of a section names that hold: a search from the header on, which looks into every word and
 /// digit, finds each first on its own line, once the lines stand in the order of LinesInOrder.
 class KeyNames {

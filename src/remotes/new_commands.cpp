@@ -24,7 +24,9 @@ std::string WhyRenamed(const PlannedKey& key) {
   if (!key.Key->Name) return "renamed: the file has no name for it";
   const std::string& name = *key.Key->Name;
   if (key.Name == name) return {};
+  if (name.empty()) return "renamed: the file has an empty name for it";
   const std::string was = "renamed from \"" + name + "\": ";
+  if (SaysNothing(name)) return was + "it has no letter or digit that a name may have";
   if (key.Name == CleanName(name)) return was + "a name has letters, digits, - and _";
   return was + "that would be found elsewhere in the section";
 }
