@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view capture(reinterpret_cast<const char*>(data), size);
   keplo::SignalState state;
   state.Samples.Read(capture);
-  CheckLook(state.Second.Read(state.Samples));
+  CheckLook(state.Second.Read(state.Samples, state.Runs.Read(state.Samples)));
   const keplo::MonitorReading heard = keplo::ReadCapture(capture, state, keplo::Analysis::Second);
   Check(heard.Digits.find_first_not_of("01") == std::string::npos);
   keplo::ReadRecordedCapture(capture, state, keplo::Analysis::Second);

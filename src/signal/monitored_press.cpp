@@ -27,8 +27,7 @@ void ReadFrame(std::string_view symbols, std::int16_t kind, Analysis analysis, M
   reading.Toggle = ToggleOf(symbols, kind);
 }
 
-void ReadPlainly(SignalState& state, MonitorReading& reading) {
-  const RunSpan runs = state.Runs.Read(state.Samples);
+void ReadPlainly(SignalState& state, RunSpan runs, MonitorReading& reading) {
   if (!AnalyseTiming(runs, state.Measured)) return reading.EndAt(Stage::NoTiming);
   if (EndsInMark(runs)) return reading.EndAt(Stage::EndsInMark);
   if (!WalkFirstFrame(runs, state.Measured.BaseT, state.RunSymbols)) return reading.EndAt(Stage::NoFrame);
@@ -54,8 +53,8 @@ void EndWithSecondLook(const RobustReading& look, Timing& measured, MonitorReadi
   reading.EndAt(Stage::Unknown);
 }
 
-void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
-  const RobustReading& look = state.Second.Read(state.Samples, state.SampleTime);
+void ReadWithSecondLook(SignalState& state, RunSpan runs, MonitorReading& reading) {
+  const RobustReading& look = state.Second.Read(state.Samples, runs, state.SampleTime);
   if (look.Proven == RobustReading::Proof::Sure) return ReadFrameOf(look, state.Measured, reading);
   if (look.Proven == RobustReading::Proof::Single) {
     ReadFrameOf(look, state.Measured, reading);
@@ -63,7 +62,7 @@ void ReadWithSecondLook(SignalState& state, MonitorReading& reading) {
     return;
   }
   const bool refused = look.Proven == RobustReading::Proof::Refused;
-  ReadPlainly(state, reading);
+  ReadPlainly(state, runs, reading);
   const bool believed = !refused && CouldBeDigitsOf(look, reading.Digits, state.Measured.ProtoKind);
   if (reading.ReadBy && !believed) return reading.EndAt(Stage::Doubtful);
   if (!reading.ReadBy && look.BaseT > 0) EndWithSecondLook(look, state.Measured, reading);
@@ -102,10 +101,11 @@ Stage TrimCapture(std::string& capture) {
 void ReadTrimmedCapture(SignalState& state, Analysis analysis, MonitorReading& reading) {
   reading.EndAt(Stage::Empty);
   state.Samples.Read(state.RawCapture);
+  const RunSpan runs = state.Runs.Read(state.Samples);
   if (analysis == Analysis::First) {
-    ReadPlainly(state, reading);
+    ReadPlainly(state, runs, reading);
   } else {
-    ReadWithSecondLook(state, reading);
+    ReadWithSecondLook(state, runs, reading);
   }
 }
 

@@ -112,9 +112,8 @@ void EndWithSecondLook(const RobustReading& look, Timing& measured, RecordReadin
   reading.IsDoubtful = hasFrames;
 }
 
-void ReadWithSecondLook(SignalState& state, RecordReading& reading) {
-  const RobustReading& look = state.Second.Read(state.Samples, state.SampleTime);
-  const RunSpan runs = state.Runs.Read(state.Samples);
+void ReadWithSecondLook(SignalState& state, RunSpan runs, RecordReading& reading) {
+  const RobustReading& look = state.Second.Read(state.Samples, runs, state.SampleTime);
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);
     if (!CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
@@ -191,10 +190,11 @@ RecordStage TrimRecording(std::string& capture) {
 
 void ReadTrimmedRecording(SignalState& state, Analysis analysis, RecordReading& reading) {
   state.Samples.Read(state.RawCapture);
+  const RunSpan runs = state.Runs.Read(state.Samples);
   if (analysis == Analysis::First) {
-    ReadPlainly(state, state.Runs.Read(state.Samples), reading);
+    ReadPlainly(state, runs, reading);
   } else {
-    ReadWithSecondLook(state, reading);
+    ReadWithSecondLook(state, runs, reading);
   }
 }
 

@@ -352,7 +352,8 @@ TEST(SecondLook, IsUnsureOfFineSignalsWithSpacesOfTwoSamples) {
   }
   SignalState state;
   state.Samples.Read(tests::Capture(fine));
-  EXPECT_EQ(state.Second.Read(state.Samples).Proven, RobustReading::Proof::Unsure);
+  const RunSpan runs = state.Runs.Read(state.Samples);
+  EXPECT_EQ(state.Second.Read(state.Samples, runs).Proven, RobustReading::Proof::Unsure);
 }
 
 RecordReading Record(const RunVector& press, Analysis analysis = Analysis::Second) {

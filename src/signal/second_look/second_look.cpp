@@ -1,7 +1,6 @@
 #include "signal/second_look/second_look.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <functional>
 #include <numeric>
@@ -40,16 +39,12 @@ bool IsFineUnit(double unit) { return Within(unit, kFinestUnit, kLeastUnit + 1);
 
 /// Whether there are too many marks for the rough unit to be a fine one, as in noise: three quarters of the
 /// marks and of the spaces are at least as long as their part of it.
-bool IsTooDense(const SampleWords& samples) {
+/// @param samples of the capture
+bool IsTooDense(const PressRuns& runs, std::size_t samples) {
   constexpr double kLeastPair =
       0.75 * (2 * kFinestUnit) + 0.25 * (1 + 1);  // mean of a mark and a space, samples
-  int marks = 0;
-  std::uint64_t before = 0;
-  for (const std::uint64_t word : samples.Words) {
-    marks += std::popcount(word & ~(word << 1U | before));
-    before = word >> (kBitsPerWord - 1);
-  }
-  return (marks - 1) * kLeastPair > static_cast<double>(samples.Size);
+  const std::size_t pairs = runs.Lengths.size() / 2;
+  return static_cast<double>(pairs) * kLeastPair > static_cast<double>(samples);
 }
 
 /// Whether the first frame goes untold: nothing shows where it began.
@@ -131,17 +126,9 @@ bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::in
 }
 
 /// Takes a clean signal whose short spaces would be taken for interference: it is Unsure then.
-void SecondLook::LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth,
-                                   double smoothUnit, bool joined) {
-  robust::BodyReader& bodies = frames_.Bodies();
-  robust::PressRuns runs = smooth;
-  double unit = smoothUnit;
-  if (joined) {
-    if (robust::IsTooDense(samples)) return;
-    runs = robust::FromFirstMark(allRuns_.Read(samples));
-    unit = bodies.RoughUnit(runs);
-  }
+void SecondLook::LookForFineSignal(const robust::PressRuns& runs, double unit) {
   if (!robust::IsFineUnit(unit)) return;
+  robust::BodyReader& bodies = frames_.Bodies();
   robust::SplitPieces(runs, unit, finePieces_);
   const auto isFine = [&](const robust::Piece& piece) {
     return robust::IsFineSignal(bodies.Read(piece, 0), unit);
@@ -229,7 +216,7 @@ bool SecondLook::ReadAfterRests(const robust::PressRuns& runs, int rest) {
   return true;
 }
 
-const RobustReading& SecondLook::Read(const SampleWords& samples, double sampleTime) {
+const RobustReading& SecondLook::Read(const SampleWords& samples, RunSpan allRuns, double sampleTime) {
   look_.Proven = RobustReading::Proof::Refused;
   look_.BaseT = 0;
   look_.ProtoKind = kUnknown;
@@ -242,12 +229,17 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, double sampleT
   found_ = nullptr;
   frames_.Bodies().SetSampleTime(sampleTime);
 
-  const bool joined = robust::SmoothSamples(samples, smooth_);
-  const RunSpan smoothRuns = smoothRuns_.Read(smooth_);
+  const bool joined = robust::HasInterference(allRuns);
+  if (joined) robust::SmoothSamples(samples, smooth_);
+  const RunSpan smoothRuns = joined ? smoothRuns_.Read(smooth_) : allRuns;
   firstRun_ = smoothRuns.data();
-  const robust::PressRuns runs = robust::FromFirstMark(smoothRuns);
+  const robust::PressRuns runs = robust::FromFirstMark(smoothRuns), all = robust::FromFirstMark(allRuns);
   const double unit = frames_.Bodies().RoughUnit(runs);
-  LookForFineSignal(samples, runs, unit, joined);
+  if (!joined) {
+    LookForFineSignal(all, unit);
+  } else if (!robust::IsTooDense(all, samples.Size)) {
+    LookForFineSignal(all, frames_.Bodies().RoughUnit(all));
+  }
   if (look_.Proven == RobustReading::Proof::Unsure) return look_;
   const robust::Findings& found = frames_.Read(runs, unit);
   found_ = &found;

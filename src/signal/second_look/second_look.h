@@ -80,16 +80,17 @@ bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::in
 /// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
 class SecondLook {
  public:
+  /// @param allRuns those of the samples; must outlive what is asked about the reading
   /// @param sampleTime microseconds
   /// @return valid until the next call
-  const RobustReading& Read(const SampleWords& samples, double sampleTime = kNominalSampleTime);
+  const RobustReading& Read(const SampleWords& samples, RunSpan allRuns,
+                            double sampleTime = kNominalSampleTime);
 
   /// What the last reading went by.
   FramesHeard Heard();
 
  private:
-  void LookForFineSignal(const SampleWords& samples, const robust::PressRuns& smooth, double smoothUnit,
-                         bool joined);
+  void LookForFineSignal(const robust::PressRuns& runs, double unit);
   /// @param samples whose interference was joined; null without any
   void ReadProof(const robust::Findings& found, const SampleWords* samples);
   bool HasInterference(const robust::Frame& frame, const SampleWords& samples) const;
@@ -97,7 +98,7 @@ class SecondLook {
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 
   SampleWords smooth_;
-  RunReader smoothRuns_, allRuns_;
+  RunReader smoothRuns_;
   const int* firstRun_ = nullptr;  // of the smooth samples
   robust::FrameReader frames_;
   const robust::Findings* found_ = nullptr;  // by the last reading; null where it went for no frames

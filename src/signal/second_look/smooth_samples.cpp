@@ -1,5 +1,7 @@
 #include "signal/second_look/smooth_samples.h"
 
+#include <algorithm>
+
 namespace keplo::robust {
 
 namespace {
@@ -15,11 +17,16 @@ std::uint64_t LongRuns(std::uint64_t word, std::uint64_t next) {
 
 }  // namespace
 
-bool SmoothSamples(const SampleWords& samples, SampleWords& smooth) {
+bool HasInterference(RunSpan runs) {
+  // A space at the beginning is a part of the silence before it.
+  if (!runs.empty() && runs.front() == 0) runs = runs.subspan(2);
+  return std::any_of(runs.begin(), runs.end(), [](int length) { return length <= kInterference; });
+}
+
+void SmoothSamples(const SampleWords& samples, SampleWords& smooth) {
   const std::size_t count = samples.Words.size();
   smooth.Size = samples.Size;
   smooth.Words.resize(count);
-  std::uint64_t joined = 0;
   std::uint64_t level = 0;  // of the sample before
   const auto marksOf = [&](std::size_t word) { return word < count ? samples.Words[word] : 0; };
   const auto validOf = [&](std::size_t word) { return word < count ? samples.ValidBits(word) : 0; };
@@ -33,12 +40,10 @@ bool SmoothSamples(const SampleWords& samples, SampleWords& smooth) {
     const std::uint64_t carries = (stay + rise + level) ^ stay ^ rise;
     const std::uint64_t smoothed = (rise | (stay & carries)) & valid;
     level = smoothed >> (kBitsPerWord - 1);
-    joined |= smoothed ^ marks;
     smooth.Words[i] = smoothed;
     marks = nextMarks;
     valid = nextValid;
   }
-  return joined != 0;
 }
 
 }  // namespace keplo::robust

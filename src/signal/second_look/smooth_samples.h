@@ -1,5 +1,6 @@
 #pragma once
 
+#include "signal/runs.h"
 #include "signal/sample_words.h"
 
 namespace keplo::robust {
@@ -7,9 +8,11 @@ namespace keplo::robust {
 /// Runs of up to so many samples are taken for interference and belong to what comes before them.
 inline constexpr int kInterference = 2;
 
-/// Frees samples of interference. Silence comes before the first sample.
+/// Whether a signal has interference. Silence comes before the first sample.
+bool HasInterference(RunSpan runs);
+
+/// Frees samples of interference.
 /// @param smooth replaced; keeps its memory
-/// @return whether there was any interference
-bool SmoothSamples(const SampleWords& samples, SampleWords& smooth);
+void SmoothSamples(const SampleWords& samples, SampleWords& smooth);
 
 }  // namespace keplo::robust
