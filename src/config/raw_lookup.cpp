@@ -37,6 +37,13 @@ RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
   return index.Find(HeardIn(heard));
 }
 
+void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading& reading) {
+  reading.Ended = Stage::Raw;
+  reading.Digits = digits;
+  reading.ReadBy = Analysis::Second;
+  reading.Toggle = toggle;
+}
+
 }  // namespace
 
 MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard) {
@@ -94,9 +101,16 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
   if (store.Raw.Index.Empty() || CommandOf(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
   if (!match.Alone) return;
-  reading.Ended = Stage::Raw;
-  reading.Digits = match.Digits;
-  reading.ReadBy = Analysis::Second;
+  TakeRaw(match.Digits, match.Toggle, reading);
+}
+
+void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
+                 std::optional<bool> toggle, MonitorReading& reading) {
+  if (!AreRawDigits(held) || CommandOf(store.CfgText, reading)) return;
+  const RawSignal* raw = FindRawSignal(store, "G" + std::string(held));
+  const std::size_t form = toggle.value_or(false) ? 1 : 0;
+  if (raw == nullptr || form >= raw->Forms.size()) return;
+  if (GoesOnWithRaw(HeardIn(signal), raw->Forms[form])) TakeRaw(held, toggle, reading);
 }
 
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {

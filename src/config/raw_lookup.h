@@ -31,6 +31,13 @@ void ProveByLearning(const CfgStore& store, MonitorReading& reading);
 /// other reading stays as it is.
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading);
 
+/// Whether a capture goes on with a press of a raw command, see GoesOnWithRaw; it reads as that command then.
+/// Anything else stays as it is, codes of learned commands among them.
+/// @param held digits of the command whose key is held
+/// @param toggle which of its two forms was heard, if it has two
+void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
+                 std::optional<bool> toggle, MonitorReading& reading);
+
 /// The signal of forms that were heard, with digits that no command of the text has.
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);
 

@@ -169,6 +169,7 @@ class Keplo {
   void ReadAndDispatch();
   bool RepeatsHeldKey(MonitorReading& reading);
   void CompleteTurn(MonitorReading& reading);
+  void TakeHeldRawKey(MonitorReading& reading);
   void HearCode(const MonitorReading& reading);
   bool WasHeldInThePause();
   void Dispatch(const MonitorReading& reading);

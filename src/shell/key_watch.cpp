@@ -2,6 +2,7 @@
 #include <bit>
 #include <utility>
 
+#include "config/raw_lookup.h"
 #include "shell/keplo.h"
 #include "signal/capture_trim.h"
 #include "signal/held_signs.h"
@@ -85,6 +86,13 @@ void Keplo::CompleteTurn(MonitorReading& reading) {
   reading.Ended = Stage::Code;
   reading.ReadBy = Analysis::Second;
   reading.Digits = both;
+}
+
+/// A capture of a held key whose command is raw may begin with any frame of its press.
+void Keplo::TakeHeldRawKey(MonitorReading& reading) {
+  if (reading.Ended == Stage::Raw || !Key().FollowsOn(onAir_)) return;
+  const KeySign& sign = Key().Pressed()->Sign;
+  TakeHeldRaw(mod_.Store, mod_.Signal, sign.Digits, sign.Toggle, reading);
 }
 
 void Keplo::HearCode(const MonitorReading& reading) {

@@ -100,6 +100,7 @@ void Keplo::ReadAndDispatch() {
   const bool repeats = reading.Ended != Stage::Code && RepeatsHeldKey(reading);
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);
+    TakeHeldRawKey(reading);
   }
   if (!reading.HasCode()) {
     Key().HearUnread(onAir_);

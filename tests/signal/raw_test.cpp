@@ -173,6 +173,25 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
       << "by 150 us in one";
 }
 
+TEST(RawCompare, KnowsWhatAHeldKeySendsOn) {
+  const RunVector late = Then(Frame("0120"), 4000, Frame("1201021011"));
+  const std::tuple<const char*, RunVector, RunVector, bool> rows[] = {
+      {"its frame", Enclosed("k"), Enclosed("sks"), true},
+      {"... and the last one", Enclosed("kks"), Enclosed("skks"), true},
+      {"... heard late", From(Enclosed("kk"), 2, 3), Enclosed("sks"), true},
+      {"... cut short", First(Frame("1201021011"), 21), Enclosed("sks"), false},
+      {"another key's frame", Enclosed("o"), Enclosed("sks"), false},
+      {"... behind its own", Enclosed("ko"), Enclosed("sks"), false},
+      {"the last one alone", Enclosed("s"), Enclosed("sks"), false},
+      {"frames in turns", Enclosed("os"), Enclosed("so"), true},
+      {"a late part of a message", Frame("1201021011"), late, false},
+  };
+  for (const auto& [name, heard, stored, goesOn] : rows) {
+    Ear ear;
+    EXPECT_EQ(GoesOnWithRaw(ear.Hear(Silent(heard)), Learned("key", stored).Forms[0]), goesOn) << name;
+  }
+}
+
 TEST(RawLevels, AreThoseOfACleanSignalOnly) {
   Ear ear;
   RunVector jittery = Frame(kKey), flicker, straying, noise;

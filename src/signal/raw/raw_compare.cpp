@@ -187,6 +187,7 @@ struct RawWay {
   RawDifference Differ;
   std::size_t Step;
   std::size_t Furthest = Step;
+  bool Repeats = Frames.TellsOfRepeat(Step);
 
   /// @param pause ahead of the frame, microseconds
   /// @return false if no stored frame that may follow is as this one
@@ -202,6 +203,7 @@ struct RawWay {
       Differ.Add(*differ);
       Step = known.Step;
       Furthest = std::max(Furthest, Step);
+      Repeats = Repeats || Frames.TellsOfRepeat(Step);
       return true;
     }
     return IsDitto(frame);
@@ -213,10 +215,24 @@ struct RawWay {
   }
 };
 
+/// Follows a press from a length on, in front of which its way has come.
+/// @return false where a frame stands that may not
+bool Follow(const HeardLengths& heard, std::size_t taken, RawWay& way) {
+  while (taken < heard.Runs.size()) {
+    const HeardLengths rest = heard.From(taken + 1);
+    const std::size_t size = FirstFrameOf(rest);
+    HeardLengths frame = rest.Part(0, size);
+    frame.Cut = rest.Cut && size == rest.Runs.size();
+    if (!way.Take(frame, heard.Us(taken))) return false;
+    taken += 1 + size;
+  }
+  return true;
+}
+
 /// Compares frame by frame where both have several, but for the lengths in place.
 RawFit CompareByFrames(const RawPair& pair, std::span<const int> stored) {
   const HeardLengths& heard = pair.Heard;
-  std::size_t taken = LengthsInPlace(heard);
+  const std::size_t taken = LengthsInPlace(heard);
   if (taken >= pair.Size() || !pair.IsGap(taken)) return {};
   const RawPair head{heard.Part(0, taken), pair.Stored};
   const std::optional<RawMeasure> measure = Measure(head);
@@ -225,16 +241,23 @@ RawFit CompareByFrames(const RawPair& pair, std::span<const int> stored) {
   if (!differ) return {};
   const RawFrames frames(stored, heard.Gap);
   RawWay way{frames, *measure, *differ, frames.StepUpTo(stored.size() - pair.Stored.size() + taken)};
-  while (taken < heard.Runs.size()) {
-    const HeardLengths rest = heard.From(taken + 1);
-    const std::size_t size = FirstFrameOf(rest);
-    HeardLengths frame = rest.Part(0, size);
-    frame.Cut = rest.Cut && size == rest.Runs.size();
-    if (!way.Take(frame, heard.Us(taken))) return {};
-    taken += 1 + size;
-  }
-  if (way.Furthest == 0 || !MayEndWith(heard, frames, way.Furthest)) return {};
+  if (!Follow(heard, taken, way) || way.Furthest == 0 || !MayEndWith(heard, frames, way.Furthest)) return {};
   return FitOf(*measure, way.Differ, heard.SampleTime);
+}
+
+/// Whether a signal begins with a stored frame, of which the capture may have missed some lengths, and goes
+/// on with the press.
+bool GoesOnFrom(const HeardLengths& heard, const RawFrames& frames, const RawFrames::Frame& known,
+                std::size_t lost) {
+  const std::size_t first = FirstFrameOf(heard);
+  const RawPair head{heard.Part(0, first), frames.Lengths(known).subspan(lost)};
+  if (first != head.Stored.size()) return false;
+  const std::optional<RawMeasure> measure = Measure(head);
+  if (!measure) return false;
+  const std::optional<RawDifference> differ = Differ(head, *measure, false);
+  if (!differ) return false;
+  RawWay way{frames, *measure, *differ, known.Step};
+  return Follow(heard, first, way) && way.Repeats;
 }
 
 }  // namespace
@@ -245,6 +268,19 @@ RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::s
   if (pair.Size() < kFewestRawLengths) return {};
   const RawFit fit = CompareInPlace(pair, stored);
   return fit.Fits != RawFit::How::None ? fit : CompareByFrames(pair, stored);
+}
+
+bool GoesOnWithRaw(const HeardLengths& heard, std::span<const int> stored) {
+  constexpr std::size_t kFewestLengths = 9;  // of a frame whose key is known
+  constexpr std::size_t kMostLost = 4;       // before the line was looked at
+  const RawFrames frames(stored, heard.Gap);
+  for (const RawFrames::Frame& known : frames.All()) {
+    for (std::size_t lost = 0; lost <= kMostLost && lost + kFewestLengths <= known.End - known.Begin;
+         lost += 2) {
+      if (GoesOnFrom(heard, frames, known, lost)) return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace keplo

@@ -29,4 +29,9 @@ struct RawFit {
 /// @param lost how many stored lengths stand before the first that was heard; even
 RawFit CompareRaw(const HeardLengths& heard, std::span<const int> stored, std::size_t lost = 0);
 
+/// Whether a signal that follows the first capture of a press goes on with it: it holds nothing but frames of
+/// the press, among them one that tells that its key repeats them.
+/// @param stored microseconds
+bool GoesOnWithRaw(const HeardLengths& heard, std::span<const int> stored);
+
 }  // namespace keplo

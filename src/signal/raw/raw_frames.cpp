@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <numeric>
 
 namespace keplo {
 
@@ -52,6 +53,14 @@ const RawFrames::Frame& RawFrames::FirstOf(std::size_t step) const {
 bool RawFrames::MayFollow(std::size_t step, std::size_t next) const {
   if (step == LastStep() || next == step + 1) return true;
   return next == step && (step > 0 || frames_[1].Step == 0);
+}
+
+bool RawFrames::TellsOfRepeat(std::size_t step) const {
+  const bool isFramed = LastStep() == 2 && AreEqual(frames_.front(), frames_.back());
+  if (isFramed) return step == 1;
+  const std::size_t begin = step == 0 ? 0 : FirstOf(step).Begin;
+  return std::accumulate(lengths_.begin(), lengths_.begin() + static_cast<std::ptrdiff_t>(begin), 0.0) <
+         kSurelyCaptured;
 }
 
 bool RawFrames::MayEndWith(std::size_t step, double heard) const {

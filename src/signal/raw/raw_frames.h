@@ -40,6 +40,10 @@ class RawFrames {
   /// after the last any. The first comes again only where it did when the press was stored: an equal frame
   /// may be the part of a message that all keys have.
   bool MayFollow(std::size_t step, std::size_t next) const;
+  /// Whether a step that is heard after the first capture of a press tells that its key repeats it. The parts
+  /// of a long message that only begin behind that capture do not, nor do the equal frames that all keys of
+  /// some remotes send before and behind their own.
+  bool TellsOfRepeat(std::size_t step) const;
   /// Whether a press may end with a step. The frames that stand around the telling ones, and the parts of a
   /// message, are nothing by themselves, unless the capture ends before the next one.
   /// @param heard how long the press lasted, microseconds

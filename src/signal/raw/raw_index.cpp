@@ -28,11 +28,12 @@ struct RawIndex::Search {
   /// The signal that fits best, and how far the next one is from it.
   struct Best {
     std::optional<std::size_t> Signal = {};
+    std::size_t Form = 0;
     RawFit Fit = {};
     std::size_t Other = 0;                           // the signal that Next is of
     float Next = std::numeric_limits<float>::max();  // Squares of the best one of another signal
 
-    void Take(std::size_t signal, const RawFit& fit) {
+    void Take(std::size_t signal, std::size_t form, const RawFit& fit) {
       const bool better = !Signal || fit.Squares < Fit.Squares;
       if (Signal && *Signal != signal && (better || fit.Squares < Next)) {
         Other = better ? *Signal : signal;
@@ -40,6 +41,7 @@ struct RawIndex::Search {
       }
       if (!better) return;
       Signal = signal;
+      Form = form;
       Fit = fit;
     }
     /// @param lengths that were compared
@@ -53,9 +55,9 @@ struct RawIndex::Search {
   const RawPeriods::Heard Periods{Heard};
   Best Exact = {}, Scaled = {};
 
-  void Take(std::size_t signal, const RawFit& fit) {
+  void Take(std::size_t signal, std::size_t form, const RawFit& fit) {
     if (fit.Fits == RawFit::How::None) return;
-    (fit.Fits == RawFit::How::Exact ? Exact : Scaled).Take(signal, fit);
+    (fit.Fits == RawFit::How::Exact ? Exact : Scaled).Take(signal, form, fit);
   }
 };
 
@@ -85,8 +87,16 @@ void RawIndex::Compare(std::size_t count, std::size_t lost, Search& search) cons
   for (const Entry& entry : forms->second) {
     if (!entry.Periods.MayBe(search.Periods, lost)) continue;
     const Form& form = forms_[entry.Form];
-    search.Take(form.Signal, CompareRaw(search.Heard, form.Lengths, lost));
+    search.Take(form.Signal, entry.Form, CompareRaw(search.Heard, form.Lengths, lost));
   }
+}
+
+std::optional<bool> RawIndex::ToggleOf(std::size_t form) const {
+  const auto isSibling = [&](std::size_t other) {
+    return other < forms_.size() && forms_[other].Signal == forms_[form].Signal;
+  };
+  const bool second = isSibling(form - 1);  // wraps in front of the first
+  return second || isSibling(form + 1) ? std::optional(second) : std::nullopt;
 }
 
 RawMatch RawIndex::Find(const HeardLengths& heard) const {
@@ -105,7 +115,8 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
   }
   const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
   if (!best.Signal) return {};
-  RawMatch match{signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose};
+  RawMatch match{
+      signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose, ToggleOf(best.Form)};
   if (!match.Alone) match.Other = signals_[best.Other];
   return match;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +18,8 @@ struct RawMatch {
   std::string_view Other;   // of one that fits nearly as well; empty if there is none
   bool Alone = false;       // there is a command that fits, and no other one nearly as well
   bool IsClose = false;     // it fits as near as two hearings without jitter are
+  /// Whether it was the second form of a command that is sent in two forms in turn; nothing of any other.
+  std::optional<bool> Toggle = {};
 };
 
 /// The raw commands, found by the number of their lengths.
@@ -42,6 +45,7 @@ class RawIndex {
   };
   struct Search;
 
+  std::optional<bool> ToggleOf(std::size_t form) const;
   void Compare(std::size_t count, std::size_t lost, Search& search) const;
 
   std::vector<std::string> signals_;  // digits
