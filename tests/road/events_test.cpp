@@ -6,42 +6,6 @@
 namespace keplo::tests {
 namespace {
 
-TEST(Events, AreBoundChangedAndDeleted) {
-  const Install install;
-  ExpectTold(
-      install,
-      {{"events add 'nec&tv_power' --zone 3", 0, {"1\n"}},
-       {"events add 'NEC&TV_POWER' --id 1", 1, {"EventID 1 already"}},
-       {"events add 'NEC&LATER'", 1, {"no learned command", "--force"}},
-       {"events add 'NEC&LATER' --force --description= --disabled", 0, {"2\n"}},
-       {"events add LATER --force", 2, {"NEC&POWER"}},
-       {"events add", 2, {"COMMAND or --each"}},
-       {"events add 'NEC&TV_MUTE' --name \"$(printf 'a\\033[31mb')\"", 2, {"control character"}},
-       {"events add 'NEC&TV_MUTE' --zone 9", 2, {"--zone"}},
-       {"events modify 1 --name 'Tee Vee' --command 'sony&tv_1' --disable", 0, {}},
-       {"events modify 1", 2, {"At least 1 option"}},
-       {"events modify 7 --zone 1", 1, {"EventID 7"}},
-       {"events enable 2", 0, {}},
-       {"commands rename 'sony&tv_1' ONE", 0, {"SONY&TV_1 is SONY&ONE now\n1 event goes"}},
-       {"commands rename 'SONY&ONE' TV_MUTE", 1, {"in use for the current protocol. TV_MUTE stands in"}},
-       {"commands rename ONE TWO", 2, {"NEC&POWER"}}});
-  EXPECT_EQ(install.Run("events list").Out,
-            "1\tTee Vee\tSONY&ONE\tzone 3\tdisabled\t\n2\tLATER\tNEC&LATER\tzone 0\t\n");
-  ExpectTold(install, {{"events delete 1", 0, {}},
-                       {"events delete 1", 1, {"EventID 1"}},
-                       {"events add 'NEC&TV_POWER'", 0, {"3\n"}},
-                       {"events delete 3", 0, {}},
-                       {"events add 'NEC&TV_POWER'", 0, {"4\n"}},  // a host may have something under 3
-                       {"events delete 4", 0, {}}});
-  install.Write("host.json", R"({"next_event_id": 9, "events": {"12": {}}})");
-  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 0, {"13\n"}}, {"events delete 13", 0, {}}});
-  install.Write("host.json", "{");
-  ExpectTold(install, {{"events add 'NEC&TV_POWER'", 2, {"host.json is not whole JSON", "--id"}}});
-  EXPECT_EQ(install.Run("events list --json").Out,
-            "{\"event_id\":\"2\",\"event_name\":\"LATER\",\"description\":\"\",\"command\":\"NEC&LATER\","
-            "\"enabled\":true,\"zone\":0}\n");
-}
-
 TEST(Events, AreBoundToNamesAsAPressHasThemAndStayAsTheyAre) {
   const Install install;
   std::string config = install.Config();
