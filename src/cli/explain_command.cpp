@@ -134,10 +134,12 @@ std::string LengthsText(std::size_t number, std::string_view what) {
 }
 
 /// The rule by which the second look ended without a code that is sure.
-std::string RuleOf(const FramesHeard& heard) {
+/// @param hasSpaces whether there is more than one mark
+std::string RuleOf(const FramesHeard& heard, bool hasSpaces) {
   if (heard.Proven == RobustReading::Proof::Sure) return "";
   if (heard.TooFine) return "so short a base time is left to the first analysis";
   if (heard.Frames == 0 && heard.Others == 0) return "no line code fits";
+  if (!hasSpaces) return "no line code fits one mark";
   if (heard.Frames == 0) {
     return "no line code fits the longest piece: " + LengthsText(heard.MarkLengths, "mark") + ", " +
            LengthsText(heard.SpaceLengths, "space");
@@ -168,7 +170,7 @@ std::string FramesText(SignalState& state, const MonitorReading& reading) {
   if (heard.BaseT > 0 && !TellsTiming(reading)) add("base time " + UsText(heard.BaseT, state));
   if (heard.Frames > 1) add(std::to_string(heard.Alike) + " of them alike");
   if (heard.Others > 0) add(Counted(heard.Others, "other piece"));
-  add(RuleOf(heard));
+  add(RuleOf(heard, HeardIn(state).Runs.size() > 1));
   return text;
 }
 
