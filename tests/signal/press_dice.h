@@ -38,6 +38,7 @@ struct Sent {
 
 /// What interference and a weak signal do to a press.
 inline void Damage(std::vector<int>& press, Dice& dice) {
+  if (press.size() < 4) return;
   const auto erase = [&](std::size_t first, std::size_t count) {
     const auto begin = press.begin() + static_cast<std::ptrdiff_t>(first);
     press.erase(begin, begin + static_cast<std::ptrdiff_t>(count));
@@ -58,13 +59,13 @@ inline void Damage(std::vector<int>& press, Dice& dice) {
 /// A press as a line hands its samples on.
 inline std::string Heard(const Sent& sent, Dice& dice, double sampleTime, int frames) {
   std::vector<int> press;
-  const int gap = dice.From(9000, 60000);
+  const int gap = dice.Once(4) ? dice.From(1500, 9000) : dice.From(9000, 60000);
   for (int frame = 0; frame < frames; ++frame) {
     const bool ditto = dice.Once(2) && frame > 0 && !sent.Ditto.empty();
     const auto& next = ditto ? sent.Ditto : sent.Frames[static_cast<std::size_t>(frame) % sent.Frames.size()];
     press = press.empty() ? next : Then(press, sent.Gap > 0 ? sent.Gap : gap, next);
   }
-  if (dice.Once(2)) Damage(press, dice);
+  for (int left = dice.From(0, 2); left > 0; --left) Damage(press, dice);
   const double clock = 1 + dice.From(-40, 40) / 1000.0;
   const int jitter = dice.From(0, dice.Once(3) ? 90 : 25);
   const int excess = dice.From(-60, dice.Once(3) ? 350 : 120);
