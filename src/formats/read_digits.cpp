@@ -181,7 +181,8 @@ class BodyText {
       return true;
     }
     const double ratio = (leader_.Mark - mark) / (mark + space);
-    const bool zeros = ratio > 1.25 && ratio<1.75, ones = ratio> 0.6 && ratio < 0.76;
+    const bool zeros = ratio > 1.25 && ratio < 1.75;
+    const bool ones = ratio > 0.6 && ratio < 0.76 && mark > 1.5 * space;
     if (!zeros && !ones) return false;
     SetWidth(zeros ? mark : mark - space, zeros ? mark + space : mark, space);
     signal_.Digits.assign(body_.size() / 2 + 1, ones ? '1' : '0');
