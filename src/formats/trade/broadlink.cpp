@@ -111,7 +111,6 @@ std::string BroadlinkText(const RemoteKey& key) {
   std::vector<std::uint8_t> bytes = {kInfrared, 0, 0, 0};
   for (const int length : press) WriteLength(bytes, length);
   const std::size_t size = bytes.size() - kBroadlinkHead;
-  if (size > 0xFFFF) return {};
   bytes[2] = static_cast<std::uint8_t>(size & 0xFFU);
   bytes[3] = static_cast<std::uint8_t>(size >> 8U);
   return Base64Of(bytes);

@@ -19,7 +19,7 @@ std::optional<std::vector<std::uint8_t>> BytesOfHex(std::string_view text);
 /// @return empty, or what is wrong with it
 std::string TakeBroadlink(const std::vector<std::uint8_t>& bytes, RemoteKey& key);
 
-/// The press as a Broadlink code in base64; empty if it is too long.
+/// The press as a Broadlink code in base64.
 std::string BroadlinkText(const RemoteKey& key);
 
 }  // namespace keplo::trade

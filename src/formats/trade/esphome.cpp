@@ -235,8 +235,7 @@ class LogReader {
                         (list_ == "pronto" && !Trimmed(rest).empty() &&
                          rest.find_first_not_of("0123456789ABCDEFabcdef \t") == std::string_view::npos);
     if (!goesOn) return EndList();
-    constexpr std::size_t kLongestList = 16 * kMostLengths;
-    if (text_.size() < kLongestList) text_ += ' ' + std::string(Trimmed(rest));
+    text_ += ' ' + std::string(Trimmed(rest));
   }
 
   static EsphomeFields FieldsOf(std::string_view text) {

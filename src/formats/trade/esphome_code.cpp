@@ -1,7 +1,6 @@
 #include "formats/trade/esphome_code.h"
 
 #include <array>
-#include <cstdio>
 
 #include "formats/families.h"
 #include "formats/irp.h"
@@ -127,11 +126,7 @@ constexpr std::array kEsphome = {
     EsphomeProtocol{"rc6", TakeEsphomeRc6},
 };
 
-std::string Hex(std::uint64_t value, int digits) {
-  std::array<char, 24> text{};
-  std::snprintf(text.data(), text.size(), "0x%0*llX", digits, static_cast<unsigned long long>(value));
-  return text.data();
-}
+std::string Hex(std::uint64_t value, std::size_t digits) { return "0x" + HexText(value, digits); }
 
 /// The lines of an action: its name and its fields.
 struct ActionText {

@@ -1,6 +1,5 @@
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
@@ -102,10 +101,8 @@ std::optional<std::uint32_t> LittleEndian(std::string_view text) {
 /// The format's own program refuses what a protocol has no room for.
 std::string WhyTooLarge(std::string_view field, std::uint32_t value, unsigned bits) {
   if (value >> bits == 0) return {};
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), " %X (lowest byte first in the file), expected 0 to %X", value,
-                (1U << bits) - 1);
-  return "found " + std::string(field) + text.data();
+  return "found " + std::string(field) + ' ' + HexText(value) +
+         " (lowest byte first in the file), expected 0 to " + HexText((1U << bits) - 1);
 }
 
 class FlipperReader {
@@ -258,11 +255,8 @@ FlipperFields GuessFields(const FlipperProtocol& protocol, std::string_view d) {
 }
 
 void WriteBytes(std::string& text, std::string_view word, std::uint32_t value) {
-  constexpr std::string_view kHex = "0123456789ABCDEF";
   text += std::string(word) + ':';
-  for (int byte = 0; byte < 4; ++byte, value >>= 8U) {
-    text += {' ', kHex[value >> 4U & 0xFU], kHex[value & 0xFU]};
-  }
+  for (int byte = 0; byte < 4; ++byte, value >>= 8U) text += ' ' + HexText(value & 0xFFU, 2);
   text += '\n';
 }
 

@@ -117,7 +117,7 @@ class GirrReader {
         StartsNoCase(text, "0x") ? NumberOf(text.substr(2), 16) : NumberOf(text);
     // What is no number fits no protocol.
     constexpr long kWrong = 1L << 30;
-    const long value = number && std::abs(*number) < kWrong ? static_cast<long>(*number) : kWrong;
+    const long value = number.value_or(kWrong);
     if (name == "D") values.D = value;
     if (name == "S") values.S = value;
     if (name == "F") values.F = value;

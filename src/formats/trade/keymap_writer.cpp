@@ -1,9 +1,8 @@
 #include "formats/trade/keymap_writer.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <map>
+#include <set>
 
 #include "formats/families.h"
 #include "formats/pulse_text.h"
@@ -20,9 +19,7 @@ std::string TomlText(std::string_view text) {
   for (const char c : Utf8Text(text)) {
     if (c == '"' || c == '\\') quoted += '\\';
     const auto code = static_cast<unsigned char>(c);
-    char escape[8];
-    std::snprintf(static_cast<char*>(escape), sizeof escape, "\\u%04X", code);
-    quoted += code < 0x20 || code == 0x7F ? std::string(static_cast<const char*>(escape)) : std::string(1, c);
+    quoted += code < 0x20 || code == 0x7F ? "\\u" + HexText(code, 4) : std::string(1, c);
   }
   return quoted + '"';
 }
@@ -30,7 +27,7 @@ std::string TomlText(std::string_view text) {
 /// Keys of one protocol, or raw ones.
 struct KeymapSection {
   std::string Head;
-  std::map<std::string, bool> Codes;
+  std::set<std::string> Codes;
   std::string Rows;
 };
 
@@ -107,13 +104,12 @@ class KeymapWriter {
   }
 
   void PutCode(const RemoteKey& key, const std::string& name, const std::string& head, std::uint64_t value) {
-    char code[24];
-    std::snprintf(static_cast<char*>(code), sizeof code, "0x%02llx", static_cast<unsigned long long>(value));
+    const std::string code = "0x" + Lower(HexText(value, 2));
     KeymapSection& section = SectionOf(head);
-    if (!section.Codes.emplace(static_cast<const char*>(code), true).second) {
+    if (!section.Codes.insert(code).second) {
       return LeaveOut(told_, key, "another key has its code, and the format keeps one name a code");
     }
-    section.Rows += std::string(static_cast<const char*>(code)) + " = " + TomlText(name) + '\n';
+    section.Rows += code + " = " + TomlText(name) + '\n';
   }
 
   void PutRaw(const RemoteKey& key, const std::string& name) {

@@ -1,9 +1,7 @@
 #include "formats/trade/lirc_writer.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
 #include <map>
 #include <set>
 
@@ -156,9 +154,7 @@ class LircWriter {
   void WriteCode(const RemoteKey& key) {
     std::string_view digits = key.Coded->Digits;
     if (key.Coded->Code.Line == LineCode::Biphase) digits.remove_prefix(1);
-    std::array<char, 20> value{};
-    std::snprintf(value.data(), value.size(), "0x%llX", static_cast<unsigned long long>(HighFirst(digits)));
-    text_ += "    " + names_.at(&key) + ' ' + value.data() + '\n';
+    text_ += "    " + names_.at(&key) + " 0x" + HexText(HighFirst(digits)) + '\n';
   }
 
   void WriteRaw(const RemoteKey& key) {

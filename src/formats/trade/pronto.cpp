@@ -149,7 +149,7 @@ class ProntoReader {
     const bool isNext = BeginsCode(digits) || IsWhole(digits);
     if (!digits_.empty() && IsWhole(digits_) && isNext) EndCode();
     if (digits_.empty()) line_ = number;
-    if (digits_.size() <= kDigitsPerWord * (kMostLengths + 8)) digits_ += digits;
+    digits_ += digits;
   }
 
   RemoteKey NewKey(int number) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 #include "formats/families.h"
 #include "formats/irp.h"
@@ -20,11 +19,7 @@ constexpr std::array kTypes = {kTypeLearned, kTypeNotModulated, kTypeRc5, kTypeR
 constexpr std::size_t kProntoHead = 4;  // words before the pairs
 constexpr std::size_t kMostWords = kProntoHead + kMostLengths;
 
-std::string HexWord(std::uint16_t word) {
-  char text[5];
-  std::snprintf(static_cast<char*>(text), sizeof text, "%04X", word);
-  return static_cast<const char*>(text);
-}
+std::string HexWord(std::uint16_t word) { return HexText(word, 4); }
 
 std::string TakeLearned(std::span<const std::uint16_t> words, RemoteKey& key) {
   const double unit = words[1] * kProntoClock;

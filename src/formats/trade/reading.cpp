@@ -91,6 +91,12 @@ std::optional<std::uint8_t> HexByteOf(std::string_view word) {
   return static_cast<std::uint8_t>(*byte);
 }
 
+std::string HexText(std::uint64_t value, std::size_t digits) {
+  std::string text;
+  for (; value > 0 || text.size() < digits; value >>= 4U) text.insert(0, 1, "0123456789ABCDEF"[value & 0xFU]);
+  return text;
+}
+
 std::string Quoted(std::string_view word) {
   if (word.empty()) return "nothing";
   std::size_t size = std::min(word.size(), kLongestQuoted);

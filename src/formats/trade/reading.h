@@ -36,6 +36,9 @@ std::optional<std::uint64_t> CNumberOf(std::string_view word);
 /// The digits and letters of two hex digits a byte.
 std::optional<std::uint8_t> HexByteOf(std::string_view word);
 
+/// A number in hex, with zeros ahead up to so many digits.
+std::string HexText(std::uint64_t value, std::size_t digits = 1);
+
 /// A word as an error text repeats it: short, and between quotes.
 std::string Quoted(std::string_view word);
 

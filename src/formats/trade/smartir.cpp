@@ -230,13 +230,8 @@ std::string WriteSmartIr(const std::vector<Remote>& remotes, std::vector<Complai
       if (key.Carrier && *key.Carrier != kUsualCarrier)
         TellOnce(told, "the format keeps no carrier; the device sends 38000 Hz");
       TellRepeat(told, key);
-      std::string code = BroadlinkText(key);
-      if (code.empty()) {
-        LeaveOut(told, key, "it has more lengths than the format takes");
-        continue;
-      }
       const std::string name = NameFor(key, number);
-      const std::string put = PutCode(root["commands"], name, std::move(code));
+      const std::string put = PutCode(root["commands"], name, BroadlinkText(key));
       if (!name.ends_with(put))
         TellOnce(told, "a second key of the name " + Quoted(name) + " is written as " + Quoted(put));
     }

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 #include "formats/families.h"
 #include "formats/irp.h"
@@ -296,10 +295,8 @@ std::string CodeText(const RemoteKey& key) {
     if (row == kTasmota.end()) return {};
     name = row->Name;
   }
-  std::array<char, 24> data{};
-  std::snprintf(data.data(), data.size(), "0x%llX", static_cast<unsigned long long>(HighFirst(digits)));
   return "\"Protocol\":\"" + std::string(name) + "\",\"Bits\":" + std::to_string(digits.size()) +
-         ",\"Data\":\"" + data.data() + '"';
+         ",\"Data\":\"0x" + HexText(HighFirst(digits)) + '"';
 }
 
 std::string WriteTasmota(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
