@@ -144,8 +144,10 @@ class Parser {
   }
 
   [[noreturn]] void Refuse(std::string_view found, std::string_view expected) const {
-    const std::string quoted =
+    std::string quoted =
         found.empty() ? "the end of the line" : '"' + std::string(found.substr(0, kLongestQuote)) + '"';
+    // An error's text ends at such a byte.
+    std::replace(quoted.begin(), quoted.end(), '\0', '?');
     throw FormatError(std::string(name_) + ", line " + std::to_string(line_) + ": found " + quoted +
                       ", expected " + std::string(expected));
   }
