@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "config/config_builder.h"
 #include "config/fake_disk.h"
 #include "config/merge_changes.h"
@@ -52,6 +54,28 @@ TEST(MergeChanges, TakesBothUnlessTheyMeet) {
   merges("the selected one is gone", one, nec, nec);
   merges("no section is selected", Selecting(kBase, "3"), nec, Selecting(nec, "2"));
   merges("not whole", kBase, kBase.substr(0, kBase.size() / 2), "conflict");
+}
+
+TEST(MergeChanges, TakesAllThatTwoHaveChangedLineByLine) {
+  std::mt19937 generator(1);
+  const auto line = [&] { return "G1" + std::to_string(generator() % 40) + ",X\r\n"; };
+  int conflicts = 0;
+  for (int round = 0; round < 500; ++round) {
+    std::string base, mine, theirs, both;
+    for (int change = 0; change < 8; ++change) {
+      const std::string kept = line(), old = generator() % 3 != 0 ? line() : "",
+                        fresh = generator() % 3 != 0 ? "G0" + line() : "";
+      const auto whose = generator() % 3;
+      base += kept + old;
+      mine += kept + (whose == 0 ? fresh : old);
+      theirs += kept + (whose == 1 ? fresh : old);
+      both += kept + (whose < 2 ? fresh : old);
+    }
+    const auto merged = MergeChanges(Config(base), Config(mine), Config(theirs));
+    EXPECT_EQ(merged.value_or(Config(both)), Config(both)) << round;
+    conflicts += merged ? 0 : 1;
+  }
+  EXPECT_EQ(conflicts, 38) << "of lines that stand more than once";
 }
 
 /// A store with a file that another program writes.

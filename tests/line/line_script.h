@@ -6,6 +6,7 @@
 #include "formats/pulse_text.h"
 #include "line/device_line.h"
 #include "signal/sample_bits.h"
+#include "signal/zone_link.h"
 
 namespace keplo::tests {
 
@@ -50,43 +51,48 @@ inline std::string Written(const Win32Ser& line, const std::string& buffer, std:
   return origin == nullptr ? text : text + " " + since(origin->Begin) + ".." + since(origin->End);
 }
 
-/// Takes the steps of a script, and writes down what came of each, and last what was told:
-/// pLENGTHS a press begins, wMICROSECONDS a wait, d the level, mBYTES and rBYTES a capture of the monitor and
-/// a recording, with the time when it is done, f forgets, q milliseconds without ticks, x whether it sent, l
-/// losses.
-template <typename Device, typename Play>
-std::string Script(Device& device, DeviceLine& line, const std::string& script, const Play& play) {
+/// Takes the steps of a script, and writes down what came of each: pLENGTHS a press begins, wMICROSECONDS a
+/// wait, uMICROSECONDS a pause, d the level, mBYTES and rBYTES a capture of the monitor and a recording, with
+/// the time when it is done, f forgets, q milliseconds without ticks, l losses, sMICROSECONDS slots are sent,
+/// zNUMBER a zone is selected, z asked for, gMICROSECONDS the device goes after them, g it is back.
+template <typename Device, typename Line, typename Play>
+std::string Script(Device& device, Line& line, const std::string& script, const Play& play) {
   const auto start = device.Now();
   std::istringstream words(script);
   std::string text;
   for (std::string word; words >> word;) {
     const std::string rest = word.substr(1);
-    const auto now = [&] {
-      return " @" +
-             std::to_string(std::chrono::round<std::chrono::microseconds>(device.Now() - start).count());
-    };
-    std::string buffer(word[0] == 'm' || word[0] == 'r' ? std::stoul(rest) : 0, '\xAA');
+    const int number = rest.empty() || word[0] == 'p' ? 0 : std::stoi(rest);
+    const std::chrono::microseconds time(number);
+    std::string buffer(word[0] == 'm' || word[0] == 'r' ? number : 0, '\xAA');
     if (word[0] == 'p') play(rest);
-    if (word[0] == 'w') device.SleepUntil(device.Now() + std::chrono::microseconds(std::stoi(rest)));
+    if (word[0] == 'w') device.SleepUntil(device.Now() + time);
+    if (word[0] == 'u') line.uDelay(number);
     if (word[0] == 'd') text += std::to_string(line.DCD()) + " ";
-    if (word[0] == 'q') text += "rest " + std::to_string(line.MayRest().count()) + " ";
-    if (word[0] == 'f') line.Forget();
-    if (word[0] == 'g')
-      device.GoneAt = rest.empty() ? std::chrono::nanoseconds::max()
-                                   : device.Now() + std::chrono::microseconds(std::stoi(rest));
-    if (word[0] == 's') {
-      line.IRSend(std::string(1, '\xF0'), std::stoi(rest), 0);
-      text += line.Sent() ? "sent " : "not sent ";
-    }
+    if (word[0] == 'z')
+      text += "zone " +
+              std::to_string(rest.empty()                                        ? QueryZone(line)
+                             : SendZone(line, static_cast<std::int16_t>(number)) ? 1
+                                                                                 : 0) +
+              " ";
     if (word[0] == 'm') line.IRMonitor(buffer, 10);
-    if (word[0] == 'r')
-      text += std::to_string(line.IRRecord(buffer, 10, static_cast<int>(buffer.size()))) + " ";
-    if (!buffer.empty()) text += Written(line, buffer, start) + now() + "; ";
-    if (word[0] != 'l') continue;
-    const LineLosses losses = line.Losses();
-    for (const auto count :
-         {losses.Samples, losses.FilledSamples, losses.LateSamples, losses.MissedEdges, losses.Overflows})
-      text += std::to_string(count) + " ";
+    if (word[0] == 'r') text += std::to_string(line.IRRecord(buffer, 10, number)) + " ";
+    if (word[0] == 's') line.IRSend(std::string(1, '\xF0'), number, 0);
+    if (!buffer.empty()) {
+      const auto taken = std::chrono::round<std::chrono::microseconds>(device.Now() - start);
+      text += Written(line, buffer, start) + " @" + std::to_string(taken.count()) + "; ";
+    }
+    if constexpr (std::is_base_of_v<DeviceLine, Line>) {
+      if (word[0] == 's') text += line.Sent() ? "sent " : "not sent ";
+      if (word[0] == 'q') text += "rest " + std::to_string(line.MayRest().count()) + " ";
+      if (word[0] == 'f') line.Forget();
+      if (word[0] == 'g')
+        device.GoneAt = rest.empty() ? std::chrono::nanoseconds::max() : device.Now() + time;
+      const LineLosses losses = line.Losses();
+      for (const auto count :
+           {losses.Samples, losses.FilledSamples, losses.LateSamples, losses.MissedEdges, losses.Overflows})
+        text += word[0] == 'l' ? std::to_string(count) + " " : "";
+    }
   }
   return text;
 }

@@ -40,9 +40,10 @@ TEST(PortLine, FindsTheDeviceOfItsPortHoweverLateItComes) {
   port.There = false;
   wait();
   EXPECT_EQ(told.back(), line.WhyNot());
-  port.There = true;
+  port.There = port.Break = true;
   wait();
   EXPECT_EQ(told.back(), tests::kSimulatedDevice + " is there now.");
+  EXPECT_TRUE(port.Rts && !port.Break);
   EXPECT_EQ(told.size(), 3U);
   EXPECT_EQ(line.WhyNot(), "");
 }

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "doubles/test_clock.h"
+#include "line_script.h"
 #include "press_builder.h"
 #include "signal/timing.h"
-#include "signal/zone_link.h"
 
 namespace keplo::tests {
 namespace {
@@ -42,14 +42,6 @@ TEST(ReplayLine, PlaysOnePressACaptureAndTellsWhich) {
   EXPECT_EQ(Monitored(line), std::string(510, '\0')) << "nothing is pending";
 }
 
-TEST(ReplayLine, RestsAtTheLevelOfItsReceiver) {
-  std::int16_t receiver = 1;
-  ReplayLine line({}, receiver);
-  EXPECT_EQ(line.DCD(), 0);
-  receiver = 0;
-  EXPECT_EQ(line.DCD(), 1);
-}
-
 TEST(ReplayLine, RecordsUpToTheLimit) {
   ReplayLine line(TwoFiles(), kStandard);
   std::string buffer(1000, 'x');
@@ -66,22 +58,6 @@ TEST(ReplayLine, RecordsUpToTheLimit) {
   EXPECT_EQ(line.IRRecord(buffer, kDelay, 1000), 0) << "no press is left";
 }
 
-TEST(ReplayLine, HoldsTheKeyOfTheLastPressDown) {
-  const auto owned = std::make_shared<TestClock>();
-  TestClock& clock = *owned;
-  ReplayLine line({{"a", {Clean(kNec, kNecBits), Clean(kSony, kSonyBits)}}}, kStandard);
-  line.PlayAgainst(owned);
-  line.HoldLastPress(3);
-  std::string buffer(100, 'x');
-  for (const std::size_t press : {1, 2, 2, 2}) {
-    EXPECT_NE(line.IRRecord(buffer, kDelay, 100), 0);
-    EXPECT_EQ(line.LastPress()->Number, press);
-  }
-  EXPECT_EQ(buffer.back(), '\0') << "the silence between two frames belongs to the signal";
-  EXPECT_LT(clock.Time, 2 * ReplayLine::kPressPause + 4 * 60ms) << "the next frame follows without a pause";
-  EXPECT_EQ(line.IRRecord(buffer, kDelay, 100), 0) << "the key was let go";
-}
-
 TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
   ReplayLine line({{"a", {Clean(kSony, kSonyBits), Clean(kSony, kSonyBits)}}}, kStandard);
   std::string buffer(510, '\0');
@@ -93,40 +69,77 @@ TEST(ReplayLine, SamplesMoreSlowlyAtALargerDelay) {
   EXPECT_EQ(buffer.substr(0, 300), std::string(300, '\xFF')) << "no sample takes less than a microsecond";
 }
 
-TEST(ReplayLine, PlaysAgainstAClock) {
-  const auto owned = std::make_shared<TestClock>();
-  TestClock& clock = *owned;
-  ReplayLine line(TwoFiles(), kStandard);
-  line.PlayAgainst(owned);
-  EXPECT_EQ(line.DCD(), 1) << "the first press comes behind a pause";
-  clock.Time += 500ms;
-  EXPECT_EQ(line.DCD(), 0);
-  Monitored(line);
-  // Three SONY frames, 45 ms from one to the next, the last of them 19.2 ms long.
-  EXPECT_NEAR(static_cast<double>(clock.Time.count()), 500'000 + 109'200, 8 * 55);
-  EXPECT_EQ(line.DCD(), 1);
+/// The clock of a line as a device that may go, though it does not.
+struct PlayClock {
+  std::shared_ptr<TestClock> Clock = std::make_shared<TestClock>();
+  std::chrono::nanoseconds Now() const { return Clock->Time; }
+  void SleepUntil(std::chrono::nanoseconds time) const {
+    Clock->WaitUntil(std::chrono::ceil<std::chrono::microseconds>(time));
+  }
+};
 
-  std::string buffer(510, '\0');
-  const auto before = clock.Time;
-  EXPECT_NE(line.IRRecord(buffer, kDelay, 510), 0);
-  EXPECT_GE(clock.Time - before, 500ms) << "a recording waits for its press";
-
-  clock.Time = 0s;
-  line.SpeakBeep(600, 1000);
-  line.uDelay(200'000);
-  line.IRSend("\xAA\xAA", 500, 0);
-  EXPECT_EQ(clock.Time, 1s + 200ms + 8ms);
+/// What a line makes of a script with the presses that are given, against a clock.
+/// @param held captures of the last press while its key is held
+std::string Heard(const std::vector<Press>& presses, int held, const std::string& script) {
+  const PlayClock played;
+  const std::int16_t receiver = 0;
+  LineOptions options;
+  options.HoldMs = 0;
+  ReplayLine line({{"a", presses}}, receiver, options);
+  line.PlayAgainst(played.Clock);
+  if (held > 0) line.HoldLastPress(held);
+  std::string text = Script(played, line, script, [](const std::string&) {});
+  return text + (line.Done() ? "done" : "") +
+         (line.LastPress() ? std::to_string(line.LastPress()->Number) : "");
 }
 
-TEST(ReplayLine, PausesBehindAPressThatIsLongerThanACapture) {
-  const auto clock = std::make_shared<TestClock>();
-  ReplayLine line({{"a", {Clean(kNec, kNecBits, 0, 10), Clean(kSony, kSonyBits)}}}, kStandard);
-  line.PlayAgainst(clock);
-  while (!line.Done()) {
-    clock->Time += 2ms;
-    if (line.DCD() == 0) Monitored(line);
-  }
-  EXPECT_GE(clock->Time, 2 * ReplayLine::kPressPause + 10 * 108ms + 100ms);
+TEST(ReplayLine, PlaysAgainstAClock) {
+  const PulseTrain single = {900, 500, 700}, two = {900, 500, 700, 30'000, 600, 400, 600};
+  const PulseTrain more = {900, 500, 700, 5200, 600, 5199, 600, 30'000, 500, 10'000, 400, 60'000, 300};
+  struct Row {
+    std::vector<Press> Presses;
+    int Held;
+    const char *Script, *Text;
+  };
+  const Row rows[] = {
+      {{single}, 0, "d w499999 d w1 d m60 d w500000 d", "1 1 0 [] 16 9 13 2/5 @502200; 1 1 done1"},
+      {{single, single},
+       0,
+       "d w500000 d m60 d w199999 d w300000 d w1 d m60 d",
+       "1 0 [] 16 9 13 2/5 @502200; 1 1 1 0 [] 16 9 13 2/5 @1004400; 1 done2"},
+      {{single, single},
+       0,
+       "w700000 d m60 w400000 d w199999 d w1 d w1000000 d",
+       "0 [] 16 9 13 2/5 @702200; 1 1 0 0 1"},
+      {{single, single},
+       0,
+       "r60 r60 r60",
+       "1 [] 16 9 13 2/5 @502200; 1 [] 16 9 13 2/5 @1004400; 0 [] /0 @1004400; done2"},
+      {{two, single}, 0, "w500000 d m100 d", "0 [] 16 9 13 546 11 7 11 3/77 @533880; 1 1"},
+      {{single, single},
+       2,
+       "w500000 d m60 d m60 d m60 d",
+       "0 [] 16 9 13 2/5 @502200; 1 [] 16 9 13 442/60 @1028600; 1 [] 16 9 13 442/60 @1255000; 1 done2"},
+      {{single},
+       2,
+       "r60 r60 r60",
+       "1 [] 16 9 13 442/60 @526400; 1 [] 16 9 13 442/60 @552800; 0 [] /0 @552800; done1"},
+      {{more, single},
+       0,
+       "w500000 d m20 d w30000 d m20 d w9000 d w1000 d m20 d w50000 d w10000 d m60 d w500000 d m60 d",
+       "0 [] 16 9 13 95 11/18 @508800; 1 1 [] /0 @614899; 1 1 1 [] 16 9 13 2/5 @1117099; 1 1 1 [] /0 "
+       "@1177099; 1 1 [] /0 @1677099; 1 done2"},
+      {{more, single},
+       0,
+       "w500000 d m20 w1000 d w8000 d w1000 d w1000 d w50000 d w30000 d m20 d",
+       "0 [] 16 9 13 95 11/18 @508800; 1 1 1 1 0 0 [] 9 7/2 @599800; 1 1"},
+      {{two, single},
+       0,
+       "w500000 d m60 d w10000 d m60 d w400000 d w100000 d",
+       "0 [] 16 9 13 2/5 @526400; 1 0 [] 11 7 11 3/4 @536400; 1 1 0 1"},
+      {{single}, 0, "s560 u1000 s200000 w1 m60 d z", "[] 16 9 13 2/5 @807681; 1 zone 9 done1"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(Heard(row.Presses, row.Held, row.Script), row.Text) << row.Script;
 }
 
 TEST(ReplayLine, WritesDownWhatIsSent) {

@@ -5,7 +5,7 @@
 #include "broker/mosquitto_server.h"
 #include "line/rooms/broker_messages.h"
 #include "line/rooms/room_press.h"
-#include "signal/zone_link.h"
+#include "line_script.h"
 #include "simulated_port.h"
 
 namespace keplo {
@@ -31,34 +31,6 @@ struct ToldRooms : RoomMessages {
   bool IsOwn(const std::string& topic) const override { return topic == "ir/own"; }
 
   Script& Told;
-};
-
-class RoomLineTest : public testing::Test {
- protected:
-  void Open(const std::string& rooms) {
-    RoomMap map;
-    ASSERT_EQ(ParseRooms(rooms, map), "");
-    line_ = std::make_unique<RoomLine>(
-        calls_, map, [&](const std::string&) { return std::make_unique<ToldRooms>(script_); }, receiver_,
-        LineOptions{}, [&](const std::string& text) { told_ += text + "\n"; });
-    ASSERT_EQ(line_->OpenCom(1), 1);
-  }
-  void Come(const std::string& topic, const std::string& payload, bool retained = false) {
-    script_.Coming.Messages.push_back({topic, payload, retained, calls_.Now()});
-  }
-  /// The first bytes of the capture that waits; empty if none does.
-  std::string Capture() {
-    if (line_->DCD() == 1) return {};
-    std::string buffer(510, '\0');
-    line_->IRMonitor(buffer, 10);
-    return buffer.substr(0, buffer.find_last_not_of('\0') + 1);
-  }
-
-  const std::int16_t receiver_ = 0;
-  tests::SimulatedPort calls_;
-  ToldRooms::Script script_;
-  std::string told_;
-  std::unique_ptr<RoomLine> line_;
 };
 
 TEST(RoomPress, IsReadAsEachReceiverTellsIt) {
@@ -94,54 +66,72 @@ TEST(RoomPress, IsReadAsEachReceiverTellsIt) {
   }
 }
 
-TEST_F(RoomLineTest, TellsEachPressAtOnceAndFromWhichRoom) {
-  Open("ir/+ 3:bath 5:attic");
-  Come("ir/bath", "[9000,-4500,560]");
-  Come("ir/attic", "[2400,-600,1200]");
-  Come("ir/own", "[9000,-4500,560]");
-  Come("ir/bath", "[9000,-4500,560]", /*retained=*/true);
-  Come("ir/cellar", "[9000,-4500,560]");
-  line_->uDelay(200'000);
-  EXPECT_EQ(calls_.Now(), tests::SimulatedPort().Now()) << "a press that waits ends the pause";
-  const std::string first = Capture();
-  EXPECT_EQ(QueryZone(*line_), 3);
-  const int bath = line_->Origin()->Place;
-  EXPECT_NE(Capture(), first);
-  EXPECT_EQ(QueryZone(*line_), 5);
-  EXPECT_EQ(PulseTrain(line_->ToldLengths().begin(), line_->ToldLengths().end()),
-            (PulseTrain{2400, 600, 1200}));
-  EXPECT_NE(line_->Origin()->Place, bath);
-  EXPECT_EQ(Capture(), first);
-  EXPECT_EQ(QueryZone(*line_), kNoZone) << "a room without a number";
-  EXPECT_EQ(Capture(), "");
-  EXPECT_NE(told_.find("ir/bath: it is retained"), std::string::npos) << told_;
-  Come("ir/bath", "[9000,-4500,560]");
-  calls_.SleepUntil(calls_.Now() + RoomLine::kFresh + std::chrono::milliseconds(1));
-  EXPECT_EQ(Capture(), "") << "no news any more";
+/// What a line makes of a script in which a press is a room, a colon and the lengths it tells, with an
+/// exclamation mark ahead of what is retained; then what was published, and told.
+std::string Heard(const std::string& rooms, const std::string& script) {
+  RoomMap map;
+  EXPECT_EQ(ParseRooms(rooms, map), "");
+  const std::int16_t receiver = 0;
+  tests::SimulatedPort calls;
+  ToldRooms::Script told;
+  std::string words;
+  RoomLine line(
+      calls, map, [&](const std::string&) { return std::make_unique<ToldRooms>(told); }, receiver,
+      LineOptions{}, [&](const std::string& text) { words += text + ";"; });
+  EXPECT_EQ(line.OpenCom(1), 1);
+  std::string text = tests::Script(calls, line, script, [&](const std::string& press) {
+    const bool retained = press[0] == '!';
+    const std::size_t colon = press.find(':');
+    told.Coming.Messages.push_back({press.substr(retained ? 1 : 0, colon - (retained ? 1 : 0)),
+                                    press.substr(colon + 1), retained, calls.Now()});
+  });
+  for (const auto& [topic, payload] : told.Published) text += topic + " " + payload + ";";
+  return text + words;
 }
 
-TEST_F(RoomLineTest, SendsToTheRoomThatWasChosen) {
-  Open("$share/house/ir/+/RESULT send:cmnd/+/IRSend 3:bath 5:attic");
-  const std::string slots = "\xF0\xC0";
-  line_->IRSend(slots, 500, 0);
-  EXPECT_FALSE(line_->Sent());
-  EXPECT_NE(told_.find("Which room"), std::string::npos) << told_;
-  EXPECT_FALSE(SendZone(*line_, 4));
-  EXPECT_TRUE(SendZone(*line_, 5));
-  line_->IRSend(slots, 500, 0);
-  EXPECT_TRUE(line_->Sent());
-  using Published = std::vector<std::pair<std::string, std::string>>;
-  EXPECT_EQ(script_.Published, (Published{{"cmnd/attic/IRSend", "38000,2000,2000,1000"}}));
-  Come("ir/attic/RESULT", "[2000,-2000,1000]");
-  Come("ir/bath/RESULT", "[9000,-4500,560]");
-  EXPECT_NE(Capture(), "");
-  EXPECT_EQ(QueryZone(*line_), 3);
-  EXPECT_EQ(Capture(), "") << "what we sent ourselves";
-  Open("ir/a send:ir/b");
-  line_->IRSend(slots, 500, 0);
-  EXPECT_EQ(script_.Published.back(),
-            std::pair(std::string("ir/b"),
-                      std::string(R"({"timings":[2000,-2000,1000],"modulation":38000,"repeat_count":0})")));
+TEST(RoomLine, TellsEachPressAndItsRoomAndSendsToTheOneThatIsChosen) {
+  const char* const kBoth = "$share/house/ir/+/RESULT send:cmnd/+/IRSend 3:bath 5:attic";
+  const std::string kWhich =
+      "Which room to send to is not known. Choose its zone (keplo send --zone N, or VEXIL), and name it in "
+      "ports.conf with that number.;";
+  struct Row {
+    const char *Rooms, *Script;
+    std::string Text;
+  };
+  const Row rows[] = {
+      {"ir/+ 3:bath 5:attic",
+       "pir/bath:9000,-4500,560 pir/attic:2400,-600,1200 pir/own:9000,-4500,560 p!ir/bath:9000,-4500,560 "
+       "pir/cellar:9000,-4500,560 u200000 d m30 z d m30 z d m30 z d q",
+       "0 [9000 4500 560] 164 76/30 -14060..0 @0; zone 3 0 [2400 600 1200] 44 11 21 164/30 -4200..0 @0; zone "
+       "5 0 [9000 4500 560] 164 76/30 -14060..0 @0; zone 9 1 rest 0 A message on ir/+ refused; the last one: "
+       "ir/bath: it is retained, so that nobody knows how old it is.;"},
+      {"ir/+ 3:bath", "pir/bath:9000,-4500,560 w2000000 d m30 d",
+       "0 [9000 4500 560] 164 76/30 -14060..0 @2000000; 1 "},
+      {"ir/+ 3:bath", "pir/bath:9000,-4500,560 w1 pir/bath:900,-500,560 w2000000 d m30 d",
+       "0 [900 500 560] 16 9 11 204/30 -1959..1 @2000001; 1 A message on ir/+ refused; the last one: it "
+       "could not be taken within two seconds.;"},
+      {"ir/+ 3:bath", "d w400000 u300000 d m30 pir/bath:900,-500,560 u300000 d m30 w1000000 q",
+       "1 1 [] /0 @700000; 0 [900 500 560] 16 9 11 204/30 698040..700000 @700000; rest 1000 "},
+      {"ir/+ 3:bath", "pir/bath:900,-500,560 f d pir/bath:900,-500,560 r30 r30",
+       "1 0 [] /0 @10000000; 0 [] /0 @20000000; "},
+      {kBoth, "s500 z4 s500 z5 s500 z3 s600 z",
+       "not sent zone 0 not sent zone 1 sent zone 1 sent zone 9 cmnd/attic/IRSend "
+       "38000,2000;cmnd/bath/IRSend 38000,2400;" +
+           kWhich + kWhich},
+      {kBoth, "z5 s500 pir/attic/RESULT:900,-500,560 pir/bath/RESULT:9000,-4500,560 d m30 z d",
+       "zone 1 sent 0 [9000 4500 560] 164 76/30 -10060..4000 @4000; zone 3 1 cmnd/attic/IRSend 38000,2000;"},
+      {kBoth, "z5 s500 w499999 pir/attic/RESULT:900,-500,560 d w1 pir/attic/RESULT:900,-500,560 d m30",
+       "zone 1 sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; cmnd/attic/IRSend 38000,2000;"},
+      {"ir/a send:ir/b", "s500 pir/a:900,-500,560 d w500000 pir/a:900,-500,560 d m30 z",
+       R"(sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; zone 9 ir/b {"timings":[2000],"modulation":38000,"repeat_count":0};)"},
+      {"ir/a", "s500 s500 pir/a:900,-500,560,-30000,600,-400,600,-40000,600 d m600 z pir/a:900,-500 d",
+       "not sent not sent 0 [900 500 560 30000 600 400 600 40000 600] 16 9 11 545 11 7 11 727 11 3452/600 "
+       "-74160..0 @0; zone 9 0 mqtt:ir/a has no sender. Add send:TOPIC to its line in ports.conf.;"},
+      {"ir/+ 3:bath", "pir/bath:900,-500,560 pir/bath:900,-500,x pir/attic:900,-500,560 s500 d m30 d m30 d",
+       "not sent 0 [900 500 560] 16 9 11 204/30 -1960..0 @0; 0 [900 500 560] 16 9 11 204/30 -1960..0 @0; 1 "
+       "mqtt:ir/+ has no sender. Add send:TOPIC to its line in ports.conf.;"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(Heard(row.Rooms, row.Script), row.Text) << row.Script;
 }
 
 TEST(BrokerMessages, ComeFromTheBrokerThatTheSettingsName) {
