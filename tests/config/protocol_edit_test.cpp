@@ -96,52 +96,6 @@ TEST(ProtocolEdit, LeavesTheCarrierOfASectionAlone) {
   }
 }
 
-TEST(ProtocolEdit, RefusesANameForItsFirstFault) {
-  const auto tells = [](const std::string& told, const Texts& names) {
-    const std::string text = Config(Protocol("NEC", {"G1010,POWER"}));
-    for (const std::string& name : names) EXPECT_EQ(RefusalText(CheckProtocolName(text, name)), told) << name;
-  };
-  tells("", {"Lamp", "abc", "Twelve-Chars"});
-  tells("Protocol name must contain only: a-z,A-Z,0-9,'-','_'", {"a b", "a["});
-  tells("Protocol name must have 3-12 characters", {"ab", "", "Thirteen-Char"});
-  tells("The new protocol name is in use", {"nec", "TEMPLATE", "recorded", "General", "End"});
-}
-
-TEST(ProtocolEdit, RefusesParametersForTheirFirstFault) {
-  ProtocolDraft draft = Draft();
-  ProtocolParams& params = draft.Params;
-  const auto tells = [&](const auto& /*mended*/, const std::string& told) {
-    EXPECT_EQ(RefusalText(CheckProtocolDraft(draft)), told);
-  };
-  // All faults at once: mending the one that is told brings up the next.
-  const std::string cannot = "Description cannot contain ";
-  draft.Description = "a, b [c] GPROTO= 1\r\n";
-  tells(params = {0, 15, "", "12", "x", 2, ""}, "SENDPLS must have an integer value greater than 0");
-  tells(params.SENDPLS = 1, "REPEAT must have an integer value greater than 16 (or 0)");
-  tells(params.REPEAT = 16, "GREPEAT must have an integer value greater than 16 (or 0 or 1)");
-  tells(params.GREPEAT = 15, "GREPEAT must have an integer value greater than 16 (or 0 or 1)");
-  tells(params.GREPEAT = 90, "BITx must not be empty, if no BITG, then BITG=0");
-  tells(params.BIT0 = "2", cannot + "\",\" character!");
-  tells(draft.Description = "a [c] GPROTO= 1\r\n", cannot + "\"[\" character!");
-  tells(draft.Description = "GPROTO= 1\r\n", "Description must be a single line");
-  tells(draft.Description = "a gproto= 1", cannot + "\"GPROTO=\"!");
-  tells(draft.Description = "a # b", "BITG must have a binary value");
-  tells(params.BITG = "1", "BIT0 must have a binary value");
-  tells(params.BIT0 = "0", "BIT1 must have a binary value");
-  tells(params.BIT1 = "01", "");
-}
-
-TEST(ProtocolEdit, LetsASyncRepeatAfterTheSilenceOfTheFrame) {
-  for (const auto& [repeat, gRepeat, stored] : std::vector<std::array<std::int16_t, 3>>{
-           {40, 90, 40}, {90, 40, 90}, {40, 16, 16}, {16, 90, 90}, {40, -5, -5}, {0, 90, 90}}) {
-    ProtocolDraft draft = Draft();
-    draft.Params.REPEAT = repeat;
-    draft.Params.GREPEAT = gRepeat;
-    EXPECT_EQ(RefusalText(CheckProtocolDraft(draft)), "");
-    EXPECT_EQ(draft.Params.GREPEAT, stored) << repeat << ' ' << gRepeat;
-  }
-}
-
 TEST(ProtocolEdit, ReadsNoDamagedSection) {
   const std::string whole = Config(Protocol("Mine", {"G1010,POWER"}) + Protocol("Next", {"G1011,POWER"}));
   ASSERT_TRUE(LoadProtocol(whole, "mine"));

@@ -64,33 +64,6 @@ TEST(ReadSettings, TakesTheKeysInTheirOrderUpToTheFirstThatIsMissing) {
   }
 }
 
-TEST(CheckConfig, TellsWhatIsWrongAndWhere) {
-  const auto check = [](const std::string& text, const std::string& told) {
-    Stored stored(kNec);
-    stored.Store.CfgText = text;
-    const std::string damage = CheckConfig(stored.Store);
-    EXPECT_EQ(damage.empty(), told.empty()) << damage;
-    EXPECT_NE(damage.find(told), std::string::npos) << told << ": " << damage;
-    EXPECT_TRUE(told.empty() || damage.rfind("/home/keplo.cfg: ", 0) == 0) << damage;
-  };
-  for (const std::string row :
-       {"[END]|[END]|", "[END]||[END] was not found", "[END]|[End]|[END], in capitals, was not found",
-        "[General]|[Gen]|[General] was not found.", "COMPORT=|COMPORT|COMPORT= was not found behind line 1",
-        "ITYPE=|TYPE=|ITYPE= was not found behind line 4",
-        "BIT0=|BIT=|BIT0= of [NEC] was not found behind line 14", "[Template]|(Template)|",
-        "a test|[a] test|GPROTO= of [NEC] was not found behind line 10",
-        "[Template]|[nec]|[NEC] in line 9 and [nec] in line 21 have the same name",
-        "[NEC]|[ NEC]|[NEC] in line 9 has a blank behind its [",
-        "ITYPE= 0\r|ITYPE= 0|line 5 does not end in CR LF",
-        "ITYPE= 0\r\n|ITYPE= 0\r|line 5 does not end in CR LF", "[END]\r\n|[END]\r|does not end in CR LF",
-        "[END]\r\n|[END]|"}) {
-    check(Replaced(kNec, Parts(row)[0], Parts(row)[1]), Parts(row)[2]);
-  }
-  check(Replaced(kNec, "a test", std::string(4000, '[')), "holds one [ after another");
-  check(WithoutCr(kNec), "line 1 does not end in CR LF");
-  check("", "[END] was not found");
-}
-
 TEST(SetGeneralValue, ChangesOneWholeLineOfTheFileOrNone) {
   const std::string text = Config(""), set = Replaced(text, "ITYPE= 0", "ITYPE= 12");
   const auto change = [](const std::string& file, const std::string& after) {

@@ -136,6 +136,8 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
        "0 1 1 1 0 [] 8 392/50 @41815; "},
       {"a lamp, sampled", kSampled, "p300000 w100 d m50 d q d w200000 d w101000 d p900,500,700,. w100 d m50",
        "0 [] 400/50 @22049; 1 rest 0 1 1 1 0 [] 15 9 13 363/50 @345106; " + kLamp},
+      {"a lamp when it is back", kSampled, "p9000000 w100 d m50 d g1000 w2000 d w2000000 g d",
+       "0 [] 400/50 @22049; 1 1 0 " + kLamp + kGone + " is back.;"},
       {"back again", kSampled, "d g1000 d w2000 d q w1990000 d g d w20000 d q p900,. d m50 s560",
        "1 1 1 rest 2000 1 1 1 rest 0 0 [] 17 383/50 @2033985; sent " + kGone + " is back.;"},
       {"a sampled recording", kSampled, "p900,500,700,30000,600,400,600,. r50 r10 q",

@@ -10,7 +10,7 @@
 #include "line/port_check.h"
 #include "line/slot_clock.h"
 #include "line_script.h"
-#include "press_builder.h"
+#include "signal/analysis.h"
 
 namespace keplo {
 namespace {
@@ -105,31 +105,7 @@ struct LircLineTest : ::testing::Test {
       Device, "/dev/lirc0", Receiver, {}, [this](const std::string& text) { Told.push_back(text); }};
 
   void SetUp() override { ASSERT_EQ(Line.OpenCom(1), 1); }
-  /// Ticks until a capture, as a monitor does.
-  std::string Heard() {
-    for (int tick = 0; Line.DCD() == 1; ++tick) {
-      if (tick == 2000) return "nothing";
-      Device.Time += milliseconds(2);
-    }
-    std::string capture(kMonitorCaptureBytes, '\0');
-    Line.IRMonitor(capture, 10);
-    SignalState state;
-    const MonitorReading reading = ReadCapture(capture, state, Analysis::Second);
-    return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
-  }
 };
-
-TEST_F(LircLineTest, HearsPressesWhateverTheDeviceTellsAmongTheirLengths) {
-  for (const std::uint32_t timeout : {16'000U, 125'000U, 500'000U}) {
-    for (const auto& [kind, bits] : {std::pair(kNec, tests::kNecBits), {kSony, tests::kSonyBits}}) {
-      Device.Play(tests::Clean(kind, bits), timeout);
-      Device.Coming.insert(Device.Coming.begin() + 4,
-                           {Device.Coming[3].first, LIRC_MODE2_FREQUENCY | 38'000U});
-      EXPECT_EQ(Heard(), bits) << "time-out " << timeout;
-      Device.Time += milliseconds(700);
-    }
-  }
-}
 
 /// What a line makes of a script. In a play stand o for an overflow and c for a carrier in place of lengths,
 /// and ahead of it, with a colon, may stand the time-out of the device in milliseconds, and w if it is told
@@ -232,14 +208,15 @@ TEST_F(LircLineTest, SendsLongSignalsInPartsThatBeginOnTime) {
     const char* Name;
     std::string Bytes;
     std::int32_t Pulse;
+    std::size_t Parts;
     std::size_t MostItems = 1023;
   };
   const std::string frame(30, '\xAA');
   const std::string half = std::string(15, '\xAA') + std::string(2, '\0');
   for (const Case& c :
-       {Case{"short", frame, 560}, Case{"gaps", frame + std::string(5, '\0') + frame, 1000},
-        Case{"short gaps", half + half + half + half, 1000}, Case{"many marks", std::string(300, '\xAA'), 50},
-        Case{"small device", frame, 560, 63}}) {
+       {Case{"short", frame, 560, 1}, Case{"gaps", frame + std::string(5, '\0') + frame, 1000, 2},
+        Case{"short gaps", half + half + half + half, 1000, 2},
+        Case{"many marks", std::string(300, '\xAA'), 50, 3}, Case{"small device", frame, 560, 4, 63}}) {
     Device.Sent.clear();
     Device.MostItems = c.MostItems;
     Line.IRSend(c.Bytes, c.Pulse, 0);
@@ -259,6 +236,7 @@ TEST_F(LircLineTest, SendsLongSignalsInPartsThatBeginOnTime) {
       EXPECT_LT(at - (start - Device.Sent[0].first), milliseconds(500)) << c.Name;
     }
     EXPECT_EQ(mark, ideal.size()) << c.Name;
+    EXPECT_EQ(Device.Sent.size(), c.Parts) << c.Name;
     EXPECT_TRUE(Line.Sent());
   }
 }

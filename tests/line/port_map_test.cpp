@@ -22,36 +22,6 @@ std::string Text(const PortMap& map) {
   return text;
 }
 
-TEST(PortMap, KeepsTheLinesBesideAMistake) {
-  EXPECT_EQ(
-      Text(ParsePortMap("\xEF\xBB\xBF# mine\n9 = lirc:/dev/lirc0\r\n\n 1=serial:/dev/serial/by-id/x # board\n"
-                        "30 = replay:a.mode2 b.mode2\n4 = mqtt:house/# # all\n"
-                        "5=mqtt:$share/k/tele/+/RESULT send:cmnd/+/IRSend 1:bath 1:hall",
-                        "p")),
-      "1 serial /dev/serial/by-id/x|4 mqtt house/#|5 mqtt $share/k/tele/+/RESULT|9 lirc /dev/lirc0|"
-      "30 replay a.mode2 b.mode2 |");
-  EXPECT_EQ(Text(ParsePortMap("# 1 = serial:/dev/ttyS0\n", "p")), "");
-  const std::pair<std::string, std::string> mistakes[] = {
-      {"COM1 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
-      {"31 = serial:/dev/ttyS0", "expected a number from 1 to 30 in front of the equals sign"},
-      {"2 serial:/dev/ttyS0", "expected a line such as \"1 = serial:/dev/ttyS0\""},
-      {"2 = usb:/dev/ttyUSB0", "expected serial:, lirc:, mqtt: or replay: after the equals sign"},
-      {"2 = mqtt:a/b+/c",
-       "expected a topic after mqtt:, in which + and # stand for whole levels, and # for the last ones"},
-      {"2 = mqtt:a/# send:b/+",
-       "expected a topic behind send:, with a + for the room only where the first topic has one"},
-      {"2 = mqtt:a/+ 9:bath", "expected send:TOPIC, or a room such as 2:kitchen with a number from 1 to 8"},
-      {"2 = mqtt:a/+ 1:bath 2:bath", "room bath has a number already; expected another"},
-      {"2 = serial:/dev/ttyS1 /dev/ttyS2", "expected one device after serial:"},
-      {"2 = lirc:lirc0", "expected the path of a device after lirc:"},
-      {"2 = replay:", "expected the path of a recording after replay:"},
-      {"1 = serial:/dev/ttyS1", "port 1 has a line already; expected another number"}};
-  for (const auto& [line, expected] : mistakes) {
-    EXPECT_EQ(Text(ParsePortMap("1 = serial:/dev/ttyS0\n" + line, "p")),
-              "1 serial /dev/ttyS0|p:2: " + expected + "|");
-  }
-}
-
 TEST(PortMap, NumbersWhatTheMachineHas) {
   const tests::TempFolder folder;
   const auto tty = [&](const std::string& name, const std::string& type) {

@@ -10,7 +10,6 @@
 #include <thread>
 
 #include "doubles/temp_folder.h"
-#include "press_builder.h"
 #include "program/stop_signals.h"
 #include "signal/zone_link.h"
 #include "simulated_port.h"
@@ -23,29 +22,12 @@ using std::chrono::milliseconds;
 
 constexpr std::int32_t kDelay = 10;  // samples of 55 us
 
-LineOptions ReadBy(const Analysis& reader) {
-  LineOptions options;
-  options.ReadBy = &reader;
-  return options;
-}
-
-/// Each mark begins with a contact that bounces.
-PulseTrain Bouncing(const PulseTrain& press) {
-  PulseTrain bounced;
-  for (std::size_t i = 0; i < press.size(); ++i) {
-    if (i % 2 == 0) bounced.insert(bounced.end(), {30, 20, press[i] - 50});
-    if (i % 2 == 1) bounced.push_back(press[i]);
-  }
-  return bounced;
-}
-
 struct SerialLineTest : ::testing::Test {
   SimulatedPort Port;
   std::int16_t Receiver = 0;
-  Analysis Reader = Analysis::First;
   std::vector<std::string> Told;
-  SerialLine Line{Port, kSimulatedDevice, Receiver, ReadBy(Reader),
-                  [this](const std::string& text) { Told.push_back(text); }};
+  SerialLine Line{
+      Port, kSimulatedDevice, Receiver, {}, [this](const std::string& text) { Told.push_back(text); }};
 
   bool AtRest() { return Line.DCD() == (Receiver == 0 ? 1 : 0); }
   std::string Capture() {
@@ -53,36 +35,7 @@ struct SerialLineTest : ::testing::Test {
     Line.IRMonitor(capture, kDelay);
     return capture;
   }
-  std::string Heard() {
-    SignalState state;
-    const MonitorReading reading = ReadCapture(Capture(), state, Reader);
-    return reading.Ended == Stage::Code ? reading.Digits : std::string(StageName(reading.Ended));
-  }
 };
-
-TEST_F(SerialLineTest, HearsPressesThatBounceHoweverLateItLooksOrWakes) {
-  const std::pair<std::int16_t, std::string> presses[] = {
-      {kNec, kNecBits}, {kSony, kSonyBits}, {kRc5, kRc5Bits}};
-  for (const int round : {0, 1, 2, 3}) {
-    Receiver = static_cast<std::int16_t>(round % 2);
-    Reader = round < 2 ? Analysis::First : Analysis::Second;
-    Port.RestLevel = Receiver == 0;
-    Port.LateEvery = round == 0 ? 0 : 400;
-    Port.Late = microseconds(100);
-    ASSERT_EQ(Line.OpenCom(1), 1);
-    for (const auto& [kind, bits] : presses) {
-      for (const int unseen : {0, 700, 1700}) {
-        EXPECT_TRUE(AtRest());
-        Port.Play(round == 1 ? Bouncing(Clean(kind, bits, 130)) : Clean(kind, bits, 130));
-        Port.SleepUntil(Port.Now() + microseconds(unseen));
-        for (int tick = 0; tick < 3 && AtRest(); ++tick) Port.SleepUntil(Port.Now() + milliseconds(2));
-        EXPECT_EQ(Heard(), bits) << "round " << round << ", " << unseen << " us unseen";
-        Port.SleepUntil(Port.Now() + milliseconds(500));
-      }
-    }
-    EXPECT_EQ(Line.Losses().FilledSamples > 0, Port.LateEvery > 0);
-  }
-}
 
 TEST_F(SerialLineTest, FillsWhatItMissedSoThatNothingIsStretched) {
   ASSERT_EQ(Line.OpenCom(1), 1);
@@ -149,17 +102,6 @@ TEST_F(SerialLineTest, PutsSlotsOutOnTime) {
   ASSERT_EQ(Port.Written.size(), 3U) << "a mark is one write, so that it has no gap";
   EXPECT_EQ(Port.Written[0].second, std::string(29, '\x5B')) << "2,240 us of characters of 78.1 us";
   EXPECT_NEAR(static_cast<double>((Port.Written[1].first - Port.Written[0].first).count()), 12 * 560e3, 60e3);
-}
-
-TEST_F(SerialLineTest, RefusesPulsesThatWouldLeaveALightOn) {
-  ASSERT_EQ(Line.OpenCom(1), 1);
-  Port.Dtr.clear();
-  for (const std::int32_t pulse : {0, -5, 20'001}) {
-    Line.IRSend("\xFF", pulse, 0);
-    Line.IRSend("\xFF", pulse, 1);
-  }
-  EXPECT_TRUE(Port.Dtr.empty() && Port.Written.empty());
-  EXPECT_EQ(Told.size(), 1U);
 }
 
 TEST(SerialLine, LeavesAWaitForASignalToWhoeverEndsTheProgram) {

@@ -27,15 +27,6 @@ TEST(SynthPress, MakesTheFramesOfEachProtocol) {
   EXPECT_EQ(StartsOf(rc5), (Starts{0, 113'800}));
 }
 
-TEST(SynthPress, RefusesWhatNoRemoteSends) {
-  EXPECT_THROW(SynthPress(kCustom, "10", {}), std::invalid_argument);
-  EXPECT_THROW(SynthPress(kNec, "", {}), std::invalid_argument);
-  EXPECT_THROW(SynthPress(kNec, "102", {}), std::invalid_argument);
-  SynthOptions wild;
-  wild.JitterUs = -1;
-  EXPECT_THROW(SynthPress(kNec, "10", wild), std::invalid_argument);
-}
-
 /// Codes that the analysis can read: their shortest marks and spaces are not outnumbered.
 const std::vector<std::pair<std::int16_t, std::vector<std::string>>> kReadable = {
     {kNec, {"00100000110111110001000011101111", "00000001111111101101100000100111", "0000000000001"}},
