@@ -34,16 +34,22 @@ inline Played ReadPlayed(const std::string& text) {
   return played;
 }
 
-/// What a buffer got: the lengths that the line tells, those of the samples, and how many bytes.
-inline std::string Written(const Win32Ser& line, const std::string& buffer, std::chrono::nanoseconds start) {
-  const std::size_t bytes = buffer.find_last_not_of('\xAA') + 1;
-  const std::string samples = SamplesToBits(buffer.substr(0, bytes));
+/// The lengths of the runs of samples in a capture.
+inline std::vector<int> RunsOf(std::string_view capture) {
+  const std::string samples = SamplesToBits(capture);
   std::vector<int> runs;
   for (std::size_t at = 0; at < samples.size(); at += static_cast<std::size_t>(runs.back())) {
     const std::size_t end = std::min(samples.find_first_not_of(samples[at], at), samples.size());
     runs.push_back(static_cast<int>(end - at));
   }
-  std::string text = "[" + Joined(line.ToldLengths()) + "] " + Joined(runs) + "/" + std::to_string(bytes);
+  return runs;
+}
+
+/// What a buffer got: the lengths that the line tells, those of the samples, and how many bytes.
+inline std::string Written(const Win32Ser& line, const std::string& buffer, std::chrono::nanoseconds start) {
+  const std::size_t bytes = buffer.find_last_not_of('\xAA') + 1;
+  std::string text = "[" + Joined(line.ToldLengths()) + "] " +
+                     Joined(RunsOf(std::string_view(buffer).substr(0, bytes))) + "/" + std::to_string(bytes);
   const SignalOrigin* const origin = line.Origin();
   const auto since = [&](std::chrono::microseconds time) {
     return std::to_string((time - std::chrono::duration_cast<std::chrono::microseconds>(start)).count());

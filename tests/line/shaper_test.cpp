@@ -5,7 +5,7 @@
 #include <set>
 
 #include "line/shaping/clean_press.h"
-#include "line/shaping/hold_press.h"
+#include "line_script.h"
 #include "press_builder.h"
 #include "signal/timing.h"
 
@@ -24,12 +24,6 @@ PulseTrain Cleaned(const PulseTrain& press) {
   return clean;
 }
 
-PulseTrain Held(const PulseTrain& press, int holdMs = 250) {
-  PulseTrain held = {1, 2, 3};
-  HoldPress(press, holdMs, Space(), held);
-  return held;
-}
-
 PulseTrain Shaped(const PulseTrain& press, std::size_t bytes = kMonitorCaptureBytes) {
   PulseTrain shaped = {1, 2, 3};
   ShapePress(press, bytes, LineOptions{}, Space(), shaped);
@@ -37,7 +31,7 @@ PulseTrain Shaped(const PulseTrain& press, std::size_t bytes = kMonitorCaptureBy
 }
 
 /// Lengths in samples of 55 us of the runs of a frame: marks if begin is 0, spaces if it is 1.
-std::set<int> RunsOf(const PulseTrain& press, std::size_t begin) {
+std::set<int> LengthsOf(const PulseTrain& press, std::size_t begin) {
   const PulseTrain runs = FramesOf(press).front();
   std::set<int> lengths;
   for (std::size_t i = begin; i < runs.size(); i += 2) lengths.insert((runs[i] + 27) / 55);
@@ -53,8 +47,8 @@ TEST(ShapePress, UndoesTheMarkExcessAndTheJitter) {
       const PulseTrain press = SynthPress(kRc5, kRc5Bits, options);
       const PulseTrain shaped = Shaped(press);
       // 889 us are 16.2 samples of 55 us.
-      EXPECT_EQ(RunsOf(shaped, 0), (std::set{16, 17, 32})) << excess << ' ' << jitter;
-      EXPECT_EQ(RunsOf(shaped, 1), (std::set{16, 17, 32})) << excess << ' ' << jitter;
+      EXPECT_EQ(LengthsOf(shaped, 0), (std::set{16, 17, 32})) << excess << ' ' << jitter;
+      EXPECT_EQ(LengthsOf(shaped, 1), (std::set{16, 17, 32})) << excess << ' ' << jitter;
       const auto before = StartsOf(press);
       const auto after = StartsOf(shaped);
       for (std::size_t i = 0; i < after.size(); ++i)
@@ -62,23 +56,6 @@ TEST(ShapePress, UndoesTheMarkExcessAndTheJitter) {
       EXPECT_EQ(LengthOf(shaped), LengthOf(press));
     }
   }
-}
-
-TEST(ShapePress, LeavesOutAFrameThatTheBufferCuts) {
-  // SONY frames at 0, 45 and 90 ms, each about 18 ms long; silence for the frame's end needs 5.7 ms more.
-  for (const auto& [bytes, frames] : {std::pair{510U, 3U}, {230U, 2U}, {120U, 1U}, {10U, 1U}})
-    EXPECT_EQ(FramesOf(Shaped(Clean(kSony, kSonyBits), bytes)).size(), frames) << bytes;
-}
-
-TEST(ShapePress, LeavesAPressOfNoPlainLineCodeAsItIs) {
-  const std::vector<PulseTrain> presses = {
-      {},
-      {500},
-      {2666, 889, 444, 444, 444, 444, 444, 888, 444, 1332, 1332, 888, 444, 444, 444, 90000},  // three lengths
-      {300, 900, 300, 900, 300, 2100, 300, 900, 300, 2100, 300, 90000},  // marks short beyond any receiver
-      {560, 560, 560, 560, 560, 560, 560, 560, 560, 90000},              // all alike
-  };
-  for (const PulseTrain& press : presses) EXPECT_EQ(Shaped(press), press);
 }
 
 TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
@@ -133,31 +110,76 @@ TEST(CleanPress, LeavesOutWhatIsNoPartOfTheSignal) {
   for (const int run : Cleaned(endless)) EXPECT_LE(run, kLongestPulse);
 }
 
-TEST(HoldPress, SendsASingleFrameAtThePeriodOfItsProtocol) {
-  PulseTrain sony = FramesOf(Clean(kSony, kSonyBits)).front();
-  sony.push_back(90'000);
-  const PulseTrain nec = Clean(kNec, kNecBits, 50, 0);
-  const std::string digits = std::string(56, '1') + std::string(56, '0');
-  const PulseTrain endless = Clean(kNec, digits, 0, 0);
-  struct Case {
-    std::string Name;
-    PulseTrain Press;
-    std::vector<std::int64_t> Starts;
+/// The lengths in samples that a line hands on of a press.
+std::string Sampled(const std::string& press, int holdMs, std::size_t bytes, double sampleTime) {
+  LineOptions options;
+  options.HoldMs = holdMs;
+  options.SampleTime = sampleTime;
+  return Joined(RunsOf(SignalOfPress(ReadPlayed(press).Lengths, bytes, options)));
+}
+
+TEST(SignalOfPress, IsOfWholeSamplesOnlyOfAPlainLineCode) {
+  const std::string sony = "2500,500,1300,500,700,480,1320,500,680,520,720,500,1280";
+  const std::string nec = "9060,4440,620,500,620,1630,640,480,620,1640,600,520,620";
+  const std::string rc5 = "950,830,950,830,1840,1720,950,830,1840";
+  const struct {
+    int HoldMs;
+    std::size_t Bytes;
+    double SampleTime;
+    std::string Press, Samples;
+  } rows[] = {
+      {0, 60, 55, sony, "44 11 21 11 11 11 22 11 11 11 11 11 22 272"},
+      {100, 230, 55, sony,
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 610 44 11 21 11 11 11 22 11 11 11 11 11 22 814"},
+      {0, 60, 55, nec, "164 82 11 11 10 30 10 10 10 31 10 10 11 80"},
+      {250, 510, 55, nec,
+       "164 82 11 11 10 30 10 10 10 31 10 10 11 1564 164 82 11 11 10 30 10 10 10 31 10 10 11 1716"},
+      {0, 60, 55, "8000,4000,620,500,620,1060,640,480,620,1040,600,520,620",
+       "144 74 11 11 10 20 10 10 10 20 10 10 11 129"},
+      {0, 60, 55, rc5, "17 17 16 16 32 32 16 16 32 286"},
+      {250, 510, 55, rc5, "17 17 16 16 32 32 16 16 32 1875 17 17 16 16 32 32 16 16 32 1817"},
+      {250, 510, 55, rc5 + ",20000," + rc5, "17 17 16 16 32 32 16 16 32 365 17 17 16 16 32 32 16 16 32 3327"},
+      {0, 60, 50, sony, "48 13 24 12 13 12 24 12 12 12 12 12 24 250"},
+      {0, 40, 149, sony, "21 5 8 4 5 4 8 4 4 4 4 4 8 237"},
+      {0, 40, 151, sony, "17 3 8 4 4 4 8 4 4 4 4 4 8 244"},
+      {0, 60, 55, "2500,500,1300,500,300,99,301,480,1320,500,680,520,720,500,1280",
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 272"},
+      {0, 60, 55, "2500,500,1300,500,300,100,300,480,1320,500,680,520,720,500,1280",
+       "45 10 23 9 6 2 5 9 24 9 12 10 13 9 23 271"},
+      {0, 60, 55, "999,3000," + sony, "44 11 21 11 11 11 22 11 11 11 11 11 22 272"},
+      {0, 60, 55, "1000,3000," + sony, "18 55 45 9 24 9 13 8 24 10 12 9 13 10 23 198"},
+      {0, 60, 55, "500,3000,1999,600,1200", "9 55 36 11 22 347"},
+      {0, 230, 55, sony.substr(9) + ",20000," + sony, "44 11 21 11 11 11 22 11 11 11 11 11 22 1632"},
+      {0, 230, 55, sony + ",20000,2500,500,1300,500,700,480,1320,500,",
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 1632"},
+      {250, 510, 55, "620,500,620,1630,640,480,620,1640,600,520,620",
+       "11 11 10 30 10 10 10 31 10 10 11 3926"},
+      {0, 230, 55, "350,830,950,830,1840,1720,950,830,1840,20000," + rc5,
+       "17 17 16 16 32 32 16 16 32 354 17 17 16 16 32 32 16 16 32 1098"},
+      {0, 120, 55, sony + ",20000," + sony,
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 365 44 11 21 11 11 11 22 11 11 11 11 11 22 179"},
+      {250, 230, 55, sony + ",6000," + sony,
+       "45 10 23 9 13 9 24 9 12 10 13 9 23 109 46 9 23 9 13 9 24 9 12 10 13 9 23 1313"},
+      {250, 230, 55, sony + ",6001," + sony,
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 110 44 11 21 11 11 11 22 11 11 11 11 11 22 1314"},
+      {0, 60, 55, nec + ",39000,9060,2200,620", "164 82 11 11 10 30 10 10 10 31 10 10 11 80"},
+      {0, 40, 55, "900,500,700", "16 9 13 282"},
+      {0, 40, 55, "560,560,560,560,560,560,560,560,560,9000", "10 10 11 10 10 10 10 10 11 228"},
+      {0, 40, 55, "300,900,300,900,300,2100,300,900,300,2100,300,9000", "5 17 5 17 5 38 6 16 6 38 5 162"},
+      {0, 40, 55, "2500,180,1620,180,1020,180,1620,180,1020,180,1020", "45 4 29 3 19 3 30 3 19 3 18 144"},
+      {0, 111, 55, sony + ",20000," + sony,
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 365 44 11 21 11 11 11 22 11 11 11 11 11 22 107"},
+      {0, 110, 55, sony + ",20000," + sony, "44 11 21 11 11 11 22 11 11 11 11 11 22 672"},
+      {110, 230, 55, sony + ",500,1280,500,1280,500,1280,500,1280,500,1280,500,1280,500,1280,500,1280",
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 11 22 11 22 11 21 11 22 10 22 11 22 11 22 11 21 363 44 11 21 "
+       "11 11 11 22 11 11 11 11 11 22 11 22 11 22 11 21 11 22 10 22 11 22 11 22 11 21 539"},
+      {0, 60, 55, "850,830,950,830,1840,1720,950,830,1840", "17 17 16 16 32 32 16 16 32 286"},
+      {0, 230, 55, sony + ",20000,2500,500,1300,500,1100,480,1320,500,680,520,720,500,1280,20000," + sony,
+       "44 11 21 11 11 11 22 11 11 11 11 11 22 365 44 11 21 11 22 11 22 11 11 11 11 11 22 361 44 11 21 11 11 "
+       "11 22 11 11 11 11 11 22 479"},
   };
-  const std::vector<Case> cases = {
-      {"NEC", nec, {0, 108'000, 216'000}},
-      {"RC5", Clean(kRc5, kRc5Bits, 50, 0), {0, 113'800, 227'600}},
-      {"SONY", sony, {0, 45'000, 90'000, 135'000, 180'000, 225'000}},
-      {"longer than its period", endless, {0, LengthOf(FramesOf(endless).front()) + 20'000}},
-      {"several frames", Clean(kNec, kNecBits, 0, 1), {0, 108'000}},
-      // Sent twice it would be read as a code of 28 bits.
-      {"without its leader", {nec.begin() + 10, nec.end()}, {0}},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(StartsOf(Held(c.Press)), c.Starts) << c.Name;
-    EXPECT_EQ(FramesOf(Held(c.Press)).front(), FramesOf(c.Press).front()) << c.Name;
-    EXPECT_EQ(Held(c.Press, 0), c.Press) << c.Name;
-  }
+  for (const auto& row : rows)
+    EXPECT_EQ(Sampled(row.Press, row.HoldMs, row.Bytes, row.SampleTime), row.Samples) << row.Press;
 }
 
 }  // namespace
