@@ -28,23 +28,16 @@ double BodyReader::RoughUnit(const PressRuns& runs) {
 void BodyReader::CountRuns(RunSpan runs, int longest) {
   marks_.Clear();
   spaces_.Clear();
-  for (std::size_t i = 1; i < runs.size(); i += 2) {
-    marks_.Count(std::min(runs[i - 1], longest));
-    spaces_.Count(std::min(runs[i], longest));
-  }
-  if (runs.size() % 2 != 0) marks_.Count(std::min(runs.back(), longest));
+  if (runs.empty()) return;
+  marks_.CountEveryOther(runs, longest);
+  spaces_.CountEveryOther(runs.subspan(1), longest);
 }
 
 Body BodyReader::Read(const Piece& piece, std::size_t skipped) {
-  Body body;
-  body.First = piece.First + skipped;
-  body.Size = piece.Size - skipped;
-  body.SampleTime = sampleTime_;
-  CountRuns({body.First, body.Size}, std::numeric_limits<int>::max());
-  body.Unit = UnitOf(body.Size);
-  body.Marks = marks_.Groups(body.Unit);
-  body.Spaces = spaces_.Groups(body.Unit);
-  return body;
+  const RunSpan runs = RunSpan(piece.First, piece.Size).subspan(skipped);
+  CountRuns(runs, std::numeric_limits<int>::max());
+  const double unit = UnitOf(runs.size());
+  return {runs.data(), runs.size(), unit, sampleTime_, marks_.Groups(unit), spaces_.Groups(unit)};
 }
 
 double BodyReader::UnitOf(std::size_t runs) const {

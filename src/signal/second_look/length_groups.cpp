@@ -12,9 +12,10 @@ constexpr double kSpreadUnits = 0.7;  // between runs of one length: 50 us of ji
 constexpr double kClearSteps = 0.4;   // of the way between two lengths that has no run, with 25 us
 
 /// Jitter of an edge, 25 us in bad remotes, and the sample grid spread equal runs over five samples.
-bool IsTight(const Length& length, double unit) {
-  const double spread = length.Most - length.Least;
-  return spread <= std::max({5.0, kSpreadUnits * std::min(unit, length.Mean), 0.35 * length.Mean});
+/// @param mean of the runs
+bool IsTight(int spread, double mean, double unit) {
+  constexpr int kUsualSpread = 5;
+  return spread <= kUsualSpread || spread <= std::max(kSpreadUnits * std::min(unit, mean), 0.35 * mean);
 }
 
 /// Runs of neighbouring lengths that are being added up.
@@ -28,27 +29,50 @@ struct Group {
     Runs += runs;
     Sum += std::int64_t{length} * runs;
   }
-  Length Of() const { return {Least, Most, static_cast<double>(Sum) / Runs}; }
+  double Mean() const { return static_cast<double>(Sum) / Runs; }
+  /// Whether it may turn out to be tight: a longer run adds more to the spread than to what the mean allows.
+  bool MayBeTight(double unit) const { return IsTight(Most - Least, Most, unit); }
 };
 
 }  // namespace
 
-void LengthCounts::Grow(std::size_t place) {
-  occupied_.resize(place / kBits + 1);
-  counts_.resize(occupied_.size() * kBits);
+void LengthCounts::CountEveryOther(RunSpan runs, int longest) {
+  std::uint64_t occupied = 0;  // of the first word, into which nearly all lengths fit
+  for (std::size_t i = 0; i < runs.size(); i += 2) {
+    const auto length = static_cast<std::size_t>(runs[i]);
+    if (length < kBits) {
+      occupied |= std::uint64_t{1} << length;
+      ++counts_[length];
+    } else {
+      CountLong(static_cast<std::size_t>(std::min(runs[i], longest)));
+    }
+  }
+  occupied_.front() |= occupied;
+}
+
+void LengthCounts::CountLong(std::size_t length) {
+  if (length >= counts_.size()) {
+    occupied_.resize(length / kBits + 1);
+    counts_.resize(occupied_.size() * kBits);
+  }
+  ++counts_[length];
+  const std::size_t word = length / kBits;
+  occupied_[word] |= std::uint64_t{1} << length % kBits;
+  words_ = std::max(words_, word + 1);
 }
 
 void LengthCounts::Clear() {
-  for (std::size_t word = 0; word < occupied_.size(); ++word) {
+  for (std::size_t word = 0; word < words_; ++word) {
     for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1)
       counts_[word * kBits + static_cast<std::size_t>(std::countr_zero(bits))] = 0;
     occupied_[word] = 0;
   }
+  words_ = 1;
 }
 
 int LengthCounts::LowerQuartile(std::size_t all) const {
   std::size_t seen = 0;
-  for (std::size_t word = 0; word < occupied_.size(); ++word) {
+  for (std::size_t word = 0; word < words_; ++word) {
     for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1) {
       const std::size_t length = word * kBits + static_cast<std::size_t>(std::countr_zero(bits));
       seen += static_cast<std::size_t>(counts_[length]);
@@ -63,17 +87,18 @@ Lengths LengthCounts::Groups(double unit) const {
   Lengths lengths;
   Group group;
   const auto close = [&] {
-    const Length length = group.Of();
-    if (lengths.Number == Lengths::kMost || !IsTight(length, unit)) return false;
-    lengths.Of.at(lengths.Number++) = length;
+    const double mean = group.Mean();
+    if (lengths.Number == Lengths::kMost || !IsTight(group.Most - group.Least, mean, unit)) return false;
+    lengths.Of.at(lengths.Number++) = {group.Least, group.Most, mean};
     group = {};
     return true;
   };
-  for (std::size_t word = 0; word < occupied_.size(); ++word) {
+  for (std::size_t word = 0; word < words_; ++word) {
     for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1) {
       const auto length = static_cast<int>(word * kBits) + std::countr_zero(bits);
       if (group.Runs > 0 && length - group.Most >= step && !close()) return {};
       group.Add(length, counts_[static_cast<std::size_t>(length)]);
+      if (!group.MayBeTight(unit)) return {};
     }
   }
   if (group.Runs > 0 && !close()) return {};

@@ -3,7 +3,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
+
+#include "signal/runs.h"
 
 namespace keplo::robust {
 
@@ -22,18 +25,19 @@ struct Lengths {
   const Length& Short() const { return Of[0]; }
   const Length& Long() const { return Of[1]; }
   const Length& Longest() const { return Of.at(Number - 1); }
-  bool IsLong(int run) const { return Number == 2 && 2 * run > Short().Most + Long().Least; }
+  /// The shortest run that is rather one of the longer length; of one length or more than two none is.
+  int LeastLong() const {
+    return Number == 2 ? (Short().Most + Long().Least) / 2 + 1 : std::numeric_limits<int>::max();
+  }
+  bool IsLong(int run) const { return run >= LeastLong(); }
 };
 
 /// Counts the runs of each length; keeps its memory from one piece of a press to the next.
 class LengthCounts {
  public:
-  void Count(int length) {
-    const auto place = static_cast<std::size_t>(length);
-    if (place >= counts_.size()) Grow(place);
-    ++counts_[place];
-    occupied_[place / kBits] |= std::uint64_t{1} << place % kBits;
-  }
+  /// Counts the first of some runs and every other one after it.
+  /// @param longest what a longer one counts as; 64 or more
+  void CountEveryOther(RunSpan runs, int longest);
   void Clear();
 
   /// A quarter of the runs are no longer than this; 0 without runs.
@@ -47,10 +51,11 @@ class LengthCounts {
  private:
   static constexpr std::size_t kBits = 64;
 
-  void Grow(std::size_t place);
+  void CountLong(std::size_t length);
 
-  std::vector<int> counts_;
-  std::vector<std::uint64_t> occupied_;  // a bit for each length that occurs
+  std::vector<int> counts_ = std::vector<int>(kBits);
+  std::vector<std::uint64_t> occupied_ = {0};  // a bit for each length that occurs
+  std::size_t words_ = 1;                      // of these that hold any
 };
 
 /// From the shorter of two lengths to the longer, samples; free of excess.
