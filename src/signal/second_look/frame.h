@@ -23,19 +23,21 @@ enum class LeaderKind : std::uint8_t {
 
 /// Symbols of a run.
 struct RunText {
-  static constexpr std::size_t kMost = 3;
+  static constexpr std::size_t kRoom = 4;  // they are written as one number
 
   constexpr explicit RunText(std::string_view text) : Size(text.size()) {
     for (std::size_t i = 0; i < Size; ++i) Symbols[i] = text[i];
   }
 
-  std::array<char, kMost> Symbols{};
+  std::array<char, kRoom> Symbols{};
   std::size_t Size;
 };
 
-/// Symbols of a short and a long run.
+/// Symbols of runs.
 struct RunAlphabet {
-  RunText ShortMark, LongMark, ShortSpace, LongSpace;
+  using ShortAndLong = std::array<RunText, 2>;
+
+  ShortAndLong Marks, Spaces;
 };
 
 /// One whole frame.

@@ -12,7 +12,7 @@ namespace {
 //     __    __ __       __
 //  __|  |__|     |__ __|
 
-constexpr RunAlphabet kBiphaseAlphabet = {RunText("1"), RunText("11"), RunText("0"), RunText("00")};
+constexpr RunAlphabet kBiphaseAlphabet = {{RunText("1"), RunText("11")}, {RunText("0"), RunText("00")}};
 constexpr std::size_t kBiphaseDigits = 14;
 
 /// Digits of the half bits in whole pairs; 0 if a run stands for both halves of a digit.

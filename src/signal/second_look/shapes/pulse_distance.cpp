@@ -17,8 +17,9 @@ namespace {
 //   ________________        _     _           _     _
 //  |                |______| |___| |_________| |___| |
 
-constexpr RunAlphabet kDistanceAlphabet = {RunText("1"), RunText("1"), RunText("0"), RunText("000")};
-constexpr RunAlphabet kLongDistanceAlphabet = {RunText("1"), RunText("1"), RunText("000"), RunText("000")};
+constexpr RunAlphabet kDistanceAlphabet = {{RunText("1"), RunText("1")}, {RunText("0"), RunText("000")}};
+constexpr RunAlphabet kLongDistanceAlphabet = {{RunText("1"), RunText("1")},
+                                               {RunText("000"), RunText("000")}};
 
 Frame DistanceFrame(const Body& body, double unit, const RunAlphabet& alphabet) {
   Frame frame;

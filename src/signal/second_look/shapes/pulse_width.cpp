@@ -13,8 +13,8 @@ namespace {
 //   ____________     ___      _______      ___
 //  |            |___|   |____|       |____|   |
 
-constexpr RunAlphabet kWidthAlphabet = {RunText("1"), RunText("11"), RunText("0"), RunText("0")};
-constexpr RunAlphabet kLongWidthAlphabet = {RunText("11"), RunText("11"), RunText("0"), RunText("0")};
+constexpr RunAlphabet kWidthAlphabet = {{RunText("1"), RunText("11")}, {RunText("0"), RunText("0")}};
+constexpr RunAlphabet kLongWidthAlphabet = {{RunText("11"), RunText("11")}, {RunText("0"), RunText("0")}};
 
 Frame WidthFrame(const Body& body, double unit, const RunAlphabet& alphabet) {
   Frame frame;
