@@ -7,6 +7,7 @@
 namespace keplo::robust {
 
 bool Frame::SameCode(const Frame& other) const {
+  if (this == &other) return true;
   if (Shape != other.Shape) return false;
   if (HasLeader() && other.HasLeader() && (Head != other.Head || !Led.IsLike(other.Led))) return false;
   if (Symbols == other.Symbols) return true;

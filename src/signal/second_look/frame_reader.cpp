@@ -68,25 +68,21 @@ bool IsCutOff(const Piece& piece, const Body& body) {
   return piece.After < 1.25 * longest + 2;
 }
 
-int LongestMark(const Piece& piece, std::size_t first) {
-  int longest = 0;
-  for (std::size_t i = first; i < piece.Size; i += 2) longest = std::max(longest, piece.First[i]);
-  return longest;
-}
-
-/// Whether a mark is one that could lead a piece.
-bool StandsOut(const Piece& mark, const Piece& piece) {
-  return mark.First[0] >= kLeaderOverMarks * LongestMark(piece, 0);
+/// Whether a mark is one that could lead the runs of a piece from one of its marks on.
+bool StandsOut(int mark, const Piece& piece, std::size_t first) {
+  for (std::size_t i = first; i < piece.Size; i += 2) {
+    if (mark < kLeaderOverMarks * piece.First[i]) return false;
+  }
+  return true;
 }
 
 }  // namespace
 
-bool HasLeaderInside(const Piece& piece) {
-  return piece.Size >= 5 && piece.First[0] >= kLeaderOverMarks * LongestMark(piece, 2);
-}
+bool HasLeaderInside(const Piece& piece) { return piece.Size >= 5 && StandsOut(piece.First[0], piece, 2); }
 
 bool LeadsFrame(const Piece& before, const Piece& piece) {
-  return before.IsSingle() && before.After <= kOffLeader * before.First[0] && StandsOut(before, piece);
+  return before.IsSingle() && before.After <= kOffLeader * before.First[0] &&
+         StandsOut(before.First[0], piece, 0);
 }
 
 const Findings& FrameReader::Read(const PressRuns& runs, double unit) {
@@ -104,6 +100,7 @@ const Findings& FrameReader::Read(const PressRuns& runs, double unit) {
   found_.Others.clear();
   afterFrame_ = false;
   ReadPieces();
+  MeasureOthers();
   LeaveOutPieces();
   return found_;
 }
@@ -152,12 +149,21 @@ std::size_t FrameReader::PiecesOfHeldSign() const {
 
 void FrameReader::TakeOther(const Piece& piece) {
   if (piece.Size > kMostRuns) return found_.Others.push_back({piece});
-  const Body body = bodies_.Read(piece, HasLeaderInside(piece) ? 2 : 0);
   // The space after a leader may be longer than one that parts frames.
   const double rest = piece.IsSingle() ? kOffLeader * piece.First[0] : kGapUnits * unit_;
   const bool cut = place_ + 1 == pieces_.size() && piece.After <= rest;
   if (cut && SingleLeader()) found_.Others.pop_back();
-  found_.Others.push_back({piece, cut, body.LengthsAreDistinct()});
+  found_.Others.push_back({piece, cut});
+}
+
+/// Noise has many pieces and no frame: only beside a frame is it asked what they are.
+void FrameReader::MeasureOthers() {
+  if (found_.Frames.empty()) return;
+  for (OtherPiece& other : found_.Others) {
+    const Piece& piece = other.Of;
+    if (piece.Size > kMostRuns) continue;
+    other.IsClean = bodies_.Read(piece, HasLeaderInside(piece) ? 2 : 0).LengthsAreDistinct();
+  }
 }
 
 /// A line that is looked at now and then begins a capture up to 2 ms after the first edge.
@@ -182,12 +188,13 @@ std::optional<Leader> FrameReader::SingleLeader() const {
 bool FrameReader::MayLackFront(const Frame& frame) const {
   if (place_ == 0 || !frame.Shape->BeginsAtLeader) return false;
   const Piece& piece = pieces_[place_];
-  if (pieces_[place_ - 1].IsSingle() && StandsOut(pieces_[place_ - 1], piece)) return true;
+  const Piece& last = pieces_[place_ - 1];
+  if (last.IsSingle() && StandsOut(last.First[0], piece, 0)) return true;
   if (!frame.Shape->HalvesLookWhole) return false;
   for (std::size_t place = place_; place > 0; --place) {
     const Piece& before = pieces_[place - 1];
     if (before.After >= frame.Shape->RestUnits * frame.Unit) return false;
-    if (StandsOut(before, piece)) return true;
+    if (StandsOut(before.First[0], piece, 0)) return true;
     if (before.Size / 2 + 1 >= kShortestPiece) return false;
   }
   return false;
@@ -244,10 +251,8 @@ void FrameReader::LeaveOutPieces() {
   if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
   auto kept = frames.begin();
   for (const Frame& frame : frames) {
-    const bool follows = std::any_of(frames.begin(), kept, [&](const Frame& before) {
-      return before.HasLeader() && before.SameCode(frame);
-    });
-    if (frame.HasLeader() || !frame.Shape->BeginsAtLeader || follows) {
+    const auto isSame = [&](const Frame& before) { return before.HasLeader() && before.SameCode(frame); };
+    if (frame.HasLeader() || !frame.Shape->BeginsAtLeader || std::any_of(frames.begin(), kept, isSame)) {
       *kept++ = frame;
     } else {
       found_.Others.push_back({{frame.First, frame.Runs, 0}, false, true});

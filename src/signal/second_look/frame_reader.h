@@ -14,7 +14,7 @@ namespace keplo::robust {
 struct OtherPiece {
   Piece Of;
   bool IsCut = false;    // by the end of the capture
-  bool IsClean = false;  // its runs fall into lengths
+  bool IsClean = false;  // its runs fall into lengths; told beside frames only
 };
 
 /// Everything that was found in a capture.
@@ -54,6 +54,7 @@ class FrameReader {
   void TakeUnread(const Piece& piece, const Body& body, bool hasLeader);
   std::size_t PiecesOfHeldSign() const;
   void TakeOther(const Piece& piece);
+  void MeasureOthers();
   void WriteSymbols(Frame& frame, const Body& body);
   void LeaveOutPieces();
 

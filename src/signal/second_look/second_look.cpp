@@ -61,11 +61,12 @@ std::optional<int> RestOfFrames(const PressRuns& runs) {
   const RunSpan lengths = runs.Lengths;
   if (lengths.size() < kFewestRuns) return std::nullopt;
   if (lengths[0] <= kLongestMark && Within(lengths[1], kLeastRest, kLongestRest)) return lengths[1];
-  const int longest = *std::max_element(lengths.begin(), lengths.end());
+  int longest = 0;
+  for (const int length : lengths) longest = std::max(longest, length);
+  if (!Within(longest, kLeastRest, kLongestRest)) return std::nullopt;
   const auto rests =
       std::count_if(lengths.begin(), lengths.end(), [&](int length) { return length >= kOfRest * longest; });
-  return rests >= kFewestRests && Within(longest, kLeastRest, kLongestRest) ? std::optional(longest)
-                                                                            : std::nullopt;
+  return rests >= kFewestRests ? std::optional(longest) : std::nullopt;
 }
 
 /// Whether nothing but equal frames was found, each after a mark and a rest. Such a rest is as long as the
