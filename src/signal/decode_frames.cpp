@@ -1,6 +1,8 @@
 #include "signal/decode_frames.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 #include "signal/rc6.h"
 #include "signal/timing.h"
@@ -92,20 +94,24 @@ void DecodePulseWidthFrames(std::string_view symbols, std::string& decoded) {
 
 /// What a pair of half bits means, and how many symbols it takes.
 struct HalfPair {
+  static constexpr std::size_t kRoom = 4;  // what it means is written as one number
+
   char First, Second;
-  std::string_view Decoded;
+  std::size_t Size;  // of what it means
+  std::array<char, kRoom> Decoded;
   std::size_t Step;
 };
 
-constexpr HalfPair kNoPair = {'?', '?', "", 2};
+constexpr HalfPair kNoPair = {'?', '?', 0, {""}, 2};
 constexpr HalfPair kHalfPairs[] = {
-    {'1', '0', "0", 2},
-    {'0', '1', "1", 2},
-    {'1', 'g', "0G1", 3},  // a last digit whose second half ran into the gap; the 1 after it opens the next
-                           // frame
-    {'g', '1', "G1", 2},   // a gap, and the half that opens the next frame; its first half is part of the gap
-    {'0', '0', "x", 2},
-    {'1', '1', "y", 2},
+    {'1', '0', 1, {"0"}, 2},
+    {'0', '1', 1, {"1"}, 2},
+    // A last digit whose second half ran into the gap; the 1 after it opens the next frame.
+    {'1', 'g', 3, {"0G1"}, 3},
+    // A gap, and the half that opens the next frame; its first half is part of the gap.
+    {'g', '1', 2, {"G1"}, 2},
+    {'0', '0', 1, {"x"}, 2},
+    {'1', '1', 1, {"y"}, 2},
 };
 
 const HalfPair& MeaningOf(char first, char second) {
@@ -120,13 +126,16 @@ void DecodeBiphaseFrames(std::string_view symbols, std::string& decoded) {
   const auto half = [&](std::size_t offset) {
     return offset >= symbols.size() || IsMark(symbols[offset]) ? 'g' : symbols[offset];
   };
-  decoded = "G1";
-  std::size_t offset = 2;
-  while (offset < symbols.size() + kAfter) {
+  // No pair means more characters than it has symbols.
+  decoded.resize(symbols.size() + kAfter + HalfPair::kRoom);
+  char* end = std::copy_n("G1", 2, decoded.data());
+  for (std::size_t offset = 2; offset < symbols.size() + kAfter;) {
     const HalfPair& pair = MeaningOf(half(offset), half(offset + 1));
-    decoded += pair.Decoded;
+    std::memcpy(end, pair.Decoded.data(), HalfPair::kRoom);
+    end += pair.Size;
     offset += pair.Step;
   }
+  decoded.resize(static_cast<std::size_t>(end - decoded.data()));
 }
 
 void DecodeRc6Frames(std::string_view symbols, std::string& decoded) {

@@ -163,13 +163,16 @@ void WalkRecording(RunSpan runs, int baseT, RecordedRuns& walked) {
   walked.Ones.resize(whole - whole / 2);
   walked.Zeros.resize(whole / 2);
   SymbolWriter symbols(walked.Symbols, whole);
-  for (std::size_t pair = 0; pair < walked.Ones.size(); ++pair) {
-    const int mark = walked.Ones[pair] = runs[2 * pair];
+  // Symbols are characters, which might change any member that they are written beside of.
+  int* const ones = walked.Ones.data();
+  int* const zeros = walked.Zeros.data();
+  for (std::size_t pair = 0; pair < whole / 2; ++pair) {
+    const int mark = ones[pair] = runs[2 * pair];
     symbols.Mark(mark, baseT);
-    if (pair == walked.Zeros.size()) break;
-    const int space = walked.Zeros[pair] = runs[2 * pair + 1];
+    const int space = zeros[pair] = runs[2 * pair + 1];
     symbols.Space(space, baseT);
   }
+  if (whole % 2 != 0) symbols.Mark(ones[whole / 2] = runs[whole - 1], baseT);
   if (!runs.empty() && !EndsInMark(runs) && runs.back() > kClosingSilence) symbols.Border('g');
 }
 
