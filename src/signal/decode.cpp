@@ -20,10 +20,9 @@ std::uint64_t PlacesOf(char symbol, std::string_view text) {
 }
 
 /// A digit for each run of a symbol: 1 for a run of several, 0 for a single one.
-void DecodeLengths(std::string_view frame, char symbol, std::string& code) {
+/// @return the place after the digits written
+char* WriteLengths(std::string_view frame, char symbol, char* end) {
   constexpr std::size_t kAtOnce = 64;
-  code.resize(frame.size());
-  char* end = code.data();
   std::uint64_t before = 0;
   for (std::size_t first = 0; first < frame.size(); first += kAtOnce) {
     const std::uint64_t places = PlacesOf(symbol, frame.substr(first, kAtOnce));
@@ -33,7 +32,12 @@ void DecodeLengths(std::string_view frame, char symbol, std::string& code) {
       *end++ = (several >> std::countr_zero(begins) & 1U) != 0 ? '1' : '0';
     before = places >> (kAtOnce - 1);
   }
-  code.resize(static_cast<std::size_t>(end - code.data()));
+  return end;
+}
+
+void DecodeLengths(std::string_view frame, std::int16_t kind, std::string& code) {
+  code.resize(frame.size() / 2 + 1);
+  code.resize(static_cast<std::size_t>(WriteDigits(frame, kind, code.data()) - code.data()));
 }
 
 void DecodeBiphase(std::string_view frame, std::string& code) {
@@ -91,16 +95,18 @@ std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind) {
   return frame[kFirstHalf] == '0';
 }
 
+char* WriteDigits(std::string_view frame, std::int16_t kind, char* end) {
+  return WriteLengths(frame, kind == kSony ? '1' : '0', end);
+}
+
 void DecodeCode(std::string_view frame, std::int16_t kind, std::string& code) {
   switch (kind) {
     case kRc6:
       return DecodeRc6(frame, code);
-    case kSony:
-      return DecodeLengths(frame, '1', code);
     case kRc5:
       return DecodeBiphase(frame, code);
     default:
-      return DecodeLengths(frame, '0', code);
+      return DecodeLengths(frame, kind, code);
   }
 }
 

@@ -25,6 +25,11 @@ inline constexpr std::size_t kToggleBitOffset = 2;
 /// The digit at that place of a frame, which DecodeCode leaves out; nothing in a frame that has none.
 std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind);
 
+/// Writes the digits of a frame of pulse distance or width, one at most for two symbols and one more.
+/// @param kind SONY is pulse width, any other pulse distance
+/// @return the place after them
+char* WriteDigits(std::string_view frame, std::int16_t kind, char* end);
+
 /// Decodes one frame of 1 and 0 symbols into its code digits.
 /// @param kind generic protocol; any other than SONY and RC5 is read as pulse distance
 /// @param code replaced by the digits without the leading G; empty for a frame that is not valid biphase

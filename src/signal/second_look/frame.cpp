@@ -15,6 +15,10 @@ bool Frame::SameCode(const Frame& other) const {
   return Shape->HasToggle && DecodeCode(Symbols, Kind()) == DecodeCode(other.Symbols, Kind());
 }
 
+FrameDigits::FrameDigits(const Frame& frame)
+    : size_(static_cast<std::size_t>(WriteDigits(frame.Symbols, frame.Kind(), digits_.data()) -
+                                     digits_.data())) {}
+
 bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest) {
   const auto ones = std::count(digits.begin(), digits.end(), '1');
   return ones >= fewest && std::ssize(digits) - ones >= fewest;

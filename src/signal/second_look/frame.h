@@ -12,6 +12,8 @@ namespace keplo::robust {
 
 struct LineShape;
 
+inline constexpr std::size_t kMostRuns = 600;  // of one frame; more is noise
+
 /// Leaders of common protocols, their mark and space in base times.
 enum class LeaderKind : std::uint8_t {
   Other,
@@ -91,6 +93,19 @@ struct LineShape {
 };
 
 inline std::int16_t Frame::Kind() const { return Shape->Kind; }
+
+/// The digits of a frame of pulse distance or width. They are kept in place: what is asked of each press gets
+/// no memory for it.
+class FrameDigits {
+ public:
+  explicit FrameDigits(const Frame& frame);
+
+  std::string_view Text() const { return {digits_.data(), size_}; }
+
+ private:
+  std::array<char, kMostRuns / 2 + 1> digits_{};
+  std::size_t size_;
+};
 
 /// Digits of either kind in a code that nothing but its repeat proves, at least.
 inline constexpr std::ptrdiff_t kFewestOfEach = 3;

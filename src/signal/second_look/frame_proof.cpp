@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <string>
+#include <string_view>
 
-#include "signal/decode.h"
 #include "signal/second_look/digit_checks.h"
 #include "signal/second_look/frame_parts.h"
 #include "signal/second_look/length_fit.h"
@@ -28,7 +27,7 @@ bool MayProveItself(const Frame& frame) { return frame.Clear && frame.Shape->Pro
 /// that make it so is longer or shorter than usual, or no remote sends such codes.
 bool IsOneDigitOff(const Frame& frame, const LengthFit& fit) {
   if (frame.Kind() != kNec) return false;
-  const SuspectDigits suspects = SuspectsOf(DecodeCode(frame.Symbols, kNec));
+  const SuspectDigits suspects = SuspectsOf(FrameDigits(frame).Text());
   return suspects.Number > 0 &&
          (suspects.SpoilCode ||
           !std::all_of(suspects.Places.begin(), suspects.Places.begin() + suspects.Number,
@@ -47,7 +46,7 @@ bool IsVaried(const Frame& frame) {
   if (frame.Alphabet == nullptr) return true;
   if (frame.Kind() == kRc5) return frame.Shape->ProvesItself(frame);
   if (frame.Leads != LeaderKind::Other) return frame.StepUnits > 0;
-  return HasBothDigits(DecodeCode(frame.Symbols, frame.Kind()), kFewestOfEach);
+  return HasBothDigits(FrameDigits(frame).Text(), kFewestOfEach);
 }
 
 /// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
@@ -118,8 +117,8 @@ bool DifferAsTwo(const Frame& one, const Frame& other) {
   constexpr int kFewest = 2;          // digits
   constexpr double kSameUnit = 0.05;  // of it; one remote has one clock, and short runs stray
   if (std::abs(one.Unit - other.Unit) > kSameUnit * one.Unit || !one.Led.IsLike(other.Led)) return false;
-  const std::string digits = DecodeCode(one.Symbols, one.Kind());
-  const std::string others = DecodeCode(other.Symbols, other.Kind());
+  const FrameDigits ofOne(one), ofOther(other);
+  const std::string_view digits = ofOne.Text(), others = ofOther.Text();
   if (digits.size() != others.size()) return false;
   int differ = 0;
   for (std::size_t i = 0; i < digits.size(); ++i) differ += digits[i] != others[i] ? 1 : 0;
@@ -159,13 +158,15 @@ bool IsOnlyFrame(const Findings& found) {
 
 bool AreTwoInTurns(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
+  const auto isDistance = [](const Frame& frame) { return frame.Kind() == kNec; };
+  if (!std::all_of(frames.begin(), frames.end(), isDistance)) return false;
   if (frames.size() < 2 || frames[0].SameCode(frames[1])) return false;
   if (!DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
   // Of two of one remote neither or both do; one that does not was damaged.
   if (MayProveItself(frames[0]) != MayProveItself(frames[1])) return false;
   for (std::size_t i = 0; i < frames.size(); ++i) {
     const Frame& frame = frames[i];
-    const bool whole = frame.Clear && frame.Ends && frame.HasLeader() && frame.Kind() == kNec;
+    const bool whole = frame.Clear && frame.Ends && frame.HasLeader();
     if (!whole || !LengthFit(frame).IsClose() || frame.Head != frames[0].Head ||
         frame.Digits != frames[0].Digits)
       return false;

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t kShortestPiece = 7;  // marks; shorter ones are no commands
 constexpr double kOffLeader = 1.3;         // a leader's space, in lengths of its mark, at most
-constexpr std::size_t kMostRuns = 600;     // of one frame; more is noise
 
 /// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train, and
 /// runs that the first analysis takes for borders are where two signals met.

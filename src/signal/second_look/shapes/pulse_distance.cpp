@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "signal/code_values.h"
-#include "signal/decode.h"
 #include "signal/second_look/line_shapes.h"
 #include "signal/timing.h"
 
@@ -93,10 +92,8 @@ void TakeDistanceLeader(Frame& frame, const Leader& leader, const Body& body) {
 bool EndsInItsSum(const Frame& frame) {
   constexpr std::size_t kDigits = 28;
   if (frame.Runs / 2 != kDigits) return false;
-  const std::string digits = DecodeCode(frame.Symbols, kNec);
-  const auto group = [&](std::size_t number) {
-    return BinToInt(std::string_view(digits).substr(4 * number, 4));
-  };
+  const FrameDigits digits(frame);
+  const auto group = [&](std::size_t number) { return BinToInt(digits.Text().substr(4 * number, 4)); };
   return (group(2) + group(3) + group(4) + group(5)) % 16 == group(6);
 }
 
@@ -122,7 +119,8 @@ bool HasCommonSpaces(const Frame& frame) {
 /// Only digits that a protocol has prove anything; marks that are lost, or an end that is, leave any number.
 bool DistancesProveThemselves(const Frame& frame) {
   if (frame.Leads == LeaderKind::Other || !frame.Ends || !HasCommonSpaces(frame)) return false;
-  const std::string digits = DecodeCode(frame.Symbols, kNec);
+  const FrameDigits decoded(frame);
+  const std::string_view digits = decoded.Text();
   if (digits.size() != frame.Digits) return false;
   switch (digits.size()) {
     case kRcaDigits:
