@@ -38,24 +38,27 @@ struct Group {
 
 void LengthCounts::CountEveryOther(RunSpan runs, int longest) {
   std::uint64_t occupied = 0;  // of the first word, into which nearly all lengths fit
-  for (std::size_t i = 0; i < runs.size(); i += 2) {
-    const auto length = static_cast<std::size_t>(runs[i]);
-    if (length < kBits) {
-      occupied |= std::uint64_t{1} << length;
-      ++counts_[length];
-    } else {
-      CountLong(static_cast<std::size_t>(std::min(runs[i], longest)));
-    }
+  const auto count = [&](int run, std::size_t turn) {
+    const auto length = static_cast<std::size_t>(run);
+    if (length >= kBits) return CountLong(static_cast<std::size_t>(std::min(run, longest)));
+    occupied |= std::uint64_t{1} << length;
+    ++counts_[turn][length];
+  };
+  std::size_t i = 0;
+  for (; i + 2 < runs.size(); i += 4) {
+    count(runs[i], 0);
+    count(runs[i + 2], 1);
   }
+  if (i < runs.size()) count(runs[i], 0);
   occupied_.front() |= occupied;
 }
 
 void LengthCounts::CountLong(std::size_t length) {
-  if (length >= counts_.size()) {
+  if (length >= occupied_.size() * kBits) {
     occupied_.resize(length / kBits + 1);
-    counts_.resize(occupied_.size() * kBits);
+    for (std::vector<int>& counts : counts_) counts.resize(occupied_.size() * kBits);
   }
-  ++counts_[length];
+  ++counts_[0][length];
   const std::size_t word = length / kBits;
   occupied_[word] |= std::uint64_t{1} << length % kBits;
   words_ = std::max(words_, word + 1);
@@ -63,8 +66,10 @@ void LengthCounts::CountLong(std::size_t length) {
 
 void LengthCounts::Clear() {
   for (std::size_t word = 0; word < words_; ++word) {
-    for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1)
-      counts_[word * kBits + static_cast<std::size_t>(std::countr_zero(bits))] = 0;
+    for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1) {
+      const std::size_t length = word * kBits + static_cast<std::size_t>(std::countr_zero(bits));
+      counts_[0][length] = counts_[1][length] = 0;
+    }
     occupied_[word] = 0;
   }
   words_ = 1;
@@ -75,7 +80,7 @@ int LengthCounts::LowerQuartile(std::size_t all) const {
   for (std::size_t word = 0; word < words_; ++word) {
     for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1) {
       const std::size_t length = word * kBits + static_cast<std::size_t>(std::countr_zero(bits));
-      seen += static_cast<std::size_t>(counts_[length]);
+      seen += static_cast<std::size_t>(CountOf(length));
       if (seen * 4 > all) return static_cast<int>(length);
     }
   }
@@ -97,7 +102,7 @@ Lengths LengthCounts::Groups(double unit) const {
     for (std::uint64_t bits = occupied_[word]; bits != 0; bits &= bits - 1) {
       const auto length = static_cast<int>(word * kBits) + std::countr_zero(bits);
       if (group.Runs > 0 && length - group.Most >= step && !close()) return {};
-      group.Add(length, counts_[static_cast<std::size_t>(length)]);
+      group.Add(length, CountOf(static_cast<std::size_t>(length)));
       if (!group.MayBeTight(unit)) return {};
     }
   }

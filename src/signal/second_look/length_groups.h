@@ -52,8 +52,11 @@ class LengthCounts {
   static constexpr std::size_t kBits = 64;
 
   void CountLong(std::size_t length);
+  int CountOf(std::size_t length) const { return counts_[0][length] + counts_[1][length]; }
 
-  std::vector<int> counts_ = std::vector<int>(kBits);
+  /// Of each length two that take turns: equal runs follow each other, and nothing can be added to a number
+  /// in memory before the addition ahead of it is through.
+  std::array<std::vector<int>, 2> counts_ = {std::vector<int>(kBits), std::vector<int>(kBits)};
   std::vector<std::uint64_t> occupied_ = {0};  // a bit for each length that occurs
   std::size_t words_ = 1;                      // of these that hold any
 };
