@@ -6,12 +6,6 @@
 
 namespace keplo::robust {
 
-namespace {
-
-constexpr int kLongestUnit = 255;  // samples; a longer run is told apart by no base time
-
-}  // namespace
-
 bool Leader::IsLike(const Leader& other) const {
   constexpr double kPart = 0.2, kLeast = 6;  // of its length, and samples
   const auto near = [=](int a, int b) { return std::max(kPart * std::max(a, b), kLeast); };
@@ -20,9 +14,9 @@ bool Leader::IsLike(const Leader& other) const {
          std::abs(Space - other.Space) <= near(Space, other.Space);
 }
 
-double BodyReader::RoughUnit(const PressRuns& runs) {
-  CountRuns(runs.Lengths, kLongestUnit);
-  return UnitOf(runs.Lengths.size());
+RoughLengths BodyReader::Rough(const PressRuns& runs) {
+  CountRuns(runs.Lengths, RoughLengths::kLongestTold);
+  return {UnitOf(runs.Lengths.size()), std::max(marks_.Longest(), spaces_.Longest())};
 }
 
 void BodyReader::CountRuns(RunSpan runs, int longest) {
@@ -42,8 +36,9 @@ Body BodyReader::Read(const Piece& piece, std::size_t skipped) {
 
 double BodyReader::UnitOf(std::size_t runs) const {
   const std::size_t spaces = runs / 2;
-  const int mark = std::min(marks_.LowerQuartile(runs - spaces), kLongestUnit);
-  const int space = std::min(spaces_.LowerQuartile(spaces), kLongestUnit);
+  // A longer run is told apart by no base time.
+  const int mark = std::min(marks_.LowerQuartile(runs - spaces), RoughLengths::kLongestTold);
+  const int space = std::min(spaces_.LowerQuartile(spaces), RoughLengths::kLongestTold);
   return (mark + space) / 2.0;
 }
 

@@ -40,6 +40,14 @@ struct Body {
   }
 };
 
+/// What is told of the runs of a press at first sight, samples.
+struct RoughLengths {
+  static constexpr int kLongestTold = 255;
+
+  double Unit = 0;  // about one base time; up to two where the longer runs are the commoner by far
+  int Longest = 0;  // run, kLongestTold at most
+};
+
 /// Measures the runs of a press and of its pieces; keeps its memory from one to the next.
 class BodyReader {
  public:
@@ -47,8 +55,7 @@ class BodyReader {
   void SetSampleTime(double us) { sampleTime_ = us; }
   double SampleTime() const { return sampleTime_; }
 
-  /// About one base time, samples; up to two where the longer runs are the commoner by far.
-  double RoughUnit(const PressRuns& runs);
+  RoughLengths Rough(const PressRuns& runs);
 
   /// @param skipped runs of a leader at the head of the piece
   Body Read(const Piece& piece, std::size_t skipped);

@@ -37,7 +37,7 @@ bool LeadsFrame(const Piece& before, const Piece& piece);
 class FrameReader {
  public:
   /// @param runs must outlive the findings
-  /// @param unit of the runs, as BodyReader::RoughUnit gives it
+  /// @param unit of the runs, as RoughLengths has it
   /// @return valid until the next call
   const Findings& Read(const PressRuns& runs, double unit);
 

@@ -75,6 +75,11 @@ void LengthCounts::Clear() {
   words_ = 1;
 }
 
+int LengthCounts::Longest() const {
+  const auto places = (words_ - 1) * kBits + static_cast<std::size_t>(std::bit_width(occupied_[words_ - 1]));
+  return std::max(static_cast<int>(places) - 1, 0);
+}
+
 int LengthCounts::LowerQuartile(std::size_t all) const {
   std::size_t seen = 0;
   for (std::size_t word = 0; word < words_; ++word) {

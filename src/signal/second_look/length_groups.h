@@ -40,6 +40,9 @@ class LengthCounts {
   void CountEveryOther(RunSpan runs, int longest);
   void Clear();
 
+  /// 0 without runs.
+  int Longest() const;
+
   /// A quarter of the runs are no longer than this; 0 without runs.
   /// @param all how many were counted
   int LowerQuartile(std::size_t all) const;

@@ -27,7 +27,7 @@ struct Piece {
 inline constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
 
 /// Parts the runs at long spaces.
-/// @param unit of the press, as RoughUnit gives it
+/// @param unit of the press, as RoughLengths has it
 /// @param pieces replaced; point into the runs
 void SplitPieces(const PressRuns& runs, double unit, std::vector<Piece>& pieces);
 

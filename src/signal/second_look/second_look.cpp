@@ -53,7 +53,8 @@ bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) &
 /// The rest ahead of frames that each begin with a mark as short as those of digits and a rest, which parts
 /// them too; samples. A key that is held may have sent that mark long ago, and shows more of the rests.
 /// @return none where the press is no such one
-std::optional<int> RestOfFrames(const PressRuns& runs) {
+/// @param longest of the runs, or RoughLengths::kLongestTold
+std::optional<int> RestOfFrames(const PressRuns& runs, int longest) {
   constexpr int kLongestMark = 15;                    // samples
   constexpr int kLeastRest = 80, kLongestRest = 220;  // samples; 4.4 and 12 ms
   constexpr std::size_t kFewestRuns = 60;             // of two frames
@@ -61,11 +62,11 @@ std::optional<int> RestOfFrames(const PressRuns& runs) {
   const RunSpan lengths = runs.Lengths;
   if (lengths.size() < kFewestRuns) return std::nullopt;
   if (lengths[0] <= kLongestMark && Within(lengths[1], kLeastRest, kLongestRest)) return lengths[1];
-  int longest = 0;
-  for (const int length : lengths) longest = std::max(longest, length);
+  static_assert(kLongestRest < RoughLengths::kLongestTold);
   if (!Within(longest, kLeastRest, kLongestRest)) return std::nullopt;
+  const int least = static_cast<int>(std::ceil(kOfRest * longest));
   const auto rests =
-      std::count_if(lengths.begin(), lengths.end(), [&](int length) { return length >= kOfRest * longest; });
+      std::count_if(lengths.begin(), lengths.end(), [=](int length) { return length >= least; });
   return rests >= kFewestRests ? std::optional(longest) : std::nullopt;
 }
 
@@ -235,27 +236,27 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, RunSpan allRun
   const RunSpan smoothRuns = joined ? smoothRuns_.Read(smooth_) : allRuns;
   firstRun_ = smoothRuns.data();
   const robust::PressRuns runs = robust::FromFirstMark(smoothRuns), all = robust::FromFirstMark(allRuns);
-  const double unit = frames_.Bodies().RoughUnit(runs);
+  const robust::RoughLengths rough = frames_.Bodies().Rough(runs);
   if (!joined) {
-    LookForFineSignal(all, unit);
+    LookForFineSignal(all, rough.Unit);
   } else if (!robust::IsTooDense(all, samples.Size)) {
-    LookForFineSignal(all, frames_.Bodies().RoughUnit(all));
+    LookForFineSignal(all, frames_.Bodies().Rough(all).Unit);
   }
   if (look_.Proven == RobustReading::Proof::Unsure) return look_;
-  const robust::Findings& found = frames_.Read(runs, unit);
+  const robust::Findings& found = frames_.Read(runs, rough.Unit);
   found_ = &found;
   if (!found.Frames.empty()) {
     ReadProof(found, joined ? &samples : nullptr);
   } else if (robust::IsOneFrame(found.Unknown)) {
     look_.Proven = RobustReading::Proof::Unsure;
-    look_.BaseT = static_cast<std::int16_t>(std::lround(unit));
+    look_.BaseT = static_cast<std::int16_t>(std::lround(rough.Unit));
     // Another analysis might read that one.
     look_.UnreadMarks = robust::HasOtherAsLong(found) ? 0 : found.UnknownMarks;
   }
   if (look_.Proven != RobustReading::Proof::Refused) return look_;
   // What was found is told, see Heard.
-  if (const auto rest = robust::RestOfFrames(runs); rest && !ReadAfterRests(runs, *rest))
-    frames_.Read(runs, unit);
+  if (const auto rest = robust::RestOfFrames(runs, rough.Longest); rest && !ReadAfterRests(runs, *rest))
+    frames_.Read(runs, rough.Unit);
   return look_;
 }
 
