@@ -15,6 +15,14 @@ std::string_view Part(std::string_view text, int first, int end) {
   return text.substr(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(end - first));
 }
 
+/// Either line end begins the next line, so that a damaged file repeats no line in the code of each that
+/// follows.
+int BeginOfLine(std::string_view text, int place) {
+  auto before = static_cast<std::size_t>(place - 1);  // characters
+  while (before > 0 && text[before - 1] != '\r' && text[before - 1] != '\n') --before;
+  return static_cast<int>(before) + 1;
+}
+
 /// A line of a section without its line end, and where it stands.
 struct Line {
   std::string_view Text;
@@ -28,12 +36,12 @@ struct Line {
   std::string_view Name() const { return Trimmed(Text.substr(Text.find(',') + 1)); }
 };
 
-/// The lines below the header of a section that end before the next one, those without a character left
-/// out.
-std::vector<Line> LinesOf(std::string_view text, std::string_view protocol) {
-  std::vector<Line> lines;
+/// The first line that fits of those below the header of a section that end before the next one, those
+/// without a character left out.
+template <typename Predicate>
+std::optional<LineRange> FirstLine(std::string_view text, std::string_view protocol, Predicate fits) {
   const std::optional<Section> section = FindSectionToChange(text, protocol);
-  if (!section) return lines;
+  if (!section) return std::nullopt;
   int lf = SeekForward(text, section->Begin, '\n');
   while (lf != kNowhere) {
     const int first = lf + 1;
@@ -41,15 +49,9 @@ std::vector<Line> LinesOf(std::string_view text, std::string_view protocol) {
     if (lf == kNowhere || lf >= section->End) break;
     std::string_view line = Part(text, first, lf);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (!line.empty()) lines.push_back({line, {first, lf}});
+    if (!line.empty() && fits(Line{line, {first, lf}})) return LineRange{first, lf};
   }
-  return lines;
-}
-
-template <typename Predicate>
-std::optional<LineRange> FirstLine(const std::vector<Line>& lines, Predicate fits) {
-  const auto line = std::find_if(lines.begin(), lines.end(), fits);
-  return line == lines.end() ? std::nullopt : std::optional(line->Range);
+  return std::nullopt;
 }
 
 /// The first thing of exactly this name or, without one, of this name in other capitals.
@@ -91,13 +93,13 @@ int CommandsIn(std::string_view text, std::string_view protocol) {
 
 std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view protocol,
                                          std::string_view name) {
-  const std::vector<Line> lines = LinesOf(text, protocol);
   const std::string_view wanted = Trimmed(name);
-  const auto exact =
-      FirstLine(lines, [&](const Line& line) { return line.IsCommand() && line.Name() == wanted; });
-  if (exact) return exact;
-  return FirstLine(lines,
-                   [&](const Line& line) { return line.IsCommand() && EqualNoCase(line.Name(), wanted); });
+  const auto named = [&](const auto& equal) {
+    return FirstLine(text, protocol,
+                     [&](const Line& line) { return line.IsCommand() && equal(line.Name(), wanted); });
+  };
+  const auto exact = named(std::equal_to<std::string_view>());
+  return exact ? exact : named(EqualNoCase);
 }
 
 std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name) {
@@ -118,7 +120,7 @@ std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_vie
 
 std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_view protocol, int first,
                                            int last) {
-  return FirstLine(LinesOf(text, protocol), [&](const Line& line) {
+  return FirstLine(text, protocol, [&](const Line& line) {
     return line.IsCommand() && line.Range.First >= first && line.Range.First <= last;
   });
 }
@@ -126,16 +128,18 @@ std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_vi
 bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_view name) {
   const std::string_view wanted = Trimmed(name);
   std::set<std::string_view> exact, similar;  // lines that differ
-  for (const Line& line : LinesOf(text, protocol)) {
-    if (!line.IsCommand()) continue;
+  // None fits, so that all are seen.
+  FirstLine(text, protocol, [&](const Line& line) {
+    if (!line.IsCommand()) return false;
     if (line.Name() == wanted) exact.insert(line.Text);
     if (EqualNoCase(line.Name(), wanted)) similar.insert(line.Text);
-  }
+    return false;
+  });
   return exact.empty() ? similar.size() > 1 : exact.size() > 1;
 }
 
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol) {
-  return FirstLine(LinesOf(text, protocol), [](const Line& line) { return line.Text == kPlaceholderLine; });
+  return FirstLine(text, protocol, [](const Line& line) { return line.Text == kPlaceholderLine; });
 }
 
 void DeleteCommandLine(CfgStore& store) {
@@ -154,9 +158,7 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
   while (comma != kNowhere && comma < section->End) {
     const int cr = SeekForward(text, comma, '\r');
     const int end = cr == kNowhere ? section->End : cr;
-    // Either line end, so that a damaged file repeats no line in the code of each that follows.
-    const int first =
-        static_cast<int>(text.find_last_of("\r\n", static_cast<std::size_t>(comma) - 1) + 1) + 1;
+    const int first = BeginOfLine(text, comma);
     commands.push_back({std::string(Part(text, comma + 1, end)), std::string(Part(text, first, comma))});
     comma = SeekForward(text, end, ',');
   }
@@ -165,7 +167,7 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
 
 std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol,
                                      std::string_view name) {
-  const std::optional<LineRange> line = FirstLine(LinesOf(text, protocol), [&](const Line& candidate) {
+  const std::optional<LineRange> line = FirstLine(text, protocol, [&](const Line& candidate) {
     // With its line end: the last character of a text begins no match.
     const std::string_view whole = Part(text, candidate.Range.First, candidate.Range.Last + 1);
     return candidate.IsCommand() && FindNoCase(name, whole, 1) != kNowhere;
