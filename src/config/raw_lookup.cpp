@@ -1,9 +1,11 @@
 #include "config/raw_lookup.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "config/lookup.h"
 #include "signal/raw/raw_digits.h"
+#include "signal/raw/raw_frames.h"
 #include "signal/raw/raw_send.h"
 #include "signal/sample_bits.h"
 
@@ -111,6 +113,36 @@ void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view he
   const std::size_t form = toggle.value_or(false) ? 1 : 0;
   if (raw == nullptr || form >= raw->Forms.size()) return;
   if (GoesOnWithRaw(HeardIn(signal), raw->Forms[form])) TakeRaw(held, toggle, reading);
+}
+
+void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
+  constexpr double kLeastPause = 60'000;  // microseconds
+  if (store.Raw.Index.Empty() || reading.Ended == Stage::Raw || CommandOf(store.CfgText, reading)) return;
+  const RunSpan runs = signal.Runs.Read(signal.Samples);
+  const HeardLengths heard = HeardIn(runs, signal.SampleTime);
+  std::size_t pause = 0;
+  for (std::size_t i = 1; i < heard.Runs.size(); i += 2) {
+    if (heard.Us(i) >= kLeastPause && (pause == 0 || heard.Runs[i] > heard.Runs[pause])) pause = i;
+  }
+  if (pause == 0) return;
+  const RawMatch first = store.Raw.Index.Find(heard.Part(0, pause));
+  if (!first.Alone) return;
+  const HeardLengths rest = heard.From(pause + 1);
+  const RawMatch second = store.Raw.Index.Find(rest);
+  const bool isSame = second.Alone && second.Digits == first.Digits;
+  if (!isSame && !rest.Cut) return;
+  TakeRaw(first.Digits, first.Toggle, reading);
+  if (!isSame) return;
+  reading.SecondTap = std::accumulate(runs.data(), rest.Runs.data(), 0);
+  reading.SecondToggle = second.Toggle;
+}
+
+std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits) {
+  const RawSignal* raw = FindRawSignal(store, "G" + std::string(digits));
+  if (raw == nullptr) return std::nullopt;
+  const int period = LongestPeriodOf(raw->Forms.front());
+  constexpr int kSlack = 5000;  // remotes do not count their silence out carefully
+  return period == 0 ? std::nullopt : std::optional(std::chrono::microseconds(period * 5 / 4 + kSlack));
 }
 
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {

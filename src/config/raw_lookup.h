@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,14 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 /// @param toggle which of its two forms was heard, if it has two
 void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
                  std::optional<bool> toggle, MonitorReading& reading);
+
+/// Two taps in one capture, with more silence between than parts of a message have: what is learned is a
+/// press of one. The second may be one that the capture has cut; whole it must be of the same command.
+/// Any reading that is raw or of a command already stays as it is.
+void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading);
+
+/// From frame to frame of a held key whose command is raw, at most; none where its press is a single frame.
+std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits);
 
 /// The signal of forms that were heard, with digits that no command of the text has.
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms);

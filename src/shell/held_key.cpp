@@ -13,6 +13,7 @@ using std::chrono_literals::operator""ms;
 /// From frame to frame, where a capture holds a single one: NEC has 107.7 or 89.5 ms, RC5 108 to 114, SONY,
 /// which never sends less than three, 45.
 constexpr microseconds kUsualPeriod = 114ms;
+constexpr microseconds kLongestPeriod = 155ms;  // of any key; 138 ms is the longest that was measured
 constexpr microseconds kLongestPause = 250ms;
 constexpr microseconds kSlack = 15ms;  // clocks of remotes, and a last frame that the buffer cut
 
@@ -33,11 +34,22 @@ std::chrono::microseconds HeldKey::LetGoAt(microseconds watchedFrom) const {
 
 bool HeldKey::FollowsOn(const AirTime& air) const { return press_ && air.Begin < LetGoAt(air.WatchedFrom); }
 
+/// Whether a frame comes when a held key sends one, or the one after; what comes between is the next tap.
+bool HeldKey::IsInTime(const AirTime& air) const {
+  // When other programs tell their captures, it is not known to so few milliseconds.
+  if (unread_ || air.Place != 0 || air.WatchedFrom > last_.End) return true;
+  const microseconds distance = air.Begin - last_.Begin - last_.LastFrame;
+  const microseconds period = press_->Sign.Period;
+  if (period == 0ms) return distance <= kLongestPeriod;
+  const microseconds lateness = std::max(distance, 2 * period) - std::min(distance, 2 * period);
+  return distance <= period * 9 / 8 + kSlack || lateness <= period / 8;
+}
+
 bool HeldKey::IsSamePress(const KeySign& sign, const AirTime& air) const {
   if (!FollowsOn(air) || sign.Digits != press_->Sign.Digits) return false;
   const std::optional<bool>& toggle = press_->Sign.Toggle;
-  const bool toggled = toggle && sign.Toggle && *toggle != *sign.Toggle;
-  return !toggled && !press_->Sign.Dittos;
+  if (toggle && sign.Toggle) return *toggle == *sign.Toggle;
+  return !press_->Sign.Dittos && IsInTime(air);
 }
 
 std::optional<KeyPress> HeldKey::Hear(const KeySign& sign, const AirTime& air) {

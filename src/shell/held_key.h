@@ -18,6 +18,7 @@ struct AirTime {
   std::chrono::microseconds WatchedFrom{0};   // from then to Begin nobody looked away from the line
   int Place = 0;                              // of the receiver
   int Zone = 0;                               // of that place; 0 if it has none
+  std::chrono::microseconds LastFrame{0};     // from Begin to that of the last frame
 };
 
 /// What a capture tells of the key that sent it.
@@ -48,8 +49,9 @@ struct KeyPress {
 /// Makes of the captures of a line what people mean by a press: one key, pressed, held and let go.
 ///
 /// A key counts as let go when for two periods of its protocol nothing came: a remote that is moved may lose
-/// a repeat. Where nobody watched the line between two captures, as during the pause after an event, nothing
-/// but the silence right before and right after is known; neither may be longer than one period then.
+/// a repeat. A whole frame that comes where a held key sends none is the next press. Where nobody watched the
+/// line between two captures, as during the pause after an event, nothing but the silence right before and
+/// right after is known; neither may be longer than one period then.
 class HeldKey {
  public:
   /// The key that is held; none if none is.
@@ -74,6 +76,7 @@ class HeldKey {
 
  private:
   bool IsSamePress(const KeySign& sign, const AirTime& air) const;
+  bool IsInTime(const AirTime& air) const;
   void GoOn(const AirTime& air);
 
   std::optional<KeyPress> press_;

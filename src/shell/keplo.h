@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "shell/frm_event.h"
 #include "shell/held_keys.h"
 #include "shell/status_panel.h"
+#include "signal/frame_times.h"
 #include "signal/monitored_press.h"
 #include "signal/win32_ser.h"
 #include "ui/boxes.h"
@@ -31,6 +33,14 @@ struct TickReport {
   bool Captured = false;
   MonitorReading Reading;
   DispatchReport Dispatched;
+};
+
+/// A press of a key within a capture, which may hold another one.
+struct MonitoredTap {
+  AirTime OnAir;
+  std::chrono::microseconds Period{0};  // from frame to frame; 0 if only one was heard
+  std::optional<bool> Toggle;
+  bool IsOver = false;  // another one follows
 };
 
 /// What the control shows beside its own display.
@@ -170,7 +180,10 @@ class Keplo {
   bool RepeatsHeldKey(MonitorReading& reading);
   void CompleteTurn(MonitorReading& reading);
   void TakeHeldRawKey(MonitorReading& reading);
-  void HearCode(const MonitorReading& reading);
+  std::vector<MonitoredTap> TapsOf(const MonitorReading& reading);
+  std::size_t SecondTapIn(std::span<const TimedPiece> pieces, const MonitorReading& reading);
+  void HearCode(const MonitorReading& reading, const MonitoredTap& tap);
+  void TellCode(const MonitorReading& reading);
   bool WasHeldInThePause();
   void Dispatch(const MonitorReading& reading);
   void LookAgain();

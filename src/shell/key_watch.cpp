@@ -14,10 +14,16 @@ namespace {
 
 using std::chrono::microseconds;
 using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""us;
 
 /// No frame slips by between two looks that are no further apart, as those before and after a tick without an
 /// event are.
 constexpr microseconds kBlink = 20ms;
+
+/// From frame to frame of a held key, at most: 138 ms is the longest that was measured, and 124 behind the
+/// leader of NEC.
+constexpr microseconds kLongestPeriod = 155ms, kLongestNecPeriod = 137ms;
+constexpr microseconds kNecLeader = 7500us;
 
 microseconds TimeOfSamples(double samples, double sampleTime) {
   return microseconds(static_cast<std::int64_t>(samples * sampleTime));
@@ -95,17 +101,60 @@ void Keplo::TakeHeldRawKey(MonitorReading& reading) {
   TakeHeldRaw(mod_.Store, mod_.Signal, sign.Digits, sign.Toggle, reading);
 }
 
-void Keplo::HearCode(const MonitorReading& reading) {
+/// Which piece of a capture begins a second tap of its key; 0 if none does.
+std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const MonitorReading& reading) {
+  if (mod_.Settings.Analysis != Analysis::Second) return 0;
+  if (reading.SecondTap > 0) {
+    constexpr int kNear = 10;  // samples; glitches are told apart from the signal in the one place only
+    const auto begins = [&](const TimedPiece& piece) { return piece.Begin + kNear >= reading.SecondTap; };
+    const auto second = std::find_if(pieces.begin(), pieces.end(), begins);
+    return second == pieces.end() ? 0 : static_cast<std::size_t>(second - pieces.begin());
+  }
+  if (reading.Toggle) return 0;
+  const SignalState& signal = mod_.Signal;
+  microseconds longest = kLongestPeriod;
+  if (reading.Ended == Stage::Raw) {
+    longest = LongestRawPeriod(mod_.Store, reading.Digits).value_or(longest);
+  } else if (TimeOfSamples(reading.Leader, signal.SampleTime) >= kNecLeader) {
+    longest = kLongestNecPeriod;
+  }
+  const double samples = static_cast<double>(longest.count()) / signal.SampleTime;
+  return FindSecondTap(pieces, {samples, reading.Dittos});
+}
+
+std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
   SignalState& signal = mod_.Signal;
-  const microseconds period = TimeOfSamples(FramePeriod(signal.Runs.Read(signal.Samples)), signal.SampleTime);
+  const std::vector<TimedPiece> pieces = PiecesIn(signal.Runs.Read(signal.Samples));
+  const std::size_t second = SecondTapIn(pieces, reading);
+  const auto at = [&](int samples) { return TimeOfSamples(samples, signal.SampleTime); };
+  const auto tapOf = [&](std::span<const TimedPiece> tap) {
+    MonitoredTap told{onAir_, at(FramePeriod(tap)), reading.Toggle};
+    if (!tap.empty()) told.OnAir.LastFrame = at(tap.back().Begin - tap.front().Begin);
+    return told;
+  };
+  if (second == 0) return {tapOf(pieces)};
+  const std::span<const TimedPiece> all = pieces;
+  MonitoredTap first = tapOf(all.first(second)), next = tapOf(all.subspan(second));
+  const TimedPiece& last = pieces[second - 1];
+  first.OnAir.End = onAir_.Begin + at(last.End());
+  next.OnAir.Begin = onAir_.Begin + at(pieces[second].Begin);
+  first.OnAir.SilenceAfter = next.OnAir.Begin - first.OnAir.End;
+  first.IsOver = true;
+  if (reading.SecondTap == 0 && !pieces[second].Whole) return {first};
+  if (reading.SecondToggle) next.Toggle = reading.SecondToggle;
+  return {first, next};
+}
+
+void Keplo::HearCode(const MonitorReading& reading, const MonitoredTap& tap) {
   const KeySign sign = {reading.Digits,
                         reading.ReadBy.value_or(Analysis::First),
-                        signal.Measured.ProtoKind,
-                        signal.Measured.BaseT,
-                        reading.Toggle,
+                        mod_.Signal.Measured.ProtoKind,
+                        mod_.Signal.Measured.BaseT,
+                        tap.Toggle,
                         reading.Dittos,
-                        period,
+                        tap.Period,
                         reading.Leader};
+  onAir_ = tap.OnAir;
   if (const auto ended = Key().Hear(sign, onAir_)) TellReleased({*ended});
 }
 

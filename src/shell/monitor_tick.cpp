@@ -101,14 +101,24 @@ void Keplo::ReadAndDispatch() {
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);
     TakeHeldRawKey(reading);
+    TakeRawTaps(mod_.Store, mod_.Signal, reading);
   }
   if (!reading.HasCode()) {
     Key().HearUnread(onAir_);
     return TellHeard();
   }
-  if (!repeats) HearCode(reading);
-  if (!WasHeldInThePause()) return Dispatch(reading);
-  lastTick_.Captured = false;
+  if (repeats) return TellCode(reading);
+  for (const MonitoredTap& tap : TapsOf(reading)) {
+    HearCode(reading, tap);
+    TellCode(reading);
+    if (!tap.IsOver) continue;
+    if (const auto ended = Key().LetGo()) TellReleased({*ended});
+  }
+}
+
+void Keplo::TellCode(const MonitorReading& reading) {
+  lastTick_.Captured = !WasHeldInThePause();
+  if (lastTick_.Captured) return Dispatch(reading);
   TellKey(KeyChange::Held, *Key().Pressed());
   TellHeard();
 }

@@ -42,6 +42,8 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   reading.Toggle = ToggleOf(look.Frame, look.ProtoKind);
   reading.Dittos = look.Dittos;
   reading.Leader = look.Leader;
+  reading.SecondTap = look.FlipsAt;
+  if (look.FlipsAt > 0 && reading.Toggle) reading.SecondToggle = !*reading.Toggle;
 }
 
 /// Of two that read nothing the one that has come further tells why.

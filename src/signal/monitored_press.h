@@ -48,6 +48,8 @@ struct MonitorReading {
   std::optional<bool> Toggle;  // of a code that has a digit which flips on each new press
   bool Dittos = false;         // the frame was repeated by signs without digits, as NEC does
   int Leader = 0;              // mark of its leader, samples; 0 without one, or where it was not measured
+  int SecondTap = 0;           // where the same key begins once more, samples; 0 if it is not known to
+  std::optional<bool> SecondToggle;  // of that
 
   bool HasCode() const { return Ended >= Stage::Code; }
 
@@ -59,6 +61,8 @@ struct MonitorReading {
     Toggle.reset();
     Dittos = false;
     Leader = 0;
+    SecondTap = 0;
+    SecondToggle.reset();
   }
 };
 

@@ -54,6 +54,8 @@ TEST(HeldKey, TellsOnePressFromTwo) {
   const std::tuple<const char*, std::vector<Signal>, const char*> cases[] = {
       {"a repeat in its time", {{"code", 0ms}, {"code", 108ms}, {"code", 216ms}}, "PHH"},
       {"one repeat lost", {{"code", 0ms}, {"code", 216ms}}, "PH"},
+      {"a tap between two repeats", {{"code", 0ms}, {"code", 180ms}}, "PRP"},
+      {"a tap later than any repeat", {{"code", 0ms, kFrame, 0ms, {}, false, 0ms}, {"code", 230ms}}, "PRP"},
       {"two taps", {{"code", 0ms}, {"code", 311ms}}, "PRP"},
       {"two quick taps of a fast repeater",
        {{"code", 0ms, 20ms, 0ms, {}, false, 45ms}, {"code", 160ms, 20ms}},
@@ -152,6 +154,26 @@ TEST_F(OnePress, IsOnePressOfTwoFramesInTurns) {
     press.insert(press.end(), next.begin(), next.end());
     if (frames < 2) continue;
     EXPECT_EQ(Monitored({"a", {press}}), frames < 7 ? "PeR" : frames < 13 ? "PeHeR" : "PeHeHeR") << frames;
+  }
+}
+
+TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
+  const std::string flipped = "11100000001100";
+  const std::tuple<std::int16_t, std::string, std::string, int, const char*> rows[] = {
+      {kNec, kDigits, kDigits, 80'000, "PeRPeR"},
+      {kNec, kDigits, kDigits, 40'000, "PeR"},
+      {keplo::kRc5, kRc5, flipped, 60'000, "PeRPeR"},
+      {keplo::kRc5, kRc5, kRc5, 149'000, "PeR"},
+  };
+  for (const auto& [kind, first, second, pause, told] : rows) {
+    Bind(first);
+    SynthOptions once;
+    once.Repeats = 0;
+    PulseTrain press = SynthPress(kind, first, once);
+    press.back() = pause;
+    const PulseTrain tap = SynthPress(kind, second, once);
+    press.insert(press.end(), tap.begin(), tap.end());
+    EXPECT_EQ(Monitored({"a", {press}}), told) << kind << " " << pause;
   }
 }
 

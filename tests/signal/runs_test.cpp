@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <numeric>
 #include <random>
 
 #include "signal/capture_trim.h"
+#include "signal/frame_times.h"
 #include "signal/held_signs.h"
 #include "signal/sample_bits.h"
 #include "signal/second_look/smooth_samples.h"
@@ -85,6 +88,39 @@ TEST(HeldSigns, AreDittosHoweverSoonTheSamplesEndBehindThem) {
   for (const RunVector& runs :
        {RunVector{160, 40, 10}, {160, 40, 10, 30}, {160, 40, 10, 1700}, {160, 40, 10, 1700, 160, 40, 10, 30}})
     EXPECT_TRUE(AreDittos(runs, 10, 0)) << ::testing::PrintToString(runs);
+}
+
+/// Frames of 20 ms, or signs, at these times.
+TEST(FrameTimes, TellTwoTapsFromAHeldKey) {
+  const struct {
+    const char* Name;
+    std::vector<std::pair<char, int>> Pieces;  // f a frame, o another, s a sign; begin, samples
+    bool BySigns;
+    std::size_t Second;
+  } rows[] = {
+      {"its usual time", {{'f', 0}, {'f', 2000}}, false, 0},
+      {"later", {{'f', 0}, {'f', 2700}}, false, 1},
+      {"later, another frame", {{'f', 0}, {'o', 2700}}, false, 0},
+      {"behind a sign", {{'f', 0}, {'s', 2000}, {'f', 3500}}, true, 2},
+      {"... of a key that sends none", {{'f', 0}, {'s', 1000}, {'f', 2500}}, false, 0},
+      {"later than before", {{'f', 0}, {'f', 800}, {'f', 2200}}, false, 2},
+      {"... by one that was lost", {{'f', 0}, {'f', 900}, {'f', 2700}}, false, 0},
+      {"frames in turns", {{'f', 0}, {'o', 1500}, {'f', 3000}}, false, 0},
+      {"... and again", {{'f', 0}, {'o', 1000}, {'f', 3600}}, false, 2},
+      {"cut", {{'f', 0}, {'c', 2700}}, false, 1},
+      {"cut in its usual time", {{'f', 0}, {'c', 2000}}, false, 0},
+  };
+  const std::map<char, RunVector> known = {
+      {'f', RunVector(13, 28)}, {'o', RunVector(15, 24)}, {'s', {160, 40, 10}}, {'c', RunVector(10, 28)}};
+  for (const auto& row : rows) {
+    RunVector runs;
+    for (const auto& [what, begin] : row.Pieces) {
+      if (!runs.empty()) runs.push_back(begin - std::accumulate(runs.begin(), runs.end(), 0));
+      runs.insert(runs.end(), known.at(what).begin(), known.at(what).end());
+    }
+    if (row.Pieces.back().first != 'c') runs.push_back(300);
+    EXPECT_EQ(FindSecondTap(PiecesIn(runs), {2500, row.BySigns}), row.Second) << row.Name;
+  }
 }
 
 TEST(SignalBytes, EndWithTheLastSampleOfAMark) {

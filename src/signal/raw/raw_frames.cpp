@@ -63,6 +63,18 @@ bool RawFrames::TellsOfRepeat(std::size_t step) const {
          kSurelyCaptured;
 }
 
+int LongestPeriodOf(std::span<const int> lengths) {
+  int longest = 0;
+  std::size_t begin = 0;
+  const RawFrames frames(lengths, RawGapOf(lengths));
+  for (const RawFrames::Frame& frame : frames.All()) {
+    const auto before = lengths.subspan(begin, frame.Begin - begin);
+    longest = std::max(longest, std::accumulate(before.begin(), before.end(), 0));
+    begin = frame.Begin;
+  }
+  return longest;
+}
+
 bool RawFrames::MayEndWith(std::size_t step, double heard) const {
   if (step == LastStep()) return true;
   const Frame& next = FirstOf(step + 1);

@@ -58,4 +58,8 @@ class RawFrames {
   std::vector<Frame> frames_;
 };
 
+/// From the beginning of a frame to that of the next, microseconds; the longest if they differ.
+/// @return 0 for lengths of a single frame
+int LongestPeriodOf(std::span<const int> lengths);
+
 }  // namespace keplo

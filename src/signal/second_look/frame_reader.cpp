@@ -22,12 +22,6 @@ bool IsCleanButUnknown(const Body& body) {
   return RunUnits(longest, static_cast<int>(body.Unit)) <= 3;
 }
 
-bool IsDitto(const Piece& piece) {
-  if (piece.Size != 3) return false;
-  const double leader = piece.First[0];
-  return leader >= 8 * piece.First[2] && Within(piece.First[1] / leader, 0.18, 0.34);
-}
-
 /// Whether a piece has the runs of RC6, whose leader a capture that began late may have made as short as any.
 bool MayBeginInLeader(const Piece& piece) {
   constexpr std::size_t kFewestRuns = 23, kMostRuns = 79;
@@ -107,7 +101,7 @@ const Findings& FrameReader::Read(const PressRuns& runs, double unit) {
 void FrameReader::ReadPieces() {
   for (place_ = 0; place_ < pieces_.size(); ++place_) {
     const Piece& piece = pieces_[place_];
-    if (IsDitto(piece)) {
+    if (piece.Size == 3 && IsDitto(piece.First[0], piece.First[1], piece.First[2])) {
       if (!afterFrame_) continue;
       ++found_.Frames.back().Dittos;
       found_.Frames.back().HeldOn = true;

@@ -166,9 +166,12 @@ void SecondLook::WriteSymbols(const robust::Findings& found, const robust::Frame
   if (std::string_view(symbols).substr(0, 2) == "gG") symbols.erase(0, 1);
 }
 
+/// Where a run begins, samples.
+int SecondLook::PlaceOf(const int* run) const { return std::accumulate(firstRun_, run, 0); }
+
 /// Whether runs of interference were joined within a frame.
 bool SecondLook::HasInterference(const robust::Frame& frame, const SampleWords& samples) const {
-  const int begin = std::accumulate(firstRun_, frame.First, 0);
+  const int begin = PlaceOf(frame.First);
   const int end = std::accumulate(frame.First, frame.First + frame.Runs, begin);
   for (int sample = begin; sample < end; ++sample) {
     const auto place = static_cast<std::size_t>(sample);
@@ -192,6 +195,7 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   look_.ProtoKind = shown.Kind();
   look_.Dittos = std::any_of(frames.begin(), frames.end(), [](const auto& frame) { return frame.HeldOn; });
   look_.Leader = shown.Led.Mark;
+  if (shown.Shape->HasToggle) TakeFlip(frames);
   WriteSymbols(found, proven);
   if (proven != nullptr || (two && frames.size() > 2)) {
     look_.Proven = RobustReading::Proof::Sure;
@@ -202,6 +206,17 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   }
   robust::WriteFrame(shown, look_.Frame);
   if (two) robust::WriteFrame(frames[1], look_.OtherFrame);
+}
+
+/// Frames of one code that differ, differ in the toggle: a key was pressed again.
+void SecondLook::TakeFlip(const std::vector<robust::Frame>& frames) {
+  const robust::Frame& first = frames.front();
+  const auto flipped = std::find_if(frames.begin(), frames.end(), [&](const robust::Frame& frame) {
+    return frame.SameCode(first) && frame.Symbols != first.Symbols;
+  });
+  if (flipped == frames.end()) return;
+  look_.FlipsAt =
+      PlaceOf(flipped->First) - (flipped->HasLeader() ? flipped->Led.Mark + flipped->Led.Space : 0);
 }
 
 /// Reads frames that each begin with a short mark and a rest; they are taken if their code was learned.
@@ -224,6 +239,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, RunSpan allRun
   look_.ProtoKind = kUnknown;
   look_.Dittos = false;
   look_.Leader = 0;
+  look_.FlipsAt = 0;
   look_.Symbols.clear();
   look_.Frame.clear();
   look_.OtherFrame.clear();

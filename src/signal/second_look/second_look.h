@@ -27,6 +27,7 @@ struct RobustReading {
   std::int16_t ProtoKind = kUnknown;
   bool Dittos = false;  // a frame was repeated by signs without digits
   int Leader = 0;       // mark of the leader of Frame, samples; 0 without one
+  int FlipsAt = 0;      // where a frame with the other toggle begins, samples; 0 without one
 
   /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
   /// those of the code alone, if one frame is proven. Empty if there is none, or only one without a leader
@@ -93,7 +94,9 @@ class SecondLook {
   void LookForFineSignal(const robust::PressRuns& runs, double unit);
   /// @param samples whose interference was joined; null without any
   void ReadProof(const robust::Findings& found, const SampleWords* samples);
+  int PlaceOf(const int* run) const;
   bool HasInterference(const robust::Frame& frame, const SampleWords& samples) const;
+  void TakeFlip(const std::vector<robust::Frame>& frames);
   bool ReadAfterRests(const robust::PressRuns& runs, int rest);
   void WriteSymbols(const robust::Findings& found, const robust::Frame* only);
 

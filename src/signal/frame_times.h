@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "signal/runs.h"
+
+namespace keplo {
+
+/// What stands between two spaces that are longer than any inside a frame.
+struct TimedPiece {
+  RunSpan Runs;       // from its first mark to its last
+  int Begin = 0;      // samples from the beginning of the capture
+  bool Whole = true;  // the samples go on behind it, so that it is not cut
+
+  int End() const;  // of its last mark, samples
+  bool IsFrame() const { return Runs.size() >= kFewestRuns; }
+
+ private:
+  static constexpr std::size_t kFewestRuns = 9;
+};
+
+/// The pieces of a capture, in order.
+std::vector<TimedPiece> PiecesIn(RunSpan runs);
+
+/// From the beginning of a frame to that of the next, samples; the longest if they differ.
+/// @return 0 for the pieces of a single frame
+int FramePeriod(std::span<const TimedPiece> pieces);
+
+/// How a key repeats its frame while it is held.
+struct UsualRepeat {
+  double Longest = 0;    // from the beginning of a frame to that of the next, at most; samples
+  bool BySigns = false;  // with signs of three runs instead
+};
+
+/// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more: more time has passed
+/// than a held key lets pass, or than it did before, or such a key would have sent a sign. Which key it is
+/// tells only one that is whole, and is the same one then.
+/// @return its place; 0 if all is one press
+std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual);
+
+}  // namespace keplo
