@@ -8,12 +8,9 @@
 
 #include <array>
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -21,7 +18,6 @@
 #include <vector>
 
 #include "doubles/expect.h"
-#include "doubles/temp_folder.h"
 #include "doubles/until.h"
 
 namespace keplo::tests {
@@ -54,13 +50,8 @@ class Running {
   pid_t process_ = -1;
 };
 
-/// A part of a screen, pixels.
-struct ScreenPart {
-  int X = 0, Y = 0, Width = 0, Height = 0;
-};
-
-/// An X screen of its own without a window manager, on which a test does and sees what a user would: it
-/// types, clicks and looks at pixels, and knows nothing of what the programs are made of.
+/// An X screen of its own without a window manager, on which a test does what a user would: it types and
+/// looks for windows, and knows nothing of what the programs are made of.
 class OutsideScreen {
  public:
   /// The missing one of the programs that this needs; empty if all are there.
@@ -76,7 +67,7 @@ class OutsideScreen {
     if (pipe(told.data()) != 0) throw std::runtime_error("no pipe for the number of the display");
     fcntl(told[0], F_SETFD, FD_CLOEXEC);
     server_.emplace(Texts{"Xvfb", display_, "-displayfd", std::to_string(told[1]), "-screen", "0",
-                          "1280x800x24", "-noreset", "-fbdir", frame_.Path().string()});
+                          "1280x800x24", "-noreset"});
     close(told[1]);
     // The server tells its number, a line, once it can be used.
     char last = 0;
@@ -111,39 +102,8 @@ class OutsideScreen {
     return Do("search --onlyvisible --name '" + title + "'");
   }
 
-  /// Where a window lies; all 0 if it is gone.
-  ScreenPart PartOf(const std::string& window) const {
-    ScreenPart part;
-    std::sscanf(Do("getwindowgeometry --shell " + window).c_str(), "WINDOW=%*d X=%d Y=%d WIDTH=%d HEIGHT=%d",
-                &part.X, &part.Y, &part.Width, &part.Height);
-    return part;
-  }
-
   void Keys(const std::string& keys) const { Do("key " + keys); }
   void Type(const std::string& text) const { Do("type '" + text + "'"); }
-
-  /// How much of a part is of a colour, 0xRRGGBB; 0 to 1.
-  double Share(const ScreenPart& part, std::uint32_t colour) const {
-    // The server keeps its screen in a file, an XWD one: a header of big-endian words, colours, and the
-    // pixels.
-    std::ifstream file(frame_.Path() / "Xvfb_screen0", std::ios::binary);
-    const std::string frame((std::istreambuf_iterator<char>(file)), {});
-    const auto byte = [&](std::size_t at) -> std::uint32_t {
-      return static_cast<unsigned char>(frame.at(at));
-    };
-    const auto word = [&](std::size_t at) {
-      return byte(at) << 24U | byte(at + 1) << 16U | byte(at + 2) << 8U | byte(at + 3);
-    };
-    const std::size_t pixels = word(0) + 12 * word(76), row = word(48);
-    int same = 0;
-    for (int y = part.Y; y < part.Y + part.Height; ++y) {
-      for (int x = part.X; x < part.X + part.Width; ++x) {
-        const std::size_t at = pixels + row * y + 4 * static_cast<std::size_t>(x);
-        if ((byte(at) | byte(at + 1) << 8U | byte(at + 2) << 16U) == colour) ++same;
-      }
-    }
-    return static_cast<double>(same) / (part.Width * part.Height);
-  }
 
  private:
   static constexpr int kFirstDisplay = 1000, kDisplays = 50000;
@@ -159,7 +119,6 @@ class OutsideScreen {
     return text;
   }
 
-  TempFolder frame_;
   // Of this process alone: servers that look for a free number themselves take each other's away.
   const std::string display_ = ":" + std::to_string(kFirstDisplay + getpid() % kDisplays);
   std::optional<Running> server_;

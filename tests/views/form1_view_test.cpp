@@ -95,6 +95,8 @@ TEST_F(MainWindowOnScreen, TheWheelTurnsOnlyWhatHasTheFocus) {
   };
   Record();
   EXPECT_TRUE(told) << "what the window waits for";
+  Record();
+  EXPECT_EQ(Find("CodeStr").palette().color(QPalette::Base), QColor(Qt::green)) << "a code that came twice";
   for (const char* name : {"Protocol", "HScroll1"}) turn(name);
   EXPECT_EQ(form_->Protocol.ListIndex(), 0);
   EXPECT_EQ(form_->HScroll1.Value(), 15);
