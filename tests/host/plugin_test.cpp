@@ -111,6 +111,9 @@ TEST_F(PluginTest, AnswersWithoutADisplayAsAfterACancel) {
   EXPECT_EQ(std::count_if(log_.begin(), log_.end(), needsDisplay), 4);
   EXPECT_EQ(plugin_->InputDisplayAboutBox(), HostVariant());
   ExpectPart(log_.back(), "1.3.34");
+  std::string version;
+  plugin_->InputGetPluginVersion(version);
+  EXPECT_EQ(version, "1.3.34");
   EXPECT_EQ(QueryInterface<IControlView>(*object_)->CreateView(nullptr), nullptr);
   EXPECT_EQ(plugin_->InputDeleteEvent(event), kInputDone);
   EXPECT_EQ(QueryInterface<IUsedUpEventIDs>(*object_)->HighestUsedUp(), "17");

@@ -49,20 +49,6 @@ TEST_F(Dispatch, RaisesEveryActivatedRowInListOrderOrBeepsAgain) {
   EXPECT_EQ(line_.Calls, (Texts{"1 NEC&POWER", "uDelay 200000", "5 NEC&POWER", "uDelay 200000"}));
 }
 
-TEST_F(Dispatch, FindsACommandByItsCode) {
-  Row("1", "NEC&POWER");
-  Row("2", "NEC&UP");
-  const std::vector<std::tuple<std::string, DispatchEnd, std::string>> cases = {
-      {"0000000000000", DispatchEnd::NotStored, ""},
-      {"1111000011110", DispatchEnd::Walked, "2 NEC&UP"},  // a stored code that begins with it
-      {"101010101010", DispatchEnd::Walked, "1 NEC&POWER"},
-  };
-  for (const auto& [code, ended, event] : cases) {
-    EXPECT_EQ(Run(code), ended) << code;
-    EXPECT_EQ(line_.Calls.size() > 1 ? line_.Calls[1] : "", event) << code;
-  }
-}
-
 TEST_F(Dispatch, TakesNothingFromTheSettingsOrTheHeadOfTheFile) {
   Row("1", "General&POWER");
   Row("2", "NEC&NEAR");

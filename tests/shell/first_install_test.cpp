@@ -1,7 +1,5 @@
 #include "install/first_install.h"
 
-#include "config/check_config.h"
-#include "config/protocols.h"
 #include "config/stepped_files.h"
 #include "doubles/child_process.h"
 #include "events/events_on_disk.h"
@@ -51,27 +49,14 @@ TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
 TEST(FirstInstall, BringsNothingInThePlaceOfALostFileUnlessItIsAskedTo) {
   for (const std::string lost : {"keplo.cfg", "inputKeplo.mdb"}) {
     const TempFolder folder;
+    const auto appPath = folder.Path() / "new" / "home";
     PosixFileSystem files;
-    EXPECT_TRUE(CompleteInstall(folder.Path()));
-    ASSERT_TRUE(std::filesystem::remove(folder.Path() / lost));
-    EXPECT_FALSE(CompleteInstall(folder.Path()));
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() / lost));
-    EXPECT_EQ(BringFirstInstall(folder.Path(), files), std::vector<std::string>{lost});
+    EXPECT_TRUE(CompleteInstall(appPath));
+    ASSERT_TRUE(std::filesystem::remove(appPath / lost));
+    EXPECT_FALSE(CompleteInstall(appPath));
+    EXPECT_FALSE(std::filesystem::exists(appPath / lost));
+    EXPECT_EQ(BringFirstInstall(appPath, files), Texts{lost});
   }
-}
-
-TEST(FirstInstall, ShipsAFileThatASaveLeavesAsItIs) {
-  const TempFolder folder;
-  PosixFileSystem files;
-  const auto appPath = folder.Path() / "new" / "home";
-  EXPECT_EQ(BringFirstInstall(appPath, files).size(), 3U);
-  EXPECT_TRUE(BringFirstInstall(appPath, files).empty());
-  KeploMod mod(appPath);
-  LoadConfig(mod.Store);
-  EXPECT_EQ(CheckConfig(mod.Store), "");
-  EXPECT_EQ(ListProtocols(mod.Store.CfgText), (std::vector<std::string>{"NEC", "SONY", "RC5", "Template"}));
-  SaveConfig(mod.Store);
-  EXPECT_EQ(folder.Read("new/home/keplo.cfg"), ShippedFiles()[0].Bytes);
 }
 
 }  // namespace

@@ -43,52 +43,27 @@ class EventDialog : public ::testing::Test {
   clsKeploEvent event_{"7", "", "", "", false, 0};
 };
 
-TEST_F(EventDialog, ProposesTheFirstCommandOfTheFirstProtocolWhateverWasSelected) {
+TEST_F(EventDialog, ProposesTheFirstCommandWhateverWasSelectedUntilAnotherIsPicked) {
   EXPECT_TRUE(Show(0, [](frmEvent& dialog) {
     EXPECT_EQ(dialog.Title(), "Add New Event");
-    EXPECT_EQ(dialog.Protocol.Entries(), (std::vector<std::string>{"NEC", "SONY", "Template"}));
-    EXPECT_EQ(dialog.SendCmd.Entries(), (std::vector<std::string>{"POWER", "MUTE"}));
-    EXPECT_FALSE(dialog.ZoneVisible);
-    dialog.OKButton_Click();
-  }));
-  EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
-
-  const auto press = [](frmEvent& dialog) { dialog.OKButton_Click(); };
-  store_.CurProtocol = "SONY";
-  store_.CurCommand = "PLAY";
-  EXPECT_TRUE(Show(0, press));
-  EXPECT_EQ(Stored(), "POWER|POWER from NEC|NEC&POWER|on|0");
-  store_.CfgText = Config("");
-  EXPECT_TRUE(Show(0, press));
-  EXPECT_EQ(Stored(), "EMPTY|EMPTY from Template|Template&EMPTY|on|0");
-}
-
-TEST_F(EventDialog, APickOverwritesWhatWasTypedBefore) {
-  Show(0, [](frmEvent& dialog) {
+    EXPECT_EQ(dialog.Protocol.Entries(), (Texts{"NEC", "SONY", "Template"}));
+    EXPECT_EQ(dialog.SendCmd.Entries(), (Texts{"POWER", "MUTE"}));
     dialog.EventName.SetText("Lamp");
     dialog.SendCmd.Select(1);
     EXPECT_EQ(dialog.EventName.Text(), "MUTE");
     dialog.EventName.SetText("Quiet");
     dialog.OKButton_Click();
-  });
+  }));
   EXPECT_EQ(Stored(), "Quiet|MUTE from NEC|NEC&MUTE|on|0");
-}
 
-TEST_F(EventDialog, RefusesOKUntilACommandIsPicked) {
-  Show(0, [](frmEvent& dialog) {
-    dialog.Protocol.SelectText("SONY");
-    EXPECT_EQ(dialog.SendCmd.Entries(), (std::vector<std::string>{"PLAY"}));
-    EXPECT_EQ(dialog.SendCmd.ListIndex(), ui::DropDownList::kNoSelection);
-    bool hidden = false;
-    dialog.OnHide = [&] { hidden = true; };
-    dialog.OKButton_Click();
-    EXPECT_FALSE(hidden);
-    EXPECT_EQ(dialog.Hint.Text(), frmEvent::kPickHint);
-    dialog.SendCmd.Select(0);
-    dialog.OKButton_Click();
-    EXPECT_TRUE(hidden);
-  });
-  EXPECT_EQ(event_.IRCommand, "SONY&PLAY");
+  store_.CurProtocol = "SONY";
+  store_.CurCommand = "PLAY";
+  for (const std::string proposed :
+       {"POWER|POWER from NEC|NEC&POWER|on|0", "EMPTY|EMPTY from Template|Template&EMPTY|on|0"}) {
+    EXPECT_TRUE(Show(0, [](frmEvent& dialog) { dialog.OKButton_Click(); }));
+    EXPECT_EQ(Stored(), proposed);
+    store_.CfgText = Config("");
+  }
 }
 
 TEST_F(EventDialog, EditsAStoredEvent) {

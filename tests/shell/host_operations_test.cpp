@@ -1,7 +1,7 @@
 #include <sqlite3.h>
 
 #include "events/event_row.h"
-#include "shell/plugin_page.h"
+#include "keplo_mod.h"
 #include "shell_fixture.h"
 
 namespace keplo::tests {
@@ -28,6 +28,7 @@ TEST_F(HostOperations, ChangeListTableAndCollectionAlike) {
     EXPECT_EQ(RowTexts(control.ListView1), rows);
     EXPECT_EQ(Stored(), rows);
   };
+  Texts ids = {"old"};
   const std::string lamp = "Lamp|hall|NEC&POWER|True|0|1|\n", fan = "Fan||NEC&MUTE|False|3|2|\n",
                     power = "POWER|POWER from NEC|NEC&POWER|True|0|O'Hara|\n";
   EXPECT_EQ(control.InputAddEvent(added), 2) << "the user cancelled";
@@ -54,6 +55,27 @@ TEST_F(HostOperations, ChangeListTableAndCollectionAlike) {
   EXPECT_EQ(control.InputDeleteEvent(first), 1);
   expectRows(fan + power);
   EXPECT_EQ(control.InputModifyEvent(first), 0) << "the collection has let it go too";
+  EXPECT_EQ(control.InputHouseKeepingGetEventIDs(ids), 1);
+  EXPECT_EQ(ids, (Texts{"2", "O'Hara"}));
+  for (const std::string& id : ids) control.InputDeleteEvent(WithID(id));
+  control.InputHouseKeepingGetEventIDs(ids);
+  EXPECT_EQ(ids, Texts{""});
+}
+
+TEST_F(HostOperations, TheMenuOfTheListSwitchesTheSelectedEventInAllThreePlaces) {
+  Keplo& control = Start();
+  std::string captions;
+  for (const ui::MenuItem& item : control.RightClickMenu.Items) captions += item.Caption + ";";
+  EXPECT_EQ(captions, "Enable;Disable;-;Help;");
+  for (const auto& [row, item] : {std::pair(1, 1U), {1, 0U}, {2, 0U}}) {
+    control.ListView1.Select(row);
+    control.RightClickMenu.Items[item].OnClick();
+    EXPECT_EQ(control.ListView1.Text(row, kActivated), item == 0 ? "True" : "False");
+    EXPECT_EQ(Stored(), RowTexts(control.ListView1));
+  }
+  EXPECT_EQ(errors_, Texts{});
+  control.RightClickMenu.Items[3].OnClick();
+  EXPECT_TRUE(boxes_.Shown.at(0).starts_with("InputKeplo: Keplo Input Plugin v" + VersionText + "\r\n"));
 }
 
 TEST_F(HostOperations, TellsWhyNothingWasStored) {
@@ -118,17 +140,6 @@ TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
     control.InputModifyEvent(second);
     EXPECT_EQ(RowTexts(control.ListView1), before) << "the collection has it too";
   }
-}
-
-TEST_F(HostOperations, ListsItsEventsForHouseKeeping) {
-  Keplo& control = Start();
-  std::vector<std::string> ids = {"old"};
-  EXPECT_EQ(control.InputHouseKeepingGetEventIDs(ids), 1);
-  EXPECT_EQ(ids, (Texts{"1", "2"}));
-  control.InputDeleteEvent(WithID("1"));
-  control.InputDeleteEvent(WithID("2"));
-  control.InputHouseKeepingGetEventIDs(ids);
-  EXPECT_EQ(ids, Texts{""});
 }
 
 TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
@@ -211,23 +222,6 @@ TEST_F(HostOperations, MonitoringGoesOnWhateverFailsAroundTheWindow) {
   control.InputConfigurePlugin();
   EXPECT_TRUE(control.Timer1.Enabled());
   EXPECT_EQ(errors_, (Texts{"OpenMainWindow", "OpenMainWindow", "InputConfigurePlugin"}));
-}
-
-TEST_F(HostOperations, AnswersTheHostsQuestions) {
-  Keplo& control = Start();
-  std::string page = "old", version;
-  std::vector<std::string> items = {"old", "items"};
-  EXPECT_EQ(control.InputGetHTMLPage(page), 1);
-  EXPECT_EQ(page, EventPage(control.ListView1, PageRequest::Get));
-  EXPECT_EQ(control.InputPostHTMLPage(page), 1);
-  EXPECT_EQ(page, EventPage(control.ListView1, PageRequest::Post));
-  control.InputGetPluginMenuItems(items);
-  EXPECT_EQ(items, (Texts{"Configure Infrared Interface"}));
-  control.InputGetPluginVersion(version);
-  EXPECT_EQ(version, "1.3.34");
-  EXPECT_EQ(control.InputIconFileName(), (folder_.Path() / "inkeplo.ico").string());
-  control.InputDisplayAboutBox();
-  EXPECT_EQ(boxes_.Shown.size(), 1U);
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ class Tick : public ShellTest {
   std::string Press(const std::string& digits) const { return Bytes(Runs(NecRuns(digits))); }
 };
 
-TEST_F(Tick, CostsTwoLineReadsAtRest) {
+TEST_F(Tick, CostsTwoLineReadsAtRestAndCapturesAsTheReceiverNeedsIt) {
   Keplo& control = Start();
   line_.LogDcd = true;
   control.Timer1.Tick();
@@ -45,6 +45,11 @@ TEST_F(Tick, CostsTwoLineReadsAtRest) {
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls(), (Texts{"DCD", "DCD"}));
   EXPECT_TRUE(control.Timer1.Enabled());
+  mod_->Settings.ProcDelay = -3;
+  line_.LogDcd = false;
+  line_.Captures = {""};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"TXD 0", "RTS -1", "IRMonitorN 510 delay -3"}));
 }
 
 TEST_F(Tick, AllocatesNothingAtRest) {
@@ -52,40 +57,6 @@ TEST_F(Tick, AllocatesNothingAtRest) {
   const std::size_t before = allocations;
   for (int tick = 0; tick < 1000; ++tick) control.Timer1.Tick();
   EXPECT_EQ(allocations, before);
-}
-
-TEST_F(Tick, CapturesAsTheReceiverNeedsIt) {
-  Keplo& control = Start();
-  line_.Captures = {"", ""};
-  control.Timer1.Tick();
-  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10"}));
-  mod_->Settings.ReceiverKind = 1;
-  mod_->Settings.ProcDelay = -3;
-  line_.Rest = 0;
-  control.Timer1.Tick();
-  EXPECT_EQ(line_.TakeCalls(), (Texts{"TXD 0", "RTS -1", "IRMonitorN 510 delay -3"}));
-}
-
-TEST_F(Tick, RaisesTheEventOfAPress) {
-  Keplo& control = Start();
-  line_.Captures = {Press(kDigits)};
-  control.Timer1.Tick();
-  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "SpeakBeep 5000 50",
-                                      "SpeakBeep 1000 50", "event 17", "uDelay 200000"}));
-  EXPECT_EQ(raised_, (Texts{"17 NEC&POWER"}));
-  EXPECT_TRUE(control.Timer1.Enabled());
-}
-
-TEST_F(Tick, ReadsWithTheAnalysisOfTheSettings) {
-  const std::string ones(32, '1');  // long spaces alone, which the first analysis cannot measure
-  WriteConfig(Protocol("NEC", {"G" + ones + ",POWER"}));
-  Keplo& control = Start();
-  line_.Captures = {Press(ones), Press(ones)};
-  control.Timer1.Tick();
-  EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
-  mod_->Settings.Analysis = Analysis::Second;
-  control.Timer1.Tick();
-  EXPECT_EQ(control.LastTick().Reading.Ended, Stage::Code);
 }
 
 /// A remote that sends one frame a press, of a length that proves nothing by itself.
@@ -113,18 +84,22 @@ TEST_F(Tick, TakesALoneFrameIfTheVeryCodeWasLearned) {
   EXPECT_EQ(raised_.size(), 1U);
 }
 
-TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnough) {
+TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnoughAndRaisesTheEventOfAPress) {
   Keplo& control = Start();
   line_.Captures = {std::string(510, '\xAA')};
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
   EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
 
+  line_.Captures = {Press(kDigits)};
+  control.Timer1.Tick();
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "SpeakBeep 5000 50",
+                                      "SpeakBeep 1000 50", "event 17", "uDelay 200000"}))
+      << "nothing of the last capture is left in the buffer";
   mod_->Settings.BeepOn = false;
   line_.Captures = {Press(kDigits)};
   control.Timer1.Tick();
-  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}))
-      << "nothing of the last capture is left in the buffer";
+  EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}));
 }
 
 TEST_F(Tick, ReachesItsEndWhateverTheHostDoesInside) {
