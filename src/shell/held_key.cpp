@@ -13,7 +13,6 @@ using std::chrono_literals::operator""ms;
 /// From frame to frame, where a capture holds a single one: NEC has 107.7 or 89.5 ms, RC5 108 to 114, SONY,
 /// which never sends less than three, 45.
 constexpr microseconds kUsualPeriod = 114ms;
-constexpr microseconds kLongestPeriod = 155ms;  // of any key; 138 ms is the longest that was measured
 constexpr microseconds kLongestPause = 250ms;
 constexpr microseconds kSlack = 15ms;  // clocks of remotes, and a last frame that the buffer cut
 

@@ -10,6 +10,9 @@
 
 namespace keplo {
 
+/// From frame to frame of a held key, at most; 138 ms is the longest that was measured.
+inline constexpr std::chrono::microseconds kLongestPeriod{155'000};
+
 /// When a signal was on air, as whoever watched the line knows it.
 struct AirTime {
   std::chrono::microseconds Begin{0};         // of the first mark

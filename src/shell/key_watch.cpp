@@ -20,9 +20,8 @@ using std::chrono_literals::operator""us;
 /// event are.
 constexpr microseconds kBlink = 20ms;
 
-/// From frame to frame of a held key, at most: 138 ms is the longest that was measured, and 124 behind the
-/// leader of NEC.
-constexpr microseconds kLongestPeriod = 155ms, kLongestNecPeriod = 137ms;
+/// The same behind the leader of NEC, where 124 ms is the longest that was measured.
+constexpr microseconds kLongestNecPeriod = 137ms;
 constexpr microseconds kNecLeader = 7500us;
 
 microseconds TimeOfSamples(double samples, double sampleTime) {
