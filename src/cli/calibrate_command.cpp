@@ -67,7 +67,8 @@ std::string WhyNoHelp(const Outcome& outcome, const std::string& appPathOption) 
     return "no signal was heard; " + TypedCommand("ports --watch", appPathOption) + " shows the line itself";
   }
   if (outcome.End != CalibrationStep::NoSignal) return {};
-  const std::string signals = std::to_string(outcome.Signals) + " signals";
+  const std::string signals =
+      std::to_string(outcome.Signals) + (outcome.Signals == 1 ? " signal" : " signals");
   if (outcome.Measured == 0) {
     return "none of " + signals +
            " had a base time; hold the key 1 of a SONY remote, or use a recording of it with a sample time "
