@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "press_dice.h"
+#include "signal/frame_times.h"
 #include "signal/held_signs.h"
 #include "signal/monitored_press.h"
 #include "signal/raw/raw_digits.h"
@@ -122,7 +123,7 @@ Sent Lamp(Dice& dice) {
 
 std::ostream& operator<<(std::ostream& out, const MonitorReading& reading) {
   return out << StageName(reading.Ended) << reading.Digits << reading.Toggle.value_or(false) << reading.Dittos
-             << reading.Leader << ' ';
+             << reading.Leader << ' ' << reading.SecondTap << reading.SecondToggle.value_or(false) << ' ';
 }
 
 std::ostream& operator<<(std::ostream& out, const RecordReading& reading) {
@@ -175,7 +176,9 @@ std::string ReadMany(const Kind& kind) {
     told << reading << CommonLengthsOf(state.Measured).Mark << CommonLengthsOf(state.Measured).Space;
     ReadCapture(monitored, state, Analysis::Second, reading);
     const RunSpan runs = state.Runs.Read(state.Samples);
-    told << reading << state.Second.Heard() << FramePeriod(runs)
+    const std::vector<TimedPiece> pieces = PiecesIn(runs);
+    const UsualRepeat usual{FramePeriod(pieces) / 2.0, !sent.Ditto.empty()};
+    told << reading << state.Second.Heard() << usual.Longest << FindSecondTap(pieces, usual)
          << AreDittos(runs, state.Measured.BaseT, reading.Leader)
          << IsReadByMonitor(monitored, sent.Digits, state.SampleTime);
     for (const Analysis analysis : {Analysis::First, Analysis::Second}) {
@@ -188,35 +191,37 @@ std::string ReadMany(const Kind& kind) {
   return tally.Text();
 }
 
+/// Whoever makes readings better finds other counts here, and sees by them whether they are. A sum that
+/// differs beside equal counts is a detail that is told otherwise.
 TEST(ManyPresses, AreReadAsEver) {
   const Kind kinds[] = {
       {"NEC", Nec,
        "1084 doubtful, 13 ends-in-mark, 61 length, 10 no-frame, 322 no-timing, 1423 right, 87 unknown, sum "
-       "476060"},
+       "484086"},
       {"pulse distance", Distance,
        "1776 doubtful, 13 ends-in-mark, 142 length, 39 no-frame, 545 no-timing, 121 other, 223 right, 141 "
-       "unknown, sum 977161"},
+       "unknown, sum 812806"},
       {"SONY", Sony,
        "994 doubtful, 5 ends-in-mark, 129 length, 47 no-frame, 392 no-timing, 73 other, 1206 right, 154 "
-       "unknown, sum 696428"},
+       "unknown, sum 941342"},
       {"RC5", Rc5,
        "519 doubtful, 4 ends-in-mark, 428 no-frame, 304 no-timing, 3 other, 1714 right, 28 unknown, sum "
-       "603452"},
+       "996666"},
       {"RC6", Rc6,
        "776 doubtful, 8 ends-in-mark, 4 length, 87 no-frame, 218 no-timing, 4 other, 1806 right, 97 unknown, "
-       "sum 563303"},
+       "sum 144144"},
       {"two in turns", InTurns,
        "2108 doubtful, 1 ends-in-mark, 144 length, 14 no-frame, 213 no-timing, 454 right, 66 unknown, sum "
-       "629327"},
-      {"frames after rests", AfterRests, "2042 doubtful, 160 length, 764 no-timing, 34 right, sum 569467"},
+       "61782"},
+      {"frames after rests", AfterRests, "2042 doubtful, 160 length, 764 no-timing, 34 right, sum 79983"},
       {"short base times", Fine,
        "1272 doubtful, 9 ends-in-mark, 465 length, 53 no-frame, 250 no-timing, 3 other, 457 right, 491 "
-       "unknown, sum 847278"},
+       "unknown, sum 10132"},
       {"messages of three digits", Message,
        "925 doubtful, 14 ends-in-mark, 49 length, 49 no-frame, 1309 no-timing, 42 other, 612 unknown, sum "
-       "984440"},
+       "639550"},
       {"a lamp", Lamp,
-       "204 doubtful, 97 ends-in-mark, 12 length, 165 no-frame, 2364 no-timing, 158 unknown, sum 172412"},
+       "204 doubtful, 97 ends-in-mark, 12 length, 165 no-frame, 2364 no-timing, 158 unknown, sum 481722"},
   };
   for (const Kind& kind : kinds) EXPECT_EQ(ReadMany(kind), kind.Read) << kind.Name;
 }

@@ -64,8 +64,7 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
     RunVector Press;
     std::string Code;
   };
-  const std::string zeros(32, '0');
-  const std::string ones(32, '1');
+  const std::string zeros(32, '0'), ones(32, '1');
   const RunVector one = DistanceRuns({80, 40}, 10, 10, 30, "0100101110001011");
   const RunVector other = DistanceRuns({80, 40}, 10, 10, 30, "0110101100101001");
   const std::vector<Case> cases = {
@@ -162,8 +161,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
   };
   const std::string inverses = "101100100100110100010110111010011100000000111111";
   const RunVector fifteen = DistanceRuns({160, 80}, 10, 10, 30, half);
-  const RunVector turn = led(80, "0100101110001011");
-  const RunVector otherTurn = led(80, "1011010001110100");
+  const RunVector turn = led(80, "0100101110001011"), otherTurn = led(80, "1011010001110100");
   const RunVector longer = Changed(WidthRuns({40, 10}, 10, 10, 20, kSonyDigits), 4, 7);
   RunVector spikedSony = sony;
   spikedSony[6] -= 5;
@@ -298,10 +296,8 @@ TEST(SecondLook, ReadsNothingFromNoise) {
     while (white.size() < 4000) white += from(1, 100) <= density ? '1' : '0';
     EXPECT_EQ(ReadBits(white).find(' '), std::string::npos) << "white noise, round " << round;
 
-    RunVector flicker;
-    RunVector train;
-    const int mark = from(3, 60);
-    const int space = from(3, 90);
+    RunVector flicker, train;
+    const int mark = from(3, 60), space = from(3, 90);
     for (int pair = from(10, 80); pair > 0; --pair) {
       flicker.insert(flicker.end(), {mark + from(-1, 1), space + from(-1, 1)});
       train.insert(train.end(), {from(3, 40), from(3, 60)});
