@@ -204,7 +204,7 @@ std::string CaptureOfSlots(std::string_view slots, std::int32_t pulse) {
   const auto width = static_cast<std::size_t>(std::clamp(rounded, 0.0, double{kMostSamples}));
   std::string samples;
   for (const char slot : slots) {
-    if (samples.size() >= kMostSamples || width == 0) break;
+    if (samples.size() >= kMostSamples) break;
     samples.append(width, slot);
   }
   samples.append(width, '0');
