@@ -77,8 +77,7 @@ class PulseReader {
     train_ = {};
     if (!fault_.empty()) lengths.Refuse(fault_);
     fault_.clear();
-    lastEnded_ = lengths.Size() > 0 || !lengths.Fault().empty();
-    if (!lastEnded_) return;
+    lastEnded_ = true;
     lastHasOwn_ = key_.Carrier.has_value();
     AddLengths(reading_, std::move(key_), std::move(lengths));
     carriersAhead_.emplace_back(file_.Remotes.back().Keys.size() - 1, ahead_);

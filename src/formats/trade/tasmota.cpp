@@ -176,7 +176,6 @@ void TakeObject(const Json& given, int line, FileReading& reading) {
   }
   LengthList lengths;
   TakeRaw(object["RawData"], lengths);
-  if (!key.Carrier) key.Carrier = kUsualCarrier;
   if (!lengths.Fault().empty() && key.Coded) return reading.Add(std::move(key));
   if (lengths.Size() == 0 && lengths.Fault().empty() && !why.empty())
     return reading.Skip(std::move(key), std::move(why));
