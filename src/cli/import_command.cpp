@@ -59,8 +59,8 @@ nlohmann::ordered_json Describe(const PlannedKey& planned) {
 
 void PrintKey(const PlannedKey& planned) {
   if (planned.Fate != KeyFate::Stored) {
-    Tell(
-        Complaint{planned.File, planned.Key->Line, planned.Key->Name.value_or(""), planned.Reason}.Message());
+    const std::string file = planned.File == "-" ? "standard input" : planned.File;
+    Tell(Complaint{file, planned.Key->Line, planned.Key->Name.value_or(""), planned.Reason}.Message());
     return;
   }
   std::cout << Printable(planned.Reference()) << "\tG"
