@@ -1,11 +1,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sched.h>
 #include <stdlib.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <fstream>
 #include <thread>
@@ -15,6 +18,7 @@
 #include "line/device_access.h"
 #include "line/port_check.h"
 #include "line/port_line.h"
+#include "line/real_time.h"
 #include "line/serial/lock_file.h"
 #include "line/serial/serial_line.h"
 #include "signal/zone_link.h"
@@ -78,6 +82,22 @@ TEST(DeviceAccess, TellsAnotherProgramThatHasADevice) {
   ReleaseLockFile(lockFile);
 }
 
+TEST(Hurry, IsOverWithItsEnd) {
+  const auto now = [] {
+    int policy = 0;
+    sched_param parameters{};
+    pthread_getschedparam(pthread_self(), &policy, &parameters);
+    return std::array{policy, parameters.sched_priority, prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0)};
+  };
+  const auto before = now();
+  {
+    const Hurry hurry;
+    EXPECT_TRUE(now()[0] != SCHED_FIFO || now()[1] == 10);
+    EXPECT_LE(now()[2], 1);
+  }
+  EXPECT_EQ(now(), before);
+}
+
 TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
   KernelCalls kernel;
   const DeviceDescriptor partner(kernel, posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
@@ -100,6 +120,7 @@ TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
   const PortCheck check = CheckPort(calls, map.Ports.at(0), folders);
   EXPECT_TRUE(check.Opens && !check.Receives && !check.Sends) << check.Why;
   EXPECT_NE(check.Why.find("USB adapter"), std::string::npos) << check.Why;
+  EXPECT_NE(SerialPort::Foresee("/nowhere/ttyS0").Why.find("is not there"), std::string::npos);
 
   const std::int16_t receiver = 0;
   std::int32_t ofSettings = 2;
