@@ -33,19 +33,13 @@ TEST(MergeChanges, TakesBothUnlessTheyMeet) {
     EXPECT_EQ(MergeChanges(kBase, mine, theirs).value_or("conflict"), merged) << name;
   };
   const std::string port = Replaced(kBase, "COMPORT= 1", "COMPORT= 7"),
-                    zone = Replaced(kBase, "VEXIL= 0", "VEXIL= 2"),
                     noUp = Replaced(kBase, "G1100,UP\r\n", ""), one = Selecting(kBase, "1"),
                     moved = Config(Protocol("JVC", {"G10,EMPTY"}) + kNec + kSony), nec = Config(kNec);
-  merges("nothing of mine", kBase, kMore, kMore);
-  merges("nothing of theirs", kMore, kBase, kMore);
-  merges("the same", kMore, kMore, kMore);
-  merges("two settings", port, zone, Replaced(port, "VEXIL= 0", "VEXIL= 2"));
   merges("one of theirs between two of mine", Replaced(port, "VEXIL= 0", "VEXIL= 2"),
          Replaced(kBase, "DELAY= 10", "DELAY= 12"),
          Replaced(Replaced(port, "VEXIL= 0", "VEXIL= 2"), "DELAY= 10", "DELAY= 12"));
   merges("one setting", port, Replaced(kBase, "COMPORT= 1", "COMPORT= 8"), "conflict");
   merges("neighbours", port, Selecting(kBase, "1"), "conflict");
-  merges("two sections", noUp, kMore, Replaced(kMore, "G1100,UP\r\n", ""));
   merges("the section is gone", noUp, Config(kSony), "conflict");
   merges("one code", After("G1100,UP", kBase, "G0111,UP2"), kMore, "conflict");
   merges("selection", one, kMore, Selecting(kMore, "1"));

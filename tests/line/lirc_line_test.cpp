@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <deque>
+#include <map>
 #include <numeric>
 
 #include "line/port_check.h"
@@ -28,6 +29,7 @@ struct SimulatedDevice : DeviceCalls {
   int WriteError = 0;
   std::size_t MostItems = 1023;
   Items Coming;
+  std::map<unsigned long, std::uint32_t> Set;  // by what was last asked of it
   std::vector<std::pair<nanoseconds, std::vector<unsigned>>> Sent;
   nanoseconds Time{std::chrono::hours(1)};
 
@@ -57,6 +59,7 @@ struct SimulatedDevice : DeviceCalls {
   void Close(int /*descriptor*/) override {}
   int Ioctl(int /*descriptor*/, unsigned long request, void* argument) override {
     if (request == LIRC_GET_FEATURES) *static_cast<std::uint32_t*>(argument) = Features;
+    if (request != LIRC_GET_FEATURES) Set[request] = *static_cast<std::uint32_t*>(argument);
     return IsThere() ? 0 : (errno = ENODEV, -1);
   }
   ssize_t Read(int /*descriptor*/, void* data, std::size_t size) override {
@@ -269,13 +272,48 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
   }
 }
 
-TEST_F(LircLineTest, IsCheckedByWhatItsDeviceDoes) {
-  for (const bool there : {true, false}) {
-    Device.GoneAt = there ? nanoseconds::max() : Device.Time;
+TEST_F(LircLineTest, SetsAndTellsWhatItsDeviceCan) {
+  const std::uint32_t receives = LIRC_CAN_REC_MODE2, sends = LIRC_CAN_SEND_PULSE;
+  const std::map<unsigned long, std::uint32_t> hears = {{LIRC_SET_REC_MODE, LIRC_MODE_MODE2}},
+                                               plays = {{LIRC_SET_SEND_MODE, LIRC_MODE_PULSE}};
+  auto both = hears, all = plays;
+  both.insert(plays.begin(), plays.end());
+  all[LIRC_SET_SEND_CARRIER] = 36'000;
+  struct Case {
+    std::uint32_t Features;
+    std::map<unsigned long, std::uint32_t> Set;
+    std::string Why, Told;
+  };
+  const std::string carrier =
+      "/dev/lirc0 cannot change its carrier: what should go out with 36000 Hz goes out with about 38000 Hz, "
+      "and may be heard less far.";
+  for (const Case& c :
+       {Case{receives | sends, both, "", carrier},
+        Case{receives, hears, "/dev/lirc0 receives only. Use another device to send.", ""},
+        Case{sends, plays, "/dev/lirc0 sends only. Use another device to receive.", carrier},
+        Case{sends | LIRC_CAN_SET_SEND_CARRIER, all, "/dev/lirc0 sends only. Use another device to receive.",
+             ""},
+        Case{LIRC_CAN_REC_SCANCODE,
+             {},
+             "/dev/lirc0 gives scancodes only, no lengths. Use a receiver that gives raw infrared.",
+             ""},
+        Case{0, {}, "/dev/lirc0 neither receives nor sends raw infrared. Use another device.", ""}}) {
+    Device.Features = c.Features;
+    Device.Set.clear();
+    Told.clear();
+    LircLine line(Device, "/dev/lirc0", Receiver, {},
+                  [this](const std::string& text) { Told.push_back(text); });
+    const bool opens = line.OpenCom(1) == 1;
+    EXPECT_EQ(line.WhyNot(), opens ? "" : c.Why);
+    for (int times = 0; times < 2; ++times) line.SetCarrier(36'000);
+    EXPECT_EQ(Device.Set, c.Set) << c.Why;
+    EXPECT_EQ(Told, c.Told.empty() ? std::vector<std::string>() : std::vector{c.Told}) << c.Why;
     const MappedPort port = {1, MappedPort::Kind::Lirc, "/dev/lirc0", {}, {}};
     const PortCheck check = CheckPort(Device, port, {"/nowhere", "/nowhere"});
-    EXPECT_EQ(check.Opens && check.Receives && check.Sends, there) << check.Why;
-    EXPECT_EQ(check.Why.find("is not there") != std::string::npos, !there) << check.Why;
+    EXPECT_EQ(check.Why, c.Why);
+    EXPECT_EQ(check.Opens, opens);
+    EXPECT_EQ(check.Receives, opens && (c.Features & receives) != 0);
+    EXPECT_EQ(check.Sends, opens && (c.Features & sends) != 0);
   }
 }
 

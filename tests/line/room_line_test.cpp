@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "broker/identity.h"
 #include "broker/mosquitto_server.h"
 #include "line/rooms/broker_messages.h"
 #include "line/rooms/room_press.h"
@@ -152,6 +153,14 @@ TEST(BrokerMessages, ComeFromTheBrokerThatTheSettingsName) {
     receiver.Publish("ir/bath", "[9000,-4500,560]");
     return !messages->Take().Messages.empty();
   }));
+  EXPECT_TRUE(messages->Publish("ir/out", "[1]"));
+  EXPECT_TRUE(receiver.Sees("ir/out", 1));
+  const std::string own = "keplo/" + broker::IdentityOf(folder.Path()) + "/signal";
+  for (const auto& [topic, isPublic] :
+       {std::pair(own, true), {"keplo/b/signal", true}, {"keplo/b/event", false}}) {
+    EXPECT_EQ(messages->IsPublic(topic), isPublic);
+    EXPECT_EQ(messages->IsOwn(topic), topic == own);
+  }
 }
 
 }  // namespace

@@ -59,6 +59,7 @@ TEST_F(SerialLineTest, TellsOnceThatItsDeviceWentWhateverItDidAndOpensItAgain) {
       [&] { Line.IRSend(slots, 560, 1); }, [&] { EXPECT_EQ(QueryZone(Line), kNoZone); }};
   for (std::size_t use = 0; use < uses.size(); ++use) {
     ASSERT_EQ(Line.OpenCom(1), 1);
+    Line.SetMode(2);
     Told.clear();
     EXPECT_TRUE(AtRest());
     Port.Play(PulseTrain(300, 560));
@@ -74,6 +75,7 @@ TEST_F(SerialLineTest, TellsOnceThatItsDeviceWentWhateverItDidAndOpensItAgain) {
     Port.GoneAt = std::chrono::nanoseconds::max();
     EXPECT_TRUE(AtRest());
     EXPECT_TRUE(Port.Rts && !Port.Break) << "as after opening";
+    EXPECT_EQ(cfgetospeed(&Port.Settings), use == 4 ? B115200 : B9600);
     EXPECT_EQ(Told.back(), kSimulatedDevice + " is back.");
     EXPECT_EQ(Line.WhyNot(), "");
   }
@@ -83,7 +85,9 @@ TEST_F(SerialLineTest, PutsSlotsOutOnTime) {
   ASSERT_EQ(Line.OpenCom(1), 1);
   Port.Dtr.clear();
   const std::string bytes = "\xF0\x0F\x81";
+  const auto opened = Port.Now();
   Line.IRSend(bytes, 560, 0);
+  EXPECT_NEAR(static_cast<double>((Port.Dtr.at(0).first - opened).count()), 21e6, 0.1e6) << "no flash in it";
   const std::vector<int> ends = {0, 4, 12, 17, 23, 24};  // slots at which light begins and ends
   ASSERT_GE(Port.Dtr.size(), ends.size());
   for (std::size_t i = 0; i < ends.size(); ++i) {
@@ -200,8 +204,13 @@ TEST_F(SerialLineTest, LeavesAPortAsItFoundIt) {
   Port.Settings.c_cflag = B1200 | CS7;
   ASSERT_EQ(Line.OpenCom(1), 1);
   EXPECT_TRUE(Port.Exclusive && Port.Settings.c_cflag != (B1200 | CS7));
+  Line.DTR(-1);
+  Line.TXD(-1);
+  Line.RTS(0);
+  EXPECT_TRUE(Port.Dtr.back().second && Port.Break && !Port.Rts);
   Line.CloseCom();
   EXPECT_TRUE(!Port.Exclusive && Port.Settings.c_cflag == (B1200 | CS7));
+  EXPECT_TRUE(!Port.Dtr.back().second && !Port.Break);
 }
 
 TEST_F(SerialLineTest, DoesNothingOnAPortThatIsNotOpen) {

@@ -106,6 +106,7 @@ TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
   const auto tty = folder.Path() / "tty" / KernelName(ptsname(partner.Get()));
   for (const auto& made : {tty, folder.Path() / "usb1/1-1"}) std::filesystem::create_directories(made);
   std::filesystem::create_directory_symlink(folder.Path() / "usb1/1-1", tty / "device");
+  std::filesystem::create_directory_symlink("drivers/ftdi_sio", folder.Path() / "usb1/driver");
   const DeviceFolders folders = {folder.Path(), "/dev/pts"};
   const PortMap map = FindPorts(folders);
   int opened = 0;
@@ -119,6 +120,7 @@ TEST(PortLine, OpensAnAdapterOnUsbNotBeforeItIsUsed) {
   CountedCalls calls(opened);
   const PortCheck check = CheckPort(calls, map.Ports.at(0), folders);
   EXPECT_TRUE(check.Opens && !check.Receives && !check.Sends) << check.Why;
+  EXPECT_EQ(check.Driver, "ftdi_sio") << "of the first device above that has one";
   EXPECT_NE(check.Why.find("USB adapter"), std::string::npos) << check.Why;
   EXPECT_NE(SerialPort::Foresee("/nowhere/ttyS0").Why.find("is not there"), std::string::npos);
 
