@@ -83,7 +83,7 @@ std::string Script(Device& device, Line& line, const std::string& script, const 
               " ";
     if (word[0] == 'm') line.IRMonitor(buffer, 10);
     if (word[0] == 'r') text += std::to_string(line.IRRecord(buffer, 10, number)) + " ";
-    if (word[0] == 's') line.IRSend(std::string(1, '\xF0'), number, 0);
+    if (word[0] == 's') line.IRSend("\xF1", number, 0);
     if (!buffer.empty()) {
       const auto taken = std::chrono::round<std::chrono::microseconds>(device.Now() - start);
       text += Written(line, buffer, start) + " @" + std::to_string(taken.count()) + "; ";

@@ -117,14 +117,16 @@ TEST(RoomLine, TellsEachPressAndItsRoomAndSendsToTheOneThatIsChosen) {
        "1 0 [] /0 @10000000; 0 [] /0 @20000000; "},
       {kBoth, "s500 z4 s500 z5 s500 z3 s600 z",
        "not sent zone 0 not sent zone 1 sent zone 1 sent zone 9 cmnd/attic/IRSend "
-       "38000,2000;cmnd/bath/IRSend 38000,2400;" +
+       "38000,2000,1500,500;cmnd/bath/IRSend 38000,2400,1800,600;" +
            kWhich + kWhich},
       {kBoth, "z5 s500 pir/attic/RESULT:900,-500,560 pir/bath/RESULT:9000,-4500,560 d m30 z d",
-       "zone 1 sent 0 [9000 4500 560] 164 76/30 -10060..4000 @4000; zone 3 1 cmnd/attic/IRSend 38000,2000;"},
+       "zone 1 sent 0 [9000 4500 560] 164 76/30 -10060..4000 @4000; zone 3 1 cmnd/attic/IRSend "
+       "38000,2000,1500,500;"},
       {kBoth, "z5 s500 w499999 pir/attic/RESULT:900,-500,560 d w1 pir/attic/RESULT:900,-500,560 d m30",
-       "zone 1 sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; cmnd/attic/IRSend 38000,2000;"},
+       "zone 1 sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; cmnd/attic/IRSend "
+       "38000,2000,1500,500;"},
       {"ir/a send:ir/b", "s500 pir/a:900,-500,560 d w500000 pir/a:900,-500,560 d m30 z",
-       R"(sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; zone 9 ir/b {"timings":[2000],"modulation":38000,"repeat_count":0};)"},
+       R"(sent 1 0 [900 500 560] 16 9 11 204/30 502040..504000 @504000; zone 9 ir/b {"timings":[2000,-1500,500],"modulation":38000,"repeat_count":0};)"},
       {"ir/a", "s500 s500 pir/a:900,-500,560,-30000,600,-400,600,-40000,600 d m600 z pir/a:900,-500 d",
        "not sent not sent 0 [900 500 560 30000 600 400 600 40000 600] 16 9 11 545 11 7 11 727 11 3452/600 "
        "-74160..0 @0; zone 9 0 mqtt:ir/a has no sender. Add send:TOPIC to its line in ports.conf.;"},
