@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <fstream>
 #include <thread>
@@ -80,6 +81,18 @@ TEST(DeviceAccess, TellsAnotherProgramThatHasADevice) {
   EXPECT_EQ(HolderOfLockFile(device), "");
   EXPECT_EQ(TakeLockFile(device), locks ? lockFile : "");
   ReleaseLockFile(lockFile);
+}
+
+TEST(KernelCalls, InterruptWhatAnotherThreadWaitsFor) {
+  KernelCalls calls;
+  std::atomic<int> error = 0;
+  std::thread waiting([&] { error = calls.Poll(nullptr, 0, 600'000) < 0 ? errno : ETIMEDOUT; });
+  while (error == 0) {  // a wait may begin just after the signal
+    calls.Interrupt(waiting.native_handle());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  waiting.join();
+  EXPECT_EQ(error, EINTR);
 }
 
 TEST(Hurry, IsOverWithItsEnd) {
