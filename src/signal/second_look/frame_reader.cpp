@@ -119,7 +119,8 @@ void FrameReader::ReadPieces() {
       TakeOther(piece);
       continue;
     }
-    if (frame->HasLeader() && SingleLeader()) found_.Others.pop_back();
+    const bool ledByPiece = frame->HasLeader() && frame->First == piece.First;
+    if (ledByPiece) found_.Others.pop_back();
     const bool last = place_ + 1 == pieces_.size();
     frame->Ends = last || piece.After >= frame->Shape->RestUnits * frame->Unit;
     frame->After = piece.After;
@@ -170,10 +171,10 @@ Leader FrameReader::LeaderOf(const Piece& piece, int space) const {
 std::optional<Leader> FrameReader::SingleLeader() const {
   if (place_ == 0) return std::nullopt;
   const Piece& before = pieces_[place_ - 1];
+  if (!before.IsSingle()) return std::nullopt;
   const Leader leader = LeaderOf(before, before.After);
-  if (!before.IsSingle() || !leader.MarkIsWithin(0, before.After / kOffLeader, before.First[0]))
-    return std::nullopt;
-  return leader;
+  return leader.MarkIsWithin(0, before.After / kOffLeader, before.First[0]) ? std::optional(leader)
+                                                                            : std::nullopt;
 }
 
 /// Whether a frame without a leader is what lost marks have left of one: it follows the front of it. Nor is
@@ -241,7 +242,8 @@ void FrameReader::WriteSymbols(Frame& frame, const Body& body) {
 void FrameReader::LeaveOutPieces() {
   std::vector<Frame>& frames = found_.Frames;
   const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };
-  if (std::none_of(frames.begin(), frames.end(), hasLeader)) return;
+  const auto led = std::count_if(frames.begin(), frames.end(), hasLeader);
+  if (led == 0 || led == std::ssize(frames)) return;
   auto kept = frames.begin();
   for (const Frame& frame : frames) {
     const auto isSame = [&](const Frame& before) { return before.HasLeader() && before.SameCode(frame); };
