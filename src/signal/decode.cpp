@@ -59,7 +59,7 @@ void DecodeBiphase(std::string_view frame, std::string& code) {
 
 void DecodeRc6(std::string_view frame, std::string& code) {
   const std::optional<Rc6Frame> read = ReadRc6(frame);
-  code = read ? read->Code : std::string();
+  code = read ? read->Code() : std::string_view();
 }
 
 }  // namespace

@@ -142,7 +142,7 @@ void DecodeRc6Frames(std::string_view symbols, std::string& decoded) {
   decoded.clear();
   while (!symbols.empty()) {
     const std::size_t end = std::min(symbols.find_first_of("Gg"), symbols.size());
-    if (const auto frame = ReadRc6(symbols.substr(0, end))) decoded += frame->Code;
+    if (const auto frame = ReadRc6(symbols.substr(0, end))) decoded += frame->Code();
     if (end == symbols.size()) return;
     decoded += 'G';
     symbols.remove_prefix(end + 1);

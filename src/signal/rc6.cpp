@@ -1,13 +1,11 @@
 #include "signal/rc6.h"
 
-#include <cstddef>
-
 namespace keplo {
 
 namespace {
 
 constexpr std::size_t kHeadDigits = 4;  // start and mode; the toggle follows
-constexpr std::size_t kMode0Digits = 20, kMode6Digits = 36;
+constexpr std::size_t kMode0Digits = 20, kMode6Digits = Rc6Frame::kMostDigits;
 constexpr std::size_t kToggleHalves = 4;
 
 /// Remotes of media centres have their toggle among the digits of mode 6, and the one of double length rests.
@@ -36,7 +34,7 @@ std::optional<Rc6Frame> ReadRc6(std::string_view halves) {
   const auto half = [&](std::size_t place) { return place < halves.size() ? halves[place] : '0'; };
   Rc6Frame frame;
   for (std::size_t place = 0; place < halves.size(); place += 2) {
-    if (frame.Code.size() == kHeadDigits && place == 2 * kHeadDigits) {
+    if (frame.Size == kHeadDigits && place == 2 * kHeadDigits) {
       const std::optional<char> toggle = DigitOf(half(place), half(place + 2));
       if (!toggle || half(place) != half(place + 1) || half(place + 2) != half(place + 3))
         return std::nullopt;
@@ -44,13 +42,13 @@ std::optional<Rc6Frame> ReadRc6(std::string_view halves) {
       place += kToggleHalves;
     }
     const std::optional<char> digit = DigitOf(half(place), half(place + 1));
-    if (!digit) return std::nullopt;
-    frame.Code += *digit;
+    if (!digit || frame.Size == Rc6Frame::kMostDigits) return std::nullopt;
+    frame.Digits.at(frame.Size++) = *digit;
   }
-  if (!IsRc6Code(frame.Code)) return std::nullopt;
-  if (HasOwnToggle(frame.Code)) {
-    frame.Toggle = frame.Code[kMediaCentreToggle];
-    frame.Code[kMediaCentreToggle] = '0';
+  if (!IsRc6Code(frame.Code())) return std::nullopt;
+  if (HasOwnToggle(frame.Code())) {
+    frame.Toggle = frame.Digits[kMediaCentreToggle];
+    frame.Digits[kMediaCentreToggle] = '0';
   }
   return frame;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,8 +16,14 @@ inline constexpr std::string_view kRc6Leader = "11111100";
 
 /// One frame.
 struct Rc6Frame {
-  std::string Code;  // 20 or 36 digits, without the toggle
+  static constexpr std::size_t kMostDigits = 36;
+
+  std::array<char, kMostDigits> Digits{};
+  std::size_t Size = 0;
   char Toggle = '0';
+
+  /// 20 or 36 digits, without the toggle.
+  std::string_view Code() const { return {Digits.data(), Size}; }
 };
 
 /// Reads the half bits of a frame after its leader, 1 and 0 for a base time each.

@@ -43,7 +43,7 @@ std::optional<Frame> ReadRc6Halves(const Body& body, const Leader* leader) {
   frame.Unit = unit;
   frame.Excess = excess;
   frame.Clear = true;
-  frame.Digits = read->Code.size();
+  frame.Digits = read->Size;
   return frame;
 }
 
