@@ -146,6 +146,9 @@ std::string RuleOf(const FramesHeard& heard, bool hasSpaces) {
   }
   if (heard.Doubt == robust::FrameDoubt::OddLength)
     return "one of its lengths is further off than the others";
+  if (heard.Doubt == robust::FrameDoubt::BaseTime) return "no remote sends such a code with this base time";
+  if (heard.Doubt == robust::FrameDoubt::Interference)
+    return "interference within the only frame may have changed a digit";
   if (heard.Doubt == robust::FrameDoubt::OneDigit) return "it is one digit off what its protocol sends";
   if (heard.Doubt == robust::FrameDoubt::FewDigits && heard.Others == 0)
     return "it has a digit or two less than common protocols have, so that the code must be learned";

@@ -70,7 +70,6 @@ SuspectDigits SuspectsOf48(std::string_view digits) {
   SuspectDigits suspects;
   suspects.SpoilCode = vendor.Failed + rest.Failed == 1 ||
                        (vendor.Failed == 1 && rest.Failed == 1 && vendor.Last == rest.Last);
-  if (suspects.SpoilCode) suspects.Add(kFirst);
   return suspects;
 }
 

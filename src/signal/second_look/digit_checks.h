@@ -6,10 +6,10 @@
 
 namespace keplo::robust {
 
-/// Digits of a code that is all but one digit what its protocol sends: any of these may be the one that is
-/// wrong.
+/// Of a code that is all but one digit what its protocol sends: the digits of which any may be the one that
+/// is wrong, where it takes more to doubt the code.
 struct SuspectDigits {
-  static constexpr std::size_t kMost = 6;
+  static constexpr std::size_t kMost = 2;
   std::array<std::size_t, kMost> Places{};
   std::size_t Number = 0;
   /// Whether hardly any protocol sends such codes. Else some remotes do, whose digits are no inverse ones.

@@ -8,6 +8,7 @@
 #include "signal/second_look/digit_checks.h"
 #include "signal/second_look/frame_parts.h"
 #include "signal/second_look/length_fit.h"
+#include "signal/second_look/line_shapes.h"
 #include "signal/timing.h"
 
 namespace keplo::robust {
@@ -28,10 +29,9 @@ bool MayProveItself(const Frame& frame) { return frame.Clear && frame.Shape->Pro
 bool IsOneDigitOff(const Frame& frame, const LengthFit& fit) {
   if (frame.Kind() != kNec) return false;
   const SuspectDigits suspects = SuspectsOf(FrameDigits(frame).Text());
-  return suspects.Number > 0 &&
-         (suspects.SpoilCode ||
-          !std::all_of(suspects.Places.begin(), suspects.Places.begin() + suspects.Number,
-                       [&](std::size_t place) { return fit.IsUsual(2 * place + 1); }));
+  return suspects.SpoilCode ||
+         !std::all_of(suspects.Places.begin(), suspects.Places.begin() + suspects.Number,
+                      [&](std::size_t place) { return fit.IsUsual(2 * place + 1); });
 }
 
 bool ProvesItself(const Frame& frame) {
@@ -176,6 +176,9 @@ bool AreTwoInTurns(const Findings& found) {
 }
 
 FrameDoubt DoubtOf(const Frame& frame, int equal) {
+  const bool asksUnit = equal == 1 || frame.Kind() == kRc5;
+  const bool isUsual = frame.Shape->HasToggle ? frame.Shape->ProvesItself(frame) : HasUsualUnit(frame);
+  if (asksUnit && HasUsualExcess(frame) && !isUsual) return FrameDoubt::BaseTime;
   if (equal > 1) return MayLackDigits(frame) ? FrameDoubt::FewDigits : FrameDoubt::None;
   const LengthFit fit(frame);
   if (!fit.IsClose()) return FrameDoubt::OddLength;

@@ -18,9 +18,11 @@ const Frame* ProvenFrame(const Findings& found);
 /// Why frames that do not contradict each other are no proof of their digits.
 enum class FrameDoubt : std::uint8_t {
   None,
-  OddLength,  // one run is further off than the others let expect
-  OneDigit,   // one digit keeps the others from proving each other
-  FewDigits   // a digit or two less than common protocols have
+  OddLength,    // one run is further off than the others let expect
+  OneDigit,     // one digit keeps the others from proving each other
+  FewDigits,    // a digit or two less than common protocols have
+  BaseTime,     // none that remotes of such a code have
+  Interference  // spikes or holes in it, each of which may have changed a digit
 };
 
 /// Why a frame was not believed.

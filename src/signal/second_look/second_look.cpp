@@ -188,8 +188,8 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   const robust::Frame* proven = two || turns ? nullptr : robust::ProvenFrame(found);
   // What spoils a run of whole base times may have made it another one; of RC5 the pairs tell it.
   const bool alone = proven != nullptr && frames.size() == 1 && proven->Shape->HasWholeUnits;
-  if (alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples))
-    proven = nullptr;
+  interfered_ = alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples);
+  if (interfered_) proven = nullptr;
   const robust::Frame& shown = proven != nullptr ? *proven : frames.front();
   look_.BaseT = static_cast<std::int16_t>(std::lround(shown.Unit));
   look_.ProtoKind = shown.Kind();
@@ -245,6 +245,7 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, RunSpan allRun
   look_.OtherFrame.clear();
   look_.UnreadMarks = 0;
   found_ = nullptr;
+  interfered_ = false;
   frames_.Bodies().SetSampleTime(sampleTime);
 
   const bool joined = robust::HasInterference(allRuns);
@@ -292,7 +293,8 @@ FramesHeard SecondLook::Heard() {
   }
   heard.Differ = robust::PlacesThatDiffer(found_->Frames);
   if (heard.Frames > 0 && heard.Alike == heard.Frames)
-    heard.Doubt = robust::DoubtOf(found_->Frames.front(), heard.Frames);
+    heard.Doubt = interfered_ ? robust::FrameDoubt::Interference
+                              : robust::DoubtOf(found_->Frames.front(), heard.Frames);
   if (heard.Frames == 0 && heard.Others > 0) {
     const auto longest = std::max_element(
         found_->Others.begin(), found_->Others.end(),

@@ -104,6 +104,7 @@ class SecondLook {
   RunReader smoothRuns_;
   const int* firstRun_ = nullptr;  // of the smooth samples
   robust::FrameReader frames_;
+  bool interfered_ = false;                  // the only frame of the last reading was
   const robust::Findings* found_ = nullptr;  // by the last reading; null where it went for no frames
   std::vector<robust::Piece> finePieces_;
   RobustReading look_;
