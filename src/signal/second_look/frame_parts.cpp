@@ -46,6 +46,12 @@ bool BeginAndEndAlike(const OtherPiece& piece, const Frame& frame, std::size_t d
   return false;
 }
 
+/// Whether a run is one of these lengths, or nearly.
+bool IsOneOf(int run, const Lengths& lengths, double near) {
+  return std::any_of(lengths.Of.begin(), lengths.Of.begin() + static_cast<std::ptrdiff_t>(lengths.Number),
+                     [&](const Length& length) { return std::abs(run - length.Mean) <= near; });
+}
+
 /// Whether each edge of a piece is where the frame has one, from its beginning or back from its end. Marks
 /// and spaces that are lost take edges away, and leave the others in their places.
 /// @param step 1 from the beginning, -1 from the end
@@ -143,6 +149,18 @@ bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
 }
 
 bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) { return Tells(piece, frame, kDamagedOnce); }
+
+bool IsEndOfAnother(const OtherPiece& piece, const Frame& frame) {
+  constexpr std::size_t kFewest = 3;  // runs, of which the first may have begun before the capture
+  if (frame.Kind() != kNec || piece.Of.Size < kFewest || piece.Of.First > frame.First) return false;
+  const RunSpan runs(piece.Of.First, piece.Of.Size);
+  const double near = std::max(3.0, frame.Unit / 2);
+  for (std::size_t i = 1; i < runs.size(); ++i) {
+    if (!IsOneOf(runs[i], i % 2 == 0 ? frame.Marks : frame.Spaces, near)) return false;
+  }
+  const std::size_t most = std::min(runs.size() - 1, frame.Runs);
+  return SameRuns(&runs.back(), frame.First + frame.Runs - 1, most, -1, frame) < most;
+}
 
 std::ptrdiff_t CountTelling(const Findings& found, const Frame& frame) {
   const std::vector<OtherPiece> pieces = RestOf(found, frame);
