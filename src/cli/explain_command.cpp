@@ -201,15 +201,17 @@ bool IsAllLight(SignalState& state) {
   return runs.size() == 1 && EndsInMark(runs) && runs.front() * state.SampleTime / 1000 >= kLongestMark;
 }
 
-std::string RawText(const OpenedConfig& config, SignalState& state) {
+std::string RawText(const OpenedConfig& config, SignalState& state, const MonitorReading& reading) {
   const RawIndex& index = config.Mod.Store.Raw.Index;
   if (index.Empty()) return {};
   const RawMatch match = index.Find(HeardIn(state));
-  if (match.Digits.empty()) return "none of " + std::to_string(index.Size()) + " fits";
   const auto nameOf = [&](std::string_view digits) {
     const auto found = FindCommand(config.Text(), digits, /*limit=*/0, Analysis::Second);
     return found ? found->Protocol + "&" + found->Command : "G" + std::string(digits);
   };
+  if (!match.Alone && reading.Ended == Stage::Raw)
+    return nameOf(reading.Digits) + " fits, and behind it begins another press";
+  if (match.Digits.empty()) return "none of " + std::to_string(index.Size()) + " fits";
   const std::string fits = nameOf(match.Digits) + " fits";
   return match.Alone ? fits : fits + ", and " + nameOf(match.Other) + " nearly as well: none is taken";
 }
@@ -254,7 +256,7 @@ Explanation Explain(const Press& press, const PressOptions& options, Analysis an
   if (config != nullptr) ProveByLearning(config->Mod.Store, reading);
   if (analysis == Analysis::Second && config != nullptr) {
     AskRawCommands(config->Mod.Store, state, reading);
-    told.Raw = RawText(*config, state);
+    told.Raw = RawText(*config, state, reading);
     told.Alike = AlikeRawText(config->Mod.Store, state);
   }
   told.HasCode = reading.HasCode();

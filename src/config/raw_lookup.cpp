@@ -46,6 +46,29 @@ void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading
   reading.Toggle = toggle;
 }
 
+/// Two taps in one capture, with more silence between than parts of a message have: what is learned is a
+/// press of one. The second may be one that the capture has cut; whole it must be of the same command.
+void TakeRawTaps(const RawIndex& index, SignalState& signal, MonitorReading& reading) {
+  constexpr double kLeastPause = 60'000;  // microseconds
+  const RunSpan runs = signal.Runs.Read(signal.Samples);
+  const HeardLengths heard = HeardIn(runs, signal.SampleTime);
+  std::size_t pause = 0;
+  for (std::size_t i = 1; i < heard.Runs.size(); i += 2) {
+    if (heard.Us(i) >= kLeastPause && (pause == 0 || heard.Runs[i] > heard.Runs[pause])) pause = i;
+  }
+  if (pause == 0) return;
+  const RawMatch first = index.Find(heard.Part(0, pause));
+  if (!first.Alone) return;
+  const HeardLengths rest = heard.From(pause + 1);
+  const RawMatch second = index.Find(rest);
+  const bool isSame = second.Alone && second.Digits == first.Digits;
+  if (!isSame && !rest.Cut) return;
+  TakeRaw(first.Digits, first.Toggle, reading);
+  if (!isSame) return;
+  reading.SecondTap = std::accumulate(runs.data(), rest.Runs.data(), 0);
+  reading.SecondToggle = second.Toggle;
+}
+
 }  // namespace
 
 MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard) {
@@ -102,7 +125,7 @@ void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
   if (store.Raw.Index.Empty() || CommandOf(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
-  if (!match.Alone) return;
+  if (!match.Alone) return TakeRawTaps(store.Raw.Index, signal, reading);
   TakeRaw(match.Digits, match.Toggle, reading);
 }
 
@@ -113,28 +136,6 @@ void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view he
   const std::size_t form = toggle.value_or(false) ? 1 : 0;
   if (raw == nullptr || form >= raw->Forms.size()) return;
   if (GoesOnWithRaw(HeardIn(signal), raw->Forms[form])) TakeRaw(held, toggle, reading);
-}
-
-void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
-  constexpr double kLeastPause = 60'000;  // microseconds
-  if (store.Raw.Index.Empty() || reading.Ended == Stage::Raw || CommandOf(store.CfgText, reading)) return;
-  const RunSpan runs = signal.Runs.Read(signal.Samples);
-  const HeardLengths heard = HeardIn(runs, signal.SampleTime);
-  std::size_t pause = 0;
-  for (std::size_t i = 1; i < heard.Runs.size(); i += 2) {
-    if (heard.Us(i) >= kLeastPause && (pause == 0 || heard.Runs[i] > heard.Runs[pause])) pause = i;
-  }
-  if (pause == 0) return;
-  const RawMatch first = store.Raw.Index.Find(heard.Part(0, pause));
-  if (!first.Alone) return;
-  const HeardLengths rest = heard.From(pause + 1);
-  const RawMatch second = store.Raw.Index.Find(rest);
-  const bool isSame = second.Alone && second.Digits == first.Digits;
-  if (!isSame && !rest.Cut) return;
-  TakeRaw(first.Digits, first.Toggle, reading);
-  if (!isSame) return;
-  reading.SecondTap = std::accumulate(runs.data(), rest.Runs.data(), 0);
-  reading.SecondToggle = second.Toggle;
 }
 
 std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits) {

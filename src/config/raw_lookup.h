@@ -28,8 +28,8 @@ std::string AlikeRawText(const CfgStore& store, SignalState& signal);
 void ProveByLearning(const CfgStore& store, MonitorReading& reading);
 
 /// Asks the raw commands about a monitored capture that belongs to no other command, once it has been read
-/// with the second look. A reading that fits one ends at Stage::Raw with the digits of that command; any
-/// other reading stays as it is.
+/// with the second look. A reading that fits one, or begins with a tap of one that is followed by another
+/// tap, ends at Stage::Raw with the digits of that command; any other reading stays as it is.
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading);
 
 /// Whether a capture goes on with a press of a raw command, see GoesOnWithRaw; it reads as that command then.
@@ -38,11 +38,6 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 /// @param toggle which of its two forms was heard, if it has two
 void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
                  std::optional<bool> toggle, MonitorReading& reading);
-
-/// Two taps in one capture, with more silence between than parts of a message have: what is learned is a
-/// press of one. The second may be one that the capture has cut; whole it must be of the same command.
-/// Any reading that is raw or of a command already stays as it is.
-void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading);
 
 /// From frame to frame of a held key whose command is raw, at most; none where its press is a single frame.
 std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits);

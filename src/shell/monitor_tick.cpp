@@ -101,7 +101,6 @@ void Keplo::ReadAndDispatch() {
   if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
     AskRawCommands(mod_.Store, mod_.Signal, reading);
     TakeHeldRawKey(reading);
-    TakeRawTaps(mod_.Store, mod_.Signal, reading);
   }
   if (!reading.HasCode()) {
     Key().HearUnread(onAir_);

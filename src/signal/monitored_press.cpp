@@ -46,13 +46,10 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   if (look.FlipsAt > 0 && reading.Toggle) reading.SecondToggle = !*reading.Toggle;
 }
 
-/// Of two that read nothing the one that has come further tells why.
-void EndWithSecondLook(const RobustReading& look, Timing& measured, MonitorReading& reading) {
+/// Ends a reading that neither of the two ways has made of a signal.
+void EndUnread(const RobustReading& look, Timing& measured, MonitorReading& reading) {
   if (look.Proven == RobustReading::Proof::Refused) return reading.EndAt(Stage::Doubtful);
-  if (reading.Ended != Stage::NoTiming) return;
-  measured.BaseT = look.BaseT;
-  measured.ProtoKind = kUnknown;
-  reading.EndAt(Stage::Unknown);
+  if (TakeUnread(look, reading.Ended == Stage::NoTiming, measured)) reading.EndAt(Stage::Unknown);
 }
 
 void ReadWithSecondLook(SignalState& state, RunSpan runs, MonitorReading& reading) {
@@ -67,7 +64,7 @@ void ReadWithSecondLook(SignalState& state, RunSpan runs, MonitorReading& readin
   ReadPlainly(state, runs, reading);
   const bool believed = !refused && CouldBeDigitsOf(look, reading.Digits, state.Measured.ProtoKind);
   if (reading.ReadBy && !believed) return reading.EndAt(Stage::Doubtful);
-  if (!reading.ReadBy && look.BaseT > 0) EndWithSecondLook(look, state.Measured, reading);
+  if (!reading.ReadBy && look.BaseT > 0) EndUnread(look, state.Measured, reading);
 }
 
 }  // namespace

@@ -101,15 +101,12 @@ void Doubt(RecordReading& reading) {
   reading.IsDoubtful = true;
 }
 
-/// Of two that read nothing the one that has come further tells why.
-void EndWithSecondLook(const RobustReading& look, Timing& measured, RecordReading& reading) {
-  if (reading.Ended >= RecordStage::Fragment || look.BaseT == 0) return;
-  const bool hasFrames = look.Proven != RobustReading::Proof::Unsure;
-  if (!hasFrames && reading.Ended != RecordStage::NoTiming) return;
-  measured.BaseT = look.BaseT;
-  measured.ProtoKind = kUnknown;
+/// Ends a reading that neither of the two ways has made of a recording.
+void EndUnread(const RobustReading& look, Timing& measured, RecordReading& reading) {
+  if (reading.Ended >= RecordStage::Fragment) return;
+  if (!TakeUnread(look, reading.Ended == RecordStage::NoTiming, measured)) return;
   TakeTiming(reading, Analysis::Second, look.BaseT, kUnknown);
-  reading.IsDoubtful = hasFrames;
+  reading.IsDoubtful = look.Proven != RobustReading::Proof::Unsure;
 }
 
 void ReadWithSecondLook(SignalState& state, RunSpan runs, RecordReading& reading) {
@@ -117,12 +114,12 @@ void ReadWithSecondLook(SignalState& state, RunSpan runs, RecordReading& reading
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);
     if (!CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
-    return EndWithSecondLook(look, state.Measured, reading);
+    return EndUnread(look, state.Measured, reading);
   }
   if (look.Proven == RobustReading::Proof::Refused || !look.HasFrames()) {
     ReadPlainly(state, runs, reading);
     Doubt(reading);
-    return EndWithSecondLook(look, state.Measured, reading);
+    return EndUnread(look, state.Measured, reading);
   }
   state.Measured.BaseT = look.BaseT;
   state.Measured.ProtoKind = look.ProtoKind;

@@ -92,6 +92,19 @@ TEST_F(RawStored, TellsOfTwoThatAreTooMuchAlike) {
   }
 }
 
+TEST_F(RawStored, AreHeardInTwoTapsOfOneCapture) {
+  const auto twice = [](RawSignal signal, int pause, const RawSignal& other) {
+    RawLengths& form = signal.Forms.front();
+    form.push_back(pause);
+    form.insert(form.end(), other.Forms[0].begin(), other.Forms[0].end());
+    return signal;
+  };
+  Learn(twice(kCool, 40'000, kCool), "COOL");
+  EXPECT_EQ(Heard(store_, twice(kCool, 90'000, kCool)), "COOL");
+  EXPECT_EQ(Heard(store_, twice(kCool, 90'000, kHeat)), "");
+  EXPECT_EQ(Heard(store_, twice(kCool, 55'000, kCool)), "") << "parts of a message";
+}
+
 TEST_F(RawStored, TakesNewLengthsOfOldDigits) {
   Learn(kCool, "COOL");
   const std::string old = stored_.Disk.Files()[kFile];

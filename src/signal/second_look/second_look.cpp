@@ -127,6 +127,14 @@ bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::in
          robust::HasBothDigits(digits, robust::kFewestOfEach);
 }
 
+bool TakeUnread(const RobustReading& look, bool noTiming, Timing& measured) {
+  const bool refused = look.Proven != RobustReading::Proof::Unsure;
+  if (look.BaseT == 0 || (!refused && !noTiming)) return false;
+  measured.BaseT = look.BaseT;
+  measured.ProtoKind = kUnknown;
+  return true;
+}
+
 /// Takes a clean signal whose short spaces would be taken for interference: it is Unsure then.
 void SecondLook::LookForFineSignal(const robust::PressRuns& runs, double unit) {
   if (!robust::IsFineUnit(unit)) return;

@@ -71,6 +71,12 @@ struct FramesHeard {
 /// and enough of either kind. Marks that it took for borders, or for two, leave other numbers.
 bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::int16_t kind);
 
+/// Of two analyses that read nothing the one that has come further tells why: the second look where it
+/// refuses a signal, or where the first found no base time.
+/// @param noTiming whether the first analysis found none
+/// @return true if it is the second look, whose base time is measured then
+bool TakeUnread(const RobustReading& look, bool noTiming, Timing& measured);
+
 /// Reads captures frame by frame; keeps its memory from one to the next.
 ///
 /// Frames are split at long spaces. Within a frame a leader stands well above the other marks; what is left
