@@ -1,21 +1,13 @@
 #pragma once
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <chrono>
+#include <QProcess>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "doubles/expect.h"
 #include "doubles/until.h"
@@ -25,29 +17,25 @@ namespace keplo::tests {
 /// A program that runs beside the test.
 class Running {
  public:
-  explicit Running(Texts words) {
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    if (posix_spawnp(&process_, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
-      process_ = -1;
+  explicit Running(const Texts& words) {
+    QStringList arguments;
+    for (const std::string& word : words) arguments << QString::fromStdString(word);
+    process_.setProcessChannelMode(QProcess::ForwardedChannels);
+    process_.start(arguments.takeFirst(), arguments);
   }
   ~Running() {
-    if (process_ > 0 && kill(process_, SIGTERM) == 0) waitpid(process_, nullptr, 0);
+    process_.terminate();
+    process_.waitForFinished(-1);
   }
-  Running(const Running&) = delete;
-  Running& operator=(const Running&) = delete;
 
   /// @return the exit code; none if it goes on running, or was ended by a signal
   std::optional<int> WaitForEnd() {
-    int status = 0;
-    const bool ended = Until([&] { return process_ <= 0 || waitpid(process_, &status, WNOHANG) != 0; });
-    if (ended) process_ = -1;
-    return ended && WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
+    const bool ended = process_.waitForFinished(120'000) && process_.exitStatus() == QProcess::NormalExit;
+    return ended ? std::optional(process_.exitCode()) : std::nullopt;
   }
 
  private:
-  pid_t process_ = -1;
+  QProcess process_;
 };
 
 /// An X screen of its own without a window manager, on which a test does what a user would: it types and
@@ -63,17 +51,8 @@ class OutsideScreen {
   }
 
   OutsideScreen() {
-    std::array<int, 2> told{};
-    if (pipe(told.data()) != 0) throw std::runtime_error("no pipe for the number of the display");
-    fcntl(told[0], F_SETFD, FD_CLOEXEC);
-    server_.emplace(Texts{"Xvfb", display_, "-displayfd", std::to_string(told[1]), "-screen", "0",
-                          "1280x800x24", "-noreset"});
-    close(told[1]);
-    // The server tells its number, a line, once it can be used.
-    char last = 0;
-    while (last != '\n' && read(told[0], &last, 1) == 1) continue;
-    close(told[0]);
-    if (last != '\n') throw std::runtime_error("Xvfb does not start on display " + display_);
+    if (!Until([&] { return !Do("getdisplaygeometry").empty(); }))
+      throw std::runtime_error("Xvfb does not start on display " + display_);
   }
 
   const std::string& Display() const { return display_; }
@@ -121,7 +100,7 @@ class OutsideScreen {
 
   // Of this process alone: servers that look for a free number themselves take each other's away.
   const std::string display_ = ":" + std::to_string(kFirstDisplay + getpid() % kDisplays);
-  std::optional<Running> server_;
+  Running server_{{"Xvfb", display_, "-screen", "0", "1280x800x24", "-noreset"}};
 };
 
 }  // namespace keplo::tests

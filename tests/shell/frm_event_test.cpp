@@ -18,13 +18,8 @@ TEST(SplitCommandRef, WantsFourCharactersAfterTheFirstAmpersand) {
   }
 }
 
-class EventDialog : public ::testing::Test {
+class EventDialog : public EventDialogTest {
  protected:
-  EventDialog() {
-    store_.CfgText =
-        Config(Protocol("NEC", {"G1010,POWER", "G1011,MUTE"}) + Protocol("SONY", {"G1110,PLAY"}));
-  }
-
   bool Show(std::int32_t mode, const std::function<void(frmEvent&)>& script) {
     frmEvent dialog(store_, settings_);
     ScriptedDialog shower;
@@ -36,11 +31,6 @@ class EventDialog : public ::testing::Test {
     return event_.EventName + "|" + event_.EventDescription + "|" + event_.IRCommand + "|" +
            (event_.Enabled ? "on" : "off") + "|" + std::to_string(event_.Zone);
   }
-
-  PosixFileSystem files_;
-  CfgStore store_{"unused", files_};
-  Settings settings_;
-  clsKeploEvent event_{"7", "", "", "", false, 0};
 };
 
 TEST_F(EventDialog, ProposesTheFirstCommandWhateverWasSelectedUntilAnotherIsPicked) {

@@ -84,7 +84,7 @@ TEST_F(HostOperations, TellsWhyNothingWasStored) {
   AnswerOK();
   EXPECT_EQ(control.InputModifyEvent(unknown), 0);
   EXPECT_EQ(control.InputErrorDetails()->ErrorProcedure, "InputModifyEvent");
-  EXPECT_EQ(control.InputErrorDetails()->ErrorDate.substr(2, 10), "-Jan-1970 ");
+  EXPECT_EQ(control.InputErrorDetails()->ErrorDate.substr(2, 10), "-Nov-2002 ");
   EXPECT_NE(control.InputErrorDetails()->ErrorNumber, 0);
   EXPECT_EQ(control.InputAddEvent(taken), 0);
   EXPECT_EQ(taken.EventName, "");

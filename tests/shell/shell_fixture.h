@@ -11,18 +11,11 @@
 #include "doubles/fake_line.h"
 #include "doubles/scripted_boxes.h"
 #include "doubles/temp_folder.h"
-#include "events/event_table.h"
+#include "events/event_map_fixture.h"
 #include "events/events_on_disk.h"
 #include "shell/keplo.h"
 
 namespace keplo::tests {
-
-class FixedClock : public ui::Clock {
- public:
-  std::chrono::system_clock::time_point Now() const override {
-    return std::chrono::system_clock::from_time_t(0);
-  }
-};
 
 /// The event dialog as a user would handle it: the script plays on the shown dialog; none cancels.
 class ScriptedDialog : public EventDialogShower {
@@ -105,7 +98,7 @@ class ShellTest : public ::testing::Test {
 
   TempFolder folder_;
   PosixFileSystem files_;
-  FixedClock clock_;
+  StoppedClock clock_;
   ScriptedBoxes boxes_;
   ScriptedDialog dialog_;
   FakeLine line_;
@@ -113,6 +106,20 @@ class ShellTest : public ::testing::Test {
   std::unique_ptr<KeploMod> mod_;
   std::unique_ptr<Keplo> control_;
   std::vector<std::string> raised_, errors_, told_;  // errors by source and procedure, and what they tell
+};
+
+/// What an event dialog is about: an event, and the commands of two protocols.
+class EventDialogTest : public ::testing::Test {
+ protected:
+  EventDialogTest() {
+    store_.CfgText =
+        Config(Protocol("NEC", {"G1010,POWER", "G1011,MUTE"}) + Protocol("SONY", {"G1110,PLAY"}));
+  }
+
+  PosixFileSystem files_;
+  CfgStore store_{"unused", files_};
+  Settings settings_;
+  clsKeploEvent event_{"7", "", "", "", false, 0};
 };
 
 }  // namespace keplo::tests

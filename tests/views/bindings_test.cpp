@@ -5,8 +5,6 @@
 #include <memory>
 
 #include "looks.h"
-#include "qt/check_box_view.h"
-#include "qt/drop_down_view.h"
 #include "qt/label_view.h"
 #include "qt/list_view_widget.h"
 #include "qt/popup_menu_view.h"
@@ -24,41 +22,6 @@ TEST(ShownText, KeepsOldTextsAndEscapesAmpersands) {
   EXPECT_EQ(ShownText("Fernseher \xFC"), QStringLiteral("Fernseher ü")) << "a file from before UTF-8";
   EXPECT_EQ(ShownCaption("Sound & picture", 'P'), QStringLiteral("Sound && &picture"));
   EXPECT_EQ(ShownCaption("OK", 'x'), QStringLiteral("OK"));
-}
-
-TEST(Views, PassTheUserOnToTheirModelsAndFollowThem) {
-  ui::TextBox text;
-  TextBoxView line(text, nullptr);
-  text.SetText("Lamp");
-  QTest::keyClicks(&line, QStringLiteral(" 2"));
-  EXPECT_EQ(text.Text(), "Lamp 2");
-
-  ui::CheckBox check;
-  int clicks = 0;
-  check.OnClick = [&] { ++clicks; };
-  CheckBoxView box(check, QStringLiteral("Enabled"), nullptr);
-  QTest::keyClick(&box, Qt::Key_Space);
-  EXPECT_TRUE(check.Checked());
-  check.SetChecked(false);
-  EXPECT_FALSE(box.isChecked());
-  EXPECT_EQ(clicks, 2) << "one for each change";
-}
-
-TEST(DropDownView, PicksByKeyAndFollowsARefill) {
-  ui::DropDownList model;
-  for (const char* entry : {"NEC", "SONY", "RC5"}) model.Add(entry);
-  Texts picked;
-  model.OnClick = [&] { picked.push_back(model.Text()); };
-  DropDownView view(model, nullptr);
-  EXPECT_EQ(view.currentIndex(), -1) << "nothing is selected in the model";
-  QTest::keyClick(&view, Qt::Key_Down);
-  QTest::keyClick(&view, Qt::Key_Down);
-  model.Clear();
-  model.Add("Template");
-  EXPECT_EQ(view.currentText(), QString());
-  model.Select(0);
-  EXPECT_EQ(view.currentText(), QStringLiteral("Template"));
-  EXPECT_EQ(picked, (Texts{"NEC", "SONY", "Template"})) << "redrawing picks nothing";
 }
 
 TEST(LabelView, StaysReadableOnEveryBackColour) {

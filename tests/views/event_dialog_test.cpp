@@ -12,13 +12,9 @@ namespace {
 
 using tests::Texts;
 
-class EventDialogOnScreen : public ::testing::Test {
+class EventDialogOnScreen : public tests::EventDialogTest {
  protected:
-  EventDialogOnScreen() {
-    store_.CfgText = tests::Config(tests::Protocol("NEC", {"G1010,POWER", "G1011,MUTE"}) +
-                                   tests::Protocol("SONY", {"G1110,PLAY"}));
-    settings_.VexilMode = 1;
-  }
+  EventDialogOnScreen() { settings_.VexilMode = 1; }
 
   /// Adds an event while the user does something with the dialog; afterwards the dialog is closed.
   bool Add(const std::function<void(QWidget& dialog)>& user) {
@@ -39,11 +35,6 @@ class EventDialogOnScreen : public ::testing::Test {
   }
   static void Click(QWidget& dialog, const char* name) { Find<QAbstractButton>(dialog, name).click(); }
   static void PressInFocus(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
-
-  PosixFileSystem files_;
-  CfgStore store_{"unused", files_};
-  Settings settings_;
-  clsKeploEvent event_{"7", "", "", "", false, 0};
 };
 
 TEST_F(EventDialogOnScreen, EndsByButtonAndByKey) {
@@ -59,17 +50,21 @@ TEST_F(EventDialogOnScreen, EndsByButtonAndByKey) {
   for (const auto& [way, end, accepted] : ways) EXPECT_EQ(Add(end), accepted) << way;
 }
 
-TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommands) {
+TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommandsAndEachFieldPassesTheUserOn) {
   EXPECT_TRUE(Add([](QWidget& dialog) {
     auto& commands = Find<QComboBox>(dialog, "SendCmd");
     QTest::keyClick(&Find<QComboBox>(dialog, "Protocol"), Qt::Key_Down);
     Click(dialog, "OKButton");
     EXPECT_EQ(Find<QLabel>(dialog, "Hint").text(), QStringLiteral("Pick a protocol and a command first."));
     QTest::keyClick(&commands, Qt::Key_Down);
+    EXPECT_EQ(commands.currentText(), QStringLiteral("PLAY"));
+    QTest::keyClicks(&Find<QLineEdit>(dialog, "EventName"), QStringLiteral(" it"));
+    QTest::keyClick(&Find<QWidget>(dialog, "EvtEnable"), Qt::Key_Space);
     QTest::keyClick(&Find<QComboBox>(dialog, "ZoneListBox"), Qt::Key_End);
     Click(dialog, "OKButton");
   }));
-  EXPECT_EQ(event_.EventDescription, "PLAY from SONY");
+  EXPECT_EQ(event_.EventName + ": " + event_.EventDescription, "PLAY it: PLAY from SONY");
+  EXPECT_FALSE(event_.Enabled);
   EXPECT_EQ(event_.IRCommand, "SONY&PLAY");
   EXPECT_EQ(event_.Zone, 8);
 }
