@@ -35,7 +35,7 @@ class ApplicationPath {
   }
   /// Binds an event to the key of kPower, with actions as host.json has them.
   void AddPowerEvent(const std::string& actions) const {
-    AddEvents({{"17", "Lamp on", "POWER from NEC", "NEC&TV_POWER", true, 0}});
+    AddEvents({{"17", "Lamp on", "POWER from NEC", "NEC&TV_POWER", true, 5}});
     Write("app/host.json", R"({"version": 1, "events": {"17": {"actions": )" + actions + "}}}");
   }
 

@@ -100,7 +100,7 @@ TEST_F(HostWindowTest, ShowsEventsAndAddsAndDeletesThem) {
   Open("[]");
   const auto* log = window_->findChild<QListWidget*>();
   ASSERT_EQ(log->count(), 2);
-  EXPECT_TRUE(log->item(0)->text().endsWith("event 17  Lamp on  NEC&TV_POWER  zone 0"));
+  EXPECT_TRUE(log->item(0)->text().endsWith("event 17  Lamp on  NEC&TV_POWER  zone 5"));
   EXPECT_TRUE(log->item(1)->text().contains(": heard, but no event: "));
   QStringList captions;
   for (QAction* menu : window_->menuBar()->actions()) {

@@ -1,14 +1,9 @@
 #include "host_program/press_actions.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/input.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include "doubles/expect.h"
 #include "host_program/event_book.h"
-#include "host_program/key_name.h"
 #include "host_program/keyboard.h"
 
 namespace keplo::host {
@@ -76,31 +71,6 @@ TEST(KeysDown, LeavesDownWhatAnotherPlaceHolds) {
   EXPECT_EQ(keys.Release(6), Codes{2});
   EXPECT_EQ(keys.Release(5), Codes{1});
   EXPECT_TRUE(keys.Press(1, 5)) << "it went up";
-}
-
-TEST(Keyboard, PressesAKeyOfTheKernelUntilItIsReleased) {
-  const HostLog log(false, {});
-  Keyboard keyboard(log);
-  keyboard.PlugIn();
-  if (keyboard.DeviceNode().empty()) GTEST_SKIP() << "there is no /dev/uinput, or no right to it";
-  const int device = open(keyboard.DeviceNode().c_str(), O_RDONLY | O_CLOEXEC);
-  if (device < 0) GTEST_SKIP() << keyboard.DeviceNode() << " cannot be read";
-  std::vector<int> values;  // 1 down, 2 repeated by the kernel, 0 up
-  const auto read = [&](int last) {
-    pollfd input = {device, POLLIN, 0};
-    input_event event{};
-    while ((values.empty() || values.back() != last) && poll(&input, 1, 60000) == 1 &&
-           ::read(device, &event, sizeof event) == sizeof event) {
-      if (event.type == EV_KEY && event.code == KEY_VOLUMEUP) values.push_back(event.value);
-    }
-  };
-  for (int press = 0; press < 2; ++press) keyboard.Press(*KeyCodeOf("KEY_VOLUMEUP"), 0);
-  read(2);
-  EXPECT_EQ(values, (std::vector<int>{1, 2}));
-  keyboard.Release(0);
-  read(0);
-  EXPECT_EQ(values.back(), 0);
-  close(device);
 }
 
 }  // namespace
