@@ -45,11 +45,5 @@ TEST(CreateEventTable, FollowsTheUmask) {
   }
 }
 
-TEST(CreateEventTable, TellsThatTheFolderIsGone) {
-  const AppFolder folder;
-  std::filesystem::remove(folder.Path());
-  ExpectPart(Refusal(folder), "cannot be made (No such file or directory)");
-}
-
 }  // namespace
 }  // namespace keplo::tests
