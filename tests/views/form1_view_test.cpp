@@ -155,6 +155,7 @@ TEST_F(MainWindowOnScreen, TheTraceIsReadByMouseAndByKeyboard) {
   QTest::mouseDClick(&trace, Qt::LeftButton, {}, to);
   EXPECT_GT(form_->WavePlace(0), 20);
   EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), 533) << "the whole of it";
+  EXPECT_LT(form_->Surface.Points().size(), 16U * 533U) << "as many as pixels, not samples";
 
   Find("SendButton").setFocus();
   QTest::keyClick(view_.get(), Qt::Key_W, Qt::AltModifier);

@@ -3,11 +3,9 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTest>
-#include <QTimer>
 
 #include "looks.h"
 #include "qt/form1_view.h"
-#include "qt/qt_boxes.h"
 #include "window/window_fixture.h"
 
 namespace keplo::qt {
@@ -60,20 +58,6 @@ TEST_F(ProtocolDialogOnScreen, StandsInThePlaceOfTheWindowUntilItIsLeft) {
     EXPECT_TRUE(view_->isVisible()) << way;
   }
   EXPECT_NE(File().find("# made for a test!\r\n"), std::string::npos) << File();
-}
-
-TEST_F(ProtocolDialogOnScreen, TakesItsQuestionAlongWhenTheWindowCloses) {
-  QtBoxes boxes;
-  view_.reset();
-  form_ = std::make_unique<Form1>(*mod_, line_, boxes);
-  ASSERT_TRUE(form_->Form_Load());
-  view_ = std::make_unique<Form1View>(*form_);
-  const std::string before = File();
-  QWidget& dialog = Open(form_->FileNewMenu);
-  QTimer::singleShot(0, qApp, [&] { form_->Form_Unload(); });
-  QTest::mouseClick(dialog.findChild<QWidget*>(QStringLiteral("CreateButton")), Qt::LeftButton);
-  EXPECT_EQ(Dialog(), nullptr);
-  EXPECT_EQ(File(), before);
 }
 
 TEST_F(ProtocolDialogOnScreen, IsWorkedByKeysAloneAndGoodForEveryUser) {

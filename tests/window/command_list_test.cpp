@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "window/new_protocol.h"
 #include "window/window_fixture.h"
 
 namespace keplo::tests {
@@ -97,22 +98,37 @@ TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
   EXPECT_EQ(Delete(), Texts{"This protocol is read-only."});
 }
 
-TEST_F(CommandList, WhateverFailsIsToldAndScreenAndTextFollowTheFile) {
-  const std::string one = FileWith({"G1010,VOL"});
-  for (const bool saves : {true, false}) {
+TEST_F(CommandList, WhereverASaveFailsTheMessageFitsTheFileAndTheScreenFollowsIt) {
+  const std::string before = FileWith({"G1010,VOL", "G1100,MUTE"});
+  const auto describe = [&](const ui::MenuEntry& menu) {
+    menu.Click();
+    form_->ProtocolDialog()->ProtDesc.SetText("Living room");
+    form_->ProtocolDialog()->CreateButton.Click();
+  };
+  const std::vector<std::function<void()>> changes = {
+      [&] { form_->SaveCmdButton.Click(); }, [&] { form_->DeleteCmdButton.Click(); },
+      [&] { describe(form_->FileNewMenu); }, [&] { describe(form_->EditMenu); },
+      [&] { form_->ProtoDeleteMenu.Click(); }};
+  for (std::size_t change = 0; change < changes.size(); ++change) {
     std::string told;
     for (int operation = 1; told.find("may bring the old file back") == std::string::npos; ++operation) {
-      ASSERT_LT(operation, 40);
-      Form1& form = Open(one);
-      if (saves) RecordTwice();
+      ASSERT_LT(operation, 40) << change;
+      Form1& form = Open(before);
+      if (change == 0) RecordTwice();
+      boxes_.Names = {"VOL_UP"};
       disk_.FailAt(operation, true);
-      told = (saves ? Save({"VOL_UP"}) : Delete()).back();
+      changes[change]();
       disk_.FailAt(0, false);
+      told = boxes_.TakeShown().back();
       const bool isAsItWas = told.find("is as it was: operation") != std::string::npos;
-      EXPECT_EQ(File() == one, isAsItWas) << told;
-      EXPECT_EQ(CodeColour(), saves && isAsItWas ? "green" : "plain") << "it can be saved again";
-      EXPECT_EQ(form.SendCmd.Text(), saves && !isAsItWas ? "VOL_UP" : isAsItWas ? "VOL" : "EMPTY") << told;
-      boxes_.Shown.clear();
+      EXPECT_EQ(File() == before, isAsItWas) << told;
+      EXPECT_EQ(mod_->Store.CfgText, File()) << told;
+      EXPECT_NE(form.UndoMenu.Enabled(), isAsItWas) << told;
+      EXPECT_EQ(CodeColour(), change == 0 && isAsItWas ? "green" : "plain") << "it can be saved again";
+      const Texts protocols = form.Protocol.Entries(), commands = form.SendCmd.Entries();
+      Open(File());
+      EXPECT_EQ(protocols, form_->Protocol.Entries()) << told;
+      EXPECT_EQ(commands, form_->SendCmd.Entries()) << told;
     }
   }
   std::string full = FileWith({kEmpty});

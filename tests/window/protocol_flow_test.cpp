@@ -81,17 +81,8 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Template", "Recorded"}));
 }
 
-TEST_F(ProtocolFlow, WhatIsSelectedOrRecordedBringsItsPresets) {
+TEST_F(ProtocolFlow, WhatIsRecordedBringsItsPresets) {
   const std::string sync = "111111111111111100000000";
-  NewProtocol& dialog = New();
-  for (const Texts& preset : std::vector<Texts>{{"RC5", "850", "150", "0", "", "10", "01"},
-                                                {"SONY", "550", "40", "40", "1111", "01", "011"},
-                                                {"Custom", "550", "50", "1", sync, "10", "1000"},
-                                                {"NEC", "550", "50", "1", sync, "10", "1000"}}) {
-    dialog.GProtoIn.SelectText(preset[0]);
-    EXPECT_EQ(Fields(2), preset);
-  }
-  Cancel();
   form_->Protocol.SelectText("Recorded");
   form_->CodeStr.SetText("G1010");
   New();
@@ -188,31 +179,6 @@ TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
   EXPECT_EQ(boxes_.TakeShown(), (Texts{told, told}));
   EXPECT_EQ(shown, "dialog window dialog window ");
   EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
-}
-
-TEST_F(ProtocolFlow, WhereverASaveFailsTheMessageFitsTheFile) {
-  const std::vector<std::function<void()>> changes = {[&] { New().CreateButton.Click(); },
-                                                      [&] {
-                                                        Edit("Mine").ProtDesc.SetText("Living room");
-                                                        Dialog().CreateButton.Click();
-                                                      },
-                                                      [&] { form_->ProtoDeleteMenu.Click(); }};
-  for (const auto& change : changes) {
-    bool failed = true;
-    for (int operation = 3; failed; ++operation) {  // the first ones look for changes of other programs
-      Open(kBefore);
-      disk_.FailAt(operation, /*forGood=*/false);
-      change();
-      disk_.FailAt(0, /*forGood=*/false);
-      const std::string told = boxes_.TakeShown().back();
-      const bool kept = told.find("is as it was: operation") != std::string::npos;
-      failed = kept || told.find("is saved, but") != std::string::npos;
-      EXPECT_EQ(File() == kBefore, kept) << told;
-      EXPECT_EQ(mod_->Store.CfgText, File()) << told;
-      EXPECT_EQ(form_->Protocol.ListIndex(), mod_->Settings.ProtocolIndex) << told;
-      EXPECT_NE(form_->UndoMenu.Enabled(), kept) << told;
-    }
-  }
 }
 
 TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) {

@@ -64,21 +64,6 @@ TEST_F(Waveform, ZoomStretchesSqueezesAndComesBackFromAnywhere) {
   EXPECT_EQ(FirstX(), 23) << "too short";
 }
 
-TEST_F(Waveform, ZoomAtAPlaceKeepsWhatStandsThereAndFitsTheWholeTrace) {
-  Record(NecRuns("00000000111111110110100010010111"));
-  for (const double factor : {2.0, 2.0, 8.0, 0.25, 0.001}) {
-    const double sample = form_->WaveSample(100);
-    form_->ZoomWave(100, factor);
-    EXPECT_NEAR(form_->WaveSample(100), sample, 1) << factor;
-  }
-  form_->FitWave();
-  EXPECT_EQ(form_->HScroll1.Min(), 15);
-  EXPECT_GT(form_->WavePlace(0), 20);
-  EXPECT_LT(form_->WavePlace(form_->Wave.Samples()), form_->Surface.Width - 20);
-  EXPECT_LT(form_->Surface.Points().size(), std::size_t{16} * form_->Surface.Width)
-      << "as many as pixels, not samples";
-}
-
 TEST(WaveReading, TellsTheRunAtThePointerAndTheDistanceOfTwoCursors) {
   WaveReading wave;
   wave.Read(Runs({10, 20, 200}));
