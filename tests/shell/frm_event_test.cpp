@@ -5,19 +5,6 @@
 namespace keplo::tests {
 namespace {
 
-TEST(SplitCommandRef, WantsFourCharactersAfterTheFirstAmpersand) {
-  PosixFileSystem files;
-  for (const std::string row : {"NEC&POWER|NEC|POWER", "NEC&DOWN|NEC|DOWN", "NEC&UP||", "NEC&OFF||", "NEC||",
-                                "||", "A&B&CDE|A|B&CDE"}) {
-    const std::vector<std::string> parts = Parts(row);
-    CfgStore store("unused", files);
-    store.CurProtocol = store.CurCommand = "old";
-    SplitCommandRef(parts[0], store);
-    EXPECT_EQ(store.CurProtocol, parts[1]) << row;
-    EXPECT_EQ(store.CurCommand, parts[2]) << row;
-  }
-}
-
 class EventDialog : public EventDialogTest {
  protected:
   bool Show(std::int32_t mode, const std::function<void(frmEvent&)>& script) {
@@ -84,7 +71,7 @@ TEST_F(EventDialog, EditsAStoredEvent) {
 
 TEST_F(EventDialog, OpensWithoutASelectionForADeadReference) {
   for (const auto& [reference, protocol] : std::vector<std::pair<std::string, std::string>>{
-           {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"SONY&UP", "NEC"}}) {
+           {"GONE&POWER", ""}, {"NEC&GONE", "NEC"}, {"SONY&OFF", "NEC"}, {"A&B&CDE", ""}}) {
     event_ = {"7", "Lamp", "hall", reference, true, 0};
     EXPECT_FALSE(Show(1, [reference = reference, protocol = protocol](frmEvent& dialog) {
       EXPECT_EQ(dialog.Protocol.Text(), protocol) << reference;
