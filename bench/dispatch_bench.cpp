@@ -51,7 +51,7 @@ void PressToEvent(benchmark::State& state) {
   tests::TempFolder folder;
   folder.Write("keplo.cfg", LargeConfig());
   PosixFileSystem files;
-  tests::FixedClock clock;
+  tests::StoppedClock clock;
   tests::ScriptedBoxes boxes;
   tests::ScriptedDialog dialog;
   PressLine line(tests::Bytes(tests::Runs(tests::NecRuns(kDigits))));
