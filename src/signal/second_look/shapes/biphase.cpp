@@ -18,8 +18,9 @@ constexpr std::size_t kBiphaseDigits = 14;
 /// Digits of the half bits in whole pairs; 0 if a run stands for both halves of a digit.
 std::size_t DigitsOfPairs(const Body& body) {
   std::size_t half = 1;  // no receiver sees the first one, a space
+  const int longMark = body.Marks.LeastLong(), longSpace = body.Spaces.LeastLong();
   for (std::size_t i = 0; i < body.Size; ++i) {
-    const bool isLong = (i % 2 == 0 ? body.Marks : body.Spaces).IsLong(body.First[i]);
+    const bool isLong = body.First[i] >= (i % 2 == 0 ? longMark : longSpace);
     if (isLong && half % 2 == 0) return 0;
     half += isLong ? 2 : 1;
   }
