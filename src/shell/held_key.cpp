@@ -48,7 +48,7 @@ bool HeldKey::IsSamePress(const KeySign& sign, const AirTime& air) const {
   if (!FollowsOn(air) || sign.Digits != press_->Sign.Digits) return false;
   const std::optional<bool>& toggle = press_->Sign.Toggle;
   if (toggle && sign.Toggle) return *toggle == *sign.Toggle;
-  return !press_->Sign.Dittos && IsInTime(air);
+  return !press_->Sign.Dittos && (sign.ReadBy == Analysis::First || IsInTime(air));
 }
 
 std::optional<KeyPress> HeldKey::Hear(const KeySign& sign, const AirTime& air) {
