@@ -1,6 +1,7 @@
 #include "config/raw_lookup.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 #include "config/lookup.h"
@@ -46,10 +47,33 @@ void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading
   reading.Toggle = toggle;
 }
 
-/// Two taps in one capture, with more silence between than parts of a message have: what is learned is a
-/// press of one. The second may be one that the capture has cut; whole it must be of the same command.
-void TakeRawTaps(const RawIndex& index, SignalState& signal, MonitorReading& reading) {
-  constexpr double kLeastPause = 60'000;  // microseconds
+/// From the beginning of the frame ahead of a pause to that of the frame behind it, microseconds.
+double DistanceOver(const HeardLengths& heard, std::size_t pause) {
+  double distance = heard.Us(pause);
+  for (std::size_t i = pause; i > 0 && !heard.IsGap(i - 1); --i) distance += heard.Us(i - 1);
+  return distance;
+}
+
+/// Where a frame that comes so late begins a second tap of a raw command.
+struct TapTimes {
+  explicit TapTimes(int period) : Period(period) {}
+
+  int Period;  // of a held key, microseconds; 0 where its press is a single frame
+
+  /// Remotes do not count their silence out carefully.
+  double Longest() const { return Period == 0 ? kLongestPeriod : 1.25 * Period + 5000; }
+  bool IsLate(double distance) const { return distance > Longest(); }
+  /// Whether a held key cannot have sent it.
+  bool IsBetween(double distance) const { return Period > 0 && std::abs(distance - Period) > Period / 8.0; }
+
+ private:
+  static constexpr double kLongestPeriod = 155'000;  // 138 ms is the longest that was measured
+};
+
+/// Two taps in one capture: what is learned is a press of one. The second may be one that the capture has
+/// cut; whole it must be of the same command. What comes in the time of a repeat is none.
+void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
+  constexpr double kLeastPause = 60'000;  // microseconds; parts of a message have less
   const RunSpan runs = signal.Runs.Read(signal.Samples);
   const HeardLengths heard = HeardIn(runs, signal.SampleTime);
   std::size_t pause = 0;
@@ -57,12 +81,16 @@ void TakeRawTaps(const RawIndex& index, SignalState& signal, MonitorReading& rea
     if (heard.Us(i) >= kLeastPause && (pause == 0 || heard.Runs[i] > heard.Runs[pause])) pause = i;
   }
   if (pause == 0) return;
-  const RawMatch first = index.Find(heard.Part(0, pause));
-  if (!first.Alone) return;
+  const RawMatch first = store.Raw.Index.Find(heard.Part(0, pause));
+  const RawSignal* const raw = first.Alone ? FindRawSignal(store, "G" + std::string(first.Digits)) : nullptr;
+  if (raw == nullptr) return;
   const HeardLengths rest = heard.From(pause + 1);
-  const RawMatch second = index.Find(rest);
+  const RawMatch second = store.Raw.Index.Find(rest);
   const bool isSame = second.Alone && second.Digits == first.Digits;
-  if (!isSame && !rest.Cut) return;
+  const TapTimes times(LongestPeriodOf(raw->Forms.front()));
+  const double distance = DistanceOver(heard, pause);
+  const bool flips = isSame && first.Toggle != second.Toggle && times.IsBetween(distance);
+  if (!flips && !(times.IsLate(distance) && (isSame || rest.Cut))) return;
   TakeRaw(first.Digits, first.Toggle, reading);
   if (!isSame) return;
   reading.SecondTap = std::accumulate(runs.data(), rest.Runs.data(), 0);
@@ -125,7 +153,7 @@ void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
 void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
   if (store.Raw.Index.Empty() || CommandOf(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
-  if (!match.Alone) return TakeRawTaps(store.Raw.Index, signal, reading);
+  if (!match.Alone) return TakeRawTaps(store, signal, reading);
   TakeRaw(match.Digits, match.Toggle, reading);
 }
 
@@ -141,9 +169,7 @@ void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view he
 std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits) {
   const RawSignal* raw = FindRawSignal(store, "G" + std::string(digits));
   if (raw == nullptr) return std::nullopt;
-  const int period = LongestPeriodOf(raw->Forms.front());
-  constexpr int kSlack = 5000;  // remotes do not count their silence out carefully
-  return period == 0 ? std::nullopt : std::optional(std::chrono::microseconds(period * 5 / 4 + kSlack));
+  return std::chrono::microseconds(std::lround(TapTimes(LongestPeriodOf(raw->Forms.front())).Longest()));
 }
 
 RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {

@@ -39,7 +39,7 @@ void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& 
 void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
                  std::optional<bool> toggle, MonitorReading& reading);
 
-/// From frame to frame of a held key whose command is raw, at most; none where its press is a single frame.
+/// From frame to frame of a held key whose command is raw, at most; none if there is no such command.
 std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits);
 
 /// The signal of forms that were heard, with digits that no command of the text has.
