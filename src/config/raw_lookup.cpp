@@ -64,7 +64,7 @@ struct TapTimes {
   double Longest() const { return Period == 0 ? kLongestPeriod : 1.25 * Period + 5000; }
   bool IsLate(double distance) const { return distance > Longest(); }
   /// Whether a held key cannot have sent it.
-  bool IsBetween(double distance) const { return Period > 0 && std::abs(distance - Period) > Period / 8.0; }
+  bool IsBetween(double distance) const { return std::abs(distance - Period) > Period / 8.0; }
 
  private:
   static constexpr double kLongestPeriod = 155'000;  // 138 ms is the longest that was measured
@@ -89,7 +89,9 @@ void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& rea
   const bool isSame = second.Alone && second.Digits == first.Digits;
   const TapTimes times(LongestPeriodOf(raw->Forms.front()));
   const double distance = DistanceOver(heard, pause);
-  const bool flips = isSame && first.Toggle != second.Toggle && times.IsBetween(distance);
+  // The forms of a key that is much like another's are told apart for certain without jitter only.
+  const bool flips = isSame && first.Toggle != second.Toggle &&
+                     (times.Period > 0 ? times.IsBetween(distance) : first.IsClose && second.IsClose);
   if (!flips && !(times.IsLate(distance) && (isSame || rest.Cut))) return;
   TakeRaw(first.Digits, first.Toggle, reading);
   if (!isSame) return;
