@@ -142,6 +142,12 @@ bool Tells(const OtherPiece& piece, const Frame& frame, std::size_t damaged) {
 constexpr std::size_t kDamagedOnce = 6;  // runs that a spike or a hole makes of one
 constexpr std::size_t kJoint = 1;        // runs, where parts of a frame are joined
 
+/// Whether nothing but one silence stands between a piece and a frame with its leader.
+bool IsRightAhead(const Piece& piece, const Frame& frame) {
+  constexpr std::ptrdiff_t kLeader = 2, kSilence = 1;  // runs
+  return piece.First + piece.Size + kSilence == frame.First - (frame.HasLeader() ? kLeader : 0);
+}
+
 }  // namespace
 
 bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
@@ -152,7 +158,7 @@ bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) { return Tells(
 
 bool IsEndOfAnother(const OtherPiece& piece, const Frame& frame) {
   constexpr std::size_t kFewest = 3;  // runs, of which the first may have begun before the capture
-  if (frame.Kind() != kNec || piece.Of.Size < kFewest || piece.Of.First > frame.First) return false;
+  if (frame.Kind() != kNec || piece.Of.Size < kFewest || !IsRightAhead(piece.Of, frame)) return false;
   const RunSpan runs(piece.Of.First, piece.Of.Size);
   const double near = std::max(3.0, frame.Unit / 2);
   for (std::size_t i = 1; i < runs.size(); ++i) {

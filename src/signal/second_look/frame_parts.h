@@ -15,8 +15,8 @@ bool IsPartOf(const OtherPiece& piece, const Frame& frame);
 /// command of two frames of which one was damaged. Both are pulse distance.
 bool TellsOfAnother(const OtherPiece& piece, const Frame& frame);
 
-/// Whether a piece is the end of another frame that stood in front of this one, of the same lengths: the
-/// capture of a message of parts began within the first.
+/// Whether the first piece of a capture is the end of another frame that stood right in front of this one, of
+/// the same lengths: the capture of a message of parts began within the first.
 bool IsEndOfAnother(const OtherPiece& piece, const Frame& frame);
 
 /// How often the rest of the press tells of another frame than this one. What marks that were lost in a row

@@ -108,7 +108,9 @@ bool IsInDoubt(const Frame& frame, const Findings& found) {
   const bool equal = frame.StepUnits == 0;
   return found.Stray || !IsLongest(frame, found) ||
          std::any_of(found.Others.begin(), found.Others.end(), [&](const OtherPiece& piece) {
-           return TellsOfAnother(piece, frame) || IsEndOfAnother(piece, frame) || (equal && !piece.IsCut);
+           return TellsOfAnother(piece, frame) ||
+                  (&piece == &found.Others.front() && IsEndOfAnother(piece, frame)) ||
+                  (equal && !piece.IsCut);
          });
 }
 
