@@ -148,7 +148,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
   const std::string no;  // a stage, whichever
   const RunVector nec = NecRuns(kNecDigits);
   const RunVector sony = SonyRuns(kSonyDigits);
-  const RunVector other = SonyRuns("101010010001");
+  const RunVector other = SonyRuns("101010010110");
   const RunVector rc5 = Rc5Runs(kRc5Digits, 1);
   RunVector spiked = nec;
   spiked[5] -= 7;
@@ -198,7 +198,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
        WithoutMark(SonyRuns("10101010101011010101"), 26, 2), no},
       {"SONY of 15 that faded after 11 digits", UpTo(SonyRuns(kSonyDigits + "110"), 23), no},
       {"two that differ", Then(sony, 200, other), "doubtful"},
-      {"three, of which two agree", Then(Then(other, 200, sony), 200, sony), "SONY " + kSonyDigits},
+      {"three of SONY, of which two agree", Then(Then(sony, 200, other), 200, sony), "SONY " + kSonyDigits},
       {"two remotes", Then(sony, 200, rc5), no},
       {"the front part of a frame", split, no},
       {"the front part of a frame, and a ditto", Then(split, kGap, {160, 40, 10}), no},
