@@ -144,8 +144,8 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
        "1 1 1 rest 2000 1 1 1 rest 0 0 [] 17 383/50 @2033985; sent " + kGone + " is back.;"},
       {"a sampled recording", kSampled, "p900,500,700,30000,600,400,600,. r50 r10 q",
        "1 [] 10 8 11 371/50 @54095; 0 [] /0 @10054113; rest 0 "},
-      {"gone within a sampled one", kSampled, "p900,500,700,. w100 g1000 r400 d",
-       "0 [] /0 @10000100; 1 " + kGone}};
+      {"gone within a sampled one", kSampled, "p900,500,700,. w100 g1000 r400 d q",
+       "0 [] /0 @10000100; 1 rest 2 " + kGone}};
   for (const Row& row : rows) EXPECT_EQ(row.Heard(row.Script), row.Text) << row.Name;
 }
 

@@ -253,11 +253,12 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
     bool Gone;
   };
   const std::uint32_t both = LIRC_CAN_REC_MODE2 | LIRC_CAN_SEND_PULSE;
-  for (const Case& c :
-       {Case{"receives only", LIRC_CAN_REC_MODE2, 0, "receives only", false},
-        Case{"refuses", both, EINVAL, "does not take a signal of these lengths", false},
-        Case{"busy", both, EBUSY, "sending for another program", false},
-        Case{"fails", both, EIO, "did not send: ", false}, Case{"gone", both, ENODEV, "is gone", true}}) {
+  for (const Case& c : {Case{"receives only", LIRC_CAN_REC_MODE2, 0, "receives only", false},
+                        Case{"refuses", both, EINVAL, "does not take a signal of these lengths", false},
+                        Case{"busy", both, EBUSY, "sending for another program", false},
+                        Case{"fails", both, EIO, "did not send: ", false},
+                        Case{"busy on and on", both, EAGAIN, "did not send: ", false},
+                        Case{"gone", both, ENODEV, "is gone", true}}) {
     Device.Features = c.Features;
     Device.WriteError = c.WriteError;
     Told.clear();

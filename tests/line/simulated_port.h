@@ -28,9 +28,9 @@ class SimulatedPort : public DeviceCalls {
   bool There = true;
   std::chrono::nanoseconds GoneAt = std::chrono::nanoseconds::max();
   bool RestLevel = true;
-  bool AlwaysLit = false;
   /// Every so many calls of the clock a wake-up comes late by this.
   int LateEvery = 0;
+  int Interrupts = 0;  // of writes, before one goes through
   std::chrono::microseconds Late{0};
 
   std::vector<std::pair<std::chrono::nanoseconds, bool>> Dtr;  // changes
@@ -80,6 +80,7 @@ class SimulatedPort : public DeviceCalls {
   ssize_t Write(int descriptor, const void* data, std::size_t size) override {
     if (descriptor != kDescriptor) return static_cast<ssize_t>(size);
     if (!IsThere()) return errno = EIO, -1;
+    if (Interrupts > 0) return --Interrupts, errno = EINTR, -1;
     Written.emplace_back(now_, std::string(static_cast<const char*>(data), size));
     if (!Answers.empty()) {
       arrived_.emplace_back(now_ + Answers.front().first, Answers.front().second);
@@ -97,6 +98,7 @@ class SimulatedPort : public DeviceCalls {
       descriptors->revents = POLLHUP | POLLERR;
       return 1;
     }
+    if (descriptors->events == POLLOUT) return 1;
     const bool comes = !arrived_.empty() && arrived_.front().first <= until;
     now_ = comes ? std::max(now_, arrived_.front().first) : until;
     return comes ? 1 : 0;
@@ -111,7 +113,6 @@ class SimulatedPort : public DeviceCalls {
  protected:
   bool IsThere() const { return There && now_ < GoneAt; }
   bool Lit() const {
-    if (AlwaysLit) return true;
     std::size_t passed = 0;
     while (passed < edges_.size() && edges_[passed] <= now_) ++passed;
     return passed < edges_.size() && now_ >= start_ && passed % 2 == 0;
