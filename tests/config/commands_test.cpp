@@ -88,6 +88,8 @@ TEST(ListCommands, WalksFromCommaToComma) {
   EXPECT_EQ(ShownCode(kTwo, "NEC", "OFF"), "G1111") << "the first line with the text";
   EXPECT_EQ(ShownCode(kTwo, "JVC", "POWER"), std::nullopt);
   EXPECT_EQ(ShownCode(kTwo, "NEC", "END]"), std::nullopt) << "no comma after it";
+  const std::string later = Config(Protocol("NEC", {"G1010,POWER"}) + Protocol("SONY", {"G0011,MUTE"}));
+  EXPECT_EQ(ShownCode(later, "NEC", "MUTE"), "G0011") << "of another section";
 }
 
 TEST(LookupCommand, NamesTheCommandOfACode) {
