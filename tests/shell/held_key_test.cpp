@@ -131,14 +131,13 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
   for (const auto& [kind, code] :
        {std::pair(kNec, kDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
     Bind(code);
-    const auto told = [&, kind = kind, code = code](const std::vector<milliseconds>& presses) {
-      return Monitored(kind, code, presses);
-    };
-    EXPECT_EQ(told({50ms}), "PeR") << kind;
-    EXPECT_EQ(told({400ms}), "PeR") << kind << ": let go in the pause behind the event";
-    EXPECT_EQ(told({1000ms}), "PeHeR") << kind;
-    EXPECT_EQ(told({3000ms}), "PeHeHeHeHeHeR") << kind;
-    EXPECT_EQ(told({50ms, 1000ms, 50ms}), "PeRPeHeRPeR") << kind;
+    for (const auto& [presses, told] : std::vector<std::pair<std::vector<milliseconds>, std::string>>{
+             {{50ms}, "PeR"},
+             {{400ms}, "PeR"},  // let go in the pause behind the event
+             {{3000ms}, "PeHeHeHeHeHeR"},
+             {{50ms, 1000ms, 50ms}, "PeRPeHeRPeR"}}) {
+      EXPECT_EQ(Monitored(kind, code, presses), told) << kind;
+    }
   }
 }
 

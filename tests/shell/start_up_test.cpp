@@ -26,6 +26,7 @@ TEST_F(StartUp, OpensThePortAndFillsThePanel) {
     control.Resize(size, size);
     EXPECT_EQ(control.ListView1.Width, width);
     EXPECT_EQ(control.ListView1.Height, height);
+    EXPECT_EQ(control.ListView1.Top, 2040);
   }
 }
 

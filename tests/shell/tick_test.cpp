@@ -1,26 +1,5 @@
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "shell_fixture.h"
-#include "signal/recorded_press.h"
 #include "signal/signal_builder.h"
-
-namespace {
-
-std::atomic<std::size_t> allocations = 0;  // of this program until now
-
-}  // namespace
-
-// Inlined on one side only they look to g++ as if they did not belong together.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
 namespace keplo::tests {
 namespace {
@@ -50,38 +29,6 @@ TEST_F(Tick, CostsTwoLineReadsAtRestAndCapturesAsTheReceiverNeedsIt) {
   line_.Captures = {""};
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls(), (Texts{"TXD 0", "RTS -1", "IRMonitorN 510 delay -3"}));
-}
-
-TEST_F(Tick, AllocatesNothingAtRest) {
-  Keplo& control = Start();
-  const std::size_t before = allocations;
-  for (int tick = 0; tick < 1000; ++tick) control.Timer1.Tick();
-  EXPECT_EQ(allocations, before);
-}
-
-/// A remote that sends one frame a press, of a length that proves nothing by itself.
-TEST_F(Tick, TakesALoneFrameIfTheVeryCodeWasLearned) {
-  const std::string press = Bytes(Runs(NecRuns("101100111000110010110011")));
-  SignalState state;
-  const std::string code =
-      ReadRecordedCapture(Padded(press, kRecordCaptureBytes), state, Analysis::Second).Code;
-  WriteConfig(Protocol("MINE", {"G" + code + "11110000,OTHER", "G" + code + ",LAMP"}));
-  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
-  WriteEvents({{"17", "Lamp on", "", "MINE&LAMP", true, 0}, {"18", "Fan on", "", "MINE&OTHER", true, 0}});
-  Keplo& control = Start();
-  mod_->Settings.Analysis = Analysis::Second;
-
-  line_.Captures = {press};
-  control.Timer1.Tick();
-  EXPECT_EQ(raised_, (Texts{"17 MINE&LAMP"}));
-
-  for (const std::string& unknown : {code.substr(0, 22), code.substr(0, 20) + "1111"}) {
-    line_.Captures = {Press(unknown)};
-    control.Timer1.Tick();
-    EXPECT_EQ(control.LastTick().Reading.Ended, Stage::Doubtful);
-    EXPECT_EQ(control.LastTick().Reading.Digits, unknown);
-  }
-  EXPECT_EQ(raised_.size(), 1U);
 }
 
 TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnoughAndRaisesTheEventOfAPress) {
