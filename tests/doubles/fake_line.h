@@ -26,6 +26,8 @@ class FakeLine : public Win32Ser {
   std::function<std::int16_t(char)> Zones = [](char) -> std::int16_t { return 0; };
   std::int32_t Rest = 1;
   std::optional<SignalOrigin> Heard;  // when, of a line that knows it
+  std::function<void()> WhileRecording = [] {}, WhileSending = [] {};
+  std::string Sent;  // bytes of the last transmission
 
   std::int32_t OpenCom(std::int32_t port) override {
     Note("OpenCom", port);
@@ -52,6 +54,8 @@ class FakeLine : public Win32Ser {
     return Record("IRRecordN", buffer, delay, limit);
   }
   void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override {
+    Sent = bytes;
+    WhileSending();
     Calls.push_back("IRSend " + std::to_string(bytes.size()) + " pulse " + std::to_string(pulse) +
                     " interface " + std::to_string(interfaceType));
   }
@@ -97,6 +101,7 @@ class FakeLine : public Win32Ser {
 
   std::int32_t Record(const std::string& operation, std::span<char> buffer, std::int32_t delay,
                       std::int32_t limit) {
+    WhileRecording();
     const bool signal = !Captures.empty();
     Capture(operation + " limit " + std::to_string(limit), buffer, delay);
     return signal ? 1 : 0;

@@ -13,9 +13,7 @@ namespace {
 class HostProgramTest : public ::testing::Test {
  protected:
   void ExpectInLog(const std::vector<std::string>& texts) {
-    for (const std::string& text : texts) {
-      EXPECT_NE(host_.Log().find(text), std::string::npos) << text << " in\n" << host_.Log();
-    }
+    for (const std::string& text : texts) ExpectPart(host_.Log(), text);
   }
 
   ApplicationPath app_;

@@ -15,10 +15,9 @@ namespace keplo::qt {
 namespace {
 
 using tests::Config;
+using tests::kNecDigits;
 using tests::Protocol;
 using tests::Texts;
-
-const std::string kDigits = "00000000111111110110100010010111";
 
 class MainWindowOnScreen : public tests::WindowTest {
  protected:
@@ -43,7 +42,7 @@ class MainWindowOnScreen : public tests::WindowTest {
   void Click(const char* button) { Find<QPushButton>(button).click(); }
 
   void Record() {
-    line_.Captures.push_back(tests::Bytes(tests::Runs(tests::NecRuns(kDigits))));
+    line_.Captures.push_back(tests::Bytes(tests::Runs(tests::NecRuns(kNecDigits))));
     Click("RecButton");
     QCoreApplication::processEvents();  // the input of the busy time is dropped
   }
@@ -228,7 +227,7 @@ TEST_F(MainWindowOnScreen, ARecordingIsSavedToAFileAndOpenedAgain) {
   mod_->Signal.RawCapture.clear();
   answer();
   form_->OpenRecordingMenu.Click();
-  EXPECT_EQ(form_->CodeStr.Text(), "G" + kDigits);
+  EXPECT_EQ(form_->CodeStr.Text(), "G" + kNecDigits);
   EXPECT_EQ(mod_->Signal.SampleBits(), samples);
   EXPECT_TRUE(Find("Signal").accessibleDescription().endsWith(QStringLiteral("Recording key.mode2")));
 }

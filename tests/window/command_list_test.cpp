@@ -6,9 +6,8 @@
 namespace keplo::tests {
 namespace {
 
-const std::string kDigits = "00000000111111110110100010010111";
 const std::string kEmpty = "G10,EMPTY";
-const std::string kLine = "G" + kDigits + ",VOL_UP";
+const std::string kLine = "G" + kNecDigits + ",VOL_UP";
 const std::string kAsk =
     "Input new command name: Enter the name for the new command.\nUse only a-z, A-Z,'-','_' characters";
 
@@ -17,7 +16,7 @@ std::string FileWith(const std::vector<std::string>& commands) { return Config(P
 class CommandList : public WindowTest {
  protected:
   void RecordTwice() {
-    for (int press = 0; press < 2; ++press) Record(NecRuns(kDigits));
+    for (int press = 0; press < 2; ++press) Record(NecRuns(kNecDigits));
     ASSERT_EQ(CodeColour(), "green");
   }
   Texts Save(const std::deque<std::string>& names) {
@@ -38,22 +37,22 @@ class CommandList : public WindowTest {
 
 TEST_F(CommandList, AnUnknownRemoteIsRecordedStoredSentAndForgotten) {
   Form1& form = Open(FileWith({kEmpty}));
-  Record(NecRuns(kDigits));
+  Record(NecRuns(kNecDigits));
   EXPECT_EQ(CodeColour(), "red");
   EXPECT_EQ(Save({}), Texts{"The command is not yet validated. Pres again Record button to validate"});
   form.SendButton.Click();
   EXPECT_EQ(boxes_.TakeShown(), Texts{" The received command is not yet validated!"});
-  Record(NecRuns(kDigits));
+  Record(NecRuns(kNecDigits));
   EXPECT_EQ(form.IRCommand.Text(), "?");
 
   EXPECT_EQ(Save({"VOL_UP"}), Texts{kAsk});
   EXPECT_EQ(File(), FileWith({kEmpty, kLine}));
   EXPECT_EQ(mod_->Store.CfgText, FileWith({kLine}));
   EXPECT_EQ(form.SendCmd.Entries(), (Texts{"EMPTY", "VOL_UP"}));
-  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "VOL_UP G" + kDigits);
+  EXPECT_EQ(form.SendCmd.Text() + " " + form.CodeStr.Text(), "VOL_UP G" + kNecDigits);
   EXPECT_EQ(CodeColour() + " " + form.IRCommand.Text(), "plain Mine&VOL_UP");
 
-  Record(NecRuns(kDigits));
+  Record(NecRuns(kNecDigits));
   EXPECT_EQ(CodeColour() + " " + form.IRCommand.Text(), "plain Mine&&VOL_UP");
   form.SendButton.Click();
   EXPECT_EQ(form.IRCommand.Text(), "Mine / VOL_UP");
@@ -82,7 +81,7 @@ TEST_F(CommandList, WhatIsSavedIsSentAsItCame) {
 }
 
 TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
-  Form1& form = Open(FileWith({"G" + kDigits + "01,LONGER", "G111000,MUTE_ALL"}));
+  Form1& form = Open(FileWith({"G" + kNecDigits + "01,LONGER", "G111000,MUTE_ALL"}));
   Record(Frames(SonyRuns("101000100010"), 3));
   EXPECT_EQ(Save({"VOL UP", "mute"}), (Texts{kAsk, "Use only a-z, A-Z,'-','_' characters", kAsk,
                                              "This command name is in use for the current protocol.", kAsk}));
@@ -91,7 +90,7 @@ TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
   EXPECT_EQ(CodeColour(), "green");
   form.CodeStr.SetText("G10x0");
   EXPECT_EQ(Save({}), Texts{"The code you want to save is invalid."});
-  form.CodeStr.SetText(" G" + kDigits);
+  form.CodeStr.SetText(" G" + kNecDigits);
   EXPECT_EQ(Save({}), Texts{"This command exist as LONGER"});
   EXPECT_EQ(boxes_.Reasons.back(), "It is a command of the protocol Mine.");
   form.Protocol.SelectText("Template");
@@ -187,9 +186,7 @@ TEST_F(CommandList, TakesInWhatOtherProgramsWriteAndKeepsWhatTheUserIsAt) {
   WriteOutside(Config(Protocol("TV", {"G0111,MENU"})));
   EXPECT_EQ(form.CodeStr.Text(), "G0111") << "what is listed follows";
 
-  std::string settings = Replaced(File(), "BEEPON= 1", "BEEPON= 0");
-  settings = Replaced(Replaced(settings, "ITYPE= 0", "ITYPE= 8"), "VEXIL= 0", "VEXIL= 3");
-  settings = Replaced(Replaced(settings, "PROCDELAY= 10", "PROCDELAY= 28"), "COMPORT= 1", "COMPORT= 7");
+  const std::string settings = Config(Protocol("TV", {"G0111,MENU"}), General("7 0 28 8 0 3"));
   WriteOutside(settings);
   EXPECT_FALSE(form.BeepCheckbox.Checked());
   EXPECT_EQ(

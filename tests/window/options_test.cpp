@@ -28,7 +28,6 @@ TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
                          {click(form.IRMouseMenu), "9 0 1", "IRMouse TxD", {}},
                          {check(form.TxDCheckBox, false), "8 0 1", "IRMouse", {}},
                          {click(form.StdDcdMenu), "0 0 1", "DCDStd", {}},
-                         {click(form.StdDcdMenu), "0 0 1", "DCDStd", {}},
                          {check(form.TxDCheckBox, true), "1 0 1", "DCDStd TxD", {"SetMode 1"}},
                          {check(form.VexilCheckbox, true), "0 1 1", "DCDStd off zone 1", {"SetMode 2"}},
                          {[&] { form.Zone.Select(4); }, "0 5 1", "DCDStd off zone 5", {}},

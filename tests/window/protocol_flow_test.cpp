@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "config/protocol_edit.h"
 #include "window/new_protocol.h"
 #include "window/window_fixture.h"
 
@@ -11,7 +10,6 @@ const std::string kMine = Protocol("Mine", {"G1010,POWER", "G1100,MUTE"});
 const std::string kOther = Protocol("TV", {"G10,EMPTY"});
 const std::string kTemplate = Protocol("Template", {"G10,EMPTY"}) + "[END]\r\n";
 const std::string kBefore = kGeneral + kMine + kOther + kTemplate;
-const std::string kDigits = "00000000111111110110100010010111";
 
 class ProtocolFlow : public WindowTest {
  protected:
@@ -129,7 +127,7 @@ TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndLeavesTheCommands) {
 }
 
 TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelectedAndKeepsARecordedCode) {
-  for (int press = 0; press < 2; ++press) Record(Frames(NecRuns(kDigits), 2));
+  for (int press = 0; press < 2; ++press) Record(Frames(NecRuns(kNecDigits), 2));
   const Texts recorded = {form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()};
   ASSERT_EQ(recorded[2], "green");
   form_->TestCheck.SetChecked(true);
@@ -166,10 +164,6 @@ TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
     EXPECT_EQ(boxes_.TakeShown(), told);
   }
   form_->Protocol.SelectText("Mine");
-  mod_->Store.CfgText = Replaced(kBefore, "[Mine]", "see [Mine]");
-  form_->ProtoDeleteMenu.Click();
-  EXPECT_EQ(boxes_.TakeShown().back(), RefusalText(ProtocolRefusal::HeaderLine));
-  EXPECT_EQ(mod_->Store.CfgText, Replaced(kBefore, "[Mine]", "see [Mine]"));
   std::string shown;
   form_->OnProtocolDialog = [&] { shown += form_->ProtocolDialog() != nullptr ? "dialog " : "window "; };
   mod_->Store.CfgText = kGeneral + Replaced(kMine, "GREPEAT= 72", "GREPEAT= ??") + kOther + "[END]\r\n";

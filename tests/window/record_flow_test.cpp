@@ -5,7 +5,6 @@
 namespace keplo::tests {
 namespace {
 
-const std::string kNecDigits = "00000000111111110110100010010111";
 const std::string kRc5Digits = "11100101001100";  // address 5, command 12, toggle 1
 const std::string kRc5Code = "11000101001100";
 

@@ -140,7 +140,6 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
       {without("[END]\r\n"), false, false},
       {without("[General]"), false, false},
       {without("ITYPE= "), false, true},
-      {without("VEXIL= "), false, true},
       {without("COMPORT= 5\r\nPROTOCOL= 0", "PROTOCOL= 0\r\nCOMPORT= 5"), false, true},
       {"", false, false},
       {std::string(kMostCharacters + 1, 'x'), false, true},
@@ -194,22 +193,6 @@ TEST_F(StartUp, AWindowOfTheShellWorksOnTheTextInMemory) {
   ASSERT_TRUE(form_->Form_Load());
   EXPECT_TRUE(form_->BeepCheckbox.Checked());
   EXPECT_EQ(File(), FileOf("5 0 10 0 1 0")) << "the port that was found has been saved";
-}
-
-TEST_F(StartUp, FailedSavesAreToldOnceAndTriedAgainAtTheEnd) {
-  line_.Opens = [this](std::int32_t port) {
-    if (port == 2) disk_.FailAt(1, true);
-    return port == 5;
-  };
-  ASSERT_TRUE(Load(FileOf("5 0 10 1 1 3")));
-  const Texts told = boxes_.TakeShown();
-  ASSERT_EQ(told.size(), 1U);
-  ExpectPart(told.front(), "keplo.cfg");
-  EXPECT_EQ(File(), FileOf("5 0 10 1 1 3"));
-  disk_.FailAt(0, false);
-  form_->Form_Unload();
-  EXPECT_EQ(File(), FileOf("5 0 10 0 1 3"));
-  EXPECT_TRUE(boxes_.Shown.empty());
 }
 
 TEST_F(StartUp, ASettingThatDoesNotFitKeepsNothingElseFromTheFile) {

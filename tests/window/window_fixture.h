@@ -16,22 +16,7 @@
 
 namespace keplo::tests {
 
-class SendingLine : public FakeLine {
- public:
-  std::function<void()> WhileRecording = [] {};
-  std::int32_t IRRecord(std::span<char> buffer, std::int32_t delay, std::int32_t limit) override {
-    WhileRecording();
-    return FakeLine::IRRecord(buffer, delay, limit);
-  }
-
-  std::function<void()> WhileSending = [] {};
-  std::string Sent;  // bytes of the last transmission
-  void IRSend(std::string_view bytes, std::int32_t pulse, std::int32_t interfaceType) override {
-    Sent = bytes;
-    WhileSending();
-    FakeLine::IRSend(bytes, pulse, interfaceType);
-  }
-};
+inline const std::string kNecDigits = "00000000111111110110100010010111";
 
 /// The stand-alone window over a file, a line and boxes.
 class WindowTest : public ::testing::Test {
@@ -62,7 +47,7 @@ class WindowTest : public ::testing::Test {
   }
 
   FakeDisk disk_;
-  SendingLine line_;
+  FakeLine line_;
   ScriptedBoxes boxes_;
   std::unique_ptr<KeploMod> mod_;
   std::unique_ptr<Form1> form_;
