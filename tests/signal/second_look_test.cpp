@@ -240,8 +240,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
 TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
   const auto lone = [](const std::string& digits) { return DistanceRuns({90, 50}, 10, 10, 30, digits); };
   const std::string odd = kNecDigits.substr(0, 22);
-  const RunVector alone = lone(odd);
-  const RunVector ditto = {160, 40, 10};
+  const RunVector alone = lone(odd), bare = DistanceRuns({}, 10, 10, 30, odd), ditto = {160, 40, 10};
   struct Case {
     std::string Name;
     RunVector Press;
@@ -270,10 +269,11 @@ TEST(SecondLook, KeepsTheDigitsOfAFrameThatIsAlone) {
       {"40 digits behind the leader of NEC", DistanceRuns({160, 80}, 10, 10, 30, kNecDigits + "10110100"),
        kNecDigits + "10110100"},
       {"another piece after it", Then(alone, kGap, {10, 30, 10, 10, 10}), ""},
+      {"the beginning of the next one, a space of it too long", Then(alone, 2600, Changed(alone, 7, 7)), odd},
       {"a digit made almost another", Changed(WidthRuns({40, 10}, 10, 10, 20, kSonyDigits), 4, 7), ""},
-      {"without a leader", DistanceRuns({}, 10, 10, 30, odd), odd},
-      {"the same behind another piece, which may be its head",
-       Then({10, 10, 10}, 60, DistanceRuns({}, 10, 10, 30, odd)), ""},
+      {"without a leader", bare, odd},
+      {"the same and its beginning again", Then(bare, 2800, bare), odd},
+      {"the same behind another piece, which may be its head", Then({10, 10, 10}, 60, bare), ""},
       {"12 digits of pulse distance", lone(odd.substr(0, 12)), odd.substr(0, 12)},
   };
   for (const Case& c : cases) {

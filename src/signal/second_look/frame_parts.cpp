@@ -14,11 +14,16 @@ namespace {
 /// frame.
 std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step,
                      const Frame& frame) {
-  const double near = std::max(3.0, frame.Unit / 2);
-  // A mark of pulse distance is of one length, so that one that strays is no other digit.
-  const double nearMark = frame.Kind() == kNec ? std::max(near, 0.75 * frame.Unit) : near;
+  const double half = std::max(3.0, frame.Unit / 2);
+  double nearMark = half, nearSpace = half;
+  if (frame.Kind() == kNec) {
+    // A mark of pulse distance is of one length, so that one that strays is no other digit, and a space is
+    // one only beyond the middle between the two.
+    nearMark = std::max(half, 0.75 * frame.Unit);
+    nearSpace = std::max(half, std::min(0.75, 0.375 * frame.StepUnits) * frame.Unit);
+  }
   std::size_t same = 0;
-  while (same < most && std::abs(*one - *other) <= (same % 2 == 0 ? nearMark : near)) {
+  while (same < most && std::abs(*one - *other) <= (same % 2 == 0 ? nearMark : nearSpace)) {
     ++same;
     if (same == most) break;
     one += step;
@@ -152,6 +157,13 @@ bool IsRightAhead(const Piece& piece, const Frame& frame) {
 
 bool IsPartOf(const OtherPiece& piece, const Frame& frame) {
   return BeginAndEndAlike(piece, frame, kDamagedOnce);
+}
+
+bool BeginsAgainIn(const OtherPiece& piece, const Frame& frame) {
+  constexpr std::size_t kCut = 1;  // runs
+  const std::size_t most = std::min(piece.Of.Size, frame.Runs);
+  return piece.IsCut && piece.Of.Size >= kTelling &&
+         SameRuns(piece.Of.First, frame.First, most, 1, frame) + kCut >= piece.Of.Size;
 }
 
 bool TellsOfAnother(const OtherPiece& piece, const Frame& frame) { return Tells(piece, frame, kDamagedOnce); }

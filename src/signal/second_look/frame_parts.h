@@ -11,6 +11,9 @@ namespace keplo::robust {
 /// after it those up to the frame's end. A piece that is cut has its head alone.
 bool IsPartOf(const OtherPiece& piece, const Frame& frame);
 
+/// Whether a piece that the capture has cut begins as a frame, which so has not lost its head.
+bool BeginsAgainIn(const OtherPiece& piece, const Frame& frame);
+
 /// Whether a piece tells of another frame than this one: that the press is a message of several parts, or the
 /// command of two frames of which one was damaged. Both are pulse distance.
 bool TellsOfAnother(const OtherPiece& piece, const Frame& frame);

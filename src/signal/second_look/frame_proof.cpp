@@ -151,7 +151,9 @@ bool IsOnlyFrame(const Findings& found) {
   const auto isWholeAndSame = [&](const Frame& frame) {
     return frame.Clear && frame.Ends && frame.SameCode(first);
   };
-  const bool mayLackHead = !first.HasLeader() && found.Frames.size() == 1 && !found.Others.empty();
+  const auto beginsAgain = [&](const OtherPiece& piece) { return BeginsAgainIn(piece, first); };
+  const bool mayLackHead = !first.HasLeader() && found.Frames.size() == 1 &&
+                           !std::all_of(found.Others.begin(), found.Others.end(), beginsAgain);
   // What a stretched run makes of a key's code may be that of another key.
   const bool sound = found.Frames.size() > 1 || LengthFit(first).IsClose();
   return sound && !mayLackHead && ArePartOf(found, found.Frames) &&
