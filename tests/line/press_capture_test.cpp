@@ -51,6 +51,10 @@ TEST(CaptureOfPress, ShapesPulsesUnlessToldNotToAndNoRawBytes) {
   damaged[7] += 400;
   EXPECT_EQ(CaptureOfPress(damaged, 510, kept), PulsesToCapture(damaged, 55, 510));
   EXPECT_EQ(PressOnAir(damaged, kept), damaged);
+  damaged[9] = 90;
+  EXPECT_LT(PressOnAir(damaged, kept).size(), damaged.size());
+  const PulseTrain fine = {400, 270, 160, 270, 90, 440, 160, 600, 160, 270, 160, 100'000};
+  EXPECT_EQ(PressOnAir(fine, kept), fine) << "marks that are hardly longer than glitches";
 }
 
 TEST(CaptureToShow, BringsBackWhatWasKeptAtAnySampleTimeAndShapesAllElse) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -52,13 +53,11 @@ void RemoveFlash(PulseTrain& press) {
   if (flash) press.erase(press.begin(), press.begin() + 2);
 }
 
-}  // namespace
-
-void RemoveGlitches(Pulses press, PulseTrain& smooth) {
+void RemoveGlitches(Pulses press, int shortest, PulseTrain& smooth) {
   smooth.clear();
   bool joined = false;
   for (const int run : press) {
-    const bool glitch = run < kShortestRun && !smooth.empty();
+    const bool glitch = run < shortest && !smooth.empty();
     if (joined || glitch) {
       smooth.back() = std::min(smooth.back() + run, kLongestPulse);
     } else {
@@ -69,8 +68,25 @@ void RemoveGlitches(Pulses press, PulseTrain& smooth) {
   RemoveFlash(smooth);
 }
 
+/// The shortest run that is no glitch. Some remotes have marks of 160 us, and jitter leaves 90 of one.
+int ShortestRunOf(Pulses press) {
+  constexpr std::size_t kShort = 5;  // so many of all runs are the short ones
+  constexpr double kOfShort = 0.4;
+  std::vector<int> runs;
+  std::copy_if(press.begin(), press.end(), std::back_inserter(runs),
+               [](int run) { return run >= kShortestRun; });
+  if (runs.empty()) return kShortestRun;
+  const auto typical = runs.begin() + static_cast<std::ptrdiff_t>(runs.size() / kShort);
+  std::nth_element(runs.begin(), typical, runs.end());
+  return std::min(kShortestRun, static_cast<int>(kOfShort * *typical));
+}
+
+}  // namespace
+
+void RemoveGlitches(Pulses press, PulseTrain& smooth) { RemoveGlitches(press, ShortestRunOf(press), smooth); }
+
 void CleanPress(Pulses press, ShapingSpace& space, PulseTrain& clean) {
-  RemoveGlitches(press, space.Smooth);
+  RemoveGlitches(press, kShortestRun, space.Smooth);
   SplitFrames(space.Smooth, space.Frames);
   std::optional<PressTiming> timing = MeasurePress(space.Frames);
   // A first mark that is cut spoils the measure of all.
