@@ -115,7 +115,7 @@ std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::
 
 RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms) {
   for (const RawLengths& form : forms) {
-    if (const RawMatch match = MatchOf(index, form); match.IsClose) return match;
+    if (const RawMatch match = MatchOf(index, form); match.IsSame) return match;
   }
   return {};
 }
@@ -185,7 +185,7 @@ RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form
 
 std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal) {
   const RawMatch match = FindLikeRaw(store.Raw.Index, signal.Forms);
-  return match.IsClose ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
+  return match.IsSame ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
 LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {

@@ -54,7 +54,7 @@ MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard);
 std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms);
 
 /// The raw command of an index that could be taken for a signal of these forms, or the signal for it, by what
-/// a monitored capture holds of the two; not close if there is none.
+/// a monitored capture holds of the two; not the same if there is none.
 RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms);
 
 /// Whether the monitor takes each form of a raw command of an index for that command. What hardly has a

@@ -173,7 +173,7 @@ class Planner {
   bool IsKnownAsRaw(const std::vector<RawLengths>& forms, std::size_t place) {
     if (raw_.Empty()) return false;
     const RawMatch match = FindLikeRaw(raw_, forms);
-    if (!match.IsClose) return false;
+    if (!match.IsSame) return false;
     if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
     plan_.Keys[place].Fate = KeyFate::Known;
     plan_.Keys[place].Reason.clear();

@@ -27,7 +27,8 @@ RunVector Frame(const std::string& digits, int least = 8, int step = 12) {
 
 const std::string kKey = "012021102201", kOtherKey = "012021102200";
 
-RunVector LongSpaced() { return Frame(kKey, 90, 45); }
+/// Two of three spaces are as long as those that part frames.
+RunVector LongSpaced() { return Frame(kKey, 9, 86); }
 
 /// A press with a frame ahead of the key's and behind them that all keys of the remote have. Frames are
 /// letters: s is that one, k and o are of two keys.
@@ -87,6 +88,14 @@ RunVector First(RunVector runs, std::size_t count) {
   return runs;
 }
 
+/// A receiver that has missed the mark at a place.
+RunVector WithoutMark(RunVector runs, std::size_t place) {
+  runs[place - 1] += runs[place] + runs[place + 1];
+  runs.erase(runs.begin() + static_cast<std::ptrdiff_t>(place),
+             runs.begin() + static_cast<std::ptrdiff_t>(place) + 2);
+  return runs;
+}
+
 RawSignal Learned(const std::string& digits, const RunVector& runs) {
   Ear ear;
   return {digits, {FindLevels(ear.Hear(Silent(runs)))->Lengths}};
@@ -112,6 +121,11 @@ INSTANTIATE_TEST_SUITE_P(
         HeardCase{"FirstMarkTooLong", Silent(From(Frame(kKey), 0, 75)), ""},
         HeardCase{"Held", Silent(Then(Frame(kKey), kFrameGap, Frame(kKey))), "key"},
         HeardCase{"HeldWithoutDigits", Silent(Then(Frame(kKey), kFrameGap, {60, 15, 8})), "key"},
+        HeardCase{"SecondFrameLostAMark", Silent(Then(Frame(kKey), kFrameGap, WithoutMark(Frame(kKey), 10))),
+                  "key"},
+        HeardCase{"FirstFrameLostAMark", Silent(Then(WithoutMark(Frame(kKey), 10), kFrameGap, Frame(kKey))),
+                  "key"},
+        HeardCase{"OnlyFrameLostAMark", Silent(WithoutMark(Frame(kKey), 10)), ""},
         HeardCase{"GoesOnOtherwise", Silent(Then(Frame(kKey), kFrameGap, Frame(kOtherKey))), ""},
         HeardCase{"OtherSampleTime", Silent(Scaled(Frame(kKey), 1.1)), "key"},
         HeardCase{"MuchSlower", Silent(Scaled(Frame(kKey), 1.25)), ""},
@@ -155,7 +169,7 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
   index.Add(Learned("key", Frame(kKey)));
   index.Add(Learned("other", Frame(kOtherKey)));
   RawSignal alike = Learned("alike", Frame(kKey));
-  alike.Forms.front()[9] += 150;
+  alike.Forms.front()[9] += 120;
   for (const double sampleTime : {50.0, 100.0}) {
     Ear ear;
     const auto heard =
@@ -167,10 +181,9 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
   Ear ear;
   RunVector runs = Silent(Frame(kKey));
   EXPECT_EQ(index.Find(ear.Hear(runs)).Digits, "key");
-  RunVector jittered = runs;
-  for (std::size_t i = 10; i + 1 < runs.size(); ++i) jittered[i] += i % 4 < 2 ? 1 : -1;
-  EXPECT_TRUE(index.Find(ear.Hear(runs)).Alone && !index.Find(ear.Hear(jittered)).Alone)
-      << "by 150 us in one";
+  EXPECT_TRUE(index.Find(ear.Hear(runs)).Alone) << "by 120 us, in all edges behind it";
+  ++runs[9];
+  EXPECT_FALSE(index.Find(ear.Hear(runs)).Alone);
 }
 
 TEST(RawCompare, KnowsWhatAHeldKeySendsOn) {
@@ -198,7 +211,7 @@ TEST(RawLevels, AreThoseOfACleanSignalOnly) {
   for (std::size_t i = 4; i < jittery.size(); i += 4) ++jittery[i];
   const auto signal = FindLevels(ear.Hear(Silent(jittery)));
   ASSERT_TRUE(signal);
-  EXPECT_EQ(signal->Lengths[2], signal->Lengths[4]) << "the mean of their level";
+  EXPECT_NEAR(signal->Lengths[2], signal->Lengths[4], 10) << "the mean of their level";
   for (int i = 0; i < 30; ++i) {
     const int stray = i % 3 + i / 3 % 3 + i / 9 % 3;
     flicker.insert(flicker.end(), {20, 30});
@@ -209,8 +222,12 @@ TEST(RawLevels, AreThoseOfACleanSignalOnly) {
     EXPECT_FALSE(FindLevels(ear.Hear(lamp)));
     EXPECT_TRUE(IsNoise(ear.Hear(lamp)));
   }
-  const RunVector equal(17, 20);
+  const RunVector equal(17, 20), few(11, 20);
   EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, equal))))) << "as many pulses in each frame";
+  EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(few, kFrameGap, few)))));
+  EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(Then(few, kFrameGap, few), kFrameGap, few)))));
+  const RunVector sixteen = Frame("0123456789:;<=>?", 14, 3);
+  EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(sixteen, kFrameGap, sixteen))))) << "sixteen lengths of space";
   EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, RunVector(19, 20))))));
   EXPECT_FALSE(FindLevels(ear.Hear(noise)));
 }
@@ -230,7 +247,7 @@ TEST(RawSlots, PutEdgesOnTheNearestBorder) {
 }
 
 /// Presses are letters: a and b are forms alike, c is of another remote, A holds its frame twice, and
-/// s and S are a tap and a hold of a key whose frames are enclosed by others.
+/// s and S are a tap and a hold of a key whose frames are enclosed by others, and h holds a by other frames.
 TEST(RawLesson, WantsEachFormTwice) {
   struct Row {
     std::string Presses;
@@ -245,6 +262,8 @@ TEST(RawLesson, WantsEachFormTwice) {
                          {"aabab", false, true, false},
                          {"sS", true, false, true},
                          {"Ss", true, false, true},
+                         {"ah", true, false, true},
+                         {"ha", true, false, true},
                          {"acac", false, false, false},
                          {"aabb", true, false, false}}) {
     RawLesson lesson;
@@ -254,6 +273,7 @@ TEST(RawLesson, WantsEachFormTwice) {
       if (press == 'c') runs = Frame(kKey + kKey);
       if (press == 's' || press == 'S') runs = Enclosed(press == 's' ? "sks" : "skkks");
       if (press == 'A') runs = Then(runs, kFrameGap, runs);
+      if (press == 'h') runs = Then(runs, 1500, Frame(kOtherKey));
       EXPECT_TRUE(lesson.Hear(ear.Hear(Silent(runs))));
     }
     EXPECT_EQ(lesson.IsLastConfirmed(), row.Confirmed) << row.Presses;
@@ -271,11 +291,11 @@ TEST(RawLesson, WantsEachFormTwice) {
   EXPECT_EQ(&lesson.Last(), &lesson.Forms().front());
   RunVector late = Frame(kKey);
   late[0] -= 20;
-  late[9] += 2;
+  late[1] += 2;
   lesson.Hear(ear.Hear(Silent(late)));
   const RawLengths& mean = lesson.Last().Signal.Lengths;
   EXPECT_EQ(mean[0], 60 * kNominalSampleTime) << "a recording may begin late";
-  EXPECT_EQ(mean[9], (Frame(kKey)[9] + 1) * kNominalSampleTime) << "of both presses";
+  EXPECT_EQ(mean[1], 31 * kNominalSampleTime) << "of both presses";
 }
 
 /// Frames are letters, and a piece of a frame is a small one.

@@ -5,6 +5,7 @@
 #include <numeric>
 #include <optional>
 
+#include "signal/raw/raw_edges.h"
 #include "signal/raw/raw_frames.h"
 #include "signal/raw/raw_periods.h"
 
@@ -23,6 +24,11 @@ constexpr float kGapTolerance = 0.04F;
 /// Two receivers lengthen marks by up to 120 us each.
 constexpr float kMostExcess = 260;
 constexpr float kSameScale = 0.035F;
+/// What the edges of one key step aside in two hearings of it, mostly and once in many thousands, see
+/// RawEdges.
+constexpr float kOneKeyStep = 5.2F, kMostStep = 8;
+/// What keeps two commands apart when they are heard: two edges that are 120 us aside; square microseconds.
+constexpr float kTellingSquares = 2 * 120 * 120;
 
 /// How the heard lengths relate to the stored ones.
 struct RawMeasure {
@@ -34,16 +40,19 @@ struct RawMeasure {
 struct RawDifference {
   float Squares = 0, Most = 0;  // Most less what its length allows for
   std::size_t Lengths = 0;
+  RawEdges Edges = {};
 
-  void Add(float off, float allowed) {
+  void Add(float length, float off, float allowed) {
     Squares += off * off;
     Most = std::max(Most, std::abs(off) - allowed);
     ++Lengths;
+    Edges.Add(length, off);
   }
   void Add(const RawDifference& other) {
     Squares += other.Squares;
     Most = std::max(Most, other.Most);
     Lengths += other.Lengths;
+    Edges.Add(other.Edges);
   }
   bool IsWithin(float mean, float raster) const {
     const float squared = mean * mean + kRasterMean * kRasterMean * raster * raster;
@@ -98,6 +107,7 @@ std::optional<RawMeasure> Measure(const RawPair& pair) {
 /// @return nothing if the lengths are not the same
 std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measure, bool wholeFirst) {
   RawDifference differ;
+  if (wholeFirst) differ.Edges.BeginFrame();
   for (std::size_t i = 0; i < pair.Size(); ++i) {
     const float stored = measure.Scale * pair.StoredUs(i);
     const float off = pair.HeardUs(i) - stored - (i % 2 == 0 ? measure.Excess : -measure.Excess);
@@ -105,10 +115,15 @@ std::optional<RawDifference> Differ(const RawPair& pair, const RawMeasure& measu
     const float allowed = (gap ? kGapTolerance : kOwnTolerance) * stored;
     if (i == 0 && !wholeFirst) {
       if (off > pair.Tolerance() + allowed) return std::nullopt;
+      differ.Edges.BeginFrame();
       continue;
     }
     if (std::abs(off) > pair.Tolerance() + allowed) return std::nullopt;
-    if (!gap) differ.Add(off, allowed);
+    if (gap) {
+      differ.Edges.BeginFrame();
+    } else {
+      differ.Add(stored, off, allowed);
+    }
   }
   if (!differ.IsWithin(kMeanTolerance, pair.Sample())) return std::nullopt;
   return differ;
@@ -151,8 +166,14 @@ bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& me
 RawFit FitOf(const RawMeasure& measure, const RawDifference& differ, double sampleTime) {
   const bool exact = std::abs(measure.Scale - 1) <= kSameScale;
   const auto sample = static_cast<float>(sampleTime);
-  return {exact ? RawFit::How::Exact : RawFit::How::Scaled, differ.Squares,
-          differ.Most <= kCloseLength + 2 * sample && differ.IsWithin(kCloseMean, sample)};
+  const float step = differ.Edges.Step();
+  const bool close = differ.Most <= kCloseLength + 2 * sample && differ.IsWithin(kCloseMean, sample);
+  const float squares = differ.Edges.Squares();
+  return {exact ? RawFit::How::Exact : RawFit::How::Scaled,
+          {squares, differ.Squares},
+          close,
+          close && (step <= kOneKeyStep || squares < kTellingSquares),
+          step <= kMostStep};
 }
 
 /// Whether nothing is missing that the capture would hold.

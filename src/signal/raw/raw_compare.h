@@ -7,6 +7,12 @@
 
 namespace keplo {
 
+/// Sums of squared differences, square microseconds. Edges tell more; a single length that is off counts once
+/// in lengths, but in all edges behind it.
+struct RawSquares {
+  float Edges = 0, Lengths = 0;
+};
+
 /// How well stored lengths fit what was heard.
 struct RawFit {
   enum class How : std::uint8_t {
@@ -16,8 +22,10 @@ struct RawFit {
   };
 
   How Fits = How::None;
-  float Squares = 0;     // sum of all differences, squared; square microseconds
-  bool IsClose = false;  // as near as two hearings without jitter are
+  RawSquares Squares = {};
+  bool IsClose = false;      // as near as two hearings without jitter are
+  bool IsSame = false;       // close, and its edges are where a command of its own would hardly have them
+  bool MayBeOneKey = false;  // no edges are where only another length would put them
 };
 
 /// Compares what was heard with stored lengths, all frames of the press.

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "signal/raw/raw_levels.h"
+#include "signal/raw/raw_mend.h"
 
 namespace keplo {
 
@@ -25,29 +26,35 @@ constexpr std::size_t kMostLost = 4;
 }  // namespace
 
 struct RawIndex::Search {
+  static constexpr float kFurthest = std::numeric_limits<float>::max();
+
   /// The signal that fits best, and how far the next one is from it.
   struct Best {
     std::optional<std::size_t> Signal = {};
     std::size_t Form = 0;
     RawFit Fit = {};
-    std::size_t Other = 0;                           // the signal that Next is of
-    float Next = std::numeric_limits<float>::max();  // Squares of the best one of another signal
+    std::size_t Other = 0;                     // the signal whose edges are Next
+    RawSquares Next = {kFurthest, kFurthest};  // the least of other signals
 
     void Take(std::size_t signal, std::size_t form, const RawFit& fit) {
-      const bool better = !Signal || fit.Squares < Fit.Squares;
-      if (Signal && *Signal != signal && (better || fit.Squares < Next)) {
-        Other = better ? *Signal : signal;
-        Next = better ? Fit.Squares : fit.Squares;
-      }
+      const bool better = !Signal || fit.Squares.Edges < Fit.Squares.Edges;
+      if (Signal && *Signal != signal) TakeOther(better ? *Signal : signal, better ? Fit : fit);
       if (!better) return;
       Signal = signal;
       Form = form;
       Fit = fit;
     }
+    void TakeOther(std::size_t signal, const RawFit& fit) {
+      if (fit.Squares.Edges < Next.Edges) Other = signal;
+      Next.Edges = std::min(Next.Edges, fit.Squares.Edges);
+      Next.Lengths = std::min(Next.Lengths, fit.Squares.Lengths);
+    }
     /// @param lengths that were compared
     bool IsAlone(std::size_t lengths) const {
-      return Next - Fit.Squares >=
-             std::max(kFarBehind, kFarInMeans * Fit.Squares / static_cast<float>(lengths));
+      const auto isFar = [&](float next, float best) {
+        return next - best >= std::max(kFarBehind, kFarInMeans * best / static_cast<float>(lengths));
+      };
+      return isFar(Next.Edges, Fit.Squares.Edges) || isFar(Next.Lengths, Fit.Squares.Lengths);
     }
   };
 
@@ -101,6 +108,13 @@ std::optional<bool> RawIndex::ToggleOf(std::size_t form) const {
 
 RawMatch RawIndex::Find(const HeardLengths& heard) const {
   if (Empty() || heard.Runs.size() < kFewestRawLengths || IsNoise(heard)) return {};
+  const RawMatch match = FindWhole(heard);
+  if (!match.Digits.empty()) return match;
+  const SoundFrames sound(heard);
+  return sound.IsMended() ? FindWhole(sound.Heard()) : match;
+}
+
+RawMatch RawIndex::FindWhole(const HeardLengths& heard) const {
   Search search{heard};
   const std::size_t count = FirstFrameOf(heard);
   const bool cutInFirst = heard.Cut && count == heard.Runs.size();
@@ -116,7 +130,8 @@ RawMatch RawIndex::Find(const HeardLengths& heard) const {
   const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
   if (!best.Signal) return {};
   RawMatch match{
-      signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose, ToggleOf(best.Form)};
+      signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose, best.Fit.IsSame,
+      ToggleOf(best.Form)};
   if (!match.Alone) match.Other = signals_[best.Other];
   return match;
 }

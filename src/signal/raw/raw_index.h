@@ -18,6 +18,7 @@ struct RawMatch {
   std::string_view Other;   // of one that fits nearly as well; empty if there is none
   bool Alone = false;       // there is a command that fits, and no other one nearly as well
   bool IsClose = false;     // it fits as near as two hearings without jitter are
+  bool IsSame = false;      // what was heard could be no command beside it
   /// Whether it was the second form of a command that is sent in two forms in turn; nothing of any other.
   std::optional<bool> Toggle = {};
 };
@@ -45,6 +46,7 @@ class RawIndex {
   };
   struct Search;
 
+  RawMatch FindWhole(const HeardLengths& heard) const;
   std::optional<bool> ToggleOf(std::size_t form) const;
   void Compare(std::size_t count, std::size_t lost, Search& search) const;
 

@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "signal/raw/raw_compare.h"
+#include "signal/raw/raw_mend.h"
 
 namespace keplo {
 
@@ -109,6 +110,24 @@ bool AreFramesAlike(const RawLengths& a, const RawLengths& b) {
          std::abs(leftTime - rightTime) <= kAlikeLength * leftTime;
 }
 
+bool IsForm(const HeardLengths& heard, const RawLengths& form) {
+  const RawFit fit = CompareRaw(heard, form);
+  return fit.Fits == RawFit::How::Exact && fit.MayBeOneKey;
+}
+
+/// Whether a press is a form that was tapped before and is held now, which sends other frames then.
+bool Continues(const LeveledSignal& press, const RawLengths& form, const HeardLengths& heard) {
+  std::vector<int> tap;
+  double time = 0, samples = 0;
+  for (const int length : form) {
+    time += length;
+    tap.push_back(static_cast<int>(std::lround(time / heard.SampleTime - samples)));
+    samples += tap.back();
+  }
+  return tap.size() < press.Lengths.size() &&
+         IsForm({tap, false, heard.SampleTime, heard.Gap}, press.Lengths);
+}
+
 }  // namespace
 
 void RawLesson::TakeMean(Form& form, const RawLengths& press) {
@@ -127,12 +146,17 @@ bool RawLesson::Hear(const HeardLengths& press, const std::string& place) {
     last_ = again->second;
     return true;
   }
-  const HeardLengths heard = TellingPart(press);
+  const SoundFrames sound(press);
+  const HeardLengths heard = TellingPart(sound.Heard());
   std::optional<LeveledSignal> signal = FindLevels(heard);
   if (!signal) return false;
-  const auto known = std::find_if(forms_.begin(), forms_.end(), [&](const Form& form) {
-    return CompareRaw(heard, form.Signal.Lengths).Fits == RawFit::How::Exact;
-  });
+  auto known = std::find_if(forms_.begin(), forms_.end(),
+                            [&](const Form& form) { return IsForm(heard, form.Signal.Lengths); });
+  if (known == forms_.end()) {
+    known = std::find_if(forms_.begin(), forms_.end(),
+                         [&](const Form& form) { return Continues(*signal, form.Signal.Lengths, heard); });
+    if (known != forms_.end()) std::swap(known->Signal, *signal);
+  }
   last_ = static_cast<std::size_t>(known - forms_.begin());
   order_.push_back(last_);
   if (!place.empty()) places_[place] = last_;

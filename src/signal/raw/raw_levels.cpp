@@ -13,6 +13,8 @@ constexpr double kBetweenLevels = 55;  // microseconds that no run has between t
 constexpr int kShortestRawMark = 2;    // samples; shorter ones are interference
 /// A leader, two to four data lengths and those between parts of a message.
 constexpr std::size_t kMostMarkLevels = 6, kMostSpaceLevels = 8;
+/// Spaces that mean a digit of sixteen each, between marks of one length.
+constexpr std::size_t kMostTellingSpaces = 17;
 constexpr std::size_t kLengthsPerLevel = 3;
 
 struct Level {
@@ -24,6 +26,12 @@ struct Level {
   bool StandsAlone = true;
   bool Touches = false;  // the level below
   double Mean() const { return Sum / Count; }
+  /// Whether its runs are no further from each other than jitter and raster make those of one length.
+  bool IsOneLength(double sampleTime) const {
+    constexpr double kStray = 50;  // microseconds
+    const double variance = Squares / Count - Mean() * Mean();
+    return StandsAlone && variance * sampleTime * sampleTime <= kStray * kStray;
+  }
 };
 
 /// Whether a run is one of its kind: a leader or its space, which may be close to a level of the digits, or
@@ -80,34 +88,69 @@ std::size_t LengthsIn(const std::vector<Level>& levels) {
   return lengths;
 }
 
-/// Whether the mean of a level would say something else than the run: the signal has to fit itself.
-bool IsFarFrom(const Level& level, int run) {
-  constexpr double kNear = 1.3;  // samples; what jitter and raster make of a length
-  return std::abs(run - level.Mean()) > kNear;
+/// The lengths of a signal with the jitter of its edges taken off: those of a level are as long as its mean,
+/// and no edge is off where some around it together were not. A sum of means alone would stray from them.
+/// @param means samples; 0 where a run keeps its own length
+RawLengths SteadyLengths(const HeardLengths& heard, const std::vector<double>& means) {
+  constexpr std::size_t kAround = 4;  // edges ahead and behind
+  const std::size_t edges = means.size() + 1;
+  std::vector<double> levelled(edges), strays(edges), steady(edges);  // in samples
+  double time = 0;
+  for (std::size_t i = 0; i < means.size(); ++i) {
+    time += heard.Runs[i];
+    levelled[i + 1] = levelled[i] + (means[i] != 0 ? means[i] : heard.Runs[i]);
+    strays[i + 1] = time - levelled[i + 1];
+  }
+  for (std::size_t i = 0; i < edges; ++i) {
+    std::size_t first = i, last = i;
+    while (i - first < kAround && first > 0 && means[first - 1] != 0) --first;
+    while (last - i < kAround && last < means.size() && means[last] != 0) ++last;
+    double sum = 0;
+    for (std::size_t near = first; near <= last; ++near) sum += strays[near];
+    steady[i] = levelled[i] + sum / static_cast<double>(last - first + 1);
+  }
+  const auto us = [&](std::size_t i) { return static_cast<int>(std::lround(steady[i] * heard.SampleTime)); };
+  RawLengths lengths;
+  for (std::size_t i = 0; i < means.size(); ++i) lengths.push_back(us(i + 1) - us(i));
+  return lengths;
 }
 
 /// Whether a frame of pulses was sent again and again, as many in each, perhaps after a mark far ahead: no
 /// lamp does that.
 bool SendsFramesOfOneSize(const HeardLengths& heard) {
+  constexpr std::size_t kShortestFrame = 9, kEnough = 2 * kFewestRawLengths - 1;
   std::size_t size = 0, frames = 0;
   for (HeardLengths rest = heard; !rest.Runs.empty();) {
     const std::size_t piece = FirstFrameOf(rest);
     const bool whole = piece < rest.Runs.size() || !heard.Cut;
     if (whole && piece > 1) {
       if (frames++ == 0) size = piece;
-      if (piece != size || piece < kFewestRawLengths) return false;
+      if (piece != size || piece < kShortestFrame) return false;
     }
     rest = rest.From(std::min(piece + 1, rest.Runs.size()));
   }
-  return frames > 1;
+  return frames > 1 && frames * size >= kEnough;
+}
+
+/// Whether there are marks that are too short for the others to be the remote's.
+bool HasTooShortMarks(const std::vector<Level>& marks) {
+  constexpr double kOfUsual = 0.25;
+  const auto usual = std::max_element(marks.begin(), marks.end(), [](const Level& one, const Level& other) {
+    return one.Count < other.Count;
+  });
+  return marks.front().Least < kShortestRawMark && marks.front().Least < kOfUsual * usual->Mean();
+}
+
+std::size_t MostSpaceLevels(const std::vector<Level>& marks) {
+  return LengthsIn(marks) == 1 ? kMostTellingSpaces : kMostSpaceLevels;
 }
 
 bool IsCleanSignal(const HeardLengths& heard, const std::vector<Level>& marks,
                    const std::vector<Level>& spaces) {
-  if (marks.empty() || spaces.empty() || marks.front().Least < kShortestRawMark) return false;
+  if (marks.empty() || spaces.empty() || HasTooShortMarks(marks)) return false;
   const std::size_t levels = marks.size() + spaces.size();
   return (LengthsIn(marks) + LengthsIn(spaces) > 2 || SendsFramesOfOneSize(heard)) &&
-         marks.size() <= kMostMarkLevels && spaces.size() <= kMostSpaceLevels &&
+         marks.size() <= kMostMarkLevels && spaces.size() <= MostSpaceLevels(marks) &&
          levels * kLengthsPerLevel <= heard.Runs.size();
 }
 
@@ -119,7 +162,8 @@ bool IsNoise(const HeardLengths& heard) {
   HeardLengths head = heard.Part(0, std::min(heard.Runs.size(), kTelling));
   head.Cut = true;
   const std::vector<Level> marks = LevelsOf(head, 0), spaces = LevelsOf(head, 1);
-  if (marks.size() > kMostMarkLevels + kMostTorn || spaces.size() > kMostSpaceLevels + kMostTorn) return true;
+  if (marks.size() > kMostMarkLevels + kMostTorn || spaces.size() > MostSpaceLevels(marks) + kMostTorn)
+    return true;
   return LengthsIn(marks) < 2 && LengthsIn(spaces) < 2 && !SendsFramesOfOneSize(heard);
 }
 
@@ -130,16 +174,16 @@ std::optional<LeveledSignal> FindLevels(const HeardLengths& heard) {
   const std::vector<Level> spaces = LevelsOf(heard, 1);
   if (!IsCleanSignal(heard, marks, spaces)) return std::nullopt;
   LeveledSignal signal;
+  std::vector<double> means;
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const std::vector<Level>& levels = i % 2 == 0 ? marks : spaces;
     const auto level = IsSingular(heard, i) ? levels.end()
                                             : std::find_if(levels.begin(), levels.end(),
                                                            [&](const Level& l) { return runs[i] <= l.Most; });
-    const bool own = level == levels.end() || !level->StandsAlone || IsFarFrom(*level, runs[i]);
-    const double length = own ? runs[i] : level->Mean();
-    signal.Lengths.push_back(static_cast<int>(std::lround(length * heard.SampleTime)));
+    means.push_back(level != levels.end() && level->IsOneLength(heard.SampleTime) ? level->Mean() : 0);
     signal.Levels.push_back(static_cast<int>(level - levels.begin()));
   }
+  signal.Lengths = SteadyLengths(heard, means);
   return signal;
 }
 

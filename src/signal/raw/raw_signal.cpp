@@ -12,7 +12,7 @@ int RawGapOf(RunSpan lengths, double unit) {
     ++spaces;
     if (lengths[i] * unit < kLongData) ++shorter;
   }
-  return 4 * shorter >= spaces ? kRawGap : kLongGap;
+  return 2 * shorter >= spaces ? kRawGap : kLongGap;
 }
 
 HeardLengths HeardIn(RunSpan runs, double sampleTime) {

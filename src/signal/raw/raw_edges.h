@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace keplo {
+
+/// What the edges of two signals lie apart. Each edge strays by itself, whereas of a length that differs all
+/// edges behind it lie elsewhere: so edges tell signals apart whose lengths hardly do.
+class RawEdges {
+ public:
+  /// Begins a frame: the silence ahead of it tells nothing.
+  void BeginFrame();
+  /// Adds the edge behind a length of the frame.
+  /// @param off what the length differs by, microseconds
+  void Add(float length, float off);
+  void Add(const RawEdges& other);
+
+  /// Sum of what the edges lie apart, squared, once the beginning of each frame and the pace of all are
+  /// taken off; square microseconds.
+  float Squares() const;
+  /// How far the edges of a stretch lie apart together, as a multiple of what single ones stray by: up to
+  /// some 5 in two hearings of one key, more where a length is another.
+  float Step() const;
+
+ private:
+  struct Edge {
+    float At = 0;     // behind the beginning of its frame
+    float Apart = 0;  // microseconds
+  };
+  struct Frame {
+    std::size_t Begin, End;  // in edges
+  };
+
+  std::vector<Frame> Frames() const;
+  /// The edges with the beginnings of their frames and the pace taken off.
+  std::vector<Edge> Fitted() const;
+  float Stray() const;
+
+  std::vector<Edge> edges_;
+  std::vector<std::size_t> begins_;
+};
+
+}  // namespace keplo
