@@ -15,6 +15,13 @@ bool IsWithin(int space, double leader, double most) {
   return space >= kLeastSpace * leader && space <= most * leader;
 }
 
+/// NEC's by the base time of its code: of the frame's own leader the beginning may have been missed.
+bool IsNecSign(RunSpan piece, int baseT) {
+  const double usual = 16.0 * baseT;
+  const double slack = 0.15 * usual + 4;  // receivers stretch and shrink any run by up to 150 us
+  return IsDitto(piece[0], piece[1], piece[2]) && std::abs(piece[0] - usual) <= slack;
+}
+
 }  // namespace
 
 bool IsDitto(int leader, int space, int mark) {
@@ -28,16 +35,15 @@ bool IsHeldSign(int leader, int space, int mark, int usual) {
 }
 
 bool AreDittos(RunSpan runs, int baseT, int leader) {
-  constexpr int kNecLeader = 16;  // base times
   constexpr std::size_t kSize = 3;
-  const int usual = leader > 0 ? leader : kNecLeader * baseT;
   int whole = 0;
   bool lastIsWhole = true;
   const std::vector<TimedPiece> pieces = PiecesIn(runs);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     const RunSpan piece = pieces[i].Runs;
     if ((i > 1 && !lastIsWhole) || piece.size() > kSize) return false;
-    lastIsWhole = piece.size() == kSize && IsHeldSign(piece[0], piece[1], piece[2], usual);
+    lastIsWhole = piece.size() == kSize &&
+                  (IsNecSign(piece, baseT) || IsHeldSign(piece[0], piece[1], piece[2], leader));
     whole += lastIsWhole ? 1 : 0;
   }
   return whole > 0;

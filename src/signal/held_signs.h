@@ -16,7 +16,7 @@ bool IsHeldSign(int leader, int space, int mark, int usual);
 /// Whether a signal is made of such signs alone. The first one may have lost its head, and the last one its
 /// tail.
 /// @param baseT base time of the code that they repeat, samples
-/// @param leader mark of its leader, samples; 0 where it is not known, as with NEC's, which has 16 base times
+/// @param leader mark of its leader, samples; 0 where it is not known
 bool AreDittos(RunSpan runs, int baseT, int leader);
 
 }  // namespace keplo

@@ -197,7 +197,7 @@ TEST(ManyPresses, AreReadAsEver) {
   const Kind kinds[] = {
       {"NEC", Nec,
        "1081 doubtful, 13 ends-in-mark, 61 length, 10 no-frame, 322 no-timing, 1426 right, 87 unknown, sum "
-       "327323"},
+       "778729"},
       {"pulse distance", Distance,
        "1773 doubtful, 13 ends-in-mark, 144 length, 39 no-frame, 545 no-timing, 114 other, 231 right, 141 "
        "unknown, sum 110981"},
@@ -216,7 +216,7 @@ TEST(ManyPresses, AreReadAsEver) {
       {"frames after rests", AfterRests, "2042 doubtful, 160 length, 764 no-timing, 34 right, sum 204644"},
       {"short base times", Fine,
        "1270 doubtful, 9 ends-in-mark, 466 length, 53 no-frame, 250 no-timing, 3 other, 458 right, 491 "
-       "unknown, sum 43917"},
+       "unknown, sum 528860"},
       {"messages of three digits", Message,
        "925 doubtful, 14 ends-in-mark, 49 length, 49 no-frame, 1309 no-timing, 42 other, 612 unknown, sum "
        "366436"},

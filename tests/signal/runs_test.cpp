@@ -87,7 +87,8 @@ TEST(Runs, AreThoseOfTheSamples) {
 TEST(HeldSigns, AreDittosHoweverSoonTheSamplesEndBehindThem) {
   for (const RunVector& runs :
        {RunVector{160, 40, 10}, {160, 40, 10, 30}, {160, 40, 10, 1700}, {160, 40, 10, 1700, 160, 40, 10, 30}})
-    EXPECT_TRUE(AreDittos(runs, 10, 0)) << ::testing::PrintToString(runs);
+    for (const int leader : {0, 125, 160})
+      EXPECT_TRUE(AreDittos(runs, 10, leader)) << ::testing::PrintToString(runs);
 }
 
 /// Frames of 20 ms, or signs, at these times.
