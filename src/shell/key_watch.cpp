@@ -117,8 +117,12 @@ std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const Monitor
   } else if (TimeOfSamples(reading.Leader, signal.SampleTime) >= kNecLeader) {
     longest = kLongestNecPeriod;
   }
-  const double samples = static_cast<double>(longest.count()) / signal.SampleTime;
-  return FindSecondTap(pieces, {samples, reading.Dittos});
+  const bool goesOn = Key().FollowsOn(onAir_) && Key().Pressed()->Sign.Digits == reading.Digits;
+  const microseconds heard = goesOn ? Key().Pressed()->Sign.Period : 0us;
+  const auto samples = [&](microseconds time) {
+    return static_cast<double>(time.count()) / signal.SampleTime;
+  };
+  return FindSecondTap(pieces, {samples(longest), reading.Dittos, static_cast<int>(samples(heard))});
 }
 
 std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {

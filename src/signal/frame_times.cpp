@@ -25,7 +25,7 @@ bool IsSameFrame(const TimedPiece& one, const TimedPiece& other) {
 bool IsTooLate(int distance, int usual) {
   constexpr int kSlack = 180;  // samples; remotes do not count their silence out, 10 ms
   const bool lostOne = std::abs(distance - 2 * usual) <= usual / 8;
-  return usual > 0 && !lostOne && 2 * distance > 3 * usual + 2 * kSlack;
+  return !lostOne && 2 * distance > 3 * usual + 2 * kSlack;
 }
 
 }  // namespace
@@ -63,7 +63,7 @@ int FramePeriod(std::span<const TimedPiece> pieces) {
 
 std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual) {
   constexpr int kLeastPause = 1090;  // samples; 60 ms, that long frames have too
-  int shortest = 0;                  // from one frame to an equal one right behind it
+  int shortest = usual.Heard;        // from one frame to an equal one right behind it
   for (std::size_t i = 1; i < pieces.size(); ++i) {
     const TimedPiece& piece = pieces[i];
     const TimedPiece& before = pieces[i - 1];
@@ -73,7 +73,7 @@ std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat&
       continue;
     const int distance = piece.Begin - before.Begin;
     const bool paused = distance > usual.Longest && piece.Begin - before.End() >= kLeastPause;
-    if (paused || IsTooLate(distance, shortest)) return i;
+    if (shortest > 0 ? IsTooLate(distance, shortest) : paused) return i;
     if (usual.BySigns && before.Runs.size() == kSignRuns) return i;
     if (isSame(before) && (shortest == 0 || distance < shortest)) shortest = distance;
   }

@@ -32,10 +32,12 @@ int FramePeriod(std::span<const TimedPiece> pieces);
 struct UsualRepeat {
   double Longest = 0;    // from the beginning of a frame to that of the next, at most; samples
   bool BySigns = false;  // with signs of three runs instead
+  int Heard = 0;         // the same of the key as it was held so far, samples; 0 if nothing is known of it
 };
 
 /// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more: more time has passed
-/// than a held key lets pass, or than it did before, or such a key would have sent a sign. Which key it is
+/// than a held key lets pass, or, once it has sent its frame again, than this one does where one of them is
+/// lost; or such a key would have sent a sign. Which key it is
 /// tells only one that is whole, and is the same one then.
 /// @return its place; 0 if all is one press
 std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual);
