@@ -43,6 +43,16 @@ struct MonitoredTap {
   bool IsOver = false;  // another one follows
 };
 
+/// When the line was looked at.
+struct LineWatch {
+  AirTime OnAir;                             // of the last capture
+  std::chrono::microseconds LookedAt{0};     // last
+  std::chrono::microseconds PausedUntil{0};  // again after a pause
+  std::chrono::microseconds WatchedFrom{0};  // the same of a line that has missed what came in the pause
+  bool LookedAway = false;                   // a capture was taken since
+  bool Kept = false;  // most of the last signal was on air in a pause, for which the line has kept it
+};
+
 /// What the control shows beside its own display.
 struct KeploWindows {
   ui::Boxes& Boxes;
@@ -139,7 +149,7 @@ class Keplo {
   std::function<void(HostErrorRecord&, bool& blnStopping)> TriggerInputErrorCondition;
 
   /// A key was pressed, is held on, or was let go. The first two run before the input events of the same
-  /// capture, one of them for each capture with a code, learned or not.
+  /// capture, one of them for each capture with a code, learned or not; both for two taps within one.
   std::function<void(KeyChange, const KeyPress&)> OnKey;
   /// What time it is on the line: that of the machine, but for a line that plays at its own pace.
   std::function<std::chrono::microseconds()> LineTime;
@@ -192,7 +202,7 @@ class Keplo {
   void TellHeard();
   void TellReleased(const std::vector<KeyPress>& ended);
   /// The key at the receiver of the last capture.
-  HeldKey& Key() { return keys_.Of(onAir_.Place); }
+  HeldKey& Key() { return keys_.Of(watch_.OnAir.Place); }
   void TellKey(KeyChange change, const KeyPress& key);
   void OpenMainWindow();
   void SetTimer();
@@ -218,12 +228,8 @@ class Keplo {
   std::string toldConfigurationFailure_;
   TickReport lastTick_;
   HeldKeys keys_;
-  AirTime onAir_;                             // of the last capture
-  std::chrono::microseconds lookedAt_{0};     // when the line was looked at last
-  std::chrono::microseconds pausedUntil_{0};  // when the line was looked at again after a pause
-  std::chrono::microseconds watchedFrom_{0};  // the same for a line that has missed what came in the pause
-  bool lookedAway_ = false;                   // a capture was taken since
-  bool kept_ = false;  // most of the last signal was on air in a pause, for which the line has kept it
+  LineWatch watch_;
+  bool toldHeard_ = false;  // the signal of the last capture
 };
 
 }  // namespace keplo

@@ -40,40 +40,40 @@ microseconds LengthOfSignal(const std::string& capture, double sampleTime) {
 
 void Keplo::LookAgain() {
   const microseconds now = LineTime();
-  if (std::exchange(lookedAway_, false)) watchedFrom_ = 0ms;
-  if (now - lookedAt_ > kBlink) {
-    pausedUntil_ = now;
+  if (std::exchange(watch_.LookedAway, false)) watch_.WatchedFrom = 0ms;
+  if (now - watch_.LookedAt > kBlink) {
+    watch_.PausedUntil = now;
     // A line that knows when signals were on air has missed none.
-    if (line_.Origin() == nullptr) watchedFrom_ = now;
+    if (line_.Origin() == nullptr) watch_.WatchedFrom = now;
   }
-  lookedAt_ = now;
+  watch_.LookedAt = now;
 }
 
 void Keplo::TimeCapture(microseconds begin) {
   const std::string& capture = mod_.Signal.RawCapture;
   const microseconds signal = LengthOfSignal(capture, mod_.Signal.SampleTime);
-  lookedAt_ = LineTime();
-  lookedAway_ = true;
+  watch_.LookedAt = LineTime();
+  watch_.LookedAway = true;
   if (const SignalOrigin* const origin = line_.Origin()) {
-    const bool mostInPause = pausedUntil_ - origin->Begin > origin->End - pausedUntil_;
-    kept_ = origin->Place == 0 && mostInPause;
-    onAir_ = {origin->Begin, origin->End, 0ms, 0ms, origin->Place, origin->Zone};
+    const bool mostInPause = watch_.PausedUntil - origin->Begin > origin->End - watch_.PausedUntil;
+    watch_.Kept = origin->Place == 0 && mostInPause;
+    watch_.OnAir = {origin->Begin, origin->End, 0ms, 0ms, origin->Place, origin->Zone};
     return;
   }
-  kept_ = false;
-  onAir_ = {begin, std::min(begin + signal, lookedAt_),
-            TimeOfSamples(static_cast<double>(capture.size()) * 8, mod_.Signal.SampleTime) - signal,
-            watchedFrom_};
+  watch_.Kept = false;
+  watch_.OnAir = {begin, std::min(begin + signal, watch_.LookedAt),
+                  TimeOfSamples(static_cast<double>(capture.size()) * 8, mod_.Signal.SampleTime) - signal,
+                  watch_.WatchedFrom};
 }
 
 /// Whether a capture without digits says that the key is still held; it reads as the code of the key then.
 bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
-  if (mod_.Settings.Analysis != Analysis::Second || !Key().FollowsOn(onAir_)) return false;
+  if (mod_.Settings.Analysis != Analysis::Second || !Key().FollowsOn(watch_.OnAir)) return false;
   const KeySign& sign = Key().Pressed()->Sign;
   SignalState& signal = mod_.Signal;
   if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT, sign.Leader))
     return false;
-  Key().HearDitto(onAir_);
+  Key().HearDitto(watch_.OnAir);
   reading.Ended = Stage::Code;
   reading.ReadBy = sign.ReadBy;
   reading.Digits = sign.Digits;
@@ -82,7 +82,7 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
 
 /// A capture of a held key with two alternating frames may hold a single one, which is no code then.
 void Keplo::CompleteTurn(MonitorReading& reading) {
-  if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(onAir_))
+  if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(watch_.OnAir))
     return;
   const std::string_view both = Key().Pressed()->Sign.Digits;
   const std::size_t half = both.size() / 2;
@@ -95,7 +95,7 @@ void Keplo::CompleteTurn(MonitorReading& reading) {
 
 /// A capture of a held key whose command is raw may begin with any frame of its press.
 void Keplo::TakeHeldRawKey(MonitorReading& reading) {
-  if (reading.Ended == Stage::Raw || !Key().FollowsOn(onAir_)) return;
+  if (reading.Ended == Stage::Raw || !Key().FollowsOn(watch_.OnAir)) return;
   const KeySign& sign = Key().Pressed()->Sign;
   TakeHeldRaw(mod_.Store, mod_.Signal, sign.Digits, sign.Toggle, reading);
 }
@@ -117,7 +117,7 @@ std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const Monitor
   } else if (TimeOfSamples(reading.Leader, signal.SampleTime) >= kNecLeader) {
     longest = kLongestNecPeriod;
   }
-  const bool goesOn = Key().FollowsOn(onAir_) && Key().Pressed()->Sign.Digits == reading.Digits;
+  const bool goesOn = Key().FollowsOn(watch_.OnAir) && Key().Pressed()->Sign.Digits == reading.Digits;
   const microseconds heard = goesOn ? Key().Pressed()->Sign.Period : 0us;
   const auto samples = [&](microseconds time) {
     return static_cast<double>(time.count()) / signal.SampleTime;
@@ -131,7 +131,7 @@ std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
   const std::size_t second = SecondTapIn(pieces, reading);
   const auto at = [&](int samples) { return TimeOfSamples(samples, signal.SampleTime); };
   const auto tapOf = [&](std::span<const TimedPiece> tap) {
-    MonitoredTap told{onAir_, at(FramePeriod(tap)), reading.Toggle};
+    MonitoredTap told{watch_.OnAir, at(FramePeriod(tap)), reading.Toggle};
     if (!tap.empty()) told.OnAir.LastFrame = at(tap.back().Begin - tap.front().Begin);
     return told;
   };
@@ -139,8 +139,8 @@ std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
   const std::span<const TimedPiece> all = pieces;
   MonitoredTap first = tapOf(all.first(second)), next = tapOf(all.subspan(second));
   const TimedPiece& last = pieces[second - 1];
-  first.OnAir.End = onAir_.Begin + at(last.End());
-  next.OnAir.Begin = onAir_.Begin + at(pieces[second].Begin);
+  first.OnAir.End = watch_.OnAir.Begin + at(last.End());
+  next.OnAir.Begin = watch_.OnAir.Begin + at(pieces[second].Begin);
   first.OnAir.SilenceAfter = next.OnAir.Begin - first.OnAir.End;
   first.IsOver = true;
   if (reading.SecondTap == 0 && !pieces[second].Whole) return {first};
@@ -157,26 +157,26 @@ void Keplo::HearCode(const MonitorReading& reading, const MonitoredTap& tap) {
                         reading.Dittos,
                         tap.Period,
                         reading.Leader};
-  onAir_ = tap.OnAir;
-  if (const auto ended = Key().Hear(sign, onAir_)) TellReleased({*ended});
+  watch_.OnAir = tap.OnAir;
+  if (const auto ended = Key().Hear(sign, watch_.OnAir)) TellReleased({*ended});
 }
 
 /// Whether a capture goes on with a press and was on air during the pause after its last event, in which no
 /// tick can raise one. Its event would come later and later, and long after the key was let go. The first
 /// analysis raises one for each capture that a line without memory would have met too.
 bool Keplo::WasHeldInThePause() {
-  if (!kept_ || !Key().Pressed() || Key().Pressed()->Captures == 1) return false;
-  return mod_.Settings.Analysis == Analysis::Second || onAir_.End < pausedUntil_;
+  if (!watch_.Kept || !Key().Pressed() || Key().Pressed()->Captures == 1) return false;
+  return mod_.Settings.Analysis == Analysis::Second || watch_.OnAir.End < watch_.PausedUntil;
 }
 
 std::optional<microseconds> Keplo::MayHold() const {
-  const auto letGo = keys_.FirstLetGo(watchedFrom_);
+  const auto letGo = keys_.FirstLetGo(watch_.WatchedFrom);
   if (!letGo) return std::nullopt;
-  return lookedAway_ ? microseconds(0) : std::max<microseconds>(*letGo - LineTime(), 0ms);
+  return watch_.LookedAway ? microseconds(0) : std::max<microseconds>(*letGo - LineTime(), 0ms);
 }
 
 void Keplo::LetGoIfOver() {
-  if (keys_.AnyPressed()) TellReleased(keys_.LetGo(LineTime(), watchedFrom_));
+  if (keys_.AnyPressed()) TellReleased(keys_.LetGo(LineTime(), watch_.WatchedFrom));
 }
 
 void Keplo::TellReleased(const std::vector<KeyPress>& ended) {

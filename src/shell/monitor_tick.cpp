@@ -42,7 +42,7 @@ void Keplo::Reporting(Part part) {
 
 void Keplo::Tick() {
   lastTick_.Captured = false;
-  if (lookedAway_ || keys_.AnyPressed()) LookAgain();
+  if (watch_.LookedAway || keys_.AnyPressed()) LookAgain();
   if (LineIsAtRest()) return LetGoIfOver();
   lastTick_ = TickReport{};
   lastTick_.Captured = true;
@@ -72,6 +72,7 @@ bool Keplo::LineIsAtRest() {
 void Keplo::Capture() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kMonitorCaptureBytes, '\0');
+  toldHeard_ = false;
   mod_.Signal.SampleTime = line_.SampleTime(mod_.Settings.ProcDelay);
   const std::chrono::microseconds begin = LineTime();
   if (mod_.Settings.ReceiverKind == 0) {
@@ -87,7 +88,8 @@ void Keplo::Capture() {
 
 void Keplo::ReadAndDispatch() {
   // At a line that is never at rest the other rooms' keys are let go all the same.
-  if (onAir_.Place != 0) TellReleased(keys_.LetGo(onAir_.Begin, watchedFrom_, onAir_.Place));
+  if (watch_.OnAir.Place != 0)
+    TellReleased(keys_.LetGo(watch_.OnAir.Begin, watch_.WatchedFrom, watch_.OnAir.Place));
   lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
   if (lastTick_.Reading.Ended != Stage::Code) return TellHeard();
   // This beep says only that something was captured, before anything is known about the signal.
@@ -103,7 +105,7 @@ void Keplo::ReadAndDispatch() {
     TakeHeldRawKey(reading);
   }
   if (!reading.HasCode()) {
-    Key().HearUnread(onAir_);
+    Key().HearUnread(watch_.OnAir);
     return TellHeard();
   }
   if (repeats) return TellCode(reading);
@@ -123,13 +125,14 @@ void Keplo::TellCode(const MonitorReading& reading) {
 }
 
 void Keplo::TellHeard() {
+  if (std::exchange(toldHeard_, true)) return;
   Reporting([this] {
     if (OnHeard) OnHeard(lastTick_);
   });
 }
 
 void Keplo::Dispatch(const MonitorReading& reading) {
-  bool told = false, heard = false;
+  bool told = false;
   const auto tell = [&] {
     if (std::exchange(told, true) || !Key().Pressed()) return;
     Key().Name(lastTick_.Dispatched.Reference);
@@ -144,11 +147,11 @@ void Keplo::Dispatch(const MonitorReading& reading) {
         tell();
         RaiseInputEvent(raised);
         // The event comes first, and the pause after it last.
-        if (!std::exchange(heard, true)) TellHeard();
+        TellHeard();
       },
       lastTick_.Dispatched);
   tell();
-  if (!heard) TellHeard();
+  TellHeard();
 }
 
 }  // namespace keplo

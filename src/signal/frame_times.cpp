@@ -20,6 +20,12 @@ bool IsSameFrame(const TimedPiece& one, const TimedPiece& other) {
                     [](int a, int b) { return std::abs(a - b) <= kSameRun; });
 }
 
+/// Whether a piece that is cut may be a frame.
+bool BeginsAlike(const TimedPiece& cut, const TimedPiece& frame) {
+  return cut.Runs.size() <= frame.Runs.size() &&
+         IsSameFrame({cut.Runs.first(cut.Runs.size() - 1)}, {frame.Runs.first(cut.Runs.size() - 1)});
+}
+
 /// Whether a key that repeats its frame so often cannot have let so much time pass, not even where one of
 /// its frames was lost.
 bool IsTooLate(int distance, int usual) {
@@ -68,8 +74,11 @@ std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat&
     const TimedPiece& piece = pieces[i];
     const TimedPiece& before = pieces[i - 1];
     const auto isSame = [&](const TimedPiece& other) { return IsSameFrame(other, piece); };
+    const auto mayBeCutOf = [&](const TimedPiece& other) { return BeginsAlike(piece, other); };
+    const auto ahead = pieces.first(i);
     if (!piece.IsFrame()) continue;
-    if (piece.Whole && std::none_of(pieces.begin(), pieces.begin() + static_cast<std::ptrdiff_t>(i), isSame))
+    if (piece.Whole ? std::none_of(ahead.begin(), ahead.end(), isSame)
+                    : std::any_of(ahead.begin(), ahead.end(), mayBeCutOf))
       continue;
     const int distance = piece.Begin - before.Begin;
     const bool paused = distance > usual.Longest && piece.Begin - before.End() >= kLeastPause;
