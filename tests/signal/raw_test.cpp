@@ -247,7 +247,8 @@ TEST(RawSlots, PutEdgesOnTheNearestBorder) {
 }
 
 /// Presses are letters: a and b are forms alike, c is of another remote, A holds its frame twice, and
-/// s and S are a tap and a hold of a key whose frames are enclosed by others, and h holds a by other frames.
+/// s and S are a tap and a hold of a key whose frames are enclosed by others, h holds a by other frames, and
+/// w is A of a remote whose clock has become slower meanwhile.
 TEST(RawLesson, WantsEachFormTwice) {
   struct Row {
     std::string Presses;
@@ -265,6 +266,7 @@ TEST(RawLesson, WantsEachFormTwice) {
                          {"ah", true, false, true},
                          {"ha", true, false, true},
                          {"acac", false, false, false},
+                         {"Aw", true, false, true},
                          {"aabb", true, false, false}}) {
     RawLesson lesson;
     for (const char press : row.Presses) {
@@ -272,7 +274,9 @@ TEST(RawLesson, WantsEachFormTwice) {
       RunVector runs = Frame(press == 'b' ? kOtherKey : kKey);
       if (press == 'c') runs = Frame(kKey + kKey);
       if (press == 's' || press == 'S') runs = Enclosed(press == 's' ? "sks" : "skkks");
-      if (press == 'A') runs = Then(runs, kFrameGap, runs);
+      RunVector again = runs;
+      for (std::size_t i = 0; press == 'w' && i < again.size(); i += 3) ++again[i];
+      if (press == 'A' || press == 'w') runs = Then(runs, kFrameGap, again);
       if (press == 'h') runs = Then(runs, 1500, Frame(kOtherKey));
       EXPECT_TRUE(lesson.Hear(ear.Hear(Silent(runs))));
     }

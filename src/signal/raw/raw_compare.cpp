@@ -27,6 +27,9 @@ constexpr float kSameScale = 0.035F;
 /// What the edges of one key step aside in two hearings of it, mostly and once in many thousands, see
 /// RawEdges.
 constexpr float kOneKeyStep = 5.2F, kMostStep = 8;
+/// What a length of one key is off by at the most: the edges behind it may be anywhere where its remote's
+/// clock wanders.
+constexpr float kOneKeyLength = 3;
 /// What keeps two commands apart when they are heard: two edges that are 120 us aside; square microseconds.
 constexpr float kTellingSquares = 2 * 120 * 120;
 
@@ -173,7 +176,7 @@ RawFit FitOf(const RawMeasure& measure, const RawDifference& differ, double samp
           {squares, differ.Squares},
           close,
           close && (step <= kOneKeyStep || squares < kTellingSquares),
-          step <= kMostStep};
+          step <= kMostStep || differ.Edges.Furthest() <= kOneKeyLength};
 }
 
 /// Whether nothing is missing that the capture would hold.

@@ -25,7 +25,7 @@ struct RawFit {
   RawSquares Squares = {};
   bool IsClose = false;      // as near as two hearings without jitter are
   bool IsSame = false;       // close, and its edges are where a command of its own would hardly have them
-  bool MayBeOneKey = false;  // no edges are where only another length would put them
+  bool MayBeOneKey = false;  // no edges are where only another length would put them, or no length is another
 };
 
 /// Compares what was heard with stored lengths, all frames of the press.

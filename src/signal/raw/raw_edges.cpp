@@ -65,17 +65,29 @@ float RawEdges::Squares() const {
   return squares;
 }
 
-float RawEdges::Stray() const {
-  std::vector<float> offs;  // of lengths, which have two edges each
+std::vector<float> RawEdges::Offs() const {
+  std::vector<float> offs;
   for (const Frame& frame : Frames()) {
     for (std::size_t i = frame.Begin + 1; i < frame.End; ++i) {
       offs.push_back(std::abs(edges_[i].Apart - edges_[i - 1].Apart));
     }
   }
+  return offs;
+}
+
+float RawEdges::Stray() const {
+  std::vector<float> offs = Offs();
   if (offs.empty()) return kLeastStray;
   const auto middle = offs.begin() + static_cast<std::ptrdiff_t>(offs.size() / 2);
   std::nth_element(offs.begin(), middle, offs.end());
+  // A length has two edges.
   return std::max(kLeastStray, kOfMedian * *middle / std::sqrt(2.0F));
+}
+
+float RawEdges::Furthest() const {
+  const std::vector<float> offs = Offs();
+  if (offs.empty()) return 0;
+  return *std::max_element(offs.begin(), offs.end()) / (Stray() * std::sqrt(2.0F));
 }
 
 float RawEdges::Step() const {

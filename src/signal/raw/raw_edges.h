@@ -22,6 +22,9 @@ class RawEdges {
   /// How far the edges of a stretch lie apart together, as a multiple of what single ones stray by: up to
   /// some 5 in two hearings of one key, more where a length is another.
   float Step() const;
+  /// How far the length that differs most does so, as a multiple of what lengths differ by mostly: some 3 in
+  /// two hearings of one key, whatever its remote's clock does meanwhile.
+  float Furthest() const;
 
  private:
   struct Edge {
@@ -35,6 +38,8 @@ class RawEdges {
   std::vector<Frame> Frames() const;
   /// The edges with the beginnings of their frames and the pace taken off.
   std::vector<Edge> Fitted() const;
+  /// By what lengths differ, sizes alone.
+  std::vector<float> Offs() const;
   float Stray() const;
 
   std::vector<Edge> edges_;
