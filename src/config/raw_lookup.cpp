@@ -42,6 +42,11 @@ RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
 
 void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading& reading) {
   reading.Ended = Stage::Raw;
+  // What the second look had read of it counts no longer.
+  reading.Dittos = false;
+  reading.Leader = 0;
+  reading.SecondTap = 0;
+  reading.SecondToggle.reset();
   reading.Digits = digits;
   reading.ReadBy = Analysis::Second;
   reading.Toggle = toggle;

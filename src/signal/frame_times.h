@@ -37,9 +37,9 @@ struct UsualRepeat {
 
 /// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more: more time has passed
 /// than a held key lets pass, or, once it has sent its frame again, than this one does where one of them is
-/// lost; or such a key would have sent a sign. It is
-/// of the same key if it is whole, else of another one: whose repeats follow a cut one that begins as this
-/// key's does, nobody could tell, and it counts as held on.
+/// lost; or such a key would have sent a sign. It is of the same key if it is whole, else of another one:
+/// whose repeats follow a cut one that begins as this key's does, nobody could tell, and it counts as held
+/// on.
 /// @return its place; 0 if all is one press
 std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual);
 

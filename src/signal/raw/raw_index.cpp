@@ -102,8 +102,9 @@ std::optional<bool> RawIndex::ToggleOf(std::size_t form) const {
   const auto isSibling = [&](std::size_t other) {
     return other < forms_.size() && forms_[other].Signal == forms_[form].Signal;
   };
-  const bool second = isSibling(form - 1);  // wraps in front of the first
-  return second || isSibling(form + 1) ? std::optional(second) : std::nullopt;
+  const bool second = isSibling(form - 1), first = isSibling(form + 1);  // wraps in front of the first
+  const bool areMore = (first && second) || isSibling(form - 2) || isSibling(form + 2);
+  return first != second && !areMore ? std::optional(second) : std::nullopt;
 }
 
 RawMatch RawIndex::Find(const HeardLengths& heard) const {

@@ -6,12 +6,14 @@
 
 namespace keplo {
 
-/// A signal without the frames in which marks or spaces were lost, where the frame beside one is the same and
-/// has them.
+/// A signal without the frames in which marks or spaces were lost, where two frames near one are the same and
+/// have them.
 class SoundFrames {
  public:
   /// @param heard must stay; frames that are left out are what the others are compared with
   explicit SoundFrames(const HeardLengths& heard);
+  SoundFrames(const SoundFrames&) = delete;
+  SoundFrames& operator=(const SoundFrames&) = delete;
 
   /// Whether a frame was left out.
   bool IsMended() const { return !runs_.empty(); }

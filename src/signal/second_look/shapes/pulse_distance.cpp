@@ -78,7 +78,7 @@ std::optional<Frame> ReadDistances(const Body& body, const Leader* leader) {
 std::string_view DistanceHead(const Leader& leader, const Frame& frame, bool spaceIsDistinct) {
   constexpr double kLongMark = 5.5, kMostSpace = 3.5, kMostAfterLong = 3.25;  // base times
   const double units = (leader.Space + frame.Excess) / frame.Unit;
-  const bool isLong = leader.Mark - frame.Excess >= kLongMark * frame.Unit;
+  const bool isLong = leader.Mark + leader.MayLack - frame.Excess >= kLongMark * frame.Unit;
   if (units < 1.5) return "G0";
   return units < (isLong ? kMostAfterLong : kMostSpace) || !spaceIsDistinct ? "G000" : "Gg";
 }
