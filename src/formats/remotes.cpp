@@ -72,18 +72,25 @@ void TakeLengths(RemoteKey& key) {
     key.Coded->Again = *key.Described;
 }
 
+constexpr std::string_view kOtherSignal = "every second press is another signal, which is not kept";
+constexpr std::string_view kFurtherDigits =
+    "more than one digit is another with every second press, and only the first of them is kept";
+
+/// Whether it is a second form that a key has lost.
+bool IsOfForms(std::string_view lost) { return lost == kOtherSignal || lost == kFurtherDigits; }
+
 /// Gives a key the digit that its second form turns over.
 void TakeToggled(RemoteKey& key) {
   const std::optional<CodedSignal> other = ReadPress(key.Toggled, key.Carrier);
   const std::string& digits = key.Coded->Digits;
   if (!other || other->Digits.size() != digits.size()) {
-    key.Lost = "every second press is another signal, which is not kept";
+    key.Lost = kOtherSignal;
     return;
   }
   key.Coded->Toggle = FirstDifference(digits, other->Digits);
   if (key.Coded->Toggle &&
       digits.substr(*key.Coded->Toggle + 1) != other->Digits.substr(*key.Coded->Toggle + 1))
-    key.Lost = "more than one digit is another with every second press";
+    key.Lost = kFurtherDigits;
 }
 
 }  // namespace
@@ -141,7 +148,8 @@ std::string WriteRemotes(std::string_view format, const std::vector<Remote>& rem
   const RemoteFormat& chosen = RemoteFormatNamed(format);
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
-      if (!key.Lost.empty()) trade::TellOnce(told, key.Lost);
+      if (!key.Lost.empty() && !(chosen.KeepsBothForms && IsOfForms(key.Lost)))
+        trade::TellOnce(told, key.Lost);
       if (key.Toggled.empty() || key.Coded || key.Protocol || chosen.KeepsBothForms) continue;
       told.push_back(
           {.File = {},

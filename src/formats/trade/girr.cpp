@@ -323,7 +323,11 @@ std::optional<RemoteKey> OtherForm(const RemoteKey& key) {
   if (key.Toggled.empty() && !(key.Coded && key.Coded->Toggle)) return std::nullopt;
   RemoteKey other = key;
   other.Lengths = key.Toggled;
-  if (key.Coded && key.Coded->Toggle) {
+  if (key.Coded && !key.Toggled.empty()) {
+    // More may be another than the digit that turns over; what is repeated is told of the first form.
+    other.Coded = ReadPress(key.Toggled, key.Carrier);
+    if (other.Coded) other.Coded->Again = key.Coded->Again;
+  } else if (key.Coded) {
     char& digit = other.Coded->Digits[*key.Coded->Toggle];
     digit = digit == '0' ? '1' : '0';
   }

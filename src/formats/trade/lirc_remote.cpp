@@ -217,13 +217,15 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   const std::string digits = sender.DigitsOf(code.Values.front(), remote.Reverse);
   const std::string turned = sender.RepeatMarks();
   const bool single = code.Values.size() == 1 && turned.find('1') == std::string::npos;
-  if (single) {
+  const std::string toggles = sender.ToggleMarks();
+  if (single && HasHeadedRepeat(remote))
+    key.Lost = "a short repeat with a header or a lead ahead is not kept";
+  // With several that turn over together it is the two forms that tell them.
+  if (single && std::count(toggles.begin(), toggles.end(), '1') <= 1) {
     key.Coded = PlainSignal(remote, digits);
     if (!key.Coded) key.Coded = Rc5Signal(remote, sender.Frame(digits, false));
-    if (HasHeadedRepeat(remote)) key.Lost = "a short repeat with a header or a lead ahead is not kept";
     if (key.Coded) return {};
   }
-  const std::string toggles = sender.ToggleMarks();
   const auto press = [&](char toggle) {
     PulseTrain lengths;
     PulseTrain::size_type start = 0;
