@@ -66,6 +66,7 @@ class PulseReader {
     key_ = {};
     key_.Line = line_;
     ahead_ = carrier_;
+    toldWithin_ = false;
     if (!carriersFollow_) key_.Carrier = carrier_;
   }
 
@@ -80,7 +81,7 @@ class PulseReader {
     lastEnded_ = true;
     lastHasOwn_ = key_.Carrier.has_value();
     AddLengths(reading_, std::move(key_), std::move(lengths));
-    carriersAhead_.emplace_back(file_.Remotes.back().Keys.size() - 1, ahead_);
+    if (!toldWithin_) carriersAhead_.emplace_back(file_.Remotes.back().Keys.size() - 1, ahead_);
   }
 
   /// @return 0 for a wrong length, which the key then tells
@@ -125,6 +126,7 @@ class PulseReader {
     carrier_ = static_cast<int>(*carrier);
     if (begun_) {
       key_.Carrier = carrier_;
+      toldWithin_ = true;
     } else if (carriersFollow_ && lastEnded_ && !file_.Remotes.back().Keys.back().Carrier) {
       file_.Remotes.back().Keys.back().Carrier = carrier_;
       lastHasOwn_ = true;
@@ -187,6 +189,7 @@ class PulseReader {
   std::optional<int> carrier_;
   std::optional<int> ahead_;                                               // told last ahead of the press
   std::vector<std::pair<std::size_t, std::optional<int>>> carriersAhead_;  // of which key
+  bool toldWithin_ = false;      // a carrier in the press itself, which is its own
   bool lastHasOwn_ = false;      // carrier, in the press or behind it
   bool carriersDiffer_ = false;  // from line to line
   int line_ = 0;
