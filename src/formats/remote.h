@@ -79,6 +79,8 @@ struct RemoteKey {
   std::optional<CodedSignal> Coded;
   PulseTrain Lengths;  // the whole press as the file has it, mark first
   PulseTrain Toggled;  // every second press, where the file has it and it differs
+  int Gap = 0;  // microseconds of silence due after the lengths, where the file tells it beside them; else 0
+  bool GapFromStart = false;  // Gap counts from the first mark; else from the last
   // Set where the lengths are not heard but made of what the file says of all presses: how they are repeated.
   std::optional<Repeat> Described;
   std::string Skipped;  // why there is neither

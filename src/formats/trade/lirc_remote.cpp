@@ -211,6 +211,8 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
   key.Carrier = remote.Carrier;
   if (remote.Raw) {
     key.Lengths = code.Lengths;
+    key.Gap = remote.Gap;
+    key.GapFromStart = remote.ConstLength && remote.Gap > 0;
     return {};
   }
   const LircSender sender(remote);
@@ -242,6 +244,8 @@ std::string TakeLircCode(const LircRemote& remote, const LircCode& code, RemoteK
     if (turned.find('1') != std::string::npos) append(Flipped(digits, turned), false);
     return lengths;
   };
+  // Counted from its start it would be that of the last frame alone.
+  if (!remote.ConstLength) key.Gap = remote.Gap;
   key.Described = single ? RepeatOf(remote) : Repeat{};
   // Its own program begins with a toggle of 1, whatever the code has there.
   key.Lengths = press('1');

@@ -41,11 +41,20 @@ bool AsDigits(const RemoteKey& key) {
   return key.Coded->Code.Line == LineCode::Biphase ? digits == kRc5Digits : digits <= kMostDigits;
 }
 
+/// How a key is repeated, with the gap that its file tells beside lengths where its digits have none.
+Repeat RepeatWithGap(const RemoteKey& key) {
+  Repeat again = key.Coded ? key.Coded->Again : Repeat{};
+  if (again.Gap > 0 || key.Gap == 0) return again;
+  again.Gap = key.Gap;
+  again.FromStart = key.GapFromStart;
+  return again;
+}
+
 /// Keys of one head can stand in one remote of the format.
 bool SameHead(const RemoteKey& left, const RemoteKey& right) {
   if (AsDigits(left) != AsDigits(right) || CarrierOf(left) != CarrierOf(right)) return false;
-  if (!AsDigits(left)) return true;
-  return left.Coded->Code == right.Coded->Code && left.Coded->Again == right.Coded->Again &&
+  if (!AsDigits(left)) return left.Gap == right.Gap && left.GapFromStart == right.GapFromStart;
+  return left.Coded->Code == right.Coded->Code && RepeatWithGap(left) == RepeatWithGap(right) &&
          left.Coded->Toggle == right.Coded->Toggle && left.Coded->Digits.size() == right.Coded->Digits.size();
 }
 
@@ -108,10 +117,10 @@ class LircWriter {
     if (!name.empty() && !again) TellName(name, word);
     text_ += "begin remote\n\n  name " + word + '\n';
     if (AsDigits(first)) {
-      WriteHead(*first.Coded);
+      WriteHead(*first.Coded, RepeatWithGap(first));
     } else {
-      text_ += "  flags RAW_CODES\n";
-      text_ += NumberLine("gap", kUsualLircGap);
+      text_ += std::string("  flags RAW_CODES") + (first.GapFromStart ? "|CONST_LENGTH" : "") + '\n';
+      text_ += NumberLine("gap", first.Gap > 0 ? first.Gap : kUsualLircGap);
     }
     text_ += NumberLine("eps", 30) + NumberLine("aeps", 100) + NumberLine("frequency", CarrierOf(first));
     const std::string codes = AsDigits(first) ? "codes" : "raw_codes";
@@ -126,9 +135,8 @@ class LircWriter {
     text_ += "  end " + codes + "\n\nend remote\n\n";
   }
 
-  void WriteHead(const CodedSignal& signal) {
+  void WriteHead(const CodedSignal& signal, const Repeat& again) {
     const Coding& code = signal.Code;
-    const Repeat& again = signal.Again;
     const bool biphase = code.Line == LineCode::Biphase;
     text_ += std::string("  flags ") + (biphase ? "RC5" : "SPACE_ENC") +
              (again.Kind == RepeatKind::Body ? "|NO_HEAD_REP" : "") +

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <filesystem>
+#include <numeric>
 
 namespace keplo::trade {
 
@@ -189,8 +190,10 @@ PulseTrain PressOf(const RemoteKey& key) {
 }
 
 int ClosingSilence(const RemoteKey& key) {
-  const int silence = key.Coded ? SilenceAfter(*key.Coded) : 0;
-  return silence > 0 ? silence : kUsualSilence;
+  if (const int silence = key.Coded ? SilenceAfter(*key.Coded) : 0; silence > 0) return silence;
+  const std::int64_t time =
+      key.GapFromStart ? std::accumulate(key.Lengths.begin(), key.Lengths.end(), std::int64_t{0}) : 0;
+  return key.Gap > time ? key.Gap - static_cast<int>(time) : kUsualSilence;
 }
 
 std::string NameFor(const RemoteKey& key, std::size_t number) {
