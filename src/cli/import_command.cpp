@@ -60,7 +60,10 @@ nlohmann::ordered_json Describe(const PlannedKey& planned) {
 void PrintKey(const PlannedKey& planned) {
   if (planned.Fate != KeyFate::Stored) {
     const std::string file = planned.File == "-" ? "standard input" : planned.File;
-    Tell(Complaint{file, planned.Key->Line, planned.Key->Name.value_or(""), planned.Reason}.Message());
+    const std::string& own = planned.Key->File;
+    Tell(
+        Complaint{own.empty() ? file : own, planned.Key->Line, planned.Key->Name.value_or(""), planned.Reason}
+            .Message());
     return;
   }
   std::cout << Printable(planned.Reference()) << "\tG"

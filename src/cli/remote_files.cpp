@@ -30,7 +30,8 @@ bool TellSkipped(const std::vector<Remote>& remotes) {
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
       if (key.Coded || !key.Lengths.empty()) continue;
-      Tell(Complaint{remote.Name, key.Line, key.Name.value_or(""), key.Skipped}.Message());
+      Tell(Complaint{key.File.empty() ? remote.Name : key.File, key.Line, key.Name.value_or(""), key.Skipped}
+               .Message());
       all = false;
     }
   }

@@ -84,6 +84,7 @@ struct RemoteKey {
   // Set where the lengths are not heard but made of what the file says of all presses: how they are repeated.
   std::optional<Repeat> Described;
   std::string Skipped;  // why there is neither
+  std::string File;     // of a key that a reader skips: the one that Line counts in
   std::string Lost;     // what the file says of it that neither keeps; empty if nothing
 
   bool IsRaw() const { return !Coded && !Lengths.empty(); }

@@ -95,7 +95,8 @@ class PulseReader {
 
   void Fault(const std::string& fault) {
     if (!fault_.empty()) return;
-    fault_ = (line_ == key_.Line ? std::string() : "line " + std::to_string(line_) + ": ") + fault;
+    fault_ = fault;
+    key_.Line = line_;
   }
 
   void ReadLength(std::string_view kind, std::string_view word) {

@@ -137,6 +137,7 @@ void FileReading::Skip(RemoteKey key, std::string reason) {
   key.Lengths.clear();
   key.Toggled.clear();
   key.Skipped = std::move(reason);
+  key.File = path_;
   Add(std::move(key));
 }
 
