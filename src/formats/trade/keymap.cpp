@@ -53,6 +53,17 @@ std::string ProtocolOf(const std::string& protocol, const std::string& variant, 
   return protocol;
 }
 
+/// Gives the key the carrier of its section, if there is one.
+/// @return what is wrong with it
+std::string TakeCarrier(const toml::table& section, RemoteKey& key) {
+  if (!section.contains("carrier")) return {};
+  const std::optional<std::int64_t> carrier = section["carrier"].value_exact<std::int64_t>();
+  if (!carrier || *carrier < 0 || *carrier > kMostCarrier)
+    return "found a wrong carrier, expected 0 to " + std::to_string(kMostCarrier) + " Hz";
+  key.Carrier = static_cast<int>(*carrier);
+  return {};
+}
+
 /// Digits as the section itself describes them.
 class BitCoding {
  public:
@@ -69,10 +80,7 @@ class BitCoding {
     const std::string text =
         (reverse ? digits.Low(value, static_cast<int>(bits)) : digits.High(value, static_cast<int>(bits)))
             .Take();
-    if (const auto carrier = section_["carrier"].value<std::int64_t>();
-        carrier && *carrier >= 0 && *carrier <= kMostCarrier) {
-      key.Carrier = static_cast<int>(*carrier);
-    }
+    if (std::string why = TakeCarrier(section_, key); !why.empty()) return why;
     key.Coded = distance_ ? DistanceSignal(text) : std::nullopt;
     if (key.Coded) return {};
     key.Lengths = Frame(text);
@@ -83,8 +91,8 @@ class BitCoding {
   /// Which of its numbers is none; empty if all are good.
   std::string WhyNone() const {
     for (const std::string_view name :
-         {"bits", "carrier", "header_pulse", "header_space", "bit_pulse", "bit_space", "bit_0_pulse",
-          "bit_1_pulse", "bit_0_space", "bit_1_space", "trailer_pulse"}) {
+         {"bits", "header_pulse", "header_space", "bit_pulse", "bit_space", "bit_0_pulse", "bit_1_pulse",
+          "bit_0_space", "bit_1_space", "trailer_pulse"}) {
       if (!section_.contains(name)) continue;
       const std::optional<std::int64_t> number = section_[name].value_exact<std::int64_t>();
       if (!number || *number < 0 || *number > kLongestPulse)
@@ -210,9 +218,9 @@ class KeymapReader {
         continue;
       }
       key.Name = TextOf(*row, "keycode");
-      if (const auto carrier = section["carrier"].value<std::int64_t>();
-          carrier && *carrier >= 0 && *carrier <= kMostCarrier) {
-        key.Carrier = static_cast<int>(*carrier);
+      if (std::string why = TakeCarrier(section, key); !why.empty()) {
+        reading_.Skip(std::move(key), std::move(why));
+        continue;
       }
       AddLengths(reading_, std::move(key), ReadRawText(TextOf(*row, "raw")));
     }
