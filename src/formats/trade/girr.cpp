@@ -2,6 +2,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
 #include <pugixml.hpp>
 
 #include "formats/families.h"
@@ -28,6 +29,7 @@ std::string_view LocalName(const pugi::xml_node& node) {
 struct GirrParameters {
   std::string Protocol;
   ProtocolValues Values;
+  std::map<std::string, std::string, std::less<>> NoNumbers;  // by name, what stands in the place of a value
 };
 
 /// A number that a file may write with a fraction.
@@ -112,12 +114,17 @@ class GirrReader {
     }
   }
 
-  static void SetValue(ProtocolValues& values, std::string_view name, std::string_view text) {
+  static void SetValue(GirrParameters& parameters, std::string_view name, std::string_view text) {
+    ProtocolValues& values = parameters.Values;
     const std::optional<std::int64_t> number =
         StartsNoCase(text, "0x") ? NumberOf(text.substr(2), 16) : NumberOf(text);
     // What is no number fits no protocol.
     constexpr long kWrong = 1L << 30;
     const long value = number.value_or(kWrong);
+    parameters.NoNumbers.erase(std::string(name));
+    const std::array<std::string_view, 5> known = {"D", "S", "F", "T", "PairID"};
+    if (!number && std::find(known.begin(), known.end(), name) != known.end())
+      parameters.NoNumbers.emplace(name, text);
     if (name == "D") values.D = value;
     if (name == "S") values.S = value;
     if (name == "F") values.F = value;
@@ -129,7 +136,7 @@ class GirrReader {
     if (const auto protocol = node.attribute("protocol")) parameters.Protocol = protocol.value();
     for (const pugi::xml_node& child : node.children()) {
       if (LocalName(child) != "parameter") continue;
-      SetValue(parameters.Values, child.attribute("name").value(), child.attribute("value").value());
+      SetValue(parameters, child.attribute("name").value(), child.attribute("value").value());
     }
   }
 
@@ -144,7 +151,7 @@ class GirrReader {
       hasRaw |= name == "raw";
       hasCcf |= name == "ccf";
     }
-    if (const auto function = command.attribute("F")) SetValue(parameters.Values, "F", function.value());
+    if (const auto function = command.attribute("F")) SetValue(parameters, "F", function.value());
     if (!parameters.Protocol.empty()) key.Protocol = parameters.Protocol;
     const std::string_view master = command.attribute("master").value();
     if (cut_ && command == cut_) return reading_.Skip(std::move(key), "the file breaks off in it");
@@ -157,6 +164,9 @@ class GirrReader {
       if (form == "ccf" && hasCcf) why = TakeForms(command, "ccf", key);
       if (form == "parameters" && !parameters.Protocol.empty()) {
         why = TakeValues(parameters.Protocol, parameters.Values, key);
+        if (const auto wrong = parameters.NoNumbers.begin();
+            !why.empty() && wrong != parameters.NoNumbers.end())
+          why = "found the " + wrong->first + ' ' + Quoted(wrong->second) + ", expected a number";
         if (!why.empty()) why.insert(0, parameters.Protocol + ": ");
       }
       if (why.empty()) break;
