@@ -80,7 +80,7 @@ std::string TakeBroadlink(const std::vector<std::uint8_t>& bytes, RemoteKey& key
     return "found " + std::to_string(bytes.size()) + " bytes, expected a Broadlink code";
   if (bytes[0] == kRadio433 || bytes[0] == kRadio315) return "it is a code for radio, not for infrared";
   if (bytes[0] != kInfrared)
-    return "found a first byte of " + std::to_string(bytes[0]) + ", expected 38 for infrared";
+    return "found a first byte of " + HexText(bytes[0], 2) + ", expected 26 for infrared, both in hex";
   const std::size_t end = kBroadlinkHead + bytes[2] + (std::size_t{bytes[3]} << 8U);
   if (end > bytes.size()) {
     return "it is cut: found " + std::to_string(bytes.size() - kBroadlinkHead) + " bytes of " +

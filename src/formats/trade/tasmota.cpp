@@ -258,20 +258,21 @@ void ReadTasmota(std::string_view text, const std::string& path, RemoteFile& fil
 }
 
 /// Whether a text has the fields of an object.
-bool HasFields(std::string_view text) {
+/// @param command how the command stands in it
+bool HasFields(std::string_view text, const char* command) {
   const std::string lower = Lower(text);
   const auto has = [&](const char* name) { return lower.find(name) != std::string::npos; };
-  return (has("\"protocol\"") && has("\"data\"")) || has("\"rawdata\"") || has("irsend");
+  return (has("\"protocol\"") && has("\"data\"")) || has("\"rawdata\"") || has(command);
 }
 
 bool IsTasmota(std::string_view text) {
   if (text.find("\"IrReceived\"") != std::string_view::npos) return true;
-  if (BeginsTree(Trimmed(text))) return HasFields(text);
+  if (BeginsTree(Trimmed(text))) return HasFields(text, "\"irsend\"");
   Lines lines(text);
   std::string_view line;
   while (lines.Next(line)) {
     if (StartsNoCase(Trimmed(line), "irsend")) return true;
-    if (line.find('{') != std::string_view::npos && HasFields(line)) return true;
+    if (line.find('{') != std::string_view::npos && HasFields(line, "irsend")) return true;
   }
   return false;
 }
