@@ -15,10 +15,9 @@ void Play(SimulatedPort& port, const PulseTrain& press, const std::string& /*tel
 /// What a line makes of a script. A character in front of a length is how the edge is told at which it
 /// begins; a last one alone stands for the edge at the end.
 template <typename Port>
-std::string Heard(const std::string& script, std::int16_t receiver = 0) {
+std::string Heard(const std::string& script, std::int16_t receiver = 0, Analysis reader = Analysis::Second) {
   Port port;
   port.RestLevel = receiver == 0;
-  const Analysis reader = Analysis::Second;
   LineOptions options;
   options.ReadBy = &reader;
   std::string told;
@@ -43,6 +42,11 @@ struct Row {
 const auto kTells = [](const std::string& script) { return Heard<TellingPort>(script); };
 const auto kMouse = [](const std::string& script) { return Heard<TellingPort>(script, 1); };
 const auto kSampled = [](const std::string& script) { return Heard<SimulatedPort>(script); };
+const auto kSampledMouse = [](const std::string& script) { return Heard<SimulatedPort>(script, 1); };
+const auto kFirst = [](const std::string& script) { return Heard<TellingPort>(script, 0, Analysis::First); };
+const auto kSampledFirst = [](const std::string& script) {
+  return Heard<SimulatedPort>(script, 0, Analysis::First);
+};
 
 const std::string kLamp =
     " rests at 0, where a receiver of the other kind does; change the setting ITYPE, or look for a lamp.;";
@@ -131,6 +135,14 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
        "not sent sent 1 [] /0 @161006; 0 0 0 0 0  pulse of 20001 us is not sent. Use 1 to 20000 us.;"},
       {"sampled", kSampled, "p900,500,700,. w100 d m400 d l w1000000 q",
        "0 [] 15 9 13 2467/313 @138044; 1 2509 0 0 0 0 rest 0 "},
+      {"sampled, the mouse receiver", kSampledMouse, "p900,500,700,. w100 d m400 d l w1000000 q",
+       "1 [] 15 9 13 2467/313 @138044; 0 2509 0 0 0 0 rest 0 "},
+      {"shaped", kFirst, "p2500,500,1300,500,700,480,1320,500,680,520,720,500,1280,. w1000 d m50",
+       "0 [2500 500 1300 500 700 480 1320 500 680 520 720 500 1280] 44 11 21 11 11 11 22 11 11 11 11 11 22 "
+       "192/50 20..11520 @22532; "},
+      {"shaped, sampled", kSampledFirst,
+       "p2500,500,1300,500,700,480,1320,500,680,520,720,500,1280,. w100 d m50",
+       "0 [] 42 11 21 11 11 11 22 11 11 11 11 11 22 194/50 @22049; "},
       {"sampled on", kSampled, "p900,500,700,30000,600,400,600,. w100 d m40 d w8600 d m50 d l",
        "0 [] 15 9 13 283/40 @17649; 1 0 [] 8 7 11 374/50 @54234; 1 720 0 0 0 0 "},
       {"sampled frames", kSampled,

@@ -113,10 +113,9 @@ struct LircLineTest : ::testing::Test {
 /// What a line makes of a script. In a play stand o for an overflow and c for a carrier in place of lengths,
 /// and ahead of it, with a colon, may stand the time-out of the device in milliseconds, and w if it is told
 /// whole.
-std::string Heard(const std::string& script) {
+std::string Heard(const std::string& script, Analysis reader) {
   SimulatedDevice device;
   const std::int16_t receiver = 0;
-  const Analysis reader = Analysis::Second;
   LineOptions options;
   options.ReadBy = &reader;
   std::string told;
@@ -150,10 +149,15 @@ TEST(LircLine, HearsWhatItsDeviceTells) {
   struct Row {
     const char *Name, *Script;
     std::string Text;
+    Analysis ReadBy = Analysis::Second;
   };
   const Row rows[] = {
       {"a press", "p900,500,700 d w1000 q d m400 d l q w1000000 q",
        "1 rest 1000 0 [900 500 700] 16 9 13 2466/313 100..2200 @138100; 1 0 0 0 0 0 rest 0 rest 1000 "},
+      {"shaped", "p2500,500,1300,500,700,480,1320,500,680,520,720,500,1280 w10000 d m50",
+       "0 [2500 500 1300 500 700 480 1320 500 680 520 720 500 1280] 44 11 21 11 11 11 22 11 11 11 11 11 22 "
+       "192/50 7500..19000 @147500; ",
+       Analysis::First},
       {"a short time-out", "p16:900,500,700,30000,600,400,600 w1000 d m400 w200000 d",
        "0 [900 500 700 30000 600 400 600] 16 9 13 546 11 7 11 2467/385 100..33800 @169700; 1 "},
       {"a short one, whole", "p16w:900,500,700,30000,600,400,600 w1000 d m400",
@@ -203,7 +207,7 @@ TEST(LircLine, HearsWhatItsDeviceTells) {
       {"gone in a recording", "w1000 g1000 r400", "0 [] /0 @10001000; " + kGone},
       {"its own light", "s560 p900 w29000 d p900 w1001 d s20001 w1000000 q d q",
        "sent 1 1 not sent rest 1000 1 rest 1000 A pulse of 20001 us is not sent. Use 1 to 20000 us.;"}};
-  for (const Row& row : rows) EXPECT_EQ(Heard(row.Script), row.Text) << row.Name;
+  for (const Row& row : rows) EXPECT_EQ(Heard(row.Script, row.ReadBy), row.Text) << row.Name;
 }
 
 TEST_F(LircLineTest, SendsLongSignalsInPartsThatBeginOnTime) {

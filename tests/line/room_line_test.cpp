@@ -115,6 +115,9 @@ TEST(RoomLine, TellsEachPressAndItsRoomAndSendsToTheOneThatIsChosen) {
        "1 1 [] /0 @700000; 0 [900 500 560] 16 9 11 204/30 698040..700000 @700000; rest 1000 "},
       {"ir/+ 3:bath", "pir/bath:900,-500,560 f d pir/bath:900,-500,560 r30 r30",
        "1 0 [] /0 @10000000; 0 [] /0 @20000000; "},
+      {"ir/+ 3:bath", "pir/bath:2500,-500,1300,-500,700,-480,1320,-500,680,-520,720,-500,1280 d m50",
+       "0 [2500 500 1300 500 700 480 1320 500 680 520 720 500 1280] 44 11 21 11 11 11 22 11 11 11 11 11 22 "
+       "192/50 -11500..0 @0; "},
       {kBoth, "s500 z4 s500 z5 s500 z3 s600 z",
        "not sent zone 0 not sent zone 1 sent zone 1 sent zone 9 cmnd/attic/IRSend "
        "38000,2000,1500,500;cmnd/bath/IRSend 38000,2400,1800,600;" +
