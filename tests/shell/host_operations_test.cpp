@@ -67,6 +67,9 @@ TEST_F(HostOperations, TheMenuOfTheListSwitchesTheSelectedEventInAllThreePlaces)
   std::string captions;
   for (const ui::MenuItem& item : control.RightClickMenu.Items) captions += item.Caption + ";";
   EXPECT_EQ(captions, "Enable;Disable;-;Help;");
+  control.DisableMenu_Click();
+  EXPECT_EQ(errors_, Texts{"colclsKeploEvents colclsKeploEvents.Save"}) << "no row is selected";
+  errors_.clear();
   for (const auto& [row, item] : {std::pair(1, 1U), {1, 0U}, {2, 0U}}) {
     control.ListView1.Select(row);
     control.RightClickMenu.Items[item].OnClick();
