@@ -66,14 +66,14 @@ inline std::string Heard(const Sent& sent, Dice& dice, double sampleTime, int fr
     press = press.empty() ? next : Then(press, sent.Gap > 0 ? sent.Gap : gap, next);
   }
   for (int left = dice.From(0, 2); left > 0; --left) Damage(press, dice);
-  const double clock = 1 + dice.From(-40, 40) / 1000.0;
+  const int clock = 1000 + dice.From(-40, 40);
   const int jitter = dice.From(0, dice.Once(3) ? 90 : 25);
   const int excess = dice.From(-60, dice.Once(3) ? 350 : 120);
-  double time = dice.From(0, 99);
+  int time = dice.From(0, 99);
   std::string samples;
   for (std::size_t i = 0; i < press.size(); ++i) {
-    time += press[i] * clock;
-    const double edge = time + (i % 2 == 0 ? excess : 0) + dice.From(-jitter, jitter);
+    time += press[i] * clock / 1000;  // whole, so that no machine rounds otherwise
+    const int edge = time + (i % 2 == 0 ? excess : 0) + dice.From(-jitter, jitter);
     const auto end = static_cast<std::size_t>(std::max(0.0, edge / sampleTime));
     if (end > samples.size()) samples.resize(end, i % 2 == 0 ? '1' : '0');
   }
