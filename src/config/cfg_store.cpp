@@ -173,9 +173,11 @@ void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
   raw.DropLost();
 }
 
+constexpr const char* kTakeOut = ". Take out commands or protocols that are not needed.";
+
 /// What to do about a file that cannot be read.
 std::string AdviceOnRead(const CfgStore& store, int error) {
-  if (error == EFBIG) return ". Take out commands or protocols that are not needed.";
+  if (error == EFBIG) return "";  // whoever found it too long has said so
   if (error != ENOENT) return ". Make it a file that this program may read, or put a backup in its place.";
   return ". Put a backup in its place, or bring the one of a first install with: " +
          TypedCommand("install", FolderOf(store.Path).string());
@@ -186,8 +188,7 @@ std::string AdviceOnRead(const CfgStore& store, int error) {
 void CfgStore::RequireSpace(std::size_t length) const {
   if (length <= kMostCharacters) return;
   throw Failure(EFBIG, Path.string() + " would be of " + std::to_string(length) +
-                           " characters; the limit is " + std::to_string(kMostCharacters) +
-                           ". Take out commands or protocols that are not needed.");
+                           " characters; the limit is " + std::to_string(kMostCharacters) + kTakeOut);
 }
 
 CfgStore::CfgStore(std::filesystem::path path, std::unique_ptr<FileSystem> files)
@@ -208,7 +209,8 @@ void LoadConfig(CfgStore& store) {
     const std::uintmax_t size = store.Files.Size(store.Path);
     if (size > kMostCharacters) {
       throw Failure(EFBIG, store.Path.string() + ": the file has " + std::to_string(size) +
-                               " characters, which is above the limit of " + std::to_string(kMostCharacters));
+                               " characters, which is above the limit of " + std::to_string(kMostCharacters) +
+                               kTakeOut);
     }
     // Before the read, so that a file that is changed right after it does not pass for the one that was read.
     const std::optional<FileIdentity> identity = store.Files.Identity(store.Path);
