@@ -117,11 +117,12 @@ std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>&
   }
 }
 
-/// The walk over the events of a command ends at the first whose zone is another one.
+/// The walk over the activated events of a command ends at the first whose zone is another one.
 void TellOtherZone(const OpenedMap& map, const clsKeploEvent& event) {
+  if (!event.Enabled) return;
   const auto other = std::find_if(map.Events.begin(), map.Events.end(), [&](const auto& each) {
-    return each->EventID != event.EventID && each->IRCommand == event.IRCommand && each->Zone != 0 &&
-           each->Zone != event.Zone;
+    return each->Enabled && each->EventID != event.EventID && each->IRCommand == event.IRCommand &&
+           each->Zone != 0 && each->Zone != event.Zone;
   });
   if (other == map.Events.end()) return;
   Tell("event " + (*other)->EventID + " has the same command with zone " + std::to_string((*other)->Zone) +
@@ -195,6 +196,7 @@ int Modify(const EventWords& words) {
   if (!words.Command.empty()) event->IRCommand = ReferenceToBind(words);
   TakeWords(words, *event);
   map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
+  if (!words.Command.empty() || words.Zone || words.Enable) TellOtherZone(map, *event);
   TellWhoTakesItIn(words.AppPath);
   return kDone;
 }
