@@ -3,6 +3,7 @@
 #include <linux/serial.h>
 
 #include <algorithm>
+#include <atomic>
 #include <semaphore>
 #include <set>
 #include <thread>
@@ -92,7 +93,7 @@ class TellingPort : public SimulatedPort {
   void Wake(bool told) {
     isTold_ = told;
     woken_.release();
-    if (isStopping_) return;
+    if (!isWatched_) return;  // whoever was woken does not wait again
     asleep_.acquire();
     told_.erase(told_.begin(), told_.upper_bound(now_));  // it did not wait then
   }
@@ -116,7 +117,8 @@ class TellingPort : public SimulatedPort {
   std::counting_semaphore<> asleep_{0}, woken_{0}, gone_{0}, ended_{0};
   int threads_ = 0;  // of a watch, that have begun to wait
   int stopDescriptor_ = -1;
-  bool begins_ = false, isWatched_ = false, isStopping_ = false, isTold_ = false, news_ = false;
+  bool begins_ = false, isWatched_ = false, isStopping_ = false, news_ = false;
+  std::atomic<bool> isTold_ = false;  // a watch that stops is interrupted again and again
 };
 
 }  // namespace keplo::tests
