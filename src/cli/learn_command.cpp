@@ -93,7 +93,9 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
     std::error_code unknown;  // the path itself then tells the file
     const std::filesystem::path path = std::filesystem::canonical(file, unknown);
     int number = 0;  // of the press in its file
-    for (const Press& press : LoadRecording(file).Presses) {
+    const Recording recording = LoadRecording(file);
+    for (const std::string& complaint : recording.Complaints) Tell(complaint);
+    for (const Press& press : recording.Presses) {
       const std::string place = (unknown ? file : path.string()) + " " + std::to_string(++number);
       SignalState state;
       state.SampleTime = line.SampleTime;

@@ -16,9 +16,10 @@ namespace keplo::cli {
 
 namespace {
 
-/// @return whether every press has a code
+/// @return whether all of it is presses, and every press has a code
 bool PrintRecording(const Recording& recording, bool asJson, const ReadPress& read) {
-  bool all = true;
+  for (const std::string& complaint : recording.Complaints) Tell(complaint);
+  bool all = recording.Complaints.empty();
   int number = 0;
   for (const Press& press : recording.Presses) {
     const bool hasCode =

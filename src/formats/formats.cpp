@@ -22,15 +22,16 @@ bool IsText(std::string_view bytes) {
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): all formats of the table take the bytes over
-std::vector<Press> ReadText(std::string bytes, std::string_view name) {
-  std::optional<std::vector<PulseTrain>> remotes = PressesOfRemotes(bytes, std::string(name));
+std::vector<Press> ReadText(std::string bytes, std::string_view name, std::vector<std::string>& complaints) {
+  std::optional<std::vector<PulseTrain>> remotes = PressesOfRemotes(bytes, std::string(name), complaints);
   std::vector<PulseTrain> trains = remotes ? *std::move(remotes) : ParsePulseText(bytes, name);
   return {std::make_move_iterator(trains.begin()), std::make_move_iterator(trains.end())};
 }
 
 bool IsCapture(std::string_view bytes) { return !IsText(bytes); }
 
-std::vector<Press> ReadCaptureBytes(std::string bytes, std::string_view /*name*/) {
+std::vector<Press> ReadCaptureBytes(std::string bytes, std::string_view /*name*/,
+                                    std::vector<std::string>& /*complaints*/) {
   return {RawBytes{std::move(bytes)}};
 }
 

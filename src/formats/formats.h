@@ -17,8 +17,9 @@ struct Format {
   /// Whether bytes without a file name look like it.
   bool (*Sniff)(std::string_view bytes);
   /// @param name what the bytes were read from, for error texts
+  /// @param complaints gets what could not be read of bytes that hold a press
   /// @throws FormatError if they hold no press
-  std::vector<Press> (*Read)(std::string bytes, std::string_view name);
+  std::vector<Press> (*Read)(std::string bytes, std::string_view name, std::vector<std::string>& complaints);
   /// Null for a format that is only read.
   std::string (*Write)(std::span<const PulseTrain> presses);
 };

@@ -28,7 +28,9 @@ Recording LoadRecording(const std::string& path) {
   const std::string name = named ? path : "standard input";
   std::string bytes = ReadWhole(path, name);
   const Format& format = named ? FormatOfFile(path) : FormatOfBytes(bytes);
-  return {name, format.Read(std::move(bytes), name)};
+  Recording recording{name, {}};
+  recording.Presses = format.Read(std::move(bytes), name, recording.Complaints);
+  return recording;
 }
 
 }  // namespace keplo

@@ -19,6 +19,7 @@ using Press = std::variant<PulseTrain, RawBytes>;
 struct Recording {
   std::string Path;
   std::vector<Press> Presses;
+  std::vector<std::string> Complaints = {};  // what of a file of remotes is no press, and why
 };
 
 /// Largest recording that is read, bytes; an hour of key presses stays below it.

@@ -27,21 +27,29 @@ bool IsPlain(std::string_view text) {
 
 }  // namespace
 
-std::optional<std::vector<PulseTrain>> PressesOfRemotes(std::string_view text, const std::string& name) {
+std::optional<std::vector<PulseTrain>> PressesOfRemotes(std::string_view text, const std::string& name,
+                                                        std::vector<std::string>& complaints) {
   if (IsPlain(text)) return std::nullopt;
   const auto formats = RemoteFormats();
   const auto format = std::find_if(formats.begin(), formats.end(),
                                    [&](const RemoteFormat& known) { return known.Detect(text); });
   if (format == formats.end()) return std::nullopt;
   std::vector<PulseTrain> presses;
-  for (const Remote& remote : ReadRemotes(text, name, format->Name).Remotes) {
+  const RemoteFile file = ReadRemotes(text, name, format->Name);
+  for (const Complaint& complaint : file.Complaints) complaints.push_back(complaint.Message());
+  for (const Remote& remote : file.Remotes) {
     for (const RemoteKey& key : remote.Keys) {
-      if (PulseTrain press = trade::PressOf(key); !press.empty()) presses.push_back(std::move(press));
+      if (PulseTrain press = trade::PressOf(key); !press.empty()) {
+        presses.push_back(std::move(press));
+      } else if (!key.Skipped.empty()) {
+        complaints.push_back(Complaint{key.File, key.Line, key.Name.value_or(""), key.Skipped}.Message());
+      }
     }
   }
   if (presses.empty()) {
     throw FormatError(name + ": there is no key press in it; read as " + std::string(format->Name) +
-                      ", none of its keys has digits or lengths");
+                      ", none of its keys has digits or lengths" +
+                      (complaints.empty() ? "" : "; " + complaints.front()));
   }
   return presses;
 }
