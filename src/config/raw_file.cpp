@@ -69,6 +69,9 @@ std::size_t NextEntry(std::string_view text) {
 }  // namespace
 
 RawEntries ReadRawText(std::string_view text) {
+  // Without its last line feed an entry would take the head of the one that is written behind it into its
+  // lines.
+  if (!text.empty() && text.back() != '\n') return ReadRawText(std::string(text) + '\n');
   RawEntries entries;
   text.remove_prefix(NextEntry(text));
   while (!text.empty()) {

@@ -176,6 +176,7 @@ TEST_F(RawStored, LosesTheDamagedCommandAlone) {
   };
   const std::string changed = Replaced(whole.substr(cool), "1650", "1640");
   for (const Row& row : {Row{"whole", whole, "COOL", "HEAT"},
+                         {"without its last line feed", whole.substr(0, whole.size() - 1), "COOL", "HEAT"},
                          {"missing", "", "", ""},
                          {"a length changed", whole.substr(0, cool) + changed, "", "HEAT"},
                          {"cut short", whole.substr(0, whole.size() - 30), cool < heat ? "COOL" : "",
