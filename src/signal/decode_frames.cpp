@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 
 #include "signal/rc6.h"
@@ -97,9 +98,9 @@ struct HalfPair {
   static constexpr std::size_t kRoom = 4;  // what it means is written as one number
 
   char First, Second;
-  std::size_t Size;  // of what it means
+  std::uint8_t Size;  // of what it means
   std::array<char, kRoom> Decoded;
-  std::size_t Step;
+  std::uint8_t Step;
 };
 
 constexpr HalfPair kNoPair = {'?', '?', 0, {""}, 2};

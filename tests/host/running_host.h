@@ -64,7 +64,9 @@ class RunningHost {
     return told.empty() ? 0 : static_cast<std::uint16_t>(std::stoi(told));
   }
 
-  void Signal(int number) const { kill(static_cast<pid_t>(process_.processId()), number); }
+  qint64 Id() const { return process_.processId(); }
+  void Signal(int number) const { kill(static_cast<pid_t>(Id()), number); }
+  bool Runs() { return !process_.waitForFinished(1) && process_.state() == QProcess::Running; }
   /// @return exit status; -1 if it did not end by itself
   int Wait() {
     if (process_.state() != QProcess::NotRunning && !process_.waitForFinished(kPatience)) return -1;

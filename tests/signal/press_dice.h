@@ -45,7 +45,7 @@ inline void Damage(std::vector<int>& press, Dice& dice) {
   };
   const std::size_t run = dice.Place(press.size()), mark = 2 * dice.Place(press.size() / 2);
   const int damage = dice.From(0, 6), by = dice.From(-600, 900), few = dice.From(0, 11);
-  if (damage == 0) erase(0, std::min<std::size_t>(2 * few, press.size() - 1));
+  if (damage == 0) erase(0, std::min(2 * static_cast<std::size_t>(few), press.size() - 1));
   if (damage == 1) press.resize(std::max<std::size_t>(3, run));
   for (int lost = 0; damage == 2 && lost <= few / 4 && mark > 0 && mark + 2 < press.size(); ++lost) {
     press[mark - 1] += press[mark] + press[mark + 1];
