@@ -11,9 +11,9 @@
 #include "family_tables.h"
 #include "line/press_capture.h"
 #include "signal/decode.h"
+#include "signal/first_analysis.h"
 #include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
-#include "signal/timing.h"
 #include "synth/synth.h"
 #include "table_dice.h"
 

@@ -9,7 +9,7 @@
 #include "formats/recording.h"
 #include "line/shaping/shaper.h"
 #include "program/arguments.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/monitored_press.h"
 #include "signal/signal_state.h"
 

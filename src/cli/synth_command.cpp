@@ -6,7 +6,7 @@
 #include "cli/commands.h"
 #include "cli/write_file.h"
 #include "formats/formats.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 #include "synth/sample_presses.h"
 #include "synth/synth.h"
 

@@ -6,7 +6,7 @@
 
 #include "config/sections.h"
 #include "signal/decode.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "config/cfg_store.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 

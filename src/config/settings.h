@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 

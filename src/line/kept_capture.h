@@ -3,7 +3,7 @@
 #include <string>
 
 #include "formats/recording.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 

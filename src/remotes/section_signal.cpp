@@ -9,9 +9,9 @@
 #include "config/generic_protocols.h"
 #include "config/transmission.h"
 #include "signal/decode.h"
+#include "signal/first_analysis.h"
 #include "signal/send_as.h"
 #include "signal/send_bits.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

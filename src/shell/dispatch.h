@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/host_records.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/win32_ser.h"
 #include "ui/list_view.h"
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "signal/analysis.h"
-#include "signal/timing.h"
+#include "signal/analysis_choice.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -1,6 +1,6 @@
 #include "signal/calibration.h"
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 #include "signal/win32_ser.h"
 
 namespace keplo {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <optional>
 
+#include "signal/first_analysis.h"
 #include "signal/rc6.h"
 #include "signal/run_symbols.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

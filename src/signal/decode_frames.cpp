@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "signal/first_analysis.h"
 #include "signal/rc6.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

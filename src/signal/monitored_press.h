@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/signal_state.h"
 
 namespace keplo {

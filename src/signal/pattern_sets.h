@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "signal/first_analysis.h"
 #include "signal/rc6.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

@@ -7,12 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/code_values.h"
+#include "signal/first_analysis.h"
 #include "signal/runs.h"
 #include "signal/sample_bits.h"
 #include "signal/signal_state.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "signal/decode.h"
+#include "signal/first_analysis.h"
 #include "signal/pattern_sets.h"
 #include "signal/rc6.h"
 #include "signal/sample_bits.h"
 #include "signal/send_as.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

@@ -2,11 +2,11 @@
 
 #include <string>
 
+#include "signal/first_analysis.h"
 #include "signal/runs.h"
 #include "signal/sample_bits.h"
 #include "signal/sample_words.h"
 #include "signal/second_look/second_look.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

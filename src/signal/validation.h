@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 

@@ -10,12 +10,12 @@
 #include "config/raw_store.h"
 #include "config/transmission.h"
 #include "failure.h"
+#include "signal/first_analysis.h"
 #include "signal/raw/raw_digits.h"
 #include "signal/runs.h"
 #include "signal/sample_words.h"
 #include "signal/send_as.h"
 #include "signal/send_bits.h"
-#include "signal/timing.h"
 #include "signal/zone_link.h"
 
 namespace keplo {

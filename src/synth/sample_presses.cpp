@@ -3,7 +3,7 @@
 #include <array>
 
 #include "signal/decode.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -12,8 +12,8 @@
 #include "signal/sample_bits.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
-#include "window/record_words.h"
 #include "window/while_disabled.h"
+#include "window/why_not_learnable.h"
 
 namespace keplo {
 

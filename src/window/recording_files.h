@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {

@@ -9,8 +9,8 @@
 #include "config/protocols.h"
 #include "config/send_as_line.h"
 #include "config/valid_names.h"
+#include "signal/first_analysis.h"
 #include "signal/send_as.h"
-#include "signal/timing.h"
 
 namespace keplo::tests {
 namespace {

@@ -11,7 +11,7 @@
 #include "line/port_check.h"
 #include "line/slot_clock.h"
 #include "line_script.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 
 namespace keplo {
 namespace {

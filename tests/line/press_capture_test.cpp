@@ -4,8 +4,8 @@
 
 #include "line/kept_capture.h"
 #include "press_builder.h"
+#include "signal/first_analysis.h"
 #include "signal/sample_bits.h"
-#include "signal/timing.h"
 
 namespace keplo::tests {
 namespace {

@@ -5,7 +5,7 @@
 #include "doubles/test_clock.h"
 #include "line_script.h"
 #include "press_builder.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo::tests {
 namespace {

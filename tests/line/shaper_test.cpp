@@ -7,7 +7,7 @@
 #include "line/shaping/clean_press.h"
 #include "line_script.h"
 #include "press_builder.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo::tests {
 namespace {

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "press_builder.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 #include "synth/sample_presses.h"
 
 namespace keplo::tests {

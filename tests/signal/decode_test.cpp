@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "signal/decode_frames.h"
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "line/shaping/shaping_space.h"
-#include "signal/analysis.h"
+#include "signal/analysis_choice.h"
 #include "signal/sample_bits.h"
 
 namespace keplo {

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo {
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <numeric>
 
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 namespace keplo::robust {
 

@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "signal/first_analysis.h"
 #include "signal/second_look/digit_checks.h"
 #include "signal/second_look/frame_parts.h"
 #include "signal/second_look/length_fit.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "signal/first_analysis.h"
 #include "signal/held_signs.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "signal/first_analysis.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

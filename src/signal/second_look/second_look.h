@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "signal/first_analysis.h"
 #include "signal/runs.h"
 #include "signal/second_look/frame_proof.h"
 #include "signal/second_look/frame_reader.h"
-#include "signal/timing.h"
 
 namespace keplo {
 

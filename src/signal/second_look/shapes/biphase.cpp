@@ -1,5 +1,5 @@
+#include "signal/first_analysis.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

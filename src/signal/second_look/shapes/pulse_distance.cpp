@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "signal/code_values.h"
+#include "signal/first_analysis.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

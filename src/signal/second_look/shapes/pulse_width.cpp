@@ -1,7 +1,7 @@
 #include <numeric>
 
+#include "signal/first_analysis.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

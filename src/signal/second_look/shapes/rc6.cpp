@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "signal/first_analysis.h"
 #include "signal/second_look/line_shapes.h"
-#include "signal/timing.h"
 
 namespace keplo::robust {
 

@@ -1,4 +1,4 @@
-#include "signal/timing.h"
+#include "signal/first_analysis.h"
 
 #include <algorithm>
 #include <cstdlib>

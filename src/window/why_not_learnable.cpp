@@ -1,4 +1,4 @@
-#include "window/record_words.h"
+#include "window/why_not_learnable.h"
 
 #include "signal/stage_text.h"
 
