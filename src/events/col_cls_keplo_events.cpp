@@ -32,13 +32,26 @@ void FillRow(Recordset& rows, const clsKeploEvent& event) {
   rows.SetFieldValue("Zone", std::int64_t{event.Zone});
 }
 
-/// A change that meets another program's.
+/// A change of an event that another program has changed or deleted since it was read.
 class Conflict : public Failure {
  public:
-  Conflict(int number, const std::string& eventID, const char* what)
+  Conflict(int number, const std::string& eventID, const char* what, const char* advice)
       : Failure(number, "Another program " + std::string(what) + " the event with the EventID " + eventID +
-                            " meanwhile. The list shows it as it is now; make your change again.") {}
+                            " meanwhile. " + advice) {}
 };
+
+Conflict Changed(const std::string& eventID) {
+  return {kRowGone, eventID, "changed", "The list shows it as it is now; make your change again."};
+}
+
+Conflict Deleted(const std::string& eventID) {
+  return {kNoCurrentRow, eventID, "deleted", "It has left the list too; add it again if you need it."};
+}
+
+Failure NotThere(const std::string& eventID) {
+  return Failure(kNoCurrentRow, "The event map has no event with the EventID '" + eventID +
+                                    "'. Select an event of the list first.");
+}
 
 }  // namespace
 
@@ -200,14 +213,17 @@ void colclsKeploEvents::Write(std::int32_t mode, const clsKeploEvent& event) {
 void colclsKeploEvents::WriteChanges(Recordset& rows, const clsKeploEvent& event) {
   const auto stored = stored_.find(EventKey(event.EventID));
   const bool known = stored != stored_.end();
-  if (known && rows.Eof()) throw Conflict(kNoCurrentRow, event.EventID, "deleted");
-  if (known && *EventOfRow(rows) != stored->second) throw Conflict(kRowGone, event.EventID, "changed");
+  if (rows.Eof()) {
+    if (known) throw Deleted(event.EventID);
+    throw NotThere(event.EventID);
+  }
+  if (known && *EventOfRow(rows) != stored->second) throw Changed(event.EventID);
   FillRow(rows, event);
   try {
     rows.Update();
   } catch (const Failure& failure) {
     // The row went between its reading and its writing, which is one transaction.
-    if (failure.Number() == kRowGone) throw Conflict(kRowGone, event.EventID, "changed");
+    if (failure.Number() == kRowGone) throw Changed(event.EventID);
     throw;
   }
 }

@@ -77,10 +77,8 @@ void frmEvent::Form_Load() {
     Protocol_Click();
     store_.CurProtocol = Protocol.Text();
   } else {
-    // The selection of the protocol fills the commands; both names are read before it.
-    const std::string command = store_.CurCommand;
     Protocol.SelectText(std::string(store_.CurProtocol));
-    SendCmd.SelectText(command);
+    SendCmd.SelectText(std::string(store_.CurCommand));
   }
 }
 

@@ -41,7 +41,7 @@ void DropDownList::Select(int index) {
 void DropDownList::Pick(int index) {
   if (index != listIndex_) {
     Select(index);
-  } else if (index != kNoSelection && OnClick) {
+  } else if (PicksAgain && index != kNoSelection && OnClick) {
     OnClick();
   }
 }

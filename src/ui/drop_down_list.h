@@ -33,14 +33,14 @@ class DropDownList : public Control {
   std::string Text() const;
   /// Selects an entry; an index that does not exist changes nothing.
   void Select(int index);
-  /// What a user's choice does: the click handler runs even if the entry is selected already, so that a
-  /// choice can be made again.
+  /// Selects an entry as a user does; one that is selected already counts where PicksAgain says so.
   void Pick(int index);
   /// Selects the first entry with exactly this text.
   /// @return false if there is none; the selection stays then
   bool SelectText(std::string_view text);
 
   std::function<void()> OnClick;
+  bool PicksAgain = false;  // a pick of the selected entry runs OnClick too, to try again what it stands for
 
  private:
   std::vector<std::string> entries_;

@@ -46,6 +46,7 @@ void Form1::BindHandlers() {
   OKButton.OnClick = [this] { OKButton_Click(); };
   FileExit.OnClick = [this] { FileExit_Click(); };
   ComList.OnClick = [this] { ComList_Click(); };
+  ComList.PicksAgain = true;
   StdDcdMenu.OnClick = [this] { StdDcdMenu_Click(); };
   IRMouseMenu.OnClick = [this] { IRMouseMenu_Click(); };
   TxDCheckBox.OnClick = [this] { TxDCheckBox_Click(); };

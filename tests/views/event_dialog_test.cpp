@@ -52,8 +52,13 @@ TEST_F(EventDialogOnScreen, EndsByButtonAndByKey) {
 
 TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommandsAndEachFieldPassesTheUserOn) {
   EXPECT_TRUE(Add([](QWidget& dialog) {
+    auto& protocols = Find<QComboBox>(dialog, "Protocol");
     auto& commands = Find<QComboBox>(dialog, "SendCmd");
-    QTest::keyClick(&Find<QComboBox>(dialog, "Protocol"), Qt::Key_Down);
+    const QString command = commands.currentText();
+    QTest::keyClick(&protocols, Qt::Key_Space);
+    QTest::keyClick(protocols.view(), Qt::Key_Return);
+    EXPECT_EQ(commands.currentText(), command) << "the protocol was looked at only";
+    QTest::keyClick(&protocols, Qt::Key_Down);
     Click(dialog, "OKButton");
     EXPECT_EQ(Find<QLabel>(dialog, "Hint").text(), QStringLiteral("Pick a protocol and a command first."));
     QTest::keyClick(&commands, Qt::Key_Down);
