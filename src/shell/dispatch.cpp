@@ -18,8 +18,10 @@ constexpr std::int32_t kPauseAfterEvent = 200000;  // microseconds; spaces out t
 std::optional<std::string> FindReference(const std::string& code, Analysis readBy,
                                          const std::string& cfgText) {
   const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadOfFile, readBy);
-  if (!found || found->Protocol.empty() || found->Command.empty() || IsGeneral(found->Protocol)) return {};
-  return found->Protocol + "&" + found->Command;
+  if (!found) return {};
+  const auto& [matchedProtocol, matchedCommand] = *found;
+  if (matchedProtocol.empty() || matchedCommand.empty() || IsGeneral(matchedProtocol)) return {};
+  return matchedProtocol + "&" + matchedCommand;
 }
 
 bool IsBoundTo(const ui::ListView& list, int row, const std::string& reference) {

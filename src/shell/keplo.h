@@ -163,6 +163,8 @@ class Keplo {
   int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
 
   const TickReport& LastTick() const { return lastTick_; }
+  /// Whether the last capture holds nothing but NEC's signs of a held key, which have no code.
+  bool HeardHeldSigns();
   /// Runs when the port has been opened, or could not be, for another reason than the start-up.
   std::function<void()> OnPortOpened;
   /// Runs after a tick that took a capture, for programs that tell a person what became of it.

@@ -80,6 +80,11 @@ bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
   return true;
 }
 
+bool Keplo::HeardHeldSigns() {
+  SignalState& signal = mod_.Signal;
+  return AreDittos(signal.Runs.Read(signal.Samples), signal.Measured.BaseT, 0);
+}
+
 /// A capture of a held key with two alternating frames may hold a single one, which is no code then.
 void Keplo::CompleteTurn(MonitorReading& reading) {
   if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(watch_.OnAir))

@@ -85,12 +85,13 @@ std::string Station::WhyNotSent() const {
 /// Whether what is heard now goes on with the capture before.
 bool Station::LightGoesOn() const { return control_.LineTime() - lastHeard_ < kQuiet; }
 
-/// Light that goes on without a code in it counts for no press until the line has been quiet.
+/// Light that goes on without a code in it counts for no press until the line has been quiet. The signs of a
+/// held key, which have no code for the first analysis, are no such light.
 bool Station::IsLamp(const TickReport& tick) {
   const bool isSignal = tick.Reading.Ended == Stage::Code || tick.Reading.Ended == Stage::Raw;
   const bool goesOn = LightGoesOn();
   lastHeard_ = control_.LineTime();
-  codeless_ = isSignal ? 0 : goesOn ? codeless_ + 1 : 1;
+  codeless_ = isSignal || control_.HeardHeldSigns() ? 0 : goesOn ? codeless_ + 1 : 1;
   if (codeless_ == kMostCodeless + 1) {
     log_.Write(LogLevel::Warning,
                "Light without a signal goes on: a lamp? Shade the receiver, or turn it "
