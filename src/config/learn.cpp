@@ -145,6 +145,7 @@ std::string RefusalText(const LearnResult& result) {
     case Refusal::NameInUse:
       return "This command name is in use for the current protocol.";
     case Refusal::NoSection:
+      if (result.Detail.empty()) return "Choose a protocol first.";
       return "The configuration has no whole section of a protocol " + result.Detail + ".";
     case Refusal::SectionTwice:
       return "The configuration has two sections with the name " + result.Detail +

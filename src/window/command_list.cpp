@@ -169,6 +169,7 @@ LearnResult CommandList::CheckNewCommand(std::string& code) const {
   if (checked.Done() && !validation_.CmdValidated) checked.Refused = Refusal::NotValidated;
   if (checked.Done()) checked = CheckCode(mod_.Store.CfgText, code, validation_.ReadBy);
   if (checked.Done()) checked = CheckRawCode(mod_.Store, code);
+  if (checked.Done() && mod_.Store.CurProtocol.empty()) checked.Refused = Refusal::NoSection;
   return checked;
 }
 

@@ -95,6 +95,10 @@ TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
   EXPECT_EQ(boxes_.Reasons.back(), "It is a command of the protocol Mine.");
   form.Protocol.SelectText("Template");
   EXPECT_EQ(Delete(), Texts{"This protocol is read-only."});
+
+  Open(Replaced(FileWith({kEmpty}), "PROTOCOL= 0", "PROTOCOL= 99"));
+  RecordTwice();
+  EXPECT_EQ(Save({"VOL_UP"}), Texts{"Choose a protocol first."});
 }
 
 TEST_F(CommandList, WhereverASaveFailsTheMessageFitsTheFileAndTheScreenFollowsIt) {
