@@ -67,9 +67,10 @@ bool CalibrationFlow::Calibrate() {
   Calibration calibration(line_, signal_, delay);
   const CalibrationStep end = MeasureToTheEnd(window_, calibration);
   const bool succeeded = end == CalibrationStep::Succeeded;
-  // What a failure leaves is in force too.
-  controls_.ProcDelayparameter.SetText(Signed(delay));
-  if (succeeded) keeper_.StoreAndSave("PROCDELAY", delay);
+  if (succeeded) {
+    controls_.ProcDelayparameter.SetText(Signed(delay));
+    keeper_.StoreAndSave("PROCDELAY", delay);
+  }
   dialogue_.Tell(CalibrationText(end, delay));
   if (succeeded) controls_.SendPulse.SetText(Signed(signal_.Measured.BaseT * kNominalSampleTime));
   return end != CalibrationStep::NoSignal;

@@ -85,7 +85,7 @@ TEST_F(CalibrationFlow, TellsWhyNothingWasSaved) {
     EXPECT_EQ(shown.back(), told);
     ExpectPart(shown[shown.size() - 2], unsaved ? "The configuration was not saved" : kHoldTheKey);
     EXPECT_EQ(mod_->Settings.ProcDelay, delay) << told;
-    EXPECT_EQ(form_->ProcDelayparameter.Text(), " " + std::to_string(delay)) << "what is in force";
+    EXPECT_EQ(form_->ProcDelayparameter.Text(), unsaved ? " 2" : "10");
     EXPECT_EQ(form_->IRCommand.Text() + " " + line_.Calls.back(),
               told == noSignal ? "? SpeakBeep 600 1000" : " RTS 0");
     EXPECT_EQ(File(), before);
