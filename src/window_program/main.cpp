@@ -34,10 +34,12 @@ constexpr std::chrono::milliseconds kCloseAgain{100};  // a box that closes may 
 /// Closes the window by a signal as its user would, so that the port is left as it was found.
 class CloseBySignal {
  public:
-  CloseBySignal() {
+  explicit CloseBySignal(OneWindow& here) {
     again_.callOnTimeout(&QApplication::closeAllWindows);
-    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] {
-      if (signals_.Take() != 0) again_.start(kCloseAgain);
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this, &here] {
+      if (signals_.Take() == 0) return;
+      here.StopAnswering();
+      again_.start(kCloseAgain);
     });
   }
 
@@ -76,9 +78,9 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
     boxes.Error(failure.what(), kBoxTitle, {});
     return kNotWritten;
   }
-  const OneWindow here(appPath);
-  if (!here.Ours()) {
-    if (here.RaiseOther()) return kDone;
+  OneWindow here(appPath);
+  if (!here.Ours() && here.RaiseOther()) return kDone;
+  if (!here.Ours() && !here.TakeOver()) {
     boxes.Message("A window for " + appPath.string() +
                       " is open already. Use that one, or close it first. If there is none, delete " +
                       here.LockPath() + ".",
@@ -95,7 +97,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const OpenedLine line = OpenLine(spec, appPath, mod.Settings.ReceiverKind, [&](const std::string& text) {
     if (window != nullptr) window->Note.SetText(text);
   });
-  const CloseBySignal closing;
+  const CloseBySignal closing(here);
   Form1 form(mod, *line.Line, boxes);
   form.DescribeLine = line.Describe;
   window = &form;

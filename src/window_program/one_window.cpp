@@ -8,7 +8,7 @@ namespace keplo {
 
 namespace {
 
-constexpr int kPatience = 3000;  // milliseconds; a window that is recording answers late
+constexpr int kPatience = 3000;  // milliseconds; a window that is recording answers late, or closes late
 constexpr const char* kRaised = "raised";
 
 void BringToFront() {
@@ -34,10 +34,18 @@ OneWindow::OneWindow(const std::filesystem::path& appPath)
           QString::fromStdString((std::filesystem::absolute(appPath) / "keplo-window.socket").string())),
       lock_(QString::fromStdString(lockPath_)) {
   lock_.setStaleLockTime(0);  // a window may be open for weeks
-  ours_ = lock_.tryLock(0) || lock_.error() != QLockFile::LockFailedError;
-  if (!lock_.isLocked()) return;
   QObject::connect(&requests_, &QLocalServer::newConnection, &requests_, [this] { Answer(); });
   requests_.setSocketOptions(QLocalServer::UserAccessOption);
+  TakeFolder(0);
+}
+
+bool OneWindow::TakeFolder(int patience) {
+  ours_ = lock_.tryLock(patience) || lock_.error() != QLockFile::LockFailedError;
+  if (lock_.isLocked()) Listen();
+  return ours_;
+}
+
+void OneWindow::Listen() {
   QLocalServer::removeServer(socketPath_);  // of a program that was killed
   requests_.listen(socketPath_);
 }
@@ -50,6 +58,10 @@ void OneWindow::Answer() {
     other->disconnectFromServer();
   }
 }
+
+bool OneWindow::TakeOver() { return TakeFolder(kPatience); }
+
+void OneWindow::StopAnswering() { requests_.close(); }
 
 bool OneWindow::RaiseOther() const {
   QLocalSocket window;

@@ -18,16 +18,23 @@ class OneWindow {
   /// Asks the other program to bring its window to the front.
   /// @return false if it does not answer
   bool RaiseOther() const;
+  /// Waits for a window that does not answer, as it is closing.
+  /// @return whether it has left the folder to this program
+  bool TakeOver();
+  /// Lets later starts wait until this program has ended, since its window is closing.
+  void StopAnswering();
   const std::string& LockPath() const { return lockPath_; }
 
  private:
+  bool TakeFolder(int patience);
+  void Listen();
   void Answer();
 
   std::string lockPath_;
   QString socketPath_;
   QLockFile lock_;
   QLocalServer requests_;
-  bool ours_;
+  bool ours_ = false;
 };
 
 }  // namespace keplo
