@@ -147,7 +147,7 @@ std::size_t SilenceAfter(const std::string& frame, const ProtocolParams& params)
 
 /// A frame and its repeats.
 std::string WithRepeats(std::string frame, const std::string& repeat, const ProtocolParams& params) {
-  if (repeat.empty()) return frame;
+  if (params.REPEAT == 0 && params.GREPEAT <= 1) return frame;
   const std::string silence(SilenceAfter(frame, params), '0');
   const std::string next = repeat + std::string(SilenceAfter(repeat, params), '0');
   frame += silence;

@@ -43,6 +43,7 @@ TEST(BuildSendBits, SendsTheFrameAndTheRepeatsOfItsProtocol) {
       {kNec, "10", 0, 2, leader + "1000101" + FourTimes("00" + std::string(16, '1') + "00001")},
       {kNec, "10", 1, 1, leader + "1000101" + FourTimes("01000101")},
       {kNec, "", 0, 0, leader + "1"},
+      {kSony, "", 2, 1, "1111" + FourTimes("00")},
       {kSony, "10", 50, 50, "111101101" + FourTimes(Silence(50) + "111101101")},
       {kSony, "1 0x", 0, 0, "111101101"},
       {kRc5, "11000", 50, 0, "0101011010" + FourTimes(Silence(50) + "0101011010")},
