@@ -57,7 +57,7 @@ class BoxOverWindow {
 };
 
 // What a title bar takes beside the title: an icon, buttons and the air around them, letters.
-constexpr int kTitleBarLetters = 14;
+constexpr int kTitleBarLetters = 18;
 
 int WidthForTitle(const QWidget& box) {
   const QFontMetrics letters = box.fontMetrics();
