@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-/// The beeps that the user can turn off.
+/// Beeps, unless the user has turned them off.
 class Beeps {
  public:
   Beeps(Win32Ser& line, const Settings& settings) : line_(line), settings_(settings) {}

@@ -6,13 +6,14 @@
 
 namespace keplo {
 
-// A section may hold a line CARRIER= after its GREPEAT= line, where neither an edit of its parameters nor a
-// change of its commands touches it.
+// A section may have a CARRIER= line after its GREPEAT= line, where edits of its parameters and commands
+// leave it alone.
 
-/// The carrier that a section is sent with, Hz; kUsualCarrier without a line that tells another.
+/// The carrier frequency that the codes of a section are sent with, Hz; kUsualCarrier if it does not name
+/// one.
 std::int32_t CarrierOf(std::string_view text, std::string_view protocol);
 
-/// The line of a carrier with its line end; empty for the usual carrier, which needs none.
+/// The CARRIER= line with its line end; empty for the usual carrier, which needs no line.
 std::string CarrierLine(std::int32_t hertz);
 
 }  // namespace keplo

@@ -7,17 +7,16 @@
 
 namespace keplo {
 
-/// Tells what is wrong with a loaded configuration, for a person: the file, the first thing that was not
-/// found and the line after which it was looked for, or the line that does not end in CR LF; then what to
-/// do.
-/// @return one line without an end; empty if the configuration is whole
+/// Describes, for a person, the first fault of a loaded configuration: the file, what is missing and the line
+/// after which it was expected, or the line that does not end in CR LF; then what to do.
+/// @return one line without a line end; empty if there is no fault
 std::string CheckConfig(const CfgStore& store);
 
-/// The same of what no change can be made beside. Two sections of one name are only in the way of what
-/// deletes one of them.
+/// Like CheckConfig, but only for faults that rule out any change. Two sections of one name, for example,
+/// only prevent deleting one of them.
 std::string DamageOf(const CfgStore& store);
 
-/// Whether all sections of a text are whole, up to its [END].
+/// Whether all sections up to [END] are complete.
 bool HasWholeSections(std::string_view text);
 
 }  // namespace keplo

@@ -9,8 +9,8 @@
 
 namespace keplo {
 
-/// A way of coding that protocols are built on, with the values that a new protocol of it starts from. Its
-/// place in the table is the value of GPROTO=.
+/// A line code that protocols are built on, and the values that a new protocol of this kind starts with. Its
+/// index in the table is the value of GPROTO=.
 struct GenericProtocol {
   std::string_view Name;
   std::int16_t SENDPLS;  // microseconds
@@ -29,7 +29,7 @@ constexpr bool IsGenericProtocol(int index) {
   return index >= 0 && index < static_cast<int>(kGenericProtocols.size());
 }
 
-/// The entry of an index; an index without one counts as the first.
+/// The entry at an index; the first one if the index is out of range.
 constexpr const GenericProtocol& GenericProtocolAt(int index) {
   return kGenericProtocols[IsGenericProtocol(index) ? static_cast<std::size_t>(index) : 0];
 }

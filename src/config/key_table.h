@@ -11,15 +11,16 @@
 
 namespace keplo {
 
-// All keys of keplo.cfg, in the order in which the file has them: each is searched from the one before it.
+// All keys of keplo.cfg, in the order of the file: the search for each begins where the previous one was
+// found.
 
 /// A key of [General].
 struct SettingKey {
   std::string_view Name, Search;  // without and with its =
-  std::string_view Takes;         // what a user may set, for a person
+  std::string_view Takes;         // the permitted values, for a person
   bool (*Fits)(std::string_view text, std::int64_t number);
   void (*Take)(std::string_view value, Settings& settings);
-  bool Late = false;  // files from before the key was known lack it, and it may stand anywhere in [General]
+  bool Late = false;  // older files lack it; it may be anywhere in [General]
 };
 
 template <std::int64_t kLeast, std::int64_t kMost>
@@ -27,7 +28,7 @@ bool IsWithin(std::string_view /*text*/, std::int64_t number) {
   return number >= kLeast && number <= kMost;
 }
 bool IsInterfaceType(std::string_view text, std::int64_t number);
-/// Whether the text has a protocol at the place.
+/// Whether the text has a protocol with this index.
 bool IsProtocolIndex(std::string_view text, std::int64_t number);
 
 inline constexpr auto kSettingKeys = std::to_array<SettingKey>({
@@ -64,7 +65,7 @@ inline constexpr auto kSettingKeys = std::to_array<SettingKey>({
      true},
 });
 
-/// What every protocol section begins with: its description and its generic protocol.
+/// Every protocol section begins with these two: its description and its generic protocol.
 inline constexpr std::string_view kDescriptionMark = "#";
 inline constexpr std::string_view kGenericKey = "GPROTO=";
 

@@ -4,7 +4,7 @@ namespace keplo {
 
 namespace {
 
-// Beyond every type that a setting has; one more digit still fits 64 bits.
+// Above the range of every setting, and low enough that appending another digit fits 64 bits.
 constexpr std::int64_t kCeiling = 1'000'000'000'000;
 
 struct Parts {

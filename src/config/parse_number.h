@@ -7,16 +7,16 @@
 
 namespace keplo {
 
-// A value begins with blanks, an optional sign and digits, perhaps a point and further digits; what follows
-// does not count. Without a digit before the point the value is 0.
+// A value is blanks, an optional sign and digits, and optionally a point and further digits; anything after
+// that is ignored. Without a digit before the point the value is 0.
 
-/// The number with its fraction dropped; beyond 32 bits it is only known to lie there.
+/// The number without its fraction. Above 32 bits the result is inexact, but also above 32 bits.
 std::int64_t NumberWithoutFraction(std::string_view value);
 
-/// The number rounded to the nearest whole one, a half to the even neighbour; beyond 32 bits as above.
+/// The number rounded to the nearest integer, halves to even; above 32 bits as NumberWithoutFraction.
 std::int64_t NumberRounded(std::string_view value);
 
-/// The number with its fraction, to compare it with limits.
+/// The number with its fraction, for comparisons with limits.
 double Number(std::string_view value);
 
 template <typename Int>
@@ -25,7 +25,7 @@ Int Saturated(std::int64_t number) {
       std::clamp<std::int64_t>(number, std::numeric_limits<Int>::min(), std::numeric_limits<Int>::max()));
 }
 
-/// The same two for a type of 16 or 32 bits: a number beyond it becomes the nearest that it can hold.
+/// As NumberWithoutFraction and NumberRounded, clamped to an integer type of 16 or 32 bits.
 template <typename Int>
 Int WithoutFraction(std::string_view value) {
   return Saturated<Int>(NumberWithoutFraction(value));

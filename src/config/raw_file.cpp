@@ -17,7 +17,7 @@ constexpr std::string_view kEntryHead = "# G";
 constexpr std::string_view kEndOfForm = "timeout 200000\n";  // longer than any silence within a press
 constexpr std::string_view kMarkLine = "pulse ", kSpaceLine = "space ";
 
-/// Takes the first line off a text, without its LF.
+/// Removes the first line from a text and returns it without its LF.
 std::string_view TakeLine(std::string_view& text) {
   const std::size_t end = text.find('\n');
   const std::string_view line = text.substr(0, end);
@@ -40,7 +40,7 @@ std::optional<int> LengthIn(std::string_view line, std::string_view kind) {
   return length;
 }
 
-/// @return none if a line is not what the writer wrote
+/// @return none if a line is not as MakeRawEntry writes it
 std::optional<std::vector<RawLengths>> FormsIn(std::string_view lines) {
   std::vector<RawLengths> forms(1);
   while (!lines.empty()) {
@@ -69,8 +69,7 @@ std::size_t NextEntry(std::string_view text) {
 }  // namespace
 
 RawEntries ReadRawText(std::string_view text) {
-  // Without its last line feed an entry would take the head of the one that is written behind it into its
-  // lines.
+  // Otherwise the next entry that is written would continue the last line of this text.
   if (!text.empty() && text.back() != '\n') return ReadRawText(std::string(text) + '\n');
   RawEntries entries;
   text.remove_prefix(NextEntry(text));

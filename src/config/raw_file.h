@@ -8,23 +8,23 @@
 
 namespace keplo {
 
-/// The lengths of one command in a file, and their text.
+/// The lengths of one command, and their text in the file.
 struct RawEntry {
-  RawSignal Signal;  // without forms if they are damaged
+  RawSignal Signal;  // has no forms if the entry is damaged
   std::string Text;
 };
 
-/// Entries by their digits.
+/// Entries by digits.
 using RawEntries = std::map<std::string, RawEntry, std::less<>>;
 
-/// Reads the text of a file of raw commands: mode2 lines, which every player of recordings reads too, with a
-/// comment before each command that holds its digits and a checksum of its lines. An entry whose lines are
-/// not those of its checksum keeps its text and has no forms.
+/// Reads a file of raw commands: mode2 lines, which the replay line can play as well, with a comment before
+/// each command that holds its digits and a checksum of its lines. An entry whose checksum does not match
+/// keeps its text but has no forms.
 RawEntries ReadRawText(std::string_view text);
 
 RawEntry MakeRawEntry(const RawSignal& signal);
 
-/// @param protocol section that the commands stand in
+/// @param protocol section of the commands
 std::string WriteRawText(std::string_view protocol, const RawEntries& entries);
 
 }  // namespace keplo

@@ -17,58 +17,57 @@ namespace keplo {
 
 struct CfgStore;
 
-/// A raw command as a text has it.
+/// The code line of a raw command.
 struct RawLine {
   std::string Digits, Name;
 };
 using RawLines = std::map<std::string, std::vector<RawLine>>;  // by section
 
-/// The lengths of the raw commands. Their code lines stand in keplo.cfg like any other, and the lengths of a
-/// section's commands in raw/SECTION.mode2 beside it.
+/// The lengths of the raw commands. Their code lines are in keplo.cfg like any other; the lengths are beside
+/// it in raw/SECTION.mode2.
 struct RawStore {
-  /// By digits: what the files held, and what was recorded to be learned. Commands that are deleted stay, so
-  /// that a deletion can be taken back.
+  /// By digits: what the files hold, and recordings about to be learned. Deleted commands stay here, so that
+  /// a deletion can be undone.
   std::map<std::string, RawSignal, std::less<>> Known;
-  /// Of the commands that the text has.
+  /// Holds the raw commands of CfgText.
   RawIndex Index;
-  /// What is wrong with the files, a sentence for a person each.
+  /// What is wrong with the files, in sentences for the user.
   std::vector<std::string> Damage;
 
-  /// A file as it was when it was read, and what the text asked of it.
+  /// The file as it was when last read, and the digits that CfgText needed from it.
   struct Reading {
     std::optional<FileIdentity> From;
     std::set<std::string> Digits;
 
     bool operator==(const Reading&) const = default;
   };
-  std::map<std::string, Reading> Readings;  // by section, of all that have raw commands
+  std::map<std::string, Reading> Readings;  // by section, of all with raw commands
 };
 
-/// Brings the index in step with CfgText and the files; reads those files that have changed or that the text
-/// has other commands of. What cannot be read costs the commands that it is about, and is told in Damage.
+/// Brings the index up to date with CfgText and the files. Only files that have changed, or of which CfgText
+/// needs other commands, are read. Commands whose lengths cannot be read are left out and reported in Damage.
 void RefreshRaw(CfgStore& store);
 
-/// Whether another file may stand in the place of one that was read, by one system call for each section.
+/// Whether a file may have been replaced since it was read; one system call per section.
 bool HaveRawFilesChanged(const CfgStore& store);
 
-/// The signal of a code with its leading G; null if it is none of a raw command, or its lengths are lost.
+/// The signal of a code with its leading G; null if it is not that of a raw command, or its lengths are lost.
 const RawSignal* FindRawSignal(const CfgStore& store, std::string_view code);
 
-/// A change of the raw commands of a text, in step with its save: before it the new lengths are written and
-/// made to last, and after it those are removed that no command has any more. So at any instant each code
-/// line that is on the disk has its lengths there; what a crash may leave is lengths without a line, which
-/// count for nothing, give way to new ones of the same digits and go with the next change. Lengths of the
-/// commands of a text that was put aside stay as long as that text does.
+/// Keeps the files of raw commands in step with a save of the text: new lengths are written and flushed
+/// before the save, and those that no command uses any more are removed after it. So at any moment every code
+/// line on disk has its lengths there. A crash may leave lengths without a code line; they are ignored, and
+/// replaced or removed by the next change. Lengths used by a conflict copy stay as long as that copy exists.
 class RawChange {
  public:
-  /// Writes what is new and keeps other programs from the files while the object lives. Without a raw command
-  /// that comes or goes nothing is done.
-  /// @param before, after the text that the file has, and that it is about to have
-  /// @throws Failure if a file cannot be written; nothing was taken away then
+  /// Writes the new lengths, and locks the files against other programs during the lifetime of the object.
+  /// Does nothing if no raw command was added or removed.
+  /// @param before, after the text in the file, and the one about to be written to it
+  /// @throws Failure if a file cannot be written; nothing was removed then
   RawChange(CfgStore& store, std::string_view before, std::string_view after);
 
-  /// Removes what the text has no command for, now that it is saved for good. A failure leaves lengths that
-  /// count for nothing, and is none of the change's.
+  /// Removes the lengths that are no longer used, once the text is saved. A failure is ignored: unused
+  /// lengths do no harm.
   void DropLost() noexcept;
 
  private:

@@ -13,11 +13,11 @@ struct Settings {
   std::int16_t ProcDelay = 0;
   std::int32_t InterfaceType = 0;  // 8 x receiver + output: 0, 1, 8 or 9
   bool BeepOn = false;
-  std::int16_t VexilMode = 0;     // 0 no zone hardware, 1 to 8 the selected zone
+  std::int16_t VexilMode = 0;     // 0: no zone hardware; 1 to 8: the selected zone
   std::int16_t ReceiverKind = 0;  // 0 DCDStandard, 1 IRMouse; follows InterfaceType
   std::int16_t PluginMode = 0;    // 1 when the shell opened the main window
 
-  /// How captures are read.
+  /// Which of the two analyses reads captures.
   keplo::Analysis Analysis = keplo::Analysis::First;
 };
 

@@ -4,11 +4,13 @@
 
 namespace keplo {
 
-/// Trims the name in place and tells whether it is made of letters, digits, - and _ alone. An empty name is.
+/// Trims a name in place.
+/// @return whether it consists only of letters, digits, - and _, as an empty name does
 bool IsValidName(std::string& name);
 
-/// Trims the code in place and tells whether it can be stored: three characters or more, no x or X, which
-/// stand for half a bit that could not be read, and no second G, which would be a frame mark.
+/// Trims a code in place.
+/// @return whether it can be stored: it has at least three characters, no x or X, which stand for a half-bit
+/// that could not be read, and no second G, which would separate two frames
 bool IsValidCode(std::string& code);
 
 }  // namespace keplo

@@ -6,10 +6,10 @@
 
 namespace keplo {
 
-/// An open file of the system, closed with its owner.
+/// A file descriptor, closed on destruction.
 class Descriptor {
  public:
-  /// @param number as the system gave it; -1 for a file that could not be opened
+  /// @param number as returned by the system; -1 if the file could not be opened
   explicit Descriptor(int number) : number_(number) {}
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor(const Descriptor&) = delete;

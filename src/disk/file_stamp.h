@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-/// Tells one state of a file from another. A file that is not there is all 0.
+/// Distinguishes states of a file. All 0 if the file does not exist.
 struct FileStamp {
   std::uint64_t Inode = 0;
   std::int64_t Size = 0, Seconds = 0, Nanoseconds = 0;

@@ -21,17 +21,17 @@ void Require(bool done) {
   if (!done) throw std::system_error(errno, std::generic_category());
 }
 
-/// An input that is read to its end, and closed unless it is the standard input.
+/// An input, closed on destruction unless it is standard input.
 class Input {
  public:
-  // Without O_NONBLOCK opening a pipe would wait for somebody to write, with no way to hear of a signal.
+  // Without O_NONBLOCK, opening a pipe would wait for a writer.
   explicit Input(const std::string& path)
       : opened_(path == "-" ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
         number_(path == "-" ? STDIN_FILENO : opened_.Number()) {
     Require(number_ >= 0);
   }
 
-  /// @return how many bytes came; 0 at the end
+  /// @return the number of bytes read; 0 at the end
   std::size_t Read(char* bytes, std::size_t most) const {
     while (true) {
       pollfd waiting{number_, POLLIN, 0};

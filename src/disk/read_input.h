@@ -5,10 +5,10 @@
 
 namespace keplo {
 
-/// What a user names to be read: a file, a pipe, a device, or "-" for the standard input. A signal ends the
-/// wait for a pipe that nobody writes to, whether or not it ends the program.
-/// @param most bytes; what is longer is read up to one byte more, by which it can be told
-/// @throws std::system_error with the system's reason; EINTR if a signal came
+/// Reads an input named by the user: a file, a pipe, a device, or "-" for standard input. A signal interrupts
+/// the wait for input.
+/// @param most bytes; of a longer input, one byte more is read, so that the caller can detect it
+/// @throws std::system_error with the system's error; EINTR if a signal arrived
 std::string ReadInput(const std::string& path, std::size_t most);
 
 }  // namespace keplo

@@ -11,8 +11,8 @@ constexpr unsigned kOwnerOnly = 0600;  // until the old mode is set
 constexpr unsigned kForAll = 0666;
 constexpr std::size_t kMostBytesRead = std::size_t{1} << 20;
 
-/// A name beside the target. It is always the same one, so that what a killed process left there is taken
-/// away by the next save; the lock on the folder keeps two saves apart.
+/// A temporary name beside the target. It is always the same, so that the next save removes what a killed
+/// process left behind; the lock on the folder prevents conflicts.
 std::filesystem::path TemporaryName(const std::filesystem::path& target) {
   return target.parent_path() / ("." + target.filename().string() + ".new");
 }
@@ -30,7 +30,7 @@ void WriteAndPublish(FileSystem& files, const std::filesystem::path& path,
   file->Publish();
 }
 
-/// Writes the content beside the target and lets an action put it there; takes it away if either fails.
+/// Writes a temporary file and calls an action that moves it into place; removes it if either fails.
 template <typename Action>
 void WriteBeside(FileSystem& files, const std::filesystem::path& temporary,
                  const std::optional<FileAttributes>& old, std::string_view content, Action putInPlace) {
@@ -50,7 +50,7 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
   try {
     files.Remove(path);
   } catch (...) {
-    // The failure that led here is the one to tell; the next save tries again to take the file away.
+    // The first failure is reported, and the next save will try again to remove the file.
   }
 }
 
@@ -102,7 +102,7 @@ std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem:
 }
 
 std::vector<std::filesystem::path> ConflictCopiesOf(FileSystem& files, const std::filesystem::path& file) {
-  constexpr int kMostMissing = 50;  // numbers in a row that somebody has taken away
+  constexpr int kMostMissing = 50;  // consecutive numbers; the user may have removed some copies
   std::vector<std::filesystem::path> copies;
   for (int number = 1, missing = 0; missing < kMostMissing; ++number) {
     std::filesystem::path copy = NumberedCopy(file, number);

@@ -12,48 +12,47 @@
 
 namespace keplo {
 
-/// Gets the file that is about to be replaced and its content, while nobody else can save.
+/// Receives the path and contents of the file about to be replaced, while its folder is locked.
 using OnOldContent = std::function<void(const std::filesystem::path& target, const std::string& old)>;
 
-/// Puts new content in the place of a file, or of none, so that at any instant the old or the new file is
-/// whole. A symbolic link stays and the file behind it is replaced; mode and owner stay.
-/// @param onOld what it throws leaves the file as it was; none for a file whose old content does not matter
-/// @return the folder of the file: the new content is seen, and lasts once that folder is flushed
-/// @throws Failure if a file operation fails; the old file is as it was and nothing else is left behind
+/// Creates or atomically replaces a file. If the path is a symbolic link, its target is replaced. Mode and
+/// owner are kept.
+/// @param onOld may throw to leave the file unchanged; may be empty
+/// @return the folder of the file, which has to be flushed for the change to survive a power cut
+/// @throws Failure if a file operation fails; the old file is unchanged, and nothing else is left behind
 [[nodiscard]] std::unique_ptr<LockedFolder> ReplaceFile(FileSystem& files, const std::filesystem::path& path,
                                                         std::string_view content,
                                                         const OnOldContent& onOld = {});
 
-/// ReplaceFile for whoever has resolved the path and locked its folder, to read the file before it is
-/// replaced.
+/// ReplaceFile for callers that have already resolved the path and locked its folder.
 void ReplaceInLockedFolder(FileSystem& files, const std::filesystem::path& target, std::string_view content,
                            const OnOldContent& onOld = {});
 
 /// Locks the folder of a file.
-/// @throws Failure as CannotBeWritten makes it; as FileSystem::Lock gives it where another program holds the
-/// folder
+/// @throws Failure as from CannotBeWritten, or from FileSystem::Lock if another program holds the lock
 std::unique_ptr<LockedFolder> LockFolderOf(FileSystem& files, const std::filesystem::path& file);
 
-/// The failure of a save: "PATH cannot be written: REASON", with the number of its cause, a system error.
+/// The failure of a save: "PATH cannot be written: REASON", with the number of its cause, which is a system
+/// error.
 Failure CannotBeWritten(const std::filesystem::path& path, const Failure& cause);
 
-/// Removes a file on the way out of another failure, which is the one to tell.
+/// Removes a file while another failure is being handled; failures are ignored.
 void RemoveQuietly(FileSystem& files, const std::filesystem::path& path);
 
-/// Puts content beside a file under the first free name FILE.other-1, FILE.other-2 and so on. For use while
-/// the folder is locked.
-/// @return the name
+/// Saves contents beside a file under the first unused name of FILE.other-1, FILE.other-2 and so on. The
+/// folder must be locked.
+/// @return the path of the copy
 /// @throws Failure if it cannot be written
 std::filesystem::path SaveConflictCopy(FileSystem& files, const std::filesystem::path& file,
                                        std::string_view content);
 
-/// What SaveConflictCopy has put beside a file, as far as nobody has taken it away.
+/// The existing copies made by SaveConflictCopy.
 std::vector<std::filesystem::path> ConflictCopiesOf(FileSystem& files, const std::filesystem::path& file);
 
-/// Brings a file that is not there yet, whole at the instant when its name is seen, and returns once it would
-/// survive a power cut. It has the permissions that new files of the process have.
-/// @return false if there is a file of that name, which then stays as it is
-/// @throws Failure if a file operation fails; nothing is left behind unless only the last flush failed
+/// Creates a file that appears complete, and returns once it would survive a power cut. It has the default
+/// permissions of new files.
+/// @return false, without a change, if the file already exists
+/// @throws Failure if a file operation fails; nothing is left behind unless only the final flush failed
 bool CreateFile(FileSystem& files, const std::filesystem::path& path, std::string_view content);
 
 }  // namespace keplo

@@ -6,7 +6,7 @@ namespace keplo {
 
 namespace {
 
-/// What a variable of the environment names; empty unless it is a whole path.
+/// The absolute path in an environment variable; otherwise empty.
 std::filesystem::path FolderNamedBy(const char* variable) {
   const char* const value = std::getenv(variable);
   std::filesystem::path folder = value == nullptr ? "" : value;

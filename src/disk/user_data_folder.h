@@ -5,8 +5,8 @@
 
 namespace keplo {
 
-/// Where the user's programs keep their data: XDG_DATA_HOME, else ~/.local/share. Relative paths are ignored.
-/// @return none if neither it nor HOME names a folder
+/// The folder for the user's data: XDG_DATA_HOME, otherwise ~/.local/share. Relative paths are ignored.
+/// @return none if neither XDG_DATA_HOME nor HOME is set
 std::optional<std::filesystem::path> UserDataFolder();
 
 }  // namespace keplo

@@ -5,9 +5,9 @@
 
 namespace keplo {
 
-/// One event of the user's map: binds a learned command to something that the host knows by an ID.
+/// An event of the user's event map: binds a learned command to something that the host knows by an ID.
 struct clsKeploEvent {
-  std::string EventID;  // given by the host
+  std::string EventID;  // assigned by the host
   std::string EventName;
   std::string EventDescription;
   std::string IRCommand;  // the command reference, "protocol&command"

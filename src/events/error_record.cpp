@@ -8,7 +8,7 @@ namespace keplo {
 
 namespace {
 
-// Stands for a failure of the library, such as a lack of memory: "invalid procedure call".
+// "Invalid procedure call"; used for exceptions without a number, such as std::bad_alloc.
 constexpr int kFailureWithoutNumber = 5;
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 namespace keplo {
 
-/// Fields of an event list row, numbered as the list's sub-items are.
+/// Fields of an event list row, numbered like the sub-items of the list.
 enum EventFields { kEventName = 0, kEventDescription, kInfraredCommand, kActivated, kZone, kEventID };
 
 /// A boolean as a list row shows it: "True" or "False".
@@ -17,21 +17,21 @@ std::string BooleanText(bool value);
 /// @return true for "True"; false for any other text
 bool IsTrue(std::string_view text);
 
-/// The number of a zone as a list row shows it.
-/// @return 0 for a text that is no number of 16 bits
+/// The zone number in a list row.
+/// @return 0 for a text that is not a 16-bit number
 std::int16_t ZoneNumber(std::string_view text);
 
-/// Gives the event list its six columns.
+/// Sets up the six columns of the event list.
 void SetUpColumns(ui::ListView& list);
 
-/// Writes the six texts of an event into a row of the event list.
-/// @throws Failure for a row that does not exist
+/// Writes the six texts of an event to a row of the event list.
+/// @throws Failure if the row does not exist
 void WriteEventRow(ui::ListView& list, int row, const clsKeploEvent& event);
 
-/// Adds a row for an event at the end of the list, without a key.
+/// Appends a row without a key for an event.
 void AppendEventRow(ui::ListView& list, const clsKeploEvent& event);
 
-/// Rewrites the first row that carries the event's EventID; nothing changes if there is none.
+/// Rewrites the first row with the event's EventID; does nothing if there is none.
 void UpdateEventRow(ui::ListView& list, const clsKeploEvent& event);
 
 }  // namespace keplo

@@ -11,13 +11,12 @@
 
 namespace keplo {
 
-/// Events in order of insertion, each under a key of its own. Holds the very objects that it is given.
+/// Events in order of insertion, with unique keys. Shares the objects with callers.
 class EventSet {
  public:
   using Members = std::vector<std::shared_ptr<clsKeploEvent>>;
 
-  /// Adds the event, or leaves the set as it was.
-  /// @throws Failure for a key that is taken
+  /// @throws Failure if the key is taken; the set is then unchanged
   void Add(std::string_view key, std::shared_ptr<clsKeploEvent> event);
   /// @return false if there is no such key
   bool Remove(std::string_view key);
@@ -33,7 +32,7 @@ class EventSet {
   };
 
   std::unordered_map<std::string, std::shared_ptr<clsKeploEvent>, KeyHash, std::equal_to<>> byKey_;
-  Members members_;  // the same ones
+  Members members_;  // the same events, in order
 };
 
 }  // namespace keplo

@@ -6,9 +6,9 @@
 
 namespace keplo {
 
-/// Makes the file of an event database with an empty event table, for a first install. The file appears whole
-/// or not at all, is on the disk afterwards, and never takes the place of one that exists, nor a place beside
-/// which a journal of another database lies. Its mode is 0666 less the umask.
+/// Creates an event database with an empty event table, for a first install. The file appears complete or not
+/// at all and is flushed to disk. An existing file is never replaced, nor is one created beside the journal
+/// of another database. Its mode is 0666 less the umask.
 /// @throws Failure with the errno and a text that names the file
 void CreateEventTable(const std::filesystem::path& path, FileSystem& files);
 

@@ -9,7 +9,7 @@
 
 namespace keplo {
 
-/// The events of an application path with all that they need, for programs that have no control.
+/// The events of an application path, for programs without a control.
 struct EventsOnDisk {
   /// Nothing is read before Events.Initialise(List).
   explicit EventsOnDisk(const std::filesystem::path& appPath)

@@ -2,9 +2,8 @@
 
 namespace keplo {
 
-/// Numbers of the failures that the event map finds itself; hosts know them from the error records that they
-/// have always been given. None of them is met while a database file is made, where a failure carries the
-/// system's errno.
+/// Numbers of failures found by the event map itself; hosts know them from error records. Creating a database
+/// file fails with the system's errno instead.
 enum FailureNumbers {
   kNumberTooLarge = 6,
   kWrongType = 13,
@@ -19,8 +18,7 @@ enum FailureNumbers {
   kRowGone = -2147217864,
 };
 
-/// A failure that SQLite finds carries this plus SQLite's extended result code, so that no number stands for
-/// two things: SQLite counts its codes from 1 as the system does its errno, and they stay below 2^16.
+/// Added to SQLite's extended result codes, which are below 2^16, to keep them apart from errno values.
 inline constexpr int kSqliteFailures = 0x10000;
 
 constexpr int SqliteFailureNumber(int resultCode) { return kSqliteFailures + resultCode; }

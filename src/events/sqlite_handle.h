@@ -10,11 +10,11 @@ struct SqliteCloser {
   void operator()(sqlite3* database) const;
 };
 
-/// An open SQLite database, closed with its owner.
+/// An open SQLite database, closed on destruction.
 using SqliteHandle = std::unique_ptr<sqlite3, SqliteCloser>;
 
-/// Runs statements that give no rows.
-/// @throws Failure as FailureOf tells it
+/// Runs statements that return no rows.
+/// @throws Failure as FailureOf describes it
 void RunSql(sqlite3* database, const char* sql);
 
 }  // namespace keplo

@@ -79,11 +79,12 @@ SqlValue SqliteStatement::Value(int column) const {
     case SQLITE_FLOAT:
       return sqlite3_column_double(statement, column);
     case SQLITE_BLOB: {
-      const void* bytes = sqlite3_column_blob(statement, column);  // none for an empty value
+      const void* bytes = sqlite3_column_blob(statement, column);  // null for an empty value
       return SqlBytes{bytes == nullptr ? "" : Copy(bytes, sqlite3_column_bytes(statement, column))};
     }
     default: {
-      const unsigned char* text = sqlite3_column_text(statement, column);  // before the length of its UTF-8
+      const unsigned char* text = sqlite3_column_text(
+          statement, column);  // before sqlite3_column_bytes, so that that is the length of the UTF-8
       if (text == nullptr) throw FailureOf(database_);
       return Copy(text, sqlite3_column_bytes(statement, column));
     }

@@ -11,26 +11,26 @@ struct sqlite3_stmt;
 
 namespace keplo {
 
-/// Raw bytes, as only a foreign tool stores them.
+/// A blob, which only other tools store.
 struct SqlBytes {
   std::string Bytes;
 };
 
-/// A value of a column; texts are UTF-8 whatever the file is written in; monostate is null.
+/// The value of a column. Texts are UTF-8, whatever the encoding of the file; monostate is null.
 using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string, SqlBytes>;
 
-/// One prepared statement. Values reach it as parameters, never as part of its text.
+/// A prepared statement. Values are passed as parameters, never as part of its text.
 class SqliteStatement {
  public:
   /// @param sql exactly one statement
-  /// @throws Failure for a text that SQLite refuses, that is empty, or that holds more than one statement
+  /// @throws Failure if SQLite refuses the text, or it is not exactly one statement
   SqliteStatement(sqlite3* database, std::string_view sql);
 
   /// Sets the parameter ?index.
   void Bind(int index, const SqlValue& value);
 
-  /// @return true if the statement stands on a row, false after the last one
-  /// @throws Failure as FailureOf tells it
+  /// @return whether there is a row; false after the last one
+  /// @throws Failure as FailureOf describes it
   bool Step();
 
   int ColumnCount() const;
@@ -46,7 +46,7 @@ class SqliteStatement {
   std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
 };
 
-/// The first value that a statement gives, or 0 or an empty text where there is none of that type.
+/// The first value that a statement returns; 0 or an empty text if there is none of that type.
 std::int64_t FirstNumber(sqlite3* database, std::string_view sql);
 std::string FirstText(sqlite3* database, std::string_view sql);
 

@@ -11,7 +11,7 @@ namespace keplo {
 Transaction::Transaction(sqlite3* database) : database_(database) { RunSql(database, "begin immediate"); }
 
 Transaction::~Transaction() {
-  // SQLite has gone back to autocommit by itself after some failures; there is nothing left to undo then.
+  // After some failures SQLite has already rolled back by itself.
   const bool pending = sqlite3_get_autocommit(database_) == 0;
   if (pending) sqlite3_exec(database_, "rollback", nullptr, nullptr, nullptr);
 }
@@ -20,7 +20,7 @@ std::optional<NotConfirmed> Transaction::Commit() try {
   RunSql(database_, "commit");
   return std::nullopt;
 } catch (const Failure& failure) {
-  // The journal, which would undo the change, is gone by then; only its folder could not be flushed.
+  // The journal, which would undo the change, is already deleted; only flushing its folder failed.
   if (failure.Number() != SqliteFailureNumber(SQLITE_IOERR_DIR_FSYNC)) throw;
   return NotConfirmed(failure.Number(),
                       DatabaseText(OpenFileName(database_),

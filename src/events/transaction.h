@@ -8,25 +8,26 @@ struct sqlite3;
 
 namespace keplo {
 
-/// A change that was made and is seen by everybody, but of which the disk has not said that it outlives a
-/// power cut.
+/// Thrown when a change was made and is visible to everybody, but may not survive a power cut because the
+/// final flush failed.
 class NotConfirmed : public Failure {
  public:
   using Failure::Failure;
 };
 
-/// A change of the database that happens whole or not at all: rolled back unless it was committed.
+/// A database transaction, rolled back unless it was committed.
 class Transaction {
  public:
-  /// Takes the right to write at once, so that a lock of another program is met before anything is changed.
+  /// Takes the write lock at once, so that it fails before anything is changed if another program holds a
+  /// lock.
   /// @throws Failure if the database is locked or cannot be written
   explicit Transaction(sqlite3* database);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  /// @return what is to be told if only the last flush failed
-  /// @throws Failure if the change could not reach the disk; it is undone then
+  /// @return what to report if only the final flush failed
+  /// @throws Failure if the change could not be written; it is undone then
   [[nodiscard]] std::optional<NotConfirmed> Commit();
 
  private:

@@ -42,7 +42,7 @@ struct PlannedKey {
   bool IsRaw = false;            // it keeps its lengths
   std::string RawDigits = {};    // of a raw command that it becomes
   std::string HeardDigits = {};  // of a code that the receiver makes of its lengths
-  std::string SendAs = {};       // how that code is sent, see WithWayOf
+  std::string SendAs = {};       // how that code is sent, see WithSendAs
   std::string Section, Name;  // of the command that it becomes, or of the one that has its code; else empty
   std::string Reason;         // why it was renamed or not stored; empty if there is nothing to tell
 

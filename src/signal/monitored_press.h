@@ -23,7 +23,7 @@ enum class Stage {
   Unknown,
   Length,
   Code,
-  Raw  // no analysis reads a code, but the lengths are those of a raw command, see AskRawCommands
+  Raw  // no analysis reads a code, but the lengths are those of a raw command, see MatchRawCommands
 };
 
 inline constexpr std::size_t kStages = 10;
