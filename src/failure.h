@@ -5,8 +5,7 @@
 
 namespace keplo {
 
-/// A run-time failure that a caller of the domain catches: a text for a person and the number that the
-/// error record of the host carries.
+/// A run-time failure: a text for the user, and the number for the host's error record.
 class Failure : public std::runtime_error {
  public:
   Failure(int number, const std::string& text) : std::runtime_error(text), number_(number) {}

@@ -19,11 +19,11 @@ extern const std::string VersionText;
 /// Values of ProtocolFormMode.
 inline constexpr std::int16_t kNewProtocolMode = 0, kEditProtocolMode = 1;
 
-/// The state that shell and window share: created by whoever runs the program, handed on by reference.
+/// The state shared by shell and window. Whoever runs the program creates it and passes it by reference.
 struct KeploMod {
   /// @param appPath the folder of keplo.cfg and of the event database
   KeploMod(const std::filesystem::path& appPath, FileSystem& files);
-  /// The same on the files of this machine.
+  /// As above, with the real file system.
   explicit KeploMod(const std::filesystem::path& appPath);
 
   std::filesystem::path AppPath;
@@ -33,7 +33,7 @@ struct KeploMod {
   SignalState Signal;
   std::int16_t ProtocolFormMode = kNewProtocolMode;  // what the protocol dialog is loaded for
   bool Rc5Toggle = false;                            // toggle digit of the last RC5 transmission
-  std::unique_ptr<Data> modData;                     // the one database object; the control creates it
+  std::unique_ptr<Data> modData;                     // created by the control
 };
 
 }  // namespace keplo

@@ -16,7 +16,7 @@ KeploClass& TheClass() {
   return theClass;
 }
 
-/// Where this component was loaded from.
+/// The file that this component was loaded from.
 std::filesystem::path OwnFile() {
   Dl_info info{};
   dladdr(reinterpret_cast<void*>(&TheClass), &info);

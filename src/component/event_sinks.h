@@ -8,7 +8,7 @@
 
 namespace keplo::component {
 
-/// The subscribed sinks of one object.
+/// The sinks subscribed to an object.
 template <typename Source, typename Sink>
 class Sinks : public Source {
  public:
@@ -23,8 +23,8 @@ class Sinks : public Source {
   void Clear() { sinks_.clear(); }
   bool IsEmpty() const { return sinks_.empty(); }
 
-  /// Calls every sink in the order of subscription; one may unsubscribe any of them meanwhile.
-  /// @throws what the first of them threw, after the last has been called
+  /// Calls every sink in the order of subscription. A sink may unsubscribe any of them.
+  /// @throws the first exception of a sink, after all have been called
   template <typename Call>
   void ForEach(Call call) {
     std::exception_ptr thrown;
@@ -49,7 +49,7 @@ using EventSinks = Sinks<IHostEventSource, IHostEventSink>;
 using KeySinks = Sinks<IKeySource, IKeySink>;
 using SignalSinks = Sinks<ISignalSource, ISignalSink>;
 
-/// All that a host has subscribed to one object.
+/// All sinks that a host has subscribed to an object.
 struct HostSinks {
   void Clear() {
     Events.Clear();

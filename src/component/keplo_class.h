@@ -4,7 +4,7 @@
 
 namespace keplo::component {
 
-/// The class of the component; counts its living objects.
+/// The class of the component. Counts its objects.
 class KeploClass final : public IComponentClass {
  public:
   virtual ~KeploClass() = default;
@@ -12,7 +12,7 @@ class KeploClass final : public IComponentClass {
   ComponentObject CreateObject(const CreationContext& context, std::string& failure) override;
 
   bool AnyAlive() const { return alive_ > 0; }
-  /// The number of the failure to write a first install that the last CreateObject ended with; 0 without one.
+  /// The number of the failure if the last CreateObject could not write a first install; otherwise 0.
   int WriteFailure() const { return writeFailure_; }
 
  private:

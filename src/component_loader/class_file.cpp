@@ -29,7 +29,7 @@ void WriteClassFile(const std::string& className, const std::filesystem::path& c
   json["class"] = className;
   json["component"] = component.string();
   const std::filesystem::path path = ClassFilePath(className);
-  std::error_code ignored;  // a folder that cannot be made is told by the writing
+  std::error_code ignored;  // if it fails, so will writing the file
   std::filesystem::create_directories(path.parent_path(), ignored);
   PosixFileSystem files;
   try {

@@ -6,26 +6,26 @@
 
 namespace keplo {
 
-/// The file that names the component of a class: velmora/classes/<class>.json in the user's data folder
-/// ($XDG_DATA_HOME, else ~/.local/share).
+/// The file that specifies the component of a class: velmora/classes/<class>.json in the user's data folder
+/// ($XDG_DATA_HOME, otherwise ~/.local/share).
 /// @throws Failure if the user has no data folder
 std::filesystem::path ClassFilePath(const std::string& className);
 
-/// Writes the class file, in place of one that is there.
+/// Writes the class file, replacing an existing one.
 /// @param component absolute path of the component
 /// @throws Failure with path and reason
 void WriteClassFile(const std::string& className, const std::filesystem::path& component);
 
-/// Removes the class file; one that is not there is no failure.
+/// Removes the class file, if it exists.
 /// @throws Failure with path and reason
 void RemoveClassFile(const std::string& className);
 
-/// The component that the class file names.
-/// @throws Failure that names the class file and tells what is wrong with it
+/// The component specified by the class file.
+/// @throws Failure that says what is wrong with the class file
 std::filesystem::path ReadClassFile(const std::string& className);
 
-/// The component that the text of a class file names.
-/// @param classFile for the text of the failure
+/// The component specified by the text of a class file.
+/// @param classFile for the message of a failure
 /// @throws Failure as ReadClassFile
 std::filesystem::path ComponentNamedBy(std::string_view text, const std::filesystem::path& classFile);
 

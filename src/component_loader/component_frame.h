@@ -8,17 +8,17 @@
 
 namespace keplo {
 
-/// An object was not created because what it keeps could not be written.
+/// Thrown if an object was not created because its files could not be written.
 class ObjectNotWritten : public Failure {
  public:
   using Failure::Failure;
 };
 
-/// A component loaded into this process. It is unloaded at the end of its life, unless an object of it is
-/// still alive.
+/// A component loaded into this process. It is unloaded on destruction, unless one of its objects still
+/// exists.
 class Component {
  public:
-  /// @throws Failure that names the file and the reason: missing, cut short, no component
+  /// @throws Failure with file and reason: missing, truncated, or not a component
   explicit Component(const std::filesystem::path& file);
   ~Component();
   Component(const Component&) = delete;
@@ -27,11 +27,11 @@ class Component {
   const std::filesystem::path& File() const { return file_; }
 
   /// Creates an object of a class.
-  /// @throws Failure if the component does not offer the class, or with the object's own reason;
-  /// ObjectNotWritten where that is a first install that could not be written
+  /// @throws Failure if the component does not have the class, or with the reason given by the component
+  /// @throws ObjectNotWritten if a first install could not be written
   ComponentObject Create(const std::string& className, const CreationContext& context) const;
 
-  /// Makes the component's classes known to hosts of this user, or unknown again.
+  /// Makes the component's classes known to this user's hosts, or unknown again.
   /// @throws Failure
   void Register() const;
   void Unregister() const;
@@ -48,7 +48,7 @@ class Component {
   DllUnregisterServerEntry* unregister_ = nullptr;
   DllGetClassObjectEntry* getClass_ = nullptr;
   DllCanUnloadNowEntry* canUnload_ = nullptr;
-  DllGetWriteFailureEntry* writeFailure_ = nullptr;  // null where the component has none
+  DllGetWriteFailureEntry* writeFailure_ = nullptr;  // null if the component does not have it
 };
 
 }  // namespace keplo

@@ -44,7 +44,7 @@ bool SegmentsFit(std::ifstream& file, const ElfHeader& header, std::uint64_t siz
 std::string WhyNotLoadable(const std::filesystem::path& path) {
   std::error_code error;
   if (std::filesystem::is_directory(path, error)) return "it is a folder";
-  // To open a pipe would wait for somebody who writes.
+  // Opening a pipe would wait for a writer.
   if (std::filesystem::exists(path, error) && !std::filesystem::is_regular_file(path, error)) {
     return "it is no regular file";
   }

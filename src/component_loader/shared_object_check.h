@@ -5,9 +5,9 @@
 
 namespace keplo {
 
-/// Looks whether a file is a whole shared object of this machine, before it is loaded: the loader maps a file
-/// that was cut short and the program dies at the first access after its end.
-/// @return what is wrong with it; empty if nothing
+/// Checks that a file is a complete shared object for this machine. The system's loader would map a truncated
+/// file, and the program would crash at the first access beyond its end.
+/// @return what is wrong with it; empty if it is all right
 std::string WhyNotLoadable(const std::filesystem::path& file);
 
 }  // namespace keplo

@@ -6,24 +6,24 @@
 
 namespace keplo {
 
-/// A value that carries its own type, as the host's interface passes it; monostate is the empty variant.
+/// A value with a type chosen at run time; monostate is the empty variant.
 using HostVariant = std::variant<std::monostate, bool, std::int32_t, double, std::string>;
 
-/// What the plug-in tells the host when an event of the map fires, and what the host hands in when the
-/// user adds, changes or deletes an event. The host alone gives out EventID, a text that no other event has
-/// or had. A fired event carries EventID and EventCommand; IEventCatalogue knows the rest.
+/// Passed to the host when an event is raised, and by the host when the user adds, edits or deletes an event.
+/// Only the host assigns the EventID, a text that no other event has or had. A raised event has EventID and
+/// EventCommand; IEventCatalogue has the rest.
 struct HostInputEvent {
-  std::string EventDate;  // stays empty
+  std::string EventDate;  // not used
   HostVariant EventCommand;
   std::string EventDescription;
-  std::string EventTag;  // the plug-in neither reads nor writes it
+  std::string EventTag;  // not used
   std::string EventName;
   std::string EventID;
 };
 
-/// One failure, as the plug-in reports it to the host.
+/// A failure, as the plug-in reports it to the host.
 struct HostErrorRecord {
-  std::string ErrorDetail;     // context of the failure, such as the statement that failed; mostly empty
+  std::string ErrorDetail;     // such as the SQL statement that failed; usually empty
   std::string ErrorDate;       // "07-Nov-2002 16:31:11"
   std::string ErrorProcedure;  // the failing operation
   std::string ErrorSource;     // the failing class

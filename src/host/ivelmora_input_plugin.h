@@ -6,18 +6,18 @@
 #include <string_view>
 #include <vector>
 
-#include "host_records.h"  // beside this file, wherever an install puts both
+#include "host_records.h"  // in the same folder, wherever the headers are installed
 
 namespace keplo {
 
-/// The host itself, as it hands itself to a plug-in. A plug-in keeps it from InputInitialise to
-/// InputTerminate; a host derives its own object from it.
+/// The host, which derives its own object from this. A plug-in keeps it from InputInitialise to
+/// InputTerminate.
 class IVelmoraHost {
  public:
   virtual ~IVelmoraHost() = default;
 };
 
-/// A device behind a plug-in, for plug-ins that have some. This one has none and leaves the records alone.
+/// A device of a plug-in. This plug-in has none and ignores such records.
 struct HostDevice {
   std::string DeviceID;
   std::string DeviceName;
@@ -28,107 +28,112 @@ struct HostDevice {
 struct HostPageRequest {
   std::string Path;
   std::string Query;  // without the question mark
-  std::string Body;   // of a POST, as it came
+  std::string Body;   // of a POST
 };
 
-/// Results of the operations that return a number.
+/// Results of operations that return a number.
 inline constexpr std::int32_t kInputFailed = 0;
 inline constexpr std::int32_t kInputDone = 1;
 inline constexpr std::int32_t kInputCancelled = 2;
 inline constexpr std::int32_t kInputNoDevices = 3;  // of InputGetDevices
 
-/// What a host calls on an input plug-in. The order of the operations is the order of their slots and never
-/// changes; all arguments go by reference.
+/// The operations of an input plug-in. Their order determines the binary interface and never changes; all
+/// arguments are passed by reference.
 ///
 /// A host creates the object by its class name, subscribes to its events (IHostEventSource), calls
-/// InputInitialise once, InputStartMonitoring and InputStopMonitoring as often as it wants, InputTerminate
-/// once, and releases the object; for monitoring after InputTerminate it creates a new one. Every call, and
-/// every event, happens on the thread that created the object; that thread must run the event loop of a
-/// QCoreApplication, from which the plug-in takes its ticks. No operation throws: a failure is told by the
-/// result, and where the operation says nothing else by TriggerInputErrorCondition.
+/// InputInitialise once, InputStartMonitoring and InputStopMonitoring as often as it likes, InputTerminate
+/// once, and releases the object; to monitor after InputTerminate, it creates a new object. All calls and
+/// events are on the thread that created the object, which must run the event loop of a QCoreApplication.
+/// Operations do not throw: a failure is indicated by the result and, unless stated otherwise, reported by
+/// TriggerInputErrorCondition.
 class IVelmoraInputPLugin {
  public:
   static constexpr std::string_view kInterfaceName = "IVelmoraInputPLugin";
 
-  /// Path of the plug-in's icon; the file need not be there.
+  /// Path of the plug-in's icon; the file need not exist.
   virtual std::string InputIconFileName() = 0;
-  /// Shows the about text and waits until it is closed.
+  /// Shows the about box and waits until it is closed.
   /// @return the empty variant
   virtual HostVariant InputDisplayAboutBox() = 0;
-  /// @param mnuItems written with the captions for the host's menu of this plug-in
+  /// @param mnuItems receives the captions for the host's menu of this plug-in
   /// @return 1
   virtual std::int32_t InputGetPluginMenuItems(std::vector<std::string>& mnuItems) = 0;
-  /// Does what a menu item stands for. A window that opens is modal: the call returns when it is closed.
-  /// @param index place in mnuItems, from 0; any other opens nothing
-  /// @return true, whatever came of it
+  /// Runs a menu item. If it opens a window, the call returns when that is closed.
+  /// @param index index in mnuItems, from 0; any other value opens nothing
+  /// @return true in any case
   virtual HostVariant InputCallMenuItem(std::int16_t& index) = 0;
-  /// @return 1; the record stays as it is
+  /// @return 1; the record is unchanged
   virtual std::int32_t InputQueryDeviceStatus(HostDevice& DevStruct) = 0;
   /// @return 1; nothing is set
   virtual std::int32_t InputSetDeviceStatus(HostDevice& DevStruct) = 0;
-  /// @param Stati written with two empty texts
+  /// @param Stati receives two empty texts
   /// @return 1
   virtual std::int32_t InputQueryAllDeviceStati(std::vector<std::string>& Stati) = 0;
-  /// @return 3: there are no devices, and Devices stays as it is
+  /// @return 3: there are no devices, and Devices is unchanged
   virtual std::int32_t InputGetDevices(std::vector<HostDevice>& Devices) = 0;
-  /// Opens the configuration window, modally; without a display it only logs that it cannot. What the window
-  /// could not save is told by TriggerInputErrorCondition.
+  /// Opens the configuration window modally; without a display it only writes to the log. If the window could
+  /// not save something, TriggerInputErrorCondition reports it.
   /// @return 1
   virtual std::int32_t InputConfigurePlugin() = 0;
-  /// Loads the event map. A second call reads it again: what came, changed or went since then is taken in, no
-  /// event comes twice, monitoring goes on, and InputErrorDetails begins again.
+  /// Loads the event map. A second call updates it to the current state of the database, without interrupting
+  /// monitoring, and clears InputErrorDetails.
   /// @param Velmora the host; may be empty
-  /// @return 1, or 0 if the event map cannot be loaded: missing, of another kind, or held locked by another
-  ///         program. CreationContext::Log gets the reason; TriggerInputErrorCondition tells only of single
-  ///         rows that cannot be used, with a 0 or a 1.
+  /// @return 1, or 0 if the event map cannot be loaded because it is missing, is something else, or is locked
+  /// by
+  ///         another program. The reason is written to CreationContext::Log; TriggerInputErrorCondition only
+  ///         reports unusable rows, in both cases.
   virtual std::int32_t InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) = 0;
-  /// @return 1; from now on input events come, whether the line could be opened or not
+  /// @return 1, even if the line could not be opened
   virtual std::int32_t InputStartMonitoring() = 0;
-  /// From within an event it does not last, since the end of the tick turns the timer on again: post it to
-  /// the event loop.
+  /// Has no lasting effect if called from within an event, since the end of the tick turns the timer on
+  /// again; post the call to the event loop instead.
   /// @return 1
   virtual std::int32_t InputStopMonitoring() = 0;
-  /// Closes the line and lets go of the host. Stop monitoring first. It lasts from within an event too.
+  /// Closes the line and releases the host. Stop monitoring first. May be called from within an event.
   /// @return 1
   virtual std::int32_t InputTerminate() = 0;
   /// Lets the user fill in a new event in a modal dialog; without a display the dialog counts as cancelled.
-  /// @param objInputEvent carries the EventID that the host has given the event; written with EventName,
-  ///        EventDescription and EventCommand if the event was saved
-  /// @return 1 saved, 2 the user cancelled, 0 failed: TriggerInputErrorCondition has told why, for instance
-  ///         that the event map is locked; it tells nothing if the event map cannot be opened at all
+  /// @param objInputEvent has the EventID assigned by the host; receives EventName, EventDescription and
+  ///        EventCommand if the event was saved
+  /// @return 1 if saved, 2 if the user cancelled, 0 if it failed. TriggerInputErrorCondition has then
+  /// reported the
+  ///         reason, for example that the event map is locked, unless the event map cannot be opened at all.
   virtual std::int32_t InputAddEvent(HostInputEvent& objInputEvent) = 0;
-  /// Takes an event off the list, then out of the event map. Not from within an event, which the walk through
-  /// the list raises: it may pass over the row after the deleted one. Post it to the event loop.
-  /// @param objInputEvent its EventID names the event
-  /// @return 0 if there is no such event or the event map cannot be opened, else 1: also where the event map
-  ///         is locked and keeps the event, which comes back to the list by itself then. Neither is told by
-  ///         TriggerInputErrorCondition; IEventCatalogue::ListDiffersFromMap knows.
+  /// Deletes an event from the list and from the event map. If called from within an event, other events of
+  /// the same press may be skipped; post the call to the event loop instead.
+  /// @param objInputEvent its EventID identifies the event
+  /// @return 0 if there is no such event or the event map cannot be opened, otherwise 1, even if the event
+  /// map is
+  ///         locked and keeps the event, which will then return to the list by itself. Neither is reported by
+  ///         TriggerInputErrorCondition; see IEventCatalogue::ListDiffersFromMap.
   virtual std::int32_t InputDeleteEvent(HostInputEvent& objInputEvent) = 0;
   /// Whether the host has started monitoring and not stopped it.
   virtual bool InputMonitoring() = 0;
-  /// Lets the user change the event with this EventID; written and returned as by InputAddEvent. An EventID
-  /// that the event map does not have is a failure that TriggerInputErrorCondition tells.
+  /// Lets the user edit the event with this EventID; arguments and results as for InputAddEvent. An unknown
+  /// EventID is a failure reported by TriggerInputErrorCondition.
   virtual std::int32_t InputModifyEvent(HostInputEvent& objInputEvent) = 0;
-  /// The last failure of an operation or tick; without a failure an empty record. Null before InputInitialise
-  /// and after InputTerminate, unless something fails then. Failures of the event map alone come with
-  /// TriggerInputErrorCondition only. Drop the record before the component is unloaded, whose code ends it.
+  /// The last failure of an operation or tick; an empty record if there was none. Null before InputInitialise
+  /// and after InputTerminate, unless something fails then. Failures of the event map itself are only
+  /// reported by TriggerInputErrorCondition. Release the record before unloading the component, whose code
+  /// destroys it.
   virtual std::shared_ptr<HostErrorRecord> InputErrorDetails() = 0;
-  /// @param EventIDs written with the identifiers of all events, so that a host can forget those it no longer
-  ///        meets; one empty text if there are no events
+  /// @param EventIDs receives the identifiers of all events, so that a host can forget those that no longer
+  /// exist; a
+  ///        single empty text if there are no events
   /// @return 1
   virtual std::int32_t InputHouseKeepingGetEventIDs(std::vector<std::string>& EventIDs) = 0;
-  /// @param szVersion written with major, minor and revision, joined by points
+  /// @param szVersion receives major, minor and revision, joined by points
   /// @return 1
   virtual std::int32_t InputGetPluginVersion(std::string& szVersion) = 0;
   /// The plug-in's page for a GET.
-  /// @param szHTML written with the page, bytes as a browser is to get them. Texts of the user stand in it
-  ///        unescaped: send it with a content-security policy that allows no scripts.
-  /// @param Request, Btype, lwidth, lheight the request, the kind of browser and its size in pixels; none of
-  ///        them is looked at
+  /// @param szHTML receives the page, as bytes for the browser. Texts of the user are not escaped: send it
+  /// with a
+  ///        content-security policy that allows no scripts.
+  /// @param Request, Btype, lwidth, lheight the request, the kind of browser and its size in pixels; ignored
   /// @return 1
   virtual std::int32_t InputGetHTMLPage(std::string& szHTML, HostPageRequest& Request, std::int32_t& Btype,
                                         std::int32_t& lwidth, std::int32_t& lheight) = 0;
-  /// The plug-in's page for a POST; what was posted is not looked at.
+  /// The plug-in's page for a POST; the posted data is ignored.
   virtual std::int32_t InputPostHTMLPage(std::string& szHTML, HostPageRequest& Request, std::int32_t& Btype,
                                          std::int32_t& lwidth, std::int32_t& lheight) = 0;
 
@@ -136,25 +141,24 @@ class IVelmoraInputPLugin {
   ~IVelmoraInputPLugin() = default;
 };
 
-/// What a host does with the events of a plug-in. Both run inside the call or tick that raises them: be
-/// quick, since the next tick waits. Neither should throw: what TriggerInputEvent throws comes back as
-/// TriggerInputErrorCondition, what that one throws is dropped, and the other sinks and events get their
-/// turn.
+/// Implemented by a host to receive the events of a plug-in. Both functions are called synchronously, so they
+/// should be quick. They should not throw: an exception from TriggerInputEvent is reported by
+/// TriggerInputErrorCondition, one from the latter is dropped; other sinks and events are not affected.
 class IHostEventSink {
  public:
-  /// A command was heard to which an activated event is bound. EventCommand holds "protocol&command", EventID
-  /// names the event; the other fields are not filled in. All events of one press come in one object, one
-  /// after the other: copy what you keep.
+  /// A command was received to which an activated event is bound. EventCommand is "protocol&command", EventID
+  /// identifies the event; the other fields are empty. The same object is reused for all events of a press,
+  /// so copy what you keep.
   virtual void TriggerInputEvent(HostInputEvent& objInputEvent) = 0;
   /// Something failed.
-  /// @param blnStopping whether the plug-in stops because of it; this plug-in never does
+  /// @param blnStopping whether the plug-in will stop because of it; never true for this plug-in
   virtual void TriggerInputErrorCondition(HostErrorRecord& objErr, bool& blnStopping) = 0;
 
  protected:
   ~IHostEventSink() = default;
 };
 
-/// Where a host subscribes to the events of a plug-in.
+/// Lets a host subscribe to the events of a plug-in.
 class IHostEventSource {
  public:
   static constexpr std::string_view kInterfaceName = "IHostEventSource";
@@ -162,7 +166,7 @@ class IHostEventSource {
   /// @param sink must live until it is unsubscribed
   /// @return a cookie for Unsubscribe, never 0
   virtual std::uint32_t Subscribe(IHostEventSink& sink) = 0;
-  /// An unknown cookie changes nothing. May be called from within an event.
+  /// Ignores an unknown cookie. May be called from within an event.
   virtual void Unsubscribe(std::uint32_t cookie) = 0;
 
  protected:

@@ -52,7 +52,8 @@ nlohmann::json ParseEventBook(std::string_view text, const std::filesystem::path
 EventBook::EventBook(std::filesystem::path file) : file_(std::move(file)) { Read(); }
 
 void EventBook::Read() {
-  const FileStamp stamp = StampOf(file_);  // first, so that a change during the reading is met the next time
+  const FileStamp stamp =
+      StampOf(file_);  // taken first, so that a change during the read is noticed next time
   book_ = ReadBook(file_);
   stamp_ = stamp;
 }
@@ -62,11 +63,11 @@ void EventBook::ReadIfChanged() {
 }
 
 void EventBook::Change(const std::function<void(nlohmann::json& book)>& change) {
-  std::error_code ignored;  // a folder that cannot be made is told by the writing
+  std::error_code ignored;  // if it fails, so will writing the file
   PosixFileSystem files;
   const std::filesystem::path target = files.Resolve(file_);
   std::filesystem::create_directories(FolderOf(target), ignored);
-  // The folder is locked since a book itself is replaced with each change.
+  // Locks the folder, since every change replaces the file itself.
   const std::unique_ptr<LockedFolder> folder = LockFolderOf(files, target);
   Read();
   nlohmann::json changed = book_;
@@ -117,7 +118,7 @@ void EventBook::SetActions(const std::string& eventID, const nlohmann::json& act
 
 void EventBook::Forget(const std::string& eventID) {
   Change([&](nlohmann::json& book) {
-    // The number may have been given by another program, and nothing else of it is left here.
+    // The number may have been assigned by another program, and must not be reused.
     const std::int64_t next = std::max(FirstFreeNumber(book), NumberAfter(eventID));
     if (next > 0) book["next_event_id"] = next;
     book["events"].erase(eventID);

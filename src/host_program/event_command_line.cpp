@@ -10,7 +10,7 @@ namespace keplo::host {
 
 namespace {
 
-/// Program and arguments of a run action; nothing for what is none.
+/// Program and arguments of a run action; none for any other value.
 std::optional<QStringList> WordsOf(const nlohmann::json& action) {
   if (!action.is_object() || action.value("kind", nlohmann::json()) != "run") return {};
   const nlohmann::json program = action.value("program", nlohmann::json());
@@ -23,7 +23,7 @@ std::optional<QStringList> WordsOf(const nlohmann::json& action) {
   return words;
 }
 
-/// A word as QProcess::splitCommand reads it.
+/// Quotes a word for QProcess::splitCommand.
 QString Quoted(QString word) {
   const bool divided = std::any_of(word.begin(), word.end(), [](QChar c) { return c.isSpace(); });
   word.replace(QLatin1Char('"'), QLatin1String(R"(""")"));

@@ -6,13 +6,13 @@
 
 namespace keplo::host {
 
-/// The actions of an event as one command line, words in quotes where they need them; empty for no action.
-/// @return nothing if the actions are more than a command line can show: several, another kind than run, an
-/// argument without a character
+/// The actions of an event as a command line, with words quoted if necessary; empty if there are no actions.
+/// @return none if a command line cannot express the actions: several, a kind other than run, or an empty
+/// argument
 std::optional<QString> CommandLineOf(const nlohmann::json& actions);
 
-/// The actions with the program and the arguments of a command line. What else stands in a run action that
-/// CommandLineOf can show stays; other actions are replaced.
+/// The actions with program and arguments from a command line. Other fields of an action that CommandLineOf
+/// can express are kept; any other actions are replaced.
 nlohmann::json WithCommandLine(const nlohmann::json& actions, const QString& commandLine);
 
 }  // namespace keplo::host

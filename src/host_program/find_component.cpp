@@ -16,7 +16,7 @@ bool IsRegistered() {
   try {
     return std::filesystem::exists(ClassFilePath(kInputKeploClass));
   } catch (const Failure&) {
-    return false;  // a service without a home has no registered classes
+    return false;  // such as a service without a home folder
   }
 }
 

@@ -4,14 +4,14 @@
 
 namespace keplo::host {
 
-/// The plug-in's component: the named file, else the registered one, else the one beside this program or in
-/// the library folder of its installation.
-/// @throws Failure that tells what was looked for
+/// The plug-in's component: the named file, otherwise the registered one, otherwise the one beside this
+/// program or in the library folder of its installation.
+/// @throws Failure with the files that were tried
 std::filesystem::path FindComponent(const std::filesystem::path& named);
 
-/// The component that is to be registered: as FindComponent, without a look at what is registered, so that a
-/// registration that leads nowhere can be mended.
-/// @throws Failure that tells what was looked for
+/// The component to register: like FindComponent, but ignores the registered one, so that an invalid
+/// registration can be corrected.
+/// @throws Failure with the files that were tried
 std::filesystem::path FindComponentToRegister(const std::filesystem::path& named);
 
 }  // namespace keplo::host

@@ -9,16 +9,16 @@
 
 namespace keplo::host {
 
-/// Where the host writes: events and errors to standard output, all else to standard error. With JSON, events
-/// and errors are one object a line. On a stream that leads to the journal each line for a person carries its
-/// level.
+/// The output of the host: events and errors go to standard output, everything else to standard error. With
+/// JSON, events and errors are one object per line. On a stream connected to the journal, lines of text are
+/// prefixed with their level.
 class HostLog {
  public:
   struct JournalStreams {
     bool Output = false, Error = false;
   };
 
-  /// @param keys whether presses, holds and releases of keys are told
+  /// @param keys whether to print presses, holds and releases of keys
   HostLog(bool json, JournalStreams toJournal, bool keys = false)
       : json_(json), keys_(keys), toJournal_(toJournal) {}
 
@@ -27,7 +27,7 @@ class HostLog {
   void Error(const HostErrorRecord& record) const;
   /// @param what "press", "hold" or "release"
   void Key(std::string_view what, const HeardKey& key) const;
-  /// The closing words; kept out of the JSON lines.
+  /// The summary at the end; it goes to standard error if standard output is JSON.
   void Summary(const std::string& text) const;
 
  private:

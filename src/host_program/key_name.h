@@ -5,11 +5,11 @@
 
 namespace keplo::host {
 
-/// Whether the kernel calls a key so; buttons of mice and joysticks have other names.
+/// Whether a name is that of a key in the kernel, rather than of a button of a mouse or joystick.
 /// @param name may be null
 bool IsKeyName(const char* name);
 
-/// The code of a key by the kernel's name for it, such as KEY_VOLUMEUP; nothing for what is no name of a key.
+/// The code of a key with a kernel name such as KEY_VOLUMEUP; none if there is no such key.
 std::optional<unsigned> KeyCodeOf(const std::string& name);
 
 }  // namespace keplo::host

@@ -10,21 +10,21 @@ struct libevdev_uinput;
 
 namespace keplo::host {
 
-/// A keyboard of the kernel's, whose keys remotes press. The kernel repeats a key that is down, and lets it
-/// go however the host ends.
+/// A virtual keyboard of the kernel. The kernel repeats keys that are down, and releases them when the host
+/// ends.
 class Keyboard {
  public:
   explicit Keyboard(const HostLog& log);
 
-  /// Makes the keyboard known to the system, unless that was tried before. Programs need a moment to find it,
-  /// so do this before a key is pressed. What does not work is logged with the way out.
+  /// Creates the keyboard, unless that was tried before. Programs take a moment to find it, so call this well
+  /// before a key is pressed. A failure is logged with advice.
   void PlugIn();
-  /// A key that is down stays down.
-  /// @param place of the key of a remote that holds it
+  /// Presses a key, unless it is already down.
+  /// @param place of the remote's key that holds it
   void Press(unsigned code, int place);
-  /// Lets the keys go that only this place holds.
+  /// Releases the keys that only this place holds.
   void Release(int place);
-  /// Where its events can be read; empty without one.
+  /// The device file with its events; empty if there is none.
   std::string DeviceNode() const;
 
  private:

@@ -6,10 +6,11 @@
 
 namespace keplo::host {
 
-/// Which keys of a keyboard are down, and for whom: a key goes up when nobody holds it any more.
+/// Which keys of a keyboard are down, and which places hold them. A key goes up when no place holds it any
+/// more.
 class KeysDown {
  public:
-  /// @param place of the key of a remote that holds it
+  /// @param place of the remote's key that holds it
   /// @return whether the key was up
   bool Press(unsigned code, int place) {
     std::set<int>& places = places_[code];
@@ -18,7 +19,7 @@ class KeysDown {
     return wasUp;
   }
 
-  /// @return the keys that this place alone held
+  /// @return the keys that only this place held
   std::vector<unsigned> Release(int place) {
     std::vector<unsigned> up;
     for (auto& [code, places] : places_) {

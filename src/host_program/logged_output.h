@@ -7,23 +7,23 @@
 
 namespace keplo::host {
 
-/// What a program writes, as lines of the log. Whoever has left the program's group, as a daemon does, still
-/// holds the pipe when the program itself has long ended, and would be ended by the system if it wrote to a
-/// pipe that nobody reads: so this lives until nobody writes any more.
+/// Logs the output of a program line by line. A process that has left the program's group, as daemons do, may
+/// still hold the pipe long after the program has ended, and would be killed when it writes to a closed pipe.
+/// Therefore this object lives until all writers have closed it.
 class LoggedOutput {
  public:
-  /// @param program as it is called in what is told about it
-  /// @param write takes a line without its end
+  /// @param program name of the program, for messages
+  /// @param write receives lines without line ends
   LoggedOutput(std::string program, std::function<void(LogLevel, const std::string& line)> write)
       : lines_(std::move(program), std::move(write)) {}
-  /// Logs what is there still.
+  /// Logs what is left.
   ~LoggedOutput();
   LoggedOutput(const LoggedOutput&) = delete;
   LoggedOutput& operator=(const LoggedOutput&) = delete;
 
   const std::string& Program() const { return lines_.Program(); }
   OutputPipe& Pipe() { return pipe_; }
-  /// Whether nobody writes any more, and all of it is in the log.
+  /// Whether all writers have closed the pipe, and everything has been logged.
   bool HasEnded() const { return ended_; }
 
  private:

@@ -10,10 +10,10 @@
 
 namespace keplo::host {
 
-/// What the host is asked to do beside running.
+/// What the host should do.
 enum class Task { Run, Register, Unregister };
 
-/// Default port of the web pages; none of the registered ones.
+/// Default port of the web pages; it is not registered for anything else.
 inline constexpr std::uint16_t kUsualHttpPort = 8738;
 
 struct HostOptions {
@@ -22,7 +22,7 @@ struct HostOptions {
   bool Json = false;
   bool Once = false;
   bool Presses = false;
-  std::optional<std::uint16_t> HttpPort = kUsualHttpPort;  // 0 for any free one; none for no pages
+  std::optional<std::uint16_t> HttpPort = kUsualHttpPort;  // 0 for any free port; none to serve no pages
   std::string HttpAddress = "127.0.0.1";
   std::vector<std::string> HttpNames;
   std::filesystem::path HostFile;
@@ -31,7 +31,7 @@ struct HostOptions {
 };
 
 /// Reads the command line.
-/// @return the exit status if the program is to end at once, after --help or wrong use
+/// @return the exit status if the program should end at once, after --help or an error
 std::optional<int> ReadOptions(int argc, char** argv, HostOptions& options);
 
 }  // namespace keplo::host

@@ -9,19 +9,19 @@
 
 namespace keplo::host {
 
-/// What a program and all that it starts write, read from the event loop. Unlike the pipe of a QProcess it
-/// stays open for those who go on writing after the program itself has ended.
+/// Reads the output of a program and its child processes from the event loop. Unlike the pipe of a QProcess,
+/// it stays open for processes that keep writing after the program has ended.
 class OutputPipe {
  public:
-  /// Where the system gives no more pipes there is no output; it gives no more processes then either.
-  /// @param end runs when a read finds that nobody writes any more
+  /// If the system has no more pipes, there is no output, but then it cannot start the program either.
+  /// @param end runs when all writers have closed the pipe
   OutputPipe(std::function<void(std::string_view)> take, std::function<void()> end);
 
-  /// For the child between fork and exec: makes the pipe its standard output and error.
+  /// Called in the child between fork and exec: makes the pipe its standard output and error.
   void BecomeOutput() const;
-  /// For the parent, once the child is there: the output ends when nobody writes any more.
+  /// Called in the parent after the fork, so that the pipe ends when all writers have closed it.
   void CloseWriteEnd() { writeEnd_.reset(); }
-  /// Reads what is there already; of somebody who never stops writing, no more than a pipe holds.
+  /// Reads what has been written so far, but no more than a pipe can hold.
   void Drain();
 
  private:

@@ -12,12 +12,12 @@ namespace keplo::host {
 
 namespace {
 
-/// Whether a folder of /proc is a process of the group that runs.
+/// Whether a folder of /proc is that of a running process of the group.
 bool IsRunningMember(const std::filesystem::path& process, pid_t group) {
   std::ifstream file(process / "stat");
   std::string line;
   if (!std::getline(file, line)) return false;
-  // The second field is the program's name, in parentheses and with any characters in it.
+  // The second field is the name of the program in parentheses, and may contain any characters.
   std::istringstream fields(line.substr(line.rfind(')') + 1));
   char state = 'Z';
   pid_t parent = 0, itsGroup = 0;
@@ -34,7 +34,7 @@ bool IsAlive(pid_t group) {
     const std::string name = entry.path().filename().string();
     if (name.front() >= '0' && name.front() <= '9' && IsRunningMember(entry.path(), group)) return true;
   }
-  return static_cast<bool>(error);  // without /proc a status that is not collected counts
+  return static_cast<bool>(error);  // without /proc, zombies count
 }
 
 }  // namespace keplo::host

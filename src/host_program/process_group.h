@@ -4,8 +4,7 @@
 
 namespace keplo::host {
 
-/// Whether a process of the group still runs. One that has ended does not count, though nobody may have
-/// collected its status yet.
+/// Whether any process of the group is still running. Zombies do not count.
 bool IsAlive(pid_t group);
 
 }  // namespace keplo::host

@@ -9,16 +9,16 @@
 
 namespace keplo::host {
 
-/// Makes log lines of what a program writes, within limits: neither a line without an end nor a program that
-/// never stops writing may fill memory or log. Whatever is left out is told.
+/// Turns the output of a program into log lines, within limits: neither an endless line nor a program that
+/// never stops writing may fill the memory or the log. Omissions are logged.
 class ProgramOutput {
  public:
   static constexpr std::size_t kMostLineBytes = 4096;
-  static constexpr std::size_t kMostBytes = 65536;  // logged of one program
+  static constexpr std::size_t kMostBytes = 65536;  // per program
   static constexpr std::size_t kMostLines = 1000;
 
-  /// @param program as it is called in what is told about it
-  /// @param write takes a line without its end
+  /// @param program name of the program, for messages
+  /// @param write receives lines without line ends
   ProgramOutput(std::string program, std::function<void(LogLevel, const std::string& line)> write)
       : program_(std::move(program)), write_(std::move(write)) {}
 
@@ -26,7 +26,7 @@ class ProgramOutput {
 
   /// Logs the lines that the bytes complete.
   void Take(std::string_view bytes);
-  /// Logs what is left of a last line without an end, and how much was left out.
+  /// Logs an incomplete last line, and how much was omitted.
   void End();
 
  private:
@@ -36,7 +36,7 @@ class ProgramOutput {
   std::string program_;
   std::function<void(LogLevel, const std::string& line)> write_;
   std::string line_;
-  std::size_t lineBytes_ = 0;  // of the present line, logged or not
+  std::size_t lineBytes_ = 0;  // length of the current line, logged or not
   std::size_t lines_ = 0, bytes_ = 0;
   std::size_t leftOut_ = 0;
 };

@@ -17,14 +17,14 @@ void MaskHangup(int how) {
   sigprocmask(how, &hangup, nullptr);
 }
 
-/// A hangup is first of all a question for the files, which must not cut short what is being sent.
+/// Without SIGHUP, which first of all requests reading the files, and must not interrupt a transmission.
 std::vector<int> EndingSignalsOfHost() {
   std::vector<int> numbers = EndingSignals();
   std::erase(numbers, SIGHUP);
   return numbers;
 }
 
-/// Whether the process belongs to a terminal that is there.
+/// Whether the process has a terminal.
 bool IsInTerminal() { return Descriptor(open("/dev/tty", O_RDONLY | O_NOCTTY | O_CLOEXEC)).IsOpen(); }
 
 }  // namespace

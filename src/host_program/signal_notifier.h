@@ -7,19 +7,19 @@
 
 namespace keplo::host {
 
-/// Holds a hangup signal back until a SignalNotifier can act on it. For the first instant of a program, which
-/// such a signal would end; the signals that stop a program end it at once until then.
+/// Blocks hangup signals, which would end the program, until a SignalNotifier can handle them. Other signals
+/// still end it.
 void HoldHangups();
 
-/// Signals as events of the loop, so that the host stops or reads its files again between two ticks. A hangup
-/// asks for the files, unless it tells that the terminal was closed in which the host was started without
-/// nohup.
+/// Turns signals into events of the event loop, so that the host stops, or reads its files again, between two
+/// ticks. A hangup means that it should read its files, unless the terminal was closed in which it was
+/// started without nohup.
 class SignalNotifier {
  public:
-  /// @param reload runs for each hangup, one that was held back too
+  /// @param reload runs for each hangup, even if it was blocked at first
   explicit SignalNotifier(std::function<void()> reload);
 
-  /// @param stop runs for each stop signal from now on, in place of an earlier one
+  /// @param stop runs for each stop signal from now on; replaces an earlier function
   void Watch(std::function<void()> stop) { stop_ = std::move(stop); }
 
  private:

@@ -5,7 +5,7 @@
 
 namespace keplo {
 
-/// A file of a first install, byte for byte.
+/// A file of a first install.
 struct ShippedFile {
   std::string_view Name;
   std::string_view Bytes;

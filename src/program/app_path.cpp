@@ -31,7 +31,7 @@ std::filesystem::path RequireInstall(const std::string& option) {
   std::filesystem::path appPath = ResolveAppPath(option);
   const std::filesystem::path config = appPath / "keplo.cfg";
   std::error_code error;
-  // A link that leads nowhere is there and is told by the load.
+  // A dangling link counts as existing; loading it fails with a better message.
   if (std::filesystem::symlink_status(config, error).type() == std::filesystem::file_type::not_found &&
       std::filesystem::symlink_status(appPath.parent_path(), error).type() !=
           std::filesystem::file_type::regular) {

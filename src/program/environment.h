@@ -4,10 +4,10 @@
 
 namespace keplo {
 
-/// The value of a variable of the environment; empty if there is none.
+/// The value of an environment variable; empty if it is not set.
 std::string Environment(const char* name);
 
-/// Whether there is a display to show windows on.
+/// Whether there is a display for windows.
 bool HasDisplay();
 
 }  // namespace keplo

@@ -5,8 +5,8 @@
 
 namespace keplo {
 
-/// An object as one line of output. Names out of files and tables may hold any bytes; what is no UTF-8 is
-/// replaced, so that a line is always valid JSON.
+/// An object as a line of output. Bytes that are not valid UTF-8, which names in files may contain, are
+/// replaced, so that the line is always valid JSON.
 std::string JsonLine(const nlohmann::ordered_json& json);
 
 }  // namespace keplo

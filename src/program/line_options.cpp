@@ -14,8 +14,7 @@ void AddLineOptions(Command& command, double& sampleTime, bool& shape, int& hold
   if (sampleTime > 0) time.ShowDefault();
   command.Flag("--no-shape", shape,
                "Hand the receiver's edges on as they are, with its mark excess and cut frames; for the "
-               "second look that "
-               "leaves glitches in alone",
+               "second look that leaves glitches in alone",
                /*whenGiven=*/false);
   Argument hold = command.Number("--hold", holdMs,
                                  "How long the key of a single-frame recording is held for the first "

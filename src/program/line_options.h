@@ -7,13 +7,13 @@
 
 namespace keplo {
 
-/// Adds --sample-time, --no-shape and --hold: how recordings become samples. The help tells values that are
-/// set already.
-/// @param sampleTime microseconds; not positive for a usual one that the caller does not know
-/// @param holdMs milliseconds; negative likewise
+/// Adds --sample-time, --no-shape and --hold, which control how recordings become samples. The help shows the
+/// defaults.
+/// @param sampleTime microseconds; not positive if the default is not known here
+/// @param holdMs milliseconds; negative if the default is not known here
 void AddLineOptions(Command& command, double& sampleTime, bool& shape, int& holdMs);
 
-/// Adds --port: another port than that of the settings, for this run.
+/// Adds --port, which overrides the port of the settings.
 Argument AddPortOption(Command& command, std::optional<std::int32_t>& port);
 
 }  // namespace keplo

@@ -4,7 +4,7 @@
 
 namespace keplo {
 
-/// The time now in the machine's zone, ISO 8601.
+/// The current local time, ISO 8601.
 std::string LocalTime();
 
 }  // namespace keplo

@@ -5,16 +5,16 @@
 
 namespace keplo {
 
-/// What became of a key, as programs tell it in their output.
+/// A press, hold or release of a key, for output.
 struct PressLine {
   std::string_view What;  // "press", "hold", "release"
-  std::string Command;    // protocol&command; empty for a code that was not learned
+  std::string Command;    // protocol&command; empty if the code was not learned
   std::string Code;       // with the leading G
-  int Count = 0;          // signals so far
+  int Count = 0;          // number of signals so far
   int HeldMs = 0;
 };
 
-/// The line for a person, or as one JSON object; with the time now and without a line end.
+/// A line of text or a JSON object, with the current time and without a line end.
 std::string TextOf(const PressLine& line, bool json);
 
 }  // namespace keplo

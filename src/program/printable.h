@@ -6,16 +6,16 @@
 
 namespace keplo {
 
-/// A text from outside (a file, a database, a command line) as it may stand in a line for a person: line
-/// ends, escape sequences for the terminal and whatever turns the direction of writing become blanks. All
-/// else stays, bytes of older encodings too.
+/// Makes a text from a file, database or command line safe for a line of output: line ends, control
+/// characters and characters that change the writing direction become blanks. Everything else is kept, even
+/// bytes that are not UTF-8.
 std::string Printable(std::string_view text);
 
-/// A line of JSON that says the same without these characters: they stand in its strings alone, where an
-/// escape does as well.
+/// The same for a line of JSON, which can only have such characters in its strings, where they are escaped
+/// instead.
 std::string PrintableJson(std::string_view json);
 
-/// The lines of a text of several, each as Printable gives it, without blanks around it.
+/// The lines of a text, each passed through Printable and trimmed.
 std::vector<std::string> PrintableLines(std::string_view text);
 
 }  // namespace keplo

@@ -4,7 +4,7 @@
 
 namespace keplo {
 
-/// An input event as a program tells it.
+/// An input event, for output.
 struct RaisedEvent {
   std::string Time;  // local time, ISO 8601
   std::string EventID;
@@ -14,10 +14,10 @@ struct RaisedEvent {
   int Zone = 0;
 };
 
-/// The line of an event for a person, without a line end.
+/// A line of text, without a line end.
 std::string EventLine(const RaisedEvent& event);
 
-/// The same as a JSON object.
+/// A JSON object, without a line end.
 std::string EventJsonLine(const RaisedEvent& event);
 
 }  // namespace keplo

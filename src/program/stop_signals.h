@@ -6,28 +6,27 @@
 
 namespace keplo {
 
-/// Signals as something to wait for, so that work stops between two of its steps. As long as the object lives
-/// they end nothing by themselves; one object at a time, for the thread that makes it: while that one holds a
-/// signal back, it counts as not come, whichever thread the system gave it to. Make it once everything has
-/// been read: until then a signal ends the program at once, whatever it waits for.
+/// Turns signals into something to wait for, so that work stops between two of its steps. During the lifetime
+/// of the object, signals do not end the program. There may be one object at a time; it belongs to the thread
+/// that created it: signals blocked by that thread are pending, whichever thread the system delivers them to.
+/// Create it once all input has been read: until then, signals should end the program at once.
 class StopSignals {
  public:
-  /// @param ending those that end the program, once it has taken them
-  /// @param asking those that ask for something and end nothing; EndsProgram tells them apart
+  /// @param ending signals that will end the program once it has taken them
+  /// @param asking signals that request something else; EndsProgram distinguishes them
   explicit StopSignals(const std::vector<int>& ending, const std::vector<int>& asking = {});
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  /// Can be read from when a signal has come.
+  /// Becomes readable when a signal has arrived.
   int Descriptor() const { return readEnd_; }
-  /// Waits until a signal has come, which stays to be taken.
-  /// @return false if none came within the time
+  /// Waits for a signal, without taking it.
+  /// @return false if none arrived in time
   bool WaitFor(int milliseconds) const;
-  /// The same, ended also by something to read from one of the descriptors; a negative one counts
-  /// for nothing.
+  /// Also returns when one of the descriptors becomes readable; negative ones are ignored.
   bool WaitFor(int milliseconds, std::array<int, 3> descriptors) const;
-  /// The number of the next signal that has come; 0 if there is none.
+  /// Takes the next signal that has arrived; 0 if there is none.
   int Take() const;
 
  private:
@@ -42,18 +41,19 @@ class StopSignals {
   std::vector<Caught> caught_;
 };
 
-/// Whether whoever started the program wants it to go on after a signal, as nohup does for SIGHUP.
+/// Whether a signal is ignored, as nohup does for SIGHUP.
 bool IsIgnored(int number);
 
-/// Whether a signal will end this program, as it is taken now: one that is ignored does not, nor does one
-/// that a StopSignals of any part of the program takes for a question.
+/// Whether a signal will end this program: it will not if it is ignored, or if a StopSignals of any part of
+/// the program has it among those that request something else.
 bool EndsProgram(int number);
 
-/// The signals that end this program: those that ask it to, and a terminal or a reader of its output that
-/// goes, unless it was started to outlive them.
+/// The signals that should end this program: those that ask it to, and those for the loss of the terminal or
+/// of the reader of its output, unless they are ignored.
 std::vector<int> EndingSignals();
 
-/// A file that grows beyond a limit of the process gives an error that can be told, not its end.
+/// Makes writing beyond the file-size limit of the process an ordinary error, which can be reported, instead
+/// of ending the program.
 void IgnoreFileSizeSignal();
 
 }  // namespace keplo

@@ -4,7 +4,7 @@
 
 namespace keplo {
 
-/// The four lines about the plug-in, joined by CR LF, for the help entry and the host's about box.
+/// Four lines about the plug-in, joined by CR LF, for the Help menu item and the about box.
 std::string AboutText();
 
 }  // namespace keplo

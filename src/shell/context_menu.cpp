@@ -22,8 +22,7 @@ void Keplo::SwitchSelectedEvent(bool enabled) {
   if (ListView1.Count() == 0) return;
   const auto event = std::make_shared<clsKeploEvent>();
   event->Enabled = enabled;
-  // Without a selected row there is nothing to copy, and the update of an event without EventID tells the
-  // host that it failed.
+  // Without a selected row, updating an event without an EventID reports the failure to the host.
   if (const int row = ListView1.SelectedRow(); row != 0) {
     event->EventName = ListView1.Text(row, kEventName);
     event->EventDescription = ListView1.Text(row, kEventDescription);

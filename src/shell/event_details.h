@@ -7,11 +7,11 @@
 
 namespace keplo {
 
-/// What the rows of the control's list tell of an event.
-/// @return false if the list has no such event; details stay as they are then
+/// Fills in the details of an event from its row in the control's list.
+/// @return false if the list has no such event; details are then unchanged
 bool DescribeEvent(const ui::ListView& list, const std::string& eventID, EventDetails& details);
 
-/// The EventID of the highlighted row; empty if none is.
+/// The EventID of the highlighted row; empty if there is none.
 std::string HighlightedEvent(const ui::ListView& list);
 
 }  // namespace keplo

@@ -40,7 +40,7 @@ bool frmEvent::ShowMe(std::int32_t vMode, clsKeploEvent& myEvent, EventDialogSho
   myEvent.EventDescription = EventDescription.Text();
   myEvent.IRCommand = Protocol.Text() + "&" + SendCmd.Text();
   myEvent.Enabled = EvtEnable.Checked();
-  // A stored zone that the list does not offer leaves it without a selection, and stays.
+  // If the list does not have the stored zone, it has no selection, and the zone is kept.
   if (settings_.VexilMode > 0 && ZoneListBox.ListIndex() != ui::DropDownList::kNoSelection) {
     myEvent.Zone = static_cast<std::int16_t>(ZoneListBox.ListIndex());
   }
@@ -59,7 +59,7 @@ void frmEvent::StartAdding() {
 void frmEvent::StartEditing(const clsKeploEvent& event) {
   SplitCommandRef(event.IRCommand, store_);
   Form_Load();
-  // The selections have written their proposals; the stored texts replace them.
+  // The selections made by Form_Load have proposed texts, which the stored ones replace.
   EventName.SetText(event.EventName);
   EventDescription.SetText(event.EventDescription);
   EvtEnable.SetChecked(event.Enabled);
@@ -101,7 +101,7 @@ void frmEvent::SendCmd_Click() {
 }
 
 void frmEvent::OKButton_Click() {
-  // An event without a command would never fire, and an edited one would lose the command it has.
+  // An event without a command would never be raised, and an edited one would lose its command.
   if (Protocol.Text().empty() || SendCmd.Text().empty()) {
     Hint.SetText(kPickHint);
     return;

@@ -16,22 +16,22 @@ namespace keplo {
 
 class frmEvent;
 
-/// Shows the event dialog modally: comes back when OK or Cancel has hidden it. Without a display it comes
-/// back at once, which counts as Cancel.
+/// Shows the event dialog modally and returns when OK or Cancel has hidden it. Without a display it returns
+/// at once, which counts as Cancel.
 class EventDialogShower {
  public:
   virtual ~EventDialogShower() = default;
   virtual void ShowModal(frmEvent& dialog) = 0;
 };
 
-/// Splits a command reference at its first '&' into the current protocol and command. At least four
-/// characters must follow it; otherwise both names become empty.
+/// Splits a command reference at its first '&' into the current protocol and command. Both become empty
+/// unless at least four characters follow the '&'.
 void SplitCommandRef(std::string_view reference, CfgStore& store);
 
-/// The dialog in which the user creates or changes an event. It lives for one use and stores nothing itself.
+/// The dialog for adding or editing an event. It is used once and stores nothing itself.
 class frmEvent : public ui::Window {
  public:
-  /// The texts of the dialog, in the order of its layout.
+  /// The texts of the dialog, in layout order.
   static constexpr std::string_view kDetailsFrame = "Event Details";
   static constexpr std::string_view kCommandFrame = "Infrared Command";
   static constexpr std::string_view kEventNameLabel = "Event name:";
@@ -49,12 +49,12 @@ class frmEvent : public ui::Window {
 
   frmEvent(CfgStore& store, const Settings& settings);
 
-  /// Shows the dialog for an event and fills it in if the user accepts.
+  /// Shows the dialog for an event, and updates the event if the user accepts.
   /// @param vMode 0 to add, any other value to edit
   /// @return true if the user accepted
   bool ShowMe(std::int32_t vMode, clsKeploEvent& myEvent, EventDialogShower& shower);
 
-  /// Refused, with a hint, while no protocol or no command is selected.
+  /// Shows a hint and keeps the dialog open while no protocol or command is selected.
   void OKButton_Click();
   void CancelButton_Click();
 
@@ -62,7 +62,7 @@ class frmEvent : public ui::Window {
   ui::CheckBox EvtEnable;
   ui::DropDownList Protocol, SendCmd, ZoneListBox;
   ui::Label Hint;           // why OK was refused; empty until then
-  bool ZoneVisible = true;  // of ZoneListBox and its label
+  bool ZoneVisible = true;  // ZoneListBox and its label
 
  private:
   void Form_Load();

@@ -7,16 +7,16 @@
 
 namespace keplo {
 
-/// A text with a line end.
+/// A line with its line end.
 std::string HtmlLine(std::string_view text);
-/// What closes a page.
+/// The end of a page.
 std::string HtmlClose();
 
-/// Which request a page answers. The page of a POST has one more opening tag, before the first heading;
-/// hosts have always been sent it so.
+/// The request that a page answers. The page for a POST has an additional opening tag before the first
+/// heading, which hosts may rely on.
 enum class PageRequest { Get, Post };
 
-/// The event list as a page for the host's web server. Cell texts go in as they stand: nothing is escaped.
+/// The event list as a page for the host's web server. Texts are not escaped.
 std::string EventPage(const ui::ListView& list, PageRequest request);
 
 }  // namespace keplo

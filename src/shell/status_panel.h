@@ -8,10 +8,10 @@
 
 namespace keplo {
 
-/// The five value fields of the control's display, with their texts before the start-up sets them.
+/// The five value fields of the control's display; their initial texts are their names.
 struct StatusPanel {
   static constexpr std::string_view kHeading = "Infrared Interface Parameters ";
-  /// Fixed labels, from top to bottom; the value fields stand in the same order below.
+  /// The labels of the value fields, in the same order.
   static constexpr std::array<std::string_view, 5> kRowLabels = {
       "COM Port:", "Port Status:", "Monitor activated", "Vexil available", "Interface Type"};
 
@@ -29,7 +29,7 @@ struct StatusPanel {
   void ShowPortStatus(bool open);
   void ShowMonitoring(bool on);
   void ShowVexil(bool available);
-  /// An interface type whose output is neither DTR nor TxD leaves the field as it was.
+  /// Does nothing for an interface type whose output is neither DTR nor TxD.
   void ShowInterfaceType(std::int32_t interfaceType);
 };
 

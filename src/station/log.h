@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-/// Log lines on their way to the host; a host without a log gets none.
+/// Passes log lines to the host, if it has a log.
 class Log {
  public:
   explicit Log(std::function<void(LogLevel, const std::string&)> write) : write_(std::move(write)) {}
@@ -15,7 +15,7 @@ class Log {
   void Write(LogLevel level, const std::string& text) const {
     if (write_ && !silent_) write_(level, text);
   }
-  /// For a host that wants no more lines; may be called from within one.
+  /// Drops all further lines. May be called while a line is being written.
   void Silence() { silent_ = true; }
 
  private:

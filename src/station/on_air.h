@@ -13,16 +13,17 @@
 
 namespace keplo {
 
-/// The signal of the capture that a tick has read, code or none. Its lengths are exact to one sample.
-/// @return without lengths for one that everybody has been told of already
+/// The signal of the last tick's capture, with or without a code. Its lengths are accurate to one sample.
+/// @return without lengths if the signal was already published
 HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickReport& tick);
 
-// Both send between two ticks, and tell why nothing was sent; empty if it was.
-/// @param timings microseconds, marks positive, spaces negative, alternating from a mark on
-/// @param carrier Hz, of lines that can set one
+// Both functions send, between two ticks, and return why nothing was sent; empty if it was.
+
+/// @param timings microseconds, positive marks and negative spaces, alternating, beginning with a mark
+/// @param carrier Hz, for lines that can set it
 std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std::int32_t> timings,
                         std::int32_t carrier);
-/// @param reference protocol&command, as the event map has it
+/// @param reference protocol&command
 std::string SendLearned(KeploMod& mod, Win32Ser& line, std::string_view reference);
 
 }  // namespace keplo

@@ -7,13 +7,13 @@
 
 namespace keplo {
 
-/// Keeps a folder to one window. The first start holds a lock and listens beside it; a later one asks it to
-/// bring its window to the front.
+/// Ensures that there is only one window per folder. The first program holds a lock and listens on a socket;
+/// later ones ask it to bring its window to the front.
 class OneWindow {
  public:
   explicit OneWindow(const std::filesystem::path& appPath);
 
-  /// False if another program has the folder. True also where no lock can be made at all.
+  /// False if another program has a window for the folder. True if the lock cannot be created at all.
   bool Ours() const { return ours_; }
   /// Asks the other program to bring its window to the front.
   /// @return false if it does not answer

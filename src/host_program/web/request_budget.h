@@ -5,12 +5,12 @@
 
 namespace keplo::host {
 
-/// How many requests may be answered: a number a second, and as many at once.
+/// Limits requests to a number per second, all of which may come at once.
 class RequestBudget {
  public:
   explicit RequestBudget(double perSecond) : perSecond_(perSecond), left_(perSecond) {}
 
-  /// @param now on any clock that does not go back
+  /// @param now time of a monotonic clock
   /// @return false if the budget is used up
   bool Take(std::chrono::duration<double> now) {
     left_ = std::min(perSecond_, left_ + (now - last_).count() * perSecond_);

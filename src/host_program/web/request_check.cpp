@@ -27,7 +27,7 @@ std::string_view Trim(std::string_view text) {
 }
 
 struct HostName {
-  std::string Name;  // without the brackets of a number
+  std::string Name;  // without the brackets of an IPv6 address
   std::string Port;
 };
 
@@ -39,7 +39,7 @@ HostName SplitHost(std::string_view host) {
   return {Lower(name), std::string(colon == std::string_view::npos ? kUsualPort : host.substr(colon + 1))};
 }
 
-/// The header lines that the check looks at.
+/// The header lines that are checked.
 struct Head {
   int Hosts = 0;
   std::string_view Host;
@@ -66,7 +66,7 @@ void ReadHeader(std::string_view line, Head& head) {
   } else if (name == "transfer-encoding") {
     head.TransferEncoding = true;
   } else if (name == "upgrade") {
-    // Any other offer may be passed over.
+    // Any other upgrade may be ignored.
     head.WebSocket = Lower(value).find("websocket") != std::string::npos;
   }
 }

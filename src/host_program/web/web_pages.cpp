@@ -21,8 +21,8 @@ using Method = QHttpServerRequest::Method;
 constexpr const char* kHtml = "text/html; charset=utf-8";
 constexpr const char* kText = "text/plain; charset=utf-8";
 
-/// The plug-in escapes nothing, so a page may hold any markup: the policy takes its scripts, loads, forms and
-/// refreshes away. Only styles within the page are left to it.
+/// The plug-in does not escape texts, so a page may contain any markup. The policy forbids scripts, loading,
+/// forms and refreshes, and only permits inline styles.
 constexpr std::array<std::pair<const char*, const char*>, 6> kSafety = {
     {{"Content-Security-Policy",
       "default-src 'none'; style-src 'unsafe-inline'; base-uri 'none'; form-action 'none'; frame-ancestors "
@@ -39,7 +39,7 @@ QHttpServerResponse Safe(const QByteArray& type, const QByteArray& body, Status 
   return response;
 }
 
-/// What comes before a page, without the page.
+/// Answers a HEAD request.
 void AnswerHead(QHttpServerResponder responder, const QHttpServerResponse& page) {
   responder.writeStatusLine(page.statusCode());
   responder.writeHeader("Content-Type", page.mimeType());
@@ -50,7 +50,7 @@ void AnswerHead(QHttpServerResponder responder, const QHttpServerResponse& page)
 
 QByteArray Utf8(const std::string& text) { return QByteArray::fromStdString(text); }
 
-/// Where a browser on this machine finds what is served at an address. The any-address is no place to go to.
+/// The address for a browser on this machine, which cannot use the any-address.
 QHostAddress AsSeenFromHere(const QHostAddress& where) {
   if (where == QHostAddress(QHostAddress::AnyIPv4)) return QHostAddress(QHostAddress::LocalHost);
   if (where == QHostAddress(QHostAddress::AnyIPv6)) return QHostAddress(QHostAddress::LocalHostIPv6);
@@ -111,7 +111,7 @@ QByteArray WebPages::LastKey() const {
          QByteArray::number(key->HeldMs) + " ms, signals: " + QByteArray::number(key->Count) + "</p>\n";
 }
 
-/// What became of the presses; nothing before the first.
+/// Numbers of presses; empty before the first.
 QByteArray WebPages::Presses() const {
   const auto tally = host_.Presses();
   if (!tally || tally->Presses == 0) return {};

@@ -18,12 +18,11 @@ class WebPages {
 
   explicit WebPages(PluginHost& host);
 
-  /// Serves from now on, from the event loop.
-  /// @param port 0 for any free one
-  /// @param names further values of a Host header that are the host's own
-  /// @return the address of the index for a person; where every address is served, the one for this machine
-  /// and what else there is
-  /// @throws Failure if the address cannot be taken
+  /// Starts serving, from the event loop.
+  /// @param port 0 for any free port
+  /// @param names additional valid values of the Host header
+  /// @return the URL of the index for the user; with a remark if all addresses are served
+  /// @throws Failure if the address cannot be used
   std::string Serve(const std::string& address, std::uint16_t port, const std::vector<std::string>& names);
 
  private:
