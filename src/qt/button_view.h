@@ -9,9 +9,9 @@
 
 namespace keplo::qt {
 
-/// A push button over its model, with less room around its caption than a dialog's buttons have. A click
-/// that takes its time disables the button: the window is drawn then, and the program is busy until the
-/// button can be used again.
+/// A push button for a model, with less padding than the buttons of a dialog. If a click handler disables the
+/// button because it takes some time, the window is repainted, and the program is busy until the button is
+/// enabled again.
 class ButtonView : public QPushButton {
  public:
   ButtonView(ui::Button& model, const QString& caption, QWidget* parent);

@@ -8,10 +8,10 @@
 
 namespace keplo::qt {
 
-/// A label without a box: the words before a field.
+/// A label without a box, usually the label of a field.
 class CaptionView : public QLabel {
  public:
-  /// @param accessKey letter of the text that Alt reaches the label's buddy by; NUL for none
+  /// @param accessKey letter of the text for reaching the label's buddy with Alt; NUL for none
   CaptionView(ui::Label& model, char accessKey, QWidget* parent);
 
  private:
@@ -22,7 +22,7 @@ class CaptionView : public QLabel {
   ModelLink link_;
 };
 
-/// A frame around other controls, with a label's text as its heading.
+/// A frame around other controls, with the text of a label as its heading.
 class FrameView : public QGroupBox {
  public:
   FrameView(ui::Label& model, QWidget* parent);

@@ -7,7 +7,7 @@
 
 namespace keplo::qt {
 
-/// A check box over its model.
+/// A check box for a model.
 class CheckBoxView : public QCheckBox {
  public:
   CheckBoxView(ui::CheckBox& model, const QString& caption, QWidget* parent);

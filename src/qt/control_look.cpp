@@ -6,7 +6,7 @@ namespace keplo::qt {
 
 namespace {
 
-// At this luminance black and white letters stand out from a ground equally well (WCAG 2.1).
+// The background luminance at which black and white text have the same contrast (WCAG 2.1).
 constexpr double kEvenLuminance = 0.179;
 
 }  // namespace
@@ -32,7 +32,8 @@ QPalette PaletteOf(const ui::Control& model, QPalette::ColorRole ground, QPalett
 
 void ShowState(QWidget& view, const ui::Control& model) {
   view.setEnabled(model.Enabled());
-  // A view that nobody has hidden comes up with its window; showing it here would make a window of it.
+  // A view that was never hidden appears with its window; showing it earlier would make it a window of its
+  // own.
   const bool hidden = view.testAttribute(Qt::WA_WState_ExplicitShowHide) && view.isHidden();
   if (hidden == model.Visible()) view.setVisible(model.Visible());
 }

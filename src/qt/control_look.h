@@ -10,14 +10,14 @@ namespace keplo::qt {
 /// Relative luminance of a colour, 0 to 1 (WCAG 2.1).
 double Luminance(const QColor& colour);
 
-/// Black or white, whichever reads better on a ground.
+/// Black or white, whichever is more legible on a background.
 QColor InkOn(const QColor& ground);
 
-/// The palette of a control: its back colour and ink that reads well on it in the two roles; the toolkit's
-/// own without a back colour.
+/// The palette of a control: its back colour and a legible text colour for the given roles; the default
+/// palette if it has no back colour.
 QPalette PaletteOf(const ui::Control& model, QPalette::ColorRole ground, QPalette::ColorRole ink);
 
-/// Shows whether a control can be used and is seen.
+/// Applies whether a control is enabled and visible.
 void ShowState(QWidget& view, const ui::Control& model);
 
 }  // namespace keplo::qt

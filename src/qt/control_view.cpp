@@ -7,8 +7,8 @@ namespace keplo::qt {
 
 namespace {
 
-// Twips: wide enough for all columns and a scroll bar, and high enough for a dozen events; and the least
-// that shows the whole panel and three events.
+// Twips: the preferred size has space for all columns, a scroll bar and a dozen events, the minimum size for
+// the panel and three events.
 constexpr int kUsualWidth = 10300, kUsualHeight = 6000;
 constexpr int kLeastWidth = 4935, kLeastHeight = 3500;
 
@@ -68,8 +68,8 @@ void ControlView::FitIntoSize() {
   const ui::ListView& list = control_.ListView1;
   const QRect placed(scale_.ToPixels(list.Left), scale_.ToPixels(list.Top), scale_.ToPixels(list.Width),
                      scale_.ToPixels(list.Height));
-  // The list's height reaches past the frame's lower edge, which hides what lies below it. What is left to be
-  // seen holds the whole list here, so that its last row and its scroll bar are not cut.
+  // The model's list extends below the lower edge of the frame. The widget ends there, so that its last row
+  // and its scroll bar are not cut off.
   list_->setGeometry(placed.intersected(frame_->contentsRect()));
 }
 

@@ -12,17 +12,18 @@
 
 namespace keplo::qt {
 
-/// The control on screen: status panel, event list and its pop-up menu. It is laid out in the control's
-/// twips; with a font larger than the design's a twip takes more pixels, so that everything keeps its room.
+/// The view of the control: status panel, event list and its pop-up menu. It is laid out in twips, which
+/// become larger with larger fonts, so that everything fits.
 ///
-/// View and control may go away in either order; a view without its control shows what it showed last.
+/// View and control may be destroyed in either order; a view without its control keeps showing its last
+/// state.
 class ControlView : public QWidget {
  public:
   ControlView(Keplo& control, QWidget* parent);
 
-  /// @param shown runs whenever the list has been drawn again, after a change of its rows or of the
-  /// highlighted
-  ///        one, as long as the control lives
+  /// @param shown runs after the list was updated because its rows or the highlighted row changed, as long as
+  /// the
+  ///        control exists
   void WhenListIsShown(std::function<void()> shown) { list_->OnShown = std::move(shown); }
 
   QSize sizeHint() const override;

@@ -19,10 +19,10 @@ namespace keplo::qt {
 
 namespace {
 
-// Pixels between the frame of a field and its text, to either side.
+// Space between the frame of a field and its text, on each side, pixels.
 constexpr int kIndent = 1;
 
-/// The widest text that a field of the fixed kind comes to show.
+/// The widest text that a field cannot scroll shows.
 struct WidestText {
   std::string_view Control, Text;
 };
@@ -45,7 +45,7 @@ Model& ModelAs(Form1& form, const ControlRow& row) {
   return form.*std::get<Model Form1::*>(row.Model);
 }
 
-/// The label that stands before a control; null for none.
+/// The label of a control; null if it has none.
 const ControlRow* LabelOf(const ControlRow& row) {
   const auto rows = Controls();
   const auto found = std::find_if(rows.begin(), rows.end(),
@@ -53,7 +53,7 @@ const ControlRow* LabelOf(const ControlRow& row) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-/// A field that Tab passes by is reached by the first letter of its label.
+/// A field that is not a tab stop is reached with the first letter of its label.
 char AccessKeyOf(const ControlRow& label) {
   const ControlRow* field = FindControl(label.LabelFor);
   return field == nullptr || field->TabIndex != kNoTabStop ? '\0' : label.Caption.front();
@@ -79,9 +79,9 @@ QWidget* MakeBoxedLabel(Form1& form, const ControlRow& row, QWidget* parent) {
                       QSizeF(row.Bounds.Width, row.Bounds.Height) / kTwipsPerPixel);
     return new TraceView(form, part, parent);
   }
-  // What has a label of its own is a line of text; all others are a word or a number.
+  // Fields with a label may have long texts; the others have a word or a number.
   if (LabelOf(row) != nullptr) return new LongLabelView(label, ShownText(row.Tip), parent);
-  // No field for typing, so it lies on the window's own ground.
+  // Uses the background of the window, since it is not an input field.
   auto* view = new LabelView(label, row.Tip, parent, QPalette::Window);
   view->setFrameStyle(QFrame::Box | QFrame::Plain);
   view->setMargin(0);
@@ -128,7 +128,7 @@ QWidget* MakeView(Form1& form, const ControlRow& row, QWidget* parent) {
   return MakeLine(parent);
 }
 
-/// What a screen reader says of a control: its caption where it has one that tells something, else its tip.
+/// Sets what screen readers say: the caption of a control or, if it has none, its tip.
 void Describe(const ControlRow& row, QWidget& view) {
   if (!row.Tip.empty() && view.toolTip().isEmpty()) view.setToolTip(ShownText(row.Tip));
   if (row.Kind == ControlKind::ScrollBar) {

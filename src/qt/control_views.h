@@ -7,11 +7,11 @@
 
 namespace keplo::qt {
 
-/// Makes the widget that shows a control of the main window, with its tip and its name for a screen reader.
+/// Creates the widget for a control of the main window, with its tip and its name for screen readers.
 QWidget* MakeControlView(Form1& form, const ControlRow& row, QWidget* parent);
 
-/// The least size, in pixels, at which a control shows whatever text it may come to hold; for fields that
-/// can be scrolled, the least that shows some.
+/// The smallest size, in pixels, that fits every text of a control, or part of the text if the control can
+/// scroll.
 QSize LeastSize(const ControlRow& row, const QWidget& view);
 
 }  // namespace keplo::qt

@@ -9,8 +9,8 @@
 
 namespace keplo::qt {
 
-/// A combo box over a drop-down list, which opens as wide as its entries. The mouse wheel turns it only while
-/// it has the focus.
+/// A combo box for a drop-down list. Its popup is as wide as its entries. The mouse wheel only changes it
+/// while it has the focus.
 class DropDownView : public QComboBox {
  public:
   DropDownView(ui::DropDownList& model, QWidget* parent);
@@ -23,12 +23,12 @@ class DropDownView : public QComboBox {
 
  private:
   void Redraw();
-  /// The toolkit shades and pales a colour; here it stays what it is.
+  /// Paints the exact back colour, which the style would shade.
   void PaintColoured();
 
   ui::DropDownList& model_;
   std::vector<std::string> shown_;
-  bool changed_ = false;  // by the click that is about to be told
+  bool changed_ = false;  // by a click whose activated signal is still to come
   ModelLink link_;
 };
 

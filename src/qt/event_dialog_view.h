@@ -8,7 +8,7 @@
 
 namespace keplo::qt {
 
-/// The widgets of the event dialog over its model. The model outlives it.
+/// The view of the event dialog. The model must outlive it.
 class EventDialogView : public QDialog {
  public:
   EventDialogView(frmEvent& model, QWidget* parent);

@@ -8,7 +8,7 @@
 
 namespace keplo::qt {
 
-/// The list of the keys of some files, with boxes to tick. The dialog outlives it.
+/// The view of the import dialog: a list of keys with check boxes. The dialog must outlive it.
 class ImportView : public QDialog {
  public:
   ImportView(ImportDialog& dialog, QWidget* parent);

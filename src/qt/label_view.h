@@ -7,12 +7,11 @@
 
 namespace keplo::qt {
 
-/// A boxed field that shows a label with its back colour; the letters are black or white, whichever reads
-/// better on it.
+/// A boxed label with a back colour and legible text.
 class LabelView : public QLabel {
  public:
-  /// @param caption what the field tells, for a screen reader, which speaks it before the text
-  /// @param ground role of the palette that the field stands on while its model has no back colour
+  /// @param caption describes the field; screen readers speak it before the text
+  /// @param ground palette role of the background if the model has no back colour
   LabelView(ui::Label& model, std::string_view caption, QWidget* parent,
             QPalette::ColorRole ground = QPalette::Base);
 

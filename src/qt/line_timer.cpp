@@ -6,7 +6,7 @@ namespace keplo::qt {
 
 namespace {
 
-/// A port that is opened between two ticks is looked at so soon.
+/// Limits the delay until a port that was opened between two ticks is read.
 constexpr std::chrono::milliseconds kLongestRest{1000};
 constexpr std::chrono::seconds kCare{2};
 
@@ -39,7 +39,7 @@ void LineTimer::Rest(std::chrono::milliseconds time) {
   setInterval(time);
 }
 
-/// The descriptor stays readable until a tick has looked at the line.
+/// The descriptor stays readable until a tick has read the line.
 void LineTimer::Wake() {
   wake_->setEnabled(false);
   setInterval(0);

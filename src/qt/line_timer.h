@@ -8,10 +8,10 @@
 
 namespace keplo::qt {
 
-/// Ticks the monitoring timer, and leaves out the ticks of a line at rest that can tell when it leaves it.
+/// Ticks the monitoring timer. While the line is at rest and can wake the program itself, ticks are skipped.
 class LineTimer : public QtTimer {
  public:
-  /// @param line none where every tick counts
+  /// @param line null if no tick may be skipped
   LineTimer(ui::Timer& model, LineRest* line, QObject* parent = nullptr);
 
  private:
@@ -22,7 +22,7 @@ class LineTimer : public QtTimer {
   LineRest* line_;
   std::chrono::milliseconds pace_;
   std::unique_ptr<QSocketNotifier> wake_;
-  QTimer care_;  // looks after the device while nobody ticks
+  QTimer care_;  // looks after the device while there are no ticks
 };
 
 }  // namespace keplo::qt

@@ -41,7 +41,7 @@ void ListRows::ShowTexts(const ui::ListView& list) {
   const auto was = static_cast<int>(rows_.size());
   const auto is = static_cast<int>(now.size());
 
-  // Rows are added at the end and removed anywhere; a new text is told as such below.
+  // Rows are only added at the end, but removed anywhere; changed texts are signalled below.
   if (is < was) beginRemoveRows({}, change, change + (was - is) - 1);
   if (is > was) beginInsertRows({}, was, is - 1);
   rows_ = std::move(now);
@@ -64,7 +64,7 @@ QVariant ListRows::data(const QModelIndex& index, int role) const {
   if (row >= rows_.size() || field >= ui::ListView::kFields) return {};
   const QString text = ShownText(rows_[row][field]);
   if (role == Qt::DisplayRole) return text;
-  // A tip shows what a narrow column cuts off; as a paragraph it wraps, and escaped it stays plain text.
+  // Shows what a narrow column cuts off. The paragraph makes the tip wrap.
   if (role == Qt::ToolTipRole) return QString(QLatin1String("<p>") + text.toHtmlEscaped());
   return {};
 }

@@ -7,13 +7,13 @@
 
 namespace keplo::qt {
 
-/// The rows of a list view as Qt's item views read them: a copy, brought up to date by Show, so that a view
-/// never looks at a row that has gone.
+/// The rows of a list view for Qt's item views. It is a copy, updated by Show, so that a view never reads a
+/// row that no longer exists.
 class ListRows : public QAbstractTableModel {
  public:
   using QAbstractTableModel::QAbstractTableModel;
 
-  /// Takes over what the list holds now. Rows that stay keep their place, selection and scroll position.
+  /// Copies the list. Rows that stay keep their selection and scroll position.
   void Show(const ui::ListView& list);
 
   int rowCount(const QModelIndex& parent = {}) const override;

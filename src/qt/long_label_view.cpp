@@ -17,13 +17,13 @@ LongLabelView::LongLabelView(ui::Label& model, const QString& tip, QWidget* pare
 }
 
 void LongLabelView::Redraw() {
-  // Labels mark access keys with &; a doubled one stands for itself.
+  // In labels, && stands for a single &.
   const QString shown = ShownText(model_.Text()).replace(QLatin1String("&&"), QLatin1String("&"));
   if (shown != text()) {
     setText(shown);
-    setCursorPosition(0);  // a text is read from its beginning
+    setCursorPosition(0);  // shows the beginning
   }
-  // Only rich text is broken into lines.
+  // Only rich-text tips wrap.
   setToolTip(shown.isEmpty()
                  ? tip_
                  : QStringLiteral("<p>%1</p><p>%2</p>").arg(tip_.toHtmlEscaped(), shown.toHtmlEscaped()));
@@ -45,7 +45,7 @@ void LongLabelView::paintEvent(QPaintEvent* event) {
 }
 
 bool LongLabelView::event(QEvent* event) {
-  // Nothing can be cut from here, and the same keys would leave the program.
+  // Otherwise Ctrl+X, which cannot cut anything here, would exit the program.
   if (event->type() == QEvent::ShortcutOverride &&
       dynamic_cast<QKeyEvent&>(*event).matches(QKeySequence::Cut)) {
     event->accept();

@@ -7,11 +7,11 @@
 
 namespace keplo::qt {
 
-/// A boxed field for a label whose text may be longer than the box: it can be scrolled, selected and copied,
-/// and its tip shows the whole text. It looks like the other boxed labels, not like a field for typing.
+/// A boxed label whose text may be longer than the box: it can be scrolled, selected and copied, and the tip
+/// shows all of it. It looks like the other boxed labels, not like an input field.
 class LongLabelView : public QLineEdit {
  public:
-  /// @param tip what the field tells; stands before the text in the tip
+  /// @param tip describes the field; shown before the text in the tip
   LongLabelView(ui::Label& model, const QString& tip, QWidget* parent);
 
  protected:

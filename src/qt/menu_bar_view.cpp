@@ -16,7 +16,7 @@ void ShowEntry(QAction& action, const ui::MenuEntry& entry) {
 }  // namespace
 
 MenuBarView::MenuBarView(Form1& form, QWidget* parent) : QMenuBar(parent) {
-  setNativeMenuBar(false);  // the places below it count on its height
+  setNativeMenuBar(false);  // the layout below depends on its height
   for (const MenuColumn& column : Menus()) {
     QMenu* menu = addMenu(ShownText(column.Caption));
     menu->setObjectName(ShownText(column.Name));
@@ -38,7 +38,7 @@ void MenuBarView::AddEntry(QMenu& menu, const MenuRow& row, ui::MenuEntry& entry
   ShowEntry(*action, entry);
   connect(action, &QAction::triggered, this, [action, &entry, &link = links_.back()] {
     if (!link.Alive()) return;
-    action->setChecked(entry.Checked());  // the mark is the model's to set
+    action->setChecked(entry.Checked());  // only the model sets the mark
     entry.Click();
   });
 }

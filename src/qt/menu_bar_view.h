@@ -8,7 +8,7 @@
 
 namespace keplo::qt {
 
-/// The main window's menu bar. Entries that do nothing are greyed.
+/// The main window's menu bar. Entries without a handler are disabled.
 class MenuBarView : public QMenuBar {
  public:
   MenuBarView(Form1& form, QWidget* parent);

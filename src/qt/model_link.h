@@ -6,15 +6,15 @@
 
 namespace keplo::qt {
 
-/// Ties a view to the change hook of a model for as long as both live, whichever goes first. A later view
-/// of the same model takes the hook over, and the link of the earlier one ends.
+/// Connects a view to a change hook of its model until either is destroyed. A later view of the same model
+/// replaces the earlier one, whose link ends.
 class ModelLink {
  public:
   ModelLink(std::function<void()>& hook, std::function<void()> redraw) : hook_(hook) {
     const auto held = std::make_shared<std::function<void()>>(std::move(redraw));
     held_ = held;
     hook = [held] {
-      // A share of its own, since the redraw may end the view, and this hook with it.
+      // Keeps the function alive, since the redraw may destroy the view and this hook.
       (*std::shared_ptr(held))();
     };
   }
@@ -24,12 +24,12 @@ class ModelLink {
   ModelLink(const ModelLink&) = delete;
   ModelLink& operator=(const ModelLink&) = delete;
 
-  /// Whether the model is still there and still this view's.
+  /// Whether the model still exists and is still connected to this view.
   bool Alive() const { return !held_.expired(); }
 
  private:
   std::function<void()>& hook_;
-  // The hook owns the redraw, so its end is the end of the model.
+  // Owned by the hook, and so by the model.
   std::weak_ptr<std::function<void()>> held_;
 };
 

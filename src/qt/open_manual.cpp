@@ -14,17 +14,16 @@ namespace keplo::qt {
 
 namespace {
 
-/// The manual as it lies beside an installed program or component, and beside one that was built in its
-/// source tree.
+/// Where the manual is, relative to an installed program or component, and to one built in its source tree.
 constexpr const char* kManuals[] = {
     "/../share/doc/keplo/help/index.html", "/../../share/doc/keplo/help/index.html",
     "/../../../share/doc/keplo/help/index.html", "/../../../docs/help/index.html"};
 
-/// The folder of the file that this code was loaded from: a component may lie apart from its host.
+/// The folder of the file with this code: a component may be elsewhere than its host.
 QString OwnFolder() {
   Dl_info loaded{};
   if (dladdr(reinterpret_cast<const void*>(&OwnFolder), &loaded) == 0) return {};
-  // A program knows itself by the word that started it, which may tell no folder.
+  // For a program this is argv[0], which may have no folder.
   if (std::strchr(loaded.dli_fname, '/') == nullptr) return {};
   return QFileInfo(QString::fromLocal8Bit(loaded.dli_fname)).absolutePath();
 }

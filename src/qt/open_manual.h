@@ -4,11 +4,11 @@
 
 namespace keplo::qt {
 
-/// Shows the manual's first page in the user's browser.
-/// @return why it could not be shown, for a person; empty if it is
+/// Opens the first page of the manual in the user's browser.
+/// @return why it could not be opened, for the user; empty on success
 std::string OpenManual();
 
-/// Shows a page of the web in the user's browser.
+/// Opens a web page in the user's browser.
 /// @return false if no program could be started
 bool OpenWebPage(const std::string& address);
 

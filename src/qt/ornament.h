@@ -4,7 +4,7 @@
 
 namespace keplo::qt {
 
-/// The status panel's picture: a remote control that sends. It tells nothing.
+/// The decorative picture of the status panel: a remote control that sends.
 class Ornament : public QWidget {
  public:
   using QWidget::QWidget;

@@ -6,7 +6,7 @@ namespace keplo::qt {
 
 namespace {
 
-/// The first letter of a caption that no entry above it answers to.
+/// The first letter of a caption that is not the access key of an entry above it.
 char FreeAccessKey(const std::string& caption, QString& takenKeys) {
   for (const char letter : caption) {
     if (!takenKeys.contains(QLatin1Char(letter), Qt::CaseInsensitive)) {

@@ -7,12 +7,12 @@
 
 namespace keplo::qt {
 
-/// A menu that comes up where its owner last said, whenever its model is told to pop up.
+/// The view of a pop-up menu.
 class PopupMenuView : public QMenu {
  public:
   PopupMenuView(ui::PopupMenu& model, QWidget* parent);
 
-  /// Where the menu comes up, in screen coordinates.
+  /// Where the menu will appear, in screen coordinates.
   QPoint Position;
 
  private:

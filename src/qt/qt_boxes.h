@@ -4,7 +4,7 @@
 
 namespace keplo::qt {
 
-/// The modal boxes as Qt dialogs over the active window. Texts are shown as they are, never as markup.
+/// The modal boxes as Qt dialogs over the active window. Texts are never interpreted as markup.
 class QtBoxes : public ui::Boxes {
  public:
   /// One button, no icon.

@@ -4,7 +4,7 @@ namespace keplo::qt {
 
 QtTimer::QtTimer(ui::Timer& model, QObject* parent)
     : QTimer(parent), model_(model), link_(model.OnEnabledChanged, [this] { FollowModel(); }) {
-  setTimerType(Qt::PreciseTimer);  // a coarse one strays by more than the 2 ms of the line watch
+  setTimerType(Qt::PreciseTimer);  // a coarse timer is less accurate than the 2 ms of the monitor
   setInterval(model.Interval);
   callOnTimeout(this, [this] {
     if (link_.Alive()) {

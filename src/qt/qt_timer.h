@@ -7,7 +7,7 @@
 
 namespace keplo::qt {
 
-/// Ticks a timer from Qt's event loop while it is enabled.
+/// Ticks a timer model from Qt's event loop.
 class QtTimer : public QTimer {
  public:
   explicit QtTimer(ui::Timer& model, QObject* parent = nullptr);

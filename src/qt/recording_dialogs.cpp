@@ -23,7 +23,7 @@ QString Picked(QFileDialog& dialog, const char* recordings) {
   return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
-/// Which press of a recording; none after Cancel.
+/// Index of the press that the user picks; none if he cancels.
 std::optional<std::size_t> PickPress(QWidget* parent, std::size_t presses) {
   if (presses == 1) return 0;
   bool chosen = false;

@@ -6,8 +6,8 @@
 
 namespace keplo::qt {
 
-/// Lets the user pick a recording, and one of its presses if it holds several; and name a file for another.
-/// @param parent the dialogs stand over it, and it outlives what is returned
+/// Dialogs for opening a recording, or one of its presses if there are several, and for saving one.
+/// @param parent window below the dialogs; must outlive the result
 RecordingFiles PickRecordings(QWidget* parent);
 
 }  // namespace keplo::qt

@@ -6,8 +6,8 @@
 
 namespace keplo::qt {
 
-/// Lets the user pick files of remotes and keys of them; and name a file and its format for others.
-/// @param parent the dialogs stand over it, and it outlives what is returned
+/// Dialogs for importing keys from files of remotes, and for exporting remotes.
+/// @param parent window below the dialogs; must outlive the result
 RemoteFiles PickRemotes(QWidget* parent);
 
 }  // namespace keplo::qt

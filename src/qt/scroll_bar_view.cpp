@@ -27,7 +27,7 @@ void ScrollBarView::Redraw() {
 }
 
 void ScrollBarView::keyPressEvent(QKeyEvent* event) {
-  // The toolkit's scroll bars turn the keys round for vertical ones, and horizontal ones with them.
+  // Qt reverses the arrow keys for vertical scroll bars, and for horizontal ones as well.
   if (event->key() == Qt::Key_Left) {
     triggerAction(SliderSingleStepSub);
   } else if (event->key() == Qt::Key_Right) {

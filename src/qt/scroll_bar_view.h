@@ -7,8 +7,8 @@
 
 namespace keplo::qt {
 
-/// A horizontal scroll bar over its model. It counts from the left end of the model, whichever way that runs.
-/// The mouse wheel moves it only while it has the focus.
+/// A horizontal scroll bar for a model. Its own value counts from the left end, even if Min is above Max. The
+/// mouse wheel only moves it while it has the focus.
 class ScrollBarView : public QScrollBar {
  public:
   ScrollBarView(ui::ScrollBar& model, QWidget* parent);

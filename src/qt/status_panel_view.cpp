@@ -17,7 +17,7 @@ constexpr int kPictureSide = 48 * 15;
 
 constexpr std::array kValueNames = {"CtlComPort", "CtlPortStatus", "RcvActivated", "VexilAvailable",
                                     "InterfaceType"};
-// The panel keeps room for the widest text, so that nothing moves when the receiver changes.
+// Reserves space for the widest text, so that nothing moves when the receiver changes.
 constexpr QLatin1StringView kWidestValue("DCDStandard / DTR");
 
 }  // namespace
@@ -48,7 +48,7 @@ double StatusPanelView::PixelsPerTwip() {
   const int aroundText =
       anyValue->sizeHint().width() - anyValue->fontMetrics().horizontalAdvance(anyValue->text());
   grid_->setColumnMinimumWidth(2, anyValue->fontMetrics().horizontalAdvance(kWidestValue) + aroundText);
-  // The picture grows with the scale, all else with the font.
+  // The picture grows with the scale, everything else with the font.
   const QSize least = minimumSizeHint();
   const double across =
       static_cast<double>(least.width() - picture_->minimumWidth()) / (kWidth - kPictureSide);

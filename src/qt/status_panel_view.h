@@ -9,12 +9,12 @@
 
 namespace keplo::qt {
 
-/// The status panel: heading, picture, and five rows of a label and a boxed value.
+/// The view of the status panel: a heading, a picture, and five labelled values.
 class StatusPanelView : public QGroupBox {
  public:
   StatusPanelView(StatusPanel& panel, QWidget* parent);
 
-  /// Pixels to a twip at which everything in the panel fits into its design size.
+  /// The smallest scale, in pixels per twip, at which everything fits the panel's design size.
   double PixelsPerTwip();
   void SetScale(const TwipScale& scale);
 

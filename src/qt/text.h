@@ -6,16 +6,17 @@
 
 namespace keplo::qt {
 
-/// A text of a model as a widget shows it: UTF-8, or Latin-1 where the bytes are no UTF-8, as in files from
-/// before it.
+/// A text of a model for a widget. It is decoded as UTF-8 or, if it is not valid UTF-8, as Latin-1, which old
+/// files use.
 QString ShownText(std::string_view text);
 
-/// The same for a widget that reads '&' as the mark of an access key.
-/// @param accessKey letter that Alt reaches the widget by, found in the text without regard to case; the
-///        text stays without one if it is not there
+/// Like ShownText, for a widget in which '&' marks an access key.
+/// @param accessKey letter of the text, in either case, for reaching the widget with Alt; ignored if it is
+/// not in
+///        the text
 QString ShownCaption(std::string_view text, char accessKey = '\0');
 
-/// What the user typed, as a model keeps it: UTF-8.
+/// Typed text for a model, in UTF-8.
 std::string TypedText(const QString& text);
 
 }  // namespace keplo::qt

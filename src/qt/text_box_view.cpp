@@ -17,7 +17,7 @@ TextBoxView::TextBoxView(ui::TextBox& model, QWidget* parent, QPalette::ColorRol
 }
 
 void TextBoxView::Redraw() {
-  // Setting the same text again would move the cursor under the user's hands.
+  // Setting the same text again would move the cursor.
   if (const QString shown = ShownText(model_.Text()); shown != text()) setText(shown);
   ShowColours();
   ShowState(*this, model_);
@@ -36,7 +36,7 @@ void TextBoxView::ShowColours() {
 }
 
 bool TextBoxView::event(QEvent* event) {
-  // Where nothing was typed that could be taken back, the window's own Undo is meant.
+  // If there is no typing to undo, Ctrl+Z is the Undo of the window.
   if (event->type() == QEvent::ShortcutOverride && !isUndoAvailable() &&
       dynamic_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo)) {
     return false;

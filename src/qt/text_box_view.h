@@ -7,10 +7,10 @@
 
 namespace keplo::qt {
 
-/// An edit field over a text box.
+/// An input field for a text box.
 class TextBoxView : public QLineEdit {
  public:
-  /// @param ground role of the palette that the field stands on while its model has no back colour
+  /// @param ground palette role of the background if the model has no back colour
   TextBoxView(ui::TextBox& model, QWidget* parent, QPalette::ColorRole ground = QPalette::Base);
 
  protected:

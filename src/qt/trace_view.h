@@ -9,17 +9,16 @@
 
 namespace keplo::qt {
 
-/// The box that the trace is seen on: a part of the form's surface over a back colour, with a time axis along
-/// its foot, the run under the pointer and the distance of two cursors along its top. The window's line of
-/// text stands there too, while the pointer is elsewhere.
+/// Shows the trace: a part of the form's surface, with a time axis at the bottom, and the run at the pointer
+/// and the distance between the cursors at the top. If there is no pointer, the window's note is shown there.
 ///
-/// The wheel zooms where the pointer is, dragging slides, a click places a cursor and a double click shows
-/// the whole trace. Of the keys, left and right go from run to run, with Ctrl they slide; plus and minus
-/// zoom, space places a cursor, 0 shows the whole trace and Esc takes the cursors away. The picture is drawn
-/// when the surface shows another one; being covered or uncovered costs no drawing.
+/// The wheel zooms at the pointer, dragging moves the trace, a click places a cursor, and a double click
+/// shows the whole trace. Left and right move from run to run, with Ctrl they move the trace; plus and minus
+/// zoom, space places a cursor, 0 shows the whole trace, and Esc removes the cursors. The trace is only
+/// redrawn when it changes, not when the window is uncovered.
 class TraceView : public QWidget {
  public:
-  /// @param part of the surface that the box shows, pixels of the design
+  /// @param part the visible part of the surface, design pixels
   TraceView(Form1& form, const QRectF& part, QWidget* parent);
 
  protected:
@@ -41,8 +40,9 @@ class TraceView : public QWidget {
   void DrawCursors(QPainter& painter) const;
   void DrawTexts(QPainter& painter) const;
   void DrawNote(QPainter& painter) const;
-  /// From pixels of the box to pixels of the design, and back from a sample to pixels of the box.
+  /// From pixels of this widget to design pixels.
   double Place(double across) const { return part_.left() + across * part_.width() / width(); }
+  /// From a sample to pixels of this widget.
   double Across(double sample) const;
   void PointAt(double across);
   void Slide(double samples);

@@ -6,7 +6,7 @@ namespace keplo::qt {
 
 inline constexpr double kTwipsPerInch = 1440.0;
 
-/// Design sizes are twips; how many pixels one takes depends on screen and font.
+/// Converts design sizes, which are in twips, to pixels; the scale depends on screen and font.
 class TwipScale {
  public:
   explicit TwipScale(double pixelsPerTwip) : pixelsPerTwip_(pixelsPerTwip) {}

@@ -9,18 +9,17 @@
 
 namespace keplo::qt {
 
-/// A line that tells what a window is busy with, and the cursor of a busy program with it. It lies over a
-/// place of the window; while the window is not on screen yet, a wait that takes longer than a blink shows
-/// the line by itself.
+/// A line of text that says what a window is busy with, together with the busy cursor. It covers part of the
+/// window; if the window is not visible yet, the line appears on its own after a short delay.
 class WaitLine {
  public:
-  /// @param over the line lies over the lower edge of this part of the window
+  /// @param over the part of the window whose lower edge the line covers
   WaitLine(QWidget& window, const QWidget& over);
   ~WaitLine() { Show({}); }
   WaitLine(const WaitLine&) = delete;
   WaitLine& operator=(const WaitLine&) = delete;
 
-  /// Paints the text at once; an empty one ends the wait.
+  /// Paints the text at once; an empty text ends the wait.
   void Show(std::string_view text);
 
  private:

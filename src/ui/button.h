@@ -6,7 +6,7 @@
 
 namespace keplo::ui {
 
-/// A push button. A click on one that is disabled does nothing.
+/// A push button. Clicking a disabled one does nothing.
 class Button : public Control {
  public:
   void Click() const {

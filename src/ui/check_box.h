@@ -6,8 +6,7 @@
 
 namespace keplo::ui {
 
-/// A check box. The click handler runs at once whenever the value really changes, from the user or from code,
-/// after OnChanged.
+/// A check box. OnClick runs, after OnChanged, whenever the value changes, whether by the user or by code.
 class CheckBox : public Control {
  public:
   bool Checked() const { return checked_; }

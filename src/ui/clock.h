@@ -5,7 +5,7 @@
 
 namespace keplo::ui {
 
-/// What time it is; tests answer with a time of their own.
+/// The current time; tests supply their own.
 class Clock {
  public:
   virtual ~Clock() = default;
@@ -17,8 +17,8 @@ class SystemClock : public Clock {
   std::chrono::system_clock::time_point Now() const override { return std::chrono::system_clock::now(); }
 };
 
-/// A point of time as error records carry it, in local time: "07-Nov-2002 16:31:11". Month names are
-/// English whatever the locale, so that records of two machines compare.
+/// A local time in the format of error records: "07-Nov-2002 16:31:11". Month names are English in every
+/// locale.
 std::string RecordDate(std::chrono::system_clock::time_point when);
 
 }  // namespace keplo::ui

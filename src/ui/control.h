@@ -7,8 +7,7 @@
 
 namespace keplo::ui {
 
-/// What every control has besides its content: whether it can be used, whether it is seen, and its back
-/// colour; none is the toolkit's own.
+/// What all controls have in common.
 class Control {
  public:
   bool Enabled() const { return enabled_; }
@@ -17,10 +16,11 @@ class Control {
   bool Visible() const { return visible_; }
   void SetVisible(bool visible) { Change(visible_, visible); }
 
+  /// None for the default colour.
   std::optional<Colour> BackColour() const { return backColour_; }
   void SetBackColour(std::optional<Colour> colour) { Change(backColour_, colour); }
 
-  /// Runs after a change; a view redraws there.
+  /// Runs after a change, so that a view can redraw.
   std::function<void()> OnChanged;
 
  protected:
@@ -28,8 +28,8 @@ class Control {
     if (OnChanged) OnChanged();
   }
 
-  /// Takes a value over; runs OnChanged if it is another one.
-  /// @return true if it was
+  /// Assigns a value, and runs OnChanged if it differs.
+  /// @return whether it differed
   template <typename Value, typename NewValue>
   bool Change(Value& value, const NewValue& to) {
     if (value == to) return false;

@@ -7,8 +7,7 @@
 
 namespace keplo::ui {
 
-/// A surface for points and lines. It keeps what was drawn, in drawing order within each of the two, so that
-/// a view can paint it again whenever it was covered. Places are pixels of the design, which may have
+/// Records points and lines, each in drawing order, for a view to paint. Coordinates are design pixels, with
 /// fractions, from the upper left corner; a point is one pixel.
 class DrawingSurface {
  public:
@@ -39,7 +38,7 @@ class DrawingSurface {
     lines_.push_back({x1, y1, x2, y2, pen});
   }
 
-  /// Ends a drawing: a view shows it from here on, and never a half one.
+  /// Ends a drawing; only then does a view show it.
   void Show() const {
     if (OnShow) OnShow();
   }

@@ -9,8 +9,8 @@
 
 namespace keplo::ui {
 
-/// A drop-down list that offers fixed entries. The click handler runs at once whenever the selection really
-/// changes to an entry, from the user or from code, after OnChanged.
+/// A drop-down list of fixed entries. OnClick runs, after OnChanged, whenever another entry is selected,
+/// whether by the user or by code.
 class DropDownList : public Control {
  public:
   static constexpr int kNoSelection = -1;
@@ -18,29 +18,29 @@ class DropDownList : public Control {
   const std::vector<std::string>& Entries() const { return entries_; }
   int Count() const { return static_cast<int>(entries_.size()); }
 
-  /// Removes all entries; nothing is selected then.
+  /// Removes all entries and the selection.
   void Clear();
   void Add(std::string_view entry);
-  /// Puts other entries in the place of all; nothing is selected then.
+  /// Replaces all entries and removes the selection.
   void SetEntries(std::vector<std::string> entries);
-  /// The same, but the selected text stays selected where it is one of the other entries too; no click.
+  /// Replaces all entries, but keeps the selected text selected if it is still there. Does not run OnClick.
   /// @return whether an entry is selected
   bool Refill(std::vector<std::string> entries);
 
-  /// Index of the selected entry, from 0; kNoSelection for none.
+  /// Index of the selected entry, from 0; kNoSelection if there is none.
   int ListIndex() const { return listIndex_; }
-  /// Text of the selected entry; empty for none.
+  /// Text of the selected entry; empty if there is none.
   std::string Text() const;
-  /// Selects an entry; an index that does not exist changes nothing.
+  /// Selects an entry; ignores an index out of range.
   void Select(int index);
-  /// Selects an entry as a user does; one that is selected already counts where PicksAgain says so.
+  /// Selects an entry for the user. If it was already selected, this does nothing unless PicksAgain is set.
   void Pick(int index);
   /// Selects the first entry with exactly this text.
-  /// @return false if there is none; the selection stays then
+  /// @return false, without a change, if there is none
   bool SelectText(std::string_view text);
 
   std::function<void()> OnClick;
-  bool PicksAgain = false;  // a pick of the selected entry runs OnClick too, to try again what it stands for
+  bool PicksAgain = false;  // picking the selected entry runs OnClick, too
 
  private:
   std::vector<std::string> entries_;

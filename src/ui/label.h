@@ -7,7 +7,7 @@
 
 namespace keplo::ui {
 
-/// A text field that only the code fills.
+/// A text that the user cannot edit.
 class Label : public Control {
  public:
   explicit Label(std::string_view text = {}) : text_(text) {}

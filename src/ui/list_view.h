@@ -14,8 +14,8 @@ struct ListColumn {
   int Width;  // twips
 };
 
-/// Ordered rows of six text fields with a selected row, as the event list needs them. Rows count from 1,
-/// fields from 0 (field 0 is the row's own text).
+/// An ordered list of rows of six text fields, one of which may be selected. Rows count from 1, fields from
+/// 0.
 class ListView {
  public:
   static constexpr int kFields = 6;
@@ -23,10 +23,10 @@ class ListView {
 
   int Left = 0, Top = 0, Width = 0, Height = 0;  // twips
 
-  /// Runs after every change of rows, texts, selection or columns; a view redraws there.
+  /// Runs after every change of rows, texts, selection or columns.
   std::function<void()> OnChanged;
 
-  /// How often that has happened; for those that look now and then.
+  /// The number of changes so far, for polling.
   std::uint64_t Changes() const { return changes_; }
 
   const std::vector<ListColumn>& Columns() const { return columns_; }
@@ -38,15 +38,15 @@ class ListView {
   const std::string& Text(int row, int field) const;
   void SetText(int row, int field, std::string_view text);
 
-  /// Adds an empty row at the end. A key is optional, but no two rows may carry the same one.
-  /// @return the row's number
-  /// @throws Failure 35602 for a key that is taken
+  /// Appends an empty row. The key is optional, but must be unique.
+  /// @return the number of the row
+  /// @throws Failure 35602 if the key is taken
   int Add(std::string_view key = {});
   void Remove(int row);
-  /// First row whose field equals the text exactly, 0 for none.
+  /// The first row with exactly this text in a field; 0 if there is none.
   int FindRow(int field, std::string_view text) const;
 
-  /// The selected row, 0 for none. A removed row takes its selection along.
+  /// The selected row; 0 if there is none.
   int SelectedRow() const { return selected_; }
   void Select(int row);
 

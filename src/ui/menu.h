@@ -6,14 +6,14 @@
 
 namespace keplo::ui {
 
-/// One entry of a menu; the caption "-" makes a separator.
+/// A menu entry; with the caption "-" it is a separator.
 struct MenuItem {
   std::string Name;
   std::string Caption;
   std::function<void()> OnClick;
 };
 
-/// A menu that is shown only as a pop-up. Its owner calls PopUp; a view shows it at the mouse position.
+/// A pop-up menu, which a view shows when its owner calls PopUp.
 struct PopupMenu {
   std::vector<MenuItem> Items;
   std::function<void()> OnPopUp;

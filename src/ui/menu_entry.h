@@ -4,7 +4,7 @@
 
 namespace keplo::ui {
 
-/// An entry of a menu bar: whether it is shown, whether it can be used, and whether it carries a check mark.
+/// An entry of a menu bar.
 class MenuEntry {
  public:
   bool Visible() const { return visible_; }
@@ -21,7 +21,7 @@ class MenuEntry {
   }
 
   std::function<void()> OnClick;
-  /// Runs after a change; a view redraws there.
+  /// Runs after a change, so that a view can redraw.
   std::function<void()> OnChanged;
 
  private:

@@ -7,9 +7,8 @@
 
 namespace keplo::ui {
 
-/// A scroll bar. Min is the value at its left or upper end and may lie above Max: the value then falls
-/// towards the other end. The change handler runs at once whenever the value really changes, from the user or
-/// from code, after OnChanged.
+/// A scroll bar. Min is the value at its left or upper end, and may be greater than Max. OnChange runs, after
+/// OnChanged, whenever the value changes, whether by the user or by code.
 class ScrollBar : public Control {
  public:
   int SmallChange = 1, LargeChange = 1;  // steps of the arrows and of the track
@@ -18,10 +17,10 @@ class ScrollBar : public Control {
   int Max() const { return max_; }
   int Value() const { return value_; }
 
-  /// Moves the thumb; a value outside is drawn to the nearer end.
+  /// Moves the thumb; the value is clamped.
   void SetValue(int value) { Set(min_, max_, value); }
 
-  /// Takes new ends and a value in one step, so that no handler meets the old value between new ends.
+  /// Sets ends and value together, so that no handler sees the old value with the new ends.
   void Set(int min, int max, int value) {
     const bool otherEnds = min != min_ || max != max_;
     min_ = min;

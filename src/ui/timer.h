@@ -4,8 +4,7 @@
 
 namespace keplo::ui {
 
-/// A periodic timer as its owner sees it. Whoever runs the program watches it and calls Tick: an event
-/// loop, the command line's own loop, or a test that needs no real time.
+/// A periodic timer. Whoever runs the program calls Tick: an event loop, the loop of a command, or a test.
 class Timer {
  public:
   explicit Timer(int intervalMs) : Interval(intervalMs) {}
@@ -24,7 +23,7 @@ class Timer {
   }
 
   std::function<void()> OnTimer;
-  /// Runs after Enabled has changed; an event loop starts or stops its own timer there.
+  /// Runs after Enabled has changed, so that an event loop can start or stop its own timer.
   std::function<void()> OnEnabledChanged;
 
  private:

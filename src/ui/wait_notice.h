@@ -6,7 +6,7 @@
 
 namespace keplo::ui {
 
-/// Shows in a window, as long as it lives, what the program is busy with.
+/// Shows in a window, during its lifetime, what the program is busy with.
 class WaitNotice {
  public:
   WaitNotice(const Window& window, std::string_view text) : window_(window) { window_.ShowWait(text); }

@@ -6,7 +6,7 @@
 
 namespace keplo::ui {
 
-/// What every window and dialog model has: a title, whether it is on screen, and its way off it.
+/// What the models of windows and dialogs have in common.
 class Window {
  public:
   virtual ~Window() = default;
@@ -17,18 +17,18 @@ class Window {
     if (OnTitleChanged) OnTitleChanged();
   }
 
-  /// Takes the window off the screen; a modal showing of it ends.
+  /// Hides the window, and ends it if it is modal.
   void Hide() {
     if (OnHide) OnHide();
   }
 
-  /// Tells the user what the program is busy with and how long at most; an empty text when it is over.
+  /// Shows what the program is busy with, and how long at most; an empty text ends the wait.
   void ShowWait(std::string_view text) const {
     if (OnWait) OnWait(text);
   }
 
   std::function<void()> OnTitleChanged;
-  /// A view paints the text, and the cursor of a busy program, before it returns.
+  /// A view paints the text and shows the busy cursor before it returns.
   std::function<void(std::string_view text)> OnWait;
   std::function<void()> OnHide;
 

@@ -11,7 +11,7 @@
 
 namespace keplo {
 
-/// Finds the capture delay of this machine with the key of a remote that the user holds down.
+/// Finds the capture delay of this machine from a key that the user holds down on a remote.
 class CalibrationFlow {
  public:
   struct Controls {
@@ -21,7 +21,7 @@ class CalibrationFlow {
     ui::Timer& SendLoop;
   };
 
-  /// @param window shows how far it is
+  /// @param window shows the progress
   CalibrationFlow(Settings& settings, SignalState& signal, Win32Ser& line, const Controls& controls,
                   SettingsKeeper& keeper, Dialogue& dialogue, const ui::Window& window)
       : settings_(settings),
@@ -32,11 +32,11 @@ class CalibrationFlow {
         dialogue_(dialogue),
         window_(window) {}
 
-  /// Asks for the key and calibrates; one that is under way goes on alone.
+  /// Asks for the key and calibrates. Does nothing while a calibration is running.
   void Start();
 
  private:
-  /// @return false if it ended for want of a signal, which leaves the receiver switched on
+  /// @return false if there was no signal, which leaves the receiver switched on
   bool Calibrate();
 
   Settings& settings_;

@@ -8,18 +8,18 @@
 
 namespace keplo {
 
-/// Shows something in another program of the user's.
+/// How to show the manual and web pages in other programs.
 struct HelpPrograms {
-  /// @return why the manual is not shown; empty if it is
+  /// @return why the manual cannot be shown; empty on success
   std::function<std::string()> OpenManual;
   /// @return false if no program could be started
   std::function<bool(const std::string& address)> OpenWebPage;
 };
 
-/// Manual, web page and what the program is.
+/// The Help menu: manual, web page and about box.
 class HelpMenu {
  public:
-  /// @param programs may change until they are called
+  /// @param programs may be set later
   HelpMenu(const Settings& settings, const HelpPrograms& programs, Dialogue& dialogue)
       : settings_(settings), programs_(programs), dialogue_(dialogue) {}
 

@@ -19,8 +19,8 @@ namespace keplo {
 
 class Form1;
 
-/// How a control is shown. Boxed labels have a thin single border, centred ones are boxed too and show their
-/// text in the middle; scroll bars are horizontal.
+/// How a control is shown. Boxed labels have a thin border; centred ones also centre their text. Scroll bars
+/// are horizontal.
 enum class ControlKind {
   Label,
   BoxedLabel,
@@ -34,7 +34,7 @@ enum class ControlKind {
   Line
 };
 
-/// Twips, 15 to a pixel of the design.
+/// In twips, 15 per design pixel.
 struct Place {
   int Left = 0, Top = 0, Width = 0, Height = 0;
   bool operator==(const Place&) const = default;
@@ -49,14 +49,14 @@ inline constexpr int kTwipsPerPixel = 15;
 inline constexpr Size kFullOuter{8385, 4875};   // twips
 inline constexpr Size kFullInner{8295, 4215};   // twips
 inline constexpr Size kSmallOuter{3315, 1740};  // twips
-/// What the window's border, title bar and menu bar take of the outer size, twips.
+/// The part of the outer size that is border, title bar and menu bar, twips.
 inline constexpr Size kWindowEdges{kFullOuter.Width - kFullInner.Width,
                                    kFullOuter.Height - kFullInner.Height};
 
-/// Colours that are the window system's own: the back of a control without a back colour in its model.
+/// Window-system colours for the background of controls whose model has no back colour.
 enum class SystemColour { Usual, ScrollBar, Menu, ButtonFace };
 
-/// The control of a row in a window: `form.*member`. A plain Control has nothing but a place.
+/// The control of a row: `form.*member`. A plain Control has no contents.
 using ControlMember =
     std::variant<ui::Control Form1::*, ui::Label Form1::*, ui::TextBox Form1::*, ui::Button Form1::*,
                  ui::CheckBox Form1::*, ui::DropDownList Form1::*, ui::ScrollBar Form1::*>;
@@ -68,38 +68,37 @@ struct Font {
 
 inline constexpr int kNoTabStop = -1;
 
-/// One control of the window. Captions and tips are shown as they stand; a view may mark a letter of a label
-/// as the key that reaches its field.
+/// A control of the window. Captions and tips are shown literally; a view may add an access key to a label.
 struct ControlRow {
   std::string_view Name;
   ControlMember Model;
   ControlKind Kind;
-  Place Bounds;                   // inside the frame it stands in, else inside the window
-  std::string_view Caption = {};  // of labels, buttons and check boxes; the model has no other
+  Place Bounds;                   // relative to its frame, if it has one, otherwise to the window
+  std::string_view Caption = {};  // of labels, buttons and check boxes
   std::string_view Tip = {};
   int TabIndex = kNoTabStop;            // from 0
-  std::string_view LabelFor = {};       // the control that this label stands before
-  std::string_view Frame = {};          // the frame it stands in
-  std::optional<ui::Colour> Back = {};  // of the model at the start
+  std::string_view LabelFor = {};       // the control that this label describes
+  std::string_view Frame = {};          // the frame that contains it
+  std::optional<ui::Colour> Back = {};  // initial back colour of the model
   SystemColour System = SystemColour::Usual;
   std::optional<keplo::Font> Font = {};
 };
 
-/// The controls, from top to bottom of the window; a frame stands before what is in it.
+/// The controls from top to bottom; a frame comes before its contents.
 std::span<const ControlRow> Controls();
-/// @return null for a name that no control has
+/// @return null if there is no such control
 const ControlRow* FindControl(std::string_view name);
 
-/// What all kinds of controls share: the model of a row in a window.
+/// The model of a row, as the common base of all controls.
 ui::Control& ModelOf(Form1& form, const ControlRow& row);
 
-/// One entry of a menu; a row without a model is a separator. An ampersand marks the access key.
+/// A menu entry; without a model it is a separator. An ampersand marks the access key.
 struct MenuRow {
   std::string_view Name;
   std::string_view Caption = {};
   ui::MenuEntry Form1::*Model = nullptr;
   std::string_view Shortcut = {};  // such as "Ctrl+X"
-  bool Checked = false;            // at the start
+  bool Checked = false;            // initially
 };
 
 struct MenuColumn {

@@ -5,7 +5,7 @@
 
 namespace keplo {
 
-/// The controls that explain a signal to the user: the last recording, or the command at hand.
+/// The controls that describe a signal: the last recording or the selected command.
 struct ReadingFields {
   ui::TextBox& CodeStr;
   ui::TextBox& SendPulse;

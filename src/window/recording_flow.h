@@ -9,10 +9,10 @@
 
 namespace keplo {
 
-/// Recordings in files: an old one to be looked at again, and the one on screen to be kept.
+/// Opens recordings from files, and saves the one on screen.
 class RecordingFlow {
  public:
-  /// @param files may change until they are called
+  /// @param files may be set later
   RecordingFlow(const SignalState& signal, const Settings& settings, const RecordingFiles& files,
                 RecordFlow& record, ui::Label& note, Dialogue& dialogue)
       : signal_(signal),

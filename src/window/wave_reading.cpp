@@ -15,7 +15,7 @@ namespace {
 constexpr double kMicrosecondsPerMs = 1000.0;
 constexpr int kTicksPerLabel = 5;
 
-/// "560 us, 1.0 T", with milliseconds from ten of them on.
+/// "560 us, 1.0 T"; in milliseconds from 10 ms on.
 std::string LengthText(int samples, int pulse) {
   const int us = samples * kNominalSampleTime;
   std::array<char, 64> text{};
@@ -64,7 +64,7 @@ void WaveReading::StepPointer(int step) {
   } else if (step > 0 && run->End() < Samples()) {
     PointAt(run->End());
   } else if (step < 0) {
-    // From within a run its own beginning is the nearest.
+    // From inside a run, its own beginning comes first.
     PointAt(*pointer_ > run->Start || run == runs_.data() ? run->Start : std::prev(run)->Start);
   }
 }

@@ -11,35 +11,35 @@
 
 namespace keplo {
 
-/// The trace of the capture in the signal state.
+/// Draws the trace of the capture in the signal state. Places are in design pixels from the left edge of the
+/// surface.
 class WaveformPane {
  public:
-  /// @param reading takes the samples that are drawn
-  /// @param pulse of the signal that is shown; without one the buttons have nothing to zoom
+  /// @param reading receives the samples that are drawn
+  /// @param pulse of the shown signal; if it is empty, the buttons do nothing
   WaveformPane(SignalState& signal, WaveReading& reading, ui::DrawingSurface& surface,
                ui::ScrollBar& scrollBar, const ui::TextBox& pulse)
       : signal_(signal), reading_(reading), surface_(surface), scrollBar_(scrollBar), pulse_(pulse) {}
 
-  /// Shows a new capture from its beginning.
+  /// Shows a new capture from the beginning.
   void StartTrace();
   void Scroll();
   void Stretch() { ZoomTo(zoom_ * 2); }
   void Squeeze() { ZoomTo(zoom_ / 2); }
   void Reset();
 
-  /// Pixels of the design from the left edge of the surface to a sample.
   double PlaceOf(double sample) const;
   double SampleAt(double place) const;
-  /// Where a trace that begins left of the margin comes out of it, on the level of the sample that
-  /// stands there; none for another trace. At great zoom that sample may be the only one to be seen.
+  /// Where a trace that begins left of the margin enters, at the level of the sample there; none for other
+  /// traces. At high zoom that sample may be the only visible one.
   std::optional<ui::DrawingSurface::Point> Entry() const;
-  /// Where the last sample ends, or goes into the right margin.
+  /// Where the last sample ends, or where the trace reaches the right margin.
   double End() const;
-  /// Stretches the trace by a factor; what stands at a place stays there.
+  /// Stretches the trace by a factor around a fixed place.
   void ZoomAt(double place, double factor);
   /// Shows the whole trace.
   void Fit();
-  /// Slides the trace to the right, in samples.
+  /// Moves the trace to the right, in samples.
   void Slide(int samples);
 
  private:
@@ -57,8 +57,8 @@ class WaveformPane {
   ui::DrawingSurface& surface_;
   ui::ScrollBar& scrollBar_;
   const ui::TextBox& pulse_;
-  double zoom_ = 1;  // pixels a sample
-  int offset_ = 15;  // samples; the place of the first sample
+  double zoom_ = 1;  // pixels per sample
+  int offset_ = 15;  // of the first sample, samples
 };
 
 }  // namespace keplo

@@ -6,8 +6,7 @@
 
 namespace keplo {
 
-/// Why a recording has no code that could be learned, and what to do about it in the window; empty if it has
-/// one.
+/// Why a recording has no code that could be learned, and what to do about it; empty if it has one.
 std::string WhyNotLearnable(const RecordReading& reading);
 
 }  // namespace keplo
