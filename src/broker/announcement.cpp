@@ -15,7 +15,7 @@ std::string Dump(const nlohmann::ordered_json& json) {
   return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-/// The machine's name tells two hosts apart on the page of devices.
+/// Includes the machine's name, to distinguish hosts on the devices page.
 std::string DeviceName() {
   std::array<char, 256> name{};
   if (gethostname(name.data(), name.size() - 1) != 0 || name.front() == '\0') return "Keplo";
@@ -91,7 +91,7 @@ std::optional<std::string> RemovalMessage(std::string_view earlier, std::string_
   bool gone = false;
   for (const auto& [key, component] : components->items()) {
     if (device["components"].contains(key) || !component.is_object()) continue;
-    // Removal splits on blanks.
+    // Home Assistant splits the key at blanks when it removes a component.
     if (key.find(' ') != std::string::npos) continue;
     const auto platform = component.find("platform");
     if (platform == component.end() || !platform->is_string()) continue;

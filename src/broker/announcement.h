@@ -10,23 +10,23 @@
 
 namespace keplo::broker {
 
-/// The topics of one installation.
+/// The topics of an installation.
 class Topics {
  public:
   Topics(const BrokerSettings& settings, const std::string& identity);
 
-  /// "online" and "offline"
+  /// Carries "online" or "offline".
   const std::string& Status() const { return status_; }
   std::string Event(std::string_view eventID) const;
   const std::string& Signal() const { return signal_; }
   const std::string& Send() const { return send_; }
-  /// Of this installation's device in Home Assistant.
+  /// The discovery message of this installation's device in Home Assistant.
   const std::string& Device() const { return device_; }
-  /// Where Home Assistant tells that it has started.
+  /// Home Assistant publishes here when it has started.
   const std::string& Birth() const { return birth_; }
-  /// Where a check of rights may leave a message that nobody takes for anything.
+  /// Used to check permissions; nobody subscribes to it.
   const std::string& Check() const { return check_; }
-  /// Beside the device's, for a message of nothing by which the right to tell Home Assistant is seen.
+  /// Next to the device topic; an empty message here shows whether publishing to Home Assistant is permitted.
   const std::string& DeviceCheck() const { return deviceCheck_; }
   /// "keplo-IDENTITY", the name of the device.
   const std::string& Node() const { return node_; }
@@ -42,16 +42,16 @@ struct AnnouncedEvent {
   bool operator==(const AnnouncedEvent&) const = default;
 };
 
-/// The device as Home Assistant gets it: one event entity an event, a receiver and an emitter of infrared
-/// signals as the settings have them.
-/// @return JSON, valid UTF-8 whatever the names hold
+/// The discovery message of the device: one event entity per event, and an infrared receiver and emitter if
+/// the settings enable them.
+/// @return JSON, valid UTF-8 whatever the names contain
 std::string DeviceMessage(const Topics& topics, const BrokerSettings& settings,
                           const std::vector<AnnouncedEvent>& events);
 
-/// The device with those of its components that are there no more, each as the platform alone, by which Home
-/// Assistant removes it.
-/// @param earlier a message that DeviceMessage has made once
-/// @return none if nothing of the earlier one is gone
+/// A discovery message that removes obsolete components: it lists each with nothing but its platform, which
+/// makes Home Assistant delete it.
+/// @param earlier the previous DeviceMessage
+/// @return nothing if no component of the earlier message is obsolete
 std::optional<std::string> RemovalMessage(std::string_view earlier, std::string_view now);
 
 }  // namespace keplo::broker

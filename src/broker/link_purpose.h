@@ -6,15 +6,15 @@
 
 namespace keplo::broker {
 
-/// What a connection to a broker is for.
+/// What a broker connection is used for.
 struct LinkPurpose {
-  std::string ClientId;             // its name on the broker; no two connections may have the same
-  std::vector<std::string> Topics;  // whose messages are taken in; may have + and #
-  bool SpeaksForDevice = true;      // tells the device and whether it is online
-  std::string WatchFor;             // ends when a topic says this, and tells nothing; empty for all others
-  std::size_t MostIncoming = 64;    // messages that wait to be taken
-  std::string Up;                   // what its user is told when it is there
-  std::string WhileAway;            // what cannot be done without it
+  std::string ClientId;             // must be unique on the broker
+  std::vector<std::string> Topics;  // to subscribe to; may include + and #
+  bool SpeaksForDevice = true;      // announces the device, and whether it is online
+  std::string WatchFor;             // if not empty: only waits for this payload, and ends then
+  std::size_t MostIncoming = 64;    // messages that may wait to be taken
+  std::string Up;                   // reported when the connection is established
+  std::string WhileAway;            // what does not work without it, for a report
 };
 
 }  // namespace keplo::broker

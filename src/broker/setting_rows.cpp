@@ -72,7 +72,7 @@ const std::vector<SettingRow>& SettingRows() {
       TextRow("host", &BrokerSettings::Host,
               "the name or address of the broker, without its port and without brackets",
               [](const std::string& text) {
-                // An address of IPv6 has several colons.
+                // An IPv6 address has several colons.
                 return !text.empty() && text.find_first_of("/ []") == std::string::npos &&
                        std::count(text.begin(), text.end(), ':') != 1;
               }),

@@ -7,13 +7,13 @@
 
 namespace keplo::broker {
 
-/// Settings that are sound each and do not go together.
+/// An inconsistency of settings that are valid by themselves.
 struct SettingsFlaw {
   std::string Key;       // in the file; empty if it is missing
   std::string What;      // what is wrong
   std::string Expected;  // in the file
-  std::string OtherKey;  // that would have to be set beside it
-  std::string Mend;      // options that set it
+  std::string OtherKey;  // the key that would have to be set too
+  std::string Mend;      // options of `broker set` that set it
 };
 
 /// The first flaw, if there is one.

@@ -5,7 +5,7 @@
 
 namespace keplo::cli {
 
-// Each adds its command to those of the program.
+// Each function adds a command to the program.
 void AddDecodeCommand(Command& root);
 void AddExplainCommand(Command& root);
 void AddMonitorCommand(Command& root);

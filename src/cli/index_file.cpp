@@ -13,8 +13,8 @@ namespace keplo::cli {
 
 namespace {
 
-constexpr std::size_t kMostIndexBytes = std::size_t{1} << 20;  // far more codes than keplo.cfg holds
-constexpr int kDeepestLevel = 2;  // of what is read: texts in objects in the array
+constexpr std::size_t kMostIndexBytes = std::size_t{1} << 20;  // far more codes than fit keplo.cfg
+constexpr int kDeepestLevel = 2;                               // texts in objects in the array
 
 std::string SectionOf(const std::string& protocol) {
   for (const std::string_view section : {"NEC", "SONY", "RC5"}) {
@@ -26,7 +26,7 @@ std::string SectionOf(const std::string& protocol) {
   throw Failure(1, "An index file names the protocol " + protocol + "; nec, sony and rc5 can be learned.");
 }
 
-/// A command name may hold letters, digits, - and _ alone.
+/// Replaces characters that are not permitted in a command name.
 std::string ValidName(std::string name) {
   for (char& c : name) {
     std::string character(1, c);
@@ -55,7 +55,7 @@ CodeToLearn ToCode(const nlohmann::json& entry, const std::string& place) try {
 }  // namespace
 
 std::vector<CodeToLearn> ParseIndex(std::string_view text, const std::string& indexFile) {
-  // What lies deeper is none of the texts, and would take many times its length of memory.
+  // Deeper levels are not used, and could take a lot of memory.
   const auto keep = [](int depth, nlohmann::json::parse_event_t /*event*/, nlohmann::json& /*value*/) {
     return depth <= kDeepestLevel;
   };

@@ -6,20 +6,20 @@
 
 namespace keplo::cli {
 
-/// A code of an index file, as a command that can be learned.
+/// A code in an index file.
 struct CodeToLearn {
-  std::string Place;           // in the file
-  std::string Protocol, Code;  // section, and digits without a G
-  std::string Name;            // of letters, digits, - and _ alone
+  std::string Place;           // in the file, for messages
+  std::string Protocol, Code;  // section, and digits without the leading G
+  std::string Name;            // only letters, digits, - and _
 };
 
-/// Reads an index: a JSON array of objects, see TeachIndex. What an entry holds besides is left out.
-/// @param indexFile its name, for the texts
-/// @throws Failure that names the entry if the text is no such array or names an unknown protocol
+/// Parses an index, a JSON array of objects, see TeachIndex. Unknown fields are ignored.
+/// @param indexFile name of the file, for messages
+/// @throws Failure with the entry if the text is not such an array, or a protocol is unknown
 std::vector<CodeToLearn> ParseIndex(std::string_view text, const std::string& indexFile);
 
-/// The same with the content of a file.
-/// @throws Failure too if it cannot be read or is larger than an index can be
+/// Parses the contents of a file.
+/// @throws Failure also if the file cannot be read or is too large
 std::vector<CodeToLearn> ReadIndexFile(const std::string& indexFile);
 
 }  // namespace keplo::cli

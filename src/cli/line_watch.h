@@ -5,8 +5,8 @@
 
 namespace keplo::cli {
 
-/// Shows the level of a port's line as it changes and each press as its lengths, until a signal ends the
-/// program: for whoever wires a receiver.
+/// Shows level changes of a port's line, and the lengths of each press, until a signal ends the program. This
+/// helps with wiring a receiver.
 /// @return the exit code
 /// @throws Refused if the port does not open
 int WatchLine(const std::string& appPathOption, std::int32_t port);

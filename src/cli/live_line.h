@@ -11,34 +11,34 @@
 
 namespace keplo::cli {
 
-/// The port of the settings, or another one, opened for a command that needs its device. A signal that ends
-/// the program waits until the port is as it was found; calls of the line end early then.
+/// An open port, for commands that need a device. A signal that ends the program is delayed until the
+/// settings of the port have been restored; calls of the line return early then.
 class LiveLine {
  public:
-  /// @param port of this run in place of that of the settings
-  /// @param mod takes the settings of its file
-  /// @throws Refused if the port does not open, with the reason
+  /// @param mod receives the settings of its configuration
+  /// @param port overrides that of the settings
+  /// @throws Refused, with the reason, if the port does not open
   LiveLine(KeploMod& mod, std::optional<std::int32_t> port, const LineOptions& options = {});
 
   Win32Ser& Line() { return *line_.Line; }
-  /// The port, for a person: "COM 1".
+  /// The port, for the user: "COM 1".
   const std::string& Name() const { return name_; }
-  /// Why the device does not work any more; empty while it does.
+  /// Why the device has stopped working; empty while it works.
   std::string WhyNot() const { return line_.Device->WhyNot(); }
   LineLosses Losses() const { return line_.Device->Losses(); }
-  /// The device itself, opened.
+  /// The open device.
   DeviceLine& Device() { return *line_.Device; }
-  /// Takes the signal that would end the program, for one that ends in order by itself.
-  /// @return whether one has come
+  /// Takes a signal that would end the program, for commands that end properly by themselves.
+  /// @return whether a signal had arrived
   bool TakeStop();
 
  private:
-  HeldSignals signals_;  // goes last
+  HeldSignals signals_;  // first, so that it is destroyed last
   std::string name_;
   OpenedLine line_;
 };
 
-/// What stands behind a port on this machine; none if nothing does.
+/// The device of a port on this machine; none if it has none.
 std::optional<MappedPort> PortOf(const KeploMod& mod, std::int32_t port);
 
 }  // namespace keplo::cli

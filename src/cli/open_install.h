@@ -11,50 +11,50 @@
 
 namespace keplo::cli {
 
-/// keplo.cfg of an application path, loaded.
+/// The loaded keplo.cfg of an application path.
 struct OpenedConfig {
-  /// Tells on standard error what is wrong with a damaged file.
+  /// Reports damage of the file on standard error.
   explicit OpenedConfig(const std::string& appPathOption);
 
   const std::string& Text() const { return Mod.Store.CfgText; }
 
-  /// For commands that write the file back: a save cuts what stands after the last section header.
+  /// For commands that save the file: a save cuts it after the last section header.
   /// @throws Failure if the file is damaged
   void RequireWhole() const;
 
-  /// Changes the file. If other programs have changed it meanwhile, it is read again and the change made
-  /// again.
-  /// @throws NotWritten if it cannot be saved; what else the change throws
+  /// Changes the file. If another program has changed it meanwhile, reads it again and repeats the change.
+  /// @throws NotWritten if it cannot be saved; otherwise whatever the change throws
   void Change(const std::function<void(CfgStore& store)>& change);
 
   KeploMod Mod;
 };
 
-/// Whether there is an install at the application path that holds without the option.
+/// Whether there is an install in the default application path.
 bool HasInstall();
 
-/// The learned commands, if there are any: without an install nothing is known, but all else can be told.
-/// @throws Failure if the option names an application path that has none
+/// The configuration with the learned commands; null, which is not an error, if there is no install.
+/// @throws Failure if the option specifies an application path without one
 std::unique_ptr<OpenedConfig> LearnedCommands(const std::string& appPathOption);
 
-/// A change that was made, but may not outlive a power cut. To make it again would make it twice.
+/// Thrown if a change was made, but may not survive a power cut. It must not be repeated.
 class NotConfirmedWritten : public NotWritten {
  public:
   using NotWritten::NotWritten;
 };
 
-/// The event map of an application path, loaded.
+/// The loaded event map of an application path.
 struct OpenedMap : EventsOnDisk {
   explicit OpenedMap(const std::string& appPathOption);
 
   std::shared_ptr<clsKeploEvent> Find(const std::string& eventID) const;
-  /// The first whole number that no event has, none that was deleted had, and under which the host in the
-  /// application path has nothing kept.
+  /// The first number that no event has or had, and under which the host of the application path has stored
+  /// nothing.
   /// @throws Failure
   std::int64_t FreeNumber();
   /// Changes the map.
-  /// @param change gives false if it failed
-  /// @throws NotWritten; NotConfirmedWritten if it was changed
+  /// @param change returns false if it failed
+  /// @throws NotWritten if the map was not changed
+  /// @throws NotConfirmedWritten if it was changed, but only the final flush failed
   void Change(const std::function<bool(colclsKeploEvents& events)>& change);
 
  private:

@@ -7,22 +7,23 @@
 
 namespace keplo::cli {
 
-/// Remotes out of files, and what the exit code of the command has become on the way.
+/// Remotes from files, and the exit code resulting from reading them.
 struct LoadedRemotes {
   std::vector<ImportedFile> Files;
   int Status = 0;
 };
 
-/// Reads remotes, and tells what of them cannot be read.
-/// @param format by name; empty to tell it from the content
-/// @throws WrongUse if no format has that name
+/// Reads remotes, and reports what cannot be read.
+/// @param format name of the format; empty to detect it
+/// @throws UsageError if no format has that name
 LoadedRemotes LoadRemoteFiles(const std::vector<std::string>& files, const std::string& format);
 
-/// Puts remotes into a file, or out where it has no name, and tells what the format cannot say.
+/// Writes remotes to a file, or to standard output if `out` is empty, and reports what the format cannot
+/// express.
 /// @return the exit code
 int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remotes, const std::string& out);
 
-/// The names of all formats, for a help.
+/// The names of all formats, for the help.
 std::string FormatNames();
 
 }  // namespace keplo::cli

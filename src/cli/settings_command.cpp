@@ -24,7 +24,7 @@ struct SettingsOptions {
 };
 
 std::string ValueShown(std::string_view text, const SettingKey& key) {
-  // A file of before a key was known works as with 0.
+  // In an older file, a missing key means 0.
   return SettingValue(text, key).value_or("0");
 }
 
@@ -42,7 +42,7 @@ std::int64_t RequireFit(std::string_view text, const SettingKey& key, const std:
   throw Refused(std::string(key.Name) + " cannot be " + value + ": it takes " + std::string(key.Takes) + ".");
 }
 
-/// A change and what comes with it: zone hardware and software carrier both need TxD.
+/// A change and its consequences: zone hardware and software carrier both need TxD.
 std::vector<SettingChange> ChangesFor(std::string_view text, const SettingKey& key, std::int64_t number,
                                       const std::string& appPathOption) {
   if (key.Name == "ITYPE" && number % 2 == 1 && NumberOf(text, "VEXIL") > 0) {

@@ -4,9 +4,10 @@
 
 namespace keplo::cli {
 
-/// Learns the codes of an index file: a JSON array of objects with "protocol" (nec, sony..., rc5), "bits" in
-/// the order received, and "key" or "name" (with "device" before it where there is one).
-/// @return the exit code; each code that was not learned is told
+/// Learns the codes in an index file: a JSON array of objects with "protocol" (nec, sony..., rc5), "bits" in
+/// the order received, and "key" or "name" (prefixed with "device" if there is one). Codes that were not
+/// learned are reported.
+/// @return the exit code
 int TeachIndex(const std::string& appPathOption, const std::string& indexFile);
 
 }  // namespace keplo::cli

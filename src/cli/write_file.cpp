@@ -12,7 +12,7 @@ namespace keplo::cli {
 
 namespace {
 
-/// Whether the path leads to what takes a text but cannot be replaced, such as a pipe or a terminal.
+/// Whether a path is that of a pipe, a terminal or the like, which can be written, but not replaced.
 bool IsStream(const std::filesystem::path& path) {
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(path, ignored);

@@ -5,7 +5,7 @@
 
 namespace keplo::cli {
 
-/// Writes a file of results, in place of one that is there.
+/// Creates or replaces a file of results.
 /// @throws Failure with the path if it cannot be written
 void WriteFile(const std::filesystem::path& path, std::string_view content);
 
