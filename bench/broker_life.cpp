@@ -166,7 +166,7 @@ bool Outages(int outages) {
   const auto twice = std::count_if(came.begin(), came.end(), [](const auto& one) { return one.second > 1; });
   const auto missing = std::count_if(connected.begin(), connected.end(),
                                      [&](std::size_t number) { return came.count(number) == 0; });
-  const std::size_t told = presser.Link().ToldPresses(), dropped = presser.Link().DroppedPresses();
+  const std::size_t told = presser.Link().ConfirmedPresses(), dropped = presser.Link().DroppedPresses();
   std::cout << outages << " outages, " << presser.Made().size() << " presses: " << told << " told, "
             << dropped << " dropped, latest after " << latest << " s, " << twice << " twice, " << missing
             << " of " << connected.size() << " pressed while connected missing\n";
@@ -188,7 +188,7 @@ bool Memory(int presses) {
     long settled = 0, most = 0;
     for (int i = 0; i < presses; ++i) {
       bridge.Tell(KeyEvent{KeyStage::Press, "1", "Lamp", "NEC&A", 0, "now", 1});
-      while (paced && bridge.ToldPresses() + bridge.DroppedPresses() + 200 < static_cast<std::size_t>(i)) {
+      while (paced && bridge.ConfirmedPresses() + bridge.DroppedPresses() + 200 < static_cast<std::size_t>(i)) {
         std::this_thread::sleep_for(1ms);
       }
       if (i % 1000 != 0) continue;
@@ -197,8 +197,8 @@ bool Memory(int presses) {
       most = std::max(most, ResidentKiB());
     }
     tests::Until(
-        [&] { return bridge.ToldPresses() + bridge.DroppedPresses() == static_cast<std::size_t>(presses); });
-    std::cout << presses << " presses, broker " << what << ": " << bridge.ToldPresses() << " told, "
+        [&] { return bridge.ConfirmedPresses() + bridge.DroppedPresses() == static_cast<std::size_t>(presses); });
+    std::cout << presses << " presses, broker " << what << ": " << bridge.ConfirmedPresses() << " told, "
               << bridge.DroppedPresses() << " dropped, memory grew by " << most - settled << " KiB of "
               << settled << "\n";
     flat = flat && most - settled < 1024;

@@ -110,7 +110,7 @@ void Check(const std::string& text, const std::string& protocol,
 bool HasSettingsInGeneral(std::string_view text) {
   const std::optional<Section> general = FindSection(text, "General");
   return general && std::all_of(SettingKeys().begin(), SettingKeys().end(), [&](const SettingKey& key) {
-           const int place = PlaceOfSetting(text, key), line = place - static_cast<int>(key.Search.size());
+           const int place = PositionOfSetting(text, key), line = place - static_cast<int>(key.Search.size());
            return (key.Late && place == kNowhere) ||
                   (line > 1 && place < general->End && text[static_cast<std::size_t>(line) - 2] == '\n');
          });

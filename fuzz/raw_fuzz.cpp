@@ -63,7 +63,7 @@ void LearnAndFind(Signals signals) {
     const keplo::RawMatch match = index.Find(heard);
     Check(match.Digits.empty() || known.find(match.Digits) != std::string::npos);
     if (!lesson.Hear(heard)) continue;
-    const keplo::RawSignal signal = keplo::DrawRawSignal(known, {lesson.Last()});
+    const keplo::RawSignal signal = keplo::MakeRawSignal(known, {lesson.Last()});
     CheckFile(signal);
     index.Add(signal);
     known += "A=G" + signal.Digits + "\r\n";

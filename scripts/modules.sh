@@ -13,7 +13,7 @@ keplo_mod line install remotes
 formats config events component_loader broker
 program
 disk ui signal host
-failure links typed_command'
+failure links typed_command event_id'
 
 # Prints "FROM TO" for every module that includes a file of another.
 arrows() {

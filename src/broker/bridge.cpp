@@ -45,36 +45,36 @@ void Bridge::SetEvents(std::vector<AnnouncedEvent> events) {
   link_.SetDevice(DeviceMessage(topics_, settings_, events_));
 }
 
-void Bridge::Tell(KeyEvent event) {
+void Bridge::Publish(KeyEvent event) {
   const auto kind = event.Stage == KeyStage::Press ? News::Kind::Press : News::Kind::AfterPress;
-  link_.Tell({std::move(event), kind});
+  link_.Publish({std::move(event), kind});
 }
 
-void Bridge::Tell(HeardSignal signal) {
-  if (!settings_.Signals || signal.Timings.empty() || !Fits(signals_, kMostSignalsPerSecond)) return;
-  link_.Tell({std::move(signal), News::Kind::Signal});
+void Bridge::Publish(HeardSignal signal) {
+  if (!settings_.Signals || signal.Timings.empty() || !IsWithinRate(signals_, kMostSignalsPerSecond)) return;
+  link_.Publish({std::move(signal), News::Kind::Signal});
 }
 
-bool Bridge::Fits(std::deque<Clock::time_point>& lately, std::size_t most) {
+bool Bridge::IsWithinRate(std::deque<Clock::time_point>& recent, std::size_t most) {
   const Clock::time_point now = Clock::now();
-  while (!lately.empty() && now - lately.front() >= std::chrono::seconds(1)) lately.pop_front();
-  if (lately.size() >= most) return false;
-  lately.push_back(now);
+  while (!recent.empty() && now - recent.front() >= std::chrono::seconds(1)) recent.pop_front();
+  if (recent.size() >= most) return false;
+  recent.push_back(now);
   return true;
 }
 
 void Bridge::Serve() {
   LogReports();
-  for (const Incoming& message : link_.TakeIncoming()) Take(message);
+  for (const Incoming& message : link_.TakeIncoming()) Handle(message);
   refused_.Count("more came than can be taken", link_.TakeOverflow());
 }
 
-void Bridge::Take(const Incoming& message) {
+void Bridge::Handle(const Incoming& message) {
   if (message.Topic != topics_.Send()) return;
   try {
     if (message.Retained) throw Failure(1, "it is retained, so that nobody knows how old it is");
     const SendRequest request = ParseSendRequest(message.Payload);
-    if (!Fits(requests_, kMostRequestsPerSecond)) throw Failure(1, "more than two came in a second");
+    if (!IsWithinRate(requests_, kMostRequestsPerSecond)) throw Failure(1, "more than two came in a second");
     uses_.Send(request);
   } catch (const Failure& failure) {
     refused_.Count(failure.what());

@@ -13,49 +13,50 @@
 
 namespace keplo::broker {
 
-/// Between a program and its broker: makes messages of what happens, and requests of what the broker asks
-/// for.
+/// Connects a program to its broker: publishes keys and signals as messages, and turns messages into send
+/// requests.
 class Bridge {
  public:
   struct Uses {
-    std::function<void()> Wake;                    // from another thread: have Serve called
-    std::function<void(const SendRequest&)> Send;  // a learned command, or lengths; throws Failure
+    std::function<void()> Wake;                    // called in another thread; Serve has to be called then
+    std::function<void(const SendRequest&)> Send;  // sends a learned command or lengths; throws Failure
     std::function<void(const Report&)> Log;
   };
 
-  /// At most so many signals a second are told; Home Assistant takes no more.
+  /// Signals published per second; Home Assistant takes no more.
   static constexpr std::size_t kMostSignalsPerSecond = 10;
-  /// At most so many requests a second are sent, so that the line also hears.
+  /// Requests sent per second; more would leave the line no time to receive.
   static constexpr std::size_t kMostRequestsPerSecond = 2;
 
   Bridge(BrokerSettings settings, const std::string& identity, Uses uses);
-  /// Logs what was never told.
+  /// Ends the connection, and logs how many key presses were never published.
   ~Bridge();
   Bridge(const Bridge&) = delete;
   Bridge& operator=(const Bridge&) = delete;
 
-  /// The activated events of the map; nothing happens if they are the ones told before.
+  /// Announces the activated events of the map, unless they are unchanged.
   void SetEvents(std::vector<AnnouncedEvent> events);
-  void Tell(KeyEvent event);
-  void Tell(HeardSignal signal);
-  /// As the topics are other ones from then on.
+  void Publish(KeyEvent event);
+  void Publish(HeardSignal signal);
+  /// Removes what this connection has published when it ends, because the topics will change.
   void ForgetAtEnd(Forgotten what) { link_.ForgetAtEnd(what); }
-  /// Logs what the connection reports, and does what the broker asks for.
+  /// Logs the reports of the connection, and carries out requests.
   void Serve();
 
-  /// Whether the broker has let us in and is there still, as far as is known.
+  /// Whether the connection is established, as far as is known.
   bool IsUp() const { return link_.IsUp(); }
-  /// Key presses that the broker has confirmed, and those that it was not told.
-  std::size_t ToldPresses() const { return link_.ToldPresses(); }
+  /// Key presses that the broker has confirmed, and those that it did not get.
+  std::size_t ConfirmedPresses() const { return link_.ConfirmedPresses(); }
   std::size_t DroppedPresses() const { return link_.DroppedPresses(); }
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// Whether one more within a second is few enough; counts it then.
-  static bool Fits(std::deque<Clock::time_point>& lately, std::size_t most);
+  /// Counts one more event, unless there have been `most` within the last second.
+  /// @return whether it was counted
+  static bool IsWithinRate(std::deque<Clock::time_point>& recent, std::size_t most);
   void LogReports();
-  void Take(const Incoming& message);
+  void Handle(const Incoming& message);
 
   const BrokerSettings settings_;
   const Topics topics_;

@@ -28,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{2};
 constexpr const char* kProbe = "probe";
 constexpr const char* kTlsStep = "secure connection";
-/// All that read signals take this for none.
+/// Subscribers that expect signals ignore this payload.
 constexpr const char* kNoSignal = "null";
 
 struct FreeAddresses {
@@ -71,7 +71,7 @@ void TryToConnect(const addrinfo* addresses) {
   throw Refusal{Trouble::Unreachable, std::strerror(error)};
 }
 
-/// A short connection in which one thing is done after the other. What fails is thrown as a Refusal.
+/// A short connection with blocking calls. They throw a Refusal if they fail.
 class Conversation final : private ClientEvents {
  public:
   Conversation(const BrokerSettings& settings, const Topics& topics, int version)
@@ -86,7 +86,7 @@ class Conversation final : private ClientEvents {
 
   void Subscribe(const std::string& topic) {
     int message = 0;
-    // Our own message is to come back where a broker drops what is not allowed in silence.
+    // Includes our own messages: their absence shows that the broker silently drops what is not permitted.
     Check(client_.Subscribe(topic, MosquittoClient::Scope::Everybody, message));
     Await([&] { return answered_ == message; });
     if (!granted_) throw Refusal{Trouble::NotAuthorized, "subscribe to " + topic};
@@ -102,35 +102,34 @@ class Conversation final : private ClientEvents {
     }
   }
 
-  /// Publishes to a topic that was subscribed to, and looks whether it comes back: a broker may grant a
-  /// subscription and deliver nothing of what may not be read.
-  bool ComesBack(const Publication& publication) {
-    came_.erase(publication.Topic);
+  /// Publishes to a subscribed topic, and checks whether the message is delivered: a broker may grant a
+  /// subscription to a topic that may not be read, and then deliver nothing.
+  bool IsDelivered(const Publication& publication) {
+    received_.erase(publication.Topic);
     Publish(publication);
-    return IsThereWithin(kLongestDelivery, [&] { return came_.count(publication.Topic) > 0; });
+    return WaitFor(kLongestDelivery, [&] { return received_.count(publication.Topic) > 0; });
   }
 
-  /// The same, where it need not come back. A 3.1.1 broker says yes and drops the message, which does not
-  /// come back then; one of MQTT 5 says no.
-  /// @return whether it has come back
-  bool PublishAndSee(const Publication& publication) {
-    const bool came = ComesBack(publication);
+  /// Like IsDelivered, for a topic that need not be readable. If publishing is not permitted, an MQTT 5
+  /// broker refuses, but a 3.1.1 broker confirms and drops the message, so that delivery is the only proof.
+  bool PublishAndRead(const Publication& publication) {
+    const bool came = IsDelivered(publication);
     if (came || version_ >= 5) return came;
     throw Refusal{Trouble::NotAuthorized, "publish to " + publication.Topic + ", or read it"};
   }
 
   int Version() const { return version_; }
 
-  /// What the broker has kept for a topic that was subscribed to; empty for nothing.
-  std::string Kept(const std::string& topic) const {
-    const auto kept = kept_.find(topic);
-    return kept == kept_.end() ? std::string() : kept->second;
+  /// The retained message of a subscribed topic; empty if there is none.
+  std::string Retained(const std::string& topic) const {
+    const auto retained = retained_.find(topic);
+    return retained == retained_.end() ? std::string() : retained->second;
   }
 
  private:
   static MosquittoClient::Login LoginOf(const BrokerSettings& settings, const Topics& topics, int version) {
     MosquittoClient::Login login;
-    // Another name than the host's, which would be thrown off.
+    // Not the host's name: the broker would disconnect the host.
     login.ClientId = topics.Node() + "-check";
     login.User = settings.User;
     login.Password = ReadPassword(settings);
@@ -158,8 +157,8 @@ class Conversation final : private ClientEvents {
   }
   void OnUnsubscribed(int /*message*/) override {}
   void OnMessage(std::string_view topic, std::string_view payload, bool retained) override {
-    came_.emplace(topic);
-    if (retained) kept_[std::string(topic)] = payload;
+    received_.emplace(topic);
+    if (retained) retained_[std::string(topic)] = payload;
   }
 
   void Check(int error) {
@@ -168,14 +167,14 @@ class Conversation final : private ClientEvents {
   }
 
   template <typename Condition>
-  void Await(Condition isThere) {
-    if (!IsThereWithin(kLongestStep, isThere)) throw Refusal{Trouble::Unreachable, "it says nothing"};
+  void Await(Condition condition) {
+    if (!WaitFor(kLongestStep, condition)) throw Refusal{Trouble::Unreachable, "it says nothing"};
   }
 
   template <typename Condition>
-  bool IsThereWithin(std::chrono::seconds longest, Condition isThere) {
+  bool WaitFor(std::chrono::seconds longest, Condition condition) {
     const auto until = Clock::now() + longest;
-    while (!refusal_ && !isThere()) {
+    while (!refusal_ && !condition()) {
       if (Clock::now() > until) return false;
       pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN),
                      0};
@@ -190,8 +189,8 @@ class Conversation final : private ClientEvents {
   const BrokerSettings& settings_;
   const int version_;
   bool isUp_ = false, granted_ = false;
-  std::set<std::string> came_;
-  std::map<std::string, std::string> kept_;
+  std::set<std::string> received_;
+  std::map<std::string, std::string> retained_;
   int answered_ = 0, reason_ = 0;
   std::optional<Refusal> refusal_;
   MosquittoClient client_;
@@ -210,68 +209,69 @@ std::unique_ptr<Conversation> LogIn(const BrokerSettings& settings, const Topics
   }
 }
 
-/// Whether the broker has said it, which it does over a secure connection that stands.
+/// Whether the broker itself refused, which implies that the secure connection was established.
 bool IsAnswerToLogin(Trouble kind) {
   return kind == Trouble::BadLogin || kind == Trouble::ClientId || kind == Trouble::Busy ||
          kind == Trouble::TooLarge;
 }
 
-using TellStep = std::function<void(const std::string& step, const std::string& result)>;
+using ReportStep = std::function<void(const std::string& step, const std::string& result)>;
 
-void TryToTellHomeAssistant(Conversation& conversation, const Topics& topics, const TellStep& tell) {
+void CheckHomeAssistantRight(Conversation& conversation, const Topics& topics, const ReportStep& report) {
   const std::string step = "right to tell Home Assistant";
-  const std::string kept = conversation.Kept(topics.Device());
-  // What is there already changes nothing. Where nothing is seen there may be something all the same, which
-  // nothing would remove.
-  if (kept.empty()) conversation.Subscribe(topics.DeviceCheck());
-  const bool seen = kept.empty() ? conversation.PublishAndSee({topics.DeviceCheck(), ""})
-                                 : conversation.PublishAndSee({topics.Device(), kept, true});
-  tell(step, seen ? "yes"
-                  : "yes, but not to read it back, so that events which are deleted while no host runs stay "
-                    "there, and that it starts again may not be heard. Let this user read " +
-                        topics.Device() + " and " + topics.Birth() + ".");
+  const std::string retained = conversation.Retained(topics.Device());
+  // Publishing the retained message again changes nothing. If there seems to be none, it may only be
+  // unreadable, and must not be overwritten.
+  if (retained.empty()) conversation.Subscribe(topics.DeviceCheck());
+  const bool seen = retained.empty() ? conversation.PublishAndRead({topics.DeviceCheck(), ""})
+                                     : conversation.PublishAndRead({topics.Device(), retained, true});
+  report(step, seen
+                   ? "yes"
+                   : "yes, but not to read it back, so that events which are deleted while no host runs stay "
+                     "there, and that it starts again may not be heard. Let this user read " +
+                         topics.Device() + " and " + topics.Birth() + ".");
 }
 
-/// @throws Refusal for a topic of which nothing is delivered
-void TryToHear(Conversation& conversation, const std::string& topic, const TellStep& tell) {
+/// @throws Refusal if nothing is delivered from the topic
+void CheckReceiverRight(Conversation& conversation, const std::string& topic, const ReportStep& report) {
   const std::string step = "right to hear " + topic;
   const std::string unseen = "not seen, as this user may not publish there to try it";
   try {
-    if (conversation.ComesBack({topic, kNoSignal})) return tell(step, "yes");
+    if (conversation.IsDelivered({topic, kNoSignal})) return report(step, "yes");
   } catch (const Refusal& refusal) {
     if (refusal.Kind != Trouble::NotAuthorized) throw;
-    return tell(step, unseen);
+    return report(step, unseen);
   }
-  // A broker of 3.1.1 does not say whether it was to publish or to read that is forbidden.
-  if (conversation.Version() < 5) return tell(step, unseen + ", or may not read it");
+  // With a 3.1.1 broker it is unknown whether publishing or reading is forbidden.
+  if (conversation.Version() < 5) return report(step, unseen + ", or may not read it");
   throw Refusal{Trouble::NotAuthorized, "read " + topic + ", though it may subscribe"};
 }
 
-/// The way to the broker; the step that is under way is told where it fails.
-class StepByStep {
+/// Runs the steps, and reports the one that fails.
+class BrokerCheck {
  public:
-  StepByStep(const BrokerSettings& settings, const std::string& identity, const TellStep& tell)
-      : settings_(settings), topics_(settings, identity), tell_(tell) {}
+  BrokerCheck(const BrokerSettings& settings, const std::string& identity, const ReportStep& report)
+      : settings_(settings), topics_(settings, identity), report_(report) {}
 
-  /// @return whether all steps were done
-  bool Go(std::span<const CheckedReceivers> receivers) {
+  /// @return whether all steps succeeded
+  bool Run(std::span<const CheckedReceivers> receivers) {
     try {
       Connect();
       const auto conversation = Login();
       Subscribe(*conversation, receivers);
       Publish(*conversation);
       step_ = "right to tell Home Assistant";
-      TryToTellHomeAssistant(*conversation, topics_, tell_);
-      Hear(*conversation, receivers);
+      CheckHomeAssistantRight(*conversation, topics_, report_);
+      CheckReceivers(*conversation, receivers);
       return true;
     } catch (const Refusal& refusal) {
       if (step_ == kTlsStep && IsAnswerToLogin(refusal.Kind)) {
-        tell_(step_, "yes");
+        report_(step_, "yes");
         step_ = "login";
       }
-      tell_(step_, TextOf(refusal, settings_) + (refusal.Kind == Trouble::Lost ? AdviceOnLoss() : ""));
+      report_(step_, TextOf(refusal, settings_) + (refusal.Kind == Trouble::Lost ? AdviceOnLoss() : ""));
     } catch (const Failure& failure) {
-      tell_(step_, failure.what());
+      report_(step_, failure.what());
     }
     return false;
   }
@@ -286,22 +286,22 @@ class StepByStep {
   void Connect() {
     step_ = "name";
     const Addresses addresses = LookUp(settings_);
-    tell_(step_, "yes");
+    report_(step_, "yes");
     step_ = "connection";
     TryToConnect(addresses.get());
-    tell_(step_, "yes");
+    report_(step_, "yes");
   }
 
   std::unique_ptr<Conversation> Login() {
     step_ = "login";
     static_cast<void>(ReadPassword(settings_));
-    if (!settings_.Tls) tell_(kTlsStep, "not asked for");
+    if (!settings_.Tls) report_(kTlsStep, "not asked for");
     step_ = settings_.Tls ? kTlsStep : "login";
     int version = 5;
     auto conversation = LogIn(settings_, topics_, version);
-    if (settings_.Tls) tell_(kTlsStep, "yes");
+    if (settings_.Tls) report_(kTlsStep, "yes");
     step_ = "login";
-    tell_(step_, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
+    report_(step_, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
     return conversation;
   }
 
@@ -312,31 +312,31 @@ class StepByStep {
     }
     if (settings_.Send) conversation.Subscribe(topics_.Send());
     for (const CheckedReceivers& line : receivers) conversation.Subscribe(line.Filter);
-    tell_(step_, "yes");
+    report_(step_, "yes");
   }
 
   void Publish(Conversation& conversation) {
     step_ = "right to publish";
-    const bool mayRead = conversation.PublishAndSee({topics_.Check(), kProbe});
-    tell_(step_, "yes");
+    const bool mayRead = conversation.PublishAndRead({topics_.Check(), kProbe});
+    report_(step_, "yes");
     if (settings_.Send && !mayRead) {
       step_ = "right to read";
       throw Refusal{Trouble::NotAuthorized, "read " + topics_.Send() + ", though it may subscribe"};
     }
   }
 
-  void Hear(Conversation& conversation, std::span<const CheckedReceivers> receivers) {
+  void CheckReceivers(Conversation& conversation, std::span<const CheckedReceivers> receivers) {
     for (const CheckedReceivers& line : receivers) {
       for (const std::string& topic : line.Topics) {
         step_ = "right to hear " + topic;
-        TryToHear(conversation, topic, tell_);
+        CheckReceiverRight(conversation, topic, report_);
       }
     }
   }
 
   const BrokerSettings& settings_;
   const Topics topics_;
-  const TellStep& tell_;
+  const ReportStep& report_;
   std::string step_;
 };
 
@@ -344,14 +344,15 @@ class StepByStep {
 
 bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
                  std::span<const CheckedReceivers> receivers,
-                 const std::function<void(const std::string&, const std::string&)>& tell) {
-  return StepByStep(settings, identity, tell).Go(receivers);
+                 const std::function<void(const std::string&, const std::string&)>& report) {
+  return BrokerCheck(settings, identity, report).Run(receivers);
 }
 
 namespace {
 
 /// @throws Failure
-void Empty(std::initializer_list<std::string> topics, const BrokerSettings& settings, const Topics& all) {
+void ClearRetained(std::initializer_list<std::string> topics, const BrokerSettings& settings,
+                   const Topics& all) {
   try {
     int version = 5;
     const auto conversation = LogIn(settings, all, version);
@@ -365,12 +366,12 @@ void Empty(std::initializer_list<std::string> topics, const BrokerSettings& sett
 
 void RemoveDevice(const BrokerSettings& settings, const std::string& identity) {
   const Topics topics(settings, identity);
-  Empty({topics.Device()}, settings, topics);
+  ClearRetained({topics.Device()}, settings, topics);
 }
 
 void ForgetDevice(const BrokerSettings& settings, const std::string& identity) {
   const Topics topics(settings, identity);
-  Empty({topics.Device(), topics.Status()}, settings, topics);
+  ClearRetained({topics.Device(), topics.Status()}, settings, topics);
 }
 
 }  // namespace keplo::broker

@@ -9,27 +9,27 @@
 
 namespace keplo::broker {
 
-/// What a line of this installation listens to.
+/// A subscription of one of this installation's lines.
 struct CheckedReceivers {
   std::string Filter;
-  std::vector<std::string> Topics;  // those of its topics that are known by their whole names
+  std::vector<std::string> Topics;  // the matching topics whose full names are known
 };
 
-/// Goes the way to the broker step by step: name, connection, secure connection, login, the right to
-/// subscribe, to publish, to tell Home Assistant and to hear receivers. Ends where a step fails. What is
-/// published for it means nothing to anybody who listens.
-/// @param tell gets a line a step: its name, and "yes", what to do or why it cannot be seen
-/// @return whether all steps were done
+/// Checks the way to the broker step by step: name, connection, secure connection, login, the permissions to
+/// subscribe, to publish, to publish to Home Assistant and to receive from receivers. Stops at the first step
+/// that fails. The messages that it publishes are ignored by all subscribers.
+/// @param report called for each step with its name, and "yes", what to do, or why it cannot be checked
+/// @return whether all steps succeeded
 bool CheckBroker(const BrokerSettings& settings, const std::string& identity,
                  std::span<const CheckedReceivers> receivers,
-                 const std::function<void(const std::string& step, const std::string& result)>& tell);
+                 const std::function<void(const std::string& step, const std::string& result)>& report);
 
-/// Takes the device out of Home Assistant; what the broker has of a host that may run stays.
-/// @throws Failure if the broker cannot be reached or does not let us
+/// Removes the device from Home Assistant, but keeps the status topic, because a host may be running.
+/// @throws Failure if the broker cannot be reached or refuses
 void RemoveDevice(const BrokerSettings& settings, const std::string& identity);
 
-/// Takes the device out of Home Assistant and what is kept of it off the broker.
-/// @throws Failure if the broker cannot be reached or does not let us
+/// Removes the device from Home Assistant, and its retained messages from the broker.
+/// @throws Failure if the broker cannot be reached or refuses
 void ForgetDevice(const BrokerSettings& settings, const std::string& identity);
 
 }  // namespace keplo::broker

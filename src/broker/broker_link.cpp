@@ -25,23 +25,23 @@ using std::chrono::milliseconds;
 using namespace std::chrono_literals;
 
 constexpr milliseconds kFirstWait = 1s;
-/// A broker that may come at any time is looked for often; one that has refused us is left alone.
+/// Short if the broker may come back at any time; longer if it has refused us.
 constexpr milliseconds kLongestWaitForBroker = 4s, kLongestWaitAfterRefusal = 60s;
-/// Two clients of one name throw each other off as fast as they come. A connection that lasts longer than
-/// this was none of those.
+/// Two clients with the same name disconnect each other again and again. A connection that lasts longer than
+/// this is not affected.
 constexpr milliseconds kShortConnection = 10s;
-constexpr int kShortConnectionsOfTwins = 3;
-/// Longer than a goodbye; a name lookup that takes longer is left to itself.
+constexpr int kMostShortConnections = 3;
+/// Longer than a goodbye. If a name lookup takes longer, its thread is detached.
 constexpr milliseconds kLongestEnd = 2s;
 
-/// Woken by a tick, this thread would run in its place on a busy machine; a batch thread waits until the tick
-/// is over.
+/// When a tick wakes this thread, the thread could preempt the tick on a busy machine; a batch thread waits
+/// until the tick is over.
 void YieldToTicks() {
   const sched_param none{};
   pthread_setschedparam(pthread_self(), SCHED_BATCH, &none);
 }
 
-/// Goes from connection to connection until the mailbox is closed.
+/// Reconnects until the mailbox is closed.
 class Connector {
  public:
   Connector(BrokerSettings settings, const std::string& identity, LinkPurpose purpose,
@@ -57,15 +57,15 @@ class Connector {
       const std::optional<Refusal> refusal = RunSession(purpose_, upSince);
       if (!refusal) return;
       const int version = version_;
-      Pause(After(*refusal, upSince));
-      if (takenOver_ && purpose_.SpeaksForDevice) GiveWay(version);
+      Pause(ReportAndBackOff(*refusal, upSince));
+      if (takenOver_ && purpose_.SpeaksForDevice) WaitForOtherHost(version);
     }
   }
 
  private:
-  /// Stays away from a host of the same identity until that one has gone.
-  /// @param version that the broker is known to speak
-  void GiveWay(int version) {
+  /// Does not reconnect while another host with the same identity is online.
+  /// @param version the protocol version that the broker is known to support
+  void WaitForOtherHost(int version) {
     version_ = version;
     LinkPurpose watch;
     watch.ClientId = purpose_.ClientId + "-watch-" + std::to_string(random_());
@@ -75,7 +75,7 @@ class Connector {
     std::optional<Clock::time_point> upSince;
     const std::optional<Refusal> end = RunSession(watch, upSince);
     if (!end || end->Detail != watch.WatchFor) return;
-    told_.clear();
+    reported_.clear();
     tries_ = 0;
   }
 
@@ -87,10 +87,10 @@ class Connector {
       login.Password = ReadPassword(settings_);
       if (purpose.SpeaksForDevice) login.LastWill = {topics_.Status(), "offline", true};
       login.ProtocolVersion = version_;
-      Session session(settings_, topics_, purpose, login, *mailbox_, pressesUnheard_);
+      Session session(settings_, topics_, purpose, login, *mailbox_, droppedPresses_);
       if (purpose.WatchFor.empty()) {
-        session.WhenUp = [this] { TellUp(); };
-        session.WhenAnswering = [this] { mailbox_->ReportUntold(); };
+        session.WhenUp = [this] { ReportUp(); };
+        session.WhenAnswering = [this] { mailbox_->ReportDropped(); };
       }
       auto refusal = session.Run();
       upSince = session.UpSince();
@@ -100,45 +100,44 @@ class Connector {
     }
   }
 
-  void TellUp() {
-    // Thrown off again and again, the text would come as often.
-    if (told_.count(Trouble::TakenOver) > 0) return;
+  void ReportUp() {
+    // While two hosts disconnect each other, this would be reported again and again.
+    if (reported_.count(Trouble::TakenOver) > 0) return;
     mailbox_->PutReport({/*IsTrouble=*/false, purpose_.Up});
-    mailbox_->ReportUntold();
+    mailbox_->ReportDropped();
   }
 
-  /// Tells what has happened, unless it was told already.
-  /// @return how long to wait
-  milliseconds After(Refusal refusal, std::optional<Clock::time_point> upSince) {
+  /// Reports why the connection ended, unless that was reported already.
+  /// @return how long to wait before the next attempt
+  milliseconds ReportAndBackOff(Refusal refusal, std::optional<Clock::time_point> upSince) {
     const bool wasShort = upSince && Clock::now() - *upSince < kShortConnection;
-    if (upSince) shortOnes_ = wasShort && refusal.Kind == Trouble::Lost ? shortOnes_ + 1 : 0;
-    if (wasShort && shortOnes_ >= kShortConnectionsOfTwins) {
+    if (upSince) shortConnections_ = wasShort && refusal.Kind == Trouble::Lost ? shortConnections_ + 1 : 0;
+    if (wasShort && shortConnections_ >= kMostShortConnections) {
       refusal = {Trouble::TakenOver, ""};
-      shortOnes_ = kShortConnectionsOfTwins;
+      shortConnections_ = kMostShortConnections;
     }
     takenOver_ = refusal.Kind == Trouble::TakenOver;
     if (upSince && !wasShort) {
       tries_ = 0;
-      told_.clear();
+      reported_.clear();
     }
-    const bool known = KnowsOlderProtocol(refusal, upSince.has_value());
-    if (!known && told_.insert(refusal.Kind).second) {
+    const bool fallsBack = FallBackToOlderProtocol(refusal, upSince.has_value());
+    if (!fallsBack && reported_.insert(refusal.Kind).second) {
       mailbox_->PutReport({/*IsTrouble=*/true,
                            TextOf(refusal, settings_) + " Until it is back, " + purpose_.WhileAway + "."});
     }
-    const milliseconds longest =
-        MayPassByItself(refusal.Kind) ? kLongestWaitForBroker : kLongestWaitAfterRefusal;
+    const milliseconds longest = IsTemporary(refusal.Kind) ? kLongestWaitForBroker : kLongestWaitAfterRefusal;
     const milliseconds wait = std::min(longest, kFirstWait * (1 << std::min(tries_++, 6)));
-    return known ? 0ms : WithJitter(wait);
+    return fallsBack ? 0ms : WithJitter(wait);
   }
 
-  /// A broker of before MQTT 5 refuses it, or hangs up on it; the other version is tried then.
-  /// @return whether to try at once
-  bool KnowsOlderProtocol(const Refusal& refusal, bool wasUp) {
+  /// A broker older than MQTT 5 refuses that version or hangs up; then the older version is tried.
+  /// @return whether to retry at once
+  bool FallBackToOlderProtocol(const Refusal& refusal, bool wasUp) {
     const bool hungUp = refusal.Kind == Trouble::Unreachable && refusal.Detail == kHangsUp;
-    const bool mayBeOld = !wasUp && (refusal.Kind == Trouble::OtherProtocol || hungUp);
-    // A later connection begins with MQTT 5 again: it may have been no more than a broker that was stopped.
-    version_ = mayBeOld && version_ == 5 ? 4 : 5;
+    const bool isMaybeOld = !wasUp && (refusal.Kind == Trouble::OtherProtocol || hungUp);
+    // Later connections begin with MQTT 5 again, because the broker may just have been stopping.
+    version_ = isMaybeOld && version_ == 5 ? 4 : 5;
     return version_ == 4;
   }
 
@@ -147,7 +146,7 @@ class Connector {
         std::uniform_int_distribution<milliseconds::rep>(wait.count() / 2, wait.count())(random_));
   }
 
-  /// Drops meanwhile what comes.
+  /// Waits, and drops news meanwhile.
   void Pause(milliseconds wait) {
     const Clock::time_point until = Clock::now() + wait;
     while (!mailbox_->IsClosed()) {
@@ -155,9 +154,9 @@ class Connector {
       if (left <= 0ms) return;
       pollfd watched{mailbox_->WakeDescriptor(), POLLIN, 0};
       poll(&watched, 1, static_cast<int>(left.count()));
-      mailbox_->Calm();
+      mailbox_->ClearWakeup();
       for (const News& news : mailbox_->TakeNews()) {
-        if (news.Of == News::Kind::Press) pressesUnheard_.insert(SubjectOf(news));
+        if (news.Type == News::Kind::Press) droppedPresses_.insert(SubjectOf(news));
         mailbox_->CountDropped(news);
       }
     }
@@ -167,12 +166,12 @@ class Connector {
   const Topics topics_;
   const LinkPurpose purpose_;
   const std::shared_ptr<Mailbox> mailbox_;
-  std::set<std::string> pressesUnheard_;
+  std::set<std::string> droppedPresses_;
   std::minstd_rand random_{std::random_device{}()};
   int version_ = 5;
-  int tries_ = 0, shortOnes_ = 0;
-  bool takenOver_ = false;  // by another host of the same identity
-  std::set<Trouble> told_;  // since a connection lasted
+  int tries_ = 0, shortConnections_ = 0;
+  bool takenOver_ = false;      // by another host of the same identity
+  std::set<Trouble> reported_;  // since the last long connection
 };
 
 }  // namespace
@@ -182,7 +181,7 @@ BrokerLink::BrokerLink(const BrokerSettings& settings, const std::string& identi
     : mailbox_(std::make_shared<Mailbox>(std::move(wake), purpose.MostIncoming)) {
   std::promise<void> ended;
   ended_ = ended.get_future();
-  // Signals are the business of the program's own threads.
+  // Signals are handled by the program's own threads.
   sigset_t all, before;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &before);
@@ -205,7 +204,7 @@ void BrokerLink::Finish() {
   } else {
     thread_.detach();
   }
-  mailbox_->ReportUntold();
+  mailbox_->ReportDropped();
 }
 
 }  // namespace keplo::broker

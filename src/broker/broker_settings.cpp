@@ -27,7 +27,7 @@ std::size_t LineAt(std::string_view text, std::size_t place) {
   throw Failure(EINVAL, file.string() + ", line " + std::to_string(line) + ": " + text);
 }
 
-/// The line of a key; its name may also stand as a value, so that the colon is looked for.
+/// The line of a key. The colon after it distinguishes it from an equal value.
 std::size_t LineOfKey(std::string_view text, const std::string& key) {
   const std::string quoted =
       nlohmann::json(key).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -38,14 +38,14 @@ std::size_t LineOfKey(std::string_view text, const std::string& key) {
   return 1;
 }
 
-/// @throws Failure with the line where the text ceases to be JSON
+/// @throws Failure with the line of the first JSON error
 nlohmann::json ParseObject(std::string_view text, const std::filesystem::path& file) {
   try {
     return ParseJsonObject(text);
   } catch (const Failure& failure) {
     std::size_t line = 1;
     try {
-      // Deep nesting is refused above and never comes here to be parsed without a limit.
+      // Deeply nested text is not parsed again, because this parser has no limit.
       if (std::string_view(failure.what()).find("nested") == std::string_view::npos) {
         const auto whole = nlohmann::json::parse(text);
       }
@@ -82,7 +82,7 @@ BrokerSettings ParseBrokerSettings(std::string_view text, const std::filesystem:
       Refuse(file, LineOfKey(text, key),
              "\"" + key + "\" is no setting; expected is one of " + AllKeys() + ".");
     }
-    if (!row->Take(value, settings)) {
+    if (!row->Set(value, settings)) {
       Refuse(file, LineOfKey(text, key), "\"" + key + "\" takes " + std::string(row->Expected) + ".");
     }
   }
@@ -127,7 +127,7 @@ std::string NameOf(const BrokerSettings& settings) {
 
 nlohmann::ordered_json AsJson(const BrokerSettings& settings) {
   nlohmann::ordered_json object;
-  for (const SettingRow& row : SettingRows()) object[std::string(row.Key)] = row.Give(settings);
+  for (const SettingRow& row : SettingRows()) object[std::string(row.Key)] = row.Get(settings);
   return object;
 }
 

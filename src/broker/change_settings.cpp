@@ -23,16 +23,16 @@ std::string OptionOf(std::string key) {
   return "--" + key;
 }
 
-/// Takes a value into the settings.
-/// @return the value as it stands in the file
-nlohmann::json TakeValue(const std::string& key, const std::string& text, BrokerSettings& settings) {
+/// Sets a value in the settings.
+/// @return the value for the file
+nlohmann::json ApplyValue(const std::string& key, const std::string& text, BrokerSettings& settings) {
   if (text.size() > kMostSettingBytes) {
     throw Failure(EINVAL, "The setting " + key + " cannot have " + std::to_string(text.size()) +
                               " bytes: it takes " + std::to_string(kMostSettingBytes) + " at most.");
   }
   const SettingRow& row = *FindSettingRow(key);
   nlohmann::json value = text;
-  const nlohmann::json kind = row.Give(settings);
+  const nlohmann::json kind = row.Get(settings);
   if (kind.is_boolean()) {
     if (text == "yes" || text == "true") value = true;
     if (text == "no" || text == "false") value = false;
@@ -41,26 +41,26 @@ nlohmann::json TakeValue(const std::string& key, const std::string& text, Broker
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error == std::errc() && end == text.data() + text.size()) value = number;
   }
-  if (row.Take(value, settings)) return value;
+  if (row.Set(value, settings)) return value;
   const std::string expected =
       value.is_string() && kind.is_boolean() ? "yes or no" : std::string(row.Expected);
   throw Failure(EINVAL, "The setting " + key + " cannot be \"" + text + "\": it takes " + expected + ".");
 }
 
-bool AreIn(const TypedSettings& changes, const std::string& key) {
+bool Contains(const TypedSettings& changes, const std::string& key) {
   return std::any_of(changes.begin(), changes.end(), [&](const auto& change) { return change.first == key; });
 }
 
-/// What was typed does not go with itself or with the file: says what to type instead.
+/// Reports that the changes are inconsistent, among themselves or with the file, and what to type instead.
 [[noreturn]] void RefuseChange(const SettingsFlaw& flaw, const TypedSettings& changes,
                                const std::filesystem::path& file) {
   std::string words = "broker set";
-  // What goes beside it may just have been said otherwise; then it goes itself.
-  const bool goes = AreIn(changes, flaw.OtherKey);
+  // If the user has just set the other key, remove this one instead.
+  const bool removes = Contains(changes, flaw.OtherKey);
   for (const auto& [key, text] : changes) {
-    if (!goes || key != flaw.Key) words += " " + OptionOf(key) + " " + ShellQuoted(text);
+    if (!removes || key != flaw.Key) words += " " + OptionOf(key) + " " + ShellQuoted(text);
   }
-  words += " " + (goes ? OptionOf(flaw.Key) + " ''" : flaw.Mend);
+  words += " " + (removes ? OptionOf(flaw.Key) + " ''" : flaw.Mend);
   throw Failure(EINVAL, "Nothing is changed: " + flaw.What +
                             ". Type it as a whole: " + TypedCommand(words, FolderOf(file).string()));
 }
@@ -72,9 +72,9 @@ BrokerSettings RequireWhole(const std::string& content, const std::optional<std:
   try {
     return ParseBrokerSettings(content, file);
   } catch (const Failure&) {
-    // What was wrong in the file before is told with the lines that it has.
+    // Errors that were in the file before are reported with their lines.
     BrokerSettings settings = before ? ParseBrokerSettings(*before, file) : BrokerSettings();
-    TakeTyped(changes, settings);
+    ApplyTyped(changes, settings);
     if (const auto flaw = FlawOf(settings)) RefuseChange(*flaw, changes, file);
     throw;
   }
@@ -94,15 +94,15 @@ nlohmann::ordered_json ObjectOf(const std::string& text, const std::filesystem::
   try {
     return nlohmann::ordered_json::parse(ParseJsonObject(text).dump());
   } catch (const Failure&) {
-    ParseBrokerSettings(text, file);  // says where
+    ParseBrokerSettings(text, file);  // throws with the line
     throw;
   }
 }
 
 }  // namespace
 
-void TakeTyped(const TypedSettings& typed, BrokerSettings& settings) {
-  for (const auto& [key, text] : typed) TakeValue(key, text, settings);
+void ApplyTyped(const TypedSettings& typed, BrokerSettings& settings) {
+  for (const auto& [key, text] : typed) ApplyValue(key, text, settings);
 }
 
 ChangedSettings ChangeBrokerSettings(const std::filesystem::path& appPath, const TypedSettings& changes) {
@@ -113,7 +113,7 @@ ChangedSettings ChangeBrokerSettings(const std::filesystem::path& appPath, const
   const std::optional<std::string> before = ReadBrokerFile(file);
   nlohmann::ordered_json object = before ? ObjectOf(*before, file) : nlohmann::ordered_json::object();
   BrokerSettings probe;
-  for (const auto& [key, text] : changes) object[key] = TakeValue(key, text, probe);
+  for (const auto& [key, text] : changes) object[key] = ApplyValue(key, text, probe);
   const std::string content = object.dump(2) + "\n";
   const BrokerSettings now = RequireWhole(content, before, changes, file);
   try {

@@ -17,10 +17,10 @@ namespace {
 
 using Piece = std::array<char, 16'384>;
 
-/// More than this is left where it is until the broker takes it.
+/// No more is taken from the library while this much waits to be sent.
 constexpr std::size_t kMostOut = 65'536;
 
-bool IsNothingYet(int error) {
+bool IsNotReady(int error) {
   return error == EAGAIN || error == EWOULDBLOCK || error == EINTR || error == ENOTCONN;
 }
 
@@ -52,24 +52,24 @@ CheckedWire::CheckedWire(int socket, int version, const BrokerSettings& settings
 int CheckedWire::In() {
   Piece piece;
   const ssize_t count = recv(broker_.Number(), piece.data(), piece.size(), MSG_DONTWAIT);
-  if (count < 0 && IsNothingYet(errno)) return 0;
+  if (count < 0 && IsNotReady(errno)) return 0;
   if (count < 0 && errno != ECONNRESET) return errno;
   ended_ = ended_ || count <= 0;
-  // Who hangs up before it has proved who it is may not speak TLS at all.
+  // If it hangs up before the handshake is complete, it may not support TLS at all.
   if (ended_) return tls_ && !tls_->IsUp() ? kNotSecure : 0;
-  return TakeSaid({piece.data(), static_cast<std::size_t>(count)});
+  return CheckReceived({piece.data(), static_cast<std::size_t>(count)});
 }
 
-int CheckedWire::TakeSaid(std::string_view bytes) {
+int CheckedWire::CheckReceived(std::string_view bytes) {
   if (!tls_) return check_.Take(bytes) ? 0 : kNotMqtt;
-  const bool isSecure = tls_->Take(bytes);
+  const bool isSecure = tls_->Receive(bytes);
   ended_ = ended_ || tls_->HasEnded();
-  const std::string opened = std::exchange(tls_->Opened(), {});
-  if (!check_.Take(opened)) return kNotMqtt;
+  const std::string plain = std::exchange(tls_->Plain(), {});
+  if (!check_.Take(plain)) return kNotMqtt;
   return isSecure ? 0 : kNotSecure;
 }
 
-bool CheckedWire::HandOn() {
+bool CheckedWire::PassToLibrary() {
   std::string& whole = check_.Whole();
   const ssize_t given = send(library_.Number(), whole.data(), whole.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
   if (given > 0) whole.erase(0, static_cast<std::size_t>(given));
@@ -81,35 +81,36 @@ bool CheckedWire::HandOn() {
   return ioctl(socket_, FIONREAD, &waiting) == 0 && waiting > 0;
 }
 
-/// @return false if there is no secure connection to take it to
-bool CheckedWire::TakeFromLibrary() {
-  // Also why there is none, for the one who looks after the broker.
-  if (tls_) out_ += std::exchange(tls_->Sealed(), {});
+/// Moves the library's output to out_.
+/// @return false if there is no secure connection
+bool CheckedWire::CollectOutput() {
+  // Without a connection, this is the TLS alert that tells the broker's administrator why.
+  if (tls_) out_ += std::exchange(tls_->Encrypted(), {});
   if (tls_ && !tls_->Fault().empty()) return false;
   Piece piece;
   const bool fits = out_.size() < kMostOut && (!tls_ || tls_->IsUp());
   const ssize_t count = fits ? recv(library_.Number(), piece.data(), piece.size(), MSG_DONTWAIT) : 0;
-  const std::string_view said(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+  const std::string_view written(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
   if (!tls_) {
-    out_ += said;
+    out_ += written;
     return true;
   }
-  const bool isSecure = said.empty() || tls_->Say(said);
-  out_ += std::exchange(tls_->Sealed(), {});
+  const bool isSecure = written.empty() || tls_->Send(written);
+  out_ += std::exchange(tls_->Encrypted(), {});
   return isSecure;
 }
 
 int CheckedWire::Out() {
   for (;;) {
-    const bool isSecure = TakeFromLibrary();
+    const bool isSecure = CollectOutput();
     if (out_.empty()) return isSecure ? 0 : kNotSecure;
     const ssize_t sent = send(broker_.Number(), out_.data(), out_.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent < 0 && errno == EPIPE) {
-      // What the broker has said before it hung up is still to be read.
+      // What the broker sent before it hung up can still be read.
       out_.clear();
       return 0;
     }
-    if (sent < 0) return IsNothingYet(errno) ? 0 : errno;
+    if (sent < 0) return IsNotReady(errno) ? 0 : errno;
     out_.erase(0, static_cast<std::size_t>(sent));
   }
 }

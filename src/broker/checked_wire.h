@@ -13,33 +13,34 @@
 
 namespace keplo::broker {
 
-/// Stands between the library and its broker, so that nothing but sound packets gets to the library; makes
-/// the connection secure where that is asked for. Never waits.
+/// Sits between the MQTT library and the broker, so that only valid packets reach the library; adds TLS if
+/// configured. Never blocks.
 class CheckedWire {
  public:
-  /// What In gives for a stream that is no MQTT.
+  /// Returned by In for a stream that is not MQTT.
   static constexpr int kNotMqtt = EPROTO;
-  /// What In and Out give when there is no secure connection, or no more.
+  /// Returned by In and Out if there is no secure connection, or if it was lost.
   static constexpr int kNotSecure = EKEYREJECTED;
 
-  /// Takes over the connection of the library, which goes on with one to this under the same number.
-  /// @param socket of the library
-  /// @throws Failure if the system gives no more sockets, or for files of TLS that cannot be used
+  /// Takes over the library's connection, and gives the library one end of a socket pair under the same
+  /// descriptor.
+  /// @param socket the library's descriptor
+  /// @throws Failure if there are no more sockets, or for TLS files that cannot be used
   CheckedWire(int socket, int version, const BrokerSettings& settings)
       : CheckedWire(socket, version, settings, Pair()) {}
 
-  /// The connection to the broker, to wait for.
+  /// The connection to the broker, for poll.
   int Socket() const { return broker_.Number(); }
-  /// Whether the broker is to be given something when its socket takes it.
+  /// Whether there is output that waits until the socket can be written.
   bool WantsWrite() const { return !out_.empty(); }
-  /// Takes in what the broker has sent.
-  /// @return 0, or an error of the system's
+  /// Reads what the broker has sent.
+  /// @return 0, or an error number
   int In();
-  /// Gives the library what fits.
-  /// @return whether there is something for it to read, or the end
-  bool HandOn();
-  /// Gives the broker what the library has written.
-  /// @return 0, or an error of the system's
+  /// Passes as much to the library as its socket takes.
+  /// @return whether the library has something to read, or the end of the stream
+  bool PassToLibrary();
+  /// Sends what the library has written.
+  /// @return 0, or an error number
   int Out();
   /// Why there is no secure connection.
   std::string WhyNotSecure() const { return tls_ ? tls_->Fault() : std::string(); }
@@ -47,8 +48,8 @@ class CheckedWire {
  private:
   static std::array<int, 2> Pair();
   CheckedWire(int socket, int version, const BrokerSettings& settings, std::array<int, 2> ends);
-  int TakeSaid(std::string_view bytes);
-  bool TakeFromLibrary();
+  int CheckReceived(std::string_view bytes);
+  bool CollectOutput();
 
   Descriptor broker_, library_;  // the connection, and our end of the library's
   const int socket_;             // the library's end

@@ -20,7 +20,7 @@ std::string NewIdentity() {
   std::random_device random;
   std::uniform_int_distribution<std::size_t> digit(0, kHexDigits.size() - 1);
   std::string identity(kDigits, '0');
-  for (char& place : identity) place = kHexDigits[digit(random)];
+  for (char& letter : identity) letter = kHexDigits[digit(random)];
   return identity;
 }
 
@@ -50,7 +50,7 @@ std::string IdentityOf(const std::filesystem::path& appPath) {
   } catch (const Failure& failure) {
     throw CannotBeWritten(file, failure);
   }
-  // Another program may have been the first.
+  // Another program may have created the file first.
   return ReadIdentity(file);
 }
 

@@ -6,11 +6,11 @@
 
 namespace keplo::broker {
 
-void KeyStages::Tell(KeyEvent& event, KeyStage stage, int count) const {
+void KeyStages::Report(KeyEvent& event, KeyStage stage, int count) const {
   event.Stage = stage;
   event.Time = LocalTime();
   event.Count = count;
-  tell_(event);
+  report_(event);
 }
 
 void KeyStages::Pressed(int place, int zone) {
@@ -22,21 +22,21 @@ void KeyStages::Held(int place, int count) {
   last_ = place;
   Press& press = presses_[place];
   press.Count = count;
-  for (auto& [eventID, event] : press.Events) Tell(event, KeyStage::Hold, count);
+  for (auto& [eventID, event] : press.Events) Report(event, KeyStage::Hold, count);
 }
 
 void KeyStages::Released(int place, int count) {
   const auto press = presses_.extract(place);
   if (press.empty()) return;
-  for (auto& [eventID, event] : press.mapped().Events) Tell(event, KeyStage::Release, count);
+  for (auto& [eventID, event] : press.mapped().Events) Report(event, KeyStage::Release, count);
 }
 
 void KeyStages::Raised(KeyEvent event) {
   const auto press = presses_.find(last_);
-  if (press == presses_.end()) return Tell(event, KeyStage::Press, 1);
+  if (press == presses_.end()) return Report(event, KeyStage::Press, 1);
   if (event.Zone == 0) event.Zone = press->second.Zone;
   const auto [place, isNew] = press->second.Events.try_emplace(event.EventID, event);
-  if (isNew) Tell(place->second, KeyStage::Press, press->second.Count);
+  if (isNew) Report(place->second, KeyStage::Press, press->second.Count);
 }
 
 }  // namespace keplo::broker

@@ -8,21 +8,21 @@
 
 namespace keplo::broker {
 
-/// Makes of keys and of the events that they raise what a broker is told: for each event one press, a hold
-/// with each further signal of the key, and one release. Rooms press theirs at the same time.
+/// Turns keys and the events that they raise into stages to publish: for each event one press, a hold for
+/// each further signal of the key, and one release. Keys may be pressed in several rooms at the same time.
 class KeyStages {
  public:
-  /// @param tell gets each stage, with the time that it has now
-  explicit KeyStages(std::function<void(const KeyEvent&)> tell) : tell_(std::move(tell)) {}
+  /// @param tell called for each stage, with the current time set
+  explicit KeyStages(std::function<void(const KeyEvent&)> report) : report_(std::move(report)) {}
 
-  // A key at a place; the events that it raises follow.
-  /// @param zone of the place, which events of every zone tell; 0 if it has none
+  // Called for a key at a place, before the events that it raises.
+  /// @param zone of the place, reported for events that are valid in every zone; 0 if it has none
   void Pressed(int place, int zone);
   /// @param count signals of the press so far
   void Held(int place, int count);
   void Released(int place, int count);
-  /// An event of the key that was pressed or held last. Without one it is a press of its own, which is
-  /// neither held nor let go.
+  /// Called for an event of the key that was pressed or held last. Without such a key, only a press is
+  /// reported.
   void Raised(KeyEvent event);
 
  private:
@@ -32,9 +32,9 @@ class KeyStages {
     std::map<std::string, KeyEvent> Events;  // by EventID
   };
 
-  void Tell(KeyEvent& event, KeyStage stage, int count) const;
+  void Report(KeyEvent& event, KeyStage stage, int count) const;
 
-  const std::function<void(const KeyEvent&)> tell_;
+  const std::function<void(const KeyEvent&)> report_;
   std::map<int, Press> presses_;  // by place
   int last_ = 0;                  // place of the key that was pressed or held last
 };

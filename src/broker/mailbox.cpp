@@ -10,7 +10,7 @@ namespace keplo::broker {
 
 namespace {
 
-std::string NotTold(std::size_t presses) {
+std::string DroppedText(std::size_t presses) {
   return presses == 1 ? "1 key press was not told" : std::to_string(presses) + " key presses were not told";
 }
 
@@ -31,15 +31,15 @@ void Mailbox::Put(News news) {
     const std::lock_guard lock(mutex_);
     if (closed_) return;
     const std::string& subject = SubjectOf(news);
-    if (news.Of == News::Kind::AfterPress && overflown_.count(subject) > 0) return;
-    const bool isPress = news.Of == News::Kind::Press;
+    if (news.Type == News::Kind::AfterPress && overflowed_.count(subject) > 0) return;
+    const bool isPress = news.Type == News::Kind::Press;
     if (news_.size() >= kMostNews) {
       if (!isPress) return;
-      NoteDrop();
-      overflown_.insert(subject);
+      CountDrop();
+      overflowed_.insert(subject);
       return;
     }
-    if (isPress) overflown_.erase(subject);
+    if (isPress) overflowed_.erase(subject);
     news_.push_back(std::move(news));
   }
   WakeConnection();
@@ -110,7 +110,7 @@ bool Mailbox::PutIncoming(Incoming message) {
     ++overflow_;
     return false;
   }
-  // Who was woken for the first takes all. Each further call would be one more to wait for by turns.
+  // One call for the first message is enough, because all are taken at once.
   const bool isFirst = incoming_.empty();
   incoming_.push_back(std::move(message));
   if (isFirst) WakeProgram(lock);
@@ -129,47 +129,47 @@ void Mailbox::SetUp(bool up) {
   up_ = up;
 }
 
-void Mailbox::CountTold(const News& news) {
-  if (news.Of != News::Kind::Press) return;
+void Mailbox::CountConfirmed(const News& news) {
+  if (news.Type != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
-  ++told_;
+  ++confirmed_;
 }
 
 void Mailbox::CountDropped(const News& news) {
-  if (news.Of != News::Kind::Press) return;
+  if (news.Type != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
-  NoteDrop();
+  CountDrop();
 }
 
 /// Under the lock.
-void Mailbox::NoteDrop() {
+void Mailbox::CountDrop() {
   ++dropped_;
-  ++(up_ ? late_ : away_);
+  ++(up_ ? droppedLate_ : droppedWhileAway_);
 }
 
 void Mailbox::CountRefused(const News& news) {
-  if (news.Of != News::Kind::Press) return;
+  if (news.Type != News::Kind::Press) return;
   const std::lock_guard lock(mutex_);
   ++dropped_;
 }
 
-void Mailbox::ReportUntold() {
+void Mailbox::ReportDropped() {
   std::size_t away = 0, late = 0;
   {
     const std::lock_guard lock(mutex_);
-    away = std::exchange(away_, 0);
-    late = std::exchange(late_, 0);
+    away = std::exchange(droppedWhileAway_, 0);
+    late = std::exchange(droppedLate_, 0);
     if (closed_) {
-      for (const News& news : std::exchange(news_, {})) away += news.Of == News::Kind::Press ? 1 : 0;
+      for (const News& news : std::exchange(news_, {})) away += news.Type == News::Kind::Press ? 1 : 0;
     }
   }
-  if (away > 0) PutReport({/*IsTrouble=*/true, NotTold(away) + " while the broker was away."});
-  if (late > 0) PutReport({/*IsTrouble=*/true, NotTold(late) + ", as the broker took no more in time."});
+  if (away > 0) PutReport({/*IsTrouble=*/true, DroppedText(away) + " while the broker was away."});
+  if (late > 0) PutReport({/*IsTrouble=*/true, DroppedText(late) + ", as the broker took no more in time."});
 }
 
-std::size_t Mailbox::ToldPresses() const {
+std::size_t Mailbox::ConfirmedPresses() const {
   const std::lock_guard lock(mutex_);
-  return told_;
+  return confirmed_;
 }
 
 std::size_t Mailbox::DroppedPresses() const {
@@ -177,19 +177,19 @@ std::size_t Mailbox::DroppedPresses() const {
   return dropped_;
 }
 
-void Mailbox::Calm() const {
+void Mailbox::ClearWakeup() const {
   std::uint64_t count = 0;
-  // Nothing to read means calm already.
+  // If there is nothing to read, it is already clear.
   static_cast<void>(!read(wakeup_.Number(), &count, sizeof count));
 }
 
 void Mailbox::WakeConnection() const {
   const std::uint64_t one = 1;
-  // A full counter wakes as well.
+  // If the counter is full, the write fails, but the descriptor is readable.
   static_cast<void>(!write(wakeup_.Number(), &one, sizeof one));
 }
 
-/// Under the lock, so that after Close nobody is called any more. The callback only posts.
+/// Called under the lock, so that there is no call after Close. The callback only posts.
 void Mailbox::WakeProgram(std::unique_lock<std::mutex>& /*lock*/) const {
   if (wake_) wake_();
 }

@@ -17,18 +17,17 @@
 
 namespace keplo::broker {
 
-/// What is news for a moment only: a stage of a key, a signal, or a message as it stands.
+/// Something to publish soon or never: a stage of a key, a signal, or a finished message.
 struct News {
   enum class Kind { Press, AfterPress, Signal };
 
-  /// A key or a signal becomes its message when it is sent: to write it takes longer than a tick has time
-  /// for.
+  /// The messages of keys and signals are composed when they are sent, because a tick has no time for that.
   std::variant<Publication, KeyEvent, HeardSignal> Content;
-  Kind Of = Kind::Press;
+  Kind Type = Kind::Press;
   std::chrono::steady_clock::time_point Made = std::chrono::steady_clock::now();
 };
 
-/// What a press and all that follows it are of: an event, else a topic.
+/// What connects a press to the news that follow it: the event, or else the topic.
 const std::string& SubjectOf(const News& news);
 
 /// A message from the broker.
@@ -38,72 +37,72 @@ struct Incoming {
   std::chrono::steady_clock::time_point Came = std::chrono::steady_clock::now();
 };
 
-/// What is taken off the broker when the connection ends.
+/// Which retained messages are removed from the broker when the connection ends.
 struct Forgotten {
   bool Device = false, Status = false;
 };
 
-/// What the connection has to tell its user.
+/// A message for the user.
 struct Report {
-  bool IsTrouble = false;  // something that its user may have to mend
+  bool IsTrouble = false;  // something that the user may have to fix
   std::string Text;
 };
 
-/// Where the thread of the program and the thread of the connection meet. The one puts news in and takes out
-/// what has come, the other the other way round; neither waits for the other.
+/// Exchanges data between the program's thread and the connection's thread; neither waits for the other.
 class Mailbox {
  public:
-  /// More than a second of keys on many remotes; what does not fit is dropped.
+  /// More than a second of keys on many remotes; further news are dropped.
   static constexpr std::size_t kMostNews = 512;
   static constexpr std::size_t kMostReports = 64;
 
-  /// @param mostIncoming messages that wait to be taken; what does not fit is dropped and counted
+  /// @param mostIncoming messages that may wait to be taken; further ones are dropped and counted
   Mailbox(std::function<void()> wake, std::size_t mostIncoming);
 
-  // The program's side.
+  // Called by the program:
   void Put(News news);
   void SetDevice(std::string message);
-  /// As the topics are other ones from then on.
+  /// Requests the removal of retained messages, because the topics will change.
   void ForgetAtEnd(Forgotten what);
-  /// Nothing more is told, and the connection is to end.
+  /// Asks the connection to end; no more news are accepted.
   void Close();
   std::vector<Incoming> TakeIncoming();
   std::vector<Report> TakeReports();
-  /// How many messages did not fit since this was asked last.
+  /// How many incoming messages were dropped since the last call.
   std::size_t TakeOverflow();
-  /// Whether the broker has let us in and is there still, as far as is known.
+  /// Whether the connection is established, as far as is known.
   bool IsUp() const;
 
-  // The connection's side.
+  // Called by the connection:
   std::deque<News> TakeNews();
   std::string Device() const;
   bool IsClosed() const;
   Forgotten ForgetsAtEnd() const;
-  /// @return whether it fits; counted if it does not
+  /// @return false if it was dropped and counted
   bool PutIncoming(Incoming message);
-  /// Counts a message that is not even tried.
+  /// Counts a message that was dropped without trying PutIncoming.
   void CountOverflow() { ++overflow_; }
   void PutReport(Report report);
   void SetUp(bool up);
-  /// Counts news that the broker has confirmed.
-  void CountTold(const News& news);
-  /// Counts news that were not told, as the broker was away or slower than they came.
+  // These count presses and ignore other news.
+  /// Counts confirmed news.
+  void CountConfirmed(const News& news);
+  /// Counts news that were not published because the broker was away or too slow.
   void CountDropped(const News& news);
-  /// Counts news that the broker did not take; that is told where it is seen, and no absence.
+  /// Counts news that the broker refused. ReportDropped omits them, because each refusal is reported.
   void CountRefused(const News& news);
-  /// Reports how many key presses were not told since it did so last; those still in here too once it is
-  /// closed.
-  void ReportUntold();
-  /// Readable when there is something for the connection, until Calm.
+  /// Reports how many key presses were dropped since the last report; after Close, this includes those that
+  /// are still waiting.
+  void ReportDropped();
+  /// Readable while there is something for the connection, until ClearWakeup.
   int WakeDescriptor() const { return wakeup_.Number(); }
-  void Calm() const;
+  void ClearWakeup() const;
 
-  /// Key presses that the broker has confirmed, and those that it was not told, so far.
-  std::size_t ToldPresses() const;
+  /// Key presses that the broker has confirmed so far, and those that it did not get.
+  std::size_t ConfirmedPresses() const;
   std::size_t DroppedPresses() const;
 
  private:
-  void NoteDrop();
+  void CountDrop();
   void WakeConnection() const;
   void WakeProgram(std::unique_lock<std::mutex>& lock) const;
 
@@ -114,10 +113,10 @@ class Mailbox {
   std::string device_;
   std::vector<Incoming> incoming_;
   std::vector<Report> reports_;
-  std::set<std::string> overflown_;  // subjects whose last press did not fit; its release goes with it
+  std::set<std::string> overflowed_;  // subjects whose last press was dropped for lack of space
   const std::size_t mostIncoming_;
-  std::size_t told_ = 0, dropped_ = 0;
-  std::size_t away_ = 0, late_ = 0;  // of the dropped ones: not yet reported, by what the broker was
+  std::size_t confirmed_ = 0, dropped_ = 0;
+  std::size_t droppedWhileAway_ = 0, droppedLate_ = 0;  // not yet reported
   std::atomic<std::size_t> overflow_ = 0;
   bool closed_ = false, up_ = false;
   Forgotten forgets_;

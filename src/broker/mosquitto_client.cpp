@@ -17,7 +17,7 @@ namespace keplo::broker {
 
 namespace {
 
-/// The library itself, set up as long as the program runs.
+/// Initialises the library once for the lifetime of the program.
 void SetUpLibrary() {
   struct Library {
     Library() { mosquitto_lib_init(); }
@@ -40,7 +40,7 @@ constexpr int kRefusedSubscription = 128;
 
 }  // namespace
 
-/// The library's callbacks; the C++ objects behind them do not throw.
+/// The library's callbacks. They must not throw.
 struct MosquittoClient::Callbacks {
   static MosquittoClient& Of(void* self) { return *static_cast<MosquittoClient*>(self); }
 
@@ -53,7 +53,7 @@ struct MosquittoClient::Callbacks {
         });
     mosquitto_disconnect_v5_callback_set(
         client, [](mosquitto*, void* self, int reason, const mosquitto_property*) {
-          // The library's own errors come by the same way, below the reasons of the protocol.
+          // Smaller numbers are errors of the library.
           Of(self).events_.OnHangUp(reason >= MQTT_RC_UNSPECIFIED ? reason : 0);
         });
     mosquitto_publish_v5_callback_set(
@@ -106,25 +106,25 @@ MosquittoClient::MosquittoClient(const BrokerSettings& settings, const Login& lo
 
 MosquittoClient::~MosquittoClient() = default;
 
-int MosquittoClient::Noted(int error) {
+int MosquittoClient::NoteSystemError(int error) {
   if (error == MOSQ_ERR_ERRNO) systemError_ = errno;
   return error;
 }
 
 int MosquittoClient::Connect() {
   errno = 0;
-  // A library that believes in a thread of its own says nothing to the broker before the wire is there.
+  // In threaded mode the library sends nothing yet, so that everything goes through the wire.
   mosquitto_threaded_set(client_.get(), true);
-  const int error = Noted(mosquitto_connect_bind_async(client_.get(), settings_.Host.c_str(), settings_.Port,
-                                                       kKeepAliveSeconds, nullptr));
+  const int error = NoteSystemError(mosquitto_connect_bind_async(client_.get(), settings_.Host.c_str(),
+                                                                 settings_.Port, kKeepAliveSeconds, nullptr));
   mosquitto_threaded_set(client_.get(), false);
   if (error != MOSQ_ERR_SUCCESS) return error;
   wire_.emplace(mosquitto_socket(client_.get()), version_, settings_);
   return Write();
 }
 
-/// The error of the library that is like a fault of the wire.
-int MosquittoClient::ErrorOf(int fault) {
+/// The library error that corresponds to an error of the wire.
+int MosquittoClient::LibraryErrorOf(int fault) {
   switch (fault) {
     case 0:
       return MOSQ_ERR_SUCCESS;
@@ -140,26 +140,27 @@ int MosquittoClient::ErrorOf(int fault) {
   }
 }
 
-/// Gives the broker what a call of the library has written.
-int MosquittoClient::WithOutput(int error) {
+/// Sends the output of a library call.
+int MosquittoClient::FlushOutput(int error) {
   const int fault = wire_ ? wire_->Out() : 0;
-  return error == MOSQ_ERR_SUCCESS ? ErrorOf(fault) : error;
+  return error == MOSQ_ERR_SUCCESS ? LibraryErrorOf(fault) : error;
 }
 
 int MosquittoClient::Read() {
   if (!wire_) return MOSQ_ERR_NO_CONN;
   if (const int fault = wire_->In(); fault != 0) {
     wire_->Out();
-    return ErrorOf(fault);
+    return LibraryErrorOf(fault);
   }
   int error = MOSQ_ERR_SUCCESS;
-  while (error == MOSQ_ERR_SUCCESS && wire_->HandOn()) error = Noted(mosquitto_loop_read(client_.get(), 1));
-  return WithOutput(error);
+  while (error == MOSQ_ERR_SUCCESS && wire_->PassToLibrary())
+    error = NoteSystemError(mosquitto_loop_read(client_.get(), 1));
+  return FlushOutput(error);
 }
 
-int MosquittoClient::Write() { return WithOutput(Noted(mosquitto_loop_write(client_.get(), 1))); }
-int MosquittoClient::KeepAlive() { return WithOutput(Noted(mosquitto_loop_misc(client_.get()))); }
-int MosquittoClient::Disconnect() { return WithOutput(mosquitto_disconnect(client_.get())); }
+int MosquittoClient::Write() { return FlushOutput(NoteSystemError(mosquitto_loop_write(client_.get(), 1))); }
+int MosquittoClient::KeepAlive() { return FlushOutput(NoteSystemError(mosquitto_loop_misc(client_.get()))); }
+int MosquittoClient::Disconnect() { return FlushOutput(mosquitto_disconnect(client_.get())); }
 
 int MosquittoClient::Publish(const Publication& publication, int& message) {
   mosquitto_property* list = nullptr;
@@ -168,7 +169,7 @@ int MosquittoClient::Publish(const Publication& publication, int& message) {
                                  static_cast<std::uint32_t>(publication.ExpirySeconds));
   }
   const std::unique_ptr<mosquitto_property, FreeProperties> properties(list);
-  return WithOutput(mosquitto_publish_v5(
+  return FlushOutput(mosquitto_publish_v5(
       client_.get(), &message, publication.Topic.c_str(), static_cast<int>(publication.Payload.size()),
       publication.Payload.data(), 1, publication.Retain, properties.get()));
 }
@@ -178,11 +179,11 @@ int MosquittoClient::Subscribe(const std::string& topic, Scope scope, int& messa
   if (version_ >= 5 && scope == Scope::OthersAsPublished) options = MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
   const bool mayChoose = version_ >= 5 && !topic.starts_with("$share/");
   if (mayChoose && scope != Scope::Everybody) options |= MQTT_SUB_OPT_NO_LOCAL;
-  return WithOutput(mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr));
+  return FlushOutput(mosquitto_subscribe_v5(client_.get(), &message, topic.c_str(), 1, options, nullptr));
 }
 
 int MosquittoClient::Unsubscribe(const std::string& topic, int& message) {
-  return WithOutput(mosquitto_unsubscribe(client_.get(), &message, topic.c_str()));
+  return FlushOutput(mosquitto_unsubscribe(client_.get(), &message, topic.c_str()));
 }
 
 int MosquittoClient::Socket() const { return wire_ ? wire_->Socket() : mosquitto_socket(client_.get()); }
@@ -190,12 +191,12 @@ bool MosquittoClient::WantsWrite() const {
   return mosquitto_want_write(client_.get()) || (wire_ && wire_->WantsWrite());
 }
 
-bool MosquittoClient::HasUntaken() const {
+bool MosquittoClient::HasUnsent() const {
   int bytes = 0;
   return (wire_ && wire_->WantsWrite()) || (ioctl(Socket(), SIOCOUTQ, &bytes) == 0 && bytes > 0);
 }
 
-void MosquittoClient::DropUntaken() {
+void MosquittoClient::DropUnsent() {
   const linger none{1, 0};
   setsockopt(Socket(), SOL_SOCKET, SO_LINGER, &none, sizeof none);
 }

@@ -12,13 +12,13 @@ struct mosquitto;
 
 namespace keplo::broker {
 
-/// What a client hears from its broker; runs inside Read, Write and KeepAlive.
+/// Notifications of a client, called within Read, Write and KeepAlive.
 class ClientEvents {
  public:
-  /// @param reason 0 if the broker lets us in
-  /// @param receiveMaximum messages at QoS 1 that the broker takes at once before it has confirmed them
+  /// @param reason 0 if the broker accepts the connection
+  /// @param receiveMaximum QoS 1 messages that may be unconfirmed at the same time
   virtual void OnConnectAnswer(int reason, int receiveMaximum) = 0;
-  /// @param reason of MQTT 5, 0 if the broker gave none
+  /// @param reason an MQTT 5 reason code, 0 if the broker gave none
   virtual void OnHangUp(int reason) = 0;
   virtual void OnPublished(int message, int reason) = 0;
   virtual void OnSubscribed(int message, bool granted) = 0;
@@ -29,63 +29,63 @@ class ClientEvents {
   ~ClientEvents() = default;
 };
 
-/// One message to a broker.
+/// A message to a broker.
 struct Publication {
   std::string Topic, Payload;
   bool Retain = false;
-  int ExpirySeconds = 0;  // 0 for never; MQTT 5 alone knows it
+  int ExpirySeconds = 0;  // 0 for never; ignored before MQTT 5
 };
 
-/// One connection to a broker, from its beginning to its end: whoever connects again makes a new one, so that
-/// nothing of the old one is ever sent again. All calls come from one thread, which waits for Socket.
+/// A single connection to a broker. To reconnect, create a new object, so that no old message is sent again.
+/// All calls must come from one thread, which polls Socket.
 class MosquittoClient {
  public:
   struct Login {
     std::string ClientId, User, Password;
-    Publication LastWill;     // none without a topic
+    Publication LastWill;     // none if the topic is empty
     int ProtocolVersion = 5;  // 4 is MQTT 3.1.1
   };
 
-  /// Longest silence before a sign of life, seconds. A broker tells our last will after 1.5 times that, when
-  /// it looks, as mosquitto does each six seconds.
+  /// A broker publishes the last will after 1.5 times as much silence, as soon as it checks; mosquitto checks
+  /// every six seconds.
   static constexpr int kKeepAliveSeconds = 5;
 
-  /// @param settings, events outlive it
-  /// @throws Failure for names that the library does not take
+  /// @param settings, events must outlive the client
+  /// @throws Failure for names that the library refuses
   MosquittoClient(const BrokerSettings& settings, const Login& login, ClientEvents& events);
   ~MosquittoClient();
   MosquittoClient(const MosquittoClient&) = delete;
   MosquittoClient& operator=(const MosquittoClient&) = delete;
 
-  // Each gives an error of the library, 0 for none.
-  /// Looks up the name, which may take its time, and begins to connect.
-  /// @throws Failure for files of TLS that cannot be used
+  // These return an error of the library, 0 for success.
+  /// Looks up the name, which may take long, and starts to connect.
+  /// @throws Failure for TLS files that cannot be used
   int Connect();
   int Read();
   int Write();
   int KeepAlive();
   int Disconnect();
-  /// @param message written with the number by which OnPublished tells it
+  /// @param message receives the number that OnPublished will report
   int Publish(const Publication& publication, int& message);
-  /// Whose messages to take, and how; MQTT 5 alone gives a choice, and none for a topic that is shared.
+  /// Whose messages to receive. Only MQTT 5 has a choice, and none for shared subscriptions.
   enum class Scope {
-    Everybody,  // also what we publish ourselves
+    Everybody,  // including our own
     Others,
-    OthersAsPublished,  // what was published as a message to keep counts as retained also when it comes at
-                        // once
+    OthersAsPublished,  // messages published as retained are marked so even if delivered immediately
   };
-  /// At QoS 1.
+  /// Subscribes with QoS 1.
   int Subscribe(const std::string& topic, Scope scope, int& message);
   int Unsubscribe(const std::string& topic, int& message);
 
-  int Socket() const;  // -1 without a connection
+  int Socket() const;  // -1 if there is no connection
   bool WantsWrite() const;
-  /// Whether something was written that the machine of the broker has not taken.
-  bool HasUntaken() const;
-  /// At its end the connection is cut, so that the system does not go on to send what it has still to send.
-  void DropUntaken();
-  /// What the library has logged as errors since the last call, and the system's number beside an error.
+  /// Whether there is output that the broker's machine has not acknowledged.
+  bool HasUnsent() const;
+  /// Makes the system discard unsent output when the connection is closed.
+  void DropUnsent();
+  /// The errors that the library has logged since the last call.
   std::string TakeLog();
+  /// The error number of the last system error.
   int SystemError() const { return systemError_; }
 
  private:
@@ -94,9 +94,9 @@ class MosquittoClient {
     void operator()(mosquitto* client) const;
   };
 
-  int Noted(int error);
-  int ErrorOf(int fault);
-  int WithOutput(int error);
+  int NoteSystemError(int error);
+  int LibraryErrorOf(int fault);
+  int FlushOutput(int error);
 
   const BrokerSettings& settings_;
   const int version_;

@@ -7,7 +7,7 @@
 
 namespace keplo::broker {
 
-bool MovesTheDevice(const BrokerSettings& before, const BrokerSettings& now) {
+bool MovesDevice(const BrokerSettings& before, const BrokerSettings& now) {
   return before.DiscoveryPrefix != now.DiscoveryPrefix;
 }
 
@@ -16,16 +16,16 @@ std::string ForgetCommand(const BrokerSettings& before, const BrokerSettings& no
   std::string words = "broker forget";
   if (before.Host != now.Host) words += " --host " + ShellQuoted(before.Host);
   if (before.Port != now.Port) words += " --port " + std::to_string(before.Port);
-  if (MovesTheDevice(before, now)) words += " --discovery-prefix " + ShellQuoted(before.DiscoveryPrefix);
+  if (MovesDevice(before, now)) words += " --discovery-prefix " + ShellQuoted(before.DiscoveryPrefix);
   return TypedCommand(words, appPath.string());
 }
 
-std::string TakeOutOfOldPlace(const BrokerSettings& before, const BrokerSettings& now,
-                              const std::filesystem::path& appPath) {
-  // Without an identity nothing was ever told to a broker.
+std::string RemoveFromOldBroker(const BrokerSettings& before, const BrokerSettings& now,
+                                const std::filesystem::path& appPath) {
+  // Without an identity, nothing has ever been published.
   if (!std::filesystem::exists(IdentityFile(appPath))) return {};
   const std::string command = ForgetCommand(before, now, appPath);
-  if (!MovesTheDevice(before, now)) {
+  if (!MovesDevice(before, now)) {
     if (before.Host == now.Host && before.Port == now.Port) return {};
     return "if " + NameOf(now) + " is another broker than " + NameOf(before) +
            ", the device stays on that one, offline; take it out with: " + command;

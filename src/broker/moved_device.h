@@ -7,19 +7,19 @@
 
 namespace keplo::broker {
 
-/// Whether Home Assistant would have the device twice. Under the same topic it stays, and with it its
-/// history, also on a broker of another name, which may be the same one.
-bool MovesTheDevice(const BrokerSettings& before, const BrokerSettings& now);
+/// Whether Home Assistant would get a second device. With the same topic it keeps the device and its history,
+/// even if the broker has another name, which may refer to the same broker.
+bool MovesDevice(const BrokerSettings& before, const BrokerSettings& now);
 
-/// The command that takes the device out where earlier settings have told it to a broker.
+/// The command that removes the device announced with earlier settings.
 std::string ForgetCommand(const BrokerSettings& before, const BrokerSettings& now,
                           const std::filesystem::path& appPath);
 
-/// Takes the device out where it was before the settings changed. Nobody else would: a host that did not run
-/// meanwhile knows nothing of the old ones.
-/// @return what is left to do for a person; empty for nothing
+/// Removes the device that was announced before the settings changed. A host that was not running at that
+/// time could not, because it does not know the old settings.
+/// @return what is left for the user to do; empty for nothing
 /// @throws Failure for an identity that cannot be read
-std::string TakeOutOfOldPlace(const BrokerSettings& before, const BrokerSettings& now,
-                              const std::filesystem::path& appPath);
+std::string RemoveFromOldBroker(const BrokerSettings& before, const BrokerSettings& now,
+                                const std::filesystem::path& appPath);
 
 }  // namespace keplo::broker

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kLongestNumberBytes = 4;
 
-/// Reads on in a packet; what is not there makes it unsound.
+/// Reads the fields of a packet. It is unsound if a field is missing.
 class PacketReader {
  public:
   explicit PacketReader(std::string_view bytes) : left_(bytes) {}
@@ -35,7 +35,7 @@ class PacketReader {
     const std::size_t high = Byte();
     Take(high * 256 + Byte());
   }
-  /// A number of 7 bits a byte.
+  /// A number with 7 bits per byte.
   std::size_t Number() {
     std::size_t number = 0;
     for (int i = 0; i < kLongestNumberBytes; ++i) {
@@ -110,8 +110,8 @@ constexpr unsigned kReleaseFlags = 2;
 
 unsigned TypeOf(char first) { return static_cast<unsigned char>(first) >> 4U; }
 
-/// Whether a broker may send a packet that begins so.
-bool IsOfABroker(char first, int version) {
+/// Whether a broker may send a packet with this first byte.
+bool MayComeFromBroker(char first, int version) {
   const unsigned type = TypeOf(first), flags = static_cast<unsigned char>(first) & 0xfU;
   if (type == kPublish) return true;
   if (flags != (type == kPublishRelease ? kReleaseFlags : 0)) return false;
@@ -130,7 +130,8 @@ bool IsOfABroker(char first, int version) {
   }
 }
 
-/// A packet of MQTT 5 after its length, as far as its properties; the library reads the rest with care.
+/// Checks an MQTT 5 packet up to its properties; the library itself checks the rest.
+/// @param body the packet after its length
 bool HasSoundProperties(char first, std::string_view body) {
   PacketReader reader(body);
   const unsigned type = TypeOf(first);
@@ -146,27 +147,27 @@ bool HasSoundProperties(char first, std::string_view body) {
   } else if (type == kPingAnswer) {
     return true;
   }
-  // Short answers leave out what says nothing.
+  // Short packets omit the properties.
   if (type != kPublish && reader.Left() <= before) return true;
   reader.Take(before);
   reader.Properties();
   return reader.IsSound();
 }
 
-/// Whether a packet of MQTT 3.1.1 is as long as its kind may be behind its length.
-bool HasUsualLength(char first, std::size_t body) {
+/// Whether the body of an MQTT 3.1.1 packet has a length that is possible for its type.
+bool HasValidLength(char first, std::size_t body) {
   const unsigned type = TypeOf(first);
   if (type == kPublish) return body >= 2;
   if (type == kSubscribeAnswer) return body >= 3;
   return body == (type == kPingAnswer ? 0 : 2);
 }
 
-/// Bytes of the packet that a text begins with and of its head.
+/// Sizes of the first packet of a stream, in bytes.
 struct PacketSize {
-  std::size_t Head = 0, Whole = 0;
+  std::size_t Head = 0, Whole = 0;  // the head is type and length
 };
 
-/// @return none if the head is not all there
+/// @return nothing if the head is incomplete
 std::optional<PacketSize> SizeOf(std::string_view text) {
   PacketReader reader(text.substr(0, 1 + kLongestNumberBytes));
   reader.Take(1);
@@ -179,24 +180,24 @@ std::optional<PacketSize> SizeOf(std::string_view text) {
 }  // namespace
 
 bool PacketCheck::Take(std::string_view bytes) {
-  begun_ += bytes;
-  std::string_view left = begun_;
+  partial_ += bytes;
+  std::string_view left = partial_;
   while (!left.empty()) {
     const char first = left.front();
-    if (!IsOfABroker(first, version_)) return false;
-    // Before that a broker says nothing else.
-    if (!answered_ && TypeOf(first) != kConnectAnswer) return false;
+    if (!MayComeFromBroker(first, version_)) return false;
+    // The answer to the connection request has to come first.
+    if (!connected_ && TypeOf(first) != kConnectAnswer) return false;
     const std::optional<PacketSize> size = SizeOf(left);
     if (!size && left.size() > kLongestNumberBytes) return false;
     if (size && size->Whole > kLongestPacket) return false;
     if (!size || size->Whole > left.size()) break;
     const std::string_view body = left.substr(size->Head, size->Whole - size->Head);
-    if (version_ >= 5 ? !HasSoundProperties(first, body) : !HasUsualLength(first, body.size())) return false;
-    answered_ = true;
+    if (version_ >= 5 ? !HasSoundProperties(first, body) : !HasValidLength(first, body.size())) return false;
+    connected_ = true;
     whole_ += left.substr(0, size->Whole);
     left.remove_prefix(size->Whole);
   }
-  begun_.erase(0, begun_.size() - left.size());
+  partial_.erase(0, partial_.size() - left.size());
   return true;
 }
 

@@ -6,27 +6,26 @@
 
 namespace keplo::broker {
 
-/// Lets through whole packets of MQTT that a broker may send, and nothing else. The library trusts its
-/// broker: it ends the whole program at a property that it does not know, and reserves what a length asks
-/// for.
+/// Passes only complete, valid MQTT packets that a broker may send. The library trusts the broker: it
+/// terminates the program for an unknown property, and allocates as much memory as a length claims.
 class PacketCheck {
  public:
-  /// More than the device of ten thousand events, which the broker gives back.
+  /// The broker returns the discovery message; this is enough for ten thousand events.
   static constexpr std::size_t kLongestPacket = 4'000'000;
 
-  /// @param version of the protocol, 5 or 4
+  /// @param version of MQTT: 5, or 4 for 3.1.1
   explicit PacketCheck(int version) : version_(version) {}
 
-  /// Takes the next bytes of the stream, wherever they end.
-  /// @return false for what is no MQTT; nothing after it can be taken
+  /// Adds the next bytes of the stream, which may end within a packet.
+  /// @return false if the stream is not valid MQTT; it cannot be continued
   bool Take(std::string_view bytes);
-  /// The whole packets that came and are not taken out.
+  /// The complete packets, for the caller to remove.
   std::string& Whole() { return whole_; }
 
  private:
   const int version_;
-  bool answered_ = false;  // our connection
-  std::string begun_, whole_;
+  bool connected_ = false;  // the broker has answered the connection request
+  std::string partial_, whole_;
 };
 
 }  // namespace keplo::broker

@@ -29,8 +29,7 @@ std::string AboutTls(const std::string& detail, const BrokerSettings& settings) 
   }
   if (Says(detail, "certificate required") || Says(detail, "handshake failure")) {
     return "the broker asks for a client certificate, or refuses ours; set \"certificate\" and \"key\" to "
-           "those "
-           "that it knows.";
+           "those that it knows.";
   }
   if (Says(detail, "unknown ca")) {
     return "the broker does not know who signed our certificate; set \"certificate\" to one that it knows.";
@@ -44,8 +43,7 @@ std::string AboutTls(const std::string& detail, const BrokerSettings& settings) 
     return (settings.Ca.empty() ? "none of the system's authorities vouches for it"
                                 : "the authority in " + settings.Ca + " does not vouch for it") +
            "; set \"ca\" to the certificate of the authority that signed the broker's, and look whether one "
-           "of "
-           "the two has expired and whether the clock of this machine is right.";
+           "of the two has expired and whether the clock of this machine is right.";
   }
   if (Says(detail, "wrong version number") || Says(detail, "packet length too long")) {
     return "what answers there does not speak TLS; set \"port\" to the broker's TLS port, or \"tls\" to "
@@ -57,7 +55,7 @@ std::string AboutTls(const std::string& detail, const BrokerSettings& settings) 
 
 }  // namespace
 
-bool MayPassByItself(Trouble kind) {
+bool IsTemporary(Trouble kind) {
   switch (kind) {
     case Trouble::NoName:
     case Trouble::Unreachable:
@@ -104,8 +102,7 @@ std::string TextOf(const Refusal& refusal, const BrokerSettings& settings) {
       return broker + " refuses the client's name" + because + ". Set \"client_id\" to one that it takes.";
     case Trouble::TakenOver:
       return "Another program throws this one off the broker: it has the same identity. If an installation "
-             "was "
-             "copied, remove broker.id of the copy; run one host per installation.";
+             "was copied, remove broker.id of the copy; run one host per installation.";
     case Trouble::TooLarge:
       return broker + " does not take so large a message" + because +
              ". Raise its limit (mosquitto: max_packet_size), or announce fewer events.";
@@ -130,7 +127,7 @@ Refusal RefusalOfConnectAnswer(int reason, int protocolVersion) {
         return {Trouble::Busy, ""};
       case CONNACK_REFUSED_BAD_USERNAME_PASSWORD:
         return {Trouble::BadLogin, ""};
-      // A 3.1.1 broker says so of a wrong password too.
+      // A 3.1.1 broker also returns this for a wrong password.
       case CONNACK_REFUSED_NOT_AUTHORIZED:
         return {Trouble::BadLogin, mosquitto_connack_string(reason)};
       default:
@@ -138,7 +135,7 @@ Refusal RefusalOfConnectAnswer(int reason, int protocolVersion) {
     }
   }
   switch (reason) {
-    case CONNACK_REFUSED_PROTOCOL_VERSION:  // a 3.1.1 broker answers in its own numbers
+    case CONNACK_REFUSED_PROTOCOL_VERSION:  // a 3.1.1 broker uses its own codes
     case MQTT_RC_UNSUPPORTED_PROTOCOL_VERSION:
       return {Trouble::OtherProtocol, ""};
     case MQTT_RC_CLIENTID_NOT_VALID:

@@ -7,49 +7,49 @@
 
 namespace keplo::broker {
 
-/// Why there is no connection, or no longer one.
+/// Why there is no connection, or why it ended.
 enum class Trouble {
-  NoName,         // the broker's name is not known
-  Unreachable,    // nobody answers there, or the connection was lost before the broker said a word
+  NoName,         // the broker's host name is unknown
+  Unreachable,    // no answer, or the connection was lost before the broker sent anything
   Tls,            // no secure connection
-  OtherProtocol,  // the broker does not know this version of the protocol
+  OtherProtocol,  // the broker does not support this version of MQTT
   BadLogin,       // user or password
-  NotAuthorized,  // no right to connect, publish or subscribe
-  ClientId,       // the broker refuses this name
-  TakenOver,      // another client of the same name has come
-  TooLarge,       // a message that the broker does not take
-  Busy,           // the broker cannot just now
-  Files,          // a file of ours: password, certificate
-  Lost            // the connection was there and is gone
+  NotAuthorized,  // not permitted to connect, publish or subscribe
+  ClientId,       // the broker refuses the client identifier
+  TakenOver,      // another client with the same identifier has connected
+  TooLarge,       // the broker refuses messages of this size
+  Busy,           // the broker is temporarily unavailable
+  Files,          // a local file cannot be used: password, certificate
+  Lost            // an established connection has ended
 };
 
-/// What has failed, as the library and the broker tell it.
+/// A failure, with the original text of its source.
 struct Refusal {
   Trouble Kind = Trouble::Unreachable;
-  std::string Detail;  // in the words of the library, the broker or the system; may be empty
+  std::string Detail;  // from the library, the broker or the system; may be empty
 };
 
-/// Detail of a broker that ends a connection before it has said a word.
+/// Detail for a broker that closes the connection before it has sent anything.
 inline constexpr std::string_view kHangsUp = "it hangs up";
 
-/// Detail of a stream that is none of MQTT.
+/// Detail for a stream that is not MQTT.
 inline constexpr std::string_view kNotMqtt = "what it sends is no MQTT";
 
-/// Detail of a client key that cannot be read without a password.
+/// Detail for a client key that needs a password.
 inline constexpr std::string_view kKeyIsEncrypted = "the key is encrypted";
 
-/// Whether to try again soon may help: the broker, or the way to it, may come at any time.
-bool MayPassByItself(Trouble kind);
+/// Whether the trouble may end by itself at any time, so that it makes sense to retry soon.
+bool IsTemporary(Trouble kind);
 
-/// One sentence for a person: what happened, and what to do.
+/// A message for the user: what happened, and what to do.
 std::string TextOf(const Refusal& refusal, const BrokerSettings& settings);
 
-/// The refusal that a broker's answer to a connection means.
-/// @param reason of MQTT 5, or the return code of 3.1.1
+/// Converts the broker's answer to a connection request.
+/// @param reason code of MQTT 5, or the return code of 3.1.1
 Refusal RefusalOfConnectAnswer(int reason, int protocolVersion);
 
-/// The refusal behind a connection that broke, from what the library has logged meanwhile.
-/// @param wasUp whether the broker had let us in
+/// Finds out why a connection failed, from the error and the library's log.
+/// @param wasUp whether the connection had been established
 Refusal RefusalOfLoss(int error, int systemError, std::string_view logged, bool tls, bool wasUp);
 
 }  // namespace keplo::broker

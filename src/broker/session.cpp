@@ -18,16 +18,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A broker that accepts a connection and says nothing for so long will not.
 constexpr std::chrono::seconds kLongestHandshake{10};
-constexpr std::chrono::seconds kKeepAliveLook{1};
-/// From a broker that sends more than is taken nothing is read for so long, or it would have the processor.
-constexpr std::chrono::milliseconds kRest{100};
+constexpr std::chrono::seconds kKeepAlivePeriod{1};
+/// Reading pauses for this time after a flood of messages, which would use all of the processor.
+constexpr std::chrono::milliseconds kReadPause{100};
 constexpr std::chrono::seconds kLongestGoodbye{1};
-/// Messages on their way; brokers take at least 20 of most clients.
+/// Unconfirmed messages; most brokers accept at least 20 per client.
 constexpr std::size_t kMostUnconfirmed = 16;
 constexpr int kNewsExpirySeconds = 5;
-/// After a birth all devices of a house are told; a random wait spreads them.
+/// When Home Assistant starts, all devices of a house announce themselves; a random delay spreads the load.
 constexpr int kLeastBirthWaitMs = 500, kMostBirthWaitMs = 4000;
 
 std::chrono::milliseconds BirthWait() {
@@ -52,12 +51,12 @@ Publication MessageOf(const News& news, const Topics& topics) {
 }  // namespace
 
 Session::Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
-                 const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard)
+                 const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& droppedPresses)
     : settings_(settings),
       topics_(topics),
       purpose_(purpose),
       mailbox_(mailbox),
-      pressesUnheard_(pressesUnheard),
+      droppedPresses_(droppedPresses),
       client_(settings, login, *this),
       version_(login.ProtocolVersion),
       mostUnconfirmed_(kMostUnconfirmed) {}
@@ -72,20 +71,20 @@ std::optional<Refusal> Session::Run() {
   }
   if (!refusal_ && IsUp() && purpose_.WatchFor.empty()) SayGoodbye();
   for (const News& news : waiting_) Drop(news);
-  // Whether these have arrived nobody knows; to tell them again would make two of one.
-  for (const auto& [message, sent] : unconfirmed_) mailbox_.CountDropped(sent.Told);
-  if (refusal_ || !unconfirmed_.empty()) client_.DropUntaken();
+  // These may have arrived, so that repeating them could duplicate them.
+  for (const auto& [message, sent] : unconfirmed_) mailbox_.CountDropped(sent.Item);
+  if (refusal_ || !unconfirmed_.empty()) client_.DropUnsent();
   return mailbox_.IsClosed() ? std::nullopt : refusal_;
 }
 
 std::chrono::milliseconds Session::UntilNextStep() const {
   const Clock::time_point now = Clock::now();
-  Clock::time_point next = now + kKeepAliveLook;
+  Clock::time_point next = now + kKeepAlivePeriod;
   if (device_.DueAgain) next = std::min(next, *device_.DueAgain);
-  if (now < restsUntil_) next = std::min(next, restsUntil_);
+  if (now < pausedUntil_) next = std::min(next, pausedUntil_);
   if (!waiting_.empty()) next = std::min(next, waiting_.front().Made + kFresh);
   for (const auto& [message, sent] : unconfirmed_) {
-    const Clock::time_point tooLate = sent.Told.Made + kFresh;
+    const Clock::time_point tooLate = sent.Item.Made + kFresh;
     if (tooLate > now) next = std::min(next, tooLate);
   }
   return std::max(std::chrono::ceil<std::chrono::milliseconds>(next - now), 0ms);
@@ -93,34 +92,34 @@ std::chrono::milliseconds Session::UntilNextStep() const {
 
 void Session::Wait() {
   const int socket = client_.Socket();
-  const bool rests = Clock::now() < restsUntil_;
+  const bool rests = Clock::now() < pausedUntil_;
   const auto wanted = static_cast<short>((rests ? 0 : POLLIN) | (client_.WantsWrite() ? POLLOUT : 0));
   std::array<pollfd, 2> watched{{{socket, wanted, 0}, {mailbox_.WakeDescriptor(), POLLIN, 0}}};
   poll(watched.data(), watched.size(), static_cast<int>(UntilNextStep().count()));
-  if (watched[1].revents != 0) mailbox_.Calm();
+  if (watched[1].revents != 0) mailbox_.ClearWakeup();
   if ((watched[0].revents & POLLOUT) != 0) Check(client_.Write());
   if (!refusal_ && (watched[0].revents & (POLLIN | POLLHUP | POLLERR)) != 0) Check(client_.Read());
 }
 
 void Session::Step() {
   const Clock::time_point now = Clock::now();
-  if (now - lastKeepAlive_ >= kKeepAliveLook) {
+  if (now - lastKeepAlive_ >= kKeepAlivePeriod) {
     lastKeepAlive_ = now;
     Check(client_.KeepAlive());
   }
-  if (!IsUp() || !purpose_.WatchFor.empty()) return StepAside();
+  if (!IsUp() || !purpose_.WatchFor.empty()) return StepWithoutNews();
   if (device_.DueAgain && now >= *device_.DueAgain) AnnounceAll();
   const std::string device = mailbox_.Device();
   if (device != device_.Now) AnnounceDevice(device);
   TakeNews();
   SendNews();
-  AbandonWhatHangs();
+  GiveUpIfStuck();
 }
 
-/// Nothing can be told now.
-void Session::StepAside() {
+/// While nothing can be published.
+void Session::StepWithoutNews() {
   for (const News& news : mailbox_.TakeNews()) Drop(news);
-  if (refusal_ || seesOther_ || Clock::now() - begun_ < kLongestHandshake) return;
+  if (refusal_ || sawOther_ || Clock::now() - begun_ < kLongestHandshake) return;
   refusal_ = IsUp() ? Refusal{Trouble::Lost, "nobody is seen"}
                     : Refusal{Trouble::Unreachable, "it accepts connections and then says nothing"};
 }
@@ -136,18 +135,19 @@ void Session::OnConnectAnswer(int reason, int receiveMaximum) {
     return;
   }
   using Scope = MosquittoClient::Scope;
-  // What is more the library keeps to itself, and sends when nobody wants it any more.
+  // The library would queue further messages, and send them when they are obsolete.
   mostUnconfirmed_ = std::min(kMostUnconfirmed, static_cast<std::size_t>(receiveMaximum));
   for (const std::string& topic : purpose_.Topics) Subscribe(topic, Scope::OthersAsPublished);
   if (!purpose_.SpeaksForDevice) return;
   Subscribe(topics_.Birth(), Scope::Others);
-  // What an earlier run has announced, for what of it is gone.
+  // To find obsolete components that an earlier run has announced.
   Subscribe(topics_.Device(), Scope::Others);
   AnnounceAll();
 }
 
-/// A broker that says no more than yes is none yet.
-void Session::NoteAnswer() {
+/// Called for the first answer after the connection was accepted: something that merely accepts connections
+/// is not a working broker.
+void Session::MarkUp() {
   if (IsUp()) return;
   upSince_ = Clock::now();
   mailbox_.SetUp(purpose_.WatchFor.empty());
@@ -168,38 +168,38 @@ void Session::OnHangUp(int reason) {
 }
 
 void Session::OnPublished(int message, int reason) {
-  NoteAnswer();
+  MarkUp();
   std::string topic;
   if (const auto sent = unconfirmed_.extract(message); !sent.empty()) {
     topic = sent.mapped().Topic;
     if (reason >= MQTT_RC_UNSPECIFIED) {
-      mailbox_.CountRefused(sent.mapped().Told);
+      mailbox_.CountRefused(sent.mapped().Item);
     } else {
-      mailbox_.CountTold(sent.mapped().Told);
+      mailbox_.CountConfirmed(sent.mapped().Item);
     }
   } else if (const auto other = topicOf_.extract(message); !other.empty()) {
     topic = other.mapped();
   }
-  if (reason >= MQTT_RC_UNSPECIFIED) TellRefused("publish to ", topic, mosquitto_reason_string(reason));
+  if (reason >= MQTT_RC_UNSPECIFIED) ReportRefused("publish to ", topic, mosquitto_reason_string(reason));
 }
 
 void Session::OnSubscribed(int message, bool granted) {
-  NoteAnswer();
+  MarkUp();
   const auto topic = topicOf_.extract(message);
-  if (!granted && !topic.empty()) TellRefused("subscribe to ", topic.mapped(), "");
+  if (!granted && !topic.empty()) ReportRefused("subscribe to ", topic.mapped(), "");
 }
 
 void Session::OnUnsubscribed(int message) {
-  NoteAnswer();
-  if (life_.Question != message) return;
-  life_.Question.reset();
-  life_.Alive = life_.Asked;
+  MarkUp();
+  if (probe_.Message != message) return;
+  probe_.Message.reset();
+  probe_.Answered = probe_.Sent;
   if (WhenAnswering) WhenAnswering();
 }
 
 void Session::OnMessage(std::string_view topic, std::string_view payload, bool retained) {
   if (!purpose_.WatchFor.empty()) {
-    seesOther_ = true;
+    sawOther_ = true;
     if (payload == purpose_.WatchFor) refusal_ = Refusal{Trouble::Lost, purpose_.WatchFor};
     return;
   }
@@ -210,15 +210,15 @@ void Session::OnMessage(std::string_view topic, std::string_view payload, bool r
   if (purpose_.SpeaksForDevice && topic == topics_.Device()) {
     if (!retained) return;
     device_.Earlier = payload;
-    if (!device_.Now.empty()) RemoveWhatIsGone();
+    if (!device_.Now.empty()) RemoveObsoleteComponents();
     return;
   }
-  // A flood that took the mailbox's lock for each of its messages would hold up the ticks.
-  if (Clock::now() < restsUntil_) return mailbox_.CountOverflow();
-  // One byte more than is taken is enough to refuse it by.
+  // Taking the mailbox's lock for each message of a flood would delay the ticks.
+  if (Clock::now() < pausedUntil_) return mailbox_.CountOverflow();
+  // One byte above the limit is enough to refuse the message.
   const bool fits = mailbox_.PutIncoming(
       {std::string(topic), std::string(payload.substr(0, kMostRequestBytes + 1)), retained});
-  if (!fits) restsUntil_ = Clock::now() + kRest;
+  if (!fits) pausedUntil_ = Clock::now() + kReadPause;
 }
 
 void Session::Subscribe(const std::string& topic, MosquittoClient::Scope scope) {
@@ -231,8 +231,8 @@ void Session::Publish(const Publication& publication) {
   int message = 0;
   const int error = client_.Publish(publication, message);
   if (error == MOSQ_ERR_OVERSIZE_PACKET) {
-    TellRefused("take the message for ", publication.Topic,
-                std::to_string(publication.Payload.size()) + " bytes are too many", Trouble::TooLarge);
+    ReportRefused("take the message for ", publication.Topic,
+                  std::to_string(publication.Payload.size()) + " bytes are too many", Trouble::TooLarge);
     return;
   }
   Check(error);
@@ -250,12 +250,12 @@ void Session::AnnounceDevice(const std::string& message) {
   if (message.empty()) return;
   if (!device_.Now.empty()) device_.Earlier = device_.Now;
   device_.Now = message;
-  if (!RemoveWhatIsGone()) Publish({topics_.Device(), device_.Now, true});
+  if (!RemoveObsoleteComponents()) Publish({topics_.Device(), device_.Now, true});
 }
 
-/// Takes out of Home Assistant what the broker had of us and is there no more.
-/// @return whether there was such; the device is told then
-bool Session::RemoveWhatIsGone() {
+/// Removes obsolete components from Home Assistant.
+/// @return whether there were any; then the device was published too
+bool Session::RemoveObsoleteComponents() {
   const auto removal = RemovalMessage(device_.Earlier, device_.Now);
   if (!removal) return false;
   Publish({topics_.Device(), *removal, true});
@@ -274,34 +274,34 @@ void Session::SendNews() {
     waiting_.pop_front();
   }
   if (waiting_.empty() || refusal_) return;
-  while (!waiting_.empty() && waiting_.front().Made <= life_.Alive &&
+  while (!waiting_.empty() && waiting_.front().Made <= probe_.Answered &&
          unconfirmed_.size() + topicOf_.size() < mostUnconfirmed_) {
     News news = std::move(waiting_.front());
     waiting_.pop_front();
     SendNow(std::move(news));
   }
-  if (!waiting_.empty() && waiting_.back().Made > life_.Alive && !life_.Question) Ask();
+  if (!waiting_.empty() && waiting_.back().Made > probe_.Answered && !probe_.Message) ProbeBroker();
 }
 
-void Session::Ask() {
+void Session::ProbeBroker() {
   int message = 0;
-  life_.Asked = Clock::now();
-  // The answer to this changes nothing and every broker gives it to everybody.
+  probe_.Sent = Clock::now();
+  // Unsubscribing from an unused topic changes nothing, and every broker answers it for every client.
   Check(client_.Unsubscribe(topics_.Check(), message));
-  life_.Question = message;
+  probe_.Message = message;
 }
 
-/// What the machine of the broker has not taken by now would come there late, when the way is free again.
-void Session::AbandonWhatHangs() {
+/// Output that is still stuck would arrive too late.
+void Session::GiveUpIfStuck() {
   const Clock::time_point latest = Clock::now() - kFresh;
   const bool hangs = std::any_of(unconfirmed_.begin(), unconfirmed_.end(),
-                                 [&](const auto& sent) { return sent.second.Told.Made < latest; });
-  if (hangs && client_.HasUntaken()) refusal_ = Refusal{Trouble::Lost, "nothing gets there any more"};
+                                 [&](const auto& sent) { return sent.second.Item.Made < latest; });
+  if (hangs && client_.HasUnsent()) refusal_ = Refusal{Trouble::Lost, "nothing gets there any more"};
 }
 
 void Session::SendNow(News news) {
-  if (news.Of == News::Kind::Press) pressesUnheard_.erase(SubjectOf(news));
-  if (news.Of == News::Kind::AfterPress && pressesUnheard_.count(SubjectOf(news)) > 0) return;
+  if (news.Type == News::Kind::Press) droppedPresses_.erase(SubjectOf(news));
+  if (news.Type == News::Kind::AfterPress && droppedPresses_.count(SubjectOf(news)) > 0) return;
   Publication publication = MessageOf(news, topics_);
   int message = 0;
   const int error = client_.Publish(publication, message);
@@ -311,14 +311,14 @@ void Session::SendNow(News news) {
   }
   Drop(news);
   if (error == MOSQ_ERR_OVERSIZE_PACKET) {
-    TellRefused("take the message for ", publication.Topic, "it is too large", Trouble::TooLarge);
+    ReportRefused("take the message for ", publication.Topic, "it is too large", Trouble::TooLarge);
   } else {
     Check(error);
   }
 }
 
 void Session::Drop(const News& news) {
-  if (news.Of == News::Kind::Press) pressesUnheard_.insert(SubjectOf(news));
+  if (news.Type == News::Kind::Press) droppedPresses_.insert(SubjectOf(news));
   mailbox_.CountDropped(news);
 }
 
@@ -328,7 +328,7 @@ void Session::SayGoodbye() {
     for (SendNews(); !refusal_ && !done() && Clock::now() < until; SendNews()) Wait();
   };
   TakeNews();
-  // The last release comes before the word that nobody is there any more.
+  // The last release has to come before the offline status.
   serveUntil([&] { return waiting_.empty(); });
   int last = 0;
   if (purpose_.SpeaksForDevice) {
@@ -342,9 +342,9 @@ void Session::SayGoodbye() {
   if (client_.WantsWrite()) client_.Write();
 }
 
-void Session::TellRefused(const std::string& what, const std::string& topic, const std::string& reason,
-                          Trouble kind) {
-  if (!toldRefused_.insert(what + topic).second) return;
+void Session::ReportRefused(const std::string& what, const std::string& topic, const std::string& reason,
+                            Trouble kind) {
+  if (!reportedRefusals_.insert(what + topic).second) return;
   std::string detail = what + topic;
   if (!reason.empty()) detail += ": " + reason;
   mailbox_.PutReport({/*IsTrouble=*/true, TextOf({kind, detail}, settings_)});

@@ -16,56 +16,55 @@
 
 namespace keplo::broker {
 
-/// One connection from its first packet to its last: tells the device and that it is online, hands on news
-/// and what comes in.
+/// A connection from its first packet to its last: announces the device and that it is online, publishes
+/// news, and passes on incoming messages.
 ///
-/// News are told now or never. A broker that has stopped without hanging up would read later what was written
-/// to it meanwhile, so it has to answer a question that was put after they were made; what waits longer for
-/// that than kFresh is dropped. What then hangs on the way to it, as in a cable that is out, goes with the
-/// connection.
+/// News are published at once or never. A broker that is stopped, but not disconnected, would later read
+/// everything that was sent meanwhile. Therefore news wait until the broker has answered a probe that was
+/// sent after they were created; they are dropped if that takes longer than kFresh. If sent news are stuck on
+/// the way, for instance because a cable is unplugged, the connection is discarded with them.
 class Session : private ClientEvents {
  public:
   static constexpr std::chrono::milliseconds kFresh{1500};
 
-  /// @param purpose what else to take in, and whether this is the connection that speaks for the device
-  /// @param pressesUnheard subjects whose last press was dropped, so that what follows it is dropped too;
-  /// kept from session to session
+  /// @param droppedPresses subjects whose last press was dropped, so that the following news are dropped too;
+  /// kept between sessions
   Session(const BrokerSettings& settings, const Topics& topics, const LinkPurpose& purpose,
-          const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& pressesUnheard);
+          const MosquittoClient::Login& login, Mailbox& mailbox, std::set<std::string>& droppedPresses);
   virtual ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs when the broker has let us in and answers.
+  /// Called when the connection is established and the broker answers.
   std::function<void()> WhenUp;
 
-  /// Runs when the broker answers again after a question.
+  /// Called when the broker has answered a probe.
   std::function<void()> WhenAnswering;
 
   /// Runs the connection.
-  /// @return why it ended; none if the mailbox was closed
+  /// @return why it ended; nothing if the mailbox was closed
   std::optional<Refusal> Run();
 
-  /// Whether the broker has let us in and answers, and since when.
+  /// When the broker first answered on the established connection.
   std::optional<std::chrono::steady_clock::time_point> UpSince() const { return upSince_; }
 
  private:
   using Clock = std::chrono::steady_clock;
-  /// What shows that the broker has not stopped.
-  struct SignOfLife {
-    std::optional<int> Question;     // on its way
-    Clock::time_point Asked, Alive;  // when it was put, and when the last one that was answered
+  /// A request whose answer shows that the broker has not stopped.
+  struct Probe {
+    std::optional<int> Message;        // its number, until it is answered
+    Clock::time_point Sent, Answered;  // when it was sent, and when the last answered one was sent
   };
   struct Sent {
-    News Told;
+    News Item;
     std::string Topic;
   };
 
-  /// The device as the broker has it.
+  /// The discovery message of the device.
   struct Announced {
-    std::string Earlier;                        // at first
-    std::string Now;                            // from us
-    std::optional<Clock::time_point> DueAgain;  // when all is told again
+    std::string Earlier;                        // the previous one
+    std::string Now;                            // the one published last
+    std::optional<Clock::time_point> DueAgain;  // when to announce everything again
   };
 
   void OnConnectAnswer(int reason, int receiveMaximum) override;
@@ -76,47 +75,47 @@ class Session : private ClientEvents {
   void OnMessage(std::string_view topic, std::string_view payload, bool retained) override;
 
   bool IsUp() const { return upSince_.has_value(); }
-  /// Waits for the socket, the mailbox or the next thing to do, and serves the socket.
+  /// Waits for the socket, the mailbox or the time of the next step, and serves the socket.
   void Wait();
   std::chrono::milliseconds UntilNextStep() const;
   void Step();
-  void StepAside();
-  void NoteAnswer();
+  void StepWithoutNews();
+  void MarkUp();
   void Subscribe(const std::string& topic, MosquittoClient::Scope scope);
   void AnnounceAll();
   void AnnounceDevice(const std::string& message);
-  bool RemoveWhatIsGone();
+  bool RemoveObsoleteComponents();
   void Publish(const Publication& publication);
   void TakeNews();
   void SendNews();
-  void Ask();
+  void ProbeBroker();
   void SendNow(News news);
-  void AbandonWhatHangs();
+  void GiveUpIfStuck();
   void Drop(const News& news);
   void SayGoodbye();
   void Check(int error);
-  void TellRefused(const std::string& what, const std::string& topic, const std::string& reason,
-                   Trouble kind = Trouble::NotAuthorized);
+  void ReportRefused(const std::string& what, const std::string& topic, const std::string& reason,
+                     Trouble kind = Trouble::NotAuthorized);
 
   const BrokerSettings& settings_;
   const Topics& topics_;
   const LinkPurpose& purpose_;
   Mailbox& mailbox_;
-  std::set<std::string>& pressesUnheard_;
+  std::set<std::string>& droppedPresses_;
   MosquittoClient client_;
   const int version_;
   std::optional<Refusal> refusal_;
   const Clock::time_point begun_ = Clock::now();
   std::optional<Clock::time_point> upSince_;
   Announced device_;
-  std::deque<News> waiting_;            // to be told
-  SignOfLife life_;                     // which they wait for
-  std::map<int, Sent> unconfirmed_;     // by message
-  std::map<int, std::string> topicOf_;  // of other messages and subscriptions on their way
-  bool seesOther_ = false;              // while it watches for the end of another
+  std::deque<News> waiting_;  // to be published after the next answer
+  Probe probe_;
+  std::map<int, Sent> unconfirmed_;     // by message number
+  std::map<int, std::string> topicOf_;  // other unconfirmed messages and subscriptions
+  bool sawOther_ = false;               // the host that is watched for was online
   std::size_t mostUnconfirmed_;
-  std::set<std::string> toldRefused_;
-  Clock::time_point lastKeepAlive_ = begun_, restsUntil_ = begun_;
+  std::set<std::string> reportedRefusals_;
+  Clock::time_point lastKeepAlive_ = begun_, pausedUntil_ = begun_;
 };
 
 }  // namespace keplo::broker

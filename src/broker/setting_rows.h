@@ -10,21 +10,21 @@
 
 namespace keplo::broker {
 
-/// One key of broker.json: its value as JSON, and how it gets into the settings.
+/// A key of broker.json, and how its value is read and written.
 struct SettingRow {
   std::string_view Key, Expected;
-  std::function<bool(const nlohmann::json& value, BrokerSettings& settings)>
-      Take;  // false if it does not fit
-  std::function<nlohmann::json(const BrokerSettings& settings)> Give;
+  /// Returns false if the value is invalid.
+  std::function<bool(const nlohmann::json& value, BrokerSettings& settings)> Set;
+  std::function<nlohmann::json(const BrokerSettings& settings)> Get;
 };
 
-/// The longest texts that a topic or a name may be made of; a topic may have 65,535 bytes.
+/// Leaves room for the rest of a topic, which is limited to 65,535 bytes.
 inline constexpr std::size_t kMostSettingBytes = 1024;
 
 /// All keys, in the order of the manual.
 const std::vector<SettingRow>& SettingRows();
 
-/// @return null for what is no key
+/// @return null if there is no such key
 const SettingRow* FindSettingRow(std::string_view key);
 
 }  // namespace keplo::broker

@@ -9,17 +9,17 @@
 
 namespace keplo::broker {
 
-/// Tells whoever uses a broker that its settings were written anew, by looking at their file.
+/// Notices changes of broker.json by polling.
 class SettingsWatch {
  public:
-  /// Between two looks: changes are to count within a second.
-  static constexpr std::chrono::milliseconds kLook{400};
+  /// Time between calls of TakeChange, so that changes take effect within a second.
+  static constexpr std::chrono::milliseconds kPollTime{400};
 
-  /// Make it ahead of reading the settings, so that no change is missed.
+  /// Create it before reading the settings, so that no change is missed.
   explicit SettingsWatch(const std::filesystem::path& appPath)
       : file_(BrokerFile(appPath)), stamp_(StampOf(file_)) {}
 
-  /// Whether the file came, changed or went since the last call.
+  /// Whether the file was created, changed or removed since the last call.
   bool TakeChange() {
     const FileStamp now = StampOf(file_);
     return std::exchange(stamp_, now) != now;

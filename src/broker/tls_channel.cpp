@@ -16,10 +16,10 @@ namespace keplo::broker {
 
 namespace {
 
-/// Where Debian's ca-certificates puts them.
+/// The folder of Debian's ca-certificates.
 constexpr const char* kSystemAuthorities = "/etc/ssl/certs";
 
-/// Without this the terminal is asked, which a host in the background never answers.
+/// Without this, OpenSSL would ask at the terminal, and block a host that runs in the background.
 int GiveNoPassword(char* /*password*/, int /*size*/, int /*writing*/, void* wasAsked) {
   if (wasAsked != nullptr) *static_cast<bool*>(wasAsked) = true;
   return 0;
@@ -61,7 +61,7 @@ TlsChannel::TlsChannel(const BrokerSettings& settings)
     RefuseFiles(settings);
   }
   if (!settings.Certificate.empty()) UseOwnCertificate(settings);
-  if (fault_.empty()) Begin();
+  if (fault_.empty()) StartHandshake();
 }
 
 void TlsChannel::UseOwnCertificate(const BrokerSettings& settings) {
@@ -85,70 +85,70 @@ void TlsChannel::UseOwnCertificate(const BrokerSettings& settings) {
   }
 }
 
-void TlsChannel::Begin() {
+void TlsChannel::StartHandshake() {
   connection_.reset(SSL_new(context_.get()));
   if (!connection_) throw std::bad_alloc();
   SSL_set_bio(connection_.get(), BIO_new(BIO_s_mem()), BIO_new(BIO_s_mem()));
-  // The name by which a broker with several certificates chooses one.
+  // A broker with several certificates chooses one by this name.
   if (!IsAddress(host_)) SSL_set_tlsext_host_name(connection_.get(), host_.c_str());
   SSL_set_connect_state(connection_.get());
-  GoOn();
+  ContinueHandshake();
 }
 
-bool TlsChannel::Take(std::string_view sealed) {
+bool TlsChannel::Receive(std::string_view encrypted) {
   if (!fault_.empty()) return false;
-  BIO_write(SSL_get_rbio(connection_.get()), sealed.data(), static_cast<int>(sealed.size()));
-  if (!up_) GoOn();
-  if (up_) Open();
+  BIO_write(SSL_get_rbio(connection_.get()), encrypted.data(), static_cast<int>(encrypted.size()));
+  if (!up_) ContinueHandshake();
+  if (up_) Decrypt();
   return fault_.empty();
 }
 
-bool TlsChannel::Say(std::string_view plain) {
+bool TlsChannel::Send(std::string_view plain) {
   if (!fault_.empty()) return false;
   ERR_clear_error();
-  // Into memory goes all of it.
-  if (SSL_write(connection_.get(), plain.data(), static_cast<int>(plain.size())) <= 0) NoteFault();
-  TakeWritten();
+  // Writing to memory is always complete.
+  if (SSL_write(connection_.get(), plain.data(), static_cast<int>(plain.size())) <= 0) SetFault();
+  CollectEncrypted();
   return fault_.empty();
 }
 
-/// Takes the next step to a secure connection.
-void TlsChannel::GoOn() {
+/// Takes the next step of the handshake.
+void TlsChannel::ContinueHandshake() {
   ERR_clear_error();
   const int done = SSL_do_handshake(connection_.get());
   if (done == 1) {
-    up_ = IsNamedAsAsked();
+    up_ = MatchesHostName();
     if (!up_) fault_ = "host name verification failed";
   } else if (SSL_get_error(connection_.get(), done) != SSL_ERROR_WANT_READ) {
-    NoteFault();
+    SetFault();
   }
-  TakeWritten();
+  CollectEncrypted();
 }
 
-void TlsChannel::Open() {
+void TlsChannel::Decrypt() {
   std::array<char, SSL3_RT_MAX_PLAIN_LENGTH> piece;
   ERR_clear_error();
   int count = 0;
   while ((count = SSL_read(connection_.get(), piece.data(), piece.size())) > 0) {
-    opened_.append(piece.data(), static_cast<std::size_t>(count));
+    plain_.append(piece.data(), static_cast<std::size_t>(count));
   }
   const int error = SSL_get_error(connection_.get(), count);
   ended_ = error == SSL_ERROR_ZERO_RETURN;
-  if (error != SSL_ERROR_WANT_READ && !ended_) NoteFault();
-  // A broker may ask for new keys.
-  TakeWritten();
+  if (error != SSL_ERROR_WANT_READ && !ended_) SetFault();
+  // The broker may have requested new keys.
+  CollectEncrypted();
 }
 
-/// Certificates that people make for their house have the name or the address where the makers of
-/// certificates have put it for long, and no other one.
-bool TlsChannel::IsNamedAsAsked() const {
+/// Self-made certificates often have the name or address only in the common name, which X509_check_host
+/// accepts.
+bool TlsChannel::MatchesHostName() const {
   X509* const certificate = SSL_get0_peer_certificate(connection_.get());
   return certificate != nullptr && (X509_check_ip_asc(certificate, host_.c_str(), 0) == 1 ||
                                     X509_check_host(certificate, host_.data(), host_.size(),
                                                     X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS, nullptr) == 1);
 }
 
-void TlsChannel::NoteFault() {
+void TlsChannel::SetFault() {
   const char* const reason = ERR_reason_error_string(ERR_get_error());
   fault_ = reason == nullptr ? "the secure connection failed" : reason;
   const long verified = SSL_get_verify_result(connection_.get());
@@ -156,11 +156,11 @@ void TlsChannel::NoteFault() {
   ERR_clear_error();
 }
 
-void TlsChannel::TakeWritten() {
+void TlsChannel::CollectEncrypted() {
   BIO* const written = SSL_get_wbio(connection_.get());
   std::array<char, 4096> piece;
   for (int count = 0; (count = BIO_read(written, piece.data(), piece.size())) > 0;) {
-    sealed_.append(piece.data(), static_cast<std::size_t>(count));
+    encrypted_.append(piece.data(), static_cast<std::size_t>(count));
   }
 }
 

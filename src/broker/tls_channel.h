@@ -11,30 +11,28 @@ struct ssl_st;
 
 namespace keplo::broker {
 
-/// A secure connection without its socket: what comes from the broker goes in, and what it means and what is
-/// to be sent come out. The library would do the same by itself, but nobody could see then what the broker
-/// says to it.
+/// TLS without the socket: converts between encrypted and plain bytes. The library has TLS too, but then its
+/// input could not be checked.
 class TlsChannel {
  public:
-  /// @param settings of a broker with TLS
   /// @throws Failure for files that cannot be used
   explicit TlsChannel(const BrokerSettings& settings);
 
-  /// Takes bytes that came from the broker.
-  /// @return false if there is no secure connection with it, or no more
-  bool Take(std::string_view sealed);
-  /// Bytes that the broker has said, for the caller to take out.
-  std::string& Opened() { return opened_; }
-  /// Bytes to send to the broker, for the caller to take out.
-  std::string& Sealed() { return sealed_; }
-  /// Whether the broker has said that it will say no more. Its connection may stay open all the same.
+  /// Processes bytes from the broker.
+  /// @return false if there is no secure connection, or if it was lost
+  bool Receive(std::string_view encrypted);
+  /// Decrypted bytes from the broker, for the caller to remove.
+  std::string& Plain() { return plain_; }
+  /// Bytes to send to the broker, for the caller to remove.
+  std::string& Encrypted() { return encrypted_; }
+  /// Whether the broker has announced the end of its data. The socket may stay open.
   bool HasEnded() const { return ended_; }
-  /// Whether the broker has proved who it is. Before that nothing can be said to it.
+  /// Whether the handshake is complete. Before that, nothing can be sent.
   bool IsUp() const { return up_; }
-  /// Says something to the broker.
-  /// @return false if there is no more secure connection
-  bool Say(std::string_view plain);
-  /// Why there is none, in the words of OpenSSL; empty as long as there is.
+  /// Encrypts bytes for the broker.
+  /// @return false if the secure connection was lost
+  bool Send(std::string_view plain);
+  /// Why there is no secure connection, from OpenSSL; empty if there is one.
   const std::string& Fault() const { return fault_; }
 
  private:
@@ -44,17 +42,17 @@ class TlsChannel {
   };
 
   void UseOwnCertificate(const BrokerSettings& settings);
-  void Begin();
-  void GoOn();
-  void Open();
-  bool IsNamedAsAsked() const;
-  void NoteFault();
-  void TakeWritten();
+  void StartHandshake();
+  void ContinueHandshake();
+  void Decrypt();
+  bool MatchesHostName() const;
+  void SetFault();
+  void CollectEncrypted();
 
   const std::string host_;
   std::unique_ptr<ssl_ctx_st, Free> context_;
   std::unique_ptr<ssl_st, Free> connection_;
-  std::string opened_, sealed_, fault_;
+  std::string plain_, encrypted_, fault_;
   bool up_ = false, ended_ = false;
 };
 

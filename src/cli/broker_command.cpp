@@ -15,7 +15,7 @@
 #include "broker/change_settings.h"
 #include "broker/identity.h"
 #include "broker/moved_device.h"
-#include "cli/broker_telling.h"
+#include "cli/broker_reporter.h"
 #include "cli/commands.h"
 #include "line/port_map.h"
 #include "program/app_path.h"
@@ -28,7 +28,7 @@ namespace {
 
 using broker::BrokerSettings;
 
-/// An option of `broker set`: its name and the key that it changes.
+/// An option of `broker set`, and the key that it changes.
 struct SetOption {
   const char* Name;
   const char* Key;
@@ -51,7 +51,7 @@ constexpr SetOption kSetOptions[] = {
     {"--send", "send", "yes to send what the broker asks for"},
 };
 
-/// Those of `broker forget`: where the device is that is to be taken out.
+/// The options of `broker forget`, which specify where the device is.
 constexpr std::string_view kPlaceKeys[] = {"host", "port", "discovery_prefix"};
 
 constexpr std::string_view kFileKeys[] = {"ca", "certificate", "key", "password_file"};
@@ -62,13 +62,14 @@ struct BrokerOptions {
   std::vector<std::optional<std::string>> Values{std::size(kSetOptions)};
 };
 
-/// In the file a name counts from its folder, on the command line from where it is typed.
-/// @throws Refused for a file that is not there, or is a folder
-std::string WholeName(const std::string& name) {
+/// The absolute path of a file: a relative path on the command line is relative to the working directory, but
+/// one in the settings file to its folder.
+/// @throws Refused if the file does not exist or is a folder
+std::string AbsolutePath(const std::string& name) {
   if (name.empty()) return name;
   const std::filesystem::path whole = std::filesystem::absolute(name);
   std::error_code error;
-  // One that may not be looked at is there for the user of the host, perhaps.
+  // A file that this user may not access may be accessible to the user of the host.
   if (!std::filesystem::exists(whole, error) && !error) {
     throw Refused("There is no file " + whole.string() + ". Name one that is there.");
   }
@@ -87,7 +88,7 @@ broker::TypedSettings TypedOf(const BrokerOptions& options) {
   for (std::size_t i = 0; i < options.Values.size(); ++i) {
     if (!options.Values[i]) continue;
     const char* const key = kSetOptions[i].Key;
-    typed.emplace_back(key, IsOneOf(kFileKeys, key) ? WholeName(*options.Values[i]) : *options.Values[i]);
+    typed.emplace_back(key, IsOneOf(kFileKeys, key) ? AbsolutePath(*options.Values[i]) : *options.Values[i]);
   }
   return typed;
 }
@@ -96,7 +97,6 @@ int Set(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
   const broker::TypedSettings changes = TypedOf(options);
   broker::ChangedSettings changed;
-  // Nothing half-typed gets into the file: a value that does not fit is refused as a whole.
   try {
     changed = broker::ChangeBrokerSettings(appPath, changes);
   } catch (const Failure& failure) {
@@ -106,7 +106,7 @@ int Set(const BrokerOptions& options) {
   std::cout << broker::BrokerFile(appPath).string() << " written; a host that runs takes it in by itself."
             << std::endl;
   if (!changed.Before) return kDone;
-  const std::string left = broker::TakeOutOfOldPlace(*changed.Before, changed.Now, appPath);
+  const std::string left = broker::RemoveFromOldBroker(*changed.Before, changed.Now, appPath);
   if (!left.empty()) Tell(left);
   return kDone;
 }
@@ -141,13 +141,14 @@ int Check(const BrokerOptions& options) {
   return all ? kDone : kNoResult;
 }
 
-/// The settings, with another place where one is named; broker.json may be gone then.
+/// The settings, with the place from the command line, if any. If that includes the host, broker.json need
+/// not exist.
 BrokerSettings SettingsOfPlace(const std::filesystem::path& appPath, const broker::TypedSettings& place) {
   const bool namesHost =
       std::any_of(place.begin(), place.end(), [](const auto& one) { return one.first == "host"; });
   BrokerSettings settings =
       namesHost ? broker::ReadBrokerSettings(appPath).value_or(BrokerSettings()) : RequireBroker(appPath);
-  broker::TakeTyped(place, settings);
+  broker::ApplyTyped(place, settings);
   return settings;
 }
 

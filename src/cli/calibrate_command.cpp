@@ -20,7 +20,7 @@ namespace keplo::cli {
 
 namespace {
 
-/// Captures for which the replayed key is held; ten times what the longest search takes.
+/// Number of captures for which the replayed key is held: ten times what the longest search takes.
 constexpr int kHeldCaptures = 1000;
 
 struct CalibrateOptions {
@@ -30,12 +30,12 @@ struct CalibrateOptions {
   LineSpec Line;
 };
 
-/// How a calibration went.
+/// The result of a calibration.
 struct Outcome {
   CalibrationStep End = CalibrationStep::NoSignal;
   std::int16_t Delay = 0;
-  int Signals = 0;  // heard
-  int Measured = 0;
+  int Signals = 0;   // number of signals received
+  int Measured = 0;  // number of those with a base time
 };
 
 std::string MeasurementText(std::int16_t delay, std::optional<std::int16_t> baseT) {
@@ -47,7 +47,7 @@ Outcome Calibrate(Win32Ser& line) {
   SignalState signal;
   Outcome outcome;
   Calibration calibration(line, signal, outcome.Delay);
-  std::string told;
+  std::string printed;
   while (true) {
     const std::int16_t delay = outcome.Delay;
     outcome.End = calibration.Measure();
@@ -55,14 +55,14 @@ Outcome Calibrate(Win32Ser& line) {
     ++outcome.Signals;
     if (calibration.BaseT()) ++outcome.Measured;
     const std::string text = MeasurementText(delay, calibration.BaseT());
-    if (text != told) std::cout << text << std::endl;
-    told = text;
+    if (text != printed) std::cout << text << std::endl;
+    printed = text;
     if (outcome.End != CalibrationStep::Measure) return outcome;
   }
 }
 
-/// Why the key was let go without a result, for a person; empty at any other end.
-std::string WhyNoHelp(const Outcome& outcome, const std::string& appPathOption) {
+/// Why there is no result although the key was released, for the user; empty for any other end.
+std::string ReasonForNoResult(const Outcome& outcome, const std::string& appPathOption) {
   if (outcome.Signals == 0) {
     return "no signal was heard; " + TypedCommand("ports --watch", appPathOption) + " shows the line itself";
   }
@@ -88,7 +88,7 @@ void Save(std::int16_t delay, const CalibrateOptions& options) {
 }
 
 Outcome CalibrateReplayed(const CalibrateOptions& options) {
-  const std::int16_t receiver = 0;  // calibration captures alike for both
+  const std::int16_t receiver = 0;  // makes no difference to a calibration
   return Calibrate(*OpenLine(options.Line, {}, receiver).Line);
 }
 
@@ -100,16 +100,17 @@ Outcome CalibrateLive(const CalibrateOptions& options) {
 }
 
 int Calibrate(const CalibrateOptions& options) {
-  // Whoever holds the key should not do so for a file that cannot take the result.
+  // Checked first, so that the user does not hold the key in vain.
   if (!options.DryRun) OpenedConfig(options.AppPath).RequireWhole();
   const Outcome outcome =
       options.Line.ReplayFiles.empty() ? CalibrateLive(options) : CalibrateReplayed(options);
   std::vector<std::string> lines = PrintableLines(CalibrationText(outcome.End, outcome.Delay));
   if (outcome.End != CalibrationStep::Succeeded) {
-    if (const std::string why = WhyNoHelp(outcome, options.AppPath); !why.empty()) lines.push_back(why);
+    if (const std::string why = ReasonForNoResult(outcome, options.AppPath); !why.empty())
+      lines.push_back(why);
     throw Refused(lines.front(), {lines.begin() + 1, lines.end()});
   }
-  for (const std::string& told : lines) std::cout << told << '\n';
+  for (const std::string& line : lines) std::cout << line << '\n';
   if (!options.DryRun) Save(outcome.Delay, options);
   return kDone;
 }

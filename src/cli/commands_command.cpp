@@ -71,7 +71,7 @@ int List(const ListOptions& options) {
   return kDone;
 }
 
-/// The events of a command, and the words that name them.
+/// The events that are bound to a command.
 std::vector<clsKeploEvent> EventsOf(const OpenedMap& map, const CommandReference& command) {
   std::vector<clsKeploEvent> bound;
   for (const auto& event : map.Events) {
@@ -80,14 +80,14 @@ std::vector<clsKeploEvent> EventsOf(const OpenedMap& map, const CommandReference
   return bound;
 }
 
-std::string Named(const std::vector<clsKeploEvent>& events) {
+std::string ListOf(const std::vector<clsKeploEvent>& events) {
   std::string names;
   for (const clsKeploEvent& event : events) names += (names.empty() ? "" : ", ") + event.EventID;
   return (events.size() == 1 ? "event " : "events ") + names;
 }
 
 /// Binds the events of a command to its new name.
-/// @throws NotWritten that tells which ones still have the old one, and how to mend them
+/// @throws NotWritten, with the events that still have the old name and how to correct them
 void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const CommandReference& from,
                   const CommandReference& to, const std::string& appPathOption) {
   std::optional<NotConfirmedWritten> unsure;
@@ -101,7 +101,7 @@ void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const Comma
     } catch (const NotWritten& failure) {
       throw NotWritten(
           failure.Number(),
-          std::string(failure.what()) + " The command has its new name, and the " + Named(events) +
+          std::string(failure.what()) + " The command has its new name, and the " + ListOf(events) +
               " still the old one, " + from.Text() + ", at which nothing fires. Bind each anew with: " +
               TypedCommand("events modify ID --command " + ShellQuoted(to.Text()), appPathOption));
     }
@@ -112,9 +112,9 @@ void RebindEvents(OpenedMap& map, std::vector<clsKeploEvent> events, const Comma
 
 int Rename(const RenameOptions& options) {
   const auto reference = SplitReference(options.Command);
-  if (!reference) throw WrongUse("COMMAND is a protocol and a command, as 'NEC&POWER'");
+  if (!reference) throw UsageError("COMMAND is a protocol and a command, as 'NEC&POWER'");
   OpenedConfig config(options.AppPath);
-  OpenedMap map(options.AppPath);  // first: where it cannot be read, the command keeps its name
+  OpenedMap map(options.AppPath);  // opened first, so that nothing is renamed if it cannot be read
   CommandReference from, to;
   config.Change([&](CfgStore& store) {
     from = AsStored(store.CfgText, *reference);
@@ -126,7 +126,7 @@ int Rename(const RenameOptions& options) {
   RebindEvents(map, bound, from, to, options.AppPath);
   if (!bound.empty())
     std::cout << bound.size() << (bound.size() == 1 ? " event goes" : " events go") << " with it\n";
-  TellWhoTakesItIn(options.AppPath);
+  ReportMapUsers(options.AppPath);
   return kDone;
 }
 
@@ -136,16 +136,16 @@ int Lookup(const ListOptions& options) {
   const bool hasHead = options.Only[0] == 'G' || options.Only[0] == 'g';
   const std::string code = options.Only.substr(hasHead ? 1 : 0);
   if (code.empty() || code.find_first_not_of("01") != std::string::npos) {
-    throw WrongUse("CODE is of digits 0 and 1, as keplo decode tells them; " +
-                   TypedCommand("commands", options.AppPath) + " shows the code of a command");
+    throw UsageError("CODE is of digits 0 and 1, as keplo decode tells them; " +
+                     TypedCommand("commands", options.AppPath) + " shows the code of a command");
   }
-  // A code of 14 digits may be RC5 as it was on air, with its toggle digit.
+  // A code of 14 digits may be RC5 with the toggle digit as received.
   const auto isFound = [&](Analysis readBy) {
     return LookupCommand(store, code, kNec, readBy) ||
            (code.size() == 14 && LookupCommand(store, code, kRc5, readBy));
   };
-  // The first analysis takes the first that begins with the code, as the monitor does; the very one goes
-  // ahead.
+  // An exact match comes first; with the first analysis, a command that begins with the code will do, as in
+  // the monitor.
   if (!isFound(Analysis::Second) && (AnalysisOf(config) == Analysis::Second || !isFound(Analysis::First)))
     throw Refused("the code G" + code + " belongs to no learned command");
   std::cout << Printable(CommandReference{store.CurProtocol, store.CurCommand}.Text()) << '\n';

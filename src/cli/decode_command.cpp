@@ -5,7 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/press_table.h"
-#include "cli/raw_words.h"
+#include "cli/raw_texts.h"
 #include "config/raw_lookup.h"
 #include "signal/sample_bits.h"
 #include "signal/stage_text.h"
@@ -14,14 +14,12 @@ namespace keplo::cli {
 
 namespace {
 
-/// What the monitor makes of a press; a capture that was not measured has neither protocol nor base time.
+/// A press as the monitor reads it.
 struct DecodedPress {
   MonitorReading Reading;
-  std::optional<Timing> Measured;
-
-  /// Whether it is a clean signal that no code was read of.
-  bool CouldBeRaw = false;
-  std::string Alike = {};  // of two raw commands that it could be, a sentence; mostly empty
+  std::optional<Timing> Measured;  // none if the reading ended before it was measured
+  bool CouldBeRaw = false;         // whether it is a clean signal without a code
+  std::string Ambiguity = {};      // see AmbiguousRawText; usually empty
 
   bool HasCode() const { return Reading.HasCode(); }
   bool HasDigits() const { return HasCode() || Reading.Ended == Stage::Length; }
@@ -51,36 +49,36 @@ std::string ToText(const DecodedPress& press) {
   }
   if (press.HasCode()) {
     text += "code " + reading.Digits + " (" + std::to_string(reading.Digits.size()) + " bits)";
-    return reading.ReadBy ? text + ", " + std::string(WordOf(*reading.ReadBy)) : text;
+    return reading.ReadBy ? text + ", " + std::string(AnalysisText(*reading.ReadBy)) : text;
   }
   text += "no code: " + DescribeStage(reading.Ended);
   const bool alone = reading.Ended == Stage::Doubtful && !reading.Digits.empty();
   if (alone) return text + ", its digits are " + reading.Digits + std::string(kCodeOffer);
-  if (!press.Alike.empty()) return text + "; it " + press.Alike;
+  if (!press.Ambiguity.empty()) return text + "; it " + press.Ambiguity;
   return press.CouldBeRaw ? text.append(kRawOffer) : text;
 }
 
 bool WasMeasured(Stage ended) { return ended > Stage::NoTiming && ended != Stage::Raw; }
 
-/// Asks the learned commands, and without one that fits whether the signal could become a raw one.
-void AskCommands(const OpenedConfig* config, SignalState& state, DecodedPress& press) {
+/// Looks for a learned command or, failing that, whether the signal could become a raw command.
+void MatchCommands(const OpenedConfig* config, SignalState& state, DecodedPress& press) {
   if (config != nullptr) ProveByLearning(config->Mod.Store, press.Reading);
-  if (config != nullptr) AskRawCommands(config->Mod.Store, state, press.Reading);
+  if (config != nullptr) MatchRawCommands(config->Mod.Store, state, press.Reading);
   if (press.Reading.HasCode()) return;
-  if (config != nullptr) press.Alike = AlikeRawText(config->Mod.Store, state);
+  if (config != nullptr) press.Ambiguity = AmbiguousRawText(config->Mod.Store, state);
   press.CouldBeRaw = FindLevels(HeardIn(state)).has_value();
 }
 
 int Decode(const PressOptions& options) {
   const bool named = options.Analysis.empty() && !options.AppPath.empty();
-  // The raw commands are asked whichever way the digits are read.
+  // Needed for raw commands, even if it does not determine the analysis.
   const std::unique_ptr<OpenedConfig> config =
       !options.AppPath.empty() || HasInstall() ? LearnedCommands(options.AppPath) : nullptr;
   const Analysis analysis = AnalysisFor(options, named ? config.get() : nullptr);
   return PrintPresses(options, [&](const Press& press, nlohmann::ordered_json* json) {
     SignalState state;
     DecodedPress decoded{ReadAsMonitor(press, options.Line, analysis, state), {}};
-    if (analysis == Analysis::Second) AskCommands(config.get(), state, decoded);
+    if (analysis == Analysis::Second) MatchCommands(config.get(), state, decoded);
     if (WasMeasured(decoded.Reading.Ended)) decoded.Measured = state.Measured;
     if (json != nullptr) Describe(decoded, *json);
     return PressRow{decoded.HasCode(), json == nullptr ? ToText(decoded) : "", "", {}};

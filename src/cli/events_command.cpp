@@ -30,13 +30,13 @@ struct EventWords {
   bool Enable = false, Disable = false;
 };
 
-/// Refuses what no list could show in one line.
+/// Refuses a text that cannot be shown in one line.
 void CheckText(const std::string& what, const std::string& text) {
   if (Printable(text) == text) return;
-  throw WrongUse("The " + what + " holds a line end, a tab or another control character. Leave it out.");
+  throw UsageError("The " + what + " holds a line end, a tab or another control character. Leave it out.");
 }
 
-/// The learned command that a reference means, as keplo.cfg spells it.
+/// The learned command of a reference, spelled as in keplo.cfg.
 std::optional<CommandReference> FindInConfig(const EventWords& words, const CommandReference& wanted) try {
   const OpenedConfig config(words.AppPath);
   const auto command = FindLearned(config.Text(), wanted.Protocol, wanted.Command);
@@ -48,11 +48,10 @@ std::optional<CommandReference> FindInConfig(const EventWords& words, const Comm
   return std::nullopt;
 }
 
-/// What an event is to be bound to. One for a command that is not learned never fires; it may be learned
-/// later.
+/// The reference for an event. A command that is not learned yet requires --force.
 std::string ReferenceToBind(const EventWords& words) {
   const auto wanted = SplitReference(words.Command);
-  if (!wanted) throw WrongUse("COMMAND is a protocol and a command, as 'NEC&POWER'");
+  if (!wanted) throw UsageError("COMMAND is a protocol and a command, as 'NEC&POWER'");
   CheckText("command", words.Command);
   if (const auto known = FindInConfig(words, *wanted)) return known->Text();
   if (!words.Force) {
@@ -64,8 +63,8 @@ std::string ReferenceToBind(const EventWords& words) {
   return words.Command;
 }
 
-/// What the words do not bring stays, whatever it holds.
-void TakeWords(const EventWords& words, clsKeploEvent& event) {
+/// Changes an event as specified; everything else is kept.
+void ApplyWords(const EventWords& words, clsKeploEvent& event) {
   CheckText("name", words.Name.value_or(""));
   CheckText("description", words.Description.value_or(""));
   event.EventName = words.Name.value_or(event.EventName);
@@ -99,8 +98,8 @@ void Add(OpenedMap& map, const clsKeploEvent& event) {
   map.Change([&](colclsKeploEvents& events) { return events.Add(std::make_shared<clsKeploEvent>(event)); });
 }
 
-/// Adds an event under a number of its own, whoever else adds some at the same time.
-/// @param map is read again where somebody else took the number
+/// Adds an event with an unused number, even if other programs are adding events at the same time.
+/// @param map read again if another program has used the number
 /// @return its EventID
 std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>& map, clsKeploEvent event) {
   for (;;) {
@@ -117,8 +116,8 @@ std::string AddUnderFreeID(const std::string& appPath, std::optional<OpenedMap>&
   }
 }
 
-/// The walk over the activated events of a command ends at the first whose zone is another one.
-void TellOtherZone(const OpenedMap& map, const clsKeploEvent& event) {
+/// Warns of a conflict, since a press is only dispatched up to the first event with another zone.
+void WarnOfOtherZone(const OpenedMap& map, const clsKeploEvent& event) {
   if (!event.Enabled) return;
   const auto other = std::find_if(map.Events.begin(), map.Events.end(), [&](const auto& each) {
     return each->Enabled && each->EventID != event.EventID && each->IRCommand == event.IRCommand &&
@@ -137,7 +136,7 @@ int AddOne(const EventWords& words) {
   event.IRCommand = ReferenceToBind(words);
   event.EventName = event.IRCommand.substr(event.IRCommand.find('&') + 1);
   event.Enabled = true;
-  TakeWords(words, event);
+  ApplyWords(words, event);
   std::optional<OpenedMap> map(std::in_place, words.AppPath);
   if (event.EventID.empty()) {
     event.EventID = AddUnderFreeID(words.AppPath, map, event);
@@ -147,8 +146,8 @@ int AddOne(const EventWords& words) {
     Add(*map, event);
   }
   std::cout << event.EventID << '\n';
-  TellOtherZone(*map, event);
-  TellWhoTakesItIn(words.AppPath);
+  WarnOfOtherZone(*map, event);
+  ReportMapUsers(words.AppPath);
   return kDone;
 }
 
@@ -157,7 +156,7 @@ bool IsBound(const OpenedMap& map, const std::string& reference) {
                      [&](const auto& event) { return event->IRCommand == reference; });
 }
 
-/// An event for every learned command that has none.
+/// Adds an event for every learned command that has none.
 int AddEach(const EventWords& words) {
   const OpenedConfig config(words.AppPath);
   std::optional<OpenedMap> map(std::in_place, words.AppPath);
@@ -179,7 +178,7 @@ int AddEach(const EventWords& words) {
     }
   }
   std::cout << added << " events added\n";
-  if (added > 0) TellWhoTakesItIn(words.AppPath);
+  if (added > 0) ReportMapUsers(words.AppPath);
   return status;
 }
 
@@ -194,10 +193,10 @@ int Modify(const EventWords& words) {
   OpenedMap map(words.AppPath);
   const auto event = std::make_shared<clsKeploEvent>(*Find(map, words));
   if (!words.Command.empty()) event->IRCommand = ReferenceToBind(words);
-  TakeWords(words, *event);
+  ApplyWords(words, *event);
   map.Change([&](colclsKeploEvents& events) { return events.Update(event); });
-  if (!words.Command.empty() || words.Zone || words.Enable) TellOtherZone(map, *event);
-  TellWhoTakesItIn(words.AppPath);
+  if (!words.Command.empty() || words.Zone || words.Enable) WarnOfOtherZone(map, *event);
+  ReportMapUsers(words.AppPath);
   return kDone;
 }
 
@@ -205,7 +204,7 @@ int Delete(const EventWords& words) {
   OpenedMap map(words.AppPath);
   Find(map, words);
   map.Change([&](colclsKeploEvents& events) { return events.Delete(words.EventID); });
-  TellWhoTakesItIn(words.AppPath);
+  ReportMapUsers(words.AppPath);
   return kDone;
 }
 
@@ -222,7 +221,7 @@ void AddAddCommand(Command add, const std::shared_ptr<EventWords>& words) {
   add.Flag("--force", words->Force, "Take a command that is not learned yet").Excludes(each);
   add.Examples({"keplo events add 'NEC&TV_POWER' --name 'TV on'", "keplo events add --each"});
   add.Runs([words] {
-    if (!words->Each && words->Command.empty()) throw WrongUse("COMMAND or --each is required");
+    if (!words->Each && words->Command.empty()) throw UsageError("COMMAND or --each is required");
     return words->Each ? AddEach(*words) : AddOne(*words);
   });
 }

@@ -28,7 +28,7 @@ struct ConvertOptions {
   std::string From, To, OutFile;
 };
 
-/// The sections that are asked for; without any all that hold commands of a user.
+/// The requested sections; by default all but Template.
 std::vector<std::string> SectionsOf(const std::string& text, const ExportOptions& options) {
   std::vector<std::string> sections;
   for (const std::string& word : options.Sections)
@@ -40,7 +40,7 @@ std::vector<std::string> SectionsOf(const std::string& text, const ExportOptions
   return sections;
 }
 
-/// Whether a command is asked for, by its name or as 'NEC&POWER'.
+/// Whether a command is requested, by its name or as 'NEC&POWER'.
 bool IsWanted(const ExportOptions& options, const std::string& section, std::string_view name) {
   return options.Commands.empty() ||
          std::any_of(options.Commands.begin(), options.Commands.end(), [&](const std::string& word) {
@@ -51,8 +51,9 @@ bool IsWanted(const ExportOptions& options, const std::string& section, std::str
          });
 }
 
-/// Commands that were asked for and are not there.
-int TellMissing(const ExportOptions& options, const std::vector<Remote>& remotes) {
+/// Reports requested commands that do not exist.
+/// @return the exit code
+int ReportMissing(const ExportOptions& options, const std::vector<Remote>& remotes) {
   int status = kDone;
   for (const std::string& word : options.Commands) {
     ExportOptions one;
@@ -88,7 +89,7 @@ int Export(const ExportOptions& options) {
     throw Refused("there is no such command in these sections; " + TypedCommand("commands", options.AppPath) +
                   " lists them");
   const int status = WriteRemoteFile(options.Format, remotes, options.OutFile);
-  return std::max(status, TellMissing(options, remotes));
+  return std::max(status, ReportMissing(options, remotes));
 }
 
 int Convert(const ConvertOptions& options) {

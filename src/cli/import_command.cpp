@@ -91,8 +91,8 @@ void PrintSummary(const ImportPlan& plan, bool dryRun) {
   }
 }
 
-ImportPlan Planned(const CfgStore& store, const std::vector<ImportedFile>& files,
-                   const ImportOptions& options) try {
+ImportPlan MakePlan(const CfgStore& store, const std::vector<ImportedFile>& files,
+                    const ImportOptions& options) try {
   ImportWishes wishes;
   if (!options.Section.empty())
     wishes.Section = RequireProtocol(store.CfgText, options.Section, options.AppPath);
@@ -118,8 +118,8 @@ void Store(CfgStore& store, const ImportPlan& plan) {
   if (plan.Count(KeyFate::Stored) > 0) StoreImport(store, plan);
 }
 
-/// A name that is mistyped would leave its key out without a word.
-void TellUnusedNames(const std::string& list, const ImportPlan& plan) {
+/// Warns of names without a key, which may be mistyped.
+void WarnOfUnusedNames(const std::string& list, const ImportPlan& plan) {
   for (std::size_t begin = 0; begin < list.size();) {
     const std::size_t end = std::min(list.find(',', begin), list.size());
     const std::string name = list.substr(begin, end - begin);
@@ -137,10 +137,10 @@ int Import(const ImportOptions& options) {
   const LoadedRemotes loaded = LoadRemoteFiles(options.Files, options.Format);
   ImportPlan plan;
   if (options.DryRun) {
-    plan = Planned(config.Mod.Store, loaded.Files, options);
+    plan = MakePlan(config.Mod.Store, loaded.Files, options);
   } else {
     config.Change([&](CfgStore& store) {
-      plan = Planned(store, loaded.Files, options);
+      plan = MakePlan(store, loaded.Files, options);
       Store(store, plan);
     });
   }
@@ -151,7 +151,7 @@ int Import(const ImportOptions& options) {
       PrintKey(key);
     }
   }
-  TellUnusedNames(options.Keys, plan);
+  WarnOfUnusedNames(options.Keys, plan);
   if (plan.NeedsSecondLook() && AnalysisOf(config) == Analysis::First) {
     Tell("some of these commands are heard with the second look alone; " +
          TypedCommand("settings ANALYSIS 1", options.AppPath) + " turns it on");

@@ -21,9 +21,9 @@ struct InstallOptions {
 int Install(const InstallOptions& options) {
   const std::filesystem::path appPath = ResolveAppPath(options.AppPath);
   PosixFileSystem files;
-  bool brought = false;
-  Write([&] { brought = !BringFirstInstall(appPath, files).empty(); });
-  std::cout << (brought ? "Brought a first install to " : "There is an install already in ")
+  bool created = false;
+  Write([&] { created = !CreateFirstInstall(appPath, files).empty(); });
+  std::cout << (created ? "Brought a first install to " : "There is an install already in ")
             << Printable(appPath.string()) << '\n';
   return options.Index.empty() ? kDone : TeachIndex(options.AppPath, options.Index);
 }

@@ -38,20 +38,21 @@ struct LearnOptions {
   LineOptions Line;
 };
 
-/// The last press of some recordings, and what all of them say of it.
+/// The presses to learn, taken together.
 struct HeardKey {
   RecordReading Last;
-  std::set<std::string> Codes;  // of all presses that have one
+  std::set<std::string> Codes;  // of all presses
   keplo::Validation Validation;
-  bool IsConfirmed = false;  // the code, by any of the presses
-  bool IsReadAgain = false;  // the code, by the monitor
+  bool IsConfirmed = false;  // the code was confirmed by any of the presses
+  bool IsReadAgain = false;  // the monitor reads the code as well
   bool Known = false;
   RawLesson Raw;
-  std::optional<FoundCommand> LikeRaw;  // a raw command that a press fits
-  bool IsClean = true;                  // all presses are signals that could be stored as lengths
+  std::optional<FoundCommand> LikeRaw;  // a raw command that one of the presses fits
+  bool IsClean = true;                  // all presses could be stored as lengths
 };
 
-/// Whether the remote itself sent the code twice: the copies of a frame that is held confirm nothing.
+/// Whether the remote itself sent the code twice. Frames that are only repeated to simulate a held key do not
+/// count.
 bool SentTwice(const Press& press, LineOptions line, const std::string& code, Analysis analysis) {
   line.HoldMs = 0;
   SignalState state;
@@ -61,9 +62,7 @@ bool SentTwice(const Press& press, LineOptions line, const std::string& code, An
   return recorded.Repeats && recorded.Code == code;
 }
 
-/// The lengths of a press as it was recorded and as the monitor will hear it: copies of a held frame tell
-/// nothing of the remote.
-/// @param line with what reads its captures, which are shaped otherwise
+/// Adds the lengths of a press, as recorded and as the monitor will receive it, without simulated repeats.
 void HearRaw(const Press& press, const std::string& place, LineOptions line, const CfgStore& store,
              HeardKey& key) {
   line.HoldMs = 0;
@@ -90,7 +89,7 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
   LineOptions line = options.Line;
   line.ReadBy = &analysis;
   for (const std::string& file : options.Files) {
-    std::error_code unknown;  // the path itself then tells the file
+    std::error_code unknown;  // then the path is used as it is
     const std::filesystem::path path = std::filesystem::canonical(file, unknown);
     int number = 0;  // of the press in its file
     const Recording recording = LoadRecording(file);
@@ -113,8 +112,8 @@ HeardKey ReadPresses(const LearnOptions& options, CfgStore& store, Analysis anal
   return key;
 }
 
-/// Whether a digit or two turn over from press to press: two codes that hardly differ, heard in turns. Two
-/// keys of a remote may be no less alike, but nobody presses them that way.
+/// Whether a digit or two toggle from press to press: two codes that hardly differ alternate. Two keys of a
+/// remote may be as similar, but would not be pressed alternately.
 bool HasTogglingCode(const HeardKey& key) {
   constexpr int kMostToggles = 2;
   if (key.Codes.size() != 2 || key.Raw.Forms().size() != 2 || !key.Raw.AreTurns()) return false;
@@ -125,15 +124,14 @@ bool HasTogglingCode(const HeardKey& key) {
   return differ <= kMostToggles;
 }
 
-/// Why the presses cannot be learned as one command, for a person; empty if they can.
+/// Why the presses cannot be learned as one command, for the user; empty if they can.
 std::string WhyNoCommand(const HeardKey& key) {
   if (const std::string reason = WhyNoCode(key.Last); !reason.empty()) return "no code: " + reason;
   if (key.Codes.size() < 2) return {};
   std::string codes;
   for (const std::string& code : key.Codes) codes += " G" + code;
   return "the presses have different codes, and a command has one; give presses of the same key, or four in "
-         "a "
-         "row of a remote that takes turns:" +
+         "a row of a remote that takes turns:" +
          codes;
 }
 
@@ -144,7 +142,7 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
                   {"It is a raw command of the protocol " + key.LikeRaw->Protocol +
                    ", which would be heard no more. Delete that one first to store the code."});
   }
-  // A known code needs no second press; the checks name the command that has it.
+  // A known code needs no confirmation, because AddCommand will refuse it.
   if (!key.IsConfirmed && !key.Known) {
     throw Refused(RefusalText({Refusal::NotValidated, {}}),
                   {"the press has a single frame; give recordings of two equal presses"});
@@ -155,8 +153,9 @@ void Store(const CommandReference& reference, const HeardKey& key, CfgStore& sto
   if (!result.Done()) throw Refused(WhyNotLearned(store.CfgText, result, code, key.Last.ReadBy));
 }
 
-/// Any section takes a code that is to be heard; not each can send it.
-void TellOtherSending(std::string_view text, const std::string& protocol, const RecordReading& read) try {
+/// Warns if a section, which can store any code, cannot send this one.
+void WarnIfSentDifferently(std::string_view text, const std::string& protocol,
+                           const RecordReading& read) try {
   const std::optional<ProtocolDraft> draft = LoadProtocol(text, protocol);
   if (read.ReadBy == Analysis::First || !draft) return;
   if (KindHeard({draft->ProtoKind, draft->Params}, read.Code) == read.ProtoKind) return;
@@ -166,9 +165,9 @@ void TellOtherSending(std::string_view text, const std::string& protocol, const 
   Tell(unsendable.what());
 }
 
-/// Why the presses cannot be learned as lengths, for a person; empty if they can.
+/// Why the presses cannot be learned as lengths, for the user; empty if they can.
 std::string WhyNoRawCommand(const HeardKey& key) {
-  constexpr std::size_t kMostForms = 4;  // a digit or two that change from press to press
+  constexpr std::size_t kMostForms = 4;  // if one or two digits change from press to press
   if (!key.IsClean)
     return "the presses are no clean signals of a few lengths each, which could be stored as raw";
   const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
@@ -178,22 +177,22 @@ std::string WhyNoRawCommand(const HeardKey& key) {
   return {};
 }
 
-/// Whether the presses were heard often enough for a raw command.
+/// Whether there are enough presses for a raw command.
 bool IsRawConfirmed(const RawLesson& lesson) {
   const std::vector<RawLesson::Form>& forms = lesson.Forms();
   return forms.size() == 1 ? forms.front().IsConfirmed() : lesson.AreTurns();
 }
 
-/// Whether the lengths are stored without --raw: where no press has a code that would be heard, or where they
-/// prove each other and a code does not.
-bool IsOfLengths(const HeardKey& key) {
+/// Whether to store the lengths even without --raw: if the monitor would not read a code from any of the
+/// presses, or if the lengths confirm each other and the codes do not.
+bool PrefersRaw(const HeardKey& key) {
   if (!key.IsClean) return false;
   if (!key.IsReadAgain || HasTogglingCode(key)) return true;
   const bool isUnproven = !WhyNoCode(key.Last).empty() || (!key.IsConfirmed && !key.Known);
   return key.Codes.size() < 2 && isUnproven && WhyNoRawCommand(key).empty() && IsRawConfirmed(key.Raw);
 }
 
-/// What to do about presses that make no command of a code.
+/// What to do about presses that cannot be learned as a code.
 std::vector<std::string> AdviceOn(const HeardKey& key, Analysis analysis, const std::string& appPath) {
   if (!key.IsClean || !WhyNoRawCommand(key).empty()) return {};
   if (analysis == Analysis::Second) return {"With --raw the lengths of such presses are stored."};
@@ -204,8 +203,8 @@ std::vector<std::string> AdviceOn(const HeardKey& key, Analysis analysis, const 
 void StoreRaw(const CommandReference& reference, const HeardKey& key, CfgStore& store, RawSignal& signal) {
   Require(CheckProtocol(reference.Protocol));
   const std::vector<RawLesson::Form>& forms = key.Raw.Forms();
-  signal = DrawRawSignal(store.CfgText, forms);
-  const bool isNew = !FindLikeRawCommand(store, signal);
+  signal = MakeRawSignal(store.CfgText, forms);
+  const bool isNew = !FindSimilarRawCommand(store, signal);
   if (isNew && !IsRawConfirmed(key.Raw)) {
     throw Refused(
         RefusalText({Refusal::NotValidated, {}}),
@@ -217,11 +216,11 @@ void StoreRaw(const CommandReference& reference, const HeardKey& key, CfgStore& 
   Require(result);
 }
 
-/// The name may hold the protocol, as in "NEC&POWER".
+/// The name may include the protocol, as in "NEC&POWER".
 CommandReference WantedReference(const LearnOptions& options) {
   if (!options.Protocol.empty()) return {options.Protocol, options.Name};
   if (auto both = SplitReference(options.Name)) return *std::move(both);
-  throw WrongUse("--protocol is required");
+  throw UsageError("--protocol is required");
 }
 
 int LearnRaw(CommandReference reference, const HeardKey& key, OpenedConfig& config) {
@@ -248,7 +247,7 @@ int Learn(const LearnOptions& options) {
   OpenedConfig config(options.AppPath);
   config.RequireWhole();
   const HeardKey key = ReadPresses(options, config.Mod.Store, AnalysisOf(config));
-  const bool asRaw = options.Raw || IsOfLengths(key);
+  const bool asRaw = options.Raw || PrefersRaw(key);
   if (asRaw && AnalysisOf(config) == Analysis::Second) return LearnRaw(reference, key, config);
   if (options.Raw) {
     throw Refused("Raw commands are heard with the second look alone; " +
@@ -262,7 +261,7 @@ int Learn(const LearnOptions& options) {
     reference = AsStored(store.CfgText, reference);
   });
   std::cout << Printable(reference.Text()) << " learned: G" << key.Last.Code << '\n';
-  TellOtherSending(config.Text(), reference.Protocol, key.Last);
+  WarnIfSentDifferently(config.Text(), reference.Protocol, key.Last);
   return kDone;
 }
 

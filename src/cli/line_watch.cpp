@@ -21,11 +21,11 @@ namespace keplo::cli {
 
 namespace {
 
-constexpr std::chrono::milliseconds kLook{2};  // between two looks at the line
-/// The same while a line rests that tells when it leaves rest: other inputs are shown as they change.
-constexpr std::chrono::milliseconds kRestingLook{50};
+constexpr std::chrono::milliseconds kPollTime{2};  // between checks of the line
+/// Between checks of the other inputs while the line is at rest and can wake the program.
+constexpr std::chrono::milliseconds kRestingPollTime{50};
 
-/// Lengths of the runs of a capture, microseconds, the first of them a mark.
+/// Lengths of the runs of a capture, microseconds, beginning with a mark.
 std::string LengthsText(const std::string& capture, double sampleTime) {
   const std::string samples =
       SamplesToBits(std::string_view(capture).substr(0, capture.find_last_not_of('\0') + 1));
@@ -56,7 +56,7 @@ std::string LossesText(const LineLosses& before, const LineLosses& now) {
   return "edges missed " + std::to_string(now.MissedEdges - before.MissedEdges);
 }
 
-/// An input of a serial port that is not the receiver's.
+/// An input of a serial port other than that of the receiver.
 struct ModemLine {
   int Bit;
   std::string_view Name;
@@ -64,14 +64,14 @@ struct ModemLine {
 constexpr std::array kOtherInputs = {ModemLine{TIOCM_CTS, "CTS"}, ModemLine{TIOCM_DSR, "DSR"},
                                      ModemLine{TIOCM_RI, "RI"}};
 
-/// Watches one line, and shows what changes.
+/// Shows the changes of a line.
 class LineWatch {
  public:
   LineWatch(LiveLine& live, const Settings& settings) : live_(live), settings_(settings) {}
 
-  void Look() {
-    // A line that stays away from rest is no signal to DCD, and tells that by itself; the port tells the
-    // level.
+  void Check() {
+    // A line that never rests is no signal to DCD, which reports it by itself; the level is read from the
+    // port.
     const bool signal = live_.Line().DCD() != RestLevel();
     ShowOverflows(live_.Losses().Overflows);
     if (const std::optional<int> lines = live_.Device().ModemLines()) Show(*lines);
@@ -87,7 +87,7 @@ class LineWatch {
     std::cout << "carrier detect " << level << (level == RestLevel() ? " (rest)" : "") << std::endl;
   }
 
-  /// A press of which the device lost a part is not shown.
+  /// Reports presses that are not shown because the device lost part of them.
   void ShowOverflows(std::uint64_t overflows) {
     if (std::exchange(overflows_, overflows) < overflows) {
       std::cout << "press lost: the device could not keep it (" << overflows << " so far)" << std::endl;
@@ -98,7 +98,7 @@ class LineWatch {
     ShowLevel((lines & TIOCM_CD) != 0 ? 1 : 0);
     for (const ModemLine& input : kOtherInputs) {
       const bool on = (lines & input.Bit) != 0;
-      // All are off until something is wired to them.
+      // Initially all are assumed to be off, which is the state if nothing is connected.
       if (on != ((lines_ & input.Bit) != 0)) std::cout << input.Name << (on ? " 1" : " 0") << std::endl;
     }
     lines_ = lines;
@@ -132,11 +132,11 @@ int WatchLine(const std::string& appPathOption, std::int32_t port) {
   Tell("watching " + live.Name() + "; Ctrl+C ends it");
   LineWatch watch(live, config.Mod.Settings);
   do {
-    watch.Look();
-    // A line that is read all the time cannot tell an edge of its own from one that the reading brought up.
-    const bool rests = live.Device().MayRest() > kLook;
+    watch.Check();
+    // Waits instead of reading all the time, which would interfere with some devices' detection of edges.
+    const bool rests = live.Device().MayRest() > kPollTime;
     pollfd wake = {live.Device().WakeDescriptor(), POLLIN, 0};
-    poll(&wake, 1, static_cast<int>((rests ? kRestingLook : kLook).count()));
+    poll(&wake, 1, static_cast<int>((rests ? kRestingPollTime : kPollTime).count()));
   } while (!live.TakeStop());
   return kDone;
 }

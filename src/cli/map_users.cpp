@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Whether a process has a file open; false too where the system does not let us see its files.
+/// Whether a process has a file open; false if we may not see its files.
 bool HasOpen(const fs::path& process, const fs::path& file) {
   std::error_code error;
   for (fs::directory_iterator open(process / "fd", error), end; !error && open != end;
@@ -33,8 +33,8 @@ std::string ContentOf(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Of this program only the monitor stays.
-bool Stays(const fs::path& process) {
+/// Whether a process keeps the map open: other commands of this program than the monitor end soon.
+bool KeepsMapOpen(const fs::path& process) {
   using namespace std::string_literals;
   const bool isKeplo = ContentOf(process / "comm") == ContentOf("/proc/self/comm");
   return !isKeplo || ContentOf(process / "cmdline").find("\0monitor\0"s) != std::string::npos;
@@ -42,7 +42,7 @@ bool Stays(const fs::path& process) {
 
 }  // namespace
 
-void TellWhoTakesItIn(const std::string& appPathOption) {
+void ReportMapUsers(const std::string& appPathOption) {
   std::error_code error;
   const fs::path map = fs::canonical(ResolveAppPath(appPathOption) / kDatabaseFile, error);
   if (error) return;
@@ -51,7 +51,7 @@ void TellWhoTakesItIn(const std::string& appPathOption) {
     const std::string number = process->path().filename();
     const bool isProcess =
         std::all_of(number.begin(), number.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!isProcess || !HasOpen(process->path(), map) || !Stays(process->path())) continue;
+    if (!isProcess || !HasOpen(process->path(), map) || !KeepsMapOpen(process->path())) continue;
     const std::string name = ContentOf(process->path() / "comm");
     Tell(Printable(name.substr(0, name.find('\n'))) + ", process " + number +
          ", has this event map open; a host or monitor takes the change in within a second");

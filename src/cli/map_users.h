@@ -4,8 +4,8 @@
 
 namespace keplo::cli {
 
-/// Tells which other programs have the event map of an application path open, where a host or monitor takes a
-/// change in by itself. Those of other users cannot be seen and are left out.
-void TellWhoTakesItIn(const std::string& appPathOption);
+/// Reports which other programs of this user have the event map of an application path open, since a host or
+/// monitor takes in changes by itself.
+void ReportMapUsers(const std::string& appPathOption);
 
 }  // namespace keplo::cli

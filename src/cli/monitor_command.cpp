@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/broker_telling.h"
+#include "cli/broker_reporter.h"
 #include "cli/commands.h"
 #include "cli/live_line.h"
 #include "keplo_mod.h"
@@ -56,45 +56,45 @@ void Print(const RaisedEvent& event, bool json) {
 void PrintKey(KeyChange change, const KeyPress& key, bool json) {
   static constexpr std::array<std::string_view, 3> kWhat = {"press", "hold", "release"};
   const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(key.Held);
-  std::cout << TextOf({kWhat.at(static_cast<std::size_t>(change)), key.Command, "G" + key.Sign.Digits,
+  std::cout << TextOf({kWhat.at(static_cast<std::size_t>(change)), key.Command, "G" + key.Signature.Digits,
                        key.Captures, static_cast<int>(held.count())},
                       json)
             << std::endl;
 }
 
-/// What a monitor tells beside its events: complaints under the program's name, presses without an event
-/// plain.
-void TellLine(LogLevel level, const std::string& text) {
+/// Prints log lines to standard error; only warnings and errors are prefixed with the program's name.
+void WriteLogLine(LogLevel level, const std::string& text) {
   std::cerr << (level <= LogLevel::Warning ? "keplo: " : "") << Printable(text) << '\n';
 }
 
-/// @return whether a signal came
+/// @return whether a signal has arrived
 bool WaitForTick(Station& station, const MonitorOptions& options, const StopSignals& stop,
-                 const ChangesWatch& changes, const BrokerTelling* broker) {
+                 const ChangesWatch& changes, const BrokerReporter* broker) {
   const bool hurry = !options.Line.InRealTime && !station.Played();
   if (hurry) return stop.WaitFor(0);
   LineRest* const rest = station.Rest();
   const std::chrono::milliseconds interval(station.Control().Timer1.Interval);
   const auto mayRest = rest == nullptr ? interval : rest->MayRest();
   if (mayRest <= interval) return stop.WaitFor(static_cast<int>(interval.count()));
-  const auto wait = std::min(mayRest, changes.MayWait());
-  const int told = broker == nullptr ? -1 : broker->WakeDescriptor();
-  return stop.WaitFor(static_cast<int>(wait.count()), {rest->WakeDescriptor(), changes.Descriptor(), told});
+  const auto wait = std::min(mayRest, changes.TimeToNextCheck());
+  const int requests = broker == nullptr ? -1 : broker->WakeDescriptor();
+  return stop.WaitFor(static_cast<int>(wait.count()),
+                      {rest->WakeDescriptor(), changes.Descriptor(), requests});
 }
 
-/// Runs ticks until a signal comes or, with --once, until the recording has been played.
+/// Runs ticks until a signal arrives or, with --once, until the recordings have been played.
 void RunTicks(Station& station, const MonitorOptions& options, const StopSignals& stop, ChangesWatch& changes,
-              BrokerTelling* broker) {
+              BrokerReporter* broker) {
   while (!(options.Once && station.Played())) {
     if (WaitForTick(station, options, stop, changes, broker)) return;
     if (broker != nullptr) broker->Serve();
     station.Control().Timer1.Tick();
-    if (changes.Due()) station.Control().TakeInChanges();
-    if (station.Control().WantsAnotherLook()) changes.LookAgain();
+    if (changes.IsDue()) station.Control().TakeInChanges();
+    if (station.Control().NeedsAnotherCheck()) changes.CheckSoon();
   }
 }
 
-/// What became of the presses, and how far their reading came.
+/// Prints the numbers of presses, and the stages at which their reading ended.
 void PrintTally(const PressTally& tally, std::ostream& out) {
   out << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
       << " presses without an event\n";
@@ -109,36 +109,37 @@ int Monitor(const MonitorOptions& options) {
   const std::filesystem::path appPath = RequireInstall(options.AppPath);
   ChangesWatch changes(appPath);
   KeploMod mod(appPath);
-  const Log log(TellLine);
+  const Log log(WriteLogLine);
   LoggedBoxes boxes(log);
   CancelledEventDialog dialog(log);
   const ui::SystemClock clock;
-  // Whatever ends the monitor, the port is left as it was found. While recordings are read, a signal ends it
-  // at once.
+  // Signals must not end the monitor before the settings of the port are restored, but may end it while
+  // recordings are read.
   std::optional<StopSignals> stop;
   if (options.Line.ReplayFiles.empty()) stop.emplace(EndingSignals());
   Station station(mod, options.Line, {boxes, dialog}, clock, log);
-  // Which was told. A device that is away may come, but a second program would wait for what nobody gives up.
+  // Already reported. A missing device may be plugged in later, but another program will not release the
+  // port.
   if (station.IsPortInUse()) return kNoResult;
   Keplo& control = station.Control();
-  std::optional<BrokerTelling> broker;
+  std::optional<BrokerReporter> broker;
   control.TriggerInputEvent = [&](HostInputEvent& event) {
     const RaisedEvent raised = Describe(event, station);
     Print(raised, options.Json);
-    if (broker) broker->Tell(raised);
+    if (broker) broker->Publish(raised);
   };
   control.OnKey = [&](KeyChange change, const KeyPress& key) {
     if (options.Presses) PrintKey(change, key, options.Json);
-    if (broker) broker->Tell(change, key);
+    if (broker) broker->Publish(change, key);
   };
   if (options.Broker) {
     broker.emplace(mod, station, log);
-    control.OnHeard = [&](const TickReport& tick) { broker->Tell(tick); };
+    control.OnHeard = [&](const TickReport& tick) { broker->Publish(tick); };
   }
   control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
     Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
   };
-  if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.WhyNoEventMap());
+  if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.EventMapFailure());
 
   if (broker && !options.Line.ReplayFiles.empty()) broker->WaitUntilUp();
   if (LineRest* const line = station.Rest()) line->Forget();

@@ -29,13 +29,13 @@ void OpenedConfig::RequireWhole() const {
 }
 
 void OpenedConfig::Change(const std::function<void(CfgStore& store)>& change) {
-  constexpr int kTries = 50;  // each of which somebody else has spoiled by a save of his own
+  constexpr int kTries = 50;  // each interrupted by a save of another program
   RequireWhole();
   for (int tries = 1;; ++tries) {
     try {
       return change(Mod.Store);
-    } catch (const ChangedElsewhere& spoiled) {
-      if (tries == kTries) throw NotWritten(1, spoiled.what());
+    } catch (const ChangedElsewhere& conflict) {
+      if (tries == kTries) throw NotWritten(1, conflict.what());
       LoadConfig(Mod.Store);
       RequireWhole();
     } catch (const Refused&) {

@@ -18,7 +18,7 @@ int StatusOf(const std::function<int()>& command) try { return command(); } catc
   return kNotWritten;
 } catch (const std::exception& failure) {
   Tell(failure.what());
-  return kWrongUse;
+  return kUsageError;
 }
 
 }  // namespace

@@ -7,20 +7,14 @@
 
 #include "config/learn.h"
 #include "failure.h"
+#include "program/exit_codes.h"
 
 namespace keplo::cli {
 
-// Exit codes of every command; the manual has them too.
-inline constexpr int kDone = 0;
-inline constexpr int kNoResult =
-    1;  // a press without a code, a name that is not there, a change that is refused
-inline constexpr int kWrongUse = 2;    // wrong use, or input that cannot be read
-inline constexpr int kNotWritten = 3;  // keplo.cfg, the event map or output could not be written
-
-/// Input that gives no result, or a change that the rules do not allow.
+/// Thrown if input gives no result, or the rules do not allow a change.
 class Refused : public Failure {
  public:
-  /// @param more lines to tell after the first
+  /// @param more further lines for the user
   explicit Refused(const std::string& text, std::vector<std::string> more = {})
       : Failure(kNoResult, text), more_(std::move(more)) {}
 
@@ -30,25 +24,25 @@ class Refused : public Failure {
   std::vector<std::string> more_;
 };
 
-/// What could not be written. What was there before is as it was, unless the text says otherwise.
+/// Thrown if something could not be written. The old contents are unchanged, unless the text says otherwise.
 class NotWritten : public Failure {
  public:
   using Failure::Failure;
 };
 
-/// Runs what writes; its failures are told as things that could not be written.
+/// Runs a function, and turns its failures into NotWritten.
 void Write(const std::function<void()>& write);
 
-/// Why a change of the store was refused, with what stands in the way.
+/// Why a change of the store was refused, with details.
 std::string ReasonedText(const LearnResult& result);
 
-/// @throws Refused with the sentence of the store unless a command was stored, renamed or deleted
+/// @throws Refused, with the message of the store, if a change was refused
 void Require(const LearnResult& result);
 
-/// A line for the user on standard error.
+/// Prints a line for the user on standard error.
 void Tell(std::string_view text);
 
-/// Runs a command, tells why it failed, and sees to it that its output has arrived.
+/// Runs a command, reports why it failed, and makes sure that its output was written.
 /// @return the exit code
 int RunToEnd(const std::function<int()>& command);
 

@@ -81,7 +81,7 @@ int ListPorts(const PortsOptions& options) {
               << Printable((appPath / "ports.conf").string()) << " keeps them.\n";
   }
   if (!options.Json) std::cout << DescribeRealTime() << '\n' << DescribeMemory() << '\n';
-  return map.Mistakes.empty() ? kDone : kWrongUse;
+  return map.Mistakes.empty() ? kDone : kUsageError;
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace keplo::cli {
 
 namespace {
 
-/// @return whether all of it is presses, and every press has a code
+/// @return whether there were no complaints and every press has a code
 bool PrintRecording(const Recording& recording, bool asJson, const ReadPress& read) {
   for (const std::string& complaint : recording.Complaints) Tell(complaint);
   bool all = recording.Complaints.empty();
@@ -85,13 +85,13 @@ int PrintPresses(const PressOptions& options, const ReadPress& read) {
       if (!PrintRecording(LoadRecording(file), options.Json, read)) status = std::max(status, kNoResult);
     } catch (const FormatError& failure) {
       Tell(failure.what());
-      status = kWrongUse;
+      status = kUsageError;
     }
   }
   return status;
 }
 
-std::string_view WordOf(Analysis analysis) {
+std::string_view AnalysisText(Analysis analysis) {
   return analysis == Analysis::First ? "first analysis" : "second look";
 }
 

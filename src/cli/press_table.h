@@ -23,46 +23,46 @@ struct PressOptions {
   LineOptions Line;
 };
 
-/// @return the recordings that are given
+/// @return the FILE argument
 Argument AddPressOptions(Command& command, PressOptions& options);
 
-/// The analysis that the options ask for.
-/// @param config the one of --app-path; null without that option, or without a file there
+/// The analysis specified by the options.
+/// @param config that of --app-path; null without that option, or if there is no file
 Analysis AnalysisFor(const PressOptions& options, const OpenedConfig* config);
 
-/// What the monitor makes of a press by an analysis.
-/// @param state takes the capture
+/// Reads a press as the monitor does.
+/// @param state receives the capture
 MonitorReading ReadAsMonitor(const Press& press, const LineOptions& line, Analysis analysis,
                              SignalState& state);
 
-/// What there is to tell of one press.
+/// The output for a press.
 struct PressRow {
   bool HasCode = false;
-  std::string Text;                  // for a person
-  std::string Remark;                // for a person who has JSON printed; may be empty
-  std::vector<std::string> Details;  // lines below the text, for a person
+  std::string Text;                  // not used with JSON
+  std::string Remark;                // printed to standard error with JSON; may be empty
+  std::vector<std::string> Details;  // lines below the text
 };
 
-/// Reads one press.
-/// @param json takes the fields of the press; null if none are wanted
+/// Reads a press.
+/// @param json receives the fields of the press; null if the output is text
 using ReadPress = std::function<PressRow(const Press& press, nlohmann::ordered_json* json)>;
 
-/// Prints the row of one press.
+/// Prints the row of a press.
 /// @param source what it was recorded from
 /// @param number of the press, from 1
-/// @param read gives the row, as ReadPress does
-/// @return whether it has a code
+/// @param read returns the row, like ReadPress
+/// @return whether the press has a code
 bool PrintPress(const std::string& source, int number, bool asJson,
                 const std::function<PressRow(nlohmann::ordered_json* json)>& read);
 
-/// Prints a row for each press of each file, and tells which files cannot be read.
+/// Prints a row for each press in each file, and reports files that cannot be read.
 /// @return the exit code
 int PrintPresses(const PressOptions& options, const ReadPress& read);
 
-/// What an analysis is called in a line for a person: "first analysis", "second look".
-std::string_view WordOf(Analysis analysis);
+/// The name of an analysis in texts: "first analysis", "second look".
+std::string_view AnalysisText(Analysis analysis);
 
-/// How the monitor and the window of an install read captures.
+/// The analysis chosen in the settings.
 Analysis AnalysisOf(const OpenedConfig& config);
 
 }  // namespace keplo::cli

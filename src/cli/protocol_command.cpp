@@ -23,7 +23,7 @@ namespace keplo::cli {
 
 namespace {
 
-/// What the command line tells of a protocol; what it does not tell stays empty.
+/// The parameters of a protocol on the command line; empty if not given.
 struct ProtocolWords {
   std::string Name, AppPath;
   std::optional<std::string> Generic, Description, BitG, Bit0, Bit1;
@@ -40,7 +40,7 @@ void TakePattern(const std::optional<std::string>& word, std::string& pattern) {
   if (word) pattern = Trimmed(*word);
 }
 
-void TakeWords(const ProtocolWords& words, ProtocolDraft& draft) {
+void ApplyWords(const ProtocolWords& words, ProtocolDraft& draft) {
   TakePattern(words.Description, draft.Description);
   Take(words.SendPls, draft.Params.SENDPLS);
   Take(words.Repeat, draft.Params.REPEAT);
@@ -74,8 +74,8 @@ void Require(const ProtocolResult& result, const std::string& before = {}) {
   if (!result.Done()) throw Refused(before + RefusalText(result));
 }
 
-/// Tells what was done, and the lines that the section is left with: a change drops comments, and may bring
-/// GREPEAT to REPEAT.
+/// Prints what was done, and the resulting lines of the section, since a change drops comments and may adjust
+/// GREPEAT.
 void PrintStored(std::string_view text, const std::string& protocol, const char* done) {
   std::cout << Printable(protocol) << ' ' << done << '\n';
   const std::optional<ProtocolDraft> stored = LoadProtocol(text, protocol);
@@ -87,7 +87,7 @@ int Add(const ProtocolWords& words) {
   OpenedConfig config(words.AppPath);
   ProtocolDraft draft = PresetOf(*words.Generic);
   draft.Name = Trimmed(words.Name);
-  TakeWords(words, draft);
+  ApplyWords(words, draft);
   config.Change([&](CfgStore& store) { Require(AddProtocol(store, draft)); });
   PrintStored(config.Text(), draft.Name, "added");
   return kDone;
@@ -102,21 +102,22 @@ int Edit(const ProtocolWords& words) {
     std::optional<ProtocolDraft> draft = LoadProtocol(store.CfgText, name);
     if (!draft) Require(ProtocolRefusal::NoSection, name + ": ");
     if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
-    TakeWords(words, *draft);
+    ApplyWords(words, *draft);
     Require(EditProtocol(store, *draft));
   });
   PrintStored(config.Text(), name, "changed");
   return kDone;
 }
 
-bool Agreed(const std::string& question) {
+bool Confirmed(const std::string& question) {
   std::cerr << Printable(question) << " [y/N] " << std::flush;
   std::string answer;
   std::getline(std::cin, answer);
   return EqualNoCase(answer, "y") || EqualNoCase(answer, "yes");
 }
 
-/// The name of a protocol that can be deleted, as it is stored.
+/// The stored name of a protocol.
+/// @throws Refused if it cannot be deleted
 std::string RequireDeletable(std::string_view text, const std::string& word) {
   Require(CheckProtocolDelete(word));
   std::string name = ProtocolAsStored(text, word);
@@ -132,7 +133,7 @@ int Delete(const ProtocolWords& words) {
     throw Refused("nothing is deleted without a question; there is no terminal to ask on, so give --yes");
   }
   if (!words.Yes &&
-      !Agreed("Do you want to delete the protocol " + name + " from the current configuration file?")) {
+      !Confirmed("Do you want to delete the protocol " + name + " from the current configuration file?")) {
     throw Refused(name + " was not deleted");
   }
   config.Change([&](CfgStore& store) {

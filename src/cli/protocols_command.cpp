@@ -25,7 +25,7 @@ struct ProtocolsOptions {
   bool Json = false;
 };
 
-/// Commands of a section, its placeholder left out.
+/// Number of commands of a section, without the placeholder.
 int LearnedIn(std::string_view text, std::string_view protocol) {
   return CommandsIn(text, protocol) - (FindPlaceholder(text, protocol) ? 1 : 0);
 }
@@ -45,7 +45,7 @@ nlohmann::ordered_json Describe(std::string_view text, const ProtocolDraft& draf
           {"commands", LearnedIn(text, draft.Name)}};
 }
 
-/// One field a line.
+/// Prints one field per line.
 void PrintFields(const nlohmann::ordered_json& protocol) {
   for (const auto& [field, value] : protocol.items()) {
     std::cout << field << '\t' << Printable(value.is_string() ? value.get<std::string>() : value.dump())
@@ -58,8 +58,8 @@ void PrintRow(std::string_view text, const ProtocolDraft& draft) {
             << LearnedIn(text, draft.Name) << '\t' << Printable(draft.Description) << '\n';
 }
 
-/// A file that was cut or mixed up may have thousands of them, which nobody reads.
-void TellDamaged(const std::vector<std::string>& names) {
+/// Only names the first, since a file that is badly damaged may have thousands.
+void ReportDamaged(const std::vector<std::string>& names) {
   const std::size_t others = names.size() - 1;
   Tell("the section [" + names.front() + "] is damaged" +
        (others == 0 ? "" : ", and so are " + std::to_string(others) + " behind it"));
@@ -85,7 +85,7 @@ int List(const ProtocolsOptions& options) {
     }
   }
   if (damaged.empty()) return kDone;
-  TellDamaged(damaged);
+  ReportDamaged(damaged);
   return kNoResult;
 }
 

@@ -10,7 +10,7 @@
 #include "cli/open_install.h"
 #include "cli/outcome.h"
 #include "cli/press_table.h"
-#include "cli/raw_words.h"
+#include "cli/raw_texts.h"
 #include "cli/reference.h"
 #include "config/lookup.h"
 #include "config/raw_lookup.h"
@@ -32,14 +32,14 @@ struct RecordOptions : PressOptions {
   std::optional<std::int32_t> Port;
 };
 
-/// What the raw commands make of a press that has no other command.
+/// The raw command of a press that has no other command.
 struct RawPress {
-  std::size_t Lengths = 0;  // of a clean signal; 0 without one, or with a code
+  std::size_t Lengths = 0;  // of a clean signal; 0 if it is not clean or has a code
   std::string KnownAs, Digits;
-  std::string Offer;  // what can be done with one that is not known, behind the reason; mostly empty
+  std::string Offer;  // what can be done if it is not known, to follow the reason; usually empty
 };
 
-RawPress AskRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
+RawPress MatchRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
   RawPress press;
   const HeardLengths heard = HeardIn(state);
   if (!isRead && FindLevels(heard)) {
@@ -52,8 +52,9 @@ RawPress AskRaw(const OpenedConfig* config, SignalState& state, bool isRead) {
                          ? keplo::FindCommand(config->Text(), match.Digits, /*limit=*/0, Analysis::Second)
                          : std::nullopt;
   if (found) {
-    press = {heard.Runs.size(), found->Protocol + "&" + found->Command, std::string(match.Digits), {}};
-  } else if (const std::string alike = AlikeRawText(config->Mod.Store, state); !isRead && !alike.empty()) {
+    press = {heard.Runs.size(), found->Reference(), std::string(match.Digits), {}};
+  } else if (const std::string alike = AmbiguousRawText(config->Mod.Store, state);
+             !isRead && !alike.empty()) {
     press.Offer = "; it " + alike;
   }
   return press;
@@ -66,7 +67,7 @@ std::string KnownAs(OpenedConfig* config, const RecordReading& reading) {
   return CommandReference{store.CurProtocol, store.CurCommand}.Text();
 }
 
-/// A fragment could be of any line code that begins like its own.
+/// Whether the line code is certain; a fragment could belong to several.
 bool NamesKind(const RecordReading& reading) {
   return reading.Ended == RecordStage::Unknown || reading.Ended == RecordStage::Code;
 }
@@ -76,7 +77,7 @@ nlohmann::json ToggleJson(char toggle) {
   return std::string(1, toggle);
 }
 
-/// A null is where the window shows nothing.
+/// Fields that the window does not show are null.
 void Describe(const RecordReading& reading, const std::string& knownAs, nlohmann::ordered_json& json) {
   for (const char* field :
        {"protocol", "base_t", "pulse_us", "code", "bits", "repeats", "sync_type", "address", "command",
@@ -120,7 +121,7 @@ std::string ToText(const RecordReading& reading, const std::string& knownAs) {
   }
   if (reading.Toggle) text += std::string(", toggle ") + *reading.Toggle;
   text += knownAs.empty() ? ", not known" : ", known as " + knownAs;
-  return text + ", " + std::string(WordOf(reading.ReadBy));
+  return text + ", " + std::string(AnalysisText(reading.ReadBy));
 }
 
 std::string ToText(const RawPress& raw) { return "raw command G" + raw.Digits + ", known as " + raw.KnownAs; }
@@ -142,7 +143,7 @@ PressRow Explain(const std::string& capture, double sampleTime, Analysis analysi
   const std::string knownAs = KnownAs(config, reading);
   const std::string reason = WhyNoCode(reading);
   RawPress raw;
-  if (analysis == Analysis::Second && knownAs.empty()) raw = AskRaw(config, state, reason.empty());
+  if (analysis == Analysis::Second && knownAs.empty()) raw = MatchRaw(config, state, reason.empty());
   if (json != nullptr) Describe(reading, knownAs, *json);
   if (json != nullptr) DescribeRaw(raw, *json);
   if (!raw.KnownAs.empty()) return PressRow{true, json == nullptr ? ToText(raw) : "", "", {}};
@@ -161,7 +162,7 @@ int RecordFiles(const RecordOptions& options) {
   });
 }
 
-/// The next press on the line; empty if none comes.
+/// The next press on the line; empty if there is none.
 std::string Receive(LiveLine& live, const Settings& settings) {
   std::string capture(kRecordCaptureBytes, '\0');
   const auto limit = static_cast<std::int32_t>(kRecordCaptureBytes);
@@ -209,7 +210,7 @@ void AddRecordCommand(Command& root) {
   command.Examples({"keplo record samples/sony_tv_1.mode2", "keplo record --live --count 2"});
   command.Runs([options] {
     if (options->Live) return RecordLive(*options);
-    if (options->Files.empty()) throw WrongUse("FILE is required, or --live");
+    if (options->Files.empty()) throw UsageError("FILE is required, or --live");
     return RecordFiles(*options);
   });
 }

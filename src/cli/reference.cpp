@@ -17,7 +17,7 @@ std::optional<CommandReference> SplitReference(std::string_view word) {
 CommandReference ReferenceOf(const std::string& protocol, const std::string& command) {
   if (!command.empty()) return {protocol, command};
   if (auto both = SplitReference(protocol)) return *std::move(both);
-  throw WrongUse("COMMAND is required");
+  throw UsageError("COMMAND is required");
 }
 
 std::string ProtocolAsStored(std::string_view text, const std::string& word) {

@@ -20,12 +20,12 @@ constexpr std::string_view kOutput = "-";
 void RequireFormat(const std::string& name) try {
   RemoteFormatNamed(name);
 } catch (const FormatError& unknown) {
-  throw WrongUse(unknown.what());
+  throw UsageError(unknown.what());
 }
 
-/// Keys without a signal, with their reasons.
-/// @return whether there is none of them
-bool TellSkipped(const std::vector<Remote>& remotes) {
+/// Reports keys without a signal, with their reasons.
+/// @return whether there are none
+bool ReportSkipped(const std::vector<Remote>& remotes) {
   bool all = true;
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
@@ -38,7 +38,8 @@ bool TellSkipped(const std::vector<Remote>& remotes) {
   return all;
 }
 
-/// @throws Refused where a terminal would obey what stands in names of a file
+/// @throws Refused if the text contains control characters and standard output is a terminal, which would
+/// obey them
 void RequireHarmless(std::string_view text) {
   if (isatty(STDOUT_FILENO) == 0) return;
   for (; !text.empty(); text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1)) {
@@ -64,20 +65,20 @@ LoadedRemotes LoadRemoteFiles(const std::vector<std::string>& files, const std::
       loaded.Files.push_back({path, std::move(file.Remotes)});
     } catch (const FormatError& unreadable) {
       Tell(unreadable.what());
-      loaded.Status = kWrongUse;
+      loaded.Status = kUsageError;
     }
   }
   return loaded;
 }
 
 int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remotes, const std::string& out) {
-  std::vector<Complaint> told;
-  const std::string text = WriteRemotes(format, remotes, told);
-  for (const Complaint& complaint : told) Tell(complaint.Message());
-  const bool keysLeftOut = std::any_of(told.begin(), told.end(), [](const Complaint& complaint) {
+  std::vector<Complaint> complaints;
+  const std::string text = WriteRemotes(format, remotes, complaints);
+  for (const Complaint& complaint : complaints) Tell(complaint.Message());
+  const bool keysLeftOut = std::any_of(complaints.begin(), complaints.end(), [](const Complaint& complaint) {
     return !complaint.Key.empty() || complaint.Line > 0;
   });
-  const bool all = TellSkipped(remotes) && !keysLeftOut;
+  const bool all = ReportSkipped(remotes) && !keysLeftOut;
   if (text.empty()) throw Refused("there is nothing to write: none of the keys can be said in this format");
   if (out.empty() || out == kOutput) {
     RequireHarmless(text);

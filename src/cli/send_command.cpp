@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "cli/captured_transmission.h"
 #include "cli/commands.h"
 #include "cli/live_line.h"
 #include "cli/open_install.h"
 #include "cli/press_table.h"
 #include "cli/reference.h"
-#include "cli/sent_pulses.h"
 #include "cli/write_file.h"
 #include "config/beeps.h"
 #include "config/learn.h"
@@ -34,22 +34,23 @@ namespace keplo::cli {
 
 namespace {
 
-constexpr std::size_t kShortestCode = 6;  // characters with the leading G; fewer are no command
-constexpr int kLongestWritten = 100'000;  // microseconds; a slot that a file may have
+constexpr std::size_t kShortestCode = 6;  // characters including the leading G
+constexpr int kLongestWritten = 100'000;  // microseconds; the longest slot in a file
 constexpr std::string_view kStandardOutput = "-";
-constexpr std::int32_t kPauseBetweenPresses = 200'000;  // microseconds; less is one press to a receiver
+constexpr std::int32_t kPauseBetweenPresses =
+    200'000;  // microseconds; with less, receivers would see one press
 
 struct SendOptions {
   std::string AppPath;
-  std::string Protocol, Command;  // of a learned command
-  std::string Code;               // in place of one
+  std::string Protocol, Command;  // a learned command
+  std::string Code;               // or a code
   std::string OutFile;
   std::optional<std::int32_t> Pulse, Port;
-  std::optional<std::int16_t> Zone;  // to select first
+  std::optional<std::int16_t> Zone;  // selected before sending
   int Count = 1;
 };
 
-/// A code that was typed: with its leading G, or the digits alone.
+/// Adds the leading G to a typed code if it is missing.
 std::string TypedCode(const std::string& code) {
   const bool headed = !code.empty() && LowerCase(code.front()) == 'g';
   return "G" + code.substr(headed ? 1 : 0);
@@ -68,7 +69,8 @@ std::string DigitsOf(const std::string& code) {
   return digits;
 }
 
-/// The first analysis knows no codes that are sent in another way than the parameters say.
+/// Loads the parameters of a protocol, without those parts of SENDAS that the first analysis does not
+/// support.
 void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
   if (IsRecorded(protocol)) {
     throw Refused("Information about received command is not complete!");
@@ -79,7 +81,7 @@ void LoadParams(KeploMod& mod, const std::string& protocol, Analysis analysis) {
   if (analysis == Analysis::First) mod.ProtocolParams.SENDAS = WithoutWays(mod.ProtocolParams.SENDAS);
 }
 
-/// @param sent transmissions so far: each has its own toggle digit or its own form
+/// @param sent number of transmissions so far, which determines the toggle digit or form
 Transmission NextTransmission(KeploMod& mod, const std::string& digits, bool& toggle, int sent) try {
   return TransmissionOfCode(mod.Store, "G" + digits, mod.Signal.Measured.ProtoKind, mod.ProtocolParams,
                             toggle, static_cast<std::size_t>(sent));
@@ -87,14 +89,14 @@ Transmission NextTransmission(KeploMod& mod, const std::string& digits, bool& to
   throw Refused(tooLong.what());
 }
 
-/// Puts the code out on the line.
-/// @param goesOn asked after each press; the rest is left out if not
+/// Sends the code on a line.
+/// @param shouldContinue called after each press; the remaining ones are skipped if it returns false
 void Transmit(KeploMod& mod, Win32Ser& line, const std::string& digits, const SendOptions& options,
-              const std::function<bool()>& goesOn) {
+              const std::function<bool()>& shouldContinue) {
   bool toggle = false;
   const Beeps beeps(line, mod.Settings);
   PrepareToSend(line);
-  for (int sent = 0; sent < options.Count && (sent == 0 || goesOn()); ++sent) {
+  for (int sent = 0; sent < options.Count && (sent == 0 || shouldContinue()); ++sent) {
     if (sent > 0) line.uDelay(kPauseBetweenPresses);
     Transmission transmission = NextTransmission(mod, digits, toggle, sent);
     if (options.Pulse) transmission.Slot = *options.Pulse;
@@ -111,7 +113,7 @@ void RequireAudible(const LineOutput& output) {
                 " us. Check SENDPLS, BIT0 and BIT1 of the protocol.");
 }
 
-/// What was sent, as a recording of that file name holds it.
+/// What was sent, in the recording format for a file name.
 std::string RecordingOf(const LineOutput& output, const std::string& file) {
   std::vector<PulseTrain> presses;
   for (const LineOutput::Signal& signal : output.Signals) presses.push_back(PulsesOf(signal));
@@ -129,7 +131,7 @@ std::string Report(const LineOutput& output, const SendOptions& options, const s
          " us";
 }
 
-/// What is to be sent, as keplo.cfg spells it.
+/// What to send, spelled as in keplo.cfg.
 struct Sendable {
   std::string Protocol, Name, Code;  // the code with its leading G
 };
@@ -145,7 +147,7 @@ Sendable SendableOf(std::string_view text, const SendOptions& options) {
           command ? command->Code : ""};
 }
 
-/// @throws Refused where nothing that is sent to a port leaves it
+/// @throws Refused if a port cannot send
 void RequireSender(const KeploMod& mod, std::int32_t number, const std::string& appPathOption) {
   const std::string advice = "--out FILE keeps what would be sent, and " +
                              TypedCommand("ports", appPathOption) + " lists the ports that have a device";
@@ -154,7 +156,7 @@ void RequireSender(const KeploMod& mod, std::int32_t number, const std::string& 
     throw Refused("COM " + std::to_string(number) +
                   " has no device on this machine, so nothing goes on air; " + advice);
   }
-  // What stands at a serial port is not known. It gets the signal.
+  // What is connected to a serial port is unknown.
   if (port->Type == MappedPort::Kind::Serial) return;
   KernelCalls calls;
   const PortCheck check = CheckPort(calls, *port);
@@ -162,8 +164,9 @@ void RequireSender(const KeploMod& mod, std::int32_t number, const std::string& 
   throw Refused("Nothing goes on air by COM " + std::to_string(number) + ". " + check.Why + " " + advice);
 }
 
-/// @param ofSettings the zone that VEXIL names, where none is asked for; 0 for none
-/// @throws Refused if it does not answer: the signal would go to another one
+/// @param asked the requested zone
+/// @param ofSettings the zone of VEXIL if none is requested; 0 for none
+/// @throws Refused if the zone does not answer, since the signal would go to another one
 void SelectZone(LiveLine& live, std::optional<std::int16_t> asked, std::int16_t ofSettings) {
   const std::int16_t zone = asked.value_or(ofSettings);
   if (zone <= 0 || SendZone(live.Line(), zone)) return;
@@ -173,7 +176,7 @@ void SelectZone(LiveLine& live, std::optional<std::int16_t> asked, std::int16_t 
                 (asked ? "" : " Set VEXIL to 0 if there is none."));
 }
 
-/// Puts the code out on the port.
+/// Sends the code on the port.
 void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& options) {
   ReadSettings(mod.Store, mod.Settings);
   const std::int32_t port = options.Port.value_or(mod.Settings.ComPortNr);
@@ -187,18 +190,18 @@ void SendOnAir(KeploMod& mod, const std::string& digits, const SendOptions& opti
   const auto sent = [&] { return live.Device().Sent(); };
   Transmit(mod, live.Line(), digits, options, sent);
   if (sent()) return;
-  // Why has been told when it happened.
+  // The reason has already been reported.
   throw Refused("The signal did not go out whole at " + live.Name() + ".");
 }
 
-/// A raw code has no parameters to be sent by, but lengths.
+/// A raw command needs lengths instead of parameters.
 void CheckRaw(const KeploMod& mod, const Sendable& sendable, const SendOptions& options) {
   if (!AreRawDigits(std::string_view(sendable.Code).substr(1))) return;
   if (FindRawSignal(mod.Store, sendable.Code) == nullptr) {
     throw Refused("The lengths of the raw command " + sendable.Name +
                   " are missing or damaged, so that it cannot be sent.");
   }
-  if (options.Pulse) throw WrongUse("a raw command is sent with its own lengths; leave --pulse out");
+  if (options.Pulse) throw UsageError("a raw command is sent with its own lengths; leave --pulse out");
 }
 
 int Send(const SendOptions& options) {
@@ -254,7 +257,7 @@ void AddSendCommand(Command& root) {
       {"keplo send 'NEC&TV_POWER'", "keplo send --code G101010010000 --protocol SONY --out press.mode2"});
   command.Runs([options] {
     if (options->Code.empty() && options->Command.empty() && !SplitReference(options->Protocol)) {
-      throw WrongUse("PROTOCOL and COMMAND, or --code and --protocol is required");
+      throw UsageError("PROTOCOL and COMMAND, or --code and --protocol is required");
     }
     return Send(*options);
   });

@@ -66,7 +66,7 @@ void AddSynthCommand(Command& root) {
       .Excludes(code);
   command.Runs([choice] {
     if (choice->SamplesFolder.empty() && choice->Code.empty()) {
-      throw WrongUse("--code or --samples is required");
+      throw UsageError("--code or --samples is required");
     }
     return choice->SamplesFolder.empty() ? Synth(*choice) : WriteSamples(choice->SamplesFolder);
   });

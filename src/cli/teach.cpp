@@ -40,7 +40,7 @@ void Teach(OpenedConfig& config, const CodeToLearn& wanted, Analysis analysis, T
   } else if (result.Refused == Refusal::CodeExists) {
     const auto known = keplo::FindCommand(config.Text(), wanted.Code, /*limit=*/0, analysis);
     std::cout << Printable(reference) << " is known already, as "
-              << Printable(known ? known->Protocol + "&" + known->Command : result.Detail) << '\n';
+              << Printable(known ? known->Reference() : result.Detail) << '\n';
   } else {
     refuse(ReasonedText(result));
   }

@@ -12,7 +12,7 @@ namespace keplo::component {
 
 namespace {
 
-/// A host finds out at once, and not by events that never come or a window that ends its process.
+/// Detects mistakes of a host that would otherwise show later, as missing events or a crash.
 void RequireUsable(const CreationContext& context) {
   const QCoreApplication* const application = QCoreApplication::instance();
   if (application == nullptr) {
@@ -46,9 +46,9 @@ ComponentObject KeploClass::CreateObject(const CreationContext& context, std::st
   writeFailure_ = 0;
   RequireUsable(context);
   SetUp(context);
-  CreationContext settled = context;  // a host that changes its folder later still means the same files
-  settled.ApplicationPath = std::filesystem::absolute(context.ApplicationPath).string();
-  ComponentObject object(new KeploObject(settled, [this] { --alive_; }));
+  CreationContext absolute = context;  // so that a later change of the working directory does not matter
+  absolute.ApplicationPath = std::filesystem::absolute(context.ApplicationPath).string();
+  ComponentObject object(new KeploObject(absolute, [this] { --alive_; }));
   ++alive_;
   return object;
 } catch (const std::exception& reason) {

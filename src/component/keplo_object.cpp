@@ -17,8 +17,8 @@ namespace keplo::component {
 
 namespace {
 
-constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
-constexpr std::chrono::milliseconds kLookAgain{400};  // where an operation stood in the way
+constexpr std::chrono::seconds kCare{1};  // between checks whether the device was unplugged or plugged in
+constexpr std::chrono::milliseconds kRetryTime{400};  // after a check that an operation has prevented
 
 LineSpec LineSpecOf(const CreationContext& context) {
   LineSpec spec;
@@ -43,8 +43,8 @@ std::unique_ptr<EventDialogShower> MakeEventDialog(bool mayUseDisplay, const Log
 
 }  // namespace
 
-/// While one lives, a release waits: a handler may let go of the object inside the tick or operation that
-/// raised its event and still needs it.
+/// Delays a release during its lifetime: a handler may release the object inside the tick or operation that
+/// raised the event.
 class KeploObject::Busy {
  public:
   explicit Busy(KeploObject& object) : object_(object) { ++object_.uses_.Depth; }
@@ -52,8 +52,8 @@ class KeploObject::Busy {
     if (--object_.uses_.Depth > 0) return;
     if (object_.uses_.ReleasePending) {
       object_.ReleaseLater();
-    } else if (object_.control_.WantsAnotherLook()) {
-      object_.LookAgain();
+    } else if (object_.control_.NeedsAnotherCheck()) {
+      object_.CheckSoon();
     }
   }
   Busy(const Busy&) = delete;
@@ -79,20 +79,20 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       timer_(control_.Timer1, station_.Rest()) {
   otherPrograms_.setSingleShot(true);
   otherPrograms_.callOnTimeout([this] { LookForChanges(); });
-  otherPrograms_.start(changes_.MayWait());
+  otherPrograms_.start(changes_.TimeToNextCheck());
   if (const int news = changes_.Descriptor(); news >= 0) {
     news_ = std::make_unique<QSocketNotifier>(news, QSocketNotifier::Read);
     QObject::connect(news_.get(), &QSocketNotifier::activated, &otherPrograms_, [this] {
       changes_.Notice();
-      otherPrograms_.start(changes_.MayWait());
+      otherPrograms_.start(changes_.TimeToNextCheck());
     });
   }
   control_.TriggerInputEvent = [this](HostInputEvent& event) {
     const Busy busy(*this);
     sinks_.Events.ForEach([&](IHostEventSink& sink) { sink.TriggerInputEvent(event); });
   };
-  control_.OnHeard = [this](const TickReport& tick) { TellSignal(tick); };
-  control_.OnKey = [this](KeyChange change, const KeyPress& press) { TellKey(change, press); };
+  control_.OnHeard = [this](const TickReport& tick) { ReportSignal(tick); };
+  control_.OnKey = [this](KeyChange change, const KeyPress& press) { ReportKey(change, press); };
   control_.TriggerInputErrorCondition = [this](HostErrorRecord& record, bool& stopping) {
     const Busy busy(*this);
     sinks_.Events.ForEach([&](IHostEventSink& sink) { sink.TriggerInputErrorCondition(record, stopping); });
@@ -102,7 +102,8 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
 
 KeploObject::~KeploObject() = default;
 
-/// An entry may show a box, which runs an event loop of its own, or tell the host of a failure.
+/// A menu entry may show a box, which runs an event loop, or report a failure to the host, which may then
+/// release the object.
 void KeploObject::KeepAliveInMenu() {
   for (ui::MenuItem& item : control_.RightClickMenu.Items) {
     if (!item.OnClick) continue;
@@ -114,17 +115,17 @@ void KeploObject::KeepAliveInMenu() {
 }
 
 void KeploObject::LookForChanges() {
-  // An operation that shows a dialog runs an event loop of its own.
-  if (uses_.Depth == 0 && changes_.Due()) {
+  // This may be called from the event loop of a dialog that an operation shows.
+  if (uses_.Depth == 0 && changes_.IsDue()) {
     const Busy busy(*this);
     control_.TakeInChanges();
   }
-  otherPrograms_.start(std::max(changes_.MayWait(), kLookAgain));
+  otherPrograms_.start(std::max(changes_.TimeToNextCheck(), kRetryTime));
 }
 
-void KeploObject::LookAgain() {
-  changes_.LookAgain();
-  otherPrograms_.start(changes_.MayWait());
+void KeploObject::CheckSoon() {
+  changes_.CheckSoon();
+  otherPrograms_.start(changes_.TimeToNextCheck());
 }
 
 KeploWindows KeploObject::Windows() {
@@ -139,16 +140,16 @@ KeploWindows KeploObject::Windows() {
           mayUseDisplay_};
 }
 
-/// While the window is shown nobody ticks, so the device is looked after as in a window of its own.
+/// There are no ticks while the window is open, so a timer looks after the device.
 void KeploObject::ShowWindow() {
   LineRest* const line = station_.Rest();
   QTimer care;
   care.callOnTimeout([line] { line->LookAfterDevice(); });
   if (line != nullptr) care.start(kCare);
   qt::ShowMainWindow(
-      mod_, station_.Line(), [this] { return station_.DescribeLine(); }, station_.OnLineTold,
+      mod_, station_.Line(), [this] { return station_.DescribeLine(); }, station_.OnLineMessage,
       QApplication::activeWindow());
-  // What the window left unheard is no key press of now.
+  // Whatever was received meanwhile is out of date.
   if (line != nullptr) line->Forget();
 }
 
@@ -166,7 +167,7 @@ void* KeploObject::QueryInterface(std::string_view name) {
   return nullptr;
 }
 
-/// The timer that runs a tick belongs to the object, which goes when the event loop has left it.
+/// Deletes the object from the event loop, since it owns the timer whose tick may be running.
 void KeploObject::ReleaseLater() {
   control_.Timer1.SetEnabled(false);
   QTimer::singleShot(0, &otherPrograms_, [this] { Release(); });
@@ -175,7 +176,7 @@ void KeploObject::ReleaseLater() {
 void KeploObject::Release() {
   uses_.ReleasePending = uses_.Depth > 0;
   if (uses_.ReleasePending) {
-    // Nothing of a host that has let go is called any more.
+    // No more calls to a host that has released the object.
     sinks_.Clear();
     replayPlayed_ = nullptr;
     listShown_ = nullptr;
@@ -187,9 +188,9 @@ void KeploObject::Release() {
   released();
 }
 
-/// Runs an operation of the control; what it throws never crosses to the host, who gets an error record.
+/// Runs an operation of the control. Exceptions never reach the host; it gets an error record instead.
 template <typename Result, typename Operation>
-Result KeploObject::Contained(const char* name, Result otherwise, Operation operation) try {
+Result KeploObject::Guarded(const char* name, Result otherwise, Operation operation) try {
   const Busy busy(*this);
   return operation();
 } catch (const std::exception& failure) {
@@ -200,7 +201,7 @@ Result KeploObject::Contained(const char* name, Result otherwise, Operation oper
 std::string KeploObject::InputIconFileName() { return control_.InputIconFileName(); }
 
 HostVariant KeploObject::InputDisplayAboutBox() {
-  return Contained("InputDisplayAboutBox", HostVariant(), [&] {
+  return Guarded("InputDisplayAboutBox", HostVariant(), [&] {
     control_.InputDisplayAboutBox();
     return HostVariant();
   });
@@ -211,8 +212,8 @@ std::int32_t KeploObject::InputGetPluginMenuItems(std::vector<std::string>& mnuI
 }
 
 HostVariant KeploObject::InputCallMenuItem(std::int16_t& index) {
-  return Contained("InputCallMenuItem", HostVariant(true),
-                   [&] { return HostVariant(control_.InputCallMenuItem(index)); });
+  return Guarded("InputCallMenuItem", HostVariant(true),
+                 [&] { return HostVariant(control_.InputCallMenuItem(index)); });
 }
 
 std::int32_t KeploObject::InputQueryDeviceStatus(HostDevice& /*DevStruct*/) { return kInputDone; }
@@ -227,13 +228,13 @@ std::int32_t KeploObject::InputQueryAllDeviceStati(std::vector<std::string>& Sta
 std::int32_t KeploObject::InputGetDevices(std::vector<HostDevice>& /*Devices*/) { return kInputNoDevices; }
 
 std::int32_t KeploObject::InputConfigurePlugin() {
-  return Contained("InputConfigurePlugin", kInputFailed, [&] { return control_.InputConfigurePlugin(); });
+  return Guarded("InputConfigurePlugin", kInputFailed, [&] { return control_.InputConfigurePlugin(); });
 }
 
 std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora) {
-  return Contained("InputInitialise", kInputFailed, [&] {
+  return Guarded("InputInitialise", kInputFailed, [&] {
     const std::int32_t result = control_.InputInitialise(Velmora);
-    if (result != kInputDone) log_.Write(LogLevel::Error, station_.WhyNoEventMap());
+    if (result != kInputDone) log_.Write(LogLevel::Error, station_.EventMapFailure());
     return result;
   });
 }
@@ -241,31 +242,29 @@ std::int32_t KeploObject::InputInitialise(std::shared_ptr<IVelmoraHost>& Velmora
 std::int32_t KeploObject::InputStartMonitoring() {
   timer_.setInterval(station_.Played() || inRealTime_ ? control_.Timer1.Interval : 0);
   if (LineRest* const line = station_.Rest()) line->Forget();
-  return Contained("InputStartMonitoring", kInputFailed, [&] { return control_.InputStartMonitoring(); });
+  return Guarded("InputStartMonitoring", kInputFailed, [&] { return control_.InputStartMonitoring(); });
 }
 
 std::int32_t KeploObject::InputStopMonitoring() {
-  return Contained("InputStopMonitoring", kInputFailed, [&] { return control_.InputStopMonitoring(); });
+  return Guarded("InputStopMonitoring", kInputFailed, [&] { return control_.InputStopMonitoring(); });
 }
 
 std::int32_t KeploObject::InputTerminate() {
-  return Contained("InputTerminate", kInputFailed, [&] { return control_.InputTerminate(); });
+  return Guarded("InputTerminate", kInputFailed, [&] { return control_.InputTerminate(); });
 }
 
 std::int32_t KeploObject::InputAddEvent(HostInputEvent& objInputEvent) {
-  return Contained("InputAddEvent", kInputFailed, [&] { return control_.InputAddEvent(objInputEvent); });
+  return Guarded("InputAddEvent", kInputFailed, [&] { return control_.InputAddEvent(objInputEvent); });
 }
 
 std::int32_t KeploObject::InputDeleteEvent(HostInputEvent& objInputEvent) {
-  return Contained("InputDeleteEvent", kInputFailed,
-                   [&] { return control_.InputDeleteEvent(objInputEvent); });
+  return Guarded("InputDeleteEvent", kInputFailed, [&] { return control_.InputDeleteEvent(objInputEvent); });
 }
 
 bool KeploObject::InputMonitoring() { return control_.InputMonitoring(); }
 
 std::int32_t KeploObject::InputModifyEvent(HostInputEvent& objInputEvent) {
-  return Contained("InputModifyEvent", kInputFailed,
-                   [&] { return control_.InputModifyEvent(objInputEvent); });
+  return Guarded("InputModifyEvent", kInputFailed, [&] { return control_.InputModifyEvent(objInputEvent); });
 }
 
 std::shared_ptr<HostErrorRecord> KeploObject::InputErrorDetails() { return control_.InputErrorDetails(); }
@@ -307,7 +306,7 @@ bool KeploObject::DescribeEvent(const std::string& eventID, EventDetails& detail
 
 std::string KeploObject::HighestUsedUp() {
   const auto read = [&] { return std::to_string(control_.HighestUsedUpEventID()); };
-  return Contained("HighestUsedUp", std::string("0"), read);
+  return Guarded("HighestUsedUp", std::string("0"), read);
 }
 
 IPressTally::Tally KeploObject::Presses() {
@@ -326,10 +325,10 @@ std::vector<IStageTally::Stage> KeploObject::Stages() {
   return stages;
 }
 
-void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
+void KeploObject::ReportKey(KeyChange change, const KeyPress& press) {
   const Busy busy(*this);
   const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(press.Held);
-  const HeardKey key = {press.Command,  "G" + press.Sign.Digits,
+  const HeardKey key = {press.Command,  "G" + press.Signature.Digits,
                         press.Captures, static_cast<int>(held.count()),
                         press.Place,    press.Zone};
   sinks_.Keys.ForEach([&](IKeySink& sink) {
@@ -339,7 +338,7 @@ void KeploObject::TellKey(KeyChange change, const KeyPress& press) {
   });
 }
 
-void KeploObject::TellSignal(const TickReport& tick) {
+void KeploObject::ReportSignal(const TickReport& tick) {
   if (sinks_.Signals.IsEmpty()) return;
   const Busy busy(*this);
   const HeardSignal heard = HeardOnAir(mod_, station_.Line(), tick);
@@ -348,17 +347,16 @@ void KeploObject::TellSignal(const TickReport& tick) {
 }
 
 std::string KeploObject::SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier) {
-  return Sent([&] { return SendLengths(mod_, station_.Line(), timings, carrier); });
+  return TrySending([&] { return SendLengths(mod_, station_.Line(), timings, carrier); });
 }
 
 std::string KeploObject::SendCommand(const std::string& command) {
-  return Sent([&] { return SendLearned(mod_, station_.Line(), command); });
+  return TrySending([&] { return SendLearned(mod_, station_.Line(), command); });
 }
 
-/// What the line hears meanwhile is its own.
-std::string KeploObject::Sent(const std::function<std::string()>& send) {
+std::string KeploObject::TrySending(const std::function<std::string()>& send) {
   if (uses_.Depth > 0) return "the plug-in is busy";
-  return Contained("SendSignal", std::string("it failed"), [&] {
+  return Guarded("SendSignal", std::string("it failed"), [&] {
     std::string refusal = send();
     return refusal.empty() ? station_.WhyNotSent() : refusal;
   });
@@ -367,10 +365,10 @@ std::string KeploObject::Sent(const std::function<std::string()>& send) {
 void KeploObject::Tick() {
   const Busy busy(*this);
   controlTick_();
-  if (station_.Played()) TellWhenPlayed();
+  if (station_.Played()) FinishReplay();
 }
 
-void KeploObject::TellWhenPlayed() {
+void KeploObject::FinishReplay() {
   timer_.setInterval(control_.Timer1.Interval);
   if (const auto played = std::exchange(replayPlayed_, nullptr)) played();
 }

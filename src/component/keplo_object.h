@@ -16,8 +16,8 @@
 
 namespace keplo::component {
 
-/// The control as an object of the component: the host's interface over it, its timer in the host's event
-/// loop, its view in the host's process.
+/// The control as an object of the component: implements the host's interfaces, and runs the timer in the
+/// host's event loop.
 class KeploObject final : public IComponentObject,
                           public IVelmoraInputPLugin,
                           public IControlView,
@@ -27,7 +27,7 @@ class KeploObject final : public IComponentObject,
                           public IStageTally,
                           public ISignalSender {
  public:
-  /// @param released runs when the host has let the object go, after its end
+  /// @param released runs after the host has released the object and it has been deleted
   /// @throws Failure if a recording or keplo.cfg cannot be read
   KeploObject(const CreationContext& context, std::function<void()> released);
   virtual ~KeploObject();
@@ -74,10 +74,10 @@ class KeploObject final : public IComponentObject,
 
  private:
   template <typename Result, typename Operation>
-  Result Contained(const char* name, Result otherwise, Operation operation);
+  Result Guarded(const char* name, Result otherwise, Operation operation);
 
   class Busy;
-  /// Operations and ticks that are under way, one inside another, and a release that waits for their end.
+  /// Nesting depth of operations and ticks in progress, and whether a release is waiting for their end.
   struct Uses {
     int Depth = 0;
     bool ReleasePending = false;
@@ -86,14 +86,14 @@ class KeploObject final : public IComponentObject,
   void KeepAliveInMenu();
   void ReleaseLater();
   void LookForChanges();
-  void LookAgain();
+  void CheckSoon();
   KeploWindows Windows();
   void ShowWindow();
   void Tick();
-  void TellSignal(const TickReport& tick);
-  std::string Sent(const std::function<std::string()>& send);
-  void TellKey(KeyChange change, const KeyPress& press);
-  void TellWhenPlayed();
+  void ReportSignal(const TickReport& tick);
+  std::string TrySending(const std::function<std::string()>& send);
+  void ReportKey(KeyChange change, const KeyPress& press);
+  void FinishReplay();
 
   const bool mayUseDisplay_;
   const bool inRealTime_;

@@ -17,15 +17,14 @@ namespace keplo {
 
 namespace {
 
-/// The text that goes to the file: up to the closing header, which ends its line. Empty if there is no
-/// header.
+/// The text as it is written to the file, with the closing header as its last line. Empty without a header.
 std::string CutAfterLastHeader(std::string text) {
   text.erase(text.rfind(']') + 1);
   return text.empty() ? text : text.append("\r\n");
 }
 
-/// The key that a line begins with; empty if it begins with none. A key that may be missing may lack its
-/// blank.
+/// The key that a line begins with; empty if there is none. Keys that may be missing are left out: they are
+/// read with or without a blank.
 std::string_view KeyOf(std::string_view line) {
   const auto begins = [&](std::string_view key) { return EqualNoCase(line.substr(0, key.size()), key); };
   for (const SettingKey& key : kSettingKeys) {
@@ -38,8 +37,7 @@ std::string_view KeyOf(std::string_view line) {
   return {};
 }
 
-/// Writes in the blank that belongs after a key's =, where a hand-edited file lacks it. A sign may stand in
-/// its place.
+/// Inserts the blank after a key's = where a hand-edited file lacks it. A minus sign may take its place.
 std::string WithBlanks(std::string_view text) {
   std::string result;
   result.reserve(text.size());
@@ -55,8 +53,8 @@ std::string WithBlanks(std::string_view text) {
   return result;
 }
 
-/// What the file holds now; none if there is no file.
-std::optional<std::string> FileNow(const CfgStore& store) try {
+/// The current contents of the file; none if there is no file.
+std::optional<std::string> ReadFileNow(const CfgStore& store) try {
   return store.Files.Read(store.Path, kMostCharacters + 1);
 } catch (const Failure& failure) {
   if (failure.Number() != ENOENT) throw;
@@ -68,24 +66,24 @@ Failure NotSaved(const CfgStore& store, const Failure& failure) {
           "The configuration was not saved, " + store.Path.string() + " is as it was: " + failure.what()};
 }
 
-/// What is about to be saved, and the bytes of the file that it takes into account.
+/// A text about to be saved.
 struct Save {
   std::string Text;
-  std::optional<std::string> Known;
-  std::optional<std::string> Other = {};  // the text of another program that Text takes in
+  std::optional<std::string> Known;       // the bytes of the file that Text takes into account
+  std::optional<std::string> Other = {};  // another program's text that was merged into Text
   bool IsDone = false;                    // there is nothing to write
-  std::optional<std::string> Found = {};  // the bytes of the file as the save was prepared
+  std::optional<std::string> Found = {};  // the bytes of the file when the save was prepared
 };
 
-/// Another program has saved since a save was prepared, which has to be prepared anew: which lengths of raw
-/// commands it has to write depends on the text that it replaces.
+/// Thrown if another program has saved since a save was prepared. It has to be prepared again, since the
+/// lengths of raw commands that it writes depend on the text that it replaces.
 struct Overtaken {};
 
-/// A text with the changes of another program taken in as far as they do not contradict it.
+/// Merges the changes of another program into a text unless they conflict with it.
 Save PrepareSave(const CfgStore& store, std::string text) try {
   Save save{std::move(text), store.FileText};
   if (!save.Known) return save;
-  const std::optional<std::string> now = FileNow(store);
+  const std::optional<std::string> now = ReadFileNow(store);
   if (now && now != save.Known && !store.RefusesOtherText) {
     const bool ownChanges = save.Text != store.SavedText;
     std::string other = WithBlanks(*now);
@@ -104,7 +102,7 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
 }
 
 /// Writes the file.
-/// @param aside takes the place where another program's text is kept, which would else be lost
+/// @param aside receives the path of a copy of another program's text, which would otherwise be lost
 /// @throws Overtaken, with nothing changed, unless this is the last try
 std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const Save& save, const std::string& content,
                                         bool lastTry, std::filesystem::path& aside) try {
@@ -116,27 +114,27 @@ std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const Save& save,
                        aside = SaveConflictCopy(store.Files, target, found);
                      });
 } catch (const Failure& failure) {
-  // The other text is in its place still, and needs no copy.
+  // The other text is still in the file and needs no copy.
   if (!aside.empty()) RemoveQuietly(store.Files, aside);
   throw NotSaved(store, failure);
 }
 
 RawChange PrepareRaw(CfgStore& store, const Save& save, const std::string& content) try {
-  // What another program has brought has its lengths there, and what it has deleted has none.
+  // Not SavedText: the other program has already written and removed the lengths of its own changes.
   return {store, save.Found.value_or(store.SavedText), content};
 } catch (const Failure& failure) {
   throw NotSaved(store, failure);
 }
 
-/// Takes the text of another program into what CfgText would be without the change that is being made.
-void TakeInBesideChange(CfgStore& store, const std::string& other) {
+/// Merges the text of another program into WithoutChange.
+void MergeIntoWithoutChange(CfgStore& store, const std::string& other) {
   if (store.WithoutChange) store.WithoutChange = MergeChanges(store.SavedText, *store.WithoutChange, other);
 }
 
 void TakeOver(CfgStore& store, std::string text, const std::optional<std::string>& other) {
   if (other) {
-    TakeInBesideChange(store, *other);
-    store.TookInOtherText = true;
+    MergeIntoWithoutChange(store, *other);
+    store.MergedOtherText = true;
   }
   store.SavedText = text;
   store.CfgText = std::move(text);
@@ -177,7 +175,7 @@ constexpr const char* kTakeOut = ". Take out commands or protocols that are not 
 
 /// What to do about a file that cannot be read.
 std::string AdviceOnRead(const CfgStore& store, int error) {
-  if (error == EFBIG) return "";  // whoever found it too long has said so
+  if (error == EFBIG) return "";  // the failure already says what to do
   if (error != ENOENT) return ". Make it a file that this program may read, or put a backup in its place.";
   return ". Put a backup in its place, or bring the one of a first install with: " +
          TypedCommand("install", FolderOf(store.Path).string());
@@ -212,10 +210,11 @@ void LoadConfig(CfgStore& store) {
                                " characters, which is above the limit of " + std::to_string(kMostCharacters) +
                                kTakeOut);
     }
-    // Before the read, so that a file that is changed right after it does not pass for the one that was read.
+    // Taken before the read: a change right after it is then noticed.
     const std::optional<FileIdentity> identity = store.Files.Identity(store.Path);
     std::string bytes = store.Files.Read(store.Path, kMostCharacters + 1);
-    // Here and not in a save, so that no position moves between a change and its save.
+    // Blanks are inserted here and not by a save, so that positions do not move between a change and its
+    // save.
     store.ReplaceText(WithBlanks(bytes));
     store.SavedText = store.CfgText;
     store.FileText = std::move(bytes);
@@ -235,25 +234,25 @@ bool HasFileChanged(const CfgStore& store) {
 Reload ReloadConfig(CfgStore& store) {
   CfgStore read(store.Path, store.Files);
   store.ReadFrom = store.Files.Identity(store.Path);
-  RefreshRaw(store);  // lengths may have changed alone
+  RefreshRaw(store);  // only lengths may have changed
   LoadConfig(read);
   if (read.FileText == store.FileText) return Reload::NothingNew;
   if (const std::string damage = DamageOf(read); !damage.empty()) {
     throw Failure(EINVAL, "Another program has changed the configuration, which is not taken in: " + damage);
   }
-  // A damaged file may have been read at the start, which nothing can be merged with.
+  // Without own changes nothing is merged: the text read at the start may be damaged.
   const bool unchanged = store.CfgText == store.SavedText;
   const std::optional<std::string> merged =
       unchanged ? read.CfgText : MergeChanges(store.SavedText, store.CfgText, read.CfgText);
   if (!merged || merged->size() > kMostCharacters) return Reload::Contradicts;
   const bool changed = *merged != store.CfgText;
-  TakeInBesideChange(store, read.CfgText);
+  MergeIntoWithoutChange(store, read.CfgText);
   store.CfgText = *merged;
   RefreshRaw(store);
   store.SavedText = std::move(read.CfgText);
   store.FileText = std::move(read.FileText);
   if (!changed) return Reload::NothingNew;
-  store.TookInOtherText = true;
+  store.MergedOtherText = true;
   return Reload::TakenIn;
 }
 

@@ -18,16 +18,17 @@ bool IsInside(std::string_view text, int position) {
 
 bool MatchesAt(std::string_view needle, std::string_view text, std::size_t offset) {
   if (needle.empty()) return true;
-  // The last character first: a name that begins with a run of [ would else be compared with each of a run.
+  // Compares the last character first; otherwise a needle that begins with many [ would be slow to find among
+  // many [.
   return offset < text.size() && needle.size() <= text.size() - offset &&
          LowerCase(needle.back()) == LowerCase(text[offset + needle.size() - 1]) &&
          EqualNoCase(needle, text.substr(offset, needle.size()));
 }
 
-/// The places of one character in either case, in rising order.
-class IgnoringCase {
+/// Finds the occurrences of a character in either case, in ascending order.
+class NoCaseFinder {
  public:
-  IgnoringCase(std::string_view text, char character)
+  NoCaseFinder(std::string_view text, char character)
       : text_(text), lower_(LowerCase(character)), upper_(lower_) {
     if (lower_ >= 'a' && lower_ <= 'z') upper_ = static_cast<char>(lower_ - ('a' - 'A'));
   }
@@ -46,12 +47,12 @@ class IgnoringCase {
   std::size_t nextLower_ = std::string_view::npos, nextUpper_ = std::string_view::npos;
 };
 
-/// Offset of the first match that begins at an offset from first on and below end.
+/// Offset of the first match that begins at an offset in [first, end).
 std::size_t FindMatch(std::string_view needle, std::string_view text, std::size_t first, std::size_t end) {
-  // Codes make 0 and 1 the bulk of a text, so anything else in the needle is met far less often.
+  // Codes make digits so common in a text that any other character of the needle is found far less often.
   const std::size_t rare = needle.find_first_not_of("0123456789");
   const std::size_t anchor = rare == std::string_view::npos ? 0 : rare;
-  IgnoringCase places(text.substr(0, end + anchor), needle[anchor]);
+  NoCaseFinder places(text.substr(0, end + anchor), needle[anchor]);
   for (std::size_t at = places.Next(first + anchor); at != std::string_view::npos; at = places.Next(at + 1)) {
     if (MatchesAt(needle, text, at - anchor)) return at - anchor;
   }

@@ -3,13 +3,13 @@
 namespace keplo {
 
 std::optional<std::string> WithValueAt(const std::string& text, int position, std::string_view value) {
-  const int behindCr = FindNoCase("\r", text, position);
-  if (behindCr == kNowhere) return std::nullopt;
-  // With an LF on the way the line lacks its CR, and the cut would take the lines below along.
+  const int afterCr = FindNoCase("\r", text, position);
+  if (afterCr == kNowhere) return std::nullopt;
+  // If an LF comes first, the line has no CR and the lines below would be removed with it.
   const int lf = SeekForward(text, position, '\n');
-  if (lf != kNowhere && lf < behindCr - 1) return std::nullopt;
+  if (lf != kNowhere && lf < afterCr - 1) return std::nullopt;
   const std::string line = " " + std::string(Trimmed(value));
-  return InsertText(RemoveText(text, position, behindCr - 2), line, position);
+  return InsertText(RemoveText(text, position, afterCr - 2), line, position);
 }
 
 bool ReplaceValueAt(CfgStore& store, int position, std::string_view value) {

@@ -16,7 +16,7 @@ namespace {
 
 using Finding = std::optional<std::string>;
 
-/// Number of the line in which the character before a position stands.
+/// Number of the line that contains the character before a position.
 std::string LineBefore(std::string_view text, int position) {
   return std::to_string(LineNumber(text, position - 1));
 }
@@ -31,9 +31,9 @@ Finding BrokenLineEnd(std::string_view text) {
   return std::nullopt;
 }
 
-Finding NotFound(std::string_view text, std::string_view what, int behind) {
+Finding NotFound(std::string_view text, std::string_view what, int after) {
   std::string finding = std::string(what) + " was not found";
-  if (behind > 1) finding += " behind line " + LineBefore(text, behind);
+  if (after > 1) finding += " behind line " + LineBefore(text, after);
   return finding + ". Put it back, or bring an old copy of the file, and start again";
 }
 
@@ -46,8 +46,8 @@ Finding MissingSetting(const CfgStore& store) {
          "not saved";
 }
 
-/// What each protocol section holds, in this order.
-std::vector<std::string_view> KeysOfAProtocol() {
+/// The keys of every protocol section, in their order.
+std::vector<std::string_view> ProtocolKeys() {
   std::vector<std::string_view> keys = {kDescriptionMark, kGenericKey};
   for (const ParameterKey& key : kParameterKeys) keys.push_back(key.Search);
   return keys;
@@ -56,7 +56,7 @@ std::vector<std::string_view> KeysOfAProtocol() {
 Finding MissingKey(std::string_view text, const std::string& protocol, const Section& section) {
   const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section.End - 1));
   int position = section.Begin;
-  for (const std::string_view key : KeysOfAProtocol()) {
+  for (const std::string_view key : ProtocolKeys()) {
     const int after = FindNoCase(key, upToNext, position);
     if (after == kNowhere) return NotFound(text, std::string(key) + " of [" + protocol + "]", position);
     position = after;
@@ -64,8 +64,8 @@ Finding MissingKey(std::string_view text, const std::string& protocol, const Sec
   return std::nullopt;
 }
 
-/// Two sections of one name, in whatever case: everything that names them means the first.
-Finding Twins(std::string_view text, const SectionWalk& walk) {
+/// Two sections whose names differ at most in case: every search finds only the first.
+Finding DuplicateName(std::string_view text, const SectionWalk& walk) {
   std::map<std::string, std::size_t> seen;
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
     // A search for [A] finds [A]] as well.
@@ -82,12 +82,13 @@ Finding Twins(std::string_view text, const SectionWalk& walk) {
   return std::nullopt;
 }
 
-/// A header whose name begins with a blank: lists show the name without it, which finds no section then.
+/// A header whose name begins with a blank: lists show the trimmed name, which does not find the section.
 Finding BlankInHeader(std::string_view text, const SectionWalk& walk) {
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
     const int begin = walk.Places[index].Begin;
-    const int ahead = begin - 3 - static_cast<int>(walk.Names[index].size());
-    if (walk.Names[index].empty() || ahead < 0 || text[static_cast<std::size_t>(ahead)] == '[') continue;
+    const int beforeName = begin - 3 - static_cast<int>(walk.Names[index].size());  // offset
+    if (walk.Names[index].empty() || beforeName < 0) continue;
+    if (text[static_cast<std::size_t>(beforeName)] == '[') continue;
     return "[" + walk.Names[index] + "] in line " + LineBefore(text, begin) +
            " has a blank behind its [, so that nobody finds it. Take it out, and start again";
   }
@@ -123,7 +124,7 @@ Finding Damage(const CfgStore& store) {
 std::string CheckConfig(const CfgStore& store) {
   Finding finding = Damage(store);
   const SectionWalk walk = WalkSections(store.CfgText);
-  if (!finding) finding = Twins(store.CfgText, walk);
+  if (!finding) finding = DuplicateName(store.CfgText, walk);
   if (!finding) finding = BlankInHeader(store.CfgText, walk);
   return DescribeFinding(store, finding);
 }

@@ -15,15 +15,15 @@ std::string_view Part(std::string_view text, int first, int end) {
   return text.substr(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(end - first));
 }
 
-/// Either line end begins the next line, so that a damaged file repeats no line in the code of each that
-/// follows.
-int BeginOfLine(std::string_view text, int place) {
-  auto before = static_cast<std::size_t>(place - 1);  // characters
+/// Position of the first character of a line. A lone CR or LF ends a line as well; otherwise a code in a
+/// damaged file would include the lines above it.
+int BeginOfLine(std::string_view text, int position) {
+  auto before = static_cast<std::size_t>(position - 1);  // number of characters
   while (before > 0 && text[before - 1] != '\r' && text[before - 1] != '\n') --before;
   return static_cast<int>(before) + 1;
 }
 
-/// A line of a section without its line end, and where it stands.
+/// A line of a section, without its line end.
 struct Line {
   std::string_view Text;
   LineRange Range;
@@ -36,10 +36,9 @@ struct Line {
   std::string_view Name() const { return Trimmed(Text.substr(Text.find(',') + 1)); }
 };
 
-/// The first line that fits of those below the header of a section that end before the next one, those
-/// without a character left out.
+/// The first complete, non-empty line after the header of a section that satisfies a predicate.
 template <typename Predicate>
-std::optional<LineRange> FirstLine(std::string_view text, std::string_view protocol, Predicate fits) {
+std::optional<LineRange> FindLine(std::string_view text, std::string_view protocol, Predicate fits) {
   const std::optional<Section> section = FindSectionToChange(text, protocol);
   if (!section) return std::nullopt;
   int lf = SeekForward(text, section->Begin, '\n');
@@ -54,16 +53,16 @@ std::optional<LineRange> FirstLine(std::string_view text, std::string_view proto
   return std::nullopt;
 }
 
-/// The first thing of exactly this name or, without one, of this name in other capitals.
-template <typename Thing, typename NameOf>
-std::optional<Thing> ByName(const std::vector<Thing>& things, std::string_view name, NameOf nameOf) {
-  const auto named = [&](const auto& equal) {
-    return std::find_if(things.begin(), things.end(),
-                        [&](const Thing& thing) { return equal(nameOf(thing), Trimmed(name)); });
+/// The first item of exactly this name or, failing that, of this name in another letter case.
+template <typename Item, typename NameOf>
+std::optional<Item> FindByName(const std::vector<Item>& items, std::string_view name, NameOf nameOf) {
+  const auto find = [&](const auto& equal) {
+    return std::find_if(items.begin(), items.end(),
+                        [&](const Item& item) { return equal(nameOf(item), Trimmed(name)); });
   };
-  auto thing = named(std::equal_to<std::string_view>());
-  if (thing == things.end()) thing = named(EqualNoCase);
-  return thing == things.end() ? std::nullopt : std::optional(*thing);
+  auto item = find(std::equal_to<std::string_view>());
+  if (item == items.end()) item = find(EqualNoCase);
+  return item == items.end() ? std::nullopt : std::optional(*item);
 }
 
 /// Position just after the GREPEAT of a section; 0 if it has none.
@@ -95,8 +94,8 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
                                          std::string_view name) {
   const std::string_view wanted = Trimmed(name);
   const auto named = [&](const auto& equal) {
-    return FirstLine(text, protocol,
-                     [&](const Line& line) { return line.IsCommand() && equal(line.Name(), wanted); });
+    return FindLine(text, protocol,
+                    [&](const Line& line) { return line.IsCommand() && equal(line.Name(), wanted); });
   };
   const auto exact = named(std::equal_to<std::string_view>());
   return exact ? exact : named(EqualNoCase);
@@ -104,32 +103,32 @@ std::optional<LineRange> FindCommandLine(std::string_view text, std::string_view
 
 std::optional<std::string> StoredProtocol(std::string_view text, std::string_view name) {
   const std::vector<std::string> names = ListProtocols(text);
-  const auto meant = ByName(names, name, [](const std::string& protocol) { return Trimmed(protocol); });
-  if (!meant) return std::nullopt;
-  // Of twins only the first is used, and a press has its spelling.
+  const auto found = FindByName(names, name, [](const std::string& protocol) { return Trimmed(protocol); });
+  if (!found) return std::nullopt;
+  // Of several names that differ in case, only the first is in use; presses are reported with its spelling.
   return *std::find_if(names.begin(), names.end(),
-                       [&](const std::string& protocol) { return EqualNoCase(protocol, *meant); });
+                       [&](const std::string& protocol) { return EqualNoCase(protocol, *found); });
 }
 
 std::optional<LearnedCommand> FindLearned(std::string_view text, std::string_view protocol,
                                           std::string_view command) {
   const std::string stored = StoredProtocol(text, protocol).value_or(std::string(protocol));
-  return ByName(ListCommands(text, stored), command,
-                [](const LearnedCommand& learned) { return Trimmed(learned.Name); });
+  return FindByName(ListCommands(text, stored), command,
+                    [](const LearnedCommand& learned) { return Trimmed(learned.Name); });
 }
 
 std::optional<LineRange> CommandLineWithin(std::string_view text, std::string_view protocol, int first,
                                            int last) {
-  return FirstLine(text, protocol, [&](const Line& line) {
+  return FindLine(text, protocol, [&](const Line& line) {
     return line.IsCommand() && line.Range.First >= first && line.Range.First <= last;
   });
 }
 
 bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_view name) {
   const std::string_view wanted = Trimmed(name);
-  std::set<std::string_view> exact, similar;  // lines that differ
-  // None fits, so that all are seen.
-  FirstLine(text, protocol, [&](const Line& line) {
+  std::set<std::string_view> exact, similar;
+  // Never satisfied, so that every line is visited.
+  FindLine(text, protocol, [&](const Line& line) {
     if (!line.IsCommand()) return false;
     if (line.Name() == wanted) exact.insert(line.Text);
     if (EqualNoCase(line.Name(), wanted)) similar.insert(line.Text);
@@ -139,7 +138,7 @@ bool IsAmbiguous(std::string_view text, std::string_view protocol, std::string_v
 }
 
 std::optional<LineRange> FindPlaceholder(std::string_view text, std::string_view protocol) {
-  return FirstLine(text, protocol, [](const Line& line) { return line.Text == kPlaceholderLine; });
+  return FindLine(text, protocol, [](const Line& line) { return line.Text == kPlaceholderLine; });
 }
 
 void DeleteCommandLine(CfgStore& store) {
@@ -167,8 +166,8 @@ std::vector<LearnedCommand> ListCommands(std::string_view text, std::string_view
 
 std::optional<std::string> ShownCode(std::string_view text, std::string_view protocol,
                                      std::string_view name) {
-  const std::optional<LineRange> line = FirstLine(text, protocol, [&](const Line& candidate) {
-    // With its line end: the last character of a text begins no match.
+  const std::optional<LineRange> line = FindLine(text, protocol, [&](const Line& candidate) {
+    // Includes the line end, since a search never matches at the last character of a text.
     const std::string_view whole = Part(text, candidate.Range.First, candidate.Range.Last + 1);
     return candidate.IsCommand() && FindNoCase(name, whole, 1) != kNowhere;
   });

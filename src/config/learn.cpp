@@ -13,23 +13,24 @@ namespace keplo {
 
 namespace {
 
-/// The section of a protocol with a header after it, as new commands need it.
+/// The section of a protocol; none unless a header follows it, as new commands require.
 std::optional<Section> FindProtocol(std::string_view text, std::string_view protocol) {
   return FindProtocolSection(text, protocol, FindNoCase("[General]", text, 1));
 }
 
-/// Codes that pass the check of a code and would still not make a command line.
-bool MakesCommandLine(std::string_view code) {
+/// Whether a code that IsValidCode accepts can begin a command line.
+bool CanBeginCommandLine(std::string_view code) {
   return code.front() == 'G' && code.find_first_of(",=[]\r\n") == std::string_view::npos;
 }
 
-/// Position of the last character of a section that is no line end.
+/// Position of the last character of a section that is not part of a line end.
 int LastCharacter(std::string_view text, const Section& section) {
   return static_cast<int>(text.find_last_not_of("\r\n", static_cast<std::size_t>(section.End) - 2)) + 1;
 }
 
-/// Where a new command line goes: after the last command of the section; in a section without one, after
-/// its last line that is not empty. Empty if the section is missing or that line runs into the next header.
+/// Where to insert a new command line: after the last command of the section or, in a section without
+/// commands, after its last non-empty line. None if the section is missing or that line runs into the next
+/// header.
 std::optional<int> PlaceForCommand(std::string_view text, std::string_view protocol) {
   const std::optional<Section> section = FindProtocol(text, protocol);
   if (!section) return std::nullopt;
@@ -53,73 +54,74 @@ struct Removal {
   int Place = kNowhere;  // where the line began
 };
 
-/// Without the line of a command, and without what the section tells of its code alone.
+/// Removes the line of a command, and any SENDAS= note on its code.
 Removal RemovalOf(const std::string& text, std::string_view protocol, const LineRange& line) {
   const std::string without = WithoutLine(text, line);
-  Removal removal{WithoutStaleWays(without, protocol), line.First};
-  const auto ahead = static_cast<std::size_t>(line.First) - 1;
-  if (removal.Text.compare(0, ahead, without, 0, ahead) != 0) {
+  Removal removal{WithoutStaleSendAs(without, protocol), line.First};
+  const auto before = static_cast<std::size_t>(line.First) - 1;
+  if (removal.Text.compare(0, before, without, 0, before) != 0) {
     removal.Place -= static_cast<int>(without.size() - removal.Text.size());
   }
   return removal;
 }
 
-/// The text with the placeholder at a position if its section has no commands.
-std::string WithNeededPlaceholder(std::string text, std::string_view protocol, int position) {
+/// The text, with the placeholder inserted at a position if its section has no commands.
+std::string WithPlaceholderIfEmpty(std::string text, std::string_view protocol, int position) {
   if (CommandsIn(text, protocol) > 0) return text;
   return InsertText(text, std::string(kPlaceholderLine) + "\r\n", position);
 }
 
-/// Cursors and placeholder after the removal of a line, with the text that the removal was to leave.
+/// Sets the cursors and, if necessary, the placeholder after the removal of a line.
+/// @param without the text without the line, before the save
 /// @param place where the line began in that text
-void SettleRemoval(CfgStore& store, const std::string& without, int place) {
-  // With the changes of another program in it the text has the place elsewhere.
-  const bool isAlone = store.CfgText.compare(0, static_cast<std::size_t>(place), without, 0,
-                                             static_cast<std::size_t>(place)) == 0;
-  if (!isAlone) place = PlaceForCommand(store.CfgText, store.CurProtocol).value_or(kNowhere);
+void FinishRemoval(CfgStore& store, const std::string& without, int place) {
+  // The save may have merged changes of another program, which move the place.
+  const bool isSamePlace = store.CfgText.compare(0, static_cast<std::size_t>(place), without, 0,
+                                                 static_cast<std::size_t>(place)) == 0;
+  if (!isSamePlace) place = PlaceForCommand(store.CfgText, store.CurProtocol).value_or(kNowhere);
   CountCommands(store);
   store.CfgPos2 = place;
   if (place == kNowhere) return;
-  store.ReplaceText(WithNeededPlaceholder(store.CfgText, store.CurProtocol, place));
+  store.ReplaceText(WithPlaceholderIfEmpty(store.CfgText, store.CurProtocol, place));
 }
 
 LearnResult Refuse(Refusal refusal, std::string_view detail = {}, std::string reason = {}) {
   return {refusal, std::string(detail), std::move(reason)};
 }
 
-/// The name of the section that a position lies in; empty for none.
+/// The name of the section that contains a position; empty if there is none.
 std::string_view SectionAt(std::string_view text, int position) {
   const int header = SeekBack(text, position, '[');
   return header == kNowhere ? std::string_view() : SectionNameAt(text, header + 1);
 }
 
-/// The line that a position lies in, without its end.
+/// The line that contains a position, without its line end.
 std::string_view LineAt(std::string_view text, int position) {
   const std::string_view upTo =
       text.substr(0, text.find_first_of("\r\n", static_cast<std::size_t>(position) - 1));
   return upTo.substr(upTo.find_last_of('\n') + 1);
 }
 
-/// Whether there is a section that takes commands; of several it is the first.
+/// Refuses a protocol without a section that can take commands.
 LearnResult CheckSection(std::string_view text, std::string_view protocol) {
   return FindProtocol(text, protocol) ? LearnResult() : Refuse(Refusal::NoSection, protocol);
 }
 
-/// The line of a command that may be changed: one of its own, and not the placeholder's.
+/// Refuses a command that cannot be changed.
 LearnResult CheckCommand(std::string_view text, std::string_view protocol, std::string_view name) {
   LearnResult result = CheckProtocol(protocol);
   if (result.Done()) result = CheckSection(text, protocol);
   if (!result.Done()) return result;
   if (!FindCommandLine(text, protocol, name)) return Refuse(Refusal::NoSuchCommand, name);
-  return IsAmbiguous(text, protocol, name) ? Refuse(Refusal::CommandTwice, name) : LearnResult();
+  return IsAmbiguous(text, protocol, name) ? Refuse(Refusal::DuplicateCommand, name) : LearnResult();
 }
 
-/// The same for a command that is to be deleted: of two sections with one name the other may be meant, and
-/// what is gone is gone.
+/// Refuses a command that cannot be deleted. Of two sections with one name the user may mean the other, and a
+/// deletion loses data.
 LearnResult CheckCommandToDelete(std::string_view text, std::string_view protocol, std::string_view name) {
   const std::optional<Section> section = FindProtocol(text, protocol);
-  const bool hasTwin = section && FindSection(text, protocol, section->End);
-  return hasTwin ? Refuse(Refusal::SectionTwice, protocol) : CheckCommand(text, protocol, name);
+  const bool isDuplicate = section && FindSection(text, protocol, section->End);
+  return isDuplicate ? Refuse(Refusal::DuplicateSection, protocol) : CheckCommand(text, protocol, name);
 }
 
 }  // namespace
@@ -147,10 +149,10 @@ std::string RefusalText(const LearnResult& result) {
     case Refusal::NoSection:
       if (result.Detail.empty()) return "Choose a protocol first.";
       return "The configuration has no whole section of a protocol " + result.Detail + ".";
-    case Refusal::SectionTwice:
+    case Refusal::DuplicateSection:
       return "The configuration has two sections with the name " + result.Detail +
              ", since upper and lower case count alike. Rename one of them in the file, and try again.";
-    case Refusal::CommandTwice:
+    case Refusal::DuplicateCommand:
       return "The protocol has two commands with the name " + result.Detail +
              ". Rename one of them in the file, and try again.";
     case Refusal::NoMoreCommands:
@@ -168,7 +170,7 @@ LearnResult CheckProtocol(std::string_view protocol) {
 }
 
 LearnResult CheckCode(std::string_view text, std::string& code, Analysis readBy) {
-  if (!IsValidCode(code) || !MakesCommandLine(code)) return Refuse(Refusal::InvalidCode, code);
+  if (!IsValidCode(code) || !CanBeginCommandLine(code)) return Refuse(Refusal::InvalidCode, code);
   const bool whole = readBy == Analysis::Second;
   const int match = FindNoCase(whole ? code + ',' : code, text, 1);
   if (match == kNowhere) return {};
@@ -192,7 +194,7 @@ LearnResult CheckName(std::string_view text, std::string_view protocol, std::str
 
 bool StoreCommand(CfgStore& store, std::string_view protocol, std::string_view code, std::string_view name,
                   std::string_view sendAs) {
-  const std::string text = WithWayOf(store.CfgText, protocol, code, sendAs);
+  const std::string text = WithSendAs(store.CfgText, protocol, code, sendAs);
   const std::optional<int> place = PlaceForCommand(text, protocol);
   if (!place) return false;
   store.NewCmdLine = CommandLine(code, name);
@@ -230,10 +232,11 @@ LearnResult CheckDelete(CfgStore& store) {
   if (store.CurCommand == kPlaceholderName && CountCommands(store) == 1) {
     return Refuse(Refusal::NoMoreCommands, store.CurCommand);
   }
-  // A section or command that is not there is none of the window's refusals: nothing is deleted then.
+  // The window does not refuse a missing section or command; nothing is deleted then.
   const LearnResult checked = CheckCommandToDelete(store.CfgText, store.CurProtocol, store.CurCommand);
-  const bool twice = checked.Refused == Refusal::SectionTwice || checked.Refused == Refusal::CommandTwice;
-  return twice ? checked : LearnResult();
+  const bool isDuplicate =
+      checked.Refused == Refusal::DuplicateSection || checked.Refused == Refusal::DuplicateCommand;
+  return isDuplicate ? checked : LearnResult();
 }
 
 bool RemoveCommand(CfgStore& store) {
@@ -245,14 +248,14 @@ bool RemoveCommand(CfgStore& store) {
   }
   const std::string before = store.CfgText;
   const auto [without, place] = RemovalOf(before, store.CurProtocol, *line);
-  store.RequireSpace(WithNeededPlaceholder(without, store.CurProtocol, place).size());
+  store.RequireSpace(WithPlaceholderIfEmpty(without, store.CurProtocol, place).size());
   try {
     ReplaceAndSave(store, without);
   } catch (const Failure&) {
-    if (store.CfgText != before) SettleRemoval(store, without, place);
+    if (store.CfgText != before) FinishRemoval(store, without, place);
     throw;
   }
-  SettleRemoval(store, without, place);
+  FinishRemoval(store, without, place);
   return true;
 }
 
@@ -264,7 +267,7 @@ LearnResult AddCommand(CfgStore& store, std::string_view protocol, std::string_v
   if (result.Done()) result = CheckCode(text, checkedCode, readBy);
   if (result.Done()) result = CheckName(text, protocol, checkedName);
   if (!result.Done()) return result;
-  const std::string prepared = WithWayOf(text, protocol, checkedCode, sendAs);
+  const std::string prepared = WithSendAs(text, protocol, checkedCode, sendAs);
   ReplaceAndSave(store, *WithCommandLines(prepared, protocol, CommandLine(checkedCode, checkedName)));
   return {};
 }
@@ -294,7 +297,7 @@ LearnResult DeleteCommand(CfgStore& store, std::string_view protocol, std::strin
     return Refuse(Refusal::NoMoreCommands, name);
   }
   const Removal removal = RemovalOf(store.CfgText, protocol, *line);
-  ReplaceAndSave(store, WithNeededPlaceholder(removal.Text, protocol, removal.Place));
+  ReplaceAndSave(store, WithPlaceholderIfEmpty(removal.Text, protocol, removal.Place));
   return {};
 }
 

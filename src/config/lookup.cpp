@@ -12,15 +12,15 @@ namespace keplo {
 
 namespace {
 
-constexpr int kHeadOfText = 10;  // within the first ten characters stands nothing but a header
+constexpr int kHeadLength = 10;  // characters; the text begins with a header, so a match in them is none
 
 }  // namespace
 
 std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view code, int limit,
                                         Analysis readBy) {
   if (code.empty()) return std::nullopt;
-  std::array<std::byte, 512> room;  // keeps the heap out of the road of a received press
-  std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+  std::array<std::byte, 512> buffer;  // a received press is looked up without the heap
+  std::pmr::monotonic_buffer_resource memory(buffer.data(), buffer.size());
   std::pmr::string needle(&memory);
   needle.reserve(code.size() + 2);
   needle.append(1, 'G').append(code);
@@ -38,7 +38,7 @@ std::optional<FoundCommand> FindCommand(std::string_view text, std::string_view 
 bool LookupCommand(CfgStore& store, std::string_view code, std::int16_t protoKind, Analysis readBy) {
   std::string stored(code);
   if (protoKind == kRc5 && stored.size() > kToggleBitOffset) stored[kToggleBitOffset] = '0';
-  std::optional<FoundCommand> found = FindCommand(store.CfgText, stored, kHeadOfText, readBy);
+  std::optional<FoundCommand> found = FindCommand(store.CfgText, stored, kHeadLength, readBy);
   if (!found) return false;
   store.CurProtocol = std::move(found->Protocol);
   store.CurCommand = std::move(found->Command);

@@ -19,9 +19,9 @@ namespace {
 using Lines = std::vector<std::string_view>;
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-constexpr std::size_t kMostCells = 4'000'000;  // of a table; no file that anybody edits comes near it
+constexpr std::size_t kMostCells = 4'000'000;  // of a table; no real file comes near it
 
-/// The lines of a text with their line ends.
+/// The lines of a text, including their line ends.
 Lines SplitLines(std::string_view text) {
   Lines lines;
   while (!text.empty()) {
@@ -32,8 +32,8 @@ Lines SplitLines(std::string_view text) {
   return lines;
 }
 
-/// For each line of the base its place in another text, kNone for those that are gone: the longest common
-/// subsequence. Of two stretches that are too long to compare nothing counts as common.
+/// For each line of the base its index in another text, by the longest common subsequence; kNone if it is
+/// gone. Stretches that are too long to compare are treated as having nothing in common.
 std::vector<std::size_t> PlacesIn(const Lines& other, const Lines& base) {
   std::vector<std::size_t> places(base.size(), kNone);
   std::size_t first = 0, baseEnd = base.size(), otherEnd = other.size();
@@ -43,7 +43,7 @@ std::vector<std::size_t> PlacesIn(const Lines& other, const Lines& base) {
   }
   const std::size_t rows = baseEnd - first, columns = otherEnd - first;
   if (rows == 0 || columns > kMostCells / (rows + 1)) return places;
-  std::vector<std::uint16_t> common((rows + 1) * (columns + 1));  // of what begins at row and column
+  std::vector<std::uint16_t> common((rows + 1) * (columns + 1));  // lines, from row and column on
   const auto cell = [&](std::size_t row, std::size_t column) -> std::uint16_t& {
     return common[row * (columns + 1) + column];
   };
@@ -71,8 +71,8 @@ Lines Part(const Lines& lines, std::size_t first, std::size_t end) {
           lines.begin() + static_cast<std::ptrdiff_t>(end)};
 }
 
-/// A stretch of lines that one of two texts has changed at most; empty if both have, and differently.
-std::optional<Lines> Settled(const Lines& base, const Lines& mine, const Lines& theirs) {
+/// Merges a stretch of lines; none if both texts have changed it, and differently.
+std::optional<Lines> MergeStretch(const Lines& base, const Lines& mine, const Lines& theirs) {
   if (mine == base || mine == theirs) return theirs;
   if (theirs == base) return mine;
   return std::nullopt;
@@ -82,15 +82,15 @@ std::optional<std::string> MergeLines(const Lines& base, const Lines& mine, cons
   const std::vector<std::size_t> inMine = PlacesIn(mine, base), inTheirs = PlacesIn(theirs, base);
   std::string merged;
   for (std::size_t b = 0, m = 0, t = 0;;) {
-    std::size_t kept = b;  // the next line that both have kept
+    std::size_t kept = b;  // the next line kept by both
     while (kept < base.size() && (inMine[kept] == kNone || inTheirs[kept] == kNone)) ++kept;
     const bool ends = kept == base.size();
     const std::size_t mineEnd = ends ? mine.size() : inMine[kept];
     const std::size_t theirsEnd = ends ? theirs.size() : inTheirs[kept];
-    const std::optional<Lines> settled =
-        Settled(Part(base, b, kept), Part(mine, m, mineEnd), Part(theirs, t, theirsEnd));
-    if (!settled) return std::nullopt;
-    for (const std::string_view line : *settled) merged += line;
+    const std::optional<Lines> stretch =
+        MergeStretch(Part(base, b, kept), Part(mine, m, mineEnd), Part(theirs, t, theirsEnd));
+    if (!stretch) return std::nullopt;
+    for (const std::string_view line : *stretch) merged += line;
     if (ends) return merged;
     merged += base[kept];
     b = kept + 1;
@@ -99,9 +99,9 @@ std::optional<std::string> MergeLines(const Lines& base, const Lines& mine, cons
   }
 }
 
-/// Whether a line of this program brings a code that the other one has brought as well.
-bool BringBothACode(const Lines& base, const Lines& mine, std::string_view baseText,
-                    std::string_view theirs) {
+/// Whether both programs have added a command with the same code.
+bool BothAddSameCode(const Lines& base, const Lines& mine, std::string_view baseText,
+                     std::string_view theirs) {
   const std::set<std::string_view> known(base.begin(), base.end());
   return std::any_of(mine.begin(), mine.end(), [&](std::string_view line) {
     const std::size_t comma = line.find(',');
@@ -123,11 +123,11 @@ std::string WithSelected(const std::string& text, int index) {
   return WithGeneralValue(text, "PROTOCOL", std::to_string(index)).value_or(text);
 }
 
-/// The place in one text of the protocol that another text has selected.
-int PlaceOfSelected(std::string_view selecting, std::string_view text) {
+/// The index in one text of the protocol that another text has selected.
+int IndexOfSelected(std::string_view selecting, std::string_view text) {
   const std::vector<std::string> from = ListProtocols(selecting), in = ListProtocols(text);
   const int index = SelectedProtocol(selecting), end = static_cast<int>(in.size());
-  if (index < 0 || index >= static_cast<int>(from.size())) return end;  // the entry that has no section
+  if (index < 0 || index >= static_cast<int>(from.size())) return end;  // the entry without a section
   const auto place = std::find(in.begin(), in.end(), from[static_cast<std::size_t>(index)]);
   return place == in.end() ? 0 : static_cast<int>(place - in.begin());
 }
@@ -144,10 +144,10 @@ std::optional<std::string> MergeChanges(const std::string& base, const std::stri
   const std::string selectedBase = selects ? WithSelected(base, selected) : base;
   const std::string selectedTheirs = selects ? WithSelected(theirs, selected) : theirs;
   const Lines baseLines = SplitLines(selectedBase), mineLines = SplitLines(mine);
-  if (BringBothACode(baseLines, mineLines, selectedBase, selectedTheirs)) return std::nullopt;
+  if (BothAddSameCode(baseLines, mineLines, selectedBase, selectedTheirs)) return std::nullopt;
   std::optional<std::string> merged = MergeLines(baseLines, mineLines, SplitLines(selectedTheirs));
   if (!merged || !selects) return merged;
-  return WithSelected(*merged, PlaceOfSelected(mine, *merged));
+  return WithSelected(*merged, IndexOfSelected(mine, *merged));
 }
 
 }  // namespace keplo

@@ -22,9 +22,9 @@ namespace keplo {
 namespace {
 
 constexpr std::size_t kShortestName = 3, kLongestName = 12;
-constexpr int kShortestSilence = 16;  // slots; what is shorter counts as a part of the frame
+constexpr int kShortestSilence = 16;  // slots; anything shorter is part of a frame
 
-/// Where the search for a section begins: what stands before [General] is none, even if it looks so.
+/// Where the search for a section begins: text before [General] is not a section, even if it looks like one.
 int StartOfSections(std::string_view text) { return std::max(FindNoCase("[General]", text, 1), 1); }
 
 std::optional<Section> FindClosed(std::string_view text, std::string_view protocol) {
@@ -38,41 +38,42 @@ int SecondGenericKey(std::string_view text, const Section& section) {
   return FindNoCase(inNewLine, upToNext, FindNoCase(inNewLine, upToNext, section.Begin));
 }
 
-/// As FindClosed, for a change: it must be the section that is read, and no two in one.
+/// Like FindClosed, for a change: the section must be the one that is read, and not two that have merged
+/// because a header is damaged.
 ProtocolResult FindToChange(std::string_view text, std::string_view protocol, Section& section) {
   const std::optional<Section> found = FindClosed(text, protocol);
   if (!found) return ProtocolRefusal::NoSection;
   section = *found;
-  if (FindSection(text, protocol)->Begin != section.Begin) return ProtocolRefusal::SectionTwice;
+  if (FindSection(text, protocol)->Begin != section.Begin) return ProtocolRefusal::SectionBeforeGeneral;
   const int second = SecondGenericKey(text, section);
   if (second != kNowhere) return {ProtocolRefusal::HeaderMissing, LineNumber(text, second)};
   return {};
 }
 
-/// What stands before a header in its line.
-std::string_view BeforeInLine(std::string_view text, int header) {
+/// The text before a header in the same line.
+std::string_view TextBeforeHeader(std::string_view text, int header) {
   const int lineBefore = SeekBack(text, header, '\n');
   return text.substr(static_cast<std::size_t>(lineBefore), static_cast<std::size_t>(header - 1 - lineBefore));
 }
 
-/// Walks the keys of one section, each searched from after the one before it.
+/// Reads the keys of a section; the search for each begins after the previous one.
 class SectionKeys {
  public:
   SectionKeys(std::string_view text, const Section& section)
       : text_(text.substr(0, static_cast<std::size_t>(section.End - 1))), position_(section.Begin) {}
 
-  /// The rest of the line after a key; empty, for all further keys too, if it is missing.
+  /// The rest of the line after a key; if it is missing, this and all later calls return an empty text.
   std::string Take(std::string_view key) {
     position_ = FindNoCase(key, text_, position_);
     return std::string(GetLineAt(text_, position_));
   }
-  /// The same up to the very next CR, so that the line below never comes along.
+  /// Like Take, but ends at the very next CR, so that the next line is never included.
   std::string TakeLine(std::string_view key) {
     position_ = FindNoCase(key, text_, position_);
     const bool isEmpty = SeekForward(text_, position_, '\r') == position_;
     return isEmpty ? std::string() : std::string(GetLineAt(text_, position_));
   }
-  /// Just after the key taken last; 0 if one was missing.
+  /// Position just after the last key; 0 if one was missing.
   int Position() const { return position_; }
 
  private:
@@ -80,7 +81,7 @@ class SectionKeys {
   int position_;
 };
 
-/// The number of a text that holds nothing else.
+/// The value of a text that is nothing but a number.
 std::optional<std::int16_t> WholeNumber(std::string_view value) {
   std::string_view digits = value;
   if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) digits.remove_prefix(1);
@@ -94,7 +95,7 @@ std::optional<std::int16_t> WholeNumber(std::string_view value) {
 
 struct ReadSection {
   ProtocolDraft Draft;
-  int AfterLastKey = 0;  // the value of GREPEAT= begins here
+  int AfterLastKey = 0;  // where the value of GREPEAT= begins
 };
 
 std::optional<ReadSection> Read(std::string_view text, std::string_view protocol) {
@@ -141,12 +142,13 @@ ProtocolRefusal CheckNumbers(const ProtocolParams& params) {
 ProtocolRefusal CheckDescription(std::string_view description) {
   if (description.find(',') != std::string_view::npos) return ProtocolRefusal::CommaInDescription;
   if (description.find('[') != std::string_view::npos) return ProtocolRefusal::BracketInDescription;
-  if (description.find_first_of("\r\n") != std::string_view::npos) return ProtocolRefusal::LineInDescription;
+  if (description.find_first_of("\r\n") != std::string_view::npos)
+    return ProtocolRefusal::LineBreakInDescription;
   return FindNoCase("GPROTO=", description, 1) == kNowhere ? ProtocolRefusal::None
                                                            : ProtocolRefusal::KeyInDescription;
 }
 
-/// Why a block cannot go in before a line end, with a header in the line after it.
+/// Why a block cannot be inserted before a line end that should be followed directly by the line of a header.
 ProtocolRefusal CheckHeaderAfter(std::string_view text, int lineEnd, int header) {
   const std::string_view between =
       text.substr(static_cast<std::size_t>(lineEnd), static_cast<std::size_t>(header - lineEnd - 1));
@@ -189,7 +191,7 @@ std::string RefusalText(const ProtocolResult& result) {
       return "Description cannot contain \"[\" character!";
     case ProtocolRefusal::KeyInDescription:
       return "Description cannot contain \"GPROTO=\"!";
-    case ProtocolRefusal::LineInDescription:
+    case ProtocolRefusal::LineBreakInDescription:
       return "Description must be a single line";
     case ProtocolRefusal::BitG:
       return "BITG must have a binary value";
@@ -206,11 +208,10 @@ std::string RefusalText(const ProtocolResult& result) {
              "does, and try again.";
     case ProtocolRefusal::HeaderLine:
       return "The header line of the section is not plain. Leave only the name and its brackets in it, and "
-             "try "
-             "again.";
-    case ProtocolRefusal::SectionTwice:
+             "try again.";
+    case ProtocolRefusal::SectionBeforeGeneral:
       return "Another section of this name stands ahead of [General]. Take it out, and try again.";
-    case ProtocolRefusal::SectionTwins:
+    case ProtocolRefusal::DuplicateSection:
       return "A second section has this name, in " + line +
              " of the file, since upper and lower case count alike. Rename one of them, and try again.";
     case ProtocolRefusal::HeaderMissing:
@@ -310,16 +311,16 @@ SectionChange WithoutSection(std::string_view text, std::string_view protocol) {
   Section section;
   const ProtocolResult found = FindToChange(text, protocol, section);
   if (!found.Done()) return found;
-  // The other one may be meant, and what is gone is gone.
-  if (const std::optional<Section> twin = FindSection(text, protocol, section.End)) {
-    return ProtocolResult{ProtocolRefusal::SectionTwins, LineNumber(text, twin->Begin - 1)};
+  // The user may mean the other one, and a deletion loses data.
+  if (const std::optional<Section> other = FindSection(text, protocol, section.End)) {
+    return ProtocolResult{ProtocolRefusal::DuplicateSection, LineNumber(text, other->Begin - 1)};
   }
-  // A stray bracket makes a second section of all that follows it, up to the end of the real one.
+  // A stray bracket begins a second section, up to the end of the real one.
   if (protocol.find('[') != std::string_view::npos) return ProtocolRefusal::HeaderLine;
   const int first = SeekBack(text, section.Begin - 1, '['), last = SeekBack(text, section.End, '\n');
-  // What stands before either header would be left over, a command in another section.
-  const bool leavesText = !Trimmed(BeforeInLine(text, first)).empty();
-  const bool leavesCommand = BeforeInLine(text, section.End).find(',') != std::string_view::npos;
+  // Text before either header would be left over, and a command would end up in another section.
+  const bool leavesText = !Trimmed(TextBeforeHeader(text, first)).empty();
+  const bool leavesCommand = TextBeforeHeader(text, section.End).find(',') != std::string_view::npos;
   if (leavesText || leavesCommand || last < first) return ProtocolRefusal::HeaderLine;
   return Splice{first, last, {}};
 }
@@ -368,10 +369,10 @@ ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol) {
   const SectionChange planned = WithoutSection(store.CfgText, protocol);
   if (!planned.Refused.Done()) return planned.Refused;
   std::string rest = planned.Change.In(store.CfgText);
-  // A header that is none of its own may have hidden the damage of the section before it.
+  // What looked like a header may have hidden damage of the section before it.
   if (!HasWholeSections(rest) && HasWholeSections(store.CfgText)) return ProtocolRefusal::HeaderLine;
   if (WalkSections(rest).Ended == WalkEnd::ClosingHeader) {
-    // Section and selection in one save: a second one could fail and contradict the first.
+    // One save for both, since a second one could fail.
     ReplaceAndSave(store, WithCurrentProtocol(rest, 0));
   } else {
     store.ReplaceText(std::move(rest));

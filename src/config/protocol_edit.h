@@ -11,14 +11,14 @@
 
 namespace keplo {
 
-/// A protocol section as a user sets it up; BitTail is not part of it.
+/// A protocol section as a user sets it up; BitTail does not count.
 struct ProtocolDraft {
   std::string Name, Description;
   std::int16_t ProtoKind = 0;  // GPROTO=
   ProtocolParams Params;
 };
 
-/// Why a protocol is not stored, changed or deleted.
+/// Why a protocol cannot be stored, changed or deleted.
 enum class ProtocolRefusal {
   None,
   EditOfTemplate,
@@ -33,23 +33,22 @@ enum class ProtocolRefusal {
   EmptyPattern,
   CommaInDescription,
   BracketInDescription,
-  KeyInDescription,   // the one that the readers of a section would find there
-  LineInDescription,  // a line end
+  KeyInDescription,  // a key that the readers of a section would find there
+  LineBreakInDescription,
   BitG,
   Bit0,
   Bit1,
-  NoSection,        // no whole section of that name, with a header after it
-  NoTemplate,       // no section that a new one could stand before
-  LineEnds,         // a line where the change would begin does not end in CR LF
-  HeaderLine,       // the line of the header holds more than the header
-  SectionTwice,     // another section of that name stands before [General], and is the one that is read
-  SectionTwins,     // a second section of that name, in whatever case; the line is that of its header
-  HeaderMissing,    // the section has its keys twice: a header is damaged. The line is that of the second
-                    // GPROTO=
-  CommandAmongKeys  // a command stands in its line among the keys that an edit replaces
+  NoSection,             // no complete section of that name with a header after it
+  NoTemplate,            // no [Template], before which a new section is inserted
+  LineEnds,              // a line where the change would begin does not end in CR LF
+  HeaderLine,            // the line of the header contains other text
+  SectionBeforeGeneral,  // another section of that name before [General] is the one that is read
+  DuplicateSection,      // a second section of that name, ignoring case; Line is that of its header
+  HeaderMissing,         // the keys occur twice, so a header is damaged; Line is that of the second GPROTO=
+  CommandAmongKeys       // Line holds a command among the keys that an edit replaces
 };
 
-/// A refusal and the line of the file that it is about, from 1; 0 if it is about none.
+/// A refusal and the line of the file that it concerns, from 1; 0 if there is none.
 struct ProtocolResult {
   ProtocolRefusal Refused = ProtocolRefusal::None;
   int Line = 0;
@@ -61,30 +60,29 @@ struct ProtocolResult {
   bool operator==(ProtocolRefusal refused) const { return Refused == refused; }
 };
 
-/// What to tell the user; empty if nothing was refused.
+/// The message for the user; empty if nothing was refused.
 std::string RefusalText(const ProtocolResult& result);
 
-/// Whether the section may be edited: Template and Recorded may not, in any letter case.
+/// Refuses to edit Template and Recorded, in any letter case.
 ProtocolRefusal CheckProtocolEdit(std::string_view protocol);
-/// The same for a delete.
+/// Refuses to delete them.
 ProtocolRefusal CheckProtocolDelete(std::string_view protocol);
-/// A trimmed name of letters, digits, - and _, which no section has, of 3 to 12 characters. The names of the
-/// sections that are no protocols are in use.
+/// Accepts a trimmed, unused name of 3 to 12 letters, digits, - and _. The names of sections that are not
+/// protocols count as used.
 ProtocolRefusal CheckProtocolName(std::string_view text, const std::string& name);
-/// All but the name. Where both repeats have a silence of their own, the one of GREPEAT becomes that of
-/// REPEAT.
+/// Checks everything but the name. If REPEAT and GREPEAT both specify a silence, GREPEAT is set to REPEAT.
 ProtocolRefusal CheckProtocolDraft(ProtocolDraft& draft);
 
-/// A section read strictly: all its lines must be there, in their order, GPROTO= must be one of the generic
+/// Reads a section strictly: it must have all its lines in order, GPROTO= must be one of the generic
 /// protocols and GREPEAT= a number.
-/// @return empty if it is not so
+/// @return empty if it does not
 std::optional<ProtocolDraft> LoadProtocol(std::string_view text, std::string_view protocol);
 
-/// A number after a key: a blank or the minus sign, then the digits.
+/// A number as it is written after a key: a blank or the minus sign, then the digits.
 std::string KeyNumber(int number);
 
-/// A change of a text: its characters first to last give way to a block. With last below first the block goes
-/// in before first. Positions count from 1.
+/// A change of a text: a block replaces the characters First to Last or, if Last is below First, is inserted
+/// before First. Positions count from 1.
 struct Splice {
   int First = 0, Last = 0;
   std::string Block;
@@ -102,38 +100,36 @@ struct SectionChange {
   SectionChange(Splice change) : Change(std::move(change)) {}
 };
 
-/// The lines of a section between header and commands, as a save writes them; the last one without its line
-/// end.
+/// The lines of a section between header and commands; the last one without its line end.
 std::string ParameterLines(const ProtocolDraft& draft);
 
-/// A new section, with the placeholder for a command, before the line end that [Template] stands after.
+/// Inserts a new section, with the placeholder as its only command, before [Template].
 SectionChange NewSection(std::string_view text, const ProtocolDraft& draft);
 
-/// Other parameters for a section: all lines after its header down to the one of GREPEAT= go, which holds for
-/// comments, while a command among them is a refusal.
+/// Replaces all lines of a section after its header down to GREPEAT=, including comments. A command among
+/// them is a refusal.
 SectionChange EditedSection(std::string_view text, const ProtocolDraft& draft);
 
-/// The text with that edit. Other slots or silences than before end the period that frames were sent at.
+/// Applies an edit. If slot or silences differ from before, the section also loses its frame period.
 std::string WithEdit(const std::string& text, const ProtocolDraft& draft, const Splice& edit);
 
-/// A section goes, from its header through the line before the next header.
+/// Removes a section, from its header to the line before the next header.
 SectionChange WithoutSection(std::string_view text, std::string_view protocol);
 
-/// Place of a protocol in the list of a text, from 0; the number of protocols if it is none of them.
+/// Index of a protocol, from 0; the number of protocols if there is no such protocol.
 int ProtocolIndexOf(std::string_view text, std::string_view protocol);
 
-/// The text with the protocol of an index as the one that the window starts with, so that a change of the
-/// sections and this one reach the file together; the same text if it has no place for it.
+/// The text with another protocol selected in [General], so that this and a change of the sections are saved
+/// together; unchanged if it has no PROTOCOL= key.
 std::string WithCurrentProtocol(const std::string& text, int index);
 
-// The three operations without a window, with all their checks. Each saves at once.
-// @throws Failure if the text would grow beyond its limit or the save fails; see ReplaceAndSave
+// Complete operations with all their checks; each saves at once.
+// @throws Failure if the text would exceed its limit or the save fails; see ReplaceAndSave
 
-/// The new protocol becomes the one that the window starts with.
+/// Also selects the new protocol, which the window will then start with.
 ProtocolResult AddProtocol(CfgStore& store, ProtocolDraft draft);
 ProtocolResult EditProtocol(CfgStore& store, ProtocolDraft draft);
-/// The first protocol becomes the one that the window starts with. A text without its closing header is
-/// changed in memory alone.
+/// Also selects the first protocol. A text without its closing header is changed only in memory.
 ProtocolResult DeleteProtocol(CfgStore& store, std::string_view protocol);
 
 }  // namespace keplo

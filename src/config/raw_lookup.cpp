@@ -14,15 +14,15 @@ namespace keplo {
 
 namespace {
 
-/// The command that a reading is of without the raw ones.
+/// The command of a reading, raw commands aside.
 std::optional<FoundCommand> CommandOf(std::string_view text, const MonitorReading& reading) {
   if (reading.Digits.empty()) return std::nullopt;
-  const bool whole = reading.Ended == Stage::Doubtful;  // where learning is the proof, the very code counts
+  const bool whole = reading.Ended == Stage::Doubtful;  // proved only by exactly this code being learned
   if (reading.Ended != Stage::Code && !whole) return std::nullopt;
   return FindCommand(text, reading.Digits, 0, whole ? Analysis::Second : *reading.ReadBy);
 }
 
-/// What the monitor captures of lengths.
+/// What the monitor would capture of lengths.
 std::string MonitorCaptureOf(const RawLengths& lengths) {
   constexpr auto kCaptureTime =
       static_cast<std::int64_t>(kMonitorCaptureBytes * kBitsPerByte) * kNominalSampleTime;
@@ -33,16 +33,16 @@ std::string MonitorCaptureOf(const RawLengths& lengths) {
   return capture;
 }
 
-/// What is found of lengths that the monitor captures.
+/// Matches lengths, as the monitor would capture them, against an index.
 RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
   SignalState heard;
   heard.Samples.Read(MonitorCaptureOf(lengths));
   return index.Find(HeardIn(heard));
 }
 
-void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading& reading) {
+void ReadAsRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading& reading) {
   reading.Ended = Stage::Raw;
-  // What the second look had read of it counts no longer.
+  // Discards what the second look has read.
   reading.Dittos = false;
   reading.Leader = 0;
   reading.SecondTap = 0;
@@ -52,33 +52,33 @@ void TakeRaw(std::string_view digits, std::optional<bool> toggle, MonitorReading
   reading.Toggle = toggle;
 }
 
-/// From the beginning of the frame ahead of a pause to that of the frame behind it, microseconds.
-double DistanceOver(const HeardLengths& heard, std::size_t pause) {
+/// From the beginning of the frame before a pause to that of the frame after it, microseconds.
+double TimeBetweenFrames(const HeardLengths& heard, std::size_t pause) {
   double distance = heard.Us(pause);
   for (std::size_t i = pause; i > 0 && !heard.IsGap(i - 1); --i) distance += heard.Us(i - 1);
   return distance;
 }
 
-/// Where a frame that comes so late begins a second tap of a raw command.
+/// Decides whether a frame begins a second tap of a raw command, by the time since the previous one.
 struct TapTimes {
   explicit TapTimes(int period) : Period(period) {}
 
   int Period;  // of a held key, microseconds; 0 where its press is a single frame
 
-  /// Remotes do not count their silence out carefully.
+  /// With some tolerance, as the silences of remotes vary.
   double Longest() const { return Period == 0 ? kLongestPeriod : 1.25 * Period + 5000; }
-  bool IsLate(double distance) const { return distance > Longest(); }
-  /// Whether a held key cannot have sent it.
-  bool IsBetween(double distance) const { return std::abs(distance - Period) > Period / 8.0; }
+  bool IsLate(double time) const { return time > Longest(); }
+  /// Whether a held key cannot have sent the frame.
+  bool IsOffPeriod(double time) const { return std::abs(time - Period) > Period / 8.0; }
 
  private:
   static constexpr double kLongestPeriod = 155'000;  // 138 ms is the longest that was measured
 };
 
-/// Two taps in one capture: what is learned is a press of one. The second may be one that the capture has
-/// cut; whole it must be of the same command. What comes in the time of a repeat is none.
-void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
-  constexpr double kLeastPause = 60'000;  // microseconds; parts of a message have less
+/// Recognises two taps of a raw command in one capture. The second must be of the same command, unless the
+/// capture cuts it off, and must not come when a repeat is due.
+void ReadAsRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
+  constexpr double kLeastPause = 60'000;  // microseconds; longer than any within a message
   const RunSpan runs = signal.Runs.Read(signal.Samples);
   const HeardLengths heard = HeardIn(runs, signal.SampleTime);
   std::size_t pause = 0;
@@ -93,12 +93,12 @@ void TakeRawTaps(const CfgStore& store, SignalState& signal, MonitorReading& rea
   const RawMatch second = store.Raw.Index.Find(rest);
   const bool isSame = second.Alone && second.Digits == first.Digits;
   const TapTimes times(LongestPeriodOf(raw->Forms.front()));
-  const double distance = DistanceOver(heard, pause);
-  // The forms of a key that is much like another's are told apart for certain without jitter only.
+  const double time = TimeBetweenFrames(heard, pause);
+  // If another key is very similar, only a close match is certain about the form.
   const bool flips = isSame && first.Toggle != second.Toggle &&
-                     (times.Period > 0 ? times.IsBetween(distance) : first.IsClose && second.IsClose);
-  if (!flips && !(times.IsLate(distance) && (isSame || rest.Cut))) return;
-  TakeRaw(first.Digits, first.Toggle, reading);
+                     (times.Period > 0 ? times.IsOffPeriod(time) : first.IsClose && second.IsClose);
+  if (!flips && !(times.IsLate(time) && (isSame || rest.Cut))) return;
+  ReadAsRaw(first.Digits, first.Toggle, reading);
   if (!isSame) return;
   reading.SecondTap = std::accumulate(runs.data(), rest.Runs.data(), 0);
   reading.SecondToggle = second.Toggle;
@@ -110,7 +110,8 @@ MonitorReading MonitorReadingOf(const RawLengths& lengths, SignalState& heard) {
   return ReadCapture(MonitorCaptureOf(lengths), heard, Analysis::Second);
 }
 
-std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::vector<RawLengths>& forms) {
+std::optional<FoundCommand> FindCommandDecodedFrom(std::string_view text,
+                                                   const std::vector<RawLengths>& forms) {
   SignalState heard;
   for (const RawLengths& form : forms) {
     if (auto found = CommandOf(text, MonitorReadingOf(form, heard))) return found;
@@ -118,7 +119,7 @@ std::optional<FoundCommand> FindCommandReadOf(std::string_view text, const std::
   return std::nullopt;
 }
 
-RawMatch FindLikeRaw(const RawIndex& index, const std::vector<RawLengths>& forms) {
+RawMatch FindSimilarRaw(const RawIndex& index, const std::vector<RawLengths>& forms) {
   for (const RawLengths& form : forms) {
     if (const RawMatch match = MatchOf(index, form); match.IsSame) return match;
   }
@@ -141,12 +142,12 @@ std::optional<FoundCommand> FindRawCommand(const CfgStore& store, SignalState& s
   return match.Alone ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
-std::string AlikeRawText(const CfgStore& store, SignalState& signal) {
+std::string AmbiguousRawText(const CfgStore& store, SignalState& signal) {
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
   if (!match.IsClose || match.Alone) return {};
   const auto nameOf = [&](std::string_view digits) {
     const auto found = FindCommand(store.CfgText, digits, 0, Analysis::Second);
-    return found ? found->Protocol + "&" + found->Command : "G" + std::string(digits);
+    return found ? found->Reference() : "G" + std::string(digits);
   };
   return "fits " + nameOf(match.Digits) + " and " + nameOf(match.Other) +
          " alike, so that it is neither: press again, and if it stays so, delete one of the two";
@@ -157,20 +158,20 @@ void ProveByLearning(const CfgStore& store, MonitorReading& reading) {
   if (FindCommand(store.CfgText, reading.Digits, 0, Analysis::Second)) reading.Ended = Stage::Code;
 }
 
-void AskRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
+void MatchRawCommands(const CfgStore& store, SignalState& signal, MonitorReading& reading) {
   if (store.Raw.Index.Empty() || CommandOf(store.CfgText, reading)) return;
   const RawMatch match = store.Raw.Index.Find(HeardIn(signal));
-  if (!match.Alone) return TakeRawTaps(store, signal, reading);
-  TakeRaw(match.Digits, match.Toggle, reading);
+  if (!match.Alone) return ReadAsRawTaps(store, signal, reading);
+  ReadAsRaw(match.Digits, match.Toggle, reading);
 }
 
-void TakeHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
-                 std::optional<bool> toggle, MonitorReading& reading) {
+void ReadAsHeldRaw(const CfgStore& store, SignalState& signal, std::string_view held,
+                   std::optional<bool> toggle, MonitorReading& reading) {
   if (!AreRawDigits(held) || CommandOf(store.CfgText, reading)) return;
   const RawSignal* raw = FindRawSignal(store, "G" + std::string(held));
   const std::size_t form = toggle.value_or(false) ? 1 : 0;
   if (raw == nullptr || form >= raw->Forms.size()) return;
-  if (GoesOnWithRaw(HeardIn(signal), raw->Forms[form])) TakeRaw(held, toggle, reading);
+  if (GoesOnWithRaw(HeardIn(signal), raw->Forms[form])) ReadAsRaw(held, toggle, reading);
 }
 
 std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store, std::string_view digits) {
@@ -179,7 +180,7 @@ std::optional<std::chrono::microseconds> LongestRawPeriod(const CfgStore& store,
   return std::chrono::microseconds(std::lround(TapTimes(LongestPeriodOf(raw->Forms.front())).Longest()));
 }
 
-RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {
+RawSignal MakeRawSignal(std::string_view text, const std::vector<RawLesson::Form>& forms) {
   RawSignal signal;
   for (const RawLesson::Form& form : forms) signal.Forms.push_back(form.Signal.Lengths);
   signal.Digits = DrawRawDigits(forms.front().Signal.Levels, [&](std::string_view digits) {
@@ -188,8 +189,8 @@ RawSignal DrawRawSignal(std::string_view text, const std::vector<RawLesson::Form
   return signal;
 }
 
-std::optional<FoundCommand> FindLikeRawCommand(const CfgStore& store, const RawSignal& signal) {
-  const RawMatch match = FindLikeRaw(store.Raw.Index, signal.Forms);
+std::optional<FoundCommand> FindSimilarRawCommand(const CfgStore& store, const RawSignal& signal) {
+  const RawMatch match = FindSimilarRaw(store.Raw.Index, signal.Forms);
   return match.IsSame ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
 }
 
@@ -200,8 +201,8 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
     return {Refusal::InvalidCode, std::string(code),
             "These are the digits of a raw command without lengths."};
   }
-  auto like = FindLikeRawCommand(store, *signal);
-  if (!like) like = FindCommandReadOf(store.CfgText, signal->Forms);
+  auto like = FindSimilarRawCommand(store, *signal);
+  if (!like) like = FindCommandDecodedFrom(store.CfgText, signal->Forms);
   if (!like) return {};
   return {Refusal::CodeExists, like->Command, "It is a command of the protocol " + like->Protocol + "."};
 }

@@ -39,8 +39,7 @@ std::set<std::string> DigitsOf(const RawLines& lines, const std::string& protoco
   return digits;
 }
 
-/// The name of a section as that of a file: other characters than letters, digits, - and _ as % and two hex
-/// digits.
+/// The file name for a section: characters other than letters, digits, - and _ become % and two hex digits.
 std::string FileNameOf(const std::string& protocol) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string name;
@@ -75,9 +74,9 @@ RawEntries ReadRawFileToChange(CfgStore& store, const std::filesystem::path& pat
                                              "what is in its place, and try again."));
 }
 
-/// Takes the lengths of digits from a file. Others in it may be left of a command that is gone, and could
-/// stand in the way of what was recorded meanwhile.
-/// @return false if the file cannot be read, which is told
+/// Reads the lengths of the wanted digits from a file. Others in it may be left over from a deleted command,
+/// and must not replace what was recorded meanwhile.
+/// @return false if the file cannot be read, which is added to Damage
 bool TakeRawFile(CfgStore& store, const std::string& protocol, const std::set<std::string>& wanted) try {
   for (auto& [digits, entry] : ReadRawFile(store, RawFileOf(store, protocol))) {
     if (entry.Signal.Forms.empty() || wanted.count(digits) == 0) continue;
@@ -89,8 +88,8 @@ bool TakeRawFile(CfgStore& store, const std::string& protocol, const std::set<st
   return false;
 }
 
-void TellLost(CfgStore& store, const std::string& protocol, const std::vector<std::string>& names,
-              bool isReadable) {
+void ReportLostLengths(CfgStore& store, const std::string& protocol, const std::vector<std::string>& names,
+                       bool isReadable) {
   std::string text =
       RawFileOf(store, protocol).string() + ": the lengths of " + protocol + "&" + names.front();
   for (std::size_t i = 1; i < names.size(); ++i) {
@@ -104,7 +103,7 @@ void TellLost(CfgStore& store, const std::string& protocol, const std::vector<st
       (one ? "the command and learn it again." : "the commands and learn them again."));
 }
 
-/// Brings the commands of a section into the index.
+/// Adds the commands of a section to the index.
 void RefreshSection(CfgStore& store, const std::string& protocol, const std::vector<RawLine>& lines,
                     RawStore::Reading& last) {
   RawStore& raw = store.Raw;
@@ -122,11 +121,11 @@ void RefreshSection(CfgStore& store, const std::string& protocol, const std::vec
       lost.push_back(line.Name);
     }
   }
-  if (!lost.empty()) TellLost(store, protocol, lost, isReadable);
+  if (!lost.empty()) ReportLostLengths(store, protocol, lost, isReadable);
 }
 
-/// The raw commands of all texts that were put aside.
-RawLines RawLinesAside(const CfgStore& store) {
+/// The raw commands of all conflict copies.
+RawLines RawLinesOfConflictCopies(const CfgStore& store) {
   RawLines all;
   for (const std::filesystem::path& copy : ConflictCopiesOf(store.Files, store.Files.Resolve(store.Path))) {
     for (auto& [protocol, lines] : RawLinesIn(store.Files.Read(copy, kLargestRawFile))) {
@@ -185,7 +184,7 @@ void RawChange::AddNew(const File& file) {
   const bool isNew = std::any_of(file.Wanted.begin(), file.Wanted.end(), [&](const std::string& digits) {
     return file.Had.count(digits) == 0 && known(digits) != store_.Raw.Known.end();
   });
-  if (!isNew) return;  // a file that cannot be read then stands in nobody's way
+  if (!isNew) return;  // without reading the file, which may be damaged
   RawEntries entries = ReadRawFileToChange(store_, file.Path);
   const bool isFirst = entries.empty();
   for (const std::string& digits : file.Wanted) {
@@ -197,7 +196,7 @@ void RawChange::AddNew(const File& file) {
   }
   ReplaceInLockedFolder(store_.Files, file.Path, WriteRawText(file.Protocol, entries));
   folder_->Flush();
-  // The folder itself may be new, be it from a change that went no further.
+  // The folder itself may be new, perhaps from an earlier change that failed.
   if (isFirst) store_.Files.Lock(FolderOf(store_.Path))->Flush();
 }
 
@@ -215,16 +214,16 @@ void RawChange::DropLost(const File& file, const RawLines& aside) {
 
 void RawChange::DropLost() noexcept try {
   if (files_.empty()) return;
-  const RawLines aside = RawLinesAside(store_);
+  const RawLines aside = RawLinesOfConflictCopies(store_);
   for (const File& file : files_) {
     try {
       DropLost(file, aside);
     } catch (const Failure&) {
-      continue;  // the other sections may fare better
+      continue;  // with the other sections
     }
   }
 } catch (const std::exception&) {
-  // Lengths without a command count for nothing; the next change of the section tries again.
+  // Unused lengths do no harm; the next change of the section tries again.
   return;
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kSendAsKey = "SENDAS=";
 
-/// Position just after the key; 0 without one.
+/// Position just after the key; 0 if the section has none.
 int KeyIn(std::string_view text, const Section& section) {
   const std::string_view upToNext = text.substr(0, static_cast<std::size_t>(section.End - 1));
   const int lastKey = FindNoCase("GREPEAT=", upToNext, section.Begin);
@@ -36,7 +36,7 @@ std::string LineOf(const std::vector<std::string>& words) {
   return SendAsLine(value);
 }
 
-/// The line of the key with its end; empty if it is not wholly within the section.
+/// The line of the key with its line end; none if it is not completely inside the section.
 std::optional<LineRange> LineIn(std::string_view text, const Section& section) {
   const int key = KeyIn(text, section);
   const int lf = SeekForward(text, key, '\n');
@@ -45,7 +45,7 @@ std::optional<LineRange> LineIn(std::string_view text, const Section& section) {
   return LineRange{before + 1, lf};
 }
 
-/// Where a line goes in after all that the section holds; 0 if its last line runs into the next header.
+/// Where to append a line to the section; 0 if its last line runs into the next header.
 int EndOfLines(std::string_view text, const Section& section) {
   const auto last = text.find_last_not_of("\r\n", static_cast<std::size_t>(section.End) - 2);
   const int lf = SeekForward(text, static_cast<int>(last) + 1, '\n');
@@ -75,8 +75,8 @@ std::string SendAsLine(std::string_view value) {
   return value.empty() ? std::string() : std::string(kSendAsKey).append(" ").append(value).append("\r\n");
 }
 
-std::string WithWayOf(const std::string& text, std::string_view protocol, std::string_view code,
-                      std::string_view way) {
+std::string WithSendAs(const std::string& text, std::string_view protocol, std::string_view code,
+                       std::string_view way) {
   const std::optional<Section> section = FindSectionToChange(text, protocol);
   if (!section || code.empty() || FindNoCase("GREPEAT=", text, section->Begin) >= section->End) return text;
   const std::string_view digits = code.substr(1);
@@ -100,7 +100,7 @@ std::string WithWayOf(const std::string& text, std::string_view protocol, std::s
   return place == kNowhere ? text : InsertText(changed, LineOf(words), place);
 }
 
-std::string WithoutStaleWays(const std::string& text, std::string_view protocol) {
+std::string WithoutStaleSendAs(const std::string& text, std::string_view protocol) {
   const std::vector<LearnedCommand> commands = ListCommands(text, protocol);
   return WithoutWords(text, protocol, [&](const std::string& word) {
     return IsNoteOfWay(word) &&

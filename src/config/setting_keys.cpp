@@ -11,20 +11,20 @@ namespace keplo {
 
 namespace {
 
-/// Whether a section begins in the line of a value: its header would be lost with the value, and what comes
-/// in below the line would be in that section.
-bool HasHeader(std::string_view text, int place) {
-  return GetLineAt(text, place).find('[') != std::string_view::npos;
+/// Whether a section begins in the line of a value. Replacing the value would remove the header, and a line
+/// inserted below would be in that section.
+bool HasHeader(std::string_view text, int position) {
+  return GetLineAt(text, position).find('[') != std::string_view::npos;
 }
 
-/// The text with another number of a key; empty if it has no place for it.
+/// The text with another number for a key; none if there is no place for it.
 std::optional<std::string> WithSetting(const std::string& text, const SettingChange& change) {
   const std::string value = std::to_string(change.Number);
-  if (const int place = PlaceOfSetting(text, change.Key); place != kNowhere) {
-    return HasHeader(text, place) ? std::nullopt : WithValueAt(text, place, value);
+  if (const int position = PositionOfSetting(text, change.Key); position != kNowhere) {
+    return HasHeader(text, position) ? std::nullopt : WithValueAt(text, position, value);
   }
   if (!change.Key.Late) return std::nullopt;
-  const int last = PlaceOfSetting(text, *FindSettingKey("VEXIL"));
+  const int last = PositionOfSetting(text, *FindSettingKey("VEXIL"));
   const int lineEnd = SeekForward(text, last, '\n');
   if (last == kNowhere || lineEnd == kNowhere || HasHeader(text, last)) return std::nullopt;
   return InsertText(text, std::string(change.Key.Search) + " " + value + "\r\n", lineEnd + 1);
@@ -42,7 +42,7 @@ bool IsProtocolIndex(std::string_view text, std::int64_t number) {
 
 std::span<const SettingKey> SettingKeys() { return kSettingKeys; }
 
-int PlaceOfSetting(std::string_view text, const SettingKey& key) {
+int PositionOfSetting(std::string_view text, const SettingKey& key) {
   const std::optional<Section> general = FindSection(text, "General");
   if (!general) return kNowhere;
   if (key.Late) {
@@ -64,9 +64,9 @@ const SettingKey* FindSettingKey(std::string_view name) {
 }
 
 std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key) {
-  const int place = PlaceOfSetting(text, key);
-  if (place == kNowhere) return std::nullopt;
-  return std::string(Trimmed(GetLineAt(text, place)));
+  const int position = PositionOfSetting(text, key);
+  if (position == kNowhere) return std::nullopt;
+  return std::string(Trimmed(GetLineAt(text, position)));
 }
 
 bool ChangeSettings(CfgStore& store, std::span<const SettingChange> changes) {

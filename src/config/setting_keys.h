@@ -11,30 +11,30 @@
 
 namespace keplo {
 
-/// In the order of the file.
+/// All keys of [General], in the order of the file.
 std::span<const SettingKey> SettingKeys();
 /// @param name in any letter case
 /// @return null if there is no such key
 const SettingKey* FindSettingKey(std::string_view name);
 
-/// The position after a key's = inside [General], where a start-up reads it; 0 if it is missing there.
-int PlaceOfSetting(std::string_view text, const SettingKey& key);
+/// The position just after the = of a key of [General]; 0 if the key is missing.
+int PositionOfSetting(std::string_view text, const SettingKey& key);
 
-/// The value of a key as it stands in [General]; none if the key is missing there.
+/// The value of a key of [General]; none if the key is missing.
 std::optional<std::string> SettingValue(std::string_view text, const SettingKey& key);
 
-/// Changes a key that fits and saves. A file from before the key was known gets its line, after the other
-/// keys.
-/// @return false, with nothing changed, if the file has no place for it
+/// Changes the value of a key and saves. An older file that lacks the key gets a line for it, after the
+/// others.
+/// @return false, with nothing changed, if there is no place for the value
 /// @throws Failure as SetGeneralValue
 bool ChangeSetting(CfgStore& store, const SettingKey& key, std::int64_t number);
 
-/// A key and the number that it takes.
+/// A key and its new number.
 struct SettingChange {
   const SettingKey& Key;
   std::int64_t Number;
 };
-/// Several of them in one save: all are changed or none.
+/// Changes several keys in one save, or none of them.
 bool ChangeSettings(CfgStore& store, std::span<const SettingChange> changes);
 
 }  // namespace keplo

@@ -21,22 +21,21 @@ std::string StoreUndo::Undo() {
   ReloadConfig(store_);
   for (auto change = changes_.rbegin(); change != changes_.rend(); ++change) {
     if (const auto text = MergeChanges(change->After, change->Before, store_.CfgText)) {
-      TakeBack(std::prev(change.base()), *text);
+      SaveUndone(std::prev(change.base()), *text);
       return {};
     }
-    if (!std::exchange(change->IsTold, true)) return WhyNot(std::next(change) != changes_.rend());
+    if (!std::exchange(change->IsReported, true)) return ConflictText(std::next(change) != changes_.rend());
   }
-  return WhyNot(false);
+  return ConflictText(false);
 }
 
-/// A step in whose way another program's change stands does not keep those before it from the user.
-std::string StoreUndo::WhyNot(bool hasEarlier) const {
+std::string StoreUndo::ConflictText(bool hasEarlier) const {
   return "The change cannot be taken back, since the same lines of " + store_.Path.string() +
          " were changed again after it. Nothing was changed." +
          (hasEarlier ? " Undo once more takes back the change before it." : "");
 }
 
-void StoreUndo::TakeBack(std::vector<Change>::iterator change, const std::string& text) {
+void StoreUndo::SaveUndone(std::vector<Change>::iterator change, const std::string& text) {
   const std::string current = store_.CfgText;
   try {
     ReplaceAndSave(store_, text);

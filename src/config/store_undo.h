@@ -7,46 +7,44 @@
 
 namespace keplo {
 
-/// Takes back the changes of a store, the last one first: a command that was saved or deleted, a protocol, an
-/// import.
+/// Undoes changes of a store, the latest first: a saved or deleted command, a protocol, an import.
 ///
-/// Settings that were changed since then stay as they are, and so does what other programs have written, as
-/// long as it does not touch the same lines.
+/// Settings changed since then are kept, as are changes by other programs unless they touch the same lines.
 ///
 ///     undo.Begin();
-///     ... the whole change, its save and what stays in memory ...
+///     ... the change, its save and whatever stays in memory ...
 ///     undo.End();
 class StoreUndo {
  public:
   /// @param store that outlives this object
   explicit StoreUndo(CfgStore& store) : store_(store) {}
 
-  /// To be called before a change.
+  /// Call this before a change.
   void Begin();
-  /// To be called once a change is complete. A change that has left the text as it was is none.
+  /// Call this once the change is complete. If the text is unchanged, there is nothing to undo.
   void End();
 
   bool CanUndo() const { return !changes_.empty(); }
 
-  /// Takes the last change back and saves; the next call takes back the one before it. Where the change has
-  /// selected another protocol in PROTOCOL=, the one before it is selected again. Lists are to be filled
-  /// again. A change whose lines were changed again by another program is told once and left out from then
-  /// on, as long as they are so.
-  /// @return why nothing was taken back, for a person; empty if it was
-  /// @throws Failure if the save fails; as long as the text is as it was, the change can be taken back again
+  /// Undoes the last change and saves; the next call undoes the one before it. If the change selected another
+  /// protocol in PROTOCOL=, the earlier one is selected again. The caller refreshes its lists. A change whose
+  /// lines another program has changed again is reported once and skipped from then on, as long as they
+  /// conflict.
+  /// @return why nothing was undone, for the user; empty on success
+  /// @throws Failure if the save fails; if the text is unchanged, the change can still be undone
   std::string Undo();
 
  private:
   struct Change {
     std::string Before, After;
-    bool IsTold = false;  // that it cannot be taken back
+    bool IsReported = false;  // that it cannot be undone
   };
 
-  std::string WhyNot(bool hasEarlier) const;
-  void TakeBack(std::vector<Change>::iterator change, const std::string& text);
+  std::string ConflictText(bool hasEarlier) const;
+  void SaveUndone(std::vector<Change>::iterator change, const std::string& text);
 
   CfgStore& store_;
-  std::vector<Change> changes_;  // the last one at the end
+  std::vector<Change> changes_;  // oldest first
 };
 
 }  // namespace keplo

@@ -11,7 +11,7 @@ namespace keplo {
 
 namespace {
 
-/// Where a link leads, or where the file that it names would be.
+/// The target of a link, whether or not it exists.
 std::filesystem::path TargetOf(const std::filesystem::path& link) {
   std::error_code error;
   const std::filesystem::path target = std::filesystem::canonical(link, error);
@@ -22,7 +22,7 @@ std::filesystem::path TargetOf(const std::filesystem::path& link) {
 
 FolderWatch::FolderWatch(std::filesystem::path folder)
     : folder_(std::move(folder)), news_(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-  tellsFolder_ = Watch(folder_);
+  isWatching_ = Watch(folder_);
   WatchTargets();
 }
 
@@ -35,7 +35,7 @@ void FolderWatch::WatchTargets() {
   std::error_code error;
   std::filesystem::directory_iterator entry(folder_, error);
   for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    // A folder that is watched already stays watched as it is.
+    // Watching a folder again has no effect.
     if (entry->is_symlink(error)) Watch(TargetOf(entry->path()).parent_path());
   }
 }

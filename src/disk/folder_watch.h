@@ -6,27 +6,27 @@
 
 namespace keplo {
 
-/// Tells that a file of a folder was written, put in place or removed, by whatever program of this machine.
-/// Where an entry is a link, that counts of the folder of its target too. Costs nothing while none is.
+/// Notices when a file in a folder was written, created or removed by any program of this machine. If an
+/// entry is a link, the folder of its target is watched as well.
 class FolderWatch {
  public:
   explicit FolderWatch(std::filesystem::path folder);
 
-  /// Becomes readable when there is news; -1 where the system tells none.
+  /// Becomes readable when there is news; -1 if the system does not support this.
   int Descriptor() const { return news_.Number(); }
-  /// Whether the system tells of the folder at all.
-  bool TellsOfFolder() const { return tellsFolder_; }
+  /// Whether the folder itself can be watched.
+  bool IsWatching() const { return isWatching_; }
   /// @return whether there was news since the last call
   bool TakeNews();
 
  private:
   bool Watch(const std::filesystem::path& folder);
-  /// The folders that the links of the folder lead to, as they are now.
+  /// Watches the folders that the links currently in the folder lead to.
   void WatchTargets();
 
   std::filesystem::path folder_;
   keplo::Descriptor news_;
-  bool tellsFolder_;
+  bool isWatching_;
 };
 
 }  // namespace keplo

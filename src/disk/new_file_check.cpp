@@ -8,10 +8,10 @@
 
 namespace keplo {
 
-int WhyNoNewFile(const std::filesystem::path& folder) {
+int NewFileError(const std::filesystem::path& folder) {
   const Descriptor nameless(open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
-  const bool cannotTell = errno == EOPNOTSUPP || errno == EISDIR;
-  return nameless.IsOpen() || cannotTell ? 0 : errno;
+  const bool unsupported = errno == EOPNOTSUPP || errno == EISDIR;
+  return nameless.IsOpen() || unsupported ? 0 : errno;
 }
 
 }  // namespace keplo

@@ -4,8 +4,10 @@
 
 namespace keplo {
 
-/// Why no file can be made in a folder, for callers whose library does not say. Makes none that is seen.
-/// @return the system's error number; 0 if a file can be made, or on a file system that cannot tell
-int WhyNoNewFile(const std::filesystem::path& folder);
+/// Finds out why a file cannot be created in a folder, for callers whose library does not say. Creates no
+/// visible file.
+/// @return the system's error number; 0 if a file can be created, or the file system does not support the
+/// check
+int NewFileError(const std::filesystem::path& folder);
 
 }  // namespace keplo

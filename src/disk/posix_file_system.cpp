@@ -22,7 +22,7 @@ namespace {
 
 using std::filesystem::path;
 
-constexpr int kMostLinks = 40;  // as many as the kernel follows
+constexpr int kMostLinks = 40;  // the kernel's limit
 constexpr mode_t kPermissions = 07777;
 constexpr char kOwnDescriptors[] = "/proc/self/fd/";
 constexpr std::size_t kReadBlock = 65536;  // bytes
@@ -48,7 +48,7 @@ void RequireRegular(mode_t mode, const path& name) {
 }
 
 Descriptor OpenToRead(const path& name) {
-  // Without O_NONBLOCK a pipe in the place of the file would hold up the start for good.
+  // Without O_NONBLOCK, opening a pipe would block forever.
   Descriptor file(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   Require(file.IsOpen(), name);
   RequireRegular(StatusOf(file.Number(), name).st_mode, name);
@@ -57,15 +57,14 @@ Descriptor OpenToRead(const path& name) {
 
 class PosixFolder : public LockedFolder {
  public:
-  PosixFolder(const path& name, std::chrono::milliseconds patience)
+  PosixFolder(const path& name, std::chrono::milliseconds timeout)
       : name_(name), folder_(open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     Require(folder_.IsOpen(), name_);
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeout;
     while (IsHeldByAnother()) {
       if (std::chrono::steady_clock::now() >= end) {
         throw Failure(EWOULDBLOCK, name_.string() + ": another program has been saving in this folder for " +
-                                       std::to_string(patience.count()) + " ms. \"fuser -v " +
-                                       name_.string() +
+                                       std::to_string(timeout.count()) + " ms. \"fuser -v " + name_.string() +
                                        "\" tells which; end it if it does not go on, and try again");
       }
       std::this_thread::sleep_for(kBetweenLockTries);
@@ -73,12 +72,12 @@ class PosixFolder : public LockedFolder {
   }
 
   void Flush() override {
-    // A file system that cannot flush a folder says EINVAL and keeps its names in order by itself.
+    // EINVAL means that the file system cannot flush folders and does not need to.
     Require(fsync(folder_.Number()) == 0 || errno == EINVAL, name_);
   }
 
  private:
-  /// Takes the lock if it is free. Some network file systems lock no folders; there the lock is left out.
+  /// Takes the lock if it is free. Some network file systems cannot lock folders; other errors are ignored.
   bool IsHeldByAnother() const {
     return flock(folder_.Number(), LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR);
   }
@@ -123,10 +122,10 @@ class PosixNewFile : public NewFile {
  private:
   static constexpr unsigned kUnchanged = ~0U;
 
-  /// @return false if the process may not
+  /// @return false if that is not permitted or not supported
   bool GiveTo(unsigned owner, unsigned group) const {
     const bool given = fchown(file_.Number(), owner, group) == 0;
-    // The last three come from owners unknown to a name space, and from file systems without owners.
+    // The last three are for owners unknown to a user namespace, and for file systems without owners.
     Require(given || errno == EPERM || errno == EINVAL || errno == EOPNOTSUPP || errno == ENOSYS, name_);
     return given;
   }
@@ -194,7 +193,7 @@ std::optional<FileAttributes> PosixFileSystem::Attributes(const path& path) {
 }
 
 std::unique_ptr<LockedFolder> PosixFileSystem::Lock(const path& folder) {
-  return std::make_unique<PosixFolder>(folder, patience_);
+  return std::make_unique<PosixFolder>(folder, lockTimeout_);
 }
 
 bool PosixFileSystem::MakeFolder(const path& folder) {
@@ -205,7 +204,7 @@ bool PosixFileSystem::MakeFolder(const path& folder) {
 }
 
 std::unique_ptr<NewFile> PosixFileSystem::Create(const path& path, unsigned mode) {
-  // A nameless file gets its name through its descriptor's entry in /proc, which a jail may lack.
+  // A nameless file gets its name through /proc, which may not be mounted.
   if (unpublished_ == Unpublished::Nameless && access(kOwnDescriptors, X_OK) == 0) {
     Descriptor nameless(open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     if (nameless.IsOpen())

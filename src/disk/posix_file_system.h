@@ -6,22 +6,22 @@
 
 namespace keplo {
 
-/// How a file that is being written lies in its folder.
+/// Whether a file has a name before it is published.
 enum class Unpublished {
-  Nameless,  // without a name, so that a killed process leaves nothing; named where the system cannot do that
+  Nameless,  // so that a killed process leaves nothing behind; falls back to Named if unsupported
   Named
 };
 
-/// A save takes some ten milliseconds; who holds a folder for so much longer does not go on.
-constexpr std::chrono::milliseconds kLockPatience{2000};
+/// A save takes tens of milliseconds; a program that locks a folder for this long is stuck.
+constexpr std::chrono::milliseconds kLockTimeout{2000};
 
-/// The file operations of the running system.
+/// The real file system.
 class PosixFileSystem : public FileSystem {
  public:
-  /// @param patience how long another program may hold a folder; the host's only thread waits for it
+  /// @param lockTimeout how long to wait for another program's lock, which blocks the calling thread
   explicit PosixFileSystem(Unpublished unpublished = Unpublished::Nameless,
-                           std::chrono::milliseconds patience = kLockPatience)
-      : unpublished_(unpublished), patience_(patience) {}
+                           std::chrono::milliseconds lockTimeout = kLockTimeout)
+      : unpublished_(unpublished), lockTimeout_(lockTimeout) {}
 
   std::uintmax_t Size(const std::filesystem::path& path) override;
   std::string Read(const std::filesystem::path& path, std::size_t most) override;
@@ -37,7 +37,7 @@ class PosixFileSystem : public FileSystem {
 
  private:
   Unpublished unpublished_;
-  std::chrono::milliseconds patience_;
+  std::chrono::milliseconds lockTimeout_;
 };
 
 }  // namespace keplo

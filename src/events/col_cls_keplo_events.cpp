@@ -58,7 +58,7 @@ Failure NotThere(const std::string& eventID) {
 std::string EventKey(std::string_view eventID) { return "EM-" + std::string(eventID); }
 
 template <typename Body>
-bool colclsKeploEvents::Reporting(const char* operation, Body body) {
+bool colclsKeploEvents::RunAndReport(const char* operation, Body body) {
   try {
     return body();
   } catch (...) {
@@ -82,9 +82,9 @@ std::shared_ptr<clsKeploEvent> colclsKeploEvents::Item(std::int32_t index) const
 }
 
 bool colclsKeploEvents::TriggerEvent() {
-  return Reporting(".TriggerEvent", [&] {
+  return RunAndReport(".TriggerEvent", [&] {
     if (!inputEvent_) inputEvent_.emplace();
-    const std::int32_t events = count();  // a handler may add some
+    const std::int32_t events = count();  // handlers may add more
     for (std::int32_t i = 0; i < events; ++i) {
       inputEvent_->EventDate = ui::RecordDate(clock_.Now());
       if (TriggerInputEvent) TriggerInputEvent(*inputEvent_);
@@ -94,7 +94,7 @@ bool colclsKeploEvents::TriggerEvent() {
 }
 
 bool colclsKeploEvents::AddEventMapToListView(std::int32_t mode, const clsKeploEvent& event) {
-  return Reporting(".AddEventMapToListView", [&] {
+  return RunAndReport(".AddEventMapToListView", [&] {
     if (mode != kStoreNew) return false;
     if (list_ == nullptr) throw Failure(kObjectNotSet, "The event map has no list yet. Initialise it first.");
     WriteEventRow(*list_, list_->Add(EventKey(event.EventID)), event);
@@ -103,11 +103,11 @@ bool colclsKeploEvents::AddEventMapToListView(std::int32_t mode, const clsKeploE
 }
 
 bool colclsKeploEvents::Initialise(ui::ListView& list) {
-  return Reporting(".Initialise", [&] {
+  return RunAndReport(".Initialise", [&] {
     list_ = &list;
-    errorRecord_.reset();  // of an operation before
-    if (count() > 0 && !cutShort_) return ReadAgain();
-    while (!stored_.empty()) Forget(std::string(stored_.begin()->first));  // of a load that was cut short
+    errorRecord_.reset();
+    if (count() > 0 && !cutShort_) return Reload();
+    while (!stored_.empty()) Forget(std::string(stored_.begin()->first));  // what an earlier load left
     Recordset rows;
     if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) return false;
     cutShort_ = true;
@@ -124,32 +124,32 @@ void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
 }
 
 bool colclsKeploEvents::TakeInChanges() {
-  return Reporting(".TakeInChanges", [&] { return list_ != nullptr && ReadAgain(); });
+  return RunAndReport(".TakeInChanges", [&] { return list_ != nullptr && Reload(); });
 }
 
-bool colclsKeploEvents::ReadAgain() {
+bool colclsKeploEvents::Reload() {
   Recordset rows;
   if (data_.ExecuteSQL(kSelectAllEvents, rows) != 1) {
-    data_.DoubtWhatWasRead();
+    data_.MarkStale();
     return false;
   }
-  std::vector<std::shared_ptr<clsKeploEvent>> present;
-  for (; !rows.Eof(); rows.MoveNext()) present.push_back(EventOfRow(rows));
+  std::vector<std::shared_ptr<clsKeploEvent>> current;
+  for (; !rows.Eof(); rows.MoveNext()) current.push_back(EventOfRow(rows));
   std::unordered_set<std::string> keys;
-  for (const auto& event : present) keys.insert(EventKey(event->EventID));
+  for (const auto& event : current) keys.insert(EventKey(event->EventID));
   std::vector<std::string> gone;
   for (const auto& [key, event] : stored_) {
     if (!keys.contains(key)) gone.push_back(key);
   }
   for (const std::string& key : gone) Forget(key);
-  for (const auto& event : present) {
-    // Of an EventID that an older table has twice, the first row counts.
-    if (keys.erase(EventKey(event->EventID)) > 0) TakeIn(*event);
+  for (const auto& event : current) {
+    // An older table may have an EventID twice; the first row counts.
+    if (keys.erase(EventKey(event->EventID)) > 0) Refresh(*event);
   }
   return true;
 }
 
-void colclsKeploEvents::TakeIn(const clsKeploEvent& event) {
+void colclsKeploEvents::Refresh(const clsKeploEvent& event) {
   const std::string key = EventKey(event.EventID);
   const auto stored = stored_.find(key);
   if (stored == stored_.end()) return Load(std::make_shared<clsKeploEvent>(event));
@@ -171,7 +171,7 @@ void colclsKeploEvents::Forget(const std::string& key) {
 
 bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> event) {
   bool conflict = false;
-  const bool saved = Reporting(".Save", [&] {
+  const bool saved = RunAndReport(".Save", [&] {
     if (event == nullptr) throw Failure(kObjectNotSet, "Expected an event to save, but there is none.");
     if (data_.CheckConnection() != 1) return false;
     try {
@@ -192,7 +192,7 @@ bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> e
   if (conflict) {
     TakeInChanges();
   } else if (!saved) {
-    data_.DoubtWhatWasRead();  // a caller may show already what was not stored
+    data_.MarkStale();  // the caller may already show what was not stored
   }
   return saved;
 }
@@ -222,14 +222,14 @@ void colclsKeploEvents::WriteChanges(Recordset& rows, const clsKeploEvent& event
   try {
     rows.Update();
   } catch (const Failure& failure) {
-    // The row went between its reading and its writing, which is one transaction.
+    // The row was removed between reading and writing it.
     if (failure.Number() == kRowGone) throw Changed(event.EventID);
     throw;
   }
 }
 
 bool colclsKeploEvents::Delete(std::string_view eventID) {
-  return Reporting(".Delete", [&] {
+  return RunAndReport(".Delete", [&] {
     if (data_.CheckConnection() != 1) return false;
     Recordset rows;
     rows.Open(EventWithID(eventID), data_.Connection());

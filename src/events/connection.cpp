@@ -16,19 +16,19 @@ namespace keplo {
 
 namespace {
 
-// Far above any text of an event; a damaged length in the file must not fill the memory.
+// Far longer than any event; a damaged length in the file must not exhaust the memory.
 constexpr int kLongestRow = 1'000'000;  // bytes
 
-// A change counts once its journal is gone, so the folder is flushed after that too: no power cut brings the
-// journal back and undoes a change that the host was told of.
+// A change is made once its journal is deleted, so the folder is flushed after that as well: otherwise a
+// power cut could bring back the journal, which would undo a change that was reported to the host.
 constexpr const char* kSettings = "pragma synchronous = extra";
 
 constexpr std::chrono::milliseconds kLockRetry{5};
 
-/// The journal beside the file undoes a change that was cut short. Write-ahead mode, in which a foreign tool
-/// may have left the file, is not safe in SQLite 3.40 where two programs write.
-/// @return false while another program keeps the file in that mode
-bool UsesRollbackJournal(sqlite3* database) try {
+/// Leaves write-ahead mode, in which another tool may have left the file: in SQLite 3.40 it is not safe when
+/// two programs write. A rollback journal is.
+/// @return false while another program keeps the file in write-ahead mode
+bool SwitchToRollbackJournal(sqlite3* database) try {
   return FirstText(database, "pragma journal_mode") == "delete" ||
          FirstText(database, "pragma journal_mode = delete") == "delete";
 } catch (const Failure& failure) {
@@ -36,29 +36,23 @@ bool UsesRollbackJournal(sqlite3* database) try {
   throw;
 }
 
-void UndoOpenTransaction(sqlite3* database) { sqlite3_exec(database, "rollback", nullptr, nullptr, nullptr); }
+void Rollback(sqlite3* database) { sqlite3_exec(database, "rollback", nullptr, nullptr, nullptr); }
 
-std::int64_t DataVersionOf(sqlite3* database) {
-  SqliteStatement statement(database, "pragma data_version");
-  if (!statement.Step()) return 0;
-  const SqlValue value = statement.Value(0);
-  const auto* version = std::get_if<std::int64_t>(&value);
-  return version == nullptr ? 0 : *version;
+std::int64_t DataVersionOf(sqlite3* database) { return FirstNumber(database, "pragma data_version"); }
+
+void SetBusyTimeout(sqlite3* database, std::chrono::milliseconds timeout) {
+  sqlite3_busy_timeout(database, static_cast<int>(timeout.count()));
 }
 
-void SetPatience(sqlite3* database, std::chrono::milliseconds patience) {
-  sqlite3_busy_timeout(database, static_cast<int>(patience.count()));
-}
-
-/// Calls that meet a lock come back at once as long as one lives.
-class WithoutWaiting {
+/// During its lifetime, calls that meet a lock fail at once.
+class NoWaiting {
  public:
-  WithoutWaiting(sqlite3* database, std::chrono::milliseconds usual) : database_(database), usual_(usual) {
-    SetPatience(database_, std::chrono::milliseconds::zero());
+  NoWaiting(sqlite3* database, std::chrono::milliseconds usual) : database_(database), usual_(usual) {
+    SetBusyTimeout(database_, std::chrono::milliseconds::zero());
   }
-  ~WithoutWaiting() { SetPatience(database_, usual_); }
-  WithoutWaiting(const WithoutWaiting&) = delete;
-  WithoutWaiting& operator=(const WithoutWaiting&) = delete;
+  ~NoWaiting() { SetBusyTimeout(database_, usual_); }
+  NoWaiting(const NoWaiting&) = delete;
+  NoWaiting& operator=(const NoWaiting&) = delete;
 
  private:
   sqlite3* database_;
@@ -80,7 +74,7 @@ bool Connection::FileWasReplaced() const {
 
 std::optional<bool> Connection::ChangedElsewhere() try {
   sqlite3* database = Database();
-  const WithoutWaiting atOnce(database, busyTimeout_);
+  const NoWaiting noWaiting(database, busyTimeout_);
   const std::int64_t version = DataVersionOf(database);
   return std::exchange(dataVersion_, version) != version;
 } catch (const Failure& failure) {
@@ -90,25 +84,25 @@ std::optional<bool> Connection::ChangedElsewhere() try {
 
 void Connection::Open(const std::string& connectionString) { Open(connectionString, busyTimeout_); }
 
-void Connection::OpenAtOnce(const std::string& connectionString) {
+void Connection::OpenWithoutWaiting(const std::string& connectionString) {
   Open(connectionString, std::chrono::milliseconds::zero());
 }
 
-void Connection::Open(const std::string& connectionString, std::chrono::milliseconds patience) {
+void Connection::Open(const std::string& connectionString, std::chrono::milliseconds timeout) {
   if (State() != 0) {
     throw Failure(kObjectOpen, DatabaseText(connectionString_, "is open already", "Close it first."));
   }
-  // An absolute path means the same file wherever the program goes, and is never read as a "file:" address.
+  // An absolute path stays valid if the working directory changes, and is never taken for a "file:" URI.
   if (!connectionString.empty()) connectionString_ = std::filesystem::absolute(connectionString);
   if (connectionString_.empty()) {
     throw Failure(kObjectClosed, "Expected the path of the event database to open, but it is empty");
   }
   try {
     openFailure_.reset();
-    SqliteHandle database = OpenDatabase(patience);
+    SqliteHandle database = OpenDatabase(timeout);
     openedFile_ = FileAtPath();
     dataVersion_ = DataVersionOf(database.get());
-    SetPatience(database.get(), busyTimeout_);
+    SetBusyTimeout(database.get(), busyTimeout_);
     database_ = std::move(database);
   } catch (const Failure& failure) {
     openFailure_ = failure;
@@ -116,28 +110,28 @@ void Connection::Open(const std::string& connectionString, std::chrono::millisec
   }
 }
 
-SqliteHandle Connection::OpenDatabase(std::chrono::milliseconds patience) const {
+SqliteHandle Connection::OpenDatabase(std::chrono::milliseconds timeout) const {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(connectionString_.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
   SqliteHandle database(opened);
   if (opened == nullptr)
     throw Failure(SqliteFailureNumber(SQLITE_NOMEM), "Not enough memory to open " + connectionString_);
   if (code != SQLITE_OK) throw FailureOf(opened, connectionString_);
-  SetPatience(opened, patience);
+  SetBusyTimeout(opened, timeout);
   sqlite3_limit(opened, SQLITE_LIMIT_LENGTH, kLongestRow);
-  sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0,
-                    nullptr);  // a foreign schema runs no functions
+  // The schema of a file from elsewhere must not run functions.
+  sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   CheckIsEventDatabase(opened, connectionString_);
-  LeaveWriteAheadMode(opened, patience);
+  LeaveWriteAheadMode(opened, timeout);
   CheckIsWhole(opened, connectionString_);
   RunSql(opened, kSettings);
   return database;
 }
 
-void Connection::LeaveWriteAheadMode(sqlite3* database, std::chrono::milliseconds patience) const {
+void Connection::LeaveWriteAheadMode(sqlite3* database, std::chrono::milliseconds timeout) const {
   using Clock = std::chrono::steady_clock;
-  const Clock::time_point end = Clock::now() + patience;
-  while (!UsesRollbackJournal(database)) {  // SQLite itself does not wait here
+  const Clock::time_point end = Clock::now() + timeout;
+  while (!SwitchToRollbackJournal(database)) {  // SQLite itself does not wait for this
     if (Clock::now() >= end) {
       throw Failure(SqliteFailureNumber(SQLITE_BUSY),
                     DatabaseText(connectionString_, "is open in another program in write-ahead mode",
@@ -153,7 +147,7 @@ void Connection::Execute(const std::string& sql) {
   try {
     RunSql(database, sql.c_str());
   } catch (...) {
-    if (betweenTransactions) UndoOpenTransaction(database);
+    if (betweenTransactions) Rollback(database);
     throw;
   }
 }

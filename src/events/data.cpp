@@ -23,7 +23,7 @@ std::string PlatformDate(std::chrono::system_clock::time_point when) {
   return text.data();
 }
 
-/// A program that changes its folder later still means the same file.
+/// So that a later change of the working directory does not matter.
 std::filesystem::path Absolute(const std::filesystem::path& path) {
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(path, error);
@@ -42,7 +42,7 @@ std::int32_t Data::CheckConnection() try {
   connection_.Open();
   return 1;
 } catch (...) {
-  KeepRecord("CheckConnection", "");
+  StoreErrorDetails("CheckConnection", "");
   return 0;
 }
 
@@ -51,7 +51,7 @@ std::int32_t Data::ExecuteSQLCommand(std::string_view sql) try {
   connection_.Execute(std::string(sql));
   return 1;
 } catch (...) {
-  KeepRecord("ExecuteSQLCommand", sql);
+  StoreErrorDetails("ExecuteSQLCommand", sql);
   return 0;
 }
 
@@ -61,7 +61,7 @@ std::int32_t Data::ExecuteSQL(std::string_view sql, Recordset& rs) try {
   rs.Open(sql, connection_);
   return 1;
 } catch (...) {
-  KeepRecord("ExecuteSQL", sql);
+  StoreErrorDetails("ExecuteSQL", sql);
   return 0;
 }
 
@@ -69,7 +69,7 @@ std::int32_t Data::Initialise() try {
   connection_.Open(databasePath_.string());
   return 1;
 } catch (...) {
-  KeepRecord("Initialise", connection_.ConnectionString());
+  StoreErrorDetails("Initialise", connection_.ConnectionString());
   return 0;
 }
 
@@ -77,17 +77,17 @@ bool Data::ChangedElsewhere() try {
   metLock_ = false;
   if (connection_.FileWasReplaced()) {
     connection_.Close();
-    inDoubt_ = true;
+    stale_ = true;
   }
   if (connection_.State() == 0) {
-    // A file that is still being put in its place, or is locked, opens at a later look.
-    if (!inDoubt_) return false;
-    connection_.OpenAtOnce(databasePath_.string());
+    // A file that is still being moved into place, or is locked, is opened by a later call.
+    if (!stale_) return false;
+    connection_.OpenWithoutWaiting(databasePath_.string());
   }
-  if (inDoubt_) connection_.DoubtWhatWasRead();
+  if (stale_) connection_.MarkStale();
   const std::optional<bool> changed = connection_.ChangedElsewhere();
   metLock_ = !changed;
-  if (changed == true) inDoubt_ = false;
+  if (changed == true) stale_ = false;
   return changed == true;
 } catch (...) {
   return false;
@@ -97,11 +97,11 @@ std::int32_t Data::CloseConnection() try {
   if (connection_.State() == 1) connection_.Close();
   return 1;
 } catch (...) {
-  KeepRecord("CloseConnection", "");
+  StoreErrorDetails("CloseConnection", "");
   return 0;
 }
 
-void Data::KeepRecord(std::string_view procedure, std::string_view detail) noexcept {
+void Data::StoreErrorDetails(std::string_view procedure, std::string_view detail) noexcept {
   ReportCurrentFailure([&](const std::exception& failure) {
     HostErrorRecord record =
         ErrorRecordOf(failure, "Data", std::string(procedure), PlatformDate(clock_.Now()));

@@ -12,13 +12,13 @@
 
 namespace keplo {
 
-/// The one way to the event database: owns the connection and opens it on demand. Its operations return 1
-/// for success and 0 for a failure, which ErrorDetails tells then; nothing is thrown.
+/// The only access to the event database: owns the connection and opens it on demand. Operations do not
+/// throw; they return 1 for success and 0 for a failure, which ErrorDetails then describes.
 class Data {
  public:
   /// The connection stays closed until the first use.
   /// @param appPath the folder of the event database
-  /// @param busyTimeout how long to wait for another program that holds a lock
+  /// @param busyTimeout how long to wait for another program's lock
   Data(const std::filesystem::path& appPath, const ui::Clock& clock,
        std::chrono::milliseconds busyTimeout = keplo::Connection::kBusyTimeout);
   Data(const Data&) = delete;
@@ -27,33 +27,34 @@ class Data {
   keplo::Connection& Connection() { return connection_; }
   const HostErrorRecord& ErrorDetails() const { return errorDetails_; }
 
-  /// @return 1 when the connection is open or could be opened
+  /// @return 1 if the connection is open or could be opened
   std::int32_t CheckConnection();
-  /// @param sql statements without rows
+  /// @param sql statements that return no rows
   std::int32_t ExecuteSQLCommand(std::string_view sql);
   /// @param sql one statement
   /// @param rs out: a snapshot of the statement's rows; closed after a failure
   std::int32_t ExecuteSQL(std::string_view sql, Recordset& rs);
-  /// Opens the database of the application path.
+  /// Opens the database in the application path.
   std::int32_t Initialise();
-  /// Whether another program has written the database, or put another file in its place, since it was opened
-  /// or since this was asked last. Never waits for a lock: a database that is locked is told at a later look.
-  /// A file that was replaced is opened again, at a later look if it cannot be yet.
+  /// Whether another program has written the database, or replaced its file, since it was opened or since the
+  /// last call. Never waits for a lock: a change of a locked database is found by a later call. A file that
+  /// was replaced is reopened, if necessary by a later call.
   bool ChangedElsewhere();
-  /// Whether ChangedElsewhere met a lock, or what is in memory is in doubt: nobody tells when that is over.
-  bool WantsAnotherLook() const { return metLock_ || inDoubt_; }
-  /// Lets the next ChangedElsewhere that can read the database say yes: what is in memory is no longer what
-  /// the database has.
-  void DoubtWhatWasRead() { inDoubt_ = true; }
-  /// @return 1, for a connection that is closed already as well
+  /// Whether ChangedElsewhere has to be called again although no file changes, because it met a lock or the
+  /// data in memory is stale.
+  bool NeedsAnotherCheck() const { return metLock_ || stale_; }
+  /// Makes the next ChangedElsewhere that can read the database return true, because the data in memory no
+  /// longer matches it.
+  void MarkStale() { stale_ = true; }
+  /// @return 1, even if the connection was already closed
   std::int32_t CloseConnection();
 
  private:
-  /// Keeps the record of the exception that is being handled.
-  void KeepRecord(std::string_view procedure, std::string_view detail) noexcept;
+  /// Stores the exception being handled as ErrorDetails.
+  void StoreErrorDetails(std::string_view procedure, std::string_view detail) noexcept;
 
   bool metLock_ = false;
-  bool inDoubt_ = false;  // whether what was read is what the database has
+  bool stale_ = false;  // whether the data read may differ from the database
   std::filesystem::path databasePath_;
   const ui::Clock& clock_;
   keplo::Connection connection_;

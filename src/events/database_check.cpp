@@ -17,11 +17,11 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// How a file of the desktop database begins that earlier releases kept the event map in.
+// The headers of the desktop database in which earlier releases stored the event map.
 constexpr std::array kOldFormatHeaders = {"\0\1\0\0Standard Jet DB"sv, "\0\1\0\0Standard ACE DB"sv};
 
 std::string OldFormatAdvice(std::string_view path) {
-  return "Move it away, bring an empty one with " + BringMapCommand(path) + " and add the events again.";
+  return "Move it away, bring an empty one with " + InstallCommand(path) + " and add the events again.";
 }
 
 bool IsOldFormat(const std::string& path) {
@@ -58,8 +58,8 @@ void CheckHasNoView(sqlite3* database, const std::string& path) {
                              ReplaceAdvice(path)));
 }
 
-/// SQLite reads the end of a page that the file lacks as zeros, and the events that stood there with it.
-void CheckHasItsSize(sqlite3* database, const std::string& path) {
+/// SQLite would read the missing part of a truncated file as zeros, and so lose its events.
+void CheckSize(sqlite3* database, const std::string& path) {
   const std::int64_t expected = FirstNumber(
       database, "select page_count * page_size from pragma_page_count, pragma_page_size");  // bytes
   sqlite3_file* file = nullptr;
@@ -74,7 +74,7 @@ void CheckHasItsSize(sqlite3* database, const std::string& path) {
                              ReplaceAdvice(path)));
 }
 
-void CheckIsSound(sqlite3* database, const std::string& path) {
+void CheckIntegrity(sqlite3* database, const std::string& path) {
   const std::string found = FirstText(database, "pragma quick_check(1)");
   if (found == "ok") return;
   throw Failure(SqliteFailureNumber(SQLITE_CORRUPT),
@@ -87,7 +87,7 @@ void CheckIsEventDatabase(sqlite3* database, const std::string& path) {
   try {
     CheckKind(database, path);
   } catch (const Failure& failure) {
-    // The file is read beside SQLite only once SQLite has refused it: closing a second descriptor would drop
+    // The file is only read directly once SQLite has refused it: closing a second descriptor would release
     // the locks that this process holds on a good one.
     if (failure.Number() == SqliteFailureNumber(SQLITE_NOTADB) && IsOldFormat(path)) {
       throw Failure(
@@ -102,8 +102,8 @@ void CheckIsEventDatabase(sqlite3* database, const std::string& path) {
 }
 
 void CheckIsWhole(sqlite3* database, const std::string& path) {
-  CheckHasItsSize(database, path);
-  CheckIsSound(database, path);
+  CheckSize(database, path);
+  CheckIntegrity(database, path);
 }
 
 }  // namespace keplo

@@ -8,24 +8,24 @@
 
 namespace keplo {
 
-/// The record that tells the host of a failure; ErrorDetail is left empty.
+/// The record that reports a failure to the host; ErrorDetail is left empty.
 /// @param source the failing class
 /// @param procedure the failing operation
-/// @param date when it failed, in the caller's own form
+/// @param date when it failed, in the caller's format
 HostErrorRecord ErrorRecordOf(const std::exception& failure, std::string source, std::string procedure,
                               std::string date);
 
-/// Hands the exception that is being handled to `tell`; one of a foreign kind comes as a std::exception that
-/// says so. A failure of `tell` itself is dropped, for nobody is left to hear of it.
-template <typename Tell>
-void ReportCurrentFailure(Tell tell) noexcept {
+/// Calls `report` with the exception being handled, or a stand-in if it is not a std::exception. Exceptions
+/// from `report` are dropped, since nobody is left to report them to.
+template <typename Report>
+void ReportCurrentFailure(Report report) noexcept {
   try {
     try {
       throw;
     } catch (const std::exception& failure) {
-      tell(failure);
+      report(failure);
     } catch (...) {
-      tell(std::runtime_error("A failure of an unknown kind"));
+      report(std::runtime_error("A failure of an unknown kind"));
     }
   } catch (...) {
     return;

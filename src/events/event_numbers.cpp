@@ -1,29 +1,15 @@
 #include "events/event_numbers.h"
 
-#include <charconv>
-
+#include "event_id.h"
 #include "events/sqlite_handle.h"
 #include "events/sqlite_statement.h"
 
 namespace keplo {
 
-namespace {
-
-/// The number that an EventID is; 0 for any other text.
-std::int64_t NumberIn(const std::string& eventID) {
-  std::int64_t number = 0;
-  const char* const end = eventID.data() + eventID.size();
-  const auto [stop, error] = std::from_chars(eventID.data(), end, number);
-  const bool counts = error == std::errc() && stop == end && number < kEndOfEventNumbers;
-  return counts ? number : 0;
-}
-
-}  // namespace
-
 void NoteUsedUp(sqlite3* database, const std::string& eventID) {
-  const std::int64_t number = NumberIn(eventID);
+  const std::int64_t number = NumberOfEventID(eventID).value_or(0);
   if (number <= HighestUsedUp(database)) return;
-  // A table of its own: other programs know the event table as it is.
+  // A separate table, because other programs rely on the event table as it is.
   RunSql(database, "create table if not exists keploUsedUpIDs (Highest integer not null)");
   RunSql(database, "delete from keploUsedUpIDs");
   SqliteStatement insert(database, "insert into keploUsedUpIDs values (?1)");

@@ -7,13 +7,9 @@ struct sqlite3;
 
 namespace keplo {
 
-/// Numbers from here on are nobody's count: somebody made them up, and to go on from there could run out of
-/// numbers.
-inline constexpr std::int64_t kEndOfEventNumbers = 1'000'000'000'000'000;
-
-/// Notes, inside the transaction that deletes an event, that its EventID is used up. A host may still have
-/// something under an EventID whose event is gone, so none comes twice.
-/// @param eventID anything but a number is left out
+/// Records, inside the transaction that deletes an event, that its EventID is used up. EventIDs are never
+/// reused, since a host may still have something under that of a deleted event.
+/// @param eventID ignored if it is not a number
 /// @throws Failure
 void NoteUsedUp(sqlite3* database, const std::string& eventID);
 

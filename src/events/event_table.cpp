@@ -19,7 +19,8 @@ namespace keplo {
 
 namespace {
 
-// The key keeps two programs from adding one ID. Files of earlier releases lack it and stay in use.
+// The unique key keeps two programs from adding the same ID. Files of earlier releases lack it and stay in
+// use.
 constexpr const char* kCreateTable =
     "create table colclsKeploEvents ("
     " EventID text not null unique,"
@@ -50,10 +51,10 @@ std::string EmptyDatabase() {
 
 bool IsThere(const std::string& name) {
   struct stat status {};
-  return lstat(name.c_str(), &status) == 0;  // a link that leads nowhere counts too
+  return lstat(name.c_str(), &status) == 0;  // true for a dangling link as well
 }
 
-/// The files beside a database in which SQLite keeps changes that are not in it yet.
+/// The files beside a database in which SQLite keeps pending changes, separated by commas.
 std::string JournalsOf(const std::filesystem::path& path) {
   std::string found;
   for (const char* ending : {"-journal", "-wal", "-shm"}) {
@@ -68,9 +69,10 @@ std::string JournalsOf(const std::filesystem::path& path) {
                                      "Move it away first to start with an empty one."));
 }
 
-/// SQLite would play a journal whose database is gone into the new file; that database may need it.
-void RequireNothingInPlace(const std::filesystem::path& path) {
-  const std::string journals = JournalsOf(path);  // before the file, which another program may make now
+/// Refuses a path where there is a file or a journal: SQLite would apply an orphaned journal to the new file,
+/// and the database that it belongs to may need it.
+void RequireUnusedPath(const std::filesystem::path& path) {
+  const std::string journals = JournalsOf(path);  // first: another program may be creating the file just now
   if (IsThere(path.string())) RefuseToReplace(path);
   if (journals.empty()) return;
   throw Failure(EEXIST, DatabaseText(path.string(), "cannot be made beside " + journals,
@@ -81,7 +83,7 @@ void RequireNothingInPlace(const std::filesystem::path& path) {
 }  // namespace
 
 void CreateEventTable(const std::filesystem::path& path, FileSystem& files) {
-  RequireNothingInPlace(path);
+  RequireUnusedPath(path);
   const std::string empty = EmptyDatabase();
   try {
     if (!CreateFile(files, path, empty)) RefuseToReplace(path);

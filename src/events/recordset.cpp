@@ -26,7 +26,7 @@ constexpr std::string_view kUpdate =
     " EventDescription is ?10 and IRCommand is ?11 and Enabled is ?12 and Zone is ?13";
 constexpr std::string_view kDelete = "delete from colclsKeploEvents where rowid = ?1 and EventID is ?2";
 
-// The database gives the rowid of a deleted row to a later one, so a row is known by its EventID besides.
+// SQLite reuses the rowids of deleted rows, so statements identify a row by its EventID as well.
 void RunOnOneRow(sqlite3* database, SqliteStatement& statement) {
   statement.Step();
   if (sqlite3_changes(database) == 1) return;
@@ -60,7 +60,8 @@ void Recordset::Open(const EventQuery& query, const Connection& connection) {
 
 void Recordset::Start(SqliteStatement statement, const Connection* live) {
   const int columns = statement.ColumnCount();
-  for (int column = live != nullptr ? 1 : 0; column < columns; ++column)  // a live row's rowid comes first
+  for (int column = live != nullptr ? 1 : 0; column < columns;
+       ++column)  // the rowid of a live row comes first
     columns_.push_back(statement.ColumnName(column));
   unread_ = std::move(statement);
   connection_ = live;
@@ -69,7 +70,7 @@ void Recordset::Start(SqliteStatement statement, const Connection* live) {
 
 void Recordset::ReadRows() const {
   if (!unread_) return;
-  rows_.clear();  // of a reading that failed half-way
+  rows_.clear();  // in case an earlier call failed halfway
   while (unread_->Step()) rows_.push_back(ReadRow());
   unread_.reset();
 }
@@ -149,7 +150,7 @@ void Recordset::SetFieldValue(std::string_view column, SqlValue value) {
 
 void Recordset::AddNew() {
   LiveDatabase();
-  unread_.reset();  // the rows before the new one are passed
+  unread_.reset();  // the set is now past its rows
   position_ = rows_.size();
   rows_.push_back({std::nullopt, std::vector<SqlValue>(columns_.size())});
   edited_.reset();
@@ -160,7 +161,7 @@ void Recordset::Update() {
   const std::optional<std::int64_t> rowID = CurrentRow().RowID;
   Transaction transaction(database);
   SqliteStatement statement(database, rowID ? kUpdate : kInsert);
-  BindPresentRow(statement);
+  BindCurrentRow(statement);
   if (rowID) {
     int parameter = static_cast<int>(kEventColumns.size()) + 1;
     statement.Bind(parameter++, *rowID);
@@ -177,7 +178,7 @@ void Recordset::Update() {
   if (doubt) throw NotConfirmed(*doubt);
 }
 
-void Recordset::BindPresentRow(SqliteStatement& statement) const {
+void Recordset::BindCurrentRow(SqliteStatement& statement) const {
   int parameter = 1;
   for (const char* column : kEventColumns) statement.Bind(parameter++, FieldValue(column));
 }

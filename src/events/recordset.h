@@ -13,32 +13,33 @@
 
 namespace keplo {
 
-/// Rows of the event database, walked forward once. A snapshot is private and needs no connection any more;
-/// a live set changes the table, a row at a time and each change whole or not at all. It reads its rows when
-/// one is first asked for, so that adding to a large table reads nothing.
+/// Rows of the event database, read forward once. A snapshot is a copy and no longer needs the connection; a
+/// live set changes the table one row at a time, each change completely or not at all. It reads its rows on
+/// first use, so that adding to a large table reads nothing.
 class Recordset {
  public:
-  /// Takes a snapshot of the rows of a statement and stands on the first one.
-  /// @throws Failure for a closed connection or a statement that the database refuses
+  /// Takes a snapshot of the rows of a statement; the first one is current.
+  /// @throws Failure if the connection is closed or the database refuses the statement
   void Open(std::string_view sql, const Connection& connection);
 
-  /// Opens a live set and stands on its first row. The connection must outlive the set's use.
-  /// @throws Failure for a closed connection or a missing table; one that cannot be read is told by the first
-  ///         operation on a row
+  /// Opens a live set, whose first row is current. The connection must outlive it.
+  /// @throws Failure if the connection is closed or the table missing; a table that cannot be read makes the
+  /// first
+  ///         operation on a row throw
   void Open(const EventQuery& query, const Connection& connection);
 
-  /// @return true after the last row and for an empty set
+  /// @return whether there is no current row: after the last one, and in an empty set
   bool Eof() const;
-  /// Goes to the next row; changes of the current one that Update has not written are dropped.
+  /// Moves to the next row. Changes of the current one that Update has not written are dropped.
   void MoveNext();
   /// Forgets the rows. Does nothing on a closed set.
   void Close() { *this = Recordset(); }
 
-  /// A column of the current row. Column names are compared as the database does, without regard to case.
+  /// A column of the current row. Column names ignore case, as in SQL.
   /// @throws Failure after the last row, or if the set has no such column
   const SqlValue& FieldValue(std::string_view column) const;
-  /// The same as a text, a boolean or a number.
-  /// @throws Failure besides for a null, another type, or a number beyond 16 bits
+  /// FieldValue as a text, a boolean or a number.
+  /// @throws Failure also for null, another type, or a number that does not fit 16 bits
   std::string FieldText(std::string_view column) const;
   bool FieldBoolean(std::string_view column) const;
   std::int16_t FieldInteger(std::string_view column) const;
@@ -46,15 +47,17 @@ class Recordset {
   /// Sets a column of the current row, to be written by Update.
   /// @throws Failure on a snapshot, after the last row, or if the set has no such column
   void SetFieldValue(std::string_view column, SqlValue value);
-  /// Starts a new row at the end of the set, all null, and stands on it.
+  /// Appends a new row of nulls to the set, which becomes current; Update writes it.
   void AddNew();
   /// Writes the current row to the table.
-  /// @throws Failure if another program changed or deleted the row since it was read, or if the table cannot
-  ///         be written or already holds the EventID; NotConfirmed once it is written
+  /// @throws Failure if another program changed or deleted the row since it was read, the table cannot be
+  /// written,
+  ///         or it already has the EventID
+  /// @throws NotConfirmed if it was written, but only the final flush failed
   void Update();
-  /// Deletes the current row from the table; the set stands on the next one.
-  /// @throws Failure if another program deleted the row since it was read, or if the table cannot be written;
-  ///         NotConfirmed once it is deleted
+  /// Deletes the current row from the table; the next one becomes current.
+  /// @throws Failure if another program deleted the row since it was read, or the table cannot be written
+  /// @throws NotConfirmed if it was deleted, but only the final flush failed
   void Delete();
 
  private:
@@ -72,15 +75,15 @@ class Recordset {
   std::size_t ColumnIndex(std::string_view column) const;
   std::int64_t FieldNumber(std::string_view column, const char* expected) const;
   Failure FieldFailure(int number, std::string_view column, const char* found, const char* expected) const;
-  void BindPresentRow(SqliteStatement& statement) const;
+  void BindCurrentRow(SqliteStatement& statement) const;
 
   bool open_ = false;
   const Connection* connection_ = nullptr;  // of a live set
   std::vector<std::string> columns_;
-  mutable std::optional<SqliteStatement> unread_;  // gives the rows that nobody has asked for yet
+  mutable std::optional<SqliteStatement> unread_;  // until the rows are read
   mutable std::vector<Row> rows_;
   std::size_t position_ = 0;
-  std::optional<std::vector<SqlValue>> edited_;  // the current row's values for Update to write
+  std::optional<std::vector<SqlValue>> edited_;  // the values of the current row for Update to write
 };
 
 }  // namespace keplo

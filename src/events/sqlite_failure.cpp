@@ -19,10 +19,10 @@ namespace {
 struct Explanation {
   int Code;
   std::string_view Reason;
-  std::string_view Advice;  // empty where the file has to be replaced
+  std::string_view Advice;  // empty if the file has to be replaced
 };
 
-// Extended codes stand before the primary code that they belong to.
+// Extended codes come before their primary code.
 constexpr Explanation kExplanations[] = {
     {SQLITE_CONSTRAINT_UNIQUE, "already holds an event with this EventID",
      "Every event needs an EventID of its own. Start the program again if another one added it."},
@@ -46,7 +46,7 @@ constexpr Explanation kRefused = {SQLITE_ERROR, "refused the statement",
                                   "Check the statement and that the table is the one of an event map."};
 
 const Explanation& Explain(int code) {
-  const int primary = code & 0xFF;  // the rest of an extended code tells the kind
+  const int primary = code & 0xFF;
   const auto* found =
       std::find_if(std::begin(kExplanations), std::end(kExplanations),
                    [&](const auto& entry) { return entry.Code == code || entry.Code == primary; });
@@ -58,14 +58,14 @@ bool IsFileFailure(int code) {
   return primary == SQLITE_CANTOPEN || primary == SQLITE_IOERR;
 }
 
-/// SQLite opens a journal that it cannot make a second time, to read it, and keeps the errno of that.
+/// If SQLite cannot create a journal, it tries to open it for reading and reports the errno of that attempt.
 bool CouldNotMakeJournal(int code, int systemError, std::string_view path) {
   std::error_code unknown;
   return IsFileFailure(code) && systemError == ENOENT && std::filesystem::exists(path, unknown);
 }
 
 Failure JournalFailure(int code, std::string_view path) {
-  const int error = WhyNoNewFile(FolderOf(path));
+  const int error = NewFileError(FolderOf(path));
   const std::string reason = error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
   return {SqliteFailureNumber(code),
           DatabaseText(path, "cannot be changed, because no journal can be made beside it" + reason,
@@ -74,12 +74,10 @@ Failure JournalFailure(int code, std::string_view path) {
 
 }  // namespace
 
-std::string BringMapCommand(std::string_view path) {
-  return TypedCommand("install", FolderOf(path).string());
-}
+std::string InstallCommand(std::string_view path) { return TypedCommand("install", FolderOf(path).string()); }
 
 std::string ReplaceAdvice(std::string_view path) {
-  return "Put a backup in its place, or move it away and bring an empty one with: " + BringMapCommand(path);
+  return "Put a backup in its place, or move it away and bring an empty one with: " + InstallCommand(path);
 }
 
 std::string_view OpenFileName(sqlite3* database) {
@@ -101,7 +99,7 @@ Failure FailureOf(sqlite3* database, std::string_view path) {
   if (IsFileFailure(code) && systemError == ENOENT) {
     return {SqliteFailureNumber(code),
             DatabaseText(path, "does not exist",
-                         "Put a backup there, or bring an empty one with: " + BringMapCommand(path))};
+                         "Put a backup there, or bring an empty one with: " + InstallCommand(path))};
   }
 
   std::string detail = sqlite3_errmsg(database);

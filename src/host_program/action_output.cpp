@@ -7,7 +7,8 @@ namespace keplo::host {
 
 namespace {
 
-std::string UntilThen(const Failure& failure) {
+/// The text of a failure to read the book, and what it means.
+std::string WithConsequence(const Failure& failure) {
   std::string text = failure.what();
   if (!text.ends_with('.')) text += '.';
   return text + " Until then each event does what it did.";
@@ -19,7 +20,7 @@ void ActionOutput::Prepare() {
   if (book_.PressesKeys()) actions_.PrepareKeys();
 }
 
-void ActionOutput::ReadAgain() {
+void ActionOutput::Reload() {
   try {
     book_.Read();
     Prepare();
@@ -27,7 +28,7 @@ void ActionOutput::ReadAgain() {
                "What each event does was read again; changes of keplo.cfg and of the event map are taken in "
                "as they come.");
   } catch (const Failure& failure) {
-    log_.Write(LogLevel::Warning, UntilThen(failure));
+    log_.Write(LogLevel::Warning, WithConsequence(failure));
   }
 }
 
@@ -35,28 +36,28 @@ void ActionOutput::ReadBookIfChanged() {
   try {
     book_.ReadIfChanged();
   } catch (const Failure& failure) {
-    log_.Write(LogLevel::Warning, UntilThen(failure));
+    log_.Write(LogLevel::Warning, WithConsequence(failure));
   }
 }
 
 void ActionOutput::EventRaised(const RaisedEvent& event) {
   ReadBookIfChanged();
-  const bool isOfAKey = presses_.count(last_) > 0;
+  const bool isFromKey = presses_.count(last_) > 0;
   actions_.Do(presses_[last_].DueAt(event, book_.ActionsOf(event.EventID)), event, last_);
-  if (isOfAKey) return;
-  // A plug-in that tells no keys makes each event a press of its own, which nobody lets go.
+  if (isFromKey) return;
+  // Without IKeySource each event is a press by itself, which is never released.
   presses_.erase(last_);
   actions_.ReleaseKeys(last_);
 }
 
 void ActionOutput::KeyChanged(PressStage stage, const HeardKey& key) {
-  if (stage == PressStage::Released) return LetGo(key.Place);
+  if (stage == PressStage::Released) return ReleaseKey(key.Place);
   last_ = key.Place;
   if (stage == PressStage::Pressed) presses_[key.Place].Begin();
-  if (stage == PressStage::Held) presses_[key.Place].GoOn(key.HeldMs);
+  if (stage == PressStage::Held) presses_[key.Place].Hold(key.HeldMs);
 }
 
-void ActionOutput::LetGo(int place) {
+void ActionOutput::ReleaseKey(int place) {
   actions_.ReleaseKeys(place);
   for (RaisedEvent& event : presses_[place].End()) {
     event.Time = LocalTime();

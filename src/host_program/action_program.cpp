@@ -13,11 +13,11 @@ namespace keplo::host {
 
 namespace {
 
-/// How often the host looks whether a group without its first process is still there, and once it has been
-/// told to end. The number of a group that has gone is given out again, but not that soon.
-constexpr std::chrono::milliseconds kBetweenLooks{2000}, kBetweenLooksAtEnd{100};
+/// How often to check whether a group whose first process has ended still exists, before and after it was
+/// signalled. The system reuses group numbers, but not this soon.
+constexpr std::chrono::milliseconds kPollTime{2000}, kPollTimeAtEnd{100};
 
-/// The host holds and catches signals; its children are to have them as usual.
+/// Restores the default signal mask, which the host has changed.
 void BeginGroup() {
   setpgid(0, 0);
   sigset_t none;
@@ -47,16 +47,16 @@ ActionProgram::ActionProgram(const ProgramCall& call, const RaisedEvent& event, 
     BeginGroup();
   });
   SetEnvironment(event);
-  look_.setInterval(kBetweenLooks);
-  connect(&look_, &QTimer::timeout, this, &ActionProgram::LookAtGroup);
+  poll_.setInterval(kPollTime);
+  connect(&poll_, &QTimer::timeout, this, &ActionProgram::CheckGroup);
   connect(&process_, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-    if (error == QProcess::FailedToStart) TellFailedStart();
+    if (error == QProcess::FailedToStart) HandleFailedStart();
   });
-  connect(&process_, &QProcess::finished, this, &ActionProgram::TellEnd);
+  connect(&process_, &QProcess::finished, this, &ActionProgram::HandleEnd);
 }
 
 void ActionProgram::Start() {
-  LoggedOutput& output = *output_;  // which somebody else has already if the start fails at once
+  LoggedOutput& output = *output_;  // OnEnd may take output_ if the start fails at once
   process_.start();
   output.Pipe().CloseWriteEnd();
   group_ = static_cast<pid_t>(process_.processId());
@@ -83,31 +83,31 @@ void ActionProgram::SetEnvironment(const RaisedEvent& event) {
 }
 
 void ActionProgram::Signal(int number) {
-  look_.setInterval(kBetweenLooksAtEnd);
+  poll_.setInterval(kPollTimeAtEnd);
   if (group_ == 0 || kill(-group_, number) == 0 || process_.state() == QProcess::NotRunning) return;
-  kill(group_, number);  // the program has not made its group yet
+  kill(group_, number);  // the program has not created its group yet
 }
 
-void ActionProgram::TellFailedStart() {
+void ActionProgram::HandleFailedStart() {
   log_(LogLevel::Warning, Name() + " cannot be started: " + process_.errorString().toStdString());
-  output_->Pipe().CloseWriteEnd();  // or it would wait for its own end
+  output_->Pipe().CloseWriteEnd();  // otherwise the pipe would never end
   output_->Pipe().Drain();
   Finish();
 }
 
-void ActionProgram::TellEnd(int status, QProcess::ExitStatus how) {
-  const bool whole = !IsAlive(group_);
+void ActionProgram::HandleEnd(int status, QProcess::ExitStatus how) {
+  const bool allEnded = !IsAlive(group_);
   output_->Pipe().Drain();
   if (how != QProcess::NormalExit) {
     log_(LogLevel::Notice, Name() + " was killed");
   } else if (status != 0) {
     log_(LogLevel::Notice, Name() + " ended with status " + std::to_string(status));
   }
-  if (whole) return Finish();
-  look_.start();
+  if (allEnded) return Finish();
+  poll_.start();
 }
 
-void ActionProgram::LookAtGroup() {
+void ActionProgram::CheckGroup() {
   if (IsAlive(group_)) return;
   output_->Pipe().Drain();
   Finish();
@@ -115,7 +115,7 @@ void ActionProgram::LookAtGroup() {
 
 void ActionProgram::Finish() {
   group_ = 0;
-  look_.stop();
+  poll_.stop();
   if (OnEnd) OnEnd();
 }
 

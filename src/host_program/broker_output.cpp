@@ -12,24 +12,24 @@ namespace keplo::host {
 
 BrokerOutput::BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log)
     : appPath_(std::move(appPath)), host_(host), log_(log), watch_(appPath_) {
-  ReadAgain();
-  look_.callOnTimeout([this] { Look(); });
-  look_.start(broker::SettingsWatch::kLook);
+  Reload();
+  poll_.callOnTimeout([this] { Check(); });
+  poll_.start(broker::SettingsWatch::kPollTime);
 }
 
 BrokerOutput::~BrokerOutput() { Disconnect(); }
 
-void BrokerOutput::Look() {
-  if (watch_.TakeChange()) ReadAgain();
+void BrokerOutput::Check() {
+  if (watch_.TakeChange()) Reload();
   if (!bridge_) return;
-  // A plug-in that does not tell of changes is asked for all its events.
+  // If the plug-in does not have a revision, the events are always published.
   const auto revision = host_.EventsRevision();
-  if (revision && revision == told_) return;
-  told_ = revision;
-  TellEvents();
+  if (revision && revision == published_) return;
+  published_ = revision;
+  PublishEvents();
 }
 
-void BrokerOutput::ReadAgain() {
+void BrokerOutput::Reload() {
   static_cast<void>(watch_.TakeChange());
   try {
     auto settings = broker::ReadBrokerSettings(appPath_);
@@ -47,7 +47,7 @@ void BrokerOutput::ReadAgain() {
 }
 
 void BrokerOutput::Forget(const broker::BrokerSettings& now) {
-  const bool moves = broker::MovesTheDevice(*settings_, now);
+  const bool moves = broker::MovesDevice(*settings_, now);
   if (bridge_->IsUp()) return bridge_->ForgetAtEnd({moves, settings_->Prefix != now.Prefix});
   if (!moves) return;
   log_.Write(LogLevel::Warning, "The device stays in Home Assistant under the topics of " +
@@ -59,10 +59,10 @@ void BrokerOutput::Forget(const broker::BrokerSettings& now) {
 void BrokerOutput::Connect(const broker::BrokerSettings& settings) {
   bridge_ = std::make_unique<broker::Bridge>(settings, broker::IdentityOf(appPath_), Uses());
   stages_ =
-      std::make_unique<broker::KeyStages>([this](const broker::KeyEvent& event) { bridge_->Tell(event); });
+      std::make_unique<broker::KeyStages>([this](const broker::KeyEvent& event) { bridge_->Publish(event); });
   host_.AddOutput(*this);
-  told_ = host_.EventsRevision();
-  TellEvents();
+  published_ = host_.EventsRevision();
+  PublishEvents();
 }
 
 void BrokerOutput::Disconnect() {
@@ -92,7 +92,7 @@ void BrokerOutput::EventRaised(const RaisedEvent& event) {
 }
 
 void BrokerOutput::SignalHeard(const HeardSignal& signal) {
-  bridge_->Tell(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
+  bridge_->Publish(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
                                     signal.Command, signal.Zone, LocalTime()});
 }
 
@@ -102,7 +102,7 @@ void BrokerOutput::KeyChanged(PressStage stage, const HeardKey& key) {
   stages_->Released(key.Place, key.Count);
 }
 
-void BrokerOutput::TellEvents() {
+void BrokerOutput::PublishEvents() {
   std::vector<broker::AnnouncedEvent> events;
   for (const RaisedEvent& event : host_.ActivatedEvents()) {
     events.push_back({event.EventID, event.EventName, event.Command});

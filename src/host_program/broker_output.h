@@ -15,24 +15,24 @@
 
 namespace keplo::host {
 
-/// Tells the events of a plug-in to the broker that broker.json names, and has the plug-in send what the
-/// broker asks for. The file may come, change and go while the host runs. Everything but the connection
+/// Publishes the events of a plug-in to the broker of broker.json, and has the plug-in send what the broker
+/// requests. The file may be created, changed and removed while the host runs. Everything but the connection
 /// itself runs on the thread of the event loop.
 class BrokerOutput final : private EventOutput {
  public:
-  /// A broker that cannot be used is logged, and the host goes on without it.
+  /// If the broker cannot be used, that is logged, and the host continues without it.
   BrokerOutput(std::filesystem::path appPath, PluginHost& host, const HostLog& log);
   ~BrokerOutput() override;
   BrokerOutput(const BrokerOutput&) = delete;
   BrokerOutput& operator=(const BrokerOutput&) = delete;
 
-  /// Reads the settings again, and connects again if they are others. Settings that cannot be used leave the
-  /// broker as it is.
-  void ReadAgain();
+  /// Reads the settings again, and reconnects if they have changed. If they are invalid, the old ones stay in
+  /// use.
+  void Reload();
 
  private:
-  void Look();
-  /// Has the broker forget what stands under topics that are no more, or says how to.
+  void Check();
+  /// Removes what was published under topics that are no longer used, or logs how to do so.
   void Forget(const broker::BrokerSettings& now);
   void Connect(const broker::BrokerSettings& settings);
   void Disconnect();
@@ -40,19 +40,19 @@ class BrokerOutput final : private EventOutput {
   void EventRaised(const RaisedEvent& event) override;
   void KeyChanged(PressStage stage, const HeardKey& key) override;
   void SignalHeard(const HeardSignal& signal) override;
-  void TellEvents();
+  void PublishEvents();
   void Send(const broker::SendRequest& request);
 
   const std::filesystem::path appPath_;
   PluginHost& host_;
   const HostLog& log_;
-  QObject context_;  // of what the connection posts; what comes after its end is dropped
+  QObject context_;  // receives calls posted by the connection; after its end they are dropped
   broker::SettingsWatch watch_;
   std::optional<broker::BrokerSettings> settings_;
-  std::optional<std::uint64_t> told_;       // revision of the events that the broker has been told
-  std::unique_ptr<broker::Bridge> bridge_;  // none without a broker
+  std::optional<std::uint64_t> published_;  // revision of the published events
+  std::unique_ptr<broker::Bridge> bridge_;  // null without a broker
   std::unique_ptr<broker::KeyStages> stages_;
-  QTimer look_;
+  QTimer poll_;
 };
 
 }  // namespace keplo::host

@@ -51,7 +51,7 @@ void EventActions::Do(const nlohmann::json& actions, const RaisedEvent& event, i
   }
 }
 
-std::string EventActions::InTheWay() {
+std::string EventActions::WhyNoMorePrograms() {
   if (programs_.size() >= kMostPrograms) return std::to_string(kMostPrograms) + " programs still run.";
   std::erase_if(leftOpen_, [](const auto& output) { return output->HasEnded(); });
   if (leftOpen_.size() < kMostLeftOpen) return {};
@@ -61,9 +61,9 @@ std::string EventActions::InTheWay() {
 }
 
 void EventActions::Start(const ProgramCall& call, const RaisedEvent& event) {
-  if (const std::string inTheWay = InTheWay(); !inTheWay.empty()) {
+  if (const std::string reason = WhyNoMorePrograms(); !reason.empty()) {
     log_.Write(LogLevel::Warning,
-               "Event " + event.EventID + ": " + call.Program + " was not started, since " + inTheWay);
+               "Event " + event.EventID + ": " + call.Program + " was not started, since " + reason);
     return;
   }
   programs_.push_back(std::make_unique<ActionProgram>(call, event, log_));
@@ -77,7 +77,7 @@ void EventActions::Drop(ActionProgram* program) {
                                   [&](const auto& running) { return running.get() == program; });
   if (place == programs_.end()) return;
   leftOpen_.push_back(program->TakeOutput());
-  place->release()->deleteLater();  // it is the one that calls
+  place->release()->deleteLater();  // it is the caller
   programs_.erase(place);
   if (programs_.empty() && AllEnded) AllEnded();
 }

@@ -13,39 +13,40 @@
 
 namespace keplo::host {
 
-/// Does what an event asks for. There are three kinds of action:
+/// Runs the actions of events. There are three kinds of action:
 ///
 ///     {"kind": "run", "program": "lamp", "arguments": ["on"]}    starts a program, without a shell
-///     {"kind": "shell", "command": "lamp on >> log"}             hands a line to /bin/sh
+///     {"kind": "shell", "command": "lamp on >> log"}             passes a line to /bin/sh
 ///     {"kind": "key", "key": "KEY_VOLUMEUP"}                     presses a key until it is released
 ///
-/// Programs find the event in their environment: KEPLO_EVENT_ID, KEPLO_EVENT_NAME, KEPLO_EVENT_DESCRIPTION,
-/// KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty, their output goes to the host's
-/// standard error, line by line. None is waited for, and what they leave running on its own is logged too.
+/// Programs get the event in environment variables: KEPLO_EVENT_ID, KEPLO_EVENT_NAME,
+/// KEPLO_EVENT_DESCRIPTION, KEPLO_COMMAND, KEPLO_ZONE and KEPLO_TIME. Their standard input is empty; their
+/// output goes to the host's log line by line, as does that of processes that they leave behind. The host
+/// does not wait for them.
 class EventActions {
  public:
-  /// Programs that may run at the same time; a key that is held must not fill the machine with hung ones.
+  /// The number of programs that may run at the same time, so that a held key does not overload the machine.
   static constexpr std::size_t kMostPrograms = 32;
-  /// Programs that may have ended but left others behind that hold their output, as daemons do.
+  /// The number of programs that may have left behind others that hold their output, as daemons do.
   static constexpr std::size_t kMostLeftOpen = 256;
 
   explicit EventActions(const HostLog& log);
-  /// Ends the programs that still run.
+  /// Kills programs that are still running.
   ~EventActions();
 
-  /// Does the actions of an event in order; one that cannot be done is logged and the next follows.
+  /// Runs the actions of an event in order. Failures are logged, and the next action follows.
   /// @param place of the key that raised the event, for ReleaseKeys
   void Do(const nlohmann::json& actions, const RaisedEvent& event, int place);
 
-  /// Gets ready for an event that presses a key.
+  /// Creates the keyboard in advance.
   void PrepareKeys() { keyboard_.PlugIn(); }
-  /// Lets the keys go that events of this place hold and of no other.
+  /// Releases the keys that are held only by events of this place.
   void ReleaseKeys(int place) { keyboard_.Release(place); }
 
   bool AnyRuns() const { return !programs_.empty(); }
-  /// Asks the programs that run to end.
+  /// Asks running programs to end.
   void Terminate();
-  /// Ends the programs that still run, and logs each.
+  /// Kills and logs programs that are still running.
   void Kill();
   /// Runs when the last program has ended.
   std::function<void()> AllEnded;
@@ -53,8 +54,8 @@ class EventActions {
  private:
   using Kind = std::function<void(const nlohmann::json& action, const RaisedEvent& event, int place)>;
 
-  /// What is in the way of one more program; empty if nothing is.
-  std::string InTheWay();
+  /// Why no more programs can be started; empty if they can.
+  std::string WhyNoMorePrograms();
   void Start(const ProgramCall& call, const RaisedEvent& event);
   void Drop(ActionProgram* program);
 
@@ -62,7 +63,7 @@ class EventActions {
   Keyboard keyboard_;
   std::map<std::string, Kind> kinds_;
   std::vector<std::unique_ptr<ActionProgram>> programs_;
-  std::vector<std::unique_ptr<LoggedOutput>> leftOpen_;  // of programs that have ended
+  std::vector<std::unique_ptr<LoggedOutput>> leftOpen_;  // outputs of programs that have ended
 };
 
 }  // namespace keplo::host

@@ -22,7 +22,7 @@ namespace {
 
 QString Shown(const std::string& text) { return QString::fromStdString(text); }
 
-/// Texts of events and failures are no markup, whatever they hold.
+/// Shows a text, which is never interpreted as markup.
 QMessageBox::StandardButton Show(QWidget* parent, QMessageBox::Icon icon, const QString& text,
                                  QMessageBox::StandardButtons buttons) {
   QMessageBox box(icon, parent->windowTitle(), text, buttons, parent);
@@ -31,7 +31,7 @@ QMessageBox::StandardButton Show(QWidget* parent, QMessageBox::Icon icon, const 
   return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
-bool Agrees(QWidget* parent, const QString& question) {
+bool AskYesNo(QWidget* parent, const QString& question) {
   return Show(parent, QMessageBox::Question, question, QMessageBox::Yes | QMessageBox::No) ==
          QMessageBox::Yes;
 }
@@ -69,7 +69,7 @@ HostWindow::~HostWindow() {
 
 void HostWindow::EventRaised(const RaisedEvent& event) { AddLogLine(Shown(EventLine(event))); }
 
-/// A key that was held for more than one signal.
+/// Logs keys that were held for more than one signal.
 void HostWindow::KeyChanged(PressStage stage, const HeardKey& key) {
   if (stage != PressStage::Released || key.Count < 2) return;
   const std::string name = key.Command.empty() ? "code " + key.Code : key.Command;
@@ -77,7 +77,7 @@ void HostWindow::KeyChanged(PressStage stage, const HeardKey& key) {
                              " ms, " + std::to_string(key.Count) + " signals")));
 }
 
-void HostWindow::ErrorTold(const HostErrorRecord& record) {
+void HostWindow::ErrorReported(const HostErrorRecord& record) {
   AddLogLine(Shown(record.ErrorDate + "  " + record.ErrorProcedure + ": " + record.ErrorDescription));
 }
 
@@ -108,13 +108,13 @@ QWidget* HostWindow::EventButtons() {
   layout->setContentsMargins(0, 0, 0, 0);
   chosen_->setTextFormat(Qt::PlainText);
   chosen_->setAccessibleName(QStringLiteral("Event to modify or delete"));
-  // A long name is cut; the tip tells it.
+  // A long name is cut off; the tip shows all of it.
   chosen_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   layout->addWidget(chosen_, 1);
   layout->addWidget(Button(QStringLiteral("&Add..."), QStringLiteral("Bind a new event to a command"),
-                           [this] { TellResult(host_.AddEvent(), QStringLiteral("The event was added")); }));
+                           [this] { ShowResult(host_.AddEvent(), QStringLiteral("The event was added")); }));
   modify_ = Button(QStringLiteral("&Modify..."), QStringLiteral("Change the highlighted event"), [this] {
-    TellResult(host_.ModifyEvent(host_.HighlightedEvent()), QStringLiteral("The event was changed"));
+    ShowResult(host_.ModifyEvent(host_.HighlightedEvent()), QStringLiteral("The event was changed"));
   });
   delete_ = Button(QStringLiteral("&Delete"), QStringLiteral("Remove the highlighted event"),
                    [this] { DeleteEvent(); });
@@ -138,7 +138,8 @@ QPushButton* HostWindow::Button(const QString& caption, const QString& tip, std:
   return button;
 }
 
-/// The view tells of each change, so that the buttons always mean the row that is seen as highlighted.
+/// Runs after every change of the view, so that the buttons always apply to the row that is shown as
+/// highlighted.
 void HostWindow::ShowChosenEvent() {
   const std::string eventID = host_.HighlightedEvent();
   chosen_->setText(eventID.empty() ? QStringLiteral("Highlight an event in the list to change it")
@@ -151,7 +152,7 @@ QString HostWindow::Named(const std::string& eventID) const {
   return Shown(Printable(host_.Describe(eventID).EventName + " (" + eventID + ")"));
 }
 
-void HostWindow::TellResult(std::int32_t result, const QString& done) {
+void HostWindow::ShowResult(std::int32_t result, const QString& done) {
   const QString text = result == kInputDone     ? done
                        : result == kInputFailed ? QStringLiteral("That failed; the event log tells why")
                                                 : QStringLiteral("Cancelled");
@@ -160,9 +161,9 @@ void HostWindow::TellResult(std::int32_t result, const QString& done) {
 
 void HostWindow::DeleteEvent() {
   const std::string eventID = host_.HighlightedEvent();
-  if (!Agrees(this, QStringLiteral("Delete the event %1?").arg(Named(eventID)))) return;
+  if (!AskYesNo(this, QStringLiteral("Delete the event %1?").arg(Named(eventID)))) return;
   const std::int32_t result = host_.DeleteEvent(eventID);
-  TellResult(result, QStringLiteral("The event was deleted"));
+  ShowResult(result, QStringLiteral("The event was deleted"));
   if (host_.ListDiffersFromMap()) {
     statusBar()->showMessage(QStringLiteral(
         "The event was taken off the list, but the database cannot be written; it comes back"));
@@ -176,9 +177,9 @@ void HostWindow::AskForProgram() {
   const nlohmann::json actions = host_.Book().ActionsOf(eventID);
   const std::optional<QString> shown = CommandLineOf(actions);
   if (!shown &&
-      !Agrees(this, QStringLiteral("The event %1 does what cannot be shown as one command line:\n\n%2"
-                                   "\n\nReplace it by one program?")
-                        .arg(event, Shown(actions.dump(2))))) {
+      !AskYesNo(this, QStringLiteral("The event %1 does what cannot be shown as one command line:\n\n%2"
+                                     "\n\nReplace it by one program?")
+                          .arg(event, Shown(actions.dump(2))))) {
     return;
   }
   const std::optional<QString> commandLine = AskForCommandLine(event, shown.value_or(QString()));

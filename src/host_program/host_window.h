@@ -10,8 +10,8 @@
 
 namespace keplo::host {
 
-/// The host on screen: the plug-in's view, its menu, the log of events and of presses without one, and the
-/// buttons that change the event map: a new event, or the one that is highlighted in the view.
+/// The window of the host: the plug-in's view and menu, a log of events and of presses without events, and
+/// buttons for adding an event and for changing the one that is highlighted in the view.
 class HostWindow : public QMainWindow, private EventOutput {
  public:
   static constexpr int kMostLogLines = 1000;
@@ -22,7 +22,7 @@ class HostWindow : public QMainWindow, private EventOutput {
  private:
   void EventRaised(const RaisedEvent& event) override;
   void KeyChanged(PressStage stage, const HeardKey& key) override;
-  void ErrorTold(const HostErrorRecord& record) override;
+  void ErrorReported(const HostErrorRecord& record) override;
   void Logged(LogLevel level, const std::string& text) override;
 
   void FillMenus();
@@ -30,7 +30,7 @@ class HostWindow : public QMainWindow, private EventOutput {
   QPushButton* Button(const QString& caption, const QString& tip, std::function<void()> clicked);
   void ShowChosenEvent();
   QString Named(const std::string& eventID) const;
-  void TellResult(std::int32_t result, const QString& done);
+  void ShowResult(std::int32_t result, const QString& done);
   void DeleteEvent();
   void AskForProgram();
   std::optional<QString> AskForCommandLine(const QString& event, const QString& shown);

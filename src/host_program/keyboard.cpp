@@ -13,7 +13,7 @@ namespace keplo::host {
 
 namespace {
 
-std::string WayOut(int error) {
+std::string AdviceOn(int error) {
   switch (error) {
     case ENOENT:
     case ENODEV:
@@ -29,7 +29,7 @@ std::string WayOut(int error) {
   }
 }
 
-/// What the keyboard can do, as the kernel is told: all keys that have names, and repeating.
+/// Describes the keyboard to the kernel: it has all keys with names, and repeats them.
 struct Description {
   libevdev* Device = libevdev_new();
   Description() {
@@ -61,7 +61,7 @@ void Keyboard::PlugIn() {
   device_.reset(device);
   if (result < 0) {
     log_.Write(LogLevel::Warning, "Keys cannot be pressed, since /dev/uinput cannot be used. " +
-                                      WayOut(-result) + " Then start the host again.");
+                                      AdviceOn(-result) + " Then start the host again.");
   }
 }
 

@@ -7,7 +7,7 @@
 
 namespace keplo::host {
 
-/// Writes down what a plug-in tells.
+/// Writes what a plug-in reports to the log.
 class LogOutput final : public EventOutput {
  public:
   explicit LogOutput(const HostLog& log) : log_(log) {}
@@ -17,7 +17,7 @@ class LogOutput final : public EventOutput {
     static constexpr std::array<const char*, 3> kNames = {"press", "hold", "release"};
     log_.Key(kNames.at(static_cast<std::size_t>(stage)), key);
   }
-  void ErrorTold(const HostErrorRecord& record) override { log_.Error(record); }
+  void ErrorReported(const HostErrorRecord& record) override { log_.Error(record); }
   void Logged(LogLevel level, const std::string& text) override { log_.Write(level, text); }
 
  private:

@@ -29,13 +29,13 @@
 #include "host_program/signal_notifier.h"
 #include "host_program/web/web_pages.h"
 #include "program/environment.h"
+#include "program/exit_codes.h"
 #include "program/stop_signals.h"
 
 namespace keplo::host {
 
 namespace {
 
-constexpr int kDone = 0, kPressWithoutEvent = 1, kCannotRun = 2, kNotWritten = 3;
 constexpr std::chrono::seconds kTimeForPrograms{5}, kTimeToTerminate{1};
 
 HostLog::JournalStreams JournalStreamsOfThisProgram() {
@@ -82,8 +82,8 @@ void Unregister(const HostOptions& options) {
   std::cout << kInputKeploClass << " is no longer registered\n";
 }
 
-/// Gives programs that still run time to end by themselves, then when asked to, then ends them. A stop signal
-/// ends the wait that it meets.
+/// Gives running programs time to end by themselves, then asks them to, and finally kills them. A stop signal
+/// ends the current wait.
 void EndPrograms(EventActions& actions, SignalNotifier& signals) {
   QEventLoop loop;
   signals.Watch([&loop] { loop.quit(); });
@@ -108,10 +108,10 @@ int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& 
   if (!tally || options.Control.ReplayFiles.empty()) return kDone;
   log.Summary(std::to_string(tally->Presses) + " presses heard, " + std::to_string(tally->Events) +
               " events raised, " + std::to_string(tally->WithoutEvent) + " presses without an event");
-  return options.Once && tally->WithoutEvent > 0 ? kPressWithoutEvent : kDone;
+  return options.Once && tally->WithoutEvent > 0 ? kNoResult : kDone;
 }
 
-/// Without a display the pages are all there is to see of the host; with one it goes on without them.
+/// Without a window, the host is useless without the pages, so a failure ends it; otherwise it is only shown.
 void ServePages(WebPages& pages, const HostOptions& options, const HostLog& log, QMainWindow* window) {
   if (!options.HttpPort) return;
   try {
@@ -132,15 +132,15 @@ int Run(QCoreApplication& application, HostOptions& options, const HostLog& log)
   context.MayUseDisplay = !options.Headless;
   if (options.Once) context.ReplayPlayed = [&application] { application.quit(); };
 
-  LogOutput told(log);
-  ActionOutput done(book, actions, log);
-  PluginHost host(component, context, book, log, {&told, &done});
+  LogOutput logOutput(log);
+  ActionOutput actionOutput(book, actions, log);
+  PluginHost host(component, context, book, log, {&logOutput, &actionOutput});
   host.Start();
-  done.Prepare();
+  actionOutput.Prepare();
   BrokerOutput broker(options.Control.ApplicationPath, host, log);
-  SignalNotifier signals([&done, &broker] {
-    done.ReadAgain();
-    broker.ReadAgain();
+  SignalNotifier signals([&actionOutput, &broker] {
+    actionOutput.Reload();
+    broker.Reload();
   });
   signals.Watch([&application] { application.quit(); });
   WebPages pages(host);
@@ -170,14 +170,14 @@ int RunTask(int& argc, char** argv, HostOptions& options) try {
     return kNotWritten;
   } catch (const std::exception& failure) {
     log.Write(LogLevel::Error, failure.what());
-    return kCannotRun;
+    return kUsageError;
   }
 } catch (const NotWritten& failure) {
   std::cerr << "keplo-host: " << failure.what() << '\n';
   return kNotWritten;
 }
 
-/// What was printed may not have arrived, as on a disk that is full.
+/// Makes sure that the output was written.
 int StatusWithOutput(int status) {
   if (std::cout.flush()) return status;
   std::cerr << "keplo-host: the output cannot be written; is the disk full, or the reader gone?\n";
@@ -199,5 +199,5 @@ int main(int argc, char** argv) {
   } catch (const std::exception& failure) {
     std::cerr << "keplo-host: " << failure.what() << '\n';
   }
-  return kCannotRun;
+  return keplo::kUsageError;
 }

@@ -10,10 +10,10 @@ namespace keplo::host {
 
 namespace {
 
-constexpr std::size_t kBytesOfARead = 16384;
+constexpr std::size_t kReadBytes = 16384;
 
-/// What a pipe holds of itself, and the read that meets its end.
-constexpr int kMostReadsOfADrain = 65536 / kBytesOfARead + 1;
+/// Enough to read all that a pipe can hold, and its end.
+constexpr int kDrainReads = 65536 / kReadBytes + 1;
 
 }  // namespace
 
@@ -23,7 +23,7 @@ OutputPipe::OutputPipe(std::function<void(std::string_view)> take, std::function
   if (pipe2(ends.data(), O_CLOEXEC) != 0) return;
   readEnd_.emplace(ends[0]);
   writeEnd_.emplace(ends[1]);
-  fcntl(ends[0], F_SETFL, O_NONBLOCK);  // the programs' own end is to wait, as they expect of an output
+  fcntl(ends[0], F_SETFL, O_NONBLOCK);  // only our end: programs expect their output to block
   notifier_.emplace(ends[0], QSocketNotifier::Read);
   QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_, [this] { Read(); });
 }
@@ -35,12 +35,12 @@ void OutputPipe::BecomeOutput() const {
 }
 
 void OutputPipe::Drain() {
-  for (int reads = 0; reads < kMostReadsOfADrain && Read(); ++reads) {
+  for (int reads = 0; reads < kDrainReads && Read(); ++reads) {
   }
 }
 
 bool OutputPipe::Read() {
-  std::array<char, kBytesOfARead> bytes{};
+  std::array<char, kReadBytes> bytes{};
   const ssize_t count = readEnd_ ? read(readEnd_->Number(), bytes.data(), bytes.size()) : 0;
   if (count > 0) take_({bytes.data(), static_cast<std::size_t>(count)});
   if (count == 0) {

@@ -46,7 +46,9 @@ PluginHost::~PluginHost() {
 }
 
 CreationContext PluginHost::WithOwnLog(CreationContext context) {
-  context.Log = [this](LogLevel level, const std::string& text) { Tell(&EventOutput::Logged, level, text); };
+  context.Log = [this](LogLevel level, const std::string& text) {
+    CallOutputs(&EventOutput::Logged, level, text);
+  };
   return context;
 }
 
@@ -169,22 +171,22 @@ bool PluginHost::ListDiffersFromMap() const {
 void PluginHost::TriggerInputEvent(HostInputEvent& objInputEvent) {
   RaisedEvent event = Describe(objInputEvent.EventID);
   if (const auto* command = std::get_if<std::string>(&objInputEvent.EventCommand)) event.Command = *command;
-  Tell(&EventOutput::EventRaised, event);
+  CallOutputs(&EventOutput::EventRaised, event);
 }
 
-void PluginHost::TellKey(PressStage stage, const HeardKey& key) {
+void PluginHost::ReportKey(PressStage stage, const HeardKey& key) {
   lastKey_ = key;
-  Tell(&EventOutput::KeyChanged, stage, key);
+  CallOutputs(&EventOutput::KeyChanged, stage, key);
 }
 
-void PluginHost::KeyPressed(const HeardKey& key) { TellKey(PressStage::Pressed, key); }
-void PluginHost::KeyHeld(const HeardKey& key) { TellKey(PressStage::Held, key); }
-void PluginHost::KeyReleased(const HeardKey& key) { TellKey(PressStage::Released, key); }
+void PluginHost::KeyPressed(const HeardKey& key) { ReportKey(PressStage::Pressed, key); }
+void PluginHost::KeyHeld(const HeardKey& key) { ReportKey(PressStage::Held, key); }
+void PluginHost::KeyReleased(const HeardKey& key) { ReportKey(PressStage::Released, key); }
 
-void PluginHost::SignalHeard(const HeardSignal& signal) { Tell(&EventOutput::SignalHeard, signal); }
+void PluginHost::SignalHeard(const HeardSignal& signal) { CallOutputs(&EventOutput::SignalHeard, signal); }
 
 void PluginHost::TriggerInputErrorCondition(HostErrorRecord& objErr, bool& /*blnStopping*/) {
-  Tell(&EventOutput::ErrorTold, objErr);
+  CallOutputs(&EventOutput::ErrorReported, objErr);
 }
 
 }  // namespace keplo::host

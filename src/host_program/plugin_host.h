@@ -15,12 +15,12 @@
 
 namespace keplo::host {
 
-/// The host's side of one plug-in: creates it, tells its outputs what it tells, and carries the user's
-/// changes of the event map to it. Outlives the views.
+/// The host's side of a plug-in: creates it, passes its reports to the outputs, and the user's changes of the
+/// event map to it. Must outlive the views.
 class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink {
  public:
+  /// @param outputs must outlive the host
   /// @throws Failure if the object cannot be created
-  /// @param outputs outlive the host
   PluginHost(const Component& component, const CreationContext& context, EventBook& book, const HostLog& log,
              std::vector<EventOutput*> outputs);
   virtual ~PluginHost();
@@ -30,47 +30,47 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   /// Loads the event map and starts monitoring.
   /// @throws Failure if the event map cannot be loaded
   void Start();
-  /// Stops monitoring and terminates the plug-in; once is enough.
+  /// Stops monitoring and terminates the plug-in, unless that was already done.
   void Stop();
 
-  /// An output that comes later is told before the others, so that it does not wait for their programs.
+  /// Adds an output before the others, so that it does not wait for the start of their programs.
   void AddOutput(EventOutput& output) { outputs_.insert(outputs_.begin(), &output); }
   void RemoveOutput(EventOutput& output) { std::erase(outputs_, &output); }
 
   IVelmoraInputPLugin& Plugin() const { return *plugin_; }
-  /// Its view; null if it offers none.
+  /// The plug-in's view; null if it has none.
   QWidget* CreateView(QWidget* parent);
-  /// The EventID of the row that is highlighted in the view; empty for none.
+  /// The EventID of the row that is highlighted in the view; empty if there is none.
   std::string HighlightedEvent() const;
-  /// What became of the presses; empty if the plug-in does not tell.
+  /// Numbers of presses; none if the plug-in does not provide them.
   std::optional<IPressTally::Tally> Presses() const;
-  /// How far the reading of them came; empty if the plug-in does not tell.
+  /// The stages at which presses ended; empty if the plug-in does not provide them.
   std::vector<IStageTally::Stage> Stages() const;
-  /// Identifiers of the events in the map.
+  /// The EventIDs in the event map.
   std::vector<std::string> EventIDs() const;
   RaisedEvent Describe(const std::string& eventID) const;
-  /// Another number whenever an event has become another, come or gone; none if the plug-in does not tell.
+  /// A number that changes with the events; none if the plug-in does not provide it.
   std::optional<std::uint64_t> EventsRevision() const;
-  /// The events of the map that may be raised.
+  /// The activated events.
   std::vector<RaisedEvent> ActivatedEvents() const;
 
-  // Each gives why nothing was sent; empty if it was.
+  // Both return why nothing was sent; empty if it was.
   std::string SendSignal(const std::vector<std::int32_t>& timings, std::int32_t carrier);
   std::string SendCommand(const std::string& command);
 
-  // Each runs the plug-in's operation and gives its result.
+  // These return the result of the plug-in's operation.
   std::int32_t AddEvent();
   std::int32_t ModifyEvent(const std::string& eventID);
   std::int32_t DeleteEvent(const std::string& eventID);
-  /// Whether the last deletion has left its event in the event map.
+  /// Whether the event of the last deletion is still in the event map.
   bool ListDiffersFromMap() const;
 
   EventBook& Book() { return book_; }
 
-  /// The key that was pressed last, as far as it went; none before the first.
+  /// The last key that was pressed, with its progress so far; none before the first.
   const std::optional<HeardKey>& LastKey() const { return lastKey_; }
 
-  /// Runs when the view has shown another list or another highlighted row.
+  /// Runs when the view has shown a change of the list or of the highlighted row.
   std::function<void()> OnListShown;
 
  private:
@@ -81,9 +81,9 @@ class PluginHost : private IHostEventSink, private IKeySink, private ISignalSink
   void KeyHeld(const HeardKey& key) override;
   void KeyReleased(const HeardKey& key) override;
   void SignalHeard(const HeardSignal& signal) override;
-  void TellKey(PressStage stage, const HeardKey& key);
+  void ReportKey(PressStage stage, const HeardKey& key);
   template <typename... Parameters, typename... Arguments>
-  void Tell(void (EventOutput::*what)(Parameters...), const Arguments&... arguments) {
+  void CallOutputs(void (EventOutput::*what)(Parameters...), const Arguments&... arguments) {
     for (EventOutput* output : outputs_) (output->*what)(arguments...);
   }
 

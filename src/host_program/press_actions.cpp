@@ -19,7 +19,7 @@ constexpr std::array kMoments = {kPress, kEvery, kHold, kRelease};
 constexpr int kUsualHold = 500;      // milliseconds
 constexpr int kLongestHold = 60000;  // milliseconds
 
-/// When an action is due; what is no object is complained of by whoever does it.
+/// When an action is due. Running an action that is not an object will report that.
 std::string MomentOf(const nlohmann::json& action) {
   return action.is_object() ? action.value(kOn, std::string(kEvery)) : std::string(kEvery);
 }
@@ -64,7 +64,7 @@ void PressActions::Begin() {
   raised_.clear();
 }
 
-void PressActions::GoOn(int heldMs) {
+void PressActions::Hold(int heldMs) {
   held_ = true;
   heldMs_ = heldMs;
 }

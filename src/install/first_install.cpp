@@ -15,7 +15,7 @@ namespace keplo {
 
 namespace {
 
-/// Stands beside the files of a first install until all of them are there.
+/// Exists beside the files of a first install until it is complete.
 constexpr const char* kUnfinishedFile = "install.unfinished";
 constexpr std::string_view kUnfinishedText = "A first install was begun here. The next start completes it.\n";
 
@@ -42,16 +42,16 @@ bool IsNew(const std::filesystem::path& appPath) {
   return !IsThere(appPath / ShippedFiles()[0].Name) && !IsThere(appPath / kDatabaseFile);
 }
 
-/// CreateFile, whose failures tell of a file that nobody knows.
-bool BringFile(FileSystem& files, const std::filesystem::path& file, std::string_view bytes) try {
+/// CreateFile, with failures that name the file instead of its temporary name.
+bool CreateShippedFile(FileSystem& files, const std::filesystem::path& file, std::string_view bytes) try {
   return CreateFile(files, file, bytes);
 } catch (const Failure& failure) {
   if (failure.Number() == EWOULDBLOCK) throw;
-  const Failure told = CannotBeWritten(file, failure);
-  throw Failure(told.Number(), std::string(told.what()) + ". Check the folder and the room on its disk.");
+  const Failure named = CannotBeWritten(file, failure);
+  throw Failure(named.Number(), std::string(named.what()) + ". Check the folder and the room on its disk.");
 }
 
-/// @return false if another first start has made it meanwhile
+/// @return false if another program has created it meanwhile
 bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) try {
   CreateEventTable(database, files);
   return true;
@@ -62,25 +62,25 @@ bool CreateDatabase(FileSystem& files, const std::filesystem::path& database) tr
 
 }  // namespace
 
-std::vector<std::string> BringFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
+std::vector<std::string> CreateFirstInstall(const std::filesystem::path& appPath, FileSystem& files) {
   CreateFolder(appPath);
   const std::filesystem::path unfinished = appPath / kUnfinishedFile;
-  if (IsNew(appPath)) BringFile(files, unfinished, kUnfinishedText);
-  std::vector<std::string> brought;
+  if (IsNew(appPath)) CreateShippedFile(files, unfinished, kUnfinishedText);
+  std::vector<std::string> created;
   for (const ShippedFile& shipped : ShippedFiles()) {
     const std::filesystem::path file = appPath / shipped.Name;
-    if (!IsThere(file) && BringFile(files, file, shipped.Bytes)) brought.emplace_back(shipped.Name);
+    if (!IsThere(file) && CreateShippedFile(files, file, shipped.Bytes)) created.emplace_back(shipped.Name);
   }
   const std::filesystem::path database = appPath / kDatabaseFile;
-  if (!IsThere(database) && CreateDatabase(files, database)) brought.emplace_back(kDatabaseFile);
+  if (!IsThere(database) && CreateDatabase(files, database)) created.emplace_back(kDatabaseFile);
   if (IsThere(unfinished)) RemoveQuietly(files, unfinished);
-  return brought;
+  return created;
 }
 
 bool CompleteInstall(const std::filesystem::path& appPath, FileSystem& files) {
-  // In this order: another start that is at it takes the mark away only once all files are there.
+  // In this order, because another program that is completing the install removes the mark last.
   if (!IsNew(appPath) && !IsThere(appPath / kUnfinishedFile)) return false;
-  return !BringFirstInstall(appPath, files).empty();
+  return !CreateFirstInstall(appPath, files).empty();
 }
 
 bool CompleteInstall(const std::filesystem::path& appPath) {

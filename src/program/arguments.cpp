@@ -9,13 +9,13 @@
 #include <sstream>
 #include <utility>
 
+#include "program/exit_codes.h"
 #include "program/printable.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr int kDone = 0, kWrongUse = 2;
 constexpr std::string_view kHelpCommand = "help";
 constexpr char kMoreHelp[] = "\nRun with --help for more information.\n";
 
@@ -31,7 +31,7 @@ CLI::Validator OneOf(const std::vector<std::string>& choices, Command::Case lett
   return CLI::IsMember(choices);
 }
 
-/// A decimal number, which may have zeros and a plus sign at its head; none where anything else is left over.
+/// A decimal number, which may begin with zeros and a plus sign; none if there is anything else in the text.
 template <typename Value>
 std::optional<Value> Decimal(std::string_view text) {
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
@@ -61,8 +61,8 @@ Value NumberIn(Between<Value> range, const std::string& name, const std::string&
                                        std::to_string(range.Most));
 }
 
-/// Tells what is wrong without the marks that words can hold for a terminal.
-std::string TellWrongUse(const CLI::App* /*app*/, const CLI::Error& error) {
+/// The message for an error, without control characters from the words.
+std::string UsageErrorText(const CLI::App* /*app*/, const CLI::Error& error) {
   return Printable(error.what()) + kMoreHelp;
 }
 
@@ -81,7 +81,7 @@ struct CommandLineState {
   std::map<const CLI::App*, std::function<int()>> Works;
   std::set<std::string> Valued;  // names of options whose value is the next word
   std::vector<std::string> HelpOn;
-  /// An option of a command and of those below it, and the variables of all of them.
+  /// An option shared by a command and its subcommands, with the variables of all of them.
   struct SharedOption {
     CLI::Option* Option = nullptr;
     std::vector<std::string*> Variables;
@@ -198,17 +198,17 @@ Argument Command::Flag(const std::string& name, bool& value, const std::string& 
                                     name, [&value] { value = false; }, about)));
 }
 
-Argument Command::AddWhole(const std::string& name, Sign sign, Between<std::int64_t> range, bool tellRange,
+Argument Command::AddWhole(const std::string& name, Sign sign, Between<std::int64_t> range, bool showRange,
                            const std::function<void(std::int64_t)>& take, const Show& show,
                            const std::string& about) {
   const std::string kind = sign == Sign::Never ? "UINT" : "INT";
   const auto takeWord = [=](const std::vector<std::string>& words) {
-    if (tellRange) return take(NumberIn(range, name, words.front()));
+    if (showRange) return take(NumberIn(range, name, words.front()));
     const auto number = Decimal<std::int64_t>(words.front());
     if (!number || *number < range.Least || *number > range.Most) throw CLI::ConversionError(name, words);
     take(*number);
   };
-  const Argument number = Add(name, tellRange ? RangeText(kind, range) : kind, takeWord, show, about);
+  const Argument number = Add(name, showRange ? RangeText(kind, range) : kind, takeWord, show, about);
   number.option_->check(NotEmpty());
   return number;
 }
@@ -265,7 +265,7 @@ Command& Command::Runs(std::function<int()> work) {
 CommandLine::CommandLine(const std::string& program, const std::string& version, const std::string& about)
     : state_(std::make_unique<CommandLineState>(about, program)) {
   state_->App.set_version_flag("--version", program + " " + version);
-  state_->App.failure_message(TellWrongUse);
+  state_->App.failure_message(UsageErrorText);
 }
 
 CommandLine::~CommandLine() = default;
@@ -278,7 +278,7 @@ void CommandLine::AddHelpCommand() {
       .Words("COMMAND", state_->HelpOn, "Command to tell about; without one all are listed");
 }
 
-/// The words that were given; an option with nothing after its = gets an empty word as its value.
+/// The words of the command line. `--option=` becomes the option and an empty word.
 std::vector<std::string> CommandLineState::Words(int argc, char** argv) const {
   std::vector<std::string> words;
   for (int i = 1; i < argc; ++i) {
@@ -298,14 +298,14 @@ std::vector<std::string> CommandLineState::Words(int argc, char** argv) const {
   return words;
 }
 
-/// The first word that stands where a command should and names none; empty if there is no such.
+/// The first word that should be a command, but is not; empty if there is none.
 std::string CommandLineState::UnknownCommand(const std::vector<std::string>& words) const {
   const CLI::App* command = &App;
   for (std::size_t i = 0; i < words.size() && command->get_require_subcommand_min() > 0; ++i) {
     if (Valued.count(words[i]) > 0) {
       ++i;
     } else if (words[i].empty() || words[i].front() == '-') {
-      return {};  // told with the options
+      return {};  // handled with the options
     } else {
       command = FindCommand(*command, words[i]);
       if (command == nullptr) return words[i];
@@ -331,13 +331,13 @@ std::optional<int> CommandLine::Parse(int argc, char** argv) {
   if (const std::string word = state_->UnknownCommand(words); !word.empty()) {
     std::cerr << state_->App.get_name() << ": there is no command '" << Printable(word)
               << "'; --help lists those that are\n";
-    return kWrongUse;
+    return kUsageError;
   }
-  std::reverse(words.begin(), words.end());  // as the parser takes them
+  std::reverse(words.begin(), words.end());  // the order that the parser expects
   try {
     state_->App.parse(std::move(words));
   } catch (const CLI::ParseError& error) {
-    return state_->App.exit(error) == 0 ? kDone : kWrongUse;
+    return state_->App.exit(error) == 0 ? kDone : kUsageError;
   }
   return std::nullopt;
 }
@@ -348,9 +348,9 @@ int CommandLine::Run(int argc, char** argv) {
   while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
   try {
     return state_->Works.at(command)();
-  } catch (const WrongUse& error) {
+  } catch (const UsageError& error) {
     std::cerr << Printable(error.what()) << kMoreHelp;
-    return kWrongUse;
+    return kUsageError;
   }
 }
 

@@ -17,14 +17,14 @@ class Option;
 
 namespace keplo {
 
-/// Words that do not make up a command: the text is told with a hint at --help, and the program ends as after
-/// any other wrong use.
-class WrongUse : public std::runtime_error {
+/// Thrown by a command whose arguments make no sense: the program prints the text and a hint at --help, and
+/// ends with the exit status for wrong use.
+class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Values that a number may have, both ends included.
+/// A range of numbers, inclusive.
 template <typename Value>
 struct Between {
   Value Least, Most;
@@ -35,13 +35,13 @@ constexpr Between<Value> AllOf() {
   return {std::numeric_limits<Value>::lowest(), std::numeric_limits<Value>::max()};
 }
 
-/// A word or an option of a command, for what else there is to say of it.
+/// A word or an option of a command, for setting further properties.
 class Argument {
  public:
   explicit Argument(CLI::Option& option) : option_(&option) {}
 
   Argument& Required();
-  /// Lets the help tell the value that the variable has now.
+  /// Shows the current value of the variable in the help.
   Argument& ShowDefault();
   Argument& Excludes(const Argument& other);
   Argument& Needs(const Argument& other);
@@ -57,11 +57,11 @@ class Argument {
 
 struct CommandLineState;
 
-/// A command with its words and options. A name with leading dashes is an option, any other one a word that
-/// stands at its place. Variables are written when the command line is parsed, and must live until then.
+/// A command with its words and options. A name with leading dashes is an option, any other name a positional
+/// word. Variables are written when the command line is parsed, and must live until then.
 ///
-/// The value of an option is the next word or what stands after its =, where it may be empty. Only Text takes
-/// an empty value.
+/// The value of an option is the next word, or the text after its =, which may be empty. Only Text accepts an
+/// empty value.
 class Command {
  public:
   Command(CLI::App& app, CommandLineState& state) : app_(&app), state_(&state) {}
@@ -71,21 +71,21 @@ class Command {
   Argument Text(const std::string& name, std::optional<std::string>& value, const std::string& about);
   /// A text that may not be empty.
   Argument Word(const std::string& name, std::string& value, const std::string& about);
-  /// Any number of them.
+  /// Any number of non-empty texts.
   Argument Words(const std::string& name, std::vector<std::string>& values, const std::string& about);
-  /// An option that may also stand before the name of the command, or of the one that it belongs to.
+  /// An option that may also be given before the name of the command, or of its parent.
   Argument WordAlsoBefore(const std::string& name, std::string& value, const std::string& about);
   /// One of some words.
-  enum class Case { Counts, Ignored };
+  enum class Case { Sensitive, Ignored };
   Argument Choice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
-                  const std::string& about, Case letterCase = Case::Counts);
+                  const std::string& about, Case letterCase = Case::Sensitive);
   Argument Choice(const std::string& name, std::optional<std::string>& value,
                   const std::vector<std::string>& choices, const std::string& about,
-                  Case letterCase = Case::Counts);
-  /// @param whenGiven what the flag writes
+                  Case letterCase = Case::Sensitive);
+  /// @param whenGiven the value that the flag writes
   Argument Flag(const std::string& name, bool& value, const std::string& about, bool whenGiven = true);
 
-  /// A decimal number; the help tells a range that is narrower than the type.
+  /// A decimal number; the help shows the range if it is narrower than that of the type.
   template <typename Value>
   requires std::is_arithmetic_v<Value> Argument Number(const std::string& name, Value& value,
                                                        const std::string& about,
@@ -100,19 +100,19 @@ class Command {
     return AddNumber<Value>(
         name, range, [&value](Value number) { value = number; }, {}, about);
   }
-  /// Any number of them, with commas between.
+  /// Any number of decimal numbers, separated by commas.
   Argument Numbers(const std::string& name, std::vector<std::int32_t>& values, const std::string& about,
                    Between<std::int32_t> range);
 
-  /// A command below this one, of which one has to be given then.
+  /// A subcommand; if there are any, one must be given.
   Command Sub(const std::string& name, const std::string& about);
-  /// A command below this one, which does without it as well. A word of that name is always the command.
+  /// A subcommand that need not be given. A word of that name is always the subcommand.
   Command OptionalSub(const std::string& name, const std::string& about);
-  /// Of the options of this group at least one has to be given.
+  /// A group of options of which at least one must be given.
   Command AtLeastOneOf(const std::string& title);
   /// Lines at the end of the help.
   Command& Examples(const std::vector<std::string>& lines);
-  /// What the command does.
+  /// Sets what the command does.
   /// @param work returns the exit status
   Command& Runs(std::function<int()> work);
 
@@ -138,7 +138,7 @@ class Command {
 
   Argument Add(const std::string& name, const std::string& kind, const Take& take, const Show& show,
                const std::string& about);
-  Argument AddWhole(const std::string& name, Sign sign, Between<std::int64_t> range, bool tellRange,
+  Argument AddWhole(const std::string& name, Sign sign, Between<std::int64_t> range, bool showRange,
                     const std::function<void(std::int64_t)>& take, const Show& show,
                     const std::string& about);
   Argument AddReal(const std::string& name, Between<double> range, const std::function<void(double)>& take,
@@ -157,14 +157,14 @@ class CommandLine {
   CommandLine& operator=(const CommandLine&) = delete;
 
   Command Root();
-  /// `PROGRAM help WORD...` tells what `PROGRAM WORD... --help` does.
+  /// Makes `PROGRAM help WORD...` the same as `PROGRAM WORD... --help`.
   void AddHelpCommand();
 
-  /// Writes the variables; tells on standard output what --help and --version ask for, and wrong use on
+  /// Writes the variables. Prints the output of --help and --version to standard output, and errors to
   /// standard error.
-  /// @return the status if the program is to end at once
+  /// @return the exit status if the program should end at once
   std::optional<int> Parse(int argc, char** argv);
-  /// Parses, and does the work of the command that was given.
+  /// Parses, and runs the command.
   int Run(int argc, char** argv);
 
  private:

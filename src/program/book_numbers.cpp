@@ -2,33 +2,29 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <nlohmann/json.hpp>
 
 #include "disk/json_file.h"
+#include "event_id.h"
 #include "failure.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr std::int64_t kEndOfNumbers = 1'000'000'000'000'000;
-
-/// The number that the book has for the next event; 0 if it has none that can be.
+/// The number stored for the next event; 0 if there is no valid one.
 std::int64_t NextOf(const nlohmann::json& book) {
   const auto next = book.find("next_event_id");
   if (next == book.end() || !next->is_number_integer()) return 0;
   const auto number = next->get<std::int64_t>();
-  return number < kEndOfNumbers ? number : 0;
+  return number < kEndOfEventNumbers ? number : 0;
 }
 
 }  // namespace
 
 std::int64_t NumberAfter(const std::string& eventID) {
-  std::int64_t number = 0;
-  const char* const end = eventID.data() + eventID.size();
-  const auto [stop, error] = std::from_chars(eventID.data(), end, number);
-  return error == std::errc() && stop == end && number < kEndOfNumbers ? number + 1 : 0;
+  const auto number = NumberOfEventID(eventID);
+  return number ? *number + 1 : 0;
 }
 
 std::int64_t FirstFreeNumber(const nlohmann::json& book) {

@@ -13,7 +13,7 @@ struct Character {
   std::size_t Length = 1;  // bytes
 };
 
-/// The character of UTF-8 that a text begins with; a byte that begins none counts as itself.
+/// The first UTF-8 character of a text; an invalid byte counts as a character.
 Character FirstOf(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char head = byte(0);
@@ -29,7 +29,7 @@ Character FirstOf(std::string_view text) {
 
 bool IsBetween(char32_t code, char32_t first, char32_t last) { return code >= first && code <= last; }
 
-bool MovesTheTerminal(char32_t code) {
+bool IsControl(char32_t code) {
   const bool control = code < 0x20 || IsBetween(code, 0x7F, 0x9F);
   const bool lineEnd = IsBetween(code, 0x2028, 0x2029);
   const bool direction =
@@ -37,14 +37,14 @@ bool MovesTheTerminal(char32_t code) {
   return control || lineEnd || direction;
 }
 
-/// A text with something else in the place of each character that moves the terminal.
+/// Replaces all control characters of a text.
 template <typename Replacement>
 std::string Replaced(std::string_view text, Replacement replacement) {
   std::string line;
   line.reserve(text.size());
   while (!text.empty()) {
     const Character next = FirstOf(text);
-    if (MovesTheTerminal(next.Code)) {
+    if (IsControl(next.Code)) {
       line += replacement(next.Code);
     } else {
       line += text.substr(0, next.Length);

@@ -14,13 +14,14 @@ namespace keplo {
 
 namespace {
 
-/// Marks signals that end nothing. The system keeps the mark, so that a plug-in, which has a copy of this
-/// file, finds what its host has set; to a handler that only writes into a pipe it makes no difference.
+/// Marks signals that do not end the program. The mark is a flag that the system stores, so that a plug-in,
+/// which has its own copy of this code, sees what its host has set. It makes no difference to a handler that
+/// writes to a pipe.
 constexpr int kEndsNothing = SA_NODEFER;
 
-/// Where the handler writes; it runs without an object.
+/// Where the handler writes.
 std::atomic<int> writeEnd{-1};
-/// The thread that waits. What holds signals back for a while does so there.
+/// The thread that owns the object; code that blocks signals for a while does so there.
 std::atomic<pthread_t> owner{};
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pthread_t>::is_always_lock_free);
 
@@ -32,7 +33,7 @@ void Write(int signal) {
     return;
   }
   const auto number = static_cast<unsigned char>(signal);
-  // A full pipe holds signals enough.
+  // If the pipe is full, there are enough signals in it.
   if (write(writeEnd, &number, 1) < 0) errno = before;
   errno = before;
 }
@@ -81,15 +82,15 @@ int StopSignals::Take() const {
 }
 
 bool IsIgnored(int number) {
-  struct sigaction present {};
-  sigaction(number, nullptr, &present);
-  return present.sa_handler == SIG_IGN;
+  struct sigaction current {};
+  sigaction(number, nullptr, &current);
+  return current.sa_handler == SIG_IGN;
 }
 
 bool EndsProgram(int number) {
-  struct sigaction present {};
-  sigaction(number, nullptr, &present);
-  return present.sa_handler != SIG_IGN && (present.sa_flags & kEndsNothing) == 0;
+  struct sigaction current {};
+  sigaction(number, nullptr, &current);
+  return current.sa_handler != SIG_IGN && (current.sa_flags & kEndsNothing) == 0;
 }
 
 std::vector<int> EndingSignals() {
@@ -101,7 +102,7 @@ std::vector<int> EndingSignals() {
 }
 
 void IgnoreFileSizeSignal() {
-  // A handler and not SIG_IGN, which programs that are started would inherit.
+  // Not SIG_IGN, which child processes would inherit.
   struct sigaction action {};
   action.sa_handler = Ignore;
   action.sa_flags = SA_RESTART;

@@ -9,7 +9,7 @@ namespace keplo::qt {
 
 namespace {
 
-/// Holds the input of the whole program back while it is busy, and then until what came meanwhile is gone.
+/// Drops the input of the whole program while it is busy, and afterwards whatever arrived in that time.
 class InputGate : public QObject {
  public:
   explicit InputGate(QCoreApplication& application) {
@@ -18,8 +18,8 @@ class InputGate : public QObject {
     application.installEventFilter(this);
   }
 
-  /// Goes with the code that it is made of: a host may unload the component before the application ends.
-  static InputGate& Here() {
+  /// Not owned by the application: a host may unload this component, and its code, earlier.
+  static InputGate& Instance() {
     static InputGate gate(*qApp);
     return gate;
   }
@@ -28,7 +28,7 @@ class InputGate : public QObject {
   void SetBusy(int busy) {
     busy_ = busy;
     if (busy_ > 0) return;
-    // What is waiting can be fetched only once the event loop runs again.
+    // Pending input can only be fetched once the event loop runs again.
     drained_ = false;
     draining_.start(0);
   }
@@ -37,7 +37,7 @@ class InputGate : public QObject {
     const bool shut = busy_ > 0 || !drained_;
     switch (event->type()) {
       case QEvent::ShortcutOverride:
-        if (shut) event->accept();  // else the key is looked up among the shortcuts
+        if (shut) event->accept();  // so that the key is not tried as a shortcut
         return shut;
       case QEvent::Shortcut:
         return shut;
@@ -68,7 +68,7 @@ class InputGate : public QObject {
   }
 
   void Drain() {
-    // Asks the window system for all it has, and waits for it; the second time takes what was on its way.
+    // Waits until the window system has delivered everything; the second round catches what was under way.
     for (int time = 0; time < 2; ++time) QGuiApplication::sync();
     drained_ = busy_ == 0 && !draining_.isActive();
   }
@@ -76,31 +76,31 @@ class InputGate : public QObject {
   int busy_ = 0;
   bool drained_ = true;
   QTimer draining_;
-  Qt::MouseButtons dropped_;  // pressed while the gate was shut and not let go yet
+  Qt::MouseButtons dropped_;  // buttons whose press was dropped and that are still down
 };
 
 }  // namespace
 
 Busy::Busy() {
   QApplication::setOverrideCursor(Qt::WaitCursor);
-  InputGate& gate = InputGate::Here();
+  InputGate& gate = InputGate::Instance();
   gate.SetBusy(gate.Busy() + 1);
 }
 
 Busy::~Busy() {
   QApplication::restoreOverrideCursor();
-  InputGate& gate = InputGate::Here();
+  InputGate& gate = InputGate::Instance();
   gate.SetBusy(gate.Busy() - 1);
 }
 
-AskingMeanwhile::AskingMeanwhile() : busyBefore_(InputGate::Here().Busy()) {
+BusyPause::BusyPause() : busyBefore_(InputGate::Instance().Busy()) {
   QApplication::setOverrideCursor(Qt::ArrowCursor);
-  if (busyBefore_ > 0) InputGate::Here().SetBusy(0);
+  if (busyBefore_ > 0) InputGate::Instance().SetBusy(0);
 }
 
-AskingMeanwhile::~AskingMeanwhile() {
+BusyPause::~BusyPause() {
   QApplication::restoreOverrideCursor();
-  if (busyBefore_ > 0) InputGate::Here().SetBusy(busyBefore_);
+  if (busyBefore_ > 0) InputGate::Instance().SetBusy(busyBefore_);
 }
 
 }  // namespace keplo::qt

@@ -2,9 +2,8 @@
 
 namespace keplo::qt {
 
-/// Tells the user, as long as it lives, that the program is busy: the cursor shows it. Whatever is typed or
-/// clicked meanwhile, anywhere in the program, is dropped, since it was meant for a window that could not
-/// answer.
+/// During its lifetime, shows the busy cursor and drops all keyboard and mouse input of the program, which
+/// would otherwise reach the windows later, when the user no longer expects it.
 class Busy {
  public:
   Busy();
@@ -13,13 +12,13 @@ class Busy {
   Busy& operator=(const Busy&) = delete;
 };
 
-/// A question to the user in the middle of a busy time: as long as it lives, his input counts.
-class AskingMeanwhile {
+/// Suspends Busy during its lifetime, so that the user can answer a question.
+class BusyPause {
  public:
-  AskingMeanwhile();
-  ~AskingMeanwhile();
-  AskingMeanwhile(const AskingMeanwhile&) = delete;
-  AskingMeanwhile& operator=(const AskingMeanwhile&) = delete;
+  BusyPause();
+  ~BusyPause();
+  BusyPause(const BusyPause&) = delete;
+  BusyPause& operator=(const BusyPause&) = delete;
 
  private:
   int busyBefore_;

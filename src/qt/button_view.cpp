@@ -9,8 +9,8 @@ namespace keplo::qt {
 
 namespace {
 
-// Pixels between caption and edge, to either side.
-constexpr int kRoomAcross = 3, kRoomDown = 1;
+// Padding on each side, pixels.
+constexpr int kHorizontalPadding = 3, kVerticalPadding = 1;
 
 }  // namespace
 
@@ -23,7 +23,8 @@ ButtonView::ButtonView(ui::Button& model, const QString& caption, QWidget* paren
 
 QSize ButtonView::sizeHint() const {
   if (text().isEmpty()) return {};
-  return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * kRoomAcross, 2 * kRoomDown);
+  return fontMetrics().size(Qt::TextShowMnemonic, text()) +
+         QSize(2 * kHorizontalPadding, 2 * kVerticalPadding);
 }
 
 void ButtonView::Click() {
@@ -50,7 +51,7 @@ void ButtonView::Redraw() {
 void ButtonView::KeepFocusWhileDisabled() {
   if (model_.Enabled() || !isEnabled() || window()->focusWidget() != this) return;
   hadFocus_ = true;
-  clearFocus();  // else the toolkit hands it on to the next field
+  clearFocus();  // otherwise Qt moves it to the next field
 }
 
 }  // namespace keplo::qt

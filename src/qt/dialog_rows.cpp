@@ -14,7 +14,7 @@ int LettersWide(const QWidget& widget, int letters) {
   return widget.fontMetrics().averageCharWidth() * letters;
 }
 
-void Present(QWidget& widget, std::string_view name, std::string_view spoken, std::string_view tip) {
+void SetIdentity(QWidget& widget, std::string_view name, std::string_view spoken, std::string_view tip) {
   widget.setObjectName(ShownText(name));
   widget.setAccessibleName(ShownText(spoken));
   widget.setToolTip(ShownText(tip));

@@ -7,14 +7,14 @@
 
 namespace keplo::qt {
 
-/// Pixels that so many letters of a widget's font take.
+/// Width of a number of average letters in a widget's font, pixels.
 int LettersWide(const QWidget& widget, int letters);
 
-/// Names a widget for tests and style sheets, and tells screen readers and the mouse what it is.
-void Present(QWidget& widget, std::string_view name, std::string_view spoken, std::string_view tip);
+/// Sets the object name, the name for screen readers and the tip of a widget.
+void SetIdentity(QWidget& widget, std::string_view name, std::string_view spoken, std::string_view tip);
 
-/// Adds a field of a dialog after its label, below the rows that are there; most names fit without scrolling.
-/// @param caption of the label, with the mark of its access key
+/// Appends a row with a label and a field, wide enough for most names.
+/// @param caption of the label, with its access key marked
 QLabel* AddLabelledRow(QGridLayout& rows, const QString& caption, QWidget& field);
 
 }  // namespace keplo::qt

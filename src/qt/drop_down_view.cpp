@@ -18,25 +18,25 @@ namespace keplo::qt {
 namespace {
 
 constexpr int kFocusPen = 2;         // pixels
-constexpr double kArrowParts = 4.5;  // half of the arrow goes so often into the height of a line
+constexpr double kArrowParts = 4.5;  // line height divided by half the width of the arrow
 
 }  // namespace
 
 DropDownView::DropDownView(ui::DropDownList& model, QWidget* parent)
     : QComboBox(parent), model_(model), link_(model.OnChanged, [this] { Redraw(); }) {
-  setFocusPolicy(Qt::StrongFocus);  // the toolkit's own takes the focus from the wheel too
+  setFocusPolicy(Qt::StrongFocus);  // the default also takes the focus on a turn of the wheel
   Redraw();
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
     if (!link_.Alive()) return;
     const QPointer<DropDownView> self(this);
     changed_ = true;
     model_.Select(index);
-    // A change that no click has made is told by no activation.
+    // A change that was not made by a click has no activated signal.
     if (self) QTimer::singleShot(0, this, [this] { changed_ = false; });
   });
   connect(this, &QComboBox::activated, this, [this](int index) {
-    const bool told = std::exchange(changed_, false);
-    if (!told && link_.Alive()) model_.Pick(index);
+    const bool isHandled = std::exchange(changed_, false);
+    if (!isHandled && link_.Alive()) model_.Pick(index);
   });
 }
 

@@ -19,7 +19,7 @@ namespace keplo::qt {
 
 namespace {
 
-/// How one field of the dialog presents itself.
+/// The texts of a field of the dialog.
 struct Field {
   const char* Name;
   std::string_view Label;
@@ -47,13 +47,13 @@ class Form : public QGroupBox {
   static void PresentField(const Field& field, QWidget& widget) {
     std::string_view spoken = field.Label;
     if (spoken.ends_with(':')) spoken.remove_suffix(1);
-    Present(widget, field.Name, spoken, field.Tip);
+    SetIdentity(widget, field.Name, spoken, field.Tip);
   }
 
   QGridLayout rows_;
 };
 
-/// A list as wide as the form gives it; its entries may be wider than any sensible dialog.
+/// Makes a list as wide as its form instead of its entries, which may be wider than any sensible dialog.
 DropDownView* Narrow(DropDownView* list) {
   list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   list->setMinimumContentsLength(1);
@@ -61,7 +61,7 @@ DropDownView* Narrow(DropDownView* list) {
   return list;
 }
 
-/// Lets the fields of all forms begin at one line.
+/// Aligns the left edges of the fields of all forms.
 void AlignFields(const std::array<QWidget*, 2>& forms) {
   int widest = 0;
   for (const QWidget* form : forms) {

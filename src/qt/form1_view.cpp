@@ -130,7 +130,7 @@ QSize Form1View::ShownPart(const QSize& inner, int menuHeight) const {
   const QSize edges(scale_.ToPixels(kWindowEdges.Width), scale_.ToPixels(kWindowEdges.Height) + menuHeight);
   const QSize room = screen()->availableSize() - edges;
   QSize shown = inner.boundedTo(room);
-  // A scroll bar at one edge takes room that the other direction then lacks.
+  // A scroll bar in one direction takes space from the other.
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
   if (shown.height() < inner.height()) shown.setWidth(std::min(inner.width() + bar, room.width()));
   if (shown.width() < inner.width()) shown.setHeight(std::min(inner.height() + bar, room.height()));
@@ -143,7 +143,7 @@ void Form1View::changeEvent(QEvent* event) {
 }
 
 bool Form1View::focusNextPrevChild(bool next) {
-  // The small size shows a corner only; what lies outside cannot be used there.
+  // Skips controls outside the part that is visible at the small size.
   for (std::size_t step = 0; step < views_.size(); ++step) {
     if (!QWidget::focusNextPrevChild(next)) return false;
     const QWidget* now = focusWidget();
@@ -180,7 +180,7 @@ bool ShowUntilHidden(Form1& form) {
 }
 
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
-                    std::function<void(const std::string&)>& onLineTold, QWidget* parent) {
+                    std::function<void(const std::string&)>& onLineMessage, QWidget* parent) {
   QtBoxes boxes;
   Form1 form(mod, line, boxes);
   form.DescribeLine = describeLine;
@@ -188,12 +188,12 @@ void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::stri
   if (!form.Form_Load()) return;
   view.setWindowModality(Qt::ApplicationModal);
   if (parent != nullptr && parent->window()->windowHandle() != nullptr) {
-    view.winId();  // makes the window handle
+    view.winId();  // creates the window handle
     view.windowHandle()->setTransientParent(parent->window()->windowHandle());
   }
-  onLineTold = [&form](const std::string& text) { form.Note.SetText(text); };
-  const auto forget = [](auto* told) { *told = nullptr; };
-  const std::unique_ptr<std::function<void(const std::string&)>, decltype(forget)> whileOpen(&onLineTold);
+  onLineMessage = [&form](const std::string& text) { form.Note.SetText(text); };
+  const auto reset = [](auto* function) { *function = nullptr; };
+  const std::unique_ptr<std::function<void(const std::string&)>, decltype(reset)> whileOpen(&onLineMessage);
   ShowUntilHidden(form, view);
 }
 

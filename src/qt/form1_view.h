@@ -16,9 +16,8 @@
 
 namespace keplo::qt {
 
-/// The main window on screen, built from the table of its controls. Its size is fixed; with a font larger
-/// than the design's a twip takes more pixels, so that everything keeps its room. On a screen with less room
-/// it scrolls. The form outlives it.
+/// The view of the main window, built from the table of its controls. Its size is fixed, but grows with the
+/// font, so that everything fits. On a screen that is too small it scrolls. The form must outlive it.
 class Form1View : public QWidget {
  public:
   explicit Form1View(Form1& form, QWidget* parent = nullptr);
@@ -37,7 +36,7 @@ class Form1View : public QWidget {
   void Rescale();
   double PixelsPerTwip() const;
   void FitSize();
-  /// How much of the window's inside the screen has room for.
+  /// The size of the part of the window's inside that fits on the screen.
   QSize ShownPart(const QSize& inner, int menuHeight) const;
 
   Form1& form_;
@@ -51,19 +50,19 @@ class Form1View : public QWidget {
   ModelLink titleLink_;
   ModelLink sizeLink_;
   ModelLink hideLink_;
-  NewProtocolPlace protocolDialog_;
+  ProtocolDialogHost protocolDialog_;
   std::optional<WaitLine> wait_;
 };
 
-/// Brings a window up and shows it until its form takes it off the screen.
+/// Shows a window until its form hides it.
 /// @return false if the form could not be loaded
 bool ShowUntilHidden(Form1& form);
 
-/// Shows the main window of a host modally until the user leaves it.
-/// @param describeLine what the line is, for a person
-/// @param onLineTold shows what the line tells while the window is open
-/// @param parent it stands over; may be null
+/// Shows the main window modally for a host, until the user closes it.
+/// @param describeLine describes the line in a sentence for the user
+/// @param onLineMessage set to a function that shows messages of the line while the window is open
+/// @param parent the window below it; may be null
 void ShowMainWindow(KeploMod& mod, Win32Ser& line, const std::function<std::string()>& describeLine,
-                    std::function<void(const std::string&)>& onLineTold, QWidget* parent);
+                    std::function<void(const std::string&)>& onLineMessage, QWidget* parent);
 
 }  // namespace keplo::qt

@@ -14,8 +14,8 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr int kListLetters = 110, kListLines = 18;  // room that most remotes need
-constexpr int kCodeLetters = 20;                    // of a column; longer codes are cut
+constexpr int kListLetters = 110, kListLines = 18;  // enough for most remotes
+constexpr int kCodeLetters = 20;                    // initial width of the Code column at most
 
 }  // namespace
 
@@ -68,9 +68,9 @@ void ImportView::ShowRows() {
     item.setText(3, ShownText(row.Fate));
     item.setToolTip(3, ShownText(row.Fate));
     item.setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable |
-                  (row.MayTick ? Qt::ItemIsUserCheckable : Qt::NoItemFlags));
+                  (row.CanTick ? Qt::ItemIsUserCheckable : Qt::NoItemFlags));
     item.setCheckState(0, row.Ticked ? Qt::Checked : Qt::Unchecked);
-    item.setDisabled(!row.MayTick);
+    item.setDisabled(!row.CanTick);
   }
   showing_ = false;
 }

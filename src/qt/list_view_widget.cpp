@@ -12,7 +12,7 @@ namespace keplo::qt {
 
 namespace {
 
-/// Rows with a little air, which plain table rows lack.
+/// Adds some space to rows.
 class RowDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -49,7 +49,7 @@ ListViewWidget::ListViewWidget(ui::ListView& model, QWidget* parent)
   setTabKeyNavigation(false);
   header()->setStretchLastSection(false);
   header()->setSectionsMovable(false);
-  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { TakeSelection(); });
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ApplySelection(); });
   Refresh();
 }
 
@@ -85,7 +85,7 @@ void ListViewWidget::ShowColumnWidths() {
   if (!link_.Alive()) return;
   std::vector<int> widths;
   for (const ui::ListColumn& column : model_.Columns()) widths.push_back(column.Width);
-  if (widths == shownWidths_) return;  // keeps what the user made of them
+  if (widths == shownWidths_) return;  // keeps widths changed by the user
   shownWidths_ = widths;
   for (int column = 0; column < static_cast<int>(widths.size()); ++column) {
     setColumnWidth(column, scale_.ToPixels(widths[static_cast<std::size_t>(column)]));
@@ -101,14 +101,14 @@ void ListViewWidget::ShowSelection() {
   }
 }
 
-void ListViewWidget::TakeSelection() {
+void ListViewWidget::ApplySelection() {
   if (refreshing_ || !link_.Alive()) return;
   const QModelIndexList selected = selectionModel()->selectedRows();
   model_.Select(selected.isEmpty() ? 0 : selected.first().row() + 1);
 }
 
 void ListViewWidget::mousePressEvent(QMouseEvent* event) {
-  if (redraw_.isActive()) Refresh();  // the press means the rows as they are
+  if (redraw_.isActive()) Refresh();  // so that the press hits the current rows
   QTreeView::mousePressEvent(event);
   if (OnMouseDown) OnMouseDown(event->button(), event->globalPosition().toPoint());
 }
@@ -123,7 +123,7 @@ void ListViewWidget::keyPressEvent(QKeyEvent* event) {
 }
 
 void ListViewWidget::contextMenuEvent(QContextMenuEvent* event) {
-  event->accept();  // the press or the key has been the request already
+  event->accept();  // already handled as a mouse or key press
 }
 
 QPoint ListViewWidget::MenuPlace() const {

@@ -12,28 +12,28 @@
 
 namespace keplo::qt {
 
-/// A table of rows over a list view; selections go both ways. Changes of the model are gathered and drawn
-/// when the event loop comes round, so that filling a long list costs one redraw.
+/// The view of a list view; selections are passed in both directions. Changes of the model are collected
+/// until the event loop runs, so that filling a long list causes a single update.
 class ListViewWidget : public QTreeView {
  public:
   ListViewWidget(ui::ListView& model, QWidget* parent);
 
-  /// A mouse button went down on the list, or the key that stands for the right one, at a place in screen
-  /// coordinates: 1 left, 2 right, 4 middle.
+  /// Runs when a mouse button (1 left, 2 right, 4 middle) was pressed on the list, or the menu key, which
+  /// counts as the right button. The place is in screen coordinates.
   std::function<void(int button, const QPoint& place)> OnMouseDown;
 
-  /// Runs after each redraw.
+  /// Runs after each update.
   std::function<void()> OnShown;
 
-  /// Whether the list behind the table is still there.
+  /// Whether the model still exists.
   bool HasModel() const { return link_.Alive(); }
 
-  /// Gives the columns their widths of the model.
+  /// Sets the scale of the model's column widths.
   void SetScale(const TwipScale& scale);
-  /// Pixels to a twip at which every heading fits into its column.
+  /// The smallest scale, in pixels per twip, at which every heading fits its column.
   double PixelsPerTwipForHeadings() const;
 
-  /// Draws changes that are still waiting.
+  /// Shows pending changes at once.
   void Refresh();
 
  protected:
@@ -44,7 +44,7 @@ class ListViewWidget : public QTreeView {
  private:
   void ShowColumnWidths();
   void ShowSelection();
-  void TakeSelection();
+  void ApplySelection();
   QPoint MenuPlace() const;
 
   ui::ListView& model_;

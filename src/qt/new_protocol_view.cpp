@@ -34,7 +34,7 @@ struct ViewMaker {
 
 QWidget* MakeView(NewProtocol& model, const NewProtocolRow& row, QWidget* parent) {
   QWidget* view = std::visit(ViewMaker{model, row, parent}, row.Model);
-  Present(*view, row.Name, row.Caption, row.Tip);
+  SetIdentity(*view, row.Name, row.Caption, row.Tip);
   return view;
 }
 
@@ -48,7 +48,7 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
     : model_(model), titleLink_(model.OnTitleChanged, [this] { setWindowTitle(ShownText(model_.Title())); }) {
   setObjectName(QStringLiteral("NewProtocol"));
   setWindowTitle(ShownText(model.Title()));
-  setWindowModality(Qt::ApplicationModal);  // for a host's window, which has to wait for the main one too
+  setWindowModality(Qt::ApplicationModal);  // like the main window, which a host's window has to wait for
   auto* fields = new QGridLayout;
   for (const NewProtocolRow& row : NewProtocolControls()) {
     if (IsButton(row)) continue;
@@ -58,7 +58,7 @@ NewProtocolView::NewProtocolView(NewProtocol& model)
   whole->addLayout(fields);
   whole->addStretch(1);
   whole->addLayout(Buttons());
-  // The name is only a proposal, and comes in when the dialog is filled.
+  // Selects the proposed name, which is filled in later, so that typing replaces it.
   if (auto* name = findChild<QLineEdit*>(QStringLiteral("CProtIn"))) {
     QTimer::singleShot(0, name, &QLineEdit::selectAll);
   }
@@ -80,10 +80,10 @@ void NewProtocolView::reject() {
   if (titleLink_.Alive()) model_.CancelButton_Click();
 }
 
-NewProtocolPlace::NewProtocolPlace(Form1& form, QWidget& window)
+ProtocolDialogHost::ProtocolDialogHost(Form1& form, QWidget& window)
     : form_(form), window_(window), link_(form.OnProtocolDialog, [this] { Update(); }) {}
 
-void NewProtocolPlace::Update() {
+void ProtocolDialogHost::Update() {
   if (NewProtocol* dialog = form_.ProtocolDialog()) {
     ShowDialog(*dialog);
     return;
@@ -93,9 +93,9 @@ void NewProtocolPlace::Update() {
   view_.reset();
 }
 
-void NewProtocolPlace::ShowDialog(NewProtocol& dialog) {
+void ProtocolDialogHost::ShowDialog(NewProtocol& dialog) {
   view_.reset(new NewProtocolView(dialog));
-  view_->resize(view_->sizeHint());  // adjustSize stops at two thirds of the screen
+  view_->resize(view_->sizeHint());  // adjustSize is limited to two thirds of the screen
   view_->move(window_.geometry().center() - view_->rect().center());
   view_->show();
   view_->activateWindow();

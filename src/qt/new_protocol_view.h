@@ -9,7 +9,7 @@
 
 namespace keplo::qt {
 
-/// The widgets of the protocol dialog over its model.
+/// The view of the protocol dialog.
 class NewProtocolView : public QDialog {
  public:
   explicit NewProtocolView(NewProtocol& model);
@@ -24,13 +24,13 @@ class NewProtocolView : public QDialog {
   ModelLink titleLink_;
 };
 
-/// Puts the protocol dialog of a form in the place of its window, and the window back once it is gone.
-class NewProtocolPlace {
+/// Shows the protocol dialog of a form instead of its window while the dialog is open.
+class ProtocolDialogHost {
  public:
-  NewProtocolPlace(Form1& form, QWidget& window);
+  ProtocolDialogHost(Form1& form, QWidget& window);
 
  private:
-  /// A view may be ended by its own handlers.
+  /// A view may be closed by its own handlers.
   struct HideAndDeleteLater {
     void operator()(NewProtocolView* view) const {
       view->hide();

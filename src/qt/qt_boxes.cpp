@@ -14,7 +14,7 @@ namespace keplo::qt {
 
 namespace {
 
-// Digits after which a pattern may go on in the next line: a sync may be longer than any box is wide.
+// Digits after which a pattern may be broken: a sync may be wider than any box.
 constexpr int kLongestPart = 16;
 constexpr QChar kMayBreak(0x200B);
 
@@ -36,8 +36,8 @@ QString Lines(std::string_view text) {
   return WithBreaks(ShownText(text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
 }
 
-/// A box over the active window. It may go while it is open, together with that window; this counts as a No
-/// or a Cancel.
+/// A box over the active window. If it is destroyed together with that window while it is open, that counts
+/// as No or Cancel.
 template <typename Box>
 class BoxOverWindow {
  public:
@@ -56,7 +56,7 @@ class BoxOverWindow {
   QPointer<Box> box_;
 };
 
-// What a title bar takes beside the title: an icon, buttons and the air around them, letters.
+// Width of the icon, buttons and margins in a title bar, letters.
 constexpr int kTitleBarLetters = 18;
 
 int WidthForTitle(const QWidget& box) {
@@ -64,30 +64,30 @@ int WidthForTitle(const QWidget& box) {
   return letters.horizontalAdvance(box.windowTitle()) + kTitleBarLetters * letters.averageCharWidth();
 }
 
-/// A message box takes no least width; a row of nothing below its others holds it open.
-void MakeRoomForTitle(const QMessageBox& box) {
+/// A message box ignores a minimum width, so an empty row below the others widens it.
+void WidenForTitle(const QMessageBox& box) {
   if (auto* rows = dynamic_cast<QGridLayout*>(box.layout())) {
     rows->addItem(new QSpacerItem(WidthForTitle(box), 0), rows->rowCount(), 0, 1, rows->columnCount());
   }
 }
 
-/// What a message box shows.
+/// The contents of a message box.
 struct BoxContent {
   std::string_view Text, Title;
   QMessageBox::StandardButtons Buttons = QMessageBox::Ok;
-  QMessageBox::StandardButton ForEnter = QMessageBox::Ok;
+  QMessageBox::StandardButton Default = QMessageBox::Ok;
   QMessageBox::Icon Icon = QMessageBox::NoIcon;
   std::string_view Reason = {};
 };
 
 int Ask(const BoxContent& content) {
-  const AskingMeanwhile asking;
+  const BusyPause pause;
   const BoxOverWindow<QMessageBox> box(content.Icon, ShownText(content.Title), Lines(content.Text),
                                        content.Buttons);
-  box->setDefaultButton(content.ForEnter);
+  box->setDefaultButton(content.Default);
   box->setInformativeText(Lines(content.Reason));
   for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
-  MakeRoomForTitle(*box);
+  WidenForTitle(*box);
   return box.Answer();
 }
 
@@ -112,7 +112,7 @@ bool QtBoxes::Question(std::string_view text, std::string_view title) {
 }
 
 std::string QtBoxes::Input(std::string_view text, std::string_view title, std::string_view preset) {
-  const AskingMeanwhile asking;
+  const BusyPause pause;
   const BoxOverWindow<QInputDialog> box;
   box->setWindowTitle(ShownText(title));
   box->setLabelText(Lines(text));

@@ -31,7 +31,8 @@ std::optional<OpenedRemotes> OpenRemotes(QWidget* parent) {
   return opened;
 }
 
-/// The formats as the dialog offers them: the description, and after it in brackets all files.
+/// Sets the formats as the filters of a dialog.
+/// @return their names, in the order of the filters
 std::vector<std::string_view> OfferFormats(QFileDialog& dialog) {
   std::vector<std::string_view> names;
   QStringList filters;
@@ -53,12 +54,12 @@ std::vector<std::string> SaveRemotes(QWidget* parent, const std::vector<Remote>&
   if (dialog.exec() != QDialog::Accepted) return {};
   const std::string path = TypedText(dialog.selectedFiles().value(0));
   const auto format = static_cast<std::size_t>(dialog.nameFilters().indexOf(dialog.selectedNameFilter()));
-  std::vector<Complaint> told;
-  const std::string text = WriteRemotes(names.at(format), remotes, told);
+  std::vector<Complaint> complaints;
+  const std::string text = WriteRemotes(names.at(format), remotes, complaints);
   SaveText(path, text, "Export under another name or into another folder.");
   std::vector<std::string> lost;
-  lost.reserve(told.size());
-  for (const Complaint& complaint : told) lost.push_back(complaint.Message());
+  lost.reserve(complaints.size());
+  for (const Complaint& complaint : complaints) lost.push_back(complaint.Message());
   return lost;
 }
 

@@ -15,10 +15,10 @@ QString ShownCaption(std::string_view text, char accessKey) {
   QString caption = ShownText(text);
   const qsizetype place =
       accessKey == '\0' ? -1 : caption.indexOf(QLatin1Char(accessKey), 0, Qt::CaseInsensitive);
-  const QString ahead = caption.left(place < 0 ? caption.size() : place);
-  const QString behind = place < 0 ? QString() : caption.mid(place);
+  const QString before = caption.left(place < 0 ? caption.size() : place);
+  const QString after = place < 0 ? QString() : caption.mid(place);
   const auto plain = [](QString part) { return part.replace(QLatin1Char('&'), QLatin1String("&&")); };
-  return place < 0 ? plain(ahead) : plain(ahead) + QLatin1Char('&') + plain(behind);
+  return place < 0 ? plain(before) : plain(before) + QLatin1Char('&') + plain(after);
 }
 
 std::string TypedText(const QString& text) { return text.toStdString(); }

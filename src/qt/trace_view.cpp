@@ -17,25 +17,25 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr double kWheelStep = 120;  // of the wheel, eighths of a degree, for twice or half the size
+constexpr double kWheelStep = 120;  // eighths of a degree that double or halve the zoom
 
 const QColor kAxisColour(0x9A, 0x9A, 0x9A), kCursorColour(0xFF, 0xD0, 0x40), kPointerColour(0x7F, 0xD4, 0xFF),
     kNoteColour(0xE0, 0xE0, 0xE0);
-constexpr double kLetterScale = 0.85;  // of the window's
-constexpr int kLettersPerLabel = 12;   // from one label of the axis to the next, at least
+constexpr double kLetterScale = 0.85;  // relative to the font of the window
+constexpr int kLettersPerLabel = 12;   // minimum distance between labels of the axis
 constexpr double kFarAway = 30000;     // pixels or samples
 // Pixels.
 constexpr int kLongTick = 8, kShortTick = 3, kTextGap = 3, kPointerPen = 2;
 
 QColor Shown(ui::Colour colour) { return {colour.Red, colour.Green, colour.Blue}; }
 
-/// Places of the design as pixels of the screen; whatever is drawn covers one of them at least.
+/// Converts design pixels to device pixels. Everything is at least one device pixel wide and high.
 class Grid {
  public:
   Grid(const QRectF& part, const QSize& pixels)
       : part_(part), across_(pixels.width() / part.width()), down_(pixels.height() / part.height()) {}
 
-  /// The level of a sample, up to the place of the next.
+  /// The level of a sample, up to the X of the next one.
   QRect Level(const ui::DrawingSurface::Point& point, double next) const {
     const int left = Across(point.X);
     return {left, Down(point.Y), std::max(1, Across(next) - left), Pen(down_)};
@@ -94,10 +94,10 @@ void TraceView::Draw() {
   if (const auto entry = form_.WaveEntry()) points.insert(points.begin(), *entry);
   QRect last;
   for (std::size_t i = 0; i < points.size(); ++i) {
-    // A level reaches to the next sample, however far it is.
+    // A level extends to the next sample, however far away that is.
     const bool isLast = i + 1 == points.size();
     const QRect dot = grid.Level(points[i], isLast ? form_.WaveEnd() : points[i + 1].X);
-    // A trace that is squeezed puts many samples on one pixel.
+    // At low zoom many samples fall on one pixel.
     if (dot != last) painter.fillRect(dot, Shown(points[i].Pen));
     last = dot;
   }
@@ -176,13 +176,13 @@ void TraceView::DrawNote(QPainter& painter) const {
 
 double TraceView::Across(double sample) const {
   const double across = (form_.WavePlace(sample) - part_.left()) * width() / part_.width();
-  return std::clamp(across, -kFarAway, kFarAway);  // at great zoom it may be beyond all numbers
+  return std::clamp(across, -kFarAway, kFarAway);  // at high zoom it could overflow
 }
 
 int TraceView::Pulse() const { return form_.Pulse(); }
 
 void TraceView::Changed() {
-  // A screen reader hears what the others see.
+  // For screen readers.
   std::string seen = form_.Wave.PointerText(Pulse()) + " " + form_.Wave.CursorText(Pulse());
   if (const std::string& note = form_.Note.Text(); !note.empty()) seen += " " + note;
   setAccessibleDescription(ShownText(seen));
@@ -198,7 +198,7 @@ void TraceView::PointAt(double across) {
 void TraceView::ShowPointer() {
   const double across = Across(form_.Wave.Pointer().value_or(0));
   const double samplesPerPixel = form_.WaveSample(Place(1)) - form_.WaveSample(Place(0));
-  // Out of sight it comes in at a quarter of the box.
+  // If it is not visible, moves it to a quarter of the width.
   if (across < kTextGap || across > width() - kTextGap) Slide((width() / 4.0 - across) * samplesPerPixel);
   Changed();
 }
@@ -226,7 +226,7 @@ void TraceView::mouseMoveEvent(QMouseEvent* event) {
   if (pressedAt_ && (dragging_ || std::abs(x - *pressedAt_) >= QApplication::startDragDistance())) {
     dragging_ = true;
     const double samples = form_.WaveSample(Place(x)) - form_.WaveSample(Place(*pressedAt_));
-    // What is less than a sample is kept for the next move.
+    // Accumulates moves of less than a sample.
     if (std::abs(samples) >= 1) pressedAt_ = x;
     Slide(samples);
   }
@@ -243,9 +243,9 @@ void TraceView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void TraceView::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
-  pressedAt_.reset();  // the release that follows places nothing
+  pressedAt_.reset();  // the release that follows must not place a cursor
   if (!Alive()) return;
-  form_.Wave.TakeCursorBack();  // of the first click
+  form_.Wave.UndoCursor();  // placed by the first click
   form_.FitWave();
 }
 

@@ -10,7 +10,7 @@ namespace keplo::qt {
 
 namespace {
 
-constexpr qint64 kBlink = 150;  // milliseconds
+constexpr qint64 kDelay = 150;  // milliseconds
 constexpr int kMargin = 3;      // pixels
 
 }  // namespace
@@ -37,10 +37,10 @@ void WaitLine::Show(std::string_view text) {
   }
   if (!busy_) Begin();
   QLabel& line = window_.isVisible() ? inWindow_ : alone_;
-  if (&line == &alone_ && since_.elapsed() < kBlink) return;
+  if (&line == &alone_ && since_.elapsed() < kDelay) return;
   line.setText(ShownText(text));
   if (&line == &inWindow_) {
-    // The small size of the window shows no more than a corner of what the line lies over.
+    // At the small size, only a corner of that part may be visible.
     const QRect over(over_.mapTo(&window_, QPoint(0, 0)), over_.size());
     const int width = std::min(over.width(), window_.width());
     const int height = line.heightForWidth(width);
@@ -58,7 +58,7 @@ void WaitLine::Show(std::string_view text) {
 void WaitLine::Begin() {
   since_.start();
   busy_.emplace();
-  // A box that has just closed leaves its picture on the screen until the window is painted.
+  // Removes the traces of a box that has just been closed.
   if (window_.isVisible()) window_.repaint();
 }
 

@@ -172,7 +172,7 @@ class Planner {
   /// Whether a raw command could be taken for a signal, so that it would be heard in its place or silence it.
   bool IsKnownAsRaw(const std::vector<RawLengths>& forms, std::size_t place) {
     if (raw_.Empty()) return false;
-    const RawMatch match = FindLikeRaw(raw_, forms);
+    const RawMatch match = FindSimilarRaw(raw_, forms);
     if (!match.IsSame) return false;
     if (const auto met = codes_.Meets(std::string(match.Digits))) meetings_.emplace_back(place, *met);
     plan_.Keys[place].Fate = KeyFate::Known;
@@ -312,7 +312,7 @@ class Planner {
     for (const std::size_t place : own_) {
       const PlannedKey& key = plan_.Keys[place];
       if (key.SendAs.empty()) continue;
-      plan_.Text = WithWayOf(plan_.Text, wishes_.Section, "G" + key.HeardDigits, key.SendAs);
+      plan_.Text = WithSendAs(plan_.Text, wishes_.Section, "G" + key.HeardDigits, key.SendAs);
     }
   }
 

@@ -12,23 +12,21 @@ namespace keplo {
 
 namespace {
 
-constexpr int kHeadOfFile = 100;                   // a code found so near the head lies among the settings
-constexpr std::int32_t kPauseAfterEvent = 200000;  // microseconds; spaces out the events of a held key
+constexpr int kHeadLength = 100;                   // characters; a match in them is among the settings
+constexpr std::int32_t kPauseAfterEvent = 200000;  // microseconds; separates the events of a held key
 
 std::optional<std::string> FindReference(const std::string& code, Analysis readBy,
                                          const std::string& cfgText) {
-  const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadOfFile, readBy);
-  if (!found) return {};
-  const auto& [matchedProtocol, matchedCommand] = *found;
-  if (matchedProtocol.empty() || matchedCommand.empty() || IsGeneral(matchedProtocol)) return {};
-  return matchedProtocol + "&" + matchedCommand;
+  const std::optional<FoundCommand> found = FindCommand(cfgText, code, kHeadLength, readBy);
+  if (!found || found->Protocol.empty() || found->Command.empty() || IsGeneral(found->Protocol)) return {};
+  return found->Reference();
 }
 
 bool IsBoundTo(const ui::ListView& list, int row, const std::string& reference) {
   return list.Text(row, kInfraredCommand) == reference && IsTrue(list.Text(row, kActivated));
 }
 
-/// Asks the zone hardware where a row names a zone.
+/// Asks the zone hardware if a row requires a zone.
 DispatchEnd TestZone(const ui::ListView& list, int row, const Settings& settings, Win32Ser& line) {
   const int zone = ZoneNumber(list.Text(row, kZone));
   if (zone == 0 || settings.VexilMode <= 0) return DispatchEnd::Walked;
@@ -47,7 +45,7 @@ void DispatchCode(const std::string& code, Analysis readBy, const std::string& c
   if (!reference) return;
   report.Reference = *reference;
 
-  // A handler may add rows, which wait for the next press, or take some away.
+  // Handlers may add rows, which only count for the next press, or remove some.
   const int rows = list.Count();
   for (int row = 1; row <= rows && row <= list.Count(); ++row) {
     if (!IsBoundTo(list, row, *reference)) continue;

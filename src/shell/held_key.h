@@ -10,77 +10,77 @@
 
 namespace keplo {
 
-/// From frame to frame of a held key, at most; 138 ms is the longest that was measured.
+/// The longest time from frame to frame of a held key; 138 ms is the longest that was measured.
 inline constexpr std::chrono::microseconds kLongestPeriod{155'000};
 
-/// When a signal was on air, as whoever watched the line knows it.
+/// When a signal was on air.
 struct AirTime {
   std::chrono::microseconds Begin{0};         // of the first mark
   std::chrono::microseconds End{0};           // of the last mark
-  std::chrono::microseconds SilenceAfter{0};  // known to have followed
-  std::chrono::microseconds WatchedFrom{0};   // from then to Begin nobody looked away from the line
-  int Place = 0;                              // of the receiver
+  std::chrono::microseconds SilenceAfter{0};  // at least this much silence followed
+  std::chrono::microseconds WatchedFrom{0};   // the line was watched without a break from then to Begin
+  int Place = 0;                              // of the receiver, see SignalOrigin
   int Zone = 0;                               // of that place; 0 if it has none
-  std::chrono::microseconds LastFrame{0};     // from Begin to that of the last frame
+  std::chrono::microseconds LastFrame{0};     // from Begin to the beginning of the last frame
 };
 
-/// What a capture tells of the key that sent it.
-struct KeySign {
+/// What a capture reveals about the key that sent it.
+struct KeySignature {
   std::string Digits;  // without the leading G
   Analysis ReadBy = Analysis::First;
   std::int16_t ProtoKind = kUnknown;
-  std::int16_t BaseT = 0;               // samples
-  std::optional<bool> Toggle;           // flips on each new press
-  bool Dittos = false;                  // the frame was repeated by dittos, so a held key sends no frame
-  std::chrono::microseconds Period{0};  // from frame to frame; 0 if only one was heard
-  int Leader = 0;                       // mark of its leader, samples; 0 where it is not known
+  std::int16_t BaseT = 0;      // samples
+  std::optional<bool> Toggle;  // flips on each new press
+  bool Dittos = false;         // repeated by dittos, so that the key sends no frames while it is held
+  std::chrono::microseconds Period{0};  // from frame to frame; 0 if there was only one
+  int Leader = 0;                       // length of the leader mark, samples; 0 if unknown
 };
 
-/// What became of a key.
 enum class KeyChange : std::uint8_t { Pressed, Held, Released };
 
-/// A key from its press on.
+/// A press of a key, so far.
 struct KeyPress {
-  KeySign Sign;
-  std::string Command;                // protocol&command; empty for a code that was not learned
-  int Captures = 0;                   // that were taken of it
-  std::chrono::microseconds Held{0};  // from its first mark to the last one so far
-  int Place = 0;                      // of the receiver
+  KeySignature Signature;
+  std::string Command;                // protocol&command; empty if the code was not learned
+  int Captures = 0;                   // number of captures
+  std::chrono::microseconds Held{0};  // from its first mark to its latest one
+  int Place = 0;                      // of the receiver, see SignalOrigin
   int Zone = 0;                       // of that place; 0 if it has none
 };
 
-/// Makes of the captures of a line what people mean by a press: one key, pressed, held and let go.
+/// Turns the captures of a line into presses as a person understands them: a key is pressed, held and
+/// released.
 ///
-/// A key counts as let go when for two periods of its protocol nothing came: a remote that is moved may lose
-/// a repeat. A whole frame that comes where a held key sends none is the next press. Where nobody watched the
-/// line between two captures, as during the pause after an event, nothing but the silence right before and
-/// right after is known; neither may be longer than one period then.
+/// A key counts as released after two periods of its protocol without a signal, since a remote in motion may
+/// lose a repeat. A complete frame at a time when a held key would not send one is a new press. If the line
+/// was not watched between two captures, as during the pause after an event, only the silence right before
+/// and right after is known; then neither may exceed one period.
 class HeldKey {
  public:
-  /// The key that is held; none if none is.
-  const std::optional<KeyPress>& Pressed() const { return press_; }
+  /// The press of the key that is held; none if there is none.
+  const std::optional<KeyPress>& Press() const { return press_; }
 
-  /// Whether a signal goes on with the press, as its dittos would.
-  bool FollowsOn(const AirTime& air) const;
-  /// Takes in a signal with a code: it goes on with the press, or begins a new one.
-  /// @return the press that ended before it
-  std::optional<KeyPress> Hear(const KeySign& sign, const AirTime& air);
-  /// Takes in a signal without digits that says that the key is still held.
+  /// Whether a signal comes early enough to continue the press.
+  bool IsContinuedAt(const AirTime& air) const;
+  /// Adds a signal with a code, which continues the press or begins a new one.
+  /// @return the press that it ended
+  std::optional<KeyPress> Hear(const KeySignature& signature, const AirTime& air);
+  /// Adds a ditto: a signal without digits that says that the key is still held.
   void HearDitto(const AirTime& air);
-  /// Takes in a signal that cannot be read: it may be of the key, but not twice in a row.
+  /// Adds a signal that cannot be read. It may continue the press, but not twice in a row.
   void HearUnread(const AirTime& air);
-  void Name(const std::string& command);
+  void SetCommand(const std::string& command);
 
-  /// When the key counts as let go unless a signal begins before.
-  /// @param watchedFrom from then on nobody looked away from the line
-  std::chrono::microseconds LetGoAt(std::chrono::microseconds watchedFrom) const;
+  /// When the key counts as released unless a signal begins earlier.
+  /// @param watchedFrom the line has been watched without a break from then on
+  std::chrono::microseconds ReleaseTime(std::chrono::microseconds watchedFrom) const;
   /// Ends the press.
-  std::optional<KeyPress> LetGo();
+  std::optional<KeyPress> Release();
 
  private:
-  bool IsSamePress(const KeySign& sign, const AirTime& air) const;
+  bool IsSamePress(const KeySignature& signature, const AirTime& air) const;
   bool IsInTime(const AirTime& air) const;
-  void GoOn(const AirTime& air);
+  void Extend(const AirTime& air);
 
   std::optional<KeyPress> press_;
   std::chrono::microseconds begin_{0};

@@ -22,13 +22,13 @@ namespace {
 constexpr std::int32_t kAddMode = 0;
 constexpr std::int32_t kEditMode = 1;
 
-void TellHost(HostInputEvent& objInputEvent, const clsKeploEvent& event) {
+void CopyToHost(HostInputEvent& objInputEvent, const clsKeploEvent& event) {
   objInputEvent.EventName = event.EventName;
   objInputEvent.EventDescription = event.EventDescription;
   objInputEvent.EventCommand = event.IRCommand;
 }
 
-/// Deletes the current row. That a power cut may bring it back is told to nobody.
+/// Deletes the current row. That a power cut may restore it is not reported.
 void DeleteRow(Recordset& rows) {
   try {
     rows.Delete();
@@ -44,7 +44,7 @@ std::int32_t Keplo::InputAddEvent(HostInputEvent& objInputEvent) try {
   event->EventID = objInputEvent.EventID;
   if (!dialog.ShowMe(kAddMode, *event, windows_.EventDialog)) return kInputCancelled;
   if (!m_EventCollection.Save(kAddMode, event)) return kInputFailed;
-  TellHost(objInputEvent, *event);
+  CopyToHost(objInputEvent, *event);
   AppendEventRow(ListView1, *event);
   return kInputDone;
 } catch (const std::exception& failure) {
@@ -61,13 +61,12 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
   std::int32_t result = kInputCancelled;
   if (dialog.ShowMe(kEditMode, *event, windows_.EventDialog)) {
     result = m_EventCollection.Save(kEditMode, event) ? kInputDone : kInputFailed;
-    if (result == kInputDone) TellHost(objInputEvent, *event);
+    if (result == kInputDone) CopyToHost(objInputEvent, *event);
   }
-  // Collection and list go together: both have a change that could not be stored, until TakeInChanges brings
-  // back what the table has. After a change that met another program's, the collection has the event as that
-  // program left it.
-  const auto present = m_EventCollection.Item(key);
-  UpdateEventRow(ListView1, present != nullptr ? *present : *event);
+  // Shows what the collection has: even a change that could not be stored, until TakeInChanges reverts it.
+  // After a conflict with another program, that is the event as that program left it.
+  const auto current = m_EventCollection.Item(key);
+  UpdateEventRow(ListView1, current != nullptr ? *current : *event);
   return result;
 } catch (const std::exception& failure) {
   return ReportFailure("InputModifyEvent", failure);
@@ -79,16 +78,16 @@ std::int32_t Keplo::InputDeleteEvent(const HostInputEvent& objInputEvent) {
   ListView1.Remove(row);
   m_EventCollection.Remove(EventKey(objInputEvent.EventID));
   listDiffersFromMap_ = true;
-  mod_.modData->DoubtWhatWasRead();  // a row that stays in the table comes back to the list
+  mod_.modData->MarkStale();  // if the row stays in the table, it will return to the list
   if (mod_.modData->CheckConnection() != 1) return kInputFailed;
   try {
     Recordset rows;
     rows.Open(EventWithID(objInputEvent.EventID), mod_.modData->Connection());
     listDiffersFromMap_ = !rows.Eof();
     DeleteRow(rows);
-    listDiffersFromMap_ = !rows.Eof();  // a table of an earlier release may hold an EventID twice
+    listDiffersFromMap_ = !rows.Eof();  // the table of an older release may have an EventID twice
   } catch (const std::exception&) {
-    // A step that fails is skipped, and nobody is told.
+    // Failures of these steps are not reported.
   }
   return kInputDone;
 }
@@ -132,14 +131,14 @@ std::int32_t Keplo::InputPostHTMLPage(std::string& szHTML) const {
 
 void Keplo::OpenMainWindow() {
   if (windowOpen_) return;
-  TellReleased(keys_.LetAllGo());
-  Timer1.SetEnabled(false);  // only the window touches line and text while it is open
+  ReportReleased(keys_.ReleaseAll());
+  Timer1.SetEnabled(false);  // only the window uses line and text while it is open
   mod_.Settings.PluginMode = 1;
   windowOpen_ = true;
   try {
     if (windows_.OpenMainWindow) windows_.OpenMainWindow();
   } catch (const std::exception& failure) {
-    ReportFailure("OpenMainWindow", failure);  // monitoring goes on as after a window that was closed
+    ReportFailure("OpenMainWindow", failure);  // monitoring continues as if the window had been closed
   }
   windowOpen_ = false;
 }

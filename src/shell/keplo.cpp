@@ -15,7 +15,7 @@ namespace {
 constexpr int kOpenAttempts = 5;
 constexpr std::int32_t kPauseBetweenAttempts = 200000;  // microseconds
 
-// Design places of the event list and the room that frame and status panel take beside it, twips.
+// The position of the event list, and the space taken by frame and status panel, twips.
 constexpr int kListLeft = 120, kListTop = 2040;
 constexpr int kListWidthMargin = 300, kListHeightMargin = 1900;
 
@@ -109,8 +109,8 @@ void Keplo::TakeInChanges() {
   TakeInConfiguration();
 }
 
-bool Keplo::WantsAnotherLook() const {
-  return initialised_ && !terminated_ && mod_.modData->WantsAnotherLook();
+bool Keplo::NeedsAnotherCheck() const {
+  return initialised_ && !terminated_ && mod_.modData->NeedsAnotherCheck();
 }
 
 void Keplo::TakeInConfiguration() try {
@@ -123,27 +123,27 @@ void Keplo::TakeInConfiguration() try {
                               "other program wrote is kept in a file beside it then.");
   }
   if (reload == Reload::NothingNew) return;
-  toldConfigurationFailure_.clear();
-  mod_.Store.TookInOtherText = false;
+  reportedConfigurationFailure_.clear();
+  mod_.Store.MergedOtherText = false;
   Settings settings = mod_.Settings;
   if (ReadSettings(mod_.Store, settings).Complete()) TakeInSettings(settings);
 } catch (const std::exception& failure) {
-  // The next look comes soon and would meet the same.
-  if (std::exchange(toldConfigurationFailure_, failure.what()) == failure.what()) return;
+  // The next check comes soon and would fail in the same way.
+  if (std::exchange(reportedConfigurationFailure_, failure.what()) == failure.what()) return;
   ReportFailure("TakeInChanges", failure);
 }
 
 void Keplo::TakeInSettings(const Settings& settings) {
   const bool otherPort = !triedPort_ || settings.ComPortNr != mod_.Settings.ComPortNr;
-  const bool zonesComeOn = settings.VexilMode != 0 && mod_.Settings.VexilMode == 0;
+  const bool zonesSwitchedOn = settings.VexilMode != 0 && mod_.Settings.VexilMode == 0;
   mod_.Settings = settings;
   if (otherPort) return OpenPort();
   Panel.ShowVexil(mod_.Settings.VexilMode != 0);
-  if (zonesComeOn) line_.SetMode(2);
+  if (zonesSwitchedOn) line_.SetMode(2);
   ShowInterface();
 }
 
-std::string Keplo::WhyNotInitialised() const {
+std::string Keplo::InitialiseFailure() const {
   const std::shared_ptr<const HostErrorRecord> row = m_EventCollection.ErrorRecord();
   return row != nullptr ? row->ErrorDescription : mod_.modData->ErrorDetails().ErrorDescription;
 }
@@ -158,7 +158,7 @@ std::int32_t Keplo::InputStartMonitoring() {
 }
 
 std::int32_t Keplo::InputStopMonitoring() {
-  TellReleased(keys_.LetAllGo());
+  ReportReleased(keys_.ReleaseAll());
   Monitoring = false;
   Timer1.SetEnabled(false);
   RefreshStatusPanel();
@@ -166,10 +166,11 @@ std::int32_t Keplo::InputStopMonitoring() {
 }
 
 std::int32_t Keplo::InputTerminate() {
-  // A host may forget to stop, or come from inside a tick; a tick would read a closed port.
+  // A host may not have stopped monitoring, or may call this from inside a tick; no further tick may read the
+  // port.
   terminated_ = true;
   Timer1.SetEnabled(false);
-  TellReleased(keys_.LetAllGo());
+  ReportReleased(keys_.ReleaseAll());
   HostObject.reset();
   ErrorDetails.reset();
   line_.CloseCom();
@@ -185,24 +186,23 @@ void Keplo::Resize(int width, int height) {
 }
 
 void Keplo::RaiseError(HostErrorRecord& record) const {
-  bool stopping = false;  // nothing that fails here stops the plug-in
+  bool stopping = false;  // no failure stops the plug-in
   try {
     if (TriggerInputErrorCondition) TriggerInputErrorCondition(record, stopping);
   } catch (...) {
-    // The host's error handler failed too. Operations end with their own results all the same, and
-    // ErrorDetails keeps the record.
+    // The host's error handler failed too. ErrorDetails still has the record.
   }
 }
 
 std::int32_t Keplo::ReportFailure(std::string_view procedure, const std::exception& failure) noexcept try {
-  // The host's handler may release the record; it lives to the end of the report.
+  // Keeps the record alive, since the host's handler may end in InputTerminate.
   const auto record = std::make_shared<HostErrorRecord>(
       ErrorRecordOf(failure, "InputKeplo.Keplo", std::string(procedure), ui::RecordDate(clock_.Now())));
   ErrorDetails = record;
   RaiseError(*record);
   return 0;
 } catch (...) {
-  return 0;  // there is no memory left for the record
+  return 0;  // out of memory
 }
 
 }  // namespace keplo

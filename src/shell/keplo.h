@@ -27,151 +27,152 @@
 
 namespace keplo {
 
-/// What one tick met, for programs that tell a person why a press did nothing. The monitor itself says
-/// nothing.
+/// The result of one tick, for programs that explain to a person why a press did nothing.
 struct TickReport {
   bool Captured = false;
   MonitorReading Reading;
   DispatchReport Dispatched;
 };
 
-/// A press of a key within a capture, which may hold another one.
+/// One of the presses of a key in a capture.
 struct MonitoredTap {
   AirTime OnAir;
-  std::chrono::microseconds Period{0};  // from frame to frame; 0 if only one was heard
+  std::chrono::microseconds Period{0};  // from frame to frame; 0 if there was only one
   std::optional<bool> Toggle;
-  bool IsOver = false;  // another one follows
+  bool IsOver = false;  // another press follows
 };
 
-/// When the line was looked at.
-struct LineWatch {
+/// When the line was checked for a signal.
+struct WatchState {
   AirTime OnAir;                             // of the last capture
-  std::chrono::microseconds LookedAt{0};     // last
-  std::chrono::microseconds PausedUntil{0};  // again after a pause
-  std::chrono::microseconds WatchedFrom{0};  // the same of a line that has missed what came in the pause
-  bool LookedAway = false;                   // a capture was taken since
-  bool Kept = false;  // most of the last signal was on air in a pause, for which the line has kept it
+  std::chrono::microseconds LookedAt{0};     // the last check
+  std::chrono::microseconds PausedUntil{0};  // the first check after the last pause
+  std::chrono::microseconds WatchedFrom{0};  // the same, if signals during the pause were missed
+  bool LookedAway = false;                   // a capture was taken since the last check
+  bool Kept = false;  // most of the last signal was on air during a pause, and the line has kept it
 };
 
-/// What the control shows beside its own display.
+/// The windows that the control opens.
 struct KeploWindows {
   ui::Boxes& Boxes;
   EventDialogShower& EventDialog;
-  /// Shows the configuration window modally; none where there is no window to show.
+  /// Shows the configuration window modally; empty if there is no window.
   std::function<void()> OpenMainWindow = {};
-  bool HasDisplay = true;  // without one no window is shown, and nothing can have been configured
-  /// Runs when the port did not open at once, before it is tried again.
+  bool HasDisplay = true;  // if not, the windows do nothing
+  /// Runs if the port did not open at the first attempt.
   std::function<void()> PortRefused = {};
 };
 
-/// The control that the host creates: monitors the line, holds the event list, raises the input events.
-/// Everything runs on the one thread of its owner, who calls Timer1.Tick.
+/// The control that the host creates: monitors the line, holds the event list and raises input events. It
+/// runs on the thread of its owner, who calls Timer1.Tick.
 class Keplo {
  public:
-  /// Start-up: loads keplo.cfg, reads the settings, opens the port in up to five attempts, fills the panel.
-  /// Settings that are incomplete leave the port closed and the panel's texts as designed.
+  /// Loads keplo.cfg, reads the settings, opens the port in up to five attempts and fills the panel. If the
+  /// settings are incomplete, the port stays closed and the panel keeps its initial texts.
   /// @throws Failure if keplo.cfg cannot be read
   Keplo(KeploMod& mod, Win32Ser& line, const KeploWindows& windows, const ui::Clock& clock);
   Keplo(const Keplo&) = delete;
   Keplo& operator=(const Keplo&) = delete;
 
-  /// Loads the event map into collection and list.
+  /// Loads the event map into the collection and the list.
   /// @param velmora the host object; kept until InputTerminate
-  /// @return 1 if the event map was loaded, 0 if not
+  /// @return 1 if the event map was loaded, otherwise 0
   std::int32_t InputInitialise(std::shared_ptr<void> velmora);
-  /// Why InputInitialise gave 0, for a person.
-  std::string WhyNotInitialised() const;
+  /// Why InputInitialise returned 0, for the user.
+  std::string InitialiseFailure() const;
   std::int32_t InputStartMonitoring();
   std::int32_t InputStopMonitoring();
   bool InputMonitoring() const { return Monitoring; }
   std::int32_t InputTerminate();
 
-  /// Lets the user bind a new event, whose EventID the host has given, to a command.
-  /// @return 1 with name, description and command written to the host's object, 0 for a failure, 2 if the
-  ///         user cancelled
+  /// Lets the user bind a new event, with an EventID from the host, to a command.
+  /// @return 1 with name, description and command stored in the host's object, 0 for a failure, 2 if the user
+  ///         cancelled
   std::int32_t InputAddEvent(HostInputEvent& objInputEvent);
-  /// Lets the user change the event with the host's EventID; results as InputAddEvent.
+  /// Lets the user edit the event with the host's EventID; returns the same as InputAddEvent.
   std::int32_t InputModifyEvent(HostInputEvent& objInputEvent);
-  /// @return 1 if the event is gone from list, collection and table; 0 if it is not in the list or the
-  ///         database cannot be reached
+  /// @return 1 if the event was deleted from list, collection and table; 0 if it is not in the list or the
+  /// database
+  ///         cannot be reached
   std::int32_t InputDeleteEvent(const HostInputEvent& objInputEvent);
-  /// The identifiers of all events in list order; one empty text for an empty list.
+  /// The EventIDs of all events in list order; a single empty text if the list is empty.
   /// @return 1
   std::int32_t InputHouseKeepingGetEventIDs(std::vector<std::string>& eventIDs) const;
   std::string InputIconFileName() const;
   void InputDisplayAboutBox();
-  /// The one item of the plug-in's menu.
+  /// The only item of the plug-in's menu.
   /// @return 1
   std::int32_t InputGetPluginMenuItems(std::vector<std::string>& mnuItems) const;
   std::int32_t InputGetPluginVersion(std::string& szVersion) const;
   std::int32_t InputGetHTMLPage(std::string& szHTML) const;
   std::int32_t InputPostHTMLPage(std::string& szHTML) const;
-  /// Takes in what other programs have written to the event map and to keplo.cfg: list, pages, panel and port
-  /// follow. For whoever runs the control to call now and then, between two ticks; costs next to nothing
-  /// while nothing has changed. Does nothing inside a tick and while the configuration window is open.
+  /// Updates list, pages, panel and port to what other programs have written to the event map and to
+  /// keplo.cfg. The owner calls this from time to time between ticks; it costs next to nothing if nothing has
+  /// changed. Does nothing inside a tick and while the configuration window is open.
   void TakeInChanges();
-  /// Whether a change of the event map could not be taken in yet, as while another program holds a lock.
-  bool WantsAnotherLook() const;
-  /// Whether an event was taken off the list whose row could not be deleted; TakeInChanges brings it back.
+  /// Whether a change of the event map could not be taken in yet, for example because of another program's
+  /// lock.
+  bool NeedsAnotherCheck() const;
+  /// Whether an event was removed from the list although its row could not be deleted; TakeInChanges restores
+  /// it.
   bool ListDiffersFromMap() const { return listDiffersFromMap_; }
-  /// The highest number that was the EventID of a deleted event; 0 for none.
+  /// The highest numeric EventID of a deleted event; 0 if there is none.
   /// @throws Failure if the event map cannot be read
   std::int64_t HighestUsedUpEventID();
 
-  /// Opens the configuration window for the menu item 0; any other item only puts the lines right.
+  /// Opens the configuration window for menu item 0; any other item only restores the resting lines.
   /// @return true
   bool InputCallMenuItem(std::int16_t index);
   /// Opens the configuration window.
   /// @return 1
   std::int32_t InputConfigurePlugin();
 
-  /// The record that InputInitialise made or the last one that an error path stored; none after
-  /// InputTerminate.
+  /// The record of the last failure; empty after InputInitialise, none after InputTerminate.
   std::shared_ptr<HostErrorRecord> InputErrorDetails() const { return ErrorDetails; }
 
-  /// Fits frame and list into the control.
+  /// Fits the frame and the list into the control.
   /// @param width, height the control's size, twips
   void Resize(int width, int height);
 
-  /// A press of a mouse button on the event list; 2 is the right one.
+  /// @param button the mouse button pressed on the event list; 2 is the right one
   void ListView1_MouseDown(int button);
   void EnableMenu_Click() { SwitchSelectedEvent(true); }
   void DisableMenu_Click() { SwitchSelectedEvent(false); }
   void HelpMenu_Click();
 
-  /// Tells the host of a failure and keeps its record for InputErrorDetails. A host whose handler fails too
-  /// is left alone.
+  /// Reports a failure to the host and keeps its record for InputErrorDetails. A failure of the host's
+  /// handler is ignored.
   /// @return 0
   std::int32_t ReportFailure(std::string_view procedure, const std::exception& failure) noexcept;
 
-  /// The host's handlers; they run inside the call that raises the event.
+  /// The host's handlers, called synchronously.
   std::function<void(HostInputEvent&)> TriggerInputEvent;
   std::function<void(HostErrorRecord&, bool& blnStopping)> TriggerInputErrorCondition;
 
-  /// A key was pressed, is held on, or was let go. The first two run before the input events of the same
-  /// capture, one of them for each capture with a code, learned or not; both for two taps within one.
+  /// A key was pressed, is still held, or was released. Each capture with a code, learned or not, causes one
+  /// of the first two before its input events, or both if it contains two taps.
   std::function<void(KeyChange, const KeyPress&)> OnKey;
-  /// What time it is on the line: that of the machine, but for a line that plays at its own pace.
+  /// The time on the line: that of the machine, except for a line that plays at its own pace.
   std::function<std::chrono::microseconds()> LineTime;
-  /// For how long no tick is needed to find that the key was let go; none while none is held.
-  std::optional<std::chrono::microseconds> MayHold() const;
+  /// How long ticks may be skipped without noticing a release late; none while no key is held.
+  std::optional<std::chrono::microseconds> TimeToRelease() const;
 
   StatusPanel Panel;
   ui::ListView ListView1;
   ui::Timer Timer1{2};
   ui::PopupMenu RightClickMenu;
-  int FrameWidth = 0, FrameHeight = 0;  // twips; the frame stands at left 0, top 0
+  int FrameWidth = 0, FrameHeight = 0;  // twips; the frame is at left 0, top 0
 
   const TickReport& LastTick() const { return lastTick_; }
-  /// Whether the last capture holds nothing but NEC's signs of a held key, which have no code.
-  bool HeardHeldSigns();
-  /// Runs when the port has been opened, or could not be, for another reason than the start-up.
+  /// Whether the last capture contains nothing but NEC's dittos, which have no code.
+  bool HasOnlyDittos();
+  /// Runs after each attempt to open the port except that of the constructor.
   std::function<void()> OnPortOpened;
-  /// Runs after a tick that took a capture, for programs that tell a person what became of it.
+  /// Runs after a tick that took a capture, for programs that report the outcome to a person.
   std::function<void(const TickReport&)> OnPress;
-  /// Whether a capture may be told by its beep, beside what the user has chosen; empty: each may.
+  /// Whether a capture may beep if the user has enabled beeps; empty means always.
   std::function<bool()> MayBeep;
-  /// Runs with each signal that a tick has heard, code or none, before the pause after its first event.
+  /// Runs once for each signal received, with or without a code, before the pause after its first event.
   std::function<void(const TickReport&)> OnHeard;
 
  private:
@@ -183,29 +184,29 @@ class Keplo {
   void ShowInterface();
   void Timer1_Timer();
   void Tick();
-  template <typename Part>
-  void Reporting(Part part);
+  template <typename Action>
+  void RunAndReport(Action action);
   void RaiseInputEvent(HostInputEvent& event);
   bool LineIsAtRest();
   void Capture();
   void ReadAndDispatch();
-  bool RepeatsHeldKey(MonitorReading& reading);
-  void CompleteTurn(MonitorReading& reading);
-  void TakeHeldRawKey(MonitorReading& reading);
+  bool ReadAsDitto(MonitorReading& reading);
+  void ReadAsHeldPair(MonitorReading& reading);
+  void ReadAsHeldRawKey(MonitorReading& reading);
   std::vector<MonitoredTap> TapsOf(const MonitorReading& reading);
   std::size_t SecondTapIn(std::span<const TimedPiece> pieces, const MonitorReading& reading);
   void HearCode(const MonitorReading& reading, const MonitoredTap& tap);
-  void TellCode(const MonitorReading& reading);
-  bool WasHeldInThePause();
+  void HandleCode(const MonitorReading& reading);
+  bool WasHeldDuringPause();
   void Dispatch(const MonitorReading& reading);
-  void LookAgain();
+  void NoteCheck();
   void TimeCapture(std::chrono::microseconds begin);
-  void LetGoIfOver();
-  void TellHeard();
-  void TellReleased(const std::vector<KeyPress>& ended);
+  void ReleaseDueKeys();
+  void ReportHeard();
+  void ReportReleased(const std::vector<KeyPress>& ended);
   /// The key at the receiver of the last capture.
   HeldKey& Key() { return keys_.Of(watch_.OnAir.Place); }
-  void TellKey(KeyChange change, const KeyPress& key);
+  void ReportKey(KeyChange change, const KeyPress& key);
   void OpenMainWindow();
   void SetTimer();
   void SaveConfiguration();
@@ -225,13 +226,13 @@ class Keplo {
   bool terminated_ = false;
   bool initialised_ = false;
   bool windowOpen_ = false;
-  bool triedPort_ = false;  // the settings were complete once
+  bool triedPort_ = false;  // OpenPort has run
   bool listDiffersFromMap_ = false;
-  std::string toldConfigurationFailure_;
+  std::string reportedConfigurationFailure_;
   TickReport lastTick_;
   HeldKeys keys_;
-  LineWatch watch_;
-  bool toldHeard_ = false;  // the signal of the last capture
+  WatchState watch_;
+  bool heardReported_ = false;  // OnHeard has run for the last capture
 };
 
 }  // namespace keplo

@@ -16,11 +16,10 @@ using std::chrono::microseconds;
 using std::chrono_literals::operator""ms;
 using std::chrono_literals::operator""us;
 
-/// No frame slips by between two looks that are no further apart, as those before and after a tick without an
-/// event are.
-constexpr microseconds kBlink = 20ms;
+/// Checks of the line that are not further apart, like those around a tick without an event, miss no frame.
+constexpr microseconds kLongestBlink = 20ms;
 
-/// The same behind the leader of NEC, where 124 ms is the longest that was measured.
+/// Replaces kLongestPeriod after a NEC leader, where 124 ms is the longest that was measured.
 constexpr microseconds kLongestNecPeriod = 137ms;
 constexpr microseconds kNecLeader = 7500us;
 
@@ -38,12 +37,12 @@ microseconds LengthOfSignal(const std::string& capture, double sampleTime) {
 
 }  // namespace
 
-void Keplo::LookAgain() {
+void Keplo::NoteCheck() {
   const microseconds now = LineTime();
   if (std::exchange(watch_.LookedAway, false)) watch_.WatchedFrom = 0ms;
-  if (now - watch_.LookedAt > kBlink) {
+  if (now - watch_.LookedAt > kLongestBlink) {
     watch_.PausedUntil = now;
-    // A line that knows when signals were on air has missed none.
+    // A line that knows when signals were on air has not missed any.
     if (line_.Origin() == nullptr) watch_.WatchedFrom = now;
   }
   watch_.LookedAt = now;
@@ -66,30 +65,33 @@ void Keplo::TimeCapture(microseconds begin) {
                   watch_.WatchedFrom};
 }
 
-/// Whether a capture without digits says that the key is still held; it reads as the code of the key then.
-bool Keplo::RepeatsHeldKey(MonitorReading& reading) {
-  if (mod_.Settings.Analysis != Analysis::Second || !Key().FollowsOn(watch_.OnAir)) return false;
-  const KeySign& sign = Key().Pressed()->Sign;
+/// Recognises a capture of dittos, which mean that the key is still held, and reads it as the code of that
+/// key.
+bool Keplo::ReadAsDitto(MonitorReading& reading) {
+  if (mod_.Settings.Analysis != Analysis::Second || !Key().IsContinuedAt(watch_.OnAir)) return false;
+  const KeySignature& key = Key().Press()->Signature;
   SignalState& signal = mod_.Signal;
-  if (sign.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), sign.BaseT, sign.Leader))
+  if (key.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), key.BaseT, key.Leader))
     return false;
   Key().HearDitto(watch_.OnAir);
   reading.Ended = Stage::Code;
-  reading.ReadBy = sign.ReadBy;
-  reading.Digits = sign.Digits;
+  reading.ReadBy = key.ReadBy;
+  reading.Digits = key.Digits;
   return true;
 }
 
-bool Keplo::HeardHeldSigns() {
+bool Keplo::HasOnlyDittos() {
   SignalState& signal = mod_.Signal;
   return AreDittos(signal.Runs.Read(signal.Samples), signal.Measured.BaseT, 0);
 }
 
-/// A capture of a held key with two alternating frames may hold a single one, which is no code then.
-void Keplo::CompleteTurn(MonitorReading& reading) {
-  if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() || !Key().FollowsOn(watch_.OnAir))
+/// The code of a key with two alternating frames consists of both. A capture during a hold may have only one
+/// of them; it then gets the whole code.
+void Keplo::ReadAsHeldPair(MonitorReading& reading) {
+  if (mod_.Settings.Analysis != Analysis::Second || reading.Digits.empty() ||
+      !Key().IsContinuedAt(watch_.OnAir))
     return;
-  const std::string_view both = Key().Pressed()->Sign.Digits;
+  const std::string_view both = Key().Press()->Signature.Digits;
   const std::size_t half = both.size() / 2;
   if (both.size() % 2 != 0 || reading.Digits.size() != half) return;
   if (both.substr(0, half) != reading.Digits && both.substr(half) != reading.Digits) return;
@@ -98,18 +100,18 @@ void Keplo::CompleteTurn(MonitorReading& reading) {
   reading.Digits = both;
 }
 
-/// A capture of a held key whose command is raw may begin with any frame of its press.
-void Keplo::TakeHeldRawKey(MonitorReading& reading) {
-  if (reading.Ended == Stage::Raw || !Key().FollowsOn(watch_.OnAir)) return;
-  const KeySign& sign = Key().Pressed()->Sign;
-  TakeHeldRaw(mod_.Store, mod_.Signal, sign.Digits, sign.Toggle, reading);
+/// A capture of a held raw key may begin with any frame of its press.
+void Keplo::ReadAsHeldRawKey(MonitorReading& reading) {
+  if (reading.Ended == Stage::Raw || !Key().IsContinuedAt(watch_.OnAir)) return;
+  const KeySignature& key = Key().Press()->Signature;
+  ReadAsHeldRaw(mod_.Store, mod_.Signal, key.Digits, key.Toggle, reading);
 }
 
-/// Which piece of a capture begins a second tap of its key; 0 if none does.
+/// Index of the piece of a capture that begins a second tap of its key; 0 if there is none.
 std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const MonitorReading& reading) {
   if (mod_.Settings.Analysis != Analysis::Second) return 0;
   if (reading.SecondTap > 0) {
-    constexpr int kNear = 10;  // samples; glitches are told apart from the signal in the one place only
+    constexpr int kNear = 10;  // samples; the pieces still contain glitches
     const auto begins = [&](const TimedPiece& piece) { return piece.Begin + kNear >= reading.SecondTap; };
     const auto second = std::find_if(pieces.begin(), pieces.end(), begins);
     return second == pieces.end() ? 0 : static_cast<std::size_t>(second - pieces.begin());
@@ -122,8 +124,8 @@ std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const Monitor
   } else if (TimeOfSamples(reading.Leader, signal.SampleTime) >= kNecLeader) {
     longest = kLongestNecPeriod;
   }
-  const bool goesOn = Key().FollowsOn(watch_.OnAir) && Key().Pressed()->Sign.Digits == reading.Digits;
-  const microseconds heard = goesOn ? Key().Pressed()->Sign.Period : 0us;
+  const bool goesOn = Key().IsContinuedAt(watch_.OnAir) && Key().Press()->Signature.Digits == reading.Digits;
+  const microseconds heard = goesOn ? Key().Press()->Signature.Period : 0us;
   const auto samples = [&](microseconds time) {
     return static_cast<double>(time.count()) / signal.SampleTime;
   };
@@ -136,9 +138,9 @@ std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
   const std::size_t second = SecondTapIn(pieces, reading);
   const auto at = [&](int samples) { return TimeOfSamples(samples, signal.SampleTime); };
   const auto tapOf = [&](std::span<const TimedPiece> tap) {
-    MonitoredTap told{watch_.OnAir, at(FramePeriod(tap)), reading.Toggle};
-    if (!tap.empty()) told.OnAir.LastFrame = at(tap.back().Begin - tap.front().Begin);
-    return told;
+    MonitoredTap result{watch_.OnAir, at(FramePeriod(tap)), reading.Toggle};
+    if (!tap.empty()) result.OnAir.LastFrame = at(tap.back().Begin - tap.front().Begin);
+    return result;
   };
   if (second == 0) return {tapOf(pieces)};
   const std::span<const TimedPiece> all = pieces;
@@ -154,38 +156,38 @@ std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
 }
 
 void Keplo::HearCode(const MonitorReading& reading, const MonitoredTap& tap) {
-  const KeySign sign = {reading.Digits,
-                        reading.ReadBy.value_or(Analysis::First),
-                        mod_.Signal.Measured.ProtoKind,
-                        mod_.Signal.Measured.BaseT,
-                        tap.Toggle,
-                        reading.Dittos,
-                        tap.Period,
-                        reading.Leader};
+  const KeySignature signature = {reading.Digits,
+                                  reading.ReadBy.value_or(Analysis::First),
+                                  mod_.Signal.Measured.ProtoKind,
+                                  mod_.Signal.Measured.BaseT,
+                                  tap.Toggle,
+                                  reading.Dittos,
+                                  tap.Period,
+                                  reading.Leader};
   watch_.OnAir = tap.OnAir;
-  if (const auto ended = Key().Hear(sign, watch_.OnAir)) TellReleased({*ended});
+  if (const auto ended = Key().Hear(signature, watch_.OnAir)) ReportReleased({*ended});
 }
 
-/// Whether a capture goes on with a press and was on air during the pause after its last event, in which no
-/// tick can raise one. Its event would come later and later, and long after the key was let go. The first
-/// analysis raises one for each capture that a line without memory would have met too.
-bool Keplo::WasHeldInThePause() {
-  if (!watch_.Kept || !Key().Pressed() || Key().Pressed()->Captures == 1) return false;
+/// Whether a capture continues a press and was on air during the pause after the last event. An event for it
+/// would be late, and later with every repeat. With the first analysis it only counts if a line without a
+/// buffer would have missed it.
+bool Keplo::WasHeldDuringPause() {
+  if (!watch_.Kept || !Key().Press() || Key().Press()->Captures == 1) return false;
   return mod_.Settings.Analysis == Analysis::Second || watch_.OnAir.End < watch_.PausedUntil;
 }
 
-std::optional<microseconds> Keplo::MayHold() const {
-  const auto letGo = keys_.FirstLetGo(watch_.WatchedFrom);
-  if (!letGo) return std::nullopt;
-  return watch_.LookedAway ? microseconds(0) : std::max<microseconds>(*letGo - LineTime(), 0ms);
+std::optional<microseconds> Keplo::TimeToRelease() const {
+  const auto release = keys_.FirstReleaseTime(watch_.WatchedFrom);
+  if (!release) return std::nullopt;
+  return watch_.LookedAway ? microseconds(0) : std::max<microseconds>(*release - LineTime(), 0ms);
 }
 
-void Keplo::LetGoIfOver() {
-  if (keys_.AnyPressed()) TellReleased(keys_.LetGo(LineTime(), watch_.WatchedFrom));
+void Keplo::ReleaseDueKeys() {
+  if (keys_.AnyPressed()) ReportReleased(keys_.ReleaseDue(LineTime(), watch_.WatchedFrom));
 }
 
-void Keplo::TellReleased(const std::vector<KeyPress>& ended) {
-  for (const KeyPress& press : ended) TellKey(KeyChange::Released, press);
+void Keplo::ReportReleased(const std::vector<KeyPress>& ended) {
+  for (const KeyPress& press : ended) ReportKey(KeyChange::Released, press);
 }
 
 }  // namespace keplo

@@ -11,54 +11,54 @@ namespace keplo {
 namespace {
 
 constexpr std::string_view kTickProcedure = "Timer1_Timer";
-const std::runtime_error kNamelessFailure("a failure without a text");
+const std::runtime_error kUnknownFailure("a failure without a text");
 
 }  // namespace
 
 void Keplo::Timer1_Timer() {
-  // The timer is off in a tick, but a handler of the host may turn it on and run an event loop of its own.
+  // The timer is off during a tick, but a handler of the host may turn it on and run an event loop.
   if (inTick_) return;
   Timer1.SetEnabled(false);
   inTick_ = true;
-  Reporting([this] { Tick(); });
+  RunAndReport([this] { Tick(); });
   inTick_ = false;
   if (!terminated_) Timer1.SetEnabled(true);
   if (lastTick_.Captured && OnPress) {
-    Reporting([this] { OnPress(lastTick_); });
+    RunAndReport([this] { OnPress(lastTick_); });
   }
 }
 
-/// Runs a part of a tick; what it throws is told to the host, and the tick goes on to its end.
-template <typename Part>
-void Keplo::Reporting(Part part) {
+/// Runs a part of a tick. An exception is reported to the host, and the tick continues.
+template <typename Action>
+void Keplo::RunAndReport(Action action) {
   try {
-    part();
+    action();
   } catch (const std::exception& failure) {
     ReportFailure(kTickProcedure, failure);
   } catch (...) {
-    ReportFailure(kTickProcedure, kNamelessFailure);
+    ReportFailure(kTickProcedure, kUnknownFailure);
   }
 }
 
 void Keplo::Tick() {
   lastTick_.Captured = false;
-  if (watch_.LookedAway || keys_.AnyPressed()) LookAgain();
-  if (LineIsAtRest()) return LetGoIfOver();
+  if (watch_.LookedAway || keys_.AnyPressed()) NoteCheck();
+  if (LineIsAtRest()) return ReleaseDueKeys();
   lastTick_ = TickReport{};
   lastTick_.Captured = true;
   Capture();
   ReadAndDispatch();
 }
 
-/// A host whose handler fails at one row gets the other rows of the press all the same.
+/// If the host's handler fails for one row, it still gets the others.
 void Keplo::RaiseInputEvent(HostInputEvent& event) {
-  Reporting([&] {
+  RunAndReport([&] {
     if (TriggerInputEvent) TriggerInputEvent(event);
   });
 }
 
-void Keplo::TellKey(KeyChange change, const KeyPress& key) {
-  Reporting([&] {
+void Keplo::ReportKey(KeyChange change, const KeyPress& key) {
+  RunAndReport([&] {
     if (OnKey) OnKey(change, key);
   });
 }
@@ -72,7 +72,7 @@ bool Keplo::LineIsAtRest() {
 void Keplo::Capture() {
   std::string& capture = mod_.Signal.RawCapture;
   capture.assign(kMonitorCaptureBytes, '\0');
-  toldHeard_ = false;
+  heardReported_ = false;
   mod_.Signal.SampleTime = line_.SampleTime(mod_.Settings.ProcDelay);
   const std::chrono::microseconds begin = LineTime();
   if (mod_.Settings.ReceiverKind == 0) {
@@ -87,71 +87,70 @@ void Keplo::Capture() {
 }
 
 void Keplo::ReadAndDispatch() {
-  // At a line that is never at rest the other rooms' keys are let go all the same.
+  // Ticks release keys only while the line is at rest, which it may never be while several rooms are in use.
   if (watch_.OnAir.Place != 0)
-    TellReleased(keys_.LetGo(watch_.OnAir.Begin, watch_.WatchedFrom, watch_.OnAir.Place));
+    ReportReleased(keys_.ReleaseDue(watch_.OnAir.Begin, watch_.WatchedFrom, watch_.OnAir.Place));
   lastTick_.Reading.EndAt(TrimCapture(mod_.Signal.RawCapture));
-  if (lastTick_.Reading.Ended != Stage::Code) return TellHeard();
-  // This beep says only that something was captured, before anything is known about the signal.
+  if (lastTick_.Reading.Ended != Stage::Code) return ReportHeard();
+  // This beep only means that something was captured; the signal has not been read yet.
   if (mod_.Settings.BeepOn && (!MayBeep || MayBeep())) line_.SpeakBeep(5000, 50);
   MonitorReading& reading = lastTick_.Reading;
   ReadTrimmedCapture(mod_.Signal, mod_.Settings.Analysis, reading);
-  CompleteTurn(reading);
-  // A frame that is alone may have lost digits; that the very same ones were learned is the proof it lacks.
+  ReadAsHeldPair(reading);
   ProveByLearning(mod_.Store, reading);
-  const bool repeats = reading.Ended != Stage::Code && RepeatsHeldKey(reading);
-  if (!repeats && mod_.Settings.Analysis == Analysis::Second) {
-    AskRawCommands(mod_.Store, mod_.Signal, reading);
-    TakeHeldRawKey(reading);
+  const bool isDitto = reading.Ended != Stage::Code && ReadAsDitto(reading);
+  if (!isDitto && mod_.Settings.Analysis == Analysis::Second) {
+    MatchRawCommands(mod_.Store, mod_.Signal, reading);
+    ReadAsHeldRawKey(reading);
   }
   if (!reading.HasCode()) {
     Key().HearUnread(watch_.OnAir);
-    return TellHeard();
+    return ReportHeard();
   }
-  if (repeats) return TellCode(reading);
+  if (isDitto) return HandleCode(reading);
   for (const MonitoredTap& tap : TapsOf(reading)) {
     HearCode(reading, tap);
-    TellCode(reading);
+    HandleCode(reading);
     if (!tap.IsOver) continue;
-    if (const auto ended = Key().LetGo()) TellReleased({*ended});
+    if (const auto ended = Key().Release()) ReportReleased({*ended});
   }
 }
 
-void Keplo::TellCode(const MonitorReading& reading) {
-  lastTick_.Captured = !WasHeldInThePause();
+void Keplo::HandleCode(const MonitorReading& reading) {
+  lastTick_.Captured = !WasHeldDuringPause();
   if (lastTick_.Captured) return Dispatch(reading);
-  TellKey(KeyChange::Held, *Key().Pressed());
-  TellHeard();
+  ReportKey(KeyChange::Held, *Key().Press());
+  ReportHeard();
 }
 
-void Keplo::TellHeard() {
-  if (std::exchange(toldHeard_, true)) return;
-  Reporting([this] {
+void Keplo::ReportHeard() {
+  if (std::exchange(heardReported_, true)) return;
+  RunAndReport([this] {
     if (OnHeard) OnHeard(lastTick_);
   });
 }
 
 void Keplo::Dispatch(const MonitorReading& reading) {
-  bool told = false;
-  const auto tell = [&] {
-    if (std::exchange(told, true) || !Key().Pressed()) return;
-    Key().Name(lastTick_.Dispatched.Reference);
-    const KeyPress key = *Key().Pressed();
-    TellKey(key.Captures == 1 ? KeyChange::Pressed : KeyChange::Held, key);
+  bool keyReported = false;
+  const auto reportKeyOnce = [&] {
+    if (std::exchange(keyReported, true) || !Key().Press()) return;
+    Key().SetCommand(lastTick_.Dispatched.Reference);
+    const KeyPress key = *Key().Press();
+    ReportKey(key.Captures == 1 ? KeyChange::Pressed : KeyChange::Held, key);
   };
   HostInputEvent event;
   DispatchCode(
       reading.Digits, reading.ReadBy.value_or(Analysis::First), mod_.Store.CfgText, mod_.Settings, ListView1,
       line_, event,
       [&](HostInputEvent& raised) {
-        tell();
+        reportKeyOnce();
         RaiseInputEvent(raised);
-        // The event comes first, and the pause after it last.
-        TellHeard();
+        // After the event, but before the pause that follows it.
+        ReportHeard();
       },
       lastTick_.Dispatched);
-  tell();
-  TellHeard();
+  reportKeyOnce();
+  ReportHeard();
 }
 
 }  // namespace keplo

@@ -8,42 +8,43 @@
 
 namespace keplo {
 
-/// Tells whoever runs a control when to let it look for changes of other programs.
+/// Decides when whoever runs a control should let it check for changes by other programs.
 class ChangesWatch {
  public:
-  /// @param folder of the files that others may change
+  /// @param folder of the files
   explicit ChangesWatch(const std::filesystem::path& folder) : folder_(folder) {}
 
-  /// Becomes readable when there is something to notice.
+  /// Becomes readable when Notice should be called.
   int Descriptor() const { return folder_.Descriptor(); }
-  /// How long Due need not be asked otherwise.
-  std::chrono::milliseconds MayWait() const {
+  /// How long until IsDue should be called if nothing happens.
+  std::chrono::milliseconds TimeToNextCheck() const {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_ - std::chrono::steady_clock::now());
     return std::max(left, std::chrono::milliseconds::zero());
   }
-  /// Lets the descriptor rest; a look may be due sooner after that.
+  /// Reads the descriptor; a check may be due earlier than before.
   void Notice() {
-    // A change comes in several steps, and a database is locked until the last of them is over.
-    if (folder_.TakeNews()) next_ = std::min(next_, std::chrono::steady_clock::now() + kSettles);
+    // A change takes several steps, and a database stays locked until the last one.
+    if (folder_.TakeNews()) next_ = std::min(next_, std::chrono::steady_clock::now() + kSettlingTime);
   }
-  /// Lets a look be due soon: of a change that could not be taken in, nobody may tell again.
-  void LookAgain() { next_ = std::min(next_, std::chrono::steady_clock::now() + kAgain); }
-  /// Notices, and tells whether a look is due.
-  bool Due() {
+  /// Makes a check due soon, for a change that could not be taken in and may not be signalled again.
+  void CheckSoon() { next_ = std::min(next_, std::chrono::steady_clock::now() + kRetryTime); }
+  /// Calls Notice, and returns whether a check is due.
+  bool IsDue() {
     Notice();
     const auto now = std::chrono::steady_clock::now();
     if (now < next_) return false;
-    next_ = now + kUntold;
-    if (!folder_.TellsOfFolder()) LookAgain();
+    next_ = now + kPollTime;
+    if (!folder_.IsWatching()) CheckSoon();
     return true;
   }
 
  private:
-  static constexpr std::chrono::milliseconds kSettles{200}, kAgain{400};
-  static constexpr std::chrono::seconds kUntold{5};  // a file of another folder, or of another machine
+  static constexpr std::chrono::milliseconds kSettlingTime{200}, kRetryTime{400};
+  static constexpr std::chrono::seconds kPollTime{
+      5};  // for changes that are not signalled, as by other machines
 
   FolderWatch folder_;
-  std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kUntold;
+  std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + kPollTime;
 };
 
 }  // namespace keplo

@@ -22,7 +22,7 @@ namespace keplo {
 
 namespace {
 
-/// No edge is sent further than half of it from its place; receivers tell lengths no better.
+/// Edges are sent with an error of half a slot at most, which is as accurate as receivers are.
 constexpr std::int32_t kSlotOfLengths = 25;  // microseconds
 
 /// @return why nothing was sent; empty if it was
@@ -36,20 +36,20 @@ std::string Send(const Settings& settings, Win32Ser& line, const Transmission& t
   return {};
 }
 
-std::vector<std::int32_t> TimingsOf(const KeploMod& mod, std::span<const int> told) {
+std::vector<std::int32_t> TimingsOf(const KeploMod& mod, std::span<const int> known) {
   std::vector<std::int32_t> timings;
   const auto add = [&](std::size_t place, std::int32_t length) {
     timings.push_back(place % 2 == 0 ? length : -length);
   };
-  // The silence at the end is not of the signal.
-  const std::size_t marks = told.empty() ? 0 : (told.size() - 1) / 2 * 2 + 1;
-  for (std::size_t place = 0; place < marks; ++place) add(place, told[place]);
+  // Without the silence at the end.
+  const std::size_t marks = known.empty() ? 0 : (known.size() - 1) / 2 * 2 + 1;
+  for (std::size_t place = 0; place < marks; ++place) add(place, known[place]);
   if (marks > 0) return timings;
   SampleWords samples;
   samples.Read(mod.Signal.RawCapture);
   RunReader reader;
   const RunSpan runs = reader.Read(samples);
-  // A capture that began within a space has a first mark of no length.
+  // A capture that begins within a space has a first mark of length 0.
   const std::size_t first = !runs.empty() && runs.front() == 0 ? 2 : 0;
   const std::size_t end =
       EndsInMark(runs) ? runs.size() : runs.size() - std::min<std::size_t>(runs.size(), 1);
@@ -79,7 +79,7 @@ HeardSignal HeardOnAir(const KeploMod& mod, const Win32Ser& line, const TickRepo
 std::string SendLengths(const KeploMod& mod, Win32Ser& line, std::span<const std::int32_t> timings,
                         std::int32_t carrier) {
   std::string slots;
-  std::int64_t end = 0;  // of what was asked for so far, microseconds
+  std::int64_t end = 0;  // microseconds
   for (const std::int32_t length : timings) {
     end += std::abs(length);
     const auto last = static_cast<std::size_t>((end + kSlotOfLengths / 2) / kSlotOfLengths);

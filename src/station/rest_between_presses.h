@@ -7,7 +7,7 @@
 
 namespace keplo {
 
-/// The rest of a line, cut short while a key is held: a tick has to come when it counts as let go.
+/// Limits the rest of a line while a key is held, so that a tick notices its release.
 class RestBetweenPresses : public LineRest {
  public:
   RestBetweenPresses(LineRest& line, const Keplo& control) : line_(line), control_(control) {}
@@ -15,8 +15,8 @@ class RestBetweenPresses : public LineRest {
   int WakeDescriptor() override { return line_.WakeDescriptor(); }
   std::chrono::milliseconds MayRest() override {
     const std::chrono::milliseconds rest = line_.MayRest();
-    const auto hold = control_.MayHold();
-    return hold ? std::min(rest, std::chrono::ceil<std::chrono::milliseconds>(*hold)) : rest;
+    const auto release = control_.TimeToRelease();
+    return release ? std::min(rest, std::chrono::ceil<std::chrono::milliseconds>(*release)) : rest;
   }
   void Forget() override { line_.Forget(); }
   void LookAfterDevice() override { line_.LookAfterDevice(); }

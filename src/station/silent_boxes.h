@@ -8,35 +8,35 @@
 
 namespace keplo {
 
-/// Boxes where there is no display: their texts go to the log, and they answer as after a cancel.
+/// Boxes for use without a display: their texts are logged, and they act as if the user cancelled.
 class LoggedBoxes : public ui::Boxes {
  public:
   explicit LoggedBoxes(const Log& log) : log_(log) {}
 
-  void Message(std::string_view text, std::string_view title) override { Tell("", text, title); }
+  void Message(std::string_view text, std::string_view title) override { Write("", text, title); }
   void Error(std::string_view text, std::string_view title, std::string_view reason) override {
     Message(text, title);
     if (!reason.empty()) Message(reason, title);
   }
   bool Confirm(std::string_view text, std::string_view title) override { return Question(text, title); }
   bool Question(std::string_view text, std::string_view title) override {
-    Tell("No display, so the answer is no: ", text, title);
+    Write("No display, so the answer is no: ", text, title);
     return false;
   }
   std::string Input(std::string_view text, std::string_view title, std::string_view /*preset*/) override {
-    Tell("No display, so there is no answer: ", text, title);
+    Write("No display, so there is no answer: ", text, title);
     return {};
   }
 
  private:
-  void Tell(const std::string& remark, std::string_view text, std::string_view title) {
+  void Write(const std::string& remark, std::string_view text, std::string_view title) {
     log_.Write(LogLevel::Notice, std::string(title) + ": " + remark + std::string(text));
   }
 
   const Log& log_;
 };
 
-/// The event dialog where there is no display: cancelled.
+/// The event dialog for use without a display: it counts as cancelled.
 class CancelledEventDialog : public EventDialogShower {
  public:
   explicit CancelledEventDialog(const Log& log) : log_(log) {}

@@ -15,72 +15,72 @@
 
 namespace keplo {
 
-/// What has become of the key presses so far.
+/// Numbers of key presses so far.
 struct PressTally {
-  int Presses = 0;                     // heard
-  int Events = 0;                      // raised
+  int Presses = 0;                     // received
+  int Events = 0;                      // raised by them
   int WithoutEvent = 0;                // presses that raised none
-  std::array<int, kStages> AtStage{};  // where their reading ended, in the order of Stage
+  std::array<int, kStages> AtStage{};  // presses by the Stage at which their reading ended
 };
 
-/// A control on a line, told to someone: what the plug-in and the command line have in common.
+/// A control on a line, with a log: what the plug-in and the command line have in common.
 class Station {
  public:
-  /// Opens the line and starts the control up; tells what is wrong with keplo.cfg.
-  /// @param mod, clock, log outlive the station, as what the windows refer to does
+  /// Opens the line and creates the control. Logs what is wrong with keplo.cfg.
+  /// @param mod, windows, clock, log must outlive the station
   /// @throws Failure if a recording or keplo.cfg cannot be read
   Station(KeploMod& mod, const LineSpec& spec, const KeploWindows& windows, const ui::Clock& clock,
           const Log& log);
-  /// The same on a line that is there already.
+  /// As above, with an existing line.
   Station(KeploMod& mod, OpenedLine line, const KeploWindows& windows, const ui::Clock& clock,
           const Log& log);
 
-  /// Why the control's InputInitialise gave 0, for a person.
-  std::string WhyNoEventMap() const;
+  /// Why the control's InputInitialise returned 0, for the user.
+  std::string EventMapFailure() const;
   Keplo& Control() { return control_; }
   const Keplo& Control() const { return control_; }
   const PressTally& Tally() const { return tally_; }
-  /// @return false if the list has no such event; details stay as they are then
+  /// @return false if the list has no such event; details are then unchanged
   bool DescribeEvent(const std::string& eventID, EventDetails& details) const {
     return keplo::DescribeEvent(control_.ListView1, eventID, details);
   }
-  /// The EventID of the highlighted row; empty if none is.
+  /// The EventID of the highlighted row; empty if there is none.
   std::string HighlightedEvent() const { return keplo::HighlightedEvent(control_.ListView1); }
   Win32Ser& Line() { return *line_.Line; }
-  /// Why what was sent last did not go out; empty if it did.
+  /// Why the last transmission was not sent; empty if it was.
   std::string WhyNotSent() const;
-  /// What the line is, in a sentence for a person.
+  /// Describes the line in a sentence for the user.
   std::string DescribeLine() const { return line_.Describe ? line_.Describe() : std::string(); }
-  /// Shows what the line tells in the line of text of a window; none while no window is open.
-  std::function<void(const std::string&)> OnLineTold;
-  /// Tells how long ticks may be left out; none where every tick counts.
+  /// Shows a message of the line in the open window; empty while no window is open.
+  std::function<void(const std::string&)> OnLineMessage;
+  /// Knows how long ticks may be skipped; null if they may not.
   LineRest* Rest() { return rest_ ? &*rest_ : nullptr; }
-  /// Whether there was ever something to listen to: recordings, or a port that opened.
+  /// Whether the line was ever usable: it plays recordings, or its port was open.
   bool WasOpen() const { return line_.Device == nullptr || opened_; }
-  /// Whether the port did not open since another program has it.
+  /// Whether the port did not open because another program uses it.
   bool IsPortInUse() const { return line_.Device != nullptr && line_.Device->IsInUse(); }
-  /// Whether every recording has been played; a line without recordings has none to wait for.
+  /// Whether all recordings, if any, have been played.
   bool Played() const { return line_.Presses == nullptr || line_.Presses->Done(); }
 
  private:
-  void TellWhyNotOpen();
-  void TellOfLine(const std::string& text);
-  bool LightGoesOn() const;
+  void ReportPortFailure();
+  void HandleLineMessage(const std::string& text);
+  bool IsLightContinuing() const;
   bool IsLamp(const TickReport& tick);
-  void TellLosses(const TickReport& tick);
+  void ReportLosses(const TickReport& tick);
   void CountPress(const TickReport& tick);
 
   const Log& log_;
   OpenedLine line_;
   PressTally tally_;
   std::chrono::microseconds lastHeard_{0};
-  int codeless_ = 0;   // captures one after the other
-  LineLosses losses_;  // when they were looked at last
-  bool lossesTold_ = false;
-  std::string toldWhy_;  // the port did not open, told last
+  int codeless_ = 0;   // consecutive captures without a code
+  LineLosses losses_;  // at the last press
+  bool lossesReported_ = false;
+  std::string reportedPortFailure_;  // the last one
   bool opened_ = false;
   Keplo control_;
-  std::optional<RestBetweenPresses> rest_;  // of a line that may be left alone
+  std::optional<RestBetweenPresses> rest_;
 };
 
 }  // namespace keplo

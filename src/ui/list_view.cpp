@@ -8,7 +8,7 @@ namespace keplo::ui {
 
 namespace {
 
-// The numbers that list controls of this kind have always reported.
+// The failure numbers that hosts expect from a list control.
 constexpr int kIndexOutOfBounds = 35600;
 constexpr int kKeyNotUnique = 35602;
 
@@ -33,9 +33,9 @@ const std::string& ListView::Text(int row, int field) const {
 
 void ListView::SetText(int row, int field, std::string_view text) {
   CheckRow(row);
-  std::string& present = rows_[At(row)].Fields.at(static_cast<std::size_t>(field));
-  if (present == text) return;
-  present = text;
+  std::string& current = rows_[At(row)].Fields.at(static_cast<std::size_t>(field));
+  if (current == text) return;
+  current = text;
   Changed();
 }
 

@@ -15,8 +15,8 @@ constexpr std::string_view kHoldTheKey =
     "Keep the '1' button on the SONY remote pressed and click OK.\r\n"
     "Keep pressed till you will receive a message.";
 
-/// A number where a sign would have its place.
-std::string Signed(int positive) { return " " + std::to_string(positive); }
+/// A non-negative number with a blank in place of the minus sign.
+std::string WithSignBlank(int number) { return " " + std::to_string(number); }
 
 constexpr std::string_view kHowToStop =
     "Keep the key pressed. To stop, let it go and wait for ten seconds at most.";
@@ -37,13 +37,13 @@ CalibrationStep MeasureToTheEnd(const ui::Window& window, Calibration& calibrati
   return step;
 }
 
-/// Tells a flow that it is under way, as long as it lives.
-class UnderWay {
+/// Keeps a flag set during its lifetime.
+class FlagGuard {
  public:
-  explicit UnderWay(bool& flag) : flag_(flag) { flag_ = true; }
-  ~UnderWay() { flag_ = false; }
-  UnderWay(const UnderWay&) = delete;
-  UnderWay& operator=(const UnderWay&) = delete;
+  explicit FlagGuard(bool& flag) : flag_(flag) { flag_ = true; }
+  ~FlagGuard() { flag_ = false; }
+  FlagGuard(const FlagGuard&) = delete;
+  FlagGuard& operator=(const FlagGuard&) = delete;
 
  private:
   bool& flag_;
@@ -53,7 +53,7 @@ class UnderWay {
 
 void CalibrationFlow::Start() {
   if (calibrating_) return;
-  const UnderWay underWay(calibrating_);
+  const FlagGuard calibrating(calibrating_);
   if (dialogue_.Confirm(kHoldTheKey, "Record a command") && !Calibrate()) return;
   controls_.IRCommand.SetText({});
   line_.RTS(0);
@@ -68,11 +68,11 @@ bool CalibrationFlow::Calibrate() {
   const CalibrationStep end = MeasureToTheEnd(window_, calibration);
   const bool succeeded = end == CalibrationStep::Succeeded;
   if (succeeded) {
-    controls_.ProcDelayparameter.SetText(Signed(delay));
+    controls_.ProcDelayparameter.SetText(WithSignBlank(delay));
     keeper_.StoreAndSave("PROCDELAY", delay);
   }
   dialogue_.Tell(CalibrationText(end, delay));
-  if (succeeded) controls_.SendPulse.SetText(Signed(signal_.Measured.BaseT * kNominalSampleTime));
+  if (succeeded) controls_.SendPulse.SetText(WithSignBlank(signal_.Measured.BaseT * kNominalSampleTime));
   return end != CalibrationStep::NoSignal;
 }
 

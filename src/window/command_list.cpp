@@ -58,17 +58,17 @@ void CommandList::RefillCommands() {
   const bool ownCode = code != shownCode_;
   const bool ownPulse = Rounded<std::int32_t>(pulse) != mod_.ProtocolParams.SENDPLS;
   const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
-  if (KeepProtocolIndex() && LoadParams() && !controls_.SendCmd.Refill(CommandNames())) {
+  if (StoreProtocolIndex() && LoadParams() && !controls_.SendCmd.Refill(CommandNames())) {
     controls_.SendCmd.Select(0);
   }
-  if (controls_.SendCmd.Count() > 0) TakeCommand();
+  if (controls_.SendCmd.Count() > 0) ApplyCommand();
   if (ownPulse) sendPulse.SetText(pulse);
   if (!ownCode) return;
   codeStr.SetText(code);
   mod_.Signal.Measured.ProtoKind = kind;
 }
 
-void CommandList::TakeProtocol() {
+void CommandList::ApplyProtocol() {
   const ui::DropDownList& protocols = controls_.Protocol;
   mod_.Store.CurProtocol = protocols.Text();
   if (protocols.ListIndex() == ui::DropDownList::kNoSelection) return;
@@ -78,7 +78,7 @@ void CommandList::TakeProtocol() {
     return;
   }
   ColourLists(ui::kCyan);
-  if (KeepProtocolIndex() && LoadParams()) ReloadCommands();
+  if (StoreProtocolIndex() && LoadParams()) ReloadCommands();
 }
 
 bool CommandList::RecordedSelected() const { return IsRecorded(mod_.Store.CurProtocol); }
@@ -101,12 +101,12 @@ void CommandList::ShowRecorded() {
   }
 }
 
-bool CommandList::KeepProtocolIndex() {
+bool CommandList::StoreProtocolIndex() {
   CfgStore& store = mod_.Store;
   store.CfgPos = FindNoCase("[General]", store.CfgText, 1);
   if (store.CfgPos != kNowhere) store.CfgPos = FindNoCase("PROTOCOL=", store.CfgText, store.CfgPos);
   if (store.CfgPos == kNowhere) return false;
-  // A text that is full cannot take a longer number; the protocol can be used all the same.
+  // A longer number may not fit a full text; the protocol can be used nevertheless.
   dialogue_.RunAndReport(
       [&] { ReplaceValueAt(store, store.CfgPos, std::to_string(mod_.Settings.ProtocolIndex)); });
   return true;
@@ -117,12 +117,12 @@ bool CommandList::LoadParams() {
                           mod_.Signal.Measured.ProtoKind)) {
     return false;
   }
-  LoadWays();
+  LoadSendAs();
   controls_.Fields.SendPulse.SetText(std::to_string(mod_.ProtocolParams.SENDPLS));
   return true;
 }
 
-void CommandList::LoadWays() {
+void CommandList::LoadSendAs() {
   const auto section = FindSection(mod_.Store.CfgText, mod_.Store.CurProtocol);
   const std::string value = section ? SendAsOf(mod_.Store.CfgText, *section) : std::string();
   mod_.ProtocolParams.SENDAS = mod_.Settings.Analysis == Analysis::First ? WithoutWays(value) : value;
@@ -134,7 +134,7 @@ void CommandList::ReloadCommands() {
   controls_.SendCmd.Select(0);
 }
 
-void CommandList::TakeCommand() {
+void CommandList::ApplyCommand() {
   if (RecordedSelected()) return;
   const CfgStore& store = mod_.Store;
   if (const auto code = ShownCode(store.CfgText, store.CurProtocol, controls_.SendCmd.Text())) {
@@ -145,20 +145,20 @@ void CommandList::TakeCommand() {
 
 void CommandList::MakeProtocolCurrent(int index) {
   if (controls_.Protocol.ListIndex() == index) {
-    TakeProtocol();
+    ApplyProtocol();
   } else {
     controls_.Protocol.Select(index);
   }
 }
 
-void CommandList::TakeProtocolAgain() {
+void CommandList::ReapplyProtocol() {
   mod_.Store.CurProtocol = controls_.Protocol.Text();
   if (RecordedSelected()) return;
   ui::TextBox& codeStr = controls_.Fields.CodeStr;
-  // A red or green code has been recorded and is stored nowhere yet.
+  // A red or green code has been recorded, but not stored.
   const bool newCode = codeStr.BackColour().has_value();
   const std::string code = codeStr.Text(), pulse = controls_.Fields.SendPulse.Text();
-  TakeProtocol();
+  ApplyProtocol();
   if (!newCode) return;
   codeStr.SetText(code);
   controls_.Fields.SendPulse.SetText(pulse);
@@ -181,7 +181,7 @@ void CommandList::Save() {
   if (checked.Done()) {
     name = AskName();
     if (!name) return;
-    // Another program may have stored the code while the name was asked for.
+    // Another program may have stored the code while the user was entering the name.
     checked = CheckNewCommand(code);
   }
   if (!checked.Done()) {
@@ -204,7 +204,7 @@ std::optional<std::string> CommandList::AskName() {
                             "Input new command name", typed);
     store.CurCommand = typed;
     if (typed.empty()) return std::nullopt;
-    TakeInOtherText(store);
+    ReloadIfChanged(store);
     const LearnResult checked = CheckName(store.CfgText, store.CurProtocol, store.CurCommand);
     if (checked.Done()) return store.CurCommand;
     dialogue_.Tell(RefusalText(checked), checked.Reason);
@@ -217,8 +217,8 @@ void CommandList::ShowSaved(const std::string& name) {
   controls_.Fields.CodeStr.SetBackColour(std::nullopt);
   controls_.Fields.IRCommand.SetText(mod_.Store.CurProtocol + "&" + name);
   controls_.Protocol.SelectText(mod_.Store.CurProtocol);
-  // The protocol may be selected already, and then nothing else of it is to be loaded again.
-  LoadWays();
+  // SelectText does nothing if the protocol was already selected.
+  LoadSendAs();
   ReloadCommands();
   controls_.SendCmd.SelectText(name);
 }
@@ -230,7 +230,7 @@ void CommandList::Delete() {
     store.CurCommand = controls_.SendCmd.Text();
     checked = CheckDelete(store);
   }
-  // A section written by hand may have no command line at all.
+  // A hand-written section may have no command lines at all.
   if (checked.Done() && controls_.SendCmd.Count() == 0) checked.Refused = Refusal::NoMoreCommands;
   if (!checked.Done()) {
     dialogue_.Tell(RefusalText(checked), checked.Reason);
@@ -240,9 +240,9 @@ void CommandList::Delete() {
                      " from the current protocol?")) {
     return;
   }
-  TakeInOtherText(store);
+  ReloadIfChanged(store);
   const UndoStep step(undo_);
-  bool isDone = false;  // even if there was no such line
+  bool isDone = false;  // true even if there was no such line
   const bool changed = dialogue_.ChangeAndReport([&] {
     RemoveCommand(store);
     isDone = true;
@@ -250,17 +250,17 @@ void CommandList::Delete() {
   if (changed || isDone) ReloadCommands();
 }
 
-void CommandList::TakeBack() {
+void CommandList::Undo() {
   const std::string protocol = controls_.Protocol.Text();
   const std::vector<std::string> commands = controls_.SendCmd.Entries();
-  if (!undo_.TakeBack()) return;
-  Settings before;  // the protocol that was selected before the change is selected in the text again
+  if (!undo_.Undo()) return;
+  Settings before;  // the undone text selects the protocol that was selected before the change
   const bool isKnown = ReadSettings(mod_.Store, before).Complete();
   Refill();
   if (RecordedSelected()) return;
   if (isKnown) controls_.Protocol.Select(before.ProtocolIndex);
   if (controls_.Protocol.Text() != protocol) return;
-  // A command that is back is the one to look at.
+  // Selects the restored command, if any.
   for (const std::string& command : controls_.SendCmd.Entries()) {
     if (std::find(commands.begin(), commands.end(), command) == commands.end()) {
       controls_.SendCmd.SelectText(command);

@@ -14,7 +14,7 @@
 
 namespace keplo {
 
-/// The user's hold on protocols and commands: what is selected, what is stored and what is deleted.
+/// The lists of protocols and commands: selecting, storing and deleting.
 class CommandList {
  public:
   struct Controls {
@@ -23,28 +23,29 @@ class CommandList {
     ReadingFields Fields;
   };
 
-  CommandList(KeploMod& mod, const Controls& controls, Validation& validation, UndoPlace& undo,
+  CommandList(KeploMod& mod, const Controls& controls, Validation& validation, UndoHistory& undo,
               Dialogue& dialogue)
       : mod_(mod), controls_(controls), validation_(validation), undo_(undo), dialogue_(dialogue) {}
 
-  /// Fills the list of protocols; none is selected then.
+  /// Fills the list of protocols, without a selection.
   void ListProtocols();
-  /// Fills both lists again. What is selected and what has been typed or recorded stays if it is still there.
+  /// Fills both lists again. Keeps selections that still exist, and whatever has been typed or recorded.
   void Refill();
-  void TakeProtocol();
-  void TakeCommand();
+  /// Makes the selected protocol the current one, and loads its parameters and commands.
+  void ApplyProtocol();
+  /// Shows the code of the selected command.
+  void ApplyCommand();
   /// Fills the list of protocols again and selects one of them.
   void ShowProtocol(const std::string& name);
-  /// Selects a protocol and takes it even if it is selected already.
+  /// Selects a protocol and applies it, even if it was already selected.
   void MakeProtocolCurrent(int index);
-  /// Makes the selected protocol the current one again with its parameters and commands; a recorded code that
-  /// is to be stored yet stays on screen.
-  void TakeProtocolAgain();
+  /// Applies the selected protocol again; a recorded code that has not been stored yet stays on screen.
+  void ReapplyProtocol();
   /// Stores the code on screen as a new command of the current protocol.
   void Save();
   void Delete();
-  /// Takes the last change of commands or protocols back.
-  void TakeBack();
+  /// Undoes the last change of commands or protocols.
+  void Undo();
 
  private:
   void RefillCommands();
@@ -54,10 +55,10 @@ class CommandList {
   bool RecordedSelected() const;
   void ColourLists(ui::Colour colour);
   void ShowRecorded();
-  bool KeepProtocolIndex();
+  bool StoreProtocolIndex();
   bool LoadParams();
-  /// Loads how the current protocol sends codes that its other keys do not tell all of.
-  void LoadWays();
+  /// Loads SENDAS= of the current protocol, as far as the chosen analysis supports it.
+  void LoadSendAs();
   void ReloadCommands();
   std::optional<std::string> AskName();
   void ShowSaved(const std::string& name);
@@ -65,9 +66,9 @@ class CommandList {
   KeploMod& mod_;
   Controls controls_;
   Validation& validation_;
-  UndoPlace& undo_;
+  UndoHistory& undo_;
   Dialogue& dialogue_;
-  std::string shownCode_;  // of the command that was selected last
+  std::string shownCode_;  // the code of the command selected last
 };
 
 }  // namespace keplo

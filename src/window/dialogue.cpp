@@ -63,16 +63,16 @@ bool Dialogue::ChangeAndReport(const std::function<void()>& change) {
   return store_.CfgText != before;
 }
 
-void Dialogue::TellGathered() {
-  const std::optional<std::string> failures = std::exchange(gathered_, std::nullopt);
+void Dialogue::TellCollected() {
+  const std::optional<std::string> failures = std::exchange(collected_, std::nullopt);
   if (failures && !failures->empty()) Tell(*failures);
 }
 
 void Dialogue::TellFailure(const std::string& text) {
-  if (!gathered_) {
+  if (!collected_) {
     Tell(text);
-  } else if (gathered_->find(text) == std::string::npos) {
-    *gathered_ += (gathered_->empty() ? "" : "\r\n") + text;
+  } else if (collected_->find(text) == std::string::npos) {
+    *collected_ += (collected_->empty() ? "" : "\r\n") + text;
   }
 }
 

@@ -10,38 +10,38 @@
 
 namespace keplo {
 
-/// Title of the boxes that have none of their own.
+/// Default title of message boxes.
 inline constexpr std::string_view kBoxTitle = "Keplo";
 
-/// What the window and its flows tell the user and ask of them.
+/// The messages and questions of the window and its flows.
 class Dialogue {
  public:
   Dialogue(ui::Boxes& boxes, CfgStore& store) : boxes_(boxes), store_(store) {}
 
   /// @param reason shown below the text; may be empty
   void Tell(std::string_view text, std::string_view reason = {}, std::string_view title = kBoxTitle);
-  /// Tells what ends the window.
+  /// Reports an error that ends the window.
   void TellError(std::string_view text, std::string_view reason);
   bool Ask(std::string_view text);
   bool Confirm(std::string_view text, std::string_view title);
-  /// @return the answer; empty after Cancel
+  /// @return the answer; empty if the user cancelled
   std::string Input(std::string_view text, std::string_view title, std::string_view preset);
 
-  /// Whether a box waits for its answer. Timers go on meanwhile, and what the box is about must stay.
+  /// Whether a box is open. Timers continue meanwhile, but must not change what the box is about.
   bool IsOpen() const { return open_ > 0; }
 
-  /// Runs a change of the configuration and tells the user what failed.
-  /// @return true if nothing did
+  /// Runs a change of the configuration and reports failures to the user.
+  /// @return false if there was one
   bool RunAndReport(const std::function<void()>& action);
-  /// The same for a change of the text.
-  /// @return true if the text is another one now, which the lists have to follow: a change may refuse, and a
-  /// failure at the very end of a save leaves the new text in place
+  /// Like RunAndReport.
+  /// @return whether the text has changed, so that lists need refreshing: a change may refuse to do anything,
+  /// and a failure at the very end of a save leaves the new text in place
   bool ChangeAndReport(const std::function<void()>& change);
 
-  /// From here on failures are gathered, each text once.
-  void GatherFailures() { gathered_.emplace(); }
-  /// Tells in one box what was gathered, if anything was.
-  void TellGathered();
+  /// From now on, collects failures, without duplicates, instead of showing them.
+  void CollectFailures() { collected_.emplace(); }
+  /// Shows the collected failures, if any, in one box.
+  void TellCollected();
 
  private:
   class OpenBox;
@@ -49,7 +49,7 @@ class Dialogue {
 
   ui::Boxes& boxes_;
   CfgStore& store_;
-  std::optional<std::string> gathered_;
+  std::optional<std::string> collected_;
   int open_ = 0;
 };
 

@@ -13,43 +13,42 @@ class CommandList;
 class Dialogue;
 class Options;
 class PortList;
-class ProtocolPlace;
+class ProtocolFlow;
 
-/// Takes in what other programs have written to the file. To be called before a change of the text is
-/// planned.
-/// @return why it could not be taken in, for a person; empty if it could, or if there was nothing
-std::string TakeInOtherText(CfgStore& store);
+/// Reloads the file if another program has written it. Call this before planning a change of the text.
+/// @return why it could not be reloaded, for the user; empty on success
+std::string ReloadIfChanged(CfgStore& store);
 
-/// Keeps the window with its file: what another program writes there is taken in while the user does nothing
-/// that it could get in the way of, and lists and settings follow.
+/// Keeps the window in step with its file: reloads it when another program has written it, unless that could
+/// interfere with what the user is doing, and updates lists and settings.
 class FileWatch {
  public:
-  /// What shows the file.
+  /// The parts of the window that show the contents of the file.
   struct Shown {
     CommandList& Commands;
     keplo::Options& Options;
     PortList& Ports;
-    const ProtocolPlace& Protocols;
-    ui::Label& Note;  // tells what cannot be taken in
+    const ProtocolFlow& Protocols;
+    ui::Label& Note;  // shows why the file cannot be reloaded
   };
 
   FileWatch(KeploMod& mod, ui::Timer& timer, const Shown& shown, const Dialogue& dialogue)
       : mod_(mod), timer_(timer), shown_(shown), dialogue_(dialogue) {}
 
-  /// To be called when all is shown as the file has it.
+  /// Call this once the window shows the contents of the file.
   void Start();
   void Stop() { timer_.SetEnabled(false); }
   /// A tick of the timer.
-  void Look();
+  void Check();
 
  private:
-  void TakeSettings();
+  void ApplySettings();
 
   KeploMod& mod_;
   ui::Timer& timer_;
   Shown shown_;
   const Dialogue& dialogue_;
-  Settings inFile_;  // when the file was looked at last
+  Settings inFile_;  // the settings in the file at the last check
 };
 
 }  // namespace keplo

@@ -11,7 +11,7 @@
 #include "window/line_note.h"
 #include "window/options.h"
 #include "window/port_list.h"
-#include "window/protocol_place.h"
+#include "window/protocol_flow.h"
 #include "window/record_flow.h"
 #include "window/recording_flow.h"
 #include "window/remotes_flow.h"
@@ -24,12 +24,12 @@ namespace keplo {
 
 class Form1;
 
-/// The work of the main window, an object for each thing that can be done in it, over the window's controls.
+/// What can be done in the main window: one object per activity, working on the window's controls.
 struct Flows {
   Flows(Form1& form, KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
 
   keplo::Dialogue Dialogue;
-  UndoPlace Undo;
+  UndoHistory Undo;
   LineNote Note;
   SettingsKeeper Settings;
   keplo::Options Options;
@@ -42,7 +42,7 @@ struct Flows {
   RemotesFlow Remotes;
   SendFlow Send;
   CalibrationFlow Calibration;
-  ProtocolPlace Protocols;
+  ProtocolFlow Protocols;
   FileWatch File;
   HelpMenu Help;
 };

@@ -30,31 +30,31 @@ struct Flows;
 struct KeploMod;
 class NewProtocol;
 
-/// The main window: it picks protocols and commands, records and explains key presses, stores them and sends
-/// them. It keeps no settings of its own: it works on the module state and on the one configuration text.
+/// The main window, in which the user selects protocols and commands, and records, explains, stores and sends
+/// key presses. It has no settings of its own, but works on the module state and the configuration text.
 ///
-/// The handlers are named as control and event. Each runs at once when its control really changes, from the
-/// user or from code; what is done stands in the flows.
+/// Handlers are named after control and event. They run whenever the control changes, whether by the user or
+/// by code. The flows do the actual work.
 class Form1 : public ui::Window {
  public:
-  /// @param line the receiver and transmitter that the settings name
+  /// @param line the receiver and transmitter specified by the settings
   Form1(KeploMod& mod, Win32Ser& line, ui::Boxes& boxes);
-  /// A window that goes without a Form_Unload has it here.
+  /// Calls Form_Unload.
   ~Form1() override;
   Form1(const Form1&) = delete;
   Form1& operator=(const Form1&) = delete;
 
-  /// Brings the window up; it is to be shown only after a true. By itself the window reads file and settings;
-  /// opened by the shell it works on what is loaded.
+  /// Initialises the window, which must not be shown if this fails. A standalone window loads file and
+  /// settings; one opened by the shell uses what is already loaded.
   /// @return false, after a message, if the configuration cannot be used
   bool Form_Load();
-  /// What is wrong with a configuration that cannot be used, for a person; empty if nothing is.
-  const std::string& WhyNotLoaded() const { return whyNotLoaded_; }
-  /// Ends the window's work, however it left the screen: saves, and closes the port of a window by itself. A
-  /// second call does nothing, nor does one without a Form_Load that was true.
+  /// Why the configuration cannot be used, for the user; empty if it can.
+  const std::string& LoadFailure() const { return loadFailure_; }
+  /// Saves the configuration and, if the window is standalone, closes the port. Does nothing if called twice,
+  /// or if Form_Load failed.
   void Form_Unload();
 
-  /// Tries the ports 1 to 30 and lists those that open; the configured one is selected and ends up open.
+  /// Tries the ports 1 to 30 and lists those that open. The configured one is selected and opened.
   void ListAvailableCOM();
 
   void Protocol_Click();
@@ -95,48 +95,47 @@ class Form1 : public ui::Window {
   void UpdateMenu_Click();
   void AboutMenu_Click();
 
-  /// The protocol dialog; null while there is none. As long as it is there, it stands in the place of this
-  /// window, which is hidden and cannot be used.
+  /// The protocol dialog; null if it is not open. While it is, it replaces this window, which is hidden.
   NewProtocol* ProtocolDialog() const;
-  /// Runs when the protocol dialog has come or gone; a view puts the one in the place of the other.
+  /// Runs when the protocol dialog has been opened or closed; a view then shows the right window.
   std::function<void()> OnProtocolDialog;
 
-  /// True at the full size.
+  /// Whether the window has its full size.
   bool WindowLarge() const { return windowLarge_; }
   /// Outer size, twips.
   Size OuterSize() const { return windowLarge_ ? kFullOuter : kSmallOuter; }
-  /// Runs when the window has become small or large; a view takes the new size over.
+  /// Runs when the size has changed.
   std::function<void()> OnResize;
-  /// A view says here how manual and web pages are shown.
+  /// Set by a view: how manual and web pages are shown.
   HelpPrograms Programs;
-  /// A view says here how the user picks a file.
+  /// Set by a view: how the user picks a recording.
   RecordingFiles Recordings;
-  /// A view says here how the user picks files of remotes, and keys of them.
+  /// Set by a view: how the user picks files of remotes, and keys from them.
   RemoteFiles Remotes;
-  /// Whoever has made the line tells here what it is, in a sentence for a person.
+  /// Set by whoever created the line: describes it in a sentence for the user.
   std::function<std::string()> DescribeLine;
-  /// What the line is and what has become of it, or of the file; a view shows it where the trace stands.
+  /// Describes the state of the line or the file; a view shows it over the trace.
   ui::Label Note;
 
-  /// What can be read off the trace, and how it stands: the place of a sample, and a sample at a place, in
-  /// pixels of the design from the left edge of the surface.
+  /// Pointer, cursors and measurements of the trace. Places are in design pixels from the left edge of the
+  /// surface.
   WaveReading Wave;
-  /// T of what the trace shows, microseconds; 0 if it is not known.
+  /// T of the shown signal, microseconds; 0 if unknown.
   std::int32_t Pulse() const;
   double WavePlace(double sample) const;
   double WaveSample(double place) const;
-  /// Where the trace comes out of the left margin, see WaveformPane, and where it ends.
+  /// Where the trace enters at the left margin, see WaveformPane, and where it ends.
   std::optional<ui::DrawingSurface::Point> WaveEntry() const;
   double WaveEnd() const;
-  /// Stretches the trace by a factor; what stands at a place stays there.
+  /// Stretches the trace by a factor around a fixed place.
   void ZoomWave(double place, double factor);
-  /// Slides the trace to the right, in samples.
+  /// Moves the trace to the right, in samples.
   void SlideWave(int samples);
   /// Shows the whole trace.
   void FitWave();
 
-  /// Where the trace is drawn: the inside of the window at its full size, in pixels of the design. It lies on
-  /// the Signal box, and only that part of it ever carries anything.
+  /// Where the trace is drawn: the inside of the full-size window, in design pixels. Only the part over the
+  /// Signal box is used.
   ui::DrawingSurface Surface{kFullInner.Width / kTwipsPerPixel, kFullInner.Height / kTwipsPerPixel};
 
   ui::Button SendButton, MinButton, OKButton, SaveCmdButton, DeleteCmdButton, RecButton;
@@ -148,7 +147,7 @@ class Form1 : public ui::Window {
   ui::Label Label2, Label3, Label4, Label5, Label6, Label7, Label8;
   ui::Label Frame1, AddrVal, CmdVal, ToggleVal;
   ui::Label ProcDelayparameter, ReceiverType;
-  ui::Label IRCommand;  // a doubled & shows as one
+  ui::Label IRCommand;  // && is shown as a single &
   ui::Label ZoneNr, BitNr, GType, Rpt, GProt;
   ui::Label plen1, plen0;
   ui::Label Signal;
@@ -160,8 +159,8 @@ class Form1 : public ui::Window {
   ui::MenuEntry StdDcdMenu, IRMouseMenu;
   ui::MenuEntry HelpContentMenu, WebPageMenu, UpdateMenu, AboutMenu;
 
-  ui::Timer Timer1{1000};    // drives the repeated sending
-  ui::Timer FileTimer{400};  // looks for changes of the file by other programs
+  ui::Timer Timer1{1000};    // repeats sending
+  ui::Timer FileTimer{400};  // checks whether other programs have changed the file
 
  private:
   void ShowDesign();
@@ -170,14 +169,14 @@ class Form1 : public ui::Window {
   void ShowMode();
   bool Load();
   bool LoadFile();
-  bool NotLoaded();
+  bool FailToLoad();
 
   KeploMod& mod_;
   Win32Ser& line_;
   std::unique_ptr<Flows> flows_;
   bool windowLarge_ = true;
   bool loaded_ = false;
-  std::string whyNotLoaded_;
+  std::string loadFailure_;
 };
 
 }  // namespace keplo

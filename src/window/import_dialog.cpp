@@ -23,7 +23,7 @@ ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> file
   SetTitle("Import");
   Settings settings;
   ReadSettings(store, settings);
-  isFirst_ = settings.Analysis == Analysis::First;
+  usesFirstAnalysis_ = settings.Analysis == Analysis::First;
   AllButton.OnClick = [this] { AllButton_Click(); };
   NoneButton.OnClick = [this] { NoneButton_Click(); };
   ImportButton.OnClick = [this] { ImportButton_Click(); };
@@ -39,7 +39,7 @@ ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> file
                              : key.Digits().empty() ? ""
                                                     : "G" + key.Digits(),
                      .Fate = {},
-                     .MayTick = isNew || key.Fate == KeyFate::Shadowed,
+                     .CanTick = isNew || key.Fate == KeyFate::Shadowed,
                      .Ticked = isNew});
   }
   Show();
@@ -50,7 +50,7 @@ ImportPlan ImportDialog::PlanFor(const std::string& text) const {
   for (std::size_t row = 0; row < rows_.size(); ++row) {
     if (rows_[row].Ticked) ticked.insert(keys_[row]);
   }
-  // A shadowed key that is ticked is wanted.
+  // A shadowed key is only imported if it is ticked.
   return PlanImport(text, files_,
                     {.Section = {}, .Shadowed = true, .Raw = &raw_, .Wants = [&](const RemoteKey& key) {
                        return ticked.count(&key) > 0;
@@ -58,13 +58,13 @@ ImportPlan ImportDialog::PlanFor(const std::string& text) const {
 }
 
 void ImportDialog::Tick(std::size_t row, bool ticked) {
-  if (!rows_[row].MayTick || rows_[row].Ticked == ticked) return;
+  if (!rows_[row].CanTick || rows_[row].Ticked == ticked) return;
   rows_[row].Ticked = ticked;
   Show();
 }
 
 void ImportDialog::TickAll(bool ticked) {
-  for (Row& row : rows_) row.Ticked = ticked && row.MayTick;
+  for (Row& row : rows_) row.Ticked = ticked && row.CanTick;
   Show();
 }
 
@@ -78,16 +78,17 @@ void ImportDialog::Show() {
     rows_[row].Fate = FateOf(*planned++);
   }
   const std::size_t stored = plan.Count(KeyFate::Stored);
-  Summary.SetText(std::to_string(stored) + " of " + std::to_string(rows_.size()) + " keys; they need " +
-                  std::to_string(plan.Needed) + " characters, and " + std::to_string(plan.Free) +
-                  " are free." + (plan.Fits() ? "" : " Take fewer of them.") +
-                  (isFirst_ && plan.NeedsSecondLook() ? " Some are heard with ANALYSIS= 1 alone." : ""));
+  Summary.SetText(
+      std::to_string(stored) + " of " + std::to_string(rows_.size()) + " keys; they need " +
+      std::to_string(plan.Needed) + " characters, and " + std::to_string(plan.Free) + " are free." +
+      (plan.Fits() ? "" : " Take fewer of them.") +
+      (usesFirstAnalysis_ && plan.NeedsSecondLook() ? " Some are heard with ANALYSIS= 1 alone." : ""));
   ImportButton.SetEnabled(stored > 0 && plan.Fits());
   if (OnRowsChanged) OnRowsChanged();
 }
 
 void ImportDialog::ImportButton_Click() {
-  agreed_ = true;
+  accepted_ = true;
   Hide();
 }
 

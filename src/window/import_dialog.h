@@ -13,28 +13,28 @@
 
 namespace keplo {
 
-/// The dialog that lists the keys of some files, and in which the user ticks those to import.
+/// The dialog in which the user selects the keys to import from some files.
 class ImportDialog : public ui::Window {
  public:
   struct Row {
-    std::string Key;      // as the file has it
-    std::string Command;  // that it becomes, or that has its code
+    std::string Key;      // its name in the file
+    std::string Command;  // the command to be created, or the one that already has the code
     std::string Code;     // with its leading G
-    std::string Fate;     // what becomes of it, for a person
-    bool MayTick = false;
+    std::string Fate;     // what will happen to it, for the user
+    bool CanTick = false;
     bool Ticked = false;
   };
   static constexpr std::array<std::string_view, 4> kHeadings = {"Key", "Command", "Code",
                                                                 "What becomes of it"};
 
-  /// @param store that outlives the dialog
+  /// @param store must outlive the dialog
   ImportDialog(const CfgStore& store, std::vector<ImportedFile> files);
   ImportDialog(const ImportDialog&) = delete;
   ImportDialog& operator=(const ImportDialog&) = delete;
 
   const std::vector<Row>& Rows() const { return rows_; }
   void Tick(std::size_t row, bool ticked);
-  /// Runs after a change of the rows; a view redraws there.
+  /// Runs after a change of the rows.
   std::function<void()> OnRowsChanged;
 
   void ImportButton_Click();
@@ -42,12 +42,12 @@ class ImportDialog : public ui::Window {
   void AllButton_Click() { TickAll(true); }
   void NoneButton_Click() { TickAll(false); }
 
-  /// Whether the user has left the dialog by Import.
-  bool Agreed() const { return agreed_; }
-  /// The import of the ticked keys, for a text that may have changed meanwhile.
+  /// Whether the user has closed the dialog with Import.
+  bool Accepted() const { return accepted_; }
+  /// Plans the import of the ticked keys into a text, which may have changed since the dialog was opened.
   ImportPlan PlanFor(const std::string& text) const;
 
-  ui::Label Summary;  // how many keys, and the room that they need
+  ui::Label Summary;  // how many keys, and the space that they need
   ui::Button AllButton, NoneButton, ImportButton, CancelButton;
 
  private:
@@ -58,10 +58,10 @@ class ImportDialog : public ui::Window {
   const RawStore& raw_;
   const std::vector<ImportedFile> files_;
   std::vector<const RemoteKey*> keys_;  // of the rows
-  std::vector<std::string> fates_;      // of the rows that are not ticked
+  std::vector<std::string> fates_;      // of the rows while they are not ticked
   std::vector<Row> rows_;
-  bool agreed_ = false;
-  bool isFirst_ = false;  // the first analysis reads what is heard
+  bool accepted_ = false;
+  bool usesFirstAnalysis_ = false;
 };
 
 }  // namespace keplo

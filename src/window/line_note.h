@@ -10,25 +10,25 @@
 
 namespace keplo {
 
-/// The window's line of text: what the line is, and what has become of it.
+/// The window's note about the line: messages of the line, other remarks, and a description of the line.
 class LineNote {
  public:
-  /// @param describe the line as it is now, in a sentence; may be empty, and may change
+  /// @param describe describes the line in a sentence; may be empty, and may be set later
   LineNote(ui::Label& note, const std::function<std::string()>& describe)
       : note_(note), describe_(describe) {}
 
-  /// From here on the line is at work. What it tells of that meanwhile, such as why a signal did not go out,
-  /// stays ahead of what is shown.
-  void Listen() {
+  /// Call this before using the line: messages that it writes to the note until Show, such as why a signal
+  /// was not sent, are kept.
+  void KeepLineMessages() {
     note_.SetText({});
-    listens_ = true;
+    keepsMessages_ = true;
   }
 
-  /// @param ahead what there is to say besides
-  void Show(std::string_view ahead = {}) {
-    const std::string told = std::exchange(listens_, false) ? note_.Text() : std::string();
+  /// Shows the messages of the line, a remark, and the description of the line.
+  void Show(std::string_view remark = {}) {
+    const std::string messages = std::exchange(keepsMessages_, false) ? note_.Text() : std::string();
     std::string text;
-    for (const std::string_view part : {std::string_view(told), ahead}) {
+    for (const std::string_view part : {std::string_view(messages), remark}) {
       if (!part.empty()) text.append(part).append(" ");
     }
     if (describe_) text += describe_();
@@ -36,7 +36,7 @@ class LineNote {
   }
 
  private:
-  bool listens_ = false;
+  bool keepsMessages_ = false;
   ui::Label& note_;
   const std::function<std::string()>& describe_;
 };

@@ -12,17 +12,17 @@
 #include "config/protocols.h"
 #include "config/sections.h"
 #include "window/file_watch.h"
-#include "window/protocol_place.h"
+#include "window/protocol_flow.h"
 
 namespace keplo {
 
 namespace {
 
-/// What the dialog offers for a recorded line code.
+/// What the dialog proposes for a recorded line code.
 struct RecordedKind {
   std::int16_t ProtoKind;
-  int Entry;                // of the generic protocols
-  std::string_view Repeat;  // empty: as the entry has it
+  int Generic;              // index in kGenericProtocols
+  std::string_view Repeat;  // empty for that of the generic protocol
 };
 constexpr std::array<RecordedKind, 5> kRecordedKinds = {
     {{kNec, 0, "50"}, {kSony, 1, "50"}, {kRc5, 2, "90"}, {kRc6, 3, "190"}, {kUnknown, 3, {}}}};
@@ -52,9 +52,9 @@ std::span<const NewProtocolRow> NewProtocolControls() {
   return kRows;
 }
 
-NewProtocol::NewProtocol(ProtocolPlace& place, KeploMod& mod, UndoPlace& undo, Dialogue& dialogue,
+NewProtocol::NewProtocol(ProtocolFlow& flow, KeploMod& mod, UndoHistory& undo, Dialogue& dialogue,
                          RecordedSignal recorded)
-    : place_(place), mod_(mod), undo_(undo), dialogue_(dialogue), recorded_(std::move(recorded)) {
+    : flow_(flow), mod_(mod), undo_(undo), dialogue_(dialogue), recorded_(std::move(recorded)) {
   SetTitle("Protocol Parameters");
   GProtoIn.OnClick = [this] { GProtoIn_Click(); };
   CreateButton.OnClick = [this] { CreateButton_Click(); };
@@ -66,18 +66,18 @@ bool NewProtocol::IsNew() const { return mod_.ProtocolFormMode == kNewProtocolMo
 void NewProtocol::Form_Load() {
   for (const GenericProtocol& generic : kGenericProtocols) GProtoIn.Add(generic.Name);
   if (IsRecorded(mod_.Store.CurProtocol) && recorded_.HasCode()) {
-    TakeRecording();
-  } else if (!TakeSection()) {
+    FillFromRecording();
+  } else if (!FillFromSection()) {
     Refuse();
   }
 }
 
-void NewProtocol::TakeRecording() {
+void NewProtocol::FillFromRecording() {
   ProtocolParams& params = mod_.ProtocolParams;
-  TakeParams(recorded_, params);
+  SetParams(recorded_, params);
   for (const RecordedKind& recorded : kRecordedKinds) {
     if (recorded.ProtoKind != recorded_.ProtoKind) continue;
-    GProtoIn.Select(recorded.Entry);
+    GProtoIn.Select(recorded.Generic);
     if (!recorded.Repeat.empty()) RepeatIn.SetText(recorded.Repeat);
   }
   SendPlsIn.SetText(recorded_.Pulse);
@@ -86,13 +86,13 @@ void NewProtocol::TakeRecording() {
   Bit1In.SetText(params.BIT1);
 }
 
-bool NewProtocol::TakeSection() {
+bool NewProtocol::FillFromSection() {
   CfgStore& store = mod_.Store;
   if (IsNew()) store.CurProtocol = "Template";
-  SavedProtocolIndex = static_cast<std::int16_t>(place_.SelectedProtocol());
+  SavedProtocolIndex = static_cast<std::int16_t>(flow_.SelectedProtocol());
   const std::optional<ProtocolDraft> stored = LoadProtocol(store.CfgText, store.CurProtocol);
   if (!stored) return false;
-  KeepParams(*stored);
+  StoreParams(*stored);
   GProtoIn.Select(stored->ProtoKind);
   const ProtocolParams& params = stored->Params;
   SendPlsIn.SetText(KeyNumber(params.SENDPLS));
@@ -129,26 +129,26 @@ void NewProtocol::CreateButton_Click() {
   ProtocolRefusal refusal = IsNew() ? CheckProtocolName(store.CfgText, draft.Name) : ProtocolRefusal::None;
   if (refusal == ProtocolRefusal::None) {
     refusal = CheckProtocolDraft(draft);
-    KeepParams(draft);
+    StoreParams(draft);
   }
   SectionChange planned(refusal);
   if (refusal == ProtocolRefusal::None) {
     store.CurProtocol = draft.Name;
     planned = Plan(draft);
-    if (planned.Refused == ProtocolRefusal::None && !Agreed(planned.Change.Block)) return;
-    // Another program may have moved the place meanwhile, or taken the name.
-    if (planned.Refused == ProtocolRefusal::None && TakeInOtherText(store).empty()) planned = Plan(draft);
+    if (planned.Refused == ProtocolRefusal::None && !Confirmed(planned.Change.Block)) return;
+    // Another program may have moved the section or used the name meanwhile.
+    if (planned.Refused == ProtocolRefusal::None && ReloadIfChanged(store).empty()) planned = Plan(draft);
   }
   if (planned.Refused != ProtocolRefusal::None) {
     dialogue_.Tell(RefusalText(planned.Refused));
     return;
   }
   const UndoStep step(undo_);
-  if (!Saved(draft, planned.Change)) return;
-  if (IsNew() && !ListProtocolsAgain()) return;
-  place_.MakeProtocolCurrent(SavedProtocolIndex);
-  place_.Unload();
-  place_.ShowPulse(KeyNumber(mod_.ProtocolParams.SENDPLS));
+  if (!Save(draft, planned.Change)) return;
+  if (IsNew() && !RelistProtocols()) return;
+  flow_.MakeProtocolCurrent(SavedProtocolIndex);
+  flow_.Close();
+  flow_.ShowPulse(KeyNumber(mod_.ProtocolParams.SENDPLS));
 }
 
 SectionChange NewProtocol::Plan(const ProtocolDraft& draft) {
@@ -175,7 +175,7 @@ ProtocolDraft NewProtocol::Fields() const {
   ProtocolDraft draft;
   draft.Name = CProtIn.Text();
   draft.Description = ProtDesc.Text();
-  // Without a selection the first entry counts; the section could not be read again with any other number.
+  // Without a selection the first entry is used; any other number would make the section unreadable.
   draft.ProtoKind = static_cast<std::int16_t>(std::max(GProtoIn.ListIndex(), 0));
   draft.Params.SENDPLS = Rounded<std::int16_t>(SendPlsIn.Text());
   draft.Params.REPEAT = Rounded<std::int16_t>(RepeatIn.Text());
@@ -186,53 +186,53 @@ ProtocolDraft NewProtocol::Fields() const {
   return draft;
 }
 
-void NewProtocol::KeepParams(const ProtocolDraft& draft) {
+void NewProtocol::StoreParams(const ProtocolDraft& draft) {
   mod_.Signal.Measured.ProtoKind = draft.ProtoKind;
   std::string tail = std::move(mod_.ProtocolParams.BitTail);
   mod_.ProtocolParams = draft.Params;
   mod_.ProtocolParams.BitTail = std::move(tail);
 }
 
-bool NewProtocol::Agreed(const std::string& block) {
+bool NewProtocol::Confirmed(const std::string& block) {
   const std::string question =
       IsNew() ? "A new protocol with the following parameters will be created:\r\n" + block + "\r\n"
               : "The new parameters of the selected protocol are:\r\n" + block + "\r\n\r\n";
   return dialogue_.Ask(question + "Do you want to save it?") && IsOpen();
 }
 
-bool NewProtocol::IsOpen() const { return place_.Dialog() == this; }
+bool NewProtocol::IsOpen() const { return flow_.Dialog() == this; }
 
-bool NewProtocol::Saved(const ProtocolDraft& draft, const Splice& change) {
+bool NewProtocol::Save(const ProtocolDraft& draft, const Splice& change) {
   CfgStore& store = mod_.Store;
   const std::string before = store.CfgText;
   const std::string text = IsNew() ? change.In(before) : WithEdit(before, draft, change);
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(text, draft.Name));
-  // Section and selection in one save: a second one could fail and contradict the first.
+  // One save for section and selection, since a second one could fail.
   const bool done =
       dialogue_.RunAndReport([&] { ReplaceAndSave(store, WithCurrentProtocol(text, SavedProtocolIndex)); });
-  // With what another program has written the section may be at another place.
+  // The save may have merged changes of another program that move the section.
   if (IsNew()) SavedProtocolIndex = static_cast<std::int16_t>(ProtocolIndexOf(store.CfgText, draft.Name));
   // A failure at the very end of a save leaves the new text in place.
   return (done || store.CfgText != before) && IsOpen();
 }
 
-bool NewProtocol::ListProtocolsAgain() {
+bool NewProtocol::RelistProtocols() {
   SectionWalk walk = WalkSections(mod_.Store.CfgText);
   if (walk.Ended == WalkEnd::NoGeneral) {
-    place_.SetProtocols({});
+    flow_.SetProtocols({});
     dialogue_.Tell("Error in the configuration file");
     return false;
   }
   walk.Names.emplace_back(kRecorded);
-  place_.SetProtocols(std::move(walk.Names));
+  flow_.SetProtocols(std::move(walk.Names));
   return true;
 }
 
 void NewProtocol::CancelButton_Click() {
-  // A box of the dialog may stand open while the window is closed.
+  // The window may be closed while one of the dialog's boxes is open.
   if (!IsOpen()) return;
-  place_.TakeProtocolAgain();
-  place_.Unload();
+  flow_.ReapplyProtocol();
+  flow_.Close();
 }
 
 }  // namespace keplo

@@ -18,20 +18,20 @@
 
 namespace keplo {
 
-class ProtocolPlace;
+class ProtocolFlow;
 
-/// The dialog in which the user sets up a new protocol or changes the parameters of one. It lives for one use
-/// and works on the configuration text at once; while it is there, the main window is not.
+/// The dialog for creating a protocol or editing its parameters. It is used once, changes the configuration
+/// text directly, and replaces the main window while it is open.
 class NewProtocol : public ui::Window {
  public:
-  /// @param recorded what a protocol for the recorded key press is made of
-  NewProtocol(ProtocolPlace& place, KeploMod& mod, UndoPlace& undo, Dialogue& dialogue,
+  /// @param recorded the recorded key press that a new protocol may be based on
+  NewProtocol(ProtocolFlow& flow, KeploMod& mod, UndoHistory& undo, Dialogue& dialogue,
               RecordedSignal recorded);
 
-  /// Fills the dialog as ProtocolFormMode tells, or refuses and unloads it.
+  /// Fills the dialog according to ProtocolFormMode or, if that fails, closes it with a message.
   void Form_Load();
   void GProtoIn_Click();
-  /// Leaves the dialog open with all it holds unless everything passes and the user says yes.
+  /// Saves the protocol if all checks pass and the user confirms; otherwise the dialog stays open.
   void CreateButton_Click();
   void CancelButton_Click();
 
@@ -42,36 +42,36 @@ class NewProtocol : public ui::Window {
 
  private:
   bool IsNew() const;
-  void TakeRecording();
-  bool TakeSection();
+  void FillFromRecording();
+  bool FillFromSection();
   void Refuse();
   void TrimFields();
   ProtocolDraft Fields() const;
-  void KeepParams(const ProtocolDraft& draft);
+  void StoreParams(const ProtocolDraft& draft);
   SectionChange Plan(const ProtocolDraft& draft);
-  bool Agreed(const std::string& block);
+  bool Confirmed(const std::string& block);
   bool IsOpen() const;
-  bool Saved(const ProtocolDraft& draft, const Splice& change);
-  bool ListProtocolsAgain();
+  bool Save(const ProtocolDraft& draft, const Splice& change);
+  bool RelistProtocols();
 
-  ProtocolPlace& place_;
+  ProtocolFlow& flow_;
   KeploMod& mod_;
-  UndoPlace& undo_;
+  UndoHistory& undo_;
   Dialogue& dialogue_;
   RecordedSignal recorded_;
   std::int16_t SavedProtocolIndex = 0;
 };
 
-/// One control of the dialog with the texts that it shows.
+/// A control of the dialog and its texts.
 struct NewProtocolRow {
   std::string_view Name;
   std::variant<ui::TextBox NewProtocol::*, ui::DropDownList NewProtocol::*, ui::Button NewProtocol::*> Model;
-  std::string_view Caption;  // of the label before a field; of a button its own
+  std::string_view Caption;  // of a button, or of the label of a field
   char AccessKey;
   std::string_view Tip;
 };
 
-/// The controls in the order of the layout, which is the tab order too; the buttons come last.
+/// The controls in layout and tab order; the buttons come last.
 std::span<const NewProtocolRow> NewProtocolControls();
 
 }  // namespace keplo

@@ -8,9 +8,9 @@ namespace keplo {
 
 namespace {
 
-constexpr std::int32_t kMouseReceiver = 8;  // its part of an interface type
+constexpr std::int32_t kMouseReceiver = 8;  // added to the interface type
 constexpr int kLongestProcDelay = 100;
-constexpr std::int32_t kZoneCharacters = 2;  // of SetMode
+constexpr std::int32_t kZoneMode = 2;  // for SetMode
 
 std::int32_t ReceiverPart(std::int32_t interfaceType) {
   return ReceiverKindOf(interfaceType) == 1 ? kMouseReceiver : 0;
@@ -38,12 +38,12 @@ void Options::ShowZoneHardware() {
   controls_.Zone.SetVisible(used);
   controls_.VexilCheckbox.SetChecked(used);
   controls_.ZoneNr.SetVisible(used);
-  if (used) GiveTheLineToZones();
+  if (used) UseLineForZones();
 }
 
 void Options::ShowProcDelay() { controls_.ProcDelayparameter.SetText(std::to_string(settings_.ProcDelay)); }
 
-void Options::KeepInterfaceType(std::int32_t interfaceType) {
+void Options::StoreInterfaceType(std::int32_t interfaceType) {
   settings_.InterfaceType = interfaceType;
   keeper_.StoreSetting("ITYPE", interfaceType);
 }
@@ -55,25 +55,25 @@ void Options::ShowReceiver() {
   controls_.ReceiverType.SetText(mouse ? "IRMouse" : "DCDStd");
 }
 
-void Options::TakeReceiver(std::int16_t kind) {
+void Options::SetReceiver(std::int16_t kind) {
   settings_.ReceiverKind = kind;
   ShowReceiver();
   const std::int32_t type = settings_.InterfaceType;
-  if (kind != ReceiverKindOf(type)) KeepInterfaceType(type + (kind == 1 ? kMouseReceiver : -kMouseReceiver));
+  if (kind != ReceiverKindOf(type)) StoreInterfaceType(type + (kind == 1 ? kMouseReceiver : -kMouseReceiver));
 }
 
-void Options::TakeOutput() {
+void Options::ApplyOutput() {
   const bool softwareCarrier = controls_.TxDCheckBox.Checked();
   if (softwareCarrier) line_.SetMode(1);
-  KeepInterfaceType(ReceiverPart(settings_.InterfaceType) + (softwareCarrier ? 1 : 0));
+  StoreInterfaceType(ReceiverPart(settings_.InterfaceType) + (softwareCarrier ? 1 : 0));
 }
 
-void Options::TakeBeep() {
+void Options::ApplyBeep() {
   settings_.BeepOn = controls_.BeepCheckbox.Checked();
   keeper_.StoreAndSave("BEEPON", settings_.BeepOn ? 1 : 0);
 }
 
-void Options::TakeZoneHardware() {
+void Options::ApplyZoneHardware() {
   const bool used = controls_.VexilCheckbox.Checked();
   controls_.ZoneNr.SetVisible(used);
   controls_.Zone.SetVisible(used);
@@ -85,17 +85,17 @@ void Options::TakeZoneHardware() {
     settings_.VexilMode = 1;
     controls_.Zone.Select(0);
     keeper_.StoreSetting("VEXIL", 1);
-    GiveTheLineToZones();
+    UseLineForZones();
   }
 }
 
-void Options::GiveTheLineToZones() {
+void Options::UseLineForZones() {
   controls_.TxDCheckBox.SetChecked(false);
   controls_.TxDCheckBox.SetEnabled(false);
-  line_.SetMode(kZoneCharacters);
+  line_.SetMode(kZoneMode);
 }
 
-void Options::TakeZone() {
+void Options::ApplyZone() {
   if (settings_.VexilMode <= 0) return;
   settings_.VexilMode = static_cast<std::int16_t>(controls_.Zone.ListIndex() + 1);
   keeper_.StoreSetting("VEXIL", settings_.VexilMode);

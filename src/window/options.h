@@ -12,8 +12,8 @@
 
 namespace keplo {
 
-/// How the hardware is wired and behaves: receiver, output, beep, zones and capture delay. Each option acts
-/// at once on the settings and is written to the file.
+/// The options of the hardware: receiver, output, beep, zones and capture delay. They take effect at once and
+/// are written to the file.
 class Options {
  public:
   struct Controls {
@@ -32,23 +32,24 @@ class Options {
           Dialogue& dialogue)
       : settings_(settings), line_(line), controls_(controls), keeper_(keeper), dialogue_(dialogue) {}
 
-  // What the settings say, shown while the window comes up.
+  // Show the current settings.
   void ShowInterfaceType();
   void ShowBeep();
   void ShowZoneHardware();
   void ShowProcDelay();
 
-  void TakeReceiver(std::int16_t kind);
-  void TakeOutput();
-  void TakeBeep();
-  void TakeZoneHardware();
-  void TakeZone();
+  // Apply what the user has chosen.
+  void SetReceiver(std::int16_t kind);
+  void ApplyOutput();
+  void ApplyBeep();
+  void ApplyZoneHardware();
+  void ApplyZone();
   void AskProcDelay();
 
  private:
-  void KeepInterfaceType(std::int32_t interfaceType);
+  void StoreInterfaceType(std::int32_t interfaceType);
   void ShowReceiver();
-  void GiveTheLineToZones();
+  void UseLineForZones();
 
   Settings& settings_;
   Win32Ser& line_;

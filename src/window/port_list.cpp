@@ -25,7 +25,7 @@ void PortList::Fill() {
     dialogue_.Tell("There is no COM port available");
     return;
   }
-  // Probing has moved the line to the last port.
+  // Probing has left the line at the last port.
   line_.OpenCom(settings_.ComPortNr);
   line_.RTS(-1);
   line_.TXD(0);
@@ -51,20 +51,20 @@ bool PortList::Opens(std::int32_t port) {
   return false;
 }
 
-void PortList::TakePort() {
+void PortList::OpenSelected() {
   const std::string entry = list_.Text();
   const std::int32_t port = WithoutFraction<std::int32_t>(entry.substr(entry.size() - kPortDigits));
   settings_.ComPortNr = port;
   keeper_.StoreSetting("COMPORT", port);
   const ui::WaitNotice notice(window_, "Opening " + entry + ". This takes a second at most.");
-  note_.Listen();
+  note_.KeepLineMessages();
   int attempt = 1;
   while (attempt <= kOpenAttempts && line_.OpenCom(port) != 1) {
     line_.uDelay(kPauseAfterFailure);
     ++attempt;
   }
   line_.RTS(-1);
-  // A port that needs to be asked twice is not to be relied on.
+  // A port that needs more than one attempt is unreliable.
   list_.SetBackColour(attempt == 1 ? ui::kGreen : ui::kRed);
   line_.RTS(-1);
   line_.TXD(0);

@@ -11,10 +11,10 @@
 
 namespace keplo {
 
-/// The serial ports that the user can choose from.
+/// The list of serial ports.
 class PortList {
  public:
-  /// @param window shows what the user has to wait for
+  /// @param window shows a notice while the user has to wait
   PortList(Settings& settings, Win32Ser& line, ui::DropDownList& list, SettingsKeeper& keeper,
            Dialogue& dialogue, LineNote& note, const ui::Window& window)
       : settings_(settings),
@@ -25,12 +25,12 @@ class PortList {
         note_(note),
         window_(window) {}
 
-  /// Tries the ports 1 to 30 and lists those that open; the configured one is selected and ends up open.
+  /// Tries the ports 1 to 30 and lists those that open. The configured one is selected and opened.
   void Fill();
-  /// Picks a port; one that is not in the list leaves the choice as it is.
+  /// Selects a port if it is in the list.
   void Choose(std::int32_t port);
-  /// Opens the port that was picked.
-  void TakePort();
+  /// Opens the selected port.
+  void OpenSelected();
 
  private:
   void Probe();

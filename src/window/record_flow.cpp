@@ -12,7 +12,7 @@
 #include "signal/sample_bits.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
-#include "window/while_disabled.h"
+#include "window/disable_guard.h"
 #include "window/why_not_learnable.h"
 
 namespace keplo {
@@ -62,7 +62,7 @@ bool HasStoredCode(CfgStore& store, const RecordReading& reading) {
 
 std::string Number(std::int16_t number) { return std::to_string(number); }
 
-/// As remotes' documentation writes an address of two numbers: "26.73".
+/// An address of two numbers is written "26.73".
 std::string AddressText(const CodeValues& values) {
   return Number(values.Address) + (values.Extended ? "." + Number(*values.Extended) : "");
 }
@@ -74,11 +74,11 @@ void RecordFlow::Record() {
   ClearReading();
   line_.DTR(0);
   line_.RTS(-1);
-  const WhileDisabled recording(controls_.RecButton);
+  const DisableGuard recording(controls_.RecButton);
   const ui::WaitNotice notice(window_,
                               "Recording: press a key of the remote now. Without a signal this ends after " +
                                   std::to_string(kLongestRecordWait.count()) + " seconds at most.");
-  note_.Listen();
+  note_.KeepLineMessages();
   const bool received = ReceiveSignal();
   if (controls_.VexilCheckbox.Checked()) ShowReceivedZone();
   if (!received) {
@@ -87,15 +87,15 @@ void RecordFlow::Record() {
     note_.Show("No signal came.");
     return;
   }
-  told_.clear();
+  remark_.clear();
   const RecordStage trimmed = TrimRecording(mod_.Signal.RawCapture);
   if (trimmed == RecordStage::Code) {
     waveform_.StartTrace();
     ReadCapture();
   } else {
-    told_ = WhyNotLearnable(RecordReading(trimmed));
+    remark_ = WhyNotLearnable(RecordReading(trimmed));
   }
-  note_.Show(told_);
+  note_.Show(remark_);
 }
 
 std::string RecordFlow::Explain(const OpenedRecording& recording) {
@@ -107,16 +107,16 @@ std::string RecordFlow::Explain(const OpenedRecording& recording) {
   mod_.Signal.SampleTime = recording.SampleTime;
   const RecordStage trimmed = TrimRecording(mod_.Signal.RawCapture);
   waveform_.StartTrace();
-  told_ = WhyNotLearnable(RecordReading(trimmed));
+  remark_ = WhyNotLearnable(RecordReading(trimmed));
   if (trimmed == RecordStage::Code) ReadCapture();
-  return told_;
+  return remark_;
 }
 
 void RecordFlow::ReadCapture() {
   RecordReading reading;
   ReadTrimmedRecording(mod_.Signal, mod_.Settings.Analysis, reading);
   mod_.Signal.SendAs = reading.SendAs;
-  told_ = WhyNotLearnable(reading);
+  remark_ = WhyNotLearnable(reading);
   if (!ShowRaw(reading)) ShowReading(reading);
 }
 
@@ -174,7 +174,7 @@ void RecordFlow::ShowReading(const RecordReading& reading) {
   }
   const bool known = LookUp(reading);
   ShowCode(reading);
-  // A new code stays on screen, with whatever protocol is selected.
+  // For a new code the selection is kept, since selecting a command would replace the code.
   if (known) SelectCurrent();
 }
 
@@ -192,11 +192,11 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
   fields_.IRCommand.SetText(known ? store.CurProtocol + "&&" + store.CurCommand : "?");
   validation_.ReadBy = reading.ReadBy;
   const Verdict verdict = Validate(validation_, {reading.Code, place_}, reading.Repeats, known);
-  TellVerdict(verdict);
+  ShowVerdict(verdict);
   return known;
 }
 
-void RecordFlow::TellVerdict(Verdict verdict) {
+void RecordFlow::ShowVerdict(Verdict verdict) {
   fields_.CodeStr.SetBackColour(BackOf(verdict));
   if (verdict == Verdict::Known) beeps_.Sound(2000, 50);
   if (verdict == Verdict::NotValidated) {
@@ -206,7 +206,7 @@ void RecordFlow::TellVerdict(Verdict verdict) {
   }
 }
 
-/// A press of a raw command, or one that no analysis reads and that could become one.
+/// Shows a press of a raw command, or one that no analysis can read and that could become a raw command.
 /// @return false for any other press
 bool RecordFlow::ShowRaw(const RecordReading& reading) {
   CfgStore& store = mod_.Store;
@@ -224,23 +224,23 @@ bool RecordFlow::ShowRaw(const RecordReading& reading) {
   }
   if (HasCode(reading) && IsReadByMonitor(mod_.Signal.RawCapture, reading.Code, mod_.Signal.SampleTime))
     return false;
-  if (const std::string alike = AlikeRawText(store, mod_.Signal); !alike.empty()) {
-    told_ = "No code: it " + alike + ".";
+  if (const std::string alike = AmbiguousRawText(store, mod_.Signal); !alike.empty()) {
+    remark_ = "No code: it " + alike + ".";
     return false;
   }
   RawSignal signal;
   const HeardLengths heard = HeardIn(mod_.Signal);
   if (!rawLesson_.Hear(heard, place_)) return false;
-  const Verdict verdict = HearRaw(signal);
+  const Verdict verdict = LearnRaw(signal);
   ShowRawSignal(signal, verdict, {});
   return true;
 }
 
-/// What the presses so far make a command of: the last form, or two that take turns.
-Verdict RecordFlow::HearRaw(RawSignal& signal) {
+/// The raw command that the presses so far suggest: that of the last press, or of two forms that alternate.
+Verdict RecordFlow::LearnRaw(RawSignal& signal) {
   std::vector<RawLesson::Form> forms = {rawLesson_.Last()};
   if (rawLesson_.TakesTurns()) forms = rawLesson_.Turns();
-  signal = DrawRawSignal(mod_.Store.CfgText, forms);
+  signal = MakeRawSignal(mod_.Store.CfgText, forms);
   mod_.Store.Raw.Known.insert_or_assign(signal.Digits, signal);
   validation_.CmdValidated = forms.size() > 1 || rawLesson_.IsLastConfirmed();
   validation_.ValidationStep = 0;
@@ -250,7 +250,7 @@ Verdict RecordFlow::HearRaw(RawSignal& signal) {
 
 void RecordFlow::ShowRawSignal(const RawSignal& signal, Verdict verdict, const FoundCommand& known) {
   const RawLengths& lengths = signal.Forms.front();
-  std::vector<int> ones, zeros;  // samples, as of any other press
+  std::vector<int> ones, zeros;  // samples
   for (std::size_t i = 0; i < lengths.size(); ++i) {
     (i % 2 == 0 ? ones : zeros).push_back((lengths[i] + kNominalSampleTime / 2) / kNominalSampleTime);
   }
@@ -267,11 +267,11 @@ void RecordFlow::ShowRawSignal(const RawSignal& signal, Verdict verdict, const F
   fields_.Rpt.SetText("N");
   fields_.IRCommand.SetText(verdict == Verdict::Known ? known.Protocol + "&&" + known.Command : "?");
   fields_.CodeStr.SetText("G" + signal.Digits);
-  told_.clear();
+  remark_.clear();
   if (signal.Forms.size() > 1 && verdict == Verdict::Validated) {
-    told_ = "The remote sends two signals in turn; both are stored with the command.";
+    remark_ = "The remote sends two signals in turn; both are stored with the command.";
   }
-  TellVerdict(verdict);
+  ShowVerdict(verdict);
 }
 
 void RecordFlow::ShowCode(const RecordReading& reading) {

@@ -22,7 +22,7 @@
 
 namespace keplo {
 
-/// Records a key press and explains it.
+/// Records and explains key presses.
 class RecordFlow {
  public:
   struct Controls {
@@ -34,7 +34,7 @@ class RecordFlow {
     ReadingFields Fields;
   };
 
-  /// @param window shows what the user has to wait for
+  /// @param window shows a notice while the user has to wait
   RecordFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
              Validation& validation, LineNote& note, const ui::Window& window)
       : mod_(mod),
@@ -49,10 +49,10 @@ class RecordFlow {
   RecordFlow(const RecordFlow&) = delete;
   RecordFlow& operator=(const RecordFlow&) = delete;
 
-  /// Waits for a key press and shows what it is.
+  /// Waits for a key press and explains it.
   void Record();
-  /// Shows what a recording is that was made before.
-  /// @return what there is to say of it, for a person; may be empty
+  /// Explains a recording from a file.
+  /// @return a remark for the user; may be empty
   std::string Explain(const OpenedRecording& recording);
 
  private:
@@ -62,9 +62,9 @@ class RecordFlow {
   void ShowReceivedZone();
   void ShowReading(const RecordReading& reading);
   bool ShowRaw(const RecordReading& reading);
-  Verdict HearRaw(RawSignal& signal);
+  Verdict LearnRaw(RawSignal& signal);
   void ShowRawSignal(const RawSignal& signal, Verdict verdict, const FoundCommand& known);
-  void TellVerdict(Verdict verdict);
+  void ShowVerdict(Verdict verdict);
   void ShowKind(std::int16_t kind);
   bool LookUp(const RecordReading& reading);
   void ShowCode(const RecordReading& reading);
@@ -79,8 +79,8 @@ class RecordFlow {
   Validation& validation_;
   LineNote& note_;
   const ui::Window& window_;
-  std::string told_;     // what there is to say of the last signal
-  std::string place_;    // of the recording that is shown; empty for a key press
+  std::string remark_;   // about the last signal, for the user
+  std::string place_;    // OpenedRecording::Place of the recording that is shown; empty for a key press
   RawLesson rawLesson_;  // the presses that no analysis could read
 };
 

@@ -7,7 +7,7 @@ namespace keplo {
 
 namespace {
 
-/// Slots of silence before a repeat, where a recording shows repeats but no protocol tells a number.
+/// Slots of silence assumed before a repeat in a recording, which does not have a number for it.
 constexpr std::int16_t kRecordedRepeat = 50;
 
 std::int16_t RecordedGRepeat(std::string_view syncType) {
@@ -28,7 +28,7 @@ RecordedSignal ShownSignal(const ReadingFields& fields, std::int16_t protoKind) 
           .Pulse = fields.SendPulse.Text()};
 }
 
-void TakeParams(const RecordedSignal& recorded, ProtocolParams& params) {
+void SetParams(const RecordedSignal& recorded, ProtocolParams& params) {
   params.REPEAT = recorded.Repeats ? kRecordedRepeat : std::int16_t{0};
   params.GREPEAT = RecordedGRepeat(recorded.SyncType);
   params.Carrier = kUsualCarrier;

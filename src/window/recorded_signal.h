@@ -9,23 +9,23 @@
 
 namespace keplo {
 
-/// What the window shows of a recorded key press, from which it can be sent and made a protocol of.
+/// A recorded key press as the window shows it, which is enough to send it or create a protocol for it.
 struct RecordedSignal {
   std::string Code;      // with its leading G
-  std::string Bits;      // how many digits
-  bool Repeats = false;  // its frames are equal
+  std::string Bits;      // number of digits
+  bool Repeats = false;  // whether its frames are equal
   std::string SyncType;
   std::int16_t ProtoKind = 0;
   std::string Pulse;  // base time, microseconds
 
-  /// Whether there is a code to do anything with.
+  /// Whether there is a code.
   bool HasCode() const;
 };
 
 /// @param protoKind of the recording
 RecordedSignal ShownSignal(const ReadingFields& fields, std::int16_t protoKind);
 
-/// Takes over how a recorded signal is repeated, and the patterns of its line code if that is known.
-void TakeParams(const RecordedSignal& recorded, ProtocolParams& params);
+/// Sets the repeats of a recorded signal and, if its line code is known, its patterns.
+void SetParams(const RecordedSignal& recorded, ProtocolParams& params);
 
 }  // namespace keplo

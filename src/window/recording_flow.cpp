@@ -13,8 +13,8 @@ void RecordingFlow::Open() {
       }) ||
       !recording)
     return;
-  const std::string told = record_.Explain(*recording);
-  note_.SetText("Recording " + recording->Name + (told.empty() ? "" : ": " + told));
+  const std::string remark = record_.Explain(*recording);
+  note_.SetText("Recording " + recording->Name + (remark.empty() ? "" : ": " + remark));
 }
 
 void RecordingFlow::Save() {

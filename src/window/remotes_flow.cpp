@@ -14,15 +14,15 @@ namespace keplo {
 
 namespace {
 
-constexpr std::size_t kMostTold = 10;  // lines of a box; more do not fit on a small screen
+constexpr std::size_t kMostLines = 10;  // in a box; more would not fit on a small screen
 
 }  // namespace
 
 void RemotesFlow::TellAll(const std::vector<std::string>& texts, const std::string& title) {
   if (texts.empty()) return;
   std::string lines;
-  for (std::size_t i = 0; i < std::min(texts.size(), kMostTold); ++i) lines += texts[i] + "\n";
-  if (texts.size() > kMostTold) lines += "and " + std::to_string(texts.size() - kMostTold) + " more\n";
+  for (std::size_t i = 0; i < std::min(texts.size(), kMostLines); ++i) lines += texts[i] + "\n";
+  if (texts.size() > kMostLines) lines += "and " + std::to_string(texts.size() - kMostLines) + " more\n";
   lines.pop_back();
   dialogue_.Tell(title, lines);
 }
@@ -32,21 +32,21 @@ void RemotesFlow::Import() {
   if (!files_.Open || !files_.Pick || !dialogue_.RunAndReport([&] { opened = files_.Open(); }) || !opened)
     return;
   TellAll(opened->Complaints, "Some of it cannot be read.");
-  TakeInOtherText(store_);
+  ReloadIfChanged(store_);
   ImportDialog dialog(store_, std::move(opened->Files));
   if (dialog.Rows().empty()) {
     dialogue_.Tell("There are no keys in it.");
     return;
   }
   files_.Pick(dialog);
-  if (dialog.Agreed()) Store(dialog);
+  if (dialog.Accepted()) Store(dialog);
 }
 
 void RemotesFlow::Store(const ImportDialog& dialog) {
-  TakeInOtherText(store_);
+  ReloadIfChanged(store_);
   const UndoStep step(undo_);
   std::string section;
-  bool isStored = false;  // by another program, while the keys were chosen
+  bool isStored = false;  // by another program, while the user was choosing keys
   const bool changed = dialogue_.ChangeAndReport([&] {
     ImportPlan plan = dialog.PlanFor(store_.CfgText);
     isStored = plan.Sections.empty();

@@ -10,11 +10,11 @@
 
 namespace keplo {
 
-/// Whole remotes out of files, and the commands of a protocol into one.
+/// Imports remotes from files, and exports the commands of a protocol to one.
 class RemotesFlow {
  public:
-  /// @param files may change until they are called
-  RemotesFlow(CfgStore& store, const RemoteFiles& files, CommandList& commands, UndoPlace& undo,
+  /// @param files may be set later
+  RemotesFlow(CfgStore& store, const RemoteFiles& files, CommandList& commands, UndoHistory& undo,
               Dialogue& dialogue)
       : store_(store), files_(files), commands_(commands), undo_(undo), dialogue_(dialogue) {}
 
@@ -29,7 +29,7 @@ class RemotesFlow {
   CfgStore& store_;
   const RemoteFiles& files_;
   CommandList& commands_;
-  UndoPlace& undo_;
+  UndoHistory& undo_;
   Dialogue& dialogue_;
 };
 

@@ -14,14 +14,14 @@
 #include "signal/send_bits.h"
 #include "signal/zone_link.h"
 #include "ui/wait_notice.h"
+#include "window/disable_guard.h"
 #include "window/recorded_signal.h"
-#include "window/while_disabled.h"
 
 namespace keplo {
 
 namespace {
 
-constexpr std::size_t kShortestCode = 6;  // characters, the leading G among them
+constexpr std::size_t kShortestCode = 6;  // characters, including the leading G
 
 std::optional<std::string_view> SyncTypeOf(std::int16_t gRepeat) {
   if (gRepeat == 0) return "0";
@@ -40,7 +40,7 @@ void SendFlow::SendAgain() {
 
 void SendFlow::Send() {
   controls_.Loop.SetEnabled(false);
-  const WhileDisabled sending(controls_.SendButton);
+  const DisableGuard sending(controls_.SendButton);
   if (fields_.CodeStr.BackColour() == ui::kRed) {
     dialogue_.Tell(" The received command is not yet validated!");
     return;
@@ -50,7 +50,7 @@ void SendFlow::Send() {
     ShowRaw();
   } else if (!IsRecorded(mod_.Store.CurProtocol)) {
     ShowParams();
-  } else if (!TakeRecordedParams()) {
+  } else if (!UseRecordedParams()) {
     return;
   }
   controls_.HScroll1.SetEnabled(true);
@@ -67,13 +67,13 @@ void SendFlow::Send() {
   fields_.BitNr.SetText(std::to_string(code.size() - 1));
 }
 
-bool SendFlow::TakeRecordedParams() {
+bool SendFlow::UseRecordedParams() {
   const RecordedSignal recorded = ShownSignal(fields_, mod_.Signal.Measured.ProtoKind);
   if (!recorded.HasCode()) {
     dialogue_.Tell("Information about received command is not complete!");
     return false;
   }
-  TakeParams(recorded, mod_.ProtocolParams);
+  SetParams(recorded, mod_.ProtocolParams);
   mod_.ProtocolParams.SENDAS = mod_.Signal.SendAs;
   if (recorded.ProtoKind != kUnknown) return true;
   dialogue_.Tell("You must first manually define a new protocol if UNKNOWN.");
@@ -84,7 +84,7 @@ void SendFlow::ShowParams() {
   fields_.Rpt.SetText(mod_.ProtocolParams.REPEAT > 0 ? "Y" : "N");
   if (const auto syncType = SyncTypeOf(mod_.ProtocolParams.GREPEAT)) fields_.GType.SetText(*syncType);
   const std::int16_t kind = mod_.Signal.Measured.ProtoKind;
-  // A protocol of the user's own has no generic one to show.
+  // A custom protocol has no generic one to show.
   if (FindPatternSet(kind) != nullptr || kind == kUnknown) fields_.GProt.SetText(ProtoKindName(kind));
 }
 
@@ -95,15 +95,14 @@ void SendFlow::ShowRaw() {
 }
 
 void SendFlow::SendRaw(const RawSignal& signal) {
-  // Forms that the remote sends in turn are sent in turn.
   const bool isRecorded = IsRecorded(mod_.Store.CurProtocol);
-  PutOut(TransmissionOfRaw(signal, rawSent_, isRecorded ? kUsualCarrier : mod_.ProtocolParams.Carrier));
+  Transmit(TransmissionOfRaw(signal, rawSent_, isRecorded ? kUsualCarrier : mod_.ProtocolParams.Carrier));
   ShowSent(CaptureOfLengths(signal.Forms[rawSent_++ % signal.Forms.size()]));
 }
 
-void SendFlow::PutOut(const Transmission& transmission) {
+void SendFlow::Transmit(const Transmission& transmission) {
   const ui::WaitNotice notice(window_, "Sending the command.");
-  note_.Listen();
+  note_.KeepLineMessages();
   beeps_.Sound(5000, 50);
   PutOnAir(line_, transmission, mod_.Settings.InterfaceType);
   beeps_.Sound(2000, 50);
@@ -143,7 +142,7 @@ bool SendFlow::SendDigits(const std::string& digits) {
   }
   const auto pulse = Rounded<std::int32_t>(fields_.SendPulse.Text());
   if (pulse != mod_.ProtocolParams.SENDPLS) transmission.Slot = pulse;
-  PutOut(transmission);
+  Transmit(transmission);
   ShowSent(CaptureOfSlots(transmission.Slots, transmission.Slot));
   return true;
 }

@@ -22,7 +22,7 @@
 
 namespace keplo {
 
-/// Sends the code on screen, once or again and again.
+/// Sends the code on screen, once or repeatedly.
 class SendFlow {
  public:
   struct Controls {
@@ -37,8 +37,8 @@ class SendFlow {
     ReadingFields Fields;
   };
 
-  /// @param showsTrace whether there is room for the trace of what is sent
-  /// @param window shows what the user has to wait for
+  /// @param showsTrace whether the trace is visible
+  /// @param window shows a notice while the user has to wait
   SendFlow(KeploMod& mod, Win32Ser& line, const Controls& controls, WaveformPane& waveform,
            std::function<bool()> showsTrace, Dialogue& dialogue, LineNote& note, const ui::Window& window)
       : mod_(mod),
@@ -60,13 +60,13 @@ class SendFlow {
   void SendAgain();
 
  private:
-  bool TakeRecordedParams();
+  bool UseRecordedParams();
   void ShowParams();
   bool SelectZone();
   bool SendDigits(const std::string& digits);
   void ShowRaw();
   void SendRaw(const RawSignal& signal);
-  void PutOut(const Transmission& transmission);
+  void Transmit(const Transmission& transmission);
   void ShowSent(std::string capture);
 
   KeploMod& mod_;
@@ -79,7 +79,7 @@ class SendFlow {
   Dialogue& dialogue_;
   LineNote& note_;
   const ui::Window& window_;
-  std::size_t rawSent_ = 0;  // transmissions of raw commands
+  std::size_t rawSent_ = 0;  // number of raw commands sent
 };
 
 }  // namespace keplo

@@ -28,9 +28,9 @@ void SettingsKeeper::StoreSetting(const std::string& key, std::int32_t value,
   }
 }
 
-void SettingsKeeper::TakeUnsaved() {
+void SettingsKeeper::ApplyUnsaved() {
   for (const auto& [key, value] : std::exchange(unsaved_, {})) {
-    // One that does not fit must keep no other from the file.
+    // Reported one by one, so that a failure does not affect the others.
     dialogue_.RunAndReport([&, &key = key, &value = value] {
       const auto changed = WithGeneralValue(store_.CfgText, key, std::to_string(value));
       if (changed) store_.ReplaceText(*changed);

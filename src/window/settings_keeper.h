@@ -10,17 +10,17 @@
 
 namespace keplo {
 
-/// Writes settings to the file at once, and tries those whose save failed once more at the end.
+/// Writes settings to the file at once; those whose save failed are saved when the window closes.
 class SettingsKeeper {
  public:
   SettingsKeeper(CfgStore& store, Dialogue& dialogue) : store_(store), dialogue_(dialogue) {}
 
-  /// Changes a key of [General] and saves. A text without the key stays as it is.
+  /// Changes a key of [General] and saves. Does nothing if the text does not have the key.
   void StoreSetting(const std::string& key, std::int32_t value);
-  /// The same, but a text without the key is saved all the same.
+  /// Like StoreSetting, but saves the text even if it does not have the key.
   void StoreAndSave(const std::string& key, std::int32_t value);
-  /// Puts the settings whose save failed into the text, in memory only.
-  void TakeUnsaved();
+  /// Applies the settings whose save failed to the text, in memory only.
+  void ApplyUnsaved();
 
  private:
   void StoreSetting(const std::string& key, std::int32_t value, const std::function<void()>& withoutKey);

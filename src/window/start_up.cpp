@@ -15,9 +15,9 @@
 namespace keplo {
 
 bool Form1::Form_Load() {
-  flows_->Dialogue.GatherFailures();
+  flows_->Dialogue.CollectFailures();
   const bool loaded = Load();
-  flows_->Dialogue.TellGathered();
+  flows_->Dialogue.TellCollected();
   return loaded;
 }
 
@@ -26,7 +26,7 @@ bool Form1::Load() {
   Timer1.SetEnabled(false);
   windowLarge_ = true;
   ShowMode();
-  if (!ByShell() && !LoadFile()) return NotLoaded();
+  if (!ByShell() && !LoadFile()) return FailToLoad();
   Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
   ListAvailableCOM();
   flows_->Options.ShowInterfaceType();
@@ -36,7 +36,7 @@ bool Form1::Load() {
   beeps.Sound(2000, 50);
   beeps.Sound(5000, 50);
   flows_->Options.ShowZoneHardware();
-  if (!IsWhole(mod_.Store.CfgText)) return NotLoaded();
+  if (!IsWhole(mod_.Store.CfgText)) return FailToLoad();
   flows_->Commands.ListProtocols();
   flows_->Options.ShowProcDelay();
   Protocol.Select(mod_.Settings.ProtocolIndex);
@@ -56,7 +56,7 @@ void Form1::Form_Unload() {
   Timer1.SetEnabled(false);
   flows_->File.Stop();
   if (!ByShell()) line_.CloseCom();
-  flows_->Settings.TakeUnsaved();
+  flows_->Settings.ApplyUnsaved();
   if (IsWhole(mod_.Store.CfgText)) flows_->Dialogue.RunAndReport([this] { SaveConfig(mod_.Store); });
 }
 
@@ -85,18 +85,18 @@ bool Form1::LoadFile() try {
   LoadConfig(mod_.Store);
   return ReadSettings(mod_.Store, mod_.Settings).Complete();
 } catch (const Failure& unreadable) {
-  whyNotLoaded_ = unreadable.what();
+  loadFailure_ = unreadable.what();
   return false;
 }
 
-bool Form1::NotLoaded() {
-  if (whyNotLoaded_.empty()) whyNotLoaded_ = CheckConfig(mod_.Store);
+bool Form1::FailToLoad() {
+  if (loadFailure_.empty()) loadFailure_ = CheckConfig(mod_.Store);
   if (!ByShell()) line_.CloseCom();
   flows_->Dialogue.TellError(
       "There is an error in the configuration file.\r\nThe application will be closed.\r\n"
       "Please send a message to " +
           std::string(kSupportMail) + " for support.",
-      whyNotLoaded_);
+      loadFailure_);
   return false;
 }
 

@@ -4,12 +4,12 @@
 
 namespace keplo {
 
-void UndoPlace::End() {
+void UndoHistory::End() {
   undo_.End();
   entry_.SetEnabled(undo_.CanUndo());
 }
 
-bool UndoPlace::TakeBack() {
+bool UndoHistory::Undo() {
   std::string whyNot;
   const bool changed = dialogue_.ChangeAndReport([&] { whyNot = undo_.Undo(); });
   entry_.SetEnabled(undo_.CanUndo());

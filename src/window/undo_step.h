@@ -6,17 +6,17 @@
 
 namespace keplo {
 
-/// The changes of the file since the window was opened, which the user can take back one by one.
-class UndoPlace {
+/// The changes of the file since the window was opened, which the user can undo one by one.
+class UndoHistory {
  public:
-  /// @param entry of the menu; it can be used while there is a change to take back
-  UndoPlace(CfgStore& store, ui::MenuEntry& entry, Dialogue& dialogue)
+  /// @param entry of the menu; enabled while there is a change to undo
+  UndoHistory(CfgStore& store, ui::MenuEntry& entry, Dialogue& dialogue)
       : undo_(store), entry_(entry), dialogue_(dialogue) {
     entry_.SetEnabled(false);
   }
 
-  /// @return false, after a message, if nothing was taken back
-  bool TakeBack();
+  /// @return false, after a message, if nothing was undone
+  bool Undo();
 
  private:
   friend class UndoStep;
@@ -27,17 +27,16 @@ class UndoPlace {
   Dialogue& dialogue_;
 };
 
-/// A change of the file with its save and what stays in memory: once this object is gone, the user can take
-/// all of it back in one step.
+/// Records all changes during its lifetime as one step that the user can undo.
 class UndoStep {
  public:
-  explicit UndoStep(UndoPlace& place) : place_(place) { place_.undo_.Begin(); }
+  explicit UndoStep(UndoHistory& place) : place_(place) { place_.undo_.Begin(); }
   ~UndoStep() { place_.End(); }
   UndoStep(const UndoStep&) = delete;
   UndoStep& operator=(const UndoStep&) = delete;
 
  private:
-  UndoPlace& place_;
+  UndoHistory& place_;
 };
 
 }  // namespace keplo

@@ -9,9 +9,9 @@
 
 namespace keplo {
 
-inline constexpr double kMsPerSample = kNominalSampleTime / 1000.0;  // of a trace
+inline constexpr double kMsPerSample = kNominalSampleTime / 1000.0;
 
-/// A stretch of a trace on one level, samples.
+/// A run of equal samples of a trace.
 struct WaveRun {
   bool Mark;
   int Start, Length;
@@ -19,35 +19,35 @@ struct WaveRun {
   int End() const { return Start + Length; }
 };
 
-/// What a person reads off a trace: the run under a pointer, and the distance of two cursors. Samples count
+/// What a user measures in a trace: the run at a pointer, and the distance between two cursors. Samples count
 /// from 0.
 class WaveReading {
  public:
-  /// Takes the samples of a trace; those of another one end pointer and cursors.
+  /// Reads the samples of a trace. If they are new, pointer and cursors are removed.
   void Read(std::string_view samples);
 
   const std::vector<WaveRun>& Runs() const { return runs_; }
   int Samples() const { return runs_.empty() ? 0 : runs_.back().End(); }
 
-  /// Points at a sample; one that the trace does not have ends the pointing.
+  /// Moves the pointer to a sample; a sample outside the trace removes it.
   void PointAt(std::optional<int> sample);
-  /// Moves the pointer to the beginning of the next run, or of the one before with a step of -1.
+  /// Moves the pointer to the beginning of the next run, or backwards if step is -1.
   void StepPointer(int step);
   std::optional<int> Pointer() const { return pointer_; }
   const WaveRun* RunAtPointer() const { return pointer_ ? RunAt(*pointer_) : nullptr; }
-  /// The run of a sample; none of one that the trace does not have.
+  /// The run that contains a sample; null outside the trace.
   const WaveRun* RunAt(int sample) const;
-  /// Kind and length of the run at the pointer, in microseconds and units of T; empty without one.
-  /// @param pulse T in microseconds; 0 if it is not known
+  /// Kind and length of the run at the pointer, in microseconds and units of T; empty without a pointer.
+  /// @param pulse T in microseconds; 0 if unknown
   std::string PointerText(int pulse) const;
 
-  /// Puts a cursor at the pointer: the first, then the second, then a first one again.
+  /// Places a cursor at the pointer. A third one replaces the other two.
   void PlaceCursor();
-  /// The cursors are again as they were before the last one was placed.
-  void TakeCursorBack() { cursors_ = cursorsBefore_; }
+  /// Restores the cursors as they were before the last PlaceCursor.
+  void UndoCursor() { cursors_ = cursorsBefore_; }
   void RemoveCursors() { cursors_.clear(); }
   const std::vector<int>& Cursors() const { return cursors_; }
-  /// The distance of the two cursors, or the time of the only one.
+  /// The distance between the two cursors, or the time of the only one.
   std::string CursorText(int pulse) const;
 
  private:
@@ -57,17 +57,17 @@ class WaveReading {
   std::vector<int> cursors_, cursorsBefore_;
 };
 
-/// A mark of a time axis.
+/// A tick of a time axis.
 struct TimeTick {
   double Ms;
   bool Labelled;
 };
 
-/// The ticks of a time axis between two times, in steps of 1, 2 or 5 that leave room between the labels.
-/// @param shortestMs least time from one label to the next
+/// The ticks of a time axis between two times, labelled in steps of 1, 2 or 5 times a power of ten.
+/// @param shortestMs the shortest permitted step
 std::vector<TimeTick> TimeTicks(double fromMs, double toMs, double shortestMs);
 
-/// A time without needless digits: "0.5", "20".
+/// A time without trailing zeros: "0.5", "20".
 std::string TimeText(double ms);
 
 }  // namespace keplo

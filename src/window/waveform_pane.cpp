@@ -13,18 +13,18 @@ namespace keplo {
 
 namespace {
 
-// Pixels of the design.
-constexpr int kLowerLevel = 44;   // above the bottom of the window's inside: a sample of 0
-constexpr int kLevelHeight = 40;  // from there up to a sample of 1
-constexpr int kMargin = 20;       // at either side, where nothing is drawn
+// Design pixels.
+constexpr int kLowerLevel = 44;   // height of a 0 above the bottom of the window
+constexpr int kLevelHeight = 40;  // height of a 1 above a 0
+constexpr int kMargin = 20;       // on either side, where nothing is drawn
 
-constexpr double kMostZoom = 64;       // pixels a sample
-constexpr double kMostOffset = 32767;  // samples
-constexpr double kPartsOfAPixel = 4;   // that a screen shows apart
+constexpr double kMostZoom = 64;         // pixels per sample
+constexpr double kMostOffset = 32767;    // samples
+constexpr double kDevicePixelParts = 4;  // per design pixel, at most
 
 constexpr int kSamplesPerByte = 8;
-constexpr int kDefaultOffset = 15;          // samples; the first sample then stands just inside the margin
-constexpr std::size_t kShortestTrace = 60;  // bytes; with less there is nothing worth zooming
+constexpr int kDefaultOffset = 15;          // samples; puts the first sample just inside the margin
+constexpr std::size_t kShortestTrace = 60;  // bytes; the buttons do not zoom shorter ones
 
 }  // namespace
 
@@ -38,14 +38,14 @@ void WaveformPane::DrawWave(std::string_view capture, int offset) {
   const std::string samples = SamplesToBits(capture);
   surface_.Clear();
   char previous = '0';
-  const auto pixelOf = [](double x) { return std::floor(x * kPartsOfAPixel); };
-  std::array<double, 2> lastPoint{-1, -1};  // of each level
+  const auto pixelOf = [](double x) { return std::floor(x * kDevicePixelParts); };
+  std::array<double, 2> lastPoint{-1, -1};  // on each level
   double lastLine = -1;
   for (std::size_t i = 0; i < samples.size(); ++i) {
     const char sample = samples[i];
     const double x = (static_cast<double>(i) + kSamplesPerByte + offset) * zoom_;
     if (x > kMargin && x < right) {
-      // A trace that is squeezed has many samples on one pixel, which need be drawn once only.
+      // At low zoom many samples fall on one pixel, which only needs to be drawn once.
       const double pixel = pixelOf(x);
       const bool isMark = sample == '1';
       if (std::exchange(lastPoint[isMark ? 1 : 0], pixel) != pixel)
@@ -80,7 +80,7 @@ void WaveformPane::ZoomAt(double place, double factor) {
   if (reading_.Samples() == 0) return;
   const double fitting = static_cast<double>(surface_.Width - 2 * kMargin) / reading_.Samples();
   const double zoom = std::clamp(zoom_ * factor, std::min(fitting, zoom_), std::max(kMostZoom, zoom_));
-  // To the right the trace may have to go further than the bar reaches by itself.
+  // May move the trace further to the right than the scroll bar can.
   ShowAt(SampleAt(place), place, zoom, scrollBar_.Max());
 }
 
@@ -97,7 +97,7 @@ void WaveformPane::ShowAt(double sample, double place, double zoom, int last) {
   ShowFrom(offset, std::min(last, offset));
 }
 
-/// A trace that is squeezed may begin further to the right than the left end of the bar stands for.
+/// At low zoom the trace may begin further to the right than the left end of the scroll bar permits.
 void WaveformPane::ShowFrom(int offset, int last) {
   const int before = scrollBar_.Value();
   scrollBar_.Set(kDefaultOffset, last, offset);
@@ -113,7 +113,7 @@ void WaveformPane::Slide(int samples) {
 }
 
 int WaveformPane::LastOffset() const {
-  // At the right end of the bar the last sample stands where the first one does at the left end.
+  // At the right end of the scroll bar, the last sample is where the first one is at the left end.
   return kDefaultOffset + 1 - kSamplesPerByte * static_cast<int>(signal_.RawCapture.size());
 }
 
@@ -134,7 +134,7 @@ bool WaveformPane::CanZoom() const {
 }
 
 void WaveformPane::ZoomTo(double zoom) {
-  // Beyond the numbers there would be no way back.
+  // An overflow or underflow could not be undone by zooming back.
   if (!CanZoom() || !std::isnormal(zoom)) return;
   zoom_ = zoom;
   Redraw();

@@ -9,8 +9,8 @@ namespace {
 constexpr const char* kComeCloser =
     "Move closer, shade the receiver from lamps; if other keys fail as well, choose AutoCalibrate.";
 
-/// The line has no room for the whole of the longer reasons.
-std::string InShort(const RecordReading& reading) {
+/// The note has no space for the longer reasons.
+std::string ShortReason(const RecordReading& reading) {
   switch (reading.Ended) {
     case RecordStage::Empty:
     case RecordStage::Short:
@@ -31,7 +31,7 @@ std::string InShort(const RecordReading& reading) {
 }  // namespace
 
 std::string WhyNotLearnable(const RecordReading& reading) {
-  return WhyNoCode(reading).empty() ? std::string() : "No code: " + InShort(reading);
+  return WhyNoCode(reading).empty() ? std::string() : "No code: " + ShortReason(reading);
 }
 
 }  // namespace keplo

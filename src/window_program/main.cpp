@@ -14,6 +14,7 @@
 #include "program/app_path.h"
 #include "program/arguments.h"
 #include "program/environment.h"
+#include "program/exit_codes.h"
 #include "program/line_options.h"
 #include "program/stop_signals.h"
 #include "qt/form1_view.h"
@@ -25,13 +26,11 @@ namespace keplo {
 
 namespace {
 
-constexpr int kKeptPresses = 300;  // captures; a calibration takes 72 at most, and nobody can let the key go
-constexpr std::chrono::seconds kCare{1};  // between two looks whether the device went or came back
-constexpr int kDone = 0, kNoResult = 1, kUnusable = 2, kNotWritten = 3;  // as of all programs
+constexpr int kKeptPresses = 300;         // captures; a calibration takes 72 at most
+constexpr std::chrono::seconds kCare{1};  // between checks whether the device was unplugged or plugged in
+constexpr std::chrono::milliseconds kCloseAgain{100};  // closing a box may open another one
 
-constexpr std::chrono::milliseconds kCloseAgain{100};  // a box that closes may be followed by another
-
-/// Closes the window by a signal as its user would, so that the port is left as it was found.
+/// Closes the window properly when a signal arrives, so that the settings of the port are restored.
 class CloseBySignal {
  public:
   explicit CloseBySignal(OneWindow& here) {
@@ -80,7 +79,7 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   }
   OneWindow here(appPath);
   if (!here.Ours() && here.RaiseOther()) return kDone;
-  if (!here.Ours() && !here.TakeOver()) {
+  if (!here.Ours() && !here.WaitForOther()) {
     boxes.Message("A window for " + appPath.string() +
                       " is open already. Use that one, or close it first. If there is none, delete " +
                       here.LockPath() + ".",
@@ -109,8 +108,8 @@ int RunWindow(const WindowOptions& options, ui::Boxes& boxes) {
   const bool shown = qt::ShowUntilHidden(form);
   window = nullptr;
   if (shown) return kDone;
-  std::cerr << "keplo-window: " << form.WhyNotLoaded() << '\n';
-  return kUnusable;
+  std::cerr << "keplo-window: " << form.LoadFailure() << '\n';
+  return kUsageError;
 }
 
 int RunProgram(int argc, char** argv) {
@@ -126,7 +125,7 @@ int RunProgram(int argc, char** argv) {
   }
   if (!HasDisplay()) {
     std::cerr << "keplo-window: there is no display to show a window on; set DISPLAY, or use keplo\n";
-    return kUnusable;
+    return kUsageError;
   }
   const QApplication application(argc, argv);
   QApplication::setDesktopFileName(QStringLiteral("keplo-window"));
@@ -135,7 +134,7 @@ int RunProgram(int argc, char** argv) {
     return RunWindow(options, boxes);
   } catch (const std::exception& error) {
     boxes.Error(error.what(), kBoxTitle, {});
-    return kUnusable;
+    return kUsageError;
   }
 }
 

@@ -8,7 +8,7 @@ namespace keplo {
 
 namespace {
 
-constexpr int kPatience = 3000;  // milliseconds; a window that is recording answers late, or closes late
+constexpr int kTimeout = 3000;  // milliseconds; a window that is recording or closing answers late
 constexpr const char* kRaised = "raised";
 
 void BringToFront() {
@@ -29,24 +29,24 @@ void BringToFront() {
 
 OneWindow::OneWindow(const std::filesystem::path& appPath)
     : lockPath_((appPath / "keplo-window.lock").string()),
-      // A relative name would be one in the folder for temporary files.
+      // Qt would put a relative name in the folder for temporary files.
       socketPath_(
           QString::fromStdString((std::filesystem::absolute(appPath) / "keplo-window.socket").string())),
       lock_(QString::fromStdString(lockPath_)) {
   lock_.setStaleLockTime(0);  // a window may be open for weeks
   QObject::connect(&requests_, &QLocalServer::newConnection, &requests_, [this] { Answer(); });
   requests_.setSocketOptions(QLocalServer::UserAccessOption);
-  TakeFolder(0);
+  LockFolder(0);
 }
 
-bool OneWindow::TakeFolder(int patience) {
-  ours_ = lock_.tryLock(patience) || lock_.error() != QLockFile::LockFailedError;
+bool OneWindow::LockFolder(int timeout) {
+  ours_ = lock_.tryLock(timeout) || lock_.error() != QLockFile::LockFailedError;
   if (lock_.isLocked()) Listen();
   return ours_;
 }
 
 void OneWindow::Listen() {
-  QLocalServer::removeServer(socketPath_);  // of a program that was killed
+  QLocalServer::removeServer(socketPath_);  // may be left by a program that was killed
   requests_.listen(socketPath_);
 }
 
@@ -59,14 +59,14 @@ void OneWindow::Answer() {
   }
 }
 
-bool OneWindow::TakeOver() { return TakeFolder(kPatience); }
+bool OneWindow::WaitForOther() { return LockFolder(kTimeout); }
 
 void OneWindow::StopAnswering() { requests_.close(); }
 
 bool OneWindow::RaiseOther() const {
   QLocalSocket window;
   window.connectToServer(socketPath_);
-  return window.waitForConnected(kPatience) && window.waitForReadyRead(kPatience) &&
+  return window.waitForConnected(kTimeout) && window.waitForReadyRead(kTimeout) &&
          window.readAll() == kRaised;
 }
 

@@ -18,15 +18,15 @@ class OneWindow {
   /// Asks the other program to bring its window to the front.
   /// @return false if it does not answer
   bool RaiseOther() const;
-  /// Waits for a window that does not answer, as it is closing.
-  /// @return whether it has left the folder to this program
-  bool TakeOver();
-  /// Lets later starts wait until this program has ended, since its window is closing.
+  /// Waits for the other program, which does not answer if it is closing.
+  /// @return whether this program now has the folder
+  bool WaitForOther();
+  /// Called when the window is closing: later starts then wait until this program has ended.
   void StopAnswering();
   const std::string& LockPath() const { return lockPath_; }
 
  private:
-  bool TakeFolder(int patience);
+  bool LockFolder(int timeout);
   void Listen();
   void Answer();
 

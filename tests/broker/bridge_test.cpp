@@ -41,13 +41,13 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
   ASSERT_TRUE(program.Logs("was lost"));
   const std::size_t dropped = program.Link.DroppedPresses();
   program.Press("away");
-  program.Link.Tell({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
+  program.Link.Publish({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
   ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() == dropped + 1; }));
   server.Start();
   Observer observer(server.Port());
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1)) << "a broker without memory is told all again";
   EXPECT_TRUE(observer.Sees("homeassistant/device/keplo-0123abcd/config", 1));
-  program.Link.Tell({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
+  program.Link.Publish({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
   program.Press("back");
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
   EXPECT_NE(observer.All("keplo/0123abcd/event/17")[0].Payload.find("back"), std::string::npos)
@@ -132,7 +132,7 @@ TEST_F(BrokerBridge, LetsNoFloodThrough) {
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1));
   HeardSignal signal;
   signal.Timings = {9000, -4500, 560};
-  for (int i = 0; i < 30; ++i) program.Link.Tell(signal);
+  for (int i = 0; i < 30; ++i) program.Link.Publish(signal);
   program.Press("behind them");
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
   EXPECT_LE(observer.All("keplo/0123abcd/signal").size(), 10U);

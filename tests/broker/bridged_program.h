@@ -21,7 +21,7 @@ struct Program {
       return Log.find(text) != std::string::npos;
     });
   }
-  void Press(const std::string& command) { Link.Tell({KeyStage::Press, "17", "Lamp", command, 3, "now", 1}); }
+  void Press(const std::string& command) { Link.Publish({KeyStage::Press, "17", "Lamp", command, 3, "now", 1}); }
 
   const std::shared_ptr<std::string> Kept = std::make_shared<std::string>();
   std::string& Log = *Kept;

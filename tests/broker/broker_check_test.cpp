@@ -137,16 +137,16 @@ TEST_F(BrokerChecked, LeavesNoDeviceWhereItWasToldBefore) {
   BrokerSettings now = before;
   now.DiscoveryPrefix = "ha2";
   now.Port = 1;
-  EXPECT_EQ(TakeOutOfOldPlace(before, now, folder_.Path()), "") << "where no host has ever run";
+  EXPECT_EQ(RemoveFromOldBroker(before, now, folder_.Path()), "") << "where no host has ever run";
   folder_.Write("broker.id", std::string(kIdentity) + "\n");
   {
     Observer observer(server.Port());
-    EXPECT_EQ(TakeOutOfOldPlace(before, now, folder_.Path()), "");
+    EXPECT_EQ(RemoveFromOldBroker(before, now, folder_.Path()), "");
     ASSERT_TRUE(observer.Sees(config, 1));
     EXPECT_EQ(observer.All(config)[0].Payload, "");
   }
   server.Kill();
-  const std::string left = TakeOutOfOldPlace(before, now, folder_.Path());
+  const std::string left = RemoveFromOldBroker(before, now, folder_.Path());
   EXPECT_NE(left.find("broker forget --port " + std::to_string(server.Port()) +
                       " --discovery-prefix 'homeassistant'"),
             std::string::npos)

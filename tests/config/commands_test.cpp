@@ -106,7 +106,7 @@ TEST(LookupCommand, NamesTheCommandOfACode) {
 TEST(FindCommand, TakesNothingFromTheHeadOrFromATornText) {
   const auto find = [](const std::string& text, const std::string& code, int limit, Analysis readBy) {
     const std::optional<FoundCommand> found = FindCommand(text, code, limit, readBy);
-    return found ? found->Protocol + "&" + found->Command : "none";
+    return found ? found->Reference() : "none";
   };
   const std::string text = Lines({"[A]", "G1010,UP", "[END]"});
   EXPECT_EQ(find(text, "1010", 10, Analysis::First), "A&UP");
@@ -147,7 +147,7 @@ TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {
   }
 }
 
-TEST(WithWayOf, ChangesNoOtherCodeOfTheSection) {
+TEST(WithSendAs, ChangesNoOtherCodeOfTheSection) {
   Stored stored(Config(Protocol("NEC", {"G1010,UP"}) + Protocol("New", {"G10,EMPTY"})));
   // What is learned in what way, or deleted; then the ways of 1010, 1100, 0011 and 110011.
   for (const std::string row : {"G1100|2|/2//", "G0011|2|/2/2/", "G1100|delete|//2/", "G1100||//2/",
@@ -162,7 +162,7 @@ TEST(WithWayOf, ChangesNoOtherCodeOfTheSection) {
       ways.append(*each == '/' ? "/" : "").append(WayOf(each + (*each == '/'), line));
     EXPECT_EQ(ways, Parts(row)[2]) << row << " in " << line;
   }
-  const std::string all = WithWayOf(stored.Store.CfgText, "New", "G1111", "2<");
+  const std::string all = WithSendAs(stored.Store.CfgText, "New", "G1111", "2<");
   EXPECT_NE(all.find("G10,EMPTY\r\nSENDAS= 2 2<:"), std::string::npos) << all;
 }
 

@@ -97,7 +97,7 @@ TEST_F(OtherProgram, IsNoticedAndTakenIn) {
   EXPECT_TRUE(HasFileChanged(store_));
   EXPECT_EQ(ReloadConfig(store_), Reload::TakenIn);
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1")) << "what is unsaved stays";
-  EXPECT_TRUE(store_.TookInOtherText);
+  EXPECT_TRUE(store_.MergedOtherText);
   EXPECT_FALSE(HasFileChanged(store_));
   Do(store_, "save");
   ExpectBoth(Selecting(kMore, "1"));
@@ -115,7 +115,7 @@ TEST_F(OtherProgram, KeepsItsTextBesideAChangeOrNone) {
   stored_.Write(kMore);
   Do(store_, "save");
   ExpectBoth(kMore);
-  EXPECT_TRUE(store_.TookInOtherText);
+  EXPECT_TRUE(store_.MergedOtherText);
   const std::string most = After("G0111,DOWN", kMore, "G0001,LOW");
   stored_.Write(most);
   for (const std::string step : {"remove|NEC|POWER", "remove|NEC|UP"}) ASSERT_EQ(Do(store_, step), "");

@@ -138,8 +138,8 @@ TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
   refuses(Replaced(Config(mine), "[Template]", "see [Template]"), Refusal::HeaderLine, none, none);
   EXPECT_EQ(WithoutSection(Replaced(Config(mine), "[Mine]", "[\r\n[Mine]"), "\r\n[Mine").Refused,
             Refusal::HeaderLine);
-  refuses(mine + Config(mine), none, Refusal::SectionTwice, Refusal::SectionTwice);
-  refuses(Config(mine + Protocol("MINE", {"G1,A"})), none, none, Refusal::SectionTwins);
+  refuses(mine + Config(mine), none, Refusal::SectionBeforeGeneral, Refusal::SectionBeforeGeneral);
+  refuses(Config(mine + Protocol("MINE", {"G1,A"})), none, none, Refusal::DuplicateSection);
   refuses(Replaced(Config(mine), "[Template]", "Template]"), Refusal::NoTemplate, Refusal::HeaderMissing,
           Refusal::HeaderMissing);
   const std::string amongKeys = Replaced(Config(mine), "BIT1=", "G1100,UP\r\nBIT1=");

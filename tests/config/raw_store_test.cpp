@@ -24,7 +24,7 @@ RawSignal Signal(const std::string& spaces) {
   state.Samples.Read(CaptureOfLengths(lengths));
   RawLesson lesson;
   lesson.Hear(HeardIn(state));
-  return DrawRawSignal("", lesson.Forms());
+  return MakeRawSignal("", lesson.Forms());
 }
 
 const RawSignal kCool = Signal("012021102201"), kHeat = Signal("012021102200");
@@ -34,7 +34,7 @@ std::string Heard(const CfgStore& store, const RawSignal& signal) {
   SignalState state;
   state.Samples.Read(CaptureOfLengths(signal.Forms.front()));
   MonitorReading reading(Stage::Unknown);
-  AskRawCommands(store, state, reading);
+  MatchRawCommands(store, state, reading);
   return reading.HasCode() ? FindCommand(store.CfgText, reading.Digits, 0, *reading.ReadBy)->Command : "";
 }
 
@@ -86,7 +86,7 @@ TEST_F(RawStored, TellsOfTwoThatAreTooMuchAlike) {
   for (const auto& [signal, alike] : {std::pair(kCool, false), {other, false}, {between, true}}) {
     SignalState state;
     state.Samples.Read(CaptureOfLengths(signal.Forms.front()));
-    const std::string told = AlikeRawText(store_, state);
+    const std::string told = AmbiguousRawText(store_, state);
     EXPECT_EQ(told.find("AC&COOL") != told.find("AC&ICE"), alike) << told;
     EXPECT_EQ(Heard(store_, signal).empty(), alike);
   }

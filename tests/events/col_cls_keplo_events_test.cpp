@@ -112,13 +112,13 @@ TEST(EventCollection, DoesNotWaitForAMapThatIsLockedAsItIsReplaced) {
   std::filesystem::rename(replacement.Database(), folder.Database());
   EventMap other(folder);
   ASSERT_EQ(other.Database.ExecuteSQLCommand("begin exclusive"), 1);
-  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.WantsAnotherLook());
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.NeedsAnotherCheck());
   other.Database.ExecuteSQLCommand("commit");
-  EXPECT_TRUE(map.Database.ChangedElsewhere() && !map.Database.WantsAnotherLook());
+  EXPECT_TRUE(map.Database.ChangedElsewhere() && !map.Database.NeedsAnotherCheck());
   other.Database.ExecuteSQLCommand("begin exclusive");
-  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.WantsAnotherLook()) << "a lock alone";
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && map.Database.NeedsAnotherCheck()) << "a lock alone";
   other.Database.ExecuteSQLCommand("commit");
-  EXPECT_TRUE(!map.Database.ChangedElsewhere() && !map.Database.WantsAnotherLook());
+  EXPECT_TRUE(!map.Database.ChangedElsewhere() && !map.Database.NeedsAnotherCheck());
 }
 
 TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {

@@ -19,7 +19,7 @@ class ApplicationPath {
  public:
   ApplicationPath() {
     PosixFileSystem files;
-    BringFirstInstall(Path(), files);
+    CreateFirstInstall(Path(), files);
   }
 
   std::filesystem::path Path() const { return folder_.Path() / "app"; }

@@ -54,7 +54,7 @@ TEST(PressActions, AreDueWhenTheySay) {
     press.Begin();
     raise();
     for (const int heldMs : {499, 650, 1100, 1600}) {
-      press.GoOn(heldMs);
+      press.Hold(heldMs);
       raise();
     }
     for (const RaisedEvent& raised : press.End()) due += raised.EventID;

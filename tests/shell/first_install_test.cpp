@@ -15,7 +15,7 @@ bool IsKilledAt(int operation, const std::filesystem::path& appPath, Unpublished
   ChildProcess child([&] {
     PosixFileSystem real(way);
     DyingFiles files(real, operation);
-    BringFirstInstall(appPath, files);
+    CreateFirstInstall(appPath, files);
   });
   return child.Join() == DyingFiles::kKilled;
 }
@@ -55,7 +55,7 @@ TEST(FirstInstall, BringsNothingInThePlaceOfALostFileUnlessItIsAskedTo) {
     ASSERT_TRUE(std::filesystem::remove(appPath / lost));
     EXPECT_FALSE(CompleteInstall(appPath));
     EXPECT_FALSE(std::filesystem::exists(appPath / lost));
-    EXPECT_EQ(BringFirstInstall(appPath, files), Texts{lost});
+    EXPECT_EQ(CreateFirstInstall(appPath, files), Texts{lost});
   }
 }
 

@@ -36,8 +36,8 @@ std::string Told(const std::vector<Signal>& signals) {
       if (key.Hear({what, Analysis::Second, kNec, 10, signal.Toggle, signal.Dittos, signal.Period}, air)) {
         told += 'R';
       }
-    } else if (!key.FollowsOn(air)) {
-      if (key.LetGo()) told += 'R';
+    } else if (!key.IsContinuedAt(air)) {
+      if (key.Release()) told += 'R';
       continue;
     } else if (what == "ditto") {
       key.HearDitto(air);
@@ -45,7 +45,7 @@ std::string Told(const std::vector<Signal>& signals) {
       key.HearUnread(air);
       continue;
     }
-    told += key.Pressed()->Captures == 1 ? 'P' : 'H';
+    told += key.Press()->Captures == 1 ? 'P' : 'H';
   }
   return told;
 }
@@ -113,7 +113,7 @@ class OnePress : public ShellTest {
     EXPECT_EQ(control.InputInitialise(nullptr), 1);
     mod_->Settings.Analysis = Analysis::Second;
     control.InputStartMonitoring();
-    while (!line.Done() || control.MayHold()) {
+    while (!line.Done() || control.TimeToRelease()) {
       control.Timer1.Tick();
       clock->Time += 2ms;
     }

@@ -141,8 +141,8 @@ TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
   EXPECT_EQ(errors_.size(), 1U);
   std::filesystem::resize_file(folder_.Path() / "inputKeplo.mdb", 0);
   EXPECT_EQ(control.InputInitialise(nullptr), 0);
-  EXPECT_NE(control.WhyNotInitialised().find("inputKeplo.mdb"), std::string::npos)
-      << control.WhyNotInitialised();
+  EXPECT_NE(control.InitialiseFailure().find("inputKeplo.mdb"), std::string::npos)
+      << control.InitialiseFailure();
 }
 
 }  // namespace

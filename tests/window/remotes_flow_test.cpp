@@ -14,7 +14,7 @@ class RemotesFlow : public WindowTest {
     form_->Remotes.Open = [this] { return OpenedRemotes{files_, {"b.ir: cut"}}; };
     form_->Remotes.Pick = [this](ImportDialog& dialog) {
       for (const ImportDialog::Row& row : dialog.Rows()) {
-        shown_.push_back(row.Key + (row.MayTick ? row.Ticked ? " [x] " : " [ ] " : " ") + row.Command + " " +
+        shown_.push_back(row.Key + (row.CanTick ? row.Ticked ? " [x] " : " [ ] " : " ") + row.Command + " " +
                          row.Fate);
       }
       dialog.Tick(2, false);

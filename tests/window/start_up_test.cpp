@@ -150,7 +150,7 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
       const bool comesUp = pluginMode == 1 ? byShell : alone;
       EXPECT_EQ(Load(file, pluginMode), comesUp) << pluginMode << file;
       EXPECT_EQ(boxes_.TakeShown(), comesUp ? Texts{} : Texts{kConfigError}) << pluginMode << file;
-      EXPECT_EQ(form_->WhyNotLoaded().empty(), comesUp);
+      EXPECT_EQ(form_->LoadFailure().empty(), comesUp);
       EXPECT_EQ(boxes_.Reasons.empty(), comesUp);
       boxes_.Reasons.clear();
       if (comesUp) continue;

@@ -85,7 +85,7 @@ TEST(WaveReading, TellsTheRunAtThePointerAndTheDistanceOfTwoCursors) {
   EXPECT_EQ(steps,
             "0 cursor at 0 ms; 10 distance 550 us; 30 cursor at 1.65 ms; 30 distance 0 us; "
             "10 cursor at 0.55 ms; 0 distance 550 us; 0 cursor at 0 ms; ");
-  wave.TakeCursorBack();
+  wave.UndoCursor();
   EXPECT_EQ(wave.CursorText(550), "distance 550 us, 1.0 T");
   wave.Read("10");
   EXPECT_EQ(wave.CursorText(550) + wave.PointerText(550), "") << "another trace";

@@ -20,7 +20,7 @@ void EndAfter(QTcpSocket* socket, int seconds) {
 
 std::string Numeric(const QHostAddress& address) {
   bool isIPv4 = false;
-  const quint32 number = address.toIPv4Address(&isIPv4);  // also of an IPv4 client at an IPv6 socket
+  const quint32 number = address.toIPv4Address(&isIPv4);  // also for an IPv4 client on an IPv6 socket
   return (isIPv4 ? QHostAddress(number) : address).toString().toStdString();
 }
 
@@ -45,28 +45,28 @@ void WebGate::incomingConnection(qintptr handle) {
   });
   connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
   connect(socket, &QTcpSocket::disconnected, this, [this, socket] { Forget(socket); });
-  const bool isRoom = connections_ <= kMostConnections || LetOneGiveWay();
-  if (!socket->setSocketDescriptor(handle) || !isRoom) {
+  const bool hasSpace = connections_ <= kMostConnections || DropIdleConnection();
+  if (!socket->setSocketDescriptor(handle) || !hasSpace) {
     socket->abort();
     socket->deleteLater();
     return;
   }
   waiting_.push_back(socket);
-  // One byte more than a request may have, to tell that there is more.
+  // One byte more than a request may have, to detect larger ones.
   socket->setReadBufferSize(kMostHeadBytes + kMostBodyBytes + 1);
   EndAfter(socket, kSecondsForRequest + kSecondsForAnswer);
 
   auto* watch = new QObject(socket);
   QTimer::singleShot(kSecondsForRequest * 1000, watch, [socket] { socket->abort(); });
   connect(socket, &QTcpSocket::readyRead, watch, [this, socket, watch] {
-    const RequestVerdict verdict = Look(*socket);
+    const RequestVerdict verdict = CheckReceived(*socket);
     if (verdict.Answer == RequestVerdict::Incomplete) return;
     delete watch;
     Forget(socket);
     if (verdict.Answer == RequestVerdict::Refused) {
       Refuse(socket, verdict);
     } else {
-      HandOn(socket);
+      PassOn(socket);
     }
   });
 }
@@ -76,14 +76,14 @@ void WebGate::Forget(const QTcpSocket* socket) {
   std::erase(lingering_, socket);
 }
 
-bool WebGate::LetOneGiveWay() {
+bool WebGate::DropIdleConnection() {
   const std::deque<QTcpSocket*>& idle = lingering_.empty() ? waiting_ : lingering_;
   if (idle.empty()) return false;
   idle.front()->abort();
   return true;
 }
 
-RequestVerdict WebGate::Look(QTcpSocket& socket) const {
+RequestVerdict WebGate::CheckReceived(QTcpSocket& socket) const {
   const OwnAddress own{Numeric(socket.localAddress()), socket.localPort(), socket.localAddress().isLoopback(),
                        names_};
   const QByteArray start = socket.peek(kMostHeadBytes);
@@ -97,18 +97,19 @@ RequestVerdict WebGate::Look(QTcpSocket& socket) const {
   return verdict;
 }
 
-void WebGate::HandOn(QTcpSocket* socket) {
+void WebGate::PassOn(QTcpSocket* socket) {
   if (!budget_.Take(std::chrono::steady_clock::now().time_since_epoch())) {
     Refuse(socket, {RequestVerdict::Refused, kOverloaded, "Too many requests; ask again in a second.", 0});
     return;
   }
   addPendingConnection(socket);
   Q_EMIT newConnection();
-  Q_EMIT socket->readyRead();    // the request came before the server could hear of it
-  socket->disconnectFromHost();  // once the answer is out
+  Q_EMIT socket->readyRead();    // which the server has missed
+  socket->disconnectFromHost();  // after the answer has been sent
 }
 
-/// Answers and lingers: an end with unread bytes in the buffer would take the answer away from the client.
+/// Answers, and closes the connection later: closing it with unread bytes would discard the answer at the
+/// client.
 void WebGate::Refuse(QTcpSocket* socket, const RequestVerdict& verdict) {
   socket->readAll();
   connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });

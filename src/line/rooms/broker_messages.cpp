@@ -83,13 +83,13 @@ class BrokerMessages : public RoomMessages {
       std::this_thread::sleep_for(kLookForAnswer);
     }
     if (!link_->IsUp()) return false;
-    const std::size_t told = link_->ToldPresses(), dropped = link_->DroppedPresses();
-    link_->Tell({broker::Publication{topic, payload}, broker::News::Kind::Press});
-    while (link_->ToldPresses() == told && link_->DroppedPresses() == dropped &&
+    const std::size_t told = link_->ConfirmedPresses(), dropped = link_->DroppedPresses();
+    link_->Publish({broker::Publication{topic, payload}, broker::News::Kind::Press});
+    while (link_->ConfirmedPresses() == told && link_->DroppedPresses() == dropped &&
            std::chrono::steady_clock::now() < until) {
       std::this_thread::sleep_for(kLookForAnswer);
     }
-    return link_->ToldPresses() > told;
+    return link_->ConfirmedPresses() > told;
   }
 
   bool IsPublic(const std::string& topic) const override {
@@ -109,7 +109,7 @@ class BrokerMessages : public RoomMessages {
   void FollowSettings(News& news) {
     if (leaving_ && leaving_->HasEnded()) leaving_.reset();
     const auto now = std::chrono::steady_clock::now();
-    if (leaving_ || now - looked_ < broker::SettingsWatch::kLook) return;
+    if (leaving_ || now - looked_ < broker::SettingsWatch::kPollTime) return;
     looked_ = now;
     if (!watch_.TakeChange()) return;
     std::string identity;

@@ -1,4 +1,4 @@
-#include "window/protocol_place.h"
+#include "window/protocol_flow.h"
 
 #include <utility>
 
@@ -10,8 +10,8 @@
 
 namespace keplo {
 
-ProtocolPlace::ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands, UndoPlace& undo,
-                             Dialogue& dialogue, const std::function<void()>& onDialog)
+ProtocolFlow::ProtocolFlow(KeploMod& mod, const Controls& controls, CommandList& commands, UndoHistory& undo,
+                           Dialogue& dialogue, const std::function<void()>& onDialog)
     : mod_(mod),
       controls_(controls),
       commands_(commands),
@@ -19,40 +19,40 @@ ProtocolPlace::ProtocolPlace(KeploMod& mod, const Controls& controls, CommandLis
       dialogue_(dialogue),
       onDialog_(onDialog) {}
 
-ProtocolPlace::~ProtocolPlace() = default;
+ProtocolFlow::~ProtocolFlow() = default;
 
-void ProtocolPlace::StartNew() { Load(kNewProtocolMode); }
+void ProtocolFlow::StartNew() { OpenDialog(kNewProtocolMode); }
 
-void ProtocolPlace::StartEdit() {
+void ProtocolFlow::StartEdit() {
   mod_.Store.CurProtocol = controls_.Protocol.Text();
   const ProtocolRefusal refusal = CheckProtocolEdit(mod_.Store.CurProtocol);
   if (refusal != ProtocolRefusal::None) {
     dialogue_.Tell(RefusalText(refusal));
     return;
   }
-  Load(kEditProtocolMode);
+  OpenDialog(kEditProtocolMode);
 }
 
-void ProtocolPlace::Load(std::int16_t mode) {
+void ProtocolFlow::OpenDialog(std::int16_t mode) {
   if (dialog_) return;
   mod_.ProtocolFormMode = mode;
   dialog_ = std::make_unique<NewProtocol>(*this, mod_, undo_, dialogue_,
                                           ShownSignal(controls_.Fields, mod_.Signal.Measured.ProtoKind));
-  // Nothing is sent by a window that nobody sees, with parameters that the dialog is about to change.
-  sendsAgain_ = controls_.SendLoop.Enabled();
+  // A hidden window must not send, with parameters that the dialog may be changing.
+  resumesLoop_ = controls_.SendLoop.Enabled();
   controls_.SendLoop.SetEnabled(false);
   if (onDialog_) onDialog_();
   dialog_->Form_Load();
 }
 
-void ProtocolPlace::Unload() {
+void ProtocolFlow::Close() {
   if (!dialog_) return;
-  unloadedDialog_ = std::move(dialog_);
+  closedDialog_ = std::move(dialog_);
   if (onDialog_) onDialog_();
-  controls_.SendLoop.SetEnabled(sendsAgain_);
+  controls_.SendLoop.SetEnabled(resumesLoop_);
 }
 
-void ProtocolPlace::Delete() {
+void ProtocolFlow::Delete() {
   CfgStore& store = mod_.Store;
   const ProtocolRefusal refusal = CheckProtocolDelete(store.CurProtocol);
   if (refusal != ProtocolRefusal::None) {
@@ -63,7 +63,7 @@ void ProtocolPlace::Delete() {
                      " from the current configuration file?")) {
     return;
   }
-  TakeInOtherText(store);
+  ReloadIfChanged(store);
   const UndoStep step(undo_);
   ProtocolResult result;
   const bool changed = dialogue_.ChangeAndReport([&] { result = DeleteProtocol(store, store.CurProtocol); });

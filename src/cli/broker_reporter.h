@@ -16,31 +16,31 @@
 namespace keplo::cli {
 
 /// The settings of the broker.
-/// @throws Refused if none is named
+/// @throws Refused if there are none
 broker::BrokerSettings RequireBroker(const std::filesystem::path& appPath);
 
-/// Tells a broker what a monitor hears, as a host does, and sends what the broker asks for.
-class BrokerTelling {
+/// Publishes what a monitor receives to a broker, and sends what the broker requests, as a host does.
+class BrokerReporter {
  public:
-  /// @param mod, station, log outlive it
+  /// @param mod, station, log must outlive this object
   /// @throws Refused without a broker
-  BrokerTelling(KeploMod& mod, Station& station, const Log& log);
+  BrokerReporter(KeploMod& mod, Station& station, const Log& log);
 
-  /// Readable while there is something to serve.
+  /// Readable while Serve has something to do.
   int WakeDescriptor() const { return wakeup_.Number(); }
-  /// Between two ticks: tells changed events, logs what the connection reports, sends.
+  /// Call this between ticks: publishes changed events, logs reports of the connection, and sends.
   void Serve();
-  /// Waits for the broker, so that what a recording plays from now on is told; a little while at most.
+  /// Waits a few seconds for the broker, so that a recording is not played before it is connected.
   void WaitUntilUp();
 
-  void Tell(KeyChange change, const KeyPress& key);
-  void Tell(const RaisedEvent& event);
-  void Tell(const TickReport& tick);
+  void Publish(KeyChange change, const KeyPress& key);
+  void Publish(const RaisedEvent& event);
+  void Publish(const TickReport& tick);
 
  private:
   broker::Bridge::Uses Uses();
   void Send(const broker::SendRequest& request);
-  void TellEvents();
+  void PublishEvents();
 
   KeploMod& mod_;
   Station& station_;
@@ -48,7 +48,7 @@ class BrokerTelling {
   Descriptor wakeup_;
   std::unique_ptr<broker::Bridge> bridge_;
   broker::KeyStages stages_;
-  std::optional<std::uint64_t> told_;  // state of the list of events that the broker has been told
+  std::optional<std::uint64_t> published_;  // ListView::Changes() of the published list of events
 };
 
 }  // namespace keplo::cli

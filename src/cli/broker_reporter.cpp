@@ -1,4 +1,4 @@
-#include "cli/broker_telling.h"
+#include "cli/broker_reporter.h"
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -17,7 +17,7 @@ namespace keplo::cli {
 namespace {
 
 constexpr std::chrono::seconds kLongestLogin{5};
-constexpr std::chrono::milliseconds kLookForLogin{10};
+constexpr std::chrono::milliseconds kLoginPoll{10};
 
 }  // namespace
 
@@ -30,16 +30,16 @@ broker::BrokerSettings RequireBroker(const std::filesystem::path& appPath) {
   }
 }
 
-BrokerTelling::BrokerTelling(KeploMod& mod, Station& station, const Log& log)
+BrokerReporter::BrokerReporter(KeploMod& mod, Station& station, const Log& log)
     : mod_(mod),
       station_(station),
       log_(log),
       wakeup_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       bridge_(std::make_unique<broker::Bridge>(RequireBroker(mod.AppPath), broker::IdentityOf(mod.AppPath),
                                                Uses())),
-      stages_([this](const broker::KeyEvent& event) { bridge_->Tell(event); }) {}
+      stages_([this](const broker::KeyEvent& event) { bridge_->Publish(event); }) {}
 
-broker::Bridge::Uses BrokerTelling::Uses() {
+broker::Bridge::Uses BrokerReporter::Uses() {
   return {[this] {
             const std::uint64_t one = 1;
             static_cast<void>(!write(wakeup_.Number(), &one, sizeof one));
@@ -50,7 +50,7 @@ broker::Bridge::Uses BrokerTelling::Uses() {
           }};
 }
 
-void BrokerTelling::Send(const broker::SendRequest& request) {
+void BrokerReporter::Send(const broker::SendRequest& request) {
   Win32Ser& line = station_.Line();
   std::string refusal = request.Timings.empty()
                             ? SendLearned(mod_, line, request.Command)
@@ -59,10 +59,10 @@ void BrokerTelling::Send(const broker::SendRequest& request) {
   if (!refusal.empty()) throw Failure(EIO, refusal);
 }
 
-void BrokerTelling::TellEvents() {
+void BrokerReporter::PublishEvents() {
   const ui::ListView& list = station_.Control().ListView1;
-  if (told_ == list.Changes()) return;
-  told_ = list.Changes();
+  if (published_ == list.Changes()) return;
+  published_ = list.Changes();
   std::vector<broker::AnnouncedEvent> events;
   for (int row = 1; row <= list.Count(); ++row) {
     if (!IsTrue(list.Text(row, kActivated))) continue;
@@ -72,34 +72,34 @@ void BrokerTelling::TellEvents() {
   bridge_->SetEvents(std::move(events));
 }
 
-void BrokerTelling::Serve() {
+void BrokerReporter::Serve() {
   std::uint64_t count = 0;
   static_cast<void>(!read(wakeup_.Number(), &count, sizeof count));
-  TellEvents();
+  PublishEvents();
   bridge_->Serve();
 }
 
-void BrokerTelling::WaitUntilUp() {
+void BrokerReporter::WaitUntilUp() {
   const auto until = std::chrono::steady_clock::now() + kLongestLogin;
   while (!bridge_->IsUp() && std::chrono::steady_clock::now() < until) {
-    std::this_thread::sleep_for(kLookForLogin);
+    std::this_thread::sleep_for(kLoginPoll);
   }
   Serve();
 }
 
-void BrokerTelling::Tell(KeyChange change, const KeyPress& key) {
+void BrokerReporter::Publish(KeyChange change, const KeyPress& key) {
   if (change == KeyChange::Pressed) return stages_.Pressed(key.Place, key.Zone);
   if (change == KeyChange::Held) return stages_.Held(key.Place, key.Captures);
   stages_.Released(key.Place, key.Captures);
 }
 
-void BrokerTelling::Tell(const RaisedEvent& event) {
+void BrokerReporter::Publish(const RaisedEvent& event) {
   stages_.Raised({{}, event.EventID, event.EventName, event.Command, event.Zone, {}, 1});
 }
 
-void BrokerTelling::Tell(const TickReport& tick) {
+void BrokerReporter::Publish(const TickReport& tick) {
   const HeardSignal heard = HeardOnAir(mod_, station_.Line(), tick);
-  bridge_->Tell(broker::HeardSignal{heard.Timings, std::nullopt, heard.Protocol, heard.Code, heard.Command,
+  bridge_->Publish(broker::HeardSignal{heard.Timings, std::nullopt, heard.Protocol, heard.Code, heard.Command,
                                     heard.Zone, LocalTime()});
 }
 

@@ -16,9 +16,8 @@ namespace keplo {
 
 class NewProtocol;
 
-/// The protocols of the file and the place of the dialog that sets one up: as long as the dialog is there, it
-/// stands in the place of the main window, which is hidden and cannot be used.
-class ProtocolPlace {
+/// Creates, edits and deletes protocols. Owns the dialog, which replaces the main window while it is open.
+class ProtocolFlow {
  public:
   struct Controls {
     ui::DropDownList& Protocol;
@@ -26,44 +25,44 @@ class ProtocolPlace {
     ReadingFields Fields;
   };
 
-  /// @param onDialog runs when the dialog has come or gone; may be empty, and may change
-  ProtocolPlace(KeploMod& mod, const Controls& controls, CommandList& commands, UndoPlace& undo,
-                Dialogue& dialogue, const std::function<void()>& onDialog);
-  ~ProtocolPlace();
-  ProtocolPlace(const ProtocolPlace&) = delete;
-  ProtocolPlace& operator=(const ProtocolPlace&) = delete;
+  /// @param onDialog runs when the dialog has been opened or closed; may be empty, and may be set later
+  ProtocolFlow(KeploMod& mod, const Controls& controls, CommandList& commands, UndoHistory& undo,
+               Dialogue& dialogue, const std::function<void()>& onDialog);
+  ~ProtocolFlow();
+  ProtocolFlow(const ProtocolFlow&) = delete;
+  ProtocolFlow& operator=(const ProtocolFlow&) = delete;
 
   void StartNew();
   void StartEdit();
   /// Deletes the current protocol.
   void Delete();
 
-  /// Null while there is none.
+  /// Null if the dialog is not open.
   NewProtocol* Dialog() const { return dialog_.get(); }
-  /// Ends the dialog and brings the main window back. The object lives on until the next one is loaded, so a
-  /// handler of its own may end it.
-  void Unload();
+  /// Closes the dialog. The object lives until the next one is opened, so that one of its handlers may call
+  /// this.
+  void Close();
 
-  // What the dialog does to the main window.
+  // Used by the dialog to update the main window.
 
   int SelectedProtocol() const { return controls_.Protocol.ListIndex(); }
   void SetProtocols(std::vector<std::string> names) { controls_.Protocol.SetEntries(std::move(names)); }
   void MakeProtocolCurrent(int index) { commands_.MakeProtocolCurrent(index); }
-  void TakeProtocolAgain() { commands_.TakeProtocolAgain(); }
+  void ReapplyProtocol() { commands_.ReapplyProtocol(); }
   /// @param pulse base time, microseconds
   void ShowPulse(std::string_view pulse) { controls_.Fields.SendPulse.SetText(pulse); }
 
  private:
-  void Load(std::int16_t mode);
+  void OpenDialog(std::int16_t mode);
 
   KeploMod& mod_;
   Controls controls_;
   CommandList& commands_;
-  UndoPlace& undo_;
+  UndoHistory& undo_;
   Dialogue& dialogue_;
   const std::function<void()>& onDialog_;
-  std::unique_ptr<NewProtocol> dialog_, unloadedDialog_;
-  bool sendsAgain_ = false;  // once the dialog is gone
+  std::unique_ptr<NewProtocol> dialog_, closedDialog_;
+  bool resumesLoop_ = false;  // whether SendLoop was enabled when the dialog was opened
 };
 
 }  // namespace keplo

@@ -1,4 +1,4 @@
-#include "station/press_words.h"
+#include "station/press_reasons.h"
 
 #include "signal/stage_text.h"
 #include "typed_command.h"
@@ -27,7 +27,7 @@ std::string WhyNotDispatched(const DispatchReport& dispatched, const std::string
 
 }  // namespace
 
-std::string WhatToDo(Stage stage, std::string_view appPath) {
+std::string AdviceFor(Stage stage, std::string_view appPath) {
   const auto typed = [&](std::string_view words) { return TypedCommand(words, appPath); };
   switch (stage) {
     case Stage::Empty:

@@ -5,8 +5,8 @@
 
 namespace keplo::cli {
 
-/// A signal that was sent as a receiver would record it: mark first, a silence that ends the key press last.
-/// @return empty if the signal has no mark or its slots no length
+/// A sent signal as a receiver would record it: it begins with a mark and ends with a long silence.
+/// @return empty if the signal has no mark, or its slots have no length
 PulseTrain PulsesOf(const LineOutput::Signal& signal);
 
 }  // namespace keplo::cli

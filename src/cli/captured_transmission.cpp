@@ -1,4 +1,4 @@
-#include "cli/sent_pulses.h"
+#include "cli/captured_transmission.h"
 
 #include <algorithm>
 #include <cstdint>
