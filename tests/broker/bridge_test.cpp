@@ -11,7 +11,7 @@
 namespace keplo::broker {
 namespace {
 
-TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
+TEST_F(BrokerBridge, PublishesPressesOnceAndNeverLater) {
   MosquittoServer server(folder_);
   Program program(Settings(server.Port()));
   program.Link.SetEvents({{"17", "Lamp", "NEC&A"}});
@@ -61,7 +61,7 @@ TEST_F(BrokerBridge, TellsPressesOnceAndNeverLater) {
   EXPECT_NE(log->find("2 key presses were not told"), std::string::npos) << *log;
 }
 
-TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
+TEST_F(BrokerBridge, KeepsTheDeviceInStepWithTheEventMap) {
   const std::string config = "homeassistant/device/keplo-0123abcd/config", status = "keplo/0123abcd/status";
   MosquittoServer server(folder_);
   Observer observer(server.Port());
@@ -102,7 +102,7 @@ TEST_F(BrokerBridge, KeepsTheDeviceLikeTheEventMap) {
   for (const auto& message : told) EXPECT_TRUE(message.Retained);
 }
 
-TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
+TEST_F(BrokerBridge, RefusesInvalidAndOutdatedRequests) {
   MosquittoServer server(folder_);
   Program program(Settings(server.Port()));
   Observer observer(server.Port());
@@ -125,7 +125,7 @@ TEST_F(BrokerBridge, RefusesRequestsThatAreNoneOfNow) {
   }
 }
 
-TEST_F(BrokerBridge, LetsNoFloodThrough) {
+TEST_F(BrokerBridge, LimitsFloods) {
   MosquittoServer server(folder_);
   Program program(Settings(server.Port()));
   Observer observer(server.Port());
@@ -141,7 +141,7 @@ TEST_F(BrokerBridge, LetsNoFloodThrough) {
   EXPECT_EQ(program.Requests.size(), 2U);
 }
 
-TEST_F(BrokerBridge, GivesWayToAnotherOfItsIdentity) {
+TEST_F(BrokerBridge, GivesWayToAnotherHostOfItsIdentity) {
   MosquittoServer server(folder_, "allow_anonymous true\nlog_dest topic\nlog_type notice\n");
   Program program(Settings(server.Port()));
   std::optional<Observer> twin;
@@ -166,7 +166,7 @@ TEST_F(BrokerBridge, GivesWayToAnotherOfItsIdentity) {
   EXPECT_TRUE(program.Logs("Connected"));
 }
 
-TEST_F(BrokerBridge, IsNotBroughtDownByWhatIsNoBroker) {
+TEST_F(BrokerBridge, SurvivesServersThatAreNotBrokers) {
   const std::string key = folder_ / "key.pem", certificate = folder_ / "cert.pem";
   ASSERT_EQ(std::system(("openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=127.0.0.1 -days 1 -keyout " +
                          key + " -out " + certificate + " 2>/dev/null")

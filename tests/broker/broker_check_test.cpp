@@ -108,7 +108,7 @@ TEST_F(BrokerChecked, SaysWhatToDoAboutARefusal) {
   EXPECT_EQ(log->find("not told"), std::string::npos) << *log;
 }
 
-TEST_F(BrokerChecked, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
+TEST_F(BrokerChecked, DetectsABrokerThatGrantsButDoesNotDeliver) {
   folder_.Write("access",
                 "topic readwrite #\n\nuser deaf\ntopic readwrite keplo/#\ntopic write homeassistant/#\n"
                 "topic write rooms/#\n");
@@ -130,7 +130,7 @@ TEST_F(BrokerChecked, ChecksWhatABrokerGrantsAndDoesNotDeliver) {
     EXPECT_EQ(told.Payload, "{}") << "the check must not take the device out";
 }
 
-TEST_F(BrokerChecked, LeavesNoDeviceWhereItWasToldBefore) {
+TEST_F(BrokerChecked, RemovesTheDeviceFromWhereItWasAnnouncedBefore) {
   MosquittoServer server(folder_);
   const std::string config = "homeassistant/device/keplo-0123abcd/config";
   const BrokerSettings before = Settings(server.Port());

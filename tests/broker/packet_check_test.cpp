@@ -16,7 +16,7 @@ std::string Passed(int version, const std::string& stream) {
   return check.Whole();
 }
 
-TEST(BrokerPacketCheck, LetsNothingButSoundPacketsThrough) {
+TEST(BrokerPacketCheck, PassesOnlySoundPackets) {
   const std::string connected =
       "\x20\x0c\0\0\x09\x21\0\x05\x1f\0\x03"
       "abc"s;

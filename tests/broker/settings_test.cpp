@@ -31,7 +31,7 @@ TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
   EXPECT_EQ(told, "presalone01 presa71 presb51 presa01 holda72 holdb52 holda02 relea72 releb52 relea02 ");
 }
 
-TEST(BrokerIdentity, IsMadeOnceAndIsSafeInTopics) {
+TEST(BrokerIdentity, IsCreatedOnceAndSafeInTopics) {
   const TestFolder folder;
   const std::string identity = IdentityOf(folder.Path());
   EXPECT_EQ(identity.size(), 8U);

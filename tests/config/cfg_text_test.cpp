@@ -23,7 +23,7 @@ int WalkForNeedle(const std::string& needle, const std::string& text, int start)
   }
 }
 
-TEST(FindNoCase, AgreesWithAWalkFromPlaceToPlace) {
+TEST(FindNoCase, AgreesWithASimpleSearch) {
   EXPECT_EQ(FindNoCase("abc", "xABCy", 1), 5);
   EXPECT_EQ(FindNoCase("y", "xABCy", 1), 0) << "the last character is not tried";
   std::mt19937 random(2024);

@@ -103,7 +103,7 @@ TEST(LookupCommand, NamesTheCommandOfACode) {
   }
 }
 
-TEST(FindCommand, TakesNothingFromTheHeadOrFromATornText) {
+TEST(FindCommand, IgnoresTheHeaderAndTruncatedLines) {
   const auto find = [](const std::string& text, const std::string& code, int limit, Analysis readBy) {
     const std::optional<FoundCommand> found = FindCommand(text, code, limit, readBy);
     return found ? found->Reference() : "none";

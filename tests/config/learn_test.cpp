@@ -40,7 +40,7 @@ TEST(Changes, ChangeOneLineInOneSave) {
   changes(keys, "add|NEC|G1010|POWER", Replaced(keys, last, last + "G1010,POWER\r\n"));
 }
 
-TEST(Changes, TellWhyTheyAreRefused) {
+TEST(Changes, SayWhyTheyAreRefused) {
   const auto refuses = [](const std::string& told, const std::string& file, const Texts& steps) {
     Stored stored(file);
     for (const std::string& step : steps) EXPECT_EQ(Do(stored.Store, step), told) << step;
@@ -83,7 +83,7 @@ TEST(Changes, TellWhyTheyAreRefused) {
       {"delete|NEC|LEFT", "check|NEC|LEFT"});
 }
 
-TEST(Changes, AreRefusedBeforeTheSaveWhereTheTextDoesNotFit) {
+TEST(Changes, AreRefusedBeforeSavingIfTheTextIsDamaged) {
   for (const auto& [step, room] :
        {std::pair("add|NEC|G11100|UP", 10), {"remove|NEC|A", 0}, {"select|10", 0}}) {
     const std::string text = With({"G10,A"}),
@@ -106,7 +106,7 @@ Texts SortedLines(std::string text) {
   return lines;
 }
 
-TEST(Changes, LoseNoLineWhereLineEndsAreDamaged) {
+TEST(Changes, LoseNoLineIfLineEndsAreDamaged) {
   const std::string whole = With({"G1010,POWER", "G1110,UP"});
   Texts texts = {whole};
   std::erase(texts[0], '\r');

@@ -27,7 +27,7 @@ std::string After(const std::string& line, const std::string& text, const std::s
 
 const std::string kMore = After("G0011,MUTE", kBase, "G0111,DOWN");
 
-TEST(MergeChanges, TakesBothUnlessTheyMeet) {
+TEST(MergeChanges, KeepsBothUnlessTheyOverlap) {
   const auto merges = [](const std::string& name, const std::string& mine, const std::string& theirs,
                          const std::string& merged) {
     EXPECT_EQ(MergeChanges(kBase, mine, theirs).value_or("conflict"), merged) << name;
@@ -50,7 +50,7 @@ TEST(MergeChanges, TakesBothUnlessTheyMeet) {
   merges("not whole", kBase, kBase.substr(0, kBase.size() / 2), "conflict");
 }
 
-TEST(MergeChanges, TakesAllThatTwoHaveChangedLineByLine) {
+TEST(MergeChanges, MergesTwoSetsOfChangesLineByLine) {
   std::mt19937 generator(1);
   const auto line = [&] { return "G1" + std::to_string(generator() % 40) + ",X\r\n"; };
   int conflicts = 0;
@@ -90,7 +90,7 @@ class OtherProgram : public ::testing::Test {
   }
 };
 
-TEST_F(OtherProgram, IsNoticedAndTakenIn) {
+TEST_F(OtherProgram, IsNoticedAndReloaded) {
   EXPECT_FALSE(HasFileChanged(store_));
   Do(store_, "select|1");
   stored_.Write(kMore);
@@ -111,7 +111,7 @@ TEST_F(OtherProgram, IsNoticedAndTakenIn) {
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1"));
 }
 
-TEST_F(OtherProgram, KeepsItsTextBesideAChangeOrNone) {
+TEST_F(OtherProgram, KeepsItsTextWhenAChangeIsSavedOrFails) {
   stored_.Write(kMore);
   Do(store_, "save");
   ExpectBoth(kMore);
@@ -163,7 +163,7 @@ TEST_F(OtherProgram, IsNotUndone) {
   ExpectBoth(After("G0011,MUTE", start, "G0101,NIGHT"));
 }
 
-TEST_F(OtherProgram, IsNotMetByAnUndoOfTheWindowsOwnChanges) {
+TEST_F(OtherProgram, DoesNotPreventUndoOfOwnChanges) {
   const std::string text = Config(kNec + kSony + Protocol("Empty", {"G10,EMPTY"}));
   for (const std::vector<std::string>& steps :
        {std::vector<std::string>{"store|Empty|G1111|ON", "drop|Empty|ON"},

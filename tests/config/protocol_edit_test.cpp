@@ -60,7 +60,7 @@ TEST(ProtocolEdit, AddsChangesAndDeletesASectionByteForByte) {
   EXPECT_EQ(stored.File(), kGeneral + end);
 }
 
-TEST(ProtocolEdit, EndsThePeriodThatOtherSilencesContradict) {
+TEST(ProtocolEdit, DropsAPeriodThatNewSilencesContradict) {
   const std::string mine = Replaced(Protocol("Mine", {"G1010,POWER"}), "GREPEAT= 72\r\n",
                                     "GREPEAT= 72\r\nSENDAS= PERIOD192 16\r\n");
   Stored stored(Config(mine));
@@ -114,7 +114,7 @@ TEST(ProtocolEdit, ReadsNoDamagedSection) {
   }
 }
 
-TEST(ProtocolEdit, CutsNothingButWholeLinesOfTheSectionThatIsRead) {
+TEST(ProtocolEdit, RemovesOnlyWholeLinesOfTheSectionThatIsRead) {
   using Refusal = ProtocolRefusal;
   const std::string mine = Protocol("Mine", {"G1010,POWER"});
   const auto joined = [&](std::string_view lineEnd) {

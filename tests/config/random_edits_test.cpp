@@ -169,7 +169,7 @@ std::string BrokenInvariant(const std::string& file) {
   return at + 1 == lines.size() ? std::string() : "text after [END]";
 }
 
-TEST(RandomEdits, LeaveAWholeFileThatReadsAsItWasWritten) {
+TEST(RandomEdits, LeaveACompleteFileThatReadsAsWritten) {
   RandomUser user;
   std::size_t mostProtocols = 0;
   for (int sequence = 1; sequence <= kSequences; ++sequence) {

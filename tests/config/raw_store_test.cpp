@@ -74,7 +74,7 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT") << "lengths come back with their line";
 }
 
-TEST_F(RawStored, TellsOfTwoThatAreTooMuchAlike) {
+TEST_F(RawStored, ReportsTwoThatAreTooSimilar) {
   RawSignal other = kCool, between = kCool;
   other.Digits = kHeat.Digits;
   for (const auto& [place, longer] : {std::pair(7U, 140), {11, -140}}) {
@@ -105,7 +105,7 @@ TEST_F(RawStored, AreHeardInTwoTapsOfOneCapture) {
   EXPECT_EQ(Heard(store_, twice(kCool, 55'000, kCool)), "") << "parts of a message";
 }
 
-TEST_F(RawStored, TakesNewLengthsOfOldDigits) {
+TEST_F(RawStored, ReloadsNewLengthsOfTheSameDigits) {
   Learn(kCool, "COOL");
   const std::string old = stored_.Disk.Files()[kFile];
   const auto running = Reread();
@@ -123,7 +123,7 @@ TEST_F(RawStored, TakesNewLengthsOfOldDigits) {
   }
 }
 
-TEST_F(RawStored, KeepsLengthsOfATextThatWasPutAside) {
+TEST_F(RawStored, KeepsLengthsUsedByAConflictCopy) {
   Learn(kCool, "COOL");
   ASSERT_TRUE(AddRawCommand(*Reread(), "AC", kHeat, "HEAT").Done());
   AddCommand(store_, "AC", "G1100", "DRY");
@@ -145,7 +145,7 @@ struct MeddledFiles : SteppedFiles {
   std::function<void()> Meddle;
 };
 
-TEST_F(RawStored, BringsLengthsBackWithALineThatAnotherProgramHasDeletedMeanwhile) {
+TEST_F(RawStored, RestoresLengthsWithALineThatAnotherProgramHasDeleted) {
   Learn(kCool, "COOL");
   MeddledFiles files(stored_.Disk);
   CfgStore writer(store_.Path, files);
@@ -157,7 +157,7 @@ TEST_F(RawStored, BringsLengthsBackWithALineThatAnotherProgramHasDeletedMeanwhil
   EXPECT_EQ(Heard(*Reread(), kCool), "COOL");
 }
 
-TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionThatNoFileCouldBeNamedAs) {
+TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionWhoseNameIsNoFileName) {
   Stored stored{Config(Protocol("../A C", {"G10,EMPTY"}))};
   ASSERT_TRUE(AddRawCommand(stored.Store, "../A C", kCool, "COOL").Done());
   EXPECT_EQ(stored.Disk.Files().count("%2E%2E%2FA%20C.mode2"), 1U);
@@ -166,7 +166,7 @@ TEST(RawStoredUnderAnyName, KeepsLengthsOfASectionThatNoFileCouldBeNamedAs) {
   EXPECT_EQ(Heard(fresh, kCool), "COOL");
 }
 
-TEST_F(RawStored, LosesTheDamagedCommandAlone) {
+TEST_F(RawStored, LosesOnlyTheDamagedCommand) {
   Learn(kCool, "COOL");
   Learn(kHeat, "HEAT");
   const std::string whole = stored_.Disk.Files()[kFile];

@@ -30,7 +30,7 @@ TEST(LoadConfig, KeepsEveryByte) {
   }
 }
 
-TEST(LoadAndSave, TellWhatStandsInTheWay) {
+TEST(LoadAndSave, SayWhyTheyFail) {
   const auto tells = [](const std::function<void(const char*)>& make, int loadNumber, int saveNumber,
                         const std::string& told) {
     TempFolder folder;
@@ -74,7 +74,7 @@ TEST(SaveConfig, CutsAfterTheClosingHeader) {
   }
 }
 
-TEST(SaveConfig, LosesNothingThatAnotherProgramHasWritten) {
+TEST(SaveConfig, KeepsWhatAnotherProgramHasWritten) {
   Stored stored(Config(""));
   CfgStore& store = stored.Store;
   Files files;
@@ -152,7 +152,7 @@ TEST_F(BrokenSave, SurvivesAPowerCutAnywhere) {
   }
 }
 
-TEST_F(BrokenSave, RespectsAProtectedFileAndKeepsTheTextOfOneThatCannotBeRead) {
+TEST_F(BrokenSave, RespectsAProtectedFileAndKeepsTheTextIfItCannotBeRead) {
   for (const int failAt : {1, 2}) {
     stored_.Disk.FailAt(failAt, false);
     EXPECT_EQ(FailureOf([&] { LoadConfig(stored_.Store); }).Number(), EIO);

@@ -17,7 +17,7 @@ std::string WithoutCr(std::string text) {
   return text;
 }
 
-TEST(Numbers, AreReadFromTheHeadOfAValue) {
+TEST(Numbers, AreReadFromTheBeginningOfAValue) {
   for (const std::string row :
        {"  7ab|7|7", "+1e3|1|1", "2.7|2|3", "-2.7|-2|-3", "2.49|2|2", "2.5|2|2", "2.5000001|2|3",
         "-3.5|-3|-4", "32767.9|32767|32767", "|0|0", "COM1|0|0", ".7|0|0", "--1|0|0", "\t5|0|0", "- 5|0|0",
@@ -42,7 +42,7 @@ std::string Reading(const std::string& text) {
          std::string(reading.Missing);
 }
 
-TEST(ReadSettings, TakesTheKeysInTheirOrderUpToTheFirstThatIsMissing) {
+TEST(ReadSettings, ReadsTheKeysInOrderUpToTheFirstMissingOne) {
   EXPECT_EQ(Reading("; a head\r\n[general]\r\ncomport=12\r\nPROTOCOL= 2.9\r\n# a line\r\nPROCDELAY= 30\r\n"
                     "ITYPE= 8.5\r\nBEEPON= 0\r\nVEXIL= 2.5\r\n[End]\r\n"),
             "12 2 30 8 1 2 -1");

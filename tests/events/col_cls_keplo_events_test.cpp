@@ -64,7 +64,7 @@ TEST(EventCollection, MovesAChangedEventToTheEndAndKeepsTheCallersObject) {
   EXPECT_EQ(StoredEvents(folder), (Texts{"1|Renamed||NEC&POWER|on|3", "2|Replaced||NEC&POWER|on|3"}));
 }
 
-TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
+TEST(EventCollection, ReloadsAndNeverOverwritesChangesOfAnotherProgram) {
   // The table afterwards, and the failure of switching event 1 off meanwhile.
   const std::vector<std::tuple<const char*, Texts, int>> cases = {
       {"update colclsKeploEvents set Zone = 5 where EventID = '1'", {"2|b|||on|0", "1|a|||on|5"}, kRowGone},
@@ -105,7 +105,7 @@ TEST(EventCollection, TakesInWhatAnotherProgramDidAndNeverWritesOverIt) {
   }
 }
 
-TEST(EventCollection, DoesNotWaitForAMapThatIsLockedAsItIsReplaced) {
+TEST(EventCollection, DoesNotWaitForAMapThatIsLockedDuringReplacement) {
   const EventFolder folder, replacement;
   EventMap map(folder, std::chrono::hours(1));
   ASSERT_TRUE(map.Load());
@@ -121,7 +121,7 @@ TEST(EventCollection, DoesNotWaitForAMapThatIsLockedAsItIsReplaced) {
   EXPECT_TRUE(!map.Database.ChangedElsewhere() && !map.Database.NeedsAnotherCheck());
 }
 
-TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
+TEST(EventCollection, LoadsUpToTheFirstUnusableRow) {
   const std::vector<std::tuple<std::string, int, std::string>> cases = {
       {"(null, 'n', 'd', 'c', 1, 0)", kNullValue, "Column EventID of row 3 of the event table holds null"},
       {"('2', 'n', 'd', 'c', 1, null)", kNullValue, "Column Zone of row 3 "},
@@ -145,7 +145,7 @@ TEST(EventCollection, LoadsUpToTheRowThatCannotBeUsed) {
   }
 }
 
-TEST(EventCollection, IsSilentWhereTheTableCannotBeRead) {
+TEST(EventCollection, IsSilentIfTheTableCannotBeRead) {
   const AppFolder empty;
   EventMap map(empty);
   EXPECT_FALSE(map.Load());
@@ -160,7 +160,7 @@ TEST(EventCollection, IsSilentWhereTheTableCannotBeRead) {
   EXPECT_TRUE(map.Errors.empty() && other.Errors.empty());
 }
 
-TEST(EventCollection, ReportsWhatItRefusesWhateverTheHostDoesWithTheReport) {
+TEST(EventCollection, ReportsRefusalsEvenIfTheHandlerFails) {
   using Act = std::function<bool(EventMap&)>;
   const std::tuple<std::string, Act, std::string, int, std::string> cases[] = {
       {"a change of an unknown event", [](EventMap& map) { return map.Events.Update(Event("2")); }, "Save",

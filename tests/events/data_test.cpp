@@ -51,7 +51,7 @@ TEST(Data, KeepsARecordOfEachFailure) {
   }
 }
 
-TEST(Data, UndoesATransactionThatAFailingTextBegan) {
+TEST(Data, RollsBackATransactionOfAFailingStatement) {
   const EventFolder folder;
   EventMap map(folder);
   EXPECT_EQ(map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents; bad"), 0);
@@ -63,7 +63,7 @@ TEST(Data, UndoesATransactionThatAFailingTextBegan) {
   EXPECT_EQ(StoredEvents(folder), map.Members());
 }
 
-TEST(Transaction, TakesTheRightToWriteAtOnce) {
+TEST(Transaction, LocksForWritingAtOnce) {
   const EventFolder folder;
   Connection mine, other(std::chrono::milliseconds(1));
   mine.Open(folder.Database());
@@ -101,7 +101,7 @@ TEST(Recordset, ChangesTheTableRowByRow) {
             (Texts{"1|Power||NEC&POWER|on|0", "2|Silence|Mute|NEC&MUTE|off|3", "|New|||on|1"}));
 }
 
-TEST(Recordset, RefusesWhatIsClosedOrOnlyRead) {
+TEST(Recordset, RefusesClosedAndReadOnlyRecordsets) {
   const EventFolder folder;
   Connection connection;
   Recordset rows;

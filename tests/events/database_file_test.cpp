@@ -89,7 +89,7 @@ TEST(DatabaseFile, FlushesEveryChangeAndLeavesWriteAheadMode) {
   EXPECT_EQ(folder.Files(), Texts{kDatabaseFile});
 }
 
-TEST(DatabaseFile, IsTheSameOneWhereverTheProgramGoes) {
+TEST(DatabaseFile, DoesNotDependOnTheWorkingDirectory) {
   const EventFolder folder;
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::create_directory(folder.Path() / "file:");  // no address, whatever SQLite makes of one
@@ -101,7 +101,7 @@ TEST(DatabaseFile, IsTheSameOneWhereverTheProgramGoes) {
   EXPECT_EQ(data.CheckConnection(), 1) << data.ErrorDetails().ErrorDescription;
 }
 
-TEST(DatabaseFile, WaitsForAnotherProgramThatIsAboutToFinish) {
+TEST(DatabaseFile, WaitsForALockOfAnotherProgram) {
   using std::chrono::milliseconds;
   const EventFolder folder;
   for (const char* hold : {"begin exclusive", "pragma journal_mode = wal; select * from colclsKeploEvents"}) {
@@ -116,7 +116,7 @@ TEST(DatabaseFile, WaitsForAnotherProgramThatIsAboutToFinish) {
   }
 }
 
-TEST(DatabaseFile, GivesWayToAnotherProgramAndRecovers) {
+TEST(DatabaseFile, FailsUnderALongLockAndRecovers) {
   for (const char* hold : {"begin exclusive", "begin; select * from colclsKeploEvents"}) {
     SCOPED_TRACE(hold);
     const EventFolder folder;
@@ -131,7 +131,7 @@ TEST(DatabaseFile, GivesWayToAnotherProgramAndRecovers) {
   }
 }
 
-TEST(DatabaseFile, TakesNoChangeOnceItWasMovedAway) {
+TEST(DatabaseFile, RefusesChangesOnceItWasMoved) {
   const EventFolder folder;
   EventMap map(folder);
   ASSERT_TRUE(map.Load());

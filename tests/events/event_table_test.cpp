@@ -14,7 +14,7 @@ std::string Refusal(const AppFolder& folder) {
   return FailureOf([&] { folder.CreateTable(); }).what();
 }
 
-TEST(CreateEventTable, LeavesWhatIsThere) {
+TEST(CreateEventTable, KeepsAnExistingTable) {
   const AppFolder folder;
   folder.Write(kDatabaseFile, "a letter");
   folder.Write(kJournal, "of the letter");

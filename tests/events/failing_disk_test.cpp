@@ -47,7 +47,7 @@ void SetOpen(int (*call)(const char*, int, int)) {
   files->xSetSystemCall(files, "open", reinterpret_cast<sqlite3_syscall_ptr>(call));
 }
 
-TEST(FailingDisk, IsToldByWhatBecameOfTheChange) {
+TEST(FailingDisk, IsReportedAccordingToTheEffect) {
   using Change = std::function<bool(colclsKeploEvents&)>;
   const std::pair<Change, Texts> cases[] = {
       {[](auto& events) { return events.Add(Event("2")); },

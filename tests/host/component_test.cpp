@@ -45,7 +45,7 @@ TEST_F(RegisteredTest, IsFoundByItsClassNameUntilItIsUnregistered) {
   ExpectFailure(classFile_, "No such file", read);
 }
 
-TEST_F(RegisteredTest, TellsWhyAComponentCannotBeLoaded) {
+TEST_F(RegisteredTest, ReportsWhyAComponentCannotBeLoaded) {
   std::ifstream file(KEPLO_COMPONENT, std::ios::binary);
   const std::string whole((std::istreambuf_iterator<char>(file)), {});
   for (const auto& [path, reason] : std::vector<std::pair<std::string, std::string>>{
@@ -61,7 +61,7 @@ TEST_F(RegisteredTest, TellsWhyAComponentCannotBeLoaded) {
   }
 }
 
-TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
+TEST_F(RegisteredTest, ReportsWhyAnObjectCannotBeCreated) {
   const Component component{KEPLO_COMPONENT};
   CreationContext context;
   context.ApplicationPath = (folder_.Path() / "app").string();
@@ -78,7 +78,7 @@ TEST_F(RegisteredTest, TellsWhyAnObjectCannotBeCreated) {
   EXPECT_THROW(create(), ObjectNotWritten) << "no folder can be made there";
 }
 
-TEST(EntryPoints, RefuseAHostOfAnotherVersionAndPointersToNothing) {
+TEST(EntryPoints, RefuseAHostOfAnotherVersionAndNullPointers) {
   void* library = dlopen(KEPLO_COMPONENT, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   auto* getClass = reinterpret_cast<DllGetClassObjectEntry*>(dlsym(library, "DllGetClassObject"));

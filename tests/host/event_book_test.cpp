@@ -32,7 +32,7 @@ TEST(EventBook, NeverGivesAnIdentifierTwice) {
   EXPECT_EQ(EventBook(file).NewEventID({}), "61");
 }
 
-TEST(EventBook, KeepsWhatItDoesNotUnderstandAndWhatOthersChange) {
+TEST(EventBook, KeepsUnknownFieldsAndChangesOfOthers) {
   const tests::TempFolder folder;
   const auto file = folder.Path() / "host.json";
   folder.Write("own.json",
@@ -58,7 +58,7 @@ TEST(EventBook, KeepsWhatItDoesNotUnderstandAndWhatOthersChange) {
   EXPECT_EQ(book.ActionsOf("7"), kLamp);
 }
 
-TEST(EventCommandLine, ComesBackAsItWasShown) {
+TEST(EventCommandLine, IsParsedAsShown) {
   const json actions = json::parse(
       R"([{"kind": "run", "program": "/opt/my lamp", "note": "mine",
            "arguments": ["a \"b\" c", "\"", "\" x", "tab\there", "line\nend", "plain", "$HOME;*"]}])");

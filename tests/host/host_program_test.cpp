@@ -20,7 +20,7 @@ class HostProgramTest : public ::testing::Test {
   RunningHost host_{app_};
 };
 
-TEST_F(HostProgramTest, TellsAPersonAndTheJournalWhatBecameOfThePresses) {
+TEST_F(HostProgramTest, ReportsPressesToATerminalAndTheJournal) {
   app_.AddPowerEvent("[]");
   struct stat output {};
   ASSERT_EQ(stat(app_.Write("app/output.txt", "").c_str(), &output), 0);
@@ -35,7 +35,7 @@ TEST_F(HostProgramTest, TellsAPersonAndTheJournalWhatBecameOfThePresses) {
       {"keplo-host: ", "sony_tv_mute.mode2 press 1: heard, but no event: no activated event is bound"});
 }
 
-TEST_F(HostProgramTest, ReadsAgainOnAHangupAndEndsOnAStopSignal) {
+TEST_F(HostProgramTest, ReloadsOnHangupAndEndsOnAStopSignal) {
   host_.Start({});
   ASSERT_NE(host_.Port(), 0);
   app_.Write("app/host.json", "damaged");
@@ -65,7 +65,7 @@ TEST_F(HostProgramTest, RunsTheProgramsOfAnEvent) {
   EXPECT_EQ(host_.Log().find("Event 17: 999\n"), std::string::npos);
 }
 
-TEST_F(HostProgramTest, TellsOnePressAndDoesWhatIsDueInIt) {
+TEST_F(HostProgramTest, ReportsOnePressAndRunsItsDueActions) {
   app_.AddPowerEvent(R"([{"kind": "shell", "command": "echo pressed", "on": "press"},
       {"kind": "shell", "command": "echo held", "on": "hold", "after_ms": 400},
       {"kind": "shell", "command": "echo let go", "on": "release"}])");
@@ -93,7 +93,7 @@ TEST_F(HostProgramTest, TellsOnePressAndDoesWhatIsDueInIt) {
   }
 }
 
-TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStartedAndReadsWhatLeavesThem) {
+TEST_F(HostProgramTest, EndsProgramsWithTheirChildrenAndReadsTheirOutput) {
   const std::string fifo = (app_.Path() / "fifo").string();
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   app_.AddPowerEvent(R"([{"kind": "shell", "command": "trap '' TERM; echo deaf; printf last; sleep 1000"},
@@ -115,7 +115,7 @@ TEST_F(HostProgramTest, EndsProgramsWithAllThatTheyHaveStartedAndReadsWhatLeaves
   ExpectInLog({"/bin/sh does not end; it is killed.", "Event 17: last\n"});
 }
 
-TEST_F(HostProgramTest, MendsARegistrationThatLeadsNowhere) {
+TEST_F(HostProgramTest, RepairsABrokenRegistration) {
   const std::string classFile = "home/.local/share/velmora/classes/InputKeplo.Keplo.json";
   const auto statusOf = [&](const std::vector<std::string>& options) {
     RunningHost host(app_);

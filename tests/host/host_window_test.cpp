@@ -138,7 +138,7 @@ TEST_F(HostWindowTest, AsksForTheProgramOfAnEvent) {
         }});
 }
 
-TEST_F(HostWindowTest, KeepsTheProgramOfAnEventThatALockedTableKeeps) {
+TEST_F(HostWindowTest, KeepsTheProgramIfALockPreventsTheDeletion) {
   const std::string lamp = R"([{"kind":"run","program":"lamp"}])";
   Open(lamp);
   Connection other;
@@ -149,7 +149,7 @@ TEST_F(HostWindowTest, KeepsTheProgramOfAnEventThatALockedTableKeeps) {
   EXPECT_EQ(Actions(), lamp);
 }
 
-TEST_F(HostWindowTest, ShowsWhatIsLeftWhenTheBookOfADeletedEventCannotBeSaved) {
+TEST_F(HostWindowTest, ReportsADeletedEventWhoseBookCannotBeSaved) {
   Open("[]");
   app_.Write("app/host.json", "damaged");
   Click("&Delete", {Yes, [](QWidget& warning) {

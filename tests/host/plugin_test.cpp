@@ -82,7 +82,7 @@ class PluginTest : public ::testing::Test {
   IHostEventSource* events_ = nullptr;
 };
 
-TEST_F(PluginTest, AnswersWithoutADisplayAsAfterACancel) {
+TEST_F(PluginTest, AnswersWithoutADisplayAsIfCancelled) {
   app_.AddPowerEvent("[]");
   const std::string config = app_.Read("app/keplo.cfg") + "by hand";
   app_.Write("app/keplo.cfg", config);
@@ -148,7 +148,7 @@ TEST_F(PluginTest, RaisesEventsFromTheLoopBetweenStartAndStop) {
   EXPECT_FALSE(IsLoaded());
 }
 
-TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
+TEST_F(PluginTest, ContinuesWithThePortChosenInItsWindow) {
   app_.AddPowerEvent("[]");
   Create(true, {kPower});
   plugin_->InputStartMonitoring();
@@ -165,7 +165,7 @@ TEST_F(PluginTest, GoesOnWithThePortThatIsChosenInItsWindow) {
   EXPECT_EQ(sink_.Errors, Texts());
 }
 
-TEST_F(PluginTest, LivesToTheEndOfWhatItIsReleasedIn) {
+TEST_F(PluginTest, SurvivesAReleaseDuringACall) {
   app_.AddPowerEvent("[]");
   Create(true, {kPower});
   OnceShown([this](QWidget& box) {

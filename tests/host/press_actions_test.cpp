@@ -16,7 +16,7 @@ json Book(const std::string& action) {
   return json::parse(R"({"17": {"actions": [{"kind": "run", "program": "a"}, )" + action + "]}}");
 }
 
-TEST(PressActions, RefuseWhatTheyDoNotKnowByItsPlace) {
+TEST(PressActions, RefuseUnknownFieldsByTheirPath) {
   const std::pair<std::string, std::string> cases[] = {
       {R"({"on": "press"})", ""},
       {R"({"on": "hold", "after_ms": 60000})", ""},
@@ -64,7 +64,7 @@ TEST(PressActions, AreDueWhenTheySay) {
   EXPECT_TRUE(press.End().empty()) << "no event comes twice";
 }
 
-TEST(KeysDown, LeavesDownWhatAnotherPlaceHolds) {
+TEST(KeysDown, KeepsAKeyDownThatAnotherPlaceHolds) {
   using Codes = std::vector<unsigned>;
   KeysDown keys;
   EXPECT_TRUE(keys.Press(1, 5) && keys.Press(2, 6) && !keys.Press(1, 6) && !keys.Press(1, 6));

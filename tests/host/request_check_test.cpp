@@ -28,7 +28,7 @@ std::string Request(const std::string& line, const std::string& headers) {
   return line + "\r\nHost: localhost:8738\r\n" + headers + "\r\n";
 }
 
-TEST(RequestCheck, RefusesWhatTheServerBehindItWouldSwallow) {
+TEST(RequestCheck, RefusesWhatTheServerWouldAccept) {
   const std::string get = "GET / HTTP/1.1", post = "POST /InputKeplo HTTP/1.1";
   for (const auto& [status, received] : std::vector<std::pair<int, std::string>>{
            {400, get + "\r\n\r\n"},
@@ -53,7 +53,7 @@ TEST(RequestCheck, RefusesWhatTheServerBehindItWouldSwallow) {
   }
 }
 
-TEST(RequestCheck, WaitsForTheHeadAndTellsTheWholeLength) {
+TEST(RequestCheck, WaitsForTheHeadAndReturnsTheWholeLength) {
   const std::string whole = Request("POST /InputKeplo HTTP/1.1", "Content-Length: 65536\r\nUpgrade: h2c\r\n");
   for (std::size_t length = 0; length < whole.size(); ++length) {
     EXPECT_EQ(CheckRequest(whole.substr(0, length), kLoopback).Answer, RequestVerdict::Incomplete) << length;

@@ -67,7 +67,7 @@ TEST_F(WebTest, SendsThePagesByteForByte) {
   EXPECT_NE(Ask("GET /").find("href=\"/InputKeplo\""), std::string::npos);
 }
 
-TEST_F(WebTest, TellsHowFarTheReadingOfThePressesCame) {
+TEST_F(WebTest, ShowsHowFarEachPressWasRead) {
   host_.Start({"--replay", kMute});
   EXPECT_NE(host_.WaitForLog("heard, but no event"), "");
   port_ = host_.Port();
@@ -76,7 +76,7 @@ TEST_F(WebTest, TellsHowFarTheReadingOfThePressesCame) {
   ExpectPart(index, "<li>code: 1</li>");
 }
 
-TEST_F(WebTest, RefusesAndGoesOn) {
+TEST_F(WebTest, RefusesBadRequestsAndContinues) {
   host_.Start({"--http-address", "0.0.0.0"});
   EXPECT_NE(host_.WaitForLog("http://127.0.0.1:").find("--http-name"), std::string::npos);
   port_ = host_.Port();
@@ -96,7 +96,7 @@ TEST_F(WebTest, RefusesAndGoesOn) {
   EXPECT_EQ(host_.Log().find("qt.httpserver"), std::string::npos) << host_.Log();
 }
 
-TEST_F(WebTest, AnswersBesideConnectionsThatNobodyEnds) {
+TEST_F(WebTest, AnswersDespiteConnectionsLeftOpen) {
   Start();
   std::vector<std::unique_ptr<Client>> slow;
   for (int number = 0; number < 150; ++number) {
@@ -115,7 +115,7 @@ TEST_F(WebTest, AnswersBesideConnectionsThatNobodyEnds) {
   EXPECT_EQ(host_.Wait(), 0);
 }
 
-TEST_F(WebTest, NeedsAPortOnlyWhereThereIsNoWindow) {
+TEST_F(WebTest, NeedsAPortOnlyWithoutAWindow) {
   Start();
   const ApplicationPath app;
   for (const auto& [window, status] :

@@ -19,7 +19,7 @@ std::string Told(const broker::Observer& observer, const std::string& topic) {
   return told;
 }
 
-TEST(BrokerRoad, TellsWhatAMonitorHears) {
+TEST(BrokerRoad, PublishesWhatAMonitorHears) {
   const Install install;
   const broker::TestFolder folder;
   const broker::MosquittoServer server(folder);

@@ -6,7 +6,7 @@
 namespace keplo::tests {
 namespace {
 
-TEST(Events, AreBoundToNamesAsAPressHasThemAndStayAsTheyAre) {
+TEST(Events, AreBoundToTheNamesOfAPressAndStayUnchanged) {
   const Install install;
   std::string config = install.Config();
   config.insert(config.find("TV_POWER"), " ");
@@ -22,7 +22,7 @@ TEST(Events, AreBoundToNamesAsAPressHasThemAndStayAsTheyAre) {
                        {"commands NEC --json", 0, {"\\u009bTV_MUTE"}}});
 }
 
-TEST(Events, ThatARenameCouldNotReachAreNamed) {
+TEST(Events, ThatARenameMissesAreListed) {
   const Install install;
   install.Run("events add --each");
   ExpectTold(install, {{"events add 'NEC&TV_MUTE' --id again", 0, {}}});
@@ -39,14 +39,14 @@ TEST(Events, ThatARenameCouldNotReachAreNamed) {
   sqlite3_close(other);
 }
 
-TEST(Events, GetANumberOfTheirOwnEachWhenManyAreAddedAtOnce) {
+TEST(Events, GetUniqueNumbersWhenManyAreAddedAtOnce) {
   const Install install;
   RunShell("for i in 1 2 3 4 5 6 7 8 9 10 11 12; do '" KEPLO_PROGRAM "' events add 'NEC&TV_POWER'" +
            install.Option() + " & done; wait");
   EXPECT_EQ(Lines(install.Run("events list").Out).size(), 12U);
 }
 
-TEST(Events, TellWhoTakesAChangeIn) {
+TEST(Events, NameTheProgramsThatReloadAChange) {
   const Install install;
   ASSERT_EQ(install.Run("events add 'NEC&TV_POWER'").Err, "") << "nobody runs";
   const auto sample = std::filesystem::path(KEPLO_SOURCE_DIR) / "samples" / "sony_tv_1.mode2";

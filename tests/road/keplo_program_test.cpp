@@ -47,7 +47,7 @@ TEST(KeploProgram, OffersEveryOptionInBash) {
   EXPECT_EQ(RunShell(notOffered).Out, "");
 }
 
-TEST(KeploProgram, TellsWhatCouldNotBeWritten) {
+TEST(KeploProgram, ReportsWhatCouldNotBeWritten) {
   const Install install;
   const std::string full = install.FillConfig(0);
   const std::string press = install.Press("new.mode2", "--protocol RC5 --code 11000001001001");

@@ -49,7 +49,7 @@ TEST_F(Dispatch, RaisesEveryActivatedRowInListOrderOrBeepsAgain) {
   EXPECT_EQ(line_.Calls, (Texts{"1 NEC&POWER", "uDelay 200000", "5 NEC&POWER", "uDelay 200000"}));
 }
 
-TEST_F(Dispatch, TakesNothingFromTheSettingsOrTheHeadOfTheFile) {
+TEST_F(Dispatch, IgnoresSettingsAndTheHeaderOfTheFile) {
   Row("1", "General&POWER");
   Row("2", "NEC&NEAR");
   cfgText_.insert(cfgText_.find("VEXIL="), std::string(120, '#') + "\r\nG1110000,POWER\r\n");
@@ -71,7 +71,7 @@ TEST_F(Dispatch, NeverRaisesForASectionOrCommandWithoutAName) {
   EXPECT_EQ(Run("0001110002"), DispatchEnd::NotStored);
 }
 
-TEST_F(Dispatch, AsksForTheZoneOnlyWhereARowNamesOne) {
+TEST_F(Dispatch, AsksForTheZoneOnlyIfARowHasOne) {
   Row("1", "NEC&POWER", true, 0);
   Row("3", "NEC&POWER", true, 3);
   settings_.BeepOn = false;

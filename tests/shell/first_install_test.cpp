@@ -46,7 +46,7 @@ TEST(FirstInstall, IsCompletedByTheNextStartWhereverItWasKilled) {
   }
 }
 
-TEST(FirstInstall, BringsNothingInThePlaceOfALostFileUnlessItIsAskedTo) {
+TEST(FirstInstall, ReplacesALostFileOnlyOnRequest) {
   for (const std::string lost : {"keplo.cfg", "inputKeplo.mdb"}) {
     const TempFolder folder;
     const auto appPath = folder.Path() / "new" / "home";

@@ -20,7 +20,7 @@ class EventDialog : public EventDialogTest {
   }
 };
 
-TEST_F(EventDialog, ProposesTheFirstCommandWhateverWasSelectedUntilAnotherIsPicked) {
+TEST_F(EventDialog, ProposesTheFirstCommandUntilAnotherIsPicked) {
   EXPECT_TRUE(Show(0, [](frmEvent& dialog) {
     EXPECT_EQ(dialog.Title(), "Add New Event");
     EXPECT_EQ(dialog.Protocol.Entries(), (Texts{"NEC", "SONY", "Template"}));

@@ -50,7 +50,7 @@ std::string Told(const std::vector<Signal>& signals) {
   return told;
 }
 
-TEST(HeldKey, TellsOnePressFromTwo) {
+TEST(HeldKey, DistinguishesOnePressFromTwo) {
   const std::tuple<const char*, std::vector<Signal>, const char*> cases[] = {
       {"a repeat in its time", {{"code", 0ms}, {"code", 108ms}, {"code", 216ms}}, "PHH"},
       {"one repeat lost", {{"code", 0ms}, {"code", 216ms}}, "PH"},
@@ -141,7 +141,7 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
   }
 }
 
-TEST_F(OnePress, IsOnePressOfTwoFramesInTurns) {
+TEST_F(OnePress, IsOnePressOfAlternatingFrames) {
   const std::string first = "00100000110111110001000011101111", second = "00100000110111111001000001101111";
   Bind(first + second);
   SynthOptions frame;
@@ -177,7 +177,7 @@ TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
 }
 
 /// Events of a press whose first capture is followed by a pause, in which the line has kept a second one.
-TEST_F(OnePress, RaisesNoEventOfWhatALineKeptInThePause) {
+TEST_F(OnePress, RaisesNoEventForCapturesQueuedDuringThePause) {
   Bind(kSony);
   Keplo& control = Start();
   std::chrono::microseconds time = 1s;

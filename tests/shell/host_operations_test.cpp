@@ -62,7 +62,7 @@ TEST_F(HostOperations, ChangeListTableAndCollectionAlike) {
   EXPECT_EQ(ids, Texts{""});
 }
 
-TEST_F(HostOperations, TheMenuOfTheListSwitchesTheSelectedEventInAllThreePlaces) {
+TEST_F(HostOperations, TheListMenuSwitchesTheSelectedEventEverywhere) {
   Keplo& control = Start();
   std::string captions;
   for (const ui::MenuItem& item : control.RightClickMenu.Items) captions += item.Caption + ";";
@@ -81,7 +81,7 @@ TEST_F(HostOperations, TheMenuOfTheListSwitchesTheSelectedEventInAllThreePlaces)
   EXPECT_TRUE(boxes_.Shown.at(0).starts_with("InputKeplo: Keplo Input Plugin v" + VersionText + "\r\n"));
 }
 
-TEST_F(HostOperations, TellsWhyNothingWasStored) {
+TEST_F(HostOperations, ReportsWhyNothingWasStored) {
   Keplo& control = Start();
   HostInputEvent unknown = WithID("99"), taken = WithID("1");
   AnswerOK();
@@ -96,7 +96,7 @@ TEST_F(HostOperations, TellsWhyNothingWasStored) {
             (Texts{"InputKeplo.Keplo InputModifyEvent", "colclsKeploEvents colclsKeploEvents.Save"}));
 }
 
-TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted) {
+TEST_F(HostOperations, RestoresAnEventDeletedWhileItsMapWasReplaced) {
   Keplo& control = Start();
   const std::string before = RowTexts(control.ListView1);
   const auto map = folder_.Path() / "inputKeplo.mdb", away = folder_.Path() / "away";
@@ -112,7 +112,7 @@ TEST_F(HostOperations, BringsBackAnEventWhoseMapWasBeingReplacedWhenItWasDeleted
   EXPECT_EQ(RowTexts(control.ListView1), before);
 }
 
-TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
+TEST_F(HostOperations, UndoesChangesThatALockPrevented) {
   Keplo& control = Start();
   control.ListView1.Select(2);
   AnswerOK("Light");
@@ -145,7 +145,7 @@ TEST_F(HostOperations, TakesBackWhatALockKeptOutOfTheTable) {
   }
 }
 
-TEST_F(HostOperations, OpensTheWindowWithTheTimerOffAndPutsTheLinesRight) {
+TEST_F(HostOperations, OpensTheWindowWithoutTimerAndResetsTheLines) {
   Keplo& control = Start();
   int opened = 0;
   mainWindow_ = [&] {
@@ -196,7 +196,7 @@ TEST_F(HostOperations, OneWindowAtATimeAndNoTickBelowIt) {
   EXPECT_FALSE(control.Timer1.Enabled()) << "the port is closed";
 }
 
-TEST_F(HostOperations, SavesNeitherADamagedTextNorOverAnotherProgramUntold) {
+TEST_F(HostOperations, SavesNoDamagedTextAndReportsOtherPrograms) {
   Keplo& control = Start();
   std::string& text = mod_->Store.CfgText;
   text.replace(text.find("COMPORT= "), 10, "COMPORT= 7");  // a change that no save has taken to the file
@@ -212,7 +212,7 @@ TEST_F(HostOperations, SavesNeitherADamagedTextNorOverAnotherProgramUntold) {
   EXPECT_EQ(folder_.Read("keplo.cfg"), whole) << "a save would cut the last section";
 }
 
-TEST_F(HostOperations, MonitoringGoesOnWhateverFailsAroundTheWindow) {
+TEST_F(HostOperations, MonitoringContinuesWhateverFailsAroundTheWindow) {
   Keplo& control = Start();
   mainWindow_ = [] { throw Failure(7, "no window"); };
   control.TriggerInputErrorCondition = [&](HostErrorRecord& record, bool&) {

@@ -41,7 +41,7 @@ TEST_F(StartUp, ShowsEachInterfaceType) {
   }
 }
 
-TEST_F(StartUp, TakesInWhatAnotherProgramWritesToTheConfiguration) {
+TEST_F(StartUp, ReloadsTheConfigurationOfAnotherProgram) {
   WriteEvents({});
   WriteConfig("");
   Keplo& control = Start();
@@ -128,7 +128,7 @@ TEST_F(StartUp, StartsAndStopsMonitoring) {
   EXPECT_EQ(control.InputErrorDetails(), nullptr);
 }
 
-TEST_F(StartUp, InitialisesFromTheEventMapOrSaysNo) {
+TEST_F(StartUp, InitialisesFromTheEventMapOrFails) {
   WriteConfig("");
   EXPECT_EQ(Create().InputInitialise(nullptr), 0) << "there is no database";
   control_->EnableMenu_Click();  // there is no row

@@ -14,7 +14,7 @@ class Tick : public ShellTest {
   std::string Press(const std::string& digits) const { return Bytes(Runs(NecRuns(digits))); }
 };
 
-TEST_F(Tick, CostsTwoLineReadsAtRestAndCapturesAsTheReceiverNeedsIt) {
+TEST_F(Tick, ReadsTheLineTwiceAtRestAndCapturesForTheReceiverKind) {
   Keplo& control = Start();
   line_.LogDcd = true;
   control.Timer1.Tick();
@@ -49,7 +49,7 @@ TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnoughAndRaisesTheEventOfAPress) {
   EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}));
 }
 
-TEST_F(Tick, ReachesItsEndWhateverTheHostDoesInside) {
+TEST_F(Tick, CompletesWhateverTheHostDoesInside) {
   // What the host does in an event, whether the timer is on then, and what is told.
   const std::tuple<std::string, std::function<void(Keplo&)>, bool, std::string> cases[] = {
       {"runs an event loop of its own",
@@ -88,7 +88,7 @@ TEST_F(Tick, ReachesItsEndWhateverTheHostDoesInside) {
   }
 }
 
-TEST_F(Tick, TellsWhatBecameOfEachPressOnceAndGoesOnIfTheTellerFails) {
+TEST_F(Tick, ReportsEachPressOnceEvenIfTheHandlerFails) {
   Keplo& control = Start();
   std::string told;
   control.OnPress = [&](const TickReport& tick) {

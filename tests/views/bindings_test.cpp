@@ -73,7 +73,7 @@ TEST_F(ListBinding, FollowsRowsAndTextsAndDrawsManyOnce) {
   EXPECT_EQ(insertions.count(), 1);
 }
 
-TEST_F(ListBinding, SelectsBothWaysAndNothingOnARowThatHasJustGone) {
+TEST_F(ListBinding, SelectsInBothDirectionsAndIgnoresRemovedRows) {
   QTest::mouseClick(view_.viewport(), Qt::LeftButton, {}, Row(2));
   EXPECT_EQ(model_.SelectedRow(), 2);
   QTest::keyClick(&view_, Qt::Key_Down);
@@ -87,7 +87,7 @@ TEST_F(ListBinding, SelectsBothWaysAndNothingOnARowThatHasJustGone) {
   EXPECT_EQ(model_.SelectedRow(), 0);
 }
 
-TEST(ModelLink, LetsEitherSideGoFirstAndGoesToTheViewThatCameLast) {
+TEST(ModelLink, LetsEitherSideDieFirstAndFollowsTheLatestView) {
   auto text = std::make_unique<ui::TextBox>();
   auto list = std::make_unique<ui::ListView>();
   auto menu = std::make_unique<ui::PopupMenu>();

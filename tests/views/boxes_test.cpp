@@ -33,7 +33,7 @@ TEST(QtBoxes, AMessageHasOneButtonAndShowsTitleAndTextAsTheyAre) {
   QtBoxes().Explain("It is taken.", "Keplo", "POWER has it.");
 }
 
-TEST(QtBoxes, OnlyAnExpressYesAnswersAQuestion) {
+TEST(QtBoxes, OnlyAnExplicitYesConfirmsAQuestion) {
   for (const auto& [key, answer] :
        {std::pair(Qt::Key_Y, true), {Qt::Key_Return, false}, {Qt::Key_Escape, false}}) {
     WhenOpen([pressed = key](QWidget& box) { QTest::keyClick(&box, pressed); });
@@ -53,7 +53,7 @@ TEST(QtBoxes, InputStartsWithItsPresetAndIsEmptyAfterCancel) {
   }
 }
 
-TEST(QtBoxes, ABoxThatGoesWithItsWindowIsRefused) {
+TEST(QtBoxes, ABoxDestroyedWithItsWindowIsRefused) {
   const std::vector<std::function<bool(QtBoxes&)>> asked = {
       [](QtBoxes& boxes) { return boxes.Question("?", "Keplo"); },
       [](QtBoxes& boxes) { return boxes.Confirm("?", "Keplo"); },

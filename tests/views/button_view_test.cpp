@@ -9,7 +9,7 @@
 namespace keplo::qt {
 namespace {
 
-TEST(ButtonView, IsBusyDuringItsWorkAndDropsAllInputOfThatTime) {
+TEST(ButtonView, IsBusyDuringItsWorkAndDropsInputMeanwhile) {
   QWidget window;
   ui::Button model;
   ButtonView record(model, QStringLiteral("Record"), &window);

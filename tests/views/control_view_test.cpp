@@ -38,7 +38,7 @@ class ControlOnScreen : public tests::ShellTest {
   std::unique_ptr<ControlView> view_;
 };
 
-TEST_F(ControlOnScreen, ShowsThePanelAsItsModelHasIt) {
+TEST_F(ControlOnScreen, ShowsThePanelOfItsModel) {
   const auto shown = [&, &view = Show()](const char* name) {
     return view.findChild<QLabel*>(QLatin1String(name))->text().toStdString();
   };
@@ -75,7 +75,7 @@ TEST_F(ControlOnScreen, DoesEverythingByKeyboard) {
   }
 }
 
-TEST_F(ControlOnScreen, IsGoodForEveryUserAndFollowsItsSize) {
+TEST_F(ControlOnScreen, IsAccessibleAndFollowsItsSize) {
   for (const auto& [fontScale, dark] : tests::kUsers) {
     const tests::UserLooks looks(fontScale, dark);
     EXPECT_EQ(tests::ComplaintsAbout(Show()), Texts{}) << fontScale << dark;

@@ -50,7 +50,7 @@ TEST_F(EventDialogOnScreen, EndsByButtonAndByKey) {
   for (const auto& [way, end, accepted] : ways) EXPECT_EQ(Add(end), accepted) << way;
 }
 
-TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommandsAndEachFieldPassesTheUserOn) {
+TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommandsAndMovesTheFocus) {
   EXPECT_TRUE(Add([](QWidget& dialog) {
     auto& protocols = Find<QComboBox>(dialog, "Protocol");
     auto& commands = Find<QComboBox>(dialog, "SendCmd");
@@ -74,7 +74,7 @@ TEST_F(EventDialogOnScreen, PickingAProtocolRefillsTheCommandsAndEachFieldPasses
   EXPECT_EQ(event_.Zone, 8);
 }
 
-TEST_F(EventDialogOnScreen, IsWorkedByKeysAlone) {
+TEST_F(EventDialogOnScreen, CanBeUsedByKeyboardAlone) {
   Add([](QWidget& dialog) {
     std::string walked;
     for (int step = 0; step < 8; ++step) {
@@ -90,7 +90,7 @@ TEST_F(EventDialogOnScreen, IsWorkedByKeysAlone) {
   });
 }
 
-TEST_F(EventDialogOnScreen, IsGoodForEveryUserAndHidesTheZoneWithoutZoneHardware) {
+TEST_F(EventDialogOnScreen, IsAccessibleAndHidesTheZoneWithoutZoneHardware) {
   for (const auto& [fontScale, dark] : tests::kUsers) {
     const tests::UserLooks looks(fontScale, dark);
     Add([](QWidget& dialog) { EXPECT_EQ(tests::ComplaintsAbout(dialog), Texts{}); });

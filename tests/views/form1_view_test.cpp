@@ -78,7 +78,7 @@ TEST_F(MainWindowOnScreen, IsGoodForEveryUser) {
   }
 }
 
-TEST_F(MainWindowOnScreen, TheWheelTurnsOnlyWhatHasTheFocus) {
+TEST_F(MainWindowOnScreen, TheWheelChangesOnlyTheFocusedControl) {
   const auto turn = [&](const char* name) {
     QWidget& view = Find(name);
     QWheelEvent down(view.rect().center(), view.mapToGlobal(view.rect().center()), {}, {0, -120}, {}, {},
@@ -107,7 +107,7 @@ TEST_F(MainWindowOnScreen, TheWheelTurnsOnlyWhatHasTheFocus) {
   EXPECT_LT(form_->HScroll1.Value(), 15);
 }
 
-TEST_F(MainWindowOnScreen, TabWalksInTheOrderOfTheTableAndStaysInTheSmallWindow) {
+TEST_F(MainWindowOnScreen, TabFollowsTheTableAndStaysInTheSmallWindow) {
   EXPECT_EQ(WalkByTab(),
             (Texts{"SendButton", "RecButton", "SendPulse", "ComList", "Protocol", "GReset", "GExt", "Gshr",
                    "SendCmd", "TestCheck", "HScroll1", "CodeStr", "MinButton", "SaveCmdButton",
@@ -188,7 +188,7 @@ TEST_F(MainWindowOnScreen, TheTraceIsOneLineAtEveryZoom) {
   }
 }
 
-TEST_F(MainWindowOnScreen, TheMenuBarHasItsKeysMarksAndWayOut) {
+TEST_F(MainWindowOnScreen, TheMenuBarHasKeysMarksAndExit) {
   const QAction& file = *view_->findChild<QMenuBar*>()->actions().front();
   EXPECT_EQ(file.text(), QStringLiteral("&File"));
   EXPECT_EQ(file.menu()->actions()[0]->text(), QStringLiteral("&New Protocol"));
@@ -232,7 +232,7 @@ TEST_F(MainWindowOnScreen, ARecordingIsSavedToAFileAndOpenedAgain) {
   EXPECT_TRUE(Find("Signal").accessibleDescription().endsWith(QStringLiteral("Recording key.mode2")));
 }
 
-TEST_F(MainWindowOnScreen, TheCloseBoxSavesAndEndsTheWork) {
+TEST_F(MainWindowOnScreen, TheCloseBoxSavesAndQuits) {
   form_->Protocol.Select(1);
   view_->close();
   EXPECT_NE(File().find("PROTOCOL= 1"), std::string::npos);

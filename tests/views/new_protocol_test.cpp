@@ -38,7 +38,7 @@ class ProtocolDialogOnScreen : public tests::WindowTest {
   std::unique_ptr<Form1View> view_;
 };
 
-TEST_F(ProtocolDialogOnScreen, StandsInThePlaceOfTheWindowUntilItIsLeft) {
+TEST_F(ProtocolDialogOnScreen, ReplacesTheWindowUntilItIsClosed) {
   const std::vector<std::pair<std::string, std::function<void(QWidget&)>>> ways = {
       {"Esc", [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }},
       {"close box", [](QWidget& dialog) { dialog.close(); }},
@@ -60,7 +60,7 @@ TEST_F(ProtocolDialogOnScreen, StandsInThePlaceOfTheWindowUntilItIsLeft) {
   EXPECT_NE(File().find("# made for a test!\r\n"), std::string::npos) << File();
 }
 
-TEST_F(ProtocolDialogOnScreen, IsWorkedByKeysAloneAndGoodForEveryUser) {
+TEST_F(ProtocolDialogOnScreen, IsAccessibleAndCanBeUsedByKeyboardAlone) {
   QWidget& dialog = Open(form_->FileNewMenu);
   EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("CProtIn"))->selectedText(),
             QStringLiteral("NewProtocol"));

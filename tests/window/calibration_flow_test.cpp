@@ -26,7 +26,7 @@ class CalibrationFlow : public WindowTest {
   }
 };
 
-TEST_F(CalibrationFlow, FindsShowsAndKeepsTheDelay) {
+TEST_F(CalibrationFlow, FindsShowsAndSavesTheDelay) {
   mod_->Settings.BeepOn = false;
   mod_->Settings.ReceiverKind = 1;
   form_->Timer1.SetEnabled(true);
@@ -56,7 +56,7 @@ TEST_F(CalibrationFlow, FindsShowsAndKeepsTheDelay) {
   EXPECT_EQ(File(), file.replace(file.find("PROCDELAY= 10"), 13, "PROCDELAY= 2"));
 }
 
-TEST_F(CalibrationFlow, ACancelEndsItAndAnotherOneCanFollow) {
+TEST_F(CalibrationFlow, CanBeCancelledAndRepeated) {
   form_->IRCommand.SetText("?");
   boxes_.Yes = false;
   Calibrate({});
@@ -68,7 +68,7 @@ TEST_F(CalibrationFlow, ACancelEndsItAndAnotherOneCanFollow) {
   EXPECT_EQ(boxes_.TakeShown().size(), 2U);
 }
 
-TEST_F(CalibrationFlow, TellsWhyNothingWasSaved) {
+TEST_F(CalibrationFlow, ReportsWhyNothingWasSaved) {
   const std::string noSignal = "Autocalibration aborted!\r\nNo IR command received.";
   for (const auto& [baseTs, told, delay] : std::vector<std::tuple<std::vector<int>, std::string, int>>{
            {{11, 10, 0}, noSignal, 3},

@@ -71,7 +71,7 @@ TEST_F(CommandList, AnUnknownRemoteIsRecordedStoredSentAndForgotten) {
   EXPECT_EQ(line_.Calls.back(), "CloseCom");
 }
 
-TEST_F(CommandList, WhatIsSavedIsSentAsItCame) {
+TEST_F(CommandList, SavedCommandsAreSentAsRecorded) {
   Open(FileWith({kEmpty}));
   mod_->Settings.Analysis = Analysis::Second;
   RecordTwice();
@@ -80,7 +80,7 @@ TEST_F(CommandList, WhatIsSavedIsSentAsItCame) {
   EXPECT_EQ(mod_->ProtocolParams.SENDAS, "16");
 }
 
-TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
+TEST_F(CommandList, AsksForANameUntilValidAndNamesTheDuplicate) {
   Form1& form = Open(FileWith({"G" + kNecDigits + "01,LONGER", "G111000,MUTE_ALL"}));
   Record(Frames(SonyRuns("101000100010"), 3));
   EXPECT_EQ(Save({"VOL UP", "mute"}), (Texts{kAsk, "Use only a-z, A-Z,'-','_' characters", kAsk,
@@ -101,7 +101,7 @@ TEST_F(CommandList, AsksForANameUntilItFitsAndSaysWhatHasIt) {
   EXPECT_EQ(Save({"VOL_UP"}), Texts{"Choose a protocol first."});
 }
 
-TEST_F(CommandList, WhereverASaveFailsTheMessageFitsTheFileAndTheScreenFollowsIt) {
+TEST_F(CommandList, AFailedSaveIsReportedAndTheListsFollowTheFile) {
   const std::string before = FileWith({"G1010,VOL", "G1100,MUTE"});
   const auto describe = [&](const ui::MenuEntry& menu) {
     menu.Click();
@@ -142,7 +142,7 @@ TEST_F(CommandList, WhereverASaveFailsTheMessageFitsTheFileAndTheScreenFollowsIt
   EXPECT_EQ(mod_->Store.CfgText, full);
 }
 
-TEST_F(CommandList, UndoTakesTheLastChangeBackInFileAndLists) {
+TEST_F(CommandList, UndoRestoresFileAndLists) {
   Form1& form = Open(FileWith({"G111000,MUTE", "G1010,VOL"}));
   EXPECT_FALSE(form.UndoMenu.Enabled());
   form.SendCmd.SelectText("VOL");
@@ -167,7 +167,7 @@ TEST_F(CommandList, UndoTakesTheLastChangeBackInFileAndLists) {
   EXPECT_TRUE(form.UndoMenu.Enabled());
 }
 
-TEST_F(CommandList, TakesInWhatOtherProgramsWriteAndKeepsWhatTheUserIsAt) {
+TEST_F(CommandList, ReloadsOtherProgramsChangesAndKeepsTheSelection) {
   const std::string tv = Protocol("TV", {"G111000,MUTE"});
   Form1& form = Open(Config(Protocol("One", {"G1010,UP", "G1100,DOWN"}) + tv));
   form.Protocol.SelectText("TV");
@@ -209,7 +209,7 @@ TEST_F(CommandList, TakesInWhatOtherProgramsWriteAndKeepsWhatTheUserIsAt) {
   EXPECT_LE(disk_.Operations() - operations, 2) << "nothing is written, only looked at";
 }
 
-TEST_F(CommandList, PutsOneContradictingTextAsideAtMost) {
+TEST_F(CommandList, CreatesAtMostOneConflictCopy) {
   Form1& form = Open(FileWith({"G1010,VOL"}));
   disk_.FailAt(1, true);
   form.BeepCheckbox.SetChecked(false);  // not saved yet
@@ -219,7 +219,7 @@ TEST_F(CommandList, PutsOneContradictingTextAsideAtMost) {
   EXPECT_EQ(disk_.Files().size(), 2U);
 }
 
-TEST_F(CommandList, AProtocolBringsItsCommandsAndKeepsItsPlaceInTheFile) {
+TEST_F(CommandList, SelectingAProtocolListsItsCommands) {
   const std::string sections = Protocol("One", {"G111000,MUTE"}) + Protocol("Bare", {});
   Form1& form = Open(Config(sections));
   EXPECT_EQ(form.CodeStr.Text() + " " + form.SendPulse.Text(), "G111000 560");

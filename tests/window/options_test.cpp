@@ -16,7 +16,7 @@ class Options : public WindowTest {
   }
 };
 
-TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
+TEST_F(Options, EachTakesEffectAtOnceAndIsSaved) {
   using Step = std::tuple<std::function<void()>, std::string, std::string, Texts>;
   const auto check = [](ui::CheckBox& box, bool to) { return [&box, to] { box.SetChecked(to); }; };
   const auto click = [](ui::MenuEntry& entry) { return [&entry] { entry.Click(); }; };
@@ -51,7 +51,7 @@ TEST_F(Options, EachActsAtOnceAndIsWrittenToTheFile) {
   }
 }
 
-TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
+TEST_F(Options, TheCaptureDelayIsAskedForUntilValid) {
   const std::string ask = "Procdelay value: Enter the new ProcDelay value";
   const std::string refused = "The value must be between 0 and 100";
   for (const auto& [answers, shown, value] :
@@ -71,7 +71,7 @@ TEST_F(Options, TheCaptureDelayIsAskedForUntilItFits) {
   }
 }
 
-TEST_F(Options, HelpThatCannotBeShownIsTold) {
+TEST_F(Options, MissingHelpIsReported) {
   std::string opened;
   form_->Programs = {[] { return std::string(); },
                      [&](const std::string& page) {

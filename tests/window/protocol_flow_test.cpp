@@ -79,7 +79,7 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Template", "Recorded"}));
 }
 
-TEST_F(ProtocolFlow, WhatIsRecordedBringsItsPresets) {
+TEST_F(ProtocolFlow, ARecordingPresetsTheDialog) {
   const std::string sync = "111111111111111100000000";
   form_->Protocol.SelectText("Recorded");
   form_->CodeStr.SetText("G1010");
@@ -104,7 +104,7 @@ TEST_F(ProtocolFlow, WhatIsRecordedBringsItsPresets) {
   }
 }
 
-TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndLeavesTheCommands) {
+TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndKeepsTheCommands) {
   NewProtocol& dialog = Edit("Mine");
   EXPECT_EQ(Fields(), (Texts{"Mine", "made for a test", "NEC", " 560", " 0", "72", "1100", "10", "1000"}));
   EXPECT_FALSE(dialog.CProtIn.Enabled());
@@ -126,7 +126,7 @@ TEST_F(ProtocolFlow, AnEditReplacesTheParametersAndLeavesTheCommands) {
   EXPECT_EQ(File(), Replaced(kBefore, "PROTOCOL= 0", "PROTOCOL= 1")) << "with what was selected since";
 }
 
-TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelectedAndKeepsARecordedCode) {
+TEST_F(ProtocolFlow, CancelRestoresTheSelectionAndKeepsARecordedCode) {
   for (int press = 0; press < 2; ++press) Record(Frames(NecRuns(kNecDigits), 2));
   const Texts recorded = {form_->CodeStr.Text(), form_->SendPulse.Text(), CodeColour()};
   ASSERT_EQ(recorded[2], "green");
@@ -151,7 +151,7 @@ TEST_F(ProtocolFlow, CancelBringsBackWhatWasSelectedAndKeepsARecordedCode) {
   EXPECT_EQ(form_->ProtocolDialog(), nullptr);
 }
 
-TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
+TEST_F(ProtocolFlow, RefusesVirtualProtocolsAndADamagedSection) {
   const std::string isVirtual = "Recorded is a virtual protocol used to test new commands before save.";
   for (const auto& [protocol, told] :
        {std::pair<std::string, Texts>{
@@ -175,7 +175,7 @@ TEST_F(ProtocolFlow, RefusesTheVirtualOnesAndADamagedSection) {
   EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
 }
 
-TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) {
+TEST_F(ProtocolFlow, SavingATextWithoutSettingsIsReportedAndAddsNoSection) {
   New();
   mod_->Store.CfgText.replace(1, 7, "Genera1");
   EXPECT_EQ(Save(true).back(), "Error in the configuration file");
@@ -184,7 +184,7 @@ TEST_F(ProtocolFlow, ASaveOfATextWithoutSettingsIsToldAndStoresNoSecondSection) 
   EXPECT_EQ(Save(true), Texts{"The new protocol name is in use"});
 }
 
-TEST_F(ProtocolFlow, ADeletedProtocolTakesItsCommandsAlongAndUndoBringsThemBack) {
+TEST_F(ProtocolFlow, DeletingAProtocolDeletesItsCommandsAndUndoRestoresThem) {
   boxes_.Yes = false;
   form_->Protocol.Select(1);
   form_->ProtoDeleteMenu.Click();

@@ -53,7 +53,7 @@ std::vector<int> RawRuns(const std::string& spaces) {
   return runs;
 }
 
-TEST_F(RecordFlow, WhatNoAnalysisReadsIsLearnedAndSentAsLengths) {
+TEST_F(RecordFlow, UnreadableSignalsAreLearnedAndSentAsLengths) {
   mod_->Settings.Analysis = Analysis::Second;
   const std::string cool = "01202110220120110212", heat = "01202110220120110211";
   Record(RawRuns(cool));
@@ -132,7 +132,7 @@ TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
   }
 }
 
-TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
+TEST_F(RecordFlow, FailedRecordingsAreExplained) {
   for (const auto& [press, told, note] :  // none for silence; pulse, digits, repeats, line code, code
        std::vector<std::tuple<std::vector<int>, std::string, std::string>>{
            {{}, "560|||NEC|", "No signal came."},
@@ -160,7 +160,7 @@ TEST_F(RecordFlow, WhatIsNoCommandIsToldByFieldsAndBeepsAndWords) {
   }
 }
 
-TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
+TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneReadEvenInSilence) {
   mod_->Settings.ReceiverKind = 1;
   mod_->Settings.BeepOn = false;
   form_->VexilCheckbox.SetChecked(true);
@@ -176,7 +176,7 @@ TEST_F(RecordFlow, TheMouseReceiverIsPoweredAndTheZoneAskedEvenInSilence) {
   EXPECT_EQ(form_->ZoneNr.Text(), "?");
 }
 
-TEST_F(RecordFlow, ARecordingIsKeptInAFileAndLookedAtAgain) {
+TEST_F(RecordFlow, ARecordingIsSavedAndOpenedAgain) {
   std::pair<std::string, double> kept;
   form_->Recordings.Save = [&](const std::string& capture, double sampleTime) {
     kept = {capture, sampleTime};

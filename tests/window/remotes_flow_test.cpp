@@ -30,7 +30,7 @@ class RemotesFlow : public WindowTest {
   Texts shown_;
 };
 
-TEST_F(RemotesFlow, WhatIsTickedIsImportedInOneStep) {
+TEST_F(RemotesFlow, TickedCommandsAreImportedInOneStep) {
   const std::string before = File();
   form_->ImportMenu.Click();
   EXPECT_EQ(shown_, (Texts{"Play Mine&PLAY known: the code is that of Mine&PLAY",

@@ -120,7 +120,7 @@ TEST_F(SendFlow, ARecordingIsSentAsItWasMeasured) {
   EXPECT_EQ(boxes_.TakeShown(), Texts{"You must first manually define a new protocol if UNKNOWN."});
 }
 
-TEST_F(SendFlow, ASilentZoneKeepsTheCommandBack) {
+TEST_F(SendFlow, NothingIsSentWithoutAZone) {
   form_->VexilCheckbox.SetChecked(true);
   form_->Zone.Select(2);
   line_.Answers = {'\x1A'};  // of zone 3: 1 01 1 010 without its first digit

@@ -52,7 +52,7 @@ class StartUp : public WindowTest {
   int Probes = 0;
 };
 
-TEST_F(StartUp, FindsThePortsAndEndsOnTheConfiguredOne) {
+TEST_F(StartUp, FindsThePortsAndSelectsTheConfiguredOne) {
   using Case = std::tuple<std::string, std::map<std::int32_t, int>, Texts, Texts, std::string, int>;
   const Texts end = {"OpenCom 5", "RTS -1", "TXD 0"};
   for (const auto& [general, ports, calls, shown, chosen, probes] : std::vector<Case>{
@@ -100,7 +100,7 @@ TEST_F(StartUp, TheUsersChoiceIsColouredByItsFirstAttempt) {
   EXPECT_TRUE(boxes_.Shown.empty());
 }
 
-TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
+TEST_F(StartUp, TheSettingsAreShownAndOnlyRealChangesAreSaved) {
   // The file before and after, calls between the ports and the end, and receiver, output, beep and zone.
   using Case = std::tuple<std::string, std::string, Texts, std::string>;
   const Texts beeps = {"SpeakBeep 5000 50", "SpeakBeep 2000 50", "SpeakBeep 5000 50"};
@@ -129,7 +129,7 @@ TEST_F(StartUp, TheSettingsAreShownAndTheFileFollowsWhatReallyChanges) {
   }
 }
 
-TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
+TEST_F(StartUp, AnUnusableFileIsReportedAndNeverWritten) {
   const std::string whole = FileOf("5 0 10 0 1 3");
   const auto without = [&](const std::string& text, const std::string& instead = "") {
     return Replaced(whole, text, instead);
@@ -162,7 +162,7 @@ TEST_F(StartUp, AFileThatCannotBeUsedIsToldAndNeverWritten) {
   }
 }
 
-TEST_F(StartUp, BothModesShowWhatIsTheirs) {
+TEST_F(StartUp, EachModeShowsItsOwnControls) {
   for (const bool alone : {true, false}) {
     ASSERT_TRUE(Load(FileOf("5 0 10 0 0 0"), alone ? 0 : 1));
     const std::string title = alone ? "Orlo's Keplo v" : "Orlo's Infrared Input Plugin Configuration v";
@@ -195,7 +195,7 @@ TEST_F(StartUp, AWindowOfTheShellWorksOnTheTextInMemory) {
   EXPECT_EQ(File(), FileOf("5 0 10 0 1 0")) << "the port that was found has been saved";
 }
 
-TEST_F(StartUp, ASettingThatDoesNotFitKeepsNothingElseFromTheFile) {
+TEST_F(StartUp, AnInvalidSettingDoesNotPreventSavingOthers) {
   Ports = {{2, 1}, {12, 1}};
   std::string full = FileOf("2 0 10 0 0 0");
   full.insert(full.find("# made"), "#" + std::string(kMostCharacters - full.size() - 3, '.') + "\r\n");

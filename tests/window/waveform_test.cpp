@@ -39,7 +39,7 @@ TEST_F(Waveform, EverySampleIsADotAndEveryChangeAnEdge) {
   EXPECT_EQ(LastX(), 23);
 }
 
-TEST_F(Waveform, ZoomStretchesSqueezesAndComesBackFromAnywhere) {
+TEST_F(Waveform, ZoomStretchesShrinksAndResets) {
   form_->GExt.Click();
   EXPECT_EQ(FirstX(), 46);
   form_->Gshr.Click();
@@ -64,7 +64,7 @@ TEST_F(Waveform, ZoomStretchesSqueezesAndComesBackFromAnywhere) {
   EXPECT_EQ(FirstX(), 23) << "too short";
 }
 
-TEST(WaveReading, TellsTheRunAtThePointerAndTheDistanceOfTwoCursors) {
+TEST(WaveReading, ShowsTheRunAtThePointerAndTheDistanceOfTwoCursors) {
   WaveReading wave;
   wave.Read(Runs({10, 20, 200}));
   for (const auto& [sample, text] : std::vector<std::pair<int, std::string>>{{0, "mark 550 us, 1.0 T"},
