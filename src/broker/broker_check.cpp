@@ -1,7 +1,5 @@
 #include "broker/broker_check.h"
 
-#include <mosquitto.h>
-#include <mqtt_protocol.h>
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -9,13 +7,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <map>
 #include <memory>
-#include <optional>
-#include <set>
 
 #include "broker/announcement.h"
-#include "broker/mosquitto_client.h"
+#include "broker/conversation.h"
 #include "broker/refusal.h"
 #include "disk/descriptor.h"
 #include "failure.h"
@@ -24,8 +19,6 @@ namespace keplo::broker {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds kLongestStep{10}, kLongestDelivery{2};
 constexpr const char* kProbe = "probe";
 constexpr const char* kTlsStep = "secure connection";
 /// Subscribers that expect signals ignore this payload.
@@ -53,7 +46,7 @@ int ConnectTo(const addrinfo& address) {
   if (connect(socket.Number(), address.ai_addr, address.ai_addrlen) == 0) return 0;
   if (errno != EINPROGRESS) return errno;
   pollfd watched{socket.Number(), POLLOUT, 0};
-  constexpr auto kTime = std::chrono::milliseconds(kLongestStep).count();
+  constexpr auto kTime = std::chrono::milliseconds(Conversation::kLongestStep).count();
   if (poll(&watched, 1, static_cast<int>(kTime)) == 0) return ETIMEDOUT;
   int error = 0;
   socklen_t size = sizeof error;
@@ -69,144 +62,6 @@ void TryToConnect(const addrinfo* addresses) {
     if (error == 0) return;
   }
   throw Refusal{Trouble::Unreachable, std::strerror(error)};
-}
-
-/// A short connection with blocking calls. They throw a Refusal if they fail.
-class Conversation final : private ClientEvents {
- public:
-  Conversation(const BrokerSettings& settings, const Topics& topics, int version)
-      : settings_(settings), version_(version), client_(settings, LoginOf(settings, topics, version), *this) {
-    Check(client_.Connect());
-    Await([this] { return isUp_; });
-  }
-  virtual ~Conversation() {
-    client_.Disconnect();
-    if (client_.WantsWrite()) client_.Write();
-  }
-
-  void Subscribe(const std::string& topic) {
-    int message = 0;
-    // Includes our own messages: their absence shows that the broker silently drops what is not permitted.
-    Check(client_.Subscribe(topic, MosquittoClient::Scope::Everybody, message));
-    Await([&] { return answered_ == message; });
-    if (!granted_) throw Refusal{Trouble::NotAuthorized, "subscribe to " + topic};
-  }
-
-  void Publish(const Publication& publication) {
-    int message = 0;
-    Check(client_.Publish(publication, message));
-    Await([&] { return answered_ == message; });
-    if (reason_ >= MQTT_RC_UNSPECIFIED) {
-      throw Refusal{Trouble::NotAuthorized,
-                    "publish to " + publication.Topic + ": " + mosquitto_reason_string(reason_)};
-    }
-  }
-
-  /// Publishes to a subscribed topic, and checks whether the message is delivered: a broker may grant a
-  /// subscription to a topic that may not be read, and then deliver nothing.
-  bool IsDelivered(const Publication& publication) {
-    received_.erase(publication.Topic);
-    Publish(publication);
-    return WaitFor(kLongestDelivery, [&] { return received_.count(publication.Topic) > 0; });
-  }
-
-  /// Like IsDelivered, for a topic that need not be readable. If publishing is not permitted, an MQTT 5
-  /// broker refuses, but a 3.1.1 broker confirms and drops the message, so that delivery is the only proof.
-  bool PublishAndRead(const Publication& publication) {
-    const bool came = IsDelivered(publication);
-    if (came || version_ >= 5) return came;
-    throw Refusal{Trouble::NotAuthorized, "publish to " + publication.Topic + ", or read it"};
-  }
-
-  int Version() const { return version_; }
-
-  /// The retained message of a subscribed topic; empty if there is none.
-  std::string Retained(const std::string& topic) const {
-    const auto retained = retained_.find(topic);
-    return retained == retained_.end() ? std::string() : retained->second;
-  }
-
- private:
-  static MosquittoClient::Login LoginOf(const BrokerSettings& settings, const Topics& topics, int version) {
-    MosquittoClient::Login login;
-    // Not the host's name: the broker would disconnect the host.
-    login.ClientId = topics.Node() + "-check";
-    login.User = settings.User;
-    login.Password = ReadPassword(settings);
-    login.ProtocolVersion = version;
-    return login;
-  }
-
-  void OnConnectAnswer(int reason, int /*receiveMaximum*/) override {
-    if (reason == 0) {
-      isUp_ = true;
-    } else {
-      refusal_ = RefusalOfConnectAnswer(reason, version_);
-    }
-  }
-  void OnHangUp(int reason) override {
-    if (reason != 0 && !refusal_) refusal_ = Refusal{Trouble::Lost, mosquitto_reason_string(reason)};
-  }
-  void OnPublished(int message, int reason) override {
-    answered_ = message;
-    reason_ = reason;
-  }
-  void OnSubscribed(int message, bool granted) override {
-    answered_ = message;
-    granted_ = granted;
-  }
-  void OnUnsubscribed(int /*message*/) override {}
-  void OnMessage(std::string_view topic, std::string_view payload, bool retained) override {
-    received_.emplace(topic);
-    if (retained) retained_[std::string(topic)] = payload;
-  }
-
-  void Check(int error) {
-    if (error == MOSQ_ERR_SUCCESS || refusal_) return;
-    refusal_ = RefusalOfLoss(error, client_.SystemError(), client_.TakeLog(), settings_.Tls, isUp_);
-  }
-
-  template <typename Condition>
-  void Await(Condition condition) {
-    if (!WaitFor(kLongestStep, condition)) throw Refusal{Trouble::Unreachable, "it says nothing"};
-  }
-
-  template <typename Condition>
-  bool WaitFor(std::chrono::seconds longest, Condition condition) {
-    const auto until = Clock::now() + longest;
-    while (!refusal_ && !condition()) {
-      if (Clock::now() > until) return false;
-      pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN),
-                     0};
-      poll(&watched, 1, 100);
-      if ((watched.revents & POLLOUT) != 0) Check(client_.Write());
-      if (!refusal_ && (watched.revents & ~POLLOUT) != 0) Check(client_.Read());
-    }
-    if (refusal_) throw *refusal_;
-    return true;
-  }
-
-  const BrokerSettings& settings_;
-  const int version_;
-  bool isUp_ = false, granted_ = false;
-  std::set<std::string> received_;
-  std::map<std::string, std::string> retained_;
-  int answered_ = 0, reason_ = 0;
-  std::optional<Refusal> refusal_;
-  MosquittoClient client_;
-};
-
-/// @throws Refusal
-std::unique_ptr<Conversation> LogIn(const BrokerSettings& settings, const Topics& topics, int& version) {
-  for (version = 5;; version = 4) {
-    try {
-      return std::make_unique<Conversation>(settings, topics, version);
-    } catch (const Refusal& refusal) {
-      const bool isOld = refusal.Kind == Trouble::OtherProtocol ||
-                         (refusal.Kind == Trouble::Unreachable && refusal.Detail == kHangsUp);
-      if (version == 4 || !isOld) throw;
-    }
-  }
 }
 
 /// Whether the broker itself refused, which implies that the secure connection was established.
@@ -297,11 +152,10 @@ class BrokerCheck {
     static_cast<void>(ReadPassword(settings_));
     if (!settings_.Tls) report_(kTlsStep, "not asked for");
     step_ = settings_.Tls ? kTlsStep : "login";
-    int version = 5;
-    auto conversation = LogIn(settings_, topics_, version);
+    auto conversation = LogIn(settings_, topics_);
     if (settings_.Tls) report_(kTlsStep, "yes");
     step_ = "login";
-    report_(step_, version == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
+    report_(step_, conversation->Version() == 5 ? "yes, MQTT 5" : "yes, MQTT 3.1.1");
     return conversation;
   }
 
@@ -354,8 +208,7 @@ namespace {
 void ClearRetained(std::initializer_list<std::string> topics, const BrokerSettings& settings,
                    const Topics& all) {
   try {
-    int version = 5;
-    const auto conversation = LogIn(settings, all, version);
+    const auto conversation = LogIn(settings, all);
     for (const std::string& topic : topics) conversation->Publish({topic, "", true});
   } catch (const Refusal& refusal) {
     throw Failure(EIO, TextOf(refusal, settings));

@@ -12,7 +12,7 @@ namespace keplo::broker {
 /// each further signal of the key, and one release. Keys may be pressed in several rooms at the same time.
 class KeyStages {
  public:
-  /// @param tell called for each stage, with the current time set
+  /// @param report called for each stage, with the current time set
   explicit KeyStages(std::function<void(const KeyEvent&)> report) : report_(std::move(report)) {}
 
   // Called for a key at a place, before the events that it raises.
