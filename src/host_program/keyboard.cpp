@@ -79,9 +79,4 @@ void Keyboard::Release(int place) {
   for (const unsigned code : down_.Release(place)) Write(code, 0);
 }
 
-std::string Keyboard::DeviceNode() const {
-  const char* const node = device_ == nullptr ? nullptr : libevdev_uinput_get_devnode(device_.get());
-  return node == nullptr ? std::string() : node;
-}
-
 }  // namespace keplo::host

@@ -24,8 +24,6 @@ class Keyboard {
   void Press(unsigned code, int place);
   /// Releases the keys that only this place holds.
   void Release(int place);
-  /// The device file with its events; empty if there is none.
-  std::string DeviceNode() const;
 
  private:
   struct Unplug {

@@ -123,8 +123,6 @@ Argument& Argument::MustBeFolder() {
   return *this;
 }
 
-bool Argument::IsGiven() const { return option_->count() > 0; }
-
 Argument Command::Add(const std::string& name, const std::string& kind, const Take& take, const Show& show,
                       const std::string& about) {
   CLI::Option* option = app_->add_option(

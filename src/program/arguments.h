@@ -47,7 +47,6 @@ class Argument {
   Argument& Needs(const Argument& other);
   Argument& MustBeFile();
   Argument& MustBeFolder();
-  bool IsGiven() const;
 
  private:
   friend class Command;
