@@ -89,7 +89,7 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
     if (WaitForTick(station, options, stop, changes, broker)) return;
     if (broker != nullptr) broker->Serve();
     station.Control().Timer1.Tick();
-    if (changes.IsDue()) station.Control().TakeInChanges();
+    if (changes.IsDue()) station.Control().ApplyExternalChanges();
     if (station.Control().NeedsAnotherCheck()) changes.CheckSoon();
   }
 }
@@ -103,6 +103,27 @@ void PrintTally(const PressTally& tally, std::ostream& out) {
     out << "  " << DescribeStage(static_cast<Stage>(i)) << ": " << tally.AtStage[i] << '\n';
   }
   out.flush();
+}
+
+/// Prints, and publishes to the broker, what the control reports.
+/// @param broker may be null; must exist as long as the handlers, as must the options
+void SetHandlers(Station& station, const MonitorOptions& options, BrokerReporter* broker) {
+  Keplo& control = station.Control();
+  control.TriggerInputEvent = [&station, &options, broker](HostInputEvent& event) {
+    const RaisedEvent raised = Describe(event, station);
+    Print(raised, options.Json);
+    if (broker != nullptr) broker->Publish(raised);
+  };
+  control.OnKey = [&options, broker](KeyChange change, const KeyPress& key) {
+    if (options.Presses) PrintKey(change, key, options.Json);
+    if (broker != nullptr) broker->Publish(change, key);
+  };
+  if (broker != nullptr) {
+    control.OnHeard = [broker](const TickReport& tick) { broker->Publish(tick); };
+  }
+  control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
+    Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
+  };
 }
 
 int Monitor(const MonitorOptions& options) {
@@ -121,24 +142,10 @@ int Monitor(const MonitorOptions& options) {
   // Already reported. A missing device may be plugged in later, but another program will not release the
   // port.
   if (station.IsPortInUse()) return kNoResult;
-  Keplo& control = station.Control();
   std::optional<BrokerReporter> broker;
-  control.TriggerInputEvent = [&](HostInputEvent& event) {
-    const RaisedEvent raised = Describe(event, station);
-    Print(raised, options.Json);
-    if (broker) broker->Publish(raised);
-  };
-  control.OnKey = [&](KeyChange change, const KeyPress& key) {
-    if (options.Presses) PrintKey(change, key, options.Json);
-    if (broker) broker->Publish(change, key);
-  };
-  if (options.Broker) {
-    broker.emplace(mod, station, log);
-    control.OnHeard = [&](const TickReport& tick) { broker->Publish(tick); };
-  }
-  control.TriggerInputErrorCondition = [](HostErrorRecord& record, bool&) {
-    Tell(record.ErrorSource + " " + record.ErrorProcedure + ": " + record.ErrorDescription);
-  };
+  if (options.Broker) broker.emplace(mod, station, log);
+  SetHandlers(station, options, broker ? &*broker : nullptr);
+  Keplo& control = station.Control();
   if (control.InputInitialise(nullptr) != 1) throw Failure(1, station.EventMapFailure());
 
   if (broker && !options.Line.ReplayFiles.empty()) broker->WaitUntilUp();

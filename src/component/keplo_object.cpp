@@ -78,7 +78,7 @@ KeploObject::KeploObject(const CreationContext& context, std::function<void()> r
       controlTick_(std::exchange(control_.Timer1.OnTimer, [this] { Tick(); })),
       timer_(control_.Timer1, station_.Rest()) {
   otherPrograms_.setSingleShot(true);
-  otherPrograms_.callOnTimeout([this] { LookForChanges(); });
+  otherPrograms_.callOnTimeout([this] { CheckForChanges(); });
   otherPrograms_.start(changes_.TimeToNextCheck());
   if (const int news = changes_.Descriptor(); news >= 0) {
     news_ = std::make_unique<QSocketNotifier>(news, QSocketNotifier::Read);
@@ -114,11 +114,11 @@ void KeploObject::KeepAliveInMenu() {
   }
 }
 
-void KeploObject::LookForChanges() {
+void KeploObject::CheckForChanges() {
   // This may be called from the event loop of a dialog that an operation shows.
   if (uses_.Depth == 0 && changes_.IsDue()) {
     const Busy busy(*this);
-    control_.TakeInChanges();
+    control_.ApplyExternalChanges();
   }
   otherPrograms_.start(std::max(changes_.TimeToNextCheck(), kRetryTime));
 }

@@ -85,7 +85,7 @@ class KeploObject final : public IComponentObject,
 
   void KeepAliveInMenu();
   void ReleaseLater();
-  void LookForChanges();
+  void CheckForChanges();
   void CheckSoon();
   KeploWindows Windows();
   void ShowWindow();

@@ -77,7 +77,7 @@ struct Save {
 
 /// Thrown if another program has saved since a save was prepared. It has to be prepared again, since the
 /// lengths of raw commands that it writes depend on the text that it replaces.
-struct Overtaken {};
+struct WrittenMeanwhile {};
 
 /// Merges the changes of another program into a text unless they conflict with it.
 Save PrepareSave(const CfgStore& store, std::string text) try {
@@ -103,14 +103,14 @@ Save PrepareSave(const CfgStore& store, std::string text) try {
 
 /// Writes the file.
 /// @param aside receives the path of a copy of another program's text, which would otherwise be lost
-/// @throws Overtaken, with nothing changed, unless this is the last try
+/// @throws WrittenMeanwhile, with nothing changed, unless this is the last try
 std::unique_ptr<LockedFolder> WriteFile(const CfgStore& store, const Save& save, const std::string& content,
                                         bool lastTry, std::filesystem::path& aside) try {
   return ReplaceFile(store.Files, store.Path, content,
                      [&](const std::filesystem::path& target, const std::string& found) {
                        if (!save.Known || found == *save.Known) return;
                        if (store.RefusesOtherText) throw ChangedElsewhere(target);
-                       if (found != save.Found && !lastTry) throw Overtaken();
+                       if (found != save.Found && !lastTry) throw WrittenMeanwhile();
                        aside = SaveConflictCopy(store.Files, target, found);
                      });
 } catch (const Failure& failure) {
@@ -131,7 +131,7 @@ void MergeIntoWithoutChange(CfgStore& store, const std::string& other) {
   if (store.WithoutChange) store.WithoutChange = MergeChanges(store.SavedText, *store.WithoutChange, other);
 }
 
-void TakeOver(CfgStore& store, std::string text, const std::optional<std::string>& other) {
+void AdoptSavedText(CfgStore& store, std::string text, const std::optional<std::string>& other) {
   if (other) {
     MergeIntoWithoutChange(store, *other);
     store.MergedOtherText = true;
@@ -150,7 +150,7 @@ void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
   }
   store.RequireSpace(content.size());
   if (save.IsDone) {
-    if (save.Known == content) TakeOver(store, std::move(content), save.Other);
+    if (save.Known == content) AdoptSavedText(store, std::move(content), save.Other);
     if (save.Other) store.FileText = std::move(save.Known);
     return;
   }
@@ -159,7 +159,7 @@ void SaveOnce(CfgStore& store, std::string text, bool lastTry) {
   const std::unique_ptr<LockedFolder> folder = WriteFile(store, save, content, lastTry, aside);
   store.FileText = content;
   store.ReadFrom.reset();
-  TakeOver(store, std::move(content), save.Other);
+  AdoptSavedText(store, std::move(content), save.Other);
   if (!aside.empty()) store.ConflictCopy = aside;
   try {
     folder->Flush();
@@ -263,7 +263,7 @@ void ReplaceAndSave(CfgStore& store, std::string text) {
   for (int tries = 1; tries < kTries; ++tries) {
     try {
       return SaveOnce(store, text, false);
-    } catch (const Overtaken&) {
+    } catch (const WrittenMeanwhile&) {
       continue;
     }
   }

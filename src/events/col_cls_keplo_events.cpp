@@ -123,8 +123,8 @@ void colclsKeploEvents::Load(const std::shared_ptr<clsKeploEvent>& event) {
   AddEventMapToListView(kStoreNew, *event);
 }
 
-bool colclsKeploEvents::TakeInChanges() {
-  return RunAndReport(".TakeInChanges", [&] { return list_ != nullptr && Reload(); });
+bool colclsKeploEvents::ApplyExternalChanges() {
+  return RunAndReport(".ApplyExternalChanges", [&] { return list_ != nullptr && Reload(); });
 }
 
 bool colclsKeploEvents::Reload() {
@@ -190,7 +190,7 @@ bool colclsKeploEvents::Save(std::int32_t mode, std::shared_ptr<clsKeploEvent> e
     return true;
   });
   if (conflict) {
-    TakeInChanges();
+    ApplyExternalChanges();
   } else if (!saved) {
     data_.MarkStale();  // the caller may already show what was not stored
   }

@@ -63,7 +63,7 @@ class colclsKeploEvents {
   bool AddEventMapToListView(std::int32_t mode, const clsKeploEvent& event);
 
   /// Loads the event table into the collection and the list. A row that repeats an EventID is reported and
-  /// skipped. If events are already loaded, it behaves like TakeInChanges.
+  /// skipped. If events are already loaded, it behaves like ApplyExternalChanges.
   /// @param list the event list, the same for every call; must outlive this object
   /// @return false if the table cannot be read, for which Data has the reason, or if a row is unusable, which
   /// is
@@ -73,7 +73,7 @@ class colclsKeploEvents {
   /// Updates collection and list to the current event table. A row keeps its position in the list. Changes
   /// that this program has shown but could not store disappear. If reading fails, nothing changes.
   /// @return false if the table cannot be read; Data::ChangedElsewhere then returns true again
-  bool TakeInChanges();
+  bool ApplyExternalChanges();
 
   /// Writes an event to the database and moves it to the end of the collection. An existing row is only
   /// overwritten if it is as it was last read: if another program has changed or deleted it meanwhile, the

@@ -63,8 +63,8 @@ std::int32_t Keplo::InputModifyEvent(HostInputEvent& objInputEvent) try {
     result = m_EventCollection.Save(kEditMode, event) ? kInputDone : kInputFailed;
     if (result == kInputDone) CopyToHost(objInputEvent, *event);
   }
-  // Shows what the collection has: even a change that could not be stored, until TakeInChanges reverts it.
-  // After a conflict with another program, that is the event as that program left it.
+  // Shows what the collection has: even a change that could not be stored, until ApplyExternalChanges reverts
+  // it. After a conflict with another program, that is the event as that program left it.
   const auto current = m_EventCollection.Item(key);
   UpdateEventRow(ListView1, current != nullptr ? *current : *event);
   return result;

@@ -103,17 +103,18 @@ std::int32_t Keplo::InputInitialise(std::shared_ptr<void> velmora) {
   return initialised_ ? 1 : 0;
 }
 
-void Keplo::TakeInChanges() {
+void Keplo::ApplyExternalChanges() {
   if (inTick_ || windowOpen_ || terminated_ || !initialised_) return;
-  if (mod_.modData->ChangedElsewhere() && m_EventCollection.TakeInChanges()) listDiffersFromMap_ = false;
-  TakeInConfiguration();
+  if (mod_.modData->ChangedElsewhere() && m_EventCollection.ApplyExternalChanges())
+    listDiffersFromMap_ = false;
+  ReloadConfiguration();
 }
 
 bool Keplo::NeedsAnotherCheck() const {
   return initialised_ && !terminated_ && mod_.modData->NeedsAnotherCheck();
 }
 
-void Keplo::TakeInConfiguration() try {
+void Keplo::ReloadConfiguration() try {
   if (!HasFileChanged(mod_.Store)) return;
   const Reload reload = ReloadConfig(mod_.Store);
   if (reload == Reload::Contradicts) {
@@ -126,14 +127,14 @@ void Keplo::TakeInConfiguration() try {
   reportedConfigurationFailure_.clear();
   mod_.Store.MergedOtherText = false;
   Settings settings = mod_.Settings;
-  if (ReadSettings(mod_.Store, settings).Complete()) TakeInSettings(settings);
+  if (ReadSettings(mod_.Store, settings).Complete()) ReloadSettings(settings);
 } catch (const std::exception& failure) {
   // The next check comes soon and would fail in the same way.
   if (std::exchange(reportedConfigurationFailure_, failure.what()) == failure.what()) return;
-  ReportFailure("TakeInChanges", failure);
+  ReportFailure("ApplyExternalChanges", failure);
 }
 
-void Keplo::TakeInSettings(const Settings& settings) {
+void Keplo::ReloadSettings(const Settings& settings) {
   const bool otherPort = !triedPort_ || settings.ComPortNr != mod_.Settings.ComPortNr;
   const bool zonesSwitchedOn = settings.VexilMode != 0 && mod_.Settings.VexilMode == 0;
   mod_.Settings = settings;

@@ -92,8 +92,7 @@ class Keplo {
   /// Lets the user edit the event with the host's EventID; returns the same as InputAddEvent.
   std::int32_t InputModifyEvent(HostInputEvent& objInputEvent);
   /// @return 1 if the event was deleted from list, collection and table; 0 if it is not in the list or the
-  /// database
-  ///         cannot be reached
+  ///         database cannot be reached
   std::int32_t InputDeleteEvent(const HostInputEvent& objInputEvent);
   /// The EventIDs of all events in list order; a single empty text if the list is empty.
   /// @return 1
@@ -109,12 +108,12 @@ class Keplo {
   /// Updates list, pages, panel and port to what other programs have written to the event map and to
   /// keplo.cfg. The owner calls this from time to time between ticks; it costs next to nothing if nothing has
   /// changed. Does nothing inside a tick and while the configuration window is open.
-  void TakeInChanges();
+  void ApplyExternalChanges();
   /// Whether a change of the event map could not be taken in yet, for example because of another program's
   /// lock.
   bool NeedsAnotherCheck() const;
-  /// Whether an event was removed from the list although its row could not be deleted; TakeInChanges restores
-  /// it.
+  /// Whether an event was removed from the list although its row could not be deleted; ApplyExternalChanges
+  /// restores it.
   bool ListDiffersFromMap() const { return listDiffersFromMap_; }
   /// The highest numeric EventID of a deleted event; 0 if there is none.
   /// @throws Failure if the event map cannot be read
@@ -177,8 +176,8 @@ class Keplo {
 
  private:
   void OpenPort();
-  void TakeInConfiguration();
-  void TakeInSettings(const Settings& settings);
+  void ReloadConfiguration();
+  void ReloadSettings(const Settings& settings);
   void RefreshStatusPanel();
   void SetRestingLines();
   void ShowInterface();

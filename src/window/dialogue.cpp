@@ -22,7 +22,7 @@ void Dialogue::Tell(std::string_view text, std::string_view reason, std::string_
   boxes_.Explain(text, title, reason);
 }
 
-void Dialogue::TellError(std::string_view text, std::string_view reason) {
+void Dialogue::ReportError(std::string_view text, std::string_view reason) {
   const OpenBox box(*this);
   boxes_.Error(text, kBoxTitle, reason);
 }
@@ -47,12 +47,12 @@ bool Dialogue::RunAndReport(const std::function<void()>& action) {
   try {
     action();
   } catch (const Failure& failure) {
-    TellFailure(failure.what());
+    ReportFailure(failure.what());
     done = false;
   }
   if (const auto aside = std::exchange(store_.ConflictCopy, {}); !aside.empty()) {
-    TellFailure(store_.Path.string() + " had been changed by another program. What it wrote is kept in " +
-                aside.string() + "; take its new commands and settings over from there.");
+    ReportFailure(store_.Path.string() + " had been changed by another program. What it wrote is kept in " +
+                  aside.string() + "; take its new commands and settings over from there.");
   }
   return done;
 }
@@ -63,12 +63,12 @@ bool Dialogue::ChangeAndReport(const std::function<void()>& change) {
   return store_.CfgText != before;
 }
 
-void Dialogue::TellCollected() {
+void Dialogue::ReportCollected() {
   const std::optional<std::string> failures = std::exchange(collected_, std::nullopt);
   if (failures && !failures->empty()) Tell(*failures);
 }
 
-void Dialogue::TellFailure(const std::string& text) {
+void Dialogue::ReportFailure(const std::string& text) {
   if (!collected_) {
     Tell(text);
   } else if (collected_->find(text) == std::string::npos) {

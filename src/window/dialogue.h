@@ -21,7 +21,7 @@ class Dialogue {
   /// @param reason shown below the text; may be empty
   void Tell(std::string_view text, std::string_view reason = {}, std::string_view title = kBoxTitle);
   /// Reports an error that ends the window.
-  void TellError(std::string_view text, std::string_view reason);
+  void ReportError(std::string_view text, std::string_view reason);
   bool Ask(std::string_view text);
   bool Confirm(std::string_view text, std::string_view title);
   /// @return the answer; empty if the user cancelled
@@ -41,11 +41,11 @@ class Dialogue {
   /// From now on, collects failures, without duplicates, instead of showing them.
   void CollectFailures() { collected_.emplace(); }
   /// Shows the collected failures, if any, in one box.
-  void TellCollected();
+  void ReportCollected();
 
  private:
   class OpenBox;
-  void TellFailure(const std::string& text);
+  void ReportFailure(const std::string& text);
 
   ui::Boxes& boxes_;
   CfgStore& store_;

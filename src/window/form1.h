@@ -165,7 +165,7 @@ class Form1 : public ui::Window {
  private:
   void ShowDesign();
   void BindHandlers();
-  bool ByShell() const;
+  bool IsOpenedByHost() const;
   void ShowMode();
   bool Load();
   bool LoadFile();

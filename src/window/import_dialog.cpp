@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kLeftOut = "left out";
 
-std::string FateOf(const PlannedKey& key) {
+std::string OutcomeText(const PlannedKey& key) {
   if (!key.Reason.empty()) return key.Reason;
   return key.Fate == KeyFate::Stored ? "a new command" : "";
 }
@@ -32,7 +32,7 @@ ImportDialog::ImportDialog(const CfgStore& store, std::vector<ImportedFile> file
        PlanImport(text_, files_, {.Section = {}, .Shadowed = false, .Raw = &raw_, .Wants = {}}).Keys) {
     const bool isNew = key.Fate == KeyFate::Stored;
     keys_.push_back(key.Key);
-    fates_.push_back(isNew ? std::string(kLeftOut) : FateOf(key));
+    fates_.push_back(isNew ? std::string(kLeftOut) : OutcomeText(key));
     rows_.push_back({.Key = key.Key->Name.value_or(""),
                      .Command = key.Reference(),
                      .Code = key.IsRaw              ? "raw"
@@ -75,7 +75,7 @@ void ImportDialog::Show() {
     rows_[row].Fate = fates_[row];
     if (!rows_[row].Ticked) continue;
     rows_[row].Command = planned->Reference();
-    rows_[row].Fate = FateOf(*planned++);
+    rows_[row].Fate = OutcomeText(*planned++);
   }
   const std::size_t stored = plan.Count(KeyFate::Stored);
   Summary.SetText(

@@ -38,7 +38,7 @@ const KindShown& ShownAs(std::int16_t kind) {
   return kOtherKind;
 }
 
-std::optional<ui::Colour> BackOf(Verdict verdict) {
+std::optional<ui::Colour> BackColourOf(Verdict verdict) {
   switch (verdict) {
     case Verdict::Validated:
       return ui::kGreen;
@@ -197,7 +197,7 @@ bool RecordFlow::LookUp(const RecordReading& reading) {
 }
 
 void RecordFlow::ShowVerdict(Verdict verdict) {
-  fields_.CodeStr.SetBackColour(BackOf(verdict));
+  fields_.CodeStr.SetBackColour(BackColourOf(verdict));
   if (verdict == Verdict::Known) beeps_.Sound(2000, 50);
   if (verdict == Verdict::NotValidated) {
     beeps_.Sound(2000, 300);

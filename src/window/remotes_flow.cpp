@@ -18,7 +18,7 @@ constexpr std::size_t kMostLines = 10;  // in a box; more would not fit on a sma
 
 }  // namespace
 
-void RemotesFlow::TellAll(const std::vector<std::string>& texts, const std::string& title) {
+void RemotesFlow::ReportAll(const std::vector<std::string>& texts, const std::string& title) {
   if (texts.empty()) return;
   std::string lines;
   for (std::size_t i = 0; i < std::min(texts.size(), kMostLines); ++i) lines += texts[i] + "\n";
@@ -31,7 +31,7 @@ void RemotesFlow::Import() {
   std::optional<OpenedRemotes> opened;
   if (!files_.Open || !files_.Pick || !dialogue_.RunAndReport([&] { opened = files_.Open(); }) || !opened)
     return;
-  TellAll(opened->Complaints, "Some of it cannot be read.");
+  ReportAll(opened->Complaints, "Some of it cannot be read.");
   ReloadIfChanged(store_);
   ImportDialog dialog(store_, std::move(opened->Files));
   if (dialog.Rows().empty()) {
@@ -70,7 +70,7 @@ void RemotesFlow::Export() {
       throw Failure(0, "The protocol " + store_.CurProtocol + " has no commands to export.");
     if (files_.Save) lost = files_.Save({remote});
   });
-  if (done) TellAll(lost, "The format cannot say all of it.");
+  if (done) ReportAll(lost, "The format cannot say all of it.");
 }
 
 }  // namespace keplo

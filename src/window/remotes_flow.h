@@ -24,7 +24,7 @@ class RemotesFlow {
 
  private:
   void Store(const ImportDialog& dialog);
-  void TellAll(const std::vector<std::string>& texts, const std::string& title);
+  void ReportAll(const std::vector<std::string>& texts, const std::string& title);
 
   CfgStore& store_;
   const RemoteFiles& files_;

@@ -17,7 +17,7 @@ namespace keplo {
 bool Form1::Form_Load() {
   flows_->Dialogue.CollectFailures();
   const bool loaded = Load();
-  flows_->Dialogue.TellCollected();
+  flows_->Dialogue.ReportCollected();
   return loaded;
 }
 
@@ -26,7 +26,7 @@ bool Form1::Load() {
   Timer1.SetEnabled(false);
   windowLarge_ = true;
   ShowMode();
-  if (!ByShell() && !LoadFile()) return FailToLoad();
+  if (!IsOpenedByHost() && !LoadFile()) return FailToLoad();
   Zone.SetEntries({"1", "2", "3", "4", "5", "6", "7", "8"});
   ListAvailableCOM();
   flows_->Options.ShowInterfaceType();
@@ -55,7 +55,7 @@ void Form1::Form_Unload() {
   loaded_ = false;
   Timer1.SetEnabled(false);
   flows_->File.Stop();
-  if (!ByShell()) line_.CloseCom();
+  if (!IsOpenedByHost()) line_.CloseCom();
   flows_->Settings.ApplyUnsaved();
   if (IsWhole(mod_.Store.CfgText)) flows_->Dialogue.RunAndReport([this] { SaveConfig(mod_.Store); });
 }
@@ -71,14 +71,15 @@ void Form1::FileExit_Click() {
   Hide();
 }
 
-bool Form1::ByShell() const { return mod_.Settings.PluginMode == 1; }
+bool Form1::IsOpenedByHost() const { return mod_.Settings.PluginMode == 1; }
 
 void Form1::ShowMode() {
-  SetTitle((ByShell() ? "Orlo's Infrared Input Plugin Configuration v" : "Orlo's Keplo v") + VersionText);
-  ReceiverType.SetVisible(!ByShell());
-  FileExit.SetVisible(!ByShell());
-  TestCheck.SetVisible(!ByShell());
-  OKButton.SetVisible(ByShell());
+  SetTitle((IsOpenedByHost() ? "Orlo's Infrared Input Plugin Configuration v" : "Orlo's Keplo v") +
+           VersionText);
+  ReceiverType.SetVisible(!IsOpenedByHost());
+  FileExit.SetVisible(!IsOpenedByHost());
+  TestCheck.SetVisible(!IsOpenedByHost());
+  OKButton.SetVisible(IsOpenedByHost());
 }
 
 bool Form1::LoadFile() try {
@@ -91,8 +92,8 @@ bool Form1::LoadFile() try {
 
 bool Form1::FailToLoad() {
   if (loadFailure_.empty()) loadFailure_ = CheckConfig(mod_.Store);
-  if (!ByShell()) line_.CloseCom();
-  flows_->Dialogue.TellError(
+  if (!IsOpenedByHost()) line_.CloseCom();
+  flows_->Dialogue.ReportError(
       "There is an error in the configuration file.\r\nThe application will be closed.\r\n"
       "Please send a message to " +
           std::string(kSupportMail) + " for support.",

@@ -45,7 +45,8 @@ TEST_F(BrokerBridge, PublishesPressesOnceAndNeverLater) {
   ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() == dropped + 1; }));
   server.Start();
   Observer observer(server.Port());
-  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1)) << "a broker without memory is told all again";
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1))
+      << "everything is published again to a broker without persistence";
   EXPECT_TRUE(observer.Sees("homeassistant/device/keplo-0123abcd/config", 1));
   program.Link.Publish({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
   program.Press("back");
@@ -92,14 +93,16 @@ TEST_F(BrokerBridge, KeepsTheDeviceInStepWithTheEventMap) {
   Program later(Settings(server.Port()));
   later.Link.SetEvents({});
   ASSERT_TRUE(observer.Sees(config, 7)) << "what went while no host ran is taken out too";
-  const auto told = observer.All(config);
-  const auto components = [&](std::size_t i) { return nlohmann::json::parse(told[i].Payload)["components"]; };
+  const auto reported = observer.All(config);
+  const auto components = [&](std::size_t i) {
+    return nlohmann::json::parse(reported[i].Payload)["components"];
+  };
   EXPECT_TRUE(components(0).contains("event_a_2fb"));
   EXPECT_EQ(components(1)["event_a_2fb"], nlohmann::json({{"platform", "event"}}));
   EXPECT_FALSE(components(2).contains("event_a_2fb"));
   EXPECT_EQ(components(2)["event_1"]["state_topic"], "keplo/0123abcd/event/1");
   EXPECT_EQ(components(5)["event_1"], nlohmann::json({{"platform", "event"}}));
-  for (const auto& message : told) EXPECT_TRUE(message.Retained);
+  for (const auto& message : reported) EXPECT_TRUE(message.Retained);
 }
 
 TEST_F(BrokerBridge, RefusesInvalidAndOutdatedRequests) {

@@ -126,8 +126,8 @@ TEST_F(BrokerChecked, DetectsABrokerThatGrantsButDoesNotDeliver) {
                            [&](const std::string& step, const std::string& result) { said[step] = result; }));
   EXPECT_NE(said["right to tell Home Assistant"].find("not to read it back"), std::string::npos);
   EXPECT_NE(said["right to hear rooms/kitchen/ir"].find("access list"), std::string::npos);
-  for (const auto& told : observer.All(config))
-    EXPECT_EQ(told.Payload, "{}") << "the check must not take the device out";
+  for (const auto& reported : observer.All(config))
+    EXPECT_EQ(reported.Payload, "{}") << "the check must not take the device out";
 }
 
 TEST_F(BrokerChecked, RemovesTheDeviceFromWhereItWasAnnouncedBefore) {

@@ -35,7 +35,7 @@ struct TestFolder : tests::TempFolder {
   std::string operator/(const std::string& name) const { return (Path() / name).string(); }
 };
 
-/// mosquitto on a port of its own, without a memory that outlives it.
+/// mosquitto on its own port, without persistence.
 class MosquittoServer {
  public:
   explicit MosquittoServer(const TestFolder& folder, const std::string& settings = "allow_anonymous true\n")
@@ -59,7 +59,7 @@ class MosquittoServer {
     }
     ASSERT_TRUE(tests::Until([&] { return Listens(); })) << "is mosquitto installed?";
   }
-  /// As long as it has stopped it answers nothing, and hangs up on nobody.
+  /// While it is stopped, it answers nothing, and does not close connections.
   void Stop() const {
     kill(process_, SIGSTOP);
     waitpid(process_, nullptr, WUNTRACED);

@@ -9,10 +9,10 @@ namespace keplo::broker {
 namespace {
 
 TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
-  std::string told;
+  std::string reported;
   KeyStages stages([&](const KeyEvent& event) {
-    told += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Zone) +
-            std::to_string(event.Count) + " ";
+    reported += KeyMessage(event).substr(15, 4) + event.EventID + std::to_string(event.Zone) +
+                std::to_string(event.Count) + " ";
   });
   const auto raise = [&](const char* eventID, int zone = 0) {
     stages.Raised({{}, eventID, "", "", zone, "", 1});
@@ -28,7 +28,7 @@ TEST(BrokerKeyStages, AreOnePressAndOneReleaseForEachRoom) {
   stages.Held(2, 2);  // in the pause after an event, so that no event is raised
   stages.Released(1, 2);
   stages.Released(2, 2);
-  EXPECT_EQ(told, "presalone01 presa71 presb51 presa01 holda72 holdb52 holda02 relea72 releb52 relea02 ");
+  EXPECT_EQ(reported, "presalone01 presa71 presb51 presa01 holda72 holdb52 holda02 relea72 releb52 relea02 ");
 }
 
 TEST(BrokerIdentity, IsCreatedOnceAndSafeInTopics) {

@@ -126,7 +126,7 @@ TEST(WalkSections, EndsAtTheClosingHeaderInCapitals) {
   EXPECT_EQ(WalkSections(open).Ended, WalkEnd::NoMoreHeaders);
   EXPECT_EQ(WalkSections("[NEC]\r\n[END]\r\n").Ended, WalkEnd::NoGeneral);
   EXPECT_TRUE(IsWhole(kTwo));
-  EXPECT_FALSE(IsWhole(Replaced(kTwo, "[END]", "[END)"))) << "a save would cut behind the bracket before";
+  EXPECT_FALSE(IsWhole(Replaced(kTwo, "[END]", "[END)"))) << "a save would cut after the previous bracket";
 }
 
 TEST(LoadProtocolParams, KeepsWhatItReadUpToAMissingKey) {

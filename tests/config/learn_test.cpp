@@ -41,9 +41,9 @@ TEST(Changes, ChangeOneLineInOneSave) {
 }
 
 TEST(Changes, SayWhyTheyAreRefused) {
-  const auto refuses = [](const std::string& told, const std::string& file, const Texts& steps) {
+  const auto refuses = [](const std::string& reported, const std::string& file, const Texts& steps) {
     Stored stored(file);
-    for (const std::string& step : steps) EXPECT_EQ(Do(stored.Store, step), told) << step;
+    for (const std::string& step : steps) EXPECT_EQ(Do(stored.Store, step), reported) << step;
     EXPECT_EQ(stored.File(), file);
   };
   const std::string one = With({"G1010,POWER"}), none = With({"G10,EMPTY"}),

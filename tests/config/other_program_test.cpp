@@ -107,7 +107,7 @@ TEST_F(OtherProgram, IsNoticedAndReloaded) {
 
   stored_.Write("half a file");
   EXPECT_THROW(ReloadConfig(store_), Failure);
-  EXPECT_FALSE(HasFileChanged(store_)) << "it is told once";
+  EXPECT_FALSE(HasFileChanged(store_)) << "it is reported once";
   EXPECT_EQ(store_.CfgText, Selecting(kMore, "1"));
 }
 
@@ -159,7 +159,7 @@ TEST_F(OtherProgram, IsNotUndone) {
   EXPECT_EQ(stored_.File(), Replaced(sameLines, "G1101,LOUD\r\n", ""));
   EXPECT_NE(undo_.Undo(), "");
   stored_.Write(Replaced(sound, "G1101,LOUD\r\n", ""));
-  EXPECT_EQ(undo_.Undo(), "") << "nothing stands in its way any more";
+  EXPECT_EQ(undo_.Undo(), "") << "the conflict is gone";
   ExpectBoth(After("G0011,MUTE", start, "G0101,NIGHT"));
 }
 

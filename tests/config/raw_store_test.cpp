@@ -86,8 +86,8 @@ TEST_F(RawStored, ReportsTwoThatAreTooSimilar) {
   for (const auto& [signal, alike] : {std::pair(kCool, false), {other, false}, {between, true}}) {
     SignalState state;
     state.Samples.Read(CaptureOfLengths(signal.Forms.front()));
-    const std::string told = AmbiguousRawText(store_, state);
-    EXPECT_EQ(told.find("AC&COOL") != told.find("AC&ICE"), alike) << told;
+    const std::string reported = AmbiguousRawText(store_, state);
+    EXPECT_EQ(reported.find("AC&COOL") != reported.find("AC&ICE"), alike) << reported;
     EXPECT_EQ(Heard(store_, signal).empty(), alike);
   }
 }
@@ -185,10 +185,10 @@ TEST_F(RawStored, LosesOnlyTheDamagedCommand) {
     const auto fresh = Reread();
     EXPECT_EQ(Heard(*fresh, kCool), row.Cool) << row.Name;
     EXPECT_EQ(Heard(*fresh, kHeat), row.Heat) << row.Name;
-    std::string told;
-    for (const std::string& damage : fresh->Raw.Damage) told += damage;
-    EXPECT_EQ(told.find("COOL") == std::string::npos, !row.Cool.empty()) << row.Name << told;
-    EXPECT_EQ(told.find("HEAT") == std::string::npos, !row.Heat.empty()) << row.Name << told;
+    std::string reported;
+    for (const std::string& damage : fresh->Raw.Damage) reported += damage;
+    EXPECT_EQ(reported.find("COOL") == std::string::npos, !row.Cool.empty()) << row.Name << reported;
+    EXPECT_EQ(reported.find("HEAT") == std::string::npos, !row.Heat.empty()) << row.Name << reported;
     stored_.Disk.Put(kFile, whole);
     ReloadConfig(*fresh);
     EXPECT_TRUE(fresh->Raw.Damage.empty()) << row.Name << ", and mended";

@@ -31,8 +31,8 @@ TEST(LoadConfig, KeepsEveryByte) {
 }
 
 TEST(LoadAndSave, SayWhyTheyFail) {
-  const auto tells = [](const std::function<void(const char*)>& make, int loadNumber, int saveNumber,
-                        const std::string& told) {
+  const auto expectReports = [](const std::function<void(const char*)>& make, int loadNumber, int saveNumber,
+                                const std::string& reported) {
     TempFolder folder;
     PosixFileSystem files;
     CfgStore store(folder.Write("keplo.cfg", Config("")), files);
@@ -42,7 +42,7 @@ TEST(LoadAndSave, SayWhyTheyFail) {
     const Failure load = FailureOf([&] { LoadConfig(store); });
     const Failure save = FailureOf([&] { SetGeneralValue(store, "ITYPE", "9"); });
     EXPECT_EQ(load.Number(), loadNumber);
-    ExpectPart(load.what(), told);
+    ExpectPart(load.what(), reported);
     ExpectPart(load.what(), store.Path.string());
     EXPECT_EQ(save.Number(), saveNumber) << save.what();
     ExpectPart(save.what(), saveNumber == 0 ? "done" : store.Path.string());
@@ -53,11 +53,12 @@ TEST(LoadAndSave, SayWhyTheyFail) {
   const auto file = [](std::size_t size) {
     return [=](const char* path) { std::ofstream(path) << std::string(size, 'x'); };
   };
-  tells([](const char*) {}, ENOENT, 0, "No such file");
-  tells(file(kMostCharacters + 1), EFBIG, 0, "has 32768 characters, which is above the limit of 32767");
-  tells(file((1U << 20U) + 1), EFBIG, EFBIG, "has 1048577");
-  tells([](const char* path) { fs::create_directory(path); }, EISDIR, EISDIR, "directory");
-  tells([](const char* path) { mkfifo(path, 0600); }, EINVAL, EINVAL, "not a regular file");
+  expectReports([](const char*) {}, ENOENT, 0, "No such file");
+  expectReports(file(kMostCharacters + 1), EFBIG, 0,
+                "has 32768 characters, which is above the limit of 32767");
+  expectReports(file((1U << 20U) + 1), EFBIG, EFBIG, "has 1048577");
+  expectReports([](const char* path) { fs::create_directory(path); }, EISDIR, EISDIR, "directory");
+  expectReports([](const char* path) { mkfifo(path, 0600); }, EINVAL, EINVAL, "not a regular file");
 }
 
 TEST(SaveConfig, CutsAfterTheClosingHeader) {

@@ -12,7 +12,7 @@
 
 namespace keplo::tests {
 
-/// Changes a store as told by words with bars between them, such as "add|NEC|G1010|POWER" or
+/// Changes a store as described by words separated by bars, such as "add|NEC|G1010|POWER" or
 /// "remove|NEC|POWER".
 /// @return why it was refused, in words of a user or of this script
 inline std::string Do(CfgStore& store, const std::string& step) {

@@ -28,7 +28,7 @@ class Running {
     process_.waitForFinished(-1);
   }
 
-  /// @return the exit code; none if it goes on running, or was ended by a signal
+  /// @return the exit code; nothing if it still runs, or was ended by a signal
   std::optional<int> WaitForEnd() {
     const bool ended = process_.waitForFinished(120'000) && process_.exitStatus() == QProcess::NormalExit;
     return ended ? std::optional(process_.exitCode()) : std::nullopt;
@@ -38,7 +38,7 @@ class Running {
   QProcess process_;
 };
 
-/// An X screen of its own without a window manager, on which a test does what a user would: it types and
+/// A separate X screen without a window manager, on which a test does what a user would: it types and
 /// looks for windows, and knows nothing of what the programs are made of.
 class OutsideScreen {
  public:

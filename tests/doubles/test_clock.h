@@ -7,7 +7,7 @@
 
 namespace keplo::tests {
 
-/// A clock that stands until somebody waits.
+/// A clock that only advances when somebody waits.
 class TestClock : public LineClock {
  public:
   std::chrono::microseconds Time{0};

@@ -73,7 +73,7 @@ TEST(EventCollection, ReloadsAndNeverOverwritesChangesOfAnotherProgram) {
        {"2|b|||on|0", "1|a|||off|0", "3|c|||on|0"},
        0},
   };
-  // Between two presses the map takes in what changed, and so does a host that initialises it again.
+  // Changes are reloaded between two presses, and when a host initialises the map again.
   for (int run = 0; run < 2 * static_cast<int>(cases.size()); ++run) {
     const auto& [otherDid, table, failure] = cases[static_cast<std::size_t>(run / 2)];
     SCOPED_TRACE(otherDid);
@@ -91,10 +91,10 @@ TEST(EventCollection, ReloadsAndNeverOverwritesChangesOfAnotherProgram) {
     EXPECT_TRUE(map.Database.ChangedElsewhere());
     EXPECT_FALSE(map.Database.ChangedElsewhere());
     other.Database.ExecuteSQLCommand("begin exclusive");
-    EXPECT_FALSE(map.Events.TakeInChanges());
+    EXPECT_FALSE(map.Events.ApplyExternalChanges());
     other.Database.ExecuteSQLCommand("commit");
     EXPECT_TRUE(map.Database.ChangedElsewhere()) << "a read that met a lock comes again";
-    EXPECT_TRUE(run % 2 == 0 ? map.Events.TakeInChanges() : map.Load());
+    EXPECT_TRUE(run % 2 == 0 ? map.Events.ApplyExternalChanges() : map.Load());
     EXPECT_EQ(map.Members(), table);
     const Texts stored = StoredEvents(folder);
     EXPECT_TRUE(std::is_permutation(stored.begin(), stored.end(), table.begin(), table.end()));
@@ -131,7 +131,7 @@ TEST(EventCollection, LoadsUpToTheFirstUnusableRow) {
       {"('1', 'n2', 'd', 'c', 1, 0)", kKeyTaken, "already holds an event with the key EM-1"},
       {"('2', 'n', 'd', 'c', 1, 32768)", kNumberTooLarge, "holds 32768, expected a whole number"},
   };
-  for (const auto& [badRow, number, told] : cases) {
+  for (const auto& [badRow, number, reported] : cases) {
     const EventFolder folder(kKeylessTable +
                              "insert into colclsKeploEvents values ('0', 'n', 'd', 'c', 1, 32767),"
                              " ('1', 'n', 'd', 'c', 1, -32768), " +
@@ -139,7 +139,7 @@ TEST(EventCollection, LoadsUpToTheFirstUnusableRow) {
     EventMap map(folder);
     EXPECT_TRUE(!map.Load() && !map.Load()) << "the table is no better the second time";
     ASSERT_EQ(ShownAll(map.Errors), Texts(2, Report("Initialise", number)));
-    ExpectPart(map.Errors[0].ErrorDescription, told);
+    ExpectPart(map.Errors[0].ErrorDescription, reported);
     EXPECT_EQ(map.Members(), (Texts{"0|n|d|c|on|32767", "1|n|d|c|on|-32768"}));
     EXPECT_EQ(map.List.Count(), 2);
   }
@@ -195,7 +195,7 @@ TEST(EventCollection, ReportsRefusalsEvenIfTheHandlerFails) {
        },
        "Initialise", kNoSuchColumn, ""},
   };
-  for (const auto& [name, act, operation, number, told] : cases) {
+  for (const auto& [name, act, operation, number, reported] : cases) {
     SCOPED_TRACE(name);
     const EventFolder folder("insert into colclsKeploEvents values ('1', 'a', '', '', 1, 0)");
     EventMap map(folder);
@@ -207,7 +207,7 @@ TEST(EventCollection, ReportsRefusalsEvenIfTheHandlerFails) {
     EXPECT_FALSE(act(map));
     EXPECT_EQ(ShownAll(map.Errors), Texts{Report(operation, number)});
     ASSERT_NE(map.Events.ErrorRecord(), nullptr);
-    ExpectPart(map.Events.ErrorRecord()->ErrorDescription, told);
+    ExpectPart(map.Events.ErrorRecord()->ErrorDescription, reported);
     EXPECT_EQ(map.Answer("select count(*) as events from colclsKeploEvents order by events"), "1");
   }
 }
@@ -219,7 +219,7 @@ TEST(EventCollection, RaisesAnEventForEachMember) {
   Texts raised;
   map.Events.TriggerInputEvent = [&](HostInputEvent& event) { raised.push_back(event.EventDate); };
   EXPECT_FALSE(map.Events.TriggerEvent()) << "nothing is loaded yet";
-  map.List.Add("EM-2");  // a row that the list refuses is told, and the event is there all the same
+  map.List.Add("EM-2");  // the list's refusal is reported, but the event exists
   EXPECT_TRUE(map.Load());
   EXPECT_EQ(ShownAll(map.Errors), Texts{Report("AddEventMapToListView", 35602)});
   EXPECT_TRUE(map.Events.TriggerEvent());

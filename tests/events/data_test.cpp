@@ -58,7 +58,7 @@ TEST(Data, RollsBackATransactionOfAFailingStatement) {
   EXPECT_TRUE(map.Events.Add(Event("1")));
 
   map.Database.ExecuteSQLCommand("begin; delete from colclsKeploEvents");
-  EXPECT_EQ(map.Database.ExecuteSQLCommand("bad"), 0);  // began nothing, so the caller's one goes on
+  EXPECT_EQ(map.Database.ExecuteSQLCommand("bad"), 0);  // began none, so the caller's continues
   EXPECT_EQ(map.Database.ExecuteSQLCommand("rollback"), 1);
   EXPECT_EQ(StoredEvents(folder), map.Members());
 }

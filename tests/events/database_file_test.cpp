@@ -42,13 +42,13 @@ void ExpectNotAdded(EventMap& map, int number, const std::string& part) {
 
 TEST(DatabaseFile, IsRefusedWhenItIsOfAnotherKind) {
   const std::string good = EventFolder().Read(kDatabaseFile);
-  for (const auto& [bytes, number, told] :
+  for (const auto& [bytes, number, reported] :
        {std::tuple<std::string, int, std::string>{"PROTOCOL=1\r\n", SQLITE_NOTADB,
                                                   "is not an event database"},
         {good.substr(0, good.size() - 1), SQLITE_CORRUPT, "is damaged (it holds "}}) {
     const AppFolder folder;
     folder.Write(kDatabaseFile, bytes);
-    ExpectRefused(folder, number, told);
+    ExpectRefused(folder, number, reported);
   }
   ExpectRefused(EventFolder("pragma user_version = 2"), SQLITE_MISMATCH, "A newer release wrote it");
   ExpectRefused(EventFolder("alter table colclsKeploEvents rename to events;"

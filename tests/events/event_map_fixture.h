@@ -57,7 +57,7 @@ Texts ShownAll(const std::vector<Shape>& things) {
   return lines;
 }
 
-/// One program's view of the event map; keeps what it tells its host.
+/// One program's view of the event map; records what it reports to its host.
 struct EventMap {
   explicit EventMap(const AppFolder& folder,
                     std::chrono::milliseconds busyTimeout = std::chrono::milliseconds(1))

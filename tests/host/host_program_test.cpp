@@ -74,17 +74,17 @@ TEST_F(HostProgramTest, ReportsOnePressAndRunsItsDueActions) {
   for (int ditto = 0; ditto < 20; ++ditto) held += "pulse 9100\nspace 2200\npulse 650\nspace 96000\n";
   host_.Start({"--once", "--real-time", "--presses", "--json", "--replay", app_.Write("held.mode2", held)});
   EXPECT_EQ(host_.Wait(), 0) << host_.Log();
-  std::string told;
+  std::string reported;
   for (const std::string& line : host_.Output()) {
     auto event = nlohmann::ordered_json::parse(line);
-    told += event.value("press", std::string("event")) + ' ';
+    reported += event.value("press", std::string("event")) + ' ';
     if (event.contains("press")) continue;
     EXPECT_FALSE(event["time"].get<std::string>().empty());
     event.erase("time");
     EXPECT_EQ(event.dump(), R"({"event_id":"17","event_name":"Lamp on","command":"NEC&TV_POWER","zone":5})");
   }
-  EXPECT_EQ(told.find("press event hold event "), 0U) << told;
-  EXPECT_EQ(told.find("release "), told.size() - 8) << told;
+  EXPECT_EQ(reported.find("press event hold event "), 0U) << reported;
+  EXPECT_EQ(reported.find("release "), reported.size() - 8) << reported;
   for (const std::string text : {"pressed", "held", "let go"}) {
     const std::string line = "Event 17: " + text + "\n";
     const std::size_t first = host_.Log().find(line);

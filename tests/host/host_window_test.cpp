@@ -30,7 +30,8 @@ class HostWindowTest : public ::testing::Test {
     context.ReplayFiles = {tests::kPower, tests::kMute};
     context.MayUseDisplay = true;
     context.ReplayPlayed = [this] { played_.quit(); };
-    host_ = std::make_unique<PluginHost>(component_, context, book_, log_, std::vector<EventOutput*>{&told_});
+    host_ =
+        std::make_unique<PluginHost>(component_, context, book_, log_, std::vector<EventOutput*>{&reported_});
     host_->Start();
     window_ = std::make_unique<HostWindow>(*host_);
     window_->show();
@@ -89,7 +90,7 @@ class HostWindowTest : public ::testing::Test {
   QEventLoop played_;
   EventBook book_{app_.Path() / "host.json"};
   const HostLog log_{false, {}};
-  LogOutput told_{log_};
+  LogOutput reported_{log_};
   const Component component_{KEPLO_COMPONENT};
   std::unique_ptr<PluginHost> host_;
   std::unique_ptr<HostWindow> window_;

@@ -33,9 +33,9 @@ TEST(PressActions, RefuseUnknownFieldsByTheirPath) {
        R"("on" and "after_ms" do not go with "kind": "key")"},
   };
   for (const auto& [action, mistake] : cases) {
-    const std::string told = MistakeInActions(Book(action));
-    tests::ExpectPart(told, mistake.empty() ? "" : "action 2 of event 17: " + mistake);
-    EXPECT_EQ(told.empty(), mistake.empty()) << action << told;
+    const std::string reported = MistakeInActions(Book(action));
+    tests::ExpectPart(reported, mistake.empty() ? "" : "action 2 of event 17: " + mistake);
+    EXPECT_EQ(reported.empty(), mistake.empty()) << action << reported;
   }
 }
 

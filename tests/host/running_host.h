@@ -58,10 +58,10 @@ class RunningHost {
     }
     return log_.substr(log_.find(text) + text.size());
   }
-  /// Waits until the host has told where its pages are.
+  /// Waits until the host has printed the address of its pages.
   std::uint16_t Port() {
-    const std::string told = WaitForLog("127.0.0.1:");
-    return told.empty() ? 0 : static_cast<std::uint16_t>(std::stoi(told));
+    const std::string reported = WaitForLog("127.0.0.1:");
+    return reported.empty() ? 0 : static_cast<std::uint16_t>(std::stoi(reported));
   }
 
   qint64 Id() const { return process_.processId(); }

@@ -8,15 +8,15 @@
 namespace keplo::tests {
 namespace {
 
-/// What a broker was told under a topic, without the time.
+/// The messages published to a topic, without the time.
 std::string Told(const broker::Observer& observer, const std::string& topic) {
-  std::string told;
+  std::string reported;
   for (const auto& seen : observer.All(topic)) {
     auto json = nlohmann::ordered_json::parse(seen.Payload, nullptr, false);
     if (json.is_object()) json.erase("time");
-    told += json.is_discarded() ? seen.Payload + "\n" : json.dump() + "\n";
+    reported += json.is_discarded() ? seen.Payload + "\n" : json.dump() + "\n";
   }
-  return told;
+  return reported;
 }
 
 TEST(BrokerRoad, PublishesWhatAMonitorHears) {

@@ -74,7 +74,7 @@ TEST(KeploProgram, StopsOnSignals) {
   ASSERT_EQ(RunShell("mkfifo" + pipe).Status, 0);
   install.Write("ports.conf", "30 = replay:" + (kSamples / "sony_tv_1.mode2").string() + "\n");
   for (const std::string signal : {"INT", "TERM"}) {
-    // What is told of the recording tells that the program waits for signals.
+    // The output about the recording shows that the program waits for signals.
     const auto untilItTells = [&](const std::string& words) {
       return RunShell("sh -c 'echo $$ >\"$0\"; exec \"$@\"'" + pid + " '" KEPLO_PROGRAM "' " + words +
                       install.Option() + " | while read -r line; do echo \"$line\"; kill -s " + signal +

@@ -70,7 +70,7 @@ class Install {
   TempFolder folder_;
 };
 
-/// A command, its exit code, and parts of what it tells on either stream.
+/// A command, its exit code, and parts of its output on either stream.
 struct Told {
   std::string Words;
   int Status = 0;

@@ -56,10 +56,10 @@ TEST_F(Dispatch, IgnoresSettingsAndTheHeaderOfTheFile) {
   EXPECT_EQ(Run("1110000"), DispatchEnd::NotStored);
 
   const std::string head = "[General]\r\n[NEC]\r\n", code = "1110011";
-  for (const auto& [behind, ended] : {std::pair{100, DispatchEnd::NotStored}, {101, DispatchEnd::Walked}}) {
-    const std::size_t padding = static_cast<std::size_t>(behind - 1) - head.size() - code.size() - 1;
+  for (const auto& [next, ended] : {std::pair{100, DispatchEnd::NotStored}, {101, DispatchEnd::Walked}}) {
+    const std::size_t padding = static_cast<std::size_t>(next - 1) - head.size() - code.size() - 1;
     cfgText_ = head + std::string(padding, '#') + "G" + code + ",NEAR\r\n";
-    EXPECT_EQ(Run(code), ended) << "a match that ends at " << behind;
+    EXPECT_EQ(Run(code), ended) << "a match that ends at " << next;
   }
 }
 

@@ -14,7 +14,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kFrame = 60ms;
 constexpr milliseconds kBuffer = 224ms;
 
-/// A signal that a line hears, 60 ms long unless told otherwise.
+/// A signal on the line; by default 60 ms long.
 struct Signal {
   const char* What;  // "code", "ditto", "unread", or the digits of another code
   milliseconds At;
@@ -25,19 +25,19 @@ struct Signal {
   milliseconds Period = 108ms;
 };
 
-/// P for a press, H for a hold, R for a release, as a monitor tells them.
+/// P for a press, H for a hold, R for a release, as a monitor reports them.
 std::string Told(const std::vector<Signal>& signals) {
   HeldKey key;
-  std::string told;
+  std::string reported;
   for (const Signal& signal : signals) {
     const AirTime air = {signal.At, signal.At + signal.Length, kBuffer - signal.Length, signal.WatchedFrom};
     const std::string what = signal.What;
     if (what != "unread" && what != "ditto") {
       if (key.Hear({what, Analysis::Second, kNec, 10, signal.Toggle, signal.Dittos, signal.Period}, air)) {
-        told += 'R';
+        reported += 'R';
       }
     } else if (!key.IsContinuedAt(air)) {
-      if (key.Release()) told += 'R';
+      if (key.Release()) reported += 'R';
       continue;
     } else if (what == "ditto") {
       key.HearDitto(air);
@@ -45,9 +45,9 @@ std::string Told(const std::vector<Signal>& signals) {
       key.HearUnread(air);
       continue;
     }
-    told += key.Press()->Captures == 1 ? 'P' : 'H';
+    reported += key.Press()->Captures == 1 ? 'P' : 'H';
   }
-  return told;
+  return reported;
 }
 
 TEST(HeldKey, DistinguishesOnePressFromTwo) {
@@ -75,7 +75,7 @@ TEST(HeldKey, DistinguishesOnePressFromTwo) {
       {"one signal that cannot be read", {{"code", 0ms}, {"unread", 150ms}, {"code", 300ms}}, "PH"},
       {"a line full of noise", {{"code", 0ms}, {"unread", 150ms}, {"unread", 300ms}, {"code", 470ms}}, "PRP"},
   };
-  for (const auto& [name, signals, told] : cases) EXPECT_EQ(Told(signals), told) << name;
+  for (const auto& [name, signals, reported] : cases) EXPECT_EQ(Told(signals), reported) << name;
 }
 
 /// A control on a line that plays against a clock.
@@ -84,7 +84,7 @@ class OnePress : public ShellTest {
   static constexpr const char* kSony = "101010010000";
   static constexpr const char* kRc5 = "11000000001100";
 
-  /// What a monitor tells of presses, each held for a time.
+  /// What a monitor reports for presses, each held for a time.
   std::string Monitored(std::int16_t kind, const std::string& bits,
                         const std::vector<milliseconds>& presses) {
     Recording recording{"a", {}};
@@ -104,12 +104,12 @@ class OnePress : public ShellTest {
     mod_ = std::make_unique<KeploMod>(folder_.Path(), files_);
     Keplo control(*mod_, line, KeploWindows{boxes_, dialog_}, clock_);
     control.LineTime = [&] { return clock->Time; };
-    std::string told;
+    std::string reported;
     control.OnKey = [&](KeyChange change, const KeyPress& key) {
       EXPECT_EQ(key.Command, "ANY&KEY");
-      told += std::string("PHR")[static_cast<std::size_t>(change)];
+      reported += std::string("PHR")[static_cast<std::size_t>(change)];
     };
-    control.TriggerInputEvent = [&](HostInputEvent&) { told += 'e'; };
+    control.TriggerInputEvent = [&](HostInputEvent&) { reported += 'e'; };
     EXPECT_EQ(control.InputInitialise(nullptr), 1);
     mod_->Settings.Analysis = Analysis::Second;
     control.InputStartMonitoring();
@@ -117,7 +117,7 @@ class OnePress : public ShellTest {
       control.Timer1.Tick();
       clock->Time += 2ms;
     }
-    return told;
+    return reported;
   }
 
   void Bind(const std::string& code) {
@@ -131,12 +131,12 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
   for (const auto& [kind, code] :
        {std::pair(kNec, kDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
     Bind(code);
-    for (const auto& [presses, told] : std::vector<std::pair<std::vector<milliseconds>, std::string>>{
+    for (const auto& [presses, reported] : std::vector<std::pair<std::vector<milliseconds>, std::string>>{
              {{50ms}, "PeR"},
-             {{400ms}, "PeR"},  // let go in the pause behind the event
+             {{400ms}, "PeR"},  // released in the pause after the event
              {{3000ms}, "PeHeHeHeHeHeR"},
              {{50ms, 1000ms, 50ms}, "PeRPeHeRPeR"}}) {
-      EXPECT_EQ(Monitored(kind, code, presses), told) << kind;
+      EXPECT_EQ(Monitored(kind, code, presses), reported) << kind;
     }
   }
 }
@@ -164,7 +164,7 @@ TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
       {keplo::kRc5, kRc5, flipped, 60'000, "PeRPeR"},
       {keplo::kRc5, kRc5, kRc5, 149'000, "PeR"},
   };
-  for (const auto& [kind, first, second, pause, told] : rows) {
+  for (const auto& [kind, first, second, pause, reported] : rows) {
     Bind(first);
     SynthOptions once;
     once.Repeats = 0;
@@ -172,7 +172,7 @@ TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
     press.back() = pause;
     const PulseTrain tap = SynthPress(kind, second, once);
     press.insert(press.end(), tap.begin(), tap.end());
-    EXPECT_EQ(Monitored({"a", {press}}), told) << kind << " " << pause;
+    EXPECT_EQ(Monitored({"a", {press}}), reported) << kind << " " << pause;
   }
 }
 

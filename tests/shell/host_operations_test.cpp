@@ -102,13 +102,13 @@ TEST_F(HostOperations, RestoresAnEventDeletedWhileItsMapWasReplaced) {
   const auto map = folder_.Path() / "inputKeplo.mdb", away = folder_.Path() / "away";
   std::filesystem::rename(map, away);
   folder_.Write("inputKeplo.mdb", "a copy that has just begun");
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   EXPECT_EQ(control.InputDeleteEvent(WithID("2")), 0);
   EXPECT_EQ(control.ListView1.Count(), 1);
   EXPECT_EQ(errors_, Texts{});
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   std::filesystem::rename(away, map);
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   EXPECT_EQ(RowTexts(control.ListView1), before);
 }
 
@@ -134,10 +134,10 @@ TEST_F(HostOperations, UndoesChangesThatALockPrevented) {
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
     EXPECT_EQ(act(), result);
     EXPECT_EQ(control.ListDiffersFromMap(), rowMeanwhile.empty());
-    control.TakeInChanges();
+    control.ApplyExternalChanges();
     EXPECT_EQ(RowTexts(control.ListView1), first + rowMeanwhile) << "nobody waits for a lock";
     sqlite3_close(other);
-    control.TakeInChanges();
+    control.ApplyExternalChanges();
     EXPECT_EQ(RowTexts(control.ListView1), before);
     EXPECT_FALSE(control.ListDiffersFromMap());
     control.InputModifyEvent(second);
@@ -167,7 +167,7 @@ TEST_F(HostOperations, OpensTheWindowWithoutTimerAndResetsTheLines) {
   control.InputConfigurePlugin();
   EXPECT_EQ(opened, 2);
   EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "TXD 0", "RTS -1", "TXD 0", "DTR -1"}));
-  EXPECT_EQ(folder_.Read("keplo.cfg"), mod_->Store.CfgText) << "it is saved, cut behind [END]";
+  EXPECT_EQ(folder_.Read("keplo.cfg"), mod_->Store.CfgText) << "it is saved, cut after [END]";
   control.InputStopMonitoring();
   line_.Calls.clear();
   control.InputConfigurePlugin();
@@ -203,8 +203,8 @@ TEST_F(HostOperations, SavesNoDamagedTextAndReportsOtherPrograms) {
   const std::string whole = text;
   folder_.Write("keplo.cfg", "of another program");
   control.InputConfigurePlugin();
-  ASSERT_EQ(told_.size(), 1U);
-  ExpectPart(told_[0], "keplo.cfg.other-1");
+  ASSERT_EQ(reported_.size(), 1U);
+  ExpectPart(reported_[0], "keplo.cfg.other-1");
   EXPECT_EQ(folder_.Read("keplo.cfg.other-1"), "of another program");
 
   text = whole.substr(0, whole.find("[END]"));

@@ -74,7 +74,7 @@ class ShellTest : public ::testing::Test {
     };
     control_->TriggerInputErrorCondition = [this](HostErrorRecord& record, bool&) {
       errors_.push_back(record.ErrorSource + " " + record.ErrorProcedure);
-      told_.push_back(record.ErrorDescription);
+      reported_.push_back(record.ErrorDescription);
     };
     return *control_;
   }
@@ -105,7 +105,7 @@ class ShellTest : public ::testing::Test {
   std::function<void()> mainWindow_ = [] {};
   std::unique_ptr<KeploMod> mod_;
   std::unique_ptr<Keplo> control_;
-  std::vector<std::string> raised_, errors_, told_;  // errors by source and procedure, and what they tell
+  std::vector<std::string> raised_, errors_, reported_;  // errors by source and procedure, and description
 };
 
 /// What an event dialog is about: an event, and the commands of two protocols.

@@ -45,9 +45,9 @@ TEST_F(StartUp, ReloadsTheConfigurationOfAnotherProgram) {
   WriteEvents({});
   WriteConfig("");
   Keplo& control = Start();
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   WriteConfig(Protocol("NEC", {"G1010,POWER"}), General("1 0 10 8 1 2"));
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   EXPECT_EQ(control.Panel.VexilAvailable.Text() + " " + control.Panel.InterfaceType.Text(),
             "YES IRMouse / DTR");
   EXPECT_EQ(mod_->Settings.ReceiverKind, 1);
@@ -55,20 +55,20 @@ TEST_F(StartUp, ReloadsTheConfigurationOfAnotherProgram) {
   EXPECT_EQ(line_.TakeCalls(), Texts{"SetMode 2"}) << "the port stays open";
 
   WriteConfig("", General("4 0 10 0 1 0"));
-  control.TakeInChanges();
+  control.ApplyExternalChanges();
   EXPECT_EQ(line_.TakeCalls(), (Texts{"OpenCom 4", "RTS -1", "TXD 0"}));
   EXPECT_EQ(control.Panel.CtlComPort.Text(), "COM 4");
   folder_.Write("keplo.cfg", "cut short");
-  for (int look = 0; look < 2; ++look) control.TakeInChanges();
-  EXPECT_EQ(errors_.size(), 1U) << "told once";
+  for (int look = 0; look < 2; ++look) control.ApplyExternalChanges();
+  EXPECT_EQ(errors_.size(), 1U) << "reported once";
   std::filesystem::remove(folder_.Path() / "keplo.cfg");
-  for (int look = 0; look < 3; ++look) control.TakeInChanges();
-  EXPECT_EQ(errors_.size(), 2U) << "told once as well";
+  for (int look = 0; look < 3; ++look) control.ApplyExternalChanges();
+  EXPECT_EQ(errors_.size(), 2U) << "reported once as well";
   EXPECT_NE(mod_->Store.CfgText.find("COMPORT= 4"), std::string::npos);
   mod_->Store.CfgText = Config("", General("5 0 10 0 1 0"));  // not saved yet
   WriteConfig("", General("6 0 10 0 1 0"));
-  for (int look = 0; look < 2; ++look) control.TakeInChanges();
-  EXPECT_EQ(errors_.size(), 3U) << "told once as well";
+  for (int look = 0; look < 2; ++look) control.ApplyExternalChanges();
+  EXPECT_EQ(errors_.size(), 3U) << "reported once as well";
 }
 
 TEST_F(StartUp, TriesThePortFiveTimes) {
@@ -101,7 +101,7 @@ TEST_F(StartUp, LeavesThePortClosedUntilTheSettingsAreComplete) {
     int opened = 0;
     control.OnPortOpened = [&] { ++opened; };
     WriteConfig("", General("1 0 10 0 1 1"));
-    control.TakeInChanges();
+    control.ApplyExternalChanges();
     EXPECT_EQ(line_.TakeCalls(), (Texts{"OpenCom 1", "RTS -1", "TXD 0", "SetMode 2"}));
     EXPECT_EQ(opened, 1);
   }

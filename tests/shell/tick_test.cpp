@@ -50,7 +50,7 @@ TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnoughAndRaisesTheEventOfAPress) {
 }
 
 TEST_F(Tick, CompletesWhateverTheHostDoesInside) {
-  // What the host does in an event, whether the timer is on then, and what is told.
+  // What the host does in an event, whether the timer is on then, and what is reported.
   const std::tuple<std::string, std::function<void(Keplo&)>, bool, std::string> cases[] = {
       {"runs an event loop of its own",
        [](Keplo& control) {
@@ -66,7 +66,7 @@ TEST_F(Tick, CompletesWhateverTheHostDoesInside) {
   };
   std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
   WriteEvents({{"17", "Lamp on", "", "NEC&POWER", true, 0}, {"18", "Fan on", "", "NEC&POWER", true, 0}});
-  for (const auto& [name, inEvent, timerIsOn, told] : cases) {
+  for (const auto& [name, inEvent, timerIsOn, reported] : cases) {
     SCOPED_TRACE(name);
     Keplo& control = Start();
     raised_.clear();
@@ -84,21 +84,21 @@ TEST_F(Tick, CompletesWhateverTheHostDoesInside) {
     control.Timer1.Tick();
     EXPECT_EQ(raised_, (Texts{"17", "18"}));
     EXPECT_EQ(control.Timer1.Enabled(), timerIsOn);
-    EXPECT_EQ(errors_, told.empty() ? Texts{} : Texts(2, told));
+    EXPECT_EQ(errors_, reported.empty() ? Texts{} : Texts(2, reported));
   }
 }
 
 TEST_F(Tick, ReportsEachPressOnceEvenIfTheHandlerFails) {
   Keplo& control = Start();
-  std::string told;
+  std::string reported;
   control.OnPress = [&](const TickReport& tick) {
-    told += std::to_string(tick.Dispatched.Raised) + ";";
+    reported += std::to_string(tick.Dispatched.Raised) + ";";
     throw Failure(5, "no paper");
   };
   line_.Captures = {Press(kDigits), "", Press(kDigits)};
   for (int tick = 0; tick < 5; ++tick) control.Timer1.Tick();
-  EXPECT_EQ(told, "1;0;1;");
-  EXPECT_EQ(told_, Texts(3, "no paper"));
+  EXPECT_EQ(reported, "1;0;1;");
+  EXPECT_EQ(reported_, Texts(3, "no paper"));
   EXPECT_TRUE(control.Timer1.Enabled());
 }
 

@@ -86,14 +86,14 @@ TEST_F(MainWindowOnScreen, TheWheelChangesOnlyTheFocusedControl) {
     QApplication::sendEvent(&view, &down);
   };
   Find("SendButton").setFocus();
-  bool told = false;
+  bool reported = false;
   line_.WhileRecording = [&] {
     for (const QLabel* label : view_->findChildren<QLabel*>()) {
-      told = told || (label->isVisible() && label->text().startsWith(QStringLiteral("Recording: ")));
+      reported = reported || (label->isVisible() && label->text().startsWith(QStringLiteral("Recording: ")));
     }
   };
   Record();
-  EXPECT_TRUE(told) << "what the window waits for";
+  EXPECT_TRUE(reported) << "what the window waits for";
   Record();
   EXPECT_EQ(Find("CodeStr").palette().color(QPalette::Base), QColor(Qt::green)) << "a code that came twice";
   for (const char* name : {"Protocol", "HScroll1"}) turn(name);

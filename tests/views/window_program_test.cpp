@@ -39,15 +39,16 @@ class WindowProgram : public ::testing::Test {
   }
   bool MainWindowComes() { return !screen_->Focus("Orlo.s Keplo").empty(); }
 
-  /// Waits until the program takes keys: what is pressed before it has come up, or while it records, counts
-  /// for nothing. Each F1 that it takes opens the manual.
+  /// Waits until the program accepts keys: before it is shown, and while it records, keys are ignored. Each
+  /// F1 that it accepts opens the manual.
   bool Listens() {
     const auto before = pressed_;
     return Until([&] {
       Keys("F1");
       ++pressed_;
-      const std::string told = home_.Read("xdg-open.told");
-      return told.ends_with("docs/help/index.html\n") && std::count(told.begin(), told.end(), '\n') > before;
+      const std::string reported = home_.Read("xdg-open.told");
+      return reported.ends_with("docs/help/index.html\n") &&
+             std::count(reported.begin(), reported.end(), '\n') > before;
     });
   }
   void Keys(const std::string& keys) { screen_->Keys(keys); }

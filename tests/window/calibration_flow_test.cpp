@@ -70,24 +70,24 @@ TEST_F(CalibrationFlow, CanBeCancelledAndRepeated) {
 
 TEST_F(CalibrationFlow, ReportsWhyNothingWasSaved) {
   const std::string noSignal = "Autocalibration aborted!\r\nNo IR command received.";
-  for (const auto& [baseTs, told, delay] : std::vector<std::tuple<std::vector<int>, std::string, int>>{
+  for (const auto& [baseTs, reported, delay] : std::vector<std::tuple<std::vector<int>, std::string, int>>{
            {{11, 10, 0}, noSignal, 3},
            {{9}, "Your computer is to slow for this application!", 0},
            {std::vector<int>(72, 10), "Calibration procedure failed!", 71},
            {{11, 10, 10, 9}, kDelayTwo, 2}}) {
-    const bool unsaved = told == kDelayTwo;
+    const bool unsaved = reported == kDelayTwo;
     SetUp();
     const std::string before = File();
     form_->IRCommand.SetText("?");
     disk_.FailAt(1, true);
     Calibrate(baseTs);
     const Texts shown = boxes_.TakeShown();
-    EXPECT_EQ(shown.back(), told);
+    EXPECT_EQ(shown.back(), reported);
     ExpectPart(shown[shown.size() - 2], unsaved ? "The configuration was not saved" : kHoldTheKey);
-    EXPECT_EQ(mod_->Settings.ProcDelay, delay) << told;
+    EXPECT_EQ(mod_->Settings.ProcDelay, delay) << reported;
     EXPECT_EQ(form_->ProcDelayparameter.Text(), unsaved ? " 2" : "10");
     EXPECT_EQ(form_->IRCommand.Text() + " " + line_.Calls.back(),
-              told == noSignal ? "? SpeakBeep 600 1000" : " RTS 0");
+              reported == noSignal ? "? SpeakBeep 600 1000" : " RTS 0");
     EXPECT_EQ(File(), before);
     disk_.FailAt(0, false);
     form_->Form_Unload();

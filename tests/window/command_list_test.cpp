@@ -113,8 +113,8 @@ TEST_F(CommandList, AFailedSaveIsReportedAndTheListsFollowTheFile) {
       [&] { describe(form_->FileNewMenu); }, [&] { describe(form_->EditMenu); },
       [&] { form_->ProtoDeleteMenu.Click(); }};
   for (std::size_t change = 0; change < changes.size(); ++change) {
-    std::string told;
-    for (int operation = 1; told.find("may bring the old file back") == std::string::npos; ++operation) {
+    std::string reported;
+    for (int operation = 1; reported.find("may bring the old file back") == std::string::npos; ++operation) {
       ASSERT_LT(operation, 40) << change;
       Form1& form = Open(before);
       if (change == 0) RecordTwice();
@@ -122,16 +122,16 @@ TEST_F(CommandList, AFailedSaveIsReportedAndTheListsFollowTheFile) {
       disk_.FailAt(operation, true);
       changes[change]();
       disk_.FailAt(0, false);
-      told = boxes_.TakeShown().back();
-      const bool isAsItWas = told.find("is as it was: operation") != std::string::npos;
-      EXPECT_EQ(File() == before, isAsItWas) << told;
-      EXPECT_EQ(mod_->Store.CfgText, File()) << told;
-      EXPECT_NE(form.UndoMenu.Enabled(), isAsItWas) << told;
+      reported = boxes_.TakeShown().back();
+      const bool isAsItWas = reported.find("is as it was: operation") != std::string::npos;
+      EXPECT_EQ(File() == before, isAsItWas) << reported;
+      EXPECT_EQ(mod_->Store.CfgText, File()) << reported;
+      EXPECT_NE(form.UndoMenu.Enabled(), isAsItWas) << reported;
       EXPECT_EQ(CodeColour(), change == 0 && isAsItWas ? "green" : "plain") << "it can be saved again";
       const Texts protocols = form.Protocol.Entries(), commands = form.SendCmd.Entries();
       Open(File());
-      EXPECT_EQ(protocols, form_->Protocol.Entries()) << told;
-      EXPECT_EQ(commands, form_->SendCmd.Entries()) << told;
+      EXPECT_EQ(protocols, form_->Protocol.Entries()) << reported;
+      EXPECT_EQ(commands, form_->SendCmd.Entries()) << reported;
     }
   }
   std::string full = FileWith({kEmpty});

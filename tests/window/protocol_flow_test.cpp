@@ -27,7 +27,7 @@ class ProtocolFlow : public WindowTest {
   }
   void Cancel() { Dialog().CancelButton.Click(); }
 
-  /// Presses Save and tells what is shown; questions are answered with no unless told otherwise.
+  /// Presses Save and returns what is shown; by default, questions are answered with no.
   Texts Save(bool yes = false) {
     boxes_.Yes = yes;
     Dialog().CreateButton.Click();
@@ -135,7 +135,7 @@ TEST_F(ProtocolFlow, CancelRestoresTheSelectionAndKeepsARecordedCode) {
     NewProtocol& dialog = isNew ? New() : Edit("Mine");
     line_.Calls.clear();
     form_->Timer1.Tick();
-    EXPECT_EQ(line_.Calls, Texts{}) << "nothing is sent behind the dialog";
+    EXPECT_EQ(line_.Calls, Texts{}) << "nothing is sent while the dialog is open";
     dialog.SendPlsIn.SetText("none");
     EXPECT_EQ(Save(), Texts{"SENDPLS must have an integer value greater than 0"});
     EXPECT_EQ(mod_->ProtocolParams.SENDPLS, 0);
@@ -153,7 +153,7 @@ TEST_F(ProtocolFlow, CancelRestoresTheSelectionAndKeepsARecordedCode) {
 
 TEST_F(ProtocolFlow, RefusesVirtualProtocolsAndADamagedSection) {
   const std::string isVirtual = "Recorded is a virtual protocol used to test new commands before save.";
-  for (const auto& [protocol, told] :
+  for (const auto& [protocol, reported] :
        {std::pair<std::string, Texts>{
             "Template",
             {"The Template protocol cannot be edited", "The Template protocol cannot be deleted"}},
@@ -161,7 +161,7 @@ TEST_F(ProtocolFlow, RefusesVirtualProtocolsAndADamagedSection) {
     form_->Protocol.SelectText(protocol);
     form_->EditMenu.Click();
     form_->ProtoDeleteMenu.Click();
-    EXPECT_EQ(boxes_.TakeShown(), told);
+    EXPECT_EQ(boxes_.TakeShown(), reported);
   }
   form_->Protocol.SelectText("Mine");
   std::string shown;
@@ -169,8 +169,8 @@ TEST_F(ProtocolFlow, RefusesVirtualProtocolsAndADamagedSection) {
   mod_->Store.CfgText = kGeneral + Replaced(kMine, "GREPEAT= 72", "GREPEAT= ??") + kOther + "[END]\r\n";
   form_->EditMenu.Click();
   form_->FileNewMenu.Click();
-  const std::string told = "Error in the configuration file\r\nThe Protocol Form can not be opened";
-  EXPECT_EQ(boxes_.TakeShown(), (Texts{told, told}));
+  const std::string reported = "Error in the configuration file\r\nThe Protocol Form can not be opened";
+  EXPECT_EQ(boxes_.TakeShown(), (Texts{reported, reported}));
   EXPECT_EQ(shown, "dialog window dialog window ");
   EXPECT_EQ(mod_->Store.CurProtocol, "Mine");
 }

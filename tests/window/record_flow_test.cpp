@@ -133,7 +133,7 @@ TEST_F(RecordFlow, AKnownCodeCountsAsValidatedOnceItIsSeenWithoutRepeats) {
 }
 
 TEST_F(RecordFlow, FailedRecordingsAreExplained) {
-  for (const auto& [press, told, note] :  // none for silence; pulse, digits, repeats, line code, code
+  for (const auto& [press, reported, note] :  // none for silence; pulse, digits, repeats, line code, code
        std::vector<std::tuple<std::vector<int>, std::string, std::string>>{
            {{}, "560|||NEC|", "No signal came."},
            {Joined(NecRuns("100010"), Frames(NecRuns("100000"), 3)), "550|6|N||",
@@ -152,7 +152,7 @@ TEST_F(RecordFlow, FailedRecordingsAreExplained) {
     form_->RecButton.Click();
     EXPECT_EQ(form_->SendPulse.Text() + "|" + form_->BitNr.Text() + "|" + form_->Rpt.Text() + "|" +
                   form_->GProt.Text() + "|" + form_->CodeStr.Text(),
-              told);
+              reported);
     EXPECT_EQ(CodeColour(), press.size() == 2 ? "red" : "plain");
     ExpectPart(form_->Note.Text(), note + " It is a fake.");
     EXPECT_EQ(line_.Calls.back() == "SpeakBeep 600 1000", press.empty());

@@ -97,10 +97,10 @@ TEST(WaveReading, TheTicksOfTheAxisAreRoundAndHaveRoomForTheirLabels) {
                                                {99.9, 101.0, 0.5, "100 100.5 101 "},
                                                {0.0, 10.0, 1e300, "0 "},
                                                {5.0, 1.0, 1.0, ""}}) {
-    std::string told;
+    std::string reported;
     for (const TimeTick& tick : TimeTicks(from, to, room))
-      told += tick.Labelled ? TimeText(tick.Ms) + " " : "";
-    EXPECT_EQ(told, labels);
+      reported += tick.Labelled ? TimeText(tick.Ms) + " " : "";
+    EXPECT_EQ(reported, labels);
   }
 }
 

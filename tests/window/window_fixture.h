@@ -39,7 +39,7 @@ class WindowTest : public ::testing::Test {
     form_->RecButton.Click();
   }
 
-  /// The colour that the code stands on.
+  /// The background colour of the code.
   std::string CodeColour() const {
     const auto colour = form_->CodeStr.BackColour();
     if (!colour) return "plain";
@@ -54,13 +54,13 @@ class WindowTest : public ::testing::Test {
 };
 
 /// Runs of two frames with a gap between.
-inline std::vector<int> Joined(std::vector<int> runs, const std::vector<int>& behind) {
+inline std::vector<int> Joined(std::vector<int> runs, const std::vector<int>& following) {
   runs.push_back(300);
-  runs.insert(runs.end(), behind.begin(), behind.end());
+  runs.insert(runs.end(), following.begin(), following.end());
   return runs;
 }
 
-/// Runs of a press whose frame comes as often as told.
+/// Runs of a press with a number of frames.
 inline std::vector<int> Frames(const std::vector<int>& frame, int count) {
   return count == 1 ? frame : Joined(frame, Frames(frame, count - 1));
 }
