@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "doubles/dice.h"
 #include "family_tables.h"
 #include "line/press_capture.h"
 #include "signal/decode.h"
@@ -15,12 +16,11 @@
 #include "signal/monitored_press.h"
 #include "signal/sample_bits.h"
 #include "synth/synth.h"
-#include "table_dice.h"
 
 namespace {
 
 using namespace keplo;
-using bench::Dice;
+using tests::Dice;
 
 constexpr int kCodesPerCell = 1000;
 

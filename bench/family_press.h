@@ -3,10 +3,12 @@
 #include <span>
 #include <string>
 
+#include "doubles/dice.h"
 #include "formats/remote.h"
-#include "table_dice.h"
 
 namespace keplo::bench {
+
+using tests::Dice;
 
 /// A press on air: lengths without anything that a receiver does to them.
 struct PressOnAir {

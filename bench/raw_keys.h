@@ -2,10 +2,12 @@
 
 #include <optional>
 
+#include "doubles/dice.h"
 #include "signal/raw/raw_index.h"
-#include "table_dice.h"
 
 namespace keplo::bench {
+
+using tests::Dice;
 
 /// What a key of an air conditioner, a fan or a heater sends, microseconds: a signal that no analysis reads.
 RawLengths RandomRawKey(Dice& dice);

@@ -1,32 +1,13 @@
 #pragma once
 
 #include <algorithm>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "doubles/dice.h"
 #include "signal_builder.h"
 
 namespace keplo::tests {
-
-/// Draws the same on every machine.
-class Dice {
- public:
-  explicit Dice(unsigned seed) : twister_(seed) {}
-  int From(int least, int most) {
-    return least + static_cast<int>(twister_() % static_cast<unsigned>(most - least + 1));
-  }
-  bool Once(int of) { return From(1, of) == 1; }
-  std::size_t Place(std::size_t size) { return twister_() % size; }
-  std::string Digits(int count) {
-    std::string digits;
-    while (count-- > 0) digits += From(0, 1) == 1 ? '1' : '0';
-    return digits;
-  }
-
- private:
-  std::mt19937 twister_;
-};
 
 /// What a remote sends for a key, microseconds, and the digits that are the key's.
 struct Sent {

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <random>
 #include <string>
 
-namespace keplo::bench {
+namespace keplo::tests {
 
 /// Numbers that are the same on every machine, which those of the library's distributions are not.
 class Dice {
@@ -14,7 +15,9 @@ class Dice {
   int From(int least, int most) {
     return least + static_cast<int>(generator_() % static_cast<unsigned>(most - least + 1));
   }
+  bool Once(int of) { return From(1, of) == 1; }
   bool Percent(int part) { return From(1, 100) <= part; }
+  std::size_t Place(std::size_t size) { return generator_() % size; }
   std::uint32_t Seed() { return static_cast<std::uint32_t>(generator_()); }
 
   /// Digits without any order.
@@ -28,4 +31,4 @@ class Dice {
   std::mt19937 generator_;
 };
 
-}  // namespace keplo::bench
+}  // namespace keplo::tests
