@@ -3,6 +3,7 @@
 #include "doubles/test_clock.h"
 #include "line/replay_line.h"
 #include "shell_fixture.h"
+#include "signal/signal_builder.h"
 #include "synth/synth.h"
 
 namespace keplo::tests {
@@ -129,7 +130,7 @@ class OnePress : public ShellTest {
 
 TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
   for (const auto& [kind, code] :
-       {std::pair(kNec, kDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
+       {std::pair(kNec, kNecDigits), {keplo::kSony, std::string(kSony)}, {keplo::kRc5, kRc5}}) {
     Bind(code);
     for (const auto& [presses, reported] : std::vector<std::pair<std::vector<milliseconds>, std::string>>{
              {{50ms}, "PeR"},
@@ -159,8 +160,8 @@ TEST_F(OnePress, IsOnePressOfAlternatingFrames) {
 TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
   const std::string flipped = "11100000001100";
   const std::tuple<std::int16_t, std::string, std::string, int, const char*> rows[] = {
-      {kNec, kDigits, kDigits, 80'000, "PeRPeR"},
-      {kNec, kDigits, kDigits, 40'000, "PeR"},
+      {kNec, kNecDigits, kNecDigits, 80'000, "PeRPeR"},
+      {kNec, kNecDigits, kNecDigits, 40'000, "PeR"},
       {keplo::kRc5, kRc5, flipped, 60'000, "PeRPeR"},
       {keplo::kRc5, kRc5, kRc5, 149'000, "PeR"},
   };

@@ -3,6 +3,7 @@
 #include "events/event_row.h"
 #include "keplo_mod.h"
 #include "shell_fixture.h"
+#include "signal/signal_builder.h"
 
 namespace keplo::tests {
 namespace {
@@ -10,7 +11,7 @@ namespace {
 class HostOperations : public ShellTest {
  protected:
   void SetUp() override {
-    WriteConfig(Protocol("NEC", {"G" + kDigits + ",POWER", "G1111,MUTE"}));
+    WriteConfig(Protocol("NEC", {"G" + kNecDigits + ",POWER", "G1111,MUTE"}));
     WriteEvents({{"1", "Lamp", "hall", "NEC&POWER", true, 0}, {"2", "Fan", "", "NEC&MUTE", false, 3}});
   }
 

@@ -44,8 +44,6 @@ inline std::string PanelText(const StatusPanel& panel) {
 /// An application path with a file and an event map, and a control that comes up from them.
 class ShellTest : public ::testing::Test {
  protected:
-  const std::string kDigits = "00000000111111110110100010010111";
-
   void WriteConfig(const std::string& sections, const std::string& general = kGeneral) {
     folder_.Write("keplo.cfg", Config(sections, general));
   }

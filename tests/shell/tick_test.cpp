@@ -7,7 +7,7 @@ namespace {
 class Tick : public ShellTest {
  protected:
   void SetUp() override {
-    WriteConfig(Protocol("NEC", {"G" + kDigits + ",POWER"}));
+    WriteConfig(Protocol("NEC", {"G" + kNecDigits + ",POWER"}));
     WriteEvents({{"17", "Lamp on", "", "NEC&POWER", true, 0}});
   }
 
@@ -38,13 +38,13 @@ TEST_F(Tick, BeepsForEveryCaptureThatIsLongEnoughAndRaisesTheEventOfAPress) {
   EXPECT_EQ(line_.TakeCalls().back(), "SpeakBeep 5000 50");
   EXPECT_EQ(control.LastTick().Reading.Ended, Stage::NoTiming);
 
-  line_.Captures = {Press(kDigits)};
+  line_.Captures = {Press(kNecDigits)};
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "SpeakBeep 5000 50",
                                       "SpeakBeep 1000 50", "event 17", "uDelay 200000"}))
       << "nothing of the last capture is left in the buffer";
   mod_->Settings.BeepOn = false;
-  line_.Captures = {Press(kDigits)};
+  line_.Captures = {Press(kNecDigits)};
   control.Timer1.Tick();
   EXPECT_EQ(line_.TakeCalls(), (Texts{"RTS -1", "IRMonitor 510 delay 10", "event 17", "uDelay 200000"}));
 }
@@ -71,7 +71,7 @@ TEST_F(Tick, CompletesWhateverTheHostDoesInside) {
     Keplo& control = Start();
     raised_.clear();
     errors_.clear();
-    line_.Captures = {Press(kDigits), Press(kDigits)};
+    line_.Captures = {Press(kNecDigits), Press(kNecDigits)};
     control.TriggerInputEvent = [&, inEvent = inEvent](HostInputEvent& event) {
       raised_.push_back(event.EventID);
       EXPECT_FALSE(raised_.size() == 1 && control.Timer1.Enabled());
@@ -95,7 +95,7 @@ TEST_F(Tick, ReportsEachPressOnceEvenIfTheHandlerFails) {
     reported += std::to_string(tick.Dispatched.Raised) + ";";
     throw Failure(5, "no paper");
   };
-  line_.Captures = {Press(kDigits), "", Press(kDigits)};
+  line_.Captures = {Press(kNecDigits), "", Press(kNecDigits)};
   for (int tick = 0; tick < 5; ++tick) control.Timer1.Tick();
   EXPECT_EQ(reported, "1;0;1;");
   EXPECT_EQ(reported_, Texts(3, "no paper"));

@@ -8,8 +8,6 @@
 namespace keplo::tests {
 namespace {
 
-const std::string kNecDigits = "00000000111111110110100010010111";
-
 TEST(MonitoredPress, EndsWhereItMust) {
   struct Case {
     std::string Name;

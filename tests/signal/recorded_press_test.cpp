@@ -9,8 +9,6 @@ namespace {
 
 using RunVector = std::vector<int>;
 
-const std::string kNecDigits = "00000000111111110110100010010111";
-
 /// Two frames of one press, the silence between them long enough to end a frame.
 RunVector Twice(const RunVector& first, const RunVector& second) { return Then(first, 400, second); }
 RunVector Twice(const RunVector& frame) { return Twice(frame, frame); }

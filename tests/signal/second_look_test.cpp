@@ -13,6 +13,7 @@ namespace keplo {
 namespace {
 
 using tests::DistanceRuns;
+using tests::kNecDigits;
 using tests::NecRuns;
 using tests::Rc5Runs;
 using tests::Rc6Runs;
@@ -22,7 +23,6 @@ using tests::WidthRuns;
 using tests::WithExcess;
 using RunVector = std::vector<int>;
 
-const std::string kNecDigits = "00000000111111110110100010010111";
 const std::string kSonyDigits = "101010010000";
 const std::string kRc5Digits = "11000000010001";
 const std::string kOtherDigits = "00000000111111111010100001010111";

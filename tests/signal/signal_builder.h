@@ -9,6 +9,9 @@
 
 namespace keplo::tests {
 
+/// A key of NEC.
+inline const std::string kNecDigits = "00000000111111110110100010010111";
+
 /// Sample string of runs that alternate, ones first.
 inline std::string Runs(const std::vector<int>& runs) {
   std::string samples;

@@ -16,8 +16,6 @@
 
 namespace keplo::tests {
 
-inline const std::string kNecDigits = "00000000111111110110100010010111";
-
 /// The stand-alone window over a file, a line and boxes.
 class WindowTest : public ::testing::Test {
  protected:
