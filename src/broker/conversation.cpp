@@ -106,10 +106,12 @@ void Conversation::Await(const Condition& condition) {
 
 bool Conversation::WaitFor(std::chrono::seconds longest, const Condition& condition) {
   const auto until = std::chrono::steady_clock::now() + longest;
-  while (!refusal_ && !condition()) {
-    if (std::chrono::steady_clock::now() > until) return false;
+  for (bool isLast = false; !refusal_ && !condition();) {
+    if (isLast) return false;
+    // A machine that slept meanwhile looks at what has come once more.
+    isLast = std::chrono::steady_clock::now() > until;
     pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN), 0};
-    poll(&watched, 1, 100);
+    poll(&watched, 1, isLast ? 0 : 100);
     if ((watched.revents & POLLOUT) != 0) Check(client_.Write());
     if (!refusal_ && (watched.revents & ~POLLOUT) != 0) Check(client_.Read());
   }
