@@ -18,7 +18,7 @@ TEST_F(BrokerBridge, PublishesPressesOnceAndNeverLater) {
   ASSERT_TRUE(program.Logs("Connected"));
   {
     Observer observer(server.Port());
-    program.Press("before");
+    ASSERT_TRUE(program.Tells("before"));
     ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
     EXPECT_EQ(observer.All("keplo/0123abcd/event/17")[0].Payload,
               R"({"event_type":"press","name":"Lamp","command":"before","zone":3,"time":"now","count":1})");
@@ -26,15 +26,13 @@ TEST_F(BrokerBridge, PublishesPressesOnceAndNeverLater) {
 
     // A broker that stops without hanging up reads later what was written to it meanwhile.
     server.Stop();
+    const std::size_t before = program.Link.DroppedPresses();
     program.Press("stopped");
-    ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() > 0; }));
+    ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() > before; }));
     server.GoOn();
     EXPECT_TRUE(program.Logs("not told, as"));
-    ASSERT_TRUE(tests::Until([&] {
-      program.Press("after");
-      std::this_thread::sleep_for(std::chrono::milliseconds(200));
-      return observer.All("keplo/0123abcd/event/17").size() >= 2;
-    }));
+    ASSERT_TRUE(program.Tells("after"));
+    ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 2));
     EXPECT_EQ(observer.All("keplo/0123abcd/event/17")[1].Payload.find("stopped"), std::string::npos);
   }
   server.Kill();
@@ -45,11 +43,10 @@ TEST_F(BrokerBridge, PublishesPressesOnceAndNeverLater) {
   ASSERT_TRUE(tests::Until([&] { return program.Link.DroppedPresses() == dropped + 1; }));
   server.Start();
   Observer observer(server.Port());
-  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1))
-      << "everything is published again to a broker without persistence";
+  ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1)) << "a broker without memory is told all again";
   EXPECT_TRUE(observer.Sees("homeassistant/device/keplo-0123abcd/config", 1));
   program.Link.Publish({KeyStage::Release, "17", "Lamp", "away", 3, "now", 1});
-  program.Press("back");
+  ASSERT_TRUE(program.Tells("back"));
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
   EXPECT_NE(observer.All("keplo/0123abcd/event/17")[0].Payload.find("back"), std::string::npos)
       << "a release without its press is none";
@@ -92,17 +89,17 @@ TEST_F(BrokerBridge, KeepsTheDeviceInStepWithTheEventMap) {
   EXPECT_EQ(observer.All(status)[2].Payload, "offline") << "at a clean end";
   Program later(Settings(server.Port()));
   later.Link.SetEvents({});
-  ASSERT_TRUE(observer.Sees(config, 7)) << "what went while no host ran is taken out too";
-  const auto reported = observer.All(config);
-  const auto components = [&](std::size_t i) {
-    return nlohmann::json::parse(reported[i].Payload)["components"];
-  };
+  ASSERT_TRUE(observer.Sees(config, 6)) << "what went while no host ran is taken out too";
+  const auto told = observer.All(config);
+  const auto components = [&](std::size_t i) { return nlohmann::json::parse(told[i].Payload)["components"]; };
+  const std::size_t removal =
+      components(4).contains("event_1") ? 4 : 5;  // it may be up before it knows its events
   EXPECT_TRUE(components(0).contains("event_a_2fb"));
   EXPECT_EQ(components(1)["event_a_2fb"], nlohmann::json({{"platform", "event"}}));
   EXPECT_FALSE(components(2).contains("event_a_2fb"));
   EXPECT_EQ(components(2)["event_1"]["state_topic"], "keplo/0123abcd/event/1");
-  EXPECT_EQ(components(5)["event_1"], nlohmann::json({{"platform", "event"}}));
-  for (const auto& message : reported) EXPECT_TRUE(message.Retained);
+  EXPECT_EQ(components(removal)["event_1"], nlohmann::json({{"platform", "event"}}));
+  for (const auto& message : told) EXPECT_TRUE(message.Retained);
 }
 
 TEST_F(BrokerBridge, RefusesInvalidAndOutdatedRequests) {
@@ -135,13 +132,18 @@ TEST_F(BrokerBridge, LimitsFloods) {
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/status", 1));
   HeardSignal signal;
   signal.Timings = {9000, -4500, 560};
+  const auto begin = std::chrono::steady_clock::now();
+  const auto most = [&](std::size_t eachSecond) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
+    return eachSecond * static_cast<std::size_t>(1 + seconds.count());
+  };
   for (int i = 0; i < 30; ++i) program.Link.Publish(signal);
-  program.Press("behind them");
+  ASSERT_TRUE(program.Tells("behind them"));
   ASSERT_TRUE(observer.Sees("keplo/0123abcd/event/17", 1));
-  EXPECT_LE(observer.All("keplo/0123abcd/signal").size(), 10U);
+  EXPECT_LE(observer.All("keplo/0123abcd/signal").size(), most(10));
   for (int i = 0; i < 30; ++i) observer.Publish("keplo/0123abcd/send", R"({"command":"NEC&A"})");
   EXPECT_TRUE(program.Logs("more than two came in a second"));
-  EXPECT_EQ(program.Requests.size(), 2U);
+  EXPECT_LE(program.Requests.size(), most(2));
 }
 
 TEST_F(BrokerBridge, GivesWayToAnotherHostOfItsIdentity) {

@@ -21,11 +21,24 @@ struct Program {
       return Log.find(text) != std::string::npos;
     });
   }
-  void Press(const std::string& command) { Link.Publish({KeyStage::Press, "17", "Lamp", command, 3, "now", 1}); }
+  void Press(const std::string& command) {
+    Link.Publish({KeyStage::Press, "17", "Lamp", command, 3, "now", 1});
+    ++Pressed;
+  }
+  /// Presses until the broker has taken one; a press that it does not take at once is not told to it.
+  bool Tells(const std::string& command) {
+    const std::size_t told = Link.ConfirmedPresses();
+    return tests::Until([&] {
+      Press(command);
+      tests::Until([&] { return Link.ConfirmedPresses() + Link.DroppedPresses() == Pressed; });
+      return Link.ConfirmedPresses() > told;
+    });
+  }
 
   const std::shared_ptr<std::string> Kept = std::make_shared<std::string>();
   std::string& Log = *Kept;
   std::vector<SendRequest> Requests;
+  std::size_t Pressed = 0;
   Bridge Link;
 };
 
