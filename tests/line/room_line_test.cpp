@@ -158,7 +158,7 @@ TEST(BrokerMessages, ComeFromTheBrokerThatTheSettingsName) {
     receiver.Publish("ir/bath", "[9000,-4500,560]");
     return !messages->Take().Messages.empty();
   }));
-  EXPECT_TRUE(messages->Publish("ir/out", "[1]"));
+  EXPECT_TRUE(tests::Until([&] { return messages->Publish("ir/out", "[1]"); }));
   EXPECT_TRUE(receiver.Sees("ir/out", 1));
   const std::string own = "keplo/" + broker::IdentityOf(folder.Path()) + "/signal";
   for (const auto& [topic, isPublic] :

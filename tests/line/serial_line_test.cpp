@@ -7,9 +7,12 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "doubles/temp_folder.h"
+#include "doubles/until.h"
 #include "program/stop_signals.h"
 #include "signal/zone_link.h"
 #include "simulated_port.h"
@@ -160,7 +163,11 @@ TEST(SerialLine, IsDarkWhileItsProgramIsStopped) {
       *Lit = !Dtr.empty() && Dtr.back().second;
       if (!*Lit || !std::exchange(Stops, false)) return;
       kill(getpid(), SIGTSTP);  // the system gives it to a thread that does not hold it back
-      std::this_thread::sleep_for(milliseconds(100));
+      Until([] {                // which passes it on to this one
+        std::ifstream status("/proc/thread-self/status");
+        const std::string text(std::istreambuf_iterator<char>(status), {});
+        return text.find("SigPnd:\t0000000000000000") == text.npos;
+      });
     }
   } port;
   port.Lit = static_cast<bool*>(shared);
