@@ -110,7 +110,8 @@ TEST_F(WebTest, AnswersDespiteConnectionsLeftOpen) {
     EXPECT_TRUE(slow.back()->waitForReadyRead(kPatience));
   }
   EXPECT_EQ(Ask("GET /").substr(0, 12), "HTTP/1.1 200");
-  EXPECT_TRUE(slow.front()->state() == QTcpSocket::UnconnectedState || slow.front()->waitForDisconnected());
+  EXPECT_TRUE(slow.front()->state() == QTcpSocket::UnconnectedState ||
+              slow.front()->waitForDisconnected(kPatience));
   host_.Signal(SIGTERM);
   EXPECT_EQ(host_.Wait(), 0);
 }

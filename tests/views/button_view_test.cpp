@@ -44,10 +44,11 @@ TEST(ButtonView, IsBusyDuringItsWorkAndDropsInputMeanwhile) {
   EXPECT_TRUE(record.hasFocus());
 
   model.OnClick = [&] { ++done; };
-  EXPECT_TRUE(QTest::qWaitFor([&] {
+  const auto isUsed = [&] {
     useAll();
     return done > 3;
-  })) << "once the waiting input is gone";
+  };
+  EXPECT_TRUE(QTest::qWaitFor(isUsed, 60'000)) << "once the waiting input is gone";
 }
 
 }  // namespace
