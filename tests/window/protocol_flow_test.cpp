@@ -79,7 +79,14 @@ TEST_F(ProtocolFlow, ANewProtocolStartsFromTheTemplateAndBecomesCurrent) {
   EXPECT_EQ(form_->Protocol.Entries(), (Texts{"Mine", "Template", "Recorded"}));
 }
 
-TEST_F(ProtocolFlow, ARecordingPresetsTheDialog) {
+TEST_F(ProtocolFlow, AYesThatComesAfterItsWindowHasGoneSavesNothing) {
+  New();
+  boxes_.WhileOpen = [&] { form_->Form_Unload(); };
+  EXPECT_EQ(Save(true).size(), 1U);
+  EXPECT_EQ(File(), kBefore);
+}
+
+TEST_F(ProtocolFlow, WhatIsRecordedBringsItsPresets) {
   const std::string sync = "111111111111111100000000";
   form_->Protocol.SelectText("Recorded");
   form_->CodeStr.SetText("G1010");
