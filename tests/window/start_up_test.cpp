@@ -195,7 +195,13 @@ TEST_F(StartUp, AWindowOfTheShellWorksOnTheTextInMemory) {
   EXPECT_EQ(File(), FileOf("5 0 10 0 1 0")) << "the port that was found has been saved";
 }
 
-TEST_F(StartUp, AnInvalidSettingDoesNotPreventSavingOthers) {
+TEST_F(StartUp, TellsOnceThatNothingCanBeSaved) {
+  line_.Opens = [this](std::int32_t port) { return disk_.FailAt(1, true), port == 5; };
+  EXPECT_TRUE(Load(FileOf("5 0 10 1 1 3"))) << "which changes two settings";
+  EXPECT_EQ(boxes_.Shown.size(), 1U);
+}
+
+TEST_F(StartUp, ASettingThatDoesNotFitKeepsNothingElseFromTheFile) {
   Ports = {{2, 1}, {12, 1}};
   std::string full = FileOf("2 0 10 0 0 0");
   full.insert(full.find("# made"), "#" + std::string(kMostCharacters - full.size() - 3, '.') + "\r\n");
