@@ -24,7 +24,7 @@ LongPress::LongPress(PulseTrain train, microseconds start)
 
 bool LongPress::HasBegun(microseconds from, microseconds to) {
   microseconds time = start_;
-  for (std::size_t i = 0; i + 1 < train_.size() && time <= to && !waiting_; ++i) {
+  for (std::size_t i = 0; i + 1 < train_.size() && !waiting_; ++i) {
     time += microseconds(train_[i]);
     const bool begins = i % 2 == 1 && train_[i] >= kGapBetweenFrames;
     if (begins && time > from && time <= to) waiting_ = {i + 1, time};

@@ -16,7 +16,7 @@ std::size_t EndOfPart(std::span<const LitSlots> lit, std::size_t first, std::chr
   };
   const auto space = [&](std::size_t end) { return lit[end].Begin - lit[end - 1].End; };
   std::size_t best = first + 1;
-  std::size_t end = first + 1;
+  std::size_t end = best;
   for (; end < lit.size() && fits(end); ++end) {
     if (space(end) >= space(best)) best = end;
   }

@@ -6,9 +6,7 @@
 
 namespace keplo {
 
-EdgeLog::EdgeLog(DeviceCalls& calls) : calls_(calls), wake_(calls, eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  edges_.reserve(kMostEdges);
-}
+EdgeLog::EdgeLog(DeviceCalls& calls) : calls_(calls), wake_(calls, eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 void EdgeLog::Wake() {
   const std::uint64_t one = 1;
