@@ -133,6 +133,8 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
        "sent 1 0 [500 500 21000] 9 9 382/50 32320..54320 @54488; 0 0 0 0 0 "},
       {"a pulse too long", kTells, "p900,500,900,. s20001 s20000 d m50 l",
        "not sent sent 1 [] /0 @161006; 0 0 0 0 0  pulse of 20001 us is not sent. Use 1 to 20000 us.;"},
+      {"zone hardware", kTells, "p900,500,700,. w10000 z d p900,500,700,. w60000 d m50",
+       "zone 9 1 0 [900 500 700] 16 9 13 362/50 810050..812150 @870032; "},
       {"sampled", kSampled, "p900,500,700,. w100 d m400 d l w1000000 q",
        "0 [] 15 9 13 2467/313 @138044; 1 2509 0 0 0 0 rest 0 "},
       {"sampled, the mouse receiver", kSampledMouse, "p900,500,700,. w100 d m400 d l w1000000 q",

@@ -190,9 +190,11 @@ TEST(LircLine, HearsWhatItsDeviceTells) {
        "sent 1 [] /0 @6480; 0 0 0 0 0 "},
       {"full in a frame", "p900,500,700,3000,600,3000,600,5999,700,6000,800 w40000 d m8 d m400 d",
        "0 [900 500 700 3000] 16 9 13 26/8 39100..41200 @40000; 0 [800] 15 2465/310 61099..61899 @158799; 1 "},
-      {"full in a gap", "p900,500,700,30000,600,400,700 w60000 d m40 d m400 d",
-       "0 [900 500 700 30000] 16 9 13 282/40 59100..61200 @60000; 0 [600 400 700] 11 7 13 2465/312 "
-       "91200..92900 @169800; 1 "},
+      {"full in a gap", "p900,500,700,6000,600,400,700 w60000 d m13 d m400 d",
+       "0 [900 500 700 6000] 16 9 13 66/13 59100..61200 @60000; 0 [600 400 700] 11 7 13 2465/312 "
+       "67200..68900 @145800; 1 "},
+      {"full with a mark", "p900,500,7400,5000,600 w60000 d m20 d",
+       "0 [900 500 7400] 16 9 135/20 59100..67900 @60000; 1 "},
       {"full in a space", "p900,500,700,3000,600,5999,700 w60000 d m20 d m400",
        "0 [900 500 700 3000 600 5999] 16 9 13 55 11 56/20 59100..64800 @60000; 1 [] /0 @60000; "},
       {"forgotten within a frame", "p900,500,700,5000,600,6000,700 w3000 d f w6000 d w8000 d m400",
@@ -223,6 +225,7 @@ TEST_F(LircLineTest, SendsLongSignalsInPartsThatBeginOnTime) {
   for (const Case& c :
        {Case{"short", frame, 560, 1}, Case{"gaps", frame + std::string(5, '\0') + frame, 1000, 2},
         Case{"short gaps", half + half + half + half, 1000, 2},
+        Case{"long marks", std::string(40, '\xFF') + '\0' + std::string(40, '\xFF'), 1000, 2},
         Case{"many marks", std::string(300, '\xAA'), 50, 3}, Case{"small device", frame, 560, 4, 63}}) {
     Device.Sent.clear();
     Device.MostItems = c.MostItems;

@@ -160,7 +160,8 @@ TEST(BrokerMessages, ComeFromTheBrokerThatTheSettingsName) {
   }));
   EXPECT_TRUE(tests::Until([&] { return messages->Publish("ir/out", "[1]"); }));
   EXPECT_TRUE(receiver.Sees("ir/out", 1));
-  const std::string own = "keplo/" + broker::IdentityOf(folder.Path()) + "/signal";
+  const std::string top = "keplo/" + broker::IdentityOf(folder.Path()), own = top + "/signal";
+  EXPECT_TRUE(receiver.All(top + "/status").empty()) << "only a host tells that it runs";
   for (const auto& [topic, isPublic] :
        {std::pair(own, true), {"keplo/b/signal", true}, {"keplo/b/event", false}}) {
     EXPECT_EQ(messages->IsPublic(topic), isPublic);

@@ -41,6 +41,7 @@ class TellingPort : public SimulatedPort {
     }
     Advance(now_);
     const int result = SimulatedPort::Ioctl(descriptor, request, argument);
+    if (request == TCSETS) isMuted_ = isWatched_;
     if (request != TIOCGICOUNT || !IsThere()) return result;
     if (IsOwner()) begins_ = isWatched_ = true;
     static_cast<serial_icounter_struct*>(argument)->dcd = static_cast<int>(
@@ -92,6 +93,7 @@ class TellingPort : public SimulatedPort {
   bool IsOwner() const { return std::this_thread::get_id() == owner_; }
   void Wake(bool told) {
     isTold_ = told;
+    isMuted_ = false;
     woken_.release();
     if (!isWatched_) return;  // whoever was woken does not wait again
     asleep_.acquire();
@@ -103,7 +105,11 @@ class TellingPort : public SimulatedPort {
     for (; begins_ && threads_ < 2; ++threads_) asleep_.acquire();
     while (isWatched_ && !told_.empty() && *told_.begin() <= until && *told_.begin() < GoneAt) {
       now_ = std::max(now_, *told_.begin());
-      Wake(true);
+      if (!isMuted_) {
+        Wake(true);
+      } else {
+        told_.erase(told_.begin());
+      }
     }
     now_ = std::max(now_, until);
     if (IsThere() || !std::exchange(isWatched_, false)) return;
@@ -118,6 +124,7 @@ class TellingPort : public SimulatedPort {
   int threads_ = 0;  // of a watch, that have begun to wait
   int stopDescriptor_ = -1;
   bool begins_ = false, isWatched_ = false, isStopping_ = false, news_ = false;
+  bool isMuted_ = false;              // by new settings, until the next wait begins
   std::atomic<bool> isTold_ = false;  // a watch that stops is interrupted again and again
 };
 
