@@ -51,7 +51,7 @@ class MosquittoServer {
   void Start() {
     process_ = fork();
     if (process_ == 0) {
-      freopen("/dev/null", "w", stderr);
+      for (FILE* stream : {stdout, stderr}) freopen("/dev/null", "w", stream);
       for (const char* program : {"/usr/sbin/mosquitto", "mosquitto"}) {
         execlp(program, program, "-c", configuration_.c_str(), nullptr);
       }
