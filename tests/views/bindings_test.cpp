@@ -115,7 +115,7 @@ TEST(ModelLink, LetsEitherSideDieFirstAndFollowsTheLatestView) {
   timer.reset();
   QTest::keyClicks(&textView, QStringLiteral("s"));
   QTest::mousePress(listView.viewport(), Qt::LeftButton, {}, QPoint(3, 3));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !ticking.isActive(); }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !ticking.isActive(); }, 60'000));
   EXPECT_EQ(textView.text(), QStringLiteral("Fans"));
 }
 
@@ -129,7 +129,7 @@ TEST(QtTimer, TicksWhileItsModelIsEnabled) {
   const QtTimer timer(model);
   EXPECT_FALSE(timer.isActive());
   model.SetEnabled(true);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 3 && !timer.isActive(); }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 3 && !timer.isActive(); }, 60'000));
 }
 
 }  // namespace

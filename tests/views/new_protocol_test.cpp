@@ -54,7 +54,7 @@ TEST_F(ProtocolDialogOnScreen, ReplacesTheWindowUntilItIsClosed) {
     QWidget& dialog = Open(form_->EditMenu);
     EXPECT_FALSE(view_->isVisible()) << way;
     leave(dialog);
-    EXPECT_TRUE(QTest::qWaitFor([] { return Dialog() == nullptr; })) << way;
+    EXPECT_TRUE(QTest::qWaitFor([] { return Dialog() == nullptr; }, 60'000)) << way;
     EXPECT_TRUE(view_->isVisible()) << way;
   }
   EXPECT_NE(File().find("# made for a test!\r\n"), std::string::npos) << File();
