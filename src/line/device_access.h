@@ -45,7 +45,7 @@ std::string KernelName(const std::string& device);
 /// @param classes where the kernel lists its devices by classes
 bool IsUsbPort(const std::string& device, const std::filesystem::path& classes = "/sys/class");
 
-/// What a serial port does not serve for, in a sentence or two; empty for one that serves for everything.
+/// What a serial port cannot be used for, in a sentence or two; empty for one that is fit for everything.
 /// @param hasModemLines as the open port tells
 std::string WhyUnfit(const std::string& device, bool hasModemLines,
                      const std::filesystem::path& classes = "/sys/class");

@@ -21,8 +21,8 @@ class DeviceCalls {
   virtual int Ioctl(int descriptor, unsigned long request, void* argument) = 0;
   virtual ssize_t Read(int descriptor, void* data, std::size_t size) = 0;
   virtual ssize_t Write(int descriptor, const void* data, std::size_t size) = 0;
-  /// As Write, but waits no longer than until a time for what a device does with the data: EINTR from then on
-  /// may mean that it has them.
+  /// Like Write, but waits for the device only until a time. EINTR after that time may mean that the device
+  /// has taken the data.
   virtual ssize_t WriteUntil(int descriptor, const void* data, std::size_t size,
                              std::chrono::nanoseconds time) = 0;
   /// @param timeout milliseconds; negative waits without an end
@@ -31,7 +31,8 @@ class DeviceCalls {
   virtual std::chrono::nanoseconds Now() = 0;
   /// Returns at once if the time has passed.
   virtual void SleepUntil(std::chrono::nanoseconds time) = 0;
-  /// Ends with EINTR what another thread waits for in the kernel. A wait that begins later goes on.
+  /// Makes the system call in which another thread waits end with EINTR. A call that begins later is not
+  /// affected.
   virtual void Interrupt(pthread_t thread) = 0;
 };
 

@@ -13,7 +13,7 @@ namespace keplo {
 /// What a line tells its user, once each: a device that goes or comes back, a signal that cannot be sent.
 using TellUser = std::function<void(const std::string&)>;
 
-/// What could not be taken as it was on air, since the line was opened.
+/// What was lost of the signals on air since the line was opened.
 struct LineLosses {
   std::uint64_t Samples = 0;        // taken in all, by sampling
   std::uint64_t FilledSamples = 0;  // missed by a late wake-up

@@ -5,10 +5,10 @@
 
 namespace keplo {
 
-/// Holds back the signals that end or stop a program as long as one lives, so that no light stays on and
-/// every port is left as it was found: whoever waits or sends looks whether one is pending that ends the
-/// program, and comes to an end in order. The signal does its work when the last one is gone. One thread at a
-/// time holds back what stops the program, for all of them.
+/// Holds back the signals that end or stop a program while an object lives, so that no light stays on and
+/// every port is left as it was found: code that waits or sends checks whether a signal that ends the program
+/// is pending, and finishes what it has begun. The signal takes effect when the last object is gone. One
+/// thread at a time holds back what stops the program, on behalf of all threads.
 class HeldSignals {
  public:
   enum class Kinds { Ending, EndingAndStopping };

@@ -17,9 +17,9 @@ struct TimedCapture {
 /// brings back as it was.
 PulseTrain PulsesOfCapture(const TimedCapture& capture);
 
-/// A press as a capture to look at. A capture that was kept is as a line has shaped it, and comes back as it
-/// was; its lengths, which are whole samples, tell. Any other press is as a line would fill the buffer of a
-/// recording.
+/// A press as a capture to look at. One that was kept from a capture, which shows in lengths of whole
+/// samples, has been shaped by a line already and comes back as it was. Any other becomes what a line would
+/// record of it.
 /// @param usual sample time of captures of this machine, microseconds
 /// @param readBy what the capture is to be read by
 TimedCapture CaptureToShow(const Press& press, double usual, Analysis readBy);

@@ -78,10 +78,10 @@ std::int32_t PortLine::OpenCom(std::int32_t asked) {
   CloseCom();
   const auto mapped = std::find_if(map_.Ports.begin(), map_.Ports.end(),
                                    [port](const MappedPort& candidate) { return candidate.Port == port; });
-  // Whoever looks which ports there are waits for that of the settings all the same.
+  // A caller that tries which ports there are still waits for the one of the settings.
   if (mapped == map_.Ports.end()) return DoWithout(ofSettings_ ? *ofSettings_ : asked);
   whyNot_.clear();
-  // Whoever asks for all numbers would make each board on an adapter start anew, as an open pulses its lines.
+  // Opening a port pulses its lines: a caller that tries all numbers would reset every board on an adapter.
   if (!mapped->IsFoundOnUsb || IsOfSettings(asked)) return Open(*mapped);
   whyNot_ = SerialPort::Foresee(mapped->Device).Why;
   if (whyNot_.empty()) unused_ = *mapped;
@@ -149,7 +149,8 @@ int PortLine::WakeDescriptor() {
   if (watched_ >= 0 && watched_ != current) epoll_ctl(wakes_.Get(), EPOLL_CTL_DEL, watched_, nullptr);
   epoll_event readable{};
   readable.events = EPOLLIN;
-  // One that was closed and opened again under its number is no longer in it; any other is there already.
+  // A descriptor that was closed has left the set, even if its number is in use again; one that is still in
+  // the set is refused, which does no harm.
   if (current >= 0) epoll_ctl(wakes_.Get(), EPOLL_CTL_ADD, current, &readable);
   watched_ = current;
   return wakes_.Get();

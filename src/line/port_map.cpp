@@ -31,7 +31,7 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-/// A # within a word is of a topic.
+/// A # within a word belongs to a topic.
 std::string_view WithoutComment(std::string_view line) {
   for (auto at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
     if (at == 0 || kBlanks.find(line[at - 1]) != std::string_view::npos) return line.substr(0, at);

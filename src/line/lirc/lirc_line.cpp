@@ -122,7 +122,7 @@ bool LircLine::OpenDevice(Refusal& refusal) {
   return IsOpen();
 }
 
-/// A device that only sends has nothing to read, and tells only so that it went.
+/// A device that only sends is never read, so nothing else would show that it has gone.
 void LircLine::NoticeLoss() {
   pollfd device = {device_->Get(), POLLIN, 0};
   if (calls_.Poll(&device, 1, 0) > 0 && (device.revents & (POLLHUP | POLLERR)) != 0) Lose();
@@ -152,16 +152,16 @@ void LircLine::AddLength(bool mark, int length, Time end) {
   }
 }
 
-/// After a time-out the kernel tells the silence from there on alone; older ones have told all of it, which
-/// would end in the future then.
+/// After a time-out the kernel reports only the silence since then. Older kernels report all of it, which
+/// would end in the future if the time-out were added.
 int LircLine::WholeSilence(int length, Time now) {
   const int before = std::exchange(silence_, 0);
   const Time end = heardTill_ + microseconds(before) + microseconds(length);
   return end > now + microseconds(before / 2) ? length : length + before;
 }
 
-/// What is told now was over no sooner than the last look at a device that had nothing to tell; where the sum
-/// of the lengths is far from that, a silence was not told.
+/// What the device reports now cannot have ended before the last look that found nothing to read. Where the
+/// sum of the lengths ends long before that, the device has left out a silence.
 LircLine::Time LircLine::EndOf(int length, Time now) const {
   const Time end = heardTill_ + microseconds(length);
   return end + kTellingTime < emptyAt_ ? now : std::clamp<Time>(end, emptyAt_, now);
@@ -186,7 +186,7 @@ void LircLine::Take(std::uint32_t item, Time now) {
       TakeOverflow(now);
       break;
     default:
-      // The carrier is no length.
+      // A carrier has no length.
       break;
   }
 }

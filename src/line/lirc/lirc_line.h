@@ -84,9 +84,9 @@ class LircLine : public NodeLine {
   LineLosses losses_;
   std::vector<int> heard_;  // microseconds, mark first
   Time heardFrom_{0};       // when the first of them began
-  Time heardTill_{0};  // when the last item was over; the device tells lengths alone, and may be read late
-  Time emptyAt_{0};    // when the device had nothing more to tell
-  int silence_ = 0;    // microseconds, told since by its time-out
+  Time heardTill_{0};       // when the last item was over, by the sum of the lengths
+  Time emptyAt_{0};         // when the device had nothing more to tell
+  int silence_ = 0;         // microseconds, reported since by a time-out of the device
 };
 
 }  // namespace keplo

@@ -21,9 +21,9 @@ using std::chrono_literals::operator""ms;
 
 constexpr char kZoneQuestion = 'P';
 constexpr char kAnswerOffset = 64;  // the answer is the command without its highest bit
-/// What we send ourselves comes back from the receiver of that room as soon as this.
+/// Within this time the receiver of a room reports what we have sent there ourselves.
 constexpr auto kSlowestEcho = 500ms;
-/// Topics that are told apart; a flood of others begins again.
+/// Topics that are kept apart; when there are more, the count begins again.
 constexpr std::size_t kMostPlaces = 1000;
 
 std::string NameOfLine(const RoomMap& rooms) { return "mqtt:" + rooms.Filter; }
@@ -113,7 +113,7 @@ void RoomLine::Forget() {
   if (!std::exchange(justSent_, false)) heard_.clear();
 }
 
-/// A receiver may tell one frame of a press alone, which is drawn out as a recorded one is.
+/// A receiver may report a single frame of a press, which is then held like a recorded one.
 bool RoomLine::Capture(std::span<char> buffer, std::int32_t delay) {
   if (heard_.empty()) return false;
   LineOptions options = CaptureOptions(delay);

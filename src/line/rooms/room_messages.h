@@ -37,7 +37,7 @@ class RoomMessages {
   /// Waits until the message has arrived, for three seconds at most.
   /// @return whether it has; it is not sent later
   virtual bool Publish(const std::string& topic, const std::string& payload) = 0;
-  /// Whether somebody tells everybody on that topic of the signals that he hears, as we may do too.
+  /// Whether a program publishes on that topic the signals that it hears, as we may do too.
   virtual bool IsPublic(const std::string& topic) const = 0;
   /// Whether the messages of that topic are our own.
   virtual bool IsOwn(const std::string& topic) const = 0;

@@ -17,9 +17,9 @@ namespace {
 using std::chrono::nanoseconds;
 
 constexpr std::chrono::milliseconds kStopAgain{5};
-/// So long after a look of the owner, what is told may come of that look.
+/// An edge that the driver reports this soon after the owner read the port may be a result of that read.
 constexpr std::chrono::microseconds kOwnLook{500};
-/// Marks of remotes are shorter; a driver without an interrupt looks every 4 ms at most.
+/// Marks of remotes are shorter; a driver that polls does so every 4 ms at best.
 constexpr std::chrono::microseconds kPrompt{2500};
 
 /// A new thread takes over the signal mask; all signals but that of an interruption stay with the program's
@@ -80,7 +80,7 @@ void EdgeWatch::Look() {
   if (!edgesEnded_) calls_.Interrupt(edges_.native_handle());
 }
 
-/// What a change tells of the driver.
+/// Learns from a change how the driver reports edges.
 /// @param woken whether the wait has ended by it
 void EdgeWatch::Judge(nanoseconds at, bool woken) {
   if (!woken) {
@@ -108,7 +108,7 @@ std::optional<std::uint32_t> EdgeWatch::TakeUp(nanoseconds at, bool timed) {
   const std::uint32_t edges = count - std::exchange(counted_, count);
   const bool changed = std::exchange(level_, level) != level;
   if (edges == 0) return edges;
-  const bool twice = edges % 2 == 0;  // it is as it was, so it was the other way in between
+  const bool twice = edges % 2 == 0;  // the level is as before, and was the other one in between
   if (twice == changed) ++lost_;
   if (twice) log_.Add({at, !level}, 0);
   // Of several edges the time of one is known, and not even that for sure.
@@ -122,7 +122,7 @@ void EdgeWatch::WaitForEdges() {
   while (telling && !stopping_) {
     const bool woken = calls_.Ioctl(descriptor_, TIOCMIWAIT, reinterpret_cast<void*>(TIOCM_CD)) == 0;
     if (!woken && errno != EINTR) break;
-    // An edge that falls between the look and the next wait would be told with the one after it only.
+    // An edge between this look and the next wait would be reported only together with the one after it.
     std::optional<std::uint32_t> edges;
     do {
       const nanoseconds at = calls_.Now();

@@ -27,11 +27,11 @@ class EdgeWatch {
   /// Whether the driver has told an edge by itself. Nothing moves while a port is opened, so a driver that
   /// tells none is found out only later.
   bool Proven() const { return told_; }
-  /// Whether the driver does not tell its edges, or so late that those between two looks of its own are lost.
+  /// Whether the driver reports no edges, or so late that edges between two of its own looks are lost.
   bool Mute() const { return told_ ? lost_ >= kEnoughLost && !prompt_ : untold_ >= kEnoughUntold; }
 
-  /// While one lives its owner reads the port: that makes a driver tell what it would not have told by
-  /// itself.
+  /// Lives while the owner reads the port, which makes some drivers report what they would not have reported
+  /// by themselves.
   class OwnLook {
    public:
     explicit OwnLook(EdgeWatch* watch) : watch_(watch) {
@@ -50,7 +50,7 @@ class EdgeWatch {
   };
 
  private:
-  /// One may have come in the same moment as the look that found it.
+  /// A single one may have come at the very moment of the look that found it.
   static constexpr int kEnoughUntold = 2;
   /// A receiver that is switched on, or a spark, gives edges too close together for any driver.
   static constexpr int kEnoughLost = 3;

@@ -25,11 +25,11 @@ using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
 constexpr auto kAnswerTime = 200ms;  // the slowest zone hardware answers after 150
-constexpr auto kLongestMark = 20ms;  // of any remote; light that lasts longer may have ended untold
-constexpr auto kLamp = 100ms;        // light without a change for so long is no signal that began unheard
-/// An open port has flashed, which a receiver should take for no part of a signal.
+constexpr auto kLongestMark = 20ms;  // of any remote; the end of longer light may have gone unreported
+constexpr auto kLamp = 100ms;        // light that has not changed for this long is no signal
+/// Opening a port makes it flash, which a receiver should not take for a part of the signal.
 constexpr auto kAfterFlash = 20ms;
-constexpr int kEnoughUntold = 2;             // sampled signals
+constexpr int kEnoughUntold = 2;             // sampled signals show that a driver reports no edges
 constexpr auto kLook = 50us;                 // between two looks at a line without edges
 constexpr int kAnswerLook = 50;              // milliseconds between two looks whether the program is to end
 constexpr std::int32_t kTxdOutput = 1;       // bit of the interface type
@@ -51,7 +51,7 @@ std::optional<int> SerialLine::ModemLines() {
   return port_->Lines();
 }
 
-/// What nobody listens to, such as what we send ourselves, is no loss either.
+/// Edges that nobody listens to, such as those of our own sending, do not count as missed.
 void SerialLine::Drop(std::size_t edges) {
   log_.Drop(edges);
   missed_ = log_.Missed();
@@ -86,7 +86,7 @@ bool SerialLine::HungUp() {
 
 std::string SerialLine::Warning(Use /*use*/) const { return WhyUnfit(Node(), port_->HasModemLines()); }
 
-/// A call on a device that is gone fails; nothing else does.
+/// A call fails only if the device is gone.
 bool SerialLine::Worked(bool worked) {
   if (!worked) Lose();
   return worked;
@@ -95,7 +95,7 @@ bool SerialLine::Worked(bool worked) {
 void SerialLine::NoticeLoss() {
   if (!port_->HasModemLines()) Worked(!HungUp());
   if (!watch_) return;
-  // A driver that counts edges may not tell them; the port itself is there then, and is sampled.
+  // A driver that counts edges may not report them. The port is there all the same, and is sampled.
   const bool mute = watch_->Mute() || log_.Ended();
   if (mute && Worked(port_->Lines().has_value())) watch_.reset();
 }
@@ -114,7 +114,7 @@ void SerialLine::SetMode(std::int32_t mode) {
   if (!port_) return;
   const auto speed = mode == kZoneCharacters ? SerialPort::Speed::Characters : SerialPort::Speed::Carrier;
   if (!Worked(port_->SetSpeed(speed))) return;
-  // With new settings the driver stops telling edges, until a wait begins again.
+  // After a change of settings the driver reports no edges until a new wait begins.
   if (watch_) watch_->Look();
   if (mode != kZoneCharacters) Forget();
 }
@@ -138,7 +138,7 @@ std::optional<bool> SerialLine::Level() {
   return std::nullopt;
 }
 
-/// Whether a signal is known by its edges: until the driver has told one, by what is read.
+/// Whether signals are known by their edges. Until the driver has reported one, the line is sampled.
 bool SerialLine::HasEdges() const { return watch_ && watch_->Proven(); }
 
 /// Away from rest also while a signal waits in the log: between two marks the level itself rests.
@@ -158,7 +158,7 @@ bool SerialLine::EdgesWait(bool level) {
   const std::span<const Edge> edges = log_.Edges();
   if (FindBeginning(edges, RestLevel(), inside_)) return true;
   if (!inside_) {
-    // Light that has ended says nothing; light that the driver told no edge of is a signal all the same.
+    // Light that has ended means nothing; light of which the driver has reported no edge is a signal.
     Drop(edges.size());
     return level != RestLevel() && !stuckAt_;
   }
@@ -200,7 +200,7 @@ void SerialLine::Forget() {
 }
 
 void SerialLine::WaitForNews(Time until) {
-  // A driver that counts edges may tell none of them.
+  // A driver that counts edges may report none of them.
   if (HasEdges()) return log_.WaitUntil(until);
   const Hurry hurry;
   do {
@@ -255,8 +255,8 @@ bool SerialLine::CaptureEdges(std::span<char> buffer, const LineOptions& options
   return true;
 }
 
-/// A signal that has begun since the last look, up to now: what the driver has told of it, though not
-/// believed yet to tell all, is closer than samples that begin only now.
+/// The part up to now of a signal that has begun since the last look. What the driver has reported of it,
+/// though it has yet to prove that it reports all edges, is closer than samples that begin only now.
 KnownBeginning SerialLine::JustTold(Time now) {
   const std::span<const Edge> edges = log_.Edges();
   const auto begin = std::find_if(edges.begin(), edges.end(), [&](const Edge& edge) {
@@ -289,7 +289,7 @@ bool SerialLine::CaptureSamples(std::span<char> buffer, const LineOptions& optio
       full && std::all_of(samples.begin(), samples.end(), [](char byte) { return byte == '\xFF'; });
   if (allLight) NoticeStuck();
   inside_ = full && !allLight ? std::optional(calls_.Now()) : std::nullopt;
-  // A driver that tells edges would have told one of these, unless a look came in the same moment.
+  // A driver that reports edges would have reported one of these, unless a look came at the same moment.
   if (watch_ && !allLight && !watch_->Proven() && ++sampledUntold_ == kEnoughUntold) watch_.reset();
   Drop(log_.Edges().size());
   // Only lengths can be freed of what the receiver did to them.
@@ -305,7 +305,7 @@ bool SerialLine::Capture(std::span<char> buffer, std::int32_t delay) {
 
 bool SerialLine::Send(std::string_view bytes, std::chrono::microseconds slot, std::int32_t interfaceType) {
   const bool txd = (interfaceType & kTxdOutput) != 0;
-  if (!txd && !port_->HasModemLines()) return false;  // of which its user was warned
+  if (!txd && !port_->HasModemLines()) return false;  // the user has been warned
   calls_.SleepUntil(opened_ + kAfterFlash);
   // Characters for zone hardware are too slow to be a carrier.
   const std::int32_t before = mode_;

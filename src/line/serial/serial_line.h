@@ -16,8 +16,8 @@ struct KnownBeginning;
 
 /// A receiver on the carrier-detect line of a serial port, and a transmitter on its DTR or TxD line.
 ///
-/// A driver that tells edges is waited for: a capture begins with its first edge, however late anybody asks,
-/// and is made of edge times. Any other is sampled.
+/// Where the driver reports edges, a capture is made of their times and begins with the first edge, however
+/// late it is asked for. Any other port is sampled.
 class SerialLine : public NodeLine {
  public:
   /// @param device such as /dev/ttyS0; for the others see NodeLine
@@ -68,7 +68,7 @@ class SerialLine : public NodeLine {
   std::unique_ptr<SerialPort> port_;
   std::unique_ptr<EdgeWatch> watch_;  // none for a driver that tells no edges
   std::int32_t mode_ = 1;
-  /// The signal that is on may have begun unheard; when the line was seen to change last.
+  /// When the line was last seen to change, where that may have been inside a signal.
   std::optional<Time> inside_;
   std::optional<bool> stuckAt_;  // level of a line that stayed away from rest for a whole capture
   bool stuckTold_ = false;
@@ -76,7 +76,7 @@ class SerialLine : public NodeLine {
   LineLosses losses_;
   std::uint64_t missed_ = 0;  // edges so far, when some were dropped or captured last
   Time opened_{0};
-  int sampledUntold_ = 0;  // signals that had to be sampled, since no edge of theirs was told
+  int sampledUntold_ = 0;  // signals so far of which the driver has reported no edge
 };
 
 }  // namespace keplo

@@ -15,8 +15,8 @@ struct LineOptions {
   int HoldMs = 250;                        // nobody presses a key for less; 0: as recorded
   const Analysis* ReadBy = nullptr;        // what reads the captures; null for the first analysis
 
-  /// The second look judges frames by each other. Copies of a frame would agree with it whatever it lost, and
-  /// one that was left out cannot contradict.
+  /// The second look compares the frames of a press. Copies of a frame would agree with it even where it is
+  /// damaged, and a frame that was left out could not contradict it.
   bool KeepsFrames() const { return ReadBy != nullptr && *ReadBy == Analysis::Second; }
 };
 
