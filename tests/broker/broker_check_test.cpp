@@ -31,9 +31,8 @@ TEST_F(BrokerChecked, SaysWhatToDoAboutARefusal) {
   folder_.Write("right", "secret\n");
   folder_.Write("wrong", "terces\n");
   folder_.Write("empty", "\nsecret\n");
-  chmod((folder_ / "empty").c_str(), 0600);
-  chmod((folder_ / "right").c_str(), 0600);
-  chmod((folder_ / "wrong").c_str(), 0600);
+  for (const char* secret : {"empty", "right", "wrong"}) chmod((folder_ / secret).c_str(), 0600);
+  chmod((folder_ / "access").c_str(), 0644);
   const MosquittoServer password(folder_, secured), encrypted(folder_, tls), open(folder_);
   const struct {
     const char* Name;
