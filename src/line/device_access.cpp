@@ -55,9 +55,9 @@ std::string WhyForbidden(const std::string& device) {
 
 int ProcessNumber(const std::filesystem::path& folder) {
   const std::string name = folder.filename().string();
-  int number = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  return error == std::errc() && end == name.data() + name.size() ? number : 0;
+  int number = 0;  // stays so for a name that is none
+  std::from_chars(name.data(), name.data() + name.size(), number);
+  return number;
 }
 
 /// @return none where the system does not show it
