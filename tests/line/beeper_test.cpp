@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "doubles/temp_folder.h"
+#include "simulated_port.h"
 
 namespace keplo {
 namespace {
@@ -15,7 +16,7 @@ TEST(Beeper, PlaysTonesOfTheirPitchAndLengthThatBeginAndEndSoftly) {
   const tests::TempFolder folder;
   const std::string played = (folder.Path() / "played").string();
   folder.Write("asound.conf", "pcm.!default { type file slave.pcm { type null } file \"" + played + "\" }");
-  KernelCalls calls;
+  tests::SimulatedPort calls;  // for its clock
   std::vector<std::string> told;
   Beeper beeper(calls, [&](const std::string& text) { told.push_back(text); });
   setenv("ALSA_CONFIG_PATH", (folder.Path() / "none").c_str(), 1);
@@ -25,7 +26,7 @@ TEST(Beeper, PlaysTonesOfTheirPitchAndLengthThatBeginAndEndSoftly) {
   for (const auto& [frequency, duration] : {std::pair(5000, 50), {600, 200}}) {
     const auto end = calls.Now() + std::chrono::milliseconds(duration);
     beeper.Sound(frequency, duration);
-    EXPECT_GE(calls.Now(), end) << "the device takes it at once";
+    EXPECT_EQ(calls.Now(), end) << "the device takes it at once";
     const std::string bytes = folder.Read("played");
     std::vector<std::int16_t> tone(bytes.size() / 2);
     std::memcpy(tone.data(), bytes.data(), tone.size() * 2);

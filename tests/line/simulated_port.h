@@ -80,7 +80,7 @@ class SimulatedPort : public DeviceCalls {
   ssize_t Write(int descriptor, const void* data, std::size_t size) override {
     if (descriptor != kDescriptor) return static_cast<ssize_t>(size);
     if (!IsThere()) return errno = EIO, -1;
-    if (Interrupts > 0) return --Interrupts, errno = EINTR, -1;
+    if (Interrupts > 0) return errno = --Interrupts > 0 ? EINTR : EAGAIN, -1;
     Written.emplace_back(now_, std::string(static_cast<const char*>(data), size));
     if (!Answers.empty()) {
       arrived_.emplace_back(now_ + Answers.front().first, Answers.front().second);
