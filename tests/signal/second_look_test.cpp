@@ -94,7 +94,7 @@ TEST(SecondLook, ReadsEachLineCodeWithAnyExcess) {
        DistanceRuns({64, 32}, 8, 8, 26, kNecDigits + "1100110000110101"),
        "NEC " + kNecDigits + "1100110000110101"},
       {"18 digits behind a leader space of 3.4 base times",
-       Twice(DistanceRuns({73, 34}, 10, 10, 26, kNecDigits.substr(7, 18))),
+       Twice(DistanceRuns({45, 34}, 10, 10, 26, kNecDigits.substr(7, 18))),
        "NEC " + kNecDigits.substr(7, 18)},
       {"NEC behind the end of another frame", Then({10, 10, 10}, 95, NecRuns(kNecDigits)), "doubtful"},
       {"RCA", DistanceRuns({64, 64}, 8, 16, 32, kRcaDigits), "NEC " + kRcaDigits},

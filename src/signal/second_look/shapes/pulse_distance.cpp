@@ -73,14 +73,13 @@ std::optional<Frame> ReadDistances(const Body& body, const Leader* leader) {
 }
 
 /// Symbols of a leader. RunUnits writes a leader space of up to three base times as spaces, which read as a
-/// digit; codes that were learned have it. Spaces of 3.6 base times behind a leader of 7 are common, and
-/// jitter must not make them shorter ones now and then.
+/// digit; codes that were learned have it. Spaces of 3.6 base times are common, and jitter must not make them
+/// shorter ones now and then.
 std::string_view DistanceHead(const Leader& leader, const Frame& frame, bool spaceIsDistinct) {
-  constexpr double kLongMark = 5.5, kMostSpace = 3.5, kMostAfterLong = 3.25;  // base times
+  constexpr double kLeastDistinct = 3.25;  // base times
   const double units = (leader.Space + frame.Excess) / frame.Unit;
-  const bool isLong = leader.Mark + leader.MayLack - frame.Excess >= kLongMark * frame.Unit;
   if (units < 1.5) return "G0";
-  return units < (isLong ? kMostAfterLong : kMostSpace) || !spaceIsDistinct ? "G000" : "Gg";
+  return units < kLeastDistinct || !spaceIsDistinct ? "G000" : "Gg";
 }
 
 void TakeDistanceLeader(Frame& frame, const Leader& leader, const Body& body) {
