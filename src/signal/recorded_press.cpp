@@ -81,12 +81,18 @@ void TakeTiming(RecordReading& reading, Analysis analysis, std::int16_t baseT, s
   reading.ProtoKind = kind;
 }
 
-void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
-  const Timing& measured = state.Measured;
-  if (!AnalyseTiming(runs, state.Measured)) return reading.EndAt(RecordStage::NoTiming);
+/// @return false if there is nothing to read
+bool MeasurePlainly(RunSpan runs, Timing& measured, RecordReading& reading) {
+  if (!AnalyseTiming(runs, measured)) {
+    reading.EndAt(RecordStage::NoTiming);
+    return false;
+  }
   TakeTiming(reading, Analysis::First, measured.BaseT, measured.ProtoKind);
-  if (reading.ProtoKind == kUnknown) return;
+  return reading.ProtoKind != kUnknown;
+}
 
+void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
+  if (!MeasurePlainly(runs, state.Measured, reading)) return;
   WalkRecording(runs, reading.BaseT, reading.Runs);
   state.RunSymbols = reading.Runs.Symbols;
   CutToFirstMark(state.RunSymbols, reading.ProtoKind);
@@ -95,7 +101,6 @@ void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
 
 /// What the first analysis makes of a signal that the second look refuses would be made up.
 void Doubt(RecordReading& reading) {
-  if (reading.Ended < RecordStage::Fragment) return;
   const std::int16_t baseT = reading.BaseT;
   TakeTiming(reading, Analysis::Second, baseT, kUnknown);
   reading.IsDoubtful = true;
@@ -113,12 +118,12 @@ void ReadWithSecondLook(SignalState& state, RunSpan runs, RecordReading& reading
   const RobustReading& look = state.Second.Read(state.Samples, runs, state.SampleTime);
   if (look.Proven == RobustReading::Proof::Unsure) {
     ReadPlainly(state, runs, reading);
-    if (!CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
+    const bool isRead = reading.Ended >= RecordStage::Fragment;
+    if (isRead && !CouldBeDigitsOf(look, reading.Code, reading.ProtoKind)) Doubt(reading);
     return EndUnread(look, state.Measured, reading);
   }
   if (look.Proven == RobustReading::Proof::Refused || !look.HasFrames()) {
-    ReadPlainly(state, runs, reading);
-    Doubt(reading);
+    if (MeasurePlainly(runs, state.Measured, reading)) Doubt(reading);
     return EndUnread(look, state.Measured, reading);
   }
   state.Measured.BaseT = look.BaseT;
