@@ -71,7 +71,8 @@ bool Keplo::ReadAsDitto(MonitorReading& reading) {
   if (mod_.Settings.Analysis != Analysis::Second || !Key().IsContinuedAt(watch_.OnAir)) return false;
   const KeySignature& key = Key().Press()->Signature;
   SignalState& signal = mod_.Signal;
-  if (key.ProtoKind != kNec || !AreDittos(signal.Runs.Read(signal.Samples), key.BaseT, key.Leader))
+  if (key.ProtoKind != kNec ||
+      !AreDittos(signal.Runs.Read(signal.Samples), key.BaseT, key.Leader, signal.SampleTime))
     return false;
   Key().HearDitto(watch_.OnAir);
   reading.Ended = Stage::Code;
@@ -82,7 +83,7 @@ bool Keplo::ReadAsDitto(MonitorReading& reading) {
 
 bool Keplo::HasOnlyDittos() {
   SignalState& signal = mod_.Signal;
-  return AreDittos(signal.Runs.Read(signal.Samples), signal.Measured.BaseT, 0);
+  return AreDittos(signal.Runs.Read(signal.Samples), signal.Measured.BaseT, 0, signal.SampleTime);
 }
 
 /// The code of a key with two alternating frames consists of both. A capture during a hold may have only one
@@ -129,12 +130,13 @@ std::size_t Keplo::SecondTapIn(std::span<const TimedPiece> pieces, const Monitor
   const auto samples = [&](microseconds time) {
     return static_cast<double>(time.count()) / signal.SampleTime;
   };
-  return FindSecondTap(pieces, {samples(longest), reading.Dittos, static_cast<int>(samples(heard))});
+  const UsualRepeat usual{samples(longest), reading.Dittos, static_cast<int>(samples(heard))};
+  return FindSecondTap(pieces, usual, signal.SampleTime);
 }
 
 std::vector<MonitoredTap> Keplo::TapsOf(const MonitorReading& reading) {
   SignalState& signal = mod_.Signal;
-  const std::vector<TimedPiece> pieces = PiecesIn(signal.Runs.Read(signal.Samples));
+  const std::vector<TimedPiece> pieces = PiecesIn(signal.Runs.Read(signal.Samples), signal.SampleTime);
   const std::size_t second = SecondTapIn(pieces, reading);
   const auto at = [&](int samples) { return TimeOfSamples(samples, signal.SampleTime); };
   const auto tapOf = [&](std::span<const TimedPiece> tap) {

@@ -22,7 +22,8 @@ struct TimedPiece {
 };
 
 /// The pieces of a capture, in order.
-std::vector<TimedPiece> PiecesIn(RunSpan runs);
+/// @param sampleTime microseconds
+std::vector<TimedPiece> PiecesIn(RunSpan runs, double sampleTime);
 
 /// From the beginning of a frame to that of the next, samples; the longest if they differ.
 /// @return 0 for the pieces of a single frame
@@ -35,12 +36,15 @@ struct UsualRepeat {
   int Heard = 0;         // the same of the key as it was held so far, samples; 0 if nothing is known of it
 };
 
-/// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more: more time has passed
-/// than a held key lets pass, or, once it has sent its frame again, than this one does where one of them is
-/// lost; or such a key would have sent a sign. It is of the same key if it is whole, else of another one:
-/// whose repeats follow a cut one that begins as this key's does, nobody could tell, and it counts as held
-/// on.
+/// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more:
+/// - more time has passed than between two frames of any held key; or, where this key has already repeated
+///   its frame, more than it takes even if one repeat is lost;
+/// - or the key repeats by signs, and this is a frame.
+///
+/// A whole frame is a second tap of this key. One that the capture cuts is another key's, unless it begins
+/// like this key's: nothing tells then whose it is, and it counts as held on.
+/// @param sampleTime microseconds
 /// @return its place; 0 if all is one press
-std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual);
+std::size_t FindSecondTap(std::span<const TimedPiece> pieces, const UsualRepeat& usual, double sampleTime);
 
 }  // namespace keplo

@@ -34,11 +34,11 @@ bool IsHeldSign(int leader, int space, int mark, int usual) {
          IsWithin(space, usual, kMostSpace);
 }
 
-bool AreDittos(RunSpan runs, int baseT, int leader) {
+bool AreDittos(RunSpan runs, int baseT, int leader, double sampleTime) {
   constexpr std::size_t kSize = 3;
   int whole = 0;
   bool lastIsWhole = true;
-  const std::vector<TimedPiece> pieces = PiecesIn(runs);
+  const std::vector<TimedPiece> pieces = PiecesIn(runs, sampleTime);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     const RunSpan piece = pieces[i].Runs;
     if ((i > 1 && !lastIsWhole) || piece.size() > kSize) return false;

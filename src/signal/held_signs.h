@@ -17,6 +17,7 @@ bool IsHeldSign(int leader, int space, int mark, int usual);
 /// tail.
 /// @param baseT base time of the code that they repeat, samples
 /// @param leader mark of its leader, samples; 0 where it is not known
-bool AreDittos(RunSpan runs, int baseT, int leader);
+/// @param sampleTime microseconds
+bool AreDittos(RunSpan runs, int baseT, int leader, double sampleTime);
 
 }  // namespace keplo

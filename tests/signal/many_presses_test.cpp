@@ -149,7 +149,8 @@ struct Tally {
   }
   std::string Text() const {
     std::string text;
-    for (const auto& [end, count] : Ends) text += std::to_string(count) + " " + end + ", ";
+    for (const auto& [end, count] : Ends)
+      text += end == "wrong" ? "" : std::to_string(count) + " " + end + ", ";
     return text + "sum " + std::to_string(Sum % 1'000'000);
   }
 };
@@ -157,10 +158,11 @@ struct Tally {
 struct Kind {
   const char* Name;
   Sent (*Draw)(Dice& dice);
+  int MostWrong;
   std::string Read;
 };
 
-std::string ReadMany(const Kind& kind) {
+Tally ReadMany(const Kind& kind) {
   Dice dice(static_cast<unsigned>(TextHash(kind.Name)));
   Tally tally;
   SignalState state;
@@ -176,53 +178,57 @@ std::string ReadMany(const Kind& kind) {
     told << reading << CommonLengthsOf(state.Measured).Mark << CommonLengthsOf(state.Measured).Space;
     ReadCapture(monitored, state, Analysis::Second, reading);
     const RunSpan runs = state.Runs.Read(state.Samples);
-    const std::vector<TimedPiece> pieces = PiecesIn(runs);
+    const std::vector<TimedPiece> pieces = PiecesIn(runs, state.SampleTime);
     const UsualRepeat usual{FramePeriod(pieces) / 2.0, !sent.Ditto.empty()};
-    told << reading << state.Second.Heard() << usual.Longest << FindSecondTap(pieces, usual)
-         << AreDittos(runs, state.Measured.BaseT, reading.Leader)
+    told << reading << state.Second.Heard() << usual.Longest << FindSecondTap(pieces, usual, state.SampleTime)
+         << AreDittos(runs, state.Measured.BaseT, reading.Leader, state.SampleTime)
          << IsReadByMonitor(monitored, sent.Digits, state.SampleTime);
     for (const Analysis analysis : {Analysis::First, Analysis::Second}) {
       ReadRecordedCapture(Padded(capture, kRecordCaptureBytes), state, analysis, recording);
       told << recording;
     }
     const bool isCode = reading.Ended == Stage::Code, isRight = reading.Digits == sent.Digits;
-    tally.Take(isCode ? (isRight ? "right" : "other") : std::string(StageName(reading.Ended)), told.str());
+    tally.Take(isCode ? (isRight ? "right" : "wrong") : std::string(StageName(reading.Ended)), told.str());
   }
-  return tally.Text();
+  return tally;
+}
+
+/// Digits that nobody sent may only become fewer.
+void Expect(Tally tally, const Kind& kind) {
+  EXPECT_EQ(tally.Text(), kind.Read) << kind.Name;
+  EXPECT_LE(tally.Ends["wrong"], kind.MostWrong) << kind.Name;
 }
 
 /// Whoever makes readings better finds other counts here, and sees by them whether they are. A sum that
 /// differs beside equal counts is a detail that is told otherwise.
 TEST(ManyPresses, AreReadAsEver) {
   const Kind kinds[] = {
-      {"NEC", Nec,
+      {"NEC", Nec, 0,
        "1074 doubtful, 13 ends-in-mark, 61 length, 10 no-frame, 322 no-timing, 1430 right, 90 unknown, sum "
-       "287471"},
-      {"pulse distance", Distance,
-       "1767 doubtful, 12 ends-in-mark, 146 length, 38 no-frame, 547 no-timing, 116 other, 233 right, 141 "
-       "unknown, sum 876238"},
-      {"SONY", Sony,
-       "996 doubtful, 5 ends-in-mark, 128 length, 44 no-frame, 397 no-timing, 71 other, 1199 right, 160 "
-       "unknown, sum 904657"},
-      {"RC5", Rc5,
-       "523 doubtful, 4 ends-in-mark, 426 no-frame, 304 no-timing, 3 other, 1709 right, 31 unknown, sum "
-       "63186"},
-      {"RC6", Rc6,
-       "784 doubtful, 8 ends-in-mark, 5 length, 84 no-frame, 218 no-timing, 4 other, 1802 right, 95 unknown, "
-       "sum 731737"},
-      {"two in turns", InTurns,
-       "2109 doubtful, 143 length, 14 no-frame, 219 no-timing, 449 right, 66 unknown, sum 371177"},
-      {"frames after rests", AfterRests, "2053 doubtful, 162 length, 750 no-timing, 35 right, sum 848155"},
-      {"short base times", Fine,
-       "1254 doubtful, 10 ends-in-mark, 479 length, 50 no-frame, 241 no-timing, 3 other, 444 right, 519 "
-       "unknown, sum 922337"},
-      {"messages of three digits", Message,
-       "918 doubtful, 14 ends-in-mark, 49 length, 49 no-frame, 1308 no-timing, 42 other, 620 unknown, sum "
-       "62107"},
-      {"a lamp", Lamp,
-       "201 doubtful, 95 ends-in-mark, 10 length, 167 no-frame, 2366 no-timing, 161 unknown, sum 474289"},
+       "362699"},
+      {"pulse distance", Distance, 116,
+       "1767 doubtful, 12 ends-in-mark, 146 length, 38 no-frame, 547 no-timing, 233 right, 141 unknown, sum "
+       "501789"},
+      {"SONY", Sony, 71,
+       "996 doubtful, 5 ends-in-mark, 128 length, 44 no-frame, 397 no-timing, 1199 right, 160 unknown, sum "
+       "433800"},
+      {"RC5", Rc5, 3,
+       "523 doubtful, 4 ends-in-mark, 426 no-frame, 304 no-timing, 1709 right, 31 unknown, sum 660072"},
+      {"RC6", Rc6, 4,
+       "784 doubtful, 8 ends-in-mark, 5 length, 84 no-frame, 218 no-timing, 1802 right, 95 unknown, sum "
+       "229669"},
+      {"two in turns", InTurns, 0,
+       "2109 doubtful, 143 length, 14 no-frame, 219 no-timing, 449 right, 66 unknown, sum 807162"},
+      {"frames after rests", AfterRests, 0, "2053 doubtful, 162 length, 750 no-timing, 35 right, sum 123135"},
+      {"short base times", Fine, 3,
+       "1254 doubtful, 10 ends-in-mark, 479 length, 50 no-frame, 241 no-timing, 444 right, 519 unknown, sum "
+       "143895"},
+      {"messages of three digits", Message, 42,
+       "918 doubtful, 14 ends-in-mark, 49 length, 49 no-frame, 1308 no-timing, 620 unknown, sum 938986"},
+      {"a lamp", Lamp, 0,
+       "201 doubtful, 95 ends-in-mark, 10 length, 167 no-frame, 2366 no-timing, 161 unknown, sum 446236"},
   };
-  for (const Kind& kind : kinds) EXPECT_EQ(ReadMany(kind), kind.Read) << kind.Name;
+  for (const Kind& kind : kinds) Expect(ReadMany(kind), kind);
 }
 
 /// Learns raw commands of a few presses each, and hears them again.
@@ -265,11 +271,11 @@ class RawStudy {
     tally_.Take(digits.empty() ? "unknown"
                 : !match.Alone ? "alike"
                 : isRight      ? "right"
-                               : "other",
+                               : "wrong",
                 digits + "," + std::string(match.Other) + std::to_string(match.IsClose));
   }
 
-  std::string Text() const { return tally_.Text(); }
+  const Tally& Told() const { return tally_; }
 
  private:
   HeardLengths Hear(const Sent& sent, int frames) {
@@ -288,16 +294,16 @@ class RawStudy {
 
 TEST(ManyPresses, OfRawCommandsAreFoundAsEver) {
   const Kind kinds[] = {
-      {"messages", Message,
-       "1 0 forms, 18 1 forms, 24 2 forms, 12 3 forms, 5 4 forms, 47 alike, 12 other, 828 right, 2113 "
-       "unknown, sum 349447"},
-      {"pulse distance", Distance,
-       "1 0 forms, 18 1 forms, 26 2 forms, 14 3 forms, 1 4 forms, 311 alike, 4 other, 841 right, 1844 "
-       "unknown, sum 751642"},
-      {"two in turns", InTurns,
-       "1 0 forms, 15 1 forms, 29 2 forms, 14 3 forms, 1 4 forms, 15 alike, 8 other, 848 right, 2129 "
-       "unknown, sum 131060"},
-      {"frames after rests", AfterRests,
+      {"messages", Message, 12,
+       "1 0 forms, 18 1 forms, 24 2 forms, 12 3 forms, 5 4 forms, 47 alike, 828 right, 2113 unknown, sum "
+       "349447"},
+      {"pulse distance", Distance, 4,
+       "1 0 forms, 18 1 forms, 26 2 forms, 14 3 forms, 1 4 forms, 311 alike, 841 right, 1844 unknown, sum "
+       "751642"},
+      {"two in turns", InTurns, 8,
+       "1 0 forms, 15 1 forms, 29 2 forms, 14 3 forms, 1 4 forms, 15 alike, 848 right, 2129 unknown, sum "
+       "131060"},
+      {"frames after rests", AfterRests, 0,
        "3 0 forms, 18 1 forms, 25 2 forms, 12 3 forms, 2 4 forms, 282 alike, 936 right, 1782 unknown, sum "
        "117672"},
   };
@@ -305,7 +311,7 @@ TEST(ManyPresses, OfRawCommandsAreFoundAsEver) {
     RawStudy study(kind);
     for (int key = 0; key < 60; ++key) study.Learn();
     for (int press = 0; press < kPresses; ++press) study.Find();
-    EXPECT_EQ(study.Text(), kind.Read) << kind.Name;
+    Expect(study.Told(), kind);
   }
 }
 

@@ -88,7 +88,7 @@ TEST(HeldSigns, AreDittosHoweverSoonTheSamplesEndBehindThem) {
   for (const RunVector& runs :
        {RunVector{160, 40, 10}, {160, 40, 10, 30}, {160, 40, 10, 1700}, {160, 40, 10, 1700, 160, 40, 10, 30}})
     for (const int leader : {0, 125, 160})
-      EXPECT_TRUE(AreDittos(runs, 10, leader)) << ::testing::PrintToString(runs);
+      EXPECT_TRUE(AreDittos(runs, 10, leader, kNominalSampleTime)) << ::testing::PrintToString(runs);
 }
 
 /// Frames of 20 ms, or signs, at these times.
@@ -99,6 +99,7 @@ TEST(FrameTimes, TellTwoTapsFromAHeldKey) {
     bool BySigns;
     std::size_t Second;
     int Heard = 0;
+    double SampleTime = kNominalSampleTime;
   } rows[] = {
       {"its usual time", {{'f', 0}, {'f', 2000}}, false, 0},
       {"later", {{'f', 0}, {'f', 2700}}, false, 1},
@@ -115,10 +116,15 @@ TEST(FrameTimes, TellTwoTapsFromAHeldKey) {
       {"cut in a space", {{'f', 0}, {'e', 2700}}, false, 1},
       {"cut, of this key perhaps", {{'f', 0}, {'b', 2700}}, false, 0},
       {"cut in its usual time", {{'f', 0}, {'c', 2000}}, false, 0},
+      {"a leader's space of many short samples", {{'n', 0}, {'n', 3300}}, false, 1, 0, 40},
   };
-  const std::map<char, RunVector> known = {{'f', RunVector(13, 28)}, {'o', RunVector(15, 24)},
-                                           {'s', {160, 40, 10}},     {'c', RunVector(11, 20)},
-                                           {'e', RunVector(10, 20)}, {'b', RunVector(11, 28)}};
+  const std::map<char, RunVector> known = {{'f', RunVector(13, 28)},
+                                           {'o', RunVector(15, 24)},
+                                           {'s', {160, 40, 10}},
+                                           {'c', RunVector(11, 20)},
+                                           {'e', RunVector(10, 20)},
+                                           {'b', RunVector(11, 28)},
+                                           {'n', {225, 112, 14, 14, 14, 14, 14, 14, 14}}};
   for (const auto& row : rows) {
     RunVector runs;
     for (const auto& [what, begin] : row.Pieces) {
@@ -126,7 +132,8 @@ TEST(FrameTimes, TellTwoTapsFromAHeldKey) {
       runs.insert(runs.end(), known.at(what).begin(), known.at(what).end());
     }
     if (row.Pieces.back().first < 'b' || row.Pieces.back().first > 'e') runs.push_back(300);
-    EXPECT_EQ(FindSecondTap(PiecesIn(runs), {2500, row.BySigns, row.Heard}), row.Second) << row.Name;
+    const std::vector<TimedPiece> pieces = PiecesIn(runs, row.SampleTime);
+    EXPECT_EQ(FindSecondTap(pieces, {2500, row.BySigns, row.Heard}, row.SampleTime), row.Second) << row.Name;
   }
 }
 
