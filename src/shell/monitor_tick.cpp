@@ -108,7 +108,9 @@ void Keplo::ReadAndDispatch() {
     return ReportHeard();
   }
   if (isDitto) return HandleCode(reading);
-  for (const MonitoredTap& tap : TapsOf(reading)) {
+  const std::vector<MonitoredTap> taps = TapsOf(reading);
+  lastTick_.Taps = static_cast<int>(taps.size());
+  for (const MonitoredTap& tap : taps) {
     HearCode(reading, tap);
     HandleCode(reading);
     if (!tap.IsOver) continue;

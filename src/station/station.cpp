@@ -115,12 +115,12 @@ void Station::ReportLosses(const TickReport& tick) {
 }
 
 void Station::CountPress(const TickReport& tick) {
-  ++tally_.Presses;
-  ++tally_.AtStage.at(static_cast<std::size_t>(tick.Reading.Ended));
+  tally_.Presses += tick.Taps;
+  tally_.AtStage.at(static_cast<std::size_t>(tick.Reading.Ended)) += tick.Taps;
   tally_.Events += tick.Dispatched.Raised;
   const std::string reason = WhyNoEvent(tick);
   if (reason.empty()) return;
-  ++tally_.WithoutEvent;
+  tally_.WithoutEvent += tick.Taps;
   const PlayedPress* press = line_.Presses == nullptr ? nullptr : line_.Presses->LastPress();
   const std::string place =
       press == nullptr ? "a press" : press->Path + " press " + std::to_string(press->Number);

@@ -111,6 +111,8 @@ class OnePress : public ShellTest {
       reported += std::string("PHR")[static_cast<std::size_t>(change)];
     };
     control.TriggerInputEvent = [&](HostInputEvent&) { reported += 'e'; };
+    taps_ = 0;
+    control.OnPress = [&](const TickReport& tick) { taps_ += tick.Taps; };
     EXPECT_EQ(control.InputInitialise(nullptr), 1);
     mod_->Settings.Analysis = Analysis::Second;
     control.InputStartMonitoring();
@@ -126,6 +128,8 @@ class OnePress : public ShellTest {
     WriteConfig(Protocol("ANY", {"G" + code + ",KEY"}));
     WriteEvents({{"17", "Lamp on", "", "ANY&KEY", true, 0}});
   }
+
+  std::ptrdiff_t taps_ = 0;  // counted of what was monitored last
 };
 
 TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
@@ -174,6 +178,7 @@ TEST_F(OnePress, IsTwoPressesOfTwoTapsInOneCapture) {
     const PulseTrain tap = SynthPress(kind, second, once);
     press.insert(press.end(), tap.begin(), tap.end());
     EXPECT_EQ(Monitored({"a", {press}}), reported) << kind << " " << pause;
+    EXPECT_EQ(taps_, std::ranges::count(std::string_view(reported), 'P')) << kind << " " << pause;
   }
 }
 
