@@ -1,5 +1,6 @@
 #include "signal/decode.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <optional>
@@ -25,8 +26,9 @@ char* WriteLengths(std::string_view frame, char symbol, char* end) {
   constexpr std::size_t kAtOnce = 64;
   std::uint64_t before = 0;
   for (std::size_t first = 0; first < frame.size(); first += kAtOnce) {
-    const std::uint64_t places = PlacesOf(symbol, frame.substr(first, kAtOnce));
-    const std::uint64_t next = first + kAtOnce < frame.size() && frame[first + kAtOnce] == symbol ? 1 : 0;
+    const std::string_view rest = frame.substr(first);
+    const std::uint64_t places = PlacesOf(symbol, rest.substr(0, kAtOnce));
+    const std::uint64_t next = rest.substr(std::min(kAtOnce, rest.size())).starts_with(symbol) ? 1 : 0;
     const std::uint64_t several = places >> 1U | next << (kAtOnce - 1);
     for (std::uint64_t begins = places & ~(places << 1U | before); begins != 0; begins &= begins - 1)
       *end++ = (several >> std::countr_zero(begins) & 1U) != 0 ? '1' : '0';
