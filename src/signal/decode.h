@@ -10,22 +10,22 @@
 namespace keplo {
 
 /// Walks the runs of a signal into symbols, up to the end of its first frame: the first stretch of 1 and 0
-/// symbols, one a base time, that has on both sides a mark or space too long for a digit. The space that ends
-/// the samples is such a one, however short it is.
+/// symbols, one a base time, between two runs that are too long for a digit. The space that ends the samples
+/// counts as such a run, however short it is.
 /// @param runs end in a space
 /// @param baseT base time T, samples
-/// @param frame replaced by the symbols of the frame; keeps its memory
+/// @param frame replaced by the symbols of the frame; keeps its capacity
 /// @return false if there is no such stretch
 bool WalkFirstFrame(RunSpan runs, int baseT, std::string& frame);
 
-/// Place of the RC5 digit that flips on each new key press, from 0; it is no part of a command's identity
-/// and always becomes 0.
+/// Place of the RC5 toggle digit, from 0. It flips on each new key press, so it is no part of a command and
+/// is always stored as 0.
 inline constexpr std::size_t kToggleBitOffset = 2;
 
-/// The digit at that place of a frame, which DecodeCode leaves out; nothing in a frame that has none.
+/// The toggle digit of a frame of RC5 or RC6, which DecodeCode leaves out; nothing for other frames.
 std::optional<bool> ToggleOf(std::string_view frame, std::int16_t kind);
 
-/// Writes the digits of a frame of pulse distance or width, one at most for two symbols and one more.
+/// Writes the digits of a frame of pulse distance or width: at most half as many as it has symbols, and one.
 /// @param kind SONY is pulse width, any other pulse distance
 /// @return the place after them
 char* WriteDigits(std::string_view frame, std::int16_t kind, char* end);

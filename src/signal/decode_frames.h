@@ -13,7 +13,7 @@ namespace keplo {
 /// pulse width after the sixth mark in all.
 /// @param symbols run symbols beginning at a mark; for RC5 a g and then the first frame
 /// @param kind generic protocol; any other than SONY and RC5 is read as pulse distance
-/// @param decoded replaced by the result; keeps its memory
+/// @param decoded replaced by the result; keeps its capacity
 void DecodeFrames(std::string_view symbols, std::int16_t kind, std::string& decoded);
 
 /// The first two frames of a decoded recording; either may be empty, and the last may be cut off by the end.

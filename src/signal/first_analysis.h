@@ -41,14 +41,14 @@ struct Timing {
 /// @return true if a base time was found
 bool AnalyseTiming(RunSpan runs, Timing& timing);
 
-/// The lengths that the base time was looked for in, samples; 0 where no mark or no space is of such a
-/// length.
+/// The commonest lengths of marks and spaces, of which the base time is the mean, samples; 0 if none is of a
+/// length that a base time may have.
 struct CommonLengths {
   int Mark = 0, Space = 0;
 };
 CommonLengths CommonLengthsOf(const Timing& timing);
 
-/// Units of a run that is too long for a digit, which the walks turn into a mark.
+/// Units of a run that is too long for a digit, which becomes a border symbol.
 inline constexpr int kBorderUnits = 9;
 
 /// Length of one run in base times.

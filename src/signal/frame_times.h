@@ -8,11 +8,11 @@
 
 namespace keplo {
 
-/// What stands between two spaces that are longer than any inside a frame.
+/// A stretch of marks and spaces between two gaps; a gap is longer than any space inside a frame.
 struct TimedPiece {
   RunSpan Runs;       // from its first mark to its last
   int Begin = 0;      // samples from the beginning of the capture
-  bool Whole = true;  // the samples go on behind it, so that it is not cut
+  bool Whole = true;  // false if the capture ends inside it
 
   int End() const;  // of its last mark, samples
   bool IsFrame() const { return Runs.size() >= kFewestRuns; }
@@ -25,15 +25,15 @@ struct TimedPiece {
 /// @param sampleTime microseconds
 std::vector<TimedPiece> PiecesIn(RunSpan runs, double sampleTime);
 
-/// From the beginning of a frame to that of the next, samples; the longest if they differ.
-/// @return 0 for the pieces of a single frame
+/// The time from the beginning of one piece to that of the next, samples; the longest if they differ.
+/// @return 0 if there is only one
 int FramePeriod(std::span<const TimedPiece> pieces);
 
 /// How a key repeats its frame while it is held.
 struct UsualRepeat {
   double Longest = 0;    // from the beginning of a frame to that of the next, at most; samples
-  bool BySigns = false;  // with signs of three runs instead
-  int Heard = 0;         // the same of the key as it was held so far, samples; 0 if nothing is known of it
+  bool BySigns = false;  // it sends signs of three runs in place of frames
+  int Heard = 0;         // the period heard earlier in this press, samples; 0 if none was
 };
 
 /// Finds a frame that is no repeat of the one ahead of it, but a key pressed once more:

@@ -11,7 +11,7 @@
 
 namespace keplo {
 
-/// Where the road from a capture to a code ended.
+/// How far the reading of a capture came.
 enum class Stage {
   Empty,
   Short,
@@ -41,19 +41,19 @@ struct MonitorReading {
   explicit MonitorReading(Stage stage) : Ended(stage) {}
 
   Stage Ended = Stage::Empty;
-  std::optional<Analysis> ReadBy;  // which analysis the digits come from; nothing without any
-  /// Without the leading G; set from Stage::Length on, and a code only from Stage::Code on. At
-  /// Stage::Doubtful those of a frame that is alone: a code if the very same was learned.
+  std::optional<Analysis> ReadBy;  // the analysis that read the digits; none without digits
+  /// Without the leading G; set from Stage::Length on, and a code from Stage::Code on. At Stage::Doubtful
+  /// they are those of a single frame, which count only if a command with exactly these digits was learned.
   std::string Digits;
   std::optional<bool> Toggle;  // of a code that has a digit which flips on each new press
   bool Dittos = false;         // the frame was repeated by signs without digits, as NEC does
   int Leader = 0;              // mark of its leader, samples; 0 without one, or where it was not measured
-  int SecondTap = 0;           // where the same key begins once more, samples; 0 if it is not known to
+  int SecondTap = 0;           // where a second press of the key begins, samples; 0 if none is known
   std::optional<bool> SecondToggle;  // of that
 
   bool HasCode() const { return Ended >= Stage::Code; }
 
-  /// Forgets the last capture, but keeps the memory of its digits.
+  /// Clears the reading; the string keeps its capacity.
   void EndAt(Stage stage) {
     Ended = stage;
     ReadBy.reset();
@@ -74,16 +74,16 @@ Stage TrimCapture(std::string& capture);
 ///
 /// With Analysis::Second the second look goes first; it leaves the histograms alone. It accepts pulse width
 /// of 12 digits and more, where the first analysis knows 12 alone.
-/// @param reading replaced; one that is used again and again costs no memory
+/// @param reading replaced; one that is reused saves the allocations
 void ReadTrimmedCapture(SignalState& state, Analysis analysis, MonitorReading& reading);
 
-/// The whole road from the bytes of a capture to a code.
+/// Trims and reads the bytes of a capture.
 void ReadCapture(std::string_view capture, SignalState& state, Analysis analysis, MonitorReading& reading);
 MonitorReading ReadCapture(std::string_view capture, SignalState& state, Analysis analysis = Analysis::First);
 
-/// Whether the second look reads the code of a recording in what the monitor captures of it, too: a frame of
-/// some air conditioners outlasts such a capture, which is shorter, and not each number of digits is a code
-/// to the monitor.
+/// Whether the monitor would read the code of a recording too, with the second look. Its captures are
+/// shorter, so that the frames of some air conditioners do not fit, and it takes fewer numbers of digits for
+/// a code.
 /// @param recording samples from the first mark on
 /// @param sampleTime microseconds
 bool IsReadByMonitor(std::string_view recording, std::string_view code, double sampleTime);

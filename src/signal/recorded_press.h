@@ -19,12 +19,12 @@ namespace keplo {
 /// Length of the record flow's capture buffer, bytes.
 inline constexpr std::size_t kRecordCaptureBytes = 1000;
 
-/// Where the road from a recording to a code ended. Each stage knows all that the ones before it know.
+/// How far the reading of a recording came. Each stage keeps what the earlier ones found.
 enum class RecordStage {
   Empty,     // no signal in the capture
   Short,     // too little signal
   NoTiming,  // no base time
-  Unknown,   // a base time, and a line code that is none of the three, or see IsDoubtful
+  Unknown,   // a base time, but none of the line codes; or see IsDoubtful
   Fragment,  // one short frame: digits, but no command
   Code
 };
@@ -40,7 +40,7 @@ struct RecordedRuns {
 /// Walks the runs of a recording. A signal that ends in a mark, or in a short space, simply ends there. A
 /// first mark of length 0, before a space, counts as one unit.
 /// @param baseT base time T, samples
-/// @param walked replaced; keeps its memory
+/// @param walked replaced; keeps its capacity
 void WalkRecording(RunSpan runs, int baseT, RecordedRuns& walked);
 
 /// Run lengths as one text, each after a -: "-160-10-11".
@@ -57,8 +57,8 @@ struct RecordReading {
   Analysis ReadBy = Analysis::First;
   std::int16_t BaseT = 0;  // samples
   std::int16_t ProtoKind = kUnknown;
-  bool IsDoubtful = false;    // there are frames, but they differ, or are none that can be believed
-  bool HasOddLength = false;  // ... or are whole, and of a number of digits that no code has
+  bool IsDoubtful = false;    // there are frames, but they differ or cannot be believed
+  bool HasOddLength = false;  // ... or they are whole, with a number of digits that no code has
   int PulseUs() const { return BaseT * kNominalSampleTime; }  // base time, microseconds
 
   // From Fragment on.
@@ -80,7 +80,7 @@ struct RecordReading {
   std::optional<char> Toggle;        // RC5 and RC6: the toggle digit as it was received
   std::optional<CodeValues> Values;  // address and command
 
-  /// Forgets the last recording, but keeps the memory of its texts.
+  /// Clears the reading; its strings keep their capacity.
   void EndAt(RecordStage stage);
 };
 
@@ -92,10 +92,10 @@ RecordStage TrimRecording(std::string& capture);
 /// Reads the trimmed capture of the state; fills its Measured, of which base time and kind stay as they were
 /// if nothing can be measured.
 /// @param analysis with Analysis::Second the whole frames that the second look finds, where there are any
-/// @param reading replaced; one that is used again and again costs no memory
+/// @param reading replaced; one that is reused saves the allocations
 void ReadTrimmedRecording(SignalState& state, Analysis analysis, RecordReading& reading);
 
-/// The whole road from the bytes of a capture; leaves capture and timing in the state.
+/// Trims and reads the bytes of a capture; leaves capture and timing in the state.
 void ReadRecordedCapture(std::string_view capture, SignalState& state, Analysis analysis,
                          RecordReading& reading);
 RecordReading ReadRecordedCapture(std::string_view capture, SignalState& state,

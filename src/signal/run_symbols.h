@@ -10,14 +10,14 @@
 
 namespace keplo {
 
-/// Marks of a frame's borders: G for a mark too long for a digit, g for such a space or the end of the
-/// signal.
+/// Symbols of a frame's borders: G for a mark that is too long for a digit, g for such a space or the end of
+/// the signal.
 inline constexpr std::string_view kMarks = "Gg";
 
-/// Whether a run is too long for a digit, so that a mark stands for it.
+/// Whether a run is too long for a digit, so that a border symbol stands for it.
 constexpr bool IsBorder(int run, int baseT) { return RunUnits(run, baseT) == kBorderUnits; }
 
-/// Writes run symbols over a text, whose memory stays from one signal to the next.
+/// Writes run symbols over a text, which keeps its capacity from one signal to the next.
 class SymbolWriter {
  public:
   /// @param runs the most that are written

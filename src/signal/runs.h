@@ -14,7 +14,7 @@ using RunSpan = std::span<const int>;
 
 inline bool EndsInMark(RunSpan runs) { return runs.size() % 2 == 1; }
 
-/// Finds the runs of captures; keeps its memory from one capture to the next.
+/// Finds the runs of captures; reuses its buffer from one capture to the next.
 class RunReader {
  public:
   /// @return valid until the next call; empty without samples

@@ -10,8 +10,8 @@ namespace keplo {
 /// Samples in a word.
 inline constexpr std::size_t kBitsPerWord = 64;
 
-/// The samples of a capture, 64 to a word, the earliest in the lowest bit. Keeps its memory from one capture
-/// to the next.
+/// The samples of a capture, 64 to a word, the earliest in the lowest bit. Keeps its capacity from one
+/// capture to the next.
 struct SampleWords {
   std::vector<std::uint64_t> Words;  // 0 after the last sample
   std::size_t Size = 0;              // samples

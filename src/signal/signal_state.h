@@ -10,7 +10,7 @@
 
 namespace keplo {
 
-/// What a capture leaves in the module state, and what reads it, which keeps its memory for the next capture.
+/// The last capture and what was measured in it, beside the readers, which reuse their buffers for the next.
 struct SignalState {
   std::string RawCapture;
   double SampleTime = kNominalSampleTime;  // of the capture, microseconds
@@ -22,8 +22,8 @@ struct SignalState {
   SecondLook Second;
   std::string SendAs;  // of the code recorded last, see RecordReading
 
-  /// One character 0 or 1 a sample of RawCapture. The analyses work on runs, so that the string is made for
-  /// those only who look at it.
+  /// RawCapture as text, one character 0 or 1 a sample. It is made only on demand, since the analyses work on
+  /// runs.
   std::string SampleBits() const { return SamplesToBits(RawCapture); }
 };
 

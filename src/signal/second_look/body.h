@@ -13,7 +13,7 @@ inline constexpr std::size_t kFewestMarks = 12;  // of a clean signal, not of no
 /// A leader in front of a frame, samples.
 struct Leader {
   int Mark = 0, Space = 0;
-  int MayLack = 0;  // of the mark, where the capture may have begun within it
+  int MayLack = 0;  // by how much the mark may have been longer, if the capture began inside it
 
   /// Whether the mark, with what the capture may have missed of it, lies between two lengths.
   bool MarkIsWithin(double excess, double least, double most) const {
@@ -40,15 +40,15 @@ struct Body {
   }
 };
 
-/// What is told of the runs of a press at first sight, samples.
+/// A first estimate of the lengths in a press, samples.
 struct RoughLengths {
   static constexpr int kLongestTold = 255;
 
-  double Unit = 0;  // about one base time; up to two where the longer runs are the commoner by far
+  double Unit = 0;  // about one base time; up to two where longer runs are far more common
   int Longest = 0;  // run, kLongestTold at most
 };
 
-/// Measures the runs of a press and of its pieces; keeps its memory from one to the next.
+/// Measures the runs of a press and of its pieces; reuses its buffers from one to the next.
 class BodyReader {
  public:
   /// @param us length of a sample of the captures to come, microseconds

@@ -6,20 +6,20 @@
 
 namespace keplo::robust {
 
-/// Of a code that is all but one digit what its protocol sends: the digits of which any may be the one that
-/// is wrong, where it takes more to doubt the code.
+/// For a code that fails its protocol's own check by one digit: the digits of which one may be wrong. They
+/// alone do not spoil the code; how clearly they were heard decides.
 struct SuspectDigits {
   static constexpr std::size_t kMost = 2;
   std::array<std::size_t, kMost> Places{};
   std::size_t Number = 0;
-  /// Whether hardly any protocol sends such codes. Else some remotes do, whose digits are no inverse ones.
+  /// Whether the code is doubtful in any case, since hardly any remote sends such codes.
   bool SpoilCode = false;
 
   void Add(std::size_t place) { Places.at(Number++) = place; }
 };
 
-/// The suspects among 32 or 48 digits of pulse distance; none where their inverse bytes or sums hold, or
-/// there are none of these.
+/// The suspects among 32 or 48 digits of pulse distance; none where the inverse bytes or sums are right, or
+/// where the code has none.
 SuspectDigits SuspectsOf(std::string_view digits);
 
 }  // namespace keplo::robust

@@ -59,9 +59,9 @@ struct Frame {
   bool Clear = false;  // no run is anywhere near the middle between two lengths
   LeaderKind Leads = LeaderKind::Other;
   Leader Led;              // as it was heard; no length without one
-  bool Ends = true;        // the signal ends after it, or rests for longer than lost marks would make it
+  bool Ends = true;        // the signal ends here, or is silent for longer than lost marks could explain
   int After = 0;           // the space after, samples
-  bool ThenLeader = true;  // what comes after it begins with one, if anything comes
+  bool ThenLeader = true;  // what follows, if anything, begins with a leader
   int Dittos = 0;          // right after it: NEC's sign that the key is still held
   bool HeldOn = false;     // right after it: NEC's sign or that of another remote
 
@@ -71,31 +71,31 @@ struct Frame {
   bool SameCode(const Frame& other) const;
 };
 
-/// A line code, as the second look tells it from others and believes it.
+/// A line code: how the second look recognises it, and what makes it believe a frame.
 struct LineShape {
   std::int16_t Kind;     // generic protocol, in whose symbols its frames are written
-  double RestUnits;      // silence after a frame, base times, that no lost marks would leave
-  bool BeginsAtLeader;   // a frame without one may have lost its head
+  double RestUnits;      // silence that lost marks could not explain, base times; ends a frame
+  bool BeginsAtLeader;   // a frame without a leader may have lost its beginning
   bool ShowsLostRuns;    // a stray or a lost run spoils the frame; else it may read as another one
-  bool HalvesLookWhole;  // a lost mark may part a frame into two equal ones
-  bool TellsLeader;      // Read takes no mark of a digit for a leader, however short that is
+  bool HalvesLookWhole;  // a lost mark may split a frame into two equal ones
+  bool TellsLeader;      // Read itself tells a leader from the mark of a digit, so that it may be short
   bool HasToggle;        // a digit that is no part of the code flips from press to press
-  bool HasWholeUnits;    // each run of a frame is some base times, and two lengths are one apart
+  bool HasWholeUnits;    // each run is a whole number of base times, and two lengths differ by one
 
-  /// The frame of a body whose lengths are those of the line code, but for its leader.
+  /// The frame of a body whose lengths fit the line code, without what TakeLeader sets.
   /// @param leader the one in front of the body; null without one
   std::optional<Frame> (*Read)(const Body& body, const Leader* leader);
   /// Takes the leader into a frame that Read gave for it: Head, Leads and Digits.
   void (*TakeLeader)(Frame& frame, const Leader& leader, const Body& body);
-  /// Whether a clear frame may be taken without an equal one beside it. A frame that lost marks or was cut
-  /// has other lengths than these; what the many user-defined codes have is proven by their repeats.
+  /// Whether a clear frame is believed without a second one like it: its number of digits is one that lost
+  /// marks or a cut do not leave. The many user-defined codes have any number, and need their repeat.
   bool (*ProvesItself)(const Frame& frame);
 };
 
 inline std::int16_t Frame::Kind() const { return Shape->Kind; }
 
-/// The digits of a frame of pulse distance or width. They are kept in place: what is asked of each press gets
-/// no memory for it.
+/// The digits of a frame of pulse distance or width. They are stored in place, since every press needs them
+/// and should allocate nothing.
 class FrameDigits {
  public:
   explicit FrameDigits(const Frame& frame);
@@ -107,11 +107,11 @@ class FrameDigits {
   std::size_t size_;
 };
 
-/// Digits of either kind in a code that nothing but its repeat proves, at least.
+/// How many zeros and how many ones a code must have at least if only its repeat proves it.
 inline constexpr std::ptrdiff_t kFewestOfEach = 3;
 
-/// Whether there are so many digits of either kind. Pulses of one length make equal digits, and those that
-/// fail now and then one or two odd ones.
+/// Whether there are so many zeros and so many ones. Pulses of one length read as equal digits, with one or
+/// two odd ones where a pulse fails.
 bool HasBothDigits(std::string_view digits, std::ptrdiff_t fewest);
 
 }  // namespace keplo::robust

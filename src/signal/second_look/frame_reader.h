@@ -23,7 +23,7 @@ struct Findings {
   std::vector<Piece> Unknown;    // whole and clean, but of none of the line codes
   std::size_t UnknownMarks = 0;  // in the first of them, after its leader; 0 without one
   std::size_t MostUnread = 0;  // runs of the longest piece that is neither read nor cut by the capture's end
-  bool Stray = false;  // its runs fall into no lengths, so that those of its neighbours are in doubt too
+  bool Stray = false;  // some piece has runs of no clear lengths, which puts its neighbours in doubt too
   std::vector<OtherPiece> Others;  // neither frame nor ditto nor the leader of a frame
 };
 
@@ -33,7 +33,7 @@ bool HasLeaderInside(const Piece& piece);
 /// Whether a piece is a single mark that stands well above those of the next piece, and right in front of it.
 bool LeadsFrame(const Piece& before, const Piece& piece);
 
-/// Reads the frames of captures; keeps its memory from one to the next.
+/// Reads the frames of captures; reuses its buffers from one to the next.
 class FrameReader {
  public:
   /// @param runs must outlive the findings

@@ -6,13 +6,13 @@
 
 namespace keplo::robust {
 
-/// How far the runs of a frame are from the lengths that all of them tell. A run that something stretched or
-/// shortened to the length of another digit is mostly further off than the others.
+/// How far each run of a frame is from the length that all runs together suggest. A run that was stretched or
+/// shortened into another digit is usually further off than the others.
 class LengthFit {
  public:
   explicit LengthFit(const Frame& frame);
 
-  /// Whether no run is further off than the others let expect.
+  /// Whether no run is further off than the others would suggest.
   bool IsClose() const { return worst_ <= slack_; }
   /// Whether a run is no further off than most.
   bool IsUsual(std::size_t run) const;

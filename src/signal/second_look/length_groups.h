@@ -25,14 +25,14 @@ struct Lengths {
   const Length& Short() const { return Of[0]; }
   const Length& Long() const { return Of[1]; }
   const Length& Longest() const { return Of.at(Number - 1); }
-  /// The shortest run that is rather one of the longer length; of one length or more than two none is.
+  /// The shortest run that counts as the longer of two lengths. With one length, or more than two, none does.
   int LeastLong() const {
     return Number == 2 ? (Short().Most + Long().Least) / 2 + 1 : std::numeric_limits<int>::max();
   }
   bool IsLong(int run) const { return run >= LeastLong(); }
 };
 
-/// Counts the runs of each length; keeps its memory from one piece of a press to the next.
+/// Counts the runs of each length; reuses its buffers from one piece of a press to the next.
 class LengthCounts {
  public:
   /// Counts the first of some runs and every other one after it.
@@ -57,8 +57,8 @@ class LengthCounts {
   void CountLong(std::size_t length);
   int CountOf(std::size_t length) const { return counts_[0][length] + counts_[1][length]; }
 
-  /// Of each length two that take turns: equal runs follow each other, and nothing can be added to a number
-  /// in memory before the addition ahead of it is through.
+  /// Two counters for each length, used in turn: equal runs often follow each other, and an addition to a
+  /// counter in memory waits for the one before it.
   std::array<std::vector<int>, 2> counts_ = {std::vector<int>(kBits), std::vector<int>(kBits)};
   std::vector<std::uint64_t> occupied_ = {0};  // a bit for each length that occurs
   std::size_t words_ = 1;                      // of these that hold any
@@ -67,7 +67,7 @@ class LengthCounts {
 /// From the shorter of two lengths to the longer, samples; free of excess.
 double Step(const Lengths& lengths);
 
-/// Whether nothing strays anywhere near the middle between the two lengths.
+/// Whether no run lies anywhere near the middle between the two lengths.
 bool IsClear(const Lengths& lengths);
 
 constexpr bool Within(double value, double least, double most) { return value >= least && value <= most; }

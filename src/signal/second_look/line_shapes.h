@@ -12,8 +12,8 @@ extern const LineShape kPulseDistanceShape;
 extern const LineShape kPulseWidthShape;
 extern const LineShape kRc6Shape;
 
-/// A mark is a leader if it is longer than all others by this. SONY: 4 to 2 base times, with 300 us of mark
-/// excess still 1.7.
+/// A mark is a leader if it is this many times as long as any other. SONY has 4 to 2 base times, which 300 us
+/// of mark excess still leave at 1.7.
 inline constexpr double kLeaderOverMarks = 1.4;
 
 /// The frame of a body, if its runs fall into the lengths of one of the line codes; its symbols are not

@@ -15,7 +15,7 @@ struct PressRuns {
 
 PressRuns FromFirstMark(RunSpan runs);
 
-/// What stands between two long spaces.
+/// The runs between two long spaces.
 struct Piece {
   const int* First = nullptr;  // marks and spaces in turn, a mark at both ends
   std::size_t Size = 0;
@@ -24,9 +24,10 @@ struct Piece {
   bool IsSingle() const { return Size == 1; }
 };
 
-inline constexpr double kGapUnits = 5.5;  // longer spaces part frames; within a frame four base times occur
+/// Longer spaces separate frames, base times; inside a frame there are spaces of four.
+inline constexpr double kGapUnits = 5.5;
 
-/// Parts the runs at long spaces.
+/// Splits the runs at long spaces.
 /// @param unit of the press, as RoughLengths has it
 /// @param pieces replaced; point into the runs
 void SplitPieces(const PressRuns& runs, double unit, std::vector<Piece>& pieces);

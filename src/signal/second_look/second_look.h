@@ -18,7 +18,7 @@ struct RobustReading {
     Sure,    // Frame holds the code
     Single,  // Frame holds the code of the only frame, or of the only two; nothing contradicts it, and it
              // proves too little by itself
-    Unsure,  // a clean signal, but of none of the line codes, or too fine
+    Unsure,  // a clean signal, but of none of the line codes, or too short a base time
     Refused  // noise, pieces of frames, or frames that contradict each other: there is no code to be had
   };
 
@@ -27,7 +27,7 @@ struct RobustReading {
   std::int16_t ProtoKind = kUnknown;
   bool Dittos = false;  // a frame was repeated by signs without digits
   int Leader = 0;       // mark of the leader of Frame, samples; 0 without one
-  int FlipsAt = 0;      // where a frame with the other toggle begins, samples; 0 without one
+  int FlipsAt = 0;      // where the first frame with the other toggle begins, samples; 0 without one
 
   /// Run symbols of the whole frames in the order received, beginning at a mark, as DecodeFrames takes them;
   /// those of the code alone, if one frame is proven. Empty if there is none, or only one without a leader
@@ -36,11 +36,11 @@ struct RobustReading {
 
   /// Run symbols of the frame that is proven or alone, as DecodeCode takes them.
   std::string Frame;
-  /// The same of the other one, where two alternating frames are one command; else empty.
+  /// The same for the second frame, where two alternating frames make one command; else empty.
   std::string OtherFrame;
 
-  /// At Unsure the number of marks in a frame that was sent twice, after its leader; 0 if nothing tells it.
-  /// What another analysis reads must have so many.
+  /// At Unsure how many marks follow the leader in a frame that was sent twice; 0 if that is not known. What
+  /// another analysis reads must fit that number.
   std::size_t UnreadMarks = 0;
 
   bool HasFrames() const { return !Symbols.empty(); }
@@ -49,14 +49,14 @@ struct RobustReading {
   void Decode(std::string& digits) const;
 };
 
-/// What a reading goes by, for those who tell a person why it ended as it did.
+/// What a reading is based on, for telling a person why it ended as it did.
 struct FramesHeard {
   std::int16_t BaseT = 0;  // as RobustReading has them
   std::int16_t ProtoKind = kUnknown;
   int Frames = 0;        // whole ones of a line code
   int Alike = 0;         // the most of them that have the same digits
-  int Others = 0;        // pieces that are none, such as half a frame
-  bool TooFine = false;  // the base time is too short for receivers to keep its spaces
+  int Others = 0;        // pieces that are no frame, such as half of one
+  bool TooFine = false;  // the base time is so short that receivers lose its spaces
   /// Places, from 1, of the digits in which the first frame differs from the next one with as many; empty
   /// without such a one.
   std::vector<std::size_t> Differ;
@@ -67,24 +67,24 @@ struct FramesHeard {
   robust::FrameDoubt Doubt = robust::FrameDoubt::None;
 };
 
-/// Whether another analysis may have read digits from an unsure signal: a digit for each mark of its frame,
-/// and enough of either kind. Marks that it took for borders, or for two, leave other numbers.
+/// Whether the digits that another analysis read from an unsure signal may be right: one for each mark of its
+/// frame, and enough zeros and ones. A mark that it took for a border, or for two marks, changes the number.
 bool CouldBeDigitsOf(const RobustReading& look, std::string_view digits, std::int16_t kind);
 
-/// Of two analyses that read nothing the one that has come further tells why: the second look where it
-/// refuses a signal, or where the first found no base time.
+/// Of a signal that neither analysis could read, takes the base time of the second look if that one tells
+/// why: if it refuses the signal, or if the first analysis found no base time.
 /// @param noTiming whether the first analysis found none
-/// @return true if it is the second look, whose base time is measured then
+/// @return whether it was taken; the kind is unknown then
 bool TakeUnread(const RobustReading& look, bool noTiming, Timing& measured);
 
-/// Reads captures frame by frame; keeps its memory from one to the next.
+/// Reads captures frame by frame; reuses its buffers from one to the next.
 ///
 /// Frames are split at long spaces. Within a frame a leader stands well above the other marks; what is left
 /// must fall into at most two lengths of mark and two of space, and those be the lengths of one of the line
 /// codes. Frames that are cut, or that fit none of these, are left out.
 ///
 /// Runs of up to two samples are taken for interference. A clean signal with a base time of less than 5
-/// samples, whose short spaces may be as short, is not read: there is no frame, and Unsure.
+/// samples, whose short spaces may be as short, is not read: it has no frame and is Unsure.
 class SecondLook {
  public:
   /// @param allRuns those of the samples; must outlive what is asked about the reading

@@ -5,14 +5,14 @@
 
 namespace keplo::robust {
 
-/// Runs of up to so many samples are taken for interference and belong to what comes before them.
+/// Runs of up to this many samples are taken for interference and count as a part of what comes before them.
 inline constexpr int kInterference = 2;
 
 /// Whether a signal has interference. Silence comes before the first sample.
 bool HasInterference(RunSpan runs);
 
-/// Frees samples of interference.
-/// @param smooth replaced; keeps its memory
+/// Removes the interference from samples.
+/// @param smooth replaced; keeps its capacity
 void SmoothSamples(const SampleWords& samples, SampleWords& smooth);
 
 }  // namespace keplo::robust
