@@ -190,6 +190,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"SONY, then cut in a mark", Then(sony, 200, UpTo(sony, 9)), "SONY " + kSonyDigits},
       {"a spike within a space", spiked, "NEC " + kNecDigits},
       {"a lone mark far ahead", Then({60}, 600, sony), "SONY " + kSonyDigits},
+      {"... of a line code without a leader", Then({60}, 600, rc5), "RC5 " + kRc5Digits},
       {"NEC alone, head cut", From(nec, 20), no},
       {"NEC alone, end cut", UpTo(nec, 35), no},
       {"RC5 alone, head cut", From(rc5, 2), no},
