@@ -12,7 +12,7 @@ namespace keplo {
 
 namespace {
 
-constexpr int kLastMark = 6;  // marks that end the decoding: by then two frames and more have been seen
+constexpr int kLastMark = 6;  // borders that end the decoding: two frames and more are known by then
 
 constexpr bool IsMark(char symbol) { return symbol == 'G' || symbol == 'g'; }
 

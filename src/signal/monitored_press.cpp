@@ -46,7 +46,7 @@ void ReadFrameOf(const RobustReading& look, Timing& measured, MonitorReading& re
   if (look.FlipsAt > 0 && reading.Toggle) reading.SecondToggle = !*reading.Toggle;
 }
 
-/// Ends a reading that neither of the two ways has made of a signal.
+/// Ends the reading of a signal that neither analysis could read.
 void EndUnread(const RobustReading& look, Timing& measured, MonitorReading& reading) {
   if (look.Proven == RobustReading::Proof::Refused) return reading.EndAt(Stage::Doubtful);
   if (TakeUnread(look, reading.Ended == Stage::NoTiming, measured)) reading.EndAt(Stage::Unknown);

@@ -8,7 +8,8 @@ constexpr std::size_t kHeadDigits = 4;  // start and mode; the toggle follows
 constexpr std::size_t kMode0Digits = 20, kMode6Digits = Rc6Frame::kMostDigits;
 constexpr std::size_t kToggleHalves = 4;
 
-/// Remotes of media centres have their toggle among the digits of mode 6, and the one of double length rests.
+/// Remotes of media centres have their toggle among the digits of mode 6; the one of double length stays as
+/// it is.
 constexpr std::string_view kMediaCentre = "111010000000";
 constexpr std::size_t kMediaCentreToggle = 20;
 

@@ -65,7 +65,7 @@ void ReadCode(RecordReading& reading, std::string_view symbols) {
   if (!piece) ExplainCode(reading);
 }
 
-/// Two alternating frames are one command, and seeing the first of them again is its repeat.
+/// Two alternating frames are one command, which repeats if the first of them comes again.
 void TakeTurns(const RobustReading& look, RecordReading& reading) {
   look.Decode(reading.Code);
   const bool fromSecond = !reading.Code.starts_with(DecodeCode(look.Frame, look.ProtoKind));
@@ -99,14 +99,14 @@ void ReadPlainly(SignalState& state, RunSpan runs, RecordReading& reading) {
   ReadCode(reading, state.RunSymbols);
 }
 
-/// What the first analysis makes of a signal that the second look refuses would be made up.
+/// Digits of a signal that the second look refuses would be made up, so that only the base time is told.
 void Doubt(RecordReading& reading) {
   const std::int16_t baseT = reading.BaseT;
   TakeTiming(reading, Analysis::Second, baseT, kUnknown);
   reading.IsDoubtful = true;
 }
 
-/// Ends a reading that neither of the two ways has made of a recording.
+/// Ends the reading of a recording that neither analysis could read.
 void EndUnread(const RobustReading& look, Timing& measured, RecordReading& reading) {
   if (reading.Ended >= RecordStage::Fragment) return;
   if (!TakeUnread(look, reading.Ended == RecordStage::NoTiming, measured)) return;
@@ -134,7 +134,7 @@ void ReadWithSecondLook(SignalState& state, RunSpan runs, RecordReading& reading
   ReadCode(reading, reading.Runs.Symbols);
   if (reading.ProtoKind == kRc6) TakeRc6Toggle(reading, reading.Runs.Symbols);
   if (!look.OtherFrame.empty()) TakeTurns(look, reading);
-  // The monitor would not take it; its lengths can be learned.
+  // The monitor would not take such a code; its lengths can still be learned as a raw command.
   const bool isCode = IsCodeLength(reading.Code.size(), reading.ProtoKind, Analysis::Second);
   if (reading.Ended != RecordStage::Code || isCode) return;
   Doubt(reading);
@@ -165,7 +165,7 @@ void WalkRecording(RunSpan runs, int baseT, RecordedRuns& walked) {
   walked.Ones.resize(whole - whole / 2);
   walked.Zeros.resize(whole / 2);
   SymbolWriter symbols(walked.Symbols, whole);
-  // Symbols are characters, which might change any member that they are written beside of.
+  // A write to characters may change any object, so the compiler would load these pointers anew for each run.
   int* const ones = walked.Ones.data();
   int* const zeros = walked.Zeros.data();
   for (std::size_t pair = 0; pair < whole / 2; ++pair) {

@@ -10,15 +10,15 @@ namespace keplo::robust {
 
 namespace {
 
-/// How many runs from the first mark of two pieces on, or back from the last, are the same as those of a
-/// frame.
+/// How many runs in a row are the same in a piece and in a frame, from their first marks on or from their
+/// last ones back.
 std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::ptrdiff_t step,
                      const Frame& frame) {
   const double half = std::max(3.0, frame.Unit / 2);
   double nearMark = half, nearSpace = half;
   if (frame.Kind() == kNec) {
-    // A mark of pulse distance is of one length, so that one that strays is no other digit, and a space is
-    // one only beyond the middle between the two.
+    // All marks of pulse distance have one length, so that a stray one is still the same digit, and a space
+    // is another digit only beyond the middle between the two lengths.
     nearMark = std::max(half, 0.75 * frame.Unit);
     nearSpace = std::max(half, std::min(0.75, 0.375 * frame.StepUnits) * frame.Unit);
   }
@@ -32,7 +32,7 @@ std::size_t SameRuns(const int* one, const int* other, std::size_t most, std::pt
   return same;
 }
 
-/// Whether a piece and a frame begin and end alike, but for so many runs between.
+/// Whether a piece and a frame begin and end alike, and differ in no more than so many runs between.
 bool BeginAndEndAlike(const OtherPiece& piece, const Frame& frame, std::size_t damaged) {
   constexpr std::size_t kCut = 1, kLeader = 2;  // runs
   for (const std::size_t skipped : {std::size_t{0}, kLeader}) {
@@ -57,8 +57,8 @@ bool IsOneOf(int run, const Lengths& lengths, double near) {
                      [&](const Length& length) { return std::abs(run - length.Mean) <= near; });
 }
 
-/// Whether each edge of a piece is where the frame has one, from its beginning or back from its end. Marks
-/// and spaces that are lost take edges away, and leave the others in their places.
+/// Whether each edge of a piece is where the frame has one, counted from the beginning or back from the end.
+/// Lost marks and spaces take edges away and leave the others in their places.
 /// @param step 1 from the beginning, -1 from the end
 bool HasOnlyEdgesOf(RunSpan piece, RunSpan frame, int step, double unit) {
   const double near = std::max(3.0, 0.4 * unit);
@@ -75,8 +75,8 @@ bool HasOnlyEdgesOf(RunSpan piece, RunSpan frame, int step, double unit) {
   return true;
 }
 
-/// Whether a piece is what lost marks and spaces have left of a frame. One that begins with a leader and is
-/// as far from the next frame has lost neither end.
+/// Whether a piece is what lost marks and spaces have left of a frame. One with a leader, and with the
+/// frame's own silence behind it, has lost nothing at its ends.
 bool IsLeftOf(const OtherPiece& piece, const Frame& frame) {
   const bool led = HasLeaderInside(piece.Of);
   const std::size_t leader = led ? 2 : 0;
@@ -87,8 +87,8 @@ bool IsLeftOf(const OtherPiece& piece, const Frame& frame) {
   return keepsEnds ? fromFirst && fromLast : fromFirst || fromLast;
 }
 
-/// Everything but frames of this length, in the order of the press. The head of a frame that marks lost in
-/// a row have split may read as a shorter one.
+/// Everything but frames of this length, in the order of the press. Frames of other lengths belong to it, as
+/// the first part of a frame that lost marks in a row may read as a shorter frame.
 std::vector<OtherPiece> RestOf(const Findings& found, const Frame& frame) {
   std::vector<OtherPiece> pieces = found.Others;
   for (const Frame& other : found.Frames) {
@@ -107,7 +107,7 @@ struct SplitPiece {
   std::size_t Parts = 1;
 };
 
-/// Runs that are too few to say whether they fall into lengths count as clean.
+/// Too few runs to tell whether they fall into lengths count as clean.
 bool IsClean(const OtherPiece& piece) {
   constexpr std::size_t kFew = 5;
   return piece.IsClean || piece.Of.Size < kFew;
@@ -136,7 +136,7 @@ SplitPiece JoinedFrom(const std::vector<OtherPiece>& pieces, std::size_t place, 
   return joined;
 }
 
-constexpr std::size_t kTelling = 9;  // runs; fewer may be anything
+constexpr std::size_t kTelling = 9;  // runs; fewer prove nothing
 
 /// @param damaged runs between its head and its end that may differ
 bool Tells(const OtherPiece& piece, const Frame& frame, std::size_t damaged) {

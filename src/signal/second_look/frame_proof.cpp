@@ -24,8 +24,8 @@ bool IsRepeat(const Piece& one, const Piece& other) {
 
 bool MayProveItself(const Frame& frame) { return frame.Clear && frame.Shape->ProvesItself(frame); }
 
-/// Whether a code that lacks one digit to be what its protocol sends was received as such: one of the digits
-/// that make it so is longer or shorter than usual, or no remote sends such codes.
+/// Whether a code that fails its protocol's check by one digit was misheard: one of the suspect digits is
+/// longer or shorter than usual, or no remote sends such codes.
 bool IsOneDigitOff(const Frame& frame, const LengthFit& fit) {
   if (frame.Kind() != kNec) return false;
   const SuspectDigits suspects = SuspectsOf(FrameDigits(frame).Text());
@@ -40,8 +40,8 @@ bool ProvesItself(const Frame& frame) {
   return fit.IsClose() && !IsOneDigitOff(frame, fit);
 }
 
-/// Whether a frame has digits of both kinds, and without the leader of a common protocol enough of them. What
-/// a lamp makes of a receiver's output is pulses of one length, with one or two odd ones.
+/// Whether a frame has zeros and ones, and without the leader of a common protocol enough of both. A lamp
+/// makes pulses of one length, with one or two odd ones.
 bool IsVaried(const Frame& frame) {
   if (frame.Alphabet == nullptr) return true;
   if (frame.Kind() == kRc5) return frame.Shape->ProvesItself(frame);
@@ -49,9 +49,9 @@ bool IsVaried(const Frame& frame) {
   return HasBothDigits(FrameDigits(frame).Text(), kFewestOfEach);
 }
 
-/// Whether a frame after the leader of a common protocol is a digit or two shorter than those of such: marks
-/// that are lost at its ends or between short spaces may leave the same digits twice. A first digit that is
-/// lost becomes a part of the leader's space.
+/// Whether a frame with the leader of a common protocol is a digit or two short: marks that are lost at its
+/// ends or between short spaces may leave the same digits twice. A first digit that is lost becomes a part of
+/// the leader's space.
 bool MayLackDigits(const Frame& frame) {
   constexpr std::array<std::size_t, 12> kShort = {14, 15, 19, 23, 27, 30, 31, 35, 41, 46, 47, 55};
   constexpr std::array<std::size_t, 4> kShortWidths = {13, 14, 18, 19};
@@ -74,7 +74,8 @@ bool ArePartOf(const Findings& found, const std::vector<Frame>& frames) {
   });
 }
 
-/// Whether a frame was sent more than once. The equal halves of a frame that a lost mark splits are not two.
+/// Whether a frame was sent more than once. Two equal halves of a frame that a lost mark has split do not
+/// count.
 bool IsRepeated(const std::vector<Frame>& frames, const Frame& wanted) {
   const auto isSame = [&](const Frame& frame) {
     return frame.SameCode(wanted) && (frame.Ends || !frame.Shape->HalvesLookWhole);
@@ -83,15 +84,16 @@ bool IsRepeated(const std::vector<Frame>& frames, const Frame& wanted) {
   return first != frames.end() && std::find_if(first + 1, frames.end(), isSame) != frames.end();
 }
 
-/// Whether a frame is longer than all pieces of the press that differ: lost marks make a frame shorter.
+/// Whether a frame is longer than every piece of the press that differs from it: lost marks make frames
+/// shorter.
 bool IsLongest(const Frame& frame, const Findings& found) {
   return frame.Runs > found.MostUnread &&
          std::all_of(found.Frames.begin(), found.Frames.end(),
                      [&](const Frame& other) { return other.SameCode(frame) || other.Runs < frame.Runs; });
 }
 
-/// Whether a frame that was sent more than once is a part of what was sent: what a longer message begins
-/// with, or one of two that alternate. One odd piece beside three equal frames is none of theirs.
+/// Whether a frame that was sent more than once is only a part of what was sent: the beginning of a longer
+/// message, or one of two alternating frames. One odd piece beside three equal frames is not enough for that.
 bool IsOnlyPart(const Frame& frame, const Findings& found) {
   const auto isSame = [&](const Frame& other) { return other.SameCode(frame); };
   const auto isLonger = [&](const Frame& other) {
@@ -102,8 +104,8 @@ bool IsOnlyPart(const Frame& frame, const Findings& found) {
   return 2 * CountTelling(found, frame) >= std::count_if(frames.begin(), frames.end(), isSame);
 }
 
-/// Whether the press has more than its only frame, and that is of another one or spoils what stands beside
-/// it. Of equal pulses, as a lamp sends, any number may make a frame.
+/// Whether a single frame is in doubt for what else the press holds: the rest of another frame, or runs that
+/// cast doubt on their neighbours. Frames of equal pulses, as lamps make them, must have nothing beside them.
 bool IsInDoubt(const Frame& frame, const Findings& found) {
   const bool equal = frame.StepUnits == 0;
   return found.Stray || !IsLongest(frame, found) ||
@@ -114,10 +116,10 @@ bool IsInDoubt(const Frame& frame, const Findings& found) {
          });
 }
 
-/// Whether two frames are more than one that was damaged: a run that is stretched makes another digit of one.
+/// Whether two frames differ by more than damage: a stretched run makes another digit of one.
 bool DifferAsTwo(const Frame& one, const Frame& other) {
   constexpr int kFewest = 2;          // digits
-  constexpr double kSameUnit = 0.05;  // of it; one remote has one clock, and short runs stray
+  constexpr double kSameUnit = 0.05;  // of a base time; a remote has one clock, but short runs stray
   if (std::abs(one.Unit - other.Unit) > kSameUnit * one.Unit || !one.Led.IsLike(other.Led)) return false;
   const FrameDigits ofOne(one), ofOther(other);
   const std::string_view digits = ofOne.Text(), others = ofOther.Text();
@@ -154,7 +156,7 @@ bool IsOnlyFrame(const Findings& found) {
   const auto beginsAgain = [&](const OtherPiece& piece) { return BeginsAgainIn(piece, first); };
   const bool mayLackHead = !first.HasLeader() && found.Frames.size() == 1 &&
                            !std::all_of(found.Others.begin(), found.Others.end(), beginsAgain);
-  // What a stretched run makes of a key's code may be that of another key.
+  // A stretched run may turn the code of one key into that of another.
   const bool sound = found.Frames.size() > 1 || LengthFit(first).IsClose();
   return sound && !mayLackHead && ArePartOf(found, found.Frames) &&
          std::all_of(found.Frames.begin(), found.Frames.end(), isWholeAndSame);
@@ -166,7 +168,7 @@ bool AreTwoInTurns(const Findings& found) {
   if (!std::all_of(frames.begin(), frames.end(), isDistance)) return false;
   if (frames.size() < 2 || frames[0].SameCode(frames[1])) return false;
   if (!DifferAsTwo(frames[0], frames[1]) || !ArePartOf(found, frames)) return false;
-  // Of two of one remote neither or both do; one that does not was damaged.
+  // Either both frames of a remote do, or neither; if only one does, the other was damaged.
   if (MayProveItself(frames[0]) != MayProveItself(frames[1])) return false;
   for (std::size_t i = 0; i < frames.size(); ++i) {
     const Frame& frame = frames[i];

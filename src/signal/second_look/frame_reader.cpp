@@ -14,15 +14,16 @@ namespace {
 constexpr std::size_t kShortestPiece = 7;  // marks; shorter ones are no commands
 constexpr double kOffLeader = 1.3;         // a leader's space, in lengths of its mark, at most
 
-/// The lengths are clean, but are not those of the line codes. One length of both is a mere pulse train, and
-/// runs that the first analysis takes for borders are where two signals met.
+/// Whether the lengths are clean, but not those of a line code. One length of mark and one of space are a
+/// mere pulse train; runs that the first analysis takes for borders show where two signals met.
 bool IsCleanButUnknown(const Body& body) {
   if (body.MarkCount() < kFewestMarks || !body.LengthsAreDistinct() || body.HasLengths(1, 1)) return false;
   const int longest = std::max(body.Marks.Longest().Most, body.Spaces.Longest().Most);
   return RunUnits(longest, static_cast<int>(body.Unit)) <= 3;
 }
 
-/// Whether a piece has the runs of RC6, whose leader a capture that began late may have made as short as any.
+/// Whether a piece has as many runs as RC6, whose leader may be as short as any run where the capture began
+/// late.
 bool MayBeginInLeader(const Piece& piece) {
   constexpr std::size_t kFewestRuns = 23, kMostRuns = 79;
   return Within(static_cast<double>(piece.Size), kFewestRuns, kMostRuns);
@@ -30,7 +31,7 @@ bool MayBeginInLeader(const Piece& piece) {
 
 /// @return the place after the symbols written
 char* WriteRuns(const RunAlphabet& alphabet, const Body& body, char* end) {
-  // Digits come in no order that a processor could foretell, so that their texts are picked without a branch.
+  // A processor cannot predict the order of digits, so that their texts are picked without a branch.
   const auto write = [&end](const RunText& text) {
     std::memcpy(end, text.Symbols.data(), RunText::kRoom);
     end += text.Size;
@@ -130,8 +131,8 @@ void FrameReader::ReadPieces() {
   }
 }
 
-/// Of how many pieces such a sign of the last frame is made here: its space may be as long as one that parts
-/// frames.
+/// How many pieces make up a sign of the last frame here; 0 if there is none. Its space may be long enough to
+/// split it in two.
 std::size_t FrameReader::PiecesOfHeldSign() const {
   const Piece& piece = pieces_[place_];
   const int* const runs = piece.First;
@@ -150,7 +151,7 @@ void FrameReader::TakeOther(const Piece& piece) {
   found_.Others.push_back({piece, cut});
 }
 
-/// Noise has many pieces and no frame: only beside a frame is it asked what they are.
+/// Noise has many pieces and no frame, so they are only measured beside a frame.
 void FrameReader::MeasureOthers() {
   if (found_.Frames.empty()) return;
   for (OtherPiece& other : found_.Others) {
@@ -177,8 +178,8 @@ std::optional<Leader> FrameReader::SingleLeader() const {
                                                                             : std::nullopt;
 }
 
-/// Whether a frame without a leader is what lost marks have left of one: it follows the front of it. Nor is
-/// a long mark too far ahead to be its leader one of a remote.
+/// Whether a frame without a leader may lack its front: the front is ahead of it, as of a frame that lost
+/// marks, or a long mark is, too far away to be its leader.
 bool FrameReader::MayLackFront(const Frame& frame) const {
   if (place_ == 0 || !frame.Shape->BeginsAtLeader) return false;
   const Piece& piece = pieces_[place_];
@@ -237,8 +238,8 @@ void FrameReader::WriteSymbols(Frame& frame, const Body& body) {
   written_ += frame.Symbols.size();
 }
 
-/// A piece without a leader among frames with one is what is left of such a frame, or follows it without one
-/// of its own; by itself it proves nothing.
+/// A frame without a leader among frames with one may be what is left of such a frame. It only counts if one
+/// with the same digits came before it.
 void FrameReader::LeaveOutPieces() {
   std::vector<Frame>& frames = found_.Frames;
   const auto hasLeader = [](const Frame& frame) { return frame.HasLeader(); };

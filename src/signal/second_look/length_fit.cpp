@@ -24,8 +24,8 @@ double MeanOf(const Lengths& lengths, int run) {
 
 }  // namespace
 
-/// Base time and excess are those of the least squares, which one run moves less than it does the mean of its
-/// few equals. Where lengths are no whole base times, their means are all there is.
+/// Base time and excess are fitted by least squares, which a single odd run moves less than the mean of its
+/// few equals. Where lengths are not whole base times, the means are all there is.
 LengthFit::LengthFit(const Frame& frame)
     : frame_(frame),
       whole_(frame.Shape->HasWholeUnits && (frame.StepUnits == 0 || Within(frame.StepUnits, 0.8, 1.2))),
@@ -55,10 +55,10 @@ LengthFit::LengthFit(const Frame& frame)
     worst_ = std::max(worst_, off);
     squares += off * off;
   }
-  constexpr double kKnown = 3;  // base time, excess, and the run that is asked about
+  constexpr double kKnown = 3;  // base time, excess, and the run in question
   spread_ = std::sqrt(std::max(squares - worst_ * worst_, 0.0) / std::max(runs - kKnown, 1.0));
-  // What the grid of samples and one odd edge leave, and how much further than usual the worst of some 30 or
-  // 100 edges is. The most is what 25 us of jitter leave, which the worst remotes have.
+  // The slack is what the grid of samples and one odd edge leave, and how much further off than usual the
+  // worst of 30 to 100 edges is. At most it is what 25 us of jitter leave, which the worst remotes have.
   constexpr double kLeastSlack = 1.5, kLeastSlackUs = 80, kSpreads = 3.2, kMostSlackUs = 225;
   const double samples = frame.Unit / frame.UnitUs;  // in a microsecond
   const double least = std::max(kLeastSlack, kLeastSlackUs * samples);

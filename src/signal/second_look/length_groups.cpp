@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kStepUnits = 0.35;   // between runs of two lengths, which are one base time apart or more
 constexpr double kSpreadUnits = 0.7;  // between runs of one length: 50 us of jitter and the sample grid
-constexpr double kClearSteps = 0.4;   // of the way between two lengths that has no run, with 25 us
+constexpr double kClearSteps = 0.4;   // of the way between two lengths that holds no run, even with 25 us
 
 /// Jitter of an edge, 25 us in bad remotes, and the sample grid spread equal runs over five samples.
 /// @param mean of the runs
@@ -30,7 +30,8 @@ struct Group {
     Sum += std::int64_t{length} * runs;
   }
   double Mean() const { return static_cast<double>(Sum) / Runs; }
-  /// Whether it may turn out to be tight: a longer run adds more to the spread than to what the mean allows.
+  /// Whether it may still turn out to be tight: each longer run adds more to the spread than to what the mean
+  /// allows.
   bool MayBeTight(double unit) const { return IsTight(Most - Least, Most, unit); }
 };
 

@@ -16,8 +16,8 @@ namespace robust {
 
 namespace {
 
-constexpr double kLeastUnit = 5;     // samples; of a shorter base time receivers leave spaces of one or two
-constexpr double kOfRest = 0.85;     // of a rest, that others are at least as long as
+constexpr double kLeastUnit = 5;     // samples; with a shorter base time receivers leave spaces of one or two
+constexpr double kOfRest = 0.85;     // of the longest rest; the others in a press are at least as long
 constexpr double kFinestUnit = 3.5;  // samples; of shorter ones the first analysis reads wrong codes
 
 /// Whether the runs of every length are within three samples, and none is a mere sample: noise has such.
@@ -37,8 +37,8 @@ bool IsFineSignal(const Body& body, double unit) {
 
 bool IsFineUnit(double unit) { return Within(unit, kFinestUnit, kLeastUnit + 1); }
 
-/// Whether there are too many marks for the rough unit to be a fine one, as in noise: three quarters of the
-/// marks and of the spaces are at least as long as their part of it.
+/// Whether there are too many marks for even the finest unit, as in noise: three quarters of the marks and of
+/// the spaces are no shorter than their lower quartile, from which the unit comes.
 /// @param samples of the capture
 bool IsTooDense(const PressRuns& runs, std::size_t samples) {
   constexpr double kLeastPair =
@@ -47,11 +47,12 @@ bool IsTooDense(const PressRuns& runs, std::size_t samples) {
   return static_cast<double>(pairs) * kLeastPair > static_cast<double>(samples);
 }
 
-/// Whether the first frame goes untold: nothing shows where it began.
+/// Whether the first frame is left out: nothing shows where it began.
 bool LosesFirst(const std::vector<Frame>& frames) { return LackLeaders(frames) && frames.size() == 1; }
 
-/// The rest ahead of frames that each begin with a mark as short as those of digits and a rest, which parts
-/// them too; samples. A key that is held may have sent that mark long ago, and shows more of the rests.
+/// The rest, samples, of a press whose frames each begin with a short mark and a rest, as long as the one
+/// that separates them. Where the capture began after that first mark, three rests of about one length show
+/// it.
 /// @return none where the press is no such one
 /// @param longest of the runs, or RoughLengths::kLongestTold
 std::optional<int> RestOfFrames(const PressRuns& runs, int longest) {
@@ -70,9 +71,8 @@ std::optional<int> RestOfFrames(const PressRuns& runs, int longest) {
   return rests >= kFewestRests ? std::optional(longest) : std::nullopt;
 }
 
-/// Whether nothing but equal frames was found, each after a mark and a rest. Such a rest is as long as the
-/// pieces leave that lost marks part a frame into, so that one frame more is asked for where nothing else
-/// ends them.
+/// Whether nothing but equal frames was found, each after a mark and a rest. Lost marks may leave such rests
+/// in a longer frame too, so that a third frame is asked for where no longer silence follows the first.
 bool AreFramesAfterRests(const Findings& found) {
   const std::vector<Frame>& frames = found.Frames;
   if (frames.empty()) return false;
@@ -135,7 +135,7 @@ bool TakeUnread(const RobustReading& look, bool noTiming, Timing& measured) {
   return true;
 }
 
-/// Takes a clean signal whose short spaces would be taken for interference: it is Unsure then.
+/// Makes a clean signal Unsure whose short spaces would be taken for interference.
 void SecondLook::LookForFineSignal(const robust::PressRuns& runs, double unit) {
   if (!robust::IsFineUnit(unit)) return;
   robust::BodyReader& bodies = frames_.Bodies();
@@ -170,7 +170,7 @@ void SecondLook::WriteSymbols(const robust::Findings& found, const robust::Frame
     symbols.append(frame.Head).append(frame.Symbols).append("g");
     for (int ditto = 0; ditto < frame.Dittos; ++ditto) symbols += "Gg1g";
   }
-  // The silence before a leader is no mark of the signal.
+  // The silence before a leader is no border.
   if (std::string_view(symbols).substr(0, 2) == "gG") symbols.erase(0, 1);
 }
 
@@ -194,7 +194,7 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   const bool two = robust::AreTwoInTurns(found);
   const bool turns = robust::LackLeaders(frames) && robust::TakeTurns(frames);
   const robust::Frame* proven = two || turns ? nullptr : robust::ProvenFrame(found);
-  // What spoils a run of whole base times may have made it another one; of RC5 the pairs tell it.
+  // Interference may have turned a run of whole base times into another; in RC5 the pairs would show it.
   const bool alone = proven != nullptr && frames.size() == 1 && proven->Shape->HasWholeUnits;
   interfered_ = alone && proven->Kind() != kRc5 && samples != nullptr && HasInterference(*proven, *samples);
   if (interfered_) proven = nullptr;
@@ -216,7 +216,7 @@ void SecondLook::ReadProof(const robust::Findings& found, const SampleWords* sam
   if (two) robust::WriteFrame(frames[1], look_.OtherFrame);
 }
 
-/// Frames of one code that differ, differ in the toggle: a key was pressed again.
+/// Frames of one code that are not equal differ in the toggle: the key was pressed again.
 void SecondLook::TakeFlip(const std::vector<robust::Frame>& frames) {
   const robust::Frame& first = frames.front();
   const auto flipped = std::find_if(frames.begin(), frames.end(), [&](const robust::Frame& frame) {
@@ -275,11 +275,11 @@ const RobustReading& SecondLook::Read(const SampleWords& samples, RunSpan allRun
   } else if (robust::IsOneFrame(found.Unknown)) {
     look_.Proven = RobustReading::Proof::Unsure;
     look_.BaseT = static_cast<std::int16_t>(std::lround(rough.Unit));
-    // Another analysis might read that one.
+    // The first analysis may be able to read that one.
     look_.UnreadMarks = robust::HasOtherAsLong(found) ? 0 : found.UnknownMarks;
   }
   if (look_.Proven != RobustReading::Proof::Refused) return look_;
-  // What was found is told, see Heard.
+  // What was found last is what Heard tells.
   if (const auto rest = robust::RestOfFrames(runs, rough.Longest); rest && !ReadAfterRests(runs, *rest))
     frames_.Read(runs, rough.Unit);
   return look_;

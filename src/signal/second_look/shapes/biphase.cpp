@@ -44,8 +44,8 @@ std::optional<Frame> ReadHalves(const Body& body, const Leader* leader) {
 
 void TakeNoLeader(Frame& /*frame*/, const Leader& /*leader*/, const Body& /*body*/) {}
 
-/// Exact in its length and all its pairs, between two silences. RC6, whose base time is half as long, may end
-/// in as many pairs, and a lamp's pulses of one length may be as many.
+/// Its length and all its pairs are exact, between two silences. But RC6, with half the base time, may end in
+/// as many pairs, and so may a lamp's equal pulses.
 bool HalvesProveThemselves(const Frame& frame) {
   constexpr double kLeastUnit = 580, kLeastOfEqual = 700, kMostUnit = 1100;  // microseconds; RC5 has 889
   constexpr std::size_t kFewestDoubles = 3;

@@ -48,15 +48,16 @@ LeaderKind KindOf(const Leader& leader, double unit, double excess) {
   };
   const double space = (leader.Space + excess) / unit;
   const bool eight = Within(space, 7, 9.2), four = Within(space, 3.4, 4.6);
-  // One that was cut may be as short as the next kind; which it was shows where it is longer than that.
+  // A mark that lost its beginning may be as short as the next shorter kind. If it is longer than that kind,
+  // it can only be the longest.
   if ((eight || four) && leader.Mark - excess > 9.2 * unit)
     return markIs(16) ? LeaderKind::Long : LeaderKind::Other;
   if (eight && markIs(8)) return LeaderKind::Even;
   return four && markIs(8) ? LeaderKind::Short : LeaderKind::Other;
 }
 
-/// RCA: spaces of two and four base times to a mark of one, after a leader of 8 and 8. The shaper of a line,
-/// to which the difference of mark and short space is excess, may lay the longer space on 3.5.
+/// RCA: spaces of two and four base times to a mark of one, after a leader of 8 and 8. The shaper of a line
+/// takes the difference of mark and short space for excess and may lay the longer space on 3.5.
 bool IsRca(const Body& body, const Leader& leader) {
   const double unit = body.ShortestPair() / 3;
   return body.MarkCount() == kRcaDigits + 1 && Within(Step(body.Spaces) / unit, 1.3, 2.25) &&
@@ -112,13 +113,13 @@ bool IsFrontOf42(std::string_view digits) {
   return AreInverse(digits, 0, 13) && !(AreInverse(digits, 0, 8) && AreInverse(digits, 16, 8));
 }
 
-/// The longer space of all common protocols is two base times longer, and the shaper of a line may take a bit
-/// off; runs of any other source need not be.
+/// In all common protocols the longer space is two base times longer, less what the shaper of a line takes
+/// off; what does not come from a remote may have any length.
 bool HasCommonSpaces(const Frame& frame) {
   return frame.StepUnits == 0 || Within(frame.StepUnits, 1.25, 2.6);
 }
 
-/// Only digits that a protocol has prove anything; marks that are lost, or an end that is, leave any number.
+/// Only numbers of digits that a protocol has prove anything: lost marks, or a lost end, leave any number.
 bool DistancesProveThemselves(const Frame& frame) {
   if (frame.Leads == LeaderKind::Other || !frame.Ends || !HasCommonSpaces(frame)) return false;
   const FrameDigits decoded(frame);

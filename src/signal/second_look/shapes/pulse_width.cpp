@@ -27,7 +27,7 @@ Frame WidthFrame(const Body& body, double unit, const RunAlphabet& alphabet) {
   return frame;
 }
 
-/// A frame of equal digits. The leader tells them, since its mark has as much excess as theirs.
+/// A frame of equal digits. The leader shows which, as its mark has the same excess as theirs.
 std::optional<Frame> FrameOfEqualWidths(const Body& body, const Leader& leader) {
   const double mark = body.Marks.Short().Mean;
   const double space = body.Spaces.Short().Mean;

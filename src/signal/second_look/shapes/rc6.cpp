@@ -49,7 +49,7 @@ std::optional<Frame> ReadRc6Halves(const Body& body, const Leader* leader) {
 
 void TakeRc6Leader(Frame& frame, const Leader& /*leader*/, const Body& /*body*/) { frame.Head = "Gg"; }
 
-/// A leader of its own, exact in its length and all its pairs.
+/// It has a leader of its own, and its length and all its pairs are exact.
 bool Rc6ProvesItself(const Frame& frame) {
   return Within(frame.UnitUs, 380, 520);  // 444 where clocks are right
 }
