@@ -108,7 +108,7 @@ void Doubt(RecordReading& reading) {
 
 /// Ends the reading of a recording that neither analysis could read.
 void EndUnread(const RobustReading& look, Timing& measured, RecordReading& reading) {
-  if (reading.Ended >= RecordStage::Fragment) return;
+  if (reading.Ended == RecordStage::Code) return;
   if (!TakeUnread(look, reading.Ended == RecordStage::NoTiming, measured)) return;
   TakeTiming(reading, Analysis::Second, look.BaseT, kUnknown);
   reading.IsDoubtful = look.Proven != RobustReading::Proof::Unsure;

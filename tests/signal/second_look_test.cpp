@@ -227,6 +227,8 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"NEC alone, one of its address another", NecRuns("1" + kNecDigits.substr(1)),
        "NEC 1" + kNecDigits.substr(1)},
       {"48 digits alone, one of them another", DistanceRuns({64, 32}, 8, 8, 24, offKaseikyo), no},
+      {"... that two sums count",
+       DistanceRuns({64, 32}, 8, 8, 24, "010000000000010001001101000000001000010010001001"), no},
       {"42 digits alone, the first of the command another",
        NecRuns("101100111000101001100011100001101001100101"), no},
       {"RC6 whose toggle begins with two halves that differ",
