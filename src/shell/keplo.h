@@ -32,7 +32,7 @@ struct TickReport {
   bool Captured = false;
   MonitorReading Reading;
   DispatchReport Dispatched;
-  int Taps = 1;  // of its key, that the capture holds
+  int Taps = 1;  // presses of one key that the capture holds
 };
 
 /// One of the presses of a key in a capture.
