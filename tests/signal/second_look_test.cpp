@@ -224,6 +224,7 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
       {"RC6 of another base time, alone", Rc6Runs("10000000000000001100", false, 12), no},
       {"the same, twice", Twice(Rc6Runs("10000000000000001100", false, 12)), "RC6 10000000000000001100"},
       {"NEC alone, a digit of its inverse byte made another", Changed(nec, 53, 19), no},
+      {"... beside an address of its own", Changed(NecRuns("01101001" + kNecDigits.substr(8)), 53, 18), no},
       {"NEC alone, one of its address another", NecRuns("1" + kNecDigits.substr(1)),
        "NEC 1" + kNecDigits.substr(1)},
       {"48 digits alone, one of them another", DistanceRuns({64, 32}, 8, 8, 24, offKaseikyo), no},
