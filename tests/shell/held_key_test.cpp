@@ -114,7 +114,7 @@ class OnePress : public ShellTest {
     taps_ = 0;
     control.OnPress = [&](const TickReport& tick) { taps_ += tick.Taps; };
     EXPECT_EQ(control.InputInitialise(nullptr), 1);
-    mod_->Settings.Analysis = Analysis::Second;
+    mod_->Settings.Analysis = analysis_;
     control.InputStartMonitoring();
     while (!line.Done() || control.TimeToRelease()) {
       control.Timer1.Tick();
@@ -129,6 +129,7 @@ class OnePress : public ShellTest {
     WriteEvents({{"17", "Lamp on", "", "ANY&KEY", true, 0}});
   }
 
+  Analysis analysis_ = Analysis::Second;
   std::ptrdiff_t taps_ = 0;  // counted of what was monitored last
 };
 
@@ -144,6 +145,19 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
       EXPECT_EQ(Monitored(kind, code, presses), reported) << kind;
     }
   }
+}
+
+TEST_F(OnePress, HoldsNothingOnByDittosWithTheFirstAnalysis) {
+  analysis_ = Analysis::First;
+  Bind(kDigits);
+  EXPECT_EQ(Monitored(kNec, kDigits, {1000ms}), "PeR");
+}
+
+TEST_F(OnePress, IsToldWithoutAnEventToo) {
+  Bind(kDigits);
+  std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
+  WriteEvents({});
+  EXPECT_EQ(Monitored(kNec, kDigits, {50ms}), "PR");
 }
 
 TEST_F(OnePress, IsOnePressOfAlternatingFrames) {
