@@ -1,9 +1,10 @@
 #include "line/shaping/clean_press.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -68,17 +69,19 @@ void RemoveGlitches(Pulses press, int shortest, PulseTrain& smooth) {
   RemoveFlash(smooth);
 }
 
-/// The shortest run that is no glitch. Some remotes have marks of 160 us, and jitter leaves 90 of one.
+/// The shortest run that is no glitch. Some remotes have marks of 160 us, or spaces of which a receiver
+/// leaves as much, and jitter leaves 60 of one. Such a remote has several; a few may be glitches themselves.
 int ShortestRunOf(Pulses press) {
-  constexpr std::size_t kShort = 5;  // so many of all runs are the short ones
+  constexpr std::size_t kFew = 4;
   constexpr double kOfShort = 0.4;
-  std::vector<int> runs;
-  std::copy_if(press.begin(), press.end(), std::back_inserter(runs),
-               [](int run) { return run >= kShortestRun; });
-  if (runs.empty()) return kShortestRun;
-  const auto typical = runs.begin() + static_cast<std::ptrdiff_t>(runs.size() / kShort);
-  std::nth_element(runs.begin(), typical, runs.end());
-  return std::min(kShortestRun, static_cast<int>(kOfShort * *typical));
+  std::array<int, kFew + 1> shortest;  // and no glitches, the shortest first
+  shortest.fill(std::numeric_limits<int>::max());
+  for (const int run : press) {
+    if (run < kShortestRun || run >= shortest.back()) continue;
+    shortest.back() = run;
+    std::inplace_merge(shortest.begin(), shortest.end() - 1, shortest.end());
+  }
+  return static_cast<int>(std::min<double>(kShortestRun, kOfShort * shortest.back()));
 }
 
 }  // namespace
