@@ -186,6 +186,11 @@ TEST(RawIndex, KnowsTheSampleTimeAndTakesTheBestFit) {
   EXPECT_TRUE(index.Find(ear.Hear(runs)).Alone) << "by 120 us, in all edges behind it";
   ++runs[9];
   EXPECT_FALSE(index.Find(ear.Hear(runs)).Alone);
+  const RunVector held = Then(First(runs, runs.size() - 1), kFrameGap, First(runs, runs.size() - 1));
+  index.Clear();
+  index.Add(alike);
+  index.Add(Learned("held", Then(Frame(kKey), kFrameGap, Frame(kKey))));
+  EXPECT_EQ(index.Find(ear.Hear(Silent(held))).Digits, "held") << "by 10 us in all frames, not by fewer";
 }
 
 TEST(RawCompare, KnowsWhatAHeldKeySendsOn) {

@@ -142,19 +142,26 @@ bool IsDitto(const HeardLengths& frame) {
 }
 
 /// How many heard lengths a part of the stored ones covers; 0 if they are not the same.
-std::size_t CoveredFrom(const HeardLengths& part, std::span<const int> stored, const RawMeasure& measure) {
+/// @param differ takes what these differ by
+std::size_t CoveredFrom(const HeardLengths& part, std::span<const int> stored, const RawMeasure& measure,
+                        RawDifference& differ) {
   const RawPair pair{part, stored};
   const bool ends = part.Runs.size() <= stored.size();
   if (ends && !part.Cut && !EndsFrameAt(pair, part.Runs.size())) return 0;
-  return Differ(pair, measure, true) ? pair.Size() : 0;
+  const auto covered = Differ(pair, measure, true);
+  if (!covered) return 0;
+  differ.Add(*covered);
+  return pair.Size();
 }
 
-/// Whether what was heard after the stored lengths repeats frames of them.
-bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& measure) {
+/// Whether what was heard after the stored lengths repeats frames of them. All of it counts, or a signal of
+/// fewer frames would seem to be nearer than one of more.
+bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& measure,
+            RawDifference& differ) {
   while (!rest.Runs.empty()) {
-    std::size_t covered = CoveredFrom(rest, stored, measure);
+    std::size_t covered = CoveredFrom(rest, stored, measure, differ);
     for (std::size_t i = 1; covered == 0 && i + 1 < stored.size(); i += 2) {
-      if (stored[i] >= rest.Gap) covered = CoveredFrom(rest, stored.subspan(i + 1), measure);
+      if (stored[i] >= rest.Gap) covered = CoveredFrom(rest, stored.subspan(i + 1), measure, differ);
     }
     const HeardLengths frame = rest.Part(0, FirstFrameOf(rest));
     if (covered == 0 && IsDitto(frame)) covered = frame.Runs.size();
@@ -192,10 +199,10 @@ RawFit CompareInPlace(const RawPair& pair, std::span<const int> stored) {
   const std::size_t size = pair.Size();
   const std::optional<RawMeasure> measure = Measure(pair);
   if (!measure) return {};
-  const std::optional<RawDifference> differ = Differ(pair, *measure, false);
+  std::optional<RawDifference> differ = Differ(pair, *measure, false);
   if (!differ) return {};
   if (size < heard.Runs.size()) {
-    if (!heard.IsGap(size) || !GoesOn(heard.From(size + 1), stored, *measure)) return {};
+    if (!heard.IsGap(size) || !GoesOn(heard.From(size + 1), stored, *measure, *differ)) return {};
   } else if (size < pair.Stored.size() && !heard.Cut) {
     if (!pair.IsGap(size)) return {};
     const RawFrames frames(stored, heard.Gap);
