@@ -30,6 +30,8 @@ constexpr float kOneKeyStep = 5.2F, kMostStep = 8;
 /// What a length of one key is off by at the most: the edges behind it may be anywhere where its remote's
 /// clock wanders.
 constexpr float kOneKeyLength = 3;
+/// What of two keys that differ at all a length is off by.
+constexpr float kOtherKeyLength = 2.5F;
 /// What keeps two commands apart when they are heard: two edges that are 120 us aside; square microseconds.
 constexpr float kTellingSquares = 2 * 120 * 120;
 
@@ -176,14 +178,16 @@ bool GoesOn(HeardLengths rest, std::span<const int> stored, const RawMeasure& me
 RawFit FitOf(const RawMeasure& measure, const RawDifference& differ, double sampleTime) {
   const bool exact = std::abs(measure.Scale - 1) <= kSameScale;
   const auto sample = static_cast<float>(sampleTime);
-  const float step = differ.Edges.Step();
+  const float step = differ.Edges.Step(RawEdges::Pace::OfAll);
   const bool close = differ.Most <= kCloseLength + 2 * sample && differ.IsWithin(kCloseMean, sample);
   const float squares = differ.Edges.Squares();
   return {exact ? RawFit::How::Exact : RawFit::How::Scaled,
           {squares, differ.Squares},
           close,
-          close && (step <= kOneKeyStep || squares < kTellingSquares),
-          step <= kMostStep || differ.Edges.Furthest() <= kOneKeyLength};
+          close && (step <= kOneKeyStep || squares < kTellingSquares ||
+                    differ.Edges.Furthest() <= kOtherKeyLength),
+          step <= kMostStep || differ.Edges.Step(RawEdges::Pace::OfEachFrame) <= kMostStep ||
+              differ.Edges.Furthest() <= kOneKeyLength};
 }
 
 /// Whether nothing is missing that the capture would hold.

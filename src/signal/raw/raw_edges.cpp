@@ -37,31 +37,36 @@ std::vector<RawEdges::Frame> RawEdges::Frames() const {
   return frames;
 }
 
-std::vector<RawEdges::Edge> RawEdges::Fitted() const {
-  std::vector<Edge> fitted = edges_;
+void RawEdges::TakePaceOff(std::span<Edge> edges) {
   float times = 0, products = 0;
-  for (const Frame& frame : Frames()) {
-    Edge mean;
-    const auto count = static_cast<float>(frame.End - frame.Begin);
-    for (std::size_t i = frame.Begin; i < frame.End; ++i) {
-      mean.At += edges_[i].At / count;
-      mean.Apart += edges_[i].Apart / count;
-    }
-    for (std::size_t i = frame.Begin; i < frame.End; ++i) {
-      Edge& edge = fitted[i];
-      edge = {edge.At - mean.At, edge.Apart - mean.Apart};
-      times += edge.At * edge.At;
-      products += edge.At * edge.Apart;
-    }
+  for (const Edge& edge : edges) {
+    times += edge.At * edge.At;
+    products += edge.At * edge.Apart;
   }
-  if (times == 0) return fitted;
-  for (Edge& edge : fitted) edge.Apart -= products / times * edge.At;
+  if (times == 0) return;
+  for (Edge& edge : edges) edge.Apart -= products / times * edge.At;
+}
+
+std::vector<RawEdges::Edge> RawEdges::Fitted(Pace pace) const {
+  std::vector<Edge> fitted = edges_;
+  for (const Frame& frame : Frames()) {
+    const std::span<Edge> edges = std::span(fitted).subspan(frame.Begin, frame.End - frame.Begin);
+    Edge mean;
+    const auto count = static_cast<float>(edges.size());
+    for (const Edge& edge : edges) {
+      mean.At += edge.At / count;
+      mean.Apart += edge.Apart / count;
+    }
+    for (Edge& edge : edges) edge = {edge.At - mean.At, edge.Apart - mean.Apart};
+    if (pace == Pace::OfEachFrame) TakePaceOff(edges);
+  }
+  if (pace == Pace::OfAll) TakePaceOff(fitted);
   return fitted;
 }
 
 float RawEdges::Squares() const {
   float squares = 0;
-  for (const Edge& edge : Fitted()) squares += edge.Apart * edge.Apart;
+  for (const Edge& edge : Fitted(Pace::OfAll)) squares += edge.Apart * edge.Apart;
   return squares;
 }
 
@@ -90,8 +95,8 @@ float RawEdges::Furthest() const {
   return *std::max_element(offs.begin(), offs.end()) / (Stray() * std::sqrt(2.0F));
 }
 
-float RawEdges::Step() const {
-  const std::vector<Edge> fitted = Fitted();
+float RawEdges::Step(Pace pace) const {
+  const std::vector<Edge> fitted = Fitted(pace);
   float furthest = 0;
   for (const Frame& frame : Frames()) {
     for (std::size_t stretch = 2; stretch <= frame.End - frame.Begin; stretch *= 2) {
