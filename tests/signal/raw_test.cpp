@@ -232,8 +232,13 @@ TEST(RawLevels, AreThoseOfACleanSignalOnly) {
     EXPECT_FALSE(FindLevels(ear.Hear(lamp)));
     EXPECT_TRUE(IsNoise(ear.Hear(lamp)));
   }
+  RunVector rarely = Frame(std::string(40, '0'));
+  for (int i = 2; i < 83; ++i) rarely[i] = i / 2 % 10 == 3 ? 11 + i / 20 % 2 : 5 + i / 2 % 2;
+  for (const int i : {8, 9, 12, 13}) rarely[i] = i < 12 ? 7 : 9;
+  EXPECT_TRUE(FindLevels(ear.Hear(Silent(rarely)))) << "two lengths, of which one is rare";
   const RunVector equal(17, 20), few(11, 20);
   EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(equal, kFrameGap, equal))))) << "as many pulses in each frame";
+  EXPECT_FALSE(IsNoise(ear.Hear(First(Then(RunVector(23, 20), kFrameGap, equal), 39)))) << "the last one cut";
   EXPECT_FALSE(FindLevels(ear.Hear(Silent(Then(few, kFrameGap, few)))));
   EXPECT_TRUE(FindLevels(ear.Hear(Silent(Then(Then(few, kFrameGap, few), kFrameGap, few)))));
   const RunVector sixteen = Frame("0123456789:;<=>?", 14, 3);

@@ -68,13 +68,16 @@ std::vector<Level> LevelsOf(const HeardLengths& heard, std::size_t first) {
 }
 
 /// Whether two levels that touch are one length that strays more than usual, as a lamp's does: most of its
-/// runs lie about the middle, where two lengths have few.
+/// runs lie about the middle, where two lengths have few. Of two lengths that are not equally frequent only
+/// how little each strays tells.
 bool IsTorn(const Level& lower, const Level& upper) {
   constexpr double kOfTwo = 15;  // width of two lengths squared, in variances; of one that is normal 25 to 36
+  constexpr double kWithin = 0.2;  // what two lengths stray by each, squared; the halves of one stray by 0.36
   const double count = lower.Count + upper.Count, mean = (lower.Sum + upper.Sum) / count;
-  const double variance = (lower.Squares + upper.Squares) / count - mean * mean;
+  const double squares = lower.Squares + upper.Squares, variance = squares / count - mean * mean;
   const double width = upper.Most - lower.Least + 1;
-  return width * width > kOfTwo * variance;
+  const double within = (squares - lower.Sum * lower.Mean() - upper.Sum * upper.Mean()) / count;
+  return width * width > kOfTwo * variance && within > kWithin * variance;
 }
 
 /// How many lengths the levels are.
@@ -116,20 +119,21 @@ RawLengths SteadyLengths(const HeardLengths& heard, const std::vector<double>& m
 }
 
 /// Whether a frame of pulses was sent again and again, as many in each, perhaps after a mark far ahead: no
-/// lamp does that.
+/// lamp does that. The last one may be cut.
 bool SendsFramesOfOneSize(const HeardLengths& heard) {
   constexpr std::size_t kShortestFrame = 9, kEnough = 2 * kFewestRawLengths - 1;
-  std::size_t size = 0, frames = 0;
+  std::size_t size = 0, frames = 0, lengths = 0;
   for (HeardLengths rest = heard; !rest.Runs.empty();) {
     const std::size_t piece = FirstFrameOf(rest);
-    const bool whole = piece < rest.Runs.size() || !heard.Cut;
-    if (whole && piece > 1) {
+    const bool cut = heard.Cut && piece == rest.Runs.size();
+    if (piece > 1 && !(cut && piece < kShortestFrame)) {
       if (frames++ == 0) size = piece;
-      if (piece != size || piece < kShortestFrame) return false;
+      if (piece < kShortestFrame || piece > size || (piece < size && !cut)) return false;
+      lengths += piece;
     }
     rest = rest.From(std::min(piece + 1, rest.Runs.size()));
   }
-  return frames > 1 && frames * size >= kEnough;
+  return frames > 1 && lengths >= kEnough;
 }
 
 /// Whether there are marks that are too short for the others to be the remote's.
