@@ -28,39 +28,49 @@ constexpr std::size_t kMostLost = 4;
 struct RawIndex::Search {
   static constexpr float kFurthest = std::numeric_limits<float>::max();
 
-  /// The signal that fits best, and how far the next one is from it.
-  struct Best {
-    std::optional<std::size_t> Signal = {};
-    std::size_t Form = 0;
-    RawFit Fit = {};
-    std::size_t Other = 0;                     // the signal whose edges are Next
-    RawSquares Next = {kFurthest, kFurthest};  // the least of other signals
+  /// What fits of a signal.
+  struct Candidate {
+    std::size_t Signal, Form;  // the form that fits best
+    RawFit Fit;
+    float Lengths;  // the least squares of all its forms
+  };
+
+  /// The signals that fit, the best first.
+  struct Candidates {
+    std::vector<Candidate> All = {};
 
     void Take(std::size_t signal, std::size_t form, const RawFit& fit) {
-      const bool better = !Signal || fit.Squares.Edges < Fit.Squares.Edges;
-      if (Signal && *Signal != signal) TakeOther(better ? *Signal : signal, better ? Fit : fit);
-      if (!better) return;
-      Signal = signal;
-      Form = form;
-      Fit = fit;
+      const auto known =
+          std::find_if(All.begin(), All.end(), [&](const Candidate& each) { return each.Signal == signal; });
+      if (known == All.end()) return All.push_back({signal, form, fit, fit.Squares.Lengths});
+      known->Lengths = std::min(known->Lengths, fit.Squares.Lengths);
+      if (fit.Squares.Edges >= known->Fit.Squares.Edges) return;
+      known->Form = form;
+      known->Fit = fit;
     }
-    void TakeOther(std::size_t signal, const RawFit& fit) {
-      if (fit.Squares.Edges < Next.Edges) Other = signal;
-      Next.Edges = std::min(Next.Edges, fit.Squares.Edges);
-      Next.Lengths = std::min(Next.Lengths, fit.Squares.Lengths);
+    void Sort() {
+      std::sort(All.begin(), All.end(), [](const Candidate& one, const Candidate& other) {
+        return one.Fit.Squares.Edges < other.Fit.Squares.Edges;
+      });
     }
     /// @param lengths that were compared
-    bool IsAlone(std::size_t lengths) const {
-      const auto isFar = [&](float next, float best) {
-        return next - best >= std::max(kFarBehind, kFarInMeans * best / static_cast<float>(lengths));
+    bool IsFirstAlone(std::size_t lengths) const {
+      RawSquares next = {kFurthest, kFurthest};
+      for (std::size_t i = 1; i < All.size(); ++i) {
+        next.Edges = std::min(next.Edges, All[i].Fit.Squares.Edges);
+        next.Lengths = std::min(next.Lengths, All[i].Lengths);
+      }
+      const auto isFar = [&](float other, float best) {
+        return other - best >= std::max(kFarBehind, kFarInMeans * best / static_cast<float>(lengths));
       };
-      return isFar(Next.Edges, Fit.Squares.Edges) || isFar(Next.Lengths, Fit.Squares.Lengths);
+      const RawSquares& best = All.front().Fit.Squares;
+      return isFar(next.Edges, best.Edges) || isFar(next.Lengths, best.Lengths);
     }
   };
 
   const HeardLengths& Heard;
   const RawPeriods::Heard Periods{Heard};
-  Best Exact = {}, Scaled = {};
+  Candidates Exact = {}, Scaled = {};
 
   void Take(std::size_t signal, std::size_t form, const RawFit& fit) {
     if (fit.Fits == RawFit::How::None) return;
@@ -128,12 +138,17 @@ RawMatch RawIndex::FindWhole(const HeardLengths& heard) const {
       if (longer >= count + lost) Compare(longer, lost, search);
     }
   }
-  const Search::Best& best = search.Exact.Signal ? search.Exact : search.Scaled;
-  if (!best.Signal) return {};
-  RawMatch match{
-      signals_[*best.Signal], {}, best.IsAlone(heard.Runs.size()), best.Fit.IsClose, best.Fit.IsSame,
-      ToggleOf(best.Form)};
-  if (!match.Alone) match.Other = signals_[best.Other];
+  Search::Candidates& candidates = search.Exact.All.empty() ? search.Scaled : search.Exact;
+  if (candidates.All.empty()) return {};
+  candidates.Sort();
+  const Search::Candidate& best = candidates.All.front();
+  RawMatch match{signals_[best.Signal],
+                 {},
+                 candidates.IsFirstAlone(heard.Runs.size()),
+                 best.Fit.IsClose,
+                 best.Fit.IsSame,
+                 ToggleOf(best.Form)};
+  if (!match.Alone) match.Other = signals_[candidates.All[1].Signal];
   return match;
 }
 
