@@ -59,6 +59,12 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   Learn(kCool, "COOL");
   Learn(kHeat, "HEAT");
   EXPECT_EQ(AddRawCommand(store_, "AC", kCool, "COLD").Detail, "COOL") << "one that fits is stored already";
+  EXPECT_EQ(AddRawCommand(store_, "AC", kCool, "COLD").Reason, "It is a command of the protocol AC.");
+  std::string state;
+  while (state.size() < 200) state += "012";
+  Learn(Signal(state + "12"), "TIMER");
+  EXPECT_NE(AddRawCommand(store_, "AC", Signal(state + "21"), "LATER").Reason.find("behind"),
+            std::string::npos);
   EXPECT_EQ(Heard(*Reread(), kCool), "COOL");
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT");
   EXPECT_TRUE(RenameCommand(store_, "AC", "COOL", "ICE").Done());
