@@ -50,7 +50,7 @@ class Presser {
   void Press() {
     const double cpu = OwnCpuTime();
     const Clock::time_point now = Clock::now();
-    bridge_.Tell(KeyEvent{KeyStage::Press, "1", "Lamp", std::to_string(made_.size()), 0, "now", 1});
+    bridge_.Publish(KeyEvent{KeyStage::Press, "1", "Lamp", std::to_string(made_.size()), 0, "now", 1});
     spent_.push_back(Microseconds(Clock::now() - now));
     cpu_.push_back(OwnCpuTime() - cpu);
     made_.push_back(now);
@@ -187,8 +187,9 @@ bool Memory(int presses) {
     if (paced) tests::Until([&] { return bridge.IsUp(); });
     long settled = 0, most = 0;
     for (int i = 0; i < presses; ++i) {
-      bridge.Tell(KeyEvent{KeyStage::Press, "1", "Lamp", "NEC&A", 0, "now", 1});
-      while (paced && bridge.ConfirmedPresses() + bridge.DroppedPresses() + 200 < static_cast<std::size_t>(i)) {
+      bridge.Publish(KeyEvent{KeyStage::Press, "1", "Lamp", "NEC&A", 0, "now", 1});
+      while (paced &&
+             bridge.ConfirmedPresses() + bridge.DroppedPresses() + 200 < static_cast<std::size_t>(i)) {
         std::this_thread::sleep_for(1ms);
       }
       if (i % 1000 != 0) continue;
@@ -196,8 +197,9 @@ bool Memory(int presses) {
       if (i <= presses / 4) settled = std::max(settled, ResidentKiB());
       most = std::max(most, ResidentKiB());
     }
-    tests::Until(
-        [&] { return bridge.ConfirmedPresses() + bridge.DroppedPresses() == static_cast<std::size_t>(presses); });
+    tests::Until([&] {
+      return bridge.ConfirmedPresses() + bridge.DroppedPresses() == static_cast<std::size_t>(presses);
+    });
     std::cout << presses << " presses, broker " << what << ": " << bridge.ConfirmedPresses() << " told, "
               << bridge.DroppedPresses() << " dropped, memory grew by " << most - settled << " KiB of "
               << settled << "\n";
