@@ -108,7 +108,7 @@ bool Conversation::WaitFor(std::chrono::seconds longest, const Condition& condit
   const auto until = std::chrono::steady_clock::now() + longest;
   for (bool isLast = false; !refusal_ && !condition();) {
     if (isLast) return false;
-    // A machine that slept meanwhile looks at what has come once more.
+    // After a suspension, answers that have arrived meanwhile still count.
     isLast = std::chrono::steady_clock::now() > until;
     pollfd watched{client_.Socket(), static_cast<short>(client_.WantsWrite() ? POLLIN | POLLOUT : POLLIN), 0};
     poll(&watched, 1, isLast ? 0 : 100);
