@@ -81,6 +81,7 @@ TEST(SerialLine, HearsWhatItsDriverTellsOrHowItsLineLooks) {
       {"forgotten within a frame", kTells,
        "p900,500,700,5000,600,12000,600,. w1000 d f w3000 d w3500 d w3400 d w10000 d m50",
        "0 1 1 1 0 [600] 11 389/50 19720..20320 @41910; "},
+      {"forgotten, and over", kTells, "p900,500,700,. w1000 d f w50000 d", "0 1 "},
       {"forgotten in long light", kTells, "p900,500,200000,. w2000 d f w97000 d w3000 d m50",
        "0 1 0 [22000] 400/50 102006..124006 @124012; " + kLamp},
       {"a lamp", kTells, "p300000 w1000 d m50 d q d w200000 d w101000 d p900,500,700,. w1000 d m50",
