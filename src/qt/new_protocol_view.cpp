@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "qt/button_view.h"
 #include "qt/dialog_rows.h"
@@ -88,6 +89,9 @@ void ProtocolDialogHost::Update() {
     ShowDialog(*dialog);
     return;
   }
+  // Else the window system takes it for a new window and looks for a place. The widget itself tells it of
+  // changes alone.
+  if (QWindow* handle = window_.windowHandle()) handle->setPosition(place_);
   window_.show();
   window_.activateWindow();
   view_.reset();
@@ -99,6 +103,7 @@ void ProtocolDialogHost::ShowDialog(NewProtocol& dialog) {
   view_->move(window_.geometry().center() - view_->rect().center());
   view_->show();
   view_->activateWindow();
+  place_ = window_.geometry().topLeft();
   window_.hide();
 }
 

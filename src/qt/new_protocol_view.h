@@ -43,6 +43,7 @@ class ProtocolDialogHost {
 
   Form1& form_;
   QWidget& window_;
+  QPoint place_;  // of the window, while the dialog stands in it
   std::unique_ptr<NewProtocolView, HideAndDeleteLater> view_;
   ModelLink link_;
 };
