@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <algorithm>
 
 #include "qt/busy.h"
 #include "qt/text.h"
@@ -14,18 +15,21 @@ namespace keplo::qt {
 
 namespace {
 
-// Digits after which a pattern may be broken: a sync may be wider than any box.
-constexpr int kLongestPart = 16;
+// Digits after which a pattern, and letters after which a word may be broken: a sync or a name may be wider
+// than any box.
+constexpr int kLongestPart = 16, kLongestWord = 40;
 constexpr QChar kMayBreak(0x200B);
 
 QString WithBreaks(const QString& text) {
   QString broken;
-  int part = 0;
+  int digits = 0, letters = 0;
   for (const QChar letter : text) {
-    part = letter == QLatin1Char('0') || letter == QLatin1Char('1') ? part + 1 : 0;
-    if (part > kLongestPart) {
+    digits = letter == QLatin1Char('0') || letter == QLatin1Char('1') ? digits + 1 : 0;
+    letters = letter.isSpace() || letter == QLatin1Char('/') ? 0 : letters + 1;
+    if (digits > kLongestPart || letters > kLongestWord) {
       broken += kMayBreak;
-      part = 1;
+      digits = std::min(digits, 1);
+      letters = 1;
     }
     broken += letter;
   }
@@ -117,8 +121,10 @@ std::string QtBoxes::Input(std::string_view text, std::string_view title, std::s
   box->setWindowTitle(ShownText(title));
   box->setLabelText(Lines(text));
   box->setTextValue(ShownText(preset));
-  box->setMinimumWidth(WidthForTitle(*box));
-  for (QLabel* label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  for (QLabel* label : box->findChildren<QLabel*>()) {
+    label->setTextFormat(Qt::PlainText);
+    label->setMinimumWidth(WidthForTitle(*box));  // its layout gives the box a least width of its own
+  }
   return box.Answer() == QDialog::Accepted ? TypedText(box->textValue()) : std::string();
 }
 

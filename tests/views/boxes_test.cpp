@@ -44,12 +44,13 @@ TEST(QtBoxes, OnlyAnExplicitYesConfirmsAQuestion) {
 TEST(QtBoxes, InputStartsWithItsPresetAndIsEmptyAfterCancel) {
   for (const auto& [key, answer] : {std::pair(Qt::Key_Return, "POWER2"), {Qt::Key_Escape, ""}}) {
     WhenOpen([pressed = key](QWidget& box) {
+      EXPECT_GT(box.width(), box.fontMetrics().horizontalAdvance(box.windowTitle()));
       auto* field = box.findChild<QLineEdit*>();
       field->end(false);
       QTest::keyClicks(field, QStringLiteral("2"));
       QTest::keyClick(field, pressed);
     });
-    EXPECT_EQ(QtBoxes().Input("Name:", "Save command", "POWER"), answer);
+    EXPECT_EQ(QtBoxes().Input("Name:", "A title that is longer than the text", "POWER"), answer);
   }
 }
 
@@ -69,16 +70,18 @@ TEST(QtBoxes, ABoxDestroyedWithItsWindowIsRefused) {
   }
 }
 
-TEST(QtBoxes, ALongPatternIsShownWhole) {
-  WhenOpen([](QWidget& widget) {
-    auto& box = dynamic_cast<QMessageBox&>(widget);
-    EXPECT_LT(box.width(), box.screen()->availableGeometry().width());
-    const auto& label = *box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-    EXPECT_GE(label.height(), label.heightForWidth(label.width()));
-    EXPECT_EQ(box.text().remove(QChar(0x200B)).count(QLatin1Char('1')), 400);
-    box.close();
-  });
-  QtBoxes().Question("The new parameters are:\r\nBITG= " + std::string(400, '1') + "\r\nBIT0= 0", "Keplo");
+TEST(QtBoxes, ALongPatternOrNameIsShownWhole) {
+  for (const char letter : {'1', 'A'}) {
+    WhenOpen([letter](QWidget& widget) {
+      auto& box = dynamic_cast<QMessageBox&>(widget);
+      EXPECT_LT(box.width(), box.screen()->availableGeometry().width()) << letter;
+      const auto& label = *box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+      EXPECT_GE(label.height(), label.heightForWidth(label.width())) << letter;
+      EXPECT_EQ(box.text().remove(QChar(0x200B)).count(QLatin1Char(letter)), 400);
+      box.close();
+    });
+    QtBoxes().Question("It is:\r\nBITG= " + std::string(400, letter) + "\r\nBIT0= 0", "Keplo");
+  }
 }
 
 }  // namespace
