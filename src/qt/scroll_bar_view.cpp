@@ -1,6 +1,7 @@
 #include "qt/scroll_bar_view.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
@@ -24,6 +25,15 @@ void ScrollBarView::Redraw() {
   setRange(0, Direction() * (model_.Max() - model_.Min()));
   setValue(Direction() * (model_.Value() - model_.Min()));
   ShowState(*this, model_);
+}
+
+void ScrollBarView::paintEvent(QPaintEvent* event) {
+  QScrollBar::paintEvent(event);
+  if (!hasFocus()) return;
+  // The toolkit's scroll bars look alike with and without the focus, and the keys would seem to do nothing.
+  QPainter painter(this);
+  painter.setPen(palette().color(QPalette::Highlight));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void ScrollBarView::keyPressEvent(QKeyEvent* event) {

@@ -14,6 +14,7 @@ class ScrollBarView : public QScrollBar {
   ScrollBarView(ui::ScrollBar& model, QWidget* parent);
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
 
