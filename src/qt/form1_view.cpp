@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QLabel>
 #include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <QWindow>
@@ -92,8 +93,15 @@ void Form1View::AddTabOrder() {
   for (std::size_t i = 1; i < stops.size(); ++i) setTabOrder(views_.at(stops[i - 1]), views_.at(stops[i]));
   if (!stops.empty()) views_.at(stops.front())->setFocus();
   connect(qApp, &QApplication::focusChanged, scrolled_, [this](const QWidget* /*old*/, QWidget* now) {
-    if (now != nullptr && inside_->isAncestorOf(now)) scrolled_->ensureWidgetVisible(now);
+    if (now != nullptr && inside_->isAncestorOf(now)) BringIntoSight(*now);
   });
+}
+
+void Form1View::BringIntoSight(QWidget& view) {
+  scrolled_->ensureWidgetVisible(&view);
+  // What is wider than the window is read from its beginning.
+  if (view.width() > scrolled_->viewport()->width())
+    scrolled_->horizontalScrollBar()->setValue(view.mapTo(inside_, QPoint()).x());
 }
 
 double Form1View::PixelsPerTwip() const {

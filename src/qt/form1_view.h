@@ -33,6 +33,7 @@ class Form1View : public QWidget {
  private:
   void AddControl(const ControlRow& row);
   void AddTabOrder();
+  void BringIntoSight(QWidget& view);
   void Rescale();
   double PixelsPerTwip() const;
   void FitSize();

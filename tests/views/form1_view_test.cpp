@@ -52,7 +52,10 @@ class MainWindowOnScreen : public tests::WindowTest {
   Texts WalkByTab() {
     Texts walked = {Focus()};
     while (walked.size() < 30) {
+      QWidget* const stop = QApplication::focusWidget();
+      const QImage withFocus = stop->grab().toImage();
       QTest::keyClick(view_.get(), Qt::Key_Tab);
+      EXPECT_NE(stop->grab().toImage(), withFocus) << walked.back() << " shows whether it has the focus";
       if (Focus() == walked.front()) break;
       walked.push_back(Focus());
     }
@@ -75,6 +78,8 @@ TEST_F(MainWindowOnScreen, IsGoodForEveryUser) {
     Show();
     EXPECT_EQ(tests::ComplaintsAbout(*view_), Texts{}) << fontScale << dark;
     EXPECT_LE(view_->width(), view_->screen()->availableSize().width()) << "else it scrolls";
+    for (const char* field : {"DeleteCmdButton", "Signal"}) Find(field).setFocus();
+    EXPECT_EQ(Find("Signal").visibleRegion().boundingRect().left(), 0) << "its texts begin there";
   }
 }
 
