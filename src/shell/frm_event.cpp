@@ -98,6 +98,7 @@ void frmEvent::SendCmd_Click() {
   store_.CurCommand = SendCmd.Text();
   EventName.SetText(store_.CurCommand);
   EventDescription.SetText(store_.CurCommand + " from " + store_.CurProtocol);
+  Hint.SetText("");
 }
 
 void frmEvent::OKButton_Click() {
