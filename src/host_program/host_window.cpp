@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -40,7 +41,8 @@ bool AskYesNo(QWidget* parent, const QString& question) {
 
 HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log_(new QListWidget) {
   setWindowTitle(QStringLiteral("InputKeplo"));
-  setWindowIcon(QIcon(Shown(host_.Plugin().InputIconFileName())));
+  // The plug-in's windows show it too.
+  QApplication::setWindowIcon(QIcon(Shown(host_.Plugin().InputIconFileName())));
   auto* splitter = new QSplitter(Qt::Vertical);
   if (QWidget* view = host_.CreateView(splitter)) splitter->addWidget(view);
   auto* below = new QWidget;
@@ -57,6 +59,7 @@ HostWindow::HostWindow(PluginHost& host) : host_(host), chosen_(new QLabel), log
   FillMenus();
   ShowChosenEvent();
   statusBar();
+  resize(sizeHint().boundedTo(screen()->availableSize()));  // by itself it stops at two thirds of the screen
 
   host_.AddOutput(*this);
   host_.OnListShown = [this] { ShowChosenEvent(); };
@@ -129,6 +132,7 @@ QPushButton* HostWindow::Button(const QString& caption, const QString& tip, std:
   auto* button = new QPushButton(caption);
   button->setToolTip(tip);
   connect(button, &QPushButton::clicked, this, [this, clicked = std::move(clicked)] {
+    statusBar()->clearMessage();  // it tells of the click before
     try {
       clicked();
     } catch (const std::exception& failure) {
@@ -185,6 +189,7 @@ void HostWindow::AskForProgram() {
   const std::optional<QString> commandLine = AskForCommandLine(event, shown.value_or(QString()));
   if (commandLine && commandLine != shown) {
     host_.Book().SetActions(eventID, WithCommandLine(actions, *commandLine));
+    statusBar()->showMessage(QStringLiteral("The program of the event was changed"));
   }
 }
 

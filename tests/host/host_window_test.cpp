@@ -113,6 +113,7 @@ TEST_F(HostWindowTest, ShowsEventsAndAddsAndDeletesThem) {
   EXPECT_EQ(Message(), "The event was added");
   EXPECT_EQ(host_->EventIDs(), (std::vector<std::string>{"17", "18"}));
   Click("&Delete", {Return});
+  EXPECT_EQ(Message(), "") << "of the click before";
   EXPECT_EQ(host_->EventIDs().size(), 2U);
   Highlight(1);
   Click("&Delete", {Yes});
@@ -132,6 +133,7 @@ TEST_F(HostWindowTest, AsksForTheProgramOfAnEvent) {
   EXPECT_EQ(Actions(), before);
   Click("P&rogram...", {Yes, Type("lamp \"living room\" on")});
   EXPECT_EQ(Actions(), R"([{"arguments":["living room","on"],"kind":"run","program":"lamp"}])");
+  EXPECT_EQ(Message(), "The program of the event was changed");
   Click("P&rogram...", {[](QWidget& dialog) {
           EXPECT_EQ(dynamic_cast<QInputDialog&>(dialog).textValue(), "lamp \"living room\" on");
           EXPECT_TRUE(dynamic_cast<QInputDialog&>(dialog).labelText().contains("Lamp on (17)"));
