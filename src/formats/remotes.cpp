@@ -50,7 +50,7 @@ const RemoteFormat& DetectFormat(std::string_view text, const std::string& path)
       std::find_if(all.begin(), all.end(), [&](const RemoteFormat& format) { return format.Detect(text); });
   if (found == all.end()) {
     throw FormatError(path + ": it is of no known format; tried were " + AllNames() +
-                      ". Name the format if you know it");
+                      ". If you know which it is, tell keplo import or keplo convert by --format");
   }
   return *found;
 }
