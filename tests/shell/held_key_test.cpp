@@ -149,15 +149,15 @@ TEST_F(OnePress, IsOnePressHoweverLongTheKeyIsHeld) {
 
 TEST_F(OnePress, HoldsNothingOnByDittosWithTheFirstAnalysis) {
   analysis_ = Analysis::First;
-  Bind(kDigits);
-  EXPECT_EQ(Monitored(kNec, kDigits, {1000ms}), "PeR");
+  Bind(kNecDigits);
+  EXPECT_EQ(Monitored(kNec, kNecDigits, {1000ms}), "PeR");
 }
 
 TEST_F(OnePress, IsToldWithoutAnEventToo) {
-  Bind(kDigits);
+  Bind(kNecDigits);
   std::filesystem::remove(folder_.Path() / "inputKeplo.mdb");
   WriteEvents({});
-  EXPECT_EQ(Monitored(kNec, kDigits, {50ms}), "PR");
+  EXPECT_EQ(Monitored(kNec, kNecDigits, {50ms}), "PR");
 }
 
 TEST_F(OnePress, IsOnePressOfAlternatingFrames) {
