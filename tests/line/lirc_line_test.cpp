@@ -26,7 +26,7 @@ using Items = std::deque<std::pair<nanoseconds, std::uint32_t>>;  // when they a
 struct SimulatedDevice : DeviceCalls {
   std::uint32_t Features = LIRC_CAN_REC_MODE2 | LIRC_CAN_SEND_PULSE;
   nanoseconds GoneAt = nanoseconds::max();
-  int WriteError = 0;
+  int OpenError = 0, WriteError = 0;
   std::size_t MostItems = 1023;
   Items Coming;
   std::map<unsigned long, std::uint32_t> Set;  // by what was last asked of it
@@ -54,7 +54,8 @@ struct SimulatedDevice : DeviceCalls {
 
   bool IsThere() const { return Time < GoneAt; }
   int Open(const std::string& /*path*/, int /*flags*/) override {
-    return IsThere() ? 1'000'000 : (errno = ENOENT, -1);
+    errno = IsThere() ? OpenError : ENOENT;
+    return errno == 0 ? 1'000'000 : -1;
   }
   void Close(int /*descriptor*/) override {}
   int Ioctl(int /*descriptor*/, unsigned long request, void* argument) override {
@@ -277,6 +278,19 @@ TEST_F(LircLineTest, TellsWhatItsDeviceDoesNotDo) {
     EXPECT_NE(Told[0].find(c.Says), std::string::npos) << Told[0];
     EXPECT_EQ(line.WhyNot().empty(), !c.Gone) << c.Name;
     EXPECT_FALSE(line.Sent());
+  }
+}
+
+TEST_F(LircLineTest, TellsWhyItsDeviceDoesNotOpen) {
+  for (const auto& [error, why, isInUse] :
+       {std::tuple(EBUSY,
+                   "/dev/lirc0 is in use by another program. End that program, or choose another port.",
+                   true),
+        {ENOENT, "/dev/lirc0 is not there. Plug it in, or load its driver.", false}}) {
+    Device.OpenError = error;
+    EXPECT_EQ(Line.OpenCom(1), 0);
+    EXPECT_EQ(Line.WhyNot(), why);
+    EXPECT_EQ(Line.IsInUse(), isInUse);
   }
 }
 
