@@ -199,6 +199,8 @@ TEST(SecondLook, ReadsWholeFramesThatAgree) {
        WithoutMark(SonyRuns("10101010101011010101"), 26, 2), no},
       {"SONY of 15 that faded after 11 digits", UpTo(SonyRuns(kSonyDigits + "110"), 23), no},
       {"two that differ", Then(sony, 200, other), "doubtful"},
+      {"three of SONY, and a longer one",
+       Then(Then(Twice(sony), 200, sony), 200, SonyRuns(kSonyDigits + "11010011")), no},
       {"three of SONY, of which two agree", Then(Then(sony, 200, other), 200, sony), "SONY " + kSonyDigits},
       {"two remotes", Then(sony, 200, rc5), no},
       {"the front part of a frame", split, no},
