@@ -12,4 +12,8 @@ mkdir -p docs/screenshots
 # One scale and one style, whatever the desktop of the caller says.
 quietly env -u QT_FONT_DPI -u QT_STYLE_OVERRIDE -u QT_QPA_PLATFORMTHEME QT_SCALE_FACTOR=1 \
   "$build/bin/keplo_screenshots" docs/screenshots
+# The manual is installed by itself, with pictures of its own.
+for picture in docs/help/pictures/*.png; do
+  cp "docs/screenshots/${picture##*/}" "$picture"
+done
 say "Drew $(ls docs/screenshots/*.png | wc -l) pictures in docs/screenshots"
