@@ -7,6 +7,7 @@
 
 #include "cli/press_table.h"
 #include "config/raw_lookup.h"
+#include "program/counted.h"
 #include "signal/stage_text.h"
 
 namespace keplo::cli {
@@ -30,7 +31,7 @@ std::string NumbersText(const SignalState& state, const MonitorReading& reading)
            UsText(state.Measured.BaseT, state);
   }
   if (!reading.Digits.empty()) {
-    text += ", " + std::to_string(reading.Digits.size()) + " digits " + reading.Digits;
+    text += ", " + Counted(reading.Digits.size(), "digit") + ' ' + reading.Digits;
   }
   return text;
 }
@@ -50,10 +51,6 @@ std::string NoTimingText(const SignalState& state) {
   return std::string(StageName(Stage::NoTiming)) + " (" + reason + ")";
 }
 
-std::string Counted(int count, std::string_view what) {
-  return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
-}
-
 /// "digit 3", "digits 3, 5".
 std::string DigitsText(const std::vector<std::size_t>& positions) {
   constexpr std::size_t kMost = 6;
@@ -67,7 +64,7 @@ std::string DigitsText(const std::vector<std::size_t>& positions) {
 
 std::string LengthsText(std::size_t number, std::string_view what) {
   if (number == 0) return "some " + std::string(what) + "s stand between two lengths";
-  return "its " + std::string(what) + "s have " + Counted(static_cast<int>(number), "length");
+  return "its " + std::string(what) + "s have " + Counted(number, "length");
 }
 
 /// Why the second look has no certain code; empty if it has one.
@@ -108,7 +105,7 @@ std::string FramesText(SignalState& state, const MonitorReading& reading) {
   if (!heard.TooFine) add(Counted(heard.Frames, "whole frame"));
   if (heard.Frames > 0 && !HasTiming(reading)) add(std::string(ProtoKindName(heard.ProtoKind)));
   if (heard.BaseT > 0 && !HasTiming(reading)) add("base time " + UsText(heard.BaseT, state));
-  if (heard.Frames > 1) add(std::to_string(heard.Alike) + " of them alike");
+  if (heard.Alike > 1) add(std::to_string(heard.Alike) + " of them alike");
   if (heard.Others > 0) add(Counted(heard.Others, "other piece"));
   add(DoubtText(heard, HeardIn(state).Runs.size() > 1));
   return text;

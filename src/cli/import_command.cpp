@@ -72,7 +72,7 @@ void PrintKey(const PlannedKey& planned) {
   std::cout << '\n';
 }
 
-std::string Counted(std::size_t count, const char* what) {
+std::string FateText(std::size_t count, const char* what) {
   return count == 0 ? std::string() : ", " + std::to_string(count) + " " + what;
 }
 
@@ -83,9 +83,9 @@ void PrintSummary(const ImportPlan& plan, bool dryRun) {
   std::cout << stored << (stored == 1 ? " command" : " commands")
             << (dryRun ? " would be imported" : " imported");
   if (stored > 0) std::cout << " into " << Printable(sections);
-  std::cout << Counted(plan.Count(KeyFate::Known), "known")
-            << Counted(plan.Count(KeyFate::Shadowed), "shadowed")
-            << Counted(plan.Count(KeyFate::Skipped), "skipped") << '\n';
+  std::cout << FateText(plan.Count(KeyFate::Known), "known")
+            << FateText(plan.Count(KeyFate::Shadowed), "shadowed")
+            << FateText(plan.Count(KeyFate::Skipped), "skipped") << '\n';
   if (dryRun && !plan.Fits()) {
     std::cout << "They need " << plan.Needed << " characters, and keplo.cfg has " << plan.Free << " free\n";
   }

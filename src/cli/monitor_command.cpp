@@ -12,6 +12,7 @@
 #include "cli/live_line.h"
 #include "keplo_mod.h"
 #include "program/app_path.h"
+#include "program/counted.h"
 #include "program/line_options.h"
 #include "program/local_time.h"
 #include "program/press_line.h"
@@ -96,8 +97,8 @@ void RunTicks(Station& station, const MonitorOptions& options, const StopSignals
 
 /// Prints the numbers of presses, and the stages at which their reading ended.
 void PrintTally(const PressTally& tally, std::ostream& out) {
-  out << tally.Presses << " presses heard, " << tally.Events << " events raised, " << tally.WithoutEvent
-      << " presses without an event\n";
+  out << Counted(tally.Presses, "press") << " heard, " << Counted(tally.Events, "event") << " raised, "
+      << Counted(tally.WithoutEvent, "press") << " without an event\n";
   for (std::size_t i = 0; i < tally.AtStage.size(); ++i) {
     if (tally.AtStage[i] == 0) continue;
     out << "  " << DescribeStage(static_cast<Stage>(i)) << ": " << tally.AtStage[i] << '\n';

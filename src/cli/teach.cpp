@@ -11,6 +11,7 @@
 #include "cli/reference.h"
 #include "config/learn.h"
 #include "config/lookup.h"
+#include "program/counted.h"
 #include "program/printable.h"
 
 namespace keplo::cli {
@@ -61,10 +62,10 @@ int TeachIndex(const std::string& appPathOption, const std::string& indexFile) {
   } catch (const NotWritten& failure) {
     failed = failure.what();
   }
-  std::cout << tally.Learned << " commands learned from " << Printable(indexFile) << '\n';
+  std::cout << Counted(tally.Learned, "command") << " learned from " << Printable(indexFile) << '\n';
   if (next == codes.end()) return tally.Refused == 0 ? kDone : kNoResult;
-  std::cerr << Printable("stopped at " + next->Place + "; " + std::to_string(codes.end() - next) +
-                         " codes not learned: " + failed)
+  std::cerr << Printable("stopped at " + next->Place + "; " + Counted(codes.end() - next, "code") +
+                         " not learned: " + failed)
             << '\n';
   return kNotWritten;
 }

@@ -28,6 +28,7 @@
 #include "host_program/plugin_host.h"
 #include "host_program/signal_notifier.h"
 #include "host_program/web/web_pages.h"
+#include "program/counted.h"
 #include "program/environment.h"
 #include "program/exit_codes.h"
 #include "program/stop_signals.h"
@@ -106,8 +107,8 @@ void EndPrograms(EventActions& actions, SignalNotifier& signals) {
 int StatusOf(const PluginHost& host, const HostOptions& options, const HostLog& log) {
   const auto tally = host.Presses();
   if (!tally || options.Control.ReplayFiles.empty()) return kDone;
-  log.Summary(std::to_string(tally->Presses) + " presses heard, " + std::to_string(tally->Events) +
-              " events raised, " + std::to_string(tally->WithoutEvent) + " presses without an event");
+  log.Summary(Counted(tally->Presses, "press") + " heard, " + Counted(tally->Events, "event") + " raised, " +
+              Counted(tally->WithoutEvent, "press") + " without an event");
   return options.Once && tally->WithoutEvent > 0 ? kNoResult : kDone;
 }
 

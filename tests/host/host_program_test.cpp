@@ -30,7 +30,7 @@ TEST_F(HostProgramTest, ReportsPressesToATerminalAndTheJournal) {
   const auto lines = host_.Output();
   ASSERT_EQ(lines.size(), 2U);
   ExpectPart(lines[0], "  event 17  Lamp on  NEC&TV_POWER  zone 5");
-  EXPECT_EQ(lines[1], "<6>2 presses heard, 1 events raised, 1 presses without an event");
+  EXPECT_EQ(lines[1], "<6>2 presses heard, 1 event raised, 1 press without an event");
   ExpectInLog(
       {"keplo-host: ", "sony_tv_mute.mode2 press 1: heard, but no event: no activated event is bound"});
 }

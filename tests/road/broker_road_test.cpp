@@ -31,7 +31,7 @@ TEST(BrokerRoad, PublishesWhatAMonitorHears) {
               {"events add 'SONY&TV_1' --name Off --disabled", 0, {}},
               {"broker set --host 127.0.0.1 --signals yes --port " + std::to_string(server.Port()), 0, {}},
               {"broker check", 0, {"connection: yes"}},
-              {"monitor --broker --once --replay" + press, 0, {"1 events raised"}}});
+              {"monitor --broker --once --replay" + press, 0, {"1 event raised"}}});
   const std::string top = "keplo/0badcafe/", device = "homeassistant/device/keplo-0badcafe/config";
   ASSERT_TRUE(observer.Sees(top + "status", 2));
   EXPECT_EQ(Told(observer, top + "status"), "online\noffline\n");

@@ -81,7 +81,7 @@ TEST(KeploProgram, StopsOnSignals) {
                       " $(cat" + pid + "); done");
     };
     ExpectPart(untilItTells("monitor --replay" + Quoted(kSamples / "sony_tv_1.mode2")).Out,
-               "\n1 presses heard");
+               "\n1 press heard");
     ExpectPart(untilItTells("ports --watch 30").Out, " 660 us; edges missed 0\n");
     const Ran decode = RunShell("timeout -k 60 -s " + signal + " 1 '" KEPLO_PROGRAM "' decode" + pipe);
     EXPECT_EQ(decode.Status, 124) << "a pipe that nobody writes to";
