@@ -63,8 +63,9 @@ std::string RawText(const OpenedConfig& config, SignalState& state, const Monito
   return match.Alone ? fits : fits + ", and " + nameOf(match.Other) + " nearly as well: none is taken";
 }
 
+/// @param isSet whether the second look is the one of the settings
 std::string AdviceOn(const Explanation& press, const MonitorReading& reading, Analysis analysis, bool isClean,
-                     const std::string& appPath) {
+                     bool isSet, const std::string& appPath) {
   const std::string learn = TypedCommand("learn FILE --name 'SECTION&NAME'", appPath);
   if (press.AllLight) {
     return "The line is lit from beginning to end. If nothing lights it, the receiver rests at the other "
@@ -81,7 +82,7 @@ std::string AdviceOn(const Explanation& press, const MonitorReading& reading, An
   if (analysis == Analysis::First && (isClean || press.Second.Reading.HasCode())) {
     return "The second look can " +
            std::string(press.Second.Reading.HasCode() ? "read it" : "learn its lengths") + ": " +
-           TypedCommand("settings ANALYSIS 1", appPath);
+           (isSet ? "leave out --analysis first" : TypedCommand("settings ANALYSIS 1", appPath));
   }
   return AdviceFor(reading.Ended, appPath);
 }
@@ -111,8 +112,9 @@ Explanation Explain(const Press& press, const PressOptions& options, Analysis an
   explanation.KnownAs = KnownAs(config, reading);
   explanation.Reading =
       explanation.HasCode ? "code G" + reading.Digits : "no code: " + DescribeStage(reading.Ended);
+  const bool isSet = config == nullptr || AnalysisOf(*config) == Analysis::Second;
   explanation.Advice =
-      AdviceOn(explanation, reading, analysis, FindLevels(heard).has_value(), options.AppPath);
+      AdviceOn(explanation, reading, analysis, FindLevels(heard).has_value(), isSet, options.AppPath);
   return explanation;
 }
 
