@@ -16,14 +16,14 @@ namespace {
 constexpr std::size_t kMostIndexBytes = std::size_t{1} << 20;  // far more codes than fit keplo.cfg
 constexpr int kDeepestLevel = 2;                               // texts in objects in the array
 
-std::string SectionOf(const std::string& protocol) {
+std::string SectionOf(const std::string& protocol, const std::string& place) {
   for (const std::string_view section : {"NEC", "SONY", "RC5"}) {
     if (protocol.size() >= section.size() &&
         EqualNoCase(std::string_view(protocol).substr(0, section.size()), section)) {
       return std::string(section);
     }
   }
-  throw Failure(1, "An index file names the protocol " + protocol + "; nec, sony and rc5 can be learned.");
+  throw Failure(1, place + " names the protocol " + protocol + "; nec, sony and rc5 can be learned.");
 }
 
 /// Replaces characters that are not permitted in a command name.
@@ -38,7 +38,7 @@ std::string ValidName(std::string name) {
 CodeToLearn ToCode(const nlohmann::json& entry, const std::string& place) try {
   CodeToLearn wanted;
   wanted.Place = place;
-  wanted.Protocol = SectionOf(entry.at("protocol").get<std::string>());
+  wanted.Protocol = SectionOf(entry.at("protocol").get<std::string>(), place);
   wanted.Code = entry.at("bits").get<std::string>();
   if (wanted.Protocol == "RC5" && wanted.Code.size() > kToggleBitOffset) {
     char& toggle = wanted.Code[kToggleBitOffset];
