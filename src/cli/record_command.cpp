@@ -130,6 +130,9 @@ void DescribeRaw(const RawPress& raw, nlohmann::ordered_json& json) {
   if (raw.Lengths > 0) json["raw_lengths"] = raw.Lengths;
   if (raw.KnownAs.empty()) return;
   json["protocol"] = kRawKind;
+  // By its lengths, whatever base time it seemed to have.
+  json["base_t"] = json["pulse_us"] = nullptr;
+  json["analysis"] = AnalysisName(Analysis::Second);
   json["code"] = raw.Digits;
   json["bits"] = raw.Digits.size();
   json["known_as"] = raw.KnownAs;
