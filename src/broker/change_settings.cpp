@@ -27,8 +27,8 @@ std::string OptionOf(std::string key) {
 /// @return the value for the file
 nlohmann::json ApplyValue(const std::string& key, const std::string& text, BrokerSettings& settings) {
   if (text.size() > kMostSettingBytes) {
-    throw Failure(EINVAL, "The setting " + key + " cannot have " + std::to_string(text.size()) +
-                              " bytes: it takes " + std::to_string(kMostSettingBytes) + " at most.");
+    throw InvalidSetting("The setting " + key + " cannot have " + std::to_string(text.size()) +
+                         " bytes: it takes " + std::to_string(kMostSettingBytes) + " at most.");
   }
   const SettingRow& row = *FindSettingRow(key);
   nlohmann::json value = text;
@@ -44,7 +44,7 @@ nlohmann::json ApplyValue(const std::string& key, const std::string& text, Broke
   if (row.Set(value, settings)) return value;
   const std::string expected =
       value.is_string() && kind.is_boolean() ? "yes or no" : std::string(row.Expected);
-  throw Failure(EINVAL, "The setting " + key + " cannot be \"" + text + "\": it takes " + expected + ".");
+  throw InvalidSetting("The setting " + key + " cannot be \"" + text + "\": it takes " + expected + ".");
 }
 
 bool Contains(const TypedSettings& changes, const std::string& key) {
@@ -61,8 +61,8 @@ bool Contains(const TypedSettings& changes, const std::string& key) {
     if (!removes || key != flaw.Key) words += " " + OptionOf(key) + " " + ShellQuoted(text);
   }
   words += " " + (removes ? OptionOf(flaw.Key) + " ''" : flaw.Mend);
-  throw Failure(EINVAL, "Nothing is changed: " + flaw.What +
-                            ". Type it as a whole: " + TypedCommand(words, FolderOf(file).string()));
+  throw InvalidSetting("Nothing is changed: " + flaw.What +
+                       ". Type it as a whole: " + TypedCommand(words, FolderOf(file).string()));
 }
 
 /// @param before what the file held
@@ -100,6 +100,8 @@ nlohmann::ordered_json ObjectOf(const std::string& text, const std::filesystem::
 }
 
 }  // namespace
+
+InvalidSetting::InvalidSetting(const std::string& text) : Failure(EINVAL, text) {}
 
 void ApplyTyped(const TypedSettings& typed, BrokerSettings& settings) {
   for (const auto& [key, text] : typed) ApplyValue(key, text, settings);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "broker/broker_settings.h"
+#include "failure.h"
 
 namespace keplo::broker {
 
@@ -14,7 +15,13 @@ namespace keplo::broker {
 /// literally.
 using TypedSettings = std::vector<std::pair<std::string, std::string>>;
 
-/// @throws Failure for an invalid value
+/// A typed value that is invalid, by itself or beside the others; the file is sound.
+class InvalidSetting : public Failure {
+ public:
+  explicit InvalidSetting(const std::string& text);
+};
+
+/// @throws InvalidSetting
 void ApplyTyped(const TypedSettings& typed, BrokerSettings& settings);
 
 struct ChangedSettings {
@@ -23,8 +30,8 @@ struct ChangedSettings {
 };
 
 /// Writes changed settings to broker.json, and keeps the rest of the file.
-/// @throws Failure for values that are invalid or inconsistent, which change nothing, or a file that cannot
-/// be read or written
+/// @throws InvalidSetting for values that are invalid or inconsistent, which change nothing
+/// @throws Failure for a file that cannot be read or written
 ChangedSettings ChangeBrokerSettings(const std::filesystem::path& appPath, const TypedSettings& changes);
 
 }  // namespace keplo::broker

@@ -99,8 +99,10 @@ int Set(const BrokerOptions& options) {
   broker::ChangedSettings changed;
   try {
     changed = broker::ChangeBrokerSettings(appPath, changes);
+  } catch (const broker::InvalidSetting& invalid) {
+    throw Refused(invalid.what());
   } catch (const Failure& failure) {
-    if (failure.Number() == EINVAL) throw Refused(failure.what());
+    if (failure.Number() == EINVAL) throw;
     throw NotWritten(failure.Number(), failure.what());
   }
   std::cout << broker::BrokerFile(appPath).string() << " written; a host that runs takes it in by itself."
@@ -148,17 +150,21 @@ BrokerSettings SettingsOfPlace(const std::filesystem::path& appPath, const broke
       std::any_of(place.begin(), place.end(), [](const auto& one) { return one.first == "host"; });
   BrokerSettings settings =
       namesHost ? broker::ReadBrokerSettings(appPath).value_or(BrokerSettings()) : RequireBroker(appPath);
-  broker::ApplyTyped(place, settings);
+  try {
+    broker::ApplyTyped(place, settings);
+  } catch (const broker::InvalidSetting& invalid) {
+    throw Refused(invalid.what());
+  }
   return settings;
 }
 
 int Forget(const BrokerOptions& options) {
   const auto appPath = RequireInstall(options.AppPath);
   const broker::TypedSettings place = TypedOf(options);
+  const BrokerSettings settings = SettingsOfPlace(appPath, place);
+  const std::string identity = broker::IdentityOf(appPath);
   try {
-    broker::ForgetDevice(SettingsOfPlace(appPath, place), broker::IdentityOf(appPath));
-  } catch (const Refused&) {
-    throw;
+    broker::ForgetDevice(settings, identity);
   } catch (const Failure& failure) {
     throw Refused(failure.what());
   }
