@@ -103,7 +103,8 @@ int Edit(const ProtocolWords& words) {
     if (!draft) Require(ProtocolRefusal::NoSection, name + ": ");
     if (words.Generic) draft->ProtoKind = IndexOf(*words.Generic);
     ApplyWords(words, *draft);
-    Require(EditProtocol(store, *draft));
+    Require(CheckProtocolDraft(*draft));
+    Require(EditProtocol(store, *draft), name + ": ");
   });
   PrintStored(config.Text(), name, "changed");
   return kDone;
