@@ -82,15 +82,17 @@ Finding DuplicateName(std::string_view text, const SectionWalk& walk) {
   return std::nullopt;
 }
 
-/// A header whose name begins with a blank: lists show the trimmed name, which does not find the section.
-Finding BlankInHeader(std::string_view text, const SectionWalk& walk) {
+/// A header that is more than a name in brackets: the name that lists show does not find the section.
+Finding OddHeader(std::string_view text, const SectionWalk& walk) {
   for (std::size_t index = 0; index < walk.Names.size(); ++index) {
     const int begin = walk.Places[index].Begin;
+    const auto header = [&] { return "[" + walk.Names[index] + "] in line " + LineBefore(text, begin); };
+    if (walk.Names[index].find(']') != std::string::npos)
+      return header() + " has something behind the ] of its name. Take it out, and start again";
     const int beforeName = begin - 3 - static_cast<int>(walk.Names[index].size());  // offset
     if (walk.Names[index].empty() || beforeName < 0) continue;
     if (text[static_cast<std::size_t>(beforeName)] == '[') continue;
-    return "[" + walk.Names[index] + "] in line " + LineBefore(text, begin) +
-           " has a blank behind its [, so that nobody finds it. Take it out, and start again";
+    return header() + " has a blank behind its [, so that nobody finds it. Take it out, and start again";
   }
   return std::nullopt;
 }
@@ -125,7 +127,7 @@ std::string CheckConfig(const CfgStore& store) {
   Finding finding = Damage(store);
   const SectionWalk walk = WalkSections(store.CfgText);
   if (!finding) finding = DuplicateName(store.CfgText, walk);
-  if (!finding) finding = BlankInHeader(store.CfgText, walk);
+  if (!finding) finding = OddHeader(store.CfgText, walk);
   return DescribeFinding(store, finding);
 }
 
