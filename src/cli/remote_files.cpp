@@ -76,7 +76,7 @@ int WriteRemoteFile(const std::string& format, const std::vector<Remote>& remote
   const std::string text = WriteRemotes(format, remotes, complaints);
   for (const Complaint& complaint : complaints) Tell(complaint.Message());
   const bool keysLeftOut = std::any_of(complaints.begin(), complaints.end(), [](const Complaint& complaint) {
-    return !complaint.Key.empty() || complaint.Line > 0;
+    return !complaint.Key.empty() || !complaint.File.empty();
   });
   const bool all = ReportSkipped(remotes) && !keysLeftOut;
   if (text.empty()) throw Refused("there is nothing to write: none of the keys can be said in this format");

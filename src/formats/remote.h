@@ -84,7 +84,7 @@ struct RemoteKey {
   // Set where the lengths are not heard but made of what the file says of all presses: how they are repeated.
   std::optional<Repeat> Described;
   std::string Skipped;  // why there is neither
-  std::string File;     // of a key that a reader skips: the one that Line counts in
+  std::string File;     // that Line counts in; empty for a key that is of no file
   std::string Lost;     // what the file says of it that neither keeps; empty if nothing
 
   bool IsRaw() const { return !Coded && !Lengths.empty(); }
@@ -152,6 +152,14 @@ PulseTrain PressLengths(const CodedSignal& signal, int repeats);
 /// @param press mark first; a closing space counts as the gap
 std::optional<CodedSignal> ReadDigits(const PulseTrain& press);
 
+/// What a format keeps of a key whose every second press differs.
+enum class KeptForms : std::uint8_t {
+  None,   // it keeps no lengths at all
+  First,  // the first form alone
+  Digit,  // which digit turns over, but no two forms of lengths
+  Both
+};
+
 /// A format that remotes are kept in.
 struct RemoteFormat {
   std::string_view Name, Description;
@@ -159,7 +167,7 @@ struct RemoteFormat {
   void (*Read)(std::string_view text, const std::string& path, RemoteFile& file);
   /// @param told gets what of the keys the format cannot say
   std::string (*Write)(const std::vector<Remote>& remotes, std::vector<Complaint>& told);
-  bool KeepsBothForms = false;  // of a key whose every second press differs
+  KeptForms Forms = KeptForms::First;
 };
 
 /// All formats, in the order in which a text is asked whether it is of one.

@@ -79,18 +79,28 @@ constexpr std::string_view kFurtherDigits =
 /// Whether it is a second form that a key has lost.
 bool IsOfForms(std::string_view lost) { return lost == kOtherSignal || lost == kFurtherDigits; }
 
+bool KeepsOneForm(KeptForms kept) { return kept == KeptForms::First || kept == KeptForms::Digit; }
+
+/// Whether a format loses that every second press of a protocol or of digits differs; RC5 is sent so anyway.
+bool LosesTurns(const RemoteKey& key, KeptForms kept) {
+  if (!key.Coded) return KeepsOneForm(kept) && key.Protocol && !key.Toggled.empty();
+  return kept < KeptForms::Digit && key.Coded->Toggle && key.Coded->Code.Line != LineCode::Biphase;
+}
+
 /// Gives a key the digit that its second form turns over.
 void TakeToggled(RemoteKey& key) {
+  const auto lose = [&](std::string_view what) {
+    if (key.Lost.empty()) key.Lost = what;
+  };
   const std::optional<CodedSignal> other = ReadPress(key.Toggled, key.Carrier);
   const std::string& digits = key.Coded->Digits;
   if (!other || other->Digits.size() != digits.size()) {
-    key.Lost = kOtherSignal;
-    return;
+    return lose(kOtherSignal);
   }
   key.Coded->Toggle = FirstDifference(digits, other->Digits);
   if (key.Coded->Toggle &&
       digits.substr(*key.Coded->Toggle + 1) != other->Digits.substr(*key.Coded->Toggle + 1))
-    key.Lost = kFurtherDigits;
+    lose(kFurtherDigits);
 }
 
 }  // namespace
@@ -146,16 +156,18 @@ RemoteFile LoadRemotes(const std::string& path, std::string_view format) {
 std::string WriteRemotes(std::string_view format, const std::vector<Remote>& remotes,
                          std::vector<Complaint>& told) {
   const RemoteFormat& chosen = RemoteFormatNamed(format);
+  std::size_t number = 0;
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
-      if (!key.Lost.empty() && !(chosen.KeepsBothForms && IsOfForms(key.Lost)))
+      ++number;
+      if (!key.Lost.empty() && !(chosen.Forms == KeptForms::Both && IsOfForms(key.Lost)))
         trade::TellOnce(told, key.Lost);
-      if (key.Toggled.empty() || key.Coded || key.Protocol || chosen.KeepsBothForms) continue;
-      told.push_back(
-          {.File = {},
-           .Line = 0,
-           .Key = key.Name.value_or(""),
-           .Text = "only the first of its two forms is kept, so that every second press of it is not known"});
+      if (LosesTurns(key, chosen.Forms))
+        trade::TellOnce(told, "the format keeps the first form of keys whose every second press differs");
+      if (key.Toggled.empty() || key.Coded || key.Protocol || !KeepsOneForm(chosen.Forms)) continue;
+      trade::TellOfKey(
+          told, key, trade::NameFor(key, number),
+          "only the first of its two forms is kept, so that every second press of it is not known");
     }
   }
   return chosen.Write(remotes, told);

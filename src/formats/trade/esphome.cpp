@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 
+#include "formats/families.h"
 #include "formats/trade/esphome_code.h"
 #include "formats/trade/json_text.h"
 #include "formats/trade/pronto_text.h"
@@ -325,7 +326,9 @@ std::string WriteEsphome(const std::vector<Remote>& remotes, std::vector<Complai
       ++number;
       if (!key.Coded && key.Lengths.empty()) continue;
       const std::string action = EsphomeAction(key, "      ");
-      if (action.find("transmit_raw") != std::string::npos) TellRepeat(told, key);
+      const Family* const family = key.Coded ? FamilyOf(*key.Coded, key.Carrier) : nullptr;
+      const bool isRaw = action.find("transmit_raw") != std::string::npos;
+      if (isRaw || (family != nullptr && HasOwnRepeat(key, *family))) TellRepeat(told, key);
       text += "  - platform: template\n    name: " + JsonText(NameFor(key, number)) + "\n    on_press:\n" +
               action;
     }

@@ -282,19 +282,23 @@ bool WriteParsed(const RemoteKey& key, std::string& text, std::vector<Complaint>
   return false;
 }
 
-bool WriteRaw(const RemoteKey& key, std::string& text, std::vector<Complaint>& told) {
+bool WriteRaw(const RemoteKey& key, const std::string& name, std::string& text,
+              std::vector<Complaint>& told) {
   const PulseTrain press = PressOf(key);
   if (press.size() > kMostFlipperLengths) {
-    LeaveOut(told, key,
-             "it has " + std::to_string(press.size()) + " lengths, of which the format takes up to " +
-                 std::to_string(kMostFlipperLengths));
+    TellOfKey(told, key, name,
+              "it has " + std::to_string(press.size()) + " lengths, of which the format takes up to " +
+                  std::to_string(kMostFlipperLengths));
     return false;
   }
   TellRepeat(told, key);
-  const int carrier = CarrierOf(key);
+  int carrier = CarrierOf(key);
   if (carrier == 0) TellOnce(told, "the format has no signal without a carrier; 38000 Hz is written");
-  text += "type: raw\nfrequency: " + std::to_string(carrier == 0 ? kUsualCarrier : carrier) +
-          "\nduty_cycle: 0.330000\ndata:";
+  if (carrier > 0 && carrier < kLeastCarrier)
+    TellOnce(told,
+             "the format has no carrier below " + std::to_string(kLeastCarrier) + " Hz; 38000 Hz is written");
+  if (carrier < kLeastCarrier) carrier = kUsualCarrier;
+  text += "type: raw\nfrequency: " + std::to_string(carrier) + "\nduty_cycle: 0.330000\ndata:";
   for (const int length : press) text += ' ' + std::to_string(length);
   text += '\n';
   return true;
@@ -308,8 +312,9 @@ std::string WriteFlipper(const std::vector<Remote>& remotes, std::vector<Complai
     for (const RemoteKey& key : remote.Keys) {
       ++number;
       if (!key.Coded && key.Lengths.empty()) continue;
-      std::string lines = "#\nname: " + OnOneLine(NameFor(key, number)) + '\n';
-      if (WriteParsed(key, lines, told) || WriteRaw(key, lines, told)) text += lines;
+      const std::string name = NameFor(key, number);
+      std::string lines = "#\nname: " + OnOneLine(name) + '\n';
+      if (WriteParsed(key, lines, told) || WriteRaw(key, name, lines, told)) text += lines;
     }
   }
   if (remotes.size() > 1) TellOnce(told, "the format keeps one remote a file; all keys are written as one");

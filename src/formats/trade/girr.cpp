@@ -188,8 +188,12 @@ class GirrReader {
         key.Coded = one.Coded;
         key.Carrier = one.Carrier;
         key.Lengths = std::move(one.Lengths);
-      } else if (key.Toggled.empty() && one.Lengths != key.Lengths) {
+      } else if (one.Lengths == key.Lengths || one.Lengths == key.Toggled) {
+        continue;
+      } else if (key.Toggled.empty()) {
         key.Toggled = std::move(one.Lengths);
+      } else {
+        key.Lost = "of a key with more than two forms not all are kept";
       }
       taken = true;
     }
@@ -370,6 +374,6 @@ std::string WriteGirr(const std::vector<Remote>& remotes, std::vector<Complaint>
 
 }  // namespace
 
-const RemoteFormat kGirrFormat = {"girr", "Girr XML", IsGirr, ReadGirr, WriteGirr, true};
+const RemoteFormat kGirrFormat = {"girr", "Girr XML", IsGirr, ReadGirr, WriteGirr, KeptForms::Both};
 
 }  // namespace keplo::trade

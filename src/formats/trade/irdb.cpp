@@ -149,15 +149,15 @@ std::string WriteIrdb(const std::vector<Remote>& remotes, std::vector<Complaint>
       if (!key.Coded && key.Lengths.empty()) continue;
       const std::optional<NamedValues> named = ValuesOf(key);
       if (!named) {
-        LeaveOut(told, key, "the format has no protocol for it");
+        TellOfKey(told, key, name, "the format has no protocol for it");
         continue;
       }
       if (named->OwnCarrier) TellOnce(told, "the format keeps no carrier but that of the protocol");
+      const std::string name = NameFor(key, number);
       if (named->OwnRepeat) TellOnce(told, "the format keeps no way to repeat but that of the protocol");
       const ProtocolValues& values = named->Values;
-      text += CsvField(NameFor(key, number)) + ',' + std::string(named->Protocol) + ',' +
-              std::to_string(values.D) + ',' + std::to_string(values.S) + ',' + std::to_string(values.F) +
-              '\n';
+      text += CsvField(name) + ',' + std::string(named->Protocol) + ',' + std::to_string(values.D) + ',' +
+              std::to_string(values.S) + ',' + std::to_string(values.F) + '\n';
     }
   }
   return text;
@@ -165,6 +165,6 @@ std::string WriteIrdb(const std::vector<Remote>& remotes, std::vector<Complaint>
 
 }  // namespace
 
-const RemoteFormat kIrdbFormat = {"irdb", "csv files of IRDB", IsIrdb, ReadIrdb, WriteIrdb};
+const RemoteFormat kIrdbFormat = {"irdb", "csv files of IRDB", IsIrdb, ReadIrdb, WriteIrdb, KeptForms::None};
 
 }  // namespace keplo::trade

@@ -53,6 +53,7 @@ class KeymapWriter {
     if (code) {
       const std::string protocol(code->Protocol);
       TellOtherCarrier(key, protocol);
+      if (HasOwnRepeat(key, *FamilyOf(*key.Coded, key.Carrier))) TellRepeat(told_, key);
       const std::string family = protocol.starts_with("nec")    ? "nec"
                                  : protocol.starts_with("sony") ? "sony"
                                                                 : protocol;
@@ -107,7 +108,7 @@ class KeymapWriter {
     const std::string code = "0x" + Lower(HexText(value, 2));
     KeymapSection& section = SectionOf(head);
     if (!section.Codes.insert(code).second) {
-      return LeaveOut(told_, key, "another key has its code, and the format keeps one name a code");
+      return TellOfKey(told_, key, name, "another key has its code, and the format keeps one name a code");
     }
     section.Rows += code + " = " + TomlText(name) + '\n';
   }
@@ -120,7 +121,7 @@ class KeymapWriter {
       const auto gap =
           std::find_if(press.begin(), press.end(), [](int length) { return length > kLongestKeymapLength; });
       if ((gap - press.begin()) % 2 == 0)
-        return LeaveOut(told_, key, "a mark of it is longer than the format takes");
+        return TellOfKey(told_, key, name, "a mark of it is longer than the format takes");
       press.erase(gap, press.end());
       TellOnce(told_, "the format takes no silence above 65535 us; what stands behind one is left out");
     }

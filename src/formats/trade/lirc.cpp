@@ -352,6 +352,6 @@ bool IsLirc(std::string_view text) {
 
 }  // namespace
 
-const RemoteFormat kLircFormat = {"lirc", "LIRC's lircd.conf", IsLirc, ReadLirc, WriteLirc};
+const RemoteFormat kLircFormat = {"lirc", "LIRC's lircd.conf", IsLirc, ReadLirc, WriteLirc, KeptForms::Digit};
 
 }  // namespace keplo::trade

@@ -83,6 +83,12 @@ std::size_t FindCode(std::string_view line) {
   return std::string_view::npos;
 }
 
+/// A row of a table, or of a program's text, without what closes it behind the code.
+std::string_view WithoutClosing(std::string_view line) {
+  const std::string_view code = line.substr(0, line.find_last_not_of("\",; \t") + 1);
+  return code.size() < line.size() && FindCode(code) != std::string_view::npos ? code : line;
+}
+
 /// Whether a line of hex words is a name, such as FACE, and a code.
 bool HasHexName(std::string_view line, std::size_t code) {
   if (code == 0 || code == std::string_view::npos) return false;
@@ -92,10 +98,16 @@ bool HasHexName(std::string_view line, std::size_t code) {
 
 /// A name without what parts it from its code.
 std::string_view NameIn(std::string_view text) {
+  const auto isParted = [](std::string_view name) {
+    return !name.empty() && std::string_view(":=,;|").find(name.back()) != std::string_view::npos;
+  };
   text = Trimmed(text);
-  if (!text.empty() && std::string_view(":=,;|").find(text.back()) != std::string_view::npos) {
-    text = Trimmed(text.substr(0, text.size() - 1));
+  // Of an odd number of quotes the last one opens the code.
+  if (text.ends_with('"') && std::count(text.begin(), text.end(), '"') % 2 != 0) {
+    const std::string_view ahead = Trimmed(text.substr(0, text.size() - 1));
+    if (isParted(ahead)) text = ahead;
   }
+  if (isParted(text)) text = Trimmed(text.substr(0, text.size() - 1));
   const bool wrapped = text.size() > 2 && ((text.front() == '<' && text.back() == '>') ||
                                            (text.front() == '"' && text.back() == '"'));
   return wrapped ? Trimmed(text.substr(1, text.size() - 2)) : text;
@@ -109,7 +121,7 @@ class ProntoReader {
   void Read(std::string_view text) {
     Lines lines(text);
     std::string_view line;
-    while (lines.Next(line)) ReadLine(Trimmed(line), lines.Number());
+    while (lines.Next(line)) ReadLine(WithoutClosing(Trimmed(line)), lines.Number());
     EndCode();
     if (name_) reading_.Complain(nameLine_, "found a name without a code", *name_);
   }
@@ -189,6 +201,7 @@ bool IsPronto(std::string_view text) {
   Lines lines(text);
   std::string_view line;
   while (lines.Next(line)) {
+    line = WithoutClosing(Trimmed(line));
     const std::size_t code = FindCode(line);
     if (code == std::string_view::npos) continue;
     const std::string digits = Joined(line.substr(code));
@@ -212,7 +225,7 @@ std::string WritePronto(const std::vector<Remote>& remotes, std::vector<Complain
       if (!key.Coded && key.Lengths.empty()) continue;
       const std::string code = ProntoText(key);
       if (code.empty()) {
-        LeaveOut(told, key, "it has more lengths than the format takes");
+        TellOfKey(told, key, NameFor(key, number), "it has more lengths than the format takes");
         continue;
       }
       if (key.Name) text += ProntoName(OnOneLine(*key.Name)) + ": ";

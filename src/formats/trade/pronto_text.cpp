@@ -16,18 +16,24 @@ constexpr double kProntoClock = 0.241246;  // microseconds
 constexpr std::uint16_t kTypeLearned = 0x0000, kTypeNotModulated = 0x0100, kTypeRc5 = 0x5000,
                         kTypeRc5x = 0x5001, kTypeRc6 = 0x6000, kTypeNec = 0x900A;
 constexpr std::array kTypes = {kTypeLearned, kTypeNotModulated, kTypeRc5, kTypeRc5x, kTypeRc6, kTypeNec};
-constexpr std::size_t kProntoHead = 4;  // words before the pairs
+constexpr std::uint16_t kHighestFrequency = 4;  // as near to kMostCarrier as a word comes
+constexpr std::size_t kProntoHead = 4;          // words before the pairs
 constexpr std::size_t kMostWords = kProntoHead + kMostLengths;
 
 std::string HexWord(std::uint16_t word) { return HexText(word, 4); }
 
 std::string TakeLearned(std::span<const std::uint16_t> words, RemoteKey& key) {
   const double unit = words[1] * kProntoClock;
+  const bool isModulated = words[0] != kTypeNotModulated;
+  if (isModulated && words[1] < kHighestFrequency) {
+    return "found a frequency of " + HexWord(words[1]) + ", expected " + HexWord(kHighestFrequency) +
+           " or more, which is a carrier of up to " + std::to_string(kMostCarrier) + " Hz";
+  }
   LengthList lengths;
   for (const std::uint16_t word : words.subspan(kProntoHead)) lengths.Add(std::lround(word * unit));
   if (!lengths.Fault().empty()) return lengths.Fault();
   if (lengths.Size() == 0) return "there are no pairs in it";
-  key.Carrier = words[0] == kTypeNotModulated ? 0 : static_cast<int>(std::lround(1e6 / unit));
+  key.Carrier = isModulated ? std::min(static_cast<int>(std::lround(1e6 / unit)), kMostCarrier) : 0;
   const PulseTrain all = lengths.Take();
   const auto onceEnd = all.begin() + 2 * std::ptrdiff_t{words[2]};
   TakeParts({all.begin(), onceEnd}, {onceEnd, all.end()}, key);

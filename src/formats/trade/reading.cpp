@@ -134,10 +134,10 @@ void FileReading::Add(RemoteKey key) {
 
 void FileReading::Skip(RemoteKey key, std::string reason) {
   key.Coded.reset();
+  key.File = path_;
   key.Lengths.clear();
   key.Toggled.clear();
   key.Skipped = std::move(reason);
-  key.File = path_;
   Add(std::move(key));
 }
 
@@ -201,8 +201,8 @@ std::string NameFor(const RemoteKey& key, std::size_t number) {
   return key.Name ? *key.Name : "key " + std::to_string(number);
 }
 
-void LeaveOut(std::vector<Complaint>& told, const RemoteKey& key, std::string why) {
-  told.push_back({{}, key.Name ? 0 : key.Line, key.Name.value_or(""), std::move(why)});
+void TellOfKey(std::vector<Complaint>& told, const RemoteKey& key, std::string name, std::string text) {
+  told.push_back({key.File, key.Line, std::move(name), std::move(text)});
 }
 
 void TellOnce(std::vector<Complaint>& told, std::string_view text) {

@@ -105,8 +105,9 @@ int ClosingSilence(const RemoteKey& key);
 /// A name for a key that has none: "key 1".
 std::string NameFor(const RemoteKey& key, std::size_t number);
 
-/// A key that a format cannot write.
-void LeaveOut(std::vector<Complaint>& told, const RemoteKey& key, std::string why);
+/// Something that a format cannot say of one key, and why it leaves the key out.
+/// @param name of NameFor
+void TellOfKey(std::vector<Complaint>& told, const RemoteKey& key, std::string name, std::string text);
 
 /// Something that a format cannot say; told once.
 void TellOnce(std::vector<Complaint>& told, std::string_view text);
