@@ -175,7 +175,7 @@ std::string TakeEsphome(std::string_view protocol, const EsphomeFields& fields, 
     row.Take(numbers, key);
     return numbers.Why;
   }
-  return "the protocol " + Quoted(protocol) + " is not known";
+  return UnknownProtocol(protocol);
 }
 
 std::string EsphomeAction(const RemoteKey& key, std::string_view indent) {

@@ -154,8 +154,8 @@ class FlipperReader {
     } else if (key.Type == "parsed") {
       AddParsed(std::move(key));
     } else {
-      reading_.Skip(std::move(key.Key),
-                    "found the type " + Quoted(key.Type) + R"(, expected "raw" or "parsed")");
+      const std::string type = key.Type.empty() ? "no type" : "the type " + Quoted(key.Type);
+      reading_.Skip(std::move(key.Key), "found " + type + R"(, expected "raw" or "parsed")");
     }
   }
 
@@ -190,7 +190,7 @@ class FlipperReader {
                                             ", expected up to four bytes in hex such as \"07 00 00 00\"");
       return;
     }
-    std::string why = "the protocol " + Quoted(key.Protocol) + " is not known";
+    std::string why = UnknownProtocol(key.Protocol);
     if (SameNoCase(key.Protocol, "RC6")) {
       why = WhyOutside(*address, 8, *command, 8);
       if (why.empty()) TakeRc6(0, DigitText().High(*address, 8).High(*command, 8).Take(), key.Key);

@@ -89,6 +89,7 @@ class IrdbReader {
     key.Protocol = protocol;
     ProtocolValues values;
     const bool hasSub = columns_ == kColumns;
+    if (protocol.empty()) return reading_.Skip(std::move(key), UnknownProtocol(protocol));
     for (const auto& [field, value] :
          {std::pair{std::size_t{2}, &ProtocolValues::D},
           std::pair{std::size_t{3}, hasSub ? &ProtocolValues::S : &ProtocolValues::F},

@@ -106,6 +106,11 @@ std::string Quoted(std::string_view word) {
   return '"' + std::string(word.substr(0, size)) + '"';
 }
 
+std::string UnknownProtocol(std::string_view name) {
+  return name.empty() ? "found no protocol, expected its name"
+                      : "the protocol " + Quoted(name) + " is not known";
+}
+
 std::string NameOfPath(const std::string& path) {
   if (path == "-" || path == "standard input") return {};
   std::string name = std::filesystem::path(path).filename().string();
@@ -129,12 +134,12 @@ void FileReading::Add(RemoteKey key) {
     return;
   }
   ++keys_;
+  key.File = path_;
   file_.Remotes.back().Keys.push_back(std::move(key));
 }
 
 void FileReading::Skip(RemoteKey key, std::string reason) {
   key.Coded.reset();
-  key.File = path_;
   key.Lengths.clear();
   key.Toggled.clear();
   key.Skipped = std::move(reason);

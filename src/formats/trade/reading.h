@@ -42,6 +42,9 @@ std::string HexText(std::uint64_t value, std::size_t digits = 1);
 /// A word as an error text repeats it: short, and between quotes.
 std::string Quoted(std::string_view word);
 
+/// Why a key of such a protocol is left out.
+std::string UnknownProtocol(std::string_view name);
+
 /// The name of a file without its folder and ending; empty for the standard input.
 std::string NameOfPath(const std::string& path);
 

@@ -71,7 +71,7 @@ std::string TakeRc6Scancode(std::string_view name, std::uint64_t value, RemoteKe
       key.Toggled = Rc6Frame(6, false, DigitText().High(value ^ kMceToggle, 32).Take());
     return {};
   }
-  return "the protocol " + Quoted(name) + " is not known";
+  return UnknownProtocol(name);
 }
 
 }  // namespace

@@ -118,7 +118,7 @@ std::string TakeCode(const std::string& name, int bits, std::uint64_t data, Remo
   const auto* const row =
       std::find_if(kTasmota.begin(), kTasmota.end(),
                    [&](const TasmotaProtocol& protocol) { return SameNoCase(protocol.Name, name); });
-  if (row == kTasmota.end()) return "the protocol " + Quoted(name) + " is not known";
+  if (row == kTasmota.end()) return UnknownProtocol(name);
   const bool fits = bits >= row->LeastBits && bits <= row->MostBits &&
                     (row->Family != "SONY" || bits == 12 || bits == 15 || bits == 20);
   if (!fits) return "found " + std::to_string(bits) + " bits, which " + name + " has not";
