@@ -35,8 +35,9 @@ std::vector<std::string> FieldsOf(std::string_view line) {
   return fields;
 }
 
-/// A name that has commas and no quotes takes the fields that are too many.
+/// A name that has commas and no quotes takes the fields that are too many, but for empty ones at the end.
 void JoinName(std::vector<std::string>& fields, std::size_t columns) {
+  while (fields.size() > columns && Trimmed(fields.back()).empty()) fields.pop_back();
   while (fields.size() > columns) {
     fields[0] += ',' + fields[1];
     fields.erase(fields.begin() + 1);
@@ -66,8 +67,9 @@ class IrdbReader {
     std::string_view line;
     while (lines.Next(line)) {
       if (Trimmed(line).empty()) continue;
-      if (StartsNoCase(Trimmed(line), "functionname")) {
-        columns_ = std::clamp<std::size_t>(FieldsOf(line).size(), kColumns - 1, kColumns);
+      const std::vector<std::string> fields = FieldsOf(line);
+      if (SameNoCase(Trimmed(fields[0]), "functionname")) {
+        columns_ = std::clamp<std::size_t>(fields.size(), kColumns - 1, kColumns);
       } else {
         ReadRow(line, lines.Number());
       }
@@ -82,19 +84,22 @@ class IrdbReader {
     key.Line = number;
     key.Name = std::string(Trimmed(fields[0]));
     if (fields.size() < columns_) {
-      return reading_.Skip(std::move(key), "found " + std::to_string(fields.size()) + " fields, expected " +
+      return reading_.Skip(std::move(key), "found " + std::to_string(fields.size()) +
+                                               (fields.size() == 1 ? " field" : " fields") + ", expected " +
                                                std::string(kHeader));
     }
     const std::string protocol(Trimmed(fields[1]));
+    if (protocol.empty()) return reading_.Skip(std::move(key), UnknownProtocol(protocol));
     key.Protocol = protocol;
     ProtocolValues values;
     const bool hasSub = columns_ == kColumns;
-    if (protocol.empty()) return reading_.Skip(std::move(key), UnknownProtocol(protocol));
     for (const auto& [field, value] :
          {std::pair{std::size_t{2}, &ProtocolValues::D},
           std::pair{std::size_t{3}, hasSub ? &ProtocolValues::S : &ProtocolValues::F},
           std::pair{columns_ - 1, &ProtocolValues::F}}) {
       const std::string_view word = Trimmed(fields[field]);
+      // What is not told of a device is that it has no part.
+      if (word.empty() && value == &ProtocolValues::S) continue;
       const std::optional<std::int64_t> number64 = NumberOf(word);
       if (!number64 || *number64 < -1 || *number64 > 65535) {
         return reading_.Skip(std::move(key),
@@ -148,13 +153,13 @@ std::string WriteIrdb(const std::vector<Remote>& remotes, std::vector<Complaint>
     for (const RemoteKey& key : remote.Keys) {
       ++number;
       if (!key.Coded && key.Lengths.empty()) continue;
+      const std::string name = NameFor(key, number);
       const std::optional<NamedValues> named = ValuesOf(key);
       if (!named) {
         TellOfKey(told, key, name, "the format has no protocol for it");
         continue;
       }
       if (named->OwnCarrier) TellOnce(told, "the format keeps no carrier but that of the protocol");
-      const std::string name = NameFor(key, number);
       if (named->OwnRepeat) TellOnce(told, "the format keeps no way to repeat but that of the protocol");
       const ProtocolValues& values = named->Values;
       text += CsvField(name) + ',' + std::string(named->Protocol) + ',' + std::to_string(values.D) + ',' +
