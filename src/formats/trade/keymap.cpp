@@ -99,6 +99,11 @@ class BitCoding {
         return "found a wrong " + std::string(name) + ", expected a number from 0 to " +
                std::to_string(kLongestPulse);
     }
+    if (Bit(false) == Bit(true)) {
+      const std::string kind = distance_ ? "space" : "pulse";
+      return "found bit_0_" + kind + " and bit_1_" + kind +
+             " of the same length, so that nothing tells the digits apart";
+    }
     return {};
   }
 
@@ -122,7 +127,7 @@ class BitCoding {
     code.Tail = Length("trailer_pulse", 625);
     code.Zero = Bit(false);
     code.One = Bit(true);
-    if (code.Zero.Space == code.One.Space || code.Tail == 0 || code.Zero.Mark == 0) return std::nullopt;
+    if (code.Tail == 0 || code.Zero.Mark == 0) return std::nullopt;
     if (code.Zero.Space > code.One.Space) {
       std::swap(code.Zero, code.One);
       for (char& digit : digits) digit = digit == '0' ? '1' : '0';
@@ -172,7 +177,9 @@ class KeymapReader {
     const toml::table* const codes = section["scancodes"].as_table();
     if (codes == nullptr) {
       return reading_.Complain(LineOf(section.source()),
-                               "found no [protocols.scancodes] in " + Quoted(name) + ", expected codes");
+                               "found no [protocols.scancodes] in " +
+                                   (name.empty() ? "a section without a name" : Quoted(name)) +
+                                   ", expected codes");
     }
     // A table of the library is sorted by its keys, and the file's order is by its lines.
     std::vector<std::pair<const toml::key*, const toml::node*>> rows;
@@ -268,7 +275,17 @@ void ReadKeymap(std::string_view text, const std::string& path, RemoteFile& file
   }
 }
 
-bool IsKeymap(std::string_view text) { return text.find("[[protocols]]") != std::string_view::npos; }
+/// A header may have blanks within its brackets.
+bool IsKeymap(std::string_view text) {
+  for (std::size_t at = text.find("[["); at != std::string_view::npos; at = text.find("[[", at + 2)) {
+    std::string_view rest = text.substr(at + 2);
+    rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
+    if (!rest.starts_with("protocols")) continue;
+    rest.remove_prefix(std::string_view("protocols").size());
+    if (Trimmed(rest.substr(0, rest.find(']'))).empty()) return true;
+  }
+  return false;
+}
 
 }  // namespace
 
