@@ -26,6 +26,13 @@ std::string Word(std::string_view name) {
   return word;
 }
 
+/// Why a name is written as another word.
+std::string_view WhyWritten(std::string_view name, std::string_view word) {
+  const std::string wanted = Word(name);
+  if (word != wanted) return wanted == name ? "since another has that name" : "one word that no other has";
+  return name.empty() || wanted.size() == name.size() ? "one word" : "since the format has that word itself";
+}
+
 std::string PairLine(std::string_view name, const Pulse& pulse) {
   return "  " + std::string(name) + ' ' + std::to_string(pulse.Mark) + ' ' + std::to_string(pulse.Space) +
          '\n';
@@ -64,6 +71,10 @@ class LircWriter {
 
   std::string Write(const std::vector<Remote>& remotes) {
     for (const Remote& remote : remotes) {
+      if (!remote.Name.empty() && Word(remote.Name) == remote.Name) own_.insert(remote.Name);
+    }
+    taken_ = own_;
+    for (const Remote& remote : remotes) {
       std::vector<const RemoteKey*> left;
       TakeNames(remote);
       for (const RemoteKey& key : remote.Keys) {
@@ -92,7 +103,8 @@ class LircWriter {
 
   void TellName(std::string_view name, std::string_view word) {
     if (name != word)
-      TellOnce(told_, "the name " + Quoted(name) + " is written as " + Quoted(word) + ", one word");
+      TellOnce(told_, (name.empty() ? "an empty name" : "the name " + Quoted(name)) + " is written as " +
+                          Quoted(word) + ", " + std::string(WhyWritten(name, word)));
   }
 
   /// Names that are words keep theirs; equal names of the file stay equal, and no others become so.
@@ -113,7 +125,9 @@ class LircWriter {
 
   void WriteRemote(const std::string& name, const std::vector<const RemoteKey*>& keys, bool again) {
     const RemoteKey& first = *keys.front();
-    const std::string word = FreeWord(Word(name.empty() ? "remote" : name), taken_);
+    // The first of that name keeps it, and no part of another remote takes it away.
+    const bool keeps = !again && own_.erase(name) > 0;
+    const std::string word = keeps ? name : FreeWord(Word(name.empty() ? "remote" : name), taken_);
     if (!name.empty() && !again) TellName(name, word);
     text_ += "begin remote\n\n  name " + word + '\n';
     if (AsDigits(first)) {
@@ -178,6 +192,7 @@ class LircWriter {
   std::vector<Complaint>& told_;
   std::map<const RemoteKey*, std::string> names_;
   Words taken_;  // by remotes
+  Words own_;    // names of remotes that are words, and are not written yet
   std::string text_;
 };
 
