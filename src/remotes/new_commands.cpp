@@ -27,7 +27,12 @@ std::string WhyRenamed(const PlannedKey& key) {
   if (name.empty()) return "renamed: the file has an empty name for it";
   const std::string was = "renamed from \"" + name + "\": ";
   if (SaysNothing(name)) return was + "it has no letter or digit that a name may have";
-  if (key.Name == CleanName(name)) return was + "a name has letters, digits, - and _";
+  if (key.Name == CleanName(name)) {
+    const std::string_view whole = Trimmed(name);
+    const bool isCut = whole.size() > key.Name.size() && whole.starts_with(key.Name);
+    return was + (isCut ? "a name has up to " + std::to_string(key.Name.size()) + " characters"
+                        : "a name has letters, digits, - and _");
+  }
   return was + "that would be found elsewhere in the section";
 }
 
