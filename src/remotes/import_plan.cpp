@@ -222,7 +222,7 @@ class Planner {
                       [&](std::string_view digits) { return codes_.Meets(std::string(digits)).has_value(); }),
         std::move(forms)};
     planned.Fate = KeyFate::Stored;
-    planned.Reason.clear();
+    planned.Reason = planned.Key->Coded ? "no two digit patterns send it, so that it keeps its lengths" : "";
     planned.RawDigits = signal.Digits;
     codes_.Add(signal.Digits, place);
     raw_.Add(signal);

@@ -157,8 +157,11 @@ Repeat RepeatOf(const SectionSignal& section, const CodedSignal& signal) {
   return again;
 }
 
-std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlot) {
-  const std::optional<SlotPatterns> patterns = PatternsOf(signal.Code, longestSlot);
+/// The section whose slot is a unit, or a part of it.
+std::optional<SectionSignal> SectionInUnits(const CodedSignal& signal, int unit, int longestSlot) {
+  Coding coding = signal.Code;
+  coding.Unit = unit;
+  const std::optional<SlotPatterns> patterns = PatternsOf(coding, longestSlot);
   if (!patterns || patterns->Slot > kLongestNumber || signal.Digits.size() > kMostDigits) return std::nullopt;
   SectionSignal section;
   section.ProtoKind = KindOf(signal);
@@ -169,6 +172,26 @@ std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlo
   section.Params.BITG = patterns->Sync.empty() ? "0" : patterns->Sync;
   section.Params.BitTail = BitTailOf(section.ProtoKind);
   return SendsFrame(section, signal) ? std::optional(section) : std::nullopt;
+}
+
+/// Whether a section sends each length of a frame within 15 %.
+bool SendsNearly(const SectionSignal& section, const CodedSignal& signal) {
+  const PulseTrain sent = SentFrame(section, signal.Digits), wanted = FrameLengths(signal);
+  return std::equal(sent.begin(), sent.end(), wanted.begin(), wanted.end(),
+                    [](int length, int meant) { return 20 * std::abs(length - meant) <= 3 * meant; });
+}
+
+std::optional<SectionSignal> SectionAt(const CodedSignal& signal, int longestSlot) {
+  const Coding& code = signal.Code;
+  std::optional<SectionSignal> section = SectionInUnits(signal, code.Unit, longestSlot);
+  // The closing mark is one slot, where a unit that divides the digits best may make it two.
+  for (const int unit : {code.Zero.Mark, (code.Zero.Mark + code.Zero.Space) / 2}) {
+    if (section) break;
+    section = SectionInUnits(signal, unit, longestSlot);
+    // A remote that sends other lengths would not be heard as what this section sends.
+    if (section && !SendsNearly(*section, signal)) section.reset();
+  }
+  return section;
 }
 
 }  // namespace
