@@ -31,6 +31,12 @@ struct KeymapSection {
   std::string Rows;
 };
 
+/// Whether a section can say it, which has one length for all marks of digits.
+bool IsPulseDistance(const Coding& code) {
+  return code.Line == LineCode::Distance && code.HasSync() &&
+         10 * std::abs(code.Zero.Mark - code.One.Mark) <= code.Zero.Mark;
+}
+
 class KeymapWriter {
  public:
   explicit KeymapWriter(std::vector<Complaint>& told) : told_(told) {}
@@ -62,8 +68,7 @@ class KeymapWriter {
                      code->Value);
     }
     constexpr std::size_t kMostBits = 32;  // which ir-ctl sends; of longer codes it mixes the halves up
-    if (key.Coded && key.Coded->Code.Line == LineCode::Distance && key.Coded->Code.HasSync() &&
-        key.Coded->Digits.size() <= kMostBits) {
+    if (key.Coded && IsPulseDistance(key.Coded->Code) && key.Coded->Digits.size() <= kMostBits) {
       TellRepeat(told_, key);
       return PutCode(key, name, DistanceHead(*key.Coded) + CarrierLine(key) + "[protocols.scancodes]\n",
                      HighFirst(key.Coded->Digits));
