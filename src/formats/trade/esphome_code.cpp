@@ -136,7 +136,7 @@ struct ActionText {
 
 ActionText RawAction(const RemoteKey& key) {
   std::string code = "[";
-  const PulseTrain press = PressOf(key);
+  const PulseTrain press = PressAndSilence(key);
   for (std::size_t i = 0; i < press.size(); ++i) {
     code += (i == 0 ? "" : i % 2 == 0 ? ", " : ", -") + std::to_string(press[i]);
   }

@@ -284,7 +284,7 @@ bool WriteParsed(const RemoteKey& key, std::string& text, std::vector<Complaint>
 
 bool WriteRaw(const RemoteKey& key, const std::string& name, std::string& text,
               std::vector<Complaint>& told) {
-  const PulseTrain press = PressOf(key);
+  const PulseTrain press = PressAndSilence(key);
   if (press.size() > kMostFlipperLengths) {
     TellOfKey(told, key, name,
               "it has " + std::to_string(press.size()) + " lengths, of which the format takes up to " +

@@ -72,7 +72,7 @@ std::string WritePayloads(const std::vector<Remote>& remotes, std::vector<Compla
   std::string text;
   for (const Remote& remote : remotes) {
     for (const RemoteKey& key : remote.Keys) {
-      const PulseTrain press = PressOf(key);
+      const PulseTrain press = PressAndSilence(key);
       if (press.empty()) continue;
       if (key.Name) TellOnce(told, "the format keeps no names");
       TellRepeat(told, key);

@@ -270,9 +270,7 @@ std::string WriteMode2(const std::vector<Remote>& remotes, std::vector<Complaint
 std::string WriteSigned(const std::vector<Remote>& remotes, std::vector<Complaint>& told) {
   // Beside such a line ir-ctl takes no other.
   return WriteKeys(remotes, told, kCarrierComment, [](const RemoteKey& key, std::string& text) {
-    PulseTrain press = PressOf(key);
-    if (key.Gap > 0 && !key.Described && press.size() % 2 != 0) press.push_back(ClosingSilence(key));
-    text += OneLineText(press);
+    text += OneLineText(PressAndSilence(key));
   });
 }
 

@@ -202,6 +202,12 @@ int ClosingSilence(const RemoteKey& key) {
   return key.Gap > time ? key.Gap - static_cast<int>(time) : kUsualSilence;
 }
 
+PulseTrain PressAndSilence(const RemoteKey& key) {
+  PulseTrain press = PressOf(key);
+  if (key.Gap > 0 && !key.Described && press.size() % 2 != 0) press.push_back(ClosingSilence(key));
+  return press;
+}
+
 std::string NameFor(const RemoteKey& key, std::size_t number) {
   return key.Name ? *key.Name : "key " + std::to_string(number);
 }

@@ -105,6 +105,9 @@ PulseTrain PressOf(const RemoteKey& key);
 /// The silence that is due after the last mark of a press.
 int ClosingSilence(const RemoteKey& key);
 
+/// PressOf, with that silence where the file tells it beside the lengths.
+PulseTrain PressAndSilence(const RemoteKey& key);
+
 /// A name for a key that has none: "key 1".
 std::string NameFor(const RemoteKey& key, std::size_t number);
 

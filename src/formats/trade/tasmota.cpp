@@ -313,7 +313,8 @@ std::string WriteTasmota(const std::vector<Remote>& remotes, std::vector<Complai
       if (code.empty()) {
         TellOnce(told, "the format keeps no carrier with lengths; it is written for 38000 Hz");
         TellRepeat(told, key);
-        code = R"("Protocol":"UNKNOWN","Bits":0,"Data":"0x0","RawData":")" + CompactText(PressOf(key)) + '"';
+        code = R"("Protocol":"UNKNOWN","Bits":0,"Data":"0x0","RawData":")" +
+               CompactText(PressAndSilence(key)) + '"';
       }
       text += "{\"IrReceived\":{" + code + ",\"Repeat\":0}}\n";
     }
