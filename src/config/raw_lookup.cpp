@@ -41,12 +41,12 @@ RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
 }
 
 /// What to tell of two keys that the monitor cannot tell apart.
-constexpr std::string_view kDifferBehindCapture =
-    " The two keys differ behind the first 0.22 seconds of their signals alone, and the monitor hears no "
+constexpr std::string_view kDifferAfterCapture =
+    " The signals of the two keys differ only after the first 0.22 seconds, and the monitor hears no "
     "more.";
 
 /// Whether two signals that are alike in what the monitor captures are of two keys.
-bool DifferBehindCapture(const RawSignal& one, const RawSignal& other) {
+bool DifferAfterCapture(const RawSignal& one, const RawSignal& other) {
   return std::none_of(one.Forms.begin(), one.Forms.end(), [&](const RawLengths& form) {
     return std::any_of(other.Forms.begin(), other.Forms.end(), [&](const RawLengths& known) {
       return CompareRaw({form, false, 1, RawGapOf(form)}, known).Fits != RawFit::How::None;
@@ -216,17 +216,17 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
             "These are the digits of a raw command without lengths."};
   }
   auto like = FindSimilarRawCommand(store, *signal);
-  std::string behind;
+  std::string advice;
   if (like) {
     const RawMatch match = FindSimilarRaw(store.Raw.Index, signal->Forms);
     const RawSignal* known = FindRawSignal(store, "G" + std::string(match.Digits));
-    if (known != nullptr && DifferBehindCapture(*signal, *known)) behind = kDifferBehindCapture;
+    if (known != nullptr && DifferAfterCapture(*signal, *known)) advice = kDifferAfterCapture;
   } else {
     like = FindCommandDecodedFrom(store.CfgText, signal->Forms);
   }
   if (!like) return {};
   return {Refusal::CodeExists, like->Command,
-          "It is a command of the protocol " + like->Protocol + "." + behind};
+          "It is a command of the protocol " + like->Protocol + "." + advice};
 }
 
 LearnResult AddRawCommand(CfgStore& store, std::string_view protocol, const RawSignal& signal,

@@ -63,7 +63,8 @@ TEST_F(RawStored, KeepsLengthsInStepWithCodeLines) {
   std::string state;
   while (state.size() < 200) state += "012";
   Learn(Signal(state + "12"), "TIMER");
-  EXPECT_NE(AddRawCommand(store_, "AC", Signal(state + "21"), "LATER").Reason.find("behind"),
+  EXPECT_NE(AddRawCommand(store_, "AC", Signal(state + "21"), "LATER")
+                .Reason.find("only after the first 0.22 seconds"),
             std::string::npos);
   EXPECT_EQ(Heard(*Reread(), kCool), "COOL");
   EXPECT_EQ(Heard(*Reread(), kHeat), "HEAT");
