@@ -100,7 +100,7 @@ void BrokerReporter::Publish(const RaisedEvent& event) {
 void BrokerReporter::Publish(const TickReport& tick) {
   const HeardSignal heard = HeardOnAir(mod_, station_.Line(), tick);
   bridge_->Publish(broker::HeardSignal{heard.Timings, std::nullopt, heard.Protocol, heard.Code, heard.Command,
-                                    heard.Zone, LocalTime()});
+                                       heard.Zone, LocalTime()});
 }
 
 }  // namespace keplo::cli

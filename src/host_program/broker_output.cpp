@@ -93,7 +93,7 @@ void BrokerOutput::EventRaised(const RaisedEvent& event) {
 
 void BrokerOutput::SignalHeard(const HeardSignal& signal) {
   bridge_->Publish(broker::HeardSignal{signal.Timings, std::nullopt, signal.Protocol, signal.Code,
-                                    signal.Command, signal.Zone, LocalTime()});
+                                       signal.Command, signal.Zone, LocalTime()});
 }
 
 void BrokerOutput::KeyChanged(PressStage stage, const HeardKey& key) {

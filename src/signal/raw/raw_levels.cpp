@@ -72,7 +72,7 @@ std::vector<Level> LevelsOf(const HeardLengths& heard, std::size_t first) {
 /// how little each strays tells.
 bool IsTorn(const Level& lower, const Level& upper) {
   constexpr double kOfTwo = 15;  // width of two lengths squared, in variances; of one that is normal 25 to 36
-  constexpr double kWithin = 0.25;  // what two lengths stray by each, squared; the halves of one stray by 0.36
+  constexpr double kWithin = 0.25;  // share of the variance within two lengths; the halves of one have 0.36
   const double count = lower.Count + upper.Count, mean = (lower.Sum + upper.Sum) / count;
   const double squares = lower.Squares + upper.Squares, variance = squares / count - mean * mean;
   const double width = upper.Most - lower.Least + 1;
