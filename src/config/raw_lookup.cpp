@@ -40,6 +40,11 @@ RawMatch MatchOf(const RawIndex& index, const RawLengths& lengths) {
   return index.Find(HeardIn(heard));
 }
 
+/// The command of a raw signal that another one is the same as; none if it is of none.
+std::optional<FoundCommand> SimilarCommand(const CfgStore& store, const RawMatch& similar) {
+  return similar.IsSame ? FindCommand(store.CfgText, similar.Digits, 0, Analysis::Second) : std::nullopt;
+}
+
 /// What to tell of two keys that the monitor cannot tell apart.
 constexpr std::string_view kDifferAfterCapture =
     " The signals of the two keys differ only after the first 0.22 seconds, and the monitor hears no "
@@ -204,8 +209,7 @@ RawSignal MakeRawSignal(std::string_view text, const std::vector<RawLesson::Form
 }
 
 std::optional<FoundCommand> FindSimilarRawCommand(const CfgStore& store, const RawSignal& signal) {
-  const RawMatch match = FindSimilarRaw(store.Raw.Index, signal.Forms);
-  return match.IsSame ? FindCommand(store.CfgText, match.Digits, 0, Analysis::Second) : std::nullopt;
+  return SimilarCommand(store, FindSimilarRaw(store.Raw.Index, signal.Forms));
 }
 
 LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
@@ -215,18 +219,15 @@ LearnResult CheckRawCode(const CfgStore& store, std::string_view code) {
     return {Refusal::InvalidCode, std::string(code),
             "These are the digits of a raw command without lengths."};
   }
-  auto like = FindSimilarRawCommand(store, *signal);
-  std::string advice;
-  if (like) {
-    const RawMatch match = FindSimilarRaw(store.Raw.Index, signal->Forms);
-    const RawSignal* known = FindRawSignal(store, "G" + std::string(match.Digits));
-    if (known != nullptr && DifferAfterCapture(*signal, *known)) advice = kDifferAfterCapture;
-  } else {
-    like = FindCommandDecodedFrom(store.CfgText, signal->Forms);
-  }
+  const RawMatch similar = FindSimilarRaw(store.Raw.Index, signal->Forms);
+  auto like = SimilarCommand(store, similar);
+  const RawSignal* known = like ? FindRawSignal(store, "G" + std::string(similar.Digits)) : nullptr;
+  if (!like) like = FindCommandDecodedFrom(store.CfgText, signal->Forms);
+  const bool differ = known != nullptr && DifferAfterCapture(*signal, *known);
   if (!like) return {};
   return {Refusal::CodeExists, like->Command,
-          "It is a command of the protocol " + like->Protocol + "." + advice};
+          "It is a command of the protocol " + like->Protocol + "." +
+              std::string(differ ? kDifferAfterCapture : "")};
 }
 
 LearnResult AddRawCommand(CfgStore& store, std::string_view protocol, const RawSignal& signal,
